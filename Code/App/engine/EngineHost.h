@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+namespace tavrin {
+
+class CompositeRenameAction;
+class ItemStore;
+class ProgressInfo;
+class RunLoop;
+class StoreContext;
+class TVRNGlobalPreferencesPseudoAction;
+class UserPrompts;
+
+/// What the engine needs of the application that runs it. The first group may be called from any thread, the
+/// second is called on the main thread only.
+class EngineHost {
+  public:
+    virtual ~EngineHost() = default;
+
+    /// The store, made on first demand; null when there is none to be had.
+    virtual ItemStore* persistentStoreCoordinator() = 0;
+    /// The main context, made on first demand; hold its mutex while using it.
+    virtual StoreContext& managedObjectContext() = 0;
+    virtual TVRNGlobalPreferencesPseudoAction& globalSettings() = 0;
+    virtual CompositeRenameAction& compositeAction() = 0;
+    virtual ProgressInfo& progressInfo() = 0;
+    virtual RunLoop& runLoop() = 0;
+    virtual UserPrompts& userPrompts() = 0;
+    virtual bool isSilentDroplet() = 0;
+    /// Asks for a new preview; after a switch of store, from the worker.
+    virtual void updatePreview() = 0;
+
+    virtual void startProgressWindow() = 0;
+    virtual void stopProgressWindow() = 0;
+    virtual void refreshPreview() = 0;
+    virtual void showStats() = 0;
+    virtual void showCompletionDialog() = 0;
+    virtual void showFileListSavingCompletionDialog(int format) = 0;
+    virtual void reloadPreview() = 0;
+    virtual void clearList() = 0;
+    virtual void terminate() = 0;
+    /// Shows a written report to the user in the file browser.
+    virtual void revealReport(const std::string& path) = 0;
+};
+
+} // namespace tavrin

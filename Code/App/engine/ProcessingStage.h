@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+class EngineHost;
+class ProgressInfo;
+class RenameEngine;
+class StoreContext;
+
+/// One step of a pipeline. Runs on the pipeline's worker thread against the pipeline's context; holds no
+/// state from one `process` to the next.
+class ProcessingStage {
+  public:
+    virtual ~ProcessingStage() = default;
+
+    /// True to go on with the next stage, false to interrupt the pipeline, which is a normal end. Throws
+    /// StoreError (or any exception) on a failure of the store.
+    virtual bool process() { return true; }
+    /// The name in the log and in reports: the name of the class.
+    [[nodiscard]] virtual std::string className() const = 0;
+    [[nodiscard]] virtual std::string stageDescription() const { return "Processing..."; }
+
+    /// Not owned; null means that all reports of progress do nothing.
+    virtual void setProgressInfo(ProgressInfo* info) { progress = info; }
+    /// Not owned; set by the pipeline right before `process`.
+    void setManagedObjectContext(StoreContext* newContext) { context = newContext; }
+
+    /// Inserts a row to be shown at the end of the run.
+    void addError(std::string_view title, std::string_view message, std::string_view path);
+
+  protected:
+    explicit ProcessingStage(RenameEngine& owner) : engine(owner) {}
+
+    /// Commits; on failure logs and leaves all rows as they are, else drops the values of all rows. True on
+    /// success.
+    bool saveAndRefaultObjects();
+    /// Commits, ignoring failure, and drops the values of rows; for commits inside a running enumeration.
+    void saveAndRefaultFiles();
+
+    RenameEngine& engine;
+    ProgressInfo* progress = nullptr;
+    StoreContext* context = nullptr;
+};
+
+} // namespace tavrin

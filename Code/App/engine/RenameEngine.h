@@ -1,0 +1,90 @@
+#pragma once
+
+#include "store/Predicate.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tavrin {
+
+class EngineHost;
+class ProcessingPipeline;
+class ProgressInfo;
+class StoreContext;
+
+/// Decides which pipelines exist and how they reach a thread: each request gets a thread of its own, one
+/// pipeline runs at a time under the engine's lock, and of waiting previews only the last in line runs.
+class RenameEngine {
+  public:
+    explicit RenameEngine(EngineHost& host);
+    /// Waits for all its threads.
+    ~RenameEngine();
+    RenameEngine(const RenameEngine&) = delete;
+    RenameEngine& operator=(const RenameEngine&) = delete;
+
+    // Main thread; each returns at once.
+    void processPreviewPipeline(ProgressInfo& progress);
+    void processRenamingPipelineThenClearList(ProgressInfo& progress);
+    void processRenamingPipelineThenContinue(ProgressInfo& progress);
+    void processRenamingPipelineThenQuit(ProgressInfo& progress);
+    /// `path` in bytes; formats 0 to 2.
+    void processFileListPipeline(ProgressInfo& progress, int format, bool shouldIncludeOnlyAffectedFiles,
+                                 const std::string& path);
+    /// Whether any request is waiting or running. Any thread.
+    [[nodiscard]] bool isBusy() const;
+
+    [[nodiscard]] std::unique_ptr<ProcessingPipeline> createPreviewPipelineWith(ProgressInfo* progress);
+    [[nodiscard]] std::unique_ptr<ProcessingPipeline> createRenamingPipeline(ProgressInfo* progress,
+                                                                             bool andContinue);
+    struct FileListArguments {
+        ProgressInfo* ProgressInfo = nullptr; ///< nothing reads it: a save-list run has no progress record
+        int format = 0;
+        bool shouldIncludeOnlyAffectedFiles = false;
+        std::string path;
+    };
+    [[nodiscard]] std::unique_ptr<ProcessingPipeline>
+    createSaveToFileListPipeline(const FileListArguments& arguments);
+
+    /// The next pass marker; the first is 2, after 99 comes 0.
+    PassMarker nextStageFlagCounter();
+
+    /// Switches the failing pipeline's store into memory; false when it is there already. Worker thread.
+    bool migrateToInMemoryStoreOnTheFly(StoreContext& context);
+    [[nodiscard]] bool busyMigratingStore() const { return migrating; }
+
+    /// The value that `manualOrder` of the next row gets; goes up for the life of the engine.
+    std::int32_t nextManualOrder() { return manualOrderCounter++; }
+
+    [[nodiscard]] EngineHost& host() const { return application; }
+
+    /// Asks the running rename to stop after the step in hand, as if the user had answered "stop". Any
+    /// thread, also a signal's helper thread.
+    void requestStop() { stopRequested = true; }
+    [[nodiscard]] bool isStopRequested() const { return stopRequested; }
+
+    // Counters of the EngineControl row of the given context.
+    void computeTotalNumberOfFilesForContext(StoreContext& context);
+    void computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext& context);
+    void computeNumberOfFilesThatNeedRenaming(StoreContext& context);
+    void computeNumberOfFolders(StoreContext& context);
+
+  private:
+    EngineHost& application;
+    std::recursive_mutex engineLock;
+    std::mutex previewPipelinesWaitingToken;
+    std::atomic<int> previewPipelinesWaiting{0};
+    std::atomic<int> stageFlagCounter{1};
+    std::atomic<bool> migrating{false};
+    std::atomic<bool> stopRequested{false};
+    std::int32_t manualOrderCounter = 0; // touched under the engine's lock only
+    struct Threads;
+    std::unique_ptr<Threads> threads;
+};
+
+} // namespace tavrin

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "platform/FileSystem.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace tavrin {
+
+/// Small file queries that the whole program shares. Paths are absolute and in bytes as the file system
+/// gives them. A path that cannot be reached gives the neutral value (false, 0, absent). Any thread.
+class FileManager {
+  public:
+    FileManager();
+    ~FileManager();
+    static FileManager& instance();
+
+    /// False only for a folder (links followed); true for a missing path.
+    bool isFile(const std::string& path) const;
+    /// Neither a file nor a bundle.
+    bool isFolder(const std::string& path) const;
+    /// A folder that is shown as one item: by suffix, by Contents/Info.plist, or AppRun beside a .desktop
+    /// file.
+    bool isBundle(const std::string& path) const;
+    bool folderIsLikelyToBeABundle(const std::string& path) const;
+    /// The name begins with "." or is listed in its folder's ".hidden".
+    bool isInvisible(const std::string& path) const;
+
+    std::string lockedFor(const std::string& path) const;           ///< "Locked" or "Not Locked"
+    std::string extensionVisibleFor(const std::string& path) const; ///< "Hidden" or "Shown"
+    bool lockFile(const std::string& path) const;
+    bool unlockFile(const std::string& path) const;
+    std::optional<FileStatus> attributesFor(const std::string& path) const;
+    std::int32_t fileLength(const std::string& path) const;
+    /// In the form "%e %b %Y %H:%M:%S", local time; empty when unknown.
+    std::string creationDateFor(const std::string& path) const;
+    std::string modificationDateFor(const std::string& path) const;
+    std::uint64_t sizeForPath(const std::string& path, bool recurse) const;
+    std::uint64_t physicalSizeForPath(const std::string& path, bool recurse) const;
+    std::optional<std::string> getCreatorCode(const std::string& path) const;
+    std::optional<std::string> getTypeCode(const std::string& path) const;
+    void updateServicesMenu() const;
+
+    /// The extended attribute user.xdg.comment.
+    std::optional<std::string> finderCommentForFileURL(const std::string& path) const;
+    bool changeFinderComment(const std::string& comment, const std::string& path) const;
+    /// Whether comments stay with a file over a rename by themselves (they lie on the inode here), so that
+    /// no one has to carry them over.
+    static bool commentsTravelWithFiles();
+
+    /// Seconds since 2001-01-01 00:00:00 UTC; absent when unknown.
+    std::optional<double> fileCreationDate(const std::string& path) const;
+    std::optional<double> fileModificationDate(const std::string& path) const;
+    /// The shooting date, or `distantPast` when there is none.
+    double fileEXIFDate(const std::string& path) const;
+    /// Width and height in pixels; -1.0 both when unknown.
+    std::pair<float, float> fileEXIFDimensions(const std::string& path) const;
+
+    /// 0001-01-01 00:00:00 UTC in seconds since 2001.
+    static constexpr double distantPast = -63114076800.0;
+
+    /// The moment this object was made, seconds since 2001.
+    [[nodiscard]] double now() const { return nowDate; }
+
+  private:
+    double nowDate;
+};
+
+/// The shooting date of an image file, seconds since 2001-01-01 00:00:00 UTC, or 0.0.
+struct ExifHelper {
+    static double exifDateFor(const std::string& path);
+    /// Whether the name has the extension of a readable image type: the cheap test before a file is opened.
+    static bool isImageName(std::string_view name);
+};
+
+} // namespace tavrin

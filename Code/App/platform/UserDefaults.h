@@ -1,0 +1,57 @@
+#pragma once
+
+#include "support/PropertyValue.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+/// The user defaults: a persistent layer, over it a layer of this process alone, below both the registered
+/// defaults. All operations are safe from any thread. A file that is missing or damaged counts as empty, and
+/// a damaged one is kept aside, never overwritten in silence.
+class UserDefaults {
+  public:
+    /// In memory only: what tests and the terminal command use.
+    UserDefaults();
+    /// Persistent in the XML property list at `path` (bytes), written atomically under a lock file.
+    explicit UserDefaults(std::string path);
+    ~UserDefaults();
+    UserDefaults(const UserDefaults&) = delete;
+    UserDefaults& operator=(const UserDefaults&) = delete;
+
+    /// The instance that the application made and registered (not owned).
+    static UserDefaults& sharedInstance();
+    static void setSharedInstance(UserDefaults* instance);
+
+    /// Adds to the registered defaults; nothing of this is stored.
+    void registerDefaults(const PropertyDictionary& values);
+
+    [[nodiscard]] std::optional<PropertyValue> objectForKey(std::string_view key) const;
+    /// 0 and false for an absent key.
+    [[nodiscard]] int integerForKey(std::string_view key) const;
+    [[nodiscard]] bool boolForKey(std::string_view key) const;
+    [[nodiscard]] double floatForKey(std::string_view key) const;
+
+    /// Stores in the persistent layer (in memory until synchronize).
+    void setObject(std::string_view key, PropertyValue value);
+    void removeObject(std::string_view key);
+    /// Stores in the layer of this process, which is never written.
+    void setProcessObject(std::string_view key, PropertyValue value);
+    /// Empties the persistent layer.
+    void removePersistentDomain();
+    /// Writes the persistent layer; false when it could not be written (the values stay in memory).
+    bool synchronize();
+
+    /// Calls `observer` after each change of the key, on the changing thread, until the handle dies.
+    [[nodiscard]] std::shared_ptr<void> observe(std::string key, std::function<void()> observer);
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace tavrin

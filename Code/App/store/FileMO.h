@@ -1,0 +1,53 @@
+#pragma once
+
+#include "store/NodeRow.h"
+#include "support/PropertyValue.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace tavrin {
+
+class StoreContext;
+
+/// A handle on one `File` row of a context, valid until the context is reset. Beside the stored attributes it
+/// keeps decoded values of its own: the metadata dictionary and the three dates. Belongs to the thread of its
+/// context; cheap to make and to point at the next row.
+class FileMO {
+  public:
+    /// Reads all metadata of a file by its path; an empty dictionary where there is none.
+    using TagReader = std::function<PropertyDictionary(const std::string& path)>;
+
+    explicit FileMO(StoreContext& context, RowId id = noRow);
+
+    /// Points at another row and forgets what was decoded.
+    void moveTo(RowId id);
+    [[nodiscard]] RowId id() const { return row; }
+
+    /// Absolute path in bytes.
+    [[nodiscard]] std::string fullPath() const;
+    /// Seconds since 2001-01-01 00:00:00 UTC, as stored.
+    [[nodiscard]] double modDate() const;
+    [[nodiscard]] double crDate() const;
+    [[nodiscard]] double exif() const;
+
+    [[nodiscard]] std::optional<double> modificationDate() const;
+    [[nodiscard]] std::optional<double> creationDate() const;
+    /// Absent when the stored value is that of a file without a shooting date.
+    [[nodiscard]] std::optional<double> exifDate() const;
+
+    /// Makes sure that the metadata dictionary is there: kept, decoded from the row, or read from the file
+    /// once, also when the file had none.
+    void loadTagDictionary(const TagReader& reader);
+    [[nodiscard]] const PropertyDictionary& tagDictionary() const;
+
+  private:
+    void obtainTagsFromFileSystem(const TagReader& reader);
+
+    StoreContext* context;
+    RowId row;
+    std::optional<PropertyDictionary> tags;
+};
+
+} // namespace tavrin

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "store/Predicate.h"
+
+namespace tavrin {
+
+/// The settings that decide which rows take part.
+struct ItemFilter {
+    bool shouldProcessFiles = true;
+    bool shouldProcessFolders = true;
+    bool shouldProcessSubfolders = false;
+};
+
+/// The predicates that the filter settings stand for.
+struct FilterManager {
+    /// What the user sees and what counts.
+    static Predicate currentFilterPredicate(const ItemFilter& filter);
+    /// For passes that carry every type through.
+    static Predicate currentFilterPredicateIncludingAllFilesAndFolders(const ItemFilter& filter);
+};
+
+} // namespace tavrin

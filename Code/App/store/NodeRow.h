@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tavrin {
+
+/// Identity of a `Node` row: given in reading order, never reused within a store.
+using RowId = std::uint32_t;
+inline constexpr RowId noRow = 0;
+
+/// The sub-entity of a row; `none` is a row that is deleted or not yet made.
+enum class NodeEntity : std::uint8_t { none, file, ghostNode };
+
+/// The fixed part of a `Node` row. Names lie beside it; `fullPath`, `parentPath`, `smartName` and `random`
+/// are derived when read. The pass markers are kept by the store apart from the rows.
+struct NodeRow {
+    double modDate = 0; ///< seconds since 2001-01-01 00:00:00 UTC, like the two below
+    double crDate = 0;
+    double exif = 0;
+    std::uint64_t size = 0; ///< bytes; the attribute's text form is derived
+    RowId parent = noRow;
+    RowId previousSibling = noRow;
+    RowId nextSibling = noRow;
+    RowId cannotBeRenamedBefore = noRow;
+    RowId mustBeRenamedBefore = noRow;
+    std::uint32_t folder = 0; ///< number in the store's table of folders, 0 for what has no children
+    std::int32_t manualOrder = 0;
+    std::int32_t depth = 0;
+    NodeEntity entity = NodeEntity::none;
+    bool treatAsFolder = false;
+    bool root = false;
+    bool diff = false;
+    bool sortingInformationLoaded = false;
+    bool canBeRenamedIndependently = true;
+    bool mustBeSwapped = false;
+    std::uint8_t sparse = 0; ///< which rare attributes the side table holds
+};
+
+} // namespace tavrin

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace tavrin {
+
+class StoreContext;
+
+/// The list of paths that the user added, kept free of items inside other items. All operations work on the
+/// main context, whatever thread calls them, under its lock. Paths are absolute and in bytes.
+class SourceItemManager {
+  public:
+    using ErrorPresenter = std::function<void(const std::string& message)>;
+
+    /// `mainContext` is asked for at each call, since clearing the list makes a new one.
+    SourceItemManager(std::function<StoreContext&()> mainContext, ErrorPresenter presentError);
+    ~SourceItemManager();
+
+    /// The instance that the application made (registered by the constructor, withdrawn by the destructor).
+    static SourceItemManager& sharedInstance();
+
+    /// False when nothing exists at the path (a link is followed), when it is on the list already, or when it
+    /// is a folder that holds something on the list.
+    bool addSourceItem(const std::string& path);
+    void removeItem(const std::string& path);
+    bool changeTo(const std::string& oldPath, const std::string& newPath);
+    /// Whether something may be added in this folder: false when it or a folder above it is on the list.
+    bool checkPathValidity(const std::string& folder);
+    bool isEmpty();
+    /// Marks all items unread.
+    void resetCache();
+
+  private:
+    std::function<StoreContext&()> mainContext;
+    ErrorPresenter presentError;
+};
+
+} // namespace tavrin
