@@ -42,8 +42,8 @@ class RenameEngine {
     [[nodiscard]] std::unique_ptr<ProcessingPipeline> createPreviewPipelineWith(ProgressInfo* progress);
     [[nodiscard]] std::unique_ptr<ProcessingPipeline> createRenamingPipeline(ProgressInfo* progress,
                                                                              bool andContinue);
+    /// A save-list run has no progress record: its panel shows frozen text.
     struct FileListArguments {
-        ProgressInfo* ProgressInfo = nullptr; ///< nothing reads it: a save-list run has no progress record
         int format = 0;
         bool shouldIncludeOnlyAffectedFiles = false;
         std::string path;
