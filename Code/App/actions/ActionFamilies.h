@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+class BaseRenameAction;
+
+/// How an action of the catalogue is made. The object has its default parameters.
+struct ActionEntry {
+    std::string_view name;
+    std::unique_ptr<BaseRenameAction> (*make)();
+};
+
+/// The entry of a class that tells its name as a constant.
+template <typename Action> constexpr ActionEntry entryFor() {
+    return {Action::name, [] { return std::unique_ptr<BaseRenameAction>(std::make_unique<Action>()); }};
+}
+
+/// The families, one line each in ActionFamilies.cpp.
+[[nodiscard]] std::span<const ActionEntry> replaceTextActions();
+[[nodiscard]] std::span<const ActionEntry> insertTextActions();
+[[nodiscard]] std::span<const ActionEntry> removeTextActions();
+[[nodiscard]] std::span<const ActionEntry> moveTextActions();
+[[nodiscard]] std::span<const ActionEntry> caseActions();
+[[nodiscard]] std::span<const ActionEntry> numberActions();
+
+/// All actions that exist, family by family.
+[[nodiscard]] std::vector<ActionEntry> allActions();
+
+} // namespace tavrin

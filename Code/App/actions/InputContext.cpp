@@ -1,0 +1,9 @@
+#include "actions/InputContext.h"
+
+#include "store/FileMO.h"
+
+namespace tavrin {
+
+std::string InputContext::inputPath() const { return fileMo ? fileMo->fullPath() : path; }
+
+} // namespace tavrin
