@@ -64,12 +64,12 @@ std::vector<std::u16string_view> composedSequences(std::u16string_view text);
 std::u16string_view firstComposedSequence(std::u16string_view text);
 
 /// Classes by Unicode general category. A lone surrogate is in none.
-bool isLetter(char32_t c);                 ///< L*, M*
-bool isUppercaseLetter(char32_t c);        ///< Lu, Lt
-bool isLowercaseLetter(char32_t c);        ///< Ll
-bool isWhitespaceOrNewline(char32_t c);    ///< Z*, U+0009 to U+000D, U+0085
-bool isPunctuation(char32_t c);            ///< P*
-bool isDecimalDigit(char32_t c);           ///< Nd
+bool isLetter(char32_t c);              ///< L*, M*
+bool isUppercaseLetter(char32_t c);     ///< Lu, Lt
+bool isLowercaseLetter(char32_t c);     ///< Ll
+bool isWhitespaceOrNewline(char32_t c); ///< Z*, U+0009 to U+000D, U+0085
+bool isPunctuation(char32_t c);         ///< P*
+bool isDecimalDigit(char32_t c);        ///< Nd
 
 /// The integer at the start of a text: white space skipped, one sign, ASCII digits, the rest ignored, none
 /// is 0; saturates at the limits of 32 bits.
