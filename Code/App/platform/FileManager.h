@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/ExifHelper.h"
 #include "platform/FileSystem.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace tavrin {
@@ -16,7 +18,12 @@ class FileManager {
   public:
     FileManager();
     ~FileManager();
+    FileManager(const FileManager&) = delete;
+    FileManager& operator=(const FileManager&) = delete;
+    /// The one that the application registered, else one made at the first call.
     static FileManager& instance();
+    /// Not owned; null unregisters.
+    static void setInstance(FileManager* manager);
 
     /// False only for a folder (links followed); true for a missing path.
     bool isFile(const std::string& path) const;
@@ -25,8 +32,12 @@ class FileManager {
     /// A folder that is shown as one item: by suffix, by Contents/Info.plist, or AppRun beside a .desktop
     /// file.
     bool isBundle(const std::string& path) const;
+    /// The same for a path that is known to be a folder: two file-system calls at most, unless there is an
+    /// AppRun.
+    bool isBundleFolder(const std::string& path) const;
     bool folderIsLikelyToBeABundle(const std::string& path) const;
-    /// The name begins with "." or is listed in its folder's ".hidden".
+    /// The name begins with "." or is listed in its folder's ".hidden"; false for a missing path. The list is
+    /// kept for a second while paths of the same folder are asked for; a walker takes HiddenNames itself.
     bool isInvisible(const std::string& path) const;
 
     std::string lockedFor(const std::string& path) const;           ///< "Locked" or "Not Locked"
@@ -34,14 +45,21 @@ class FileManager {
     bool lockFile(const std::string& path) const;
     bool unlockFile(const std::string& path) const;
     std::optional<FileStatus> attributesFor(const std::string& path) const;
+    /// Saturates; 0 when unknown.
     std::int32_t fileLength(const std::string& path) const;
     /// In the form "%e %b %Y %H:%M:%S", local time; empty when unknown.
     std::string creationDateFor(const std::string& path) const;
     std::string modificationDateFor(const std::string& path) const;
+    /// The shooting date likewise.
+    std::string exifDateFor(const std::string& path) const;
+    /// Bytes; with `recurse` the sum over everything below a folder, links and hard links counted by
+    /// themselves. A folder itself counts 0.
     std::uint64_t sizeForPath(const std::string& path, bool recurse) const;
     std::uint64_t physicalSizeForPath(const std::string& path, bool recurse) const;
     std::optional<std::string> getCreatorCode(const std::string& path) const;
     std::optional<std::string> getTypeCode(const std::string& path) const;
+    /// The four characters between the quotes of a quoted file code; absent for any other length.
+    static std::optional<std::string> extractCodeString(std::string_view quoted);
     void updateServicesMenu() const;
 
     /// The extended attribute user.xdg.comment.
@@ -66,14 +84,10 @@ class FileManager {
     [[nodiscard]] double now() const { return nowDate; }
 
   private:
-    double nowDate;
-};
+    struct HiddenCache;
 
-/// The shooting date of an image file, seconds since 2001-01-01 00:00:00 UTC, or 0.0.
-struct ExifHelper {
-    static double exifDateFor(const std::string& path);
-    /// Whether the name has the extension of a readable image type: the cheap test before a file is opened.
-    static bool isImageName(std::string_view name);
+    double nowDate;
+    std::unique_ptr<HiddenCache> hiddenCache;
 };
 
 } // namespace tavrin

@@ -14,10 +14,10 @@ struct FileStatus {
     enum class Kind : std::uint8_t { file, folder, link, other };
     Kind kind = Kind::file;
     bool immutable = false;
-    std::uint64_t size = 0;       ///< logical size in bytes; 0 for a folder
-    std::uint64_t allocated = 0;  ///< bytes on the medium; 0 for a folder
+    std::uint64_t size = 0;      ///< logical size in bytes; 0 for a folder
+    std::uint64_t allocated = 0; ///< bytes on the medium; 0 for a folder
     double modificationDate = 0;
-    double creationDate = 0;      ///< birth time where the file system has one, else the modification time
+    double creationDate = 0; ///< birth time where the file system has one, else the modification time
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
 };
@@ -51,8 +51,8 @@ class FileSystem {
     static void setSharedInstance(FileSystem* instance);
 
     virtual int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) = 0;
-    virtual int status(const std::string& path, FileStatus& into) = 0;          ///< link not followed
-    virtual int followedStatus(const std::string& path, FileStatus& into) = 0;  ///< link followed
+    virtual int status(const std::string& path, FileStatus& into) = 0;         ///< link not followed
+    virtual int followedStatus(const std::string& path, FileStatus& into) = 0; ///< link followed
     virtual int renameNoReplace(const std::string& from, const std::string& to) = 0;
     virtual int removeFile(const std::string& path) = 0;
     virtual int makeFolders(const std::string& path) = 0;

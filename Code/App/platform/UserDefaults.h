@@ -23,6 +23,10 @@ class UserDefaults {
     UserDefaults(const UserDefaults&) = delete;
     UserDefaults& operator=(const UserDefaults&) = delete;
 
+    /// Where the program keeps its user defaults: net.calderwick.tvrn9.plist in the user's configuration
+    /// folder.
+    static std::string defaultPath();
+
     /// The instance that the application made and registered (not owned).
     static UserDefaults& sharedInstance();
     static void setSharedInstance(UserDefaults* instance);
@@ -43,10 +47,12 @@ class UserDefaults {
     void setProcessObject(std::string_view key, PropertyValue value);
     /// Empties the persistent layer.
     void removePersistentDomain();
-    /// Writes the persistent layer; false when it could not be written (the values stay in memory).
+    /// Writes what has changed into the persistent layer's file and takes over what other processes have
+    /// written there meanwhile; false when it could not be written (the values stay in memory).
     bool synchronize();
 
-    /// Calls `observer` after each change of the key, on the changing thread, until the handle dies.
+    /// Calls `observer` after each change of the key, on the changing thread, until the handle dies; the end
+    /// of the handle waits for a call that is under way on another thread.
     [[nodiscard]] std::shared_ptr<void> observe(std::string key, std::function<void()> observer);
 
   private:

@@ -1,0 +1,222 @@
+#include "platform/PosixFileSystem.h"
+
+#include "platform/Descriptor.h"
+#include "platform/FolderListing.h"
+#include "platform/NoReplaceRename.h"
+#include "platform/ReferenceDate.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tavrin {
+
+namespace {
+
+constexpr unsigned statusMask =
+    STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_MTIME | STATX_BTIME | STATX_INO;
+constexpr std::uint64_t blockSize = 512; // the unit of stx_blocks, whatever the file system's own
+
+bool hasNul(std::string_view name) { return name.find('\0') != std::string_view::npos; }
+
+double secondsOf(const struct statx_timestamp& time) {
+    return static_cast<double>(time.tv_sec - referenceDateSince1970) + time.tv_nsec * 1e-9;
+}
+
+FileStatus::Kind kindOf(mode_t mode) {
+    if (S_ISREG(mode))
+        return FileStatus::Kind::file;
+    if (S_ISDIR(mode))
+        return FileStatus::Kind::folder;
+    return S_ISLNK(mode) ? FileStatus::Kind::link : FileStatus::Kind::other;
+}
+
+int statusAt(int folder, const std::string& name, int flags, FileStatus& into) {
+    if (hasNul(name))
+        return EINVAL;
+    struct statx found {};
+    if (::statx(folder, name.c_str(), flags | AT_NO_AUTOMOUNT, statusMask, &found) != 0)
+        return errno;
+    into.kind = kindOf(found.stx_mode);
+    into.immutable = (found.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
+    const bool isFolder = into.kind == FileStatus::Kind::folder;
+    into.size = isFolder ? 0 : found.stx_size;
+    into.allocated = isFolder ? 0 : found.stx_blocks * blockSize;
+    into.modificationDate = secondsOf(found.stx_mtime);
+    into.creationDate =
+        (found.stx_mask & STATX_BTIME) != 0 ? secondsOf(found.stx_btime) : into.modificationDate;
+    into.device = std::uint64_t{found.stx_dev_major} << 32 | found.stx_dev_minor;
+    into.inode = found.stx_ino;
+    return 0;
+}
+
+/// A name that stays in its folder.
+bool isPlainName(const std::string& name) {
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
+           !hasNul(name);
+}
+
+/// Known by a path-only descriptor, so that a folder without the right to read it still serves.
+class PosixOpenFolder : public OpenFolder {
+  public:
+    explicit PosixOpenFolder(Descriptor opened) : folder(std::move(opened)) {}
+
+    int status(const std::string& name, FileStatus& into) override {
+        return statusAt(folder.get(), name, AT_SYMLINK_NOFOLLOW, into);
+    }
+    int renameNoReplace(const std::string& from, const std::string& to) override {
+        if (!isPlainName(from) || !isPlainName(to))
+            return EINVAL;
+        return renameNoReplaceAt(folder.get(), from.c_str(), folder.get(), to.c_str());
+    }
+    int entries(std::vector<FolderEntry>& into) override {
+        const Descriptor readable(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        return readable ? readFolder(readable.get(), into) : errno;
+    }
+
+  private:
+    Descriptor folder;
+};
+
+int writeAll(int file, std::string_view content) {
+    while (!content.empty()) {
+        const ssize_t written = ::write(file, content.data(), content.size());
+        if (written < 0 && errno != EINTR)
+            return errno;
+        if (written > 0)
+            content.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+int writeAndSync(Descriptor file, std::string_view content) {
+    if (const int error = writeAll(file.get(), content))
+        return error;
+    if (::fsync(file.get()) != 0)
+        return errno;
+    return ::close(file.release()) == 0 ? 0 : errno;
+}
+
+/// A name in the target's folder that no one else of this system uses.
+std::string temporaryNameFor(const std::string& path) {
+    static std::atomic<unsigned> counter = 0;
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+    return folder + ".tavrin-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".tmp";
+}
+
+int readAll(int file, std::string& into, std::size_t limit) {
+    constexpr std::size_t step = 64 * 1024;
+    struct stat status {};
+    if (::fstat(file, &status) != 0)
+        return errno;
+    if (!S_ISREG(status.st_mode))
+        return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    if (static_cast<std::uint64_t>(status.st_size) > limit)
+        return EFBIG;
+    into.clear();
+    std::size_t filled = 0;
+    for (;;) {
+        // One byte more than announced, to see the end without another round.
+        into.resize(std::max(filled + step, static_cast<std::size_t>(status.st_size) + 1));
+        const ssize_t got = ::read(file, into.data() + filled, into.size() - filled);
+        if (got < 0 && errno == EINTR)
+            continue;
+        filled += got > 0 ? static_cast<std::size_t>(got) : 0;
+        into.resize(filled);
+        if (got <= 0)
+            return got == 0 ? 0 : errno;
+        if (filled > limit)
+            return EFBIG;
+    }
+}
+
+std::atomic<FileSystem*> replacement = nullptr;
+
+} // namespace
+
+FileSystem& FileSystem::sharedInstance() {
+    static PosixFileSystem real;
+    FileSystem* const replaced = replacement.load(std::memory_order_acquire);
+    return replaced != nullptr ? *replaced : real;
+}
+
+void FileSystem::setSharedInstance(FileSystem* instance) {
+    replacement.store(instance, std::memory_order_release);
+}
+
+int PosixFileSystem::openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) {
+    if (hasNul(path))
+        return EINVAL;
+    Descriptor folder(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!folder)
+        return errno;
+    into = std::make_unique<PosixOpenFolder>(std::move(folder));
+    return 0;
+}
+
+int PosixFileSystem::status(const std::string& path, FileStatus& into) {
+    return statusAt(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW, into);
+}
+
+int PosixFileSystem::followedStatus(const std::string& path, FileStatus& into) {
+    return statusAt(AT_FDCWD, path, 0, into);
+}
+
+int PosixFileSystem::renameNoReplace(const std::string& from, const std::string& to) {
+    if (hasNul(from) || hasNul(to))
+        return EINVAL;
+    return renameNoReplaceAt(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str());
+}
+
+int PosixFileSystem::removeFile(const std::string& path) {
+    if (hasNul(path))
+        return EINVAL;
+    return ::unlink(path.c_str()) == 0 ? 0 : errno;
+}
+
+int PosixFileSystem::makeFolders(const std::string& path) {
+    if (hasNul(path))
+        return EINVAL;
+    for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
+        const std::string part = path.substr(0, slash);
+        struct stat status {};
+        if (::mkdir(part.c_str(), 0755) != 0) {
+            const int error = errno;
+            if (::stat(part.c_str(), &status) != 0)
+                return error;
+            if (!S_ISDIR(status.st_mode))
+                return ENOTDIR;
+        }
+        if (slash == std::string::npos)
+            return 0;
+    }
+}
+
+int PosixFileSystem::writeFileAtomically(const std::string& path, std::string_view content) {
+    if (hasNul(path))
+        return EINVAL;
+    const std::string temporary = temporaryNameFor(path);
+    Descriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+    if (!file)
+        return errno;
+    int error = writeAndSync(std::move(file), content);
+    if (error == 0 && ::rename(temporary.c_str(), path.c_str()) != 0)
+        error = errno;
+    if (error != 0)
+        ::unlink(temporary.c_str());
+    return error;
+}
+
+int PosixFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {
+    if (hasNul(path))
+        return EINVAL;
+    // Without O_NONBLOCK the opening of a pipe would wait for a writer.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    return file ? readAll(file.get(), into, limit) : errno;
+}
+
+} // namespace tavrin

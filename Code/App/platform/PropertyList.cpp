@@ -1,0 +1,65 @@
+#include "platform/PropertyList.h"
+
+#include "platform/FileSystem.h"
+#include "platform/PropertyListBinaryReader.h"
+#include "platform/PropertyListScalars.h"
+#include "platform/PropertyListXmlReader.h"
+#include "platform/PropertyListXmlWriter.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::string_view tooLarge = "the file is larger than 64 MiB";
+
+std::string reasonFor(int error) { return std::generic_category().message(error); }
+
+} // namespace
+
+PropertyList::Result PropertyList::fromBytes(std::string_view bytes) {
+    if (bytes.empty())
+        return PropertyListError{"the property list is empty"};
+    if (bytes.size() > plist::sizeLimit)
+        return PropertyListError{std::string(tooLarge)};
+    return bytes.starts_with(plist::binaryMark) ? plist::readBinary(bytes) : plist::readXml(bytes);
+}
+
+PropertyList::Result PropertyList::read(const std::string& path) {
+    std::string bytes;
+    const int error = FileSystem::sharedInstance().readFile(path, bytes, plist::sizeLimit);
+    if (error == EFBIG)
+        return PropertyListError{std::string(tooLarge)};
+    if (error != 0)
+        return PropertyListError{fmt::format("the file cannot be read: {}", reasonFor(error))};
+    return fromBytes(bytes);
+}
+
+std::string PropertyList::toXml(const PropertyValue& value) { return plist::writeXml(value); }
+
+std::variant<std::monostate, PropertyListError> PropertyList::writeAtomically(const PropertyValue& value,
+                                                                              const std::string& path) {
+    if (std::string obstacle = plist::obstacleToWriting(value); !obstacle.empty())
+        return PropertyListError{std::move(obstacle)};
+    const std::string content = toXml(value);
+    if (content.size() > plist::sizeLimit)
+        return PropertyListError{"the property list would be larger than 64 MiB"};
+    if (const int error = FileSystem::sharedInstance().writeFileAtomically(path, content))
+        return PropertyListError{fmt::format("the file cannot be written: {}", reasonFor(error))};
+    return std::monostate();
+}
+
+std::optional<std::u16string> textOrData(const PropertyValue& value) {
+    if (const auto* text = value.asText())
+        return *text;
+    if (const auto* data = value.asData())
+        return plist::textFromData(data->bytes);
+    return std::nullopt;
+}
+
+} // namespace tavrin

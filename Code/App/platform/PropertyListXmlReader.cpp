@@ -1,0 +1,224 @@
+#include "platform/PropertyListXmlReader.h"
+
+#include "platform/PropertyListScalars.h"
+#include "support/Text.h"
+
+#include <expat.h>
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tavrin::plist {
+
+namespace {
+
+constexpr std::size_t shownLength = 40; // of a wrong text in a message
+
+/// Takes expat's events and builds the value. The first fault stops the parser.
+class XmlReader {
+  public:
+    explicit XmlReader(XML_Parser xmlParser) : parser(xmlParser) {
+        XML_SetUserData(parser, this);
+        XML_SetElementHandler(
+            parser,
+            [](void* self, const char* name, const char** attributes) { of(self).start(name, attributes); },
+            [](void* self, const char* name) { of(self).end(name); });
+        XML_SetCharacterDataHandler(parser, [](void* self, const char* text, int length) {
+            of(self).characters({text, static_cast<std::size_t>(length)});
+        });
+        // A list needs no declarations; refusing them leaves no room for entities that grow.
+        XML_SetStartDoctypeDeclHandler(
+            parser, [](void* self, const char*, const char*, const char*, int hasInternalSubset) {
+                if (hasInternalSubset != 0)
+                    of(self).fail("declarations inside the document type are not allowed");
+            });
+        XML_SetSkippedEntityHandler(parser, [](void* self, const char* name, int) {
+            of(self).fail(fmt::format("unknown entity: {}", shown(name)));
+        });
+    }
+
+    PropertyList::Result read(std::string_view bytes) {
+        const auto status = XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE);
+        if (!error.empty())
+            return PropertyListError{error};
+        if (status != XML_STATUS_OK)
+            return PropertyListError{atLine(XML_ErrorString(XML_GetErrorCode(parser)))};
+        if (!root)
+            return PropertyListError{"the property list is empty"};
+        return std::move(*root);
+    }
+
+  private:
+    struct Container {
+        PropertyValue value;
+        std::optional<std::string> key; ///< of a dictionary: waits for its value
+    };
+
+    static XmlReader& of(void* self) { return *static_cast<XmlReader*>(self); }
+
+    static std::string shown(std::string_view text) {
+        if (text.size() <= shownLength)
+            return std::string(text);
+        std::size_t cut = shownLength;
+        while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80)
+            --cut;
+        return std::string(text.substr(0, cut)) + "...";
+    }
+
+    std::string atLine(std::string_view message) const {
+        return fmt::format("line {}: {}", XML_GetCurrentLineNumber(parser), message);
+    }
+
+    void fail(std::string_view message) {
+        if (!error.empty())
+            return;
+        error = atLine(message);
+        XML_StopParser(parser, XML_FALSE);
+    }
+
+    void start(std::string_view name, const char** attributes) {
+        if (!error.empty())
+            return;
+        if (!leaf.empty())
+            return fail(fmt::format("<{}> inside <{}>", shown(name), leaf));
+        if (!insidePlist)
+            return startRoot(name);
+        if (*attributes != nullptr)
+            return fail(fmt::format("unexpected attribute: {}", shown(*attributes)));
+        if (++valueCount > valueLimit)
+            return fail("too many values");
+        if (name == "dict" || name == "array")
+            return startContainer(name);
+        if (!isLeaf(name))
+            return fail(fmt::format("unknown element: {}", shown(name)));
+        if (name != "key" && !mayTakeValue(name))
+            return;
+        leaf = name;
+        content.clear();
+    }
+
+    void startRoot(std::string_view name) {
+        if (name != "plist")
+            return fail(fmt::format("not a property list but: {}", shown(name)));
+        insidePlist = true;
+    }
+
+    void startContainer(std::string_view name) {
+        if (!mayTakeValue(name))
+            return;
+        if (containers.size() >= depthLimit)
+            return fail("nested too deeply");
+        if (name == "dict")
+            containers.push_back({PropertyDictionary(), std::nullopt});
+        else
+            containers.push_back({PropertyArray(), std::nullopt});
+    }
+
+    static bool isLeaf(std::string_view name) {
+        return name == "key" || name == "string" || name == "integer" || name == "real" || name == "true" ||
+               name == "false" || name == "date" || name == "data";
+    }
+
+    bool mayTakeValue(std::string_view name) {
+        if (containers.empty() && root)
+            fail("more than one value at the top");
+        else if (!containers.empty() && containers.back().value.asDictionary() != nullptr &&
+                 !containers.back().key)
+            fail(fmt::format("<{}> without a key", name));
+        return error.empty();
+    }
+
+    void characters(std::string_view text) {
+        if (!error.empty())
+            return;
+        if (!leaf.empty())
+            content += text;
+        else if (text.find_first_not_of(" \t\r\n") != std::string_view::npos)
+            fail(fmt::format("unexpected text: {}", shown(text)));
+    }
+
+    void end(std::string_view name) {
+        if (!error.empty() || name == "plist")
+            return;
+        if (!leaf.empty())
+            return endLeaf();
+        Container done = std::move(containers.back());
+        containers.pop_back();
+        if (done.key)
+            return fail(fmt::format("key without a value: {}", shown(*done.key)));
+        add(std::move(done.value));
+    }
+
+    void endLeaf() {
+        const std::string name = std::exchange(leaf, std::string());
+        if (name == "key")
+            return addKey();
+        if (name == "string")
+            return add(text::fromUtf8(content));
+        if (name == "true" || name == "false")
+            return content.empty() ? add(name == "true") : fail(fmt::format("text inside <{}>", name));
+        if (name == "integer")
+            return addParsed(integerFrom(content), "an integer");
+        if (name == "real")
+            return addParsed(realFrom(content), "a real number");
+        if (name == "date")
+            return addParsed(dateFrom(content), "a date");
+        if (auto bytes = dataFrom(content))
+            return add(PropertyData{std::move(*bytes)});
+        fail(fmt::format("not data: {}", shown(content)));
+    }
+
+    template <typename Parsed> void addParsed(const std::optional<Parsed>& parsed, std::string_view kind) {
+        if (parsed)
+            add(*parsed);
+        else
+            fail(fmt::format("not {}: {}", kind, shown(content)));
+    }
+
+    void addKey() {
+        if (containers.empty() || containers.back().value.asDictionary() == nullptr)
+            return fail("a key outside a dictionary");
+        Container& dictionary = containers.back();
+        if (dictionary.key)
+            return fail(fmt::format("key without a value: {}", shown(*dictionary.key)));
+        if (dictionary.value.asDictionary()->contains(content))
+            return fail(fmt::format("key given twice: {}", shown(content)));
+        dictionary.key = std::move(content);
+        content.clear();
+    }
+
+    void add(PropertyValue value) {
+        if (containers.empty()) {
+            root = std::move(value);
+            return;
+        }
+        Container& container = containers.back();
+        if (PropertyArray* array = container.value.asArray())
+            return array->push_back(std::move(value));
+        container.value.asDictionary()->emplace(std::move(*container.key), std::move(value));
+        container.key.reset();
+    }
+
+    XML_Parser parser;
+    std::vector<Container> containers;
+    std::string leaf; ///< the open element without children; empty when there is none
+    std::string content;
+    std::optional<PropertyValue> root;
+    std::string error;
+    std::size_t valueCount = 0;
+    bool insidePlist = false;
+};
+
+} // namespace
+
+PropertyList::Result readXml(std::string_view bytes) {
+    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
+                                                                              XML_ParserFree);
+    return XmlReader(parser.get()).read(bytes);
+}
+
+} // namespace tavrin::plist
