@@ -1,18 +1,12 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 
-#include "support/MacOSXVersion.h"
+#include "platform/MacOSXVersion.h"
+#include "platform/UserFolders.h"
 #include "support/Text.h"
-
-#include <cstdlib>
 
 namespace tavrin {
 
 namespace {
-
-std::u16string homeFolder() {
-    const char* home = std::getenv("HOME");
-    return text::fromBytes(home ? home : "/");
-}
 
 PropertyDictionary settingsTable() {
     return {
@@ -22,7 +16,7 @@ PropertyDictionary settingsTable() {
         {"preventAccidentalIPhotoLibraryDamage", true},
         {"previewConflictResolution", true},
         {"automaticSorting", true},
-        {"lastAddDirectory", homeFolder()},
+        {"lastAddDirectory", text::fromBytes(UserFolders::home())},
         {"quitAfterRename", 0},
         {"processFiles", 1},
         {"processFolders", 1},

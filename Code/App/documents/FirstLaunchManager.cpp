@@ -1,0 +1,41 @@
+#include "documents/FirstLaunchManager.h"
+
+#include "platform/FileManager.h"
+#include "platform/UserDefaults.h"
+#include "support/Text.h"
+
+namespace tavrin {
+
+namespace {
+constexpr int version = 80001;
+}
+
+FirstLaunchManager::FirstLaunchManager(UserDefaults& userDefaults, std::string programLocation)
+    : defaults(userDefaults), location(std::move(programLocation)) {}
+
+void FirstLaunchManager::doIt() {
+    registerDefaults();
+    firstLaunch = callOnlyOnceIsFirstLaunch();
+    rememberLocation();
+    if (!firstLaunch)
+        return;
+    FileManager::instance().updateServicesMenu();
+    defaults.removePersistentDomain();
+    (void)defaults.synchronize();
+    registerDefaults();
+    defaults.setObject("firstLaunchVersion", version);
+    (void)defaults.synchronize();
+}
+
+bool FirstLaunchManager::callOnlyOnceIsFirstLaunch() const {
+    return defaults.integerForKey("firstLaunchVersion") != version;
+}
+
+void FirstLaunchManager::registerDefaults() { defaults.registerDefaults({}); }
+
+void FirstLaunchManager::rememberLocation() {
+    defaults.setObject("location", text::fromBytes(location));
+    (void)defaults.synchronize();
+}
+
+} // namespace tavrin

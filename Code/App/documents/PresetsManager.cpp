@@ -1,0 +1,228 @@
+#include "documents/PresetsManager.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "documents/RecipeFile.h"
+#include "platform/FileSystem.h"
+#include "platform/PropertyList.h"
+#include "support/Text.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cstring>
+#include <stdexcept>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::string_view suffix = ".tvrn8preset.plist";
+constexpr std::array<std::string_view, 2> acceptedSuffixes{suffix, ".mv8preset.plist"};
+
+PresetsManager* registered = nullptr;
+
+std::string_view lastComponent(std::string_view path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+std::string_view withoutExtension(std::string_view name) {
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string_view::npos || dot == 0 ? name : name.substr(0, dot);
+}
+
+std::u16string titleOf(std::string_view path) {
+    return text::fromBytes(withoutExtension(withoutExtension(lastComponent(path))));
+}
+
+bool isPresetName(std::string_view name) {
+    for (const std::string_view accepted : acceptedSuffixes) {
+        if (name.ends_with(accepted))
+            return true;
+    }
+    return false;
+}
+
+/// Folders still to be read lie on a stack of their own, so a deep tree needs no deep recursion.
+std::vector<std::string> presetFilesBelow(const std::string& folder) {
+    std::vector<std::string> found;
+    std::vector<std::string> pending{folder};
+    while (!pending.empty()) {
+        const std::string path = std::move(pending.back());
+        pending.pop_back();
+        std::unique_ptr<OpenFolder> open;
+        std::vector<FolderEntry> entries;
+        if (FileSystem::sharedInstance().openFolder(path, open) != 0 || open->entries(entries) != 0)
+            continue;
+        for (const FolderEntry& entry : entries) {
+            std::string entryPath = path + "/" + entry.name;
+            if (entry.kind == FileStatus::Kind::folder)
+                pending.push_back(std::move(entryPath));
+            else if (isPresetName(entry.name))
+                found.push_back(std::move(entryPath));
+        }
+    }
+    return found;
+}
+
+PresetOutcome failed(std::string message) { return {std::move(message)}; }
+
+PresetOutcome removeFile(const std::string& path) {
+    if (const int error = FileSystem::sharedInstance().removeFile(path))
+        return failed(fmt::format("\"{}\" could not be removed: {}", path, std::strerror(error)));
+    return {};
+}
+
+PresetOutcome write(const PropertyDictionary& content, const std::string& path) {
+    const auto result = PropertyList::writeAtomically(content, path);
+    if (const auto* error = std::get_if<PropertyListError>(&result))
+        return failed(error->message);
+    return {};
+}
+
+const char* const unusableName = "A file can't have this name.";
+
+} // namespace
+
+PresetsManager::PresetsManager(std::string localFolder, std::string globalFolder,
+                               std::function<CompositeRenameAction&()> composite)
+    : folder(std::move(localFolder)), sharedFolder(std::move(globalFolder)),
+      compositeAction(std::move(composite)) {
+    registered = this;
+}
+
+PresetsManager::~PresetsManager() {
+    if (registered == this)
+        registered = nullptr;
+}
+
+PresetsManager& PresetsManager::sharedInstance() {
+    if (!registered)
+        throw std::logic_error("no presets manager has been made");
+    return *registered;
+}
+
+void PresetsManager::startup() {
+    createPresetsFolders();
+    loadPresets();
+}
+
+void PresetsManager::createPresetsFolders() {
+    (void)FileSystem::sharedInstance().makeFolders(folder);
+    (void)FileSystem::sharedInstance().makeFolders(sharedFolder);
+}
+
+void PresetsManager::loadPresets() { presetFilePaths = presetFilesBelow(folder); }
+
+std::vector<std::u16string> PresetsManager::getPresetTitles() const {
+    std::vector<std::u16string> titles;
+    titles.reserve(presetFilePaths.size());
+    for (const std::string& path : presetFilePaths)
+        titles.push_back(titleOf(path));
+    return titles;
+}
+
+std::u16string PresetsManager::nameAtIndex(std::size_t index) const { return titleOf(pathAtIndex(index)); }
+
+std::string PresetsManager::pathAtIndex(std::size_t index) const {
+    return index < presetFilePaths.size() ? presetFilePaths[index] : std::string();
+}
+
+std::u16string PresetsManager::descriptionAtIndex(std::size_t index) const {
+    const std::optional<PropertyDictionary> content = enclosureAtIndex(index);
+    const PropertyValue* description = content ? find(*content, "description") : nullptr;
+    return description ? textOrData(*description).value_or(u"") : u"";
+}
+
+std::optional<PropertyDictionary> PresetsManager::enclosureAtIndex(std::size_t index) const {
+    return enclosureAtPath(pathAtIndex(index));
+}
+
+std::optional<PropertyDictionary> PresetsManager::enclosureAtPath(const std::string& path) {
+    PropertyList::Result list = PropertyList::read(path);
+    PropertyValue* root = std::get_if<PropertyValue>(&list);
+    PropertyDictionary* content = root ? root->asDictionary() : nullptr;
+    return content ? std::optional(std::move(*content)) : std::nullopt;
+}
+
+std::u16string PresetsManager::cleanedName(std::u16string_view name) {
+    std::u16string cleaned(name);
+    text::replaceUnit(cleaned, u'/', u':');
+    text::replaceUnit(cleaned, u'.', u'_');
+    return cleaned;
+}
+
+std::optional<std::string> PresetsManager::computePathForName(std::u16string_view name) const {
+    const std::optional<std::string> component = text::toBytes(cleanedName(name));
+    if (!component || component->find('\0') != std::string::npos)
+        return std::nullopt;
+    return fmt::format("{}/{}{}", folder, *component, suffix);
+}
+
+bool PresetsManager::isNameIsStillAvailable(const std::optional<std::u16string>& name) const {
+    const std::optional<std::string> path = name ? computePathForName(*name) : std::nullopt;
+    FileStatus status;
+    return path && FileSystem::sharedInstance().followedStatus(*path, status) != 0;
+}
+
+PresetOutcome
+PresetsManager::createPresetFromCurrentActionsWithName(std::u16string_view name,
+                                                       const std::optional<std::u16string>& description) {
+    const std::optional<std::string> path = computePathForName(name);
+    if (!path)
+        return failed(unusableName);
+    return write({{"compositeAction", compositeAction().getFlatParameterList()},
+                  {"minimumVersion", u"8.0.0.0"},
+                  {"description", description.value_or(u"")}},
+                 *path);
+}
+
+PresetOutcome PresetsManager::applyPresetAtIndex(std::size_t index) {
+    const PropertyList::Result list = PropertyList::read(pathAtIndex(index));
+    if (const auto* error = std::get_if<PropertyListError>(&list))
+        return failed(error->message);
+    const PropertyDictionary* content = std::get<PropertyValue>(list).asDictionary();
+    const PropertyValue* chain = content ? find(*content, "compositeAction") : nullptr;
+    if (!chain)
+        return failed("compositeAction: expected a dictionary");
+    RecipeFile::CheckedList checked = RecipeFile::checkedFlatParameterList(*chain, "compositeAction");
+    if (const auto* error = std::get_if<RecipeError>(&checked))
+        return failed(error->message);
+    compositeAction().setFlatParameterList(std::get<PropertyDictionary>(checked));
+    return {};
+}
+
+PresetOutcome PresetsManager::deletePresetAtIndex(std::size_t index) {
+    return removeFile(pathAtIndex(index));
+}
+
+PresetOutcome PresetsManager::deletePreset(std::u16string_view name) {
+    const std::optional<std::string> path = computePathForName(name);
+    return path ? removeFile(*path) : failed(unusableName);
+}
+
+PresetOutcome PresetsManager::changeDescription(const std::optional<std::u16string>& description,
+                                                const std::string& atPath) {
+    return replaceFile(atPath, atPath, description);
+}
+
+PresetOutcome PresetsManager::changeNameAtPath(const std::string& path, std::u16string_view toNewNawe,
+                                               const std::optional<std::u16string>& description) {
+    return replaceFile(path, computePathForName(toNewNawe), description);
+}
+
+PresetOutcome PresetsManager::replaceFile(const std::string& oldPath,
+                                          const std::optional<std::string>& newPath,
+                                          const std::optional<std::u16string>& description) {
+    if (!newPath)
+        return failed(unusableName);
+    std::optional<PropertyDictionary> content = enclosureAtPath(oldPath);
+    if (!content)
+        return failed(fmt::format("\"{}\" could not be read.", oldPath));
+    content->insert_or_assign("description", description.value_or(u""));
+    if (PresetOutcome removed = removeFile(oldPath); !removed)
+        return removed;
+    return write(*content, *newPath);
+}
+
+} // namespace tavrin
