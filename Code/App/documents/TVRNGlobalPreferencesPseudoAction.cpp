@@ -1,7 +1,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 
-#include "platform/MacOSXVersion.h"
 #include "platform/UserFolders.h"
+#include "support/MacOSXVersion.h"
 #include "support/Text.h"
 
 namespace tavrin {
