@@ -12,10 +12,6 @@ namespace {
 /// ICU's name of the root locale; null would be the user's.
 constexpr const char* rootLocale = "";
 
-template <typename Unit> constexpr bool isLatin1Capital(Unit unit) {
-    return static_cast<std::uint16_t>(unit - 0xC0) < 0x1F && unit != 0xD7;
-}
-
 template <typename Map> std::u16string eachUnit(std::u16string_view text, Map map) {
     std::u16string result(text.size(), u'\0');
     char16_t* out = result.data();
@@ -25,28 +21,26 @@ template <typename Map> std::u16string eachUnit(std::u16string_view text, Map ma
     return result;
 }
 
-template <typename Fill> std::u16string mapped(std::u16string_view text, const char* what, Fill fill) {
-    std::u16string result;
-    icu::append(result, text.size() + 8, what, fill);
-    return result;
-}
+/// Whether a byte that leads a longer sequence leads to characters without case, whatever follows: those of
+/// U+3000 to U+9FFF and U+B000 to U+D7FF.
+constexpr bool leadsToNoCase(unsigned char byte) { return byte >= 0xE3 && byte <= 0xED && byte != 0xEA; }
 
-/// Lower-cases bytes whose characters all lie below U+0100, where no mapping changes a length or looks at
-/// its neighbours; false at the first other character.
-bool lowercaseLatin1Bytes(std::string_view bytes, std::string& into) {
+/// Lower-cases bytes as far as no mapping changes a length or looks at its neighbours: characters below
+/// U+0100, combining marks below U+0370, East Asian text. False at the first other character.
+bool lowercaseSimpleBytes(std::string_view bytes, std::string& into) {
     char* const out = into.data();
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         const auto byte = static_cast<unsigned char>(bytes[i]);
-        if (byte >= 0xC4)
-            return false;
         out[i] = static_cast<char>(units::asciiLower(byte));
-        if (byte != 0xC3 || i + 1 == bytes.size())
+        if (byte < 0xC3 || leadsToNoCase(byte))
             continue;
-        const auto second = static_cast<unsigned char>(bytes[i + 1]);
-        if ((second & 0xC0) == 0x80) {
-            const int letter = 0xC0 + (second & 0x3F);
-            out[++i] = static_cast<char>(second + (isLatin1Capital(letter) ? 0x20 : 0));
-        }
+        const auto second = static_cast<unsigned char>(i + 1 < bytes.size() ? bytes[i + 1] : 0);
+        const bool isMark = byte == 0xCC || (byte == 0xCD && second < 0xB0);
+        if (byte != 0xC3 && !isMark)
+            return false;
+        if (byte == 0xC3 && (second & 0xC0) == 0x80)
+            out[++i] =
+                static_cast<char>(second + (units::isLatin1Capital(0xC0u + (second & 0x3F)) ? 0x20 : 0));
     }
     return true;
 }
@@ -56,17 +50,15 @@ bool lowercaseLatin1Bytes(std::string_view bytes, std::string& into) {
 std::u16string uppercased(std::u16string_view text) {
     if (units::allAscii(text))
         return eachUnit(text, units::asciiUpper<char16_t>);
-    return mapped(text, "upper case", [&](char16_t* buffer, std::int32_t capacity, UErrorCode* status) {
+    return icu::filled(text, "upper case", [&](char16_t* buffer, std::int32_t capacity, UErrorCode* status) {
         return u_strToUpper(buffer, capacity, text.data(), icu::length(text), rootLocale, status);
     });
 }
 
 std::u16string lowercased(std::u16string_view text) {
     if (units::allBelow100(text))
-        return eachUnit(text, [](char16_t unit) {
-            return static_cast<char16_t>(units::asciiLower(unit) + (isLatin1Capital(unit) ? 0x20 : 0));
-        });
-    return mapped(text, "lower case", [&](char16_t* buffer, std::int32_t capacity, UErrorCode* status) {
+        return eachUnit(text, units::latin1Lower);
+    return icu::filled(text, "lower case", [&](char16_t* buffer, std::int32_t capacity, UErrorCode* status) {
         return u_strToLower(buffer, capacity, text.data(), icu::length(text), rootLocale, status);
     });
 }
@@ -74,9 +66,11 @@ std::u16string lowercased(std::u16string_view text) {
 std::u16string caseFolded(std::u16string_view text) {
     if (units::allAscii(text))
         return eachUnit(text, units::asciiLower<char16_t>);
-    return mapped(text, "case folding", [&](char16_t* buffer, std::int32_t capacity, UErrorCode* status) {
-        return u_strFoldCase(buffer, capacity, text.data(), icu::length(text), U_FOLD_CASE_DEFAULT, status);
-    });
+    return icu::filled(text, "case folding",
+                       [&](char16_t* buffer, std::int32_t capacity, UErrorCode* status) {
+                           return u_strFoldCase(buffer, capacity, text.data(), icu::length(text),
+                                                U_FOLD_CASE_DEFAULT, status);
+                       });
 }
 
 void lowercaseBytes(std::string_view bytes, std::string& into) {
@@ -88,7 +82,7 @@ void lowercaseBytes(std::string_view bytes, std::string& into) {
         all |= byte;
         out[i] = static_cast<char>(units::asciiLower(byte));
     }
-    if (all < 0x80 || lowercaseLatin1Bytes(bytes, into))
+    if (all < 0x80 || lowercaseSimpleBytes(bytes, into))
         return;
     // Case mapping neither drops characters nor touches surrogates, so the way back can't fail.
     into = toUtf8(lowercased(fromBytes(bytes)));

@@ -80,13 +80,20 @@ Encoded encode(std::u16string_view text, std::string& into) {
     Encoded result;
     if (isAscii(text)) {
         into.resize(text.size());
+        char* const out = into.data();
+        const char16_t* const in = text.data();
         for (std::size_t i = 0; i < text.size(); ++i)
-            into[i] = static_cast<char>(text[i]);
+            out[i] = static_cast<char>(in[i]);
         return result;
     }
     into.resize(text.size() * 3);
     char* out = into.data();
     for (std::size_t at = 0; at < text.size();) {
+        while (at + 4 <= text.size() && (units::load(text.data() + at) & units::everyUnit(0xFF80)) == 0)
+            for (int i = 0; i < 4; ++i)
+                *out++ = static_cast<char>(text[at++]);
+        if (at == text.size())
+            break;
         const char32_t c = units::codePointAt(text, at);
         at += units::unitCount(c);
         if (c < 0x80) {

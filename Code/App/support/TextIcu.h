@@ -17,21 +17,20 @@ inline void check(UErrorCode status, const char* what) {
         throw std::runtime_error(std::string(what) + ": " + u_errorName(status));
 }
 
-/// Appends the result of an ICU function that fills a buffer and answers the length it needs:
-/// `fill(buffer, capacity, status)`.
-template <typename Fill> void append(std::u16string& into, std::size_t guess, const char* what, Fill fill) {
-    const std::size_t before = into.size();
-    for (std::size_t capacity = guess;;) {
-        into.resize(before + capacity);
+/// What a function of ICU, `fill(buffer, capacity, status)`, makes of the text; it answers the length it
+/// needs.
+template <typename Fill> std::u16string filled(std::u16string_view text, const char* what, Fill fill) {
+    std::u16string result;
+    for (std::size_t capacity = text.size() + text.size() / 2 + 8;;) {
+        result.resize(capacity);
         UErrorCode status = U_ZERO_ERROR;
-        const auto needed = static_cast<std::size_t>(
-            fill(into.data() + before, static_cast<std::int32_t>(capacity), &status));
+        const std::int32_t needed = fill(result.data(), length(result), &status);
         if (status != U_BUFFER_OVERFLOW_ERROR) {
             check(status, what);
-            into.resize(before + needed);
-            return;
+            result.resize(static_cast<std::size_t>(needed));
+            return result;
         }
-        capacity = needed;
+        capacity = static_cast<std::size_t>(needed);
     }
 }
 

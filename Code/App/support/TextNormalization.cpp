@@ -26,22 +26,24 @@ const UNormalizer2& formD() {
 bool isSurelyIn(const UNormalizer2& form, std::u16string_view text) {
     UErrorCode status = U_ZERO_ERROR;
     const std::int32_t length = icu::length(text);
-    return unorm2_spanQuickCheckYes(&form, text.data(), length, &status) == length && U_SUCCESS(status);
+    const std::int32_t checked = unorm2_spanQuickCheckYes(&form, text.data(), length, &status);
+    icu::check(status, "normalization quick check");
+    return checked == length;
 }
 
 std::u16string normalized(const UNormalizer2& form, std::u16string_view text) {
-    std::u16string result;
-    icu::append(result, text.size() + text.size() / 2 + 8, "normalization",
-                [&](char16_t* buffer, std::int32_t capacity, UErrorCode* status) {
-                    return unorm2_normalize(&form, text.data(), icu::length(text), buffer, capacity, status);
-                });
-    return result;
+    if (isSurelyIn(form, text))
+        return std::u16string(text);
+    return icu::filled(
+        text, "normalization", [&](char16_t* buffer, std::int32_t capacity, UErrorCode* status) {
+            return unorm2_normalize(&form, text.data(), icu::length(text), buffer, capacity, status);
+        });
 }
 
 } // namespace
 
 std::u16string precomposed(std::u16string_view text) {
-    if (units::allBelowFirstCombining(text) || isSurelyIn(formC(), text))
+    if (units::allBelowFirstCombining(text))
         return std::u16string(text);
     return normalized(formC(), text);
 }
@@ -62,14 +64,16 @@ bool isPrecomposed(std::u16string_view text) {
 }
 
 bool canonicallyEqual(std::u16string_view a, std::u16string_view b) {
-    if (a == b)
+    if (units::same(a, b))
         return true;
     const bool aIsSimple = units::allBelowFirstCombining(a);
     const bool bIsSimple = units::allBelowFirstCombining(b);
     if (aIsSimple && bIsSimple)
         return false;
-    const UNormalizer2& form = formC();
-    if ((aIsSimple || isSurelyIn(form, a)) && (bIsSimple || isSurelyIn(form, b)))
+    // Different texts of one form differ.
+    if ((aIsSimple || isSurelyIn(formC(), a)) && (bIsSimple || isSurelyIn(formC(), b)))
+        return false;
+    if (!aIsSimple && !bIsSimple && isSurelyIn(formD(), a) && isSurelyIn(formD(), b))
         return false;
     return precomposed(a) == precomposed(b);
 }

@@ -1,5 +1,6 @@
 #include "support/TextSearch.h"
 
+#include "support/LiteralSearch.h"
 #include "support/Text.h"
 #include "support/TextSearchKey.h"
 #include "support/TextSequences.h"
@@ -11,49 +12,22 @@
 namespace tavrin {
 namespace {
 
-using text::units::asciiLower;
+namespace units = text::units;
 
-constexpr std::size_t none = std::u16string_view::npos;
+using text::literal::none;
 
-/// ASCII without a carriage return: each unit is a sequence, and its key is at most its lower case.
-bool isPlain(std::u16string_view name) {
-    using text::units::everyUnit;
-    return text::units::none(name, [](std::uint64_t word) {
-        const std::uint64_t zeroIfReturn = word ^ everyUnit(u'\r');
-        return (word & everyUnit(0xFF80)) |
-               ((zeroIfReturn - everyUnit(1)) & ~zeroIfReturn & everyUnit(0x8000));
+/// Whether the search key of a name, composed, is the name itself or its lower case unit by unit: characters
+/// below U+0100 without CR and, ignoring case, without those that fold to something else.
+bool isSimple(std::u16string_view name, CaseSensitivity sensitivity) {
+    const auto has = [](std::uint64_t word, char16_t unit) {
+        return units::zeroUnits(word ^ units::everyUnit(unit));
+    };
+    if (sensitivity == CaseSensitivity::sensitive)
+        return units::none(
+            name, [&](std::uint64_t word) { return (word & units::everyUnit(0xFF00)) | has(word, u'\r'); });
+    return units::none(name, [&](std::uint64_t word) {
+        return (word & units::everyUnit(0xFF00)) | has(word, u'\r') | has(word, u'ß') | has(word, u'µ');
     });
-}
-
-bool lowersTo(const char16_t* units, std::u16string_view key) {
-    for (std::size_t i = 0; i < key.size(); ++i)
-        if (asciiLower(units[i]) != key[i])
-            return false;
-    return true;
-}
-
-std::size_t findIgnoringCase(std::u16string_view name, std::u16string_view key) {
-    for (std::size_t at = 0; at + key.size() <= name.size(); ++at)
-        if (lowersTo(name.data() + at, key))
-            return at;
-    return none;
-}
-
-std::size_t findLastIgnoringCase(std::u16string_view name, std::u16string_view key) {
-    if (key.size() > name.size())
-        return none;
-    for (std::size_t at = name.size() - key.size() + 1; at-- > 0;)
-        if (lowersTo(name.data() + at, key))
-            return at;
-    return none;
-}
-
-std::size_t findPlain(std::u16string_view name, std::u16string_view key, CaseSensitivity sensitivity) {
-    return sensitivity == CaseSensitivity::sensitive ? name.find(key) : findIgnoringCase(name, key);
-}
-
-std::size_t findLastPlain(std::u16string_view name, std::u16string_view key, CaseSensitivity sensitivity) {
-    return sensitivity == CaseSensitivity::sensitive ? name.rfind(key) : findLastIgnoringCase(name, key);
 }
 
 /// A name with its key and the map between them: edges[i] of the name lies at offsets[i] of the key.
@@ -61,7 +35,7 @@ class KeyedName {
   public:
     /// Does nothing for the name that it already holds: the occurrences of a text are sought one by one.
     void assign(std::u16string_view newName, CaseSensitivity sensitivity) {
-        if (!edges.empty() && newName == name)
+        if (!edges.empty() && units::same(newName, name))
             return;
         name = newName;
         text::sequenceEdges(name, edges);
@@ -128,31 +102,66 @@ class KeyedName {
     std::vector<std::size_t> offsets;
 };
 
-TextRange clamped(TextRange range, std::size_t size) {
-    const std::size_t location = std::min(range.location, size);
-    return {location, std::min(range.length, size - location)};
-}
+struct Forwards {
+    static constexpr auto find = text::literal::find;
+    static constexpr auto findLowered = text::literal::findLowered;
+    static auto findKeyed(const KeyedName& name, std::u16string_view key, TextRange range) {
+        return name.first(key, range);
+    }
+};
 
-std::optional<TextRange> plainMatch(std::size_t at, TextRange range, std::size_t length) {
-    if (at == none)
-        return std::nullopt;
-    return TextRange{range.location + at, length};
-}
+struct Backwards {
+    static constexpr auto find = text::literal::findLast;
+    static constexpr auto findLowered = text::literal::findLastLowered;
+    static auto findKeyed(const KeyedName& name, std::u16string_view key, TextRange range) {
+        return name.last(key, range);
+    }
+};
 
 } // namespace
 
 struct TextSearch::Impl {
     std::u16string text;
     std::u16string key;
+    std::u16string composedKey;
     CaseSensitivity sensitivity = CaseSensitivity::sensitive;
     KeyedName lastName;
+    std::u16string buffer;
+
+    /// Where all texts are in form C, a stretch matches exactly if it is literally the text, so names whose
+    /// composed key goes unit by unit need no map of offsets.
+    template <typename Direction> std::optional<TextRange> match(std::u16string_view name, TextRange range) {
+        const std::size_t location = std::min(range.location, name.size());
+        range = {location, std::min(range.length, name.size() - location)};
+        if (key.empty() || range.length == 0)
+            return std::nullopt;
+        const auto literal = [&](std::size_t found) {
+            return found == none ? std::nullopt
+                                 : std::optional(TextRange{location + found, composedKey.size()});
+        };
+        if (isSimple(name, sensitivity)) {
+            const auto stretch = name.substr(location, range.length);
+            return literal(sensitivity == CaseSensitivity::sensitive
+                               ? Direction::find(stretch, composedKey)
+                               : Direction::findLowered(stretch, composedKey));
+        }
+        if (text::unitwiseKey(name, sensitivity, buffer))
+            return literal(
+                Direction::find(std::u16string_view(buffer).substr(location, range.length), composedKey));
+        lastName.assign(name, sensitivity);
+        return Direction::findKeyed(lastName, key, range);
+    }
 };
 
 TextSearch::TextSearch() : TextSearch({}, CaseSensitivity::sensitive) {}
 
 TextSearch::TextSearch(std::u16string_view text, CaseSensitivity sensitivity)
-    : impl(std::make_unique<Impl>(
-          Impl{std::u16string(text), text::searchKey(text, sensitivity), sensitivity, {}})) {}
+    : impl(std::make_unique<Impl>()) {
+    impl->text = text;
+    impl->key = text::searchKey(text, sensitivity);
+    impl->composedKey = text::precomposed(impl->key);
+    impl->sensitivity = sensitivity;
+}
 
 TextSearch::TextSearch(TextSearch&&) noexcept = default;
 TextSearch& TextSearch::operator=(TextSearch&&) noexcept = default;
@@ -161,34 +170,20 @@ TextSearch::~TextSearch() = default;
 const std::u16string& TextSearch::text() const { return impl->text; }
 
 std::optional<TextRange> TextSearch::first(std::u16string_view name, TextRange range) const {
-    range = clamped(range, name.size());
-    if (impl->key.empty() || range.length == 0)
-        return std::nullopt;
-    if (isPlain(name)) {
-        const auto part = name.substr(range.location, range.length);
-        return plainMatch(findPlain(part, impl->key, impl->sensitivity), range, impl->key.size());
-    }
-    impl->lastName.assign(name, impl->sensitivity);
-    return impl->lastName.first(impl->key, range);
+    return impl->match<Forwards>(name, range);
 }
 
 std::optional<TextRange> TextSearch::last(std::u16string_view name, TextRange range) const {
-    range = clamped(range, name.size());
-    if (impl->key.empty() || range.length == 0)
-        return std::nullopt;
-    if (isPlain(name)) {
-        const auto part = name.substr(range.location, range.length);
-        return plainMatch(findLastPlain(part, impl->key, impl->sensitivity), range, impl->key.size());
-    }
-    impl->lastName.assign(name, impl->sensitivity);
-    return impl->lastName.last(impl->key, range);
+    return impl->match<Backwards>(name, range);
 }
 
 bool contains(std::u16string_view text, std::u16string_view part, CaseSensitivity sensitivity) {
     if (part.empty())
         return false;
-    if (sensitivity == CaseSensitivity::sensitive && isPlain(text) && text::isAscii(part))
-        return text.find(part) != none;
+    // No character below U+0100 is another's canonical equivalent, so case alone can make them match.
+    if (sensitivity == CaseSensitivity::sensitive && isSimple(text, sensitivity) &&
+        units::allBelowFirstCombining(part))
+        return text::literal::find(text, part) != none;
     return TextSearch(part, sensitivity).first(text).has_value();
 }
 

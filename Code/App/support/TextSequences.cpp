@@ -45,13 +45,7 @@ bool isSimpleEdge(char16_t before, char16_t after) {
            !(before == u'\r' && after == u'\n');
 }
 
-/// The end of the sequence at `start` where no rule needs more than a look at the next characters; 0 if it
-/// takes the full rules.
-std::size_t easyEnd(std::u16string_view text, std::size_t start) {
-    if (start + 1 == text.size())
-        return start + 1;
-    if (isSimpleEdge(text[start], text[start + 1]))
-        return start + 1;
+std::size_t easyEndByClass(std::u16string_view text, std::size_t start) {
     const char32_t c = units::codePointAt(text, start);
     std::size_t end = start + units::unitCount(c);
     if (end == text.size())
@@ -67,6 +61,14 @@ std::size_t easyEnd(std::u16string_view text, std::size_t start) {
     if (kind != Joining::alone)
         return joining(units::codePointAt(text, end)) == Joining::never ? end : 0;
     return end == text.size() || joining(units::codePointAt(text, end)) != Joining::perhaps ? end : 0;
+}
+
+/// The end of the sequence at `start` where no rule needs more than a look at the next characters; 0 if it
+/// takes the full rules.
+inline std::size_t easyEnd(std::u16string_view text, std::size_t start) {
+    if (start + 1 == text.size() || isSimpleEdge(text[start], text[start + 1]))
+        return start + 1;
+    return easyEndByClass(text, start);
 }
 
 /// An edge behind `start`, so that the rules need not look at what follows.
@@ -93,6 +95,23 @@ UBreakIterator* iteratorOver(std::u16string_view stretch) {
     return iterator.get();
 }
 
+template <typename Take> void eachSequence(std::u16string_view text, Take take) {
+    for (std::size_t start = 0; start < text.size();) {
+        std::size_t end = easyEnd(text, start);
+        if (end != 0) {
+            take(start, end);
+            start = end;
+            continue;
+        }
+        const std::size_t edge = someEdgeBehind(text, start);
+        UBreakIterator* const iterator = iteratorOver(text.substr(start, edge - start));
+        for (const std::size_t base = start; start < edge; start = end) {
+            end = base + static_cast<std::size_t>(ubrk_next(iterator));
+            take(start, end);
+        }
+    }
+}
+
 } // namespace
 
 std::size_t composedSequenceEnd(std::u16string_view text, std::size_t start) {
@@ -103,29 +122,17 @@ std::size_t composedSequenceEnd(std::u16string_view text, std::size_t start) {
 }
 
 void sequenceEdges(std::u16string_view text, std::vector<std::size_t>& edges) {
-    edges.clear();
-    edges.push_back(0);
-    while (edges.back() < text.size()) {
-        const std::size_t start = edges.back();
-        if (const std::size_t end = easyEnd(text, start)) {
-            edges.push_back(end);
-            continue;
-        }
-        UBreakIterator* const iterator =
-            iteratorOver(text.substr(start, someEdgeBehind(text, start) - start));
-        for (auto end = ubrk_next(iterator); end != UBRK_DONE; end = ubrk_next(iterator))
-            edges.push_back(start + static_cast<std::size_t>(end));
-    }
+    edges.assign(1, 0);
+    edges.reserve(text.size() + 1);
+    eachSequence(text, [&](std::size_t, std::size_t end) { edges.push_back(end); });
 }
 
 std::vector<std::u16string_view> composedSequences(std::u16string_view text) {
-    std::vector<std::size_t> edges;
-    edges.reserve(text.size() + 1);
-    sequenceEdges(text, edges);
     std::vector<std::u16string_view> sequences;
-    sequences.reserve(edges.size() - 1);
-    for (std::size_t i = 1; i < edges.size(); ++i)
-        sequences.push_back(text.substr(edges[i - 1], edges[i] - edges[i - 1]));
+    sequences.reserve(text.size());
+    eachSequence(text, [&](std::size_t start, std::size_t end) {
+        sequences.emplace_back(text.data() + start, end - start);
+    });
     return sequences;
 }
 

@@ -21,20 +21,26 @@ template <typename Unit> std::uint64_t load(const Unit* from) {
     return word;
 }
 
+inline bool same(std::u16string_view a, std::u16string_view b) {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
+
 /// Whether `outside`, asked for words of four units, is zero for the whole text.
 template <typename Outside> bool none(std::u16string_view text, Outside outside) {
     const char16_t* at = text.data();
     const char16_t* const end = at + text.size();
     std::uint64_t found = 0;
-    if (text.size() >= 4) {
-        for (; end - at >= 4; at += 4)
-            found |= outside(load(at));
-        // The last word overlaps the one before, which spares a loop over single units.
-        return (found | outside(load(end - 4))) == 0;
+    if (text.size() < 4) {
+        for (; at < end; ++at)
+            found |= outside(std::uint64_t{*at});
+        return found == 0;
     }
-    for (; at < end; ++at)
-        found |= outside(std::uint64_t{*at});
-    return found == 0;
+    for (; end - at >= 8; at += 8)
+        found |= outside(load(at)) | outside(load(at + 4));
+    if (end - at >= 4)
+        found |= outside(load(at));
+    // The last word overlaps the one before, which spares a loop over single units.
+    return (found | outside(load(end - 4))) == 0;
 }
 
 inline bool allAscii(std::u16string_view text) {
@@ -58,9 +64,21 @@ inline bool allBelowFirstDecomposing(std::u16string_view text) {
     });
 }
 
+/// Has a bit where a unit of the word is zero; exact for the lowest such unit and for whether there is one.
+inline std::uint64_t zeroUnits(std::uint64_t word) {
+    return (word - everyUnit(1)) & ~word & everyUnit(0x8000);
+}
+
 template <typename Unit> constexpr Unit asciiLower(Unit unit) {
     const bool isCapital = static_cast<std::uint16_t>(unit - 'A') < 26;
     return static_cast<Unit>(unit + (isCapital ? 'a' - 'A' : 0));
+}
+
+constexpr bool isLatin1Capital(char32_t c) { return c - 0xC0 < 0x1F && c != 0xD7; }
+
+/// The lower case of a character below U+0100.
+constexpr char16_t latin1Lower(char16_t unit) {
+    return static_cast<char16_t>(asciiLower(unit) + (isLatin1Capital(unit) ? 0x20 : 0));
 }
 
 template <typename Unit> constexpr Unit asciiUpper(Unit unit) {
