@@ -1,0 +1,88 @@
+#include "common/ManualRunLoop.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavrin::test {
+
+ManualRunLoop::ManualRunLoop() : mainThread(std::this_thread::get_id()) {}
+
+ManualRunLoop::~ManualRunLoop() { close(); }
+
+void ManualRunLoop::post(std::function<void()> action) {
+    const std::lock_guard lock(mutex);
+    if (closed)
+        return;
+    queue.push_back(std::move(action));
+    changed.notify_all();
+}
+
+bool ManualRunLoop::isCurrent() const { return std::this_thread::get_id() == mainThread; }
+
+std::unique_ptr<Timer> ManualRunLoop::startTimer(std::chrono::milliseconds interval, bool repeats,
+                                                 std::function<void()> action) {
+    return timers.start(now(), interval, repeats, std::move(action));
+}
+
+double ManualRunLoop::now() const {
+    const std::lock_guard lock(mutex);
+    return time;
+}
+
+bool ManualRunLoop::runOne() {
+    std::function<void()> action;
+    {
+        const std::lock_guard lock(mutex);
+        if (queue.empty())
+            return false;
+        action = std::move(queue.front());
+        queue.pop_front();
+    }
+    action();
+    return true;
+}
+
+std::size_t ManualRunLoop::runPosted() {
+    std::size_t count = 0;
+    while (runOne())
+        ++count;
+    return count;
+}
+
+void ManualRunLoop::advance(std::chrono::milliseconds duration) {
+    constexpr double tolerance = 1e-9; // sums of milliseconds are not exact
+    const double target = now() + std::chrono::duration<double>(duration).count();
+    runPosted();
+    for (auto due = timers.nextDue(); due && *due <= target + tolerance; due = timers.nextDue()) {
+        {
+            const std::lock_guard lock(mutex);
+            time = std::max(time, *due);
+        }
+        timers.fireNext(*due);
+        runPosted();
+    }
+    const std::lock_guard lock(mutex);
+    time = std::max(time, target);
+}
+
+bool ManualRunLoop::runUntil(const std::function<bool()>& predicate) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!predicate()) {
+        if (runOne())
+            continue;
+        std::unique_lock lock(mutex);
+        if (!changed.wait_until(lock, end, [this] { return !queue.empty() || closed; }) || closed)
+            return predicate();
+    }
+    return true;
+}
+
+void ManualRunLoop::close() {
+    std::deque<std::function<void()>> dropped; // destroyed without the lock: it frees waiting callers
+    const std::lock_guard lock(mutex);
+    closed = true;
+    dropped.swap(queue);
+    changed.notify_all();
+}
+
+} // namespace tavrin::test

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/RunLoop.h"
+#include "platform/TimerSet.h"
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+namespace tavrin::test {
+
+/// A run loop whose time stands still until the test moves it. The thread that makes it is the main thread;
+/// posted actions run when the test asks for it.
+class ManualRunLoop : public RunLoop {
+  public:
+    ManualRunLoop();
+    ~ManualRunLoop() override;
+
+    void post(std::function<void()> action) override;
+    [[nodiscard]] bool isCurrent() const override;
+    [[nodiscard]] std::unique_ptr<Timer> startTimer(std::chrono::milliseconds interval, bool repeats,
+                                                    std::function<void()> action) override;
+    [[nodiscard]] double now() const override;
+
+    /// Runs all posted actions, those too that are posted meanwhile; the number run.
+    std::size_t runPosted();
+    /// Moves the time on and fires each timer at its moment; posted actions run before and after each.
+    void advance(std::chrono::milliseconds duration);
+    /// Runs posted actions, waiting for new ones from other threads, until the predicate holds, which is
+    /// asked at the start and after each. False when that has not come about within a minute of real time.
+    bool runUntil(const std::function<bool()>& predicate);
+    /// Drops what is queued and every later post, as a loop that has ended. Any thread.
+    void close();
+
+  private:
+    bool runOne();
+
+    const std::thread::id mainThread;
+    TimerSet timers; ///< main thread only
+
+    mutable std::mutex mutex; ///< guards what follows
+    std::condition_variable changed;
+    std::deque<std::function<void()>> queue;
+    double time = 0;
+    bool closed = false;
+};
+
+} // namespace tavrin::test
