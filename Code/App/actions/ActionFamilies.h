@@ -22,10 +22,14 @@ template <typename Action> constexpr ActionEntry entryFor() {
 
 /// The families, one line each in ActionFamilies.cpp.
 [[nodiscard]] std::span<const ActionEntry> replaceTextActions();
+[[nodiscard]] std::span<const ActionEntry> replaceCharactersActions();
+[[nodiscard]] std::span<const ActionEntry> replaceAtEndsActions();
+[[nodiscard]] std::span<const ActionEntry> removeAtEndsActions();
 [[nodiscard]] std::span<const ActionEntry> insertTextActions();
-[[nodiscard]] std::span<const ActionEntry> removeTextActions();
 [[nodiscard]] std::span<const ActionEntry> moveTextActions();
 [[nodiscard]] std::span<const ActionEntry> caseActions();
+[[nodiscard]] std::span<const ActionEntry> properCaseActions();
+[[nodiscard]] std::span<const ActionEntry> camelCaseActions();
 [[nodiscard]] std::span<const ActionEntry> numberActions();
 
 /// All actions that exist, family by family.

@@ -1,0 +1,57 @@
+#include "actions/BaseRenameAction.h"
+
+#include <array>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::array<ParameterChoice, 4> fragmentChoices{{
+    {1, "Name without extension"},
+    {0, "Whole name"},
+    {2, "Extension without dot"},
+    {3, "Extension with dot"},
+}};
+
+} // namespace
+
+BaseRenameAction::BaseRenameAction() {
+    addParameter(choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1, 0),
+                 paramFragmentSelectionMode);
+}
+
+std::vector<ActionExample> BaseRenameAction::examples() const { return {}; }
+
+void BaseRenameAction::processName(std::u16string_view, const InputContext&, OutputContext&,
+                                   std::u16string& result) {
+    result += u"not yet implemented.";
+}
+
+void BaseRenameAction::executeWithInputContext(InputContext& input, OutputContext& output) {
+    prepare();
+    const std::u16string_view name = input.currentName;
+    auto& result = output.newName;
+    std::size_t begin = 0;
+    std::size_t end = name.size();
+
+    const auto mode = static_cast<FragmentSelection>(paramFragmentSelectionMode);
+    const bool wantsExtension =
+        mode == FragmentSelection::extensionWithoutDot || mode == FragmentSelection::extensionWithDot;
+    if (wantsExtension || mode == FragmentSelection::withoutExtension) {
+        const auto dot = name.rfind(u'.');
+        if (dot == name.npos && wantsExtension) {
+            result.assign(name);
+            return;
+        }
+        if (wantsExtension)
+            begin = mode == FragmentSelection::extensionWithDot ? dot : dot + 1;
+        else if (dot != name.npos)
+            end = dot;
+    }
+
+    result.assign(name, 0, begin);
+    processName(name.substr(begin, end - begin), input, output, result);
+    result.append(name, end);
+}
+
+} // namespace tavrin

@@ -1,0 +1,67 @@
+#include "actions/ParameterDescription.h"
+
+#include <array>
+#include <string>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::array<ParameterChoice, 12> occurrences{{
+    {0, "First"},
+    {1, "Second"},
+    {2, "Third"},
+    {3, "Fourth"},
+    {4, "Fifth"},
+    {5, "Sixth"},
+    {6, "Last"},
+    {7, "Second to last"},
+    {8, "Third to last"},
+    {9, "Fourth to last"},
+    {10, "Fifth to last"},
+    {11, "Sixth to last"},
+}};
+
+constexpr std::array<ParameterChoice, 2> positionModes{{{0, "from the start"}, {1, "from the end"}}};
+
+constexpr std::array<ParameterChoice, 2> checkboxStates{{{0, "off"}, {1, "on"}}};
+
+} // namespace
+
+PropertyValue propertyValue(const ParameterDefault& value) {
+    if (const auto* number = std::get_if<std::int32_t>(&value))
+        return *number;
+    return std::u16string(std::get<std::u16string_view>(value));
+}
+
+ParameterDescription textParameter(std::string_view key, std::string_view label,
+                                   std::u16string_view whenNew) {
+    return {key, label, ParameterKind::text, whenNew, std::u16string_view{}};
+}
+
+ParameterDescription characterParameter(std::string_view key, std::string_view label,
+                                        std::u16string_view whenNew) {
+    return {key, label, ParameterKind::character, whenNew, std::u16string_view{}};
+}
+
+ParameterDescription numberParameter(std::string_view key, std::string_view label, std::int32_t whenNew,
+                                     std::int32_t whenAbsent) {
+    return {key, label, ParameterKind::number, whenNew, whenAbsent};
+}
+
+ParameterDescription checkboxParameter(std::string_view key, std::string_view label, std::int32_t whenNew,
+                                       std::int32_t whenAbsent) {
+    return {key, label, ParameterKind::checkbox, whenNew, whenAbsent, checkboxStates};
+}
+
+ParameterDescription choiceParameter(std::string_view key, std::string_view label,
+                                     std::span<const ParameterChoice> choices, std::int32_t whenNew,
+                                     std::int32_t whenAbsent) {
+    return {key, label, ParameterKind::choice, whenNew, whenAbsent, choices};
+}
+
+std::span<const ParameterChoice> occurrenceChoices() { return occurrences; }
+
+std::span<const ParameterChoice> positionModeChoices() { return positionModes; }
+
+} // namespace tavrin

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "support/Text.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+/// A text in normalization form C, copied only where it is not in that form already. The source must outlive
+/// it.
+class PrecomposedText {
+  public:
+    explicit PrecomposedText(std::u16string_view source) : text(source) {
+        // Nothing below the combining marks composes or is changed by composing.
+        const auto mayChange = [](char16_t unit) { return unit >= 0x300; };
+        if (std::any_of(source.begin(), source.end(), mayChange) && !text::isPrecomposed(source)) {
+            copy = text::precomposed(source);
+            text = copy;
+        }
+    }
+    PrecomposedText(const PrecomposedText&) = delete;
+    PrecomposedText& operator=(const PrecomposedText&) = delete;
+
+    [[nodiscard]] std::u16string_view view() const { return text; }
+
+  private:
+    std::u16string copy;
+    std::u16string_view text;
+};
+
+} // namespace tavrin
