@@ -18,7 +18,7 @@ class StoreContext;
 /// What one commit has changed, for contexts that show rows.
 struct StoreChanges {
     const StoreContext* committer = nullptr;
-    std::vector<RowId> updated; ///< in ascending order
+    std::vector<RowId> updated;     ///< in ascending order
     std::uint8_t columnClasses = 0; ///< of the updated rows, a union of ColumnClass
     bool rowsInserted = false;
     bool rowsDeleted = false;

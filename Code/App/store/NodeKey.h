@@ -94,7 +94,9 @@ inline constexpr std::array<NodeAttribute, 31> nodeAttributes{{
 }};
 
 /// The schema row of a key.
-constexpr const NodeAttribute& attribute(NodeKey key) { return nodeAttributes[static_cast<std::size_t>(key)]; }
+constexpr const NodeAttribute& attribute(NodeKey key) {
+    return nodeAttributes[static_cast<std::size_t>(key)];
+}
 
 /// The key that bears this name, if any.
 constexpr std::optional<NodeKey> nodeKeyNamed(std::string_view name) {

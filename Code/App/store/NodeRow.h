@@ -19,11 +19,11 @@ struct NodeRow {
     double exif = 0;
     std::uint64_t size = 0; ///< bytes; the attribute's text form is derived
     RowId parent = noRow;
-    RowId previousSibling = noRow;
-    RowId nextSibling = noRow;
+    RowId previousSibling =
+        noRow; ///< a list from the folder's last child backwards, through deleted rows too
     RowId cannotBeRenamedBefore = noRow;
     RowId mustBeRenamedBefore = noRow;
-    std::uint32_t folder = 0; ///< number in the store's table of folders, 0 for what has no children
+    std::uint32_t folder = 0; ///< number in the store's table of folders, 0 for what can have no children
     std::int32_t manualOrder = 0;
     std::int32_t depth = 0;
     NodeEntity entity = NodeEntity::none;
@@ -33,7 +33,6 @@ struct NodeRow {
     bool sortingInformationLoaded = false;
     bool canBeRenamedIndependently = true;
     bool mustBeSwapped = false;
-    std::uint8_t sparse = 0; ///< which rare attributes the side table holds
 };
 
 } // namespace tavrin

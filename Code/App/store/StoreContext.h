@@ -28,8 +28,8 @@ class StoreError;
 /// are staged here; `commit` makes these visible to all at once, `reset` drops them. A context belongs to one
 /// thread. The main context is the exception: whoever uses it holds its `mutex()` meanwhile.
 /// References into rows and views of texts are valid until the next call that reads another row, inserts,
-/// commits, refaults or resets. Row operations throw StoreError when the store cannot be read, and
-/// std::logic_error for a row that does not exist.
+/// commits, refaults or resets. Row operations throw StoreError when the store cannot be read; a row that
+/// does not exist (any more) reads as an empty one, and writing to it changes nothing.
 class StoreContext {
   public:
     /// What wins when a row was changed both here and in the store meanwhile.
@@ -104,7 +104,7 @@ class StoreContext {
     std::size_t deleteNodes(std::size_t limit);
 
     // --- The small entities ---
-    /// Throws std::logic_error with the fixed texts when there is not exactly one row.
+    /// The one row of counters, for writing; only what differs from what was read is committed.
     EngineControl& changeEngineControl();
     const EngineControl& engineControl();
     /// In the order added.
@@ -128,7 +128,7 @@ class StoreContext {
     [[nodiscard]] std::optional<std::string> commitAndFlush();
     /// Drops the values of all unchanged rows; they are read anew when asked for.
     void refault();
-    /// Drops staged changes, values and cursors.
+    /// Drops staged changes and values. Cursors go on, since batches of a pass are cut by resets.
     void reset();
     /// Takes over what another context has committed. Called under `mutex()`, on the committing thread.
     void merge(const StoreChanges& changes);

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "store/EngineControl.h"
+#include "store/FolderTable.h"
+#include "store/ItemStore.h"
+#include "store/ProcessingError.h"
+#include "store/RowBlock.h"
+#include "store/SegmentTable.h"
+#include "store/SourceItemTable.h"
+#include "store/StagedChanges.h"
+#include "store/StoreFile.h"
+
+#include <atomic>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace tavrin {
+
+/// The inside of a store. Everything but the atomics is guarded by `mutex`.
+struct ItemStore::Impl {
+    explicit Impl(Options options);
+
+    /// Throws StoreError when there is no back-end.
+    void requireBackEnd() const;
+    /// A run of fresh ids that begins a block: its first id. Ids are never given twice.
+    RowId reserveBlock();
+
+    void loadRows(RowBlock& block);
+    void loadNames(RowBlock& block);
+    void loadFinals(RowBlock& block);
+    /// The rows below a folder, in reading order.
+    std::vector<RowId> children(RowId folder);
+
+    /// Takes the changes over, all or nothing; the error's text where the file refuses. Throws StoreError
+    /// when what is changed cannot be read. Fills in what contexts must know.
+    std::optional<std::string> apply(StagedChanges& staged, StoreChanges& into);
+    std::optional<std::string> flush();
+    bool migrateToMemory();
+
+    std::mutex mutex;
+    const Options options;
+    std::atomic<Kind> kind;
+    std::optional<std::string> openError;
+    std::unique_ptr<StoreFile> file;
+    SegmentTable segments;
+    FolderTable folders;
+    // By id.
+    std::vector<std::uint8_t> summaries;
+    std::vector<std::uint8_t> stageFlags;
+    std::vector<std::uint8_t> secondaryStageFlags;
+    std::unordered_map<RowId, SparseRow> sparse;
+    EngineControl control;
+    SourceItemTable sourceItems;
+    std::deque<ProcessingError> errors;
+    std::uint64_t secret = 0; ///< of the random sort keys
+
+    /// Versions by what a list can depend on.
+    std::uint64_t insertVersion = 1;
+    std::uint64_t sortVersion = 1;
+    std::uint64_t filterVersion = 1;
+    std::uint64_t namingVersion = 1;
+    std::uint64_t planVersion = 1;
+    std::atomic<std::uint64_t> listVersion{1};
+
+    std::function<void(const StoreChanges&)> didSave;
+
+  private:
+    void touchSegments(const StagedChanges& staged);
+    void applyBlock(RowBlock& block, StagedChanges& staged, StoreChanges& into);
+    void insertRow(RowBlock& block, std::size_t index, StagedChanges& staged);
+    std::uint8_t updateAttributes(NodeRow& row, const NodeRow& changed, const NodeRow& original);
+    void collectTree(RowId row, std::vector<RowId>& into);
+    void removeRow(RowId row);
+    void dropEmptySegments();
+    void applySmallEntities(StagedChanges& staged, StoreChanges& into);
+
+    bool controlIsWritten = true;
+    bool sourceItemsAreWritten = true;
+    bool errorsAreWritten = true;
+};
+
+} // namespace tavrin

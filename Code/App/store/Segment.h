@@ -1,0 +1,37 @@
+#pragma once
+
+#include "store/NodeRow.h"
+#include "store/TextRegion.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+/// The rows of 4096 consecutive ids with their texts: the unit that is kept in memory or paged out.
+struct Segment {
+    static constexpr std::size_t capacity = 4096;
+    enum Part : std::uint8_t { rowPart, namePart, finalPart };
+    static constexpr std::size_t partCount = 3;
+
+    Segment() : rows(capacity), names(capacity), finals(capacity) {}
+
+    static constexpr std::uint32_t number(RowId id) { return id / capacity; }
+    static constexpr std::size_t index(RowId id) { return id % capacity; }
+
+    [[nodiscard]] std::string blob(Part part) const;
+    [[nodiscard]] bool readBlob(Part part, std::string_view bytes);
+    [[nodiscard]] std::size_t footprint() const;
+    [[nodiscard]] bool isDirty() const { return dirty[rowPart] || dirty[namePart] || dirty[finalPart]; }
+
+    std::vector<NodeRow> rows;
+    TextRegion names;  ///< path components as the file system gives them
+    TextRegion finals; ///< absent while finalName equals name
+    std::array<bool, partCount> dirty{};
+    std::uint64_t lastUse = 0;
+};
+
+} // namespace tavrin

@@ -1,0 +1,128 @@
+#include "store/SourceItemManager.h"
+
+#include "platform/FileManager.h"
+#include "platform/FileSystem.h"
+#include "store/StoreContext.h"
+#include "support/DebugLog.h"
+
+#include <mutex>
+#include <stdexcept>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+SourceItemManager* registeredInstance = nullptr;
+
+/// The path without its last component; "/" has none.
+std::string withoutLastComponent(const std::string& path) {
+    const std::size_t slash = path.find_last_of('/');
+    if (slash == std::string::npos)
+        return {};
+    return path.substr(0, slash == 0 ? 1 : slash);
+}
+
+} // namespace
+
+SourceItemManager::SourceItemManager(std::function<StoreContext&()> newMainContext,
+                                     ErrorPresenter newPresentError)
+    : mainContext(std::move(newMainContext)), presentError(std::move(newPresentError)) {
+    registeredInstance = this;
+}
+
+SourceItemManager::~SourceItemManager() {
+    if (registeredInstance == this)
+        registeredInstance = nullptr;
+}
+
+SourceItemManager& SourceItemManager::sharedInstance() {
+    if (registeredInstance == nullptr)
+        throw std::logic_error("no SourceItemManager is registered");
+    return *registeredInstance;
+}
+
+bool SourceItemManager::addSourceItem(const std::string& path) {
+    debugLog("addSourceItem: {}", path);
+    FileStatus status;
+    if (FileSystem::sharedInstance().followedStatus(path, status) != 0)
+        return false;
+    const bool isDirectory = status.kind == FileStatus::Kind::folder;
+
+    StoreContext& context = mainContext();
+    std::optional<std::string> failure;
+    {
+        std::scoped_lock lock(context.mutex());
+        if (context.sourceItemWithPath(path))
+            return false;
+        if (isDirectory && context.sourceItemCountBelow(path == "/" ? "" : path) > 0)
+            return false;
+        context.insertSourceItem(path, isDirectory && !FileManager::instance().isBundle(path));
+        failure = context.commit();
+    }
+    if (failure) {
+        debugLog("could not save: {}", *failure);
+        presentError(*failure);
+    }
+    return true;
+}
+
+void SourceItemManager::removeItem(const std::string& path) {
+    debugLog("removeItem: {}", path);
+    StoreContext& context = mainContext();
+    std::optional<std::string> failure;
+    {
+        std::scoped_lock lock(context.mutex());
+        if (!context.sourceItemWithPath(path)) {
+            debugLog("could not find the source item!!");
+            return;
+        }
+        context.deleteSourceItem(path);
+        // An item that no preview has read yet has no row.
+        if (const RowId row = context.fileWithPath(path); row != noRow) {
+            const RowId parent = context.row(row).parent;
+            const bool isOnlyChild = parent != noRow && context.childCount(parent) == 1;
+            context.deleteRow(isOnlyChild ? parent : row);
+        }
+        failure = context.commit();
+    }
+    if (failure) {
+        debugLog("could not save: {}", *failure);
+        presentError(*failure);
+    }
+}
+
+bool SourceItemManager::changeTo(const std::string& oldPath, const std::string& newPath) {
+    debugLog("change: {} to: {}", oldPath, newPath);
+    removeItem(oldPath);
+    addSourceItem(newPath);
+    return true;
+}
+
+bool SourceItemManager::checkPathValidity(const std::string& folder) {
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    for (std::string path = folder; !path.empty(); path = withoutLastComponent(path)) {
+        if (context.sourceItemWithPath(path))
+            return false;
+        if (path == "/")
+            break;
+    }
+    return true;
+}
+
+bool SourceItemManager::isEmpty() {
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    return context.sourceItemCount() == 0;
+}
+
+void SourceItemManager::resetCache() {
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    for (const SourceItem& item : context.sourceItems())
+        context.setSourceItemRead(item.path, false, false);
+    static_cast<void>(context.commit());
+}
+
+} // namespace tavrin

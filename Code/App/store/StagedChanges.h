@@ -1,0 +1,60 @@
+#pragma once
+
+#include "store/EngineControl.h"
+#include "store/NodeRow.h"
+#include "store/ProcessingError.h"
+#include "store/SourceItem.h"
+#include "support/PropertyValue.h"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <variant>
+#include <vector>
+
+namespace tavrin {
+
+struct RowBlock;
+
+/// The rare attributes of a row, kept apart from it.
+struct SparseRow {
+    std::optional<std::array<std::u16string, 6>> regexColumns;
+    std::optional<PropertyData> tagData;
+};
+
+struct SourceItemInsertion {
+    SourceItem item;
+};
+struct SourceItemDeletion {
+    std::string path;
+};
+struct SourceItemReading {
+    std::string path;
+    bool readInRoot;
+    bool readInSubfolders;
+};
+using SourceItemChange = std::variant<SourceItemInsertion, SourceItemDeletion, SourceItemReading>;
+
+/// Everything that a context has changed and not yet committed.
+struct StagedChanges {
+    std::vector<RowBlock*> blocks; ///< those with changed rows, in ascending order; owned by the context
+    std::unordered_map<RowId, std::string> folderPaths; ///< of inserted rows that can have children
+    std::vector<RowId> deletedTrees;
+    std::vector<RowId> deletedNodes; ///< of a bulk deletion, in ascending order
+    std::unordered_map<RowId, SparseRow> sparse;
+    std::vector<SourceItemChange> sourceItems;
+    std::vector<ProcessingError> insertedErrors;
+    std::size_t deletedErrors = 0; ///< from the front
+    std::optional<EngineControl> control;
+    EngineControl controlAsRead;
+
+    [[nodiscard]] bool isEmpty() const {
+        return blocks.empty() && deletedTrees.empty() && deletedNodes.empty() && sparse.empty() &&
+               sourceItems.empty() && insertedErrors.empty() && deletedErrors == 0 &&
+               (!control || *control == controlAsRead);
+    }
+};
+
+} // namespace tavrin

@@ -1,0 +1,247 @@
+#include "store/StoreContext.h"
+
+#include "store/RowSummary.h"
+#include "store/StoreContextImpl.h"
+
+#include <algorithm>
+#include <utility>
+
+// The life of a context: blocks, staging, commit, merge.
+
+namespace tavrin {
+
+namespace {
+
+/// How many unchanged blocks a context keeps, and how many it lets go at once.
+constexpr std::size_t keptBlocks = 96;
+constexpr std::size_t droppedBlocks = 48;
+
+} // namespace
+
+StoreContext::StoreContext(ItemStore& store, MergePolicy policy)
+    : impl(std::make_unique<Impl>(store, policy)) {
+    impl->self = this;
+}
+
+StoreContext::~StoreContext() = default;
+
+ItemStore& StoreContext::store() const { return impl->itemStore; }
+
+std::recursive_mutex& StoreContext::mutex() const { return impl->mutex; }
+
+std::uint64_t StoreContext::listVersion() const { return impl->store.listVersion; }
+
+// --- Blocks ---
+
+RowBlock* StoreContext::Impl::presentBlock(RowId id) {
+    const std::uint32_t number = RowBlock::number(id);
+    if (lastBlock != nullptr && RowBlock::number(lastBlock->first) == number)
+        return lastBlock;
+    const auto found = blocks.find(number);
+    if (found == blocks.end())
+        return nullptr;
+    lastBlock = found->second.get();
+    lastBlock->lastUse = ++clock;
+    return lastBlock;
+}
+
+RowBlock& StoreContext::Impl::blockOf(RowId id) {
+    if (RowBlock* block = presentBlock(id))
+        return *block;
+    return loadBlock(RowBlock::number(id));
+}
+
+RowBlock& StoreContext::Impl::loadBlock(std::uint32_t number) {
+    makeRoomForBlock();
+    std::unique_ptr<RowBlock> block;
+    if (spareBlocks.empty()) {
+        block = std::make_unique<RowBlock>();
+    } else {
+        block = std::move(spareBlocks.back());
+        spareBlocks.pop_back();
+    }
+    block->first = number * static_cast<RowId>(RowBlock::capacity);
+    block->hasNames = block->hasFinals = false;
+    block->forgetChanges();
+    block->lastUse = ++clock;
+    {
+        std::scoped_lock lock(store.mutex);
+        store.loadRows(*block);
+    }
+    lastBlock = block.get();
+    blocks[number] = std::move(block);
+    return *lastBlock;
+}
+
+void StoreContext::Impl::makeRoomForBlock() {
+    if (blocks.size() < keptBlocks + staged.blocks.size())
+        return;
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> clean; // by age
+    for (const auto& [number, block] : blocks) {
+        if (block->changedRows == 0)
+            clean.emplace_back(block->lastUse, number);
+    }
+    const auto count = std::min(droppedBlocks, clean.size());
+    std::nth_element(clean.begin(), clean.begin() + static_cast<std::ptrdiff_t>(count), clean.end());
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto found = blocks.find(clean[i].second);
+        if (found->second.get() == lastBlock)
+            lastBlock = nullptr;
+        spareBlocks.push_back(std::move(found->second));
+        blocks.erase(found);
+    }
+}
+
+RowBlock& StoreContext::Impl::blockWithNames(RowId id) {
+    RowBlock& block = blockOf(id);
+    if (!block.hasNames) {
+        std::scoped_lock lock(store.mutex);
+        store.loadNames(block);
+    }
+    return block;
+}
+
+RowBlock& StoreContext::Impl::blockWithFinals(RowId id) {
+    RowBlock& block = blockOf(id);
+    if (!block.hasFinals) {
+        std::scoped_lock lock(store.mutex);
+        store.loadFinals(block);
+    }
+    return block;
+}
+
+void StoreContext::Impl::note(RowBlock& block, RowId id, RowBlock::Change change) {
+    const bool isFirstInBlock = block.changedRows == 0;
+    block.note(RowBlock::index(id), change);
+    if (isFirstInBlock)
+        staged.blocks.push_back(&block);
+}
+
+void StoreContext::Impl::dropCleanBlocks() {
+    for (auto block = blocks.begin(); block != blocks.end();) {
+        if (block->second->changedRows != 0) {
+            ++block;
+            continue;
+        }
+        spareBlocks.push_back(std::move(block->second));
+        block = blocks.erase(block);
+    }
+    if (spareBlocks.size() > keptBlocks)
+        spareBlocks.resize(keptBlocks);
+    lastBlock = nullptr;
+}
+
+void StoreContext::Impl::dropAllBlocks() {
+    for (RowBlock* block : staged.blocks)
+        block->forgetChanges();
+    dropCleanBlocks();
+}
+
+std::uint8_t StoreContext::Impl::summary(RowId id) {
+    if (hasStagedRows()) {
+        if (const RowBlock* block = presentBlock(id)) {
+            const std::uint8_t changes = block->changes[RowBlock::index(id)];
+            if (changes & RowBlock::deleted)
+                return rowSummary::none;
+            if (changes & RowBlock::inserted)
+                return rowSummary::of(block->rows[RowBlock::index(id)]);
+            if (changes != 0) {
+                std::scoped_lock lock(store.mutex);
+                const bool isLive = store.summaries[id] != rowSummary::none;
+                return isLive ? rowSummary::of(block->rows[RowBlock::index(id)]) : rowSummary::none;
+            }
+        }
+    }
+    std::scoped_lock lock(store.mutex);
+    return id < store.summaries.size() ? store.summaries[id] : rowSummary::none;
+}
+
+const std::string& StoreContext::Impl::folderPath(RowId folder) {
+    if (folder == lastFolder && folder != noRow)
+        return lastFolderPath;
+    lastFolder = folder;
+    if (const auto found = staged.folderPaths.find(folder); found != staged.folderPaths.end()) {
+        lastFolderPath = found->second;
+        return lastFolderPath;
+    }
+    std::scoped_lock lock(store.mutex);
+    const FolderTable::Folder* record = store.folders.ofRow(folder);
+    lastFolderPath = record ? record->path : std::string();
+    return lastFolderPath;
+}
+
+// --- Changes ---
+
+bool StoreContext::hasChanges() const { return !impl->staged.isEmpty(); }
+
+std::optional<std::string> StoreContext::commit() {
+    Impl& self = *impl;
+    if (self.staged.isEmpty())
+        return std::nullopt;
+    std::sort(self.staged.blocks.begin(), self.staged.blocks.end(),
+              [](const RowBlock* a, const RowBlock* b) { return a->first < b->first; });
+    StoreChanges changes;
+    changes.committer = this;
+    std::function<void(const StoreChanges&)> didSave;
+    {
+        std::scoped_lock lock(self.store.mutex);
+        if (self.store.openError)
+            return self.store.openError;
+        if (auto failure = self.store.apply(self.staged, changes))
+            return failure;
+        didSave = self.store.didSave;
+    }
+    for (RowBlock* block : self.staged.blocks)
+        block->forgetChanges();
+    self.staged = StagedChanges{};
+    self.stagedFolders.clear();
+    if (changes.rowsDeleted) {
+        self.dropCleanBlocks();
+        self.lastFolder = noRow;
+    }
+    if (didSave)
+        didSave(changes);
+    return std::nullopt;
+}
+
+std::optional<std::string> StoreContext::commitAndFlush() {
+    if (auto failure = commit())
+        return failure;
+    std::scoped_lock lock(impl->store.mutex);
+    return impl->store.flush();
+}
+
+void StoreContext::refault() { impl->dropCleanBlocks(); }
+
+void StoreContext::reset() {
+    Impl& self = *impl;
+    self.dropAllBlocks();
+    self.staged = StagedChanges{};
+    self.stagedFolders.clear();
+    self.nextReserved = self.endReserved = noRow;
+    self.lastFolder = noRow;
+}
+
+void StoreContext::merge(const StoreChanges& changes) {
+    Impl& self = *impl;
+    if (changes.committer == this)
+        return;
+    if (self.policy == MergePolicy::storeWins && self.hasStagedRows()) {
+        for (const RowId id : changes.updated) {
+            RowBlock* block = self.presentBlock(id);
+            if (block == nullptr || block->changes[RowBlock::index(id)] == 0)
+                continue;
+            block->changes[RowBlock::index(id)] = 0;
+            if (--block->changedRows == 0)
+                std::erase(self.staged.blocks, block);
+        }
+    }
+    if (!changes.updated.empty() || changes.rowsInserted || changes.rowsDeleted)
+        self.dropCleanBlocks();
+    if (changes.rowsDeleted)
+        self.lastFolder = noRow;
+    if (changes.engineControl && (!self.staged.control || *self.staged.control == self.staged.controlAsRead))
+        self.staged.control.reset();
+}
+
+} // namespace tavrin
