@@ -124,7 +124,7 @@ std::string realText(double value) {
 }
 
 std::string dateText(PropertyDate date) {
-    constexpr double firstMoment = -63114076800.0; // 0001-01-01T00:00:00Z
+    constexpr double firstMoment = -63113904000.0; // 0001-01-01T00:00:00Z
     constexpr double lastMoment = 252423993599.0;  // 9999-12-31T23:59:59Z
     const double number = std::isnan(date.secondsSince2001) ? 0 : date.secondsSince2001;
     const auto whole =
