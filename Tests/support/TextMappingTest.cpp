@@ -106,6 +106,11 @@ TEST(TextCase, BytesLowerLikeTheirText) {
         "\xCE\xA3\xCE\x91\xCE\xA3",
         "\xC4\xB0X\xFF",
         "\xE2\x84\xAA",
+        "\xEA\x99\x80Z",
+        "\xCD\xB0Z",
+        "E\xCC\x81\xCD\x85Z",
+        "\xE6\xBC\xA2Z\xED\x95\x9C",
+        "\xE6Z\xC3",
         "\xED\xA0\x80\xC3\x89",
         "A LONGER NAME WITHOUT AN ACCENT.JPEG",
     };

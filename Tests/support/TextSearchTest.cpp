@@ -70,6 +70,8 @@ TEST(TextSearch, FindsEquivalentTextBetweenEdges) {
         {u"ﬁ", u"f", insensitive, none},
         {u"o\uFB03ce", u"office", insensitive, TextRange{0, 4}},
         {u"æ", u"ae", insensitive, none},
+        {u"и\u0484", u"и", insensitive, none},
+        {u"ПРИВЕТ", u"вет", insensitive, TextRange{3, 3}},
         {u"5\u212A", u"K", sensitive, TextRange{1, 1}},
         {u"5k", u"\u212A", insensitive, TextRange{1, 1}},
         {u"\u212B", u"A\u030A", sensitive, TextRange{0, 1}},

@@ -42,7 +42,8 @@ TEST(TextSequences, ShortcutsAgreeWithTheRules) {
     // At least one character of every class of the rules, and the neighbours of the shortcuts' limits.
     static constexpr std::u32string_view alphabet =
         U"ab \r\n\x01\x7F\u0085\u00AD\u00A9é\u02FF\u0300\u0323\u034F\u036F\u0370й"
-        U"\u0483\u05D0\u05B0\u0600\u0E33\u0E01\u0915\u0937\u093F\u094D\u093C\u0D4E\u1100\u1161\u11A8한가각"
+        U"\u0483\u05D0\u05B0\u0600\u0E33\u0E01\u0915\u0937\u093F\u094D\u093C\u0D4E\u1100\u1161\u11A8\uD7B0"
+        U"\uD7CB한가각"
         U"\u200B\u200C\u200D\u2028\u20E3\u2764\uFE0F漢\u302E\uFF9E\U0001F1E6\U0001F1F8\U0001F44D\U0001F3FD"
         U"\U0001F469\U0001F4BB\U00011070\U000110BD\U000E0041";
     std::mt19937 random(99);

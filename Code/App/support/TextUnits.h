@@ -22,7 +22,9 @@ template <typename Unit> std::uint64_t load(const Unit* from) {
 }
 
 inline bool same(std::u16string_view a, std::u16string_view b) {
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+    // An empty view may have no address, which memcmp does not take.
+    return a.size() == b.size() &&
+           (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
 }
 
 /// Whether `outside`, asked for words of four units, is zero for the whole text.
