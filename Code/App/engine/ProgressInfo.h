@@ -1,15 +1,10 @@
 #pragma once
 
-#include "store/NodeRow.h"
-
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace tavrin {
 
@@ -18,7 +13,7 @@ class Timer;
 
 /// Told on the main thread of changes that the display should follow, by observable key ("stageText",
 /// "currentActionDescription", "currentItemNumber", "itemText", "numberOfItems", "isIndeterminate",
-/// "isDone"). "numberOfItems" may be announced on a worker thread.
+/// "isDone").
 class ProgressObserver {
   public:
     virtual ~ProgressObserver() = default;
@@ -27,7 +22,7 @@ class ProgressObserver {
 
 /// The one record between a worker that reports at full speed and a display that changes at most ten times a
 /// second. Reports are safe from any thread and never wait for the main thread; texts go through a mailbox
-/// that the repeating tick empties.
+/// that the repeating tick empties. Made and destroyed on the main thread.
 class ProgressInfo {
   public:
     explicit ProgressInfo(RunLoop& loop);
@@ -44,15 +39,18 @@ class ProgressInfo {
     }
     void setNumberOfItems(std::int32_t number);
     void updateIsIndeterminate(bool isIndeterminate);
+    /// False starts the clock of a run.
     void updateIsDone(bool isDone);
+    /// Lets the run count as long 0.2 seconds from its start on.
     void signalQuickSwitchToLongProcessingMode();
     /// Cheap per-item gate: true at most once per tick, or always when the debug log would take the text.
     /// Only then need a per-item text be formatted and handed to updateCurrentActionDescription.
     [[nodiscard]] bool wantsItemDescription() const;
 
-    // Main thread.
+    // Main thread. The texts and the item number are those on display.
     void fireBindings();
     void forceUpdate() { fireBindings(); }
+    /// Whether a run has been going for more than 3 seconds.
     [[nodiscard]] bool isLong() const;
     [[nodiscard]] bool isDone() const;
     [[nodiscard]] bool isIndeterminate() const;
@@ -62,16 +60,19 @@ class ProgressInfo {
     [[nodiscard]] std::int32_t numberOfItems() const;
     /// "%d out of %d items", empty while indeterminate.
     [[nodiscard]] std::string itemText() const;
+    /// Not owned; null ends the reports.
     void setObserver(ProgressObserver* newObserver);
 
   private:
+    struct State;
+
+    void announce(std::string_view key);
+
     RunLoop& loop;
-    ProgressObserver* observer = nullptr;
-    std::unique_ptr<Timer> updateTimer;
     std::atomic<std::int32_t> currentItemNumberNew{0};
     mutable std::atomic<bool> itemDescriptionWanted{true};
-    struct Texts;
-    std::unique_ptr<Texts> texts;
+    std::shared_ptr<State> state; ///< shared with announcements that are on their way
+    std::unique_ptr<Timer> updateTimer;
 };
 
 } // namespace tavrin

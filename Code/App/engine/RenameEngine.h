@@ -1,21 +1,21 @@
 #pragma once
 
+#include "store/FilterManager.h"
 #include "store/Predicate.h"
 
 #include <atomic>
-#include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace tavrin {
 
 class EngineHost;
 class ProcessingPipeline;
 class ProgressInfo;
+class RenameThreads;
 class StoreContext;
 
 /// Decides which pipelines exist and how they reach a thread: each request gets a thread of its own, one
@@ -23,7 +23,8 @@ class StoreContext;
 class RenameEngine {
   public:
     explicit RenameEngine(EngineHost& host);
-    /// Waits for all its threads.
+    /// Asks a running rename to stop and waits for all threads. These may be waiting for the main thread, so
+    /// the run loop must have been closed or be running on another thread.
     ~RenameEngine();
     RenameEngine(const RenameEngine&) = delete;
     RenameEngine& operator=(const RenameEngine&) = delete;
@@ -64,7 +65,7 @@ class RenameEngine {
     [[nodiscard]] EngineHost& host() const { return application; }
 
     /// Asks the running rename to stop after the step in hand, as if the user had answered "stop". Any
-    /// thread, also a signal's helper thread.
+    /// thread, also a signal's helper thread. Starting a rename takes it back.
     void requestStop() { stopRequested = true; }
     [[nodiscard]] bool isStopRequested() const { return stopRequested; }
 
@@ -75,6 +76,12 @@ class RenameEngine {
     void computeNumberOfFolders(StoreContext& context);
 
   private:
+    void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
+    void internalProcessPreviewThread(ProgressInfo& progress);
+    /// Runs the action on the main thread and waits for it.
+    void onMainThread(const std::function<void(EngineHost&)>& action);
+    [[nodiscard]] ItemFilter itemFilter() const;
+
     EngineHost& application;
     std::recursive_mutex engineLock;
     std::mutex previewPipelinesWaitingToken;
@@ -82,9 +89,9 @@ class RenameEngine {
     std::atomic<int> stageFlagCounter{1};
     std::atomic<bool> migrating{false};
     std::atomic<bool> stopRequested{false};
+    std::atomic<bool> ending{false};
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only
-    struct Threads;
-    std::unique_ptr<Threads> threads;
+    std::unique_ptr<RenameThreads> threads;
 };
 
 } // namespace tavrin

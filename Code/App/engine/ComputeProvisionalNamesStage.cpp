@@ -1,0 +1,207 @@
+#include "engine/ComputeProvisionalNamesStage.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "actions/SortBasedAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/EngineHost.h"
+#include "engine/RenameEngine.h"
+#include "engine/RenameEngineUtilities.h"
+#include "engine/StageProgress.h"
+#include "platform/RunLoop.h"
+#include "store/FileMO.h"
+#include "store/FilterManager.h"
+#include "store/StoreContext.h"
+#include "support/Text.h"
+
+#include <array>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::int32_t rowsPerCommit = 10000;
+constexpr std::size_t unchangedBatchSize = 1000;
+
+std::string stageTextForAction(int index) {
+    static constexpr std::array<std::string_view, 9> ordinals{"first", "second",  "third", "fourth", "fifth",
+                                                              "sixth", "seventh", "eight", "ninth"};
+    if (index < static_cast<int>(ordinals.size()))
+        return fmt::format("Applying {} renaming action...", ordinals[static_cast<std::size_t>(index)]);
+    return fmt::format("Applying {}th renaming action...", index + 1);
+}
+
+/// Names shown never hold the separator of the other side.
+void replaceColons(std::u16string& name) {
+    if (name.find(u':') != std::u16string::npos)
+        text::replaceUnit(name, u':', u'/');
+}
+
+std::vector<SortDescriptor> orderOf(const SortBasedAction& action) {
+    std::vector<SortDescriptor> order;
+    for (const std::int32_t mode : {action.getSortingMode(), action.getSortingMode2()}) {
+        if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(mode))
+            order.push_back(*descriptor);
+    }
+    return order;
+}
+
+} // namespace
+
+ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(RenameEngine& owner) : ProcessingStage(owner) {}
+
+ComputeProvisionalNamesStage::~ComputeProvisionalNamesStage() = default;
+
+std::string ComputeProvisionalNamesStage::stageDescription() const { return "Computing new file names..."; }
+
+bool ComputeProvisionalNamesStage::process() {
+    const StageProgress report(progress);
+    isFirstAppliedAction = true;
+    report.describe("Preparing..");
+    report.indeterminate(true);
+    report.item(0);
+    report.numberOfItems(context->engineControl().totalNumberOfFiles);
+    report.indeterminate(false);
+    const ItemFilter settings = engine.host().globalSettings().itemFilter();
+    processFiles = settings.shouldProcessFiles;
+    processFolders = settings.shouldProcessFolders;
+    filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings);
+    if (!copyActions())
+        return false;
+    file = std::make_unique<FileMO>(*context);
+    for (int index = 0; index < compositeAction->count(); ++index) {
+        const auto active = compositeAction->actionAtIndex(index).valueForKey("active");
+        if (active && intValue(*active) == 1)
+            processForActionIndex(index);
+    }
+    if (isFirstAppliedAction)
+        copyCurrentToNewName();
+    engine.computeNumberOfFilesThatNeedRenaming(*context);
+    return true;
+}
+
+/// The list belongs to the main thread, which edits it; so it is read there.
+bool ComputeProvisionalNamesStage::copyActions() {
+    EngineHost& host = engine.host();
+    PropertyDictionary list;
+    if (!host.runLoop().performAndWait([&] { list = host.compositeAction().getFlatParameterList(); }))
+        return false;
+    compositeAction = std::make_unique<CompositeRenameAction>(ActionUse::privateRun);
+    compositeAction->setFlatParameterList(list);
+    return true;
+}
+
+void ComputeProvisionalNamesStage::processForActionIndex(int index) {
+    const StageProgress report(progress);
+    report.stage(stageTextForAction(index));
+    action = &compositeAction->actionAtIndex(index);
+    marker = engine.nextStageFlagCounter();
+    count = 0;
+    FetchRequest request{FetchEntity::file, filter.with(Predicate::notMarked(marker)), {}, 0};
+    const auto* sorted = dynamic_cast<const SortBasedAction*>(action);
+    const bool byFolder = sorted && !sorted->shouldUseGlobalSorting();
+    if (sorted)
+        request.order = orderOf(*sorted);
+    for (;;) {
+        if (byFolder) {
+            count = 0;
+            if (!moveToNextFolder(request))
+                break;
+        }
+        const std::vector<RowId> rows = context->fetch(request);
+        for (const RowId id : rows)
+            processRow(id);
+        report.describe("{} provisional names computed. Committing..", count);
+        saveAndRefaultObjects();
+        if (!byFolder && rows.empty())
+            break;
+    }
+    isFirstAppliedAction = false;
+}
+
+bool ComputeProvisionalNamesStage::moveToNextFolder(FetchRequest& request) {
+    const FetchRequest folders{FetchEntity::node,
+                               Predicate::notMarked(marker, NodeKey::secondaryStageFlag)
+                                   .with(Predicate::isTrue(NodeKey::treatAsFolder)),
+                               {},
+                               1};
+    const std::vector<RowId> folder = context->fetch(folders);
+    if (folder.empty())
+        return false;
+    context->setSecondaryStageFlag(folder.front(), marker);
+    // Without the filter: what lies below a listed folder is numbered too, and stays hidden by the filter.
+    request.predicate = Predicate::hasParent(folder.front()).with(Predicate::notMarked(marker));
+    return true;
+}
+
+void ComputeProvisionalNamesStage::processRow(RowId id) {
+    const StageProgress report(progress);
+    report.describeItem([&] { return "Processing: " + context->fullPath(id); });
+    if (isFirstAppliedAction)
+        context->name(id, input.currentName);
+    else
+        context->finalName(id, input.currentName);
+    if (context->row(id).treatAsFolder ? processFolders : processFiles) {
+        runAction(id);
+        report.item(++count);
+    } else {
+        output.newName = input.currentName;
+    }
+    storeNewName(id);
+    context->setStageFlag(id, marker);
+    // Asked of skipped rows too, so that a count that stands at a multiple commits again for each of them.
+    if (count % rowsPerCommit == 0) {
+        report.describe("{} new names calculated. Committing.", count);
+        saveAndRefaultFiles();
+    }
+}
+
+void ComputeProvisionalNamesStage::runAction(RowId id) {
+    replaceColons(input.currentName);
+    input.rank = count + 1;
+    file->moveTo(id);
+    input.fileMo = file.get();
+    output.regex.reset();
+    action->executeWithInputContext(input, output);
+    replaceColons(output.newName);
+    if (output.regex)
+        context->setRegexColumns(id, *output.regex);
+}
+
+void ComputeProvisionalNamesStage::storeNewName(RowId id) {
+    // The first action worked on the name itself, later ones on the result of the one before.
+    const std::u16string* name = &input.currentName;
+    if (!isFirstAppliedAction) {
+        context->name(id, nameBuffer);
+        name = &nameBuffer;
+    }
+    const bool isName = output.newName == *name;
+    if (isName && isFirstAppliedAction)
+        context->setFinalNameToName(id);
+    else if (isFirstAppliedAction || output.newName != input.currentName)
+        context->setFinalName(id, output.newName);
+    const bool differs = !isName && !text::canonicallyEqual(output.newName, *name);
+    if (context->row(id).diff != differs)
+        context->change(id).diff = differs;
+}
+
+void ComputeProvisionalNamesStage::copyCurrentToNewName() {
+    const StageProgress report(progress);
+    report.stage("No renaming action are active...");
+    marker = engine.nextStageFlagCounter();
+    count = 0;
+    const FetchRequest request{
+        FetchEntity::file, filter.with(Predicate::notMarked(marker)), {}, unchangedBatchSize};
+    for (std::vector<RowId> batch; !(batch = context->fetch(request)).empty();) {
+        for (const RowId id : batch) {
+            context->setFinalNameToName(id);
+            if (context->row(id).diff)
+                context->change(id).diff = false;
+            context->setStageFlag(id, marker);
+            report.item(++count);
+        }
+        report.describe("{} names left unchanged. Committing..", count);
+        saveAndRefaultObjects();
+    }
+}
+
+} // namespace tavrin

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "actions/InputContext.h"
+#include "engine/ProcessingStage.h"
+#include "store/NodeRow.h"
+#include "store/Predicate.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace tavrin {
+
+class BaseRenameAction;
+class CompositeRenameAction;
+class FileMO;
+
+/// Runs the user's list of actions over all rows, action by action, into `finalName` and `diff`. Works on a
+/// copy of the list, so that the user may go on editing.
+class ComputeProvisionalNamesStage final : public ProcessingStage {
+  public:
+    explicit ComputeProvisionalNamesStage(RenameEngine& owner);
+    ~ComputeProvisionalNamesStage() override;
+
+    /// False only when the run loop has ended, so that the list of actions can't be had.
+    bool process() override;
+    [[nodiscard]] std::string className() const override { return "ComputeProvisionalNamesStage"; }
+    [[nodiscard]] std::string stageDescription() const override;
+
+  private:
+    bool copyActions();
+    void processForActionIndex(int index);
+    /// Points the request at the next folder; false when all folders are done.
+    bool moveToNextFolder(FetchRequest& request);
+    void processRow(RowId id);
+    void runAction(RowId id);
+    /// `output.newName` becomes the final name of a row whose name up to now is `input.currentName`.
+    void storeNewName(RowId id);
+    void copyCurrentToNewName();
+
+    bool processFiles = true;
+    bool processFolders = true;
+    bool isFirstAppliedAction = true;
+    Predicate filter;
+    std::unique_ptr<CompositeRenameAction> compositeAction;
+
+    // The pass in hand, and the buffers that serve for all its rows.
+    BaseRenameAction* action = nullptr;
+    PassMarker marker = unmarked;
+    std::int32_t count = 0;
+    std::unique_ptr<FileMO> file;
+    InputContext input;
+    OutputContext output;
+    std::u16string nameBuffer;
+};
+
+} // namespace tavrin

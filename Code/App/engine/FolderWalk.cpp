@@ -1,0 +1,102 @@
+#include "engine/FolderWalk.h"
+
+#include "engine/PathParts.h"
+#include "engine/ReadItemsIntoDatabaseStage.h"
+#include "platform/FileManager.h"
+#include "store/StoreContext.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace tavrin {
+
+void FolderWalk::run(const std::string& sourcePath) {
+    enter(sourcePath, stage.rowForFolder(sourcePath));
+    while (!levels.empty()) {
+        if (levels.back().next < levels.back().entries.size())
+            readNextEntry();
+        else
+            levels.pop_back();
+    }
+}
+
+void FolderWalk::enter(std::string path, RowId row) {
+    Level level;
+    level.path = std::move(path);
+    level.row = row;
+    if (const int error = read(level))
+        report(std::generic_category().message(error), level.path);
+    else if (isInsideItself(level))
+        report("The folder lies inside itself.", level.path);
+    else
+        levels.push_back(std::move(level));
+}
+
+int FolderWalk::read(Level& level) {
+    std::unique_ptr<OpenFolder> folder;
+    if (const int error = FileSystem::sharedInstance().openFolder(level.path, folder))
+        return error;
+    FileStatus status;
+    if (const int error = folder->status(".", status))
+        return error;
+    level.device = status.device;
+    level.inode = status.inode;
+    if (const int error = folder->entries(level.entries))
+        return error;
+    const auto byName = [](const FolderEntry& entry, std::string_view name) { return entry.name < name; };
+    const auto list = std::lower_bound(level.entries.begin(), level.entries.end(), ".hidden", byName);
+    if (list != level.entries.end() && list->name == ".hidden")
+        level.hidden = HiddenNames(level.path);
+    return 0;
+}
+
+bool FolderWalk::isInsideItself(const Level& level) const {
+    return std::any_of(levels.begin(), levels.end(), [&](const Level& above) {
+        return above.device == level.device && above.inode == level.inode;
+    });
+}
+
+void FolderWalk::readNextEntry() {
+    Level& level = levels.back();
+    // Moved out, so that the names of a big folder make room for the rows that they become.
+    const FolderEntry entry = std::move(level.entries[level.next++]);
+    if (entry.name.front() == '.' || level.hidden.contains(entry.name))
+        return;
+    switch (entry.kind) {
+    case FileStatus::Kind::folder:
+        return readFolderEntry(entry.name, false);
+    case FileStatus::Kind::link: {
+        FileStatus target;
+        const std::string path = joinedPath(level.path, entry.name);
+        if (FileSystem::sharedInstance().followedStatus(path, target) == 0 &&
+            target.kind == FileStatus::Kind::folder)
+            return readFolderEntry(entry.name, true);
+        break;
+    }
+    case FileStatus::Kind::file:
+    case FileStatus::Kind::other:
+        break;
+    }
+    stage.createOneFile(level.row, level.path, entry.name, false, false);
+}
+
+void FolderWalk::readFolderEntry(std::string_view name, bool isLink) {
+    const Level& level = levels.back();
+    std::string path = joinedPath(level.path, name);
+    if (FileManager::instance().isBundleFolder(path)) {
+        // The source item decides, not the bundle.
+        if (!isSourceInvisible)
+            stage.createOneFile(level.row, level.path, name, false, false);
+        return;
+    }
+    const RowId row = stage.createOneFile(level.row, level.path, name, false, true);
+    if (!isLink)
+        enter(std::move(path), row);
+}
+
+void FolderWalk::report(const std::string& message, const std::string& path) {
+    stage.addError("Could not read a folder", message, path);
+}
+
+} // namespace tavrin

@@ -1,0 +1,196 @@
+#include "engine/ProcessingPipeline.h"
+
+#include "engine/AskUser.h"
+#include "engine/EngineHost.h"
+#include "engine/ErrorReportManager.h"
+#include "engine/RenameEngine.h"
+#include "engine/StageProgress.h"
+#include "platform/RunLoop.h"
+#include "platform/UserDefaults.h"
+#include "store/ItemStore.h"
+#include "store/StoreContext.h"
+#include "store/StoreError.h"
+#include "support/DebugLog.h"
+
+#include <fmt/chrono.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <cxxabi.h>
+#include <exception>
+#include <typeinfo>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+class Stopwatch {
+  public:
+    [[nodiscard]] double seconds() const {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    }
+
+  private:
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
+/// The name of the exception's class, without its namespace.
+std::string nameOf(const std::exception& exception) {
+    int status = 0;
+    const std::unique_ptr<char, void (*)(void*)> readable(
+        abi::__cxa_demangle(typeid(exception).name(), nullptr, nullptr, &status), std::free);
+    const std::string name = status == 0 ? readable.get() : typeid(exception).name();
+    const std::size_t scope = name.rfind("::");
+    return scope == std::string::npos ? name : name.substr(scope + 2);
+}
+
+/// What a wrapped exception adds; empty for a plain one.
+std::string detailsOf(const std::exception& exception) {
+    try {
+        std::rethrow_if_nested(exception);
+    } catch (const std::exception& inner) {
+        return fmt::format("{}: {}", nameOf(inner), inner.what());
+    } catch (...) {
+        return "unknown";
+    }
+    return {};
+}
+
+} // namespace
+
+ProcessingPipeline::ProcessingPipeline(RenameEngine& owner) : ProcessingStage(owner) {}
+
+ProcessingPipeline::~ProcessingPipeline() = default;
+
+void ProcessingPipeline::addStage(std::unique_ptr<ProcessingStage> stage) {
+    stage->setProgressInfo(progress);
+    stages.push_back(std::move(stage));
+}
+
+bool ProcessingPipeline::process() {
+    debugLog("----------------------------");
+    debugLog("garbage collected");
+    debugLog("pipeline contains {} stages", stages.size());
+    debugLog("pipeline started: {:%Y-%m-%d %H:%M:%S} +0000", fmt::gmtime(std::time(nullptr)));
+    const Stopwatch watch;
+    Attempt attempt = Attempt::failed;
+    for (int number = 1; number <= 2 && attempt == Attempt::failed; ++number) {
+        attempt = runStages();
+        if (attempt == Attempt::noStore)
+            return false;
+        if (attempt == Attempt::failed && !recover())
+            break;
+    }
+    const StageProgress report(progress);
+    report.done(true);
+    report.stage("Done.");
+    report.describe("Done.");
+    debugLog("pipeline finished in {:.1f} seconds", watch.seconds());
+    return attempt == Attempt::finished;
+}
+
+ProcessingPipeline::Attempt ProcessingPipeline::runStages() {
+    try {
+        ItemStore* store = engine.host().persistentStoreCoordinator();
+        if (!store)
+            return Attempt::noStore;
+        debugLog("{}", store->type());
+        ownContext = std::make_unique<StoreContext>(*store, StoreContext::MergePolicy::contextWins);
+        context = ownContext.get();
+        StageProgress(progress).done(false);
+        int number = 0;
+        for (const auto& stage : stages) {
+            if (!runStage(*stage, ++number)) {
+                debugLog("ProcessingPipeline interrupted by stage: {}", runningStage);
+                return Attempt::interrupted;
+            }
+        }
+        return Attempt::finished;
+    } catch (const std::exception& exception) {
+        failure = {runningStage, nameOf(exception), exception.what(), detailsOf(exception)};
+    } catch (...) {
+        failure = {runningStage, "unknown", "unknown", {}};
+    }
+    return Attempt::failed;
+}
+
+bool ProcessingPipeline::runStage(ProcessingStage& stage, int number) {
+    const Stopwatch watch;
+    const StageProgress report(progress);
+    runningStage = stage.className();
+    report.stage(stage.stageDescription());
+    report.item(0);
+    stage.setManagedObjectContext(context);
+    const bool goesOn = stage.process();
+    report.describe("Cleaning up..");
+    if (const auto error = context->commitAndFlush())
+        debugLog("could not save: {}", *error);
+    context->reset();
+    report.item(0);
+    debugLog("--> Stage {}: {} took {:.1f}", number, runningStage, watch.seconds());
+    return goesOn;
+}
+
+void ProcessingPipeline::failedOnSQLiteStore() {
+    UserDefaults& defaults = UserDefaults::sharedInstance();
+    defaults.setObject("hasFailedOnSQLiteStoreBefore", true);
+    defaults.setObject("store", 1);
+    static_cast<void>(defaults.synchronize());
+}
+
+bool ProcessingPipeline::recover() {
+    debugLog("************************ Processing Pipeline Was Interrupted By Exception: {} ({})",
+             failure.name, failure.reason);
+    failedOnSQLiteStore();
+    const StageProgress report(progress);
+    report.stage("Migrating to in-memory store.");
+    report.describe("Processing...");
+    report.indeterminate(true);
+    if (!moveStoreIntoMemory()) {
+        giveUp();
+        return false;
+    }
+    dropContext();
+    engine.host().updatePreview();
+    return true;
+}
+
+bool ProcessingPipeline::moveStoreIntoMemory() {
+    try {
+        if (!context)
+            return false;
+        context->reset();
+        return engine.migrateToInMemoryStoreOnTheFly(*context);
+    } catch (const std::exception& exception) {
+        debugLog("migration failed! {}", exception.what());
+        return false;
+    }
+}
+
+void ProcessingPipeline::giveUp() {
+    EngineHost& host = engine.host();
+    static_cast<void>(askUser(host, [](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
+        prompts.showPipelineFailed("Processing Pipeline Failed.",
+                                   "There was an unrecoverable error during processing.\n\nRestarting the "
+                                   "application will usually resolve such problems.",
+                                   std::move(answer));
+    }));
+    const std::string body =
+        fmt::format("Exception caught in the {} stage of ProcessingPipeline:\n{}: {}\n{}\n\n", failure.stage,
+                    failure.name, failure.reason, failure.details);
+    try {
+        ErrorReportManager(host).writeErrorReportWithString(body, ErrorReportManager::titleOfFailureReport());
+    } catch (...) {
+        debugLog("*********** error report writing failed!!");
+    }
+    host.runLoop().performAndWait([&host] { host.terminate(); });
+}
+
+void ProcessingPipeline::dropContext() {
+    context = nullptr;
+    ownContext.reset();
+}
+
+} // namespace tavrin

@@ -1,0 +1,187 @@
+#include "engine/RenameEngine.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/CleanUpStages.h"
+#include "engine/EngineHost.h"
+#include "engine/ProcessingPipeline.h"
+#include "engine/RenameThreads.h"
+#include "engine/ThreadDescription.h"
+#include "platform/RunLoop.h"
+#include "store/ItemStore.h"
+#include "store/SourceItemManager.h"
+#include "store/StoreContext.h"
+#include "support/DebugLog.h"
+
+#include <exception>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+/// Raises a flag for as long as it lives.
+class RaisedFlag {
+  public:
+    explicit RaisedFlag(std::atomic<bool>& raised) : flag(raised) { flag = true; }
+    ~RaisedFlag() { flag = false; }
+    RaisedFlag(const RaisedFlag&) = delete;
+    RaisedFlag& operator=(const RaisedFlag&) = delete;
+
+  private:
+    std::atomic<bool>& flag;
+};
+
+} // namespace
+
+RenameEngine::RenameEngine(EngineHost& host)
+    : application(host), threads(std::make_unique<RenameThreads>()) {}
+
+RenameEngine::~RenameEngine() {
+    ending = true;
+    stopRequested = true;
+    threads->joinAll();
+}
+
+bool RenameEngine::isBusy() const { return threads->areBusy(); }
+
+void RenameEngine::processPreviewPipeline(ProgressInfo& progress) {
+    threads->detach([this, &progress] { internalProcessPreviewThread(progress); });
+}
+
+void RenameEngine::processRenamingPipelineThenClearList(ProgressInfo& progress) {
+    startRenaming(progress, false, [](EngineHost& host) {
+        host.showCompletionDialog();
+        host.clearList();
+    });
+}
+
+void RenameEngine::processRenamingPipelineThenContinue(ProgressInfo& progress) {
+    startRenaming(progress, true, [](EngineHost& host) {
+        host.reloadPreview();
+        host.showCompletionDialog();
+    });
+}
+
+void RenameEngine::processRenamingPipelineThenQuit(ProgressInfo& progress) {
+    startRenaming(progress, false, [](EngineHost& host) {
+        host.showCompletionDialog();
+        host.terminate();
+    });
+}
+
+void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
+                                 std::function<void(EngineHost&)> completion) {
+    stopRequested = false;
+    onMainThread([](EngineHost& host) { host.startProgressWindow(); });
+    threads->detach([this, &progress, andContinue, completion = std::move(completion)] {
+        const std::lock_guard lock(engineLock);
+        if (ending)
+            return;
+        static_cast<void>(createRenamingPipeline(&progress, andContinue)->process());
+        onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
+        onMainThread(completion);
+    });
+}
+
+void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shouldIncludeOnlyAffectedFiles,
+                                           const std::string& path) {
+    onMainThread([](EngineHost& host) { host.startProgressWindow(); });
+    threads->detach([this, arguments = FileListArguments{format, shouldIncludeOnlyAffectedFiles, path}] {
+        const std::lock_guard lock(engineLock);
+        if (ending)
+            return;
+        static_cast<void>(createSaveToFileListPipeline(arguments)->process());
+        onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
+        onMainThread([](EngineHost& host) { host.refreshPreview(); });
+        onMainThread([&](EngineHost& host) { host.showFileListSavingCompletionDialog(arguments.format); });
+    });
+}
+
+/// Of all previews that wait, only the last in line runs: it sees the settings of the moment anyway.
+void RenameEngine::internalProcessPreviewThread(ProgressInfo& progress) {
+    {
+        const std::lock_guard token(previewPipelinesWaitingToken);
+        ++previewPipelinesWaiting;
+    }
+    debugLog("{} waiting for renameEngine lock (previewPipelinesWaiting = {})", threadDescription(),
+             previewPipelinesWaiting.load());
+    const std::lock_guard lock(engineLock);
+    // Counted down on every way out: a count too high would keep all later previews from running.
+    const std::shared_ptr<void> countDown(nullptr, [this](void*) {
+        const std::lock_guard token(previewPipelinesWaitingToken);
+        --previewPipelinesWaiting;
+    });
+    if (previewPipelinesWaiting == 1 && !ending) {
+        static_cast<void>(createPreviewPipelineWith(&progress)->process());
+        onMainThread([](EngineHost& host) { host.refreshPreview(); });
+        onMainThread([](EngineHost& host) { host.showStats(); });
+    }
+}
+
+void RenameEngine::onMainThread(const std::function<void(EngineHost&)>& action) {
+    application.runLoop().performAndWait([this, &action] { action(application); });
+}
+
+PassMarker RenameEngine::nextStageFlagCounter() {
+    constexpr int period = 100;
+    const int next = (stageFlagCounter + 1) % period;
+    stageFlagCounter = next;
+    return static_cast<PassMarker>(next);
+}
+
+bool RenameEngine::migrateToInMemoryStoreOnTheFly(StoreContext& context) {
+    debugLog("migrating to in memory store");
+    ItemStore& store = context.store();
+    {
+        const RaisedFlag noMerges(migrating);
+        if (store.kind() == ItemStore::Kind::memory)
+            return false;
+        debugLog("resetting UI thread context to avoid crash");
+        context.reset();
+        StoreContext& mainContext = application.managedObjectContext();
+        {
+            const std::lock_guard lock(mainContext.mutex());
+            mainContext.reset();
+        }
+        debugLog("current store: {}", store.description());
+        if (!store.migrateToMemory()) {
+            debugLog("migration failed!");
+            return false;
+        }
+    }
+    debugLog("deleting nodes files");
+    CleanUpFilesStage cleanUp(*this);
+    cleanUp.setManagedObjectContext(&context);
+    SourceItemManager::sharedInstance().resetCache();
+    debugLog("{}", cleanUp.process() ? "Clean up succeeded." : "Clean up failed!");
+    debugLog("Migration Complete.");
+    return true;
+}
+
+ItemFilter RenameEngine::itemFilter() const { return application.globalSettings().itemFilter(); }
+
+void RenameEngine::computeTotalNumberOfFilesForContext(StoreContext& context) {
+    const auto count = context.count(FetchEntity::file, FilterManager::currentFilterPredicate(itemFilter()));
+    context.changeEngineControl().totalNumberOfFiles = static_cast<std::int32_t>(count);
+}
+
+void RenameEngine::computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext& context) {
+    const auto count = context.count(FetchEntity::file, Predicate::always());
+    context.changeEngineControl().totalNumberOfFilesSelectedOrNot = static_cast<std::int32_t>(count);
+}
+
+void RenameEngine::computeNumberOfFilesThatNeedRenaming(StoreContext& context) {
+    const auto count = context.count(
+        FetchEntity::file,
+        FilterManager::currentFilterPredicate(itemFilter()).with(Predicate::isTrue(NodeKey::diff)));
+    context.changeEngineControl().numberOfFilesThatNeedRenaming = static_cast<std::int32_t>(count);
+}
+
+void RenameEngine::computeNumberOfFolders(StoreContext& context) {
+    const auto count = context.count(
+        FetchEntity::node,
+        FilterManager::currentFilterPredicate(itemFilter()).with(Predicate::isTrue(NodeKey::treatAsFolder)));
+    context.changeEngineControl().numberOfFolders = static_cast<std::int32_t>(count);
+}
+
+} // namespace tavrin
