@@ -137,6 +137,27 @@ void StoreContext::Impl::dropAllBlocks() {
     dropCleanBlocks();
 }
 
+void StoreContext::Impl::refreshUnchangedRows(RowBlock& block) {
+    const auto fresh = std::make_unique<RowBlock>();
+    fresh->first = block.first;
+    {
+        std::scoped_lock lock(store.mutex);
+        store.loadRows(*fresh);
+        store.loadFinals(*fresh);
+    }
+    for (std::size_t i = 0; i < RowBlock::capacity; ++i) {
+        if (block.changes[i] != 0)
+            continue;
+        block.rows[i] = fresh->rows[i];
+        block.stageFlags[i] = fresh->stageFlags[i];
+        block.secondaryStageFlags[i] = fresh->secondaryStageFlags[i];
+        if (block.hasFinals && fresh->finals.has(i))
+            block.finals.set(i, fresh->finals.get(i));
+        else if (block.hasFinals)
+            block.finals.clear(i);
+    }
+}
+
 std::uint8_t StoreContext::Impl::summary(RowId id) {
     if (hasStagedRows()) {
         if (const RowBlock* block = presentBlock(id)) {
@@ -236,8 +257,11 @@ void StoreContext::merge(const StoreChanges& changes) {
                 std::erase(self.staged.blocks, block);
         }
     }
-    if (!changes.updated.empty() || changes.rowsInserted || changes.rowsDeleted)
+    if (!changes.updated.empty() || changes.rowsInserted || changes.rowsDeleted) {
         self.dropCleanBlocks();
+        for (RowBlock* block : self.staged.blocks)
+            self.refreshUnchangedRows(*block);
+    }
     if (changes.rowsDeleted)
         self.lastFolder = noRow;
     if (changes.engineControl && (!self.staged.control || *self.staged.control == self.staged.controlAsRead))

@@ -30,6 +30,8 @@ struct StoreContext::Impl {
     RowId insert(const NodeRow& row, std::string_view component);
     void dropCleanBlocks();
     void dropAllBlocks();
+    /// Reads the rows of a block anew in which nothing is staged.
+    void refreshUnchangedRows(RowBlock& block);
 
     // --- Reading through the staged changes ---
     std::uint8_t summary(RowId id);

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+namespace tavrin::test {
+
+/// A SQLite VFS over the default one whose k-th read or write fails, and all after it if wanted.
+class FailingVfs {
+  public:
+    FailingVfs();
+    ~FailingVfs();
+    FailingVfs(const FailingVfs&) = delete;
+    FailingVfs& operator=(const FailingVfs&) = delete;
+
+    /// For ItemStore::Options::vfs.
+    [[nodiscard]] const std::string& name() const { return vfsName; }
+
+    /// The read (or write) number `k`, from 1, counted from this call on, fails; 0 lets all pass.
+    void failRead(int k, bool andAllAfter = false);
+    void failWrite(int k, bool andAllAfter = false);
+    [[nodiscard]] int reads() const { return readCount; }
+    [[nodiscard]] int writes() const { return writeCount; }
+
+    /// For the shim: whether this call fails.
+    bool nextReadFails() { return fails(readCount, failingRead, failLaterReads); }
+    bool nextWriteFails() { return fails(writeCount, failingWrite, failLaterWrites); }
+
+  private:
+    static bool fails(std::atomic<int>& count, const std::atomic<int>& failing,
+                      const std::atomic<bool>& later);
+
+    std::string vfsName;
+    struct Shim;
+    std::unique_ptr<Shim> shim;
+    std::atomic<int> readCount{0}, writeCount{0}, failingRead{0}, failingWrite{0};
+    std::atomic<bool> failLaterReads{false}, failLaterWrites{false};
+};
+
+} // namespace tavrin::test

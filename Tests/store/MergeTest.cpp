@@ -1,0 +1,109 @@
+#include "store/StoreContext.h"
+#include "store/StoreTestData.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+namespace tavrin::test {
+namespace {
+
+/// A store whose commits are merged into a main context, as the application does it.
+class MergeTest : public testing::Test {
+  protected:
+    MergeTest() {
+        store.setDidSaveHandler([this](const StoreChanges& changes) {
+            std::scoped_lock lock(main.mutex());
+            main.merge(changes);
+        });
+        ghost = fillFolder(worker, 1000);
+    }
+
+    ItemStore store{ItemStore::Options{}};
+    StoreContext main{store, StoreContext::MergePolicy::storeWins};
+    StoreContext worker{store, StoreContext::MergePolicy::contextWins};
+    RowId ghost = noRow;
+};
+
+TEST_F(MergeTest, WhatTheStoreHoldsWinsOverThePendingChangeOfTheMainContext) {
+    const std::vector<RowId> rows = main.children(ghost);
+    main.change(rows[0]).manualOrder = 500;
+    main.change(rows[1]).manualOrder = 501;
+    worker.change(rows[0]).depth = 3;
+    ASSERT_EQ(worker.commit(), std::nullopt);
+    ASSERT_EQ(main.commit(), std::nullopt);
+    EXPECT_EQ(main.row(rows[0]).manualOrder, 1) << "its row had moved on";
+    EXPECT_EQ(main.row(rows[0]).depth, 3);
+    EXPECT_EQ(main.row(rows[1]).manualOrder, 501);
+}
+
+TEST_F(MergeTest, OnlyWhatAListDependsOnVoidsIt) {
+    const RowId row = main.children(ghost)[5];
+    struct Case {
+        const char* name;
+        std::function<void()> change;
+        bool isVoid;
+    };
+    const std::vector<Case> cases = {
+        {"final name", [&] { worker.setFinalName(row, u"x"); }, false},
+        {"diff", [&] { worker.change(row).diff = true; }, false},
+        {"marker", [&] { worker.setStageFlag(row, 4); }, false},
+        {"depth", [&] { worker.change(row).depth = 4; }, false},
+        {"date", [&] { worker.change(row).modDate = 4; }, true},
+        {"root", [&] { worker.change(row).root = !worker.row(row).root; }, true},
+        {"insert", [&] { worker.insertFile(ghost, "new", false, false, 0); }, true},
+        {"deletion", [&] { worker.deleteRow(row); }, true},
+    };
+    for (const Case& one : cases) {
+        const std::uint64_t before = main.listVersion();
+        one.change();
+        ASSERT_EQ(worker.commit(), std::nullopt);
+        EXPECT_EQ(main.listVersion() != before, one.isVoid) << one.name;
+        worker.reset();
+    }
+}
+
+TEST_F(MergeTest, CountersAndErrorsReachTheMainContext) {
+    EXPECT_EQ(main.engineControl().numberOfFolders, 0);
+    worker.changeEngineControl().numberOfFolders = 12;
+    worker.insertProcessingError({"title", "message", "/p\xE9"});
+    EXPECT_EQ(main.engineControl().numberOfFolders, 0);
+    EXPECT_TRUE(main.processingErrors().empty());
+    ASSERT_EQ(worker.commit(), std::nullopt);
+    EXPECT_EQ(main.engineControl().numberOfFolders, 12);
+    ASSERT_EQ(main.processingErrors().size(), 1u);
+    EXPECT_EQ(main.processingErrors()[0].path, "/p\xE9");
+    EXPECT_EQ(worker.deleteProcessingErrors(2000), 1u);
+    EXPECT_EQ(worker.deleteProcessingErrors(2000), 0u);
+    ASSERT_EQ(worker.commit(), std::nullopt);
+    EXPECT_TRUE(main.processingErrors().empty());
+}
+
+TEST_F(MergeTest, AReaderNeverSeesHalfABatch) {
+    std::atomic<bool> isOver{false};
+    std::thread writer([&] {
+        for (int round = 0; round < 60; ++round) {
+            for (const RowId row : worker.children(ghost)) {
+                worker.change(row).depth = round;
+                worker.setFinalName(row, round % 2 == 0 ? u"even" : u"odd");
+            }
+            EXPECT_EQ(worker.commit(), std::nullopt);
+            worker.reset();
+        }
+        isOver = true;
+    });
+    while (!isOver) {
+        std::scoped_lock lock(main.mutex());
+        const std::vector<RowId> rows = main.children(ghost);
+        // Rows of one block are read together, so they must agree.
+        const std::int32_t depth = main.row(rows[0]).depth;
+        for (std::size_t i = 1; i < 100; ++i)
+            ASSERT_EQ(main.row(rows[i]).depth, depth);
+    }
+    writer.join();
+}
+
+} // namespace
+} // namespace tavrin::test

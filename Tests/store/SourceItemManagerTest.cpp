@@ -1,0 +1,128 @@
+#include "store/SourceItemManager.h"
+
+#include "store/FilterManager.h"
+#include "store/StoreContext.h"
+#include "store/StoreTestData.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace tavrin::test {
+namespace {
+
+class SourceItemManagerTest : public testing::Test {
+  protected:
+    /// Makes the row of an item as reading does.
+    RowId read(const std::string& path) {
+        const std::size_t slash = path.find_last_of('/');
+        const std::string parent = path.substr(0, slash);
+        RowId holder = context.nodeWithPath(parent);
+        if (holder == noRow)
+            holder = context.insertGhostNode(parent);
+        const RowId row = context.insertFile(holder, path.substr(slash + 1), true, false, 0);
+        EXPECT_EQ(context.commit(), std::nullopt);
+        return row;
+    }
+
+    TemporaryFolder folder;
+    ItemStore store{ItemStore::Options{}};
+    StoreContext context{store, StoreContext::MergePolicy::storeWins};
+    std::vector<std::string> presented;
+    SourceItemManager manager{[this]() -> StoreContext& { return context; },
+                              [this](const std::string& message) { presented.push_back(message); }};
+};
+
+TEST_F(SourceItemManagerTest, KeepsItemsOutOfItems) {
+    folder.write("a/b.txt");
+    folder.write("a/sub/c.txt");
+    folder.write("ab");
+    folder.write("d/x");
+    folder.makeFolder("e");
+    folder.link("dangling", "nowhere");
+    folder.link("linked", folder.path("e"));
+    struct Case {
+        std::string name;
+        bool isAdded;
+    };
+    const std::vector<Case> cases = {
+        {"a/sub/c.txt", true}, {"a", false},       {"a/sub", false}, {"a/b.txt", true},
+        {"a/b.txt", false},    {"missing", false}, {"ab", true},     {"d", true},
+        {"dangling", false},   {"linked", true},   {"e", true},
+    };
+    for (const Case& one : cases)
+        EXPECT_EQ(manager.addSourceItem(folder.path(one.name)), one.isAdded) << one.name;
+    EXPECT_FALSE(manager.checkPathValidity(folder.path("d")));
+    EXPECT_FALSE(manager.checkPathValidity(folder.path("d/deeper/still")));
+    EXPECT_TRUE(manager.checkPathValidity(folder.path("a")));
+    EXPECT_TRUE(manager.checkPathValidity("/"));
+    std::vector<std::string> paths;
+    for (const SourceItem& item : context.sourceItems())
+        paths.push_back(item.path.substr(folder.path().size() + 1));
+    EXPECT_EQ(paths, (std::vector<std::string>{"a/sub/c.txt", "a/b.txt", "ab", "d", "linked", "e"}));
+    EXPECT_TRUE(presented.empty());
+}
+
+TEST_F(SourceItemManagerTest, RemovesTheGhostWithItsLastChild) {
+    for (const char* name : {"one", "two"})
+        ASSERT_TRUE(manager.addSourceItem(folder.write(name)));
+    const RowId one = read(folder.path("one"));
+    const RowId two = read(folder.path("two"));
+    const RowId ghost = context.row(one).parent;
+    manager.removeItem(folder.path("not on the list"));
+    manager.removeItem(folder.path("one"));
+    EXPECT_FALSE(context.exists(one));
+    EXPECT_TRUE(context.exists(ghost));
+    manager.removeItem(folder.path("two"));
+    EXPECT_FALSE(context.exists(two));
+    EXPECT_FALSE(context.exists(ghost));
+    EXPECT_TRUE(manager.isEmpty());
+}
+
+TEST_F(SourceItemManagerTest, AChangedItemGoesToTheEndAndIsUnread) {
+    for (const char* name : {"one", "two"}) {
+        ASSERT_TRUE(manager.addSourceItem(folder.write(name)));
+        read(folder.path(name));
+        context.setSourceItemRead(folder.path(name), true, true);
+    }
+    ASSERT_EQ(context.commit(), std::nullopt);
+    folder.write("three");
+    EXPECT_TRUE(manager.changeTo(folder.path("one"), folder.path("three")));
+    const std::vector<SourceItem> items = context.sourceItems();
+    ASSERT_EQ(items.size(), 2u);
+    EXPECT_EQ(items[0].path, folder.path("two"));
+    EXPECT_TRUE(items[0].readInRoot);
+    EXPECT_EQ(items[1].path, folder.path("three"));
+    EXPECT_FALSE(items[1].readInRoot);
+    manager.resetCache();
+    EXPECT_FALSE(context.sourceItems()[0].readInRoot);
+}
+
+TEST_F(SourceItemManagerTest, TheFilterIsATableOfThreeSettings) {
+    const RowId ghost = context.insertGhostNode("/g");
+    context.insertFile(ghost, "file", true, false, 0);
+    const RowId sub = context.insertFile(ghost, "folder", true, true, 1);
+    context.insertFile(sub, "inner", false, false, 2);
+    context.insertFile(sub, "inner folder", false, true, 3);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    struct Case {
+        ItemFilter filter;
+        std::size_t shown;
+        std::size_t all;
+    };
+    const std::vector<Case> cases = {
+        {{true, true, true}, 4, 4},   {{true, true, false}, 2, 2},   {{true, false, true}, 2, 4},
+        {{true, false, false}, 1, 2}, {{false, true, true}, 2, 4},   {{false, true, false}, 1, 2},
+        {{false, false, true}, 0, 4}, {{false, false, false}, 0, 2},
+    };
+    for (const Case& one : cases) {
+        EXPECT_EQ(context.count(FetchEntity::file, FilterManager::currentFilterPredicate(one.filter)),
+                  one.shown);
+        EXPECT_EQ(context.count(FetchEntity::file,
+                                FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(one.filter)),
+                  one.all);
+    }
+}
+
+} // namespace
+} // namespace tavrin::test

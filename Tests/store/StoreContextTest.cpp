@@ -1,0 +1,224 @@
+#include "store/StoreContext.h"
+
+#include "store/FileMO.h"
+#include "store/StoreTestData.h"
+#include "support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace tavrin::test {
+namespace {
+
+class StoreContextTest : public testing::TestWithParam<Backing> {
+  protected:
+    TemporaryFolder folder;
+    ItemStore store{optionsFor(GetParam(), folder.path())};
+    StoreContext context{store, StoreContext::MergePolicy::contextWins};
+    StoreContext other{store, StoreContext::MergePolicy::contextWins};
+};
+
+INSTANTIATE_TEST_SUITE_P(Backings, StoreContextTest,
+                         testing::Values(Backing::memory, Backing::file, Backing::tightFile));
+
+TEST_P(StoreContextTest, KeepsEveryKindOfName) {
+    struct Case {
+        std::string component;
+        std::u16string name;
+    };
+    const std::vector<Case> cases = {
+        {"plain.txt", u"plain.txt"},
+        {"a:b", u"a/b"},
+        {"caf\xC3\xA9", u"café"},
+        {"caf\xE9", {u'c', u'a', u'f', char16_t(0xDCE9)}},
+    };
+    const RowId ghost = context.insertGhostNode("/x/y");
+    std::vector<RowId> rows;
+    for (const Case& one : cases)
+        rows.push_back(context.insertFile(ghost, one.component, true, false, 0));
+    ASSERT_EQ(context.commit(), std::nullopt);
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        EXPECT_EQ(other.name(rows[i]), cases[i].name);
+        EXPECT_EQ(other.finalName(rows[i]), cases[i].name);
+        EXPECT_EQ(other.fullPath(rows[i]), "/x/y/" + cases[i].component);
+        EXPECT_EQ(other.fileWithPath("/x/y/" + cases[i].component), rows[i]);
+    }
+    EXPECT_EQ(other.fullPath(ghost), "/x/y");
+    EXPECT_EQ(other.name(ghost), u"y");
+}
+
+TEST_P(StoreContextTest, KeepsEveryFinalNameToTheUnit) {
+    const RowId ghost = fillFolder(context, 1);
+    const RowId row = context.children(ghost).front();
+    const std::vector<std::u16string> names = {
+        u"",
+        u"file 1.txt",
+        u"longer than before.txt",
+        u"a/b:c",
+        {u'x', char16_t(0xD83D)}, // half of a pair
+        {char16_t(0xDCE9)},
+        {char16_t(0xDCC3), char16_t(0xDCA9)},
+        std::u16string(3000, u'é'),
+        u"short",
+    };
+    for (const std::u16string& name : names) {
+        context.setFinalName(row, name);
+        EXPECT_EQ(context.finalName(row), name);
+        ASSERT_EQ(context.commitAndFlush(), std::nullopt);
+        context.reset();
+        EXPECT_EQ(context.finalName(row), name);
+    }
+    context.setFinalNameToName(row);
+    EXPECT_EQ(context.finalName(row), u"file 1.txt");
+}
+
+TEST_P(StoreContextTest, ShowsChangesToOthersOnlyAfterTheCommit) {
+    const RowId ghost = fillFolder(context, 3);
+    const RowId row = context.children(ghost).front();
+    context.change(row).depth = 7;
+    context.setFinalName(row, u"new");
+    context.setStageFlag(row, 42);
+    context.change(row).diff = true;
+    EXPECT_EQ(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)), 1u);
+    EXPECT_EQ(other.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)), 0u);
+    EXPECT_EQ(other.row(row).depth, 0);
+
+    context.reset();
+    EXPECT_EQ(context.row(row).depth, 0);
+    EXPECT_EQ(context.finalName(row), u"file 1.txt");
+    EXPECT_EQ(context.stageFlag(row), unmarked);
+
+    context.change(row).depth = 8;
+    ASSERT_EQ(context.commit(), std::nullopt);
+    other.reset();
+    EXPECT_EQ(other.row(row).depth, 8);
+}
+
+TEST_P(StoreContextTest, CommitsOnlyWhatAContextHasChanged) {
+    const RowId ghost = fillFolder(context, 2);
+    const RowId row = context.children(ghost).front();
+    context.change(row).depth = 5;
+    other.change(row).manualOrder = 99;
+    ASSERT_EQ(other.commit(), std::nullopt);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    context.reset();
+    EXPECT_EQ(context.row(row).depth, 5);
+    EXPECT_EQ(context.row(row).manualOrder, 99);
+}
+
+TEST_P(StoreContextTest, WritingToADeletedRowChangesNothing) {
+    const RowId ghost = fillFolder(context, 2);
+    const RowId row = context.children(ghost).front();
+    context.setFinalName(row, u"late");
+    other.deleteRow(row);
+    ASSERT_EQ(other.commit(), std::nullopt);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    EXPECT_FALSE(context.exists(row));
+    context.reset();
+    EXPECT_EQ(context.fullPath(row), "");
+    EXPECT_EQ(context.children(ghost).size(), 1u);
+}
+
+TEST_P(StoreContextTest, DeletesByCascadeAndFindsFoldersByPath) {
+    const RowId ghost = context.insertGhostNode("/t");
+    const RowId sub = context.insertFile(ghost, "sub", true, true, 0);
+    EXPECT_EQ(context.nodeWithPath("/t/sub"), sub) << "rows that are not committed yet are found";
+    const RowId deep = context.insertFile(sub, "deep", false, true, 1);
+    for (int i = 0; i < 1000; ++i)
+        context.insertFile(deep, "f" + std::to_string(i), false, false, 2 + i);
+    const RowId sibling = context.insertFile(ghost, "z", true, false, 5000);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    EXPECT_EQ(other.nodeWithPath("/t/sub/deep"), deep);
+    EXPECT_EQ(other.childCount(deep), 1000u);
+
+    context.deleteRow(sub);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    EXPECT_EQ(context.count(FetchEntity::node, Predicate::always()), 2u);
+    EXPECT_EQ(context.children(ghost), std::vector<RowId>{sibling});
+    EXPECT_EQ(context.childCount(ghost), 1u);
+    EXPECT_EQ(context.nodeWithPath("/t/sub/deep"), noRow);
+}
+
+TEST_P(StoreContextTest, BulkDeletionEmptiesTheStoreInBatches) {
+    fillFolder(context, 9000);
+    std::vector<std::size_t> batches;
+    while (const std::size_t count = context.deleteNodes(2000)) {
+        batches.push_back(count);
+        ASSERT_EQ(context.commit(), std::nullopt);
+        context.reset();
+    }
+    EXPECT_EQ(batches, (std::vector<std::size_t>{2000, 2000, 2000, 2000, 1001}));
+    EXPECT_EQ(context.count(FetchEntity::node, Predicate::always()), 0u);
+    const RowId ghost = fillFolder(context, 10);
+    EXPECT_EQ(context.children(ghost).size(), 10u);
+}
+
+TEST_P(StoreContextTest, APassByMarkerSeesEveryRowOnceWhateverIsInsertedMeanwhile) {
+    const RowId ghost = fillFolder(context, 9500);
+    const Predicate open = Predicate::notMarked(7);
+    std::size_t seen = 0;
+    bool hasInserted = false;
+    for (;;) {
+        const std::vector<RowId> batch = context.fetch({FetchEntity::file, open, {}, 1000});
+        if (batch.empty())
+            break;
+        for (const RowId row : batch) {
+            EXPECT_NE(context.stageFlag(row), 7);
+            context.setStageFlag(row, 7);
+        }
+        seen += batch.size();
+        ASSERT_EQ(context.commit(), std::nullopt);
+        context.reset();
+        if (!hasInserted) {
+            other.insertFile(ghost, "late", false, false, 0);
+            ASSERT_EQ(other.commit(), std::nullopt);
+            hasInserted = true;
+        }
+    }
+    EXPECT_EQ(seen, 9501u);
+}
+
+TEST_P(StoreContextTest, ASortedPassGoesOnWhereItStoppedAndWrapsRound) {
+    const RowId ghost = fillFolder(context, 3000);
+    const FetchRequest request{FetchEntity::file, Predicate::notMarked(9), {{NodeKey::name, false}}, 1000};
+    std::vector<RowId> first = context.fetch(request);
+    ASSERT_EQ(first.size(), 1000u);
+    EXPECT_EQ(context.name(first.front()), u"file 999.txt");
+    // Only half of the batch is marked: the rest must come again after all others.
+    for (std::size_t i = 0; i < 500; ++i)
+        context.setStageFlag(first[i], 9);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    context.reset();
+    std::size_t seen = 500;
+    for (std::vector<RowId> batch = context.fetch(request); !batch.empty(); batch = context.fetch(request)) {
+        for (const RowId row : batch)
+            context.setStageFlag(row, 9);
+        seen += batch.size();
+        ASSERT_EQ(context.commit(), std::nullopt);
+        context.reset();
+    }
+    EXPECT_EQ(seen, 3000u);
+    EXPECT_EQ(context.childCount(ghost), 3000u);
+}
+
+TEST_P(StoreContextTest, ReadsMetadataOnceAlsoWhenThereIsNone) {
+    const RowId ghost = fillFolder(context, 1);
+    const RowId row = context.children(ghost).front();
+    int reads = 0;
+    const auto reader = [&reads](const std::string& path) {
+        EXPECT_EQ(path, "/tree/file 1.txt");
+        ++reads;
+        return PropertyDictionary{};
+    };
+    FileMO first(context, row);
+    first.loadTagDictionary(reader);
+    first.loadTagDictionary(reader);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    FileMO second(other, row);
+    second.loadTagDictionary(reader);
+    EXPECT_EQ(reads, 1);
+}
+
+} // namespace
+} // namespace tavrin::test
