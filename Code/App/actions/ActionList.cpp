@@ -6,7 +6,6 @@
 #include "support/Text.h"
 
 #include <algorithm>
-#include <exception>
 
 namespace tavrin {
 
@@ -116,18 +115,8 @@ std::unique_ptr<BaseRenameAction> ActionList::newActionForName(const std::string
     if (!hasAction(name) || !runLoop)
         return internalNewActionForName(name, use);
     std::unique_ptr<BaseRenameAction> action;
-    std::exception_ptr fault;
-    const bool isDone = runLoop->performAndWait([&] {
-        try {
-            action = internalNewActionForName(name, use);
-        } catch (...) {
-            fault = std::current_exception();
-        }
-    });
-    if (!isDone) // the main loop has ended, nobody else makes actions
-        return internalNewActionForName(name, use);
-    if (fault)
-        std::rethrow_exception(fault);
+    if (!runLoop->performAndWait([&] { action = internalNewActionForName(name, use); }))
+        return internalNewActionForName(name, use); // the main loop has ended, nobody else makes actions
     return action;
 }
 

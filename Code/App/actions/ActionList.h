@@ -39,8 +39,8 @@ class ActionList {
         std::vector<std::u16string> categories;
     };
 
-    /// Reads the three property lists of a folder (path in bytes).
-    static std::variant<Resources, PropertyListError> readResources(const std::string& folder);
+    /// Reads the three property lists of a folder (path in bytes), or without one the program's own.
+    static std::variant<Resources, PropertyListError> readResources(const std::string& folder = {});
 
     /// Names that `entries` cannot make are left out of the menus, and so is a category that this empties.
     explicit ActionList(Resources resources, std::vector<ActionEntry> entries = allActions());

@@ -1,4 +1,5 @@
 #include "actions/ActionList.h"
+#include "platform/ResourceFolder.h"
 #include "support/Text.h"
 
 #include <algorithm>
@@ -12,10 +13,11 @@ namespace {
 using Texts = std::vector<std::u16string>;
 
 std::variant<Texts, PropertyListError> readTexts(const std::string& folder, const std::string& resource) {
-    const auto path = folder + "/" + resource + ".plist";
+    const auto file = resource + ".plist";
+    const auto path = folder.empty() ? resourcePath(file) : folder + "/" + file;
     auto read = PropertyList::read(path);
     if (auto* error = std::get_if<PropertyListError>(&read))
-        return *error;
+        return PropertyListError{path + ": " + error->message};
     const auto* array = std::get<PropertyValue>(read).asArray();
     if (!array)
         return PropertyListError{path + ": expected an array"};
@@ -41,7 +43,7 @@ std::variant<ActionList::Resources, PropertyListError> ActionList::readResources
         lists[i] = std::get<Texts>(std::move(read));
     }
     if (lists[0].size() != lists[1].size())
-        return PropertyListError{folder + ": the lists of action names and labels differ in length"};
+        return PropertyListError{"popUpIndexToNameMapping and actionPopUpMenuItems differ in length"};
     Resources resources;
     for (const auto& name : lists[0])
         resources.names.push_back(text::toUtf8(name));

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "actions/ActionList.h"
+#include "platform/UserDefaults.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace tavrin::test {
+
+/// The catalogue with the menus of the program, and user defaults that nobody else has.
+class CatalogueFixture : public ::testing::Test {
+  protected:
+    CatalogueFixture() : catalogue(resources()) {
+        UserDefaults::setSharedInstance(&defaults);
+        ActionList::setSharedActionList(&catalogue);
+    }
+    ~CatalogueFixture() override {
+        ActionList::setSharedActionList(nullptr);
+        UserDefaults::setSharedInstance(nullptr);
+    }
+
+    static ActionList::Resources resources() {
+        auto read = ActionList::readResources(TAVRIN_SOURCE_FOLDER "/Resources");
+        if (const auto* error = std::get_if<PropertyListError>(&read))
+            throw std::runtime_error(error->message);
+        return std::get<ActionList::Resources>(std::move(read));
+    }
+
+    static std::u16string run(BaseAction& action, std::u16string name, std::int32_t rank = 1) {
+        InputContext input;
+        input.currentName = std::move(name);
+        input.rank = rank;
+        OutputContext output;
+        action.executeWithInputContext(input, output);
+        return output.newName;
+    }
+
+    UserDefaults defaults;
+    ActionList catalogue;
+};
+
+/// Writes down what it is told.
+class RecordingObserver : public ActionObserver {
+  public:
+    struct Change {
+        std::string key;
+        std::optional<PropertyValue> oldValue;
+        std::optional<PropertyValue> newValue;
+        bool operator==(const Change&) const = default;
+    };
+    void observeValueForKeyPath(const std::string& keyPath, BaseAction&,
+                                const std::optional<PropertyValue>& oldValue,
+                                const std::optional<PropertyValue>& newValue) override {
+        changes.push_back({keyPath, oldValue, newValue});
+    }
+    [[nodiscard]] std::vector<std::string> keys() const {
+        std::vector<std::string> keys;
+        for (const auto& change : changes)
+            keys.push_back(change.key);
+        return keys;
+    }
+    std::vector<Change> changes;
+};
+
+} // namespace tavrin::test
