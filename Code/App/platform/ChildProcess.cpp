@@ -12,7 +12,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <string_view>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -112,7 +112,7 @@ bool readOutput(int pipe, std::size_t limit, Clock::time_point end, ChildProcess
 
 /// Waits for the end of the child, or ends it, and reaps it.
 void finish(pid_t child, bool outputIsRead, Clock::time_point end, ChildProcess::Result& result) {
-    const Descriptor process(::pidfd_open(child, 0));
+    const Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
     result.timedOut = !outputIsRead || (process && !waitFor(process.get(), end));
     if (result.timedOut)
         ::kill(-child, SIGKILL);

@@ -18,8 +18,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr std::chrono::milliseconds lockPatience(3000);
-
 std::atomic<UserDefaults*> shared = nullptr;
 
 /// One observation. Its lock keeps the handle from dying while the observer runs on another thread.
@@ -57,8 +55,9 @@ double realValue(const PropertyValue& value) {
     if (text == nullptr)
         return intValue(value);
     const std::string digits = text::toUtf8(*text);
+    const std::size_t start = std::min(digits.find_first_not_of(" \t\r\n"), digits.size());
     double number = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    std::from_chars(digits.data() + start, digits.data() + digits.size(), number);
     return number;
 }
 
@@ -67,6 +66,7 @@ double realValue(const PropertyValue& value) {
 struct UserDefaults::Impl {
     std::optional<DefaultsFile> file; ///< guarded by fileMutex
     std::mutex fileMutex;             ///< taken before `mutex`
+    std::chrono::milliseconds lockPatience{0};
 
     mutable std::mutex mutex; ///< guards what follows
     PropertyDictionary process;
@@ -170,7 +170,9 @@ void UserDefaults::Impl::adopt(PropertyDictionary current, Keys& changedByOthers
 
 UserDefaults::UserDefaults() : impl(std::make_unique<Impl>()) {}
 
-UserDefaults::UserDefaults(std::string path) : impl(std::make_unique<Impl>()) {
+UserDefaults::UserDefaults(std::string path, std::chrono::milliseconds lockPatience)
+    : impl(std::make_unique<Impl>()) {
+    impl->lockPatience = lockPatience;
     impl->file.emplace(std::move(path));
     if (auto stored = impl->file->load())
         impl->persistent = std::move(*stored);

@@ -2,6 +2,7 @@
 
 #include "support/PropertyValue.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -17,8 +18,9 @@ class UserDefaults {
   public:
     /// In memory only: what tests and the terminal command use.
     UserDefaults();
-    /// Persistent in the XML property list at `path` (bytes), written atomically under a lock file.
-    explicit UserDefaults(std::string path);
+    /// Persistent in the XML property list at `path` (bytes), written atomically under a lock file, for which
+    /// synchronize waits no longer than `lockPatience`.
+    explicit UserDefaults(std::string path, std::chrono::milliseconds lockPatience = std::chrono::seconds(3));
     ~UserDefaults();
     UserDefaults(const UserDefaults&) = delete;
     UserDefaults& operator=(const UserDefaults&) = delete;

@@ -1,0 +1,187 @@
+#include "common/ManualRunLoop.h"
+#include "platform/QueueRunLoop.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+
+namespace tavrin {
+namespace {
+
+using namespace std::chrono_literals;
+using test::ManualRunLoop;
+
+TEST(QueueRunLoop, RunsPostedActionsInOrderOnItsThread) {
+    QueueRunLoop loop;
+    std::vector<int> order;
+    std::thread worker([&] {
+        EXPECT_FALSE(loop.isCurrent());
+        for (int i = 0; i < 100; ++i)
+            loop.post([&, i] {
+                EXPECT_TRUE(loop.isCurrent());
+                order.push_back(i);
+            });
+        loop.post([&loop] { loop.stop(); });
+    });
+    loop.run();
+    worker.join();
+    ASSERT_EQ(order.size(), 100U);
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+}
+
+TEST(QueueRunLoop, AnActionMayPostAndRunTheLoopAgain) {
+    QueueRunLoop loop;
+    std::string trace;
+    loop.post([&] {
+        trace += "a";
+        loop.post([&] { trace += "b"; });
+        EXPECT_TRUE(loop.runUntil([&] { return trace == "ab"; }));
+        trace += "c";
+    });
+    EXPECT_TRUE(loop.runUntil([&] { return trace == "abc"; }));
+}
+
+TEST(QueueRunLoop, StopEndsTheNextRunToo) {
+    QueueRunLoop loop;
+    loop.stop();
+    EXPECT_FALSE(loop.runUntil([] { return false; }));
+    EXPECT_TRUE(loop.runUntil([] { return true; }));
+}
+
+TEST(QueueRunLoop, TimersAndActionsDoNotStarveEachOther) {
+    QueueRunLoop loop;
+    int ticks = 0;
+    int actions = 0;
+    std::function<void()> repost = [&] {
+        ++actions;
+        loop.post(repost);
+    };
+    loop.post(repost);
+    const auto timer = loop.startTimer(1ms, true, [&] { ++ticks; });
+    EXPECT_TRUE(loop.runUntil([&] { return ticks >= 5 && actions >= 5; }));
+    const double start = loop.now();
+    const auto late = loop.startTimer(20ms, false, [&] { loop.stop(); });
+    loop.run();
+    EXPECT_GE(loop.now() - start, 0.02);
+}
+
+TEST(RunLoop, PerformAndWaitRunsOnTheMainThread) {
+    QueueRunLoop loop;
+    bool direct = false;
+    EXPECT_TRUE(loop.performAndWait([&] { direct = true; }));
+    EXPECT_TRUE(direct);
+    int answer = 0;
+    std::thread worker([&] {
+        EXPECT_TRUE(loop.performAndWait([&] {
+            EXPECT_TRUE(loop.isCurrent());
+            answer = 42;
+        }));
+        EXPECT_EQ(answer, 42);
+        EXPECT_THROW((void)loop.performAndWait([] { throw std::runtime_error("failed"); }),
+                     std::runtime_error);
+        loop.stop();
+    });
+    loop.run();
+    worker.join();
+}
+
+/// A caller is freed whether the loop ends before or after it asks.
+TEST(RunLoop, AnEndedLoopFreesTheCaller) {
+    for (const bool closeFirst : {false, true}) {
+        ManualRunLoop loop;
+        bool ran = false;
+        if (closeFirst)
+            loop.close();
+        std::thread worker([&] { EXPECT_FALSE(loop.performAndWait([&ran] { ran = true; })); });
+        loop.close();
+        worker.join();
+        EXPECT_FALSE(ran);
+    }
+    auto loop = std::make_unique<QueueRunLoop>();
+    std::atomic<int> freed = 0;
+    std::vector<std::thread> workers;
+    for (int i = 0; i < 4; ++i)
+        workers.emplace_back([&] {
+            EXPECT_FALSE(loop->performAndWait([] {}));
+            ++freed;
+        });
+    loop->close();
+    for (std::thread& worker : workers)
+        worker.join();
+    EXPECT_EQ(freed, 4);
+}
+
+TEST(Timers, FireAtTheirMomentsInOrder) {
+    ManualRunLoop loop;
+    std::string trace;
+    const auto repeating = loop.startTimer(100ms, true, [&] { trace += "r"; });
+    const auto once = loop.startTimer(300ms, false, [&] { trace += "o"; });
+    const auto never = loop.startTimer(100ms, false, [&] { trace += "n"; });
+    auto cancelled = loop.startTimer(100ms, false, [&] { trace += "x"; });
+    cancelled.reset();
+    loop.advance(99ms);
+    EXPECT_EQ(trace, "");
+    loop.advance(1ms);
+    EXPECT_EQ(trace, "rn");
+    EXPECT_FALSE(never->isPending());
+    EXPECT_TRUE(once->isPending());
+    loop.advance(900ms);
+    EXPECT_EQ(trace, "rnr"
+                     "or"
+                     "rrrrrrr");
+    EXPECT_NEAR(loop.now(), 1.0, 1e-9);
+}
+
+TEST(Timers, FireByHandSpendsAOneShotTimer) {
+    ManualRunLoop loop;
+    int fired = 0;
+    const auto once = loop.startTimer(100ms, false, [&] { ++fired; });
+    const auto repeating = loop.startTimer(100ms, true, [&] { fired += 10; });
+    once->fire();
+    once->fire();
+    repeating->fire();
+    EXPECT_EQ(fired, 11);
+    EXPECT_FALSE(once->isPending());
+    EXPECT_TRUE(repeating->isPending());
+    loop.advance(100ms);
+    EXPECT_EQ(fired, 21);
+}
+
+TEST(Timers, MayEndThemselvesAndOutliveTheLoop) {
+    auto loop = std::make_unique<ManualRunLoop>();
+    int fired = 0;
+    std::unique_ptr<Timer> self;
+    self = loop->startTimer(1ms, true, [&] {
+        self.reset();
+        ++fired;
+    });
+    std::unique_ptr<Timer> byHand;
+    byHand = loop->startTimer(1ms, true, [&] {
+        byHand.reset();
+        ++fired;
+    });
+    byHand->fire();
+    loop->advance(10ms);
+    EXPECT_EQ(fired, 2);
+    const auto survivor = loop->startTimer(1ms, false, [&] { ++fired; });
+    loop.reset();
+    survivor->fire();
+    EXPECT_EQ(fired, 3);
+}
+
+TEST(Timers, ALateRepeatingTimerSkipsWhatItMissed) {
+    TimerSet timers;
+    int fired = 0;
+    const auto timer = timers.start(0, 100ms, true, [&] { ++fired; });
+    EXPECT_TRUE(timers.fireNext(1.05));
+    EXPECT_FALSE(timers.fireNext(1.05));
+    EXPECT_EQ(fired, 1);
+    ASSERT_TRUE(timers.nextDue());
+    EXPECT_NEAR(*timers.nextDue(), 1.1, 1e-9);
+}
+
+} // namespace
+} // namespace tavrin
