@@ -34,7 +34,9 @@ class RaisedFlag {
 } // namespace
 
 RenameEngine::RenameEngine(EngineHost& host)
-    : application(host), threads(std::make_unique<RenameThreads>()) {}
+    : application(host),
+      // Wakes whoever waits in the run loop for the engine to be idle.
+      threads(std::make_unique<RenameThreads>([this] { application.runLoop().post([] {}); })) {}
 
 RenameEngine::~RenameEngine() {
     ending = true;

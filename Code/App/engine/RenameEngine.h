@@ -37,7 +37,8 @@ class RenameEngine {
     /// `path` in bytes; formats 0 to 2.
     void processFileListPipeline(ProgressInfo& progress, int format, bool shouldIncludeOnlyAffectedFiles,
                                  const std::string& path);
-    /// Whether any request is waiting or running. Any thread.
+    /// Whether any request is waiting or running. Any thread. An empty action is posted to the run loop
+    /// whenever a request has ended.
     [[nodiscard]] bool isBusy() const;
 
     [[nodiscard]] std::unique_ptr<ProcessingPipeline> createPreviewPipelineWith(ProgressInfo* progress);

@@ -12,15 +12,18 @@ void RenameThreads::detach(std::function<void()> work) {
     joinFinished();
     ++busy;
     Worker& worker = workers.emplace_back();
-    worker.thread = std::thread([this, &worker, work = std::move(work)] {
-        try {
-            work();
-        } catch (const std::exception& exception) {
-            debugLog("a run ended with an exception: {}", exception.what());
-        }
-        --busy;
-        worker.hasFinished = true;
-    });
+    worker.thread = std::thread([this, &worker, work = std::move(work)] { run(worker, work); });
+}
+
+void RenameThreads::run(Worker& worker, const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const std::exception& exception) {
+        debugLog("a run ended with an exception: {}", exception.what());
+    }
+    --busy;
+    threadEnded();
+    worker.hasFinished = true;
 }
 
 void RenameThreads::joinFinished() {

@@ -5,6 +5,7 @@
 #include <list>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace tavrin {
 
@@ -12,7 +13,8 @@ namespace tavrin {
 /// that a long session collects none.
 class RenameThreads {
   public:
-    RenameThreads() = default;
+    /// `ended` is called on each thread as its last act, when it counts as busy no more.
+    explicit RenameThreads(std::function<void()> ended) : threadEnded(std::move(ended)) {}
     ~RenameThreads() { joinAll(); }
     RenameThreads(const RenameThreads&) = delete;
     RenameThreads& operator=(const RenameThreads&) = delete;
@@ -28,8 +30,10 @@ class RenameThreads {
         std::atomic<bool> hasFinished{false};
     };
 
+    void run(Worker& worker, const std::function<void()>& work);
     void joinFinished();
 
+    const std::function<void()> threadEnded;
     std::mutex mutex; ///< guards `workers`
     std::list<Worker> workers;
     std::atomic<int> busy{0};

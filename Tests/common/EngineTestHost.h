@@ -1,0 +1,114 @@
+#pragma once
+
+#include "actions/ActionList.h"
+#include "actions/CompositeRenameAction.h"
+#include "common/ManualRunLoop.h"
+#include "common/ScriptedPrompts.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/EngineHost.h"
+#include "engine/ProgressInfo.h"
+#include "engine/RenameEngine.h"
+#include "platform/UserDefaults.h"
+#include "store/ItemStore.h"
+#include "store/SourceItemManager.h"
+#include "store/StoreContext.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tavrin::test {
+
+/// An application around one engine: real store, settings, actions and source items, a run loop driven by the
+/// test's thread, and a scripted user. New settings ask nothing and process files and folders.
+class EngineTestHost : public EngineHost {
+  private:
+    /// Withdraws the shared instances when everything else has gone.
+    struct SharedInstances {
+        ~SharedInstances();
+    };
+    SharedInstances sharedInstances;
+
+  public:
+    explicit EngineTestHost(ItemStore::Options options = {});
+    ~EngineTestHost() override;
+
+    ManualRunLoop loop;
+    UserDefaults defaults;
+    ActionList actionList;
+    TVRNGlobalPreferencesPseudoAction settings;
+    CompositeRenameAction composite;
+    ProgressInfo progress;
+    ScriptedPrompts prompts;
+    /// The calls of the engine that end on the main thread, in order; a list save with its format.
+    std::vector<std::string> events;
+    /// Called with each of them as it happens.
+    std::function<void(const std::string&)> onEvent;
+    bool isSilent = false;
+
+  private:
+    std::optional<ItemStore> store;
+    std::unique_ptr<StoreContext> mainContext;
+
+  public:
+    SourceItemManager sourceItems;
+    RenameEngine engine;
+
+    /// Puts paths on the list; fails the test when one is refused.
+    void add(const std::vector<std::string>& paths);
+    /// Makes the list of steps this one; each a name and the parameters that differ from the defaults.
+    struct Step {
+        std::string action;
+        PropertyDictionary parameters;
+    };
+    void setSteps(const std::vector<Step>& steps);
+    void set(const std::string& key, PropertyValue value) { settings.setValue(std::move(value), key); }
+
+    // Whole runs, waited for.
+    void preview();
+    void renameThenContinue();
+    void saveList(int format, bool onlyAffected, const std::string& path);
+    /// Runs the loop until the engine is idle.
+    void waitUntilIdle();
+    /// Runs the work on a thread of its own, as a worker of the engine would, and the loop meanwhile.
+    void onWorker(const std::function<void()>& work);
+
+    /// What the preview shows: full path to new name (bytes), of all `File` rows.
+    std::map<std::string, std::string> finalNames();
+    EngineControl counters();
+    /// "title | message | path" each.
+    std::vector<std::string> errors();
+
+    // What the engine asks for.
+    ItemStore* persistentStoreCoordinator() override { return store ? &*store : nullptr; }
+    StoreContext& managedObjectContext() override { return *mainContext; }
+    TVRNGlobalPreferencesPseudoAction& globalSettings() override { return settings; }
+    CompositeRenameAction& compositeAction() override { return composite; }
+    ProgressInfo& progressInfo() override { return progress; }
+    RunLoop& runLoop() override { return loop; }
+    UserPrompts& userPrompts() override { return prompts; }
+    bool isSilentDroplet() override { return isSilent; }
+    void updatePreview() override;
+    void startProgressWindow() override { note("startProgressWindow"); }
+    void stopProgressWindow() override { note("stopProgressWindow"); }
+    void refreshPreview() override { note("refreshPreview"); }
+    void showStats() override { note("showStats"); }
+    void showCompletionDialog() override { note("showCompletionDialog"); }
+    void showFileListSavingCompletionDialog(int format) override;
+    void reloadPreview() override;
+    void clearList() override;
+    void terminate() override { note("terminate"); }
+    void revealReport(const std::string& path) override { note("revealReport " + path); }
+
+    /// Takes the store away, as when none can be made.
+    void dropStore();
+
+  private:
+    void makeStore(ItemStore::Options options);
+    void note(const std::string& event);
+};
+
+} // namespace tavrin::test
