@@ -1,5 +1,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 
+#include "actions/ActionError.h"
+#include "platform/RunLoop.h"
 #include "platform/UserFolders.h"
 #include "support/MacOSXVersion.h"
 #include "support/Text.h"
@@ -86,6 +88,17 @@ void TVRNGlobalPreferencesPseudoAction::setParameterList(const PropertyDictionar
 
 void TVRNGlobalPreferencesPseudoAction::setValue(const std::optional<PropertyValue>& value,
                                                  const std::string& key) {
+    if (std::this_thread::get_id() == owner) {
+        setValueOnOwner(value, key);
+        return;
+    }
+    if (!runLoop)
+        throw ActionError("a setting was changed on another thread");
+    runLoop->performAndWait([&] { setValueOnOwner(value, key); });
+}
+
+void TVRNGlobalPreferencesPseudoAction::setValueOnOwner(const std::optional<PropertyValue>& value,
+                                                        const std::string& key) {
     PropertyDictionary next = BaseAction::parameterList();
     if (value) {
         next.insert_or_assign(key, *value);

@@ -13,15 +13,21 @@
 
 namespace tavrin {
 
+class RunLoop;
+
 /// The settings of the application that are no parameters of a rename action: an action that renames nothing
 /// and lends them its keys, defaults, observers and storage.
 ///
-/// Written on the thread that made the object, the main thread; read from any thread. Other threads read a
-/// copy that is published with each change. An absent key gives the value that each accessor tells.
+/// Written on the thread that made the object, the main thread, and read from any thread: other threads read
+/// a copy that is published with each change. An absent key gives the value that each accessor tells.
 class TVRNGlobalPreferencesPseudoAction : public BaseAction {
   public:
     TVRNGlobalPreferencesPseudoAction();
     ~TVRNGlobalPreferencesPseudoAction() override;
+
+    /// With a run loop (not owned), values set on another thread are carried to the main thread while the
+    /// caller waits; without one they are refused (ActionError).
+    void setRunLoop(RunLoop* loop) { runLoop = loop; }
 
     [[nodiscard]] std::string actionName() const override { return "TVRN global settings"; }
     [[nodiscard]] PropertyDictionary defaultParameters() const override;
@@ -108,6 +114,7 @@ class TVRNGlobalPreferencesPseudoAction : public BaseAction {
   private:
     using Snapshot = std::shared_ptr<const PropertyDictionary>;
 
+    void setValueOnOwner(const std::optional<PropertyValue>& value, const std::string& key);
     [[nodiscard]] bool isOn(std::string_view key) const;
     /// The values of this moment for the calling thread.
     [[nodiscard]] Snapshot snapshot() const;
@@ -115,6 +122,7 @@ class TVRNGlobalPreferencesPseudoAction : public BaseAction {
     void publishPresentValues() { publish(BaseAction::parameterList()); }
 
     const std::thread::id owner;
+    RunLoop* runLoop = nullptr;
     mutable std::mutex publishing; ///< guards `published`
     Snapshot published;
 };

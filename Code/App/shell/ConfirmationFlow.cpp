@@ -1,0 +1,204 @@
+#include "shell/ConfirmationFlow.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "actions/SortBasedAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/ProgressInfo.h"
+#include "engine/RenameEngine.h"
+#include "shell/ActionListCommands.h"
+#include "shell/DropletWriter.h"
+#include "shell/PreviewControl.h"
+#include "shell/StoreOwner.h"
+#include "store/SourceItemManager.h"
+#include "support/DebugLog.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <mutex>
+
+namespace tavrin {
+
+ConfirmationFlow::ConfirmationFlow(ShellServices& shared, Units otherUnits, std::function<void()> terminate)
+    : services(shared), units(otherUnits), terminateNow(std::move(terminate)),
+      self(std::make_shared<ConfirmationFlow*>(this)) {}
+
+ConfirmationFlow::~ConfirmationFlow() { *self = nullptr; }
+
+// ---- starting a run
+
+void ConfirmationFlow::ok() {
+    units.preview.firePendingPreview();
+    executeRenameAndQuit(services.settings.shouldQuitAfterRename() != 0);
+}
+
+void ConfirmationFlow::executeRenameAndQuit(bool quit) {
+    units.commands.updateAll();
+    if (services.mode != OperationMode::dropletEdit) {
+        applyCurrentSettings(quit);
+        return;
+    }
+    std::optional<std::string> error = "This version can't write droplets.";
+    if (dropletWriter)
+        error = dropletWriter->saveDropletSettings(dropletSettingsPath);
+    if (error)
+        services.frontEnd.presentError(*error);
+    else
+        terminateNow();
+}
+
+void ConfirmationFlow::applyCurrentSettings(bool quit, std::function<void(bool)> then) {
+    if (services.sourceItems.isEmpty()) {
+        units.notices.showNoFilesSelectedDialog([then](int) { then(false); });
+        return;
+    }
+    if (!units.commands.validateActionList()) {
+        then(false);
+        return;
+    }
+    if (!services.settings.shouldProcessFiles() && !services.settings.shouldProcessFolders()) {
+        units.notices.showInconsistentSettingsDialog(
+            [this, then](int choice) { settingsAreInconsistent(choice, then); });
+        return;
+    }
+    startRun(quit);
+    then(true);
+}
+
+void ConfirmationFlow::settingsAreInconsistent(int choice, const std::function<void(bool)>& then) {
+    if (choice == NoticeAnswer::help) {
+        then(true);
+        return;
+    }
+    services.settings.setShouldProcessFiles(1);
+    services.settings.setShouldProcessFolders(1);
+    then(false);
+}
+
+void ConfirmationFlow::startRun(bool quit) {
+    if (quit)
+        services.engine.processRenamingPipelineThenQuit(services.progress);
+    else if (services.settings.shouldContinueAfterRename())
+        services.engine.processRenamingPipelineThenContinue(services.progress);
+    else
+        services.engine.processRenamingPipelineThenClearList(services.progress);
+}
+
+void ConfirmationFlow::createFileList() {
+    if (!units.commands.validateActionList())
+        return;
+    services.frontEnd.askForFileListFormat([this](FileListChoice choice) {
+        if (choice.choice == NoticeAnswer::help)
+            services.frontEnd.showHelp("helpTopic29");
+        if (choice.choice != NoticeAnswer::ok)
+            return;
+        services.frontEnd.askForSavePath("Save File List", [this, choice](std::optional<std::string> path) {
+            if (path)
+                services.engine.processFileListPipeline(services.progress, choice.format,
+                                                        choice.shouldIncludeOnlyAffectedFiles, *path);
+        });
+    });
+}
+
+// ---- the progress view
+
+void ConfirmationFlow::startProgressWindow() {
+    debugLog("--- startProgressWindow");
+    setCurrentlyShowingProgressTab(true);
+    services.frontEnd.selectMainTab(MainTab::progress);
+}
+
+void ConfirmationFlow::stopProgressWindow() {
+    debugLog("--- stopProgressWindow");
+    setCurrentlyShowingProgressTab(false);
+    services.frontEnd.selectMainTab(MainTab::interface);
+    if (services.settings.shouldContinueAfterRename()) {
+        services.frontEnd.selectPreviewTab(PreviewTab::progressBar);
+        services.progress.forceUpdate();
+    } else {
+        services.frontEnd.selectPreviewTab(PreviewTab::status);
+    }
+}
+
+void ConfirmationFlow::interruptProgressWindow() {
+    debugLog("--- interruptProgressWindow");
+    setCurrentlyShowingProgressTab(false);
+    services.frontEnd.selectMainTab(MainTab::interface);
+}
+
+void ConfirmationFlow::setCurrentlyShowingProgressTab(bool isShowing) {
+    const bool before = std::exchange(isShowingProgress, isShowing);
+    services.frontEnd.runStateChanged(isShowing);
+    units.preview.observeValueForKeyPath("currentlyShowingProgressTab", nullptr, before, isShowing);
+}
+
+// ---- the end of a run
+
+void ConfirmationFlow::showCompletionDialog() {
+    if (services.mode == OperationMode::dropletRun && services.settings.shouldCreateSilentDroplets())
+        return;
+    std::vector<ProcessingError> errors;
+    std::int32_t renamed = 0;
+    {
+        StoreContext& context = units.store.managedObjectContext();
+        const std::lock_guard lock(context.mutex());
+        errors = context.processingErrors();
+        renamed = std::max(0, context.engineControl().numberOfActuallyRenamedFiles);
+    }
+    if (!errors.empty()) {
+        services.frontEnd.showProcessingErrors(errors, reportIsOpen());
+        return;
+    }
+    if (!services.settings.shouldShowSummary())
+        return;
+    const std::string text = renamed == 0   ? "No file names were changed."
+                             : renamed == 1 ? "1 file name was changed."
+                                            : fmt::format("{} file names were changed.", renamed);
+    services.frontEnd.showAlert({.kind = AlertKind::summary,
+                                 .style = AlertStyle::informational,
+                                 .title = text,
+                                 .text = "",
+                                 .buttons = {"OK"}},
+                                [closed = reportIsOpen()](AlertAnswer) { closed(); });
+}
+
+void ConfirmationFlow::showFileListSavingCompletionDialog(int format) {
+    const bool isSortBased =
+        dynamic_cast<const SortBasedAction*>(&services.composite.getCurrentAction()) != nullptr;
+    if (format == 1 && !isSortBased) {
+        units.notices.showSimpleTemplateInformation();
+        return;
+    }
+    services.frontEnd.showAlert({.kind = AlertKind::fileListSaved,
+                                 .style = AlertStyle::informational,
+                                 .title = "The file list was successfully saved.",
+                                 .text = "",
+                                 .buttons = {"OK"}},
+                                [](AlertAnswer) {});
+}
+
+std::function<void()> ConfirmationFlow::reportIsOpen() {
+    struct Closing {
+        std::shared_ptr<ConfirmationFlow*> flow;
+        void close() {
+            const auto owner = std::exchange(flow, nullptr);
+            if (!owner || !*owner)
+                return;
+            --(*owner)->openReports;
+            if ((*owner)->isTerminationDue)
+                (*owner)->terminateWhenReportIsClosed();
+        }
+        ~Closing() { close(); }
+    };
+    ++openReports;
+    const auto closing = std::shared_ptr<Closing>(new Closing{self});
+    return [closing] { closing->close(); };
+}
+
+void ConfirmationFlow::terminateWhenReportIsClosed() {
+    isTerminationDue = openReports > 0;
+    if (!isTerminationDue)
+        terminateNow();
+}
+
+} // namespace tavrin

@@ -1,0 +1,142 @@
+#pragma once
+
+#include "store/ProcessingError.h"
+#include "support/PropertyValue.h"
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+class BaseRenameAction;
+enum class ConfirmationChoice : int;
+
+/// What an alert is about, for front ends that answer some by a rule of their own.
+enum class AlertKind {
+    noActiveActions,
+    filesNotAdded,
+    itemsNotRemoved,
+    manualSorting,
+    iTunesWarning,
+    iPhotoWarning,
+    summary,
+    fileListSaved,
+    pipelineFailed,
+    dropletLocked,
+};
+
+enum class AlertStyle { warning, informational, critical };
+
+struct Alert {
+    AlertKind kind;
+    AlertStyle style = AlertStyle::warning;
+    std::string title;
+    std::string text;
+    std::vector<std::string> buttons; ///< the first is the default
+    bool hasSuppressionBox = false;
+};
+
+struct AlertAnswer {
+    std::size_t button = 0; ///< counted as in `buttons`
+    bool suppress = false;  ///< the box was ticked
+};
+
+/// Explaining dialogs with a check box "do not show again". Their wording is the front end's.
+enum class NoticeDialog { noFilesSelected, inconsistentSettings, dropletEditMode, simpleTemplateFileList };
+
+struct NoticeAnswer {
+    static constexpr int ok = 1;
+    static constexpr int cancel = 2;
+    static constexpr int help = 3;
+    int choice = ok; ///< 4 and 5 are further buttons
+    bool doNotShowAgain = false;
+};
+
+/// The questions of a running rename.
+enum class ConfirmationSheet { rename, swap, nameCycle, problem };
+
+struct FilesToAdd {
+    std::vector<std::string> paths; ///< absolute, in bytes
+    std::string folder;             ///< the one that the panel shows in the end
+};
+
+/// The answer of the save-list dialog.
+struct FileListChoice {
+    int choice = NoticeAnswer::ok; ///< ok, cancel or help
+    int format = 0;                ///< 0 to 2
+    bool shouldIncludeOnlyAffectedFiles = false;
+};
+
+enum class MainTab { interface = 0, progress = 1 };
+enum class PreviewTab { progressBar = 0, status = 1 };
+enum class PreviewColumn { path, currentName, newName, regex1, regex2, regex3, regex4, regex5, regex6 };
+
+/// All that the application needs of whatever stands in front of it: to show, and to ask. Texts are UTF-8,
+/// paths are bytes. Called on the main thread only; every call returns at once, no call waits in an event
+/// loop of its own.
+///
+/// A question is answered by calling its handler on the main thread, at once or later, at most once. A
+/// handler that is dropped uncalled stands for a window that was closed. No handler may be called when the
+/// controller is gone.
+class FrontEnd {
+  public:
+    virtual ~FrontEnd() = default;
+
+    // --- Asking ---
+    virtual void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) = 0;
+    virtual void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) = 0;
+    /// `context` holds what the sheet displays, under the keys of the question; `previewPath` is the file to
+    /// picture, if any.
+    virtual void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
+                                       const std::optional<std::string>& previewPath,
+                                       std::function<void(ConfirmationChoice)> answer) = 0;
+    virtual void showProcessingErrors(const std::vector<ProcessingError>& errors,
+                                      std::function<void()> closed) = 0;
+    /// Called with nothing when the user cancels, as below.
+    virtual void askForFilesToAdd(const std::string& startFolder,
+                                  std::function<void(std::optional<FilesToAdd>)> answer) = 0;
+    virtual void askForFileListFormat(std::function<void(FileListChoice)> answer) = 0;
+    virtual void askForSavePath(const std::string& title,
+                                std::function<void(std::optional<std::string>)> answer) = 0;
+
+    // --- Showing: a front end does what it has the means for ---
+    virtual void presentError(const std::string& message) = 0;
+    /// The application has ended its work: leave the event loop.
+    virtual void terminate() = 0;
+    virtual void selectMainTab(MainTab) {}
+    virtual void selectPreviewTab(PreviewTab) {}
+    virtual void setColumnWidth(PreviewColumn, int /*minimum*/, int /*maximum*/, int /*width*/) {}
+    virtual void setColumnHidden(PreviewColumn, bool /*hidden*/) {}
+    virtual void sizeColumnsToFit() {}
+    /// The rows of the list, or which there are, may have changed; so may whether the rename button is on.
+    virtual void previewListChanged() {}
+    /// A preview has ended: its result is in the list and in the status line.
+    virtual void previewFinished() {}
+    /// A run has begun or ended; commands are off during a run.
+    virtual void runStateChanged(bool /*isRunning*/) {}
+    virtual void fillActionMenus(const std::vector<std::u16string>& /*actions*/,
+                                 const std::vector<std::u16string>& /*categories*/) {}
+    virtual void fillPresetMenu(const std::vector<std::u16string>& /*titles*/) {}
+    /// The steps of the chain, or which is current, may have changed.
+    virtual void actionListChanged() {}
+    /// Brings the panel of an action up and gives it the input focus. The action lives as long as its step.
+    virtual void showActionPanel(BaseRenameAction&) {}
+    virtual void buildSplitView() {}
+    /// Where the list of steps ends, in points from the left; 0 hides it.
+    virtual void setDividerPosition(double) {}
+    virtual void allowFullScreen() {}
+    virtual void centreWindow() {}
+    virtual void showWindow() {}
+    virtual void hideWindow() {}
+    virtual void enterDropletEditMode() {}
+    virtual void showHelp(std::string_view /*anchor*/) {}
+    /// Shows a file in the file browser and opens it.
+    virtual void revealPath(const std::string&) {}
+    virtual void beep() {}
+};
+
+} // namespace tavrin

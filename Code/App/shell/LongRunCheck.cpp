@@ -1,0 +1,15 @@
+#include "shell/LongRunCheck.h"
+
+#include "engine/ProgressInfo.h"
+#include "shell/FrontEnd.h"
+
+namespace tavrin {
+
+void LongRunCheck::checkUpOnLongProcessingTimer() {
+    longProcessingCheckTimer = services.runLoop.startTimer(std::chrono::seconds(1), false,
+                                                           [this] { checkUpOnLongProcessingTimer(); });
+    if (services.progress.isLong())
+        services.frontEnd.selectPreviewTab(PreviewTab::progressBar);
+}
+
+} // namespace tavrin

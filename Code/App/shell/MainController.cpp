@@ -1,0 +1,200 @@
+#include "shell/MainController.h"
+
+#include "actions/ActionList.h"
+#include "engine/ErrorReportManager.h"
+#include "platform/SandboxHelper.h"
+#include "platform/UserDefaults.h"
+#include "shell/FrontEnd.h"
+#include "support/DebugLog.h"
+#include "support/MacOSXVersion.h"
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace tavrin {
+
+namespace {
+
+MainController* registered = nullptr;
+
+constexpr int version = 80001;
+
+/// The defaults must be there before the log's switch reads its own.
+UserDefaults& withRegisteredDefaults(UserDefaults& defaults) {
+    defaults.registerDefaults({{"version", 0},
+                               {"SUScheduledCheckInterval", 86400},
+                               {"store", 0},
+                               {"loggerIsOn", true},
+                               {"showManualSortingSortBasedActionAlert", true},
+                               {"showManualSortingAlert", true},
+                               {"tagLibraryTabIndex", 0},
+                               {"showTagNotPresentDialog", true},
+                               {"actionListSeparatorPosition", 150}});
+    return defaults;
+}
+
+} // namespace
+
+MainController::Options MainController::Options::standard() {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    Options standard;
+    standard.store.dataFolder = SandboxHelper::getApplicationSupportFolderPath();
+    standard.localPresetsFolder = standard.store.dataFolder + "/Presets";
+    standard.globalPresetsFolder = SandboxHelper::globalPresetsFolder();
+    standard.location = program.string();
+    return standard;
+}
+
+MainController::MainController(Environment newEnvironment, Options newOptions)
+    : environment(newEnvironment), options(std::move(newOptions)),
+      debugManager(withRegisteredDefaults(environment.defaults)), progress(environment.runLoop),
+      store(
+          environment.defaults, options.store, [this](const std::string& message) { presentError(message); },
+          [this] { return engine.busyMigratingStore(); }),
+      sourceItems([this]() -> StoreContext& { return store.managedObjectContext(); },
+                  [this](const std::string& message) { presentError(message); }),
+      presets(options.localPresetsFolder, options.globalPresetsFolder,
+              [this]() -> CompositeRenameAction& { return composite; }),
+      services{environment.frontEnd,
+               environment.runLoop,
+               environment.defaults,
+               environment.actionList,
+               settings,
+               composite,
+               progress,
+               engine,
+               sourceItems,
+               mode},
+      listCommands(services), preview(services, store, listCommands), sources(services, store, preview),
+      notices(services), pane(services), longRunCheck(services),
+      confirmation(services, {store, listCommands, preview, notices}, [this] { terminateNow(); }),
+      startSequence(
+          services,
+          {presets, listCommands, preview, sources, notices, confirmation, pane, longRunCheck, mode, *this},
+          {options.location, options.usesUserFolders, [this] { terminate(); }}),
+      engine(*this) {
+    registered = this;
+    debugManager.awakeFromNib();
+    logStart();
+    settings.setRunLoop(&environment.runLoop);
+    environment.actionList.setRunLoop(&environment.runLoop);
+    environment.actionList.setObserver(this);
+    preview.setFollowsChanges(options.followsChanges);
+}
+
+MainController::~MainController() {
+    environment.actionList.setObserver(nullptr);
+    if (registered == this)
+        registered = nullptr;
+}
+
+MainController& MainController::sharedInstance() {
+    if (!registered)
+        throw std::logic_error("no controller has been made");
+    return *registered;
+}
+
+void MainController::logStart() {
+    debugLog("===========================================");
+    debugLog("{} is starting", "Tavrin 9");
+    debugLog("Lion: {:d}", MacOSXVersion::isLionOrLater());
+    debugLog("Snow Leopard: {:d}", MacOSXVersion::isSnowLeopardOrLater());
+    debugLog(" ");
+}
+
+// ---- life
+
+bool MainController::applicationShouldTerminate() {
+    debugLog("Terminating.");
+    debugLog("++++++++++++++++++++++++++++++");
+    listCommands.updateAll();
+    if (mode == OperationMode::normal)
+        saveUserDefaults();
+    return true;
+}
+
+void MainController::terminateNow() {
+    if (std::exchange(isTerminating, true))
+        return;
+    if (applicationShouldTerminate())
+        environment.frontEnd.terminate();
+}
+
+void MainController::cancel() {
+    if (!listCommands.validateActionList())
+        return;
+    listCommands.updateAll();
+    terminate();
+}
+
+void MainController::saveUserDefaults() {
+    composite.saveToPreferences();
+    environment.defaults.setObject("version", version);
+    environment.actionList.saveActionParametersToPreferences(settings);
+}
+
+void MainController::createProfile() { ErrorReportManager(*this).writeErrorReport(); }
+
+void MainController::presentError(const std::string& message) {
+    onMainThread([this, message] { environment.frontEnd.presentError(message); });
+}
+
+void MainController::revealReport(const std::string& path) { environment.frontEnd.revealPath(path); }
+
+void MainController::showHelpAnchor(std::string_view anchor) { environment.frontEnd.showHelp(anchor); }
+
+// ---- modes and states
+
+bool MainController::isSilentDroplet() {
+    return mode == OperationMode::dropletRun && settings.shouldCreateSilentDroplets() != 0;
+}
+
+bool MainController::isRenameButtonEnabled() { return isInDropletEditMode() || !preview.isPreviewEmpty(); }
+
+bool MainController::validateUserInterfaceItem() const { return !confirmation.currentlyShowingProgressTab(); }
+
+// ---- commands
+
+bool MainController::applicationOpenFiles(const std::vector<std::string>& paths) {
+    return addFilePaths(paths, true);
+}
+
+bool MainController::addFilePaths(const std::vector<std::string>& paths, bool interactive) {
+    return sources.addFilePaths(paths, interactive);
+}
+
+void MainController::applyPreset(std::size_t index) {
+    if (const PresetOutcome outcome = presets.applyPresetAtIndex(index); !outcome)
+        presentError("The preset can't be used. " + *outcome.error);
+    environment.frontEnd.actionListChanged();
+    if (composite.count() >= 2 && !settings.shouldShowMultistepDrawer())
+        pane.showMultistepDrawer();
+}
+
+void MainController::updatePresetsMenu() { environment.frontEnd.fillPresetMenu(presets.getPresetTitles()); }
+
+// ---- threads
+
+void MainController::updatePreview() {
+    onMainThread([this] { preview.updatePreview(); });
+}
+
+void MainController::onMainThread(std::function<void()> action) {
+    if (environment.runLoop.isCurrent()) {
+        action();
+        return;
+    }
+    environment.runLoop.post([alive = std::weak_ptr(lifetime), action = std::move(action)] {
+        if (alive.lock())
+            action();
+    });
+}
+
+void MainController::observeValueForKeyPath(const std::string& keyPath, BaseAction& object,
+                                            const std::optional<PropertyValue>& oldValue,
+                                            const std::optional<PropertyValue>& newValue) {
+    preview.observeValueForKeyPath(keyPath, &object, oldValue, newValue);
+}
+
+} // namespace tavrin

@@ -1,0 +1,172 @@
+#pragma once
+
+#include "actions/ActionObserver.h"
+#include "actions/CompositeRenameAction.h"
+#include "documents/PresetsManager.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/EngineHost.h"
+#include "engine/ProgressInfo.h"
+#include "engine/RenameEngine.h"
+#include "platform/DebugManager.h"
+#include "shell/ActionListCommands.h"
+#include "shell/ConfirmationFlow.h"
+#include "shell/LongRunCheck.h"
+#include "shell/MultistepPane.h"
+#include "shell/NoticeDialogs.h"
+#include "shell/OperationMode.h"
+#include "shell/PreviewControl.h"
+#include "shell/ShellServices.h"
+#include "shell/SourceCommands.h"
+#include "shell/StartSequence.h"
+#include "shell/StoreOwner.h"
+#include "store/SourceItemManager.h"
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+/// The one object that holds the application together: owns its parts, starts and ends it, and is what the
+/// engine and the front ends reach everything by. The work is done by the units of this room.
+///
+/// Main thread, but for what EngineHost allows to any thread. Before it is destroyed while a run may be under
+/// way, the run loop must have been closed.
+class MainController : public EngineHost, public ActionObserver {
+  public:
+    /// What the application brings along; all of it outlives the controller.
+    struct Environment {
+        FrontEnd& frontEnd;
+        RunLoop& runLoop;
+        UserDefaults& defaults;
+        ActionList& actionList;
+    };
+    struct Options {
+        StoreOwner::Options store;
+        std::string localPresetsFolder;
+        std::string globalPresetsFolder;
+        std::string location; ///< of the program, in bytes
+        /// Off: nothing in the user's folders is made or read at the start.
+        bool usesUserFolders = true;
+        /// Off: no change asks for a preview by itself.
+        bool followsChanges = true;
+        /// The user's folders, and the place of the running program.
+        static Options standard();
+    };
+
+    MainController(Environment newEnvironment, Options newOptions);
+    ~MainController() override;
+
+    /// The controller alive.
+    static MainController& sharedInstance();
+
+    // --- Life ---
+    void applicationDidFinishLaunching() { startSequence.applicationDidFinishLaunching(); }
+    [[nodiscard]] bool hasFinishedInitializing() const { return startSequence.hasFinishedInitializing(); }
+    /// Saves what is to be saved; the application may end now.
+    bool applicationShouldTerminate();
+    void windowWillClose() { terminate(); }
+    void cancel();
+    void saveUserDefaults();
+    void createProfile();
+    /// Shows a failure of the application's own. Any thread.
+    void presentError(const std::string& message);
+
+    // --- Modes and states ---
+    [[nodiscard]] OperationMode operationMode() const { return mode; }
+    [[nodiscard]] bool isInDropletEditMode() const { return mode == OperationMode::dropletEdit; }
+    [[nodiscard]] bool isEditingDroplet() const { return isInDropletEditMode(); }
+    [[nodiscard]] bool isRenameButtonEnabled();
+    /// Whether commands are on: off while a run shows its progress.
+    [[nodiscard]] bool validateUserInterfaceItem() const;
+    void setDropletWriter(DropletWriter* writer) { confirmation.setDropletWriter(writer); }
+
+    // --- Commands ---
+    bool applicationOpenFiles(const std::vector<std::string>& paths);
+    bool addFilePaths(const std::vector<std::string>& paths, bool interactive);
+    void showFileDialog() { sources.showFileDialog(); }
+    void removeFile(const std::vector<RowId>& selection) { sources.removeFile(selection); }
+    void clearPreview() { clearList(); }
+    void ok() { confirmation.ok(); }
+    void applyAndQuit() { confirmation.applyAndQuit(); }
+    void applyButDontQuit() { confirmation.applyButDontQuit(); }
+    void createFileList() { confirmation.createFileList(); }
+    /// Applies a preset of the menu. A preset that is no good is told to the user and changes nothing.
+    void applyPreset(std::size_t index);
+    void updatePresetsMenu();
+    void showMultistepDrawer() { pane.showMultistepDrawer(); }
+    void showHelpAnchor(std::string_view anchor);
+
+    // --- Parts ---
+    [[nodiscard]] RenameEngine& renameEngine() { return engine; }
+    [[nodiscard]] ActionListCommands& actionListCommands() { return listCommands; }
+    [[nodiscard]] PreviewControl& previewControl() { return preview; }
+    [[nodiscard]] PreviewList& nodeController() { return preview.nodeController(); }
+    [[nodiscard]] SourceCommands& sourceCommands() { return sources; }
+    [[nodiscard]] ConfirmationFlow& confirmationFlow() { return confirmation; }
+    [[nodiscard]] MultistepPane& multistepPane() { return pane; }
+    [[nodiscard]] PresetsManager& presetsManager() { return presets; }
+    [[nodiscard]] StoreOwner& storeOwner() { return store; }
+
+    // --- EngineHost ---
+    ItemStore* persistentStoreCoordinator() override { return store.persistentStoreCoordinator(); }
+    StoreContext& managedObjectContext() override { return store.managedObjectContext(); }
+    TVRNGlobalPreferencesPseudoAction& globalSettings() override { return settings; }
+    CompositeRenameAction& compositeAction() override { return composite; }
+    ProgressInfo& progressInfo() override { return progress; }
+    RunLoop& runLoop() override { return environment.runLoop; }
+    UserPrompts& userPrompts() override { return confirmation; }
+    bool isSilentDroplet() override;
+    void updatePreview() override;
+    void startProgressWindow() override { confirmation.startProgressWindow(); }
+    void stopProgressWindow() override { confirmation.stopProgressWindow(); }
+    void refreshPreview() override { preview.refreshPreview(); }
+    void showStats() override { preview.showStats(); }
+    void showCompletionDialog() override { confirmation.showCompletionDialog(); }
+    void showFileListSavingCompletionDialog(int format) override {
+        confirmation.showFileListSavingCompletionDialog(format);
+    }
+    void reloadPreview() override { sources.reloadPreview(); }
+    void clearList() override { sources.clearList(); }
+    void terminate() override { confirmation.terminateWhenReportIsClosed(); }
+    void revealReport(const std::string& path) override;
+
+    // --- ActionObserver ---
+    void observeValueForKeyPath(const std::string& keyPath, BaseAction& object,
+                                const std::optional<PropertyValue>& oldValue,
+                                const std::optional<PropertyValue>& newValue) override;
+
+  private:
+    void logStart();
+    void terminateNow();
+    /// Runs an action on the main thread while the controller is alive: at once when already there.
+    void onMainThread(std::function<void()> action);
+
+    Environment environment;
+    Options options;
+    std::shared_ptr<char> lifetime = std::make_shared<char>();
+    std::atomic<OperationMode> mode{OperationMode::normal};
+    bool isTerminating = false;
+    DebugManager debugManager;
+
+    // Order matters: the engine ends its threads before anything that they use goes.
+    TVRNGlobalPreferencesPseudoAction settings;
+    CompositeRenameAction composite;
+    ProgressInfo progress;
+    StoreOwner store;
+    SourceItemManager sourceItems;
+    PresetsManager presets;
+    ShellServices services;
+    ActionListCommands listCommands;
+    PreviewControl preview;
+    SourceCommands sources;
+    NoticeDialogs notices;
+    MultistepPane pane;
+    LongRunCheck longRunCheck;
+    ConfirmationFlow confirmation;
+    StartSequence startSequence;
+    RenameEngine engine;
+};
+
+} // namespace tavrin

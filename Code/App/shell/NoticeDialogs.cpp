@@ -1,0 +1,63 @@
+#include "shell/NoticeDialogs.h"
+
+#include "platform/UserDefaults.h"
+
+namespace tavrin {
+
+namespace {
+
+struct Memory {
+    std::string_view suppressingDefault; ///< any stored value switches the dialog off; empty: none does
+    std::string_view helpAnchor;
+};
+
+Memory memoryOf(NoticeDialog dialog) {
+    switch (dialog) {
+    case NoticeDialog::noFilesSelected:
+        return {"don't remind me about no files being selected", "helpTopic7"};
+    case NoticeDialog::inconsistentSettings:
+        return {"don't remind me about inconsistent settings", ""};
+    case NoticeDialog::dropletEditMode:
+        return {"don't show droplet edit information again", "helpTopic18"};
+    case NoticeDialog::simpleTemplateFileList:
+        return {"", "helpTopic29"};
+    }
+    return {};
+}
+
+} // namespace
+
+void NoticeDialogs::showNoFilesSelectedDialog(Then then) {
+    showWithMemory(NoticeDialog::noFilesSelected, std::move(then));
+}
+
+void NoticeDialogs::showInconsistentSettingsDialog(Then then) {
+    showWithMemory(NoticeDialog::inconsistentSettings, std::move(then));
+}
+
+void NoticeDialogs::showDropletEditModeInfo(Then then) {
+    showWithMemory(NoticeDialog::dropletEditMode, std::move(then));
+}
+
+void NoticeDialogs::showSimpleTemplateInformation() {
+    showWithMemory(NoticeDialog::simpleTemplateFileList, [](int) {});
+}
+
+void NoticeDialogs::showWithMemory(NoticeDialog dialog, Then then) {
+    const Memory memory = memoryOf(dialog);
+    const std::string key(memory.suppressingDefault);
+    if (!key.empty() && services.defaults.objectForKey(key)) {
+        then(NoticeAnswer::help);
+        return;
+    }
+    services.frontEnd.showNotice(
+        dialog, [this, key, anchor = memory.helpAnchor, then = std::move(then)](NoticeAnswer answer) {
+            if (answer.doNotShowAgain && !key.empty())
+                services.defaults.setObject(key, true);
+            if (answer.choice == NoticeAnswer::help && !anchor.empty())
+                services.frontEnd.showHelp(anchor);
+            then(answer.choice);
+        });
+}
+
+} // namespace tavrin

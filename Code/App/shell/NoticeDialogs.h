@@ -1,0 +1,30 @@
+#pragma once
+
+#include "shell/FrontEnd.h"
+#include "shell/ShellServices.h"
+
+#include <functional>
+
+namespace tavrin {
+
+/// The explaining dialogs, most of which the user can switch off for good. `then` gets the choice, at once
+/// where the dialog is switched off; not at all when the window goes without an answer. Main thread.
+class NoticeDialogs {
+  public:
+    using Then = std::function<void(int choice)>;
+
+    explicit NoticeDialogs(ShellServices& shared) : services(shared) {}
+
+    void showNoFilesSelectedDialog(Then then);
+    void showInconsistentSettingsDialog(Then then);
+    void showDropletEditModeInfo(Then then);
+    /// Explains a simple list of names that was saved without an order of its own.
+    void showSimpleTemplateInformation();
+
+  private:
+    void showWithMemory(NoticeDialog dialog, Then then);
+
+    ShellServices& services;
+};
+
+} // namespace tavrin

@@ -1,0 +1,180 @@
+#include "shell/StartSequence.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "documents/DropletHandOver.h"
+#include "documents/FirstLaunchManager.h"
+#include "documents/PresetsManager.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/RenameEngine.h"
+#include "platform/RunLoop.h"
+#include "platform/UserDefaults.h"
+#include "shell/ActionListCommands.h"
+#include "shell/ConfirmationFlow.h"
+#include "shell/FrontEnd.h"
+#include "shell/LongRunCheck.h"
+#include "shell/MultistepPane.h"
+#include "shell/NoticeDialogs.h"
+#include "shell/PreviewControl.h"
+#include "shell/SourceCommands.h"
+#include "support/MacOSXVersion.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+namespace tavrin {
+
+StartSequence::StartSequence(ShellServices& shared, Units otherUnits, Options startOptions)
+    : services(shared), units(otherUnits), options(std::move(startOptions)),
+      lifetime(std::make_shared<char>()) {}
+
+StartSequence::~StartSequence() = default;
+
+void StartSequence::applicationDidFinishLaunching() {
+    FrontEnd& frontEnd = services.frontEnd;
+    if (MacOSXVersion::isLionOrLater())
+        frontEnd.allowFullScreen();
+    frontEnd.selectMainTab(MainTab::interface);
+    firstLaunch();
+    prepareColumns();
+    loadSettings();
+    services.composite.setOwner(&units.observer);
+    loadPresets();
+    readSettingsFromDroplet();
+    loadChain();
+    frontEnd.fillActionMenus(services.actionList.popUpMenuItems(),
+                             services.actionList.categoryPopUpMenuItems());
+    connectObservers();
+    if (services.mode == OperationMode::dropletEdit && !enterDropletEditMode())
+        return;
+    frontEnd.buildSplitView();
+    units.pane.restore();
+    isFinished = true;
+    units.commands.updateAll();
+    if (isFirstLaunch)
+        frontEnd.centreWindow();
+    if (services.mode == OperationMode::dropletRun)
+        startDropletRun();
+    else
+        showInterface();
+    units.longRunCheck.checkUpOnLongProcessingTimer();
+}
+
+void StartSequence::firstLaunch() {
+    FirstLaunchManager manager(services.defaults, options.location);
+    manager.doIt();
+    isFirstLaunch = manager.isFirstLaunch();
+}
+
+void StartSequence::prepareColumns() {
+    using enum PreviewColumn;
+    for (const PreviewColumn column : {regex1, regex2, regex3, regex4, regex5, regex6})
+        services.frontEnd.setColumnWidth(column, 20, 200, 40);
+    for (const PreviewColumn column : {currentName, newName, path})
+        services.frontEnd.setColumnWidth(column, 100, 1000, 200);
+}
+
+void StartSequence::loadSettings() {
+    services.actionList.loadActionParametersFromPreferences(services.settings);
+    services.actionList.setAutomaticSorting(services.settings.automaticSorting());
+}
+
+void StartSequence::loadPresets() {
+    if (!options.usesUserFolders)
+        return;
+    units.presets.startup();
+    services.frontEnd.fillPresetMenu(units.presets.getPresetTitles());
+}
+
+/// A record that is no good is told and left alone: nothing is renamed by a recipe that its droplet did not
+/// mean.
+void StartSequence::readSettingsFromDroplet() {
+    if (!DropletHandOver::isPresent(services.defaults))
+        return;
+    (void)services.defaults.synchronize();
+    const auto record = DropletHandOver::read(services.defaults);
+    DropletHandOver::clear(services.defaults);
+    if (const auto* error = std::get_if<RecipeError>(&record)) {
+        services.frontEnd.presentError("The droplet can't be used. " + error->message);
+        return;
+    }
+    const auto& handOver = std::get<DropletHandOver>(record);
+    services.composite.setFlatParameterList(handOver.compositeAction);
+    if (handOver.globalSettings)
+        services.settings.setParameterList(*handOver.globalSettings);
+    units.confirmation.setDropletSettingsPath(handOver.settingsPath);
+    if (handOver.fileList.empty()) {
+        units.mode = OperationMode::dropletEdit;
+        return;
+    }
+    units.sources.addFilePaths(handOver.fileList, true);
+    units.mode = OperationMode::dropletRun;
+}
+
+void StartSequence::loadChain() {
+    if (services.mode != OperationMode::normal)
+        return;
+    try {
+        services.composite.loadFromPreferences();
+    } catch (const std::exception& failure) {
+        services.frontEnd.presentError(
+            fmt::format("The list of actions that was stored can't be used. {}", failure.what()));
+    }
+}
+
+void StartSequence::connectObservers() {
+    ActionObserver& observer = units.observer;
+    services.actionList.setAutomaticSorting(services.settings.automaticSorting());
+    observations.push_back(services.settings.registerObserverForAllValues(observer));
+    observations.push_back(services.composite.registerObserverForAllValues(observer));
+    for (const char* key : {"actionList", "transientActionIndex"})
+        observations.push_back(services.composite.registerObserver(observer, key));
+    const auto showInvisiblesChanged = [this] {
+        units.preview.observeValueForKeyPath("showInvisibles", nullptr, std::nullopt, std::nullopt);
+    };
+    observations.push_back(services.defaults.observe(
+        "showInvisibles", [&loop = services.runLoop, alive = std::weak_ptr(lifetime), showInvisiblesChanged] {
+            loop.post([alive, showInvisiblesChanged] {
+                if (alive.lock())
+                    showInvisiblesChanged();
+            });
+        }));
+}
+
+bool StartSequence::enterDropletEditMode() {
+    if (services.settings.shouldPreventDropletEditing()) {
+        services.frontEnd.showAlert(
+            {.kind = AlertKind::dropletLocked,
+             .style = AlertStyle::critical,
+             .title = "This droplet has been locked by its author.",
+             .text = "This droplet cannot be edited because its author has locked it.\n\nPlease drag & drop "
+                     "the files you want to rename onto the droplet icon to automatically perform the "
+                     "rename.",
+             .buttons = {"Quit"}},
+            [terminate = options.terminate](AlertAnswer) { terminate(); });
+        return false;
+    }
+    units.notices.showDropletEditModeInfo([terminate = options.terminate](int choice) {
+        if (choice == NoticeAnswer::cancel)
+            terminate();
+    });
+    services.frontEnd.enterDropletEditMode();
+    return true;
+}
+
+void StartSequence::showInterface() {
+    units.commands.switchAction();
+    services.frontEnd.showWindow();
+    // All observers fire, and that brings the first preview about.
+    services.settings.setParameterList(services.settings.parameterList());
+}
+
+/// The rename comes when the preview is there: whichever thread were first, a rename without a preview would
+/// find nothing to rename.
+void StartSequence::startDropletRun() {
+    services.frontEnd.hideWindow();
+    units.preview.afterNextPreview([this] { units.confirmation.applyCurrentSettings(true); });
+    services.engine.processPreviewPipeline(services.progress);
+}
+
+} // namespace tavrin

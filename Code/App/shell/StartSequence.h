@@ -1,0 +1,73 @@
+#pragma once
+
+#include "actions/ActionObserver.h"
+#include "shell/OperationMode.h"
+#include "shell/ShellServices.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+class ActionListCommands;
+class ConfirmationFlow;
+class LongRunCheck;
+class MultistepPane;
+class NoticeDialogs;
+class PresetsManager;
+class PreviewControl;
+class SourceCommands;
+
+/// Brings the application up in its fixed order, once. Main thread.
+class StartSequence {
+  public:
+    struct Units {
+        PresetsManager& presets;
+        ActionListCommands& commands;
+        PreviewControl& preview;
+        SourceCommands& sources;
+        NoticeDialogs& notices;
+        ConfirmationFlow& confirmation;
+        MultistepPane& pane;
+        LongRunCheck& longRunCheck;
+        std::atomic<OperationMode>& mode;
+        ActionObserver& observer;
+    };
+    struct Options {
+        std::string location;        ///< of the program, in bytes
+        bool usesUserFolders = true; ///< make and read the folders of presets
+        std::function<void()> terminate;
+    };
+
+    StartSequence(ShellServices& shared, Units otherUnits, Options options);
+    ~StartSequence();
+
+    void applicationDidFinishLaunching();
+    [[nodiscard]] bool hasFinishedInitializing() const { return isFinished; }
+
+  private:
+    void firstLaunch();
+    void prepareColumns();
+    void loadSettings();
+    void loadPresets();
+    void readSettingsFromDroplet();
+    void loadChain();
+    void connectObservers();
+    /// False when the application is to end instead.
+    bool enterDropletEditMode();
+    void showInterface();
+    void startDropletRun();
+
+    ShellServices& services;
+    Units units;
+    Options options;
+    bool isFirstLaunch = false;
+    bool isFinished = false;
+    std::vector<std::shared_ptr<void>> observations;
+    std::shared_ptr<char> lifetime; ///< for posted actions that come late
+};
+
+} // namespace tavrin
