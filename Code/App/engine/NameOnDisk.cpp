@@ -3,6 +3,7 @@
 #include "support/Text.h"
 
 #include <algorithm>
+#include <bitset>
 
 namespace tavrin {
 
@@ -11,25 +12,26 @@ namespace {
 constexpr bool isHighHalf(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 constexpr bool isByteEscape(char16_t unit) { return unit >= 0xDC80 && unit <= 0xDCFF; }
 
-/// Position manipulations can tear a character in half, and some halves look like an undecodable byte.
-bool hasStrayEscape(std::u16string_view finalName, std::string_view currentName) {
-    std::u16string current;
-    for (std::size_t i = 0; i < finalName.size(); ++i) {
-        if (!isByteEscape(finalName[i]) || (i > 0 && isHighHalf(finalName[i - 1])))
-            continue;
-        if (current.empty())
-            current = text::fromBytes(currentName);
-        const std::size_t at = current.find(finalName[i]);
-        if (at == std::u16string::npos)
-            return true;
+/// The bytes from 0x80 that stand alone in the text, escaped as stray halves.
+std::bitset<128> escapedBytes(std::u16string_view text) {
+    std::bitset<128> bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (isByteEscape(text[i]) && (i == 0 || !isHighHalf(text[i - 1])))
+            bytes.set(text[i] - 0xDC80);
     }
-    return false;
+    return bytes;
+}
+
+/// Actions count in code units and can tear a character in half; some halves look like an undecodable byte.
+bool hasStrayHalf(std::u16string_view finalName, std::string_view currentName) {
+    const std::bitset<128> wanted = escapedBytes(finalName);
+    return wanted.any() && (wanted & ~escapedBytes(text::fromBytes(currentName))).any();
 }
 
 } // namespace
 
 bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentName, std::string& into) {
-    if (!text::toBytes(finalName, into) || hasStrayEscape(finalName, currentName))
+    if (!text::toBytes(finalName, into) || hasStrayHalf(finalName, currentName))
         return false;
     std::replace(into.begin(), into.end(), '/', ':');
     return isPossible(into);

@@ -1,0 +1,37 @@
+#include "engine/RenameItem.h"
+
+#include "engine/NameOnDisk.h"
+#include "engine/PathParts.h"
+#include "store/StoreContext.h"
+#include "support/Text.h"
+
+namespace tavrin {
+
+void RenameItem::moveTo(RowId id) {
+    const NodeRow& row = context.row(id);
+    const RowId newParent = row.parent;
+    current = id;
+    root = row.root;
+    diff = row.diff;
+    currentComponent = context.component(id);
+    if (newParent != parent || parent == noRow)
+        folderPath = context.parentPath(id);
+    parent = newParent;
+}
+
+std::string RenameItem::fullPath() const { return joinedPath(folderPath, currentComponent); }
+
+const std::string& RenameItem::newComponent() {
+    if (!diff)
+        return currentComponent;
+    context.finalName(current, finalName);
+    if (!NameOnDisk::from(finalName, currentComponent, wantedComponent))
+        wantedComponent.clear();
+    return wantedComponent;
+}
+
+std::string RenameItem::shownName() const { return NameOnDisk::shown(currentComponent); }
+
+std::string RenameItem::shownFinalName() { return text::toUtf8(context.finalName(current)); }
+
+} // namespace tavrin

@@ -1,0 +1,25 @@
+#include "engine/RenameRun.h"
+
+#include "engine/PathParts.h"
+#include "engine/RenameEngine.h"
+#include "store/StoreContext.h"
+
+namespace tavrin {
+
+RenameRun::RenameRun(RenameEngine& engine, ProcessingStage& stage, StoreContext& store,
+                     ProgressInfo* progress, bool shouldBeInteractive)
+    : context(store), item(store), report(progress),
+      primitives(FileSystem::sharedInstance(), report, sourceItems),
+      questions(engine, stage, shouldBeInteractive), marker(engine.nextStageFlagCounter()),
+      disk(FileSystem::sharedInstance()) {}
+
+void RenameRun::noteTakenPlace(RowId formerHolder) {
+    if (formerHolder == noRow || moved.contains(formerHolder) || !primitives.identity())
+        return;
+    FileStatus found;
+    const std::string place = joinedPath(item.folder(), context.component(formerHolder));
+    if (disk.status(place, found) == 0 && FileIdentity{found.device, found.inode} == *primitives.identity())
+        moved.insert(formerHolder);
+}
+
+} // namespace tavrin
