@@ -1,0 +1,236 @@
+#include "CommandLine.h"
+
+#include "ExitStatus.h"
+#include "HelpTexts.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <limits>
+#include <map>
+
+namespace tavrin {
+
+namespace {
+
+constexpr const char* version = "tvrn (Tavrin) 9.0.0\n";
+
+CommandLineEnd usageError(std::string_view command, std::string_view what) {
+    const std::string name = command.empty() ? "tvrn" : fmt::format("tvrn {}", command);
+    return {static_cast<int>(ExitStatus::badUsage),
+            fmt::format("{0}: {1}\nTry \"{0} --help\".\n", name, what)};
+}
+
+KeyAndValue keyAndValue(const std::string& option, const std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos)
+        throw UsageError(fmt::format("{} {}: expected KEY=VALUE", option, text));
+    return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+/// An option that may be given any number of times, each time with one value. Its values are read back raw:
+/// the library's conversions give brackets in a value a meaning of their own.
+CLI::Option* addRepeatable(CLI::App& app, const std::string& name) {
+    return app.add_option(name)
+        ->expected(1, std::numeric_limits<int>::max())
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+/// The parser of one subcommand. Each is a parser of its own, so that no path is taken for a subcommand.
+class Parser {
+  public:
+    Parser(std::string command, const char* help) : name(std::move(command)), helpText(help) {
+        app.allow_windows_style_options(false);
+        app.set_help_flag();
+        app.add_flag("-h,--help", helpWanted);
+    }
+
+    /// Adds what preview and rename share.
+    void addRunOptions() {
+        recipe = app.add_option("--recipe")->expected(1);
+        preset = app.add_option("--preset")->expected(1);
+        action = addRepeatable(app, "--action");
+        parameter = addRepeatable(app, "--set");
+        setting = addRepeatable(app, "--setting");
+        recursive = app.add_flag("--recursive");
+        store = app.add_option("--store")->expected(1)->check(CLI::IsMember({"memory", "file"}));
+    }
+
+    /// Parses, and makes the result unless help is wanted or something is wrong.
+    CommandLine parse(std::vector<std::string> arguments, const std::function<CommandLine()>& result) {
+        try {
+            arguments = takeOperands(std::move(arguments));
+            std::ranges::reverse(arguments); // as the library wants them
+            app.parse(std::move(arguments));
+            if (helpWanted)
+                return CommandLineEnd{0, helpText};
+            return result();
+        } catch (const CLI::ParseError& error) {
+            if (helpWanted)
+                return CommandLineEnd{0, helpText};
+            return usageError(name, error.what());
+        } catch (const UsageError& error) {
+            return usageError(name, error.what());
+        }
+    }
+
+    /// What the shared options say.
+    RunOptions runOptions() const {
+        RunOptions options;
+        std::vector<RecipeStep> steps;
+        std::map<const CLI::Option*, std::size_t> taken;
+        for (const CLI::Option* option : app.parse_order()) {
+            const auto next = [&, this] { return option->results().at(taken[option]++); };
+            if (option == action)
+                steps.push_back({next(), {}});
+            else if (option == setting)
+                options.settings.push_back(keyAndValue("--setting", next()));
+            else if (option == recursive)
+                options.settings.emplace_back("processSubfolders", "1");
+            else if (option == parameter) {
+                if (steps.empty())
+                    throw UsageError(fmt::format("--set {}: there is no --action before it", next()));
+                steps.back().parameters.push_back(keyAndValue("--set", next()));
+            }
+        }
+        options.recipe = recipeSource(std::move(steps));
+        options.storeInFile = *store && store->results().at(0) == "file";
+        if (operands.empty())
+            throw UsageError("no path is given");
+        options.paths = operands;
+        return options;
+    }
+
+    /// What stands on the command line beside the options, as it stands there.
+    const std::vector<std::string>& givenOperands() const { return operands; }
+
+    CLI::App app;
+
+  private:
+    /// Keeps the operands, and answers the options with their values. The library must not see operands: it
+    /// reads a meaning into brackets, numbers and the like.
+    std::vector<std::string> takeOperands(std::vector<std::string> arguments) {
+        std::vector<std::string> options;
+        for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+            if (*argument == "--") {
+                operands.insert(operands.end(), ++argument, arguments.end());
+                break;
+            }
+            if (argument->size() < 2 || argument->front() != '-') {
+                operands.push_back(std::move(*argument));
+                continue;
+            }
+            const CLI::Option* option = app.get_option_no_throw(*argument);
+            options.push_back(std::move(*argument));
+            if (option && option->get_items_expected_max() > 0 && std::next(argument) != arguments.end())
+                options.push_back(std::move(*++argument));
+        }
+        return options;
+    }
+
+    RecipeSource recipeSource(std::vector<RecipeStep> steps) const {
+        const int count = (*recipe ? 1 : 0) + (*preset ? 1 : 0) + (steps.empty() ? 0 : 1);
+        if (count == 0)
+            throw UsageError("no recipe is given: one of --recipe, --preset and --action is needed");
+        if (count > 1)
+            throw UsageError("--recipe, --preset and --action exclude each other");
+        if (*recipe)
+            return RecipeAtPath{recipe->results().at(0)};
+        if (*preset)
+            return RecipeOfPreset{preset->results().at(0)};
+        return steps;
+    }
+
+    std::string name;
+    const char* helpText;
+    bool helpWanted = false;
+    CLI::Option* recipe = nullptr;
+    CLI::Option* preset = nullptr;
+    CLI::Option* action = nullptr;
+    CLI::Option* parameter = nullptr;
+    CLI::Option* setting = nullptr;
+    CLI::Option* recursive = nullptr;
+    CLI::Option* store = nullptr;
+    std::vector<std::string> operands;
+};
+
+CommandLine parsePreview(std::vector<std::string> arguments) {
+    PreviewOptions options;
+    Parser parser("preview", help::preview);
+    parser.addRunOptions();
+    CLI::Option* format = parser.app.add_option("--format", options.format)->check(CLI::Range(0, 2));
+    CLI::Option* json = parser.app.add_flag("--json", options.json)->excludes(format);
+    parser.app.add_flag("--affected", options.affected);
+    parser.app.add_flag("-0,--null", options.null)->excludes(json);
+    return parser.parse(std::move(arguments), [&] {
+        options.run = parser.runOptions();
+        return options;
+    });
+}
+
+CommandLine parseRename(std::vector<std::string> arguments) {
+    RenameOptions options;
+    Parser parser("rename", help::rename);
+    parser.addRunOptions();
+    parser.app.add_flag("--interactive", options.interactive);
+    parser.app.add_flag("--quiet", options.quiet);
+    return parser.parse(std::move(arguments), [&] {
+        options.run = parser.runOptions();
+        return options;
+    });
+}
+
+CommandLine parseActions(std::vector<std::string> arguments) {
+    ActionsOptions options;
+    Parser parser("actions", help::actions);
+    parser.app.add_flag("--json", options.json);
+    return parser.parse(std::move(arguments), [&] {
+        const std::vector<std::string>& names = parser.givenOperands();
+        if (names.size() > 1)
+            throw UsageError("more than one name is given");
+        if (!names.empty())
+            options.name = names.front();
+        return options;
+    });
+}
+
+CommandLine parsePresets(std::vector<std::string> arguments) {
+    PresetsOptions options;
+    Parser parser("presets", help::presets);
+    parser.app.add_flag("--json", options.json);
+    return parser.parse(std::move(arguments), [&] {
+        if (!parser.givenOperands().empty())
+            throw UsageError("it takes no names");
+        return options;
+    });
+}
+
+} // namespace
+
+CommandLine parseCommandLine(std::vector<std::string> arguments) {
+    if (arguments.empty())
+        return usageError("", "no command is given");
+    const std::string command = std::move(arguments.front());
+    arguments.erase(arguments.begin());
+    if (command == "preview")
+        return parsePreview(std::move(arguments));
+    if (command == "rename")
+        return parseRename(std::move(arguments));
+    if (command == "actions")
+        return parseActions(std::move(arguments));
+    if (command == "presets")
+        return parsePresets(std::move(arguments));
+    if (command == "--help" || command == "-h")
+        return CommandLineEnd{0, help::overview};
+    if (command == "--version")
+        return CommandLineEnd{0, version};
+    return usageError("", fmt::format("there is no command \"{}\"", command));
+}
+
+} // namespace tavrin

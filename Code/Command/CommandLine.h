@@ -1,0 +1,68 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace tavrin {
+
+using KeyAndValue = std::pair<std::string, std::string>;
+
+/// What a recipe is made from. Texts are bytes as the user typed them.
+struct RecipeAtPath {
+    std::string path;
+};
+struct RecipeOfPreset {
+    std::string name;
+};
+struct RecipeStep {
+    std::string action;
+    std::vector<KeyAndValue> parameters; ///< in the order given
+};
+using RecipeSource = std::variant<RecipeAtPath, RecipeOfPreset, std::vector<RecipeStep>>;
+
+/// What preview and rename share.
+struct RunOptions {
+    RecipeSource recipe;
+    std::vector<KeyAndValue> settings; ///< in the order given, `--recursive` among them
+    bool storeInFile = false;
+    std::vector<std::string> paths;
+};
+
+struct PreviewOptions {
+    RunOptions run;
+    int format = 0;
+    bool json = false;
+    bool affected = false;
+    bool null = false;
+};
+
+struct RenameOptions {
+    RunOptions run;
+    bool interactive = false;
+    bool quiet = false;
+};
+
+struct ActionsOptions {
+    bool json = false;
+    std::string name; ///< empty: all
+};
+
+struct PresetsOptions {
+    bool json = false;
+};
+
+/// There is nothing to run: a text to show, on standard output where the status is 0, else on standard error.
+struct CommandLineEnd {
+    int status = 0;
+    std::string text;
+};
+
+using CommandLine =
+    std::variant<CommandLineEnd, PreviewOptions, RenameOptions, ActionsOptions, PresetsOptions>;
+
+/// Parses what follows the program's name.
+[[nodiscard]] CommandLine parseCommandLine(std::vector<std::string> arguments);
+
+} // namespace tavrin

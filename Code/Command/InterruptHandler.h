@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/Descriptor.h"
+
+#include <atomic>
+#include <functional>
+#include <thread>
+
+namespace tavrin {
+
+/// Turns an interrupt, a termination or a hang-up signal into a call, on a thread of its own. Make it before
+/// any other thread: these signals stay blocked in all threads that come after it.
+class InterruptHandler {
+  public:
+    explicit InterruptHandler(std::function<void()> whenInterrupted);
+    ~InterruptHandler();
+    InterruptHandler(const InterruptHandler&) = delete;
+    InterruptHandler& operator=(const InterruptHandler&) = delete;
+
+    [[nodiscard]] bool wasInterrupted() const { return interrupted; }
+    /// Becomes readable, and stays so, when the first signal comes: for those who wait for input.
+    [[nodiscard]] int descriptor() const { return announcement.get(); }
+
+  private:
+    void waitForSignals();
+
+    std::function<void()> whenInterrupted;
+    Descriptor signals;
+    Descriptor announcement;
+    Descriptor ending;
+    std::atomic<bool> interrupted{false};
+    std::thread thread;
+};
+
+} // namespace tavrin

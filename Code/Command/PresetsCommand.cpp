@@ -1,0 +1,37 @@
+#include "PresetsCommand.h"
+
+#include "DisplayText.h"
+#include "SavedPresets.h"
+#include "Terminal.h"
+#include "support/Text.h"
+
+namespace tavrin {
+
+namespace {
+
+std::string line(const SavedPresets::Preset& preset, const Terminal& terminal) {
+    return terminal.shown(text::toUtf8(preset.name)) + '\t' +
+           terminal.shown(text::toUtf8(preset.description)) + '\t' + terminal.shown(preset.path) + '\n';
+}
+
+std::string object(const SavedPresets::Preset& preset) {
+    std::string json = "{\"name\":";
+    display::appendJson(preset.name, json);
+    json += ",\"description\":";
+    display::appendJson(preset.description, json);
+    json += ",\"file\":";
+    display::appendJson(text::fromBytes(preset.path), json);
+    return json + "}\n";
+}
+
+} // namespace
+
+ExitStatus runPresetsCommand(const PresetsOptions& options) {
+    const SavedPresets presets;
+    Terminal terminal;
+    for (const SavedPresets::Preset& preset : presets.all())
+        terminal.output().append(options.json ? object(preset) : line(preset, terminal));
+    return terminal.finish();
+}
+
+} // namespace tavrin

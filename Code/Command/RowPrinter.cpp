@@ -1,0 +1,88 @@
+#include "RowPrinter.h"
+
+#include "DisplayText.h"
+#include "store/StoreContext.h"
+#include "support/Text.h"
+
+namespace tavrin {
+
+namespace {
+
+void precompose(std::u16string& text) {
+    if (!text::isPrecomposed(text))
+        text = text::precomposed(text);
+}
+
+} // namespace
+
+void RowPrinter::print(StoreContext& context, const Predicate& predicate) {
+    for (const RowId id : context.fetch({FetchEntity::file, predicate, {{NodeKey::name}}, 0})) {
+        context.name(id, name);
+        context.finalName(id, finalName);
+        if (options.affected && (name == finalName || text::canonicallyEqual(name, finalName)))
+            continue;
+        if (options.json)
+            printObject(context, id);
+        else
+            printLine(context, id);
+        output.flushIfFull();
+        if (output.error() != 0)
+            return;
+    }
+}
+
+/// The lines of a saved list of names: everything in composed form.
+void RowPrinter::printLine(StoreContext& context, RowId id) {
+    std::string& text = output.content();
+    precompose(finalName);
+    if (options.format == 0) {
+        precompose(name);
+        appendField(name);
+        text += '\t';
+    } else if (options.format == 2) {
+        context.fullPath(id, path);
+        text::fromBytes(path, name);
+        precompose(name);
+        appendField(name);
+        text += '\t';
+    }
+    appendField(finalName);
+    text += options.null ? '\0' : '\n';
+}
+
+void RowPrinter::appendField(std::u16string_view text) {
+    if (!text::toBytes(text, bytes))
+        bytes = text::toUtf8(text); // no file can bear it, but it can be shown
+    output.content() += makeVisible ? display::visible(bytes) : bytes;
+}
+
+void RowPrinter::printObject(StoreContext& context, RowId id) {
+    output.content() += '{';
+    context.fullPath(id, path);
+    appendMember("fullPath", text::fromBytes(path));
+    appendMember("name", name);
+    appendMember("finalName", finalName);
+    const NodeRow& row = context.row(id);
+    appendMember("diff", row.diff);
+    appendMember("treatAsFolder", row.treatAsFolder);
+    appendMember("root", row.root);
+    if (const auto columns = context.regexColumns(id)) {
+        for (std::size_t i = 0; i < columns->size(); ++i)
+            appendMember("regex" + std::to_string(i + 1), columns->at(i));
+    }
+    output.content().back() = '}'; // instead of the last comma
+    output.content() += '\n';
+}
+
+void RowPrinter::appendMember(std::string_view key, std::u16string_view text) {
+    std::string& into = output.content();
+    ((into += '"') += key) += "\":";
+    display::appendJson(text, into);
+    into += ',';
+}
+
+void RowPrinter::appendMember(std::string_view key, bool value) {
+    ((((output.content() += '"') += key) += "\":") += value ? "true" : "false") += ',';
+}
+
+} // namespace tavrin

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "CommandLine.h"
+#include "OutputBuffer.h"
+#include "store/Predicate.h"
+
+#include <string>
+
+namespace tavrin {
+
+class StoreContext;
+
+/// Prints the rows of a preview, by current name, as the options say.
+class RowPrinter {
+  public:
+    /// `showControlCharacters` where people read it: a terminal.
+    RowPrinter(const PreviewOptions& printOptions, OutputBuffer& target, bool showControlCharacters)
+        : options(printOptions), output(target), makeVisible(showControlCharacters) {}
+
+    /// Hold the context's mutex.
+    void print(StoreContext& context, const Predicate& predicate);
+
+  private:
+    void printLine(StoreContext& context, RowId id);
+    void printObject(StoreContext& context, RowId id);
+    void appendField(std::u16string_view text);
+    void appendMember(std::string_view key, std::u16string_view text);
+    void appendMember(std::string_view key, bool value);
+
+    const PreviewOptions& options;
+    OutputBuffer& output;
+    bool makeVisible;
+    // Of the row in hand; kept to spare allocations.
+    std::u16string name;
+    std::u16string finalName;
+    std::string path;
+    std::string bytes;
+};
+
+} // namespace tavrin

@@ -1,0 +1,170 @@
+#include "Session.h"
+
+#include "PathArguments.h"
+#include "RecipeLoader.h"
+#include "shell/MainController.h"
+#include "store/ItemStore.h"
+#include "store/StoreContext.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <mutex>
+
+namespace tavrin {
+
+namespace {
+
+MainController::Options controllerOptions() {
+    MainController::Options options = MainController::Options::standard();
+    options.usesUserFolders = false;
+    options.followsChanges = false;
+    return options;
+}
+
+} // namespace
+
+Session::Session(const RunOptions& options)
+    : interrupts([this] { wasToldToStop(); }), frontEnd(connectedTerminal, loop, interrupts) {
+    SystemLog::setSharedInstance(&systemLog);
+    setDefaults(options.storeInFile);
+    controller = std::make_unique<MainController>(
+        MainController::Environment{frontEnd, loop, catalogue.defaults(), catalogue.actions()},
+        controllerOptions());
+    load(options);
+    openStore(options.storeInFile);
+    addPaths(options.paths);
+}
+
+Session::~Session() {
+    setToStop(nullptr);
+    loop.close();
+    controller.reset();
+    SystemLog::setSharedInstance(nullptr);
+}
+
+void Session::setDefaults(bool storeInFile) {
+    UserDefaults& defaults = catalogue.defaults();
+    defaults.setObject("store",
+                       static_cast<int>(storeInFile ? ItemStore::Kind::file : ItemStore::Kind::memory));
+    defaults.setObject("loggerIsOn", false);
+    // A rename mode given on the command line is meant.
+    defaults.setObject("alreadySwitchedToLionModeOnce", true);
+}
+
+void Session::load(const RunOptions& options) {
+    const Recipe recipe = loadRecipe(options.recipe);
+    applySettings(recipe, options.settings, controller->globalSettings());
+    catalogue.actions().setAutomaticSorting(controller->globalSettings().automaticSorting());
+    controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
+    if (controller->globalSettings().shouldInteract())
+        beInteractive();
+}
+
+void Session::openStore(bool storeInFile) {
+    frontEnd.holdErrors(true);
+    const std::optional<std::string> error = controller->persistentStoreCoordinator()->openError();
+    if (storeInFile && error)
+        throw UsageError(fmt::format("the list cannot be kept in a file: {}", *error));
+    static_cast<void>(controller->managedObjectContext());
+    frontEnd.holdErrors(false);
+}
+
+void Session::addPaths(const std::vector<std::string>& given) {
+    const std::vector<std::string> paths = absolutePaths(given);
+    const std::vector<std::string> refused = controller->sourceCommands().addPaths(paths);
+    if (refused.empty())
+        return;
+    const std::string& first = refused.front();
+    throw UsageError(fmt::format("{}: {}", connectedTerminal.shownInError(first.empty() ? "\"\"" : first),
+                                 reasonOfRefusal(first, paths)));
+}
+
+void Session::beInteractive() {
+    if (!connectedTerminal.canAsk())
+        throw UsageError("there is no terminal to ask on; without --interactive, and with the setting "
+                         "interactiveMode=0, nothing is asked");
+    controller->globalSettings().setValue(1, "interactiveMode");
+    frontEnd.setInteractive(true);
+}
+
+bool Session::isInteractive() const { return controller->globalSettings().shouldInteract(); }
+
+void Session::preview() {
+    const ProgressLine progress(controller->progressInfo(), loop, connectedTerminal, showsProgress);
+    hasUnfinishedPreview = true;
+    controller->previewControl().showPreview();
+    const bool ended = loop.runUntil([this] {
+        return wasInterrupted() || (frontEnd.hasPreviewFinished() && !controller->renameEngine().isBusy());
+    });
+    if (!ended || wasInterrupted())
+        return;
+    hasUnfinishedPreview = false;
+    tellFailuresOfPreview();
+}
+
+void Session::tellFailuresOfPreview() {
+    StoreContext& items = context();
+    const std::lock_guard lock(items.mutex());
+    frontEnd.tellFailures(items.processingErrors());
+}
+
+StoreContext& Session::context() { return controller->managedObjectContext(); }
+
+Predicate Session::filter() {
+    return FilterManager::currentFilterPredicate(controller->globalSettings().itemFilter());
+}
+
+void Session::rename() {
+    const ProgressLine progress(controller->progressInfo(), loop, connectedTerminal, showsProgress);
+    setToStop(&controller->renameEngine());
+    if (wasInterrupted())
+        return;
+    bool hasStarted = false;
+    controller->confirmationFlow().applyCurrentSettings(true, [&](bool started) { hasStarted = started; });
+    // An interrupt that came before the start is forgotten by it.
+    if (wasInterrupted())
+        controller->renameEngine().requestStop();
+    if (hasStarted && !frontEnd.wasRefused())
+        loop.run();
+    setToStop(nullptr);
+}
+
+void Session::setToStop(RenameEngine* engine) {
+    const std::lock_guard lock(stopping);
+    toStop = engine;
+}
+
+std::int32_t Session::renamedCount() {
+    StoreContext& items = context();
+    const std::lock_guard lock(items.mutex());
+    return std::max(items.engineControl().numberOfActuallyRenamedFiles, 0);
+}
+
+/// On the thread that waits for signals.
+void Session::wasToldToStop() {
+    {
+        const std::lock_guard lock(stopping);
+        if (toStop)
+            toStop->requestStop();
+    }
+    loop.post([] {}); // whoever waits looks again
+}
+
+ExitStatus Session::status() const {
+    if (wasInterrupted() || frontEnd.wasStopped())
+        return ExitStatus::stopped;
+    if (frontEnd.wasRefused())
+        return ExitStatus::badUsage;
+    return frontEnd.hasFailures() ? ExitStatus::itemsFailed : ExitStatus::allWell;
+}
+
+ExitStatus Session::finish() {
+    const ExitStatus result = connectedTerminal.finish(status());
+    if (hasUnfinishedPreview && wasInterrupted())
+        std::_Exit(static_cast<int>(result));
+    return result;
+}
+
+} // namespace tavrin

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "Catalogue.h"
+#include "CommandLine.h"
+#include "InterruptHandler.h"
+#include "ProgressLine.h"
+#include "Terminal.h"
+#include "TerminalFrontEnd.h"
+#include "platform/QueueRunLoop.h"
+#include "platform/SystemLog.h"
+#include "store/Predicate.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+class MainController;
+class RenameEngine;
+class StoreContext;
+
+/// The application for the length of one command: the recipe and the settings of the command line on top of
+/// the defaults, and the paths in its list. Nothing of the user's stored settings is read or written.
+class Session {
+  public:
+    /// Throws UsageError for whatever is wrong with the options; nothing has been touched then.
+    explicit Session(const RunOptions& options);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    [[nodiscard]] Terminal& terminal() { return connectedTerminal; }
+
+    /// Asks before each step; throws UsageError where there is nobody to ask.
+    void beInteractive();
+    [[nodiscard]] bool isInteractive() const;
+    void showNoProgress() { showsProgress = false; }
+
+    /// Reads the items and computes their names; tells what failed.
+    void preview();
+    /// The context that holds the items, and which of them count. Hold the context's mutex while using it.
+    [[nodiscard]] StoreContext& context();
+    [[nodiscard]] Predicate filter();
+
+    /// Renames the previewed items, and answers when it is done.
+    void rename();
+    /// How many names the rename changed.
+    [[nodiscard]] std::int32_t renamedCount();
+
+    [[nodiscard]] bool wasInterrupted() const { return interrupts.wasInterrupted(); }
+    /// How the command has ended, from all that happened.
+    [[nodiscard]] ExitStatus status() const;
+    /// The run was refused before it began.
+    [[nodiscard]] bool wasRefused() const { return frontEnd.wasRefused(); }
+    /// Writes what is left of the output, and ends the process at once if an interrupt has left a preview
+    /// running. Nothing is lost with it.
+    ExitStatus finish();
+
+  private:
+    void setDefaults(bool storeInFile);
+    void load(const RunOptions& options);
+    void openStore(bool storeInFile);
+    void addPaths(const std::vector<std::string>& given);
+    void tellFailuresOfPreview();
+    void setToStop(RenameEngine* engine);
+    void wasToldToStop();
+
+    Terminal connectedTerminal;
+    bool showsProgress = true;
+    bool hasUnfinishedPreview = false;
+
+    std::mutex stopping;            ///< guards what follows
+    RenameEngine* toStop = nullptr; ///< while a rename may be under way
+
+    QueueRunLoop loop;
+    InterruptHandler interrupts; ///< before anything that starts a thread, behind all that it uses
+    SystemLog systemLog;
+    Catalogue catalogue;
+    TerminalFrontEnd frontEnd;
+    std::unique_ptr<MainController> controller;
+};
+
+} // namespace tavrin

@@ -1,0 +1,87 @@
+#include "Terminal.h"
+
+#include "DisplayText.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cerrno>
+#include <poll.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace tavrin {
+
+namespace {
+
+constexpr const char* eraseLine = "\r\x1b[K";
+
+void writeToError(std::string_view text) {
+    OutputBuffer error(STDERR_FILENO);
+    error.append(text);
+}
+
+} // namespace
+
+Terminal::Terminal()
+    : standardOutput(STDOUT_FILENO), outputIsForPeople(::isatty(STDOUT_FILENO) != 0),
+      errorIsForPeople(::isatty(STDERR_FILENO) != 0) {}
+
+std::string Terminal::shown(std::string_view bytes) const {
+    return outputIsForPeople ? display::visible(bytes) : std::string(bytes);
+}
+
+ExitStatus Terminal::finish(ExitStatus status) {
+    standardOutput.flush();
+    const int error = standardOutput.error();
+    if (error == 0)
+        return status;
+    if (error != EPIPE) // whoever closed the pipe has seen enough
+        complain(fmt::format("tvrn: cannot write the output: {}", std::generic_category().message(error)));
+    return status == ExitStatus::allWell ? ExitStatus::itemsFailed : status;
+}
+
+void Terminal::complain(std::string_view line) {
+    clearProgress();
+    writeToError(std::string(line) + '\n');
+}
+
+std::string Terminal::shownInError(std::string_view bytes) const {
+    return errorIsForPeople ? display::visible(bytes) : std::string(bytes);
+}
+
+bool Terminal::canAsk() const { return errorIsForPeople && ::isatty(STDIN_FILENO) != 0; }
+
+std::optional<std::string> Terminal::ask(std::string_view question, int interruption) {
+    clearProgress();
+    writeToError(question);
+    std::array<pollfd, 2> sources{{{STDIN_FILENO, POLLIN, 0}, {interruption, POLLIN, 0}}};
+    while (::poll(sources.data(), sources.size(), -1) < 0 && errno == EINTR) {
+    }
+    if (sources[1].revents != 0) {
+        writeToError("\n");
+        return std::nullopt;
+    }
+    // A terminal hands over a line at a time.
+    std::array<char, 1024> buffer;
+    const ssize_t length = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+    if (length <= 0)
+        return std::nullopt;
+    const std::string_view line(buffer.data(), static_cast<std::size_t>(length));
+    return std::string(line.substr(0, line.find('\n')));
+}
+
+void Terminal::showProgress(std::string_view line) {
+    if (!errorIsForPeople)
+        return;
+    writeToError(eraseLine + display::visible(line));
+    progressIsShown = true;
+}
+
+void Terminal::clearProgress() {
+    if (progressIsShown)
+        writeToError(eraseLine);
+    progressIsShown = false;
+}
+
+} // namespace tavrin

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "ExitStatus.h"
+#include "OutputBuffer.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+/// What the command is connected to: standard output and error, and the terminal to ask on. Main thread.
+class Terminal {
+  public:
+    Terminal();
+
+    /// Standard output.
+    [[nodiscard]] OutputBuffer& output() { return standardOutput; }
+    /// As it may be written to standard output: control characters visible where people read it.
+    [[nodiscard]] std::string shown(std::string_view bytes) const;
+    [[nodiscard]] bool outputIsTerminal() const { return outputIsForPeople; }
+    /// Writes what is left of the output; a failure to write it is told, and is the status.
+    ExitStatus finish(ExitStatus status = ExitStatus::allWell);
+
+    /// A line of our own to standard error, with names in it as `shownInError` gives them.
+    void complain(std::string_view line);
+    [[nodiscard]] std::string shownInError(std::string_view bytes) const;
+
+    /// Whether there is somebody to ask: standard input and standard error are a terminal.
+    [[nodiscard]] bool canAsk() const;
+    /// Shows a question on standard error and reads a line of the answer; absent at the end of the input, or
+    /// when `interruption` becomes readable meanwhile.
+    [[nodiscard]] std::optional<std::string> ask(std::string_view question, int interruption);
+
+    /// Shows a line of progress in place of the last one, if standard error is a terminal.
+    void showProgress(std::string_view line);
+    void clearProgress();
+
+  private:
+    OutputBuffer standardOutput;
+    bool outputIsForPeople;
+    bool errorIsForPeople;
+    bool progressIsShown = false;
+};
+
+} // namespace tavrin

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "shell/FrontEnd.h"
+
+#include <string>
+
+namespace tavrin {
+
+class InterruptHandler;
+class QueueRunLoop;
+class Terminal;
+
+/// Stands in front of the application on a terminal: tells failures on standard error, and asks there where
+/// it may. Where nobody can be asked, a question is answered so that the run goes on, and a warning so that
+/// it does not.
+class TerminalFrontEnd : public FrontEnd {
+  public:
+    TerminalFrontEnd(Terminal& usedTerminal, QueueRunLoop& mainLoop, const InterruptHandler& handler)
+        : terminal(usedTerminal), loop(mainLoop), interrupts(handler) {}
+
+    /// Asks the user; without it nothing is asked.
+    void setInteractive(bool isInteractive) { interactive = isInteractive; }
+
+    /// Meanwhile errors of the application are dropped: whoever holds them tells them in its own words.
+    void holdErrors(bool hold) { holdsErrors = hold; }
+
+    /// Something was told as failed.
+    [[nodiscard]] bool hasFailures() const { return failures; }
+    /// A run was refused before it changed anything.
+    [[nodiscard]] bool wasRefused() const { return refused; }
+    /// The user stopped the run by an answer.
+    [[nodiscard]] bool wasStopped() const { return stopped; }
+    [[nodiscard]] bool hasPreviewFinished() const { return previewIsFinished; }
+
+    /// Tells failures, one line each.
+    void tellFailures(const std::vector<ProcessingError>& errors);
+
+    void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
+    void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
+    void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
+                               const std::optional<std::string>& previewPath,
+                               std::function<void(ConfirmationChoice)> answer) override;
+    void showProcessingErrors(const std::vector<ProcessingError>& errors,
+                              std::function<void()> closed) override;
+    void askForFilesToAdd(const std::string& startFolder,
+                          std::function<void(std::optional<FilesToAdd>)> answer) override;
+    void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
+    void askForSavePath(const std::string& title,
+                        std::function<void(std::optional<std::string>)> answer) override;
+    void presentError(const std::string& message) override;
+    void terminate() override;
+    void previewFinished() override { previewIsFinished = true; }
+
+  private:
+    void tellFailure(const std::string& title, const std::string& message, const std::string& path);
+    AlertAnswer answerToLibraryWarning(const Alert& alert);
+    ConfirmationChoice choose(const std::string& question);
+
+    Terminal& terminal;
+    QueueRunLoop& loop;
+    const InterruptHandler& interrupts;
+    bool interactive = false;
+    bool holdsErrors = false;
+    bool failures = false;
+    bool refused = false;
+    bool stopped = false;
+    bool previewIsFinished = false;
+};
+
+} // namespace tavrin

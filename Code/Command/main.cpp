@@ -1,0 +1,50 @@
+#include "ActionsCommand.h"
+#include "CommandLine.h"
+#include "ExitStatus.h"
+#include "PresetsCommand.h"
+#include "PreviewCommand.h"
+#include "RenameCommand.h"
+#include "Terminal.h"
+
+#include <csignal>
+#include <exception>
+#include <string>
+
+namespace {
+
+using namespace tavrin;
+
+struct Runner {
+    ExitStatus operator()(const PreviewOptions& options) const { return runPreviewCommand(options); }
+    ExitStatus operator()(const RenameOptions& options) const { return runRenameCommand(options); }
+    ExitStatus operator()(const ActionsOptions& options) const { return runActionsCommand(options); }
+    ExitStatus operator()(const PresetsOptions& options) const { return runPresetsCommand(options); }
+    ExitStatus operator()(const CommandLineEnd& end) const {
+        Terminal terminal;
+        if (end.status == 0) {
+            terminal.output().append(end.text);
+            return terminal.finish();
+        }
+        terminal.complain(end.text.substr(0, end.text.size() - 1));
+        return ExitStatus{end.status};
+    }
+};
+
+ExitStatus run(const CommandLine& commandLine) {
+    try {
+        return std::visit(Runner(), commandLine);
+    } catch (const UsageError& error) {
+        Terminal().complain(std::string("tvrn: ") + error.what());
+        return ExitStatus::badUsage;
+    } catch (const std::exception& error) {
+        Terminal().complain(std::string("tvrn: an unexpected failure: ") + error.what());
+        return ExitStatus::itemsFailed;
+    }
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    std::signal(SIGPIPE, SIG_IGN);
+    return static_cast<int>(run(parseCommandLine({arguments + 1, arguments + count})));
+}
