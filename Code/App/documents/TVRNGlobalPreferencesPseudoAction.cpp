@@ -55,8 +55,12 @@ std::optional<PropertyValue> emptied(const PropertyValue& value) {
 
 } // namespace
 
-TVRNGlobalPreferencesPseudoAction::TVRNGlobalPreferencesPseudoAction() : owner(std::this_thread::get_id()) {
-    for (auto& [key, value] : settingsTable())
+TVRNGlobalPreferencesPseudoAction::TVRNGlobalPreferencesPseudoAction()
+    : TVRNGlobalPreferencesPseudoAction(settingsTable()) {}
+
+TVRNGlobalPreferencesPseudoAction::TVRNGlobalPreferencesPseudoAction(const PropertyDictionary& values)
+    : owner(std::this_thread::get_id()) {
+    for (const auto& [key, value] : values)
         store(value, key);
     publishPresentValues();
 }

@@ -23,6 +23,8 @@ class RunLoop;
 class TVRNGlobalPreferencesPseudoAction : public BaseAction {
   public:
     TVRNGlobalPreferencesPseudoAction();
+    /// Starts from these values alone; accessors then tell what counts for the keys that are absent.
+    explicit TVRNGlobalPreferencesPseudoAction(const PropertyDictionary& values);
     ~TVRNGlobalPreferencesPseudoAction() override;
 
     /// With a run loop (not owned), values set on another thread are carried to the main thread while the

@@ -1,0 +1,178 @@
+#include "documents/PresetsManager.h"
+
+#include "actions/CatalogueFixture.h"
+#include "actions/CompositeRenameAction.h"
+#include "common/FailingFileSystem.h"
+#include "common/TemporaryFolder.h"
+#include "platform/PropertyList.h"
+
+#include <cerrno>
+
+namespace tavrin::test {
+namespace {
+
+class PresetsManagerTest : public CatalogueFixture {
+  protected:
+    PresetsManagerTest()
+        : manager(folder.path("Presets"), folder.path("Global/Presets/"),
+                  [this]() -> CompositeRenameAction& { return composite; }) {
+        manager.startup();
+        composite.setFlatParameterList(chain({u"Add to end", u"Replace text"}));
+    }
+
+    static PropertyDictionary chain(const std::vector<std::u16string>& names) {
+        PropertyArray steps;
+        for (const std::u16string& name : names)
+            steps.emplace_back(
+                PropertyDictionary{{"action name", name}, {"action parameter list", PropertyDictionary()}});
+        return {{"currentActionIndex", 1}, {"composite actions array", std::move(steps)}};
+    }
+    std::vector<std::string> stepNames() const {
+        std::vector<std::string> names;
+        for (const auto& step : composite.getActionDictionaryList())
+            names.push_back(step->actionName());
+        return names;
+    }
+    void write(const std::string& name, const PropertyValue& root) {
+        (void)folder.write("Presets/" + name, PropertyList::toXml(root));
+        manager.loadPresets();
+    }
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const auto& [name, content] : folder.tree())
+            names.push_back(name);
+        return names;
+    }
+
+    TemporaryFolder folder;
+    CompositeRenameAction composite;
+    PresetsManager manager;
+};
+
+TEST_F(PresetsManagerTest, MakesBothFoldersAndReadsOnlyTheUsersOwn) {
+    EXPECT_EQ(files(), (std::vector<std::string>{"Global/", "Global/Presets/", "Presets/"}));
+    (void)folder.write("Global/Presets/x.tvrn8preset.plist", PropertyList::toXml(PropertyDictionary()));
+    manager.loadPresets();
+    EXPECT_EQ(manager.count(), 0u);
+}
+
+TEST_F(PresetsManagerTest, NamesAreCleanedForFilesAndShownCleaned) {
+    ASSERT_TRUE(manager.createPresetFromCurrentActionsWithName(u"2012/03.raw", u"from the camera"));
+    manager.loadPresets();
+    EXPECT_EQ(files().back(), "Presets/2012:03_raw.tvrn8preset.plist");
+    EXPECT_EQ(manager.getPresetTitles(), std::vector<std::u16string>{u"2012:03_raw"});
+    EXPECT_EQ(manager.descriptionAtIndex(0), u"from the camera");
+    EXPECT_FALSE(manager.isNameIsStillAvailable(u"2012:03_raw"));
+    EXPECT_FALSE(manager.isNameIsStillAvailable(u"2012/03.raw"));
+    EXPECT_TRUE(manager.isNameIsStillAvailable(u"2012"));
+    EXPECT_FALSE(manager.isNameIsStillAvailable(std::nullopt));
+}
+
+TEST_F(PresetsManagerTest, WritesTheThreeKeys) {
+    ASSERT_TRUE(manager.createPresetFromCurrentActionsWithName(u"x", std::nullopt));
+    const auto content = PresetsManager::enclosureAtPath(folder.path("Presets/x.tvrn8preset.plist"));
+    EXPECT_EQ(content, (PropertyDictionary{{"compositeAction", composite.getFlatParameterList()},
+                                           {"minimumVersion", u"8.0.0.0"},
+                                           {"description", u""}}));
+}
+
+TEST_F(PresetsManagerTest, FindsPresetsOfBothEditionsInSubfoldersButFollowsNoLink) {
+    const std::string content = PropertyList::toXml(PropertyDictionary());
+    (void)folder.write("Presets/a/b/deep.tvrn8preset.plist", content);
+    (void)folder.write("Presets/other.mv8preset.plist", content);
+    (void)folder.write("Presets/no preset.plist", content);
+    (void)folder.write("Elsewhere/linked.tvrn8preset.plist", content);
+    (void)folder.link("Presets/link", folder.path("Elsewhere"));
+    (void)folder.link("Presets/loop", folder.path("Presets"));
+    manager.loadPresets();
+    std::vector<std::u16string> titles = manager.getPresetTitles();
+    std::sort(titles.begin(), titles.end());
+    EXPECT_EQ(titles, (std::vector<std::u16string>{u"deep", u"other"}));
+    EXPECT_TRUE(manager.isNameIsStillAvailable(u"other"));
+}
+
+TEST_F(PresetsManagerTest, AppliesAPreset) {
+    write("x.mv8preset.plist", PropertyDictionary{{"compositeAction", chain({u"Remove text"})}});
+    EXPECT_TRUE(manager.applyPresetAtIndex(0));
+    EXPECT_EQ(stepNames(), std::vector<std::string>{"Remove text"});
+    // Without a step the chain falls back.
+    write("x.mv8preset.plist", PropertyDictionary{{"compositeAction", PropertyDictionary()}});
+    EXPECT_TRUE(manager.applyPresetAtIndex(0));
+    EXPECT_EQ(stepNames(), std::vector<std::string>{"Produce numbered list"});
+}
+
+TEST_F(PresetsManagerTest, ABadPresetIsListedAndChangesNothing) {
+    const std::vector<std::pair<PropertyValue, std::string>> cases{
+        {PropertyArray(), "compositeAction: expected a dictionary"},
+        {PropertyDictionary{{"description", u"x"}}, "compositeAction: expected a dictionary"},
+        {PropertyDictionary{{"compositeAction", 1}}, "compositeAction: expected a dictionary"},
+        {PropertyDictionary{{"compositeAction", chain({u"Add to end", u"Fly"})}},
+         "compositeAction.composite actions array[1].action name: there is no action \"Fly\""},
+    };
+    for (const auto& [root, message] : cases) {
+        write("x.tvrn8preset.plist", root);
+        ASSERT_EQ(manager.count(), 1u);
+        EXPECT_EQ(manager.applyPresetAtIndex(0).error, message);
+        EXPECT_EQ(stepNames(), (std::vector<std::string>{"Add to end", "Replace text"}));
+    }
+    (void)folder.write("Presets/x.tvrn8preset.plist", "no list");
+    EXPECT_FALSE(manager.applyPresetAtIndex(0));
+    EXPECT_FALSE(manager.applyPresetAtIndex(1));
+    EXPECT_EQ(stepNames(), (std::vector<std::string>{"Add to end", "Replace text"}));
+    EXPECT_EQ(manager.nameAtIndex(1), u"");
+    EXPECT_EQ(manager.descriptionAtIndex(0), u"");
+}
+
+TEST_F(PresetsManagerTest, ANewNameMovesToTheTopAndToTheMainSuffix) {
+    (void)folder.write("Presets/sub/x.mv8preset.plist",
+                       PropertyList::toXml(PropertyDictionary{{"compositeAction", chain({u"Remove text"})}}));
+    ASSERT_TRUE(manager.changeNameAtPath(folder.path("Presets/sub/x.mv8preset.plist"), u"x2", u"new"));
+    manager.loadPresets();
+    EXPECT_EQ(manager.pathAtIndex(0), folder.path("Presets/x2.tvrn8preset.plist"));
+    EXPECT_EQ(manager.count(), 1u);
+    EXPECT_EQ(manager.descriptionAtIndex(0), u"new");
+    EXPECT_TRUE(manager.applyPresetAtIndex(0));
+}
+
+TEST_F(PresetsManagerTest, ADescriptionStaysAtItsPath) {
+    write("sub/x.tvrn8preset.plist",
+          PropertyDictionary{{"compositeAction", chain({u"Remove text"})}, {"own", 1}});
+    ASSERT_TRUE(manager.changeDescription(u"d", manager.pathAtIndex(0)));
+    EXPECT_EQ(manager.enclosureAtIndex(0),
+              (PropertyDictionary{
+                  {"compositeAction", chain({u"Remove text"})}, {"own", 1}, {"description", u"d"}}));
+}
+
+TEST_F(PresetsManagerTest, WhatCannotBeReadOrRemovedIsNotWritten) {
+    const std::string path = folder.write("Presets/x.tvrn8preset.plist", "no list");
+    const auto before = folder.tree();
+    EXPECT_FALSE(manager.changeDescription(u"d", path));
+    EXPECT_FALSE(manager.changeNameAtPath(path, u"y", u"d"));
+    EXPECT_EQ(folder.tree(), before);
+
+    write("x.tvrn8preset.plist", PropertyDictionary{{"compositeAction", chain({u"Remove text"})}});
+    const auto good = folder.tree();
+    {
+        FailingFileSystem failing;
+        failing.failKind(FileCall::remove, EACCES);
+        EXPECT_FALSE(manager.changeNameAtPath(path, u"y", u"d"));
+        EXPECT_FALSE(manager.deletePresetAtIndex(0));
+    }
+    EXPECT_FALSE(manager.changeNameAtPath(path, std::u16string(1, u'\xD800'), std::nullopt));
+    EXPECT_EQ(folder.tree(), good);
+}
+
+TEST_F(PresetsManagerTest, DeletesByIndexAndByName) {
+    write("a.tvrn8preset.plist", PropertyDictionary());
+    write("b_c.tvrn8preset.plist", PropertyDictionary());
+    EXPECT_TRUE(manager.deletePreset(u"b.c"));
+    EXPECT_FALSE(manager.deletePreset(u"b.c"));
+    manager.loadPresets();
+    EXPECT_TRUE(manager.deletePresetAtIndex(0));
+    EXPECT_FALSE(manager.deletePresetAtIndex(0));
+    manager.loadPresets();
+    EXPECT_EQ(manager.count(), 0u);
+}
+
+} // namespace
+} // namespace tavrin::test

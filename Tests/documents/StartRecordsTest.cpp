@@ -1,0 +1,103 @@
+#include "actions/CatalogueFixture.h"
+#include "common/TemporaryFolder.h"
+#include "documents/DropletHandOver.h"
+#include "documents/FirstLaunchManager.h"
+
+namespace tavrin::test {
+namespace {
+
+class FirstLaunchTest : public ::testing::Test {};
+
+TEST_F(FirstLaunchTest, AFirstLaunchBeginsCleanAndIsRememberedOnDisk) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path("defaults.plist");
+    {
+        UserDefaults older(path);
+        older.setObject("firstLaunchVersion", 80000);
+        older.setObject("actions", PropertyDictionary{{"Add to end", PropertyDictionary()}});
+        ASSERT_TRUE(older.synchronize());
+    }
+    UserDefaults defaults(path);
+    FirstLaunchManager manager(defaults, "/opt/tavrin");
+    EXPECT_TRUE(manager.callOnlyOnceIsFirstLaunch());
+    manager.doIt();
+    EXPECT_TRUE(manager.isFirstLaunch());
+    EXPECT_FALSE(manager.callOnlyOnceIsFirstLaunch());
+    EXPECT_EQ(defaults.objectForKey("actions"), std::nullopt);
+    EXPECT_EQ(defaults.objectForKey("location"), std::nullopt);
+
+    UserDefaults next(path);
+    EXPECT_EQ(next.objectForKey("actions"), std::nullopt);
+    next.setObject("actions", u"kept");
+    FirstLaunchManager second(next, "/opt/tavrin");
+    second.doIt();
+    EXPECT_FALSE(second.isFirstLaunch());
+    EXPECT_EQ(next.objectForKey("actions"), PropertyValue(u"kept"));
+    EXPECT_EQ(UserDefaults(path).objectForKey("location"), PropertyValue(u"/opt/tavrin"));
+}
+
+class DropletHandOverTest : public CatalogueFixture {
+  protected:
+    static PropertyDictionary chain(const char16_t* name) {
+        return {{"composite actions array",
+                 PropertyArray{PropertyDictionary{{"action name", name},
+                                                  {"action parameter list", PropertyDictionary()}}}}};
+    }
+    std::string errorOf(const PropertyValue& record) {
+        defaults.setProcessObject("droplet settings", record);
+        const auto result = DropletHandOver::read(defaults);
+        const auto* error = std::get_if<RecipeError>(&result);
+        return error ? error->message : "no error";
+    }
+};
+
+TEST_F(DropletHandOverTest, ReadsARecordOnceFromEitherLayer) {
+    const PropertyDictionary record{{"composite action", chain(u"Add to end")},
+                                    {"global settings", PropertyDictionary{{"showPath", 1}}},
+                                    {"settings plist path", u"/d/Settings.plist"},
+                                    {"file list", PropertyArray{u"/a", u"/b"}},
+                                    {"Version", 3}};
+    EXPECT_FALSE(DropletHandOver::isPresent(defaults));
+    for (const bool isOfThisProcess : {false, true}) {
+        if (isOfThisProcess)
+            defaults.setProcessObject("droplet settings", record);
+        else
+            defaults.setObject("droplet settings", record);
+        ASSERT_TRUE(DropletHandOver::isPresent(defaults));
+        const auto result = DropletHandOver::read(defaults);
+        ASSERT_TRUE(std::holds_alternative<DropletHandOver>(result));
+        const auto& handOver = std::get<DropletHandOver>(result);
+        EXPECT_EQ(handOver.compositeAction, chain(u"Add to end"));
+        EXPECT_EQ(handOver.globalSettings, (PropertyDictionary{{"showPath", 1}}));
+        EXPECT_EQ(handOver.settingsPath, "/d/Settings.plist");
+        EXPECT_EQ(handOver.fileList, (std::vector<std::string>{"/a", "/b"}));
+        EXPECT_TRUE(handOver.hasVersion);
+        DropletHandOver::clear(defaults);
+        EXPECT_FALSE(DropletHandOver::isPresent(defaults));
+    }
+}
+
+TEST_F(DropletHandOverTest, AbsentPartsAreAbsentAndWrongOnesAreErrors) {
+    defaults.setObject("droplet settings", PropertyDictionary());
+    EXPECT_FALSE(DropletHandOver::isPresent(defaults));
+    defaults.setObject("droplet settings", PropertyDictionary{{"x", 1}});
+    const auto result = DropletHandOver::read(defaults);
+    ASSERT_TRUE(std::holds_alternative<DropletHandOver>(result));
+    EXPECT_EQ(std::get<DropletHandOver>(result).compositeAction, std::nullopt);
+    EXPECT_TRUE(std::get<DropletHandOver>(result).fileList.empty());
+    EXPECT_FALSE(std::get<DropletHandOver>(result).hasVersion);
+
+    EXPECT_EQ(errorOf(u"x"), "droplet settings: expected a dictionary");
+    EXPECT_EQ(errorOf(PropertyDictionary{{"composite action", chain(u"Fly")}}),
+              "droplet settings.composite action.composite actions array[0].action name: there is no action "
+              "\"Fly\"");
+    EXPECT_EQ(errorOf(PropertyDictionary{{"global settings", 1}}),
+              "droplet settings.global settings: expected a dictionary");
+    EXPECT_EQ(errorOf(PropertyDictionary{{"file list", u"/a"}}),
+              "droplet settings.file list: expected an array");
+    EXPECT_EQ(errorOf(PropertyDictionary{{"file list", PropertyArray{u"/a", 2}}}),
+              "droplet settings.file list[1]: expected a path");
+}
+
+} // namespace
+} // namespace tavrin::test
