@@ -1,0 +1,60 @@
+#pragma once
+
+#include "support/DebugLog.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin::test {
+
+/// Switches the debug log on and keeps its lines while it lives. Any thread.
+class LogRecorder : public LogSink {
+  public:
+    LogRecorder() : former(setDebugLogSink(this)) { setDebugLogIsOn(true); }
+    ~LogRecorder() override {
+        setDebugLogIsOn(false);
+        setDebugLogSink(former);
+    }
+    LogRecorder(const LogRecorder&) = delete;
+    LogRecorder& operator=(const LogRecorder&) = delete;
+
+    void write(std::string_view line) override {
+        const std::lock_guard lock(mutex);
+        written.emplace_back(line);
+        changed.notify_all();
+    }
+    [[nodiscard]] std::vector<std::string> lines() const {
+        const std::lock_guard lock(mutex);
+        return written;
+    }
+    /// How many lines hold the text.
+    [[nodiscard]] std::size_t count(std::string_view text) const {
+        const std::lock_guard lock(mutex);
+        return countUnlocked(text);
+    }
+    /// Waits until that many lines hold the text; false after a minute.
+    bool waitFor(std::string_view text, std::size_t number) {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, std::chrono::minutes(1), [&] { return countUnlocked(text) >= number; });
+    }
+
+  private:
+    [[nodiscard]] std::size_t countUnlocked(std::string_view text) const {
+        return static_cast<std::size_t>(
+            std::count_if(written.begin(), written.end(),
+                          [text](const std::string& line) { return line.find(text) != std::string::npos; }));
+    }
+
+    mutable std::mutex mutex; ///< guards `written`
+    std::condition_variable changed;
+    std::vector<std::string> written;
+    LogSink* former;
+};
+
+} // namespace tavrin::test
