@@ -2,7 +2,6 @@
 
 #include "support/Text.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -13,9 +12,7 @@ namespace tavrin {
 class PrecomposedText {
   public:
     explicit PrecomposedText(std::u16string_view source) : text(source) {
-        // Nothing below the combining marks composes or is changed by composing.
-        const auto mayChange = [](char16_t unit) { return unit >= 0x300; };
-        if (std::any_of(source.begin(), source.end(), mayChange) && !text::isPrecomposed(source)) {
+        if (!text::isPrecomposed(source)) {
             copy = text::precomposed(source);
             text = copy;
         }

@@ -8,8 +8,23 @@ namespace {
 
 enum class LetterCase { none, lower, upper };
 
+/// The end of the composed character sequence at `start`.
+std::size_t sequenceEnd(std::u16string_view text, std::size_t start) {
+    // Nothing below the combining marks joins what is in front of it, but for the line feed of CR LF.
+    const auto isPlain = [](char16_t unit) { return unit < 0x300 && unit != u'\r'; };
+    if (isPlain(text[start]) && (start + 1 == text.size() || isPlain(text[start + 1])))
+        return start + 1;
+    return text::composedSequenceEnd(text, start);
+}
+
 /// Upper where the sequence has an upper case letter at all.
 LetterCase letterCase(std::u16string_view sequence) {
+    if (sequence.size() == 1 && sequence.front() < 0x80) {
+        const auto unit = sequence.front();
+        if (unit >= u'a' && unit <= u'z')
+            return LetterCase::lower;
+        return unit >= u'A' && unit <= u'Z' ? LetterCase::upper : LetterCase::none;
+    }
     auto found = LetterCase::none;
     for (std::size_t i = 0; i < sequence.size(); ++i) {
         char32_t c = sequence[i];
@@ -49,7 +64,7 @@ class ExpandCamelCaseAction final : public BaseRenameAction {
         bool followsSmallLetter = false;
         std::size_t end = 0;
         for (std::size_t start = 0; start < fragment.size(); start = end) {
-            end = text::composedSequenceEnd(fragment, start);
+            end = sequenceEnd(fragment, start);
             const auto sequence = fragment.substr(start, end - start);
             const auto kind = letterCase(sequence);
             if (kind != LetterCase::upper)

@@ -18,6 +18,13 @@ constexpr std::array<ParameterChoice, 3> matchingModes{{
     {2, "anything but letters"},
 }};
 
+enum class UnitKind : std::uint8_t {
+    letter,
+    wordBoundary,
+    digit, ///< begins a word like a letter: "2nd"
+    other, ///< says nothing about words
+};
+
 /// Capitalizes the first letter of each word, code unit by code unit.
 class ProperCaseAction final : public BaseRenameAction {
   public:
@@ -36,20 +43,23 @@ class ProperCaseAction final : public BaseRenameAction {
     }
 
   protected:
+    void prepareParameters() override {
+        BaseRenameAction::prepareParameters();
+        for (std::size_t unit = 0; unit < kindOfAscii.size(); ++unit)
+            kindOfAscii[unit] = classify(static_cast<char16_t>(unit));
+    }
+
     void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
                      std::u16string& result) override {
         bool startsWord = true;
         for (const char16_t unit : fragment) {
-            if (text::isLetter(unit)) {
+            const auto kind = unit < kindOfAscii.size() ? kindOfAscii[unit] : classify(unit);
+            if (kind == UnitKind::letter)
                 appendLetter(unit, startsWord, result);
-                startsWord = false;
-                continue;
-            }
-            result += unit;
-            if (isWordBoundary(unit))
-                startsWord = true;
-            else if (text::isDecimalDigit(unit)) // "2nd" is a word that begins with its digit
-                startsWord = false;
+            else
+                result += unit;
+            if (kind != UnitKind::other)
+                startsWord = kind == UnitKind::wordBoundary;
         }
     }
 
@@ -61,6 +71,14 @@ class ProperCaseAction final : public BaseRenameAction {
             appendLowercasedUnit(unit, result);
         else
             result += unit;
+    }
+
+    [[nodiscard]] UnitKind classify(char16_t unit) const {
+        if (text::isLetter(unit))
+            return UnitKind::letter;
+        if (isWordBoundary(unit))
+            return UnitKind::wordBoundary;
+        return text::isDecimalDigit(unit) ? UnitKind::digit : UnitKind::other;
     }
 
     /// For a unit that is no letter.
@@ -78,6 +96,7 @@ class ProperCaseAction final : public BaseRenameAction {
 
     std::int32_t paramMatchingMode = 0;
     std::int32_t paramForceToLowerCase = 0;
+    std::array<UnitKind, 128> kindOfAscii{};
 };
 
 constexpr ActionEntry entries[]{entryFor<ProperCaseAction>()};
