@@ -3,6 +3,8 @@
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
 #include "platform/HiddenNames.h"
+#include "support/DecimalNumbers.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -194,6 +196,35 @@ TEST(FileManager, TakesCodesFromTheirQuotes) {
     EXPECT_EQ(FileManager::extractCodeString("'TEXT'"), "TEXT");
     EXPECT_EQ(FileManager::extractCodeString("'TEX'"), std::nullopt);
     EXPECT_EQ(FileManager::extractCodeString(""), std::nullopt);
+}
+
+TEST(DecimalNumbers, FollowTheLocale) {
+    struct Case {
+        const char* locale;
+        const char16_t* text;
+        std::optional<double> number;
+        const char16_t* back;
+    };
+    const Case cases[] = {
+        {"C", u"03", 3, u"3"},
+        {"C", u"12", 12, u"12"},
+        {"C", u"-7", -7, u"-7"},
+        {"C", u"A", std::nullopt, u""},
+        {"C", u"", std::nullopt, u""},
+        {"C", u"3 of 4", std::nullopt, u""},
+        {"en_US.UTF-8", u"1234", 1234, u"1,234"},
+        {"en_US.UTF-8", u"1.23456", 1.23456, u"1.235"},
+        {"de_DE.UTF-8", u"1234,5", 1234.5, u"1.234,5"},
+        {"de_DE@euro", u"1.234,5", 1234.5, u"1.234,5"},
+    };
+    for (const Case& c : cases) {
+        const DecimalNumbers numbers(c.locale);
+        const auto number = numbers.numberFrom(c.text);
+        EXPECT_EQ(number, c.number) << c.locale << " " << text::toUtf8(c.text);
+        EXPECT_EQ(number ? numbers.textOf(*number) : std::u16string(), c.back) << c.locale;
+    }
+    EXPECT_EQ(FileManager::convertNumberToString(FileManager::convertStringToNumber(u"03")), u"3");
+    EXPECT_EQ(FileManager::convertNumberToString(std::nullopt), u"");
 }
 
 TEST(FileManager, InstanceIsTheRegisteredOne) {

@@ -60,6 +60,10 @@ class FileManager {
     std::optional<std::string> getTypeCode(const std::string& path) const;
     /// The four characters between the quotes of a quoted file code; absent for any other length.
     static std::optional<std::string> extractCodeString(std::string_view quoted);
+    /// Between texts and numbers in the decimal style of the user's locale: absent for a text that is no
+    /// number, empty for no number.
+    static std::optional<double> convertStringToNumber(std::u16string_view text);
+    static std::u16string convertNumberToString(std::optional<double> number);
     void updateServicesMenu() const;
 
     /// The extended attribute user.xdg.comment.
