@@ -43,6 +43,14 @@ EngineTestHost::SharedInstances::~SharedInstances() {
     UserDefaults::setSharedInstance(nullptr);
 }
 
+ItemStore::Options EngineTestHost::inFile(std::string folder, std::size_t budget) {
+    ItemStore::Options options;
+    options.kind = ItemStore::Kind::file;
+    options.folder = std::move(folder);
+    options.residentBudget = budget;
+    return options;
+}
+
 void EngineTestHost::makeStore(ItemStore::Options options) {
     mainContext.reset();
     store.emplace(std::move(options));

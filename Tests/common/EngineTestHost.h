@@ -35,6 +35,8 @@ class EngineTestHost : public EngineHost {
   public:
     explicit EngineTestHost(ItemStore::Options options = {});
     ~EngineTestHost() override;
+    /// A store in a file of this folder that keeps this much in memory, in bytes.
+    [[nodiscard]] static ItemStore::Options inFile(std::string folder, std::size_t budget = 64U << 20);
 
     ManualRunLoop loop;
     UserDefaults defaults;

@@ -1,6 +1,7 @@
 #include "engine/ErrorReportManager.h"
 
 #include "engine/EngineHost.h"
+#include "engine/ExceptionText.h"
 #include "engine/Latin2.h"
 #include "engine/ProgressInfo.h"
 #include "engine/RenameEngineUtilities.h"
@@ -15,7 +16,6 @@
 
 #include <ctime>
 #include <mutex>
-#include <typeinfo>
 #include <unistd.h>
 
 namespace tavrin {
@@ -80,9 +80,9 @@ std::string ErrorReportManager::reportPath() {
 void ErrorReportManager::writeErrorReport() { writeErrorReportWithString({}, titleOfRequestedReport()); }
 
 void ErrorReportManager::writeErrorReportWithException(const std::exception& exception) {
-    writeErrorReportWithString(
-        fmt::format("Exception caught:\n{}: {}\n{}\n\n", typeid(exception).name(), exception.what(), ""),
-        titleOfFailureReport());
+    writeErrorReportWithString(fmt::format("Exception caught:\n{}: {}\n{}\n\n", nameOfException(exception),
+                                           exception.what(), detailsOfException(exception)),
+                               titleOfFailureReport());
 }
 
 void ErrorReportManager::writeErrorReportWithString(const std::string& body, const std::string& andTitle) {

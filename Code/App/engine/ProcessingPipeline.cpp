@@ -3,23 +3,21 @@
 #include "engine/AskUser.h"
 #include "engine/EngineHost.h"
 #include "engine/ErrorReportManager.h"
+#include "engine/ExceptionText.h"
 #include "engine/RenameEngine.h"
 #include "engine/StageProgress.h"
 #include "platform/RunLoop.h"
 #include "platform/UserDefaults.h"
 #include "store/ItemStore.h"
 #include "store/StoreContext.h"
-#include "store/StoreError.h"
 #include "support/DebugLog.h"
 
 #include <fmt/chrono.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <ctime>
 #include <cxxabi.h>
 #include <exception>
-#include <typeinfo>
 #include <utility>
 
 namespace tavrin {
@@ -35,28 +33,6 @@ class Stopwatch {
   private:
     std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
-
-/// The name of the exception's class, without its namespace.
-std::string nameOf(const std::exception& exception) {
-    int status = 0;
-    const std::unique_ptr<char, void (*)(void*)> readable(
-        abi::__cxa_demangle(typeid(exception).name(), nullptr, nullptr, &status), std::free);
-    const std::string name = status == 0 ? readable.get() : typeid(exception).name();
-    const std::size_t scope = name.rfind("::");
-    return scope == std::string::npos ? name : name.substr(scope + 2);
-}
-
-/// What a wrapped exception adds; empty for a plain one.
-std::string detailsOf(const std::exception& exception) {
-    try {
-        std::rethrow_if_nested(exception);
-    } catch (const std::exception& inner) {
-        return fmt::format("{}: {}", nameOf(inner), inner.what());
-    } catch (...) {
-        return "unknown";
-    }
-    return {};
-}
 
 } // namespace
 
@@ -109,7 +85,7 @@ ProcessingPipeline::Attempt ProcessingPipeline::runStages() {
         }
         return Attempt::finished;
     } catch (const std::exception& exception) {
-        failure = {runningStage, nameOf(exception), exception.what(), detailsOf(exception)};
+        failure = {runningStage, nameOfException(exception), exception.what(), detailsOfException(exception)};
     } catch (...) {
         failure = {runningStage, "unknown", "unknown", {}};
     }

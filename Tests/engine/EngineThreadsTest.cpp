@@ -1,0 +1,169 @@
+#include "StageTest.h"
+#include "common/LogRecorder.h"
+#include "engine/AskUser.h"
+#include "engine/RenameEngineUtilities.h"
+
+#include <atomic>
+#include <map>
+#include <thread>
+
+namespace tavrin::test {
+namespace {
+
+using Events = std::vector<std::string>;
+
+class EngineThreadsTest : public StageTest {};
+
+TEST_F(EngineThreadsTest, ABurstOfPreviewsBecomesOneMoreRun) {
+    constexpr std::size_t burst = 10;
+    host.add({folder.write("a")});
+    LogRecorder log;
+    bool isFirst = true;
+    host.onEvent = [&](const std::string& event) {
+        if (event != "refreshPreview" || !std::exchange(isFirst, false))
+            return;
+        // The first run still holds the engine's lock: all of these come to wait behind it.
+        for (std::size_t i = 0; i < burst; ++i)
+            host.engine.processPreviewPipeline(host.progress);
+        EXPECT_TRUE(log.waitFor("waiting for renameEngine lock", 1 + burst));
+    };
+    host.preview();
+    EXPECT_EQ(host.events, (Events{"refreshPreview", "showStats", "refreshPreview", "showStats"}));
+    EXPECT_EQ(log.count("pipeline started"), 2U);
+    EXPECT_EQ(log.count("(previewPipelinesWaiting = 11)"), 1U);
+    host.onEvent = nullptr;
+    host.preview();
+    EXPECT_EQ(log.count("pipeline started"), 3U) << "the count is back at none";
+}
+
+TEST_F(EngineThreadsTest, AnEmptyListInterruptsAndIsShown) {
+    LogRecorder log;
+    host.preview();
+    EXPECT_EQ(log.count("No source items yet, interrupting pipeline"), 1U);
+    EXPECT_EQ(log.count("ProcessingPipeline interrupted by stage: ReadItemsIntoDatabaseStage"), 1U);
+    EXPECT_EQ(host.events, (Events{"refreshPreview", "showStats"}));
+}
+
+TEST_F(EngineThreadsTest, EachKindOfRunEndsWithItsCallbacks) {
+    host.add({folder.write("a")});
+    host.preview();
+    const auto eventsOf = [&](const std::function<void()>& start) {
+        host.events.clear();
+        start();
+        host.waitUntilIdle();
+        return host.events;
+    };
+    EXPECT_EQ(eventsOf([&] { host.engine.processRenamingPipelineThenContinue(host.progress); }),
+              (Events{"startProgressWindow", "stopProgressWindow", "reloadPreview", "showCompletionDialog"}));
+    EXPECT_TRUE(host.finalNames().empty()) << "a run that continues drops the rows";
+    EXPECT_EQ(eventsOf([&] { host.engine.processRenamingPipelineThenQuit(host.progress); }),
+              (Events{"startProgressWindow", "stopProgressWindow", "showCompletionDialog", "terminate"}));
+    EXPECT_EQ(eventsOf([&] { host.saveList(1, false, folder.path("list")); }),
+              (Events{"startProgressWindow", "stopProgressWindow", "refreshPreview",
+                      "showFileListSavingCompletionDialog 1"}));
+    EXPECT_EQ(eventsOf([&] { host.engine.processRenamingPipelineThenClearList(host.progress); }),
+              (Events{"startProgressWindow", "stopProgressWindow", "showCompletionDialog", "clearList"}));
+}
+
+TEST_F(EngineThreadsTest, ARunShowsItsStages) {
+    host.add({folder.write("a"), folder.write("b")});
+    host.setSteps({{"Make uppercase", {}}, {"Make lowercase", {{"active", 0}}}, {"Add to end", {}}});
+    LogRecorder log;
+    host.preview();
+    Events texts;
+    const std::vector<std::string> wanted{
+        "Cleaning up stale error messages...", "Adding items to database...",
+        "Retrieving sorting information...",   "Computing new file names...",
+        "Applying first renaming action...",   "Applying third renaming action...",
+        "Resolving name conflicts...",         "Done."};
+    for (const std::string& line : log.lines()) {
+        if (std::find(wanted.begin(), wanted.end(), line) != wanted.end() &&
+            (texts.empty() || texts.back() != line))
+            texts.push_back(line);
+    }
+    EXPECT_EQ(texts, wanted);
+    EXPECT_EQ(log.count("Processing: " + folder.path("a")), 3U) << "read once, named twice";
+
+    host.set("previewConflictResolution", false);
+    host.preview();
+    EXPECT_EQ(log.count("Resolving name conflicts..."), 1U);
+}
+
+TEST_F(EngineThreadsTest, PassMarkersHaveTheirPeriod) {
+    std::vector<PassMarker> markers;
+    for (int i = 0; i < 101; ++i)
+        markers.push_back(host.engine.nextStageFlagCounter());
+    EXPECT_EQ(markers[0], 2);
+    EXPECT_EQ(markers[97], 99);
+    EXPECT_EQ(markers[98], 0);
+    EXPECT_EQ(markers[99], 1);
+}
+
+TEST_F(EngineThreadsTest, SortModesAreTheFourteen) {
+    EXPECT_EQ(RenameEngineUtilities::sortDescriptorForMode(0), (SortDescriptor{NodeKey::name, true}));
+    EXPECT_EQ(RenameEngineUtilities::sortDescriptorForMode(7), (SortDescriptor{NodeKey::size, false}));
+    EXPECT_EQ(RenameEngineUtilities::sortDescriptorForMode(12), (SortDescriptor{NodeKey::random, false}));
+    EXPECT_EQ(RenameEngineUtilities::sortDescriptorForMode(13), (SortDescriptor{NodeKey::manualOrder, true}));
+    EXPECT_EQ(RenameEngineUtilities::sortDescriptorForMode(14), std::nullopt);
+    EXPECT_EQ(RenameEngineUtilities::sortDescriptorForMode(-1), std::nullopt);
+}
+
+TEST_F(EngineThreadsTest, AStoreInMemoryIsNotMoved) {
+    host.add({folder.write("a")});
+    host.preview();
+    StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
+    EXPECT_FALSE(host.engine.migrateToInMemoryStoreOnTheFly(context));
+    EXPECT_FALSE(host.engine.busyMigratingStore());
+    EXPECT_EQ(host.finalNames().size(), 1U);
+}
+
+TEST_F(EngineThreadsTest, ARequestToStopEndsWithTheNextRename) {
+    EXPECT_FALSE(host.engine.isStopRequested());
+    host.engine.requestStop();
+    EXPECT_TRUE(host.engine.isStopRequested());
+    host.renameThenContinue();
+    EXPECT_FALSE(host.engine.isStopRequested());
+}
+
+TEST(EngineEndTest, AWorkerThatWaitsForTheMainThreadIsFreed) {
+    TemporaryFolder folder;
+    LogRecorder log;
+    {
+        EngineTestHost host;
+        host.add({folder.write("a")});
+        host.engine.processPreviewPipeline(host.progress);
+        // Nobody runs the loop, so the run comes to stand where it asks for the list of actions.
+        ASSERT_TRUE(log.waitFor("Computing new file names...", 1));
+    }
+    EXPECT_EQ(log.count("pipeline finished"), 1U);
+}
+
+/// Ways in which a question ends, and what the worker hears.
+TEST_F(EngineThreadsTest, AQuestionIsAlwaysAnswered) {
+    const auto ask = [&](std::function<void(UserPrompts&, ConfirmationAnswerPointer)> question) {
+        ConfirmationChoice heard = ConfirmationChoice::leaveOut;
+        host.onWorker([&] { heard = askUser(host, std::move(question)); });
+        return heard;
+    };
+    EXPECT_EQ(
+        ask([](UserPrompts&, ConfirmationAnswerPointer answer) { answer->give(ConfirmationChoice::all); }),
+        ConfirmationChoice::all);
+    EXPECT_EQ(ask([](UserPrompts&, ConfirmationAnswerPointer answer) {
+                  answer->give(ConfirmationChoice::one);
+                  answer->give(ConfirmationChoice::all);
+              }),
+              ConfirmationChoice::one);
+    EXPECT_EQ(ask([](UserPrompts&, ConfirmationAnswerPointer) {}), ConfirmationChoice::stop);
+
+    host.loop.close();
+    ConfirmationChoice heard = ConfirmationChoice::leaveOut;
+    std::thread([&] {
+        heard = askUser(host, [](UserPrompts&, ConfirmationAnswerPointer answer) {
+            answer->give(ConfirmationChoice::all);
+        });
+    }).join();
+    EXPECT_EQ(heard, ConfirmationChoice::stop) << "the loop has ended";
+}
+
+} // namespace
+} // namespace tavrin::test

@@ -1,0 +1,94 @@
+#include "StageTest.h"
+#include "common/LogRecorder.h"
+#include "engine/ErrorReportManager.h"
+#include "engine/RenameEngineUtilities.h"
+#include "platform/SandboxHelper.h"
+#include "store/StoreError.h"
+
+#include <stdexcept>
+
+namespace tavrin::test {
+namespace {
+
+class ErrorReportTest : public StageTest {
+  protected:
+    void SetUp() override { SandboxHelper::setApplicationSupportFolderPath(folder.path("data/Tavrin 9")); }
+    void TearDown() override { SandboxHelper::setApplicationSupportFolderPath(std::nullopt); }
+
+    [[nodiscard]] std::string report() const { return folder.read("data/Tavrin 9/TVRN_error_report.txt"); }
+    /// The parts must follow each other in this order.
+    static void expectInOrder(const std::string& text, const std::vector<std::string>& parts) {
+        std::size_t at = 0;
+        for (const std::string& part : parts) {
+            const std::size_t found = text.find(part, at);
+            ASSERT_NE(found, std::string::npos) << part;
+            at = found + part.size();
+        }
+    }
+};
+
+TEST_F(ErrorReportTest, HoldsItsPartsInOrder) {
+    host.add({folder.write("a/x"), folder.write("b/y")});
+    host.preview();
+    folder.write("data/Tavrin 9/TVRN_error_report.txt", "an earlier report");
+    host.onWorker(
+        [&] { ErrorReportManager(host).writeErrorReportWithString("the body\n\n", "the title\n\n"); });
+    expectInOrder(report(), {"the title\n\nVersion: ", " Time: ", "\n\nthe body\n\n",
+                             "----- Database Dump ---------\n\nEngineControl: 0\nsourceItems:\n" +
+                                 folder.path("a/x") + "\n" + folder.path("b/y") + "\n\nNodes:\n",
+                             "File at " + folder.path("a/x") + "\n", "File at " + folder.path("b/y") + "\n",
+                             "\n----- System Survey ---------\n", "Linux", "----- Folders ---------"});
+    EXPECT_TRUE(report().starts_with("the title"));
+    EXPECT_NE(report().find("GhostNode at " + folder.path("a") + "\n"), std::string::npos);
+    EXPECT_EQ(host.events.back(), "revealReport " + ErrorReportManager::reportPath());
+}
+
+TEST_F(ErrorReportTest, HasATitleForEachOccasion) {
+    ErrorReportManager manager(host);
+    manager.writeErrorReport();
+    EXPECT_TRUE(report().starts_with("This report contains information designed to make it easier for us"));
+    EXPECT_NE(report().find("make Tavrin 9 an even better product"), std::string::npos);
+    manager.writeErrorReportWithException(StoreError("it broke"));
+    expectInOrder(report(), {"This is an error report that", "support@tavrin.example.",
+                             "Version: ", "Exception caught:\nStoreError: it broke\n"});
+}
+
+TEST_F(ErrorReportTest, ABrokenStoreLeavesTheRest) {
+    // A store whose file can't be made throws when it is read.
+    EngineTestHost broken(EngineTestHost::inFile(folder.write("no folder")));
+    ErrorReportManager(broken).writeErrorReportWithString("body", "title");
+    expectInOrder(report(), {"title", "body", "database dump failed.\n", "System Survey"});
+}
+
+TEST_F(ErrorReportTest, CommandsAreReadInTheirOldEncoding) {
+    struct Case {
+        const char* command;
+        std::string output;
+    };
+    const std::vector<Case> cases{
+        {"echo plain; exit 3", "plain\n"},
+        {R"(printf '\241\263\351\377')", "\u0104\u0142\u00e9\u02d9"},
+        {"echo seen; echo unseen >/dev/null", "seen\n"},
+        {"no-such-command-at-all", ""},
+    };
+    for (const Case& test : cases)
+        EXPECT_EQ(ErrorReportManager::runWithCommand(test.command), test.output) << test.command;
+    EXPECT_EQ(ErrorReportManager::runWithCommand("head -c 3000000 /dev/zero | tr '\\0' x").size(), 1U << 20);
+}
+
+TEST_F(ErrorReportTest, TheHierarchyIsLogged) {
+    folder.write("t/d/x");
+    host.add({folder.path("t")});
+    host.set("processSubfolders", 1);
+    host.preview();
+    StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::storeWins);
+    LogRecorder log;
+    RenameEngineUtilities::printNodeHierarchy(context);
+    EXPECT_EQ(log.lines(),
+              (std::vector<std::string>{"Node Hierarchy:", "0: GhostNode at " + folder.path(),
+                                        "1: File at " + folder.path("t"), "2: File at " + folder.path("t/d"),
+                                        "3: File at " + folder.path("t/d/x")}));
+}
+
+} // namespace
+} // namespace tavrin::test
