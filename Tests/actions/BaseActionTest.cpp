@@ -123,6 +123,12 @@ TEST_F(Actions, RefreshTheirCachesAfterEachChange) {
     EXPECT_EQ(run(action, u"aA"), u"oA");
     action.setValue(u"A", "searchTerm");
     EXPECT_EQ(run(action, u"aA"), u"ao");
+
+    ReplaceCharactersAction characters;
+    characters.setParameterList({{"replaceCharacters0", u"\u00e9"}, {"with0", u"e"}});
+    EXPECT_EQ(run(characters, u"\u00e9t\u00e9"), u"ete");
+    characters.setValue(u"x", "replaceCharacters0");
+    EXPECT_EQ(run(characters, u"\u00e9t\u00e9"), u"\u00e9t\u00e9");
 }
 
 TEST_F(Actions, CutACharacterParameterInTheParametersToo) {
