@@ -35,6 +35,8 @@ StoreContext& StoreOwner::managedObjectContext() {
     Generation& generation = currentGeneration();
     if (generation.mainContext)
         return *generation.mainContext;
+    if (generation.store.openError())
+        moveIntoMemory(generation);
     auto context = std::make_unique<StoreContext>(generation.store, StoreContext::MergePolicy::storeWins);
     if (const std::optional<std::string> error = context->commit()) {
         debugLog("could not save: {}", *error);
@@ -92,6 +94,15 @@ std::unique_ptr<StoreOwner::Generation> StoreOwner::makeGeneration() {
     if (const std::optional<std::string> error = generation->store.openError())
         presentError("The list of items can't be kept in a file and moves into memory: " + *error);
     return generation;
+}
+
+/// Without a file nothing could be committed, not even what the user adds before the first run.
+void StoreOwner::moveIntoMemory(Generation& generation) {
+    debugLog("no store file, moving into memory: {}", *generation.store.openError());
+    defaults.setObject("hasFailedOnSQLiteStoreBefore", true);
+    defaults.setObject("store", 1);
+    (void)defaults.synchronize();
+    (void)generation.store.migrateToMemory();
 }
 
 void StoreOwner::didSave(Generation& generation, const StoreChanges& changes) {

@@ -31,8 +31,8 @@ class StoreOwner {
     StoreOwner(const StoreOwner&) = delete;
     StoreOwner& operator=(const StoreOwner&) = delete;
 
-    /// Never null: a store whose file could not be made is one that can't be read, which leads to the switch
-    /// into memory.
+    /// Never null. A store whose file could not be made says so, and moves into memory when the main context
+    /// is first asked for.
     ItemStore* persistentStoreCoordinator();
     StoreContext& managedObjectContext();
 
@@ -49,6 +49,7 @@ class StoreOwner {
 
     Generation& currentGeneration();
     std::unique_ptr<Generation> makeGeneration();
+    void moveIntoMemory(Generation& generation);
     static void didSave(Generation& generation, const StoreChanges& changes);
 
     UserDefaults& defaults;

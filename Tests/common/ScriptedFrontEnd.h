@@ -1,0 +1,109 @@
+#pragma once
+
+#include "engine/UserPrompts.h"
+#include "shell/FrontEnd.h"
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace tavrin::test {
+
+/// A front end whose user follows a script: each question must be the next one expected, and gets its
+/// answer. Any other question fails the test and is dropped unanswered; so does an expectation that is left
+/// at the end. Questions are named "alert summary", "notice noFilesSelected", "sheet rename", "errors",
+/// "files to add", "list format", "save path".
+class ScriptedFrontEnd : public FrontEnd {
+  public:
+    /// The question goes unanswered, as when the window is closed.
+    struct Closed {};
+    /// The question stays open until answerHeld.
+    struct Held {};
+    using Answer = std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice,
+                                std::optional<FilesToAdd>, FileListChoice, std::optional<std::string>>;
+
+    ~ScriptedFrontEnd() override;
+
+    void expect(std::string question, Answer answer = AlertAnswer());
+    /// Answers the question that is held.
+    void answerHeld(const Answer& answer);
+    [[nodiscard]] bool isHolding() const { return held != nullptr; }
+    /// Whether every expected question has come.
+    [[nodiscard]] bool isScriptOver() const { return script.empty(); }
+
+    // What was shown.
+    std::vector<std::string> events; ///< in order, in the words of the operations below
+    std::vector<Alert> alerts;
+    struct Sheet {
+        ConfirmationSheet sheet;
+        PropertyDictionary context;
+        std::optional<std::string> previewPath;
+    };
+    std::vector<Sheet> sheets;
+    std::vector<ProcessingError> errors;
+    std::vector<std::string> presented;
+    std::map<PreviewColumn, bool> hiddenColumns;
+    int finishedPreviews = 0;
+    bool isTerminated = false;
+    /// Called at the end of each preview, and when the application ends.
+    std::function<void()> onProgress;
+
+    void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
+    void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
+    void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
+                               const std::optional<std::string>& previewPath,
+                               std::function<void(ConfirmationChoice)> answer) override;
+    void showProcessingErrors(const std::vector<ProcessingError>& shownErrors,
+                              std::function<void()> closed) override;
+    void askForFilesToAdd(const std::string& startFolder,
+                          std::function<void(std::optional<FilesToAdd>)> answer) override;
+    void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
+    void askForSavePath(const std::string& title,
+                        std::function<void(std::optional<std::string>)> answer) override;
+
+    void presentError(const std::string& message) override { presented.push_back(message); }
+    void terminate() override;
+    void selectMainTab(MainTab tab) override;
+    void selectPreviewTab(PreviewTab tab) override;
+    void setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) override;
+    void setColumnHidden(PreviewColumn column, bool isHidden) override { hiddenColumns[column] = isHidden; }
+    void previewFinished() override;
+    void runStateChanged(bool isRunning) override { note(isRunning ? "run begins" : "run ends"); }
+    void fillActionMenus(const std::vector<std::u16string>& actions,
+                         const std::vector<std::u16string>& categories) override;
+    void fillPresetMenu(const std::vector<std::u16string>& titles) override;
+    void showActionPanel(BaseRenameAction& action) override;
+    void buildSplitView() override { note("buildSplitView"); }
+    void setDividerPosition(double position) override;
+    void allowFullScreen() override { note("allowFullScreen"); }
+    void centreWindow() override { note("centreWindow"); }
+    void showWindow() override { note("showWindow"); }
+    void hideWindow() override { note("hideWindow"); }
+    void enterDropletEditMode() override { note("enterDropletEditMode"); }
+    void showHelp(std::string_view anchor) override { note("help " + std::string(anchor)); }
+    void revealPath(const std::string& path) override { note("reveal " + path); }
+    void beep() override { note("beep"); }
+
+    /// Told of every divider position, as a window that reports its own moves would be.
+    std::function<void(double)> onDividerMoved;
+
+  private:
+    struct Expectation {
+        std::string question;
+        Answer answer;
+    };
+    using Giver = std::function<void(const Answer&)>;
+
+    void note(std::string event) { events.push_back(std::move(event)); }
+    void ask(const std::string& question, Giver giver);
+    template <typename Given> static Giver giverOf(std::function<void(Given)> handler);
+
+    std::deque<Expectation> script;
+    Giver held;
+};
+
+} // namespace tavrin::test

@@ -1,0 +1,176 @@
+#include "platform/PropertyList.h"
+#include "shell/ShellFixture.h"
+
+namespace tavrin::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+class CommandsTest : public ShellFixture {
+  protected:
+    ActionListCommands& commands() { return controller().actionListCommands(); }
+    int currentIndex() { return controller().compositeAction().getCurrentActionIndexAsInt(); }
+    void startWith(const std::vector<Step>& steps, int index) {
+        start();
+        setSteps(steps);
+        controller().compositeAction().setCurrentActionIndex(index);
+        frontEnd.events.clear();
+    }
+};
+
+const std::vector<std::string> three{"Add to end", "Replace text", "Remove text"};
+
+TEST_F(CommandsTest, AnAddedStepIsACopyOfTheCurrentOne) {
+    startWith({{"Add to end", {{"string", u"X"}}}, {"Remove text", {}}}, 0);
+    commands().addAction();
+    EXPECT_THAT(stepNames(), ElementsAre("Add to end", "Add to end", "Remove text"));
+    EXPECT_EQ(currentIndex(), 1);
+    EXPECT_EQ(controller().compositeAction().getCurrentAction().getParamString("string"), u"X");
+}
+
+TEST_F(CommandsTest, RemovingMovesToTheStepInFront) {
+    const std::vector<std::tuple<int, std::vector<std::string>, int>> cases{
+        {0, {three[1], three[2]}, 0}, {1, {three[0], three[2]}, 0}, {2, {three[0], three[1]}, 1}};
+    start();
+    for (const auto& [index, left, current] : cases) {
+        setSteps({{three[0], {}}, {three[1], {}}, {three[2], {}}});
+        controller().compositeAction().setCurrentActionIndex(index);
+        commands().removeAction();
+        EXPECT_EQ(stepNames(), left) << index;
+        EXPECT_EQ(currentIndex(), current) << index;
+    }
+    commands().removeAction();
+    EXPECT_EQ(stepNames(), std::vector<std::string>{three[0]});
+    commands().removeAction();
+    EXPECT_EQ(stepNames(), std::vector<std::string>{three[0]});
+}
+
+TEST_F(CommandsTest, ClearingKeepsTheCurrentStep) {
+    startWith({{three[0], {}}, {three[1], {{"searchTerm", u"q"}}}, {three[2], {}}}, 1);
+    commands().clearActions();
+    EXPECT_THAT(stepNames(), ElementsAre(three[1]));
+    EXPECT_EQ(currentIndex(), 0);
+    EXPECT_EQ(controller().compositeAction().getCurrentAction().getParamString("searchTerm"), u"q");
+}
+
+TEST_F(CommandsTest, OneActiveStepIsEnough) {
+    startWith({{three[0], {{"active", 0}}}, {three[1], {{"active", 1}}}}, 0);
+    EXPECT_TRUE(commands().validateActionList());
+    setSteps({{three[0], {{"active", 0}}}, {three[1], {{"active", 2}}}});
+    frontEnd.expect("alert noActiveActions");
+    EXPECT_FALSE(commands().validateActionList());
+    EXPECT_EQ(frontEnd.alerts.back().title, "There are no active renaming actions.");
+}
+
+TEST_F(CommandsTest, DefaultsComeBackForTheCurrentStepAlone) {
+    startWith({{three[0], {{"string", u"X"}}}, {three[0], {{"string", u"Y"}, {"fragmentSelection", 2}}}}, 1);
+    commands().resetToDefaults();
+    EXPECT_EQ(controller().compositeAction().actionAtIndex(1).getParamString("string"), u"");
+    EXPECT_EQ(controller().compositeAction().actionAtIndex(1).getParamInt("fragmentSelection", -1), 1);
+    EXPECT_EQ(controller().compositeAction().actionAtIndex(0).getParamString("string"), u"X");
+}
+
+TEST_F(CommandsTest, TheListOfStepsShowsHidesAndKeepsItsWidth) {
+    startWith({{three[0], {}}}, 0);
+    MultistepPane& pane = controller().multistepPane();
+    // A window reports the moves that are made for it as well.
+    frontEnd.onDividerMoved = [&](double position) {
+        pane.splitViewDidResizeSubviews(position == 0, position);
+    };
+    controller().showMultistepDrawer();
+    EXPECT_THAT(frontEnd.events, ElementsAre("divider 150"));
+    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 1);
+    pane.splitViewDidResizeSubviews(false, 90);
+    EXPECT_EQ(defaults.floatForKey("actionListSeparatorPosition"), 150);
+    pane.splitViewDidResizeSubviews(false, 230);
+    pane.splitViewDidResizeSubviews(true, 0);
+    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 0);
+    controller().showMultistepDrawer();
+    EXPECT_EQ(frontEnd.events.back(), "divider 230");
+    controller().showMultistepDrawer();
+    EXPECT_EQ(frontEnd.events.back(), "divider 0");
+    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 0);
+    EXPECT_EQ(defaults.floatForKey("actionListSeparatorPosition"), 230);
+    EXPECT_TRUE(pane.canCollapse());
+    commands().addAction();
+    EXPECT_FALSE(pane.canCollapse());
+}
+
+TEST_F(CommandsTest, APresetOfTheMenuShowsItsSteps) {
+    startWith({{three[0], {}}}, 0);
+    (void)data.write("Data/Presets/a.tvrn8preset.plist",
+                     PropertyList::toXml(
+                         PropertyDictionary{{"compositeAction", chain({{three[1], {}}, {three[2], {}}})}}));
+    (void)data.write("Data/Presets/b.tvrn8preset.plist",
+                     PropertyList::toXml(PropertyDictionary{{"compositeAction", chain({{"Fly", {}}})}}));
+    controller().presetsManager().loadPresets();
+    controller().updatePresetsMenu();
+    EXPECT_EQ(frontEnd.events.back(), "fillPresetMenu 2");
+    controller().applyPreset(1);
+    ASSERT_EQ(frontEnd.presented.size(), 1u);
+    EXPECT_THAT(stepNames(), ElementsAre(three[0]));
+    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 0);
+    controller().applyPreset(0);
+    EXPECT_THAT(stepNames(), ElementsAre(three[1], three[2]));
+    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 1);
+    EXPECT_TRUE(controller().previewControl().isPreviewPending());
+}
+
+TEST_F(CommandsTest, RefusalsSpeakOnceAndOnlyToTheUser) {
+    start();
+    (void)files.write("folder/a");
+    (void)files.write("folder2/b");
+    const std::string folder = files.path("folder");
+    SourceCommands& sources = controller().sourceCommands();
+    EXPECT_TRUE(sources.addPaths({folder, files.path("folder2/b")}).empty());
+    const std::vector<std::string> bad{files.path("folder/a"), files.path("folder2"), folder,
+                                       files.path("missing")};
+    const std::string good = files.write("folder2/c");
+    EXPECT_EQ(sources.addPaths({bad[0], bad[1], good, bad[2], bad[3]}), bad);
+    EXPECT_TRUE(controller().addFilePaths(bad, false));
+    frontEnd.expect("alert filesNotAdded");
+    EXPECT_TRUE(controller().applicationOpenFiles(bad));
+    waitForPreview();
+    EXPECT_THAT(table(), ElementsAre("b > Image_01", "c > Image_02", "folder > Image_03"));
+}
+
+TEST_F(CommandsTest, TheFilePanelStartsWhereItWasLast) {
+    start();
+    setSteps({{"Add to end", {}}});
+    const std::string path = files.write("sub/a");
+    controller().globalSettings().setLastAddDirectory("/somewhere");
+    frontEnd.expect("files to add", std::optional(FilesToAdd{{path}, files.path("sub")}));
+    controller().showFileDialog();
+    EXPECT_THAT(frontEnd.events, ::testing::Contains("panel starts at /somewhere"));
+    EXPECT_EQ(controller().globalSettings().lastAddDirectory(), files.path("sub"));
+    waitForPreview();
+    EXPECT_THAT(table(), ElementsAre("a > a"));
+    frontEnd.expect("files to add", std::optional<FilesToAdd>());
+    controller().showFileDialog();
+    EXPECT_EQ(controller().globalSettings().lastAddDirectory(), files.path("sub"));
+    EXPECT_TRUE(controller().previewControl().isPreviewPending());
+}
+
+TEST_F(CommandsTest, OnlyWhatWasAddedCanBeRemoved) {
+    start();
+    setSteps({{"Add to end", {}}});
+    set("processSubfolders", 1);
+    (void)files.write("folder/in");
+    controller().addFilePaths({files.path("folder"), files.write("z")}, true);
+    waitForPreview();
+    ASSERT_THAT(table(), ElementsAre("folder > folder", "in > in", "z > z"));
+    const std::vector<RowId> rows = controller().nodeController().arrangedObjects();
+    SourceCommands& sources = controller().sourceCommands();
+    EXPECT_FALSE(sources.canRemove({rows[1]}));
+    EXPECT_TRUE(sources.canRemove({rows[1], rows[2]}));
+    controller().removeFile({rows[1]});
+    EXPECT_TRUE(controller().previewControl().isPreviewPending());
+    waitForPreview();
+    EXPECT_EQ(table().size(), 3u);
+    controller().removeFile({rows[0], rows[1]});
+    waitForPreview();
+    EXPECT_THAT(table(), ElementsAre("z > z"));
+}
+
+} // namespace
+} // namespace tavrin::test

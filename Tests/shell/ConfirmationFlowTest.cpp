@@ -1,0 +1,253 @@
+#include "shell/DropletWriter.h"
+#include "shell/ShellFixture.h"
+
+namespace tavrin::test {
+namespace {
+
+class ConfirmationFlowTest : public ShellFixture {
+  protected:
+    ConfirmationFlow& flow() { return controller().confirmationFlow(); }
+    void startWithFile() {
+        start();
+        setSteps({{"Add to end", {{"string", u"X"}}}});
+        controller().addFilePaths({files.write("a")}, true);
+        waitForPreview();
+        set("interactiveMode", 0);
+    }
+    /// What applyCurrentSettings tells; absent when it tells nothing.
+    std::optional<bool> apply() {
+        std::optional<bool> result;
+        flow().applyCurrentSettings(false, [&](bool started) { result = started; });
+        return result;
+    }
+    ConfirmationAnswerPointer answer() {
+        given.reset();
+        return std::make_unique<ConfirmationAnswer>([this](ConfirmationChoice choice) { given = choice; });
+    }
+    std::optional<ConfirmationChoice> given;
+};
+
+TEST_F(ConfirmationFlowTest, AnEmptyListStartsNothing) {
+    start();
+    frontEnd.expect("notice noFilesSelected", NoticeAnswer{NoticeAnswer::ok, false});
+    EXPECT_EQ(apply(), false);
+    EXPECT_FALSE(controller().renameEngine().isBusy());
+    frontEnd.expect("notice noFilesSelected", NoticeAnswer{NoticeAnswer::help, true});
+    EXPECT_EQ(apply(), false);
+    EXPECT_EQ(frontEnd.events.back(), "help helpTopic7");
+    frontEnd.events.clear();
+    EXPECT_EQ(apply(), false);
+    EXPECT_TRUE(frontEnd.events.empty());
+}
+
+TEST_F(ConfirmationFlowTest, NoActiveStepStartsNothing) {
+    startWithFile();
+    setSteps({{"Add to end", {{"active", 0}}}});
+    frontEnd.expect("alert noActiveActions");
+    EXPECT_EQ(apply(), false);
+    frontEnd.expect("alert noActiveActions");
+    controller().createFileList();
+    EXPECT_FALSE(controller().renameEngine().isBusy());
+}
+
+TEST_F(ConfirmationFlowTest, SettingsThatLeaveNothingAreMendedUnlessTheUserKnows) {
+    startWithFile();
+    struct Case {
+        ScriptedFrontEnd::Answer answer;
+        std::optional<bool> result;
+        int processFiles;
+    };
+    const std::vector<Case> cases{{ScriptedFrontEnd::Closed(), std::nullopt, 0},
+                                  {NoticeAnswer{NoticeAnswer::help, false}, true, 0},
+                                  {NoticeAnswer{NoticeAnswer::ok, false}, false, 1},
+                                  {NoticeAnswer{NoticeAnswer::cancel, true}, false, 1}};
+    for (const Case& each : cases) {
+        set("processFiles", 0);
+        set("processFolders", 0);
+        frontEnd.expect("notice inconsistentSettings", each.answer);
+        EXPECT_EQ(apply(), each.result);
+        EXPECT_EQ(controller().globalSettings().shouldProcessFiles(), each.processFiles);
+        EXPECT_EQ(controller().globalSettings().shouldProcessFolders(), each.processFiles);
+    }
+    set("processFiles", 0);
+    set("processFolders", 0);
+    EXPECT_EQ(apply(), true); // switched off by the last answer
+    EXPECT_EQ(controller().globalSettings().shouldProcessFiles(), 0);
+    EXPECT_FALSE(controller().renameEngine().isBusy());
+}
+
+TEST_F(ConfirmationFlowTest, SheetsShowTheQuestionAndGiveTheAnswer) {
+    start();
+    frontEnd.expect("sheet rename", ConfirmationChoice::all);
+    flow().confirmRename({"/a b/ü%", "/a b/ü%/x", "x", "y"}, answer());
+    EXPECT_EQ(given, ConfirmationChoice::all);
+    EXPECT_EQ(flow().confirmationDialogChoice(), 55);
+    EXPECT_EQ(frontEnd.sheets.back().context, (PropertyDictionary{{"path", u"/a%20b/%C3%BC%25"},
+                                                                  {"fullPath", u"/a b/ü%/x"},
+                                                                  {"oldName", u"x"},
+                                                                  {"newName", u"y"}}));
+    EXPECT_EQ(frontEnd.sheets.back().previewPath, "/a b/ü%/x");
+
+    // A later item of a chain has no path of its own; what stood there stays, but is not pictured.
+    frontEnd.expect("sheet rename", ConfirmationChoice::one);
+    flow().confirmRename({"/f", std::nullopt, "p", "q"}, answer());
+    EXPECT_EQ(flow().confirmationDialogChoice(), 1);
+    EXPECT_EQ(frontEnd.sheets.back().previewPath, std::nullopt);
+    EXPECT_EQ(*find(flow().confirmationDialogContext(), "fullPath"), PropertyValue(u"/a b/ü%/x"));
+
+    frontEnd.expect("sheet swap", ConfirmationChoice::leaveOut);
+    flow().confirmSwap({"/f", "/f/a", "/f/b", "a", "b"}, answer());
+    EXPECT_EQ(given, ConfirmationChoice::leaveOut);
+    EXPECT_EQ(*find(flow().confirmationDialogContext(), "fullPathSecond"), PropertyValue(u"/f/b"));
+
+    frontEnd.expect("sheet nameCycle", ConfirmationChoice::stop);
+    flow().confirmNameCycle({"/f"}, answer());
+    EXPECT_EQ(given, ConfirmationChoice::stop);
+    EXPECT_EQ(flow().confirmationDialogChoice(), 0);
+
+    frontEnd.expect("sheet problem", ScriptedFrontEnd::Closed());
+    flow().reportProblem({"T", "M", "/f/a", "/f"}, answer());
+    EXPECT_EQ(given, ConfirmationChoice::stop) << "a window that is closed stops the run";
+    EXPECT_EQ(*find(frontEnd.sheets.back().context, "message"), PropertyValue(u"M"));
+    EXPECT_EQ(*find(frontEnd.sheets.back().context, "newName"), PropertyValue(u"b"));
+}
+
+TEST_F(ConfirmationFlowTest, LibraryWarningsAskOnlyWhileSwitchedOn) {
+    start();
+    for (const bool isITunes : {true, false}) {
+        const auto warn = [&] {
+            if (isITunes)
+                flow().showITunesWarning(answer());
+            else
+                flow().showIPhotoWarning(answer());
+            return given;
+        };
+        const std::string question = isITunes ? "alert iTunesWarning" : "alert iPhotoWarning";
+        frontEnd.expect(question, AlertAnswer{0, false});
+        EXPECT_EQ(warn(), ConfirmationChoice::one);
+        frontEnd.expect(question, AlertAnswer{1, false});
+        EXPECT_EQ(warn(), ConfirmationChoice::stop);
+        EXPECT_EQ(flow().confirmationDialogChoice(), 0);
+        EXPECT_EQ(frontEnd.alerts.back().buttons, (std::vector<std::string>{"Continue", "Abort"}));
+        EXPECT_THAT(frontEnd.alerts.back().text, ::testing::StartsWith("Tavrin 9 thinks that you"));
+        set(isITunes ? "preventAccidentalITunesLibraryDamage" : "preventAccidentalIPhotoLibraryDamage",
+            false);
+        EXPECT_EQ(warn(), ConfirmationChoice::one);
+        EXPECT_EQ(flow().confirmationDialogChoice(), 1);
+    }
+}
+
+TEST_F(ConfirmationFlowTest, TheReportOfARunFitsWhatHappened) {
+    start();
+    const auto renamed = [&](int count, std::vector<ProcessingError> errors) {
+        StoreContext& context = controller().managedObjectContext();
+        const std::lock_guard lock(context.mutex());
+        context.changeEngineControl().numberOfActuallyRenamedFiles = count;
+        context.deleteProcessingErrors(100);
+        for (ProcessingError& error : errors)
+            context.insertProcessingError(std::move(error));
+        ASSERT_EQ(context.commit(), std::nullopt);
+    };
+    const std::vector<std::pair<int, std::string>> texts{{-1, "No file names were changed."},
+                                                         {0, "No file names were changed."},
+                                                         {1, "1 file name was changed."},
+                                                         {2, "2 file names were changed."}};
+    for (const auto& [count, text] : texts) {
+        renamed(count, {});
+        frontEnd.expect("alert summary");
+        controller().showCompletionDialog();
+        EXPECT_EQ(frontEnd.alerts.back().title, text);
+        EXPECT_EQ(frontEnd.alerts.back().text, "");
+    }
+    set("showSummary", 2);
+    controller().showCompletionDialog();
+    const ProcessingError error{"T", "M", "/p"};
+    renamed(1, {error});
+    frontEnd.expect("errors");
+    controller().showCompletionDialog();
+    EXPECT_EQ(frontEnd.errors, std::vector<ProcessingError>{error});
+}
+
+TEST_F(ConfirmationFlowTest, TheEndWaitsUntilTheReportIsClosed) {
+    for (const ScriptedFrontEnd::Answer& way :
+         std::vector<ScriptedFrontEnd::Answer>{AlertAnswer(), ScriptedFrontEnd::Closed()}) {
+        ScriptedFrontEnd window;
+        ManualRunLoop ownLoop;
+        MainController own({window, ownLoop, defaults, catalogue}, options);
+        window.expect("alert summary", ScriptedFrontEnd::Held());
+        own.showCompletionDialog();
+        own.terminate();
+        EXPECT_FALSE(window.isTerminated);
+        window.answerHeld(way);
+        EXPECT_TRUE(window.isTerminated);
+        ownLoop.close();
+    }
+}
+
+TEST_F(ConfirmationFlowTest, AWrittenListIsConfirmedOrExplained) {
+    start();
+    struct Case {
+        int format;
+        const char* action;
+        const char* question;
+    };
+    const std::vector<Case> cases{{0, "Add to end", "alert fileListSaved"},
+                                  {1, "Add to end", "notice simpleTemplateFileList"},
+                                  {1, "Produce numbered list", "alert fileListSaved"},
+                                  {2, "Add to end", "alert fileListSaved"}};
+    for (const Case& each : cases) {
+        setSteps({{each.action, {}}});
+        if (std::string(each.question).starts_with("alert"))
+            frontEnd.expect(each.question);
+        else
+            frontEnd.expect(each.question, NoticeAnswer{NoticeAnswer::help, false});
+        controller().showFileListSavingCompletionDialog(each.format);
+    }
+    EXPECT_THAT(frontEnd.events, ::testing::Contains("help helpTopic29"));
+}
+
+TEST_F(ConfirmationFlowTest, TheProgressViewComesAndGoes) {
+    start();
+    controller().startProgressWindow();
+    EXPECT_FALSE(controller().validateUserInterfaceItem());
+    controller().stopProgressWindow();
+    EXPECT_TRUE(controller().validateUserInterfaceItem());
+    EXPECT_THAT(frontEnd.events,
+                ::testing::ElementsAre("run begins", "mainTab 1", "run ends", "mainTab 0", "previewTab 0"));
+    frontEnd.events.clear();
+    controller().globalSettings().setShouldContinueAfterRename(false);
+    controller().startProgressWindow();
+    controller().stopProgressWindow();
+    EXPECT_EQ(frontEnd.events.back(), "previewTab 1");
+}
+
+TEST_F(ConfirmationFlowTest, InADropletTheButtonSaves) {
+    struct Writer : DropletWriter {
+        std::optional<std::string> saveDropletSettings(const std::string& path) override {
+            saved = path;
+            return failure;
+        }
+        std::string saved;
+        std::optional<std::string> failure = "The disk is full.";
+    };
+    defaults.setProcessObject(
+        "droplet settings", PropertyDictionary{{"composite action", chain({{"Add to end", {{"active", 0}}}})},
+                                               {"settings plist path", u"/d/Settings.plist"}});
+    defaults.setObject("don't show droplet edit information again", true);
+    start();
+    controller().ok();
+    EXPECT_EQ(frontEnd.presented.size(), 1u) << "nothing that could write it";
+    Writer writer;
+    controller().setDropletWriter(&writer);
+    controller().ok();
+    EXPECT_EQ(frontEnd.presented.back(), "The disk is full.");
+    EXPECT_FALSE(frontEnd.isTerminated);
+    writer.failure.reset();
+    controller().ok();
+    EXPECT_EQ(writer.saved, "/d/Settings.plist");
+    EXPECT_TRUE(frontEnd.isTerminated);
+    controller().setDropletWriter(nullptr);
+}
+
+} // namespace
+} // namespace tavrin::test

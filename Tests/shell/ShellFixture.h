@@ -1,0 +1,128 @@
+#pragma once
+
+#include "actions/ActionList.h"
+#include "common/ManualRunLoop.h"
+#include "common/ScriptedFrontEnd.h"
+#include "common/TemporaryFolder.h"
+#include "platform/UserDefaults.h"
+#include "shell/MainController.h"
+#include "support/Text.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace tavrin::test {
+
+/// The whole application without a window: user defaults of its own, a data folder that goes with the test,
+/// a run loop whose time the test moves, and a scripted user.
+class ShellFixture : public ::testing::Test {
+  protected:
+    ShellFixture() : catalogue(resources()) {
+        UserDefaults::setSharedInstance(&defaults);
+        ActionList::setSharedActionList(&catalogue);
+        options.store.dataFolder = data.path("Data");
+        options.localPresetsFolder = data.path("Data/Presets");
+        options.globalPresetsFolder = data.path("Global/Presets/");
+        options.location = "/opt/tavrin";
+        // Not what this is about, so no first launch, and a store without a file.
+        defaults.setObject("firstLaunchVersion", 80001);
+        defaults.setObject("store", 1);
+        frontEnd.onProgress = [this] { loop.post([] {}); };
+    }
+    ~ShellFixture() override {
+        endController();
+        ActionList::setSharedActionList(nullptr);
+        UserDefaults::setSharedInstance(nullptr);
+    }
+
+    static ActionList::Resources resources() {
+        auto read = ActionList::readResources(TAVRIN_SOURCE_FOLDER "/Resources");
+        if (const auto* error = std::get_if<PropertyListError>(&read))
+            throw std::runtime_error(error->message);
+        return std::get<ActionList::Resources>(std::move(read));
+    }
+
+    /// Makes the controller; it has not started yet.
+    MainController& controller() {
+        if (!made)
+            made = std::make_unique<MainController>(
+                MainController::Environment{frontEnd, loop, defaults, catalogue}, options);
+        return *made;
+    }
+    void endController() {
+        loop.close();
+        made.reset();
+    }
+    /// Starts and waits for the first preview; nothing of the start is left in the notes.
+    void start() {
+        controller().applicationDidFinishLaunching();
+        waitForPreview();
+        frontEnd.events.clear();
+    }
+
+    struct Step {
+        std::string action;
+        PropertyDictionary parameters;
+    };
+    static PropertyDictionary chain(const std::vector<Step>& steps) {
+        PropertyArray entries;
+        for (const Step& step : steps)
+            entries.emplace_back(PropertyDictionary{{"action name", text::fromUtf8(step.action)},
+                                                    {"action parameter list", step.parameters}});
+        return {{"composite actions array", std::move(entries)}, {"currentActionIndex", 0}};
+    }
+    void setSteps(const std::vector<Step>& steps) {
+        controller().compositeAction().setFlatParameterList(chain(steps));
+    }
+    std::vector<std::string> stepNames() {
+        std::vector<std::string> names;
+        for (const auto& step : controller().compositeAction().getActionDictionaryList())
+            names.push_back(step->actionName());
+        return names;
+    }
+    void set(const std::string& key, PropertyValue value) {
+        controller().globalSettings().setValue(std::move(value), key);
+    }
+
+    /// Lets the preview delay pass and waits for what it sets off.
+    void waitForPreview() {
+        loop.advance(std::chrono::milliseconds(300));
+        waitUntilIdle();
+    }
+    void waitUntilIdle() {
+        ASSERT_TRUE(loop.runUntil([this] { return !controller().renameEngine().isBusy(); }));
+        loop.runPosted();
+    }
+    /// The table: "name > finalName" of each row in order.
+    std::vector<std::string> table() {
+        std::vector<std::string> lines;
+        PreviewList& list = controller().nodeController();
+        for (std::size_t index = 0; index < list.count(); ++index) {
+            const auto row = list.rowAt(index);
+            lines.push_back(row ? text::toUtf8(row->name) + " > " + text::toUtf8(row->finalName) : "gone");
+        }
+        return lines;
+    }
+    std::string status() {
+        controller().progressInfo().fireBindings();
+        return controller().progressInfo().stageText();
+    }
+
+    TemporaryFolder data;
+    TemporaryFolder files;
+    ManualRunLoop loop;
+    UserDefaults defaults;
+    ActionList catalogue;
+    ScriptedFrontEnd frontEnd;
+    MainController::Options options;
+
+  private:
+    std::unique_ptr<MainController> made;
+};
+
+} // namespace tavrin::test

@@ -1,0 +1,188 @@
+#include "platform/PropertyList.h"
+#include "shell/ShellFixture.h"
+
+namespace tavrin::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+class StartSequenceTest : public ShellFixture {
+  protected:
+    void handOver(PropertyDictionary record) {
+        defaults.setProcessObject("droplet settings", std::move(record));
+    }
+    PropertyDictionary record(const PropertyDictionary& settings = {}) {
+        return {{"composite action", chain({{"Add to end", {{"string", u"X"}}}})},
+                {"global settings", settings},
+                {"settings plist path", u"/d/Settings.plist"}};
+    }
+    void run() { controller().applicationDidFinishLaunching(); }
+};
+
+TEST_F(StartSequenceTest, ANormalStartGoesInItsOrderAndAsksForTheFirstPreview) {
+    defaults.removeObject("firstLaunchVersion");
+    defaults.setObject("composite action", chain({{"Add to end", {}}})); // a first launch forgets it
+    defaults.setProcessObject("store", 1);
+    EXPECT_FALSE(controller().hasFinishedInitializing());
+    run();
+    EXPECT_TRUE(controller().hasFinishedInitializing());
+    EXPECT_EQ(controller().operationMode(), OperationMode::normal);
+    EXPECT_THAT(frontEnd.events,
+                ElementsAre("allowFullScreen", "mainTab 0", "columns 20 200 40", "columns 100 1000 200",
+                            "fillPresetMenu 0", "fillActionMenus", "buildSplitView", "divider 0",
+                            "centreWindow", "panel Produce numbered list", "showWindow"));
+    EXPECT_EQ(stepNames(), std::vector<std::string>{"Produce numbered list"});
+    EXPECT_TRUE(controller().previewControl().isPreviewPending());
+    waitForPreview();
+    EXPECT_EQ(frontEnd.finishedPreviews, 1);
+    EXPECT_EQ(status(), "Please add files to be renamed to preview table above.");
+    EXPECT_TRUE(data.kind("Data/Presets").has_value());
+}
+
+TEST_F(StartSequenceTest, ALaterStartHasWhatWasStored) {
+    defaults.setObject("composite action", chain({{"Add to end", {{"string", u"X"}}}, {"Remove text", {}}}));
+    defaults.setObject(
+        "actions", PropertyDictionary{{"TVRN global settings",
+                                       PropertyDictionary{{"multistep", 1}, {"automaticSorting", false}}}});
+    defaults.setObject("actionListSeparatorPosition", 220.0);
+    defaults.setObject("droplet settings", PropertyDictionary());
+    start();
+    EXPECT_EQ(controller().operationMode(), OperationMode::normal);
+    EXPECT_EQ(stepNames(), (std::vector<std::string>{"Add to end", "Remove text"}));
+    EXPECT_TRUE(controller().globalSettings().automaticSorting());
+    EXPECT_EQ(defaults.objectForKey("location"), PropertyValue(u"/opt/tavrin"));
+}
+
+TEST_F(StartSequenceTest, TheListOfStepsComesUpAsWideAsItWas) {
+    defaults.setObject("actions",
+                       PropertyDictionary{{"TVRN global settings", PropertyDictionary{{"multistep", 1}}}});
+    defaults.setObject("actionListSeparatorPosition", 220.0);
+    run();
+    EXPECT_THAT(frontEnd.events, ::testing::IsSupersetOf({"divider 0", "divider 220"}));
+}
+
+TEST_F(StartSequenceTest, AStoredChainThatIsNoGoodIsToldAndTheStartGoesOn) {
+    defaults.setObject("composite action", chain({{"Fly", {}}}));
+    start();
+    ASSERT_EQ(frontEnd.presented.size(), 1u);
+    EXPECT_THAT(frontEnd.presented.front(), ::testing::HasSubstr("Fly"));
+    EXPECT_EQ(stepNames().size(), 1u);
+}
+
+TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
+    const std::string a = files.write("a.txt");
+    PropertyDictionary droplet = record({{"interactiveMode", 0}});
+    droplet.emplace("file list", PropertyArray{text::fromBytes(a)});
+    handOver(std::move(droplet));
+    defaults.setObject("composite action", chain({{"Remove text", {}}}));
+    frontEnd.expect("alert summary");
+    run();
+    EXPECT_EQ(controller().operationMode(), OperationMode::dropletRun);
+    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
+    EXPECT_THAT(files.tree(), ElementsAre(std::pair("aX.txt", "")));
+    EXPECT_EQ(frontEnd.alerts.back().title, "1 file name was changed.");
+    EXPECT_THAT(frontEnd.events, ::testing::Not(::testing::Contains("showWindow")));
+    // Nothing of the droplet reaches what the user has stored.
+    EXPECT_EQ(defaults.objectForKey("composite action"), PropertyValue(chain({{"Remove text", {}}})));
+    EXPECT_EQ(defaults.objectForKey("actions"), std::nullopt);
+    EXPECT_EQ(defaults.integerForKey("version"), 0);
+    EXPECT_EQ(defaults.objectForKey("droplet settings"), PropertyValue(PropertyDictionary()));
+}
+
+TEST_F(StartSequenceTest, ASilentDropletSaysNothingEvenWhenSomethingFails) {
+    (void)files.write("target");
+    const std::string link = files.link("link", files.path("target"));
+    PropertyDictionary droplet = record({{"silentDroplet", 1}, {"interactiveMode", 1}});
+    droplet.emplace("file list", PropertyArray{text::fromBytes(files.write("b")), text::fromBytes(link)});
+    handOver(std::move(droplet));
+    // A failure in the middle of a run is still told: only the questions and the report are silent.
+    frontEnd.expect("sheet problem", ConfirmationChoice::one);
+    run();
+    EXPECT_TRUE(controller().isSilentDroplet());
+    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
+    EXPECT_TRUE(files.kind("bX").has_value());
+    EXPECT_TRUE(files.kind("link").has_value());
+}
+
+TEST_F(StartSequenceTest, ADropletWithoutFilesIsEdited) {
+    handOver(record());
+    frontEnd.expect("notice dropletEditMode", NoticeAnswer{NoticeAnswer::ok, true});
+    run();
+    EXPECT_EQ(controller().operationMode(), OperationMode::dropletEdit);
+    EXPECT_TRUE(controller().isRenameButtonEnabled());
+    EXPECT_THAT(frontEnd.events, ::testing::IsSupersetOf({"enterDropletEditMode", "showWindow"}));
+    EXPECT_TRUE(defaults.boolForKey("don't show droplet edit information again"));
+    waitForPreview();
+    EXPECT_EQ(status(), "Drag file you want to preview into the preview table above.");
+    controller().windowWillClose();
+    EXPECT_TRUE(frontEnd.isTerminated);
+    EXPECT_EQ(defaults.integerForKey("version"), 0);
+}
+
+TEST_F(StartSequenceTest, TheEditInformationCanEndTheApplication) {
+    handOver(record());
+    frontEnd.expect("notice dropletEditMode", NoticeAnswer{NoticeAnswer::cancel, false});
+    run();
+    EXPECT_TRUE(frontEnd.isTerminated);
+}
+
+TEST_F(StartSequenceTest, ALockedDropletIsNotEditedButRuns) {
+    handOver(record({{"lockedDroplet", true}}));
+    frontEnd.expect("alert dropletLocked", ScriptedFrontEnd::Held());
+    run();
+    EXPECT_FALSE(controller().hasFinishedInitializing());
+    EXPECT_FALSE(frontEnd.isTerminated);
+    EXPECT_EQ(frontEnd.alerts.back().style, AlertStyle::critical);
+    frontEnd.answerHeld(AlertAnswer());
+    EXPECT_TRUE(frontEnd.isTerminated);
+}
+
+TEST_F(StartSequenceTest, ADropletThatIsNoGoodRenamesNothing) {
+    PropertyDictionary droplet{{"composite action", chain({{"Fly", {}}})},
+                               {"file list", PropertyArray{text::fromBytes(files.write("a"))}}};
+    handOver(std::move(droplet));
+    start();
+    EXPECT_EQ(controller().operationMode(), OperationMode::normal);
+    ASSERT_EQ(frontEnd.presented.size(), 1u);
+    EXPECT_THAT(frontEnd.presented.front(), ::testing::HasSubstr("there is no action \"Fly\""));
+    EXPECT_TRUE(table().empty());
+    EXPECT_TRUE(files.kind("a").has_value());
+}
+
+TEST_F(StartSequenceTest, NothingOfTheUsersIsTouchedWhenSoWished) {
+    options.usesUserFolders = false;
+    start();
+    EXPECT_TRUE(data.tree().empty());
+}
+
+TEST_F(StartSequenceTest, TheEndStoresChainAndSettings) {
+    start();
+    setSteps({{"Add to end", {{"string", u"X"}}}});
+    set("showPath", 1);
+    controller().terminate();
+    EXPECT_TRUE(frontEnd.isTerminated);
+    EXPECT_EQ(defaults.integerForKey("version"), 80001);
+    const auto stored = defaults.objectForKey("composite action");
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(*stored, PropertyValue(controller().compositeAction().getFlatParameterList()));
+    const auto actions = defaults.objectForKey("actions");
+    ASSERT_TRUE(actions && actions->asDictionary());
+    EXPECT_EQ(*find(*find(*actions->asDictionary(), "TVRN global settings")->asDictionary(), "showPath"),
+              PropertyValue(1));
+    // A window that closes on the way out ends nothing twice.
+    controller().windowWillClose();
+}
+
+TEST_F(StartSequenceTest, CancelChecksTheListFirst) {
+    start();
+    setSteps({{"Add to end", {{"active", 0}}}});
+    frontEnd.expect("alert noActiveActions");
+    controller().cancel();
+    EXPECT_FALSE(frontEnd.isTerminated);
+    controller().actionListCommands().resetToDefaults();
+    controller().cancel();
+    EXPECT_TRUE(frontEnd.isTerminated);
+}
+
+} // namespace
+} // namespace tavrin::test
