@@ -22,7 +22,7 @@ class FailingOpenFolder : public OpenFolder {
         const int error = system.admit(FileCall::rename);
         return error != 0 ? error : real->renameNoReplace(from, to);
     }
-    int entries(std::vector<FolderEntry>& into) override {
+    int entries(FolderEntries& into) override {
         const int error = system.admit(FileCall::entries);
         return error != 0 ? error : real->entries(into);
     }

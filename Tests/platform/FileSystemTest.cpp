@@ -1,5 +1,6 @@
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
+#include "platform/FolderEntries.h"
 #include "platform/FolderListing.h"
 #include "platform/NoReplaceRename.h"
 
@@ -147,12 +148,12 @@ TEST(FileSystem, ListsAFolderSortedByBytes) {
     folder.link(".link", "a");
     std::unique_ptr<OpenFolder> opened;
     ASSERT_EQ(files().openFolder(folder.path(), opened), 0);
-    std::vector<FolderEntry> entries;
+    FolderEntries entries;
     for (int round = 0; round < 2; ++round) { // a folder can be listed again
         ASSERT_EQ(opened->entries(entries), 0);
         std::vector<std::string> names;
-        for (const FolderEntry& entry : entries)
-            names.push_back(entry.name);
+        for (const FolderEntry entry : entries)
+            names.emplace_back(entry.name);
         EXPECT_EQ(names,
                   (std::vector<std::string>{".link", "B", "a", "b", "b 10", "caf\xC3\xA9", "caf\xE9"}));
     }
@@ -169,7 +170,7 @@ TEST(FileSystem, ListsAFolderThatNeedsManyReads) {
     for (std::size_t i = 0; i < count; ++i)
         folder.write(longName + std::to_string(i));
     std::unique_ptr<OpenFolder> opened;
-    std::vector<FolderEntry> entries;
+    FolderEntries entries;
     ASSERT_EQ(files().openFolder(folder.path(), opened), 0);
     ASSERT_EQ(opened->entries(entries), 0);
     EXPECT_EQ(entries.size(), count);
@@ -179,20 +180,21 @@ TEST(FolderListing, SortsAsAPlainSortDoes) {
     std::mt19937 random(7);
     for (int round = 0; round < 300; ++round) {
         const std::string prefix(random() % 4, 'p');
-        std::vector<FolderEntry> entries;
+        FolderEntries entries;
         std::vector<std::string> expected;
         for (std::size_t i = random() % 40; i > 0; --i) {
             std::string name = prefix;
             for (std::size_t length = random() % 20; length > 0; --length)
                 name += "ab\x01\xFF"[random() % 4];
             expected.push_back(name);
-            entries.push_back({name, FileStatus::Kind::file});
+            entries.add(name, FileStatus::Kind::file);
         }
         std::sort(expected.begin(), expected.end());
-        sortByName(entries);
-        ASSERT_TRUE(
-            std::equal(entries.begin(), entries.end(), expected.begin(), expected.end(),
-                       [](const FolderEntry& entry, const std::string& name) { return entry.name == name; }));
+        entries.sort();
+        std::vector<std::string> sorted;
+        for (const FolderEntry entry : entries)
+            sorted.emplace_back(entry.name);
+        ASSERT_EQ(sorted, expected);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/RecipeFile.h"
 #include "platform/FileSystem.h"
+#include "platform/FolderEntries.h"
 #include "platform/PropertyList.h"
 #include "support/Text.h"
 
@@ -51,11 +52,11 @@ std::vector<std::string> presetFilesBelow(const std::string& folder) {
         const std::string path = std::move(pending.back());
         pending.pop_back();
         std::unique_ptr<OpenFolder> open;
-        std::vector<FolderEntry> entries;
+        FolderEntries entries;
         if (FileSystem::sharedInstance().openFolder(path, open) != 0 || open->entries(entries) != 0)
             continue;
-        for (const FolderEntry& entry : entries) {
-            std::string entryPath = path + "/" + entry.name;
+        for (const FolderEntry entry : entries) {
+            std::string entryPath = path + "/" + std::string(entry.name);
             if (entry.kind == FileStatus::Kind::folder)
                 pending.push_back(std::move(entryPath));
             else if (isPresetName(entry.name))

@@ -54,7 +54,8 @@ void AddFileSortingDataStage::addSortingData(RowId id) {
         status.size = FileManager::instance().sizeForPath(context->fullPath(id), true);
     double exif = 0.0;
     if (retrieveEXIFData) {
-        const bool mayHaveDate = !isFolder && ExifHelper::isImageName(name);
+        const bool mayHaveDate =
+            status.kind == FileStatus::Kind::file && status.size > 0 && ExifHelper::isImageName(name);
         exif = mayHaveDate ? FileManager::instance().fileEXIFDate(context->fullPath(id))
                            : FileManager::distantPast;
     }

@@ -44,9 +44,7 @@ int FolderWalk::read(Level& level) {
     level.inode = status.inode;
     if (const int error = folder->entries(level.entries))
         return error;
-    const auto byName = [](const FolderEntry& entry, std::string_view name) { return entry.name < name; };
-    const auto list = std::lower_bound(level.entries.begin(), level.entries.end(), ".hidden", byName);
-    if (list != level.entries.end() && list->name == ".hidden")
+    if (level.entries.contains(".hidden"))
         level.hidden = HiddenNames(level.path);
     return 0;
 }
@@ -59,8 +57,7 @@ bool FolderWalk::isInsideItself(const Level& level) const {
 
 void FolderWalk::readNextEntry() {
     Level& level = levels.back();
-    // Moved out, so that the names of a big folder make room for the rows that they become.
-    const FolderEntry entry = std::move(level.entries[level.next++]);
+    const FolderEntry entry = level.entries[level.next++];
     if (entry.name.front() == '.' || level.hidden.contains(entry.name))
         return;
     switch (entry.kind) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/FileSystem.h"
+#include "platform/FolderEntries.h"
 #include "platform/HiddenNames.h"
 #include "store/NodeRow.h"
 
@@ -29,7 +29,7 @@ class FolderWalk {
     struct Level {
         std::string path;
         RowId row = noRow;
-        std::vector<FolderEntry> entries;
+        FolderEntries entries;
         std::size_t next = 0;
         HiddenNames hidden;
         std::uint64_t device = 0;

@@ -1,4 +1,5 @@
 #include "platform/FileManager.h"
+#include "platform/FolderEntries.h"
 #include "support/Text.h"
 
 #include <algorithm>
@@ -34,11 +35,14 @@ bool holdsLauncher(const std::string& folder) {
     if (!exists(folder + "/AppRun"))
         return false;
     std::unique_ptr<OpenFolder> opened;
-    std::vector<FolderEntry> entries;
+    FolderEntries entries;
     if (FileSystem::sharedInstance().openFolder(folder, opened) != 0 || opened->entries(entries) != 0)
         return false;
-    return std::any_of(entries.begin(), entries.end(),
-                       [](const FolderEntry& entry) { return entry.name.ends_with(".desktop"); });
+    for (const FolderEntry entry : entries) {
+        if (entry.name.ends_with(".desktop"))
+            return true;
+    }
+    return false;
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "platform/FileManager.h"
+#include "platform/FolderEntries.h"
 
 #include <algorithm>
 #include <limits>
@@ -12,15 +13,15 @@ using Reading = std::uint64_t FileStatus::*;
 /// Everything directly in the folder; the folders in it are added to `waiting`.
 std::uint64_t sumOf(const std::string& folder, Reading reading, std::vector<std::string>& waiting) {
     std::unique_ptr<OpenFolder> opened;
-    std::vector<FolderEntry> entries;
+    FolderEntries entries;
     if (FileSystem::sharedInstance().openFolder(folder, opened) != 0 || opened->entries(entries) != 0)
         return 0;
     std::uint64_t sum = 0;
-    for (const FolderEntry& entry : entries) {
+    for (const FolderEntry entry : entries) {
         FileStatus status;
         if (entry.kind == FileStatus::Kind::folder)
-            waiting.push_back(folder + "/" + entry.name);
-        else if (opened->status(entry.name, status) == 0)
+            waiting.push_back(folder + "/" + std::string(entry.name));
+        else if (opened->status(std::string(entry.name), status) == 0)
             sum += status.*reading;
     }
     return sum;

@@ -1,15 +1,16 @@
 #include "platform/FolderListing.h"
 
-#include <algorithm>
+#include "platform/FolderEntries.h"
+
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <utility>
 
 namespace tavrin {
 
@@ -33,61 +34,20 @@ FileStatus::Kind askedKind(int folder, const char* name) {
     return kindOfType(static_cast<unsigned char>(IFTODT(status.st_mode)));
 }
 
-/// The next eight bytes behind `skip`, so that they compare as numbers as they do as bytes.
-std::uint64_t sortKey(const std::string& name, std::size_t skip) {
-    std::uint64_t key = 0;
-    const std::size_t count = std::min<std::size_t>(8, name.size() - skip);
-    std::memcpy(&key, name.data() + skip, count);
-    return __builtin_bswap64(key);
-}
-
-std::size_t commonPrefix(const std::vector<FolderEntry>& entries) {
-    const std::string& first = entries.front().name;
-    std::size_t length = first.size();
-    for (const FolderEntry& entry : entries) {
-        const std::size_t limit = std::min(length, entry.name.size());
-        length = 0;
-        while (length < limit && entry.name[length] == first[length])
-            ++length;
-    }
-    return length;
-}
-
-void addEntries(int folder, const char* buffer, std::size_t filled, std::vector<FolderEntry>& into) {
+void addEntries(int folder, const char* buffer, std::size_t filled, FolderEntries& into) {
     for (std::size_t at = 0; at < filled;) {
         const auto* entry = reinterpret_cast<const dirent64*>(buffer + at);
         const char* name = buffer + at + offsetof(dirent64, d_name);
         at += entry->d_reclen;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
             continue;
-        into.push_back(
-            {name, entry->d_type == DT_UNKNOWN ? askedKind(folder, name) : kindOfType(entry->d_type)});
+        into.add(name, entry->d_type == DT_UNKNOWN ? askedKind(folder, name) : kindOfType(entry->d_type));
     }
 }
 
 } // namespace
 
-void sortByName(std::vector<FolderEntry>& entries) {
-    if (entries.size() < 2)
-        return;
-    const std::size_t skip = commonPrefix(entries);
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> order;
-    order.reserve(entries.size());
-    for (const FolderEntry& entry : entries)
-        order.emplace_back(sortKey(entry.name, skip), static_cast<std::uint32_t>(order.size()));
-    std::sort(order.begin(), order.end(), [&entries](const auto& a, const auto& b) {
-        if (a.first != b.first)
-            return a.first < b.first;
-        return entries[a.second].name < entries[b.second].name;
-    });
-    std::vector<FolderEntry> sorted;
-    sorted.reserve(entries.size());
-    for (const auto& place : order)
-        sorted.push_back(std::move(entries[place.second]));
-    entries.swap(sorted);
-}
-
-int readFolder(int folder, std::vector<FolderEntry>& into) {
+int readFolder(int folder, FolderEntries& into) {
     into.clear();
     const auto buffer = std::make_unique_for_overwrite<std::uint64_t[]>(bufferSize / sizeof(std::uint64_t));
     char* bytes = reinterpret_cast<char*>(buffer.get());
@@ -99,7 +59,7 @@ int readFolder(int folder, std::vector<FolderEntry>& into) {
             break;
         addEntries(folder, bytes, static_cast<std::size_t>(filled), into);
     }
-    sortByName(into);
+    into.sort();
     return 0;
 }
 

@@ -72,7 +72,7 @@ class PosixOpenFolder : public OpenFolder {
             return EINVAL;
         return renameNoReplaceAt(folder.get(), from.c_str(), folder.get(), to.c_str());
     }
-    int entries(std::vector<FolderEntry>& into) override {
+    int entries(FolderEntries& into) override {
         const Descriptor readable(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         return readable ? readFolder(readable.get(), into) : errno;
     }

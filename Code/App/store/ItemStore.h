@@ -36,7 +36,7 @@ class ItemStore {
     struct Options {
         Kind kind = Kind::memory;
         std::string folder;                     ///< where "tvrn9.db" is made, for Kind::file
-        std::size_t residentBudget = 64u << 20; ///< bytes of segments kept in memory, for Kind::file
+        std::size_t residentBudget = 48u << 20; ///< bytes of segments kept in memory, for Kind::file
         std::string vfs;                        ///< name of a SQLite VFS, empty for the default
     };
 

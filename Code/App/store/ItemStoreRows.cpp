@@ -120,8 +120,9 @@ void ItemStore::Impl::touchSegments(const StagedChanges& staged) {
 void ItemStore::Impl::applyBlock(RowBlock& block, StagedChanges& staged, StoreChanges& into) {
     constexpr std::uint8_t ofSegment = RowBlock::attributes | RowBlock::finalName | RowBlock::inserted;
     Segment* segment = nullptr;
-    std::stable_sort(block.originals.begin(), block.originals.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    const auto byIndex = [](const auto& a, const auto& b) { return a.first < b.first; };
+    if (!std::is_sorted(block.originals.begin(), block.originals.end(), byIndex))
+        std::stable_sort(block.originals.begin(), block.originals.end(), byIndex);
     auto original = block.originals.begin();
     for (std::size_t i = 0; i < RowBlock::capacity; ++i) {
         const std::uint8_t changes = block.changes[i];

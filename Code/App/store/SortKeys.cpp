@@ -50,10 +50,30 @@ std::string randomUuid(std::uint64_t secret, RowId id) {
                        high & 0xFFF, ((low >> 48) & 0x3FFF) | 0x8000, low & 0xFFFFFFFFFFFFu);
 }
 
-void SortKeys::reserve(std::size_t rows) { entries.reserve(rows); }
+bool SortKeys::addInOrder(RowId id, const NodeRow& row, std::string_view component) {
+    arena.clear();
+    appendKey(id, row, component);
+    if (!inOrder.empty() && arena < previous)
+        return false;
+    previous.swap(arena);
+    inOrder.push_back(id);
+    return true;
+}
+
+void SortKeys::keepAll(std::size_t rows, std::size_t bytesOfKeys) {
+    inOrder = {};
+    arena.clear();
+    arena.reserve(bytesOfKeys);
+    entries.reserve(rows);
+}
 
 void SortKeys::add(RowId id, const NodeRow& row, std::string_view component) {
     const std::size_t start = arena.size();
+    appendKey(id, row, component);
+    entries.push_back({0, start, arena.size() - start, id});
+}
+
+void SortKeys::appendKey(RowId id, const NodeRow& row, std::string_view component) {
     for (const SortDescriptor& descriptor : order) {
         const std::size_t begin = arena.size();
         append(descriptor, id, row, component);
@@ -63,7 +83,6 @@ void SortKeys::add(RowId id, const NodeRow& row, std::string_view component) {
         }
     }
     appendNumber(ordered(row.manualOrder), 4);
-    entries.push_back({0, start, id, static_cast<std::uint32_t>(arena.size() - start)});
 }
 
 void SortKeys::append(const SortDescriptor& descriptor, RowId id, const NodeRow& row,
@@ -161,7 +180,9 @@ std::size_t SortKeys::commonPrefix() const {
 }
 
 std::vector<RowId> SortKeys::sorted() {
-    if (!entries.empty()) {
+    if (entries.empty())
+        return std::move(inOrder);
+    {
         const std::size_t skip = commonPrefix();
         for (Entry& entry : entries)
             entry.prefix = bigEndian(arena.data() + entry.offset + skip, entry.length - skip);
@@ -170,13 +191,13 @@ std::vector<RowId> SortKeys::sorted() {
     const auto isLess = [keys](const Entry& a, const Entry& b) {
         if (a.prefix != b.prefix)
             return a.prefix < b.prefix;
-        const int difference = std::memcmp(keys + a.offset, keys + b.offset, std::min(a.length, b.length));
+        const std::size_t common = std::min<std::size_t>(a.length, b.length);
+        const int difference = std::memcmp(keys + a.offset, keys + b.offset, common);
         if (difference != 0)
             return difference < 0;
         return a.length != b.length ? a.length < b.length : a.id < b.id;
     };
-    if (!std::is_sorted(entries.begin(), entries.end(), isLess))
-        std::sort(entries.begin(), entries.end(), isLess);
+    std::sort(entries.begin(), entries.end(), isLess);
     std::vector<RowId> ids;
     ids.reserve(entries.size());
     for (const Entry& entry : entries)

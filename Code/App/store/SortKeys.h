@@ -19,7 +19,11 @@ class SortKeys {
     SortKeys(std::vector<SortDescriptor> newOrder, std::uint64_t newSecret)
         : order(std::move(newOrder)), secret(newSecret) {}
 
-    void reserve(std::size_t rows);
+    /// Rows are added by ascending id. While they also come in order nothing is kept but their ids; false
+    /// from the first one on that does not: then the rows must be added again, with every key kept.
+    [[nodiscard]] bool addInOrder(RowId id, const NodeRow& row, std::string_view component);
+    /// Starts over, with every key kept.
+    void keepAll(std::size_t rows, std::size_t bytesOfKeys);
     void add(RowId id, const NodeRow& row, std::string_view component);
     /// The rows in order; the keys are spent.
     [[nodiscard]] std::vector<RowId> sorted();
@@ -27,10 +31,11 @@ class SortKeys {
   private:
     struct Entry {
         std::uint64_t prefix;
-        std::uint64_t offset; // of the key in the arena
+        std::uint64_t offset : 40; // of the key in the arena
+        std::uint64_t length : 24;
         RowId id;
-        std::uint32_t length;
     };
+    void appendKey(RowId id, const NodeRow& row, std::string_view component);
     void append(const SortDescriptor& descriptor, RowId id, const NodeRow& row, std::string_view component);
     void appendNumber(std::uint64_t value, unsigned bytes);
     void appendText(std::string_view text);
@@ -40,6 +45,8 @@ class SortKeys {
     std::vector<SortDescriptor> order;
     std::uint64_t secret;
     std::string arena;
+    std::string previous;
+    std::vector<RowId> inOrder;
     std::vector<Entry> entries;
 };
 

@@ -205,19 +205,46 @@ StoreContext::Impl::SortedList& StoreContext::Impl::sortedList(const FetchReques
     return sortedLists.back();
 }
 
-std::vector<RowId> StoreContext::Impl::sortRows(const std::vector<RowId>& rows,
-                                                const std::vector<SortDescriptor>& order) {
-    SortKeys keys(order, store.secret);
-    keys.reserve(rows.size());
+/// Visits rows as the store has them, a segment at a time under its lock, until `visit` returns false.
+template <typename Visit> void StoreContext::Impl::forEachRow(const std::vector<RowId>& rows, Visit visit) {
     for (std::size_t i = 0; i < rows.size();) {
         std::scoped_lock lock(store.mutex);
         const std::uint32_t number = Segment::number(rows[i]);
         const Segment& segment = store.segments.use(number);
         for (; i < rows.size() && Segment::number(rows[i]) == number; ++i) {
             const std::size_t index = Segment::index(rows[i]);
-            keys.add(rows[i], segment.rows[index], segment.names.get(index).bytes);
+            if (!visit(rows[i], segment.rows[index], segment.names.get(index).bytes))
+                return;
         }
     }
+}
+
+std::vector<RowId> StoreContext::Impl::sortRows(const std::vector<RowId>& rows,
+                                                const std::vector<SortDescriptor>& order) {
+    SortKeys keys(order, store.secret);
+    bool isInOrder = true;
+    forEachRow(rows, [&](RowId id, const NodeRow& row, std::string_view component) {
+        isInOrder = isInOrder && keys.addInOrder(id, row, component);
+        return isInOrder;
+    });
+    if (isInOrder)
+        return keys.sorted();
+    std::size_t bytes = 0;
+    constexpr std::size_t bytesBesideNames = 32;
+    forEachRow(rows, [&](RowId, const NodeRow&, std::string_view component) {
+        bytes += component.size() + order.size() * 8 + 4;
+        return true;
+    });
+    {
+        // The keys take the place of rows in memory while the order is made.
+        std::scoped_lock lock(store.mutex);
+        static_cast<void>(store.segments.makeRoom(bytes + rows.size() * bytesBesideNames));
+    }
+    keys.keepAll(rows.size(), bytes);
+    forEachRow(rows, [&](RowId id, const NodeRow& row, std::string_view component) {
+        keys.add(id, row, component);
+        return true;
+    });
     return keys.sorted();
 }
 

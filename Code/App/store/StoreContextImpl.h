@@ -47,6 +47,7 @@ struct StoreContext::Impl {
     std::vector<RowId> fetchByCursor(const FetchRequest& request, const RowMatcher& matcher);
     std::vector<RowId> fetchSorted(const FetchRequest& request, const RowMatcher& matcher);
     std::vector<RowId> fetchChildren(const FetchRequest& request, const RowMatcher& matcher);
+    template <typename Visit> void forEachRow(const std::vector<RowId>& rows, Visit visit);
     std::vector<RowId> sortRows(const std::vector<RowId>& rows, const std::vector<SortDescriptor>& order);
 
     ItemStore& itemStore;

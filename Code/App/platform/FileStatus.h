@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tavrin {
+
+/// What one statx call tells of an item. Times are seconds since 2001-01-01 00:00:00 UTC.
+struct FileStatus {
+    enum class Kind : std::uint8_t { file, folder, link, other };
+    Kind kind = Kind::file;
+    bool immutable = false;
+    std::uint64_t size = 0;      ///< logical size in bytes; 0 for a folder
+    std::uint64_t allocated = 0; ///< bytes on the medium; 0 for a folder
+    double modificationDate = 0;
+    double creationDate = 0; ///< birth time where the file system has one, else the modification time
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+};
+
+} // namespace tavrin
