@@ -1,0 +1,133 @@
+#include "RandomPlan.h"
+
+#include "support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <set>
+
+namespace tavrin::test {
+
+namespace {
+
+std::string lowered(std::string_view name) { return text::toUtf8(text::lowercased(text::fromBytes(name))); }
+
+std::vector<std::string> components(const std::string& path) {
+    std::vector<std::string> parts;
+    for (std::size_t at = 0; at <= path.size();) {
+        const std::size_t end = std::min(path.find('/', at), path.size());
+        parts.push_back(path.substr(at, end - at));
+        at = end + 1;
+    }
+    return parts;
+}
+
+} // namespace
+
+RandomPlan::RandomPlan(unsigned seed) : random(seed) { addItem("box", upTo(1) ? "box" : "Box", "", true, 0); }
+
+void RandomPlan::addItem(const std::string& before, const std::string& finalName,
+                         const std::string& folderAfter, bool isFolder, int depth) {
+    const std::string after = folderAfter.empty() ? finalName : folderAfter + "/" + finalName;
+    plan.emplace(before, finalName);
+    made.push_back(before + (isFolder ? "/" : ""));
+    if (isFolder) {
+        fill(before, after, depth);
+    } else {
+        filesBefore.emplace(before, before);
+        filesAfter.emplace(after, before);
+    }
+}
+
+void RandomPlan::fill(const std::string& before, const std::string& after, int depth) {
+    std::vector<std::string> names{"a", "A",      "b",      "B.txt", "b.TXT", "c",
+                                   "d", "\u00E9", "\u00C9", "e f",   "p:q"};
+    std::shuffle(names.begin(), names.end(), random);
+    names.resize(1 + upTo(6));
+    const std::vector<std::string> wanted = finalNames(names);
+    for (std::size_t i = 0; i < names.size(); ++i)
+        addItem(before + "/" + names[i], wanted[i], after, depth < 2 && upTo(3) == 0, depth + 1);
+    addItem(before + "/mark", "mark", after, false, depth + 1);
+}
+
+std::vector<std::string> RandomPlan::finalNames(const std::vector<std::string>& names) {
+    std::vector<std::string> pool = names;
+    for (const char* fresh : {"new", "N\u00F6", "x:y", "z z"})
+        if (upTo(2) == 0)
+            pool.emplace_back(fresh);
+    switch (upTo(2)) {
+    case 0: // chains and cycles of neighbours
+        std::rotate(pool.begin(), pool.begin() + 1, pool.end());
+        break;
+    case 1:
+        std::shuffle(pool.begin(), pool.end(), random);
+        break;
+    default: // mostly as it is
+        std::swap(pool.front(), pool[upTo(static_cast<unsigned>(pool.size()) - 1)]);
+    }
+    std::set<std::string> taken{"mark"};
+    std::vector<std::string> result;
+    for (const std::string& name : pool) {
+        if (result.size() == names.size())
+            break;
+        const std::string& own = names[result.size()];
+        std::string wanted = upTo(3) == 0 ? otherCase(own) : name;
+        for (int i = 0; !taken.insert(lowered(wanted)).second; ++i)
+            wanted = "other " + std::to_string(i);
+        result.push_back(wanted);
+    }
+    return result;
+}
+
+std::string RandomPlan::otherCase(std::string name) {
+    const std::u16string text = text::fromBytes(name);
+    return text::toUtf8(upTo(1) ? text::uppercased(text) : text::lowercased(text));
+}
+
+void RandomPlan::setUp(RenameBench& bench) const {
+    bench.make(made);
+    bench.read({"box"});
+    for (const auto& [path, finalName] : plan) {
+        std::u16string wanted = text::fromBytes(finalName);
+        text::replaceUnit(wanted, u':', u'/');
+        bench.setFinalName(path, wanted);
+    }
+}
+
+void RandomPlan::expectNothingLost(const RenameBench& bench) const {
+    std::map<std::string, std::string> places; // by content
+    for (const auto& [path, content] : bench.files()) {
+        EXPECT_TRUE(filesBefore.contains(content)) << "a strange file: " << path;
+        EXPECT_TRUE(places.emplace(content, path).second) << content << " is there twice";
+    }
+    EXPECT_EQ(places.size(), filesBefore.size()) << "something is lost";
+    for (const auto& [content, path] : places) {
+        const std::vector<std::string> parts = components(content);
+        const std::vector<std::string> found = components(path);
+        ASSERT_EQ(parts.size(), found.size()) << content << " has left its folder: " << path;
+        std::string item;
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            item += (i == 0 ? "" : "/") + parts[i];
+            if (found[i] != plan.at(item))
+                expectReported(bench, item, found[i]);
+        }
+    }
+}
+
+void RandomPlan::expectReported(const RenameBench& bench, const std::string& path,
+                                const std::string& found) const {
+    const std::string full = bench.disk.path(path);
+    const std::string name = "'" + components(path).back() + "'";
+    const std::string folder = full.substr(0, full.rfind('/'));
+    const bool isReported =
+        std::any_of(bench.reports.begin(), bench.reports.end(), [&](const ProblemReport& report) {
+            return report.fullPath == full ||
+                   (report.path == folder && report.title.starts_with("Could not swap") &&
+                    report.title.find(name) != std::string::npos);
+        });
+    EXPECT_TRUE(isReported) << path << " was to be " << plan.at(path) << " and is " << found;
+}
+
+} // namespace tavrin::test

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "RenameBench.h"
+
+#include <map>
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tavrin::test {
+
+/// A random tree of files and folders in a folder "box", and random names that its items are to have: names
+/// of siblings in any permutation, new names, changes of case. Final names are distinct in each folder apart
+/// from case. Each folder holds a file "mark" that stays, so that the folder is known again.
+class RandomPlan {
+  public:
+    explicit RandomPlan(unsigned seed);
+
+    /// Makes the tree on disk, reads it and gives the rows their final names.
+    void setUp(RenameBench& bench) const;
+
+    [[nodiscard]] const RenameBench::Tree& before() const { return filesBefore; }
+    [[nodiscard]] const RenameBench::Tree& after() const { return filesAfter; }
+
+    /// The laws of a run in which anything may have failed: each file is there once, and each item that does
+    /// not bear the name that it was to have has been reported.
+    void expectNothingLost(const RenameBench& bench) const;
+
+  private:
+    void fill(const std::string& before, const std::string& after, int depth);
+    std::vector<std::string> finalNames(const std::vector<std::string>& names);
+    std::string otherCase(std::string name);
+    void addItem(const std::string& before, const std::string& finalName, const std::string& folderAfter,
+                 bool isFolder, int depth);
+    void expectReported(const RenameBench& bench, const std::string& path, const std::string& found) const;
+    unsigned upTo(unsigned most) { return std::uniform_int_distribution<unsigned>(0, most)(random); }
+
+    std::mt19937 random;
+    std::vector<std::string> made;
+    std::map<std::string, std::string> plan; ///< path before to final name
+    RenameBench::Tree filesBefore;
+    RenameBench::Tree filesAfter;
+};
+
+} // namespace tavrin::test

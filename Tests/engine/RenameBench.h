@@ -1,0 +1,52 @@
+#pragma once
+
+#include "common/EngineTestHost.h"
+#include "common/TemporaryFolder.h"
+#include "engine/ProcessingStage.h"
+#include "engine/UserPrompts.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin::test {
+
+/// A folder on disk, its items read into a store, and the run that plans and performs their renames. Each
+/// file's content is the name that it was made under, so that it is known again wherever it goes.
+class RenameBench {
+  public:
+    /// What became of the files: content (the name before) by the name after.
+    using Tree = std::map<std::string, std::string>;
+
+    explicit RenameBench(ItemStore::Options options = {});
+
+    TemporaryFolder disk;
+    EngineTestHost host;
+    /// Failures shown in the last run; after each the run goes on.
+    std::vector<ProblemReport> reports;
+
+    /// Makes files, by names relative to the folder; a slash at the end makes a folder.
+    void make(const std::vector<std::string>& names);
+    /// Puts these names on the list and reads them with all below.
+    void read(const std::vector<std::string>& names);
+    void makeAndRead(const std::vector<std::string>& names);
+    void setFinalName(const std::string& name, std::u16string_view finalName);
+    /// Plans and performs, on a worker.
+    void rename();
+    /// The same on the calling thread, which the questions of the run must not wait for.
+    void renameOnThisThread();
+
+    /// Files only.
+    [[nodiscard]] Tree files() const;
+    /// The source items, relative to the folder, in order.
+    [[nodiscard]] std::vector<std::string> sourcePaths();
+    [[nodiscard]] int renamed() { return host.counters().numberOfActuallyRenamedFiles; }
+    /// "title: name", with the names as they were, relative to the folder.
+    [[nodiscard]] std::vector<std::string> problems() const;
+};
+
+/// The files as they were made: each under its own name.
+RenameBench::Tree untouched(const std::vector<std::string>& names);
+
+} // namespace tavrin::test
