@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <exception>
+#include <malloc.h>
 #include <string>
 
 namespace {
@@ -46,5 +47,8 @@ ExitStatus run(const CommandLine& commandLine) {
 
 int main(int count, char** arguments) {
     std::signal(SIGPIPE, SIG_IGN);
+    // One heap: the main thread waits while the worker works, and a heap of its own for each would keep what
+    // the other has freed.
+    mallopt(M_ARENA_MAX, 1);
     return static_cast<int>(run(parseCommandLine({arguments + 1, arguments + count})));
 }

@@ -7,20 +7,26 @@ namespace tavrin {
 
 static_assert(std::is_trivially_copyable_v<NodeRow>, "rows are paged as plain bytes");
 
-std::string Segment::blob(Part part) const {
-    std::string bytes;
+std::string_view Segment::blob(Part part, std::string& scratch) const {
+    scratch.clear();
     switch (part) {
     case rowPart:
-        bytes.assign(reinterpret_cast<const char*>(rows.data()), rows.size() * sizeof(NodeRow));
-        break;
+        return {reinterpret_cast<const char*>(rows.data()), rows.size() * sizeof(NodeRow)};
     case namePart:
-        names.appendBlob(bytes);
+        names.appendBlob(scratch);
         break;
     case finalPart:
-        finals.appendBlob(bytes);
+        finals.appendBlob(scratch);
         break;
     }
-    return bytes;
+    return scratch;
+}
+
+void Segment::clear() {
+    rows.assign(capacity, NodeRow{});
+    names.clearAll();
+    finals.clearAll();
+    dirty = {};
 }
 
 bool Segment::readBlob(Part part, std::string_view bytes) {

@@ -22,8 +22,11 @@ struct Segment {
     static constexpr std::uint32_t number(RowId id) { return id / capacity; }
     static constexpr std::size_t index(RowId id) { return id % capacity; }
 
-    [[nodiscard]] std::string blob(Part part) const;
+    /// The part's bytes; `scratch` is where they may lie.
+    [[nodiscard]] std::string_view blob(Part part, std::string& scratch) const;
     [[nodiscard]] bool readBlob(Part part, std::string_view bytes);
+    /// As new, with its memory kept.
+    void clear();
     [[nodiscard]] std::size_t footprint() const;
     [[nodiscard]] bool isDirty() const { return dirty[rowPart] || dirty[namePart] || dirty[finalPart]; }
 

@@ -3,6 +3,7 @@
 #include "store/StoreError.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tavrin {
 
@@ -27,7 +28,7 @@ Segment& SegmentTable::use(std::uint32_t number) {
         // A full disk must not stop reading: what can't be written now stays in memory.
         if (holds == 0)
             static_cast<void>(makeRoom());
-        auto segment = std::make_unique<Segment>();
+        auto segment = freshSegment();
         file->readSegment(number, *segment);
         entry.resident = std::move(segment);
     }
@@ -41,11 +42,26 @@ void SegmentTable::create(std::uint32_t number) {
     if (number >= entries.size())
         entries.resize(number + 1);
     Entry& entry = entries[number];
-    entry.resident = std::make_unique<Segment>();
+    entry.resident = freshSegment();
     entry.resident->dirty.fill(true);
     entry.resident->lastUse = ++clock;
     entry.exists = true;
     ++existing;
+}
+
+std::unique_ptr<Segment> SegmentTable::freshSegment() {
+    if (spares.empty())
+        return std::make_unique<Segment>();
+    std::unique_ptr<Segment> segment = std::move(spares.back());
+    spares.pop_back();
+    segment->clear();
+    return segment;
+}
+
+void SegmentTable::keepSpare(std::unique_ptr<Segment> segment) {
+    constexpr std::size_t most = 16;
+    if (spares.size() < most)
+        spares.push_back(std::move(segment));
 }
 
 void SegmentTable::drop(std::uint32_t number) {
@@ -59,10 +75,10 @@ void SegmentTable::drop(std::uint32_t number) {
 
 std::size_t SegmentTable::residentBytes() const {
     std::size_t bytes = 0;
-    for (const Entry& entry : entries) {
-        if (entry.resident)
-            bytes += entry.resident->footprint();
-    }
+    for (const Entry& entry : entries)
+        bytes += entry.resident ? entry.resident->footprint() : 0;
+    for (const auto& spare : spares)
+        bytes += spare->footprint();
     return bytes;
 }
 
@@ -95,7 +111,7 @@ std::optional<std::string> SegmentTable::makeRoom(std::size_t reserve) {
     if (auto failure = writeDirty(victims))
         return failure;
     for (const std::uint32_t number : victims)
-        entries[number].resident.reset();
+        keepSpare(std::move(entries[number].resident));
     return std::nullopt;
 }
 

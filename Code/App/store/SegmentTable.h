@@ -61,7 +61,11 @@ class SegmentTable {
 
     StoreFile* file;
     std::size_t budget;
+    std::unique_ptr<Segment> freshSegment();
+    void keepSpare(std::unique_ptr<Segment> segment);
+
     std::vector<Entry> entries;
+    std::vector<std::unique_ptr<Segment>> spares; ///< so that paging does not tear the heap to pieces
     std::size_t existing = 0;
     std::uint64_t clock = 0;
     int holds = 0;

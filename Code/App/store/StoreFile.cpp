@@ -162,6 +162,7 @@ struct StoreFile::Connection {
 
     sqlite3* database = nullptr;
     std::unique_ptr<Statements> statements;
+    std::string scratch;
 };
 
 StoreFile::StoreFile(const std::string& folder, const std::string& vfs) {
@@ -199,13 +200,13 @@ void StoreFile::readSegment(std::uint32_t number, Segment& into) {
 
 std::optional<std::string> StoreFile::writeSegments(const std::vector<NumberedSegment>& segments) {
     Statement& write = connection->statements->writePart;
+    std::string& scratch = connection->scratch;
     auto failure = connection->transaction([&] {
         for (const auto& [number, segment] : segments) {
             for (const Segment::Part part : {Segment::rowPart, Segment::namePart, Segment::finalPart}) {
                 if (!segment->dirty[part])
                     continue;
-                const std::string bytes = segment->blob(part);
-                if (!write.bind(1, partId(number, part)).bindBlob(2, bytes).run())
+                if (!write.bind(1, partId(number, part)).bindBlob(2, segment->blob(part, scratch)).run())
                     return false;
             }
         }

@@ -33,6 +33,12 @@ void TextRegion::clear(std::size_t index) {
     slot = Slot{};
 }
 
+void TextRegion::clearAll() {
+    slots.assign(slots.size(), Slot{});
+    buffer.clear();
+    garbage = 0;
+}
+
 void TextRegion::append(Slot& slot, std::string_view bytes) {
     const std::size_t needed = buffer.size() + bytes.size();
     if (needed > buffer.capacity())

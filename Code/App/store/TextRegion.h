@@ -25,6 +25,8 @@ class TextRegion {
     [[nodiscard]] Text get(std::size_t index) const;
     void set(std::size_t index, Text text);
     void clear(std::size_t index);
+    /// Makes all texts absent; the memory is kept.
+    void clearAll();
     /// Bytes of memory held.
     [[nodiscard]] std::size_t footprint() const;
 
