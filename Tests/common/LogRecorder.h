@@ -6,6 +6,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -24,10 +25,17 @@ class LogRecorder : public LogSink {
     LogRecorder(const LogRecorder&) = delete;
     LogRecorder& operator=(const LogRecorder&) = delete;
 
+    /// Called with each line on the thread that writes it, no lock held.
+    std::function<void(std::string_view line)> onLine;
+
     void write(std::string_view line) override {
-        const std::lock_guard lock(mutex);
-        written.emplace_back(line);
-        changed.notify_all();
+        {
+            const std::lock_guard lock(mutex);
+            written.emplace_back(line);
+            changed.notify_all();
+        }
+        if (onLine)
+            onLine(line);
     }
     [[nodiscard]] std::vector<std::string> lines() const {
         const std::lock_guard lock(mutex);

@@ -125,6 +125,44 @@ TEST_F(EngineThreadsTest, ARequestToStopEndsWithTheNextRename) {
     EXPECT_FALSE(host.engine.isStopRequested());
 }
 
+/// The list changes while a preview runs, at each of its log lines in turn.
+TEST_F(EngineThreadsTest, ItemsMayComeAndGoDuringARun) {
+    folder.write("d/x");
+    folder.write("e/y");
+    bool reachedTheEnd = false;
+    std::size_t at = 1;
+    for (; !reachedTheEnd; ++at) {
+        EngineTestHost one;
+        one.set("processSubfolders", 1);
+        one.setSteps({{"Make uppercase", {}}, {"Produce numbered list", {{"sortEachFolderSeparately", 1}}}});
+        one.add({folder.path("d"), folder.write("a"), folder.write("b")});
+        one.preview();
+        one.add({folder.path("e"), folder.write("f/c")});
+        LogRecorder log;
+        std::size_t lines = 0;
+        log.onLine = [&](std::string_view) {
+            if (one.loop.isCurrent() || ++lines != at)
+                return;
+            one.loop.performAndWait([&] {
+                for (const char* name : {"d", "b", "e", "f/c"})
+                    one.sourceItems.removeItem(folder.path(name));
+                one.add({folder.write("g")});
+            });
+        };
+        one.preview();
+        reachedTheEnd = lines < at;
+        one.preview();
+        std::map<std::string, std::string> names = one.finalNames();
+        ASSERT_EQ(one.errors(), Events{}) << at;
+        ASSERT_EQ(names.count(folder.path("a")), 1U) << at;
+        if (!reachedTheEnd) {
+            ASSERT_EQ(names.count(folder.path("g")), 1U) << at;
+            ASSERT_EQ(names.count(folder.path("b")), 0U) << at;
+        }
+    }
+    EXPECT_GT(at, 30U);
+}
+
 TEST(EngineEndTest, AWorkerThatWaitsForTheMainThreadIsFreed) {
     TemporaryFolder folder;
     LogRecorder log;
