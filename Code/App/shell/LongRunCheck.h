@@ -14,7 +14,6 @@ class LongRunCheck {
 
     /// The first call starts the check; it then renews itself.
     void checkUpOnLongProcessingTimer();
-    void stop() { longProcessingCheckTimer.reset(); }
 
   private:
     ShellServices& services;

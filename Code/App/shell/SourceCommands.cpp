@@ -7,6 +7,7 @@
 #include "shell/PreviewControl.h"
 #include "shell/StoreOwner.h"
 #include "store/SourceItemManager.h"
+#include "store/StoreError.h"
 
 #include <algorithm>
 #include <string_view>
@@ -95,8 +96,13 @@ void SourceCommands::removeFile(const std::vector<RowId>& selection) {
         if (std::optional<PreviewList::Row> row = preview.nodeController().rowWithId(id))
             paths.push_back(std::move(row->fullPath));
     }
-    for (const std::string& path : paths)
-        services.sourceItems.removeItem(path);
+    try {
+        for (const std::string& path : paths)
+            services.sourceItems.removeItem(path);
+    } catch (const StoreError& error) {
+        // The preview that follows meets the same failure and moves the store into memory.
+        services.frontEnd.presentError(error.what());
+    }
     preview.initiateDelayedPreviewUpdate();
 }
 
