@@ -53,15 +53,17 @@ INSTANTIATE_TEST_SUITE_P(
         Plant{"Code/App/store/A.cpp", "#include <sqlite3.h>\n", ""},
         Plant{"Code/App/store/A.h", "int a;\n", ":1: no #pragma once"},
         Plant{"Code/App/engine/A.cpp", "int a = ::rename(b, c);\n",
-              ":1: calls rename: replaces files; go through the file system of platform"},
+              ":1: ::rename(: replaces files; go through the file system of platform"},
         Plant{"Code/App/engine/A.cpp",
-              "files.rename(b, c); // rename(b, c)\nlog(\"rename(b)\", 'x');\nmyrename(b);\n", ""},
+              "files.rename(b, c); // rename(b, c)\nlog(\"rename(b)\", "
+              "'x');\nFiles::rename(b);\nunrenameat(b);\nworkers.detach(b);\n",
+              ""},
         Plant{"Code/App/platform/A.cpp", "int a = ::rename(b, c);\n", ""},
         Plant{"Code/App/platform/A.cpp", "std::filesystem::rename(b, c);\n",
-              ":1: calls filesystem::rename: replaces files"},
-        Plant{"Code/App/engine/A.cpp", "worker.detach();\n", ":1: calls detach: a thread is waited for"},
+              ":1: std::filesystem::rename(: replaces files"},
+        Plant{"Code/App/engine/A.cpp", "worker.detach();\n", ":1: .detach(): a thread is waited for"},
         Plant{"Code/App/engine/A.cpp", "std::this_thread::sleep_for(1s);\n",
-              ":1: calls sleep_for: wait for what is to happen"},
+              ":1: sleep_for(: wait for what is to happen"},
         Plant{"Code/App/engine/A.cpp", std::string(700, '\n'), ""},
         Plant{"Code/App/engine/A.cpp", std::string(701, '\n'), ":702: the unit is too long"}));
 
