@@ -64,6 +64,8 @@ struct ItemStore::Impl {
     std::uint64_t filterVersion = 1;
     std::uint64_t namingVersion = 1;
     std::uint64_t planVersion = 1;
+    std::uint64_t rowVersion = 1; ///< any value of any row, its markers apart
+    std::atomic<std::uint64_t> deletionVersion{1};
     std::atomic<std::uint64_t> listVersion{1};
 
     std::function<void(const StoreChanges&)> didSave;

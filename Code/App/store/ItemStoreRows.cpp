@@ -72,6 +72,12 @@ std::optional<std::string> ItemStore::Impl::apply(StagedChanges& staged, StoreCh
 
     for (RowBlock* block : staged.blocks)
         applyBlock(*block, staged, into);
+    for (const auto& [row, marker] : staged.marks) {
+        if (summaries[row] == rowSummary::none)
+            continue;
+        stageFlags[row] = marker;
+        into.updated.push_back(row);
+    }
     for (auto& [row, values] : staged.sparse) {
         SparseRow& kept = sparse[row];
         if (values.regexColumns)
@@ -97,6 +103,7 @@ std::optional<std::string> ItemStore::Impl::apply(StagedChanges& staged, StoreCh
     if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::plan))
         ++planVersion;
     insertVersion += into.rowsInserted ? 1 : 0;
+    deletionVersion += into.rowsDeleted ? 1 : 0;
     constexpr auto voiding =
         static_cast<std::uint8_t>(ColumnClass::sort) | static_cast<std::uint8_t>(ColumnClass::filter);
     if (into.rowsInserted || into.rowsDeleted || (into.columnClasses & voiding))
@@ -146,6 +153,7 @@ void ItemStore::Impl::applyBlock(RowBlock& block, StagedChanges& staged, StoreCh
             if ((changes & RowBlock::attributes) && wasRead) {
                 NodeRow& row = segment->rows[Segment::index(id)];
                 into.columnClasses |= updateAttributes(row, block.rows[i], *wasRead);
+                ++rowVersion;
                 segment->dirty[Segment::rowPart] = true;
                 summaries[id] = rowSummary::of(row);
             }
@@ -156,6 +164,7 @@ void ItemStore::Impl::applyBlock(RowBlock& block, StagedChanges& staged, StoreCh
             else
                 segment->finals.clear(Segment::index(id));
             segment->dirty[Segment::finalPart] = true;
+            ++rowVersion;
             into.columnClasses |= static_cast<std::uint8_t>(ColumnClass::naming);
         }
         if (changes & RowBlock::stageFlag)
@@ -178,6 +187,7 @@ void ItemStore::Impl::insertRow(RowBlock& block, std::size_t index, StagedChange
     }
     segment.rows[Segment::index(id)] = row;
     segment.names.set(Segment::index(id), block.names.get(index));
+    ++rowVersion;
     segment.dirty.fill(true);
     summaries[id] = rowSummary::of(row);
 }

@@ -2,6 +2,7 @@
 
 #include "store/EngineControl.h"
 #include "store/NodeRow.h"
+#include "store/Predicate.h"
 #include "store/ProcessingError.h"
 #include "store/SourceItem.h"
 #include "support/PropertyValue.h"
@@ -40,6 +41,7 @@ using SourceItemChange = std::variant<SourceItemInsertion, SourceItemDeletion, S
 /// Everything that a context has changed and not yet committed.
 struct StagedChanges {
     std::vector<RowBlock*> blocks; ///< those with changed rows, in ascending order; owned by the context
+    std::unordered_map<RowId, PassMarker> marks;        ///< stage flags of rows that are in no block
     std::unordered_map<RowId, std::string> folderPaths; ///< of inserted rows that can have children
     std::vector<RowId> deletedTrees;
     std::vector<RowId> deletedNodes; ///< of a bulk deletion, in ascending order
@@ -51,8 +53,8 @@ struct StagedChanges {
     EngineControl controlAsRead;
 
     [[nodiscard]] bool isEmpty() const {
-        return blocks.empty() && deletedTrees.empty() && deletedNodes.empty() && sparse.empty() &&
-               sourceItems.empty() && insertedErrors.empty() && deletedErrors == 0 &&
+        return blocks.empty() && marks.empty() && deletedTrees.empty() && deletedNodes.empty() &&
+               sparse.empty() && sourceItems.empty() && insertedErrors.empty() && deletedErrors == 0 &&
                (!control || *control == controlAsRead);
     }
 };

@@ -191,6 +191,49 @@ const std::string& StoreContext::Impl::folderPath(RowId folder) {
     return lastFolderPath;
 }
 
+RowImages::Image* StoreContext::Impl::image(RowId id) {
+    if (walked == nullptr && images.isEmpty())
+        return nullptr;
+    RowImages::Image* found = images.find(id);
+    if (found == nullptr && gatherImages(id))
+        found = images.find(id);
+    if (found == nullptr || imagesDeletionVersion == store.deletionVersion)
+        return found;
+    std::scoped_lock lock(store.mutex);
+    return store.summaries[id] == rowSummary::none ? nullptr : found;
+}
+
+/// Gathers the rows that the walk comes to next, if this row is among them.
+bool StoreContext::Impl::gatherImages(RowId id) {
+    constexpr std::size_t reach = 4096;
+    if (walked == nullptr || walkPosition >= walked->rows.size())
+        return false;
+    const auto begin = walked->rows.begin() + static_cast<std::ptrdiff_t>(walkPosition);
+    const std::size_t left = walked->rows.size() - walkPosition;
+    const auto end = begin + static_cast<std::ptrdiff_t>(std::min(reach, left));
+    const auto place = std::find(begin, end, id);
+    if (place == end)
+        return false;
+    walkPosition = static_cast<std::size_t>(place - walked->rows.begin());
+    const std::size_t count = std::min(RowImages::capacity, walked->rows.size() - walkPosition);
+    std::vector<RowId> ids(place, place + static_cast<std::ptrdiff_t>(count));
+    walkPosition += count;
+    std::scoped_lock lock(store.mutex);
+    std::erase_if(ids, [this](RowId row) { return store.summaries[row] == rowSummary::none; });
+    images.gather(std::move(ids), store.segments);
+    imagesRowVersion = store.rowVersion;
+    imagesDeletionVersion = store.deletionVersion;
+    return true;
+}
+
+void StoreContext::Impl::forgetStaleImages() {
+    if (images.isEmpty())
+        return;
+    std::scoped_lock lock(store.mutex);
+    if (imagesRowVersion != store.rowVersion)
+        images.clear();
+}
+
 // --- Changes ---
 
 bool StoreContext::hasChanges() const { return !impl->staged.isEmpty(); }
@@ -216,6 +259,7 @@ std::optional<std::string> StoreContext::commit() {
         block->forgetChanges();
     self.staged = StagedChanges{};
     self.stagedFolders.clear();
+    self.forgetStaleImages();
     if (changes.rowsDeleted) {
         self.dropCleanBlocks();
         self.lastFolder = noRow;
@@ -232,7 +276,10 @@ std::optional<std::string> StoreContext::commitAndFlush() {
     return impl->store.flush();
 }
 
-void StoreContext::refault() { impl->dropCleanBlocks(); }
+void StoreContext::refault() {
+    impl->dropCleanBlocks();
+    impl->forgetStaleImages();
+}
 
 void StoreContext::reset() {
     Impl& self = *impl;
@@ -240,6 +287,7 @@ void StoreContext::reset() {
     self.staged = StagedChanges{};
     self.stagedFolders.clear();
     self.nextReserved = self.endReserved = noRow;
+    self.forgetStaleImages();
     self.lastFolder = noRow;
 }
 
@@ -259,6 +307,7 @@ void StoreContext::merge(const StoreChanges& changes) {
     }
     if (!changes.updated.empty() || changes.rowsInserted || changes.rowsDeleted) {
         self.dropCleanBlocks();
+        self.forgetStaleImages();
         for (RowBlock* block : self.staged.blocks)
             self.refreshUnchangedRows(*block);
     }

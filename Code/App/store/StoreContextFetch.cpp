@@ -105,6 +105,8 @@ bool StoreContext::Impl::matches(const RowMatcher& matcher, RowId id) {
             secondary = store.secondaryStageFlags[id];
         }
     }
+    if (const auto mark = staged.marks.find(id); mark != staged.marks.end())
+        stageFlag = mark->second;
     return matcher.matchesMarkers(stageFlag, secondary) && passesOtherTests(matcher.otherTests(), id);
 }
 
@@ -188,21 +190,25 @@ StoreContext::Impl::SortedList& StoreContext::Impl::sortedList(const FetchReques
                                                                const RowMatcher& matcher) {
     const Predicate predicate = matcher.withoutMarkers();
     const std::uint64_t versions = versionsOf(predicate, request.order);
-    auto list = std::find_if(sortedLists.begin(), sortedLists.end(), [&](const SortedList& one) {
-        return one.entity == request.entity && one.predicate == predicate && one.order == request.order;
+    auto list = std::find_if(sortedLists.begin(), sortedLists.end(), [&](const auto& one) {
+        return one->entity == request.entity && one->predicate == predicate && one->order == request.order;
     });
-    if (list != sortedLists.end() && list->versions == versions)
-        return *list;
-    if (list != sortedLists.end())
+    if (list != sortedLists.end() && (*list)->versions == versions)
+        return **list;
+    if (list == sortedLists.end() && sortedLists.size() == keptSortedLists)
+        list = sortedLists.begin();
+    if (list != sortedLists.end()) {
+        walked = nullptr;
         sortedLists.erase(list);
-    if (sortedLists.size() == keptSortedLists)
-        sortedLists.erase(sortedLists.begin());
+    }
     RowId next = noRow;
     const RowMatcher unmarkedMatcher(request.entity, predicate);
-    std::vector<RowId> rows = scan(unmarkedMatcher, 1, ~RowId{0}, 0, next);
-    sortedLists.push_back(
-        {request.entity, predicate, request.order, sortRows(rows, request.order), 0, versions});
-    return sortedLists.back();
+    const std::vector<RowId> rows = scan(unmarkedMatcher, 1, ~RowId{0}, 0, next);
+    sortedLists.push_back(std::make_unique<SortedList>(SortedList{
+        request.entity, predicate, request.order, sortRows(rows, request.order), 0, versions, true}));
+    SortedList& made = *sortedLists.back();
+    made.isInIdOrder = std::is_sorted(made.rows.begin(), made.rows.end());
+    return made;
 }
 
 /// Visits rows as the store has them, a segment at a time under its lock, until `visit` returns false.
@@ -256,6 +262,8 @@ std::vector<RowId> StoreContext::Impl::fetchSorted(const FetchRequest& request, 
     if (request.limit == 0)
         found.reserve(count);
     const std::size_t start = request.limit == 0 || list.next >= count ? 0 : list.next;
+    walked = list.isInIdOrder ? nullptr : &list;
+    walkPosition = start;
     const auto collect = [&](std::size_t from, std::size_t to) {
         const bool isPlain = !hasStagedRows();
         std::unique_lock lock(store.mutex, std::defer_lock);

@@ -2,6 +2,7 @@
 
 #include "store/ItemStoreImpl.h"
 #include "store/RowBlock.h"
+#include "store/RowImages.h"
 #include "store/RowMatcher.h"
 #include "store/StagedChanges.h"
 #include "store/StoreContext.h"
@@ -24,6 +25,13 @@ struct StoreContext::Impl {
     RowBlock& blockOf(RowId id);
     RowBlock& blockWithNames(RowId id);
     RowBlock& blockWithFinals(RowId id);
+    /// The copy of a row that is in no block, gathered along the sorted list being walked; null when the row
+    /// is better read with its neighbours.
+    RowImages::Image* image(RowId id);
+    void forgetStaleImages();
+    PassMarker storedStageFlag(RowId id);
+    /// Absent while the final name is the name.
+    std::optional<TextRegion::Text> finalText(RowId id);
     /// The block if it is here already.
     RowBlock* presentBlock(RowId id);
     void note(RowBlock& block, RowId id, RowBlock::Change change);
@@ -35,7 +43,7 @@ struct StoreContext::Impl {
 
     // --- Reading through the staged changes ---
     std::uint8_t summary(RowId id);
-    [[nodiscard]] bool hasStagedRows() const { return !staged.blocks.empty(); }
+    [[nodiscard]] bool hasStagedRows() const { return !staged.blocks.empty() || !staged.marks.empty(); }
     [[nodiscard]] SourceItemTable sourceItemsWithStaged() const;
     /// The path of a row that can have children; empty when it is gone.
     const std::string& folderPath(RowId folder);
@@ -86,8 +94,9 @@ struct StoreContext::Impl {
         std::vector<RowId> rows;
         std::size_t next = 0;
         std::uint64_t versions = 0;
+        bool isInIdOrder = true;
     };
-    std::vector<SortedList> sortedLists;
+    std::vector<std::unique_ptr<SortedList>> sortedLists;
     SortedList& sortedList(const FetchRequest& request, const RowMatcher& matcher);
     std::uint64_t versionsOf(const Predicate& predicate, const std::vector<SortDescriptor>& order);
 
@@ -98,7 +107,14 @@ struct StoreContext::Impl {
     std::uint64_t nameIndexVersion = 0;
     RowId childNamed(RowId folder, std::string_view component);
 
+    RowImages images;
+    std::uint64_t imagesRowVersion = 0;
+    std::uint64_t imagesDeletionVersion = 0;
+    SortedList* walked = nullptr; // the list out of id order that rows were last fetched from
+    std::size_t walkPosition = 0;
+
   private:
+    bool gatherImages(RowId id);
     RowBlock& loadBlock(std::uint32_t number);
     void makeRoomForBlock();
 };

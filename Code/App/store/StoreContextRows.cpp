@@ -52,7 +52,13 @@ bool isShownAs(std::string_view text, std::string_view component) {
 
 bool StoreContext::exists(RowId id) { return id != noRow && impl->summary(id) != rowSummary::none; }
 
-const NodeRow& StoreContext::row(RowId id) { return impl->blockOf(id).rows[RowBlock::index(id)]; }
+const NodeRow& StoreContext::row(RowId id) {
+    if (const RowBlock* block = impl->presentBlock(id))
+        return block->rows[RowBlock::index(id)];
+    if (const RowImages::Image* image = impl->image(id))
+        return image->row;
+    return impl->blockOf(id).rows[RowBlock::index(id)];
+}
 
 NodeRow& StoreContext::change(RowId id) {
     RowBlock& block = impl->blockOf(id);
@@ -65,6 +71,10 @@ NodeRow& StoreContext::change(RowId id) {
 }
 
 std::string_view StoreContext::component(RowId id) {
+    if (impl->presentBlock(id) == nullptr) {
+        if (const RowImages::Image* image = impl->image(id))
+            return impl->images.component(*image);
+    }
     return impl->blockWithNames(id).names.get(RowBlock::index(id)).bytes;
 }
 
@@ -85,11 +95,10 @@ void StoreContext::nameBytes(RowId id, std::string& into) {
 }
 
 void StoreContext::finalName(RowId id, std::u16string& into) {
-    const RowBlock& block = impl->blockWithFinals(id);
-    const std::size_t index = RowBlock::index(id);
-    if (!block.finals.has(index))
+    const auto present = impl->finalText(id);
+    if (!present)
         return name(id, into);
-    const TextRegion::Text text = block.finals.get(index);
+    const TextRegion::Text text = *present;
     if (text.isWide)
         into = unitsOf(text.bytes);
     else
@@ -159,9 +168,39 @@ std::string StoreContext::parentPath(RowId id) {
     return parent == noRow ? std::string() : impl->folderPath(parent);
 }
 
-PassMarker StoreContext::stageFlag(RowId id) { return impl->blockOf(id).stageFlags[RowBlock::index(id)]; }
+PassMarker StoreContext::stageFlag(RowId id) {
+    if (!impl->staged.marks.empty()) {
+        if (const auto mark = impl->staged.marks.find(id); mark != impl->staged.marks.end())
+            return mark->second;
+    }
+    if (impl->presentBlock(id) == nullptr) {
+        if (impl->image(id) != nullptr)
+            return impl->storedStageFlag(id);
+    }
+    return impl->blockOf(id).stageFlags[RowBlock::index(id)];
+}
+
+PassMarker StoreContext::Impl::storedStageFlag(RowId id) {
+    std::scoped_lock lock(store.mutex);
+    return store.stageFlags[id];
+}
+
+std::optional<TextRegion::Text> StoreContext::Impl::finalText(RowId id) {
+    if (presentBlock(id) == nullptr) {
+        if (const RowImages::Image* found = image(id))
+            return found->hasFinal ? std::optional(images.finalName(*found)) : std::nullopt;
+    }
+    const RowBlock& block = blockWithFinals(id);
+    const std::size_t index = RowBlock::index(id);
+    return block.finals.has(index) ? std::optional(block.finals.get(index)) : std::nullopt;
+}
 
 void StoreContext::setStageFlag(RowId id, PassMarker marker) {
+    if (impl->presentBlock(id) == nullptr && impl->image(id) != nullptr) {
+        impl->staged.marks[id] = marker;
+        return;
+    }
+    impl->staged.marks.erase(id);
     RowBlock& block = impl->blockOf(id);
     block.stageFlags[RowBlock::index(id)] = marker;
     impl->note(block, id, RowBlock::stageFlag);
