@@ -124,9 +124,9 @@ TEST_F(CommandsTest, RefusalsSpeakOnceAndOnlyToTheUser) {
     SourceCommands& sources = controller().sourceCommands();
     EXPECT_TRUE(sources.addPaths({folder, files.path("folder2/b")}).empty());
     const std::vector<std::string> bad{files.path("folder/a"), files.path("folder2"), folder,
-                                       files.path("missing")};
+                                       files.path("missing"), files.path("folder/missing")};
     const std::string good = files.write("folder2/c");
-    EXPECT_EQ(sources.addPaths({bad[0], bad[1], good, bad[2], bad[3]}), bad);
+    EXPECT_EQ(sources.addPaths({bad[0], bad[1], good, bad[2], bad[3], bad[4]}), bad);
     EXPECT_TRUE(controller().addFilePaths(bad, false));
     frontEnd.expect("alert filesNotAdded");
     EXPECT_TRUE(controller().applicationOpenFiles(bad));
@@ -170,6 +170,8 @@ TEST_F(CommandsTest, OnlyWhatWasAddedCanBeRemoved) {
     controller().removeFile({rows[0], rows[1]});
     waitForPreview();
     EXPECT_THAT(table(), ElementsAre("z > z"));
+    EXPECT_FALSE(controller().nodeController().rowWithId(rows[0]));
+    EXPECT_FALSE(sources.canRemove({rows[0]}));
 }
 
 } // namespace
