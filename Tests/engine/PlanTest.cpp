@@ -97,6 +97,17 @@ TEST_F(Plan, LinksOfOneFolder) {
     }
 }
 
+TEST_F(Plan, AnItemThatKeepsItsNameApartFromCompositionWaitsForNobody) {
+    const RowId folder = context.insertGhostNode("/x");
+    const RowId composed = insert(folder, "\u00E9");
+    const RowId decomposed = insert(folder, "e\u0301");
+    want(composed, u"y");
+    context.setFinalName(decomposed, u"\u00E9");
+    prepare();
+    EXPECT_EQ(linksOf(decomposed), "e\u0301: - - free");
+    EXPECT_EQ(linksOf(composed), "\u00E9: - - free");
+}
+
 TEST_F(Plan, DepthCountsAncestors) {
     const RowId ghost = context.insertGhostNode("/x");
     const RowId folder = insert(ghost, "f", true);

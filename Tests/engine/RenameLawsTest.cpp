@@ -13,7 +13,7 @@ namespace tavrin::test {
 
 namespace {
 
-constexpr unsigned plansWithFailures = 8;
+constexpr unsigned plansWithFailures = 5;
 
 std::string trace(unsigned seed, std::size_t k) {
     return "plan " + std::to_string(seed) + ", call " + std::to_string(k);

@@ -87,6 +87,19 @@ TEST(RenameMishaps, WhatHasTakenThePlaceOfAVanishedItemIsLeftAloneByACycle) {
               (RenameBench::Tree{{"f/a", "f/c"}, {"f/b", "f/a"}, {"f/c", "f/b"}, {"f/holds", "f/waits"}}));
 }
 
+TEST(RenameMishaps, ASwapWhosePartnerHasGoneIsTakenBack) {
+    RenameBench bench;
+    bench.makeAndRead({"a", "b"});
+    bench.setFinalName("a", u"b");
+    bench.setFinalName("b", u"a");
+    bench.disk.remove("b");
+    bench.rename();
+    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"a", "a"}}));
+    EXPECT_EQ(bench.renamed(), 0);
+    EXPECT_THAT(bench.problems(),
+                ElementsAre("Could not swap file names 'a' and 'b'. Neither file was renamed.: a"));
+}
+
 /// What stands under a temporary name is looked at again before it gets its final one.
 TEST(RenameMishaps, AnotherItemUnderATemporaryNameIsLeftAlone) {
     for (const bool isSwap : {true, false}) {

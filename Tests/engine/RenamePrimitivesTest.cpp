@@ -156,6 +156,8 @@ TEST_F(Primitives, AChangeOfCaseLeavesAnotherItemOfThatNameAlone) {
         disk.write("a", "small");
         disk.write("A", "capital");
         EXPECT_FALSE(rename("a", "A"));
+        EXPECT_EQ(primitives.failureReasonString(), nameTaken);
+        EXPECT_TRUE(watch.seen.empty());
         EXPECT_EQ(disk.tree(), (std::map<std::string, std::string>{{"a", "small"}, {"A", "capital"}}));
     }
 }

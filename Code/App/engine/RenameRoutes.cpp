@@ -117,7 +117,7 @@ int RenameRoutes::moveByDummy(Way way) {
 }
 
 bool RenameRoutes::sourceIsInPlace() {
-    if (displaced || !sourceIsKnown)
+    if (!sourceIsKnown)
         return !displaced;
     FileStatus found;
     return status(Way::folder, from, found) == 0 && isSameItem(found, sourceStatus);
