@@ -12,6 +12,7 @@
 #include "store/FilterManager.h"
 #include "store/StoreContext.h"
 #include "support/Text.h"
+#include "support/TextUnits.h"
 
 #include <array>
 
@@ -30,9 +31,18 @@ std::string stageTextForAction(int index) {
     return fmt::format("Applying {}th renaming action...", index + 1);
 }
 
+/// A unit that is a colon becomes zero, and a zero unit borrows from its highest bit.
+bool hasNoColon(std::u16string_view name) {
+    using namespace text::units;
+    return none(name, [](std::uint64_t word) {
+        const std::uint64_t difference = word ^ everyUnit(u':');
+        return (difference - everyUnit(1)) & ~difference & everyUnit(0x8000);
+    });
+}
+
 /// Names shown never hold the separator of the other side.
 void replaceColons(std::u16string& name) {
-    if (name.find(u':') != std::u16string::npos)
+    if (!hasNoColon(name))
         text::replaceUnit(name, u':', u'/');
 }
 
@@ -171,13 +181,15 @@ void ComputeProvisionalNamesStage::storeNewName(RowId id) {
     // The first action worked on the name itself, later ones on the result of the one before.
     const std::u16string* name = &input.currentName;
     if (!isFirstAppliedAction) {
+        if (text::units::same(output.newName, input.currentName))
+            return; // what the one before has stored still holds
         context->name(id, nameBuffer);
         name = &nameBuffer;
     }
-    const bool isName = output.newName == *name;
-    if (isName && isFirstAppliedAction)
+    const bool isName = text::units::same(output.newName, *name);
+    if (isName)
         context->setFinalNameToName(id);
-    else if (isFirstAppliedAction || output.newName != input.currentName)
+    else
         context->setFinalName(id, output.newName);
     const bool differs = !isName && !text::canonicallyEqual(output.newName, *name);
     if (context->row(id).diff != differs)

@@ -5,6 +5,7 @@
 #include "support/TextUnits.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <random>
@@ -15,6 +16,7 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t smallestTable = 16;
+constexpr std::size_t batchSize = 32;
 
 /// Folds two words into one so that every bit of both counts.
 std::uint64_t mixed(std::uint64_t a, std::uint64_t b) {
@@ -30,25 +32,43 @@ std::uint64_t newSeed() {
     return std::uint64_t{device()} << 32 | device();
 }
 
+/// Lower-cases into a buffer that is used again.
+void lowercase(std::u16string_view name, std::u16string& into) {
+    if (!text::units::allAscii(name)) {
+        into = text::lowercased(name);
+        return;
+    }
+    into.resize(name.size());
+    std::transform(name.begin(), name.end(), into.begin(), text::units::asciiLower<char16_t>);
+}
+
 } // namespace
 
 NameTable::NameTable(StoreContext& storeContext) : context(storeContext), seed(newSeed()) {}
 
 void NameTable::read(const std::vector<RowId>& children) {
     groups.clear();
-    hashes.clear();
     rows.clear();
-    hashes.reserve(children.size());
     rows.reserve(children.size());
-    table.assign(std::max(smallestTable, std::bit_ceil(children.size() + children.size() / 2)), none);
-    for (const RowId id : children) {
-        context.finalName(id, nameBuffer);
-        lowercase(nameBuffer, keyBuffer);
-        const std::uint64_t hash = hashOf(keyBuffer);
-        if (const std::uint32_t entry = find(keyBuffer, hash); entry != none)
-            addMember(entry, id, keyBuffer);
+    table.assign(std::max(smallestTable, std::bit_ceil(children.size() + children.size() / 4)), {});
+    for (std::size_t at = 0; at < children.size(); at += batchSize)
+        readBatch(std::span(children).subspan(at, std::min(batchSize, children.size() - at)));
+}
+
+/// All hashes before the table is touched, so that the memory of a big table is on its way meanwhile.
+void NameTable::readBatch(std::span<const RowId> children) {
+    std::array<std::uint32_t, batchSize> hashes{};
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        hashes[i] = hashOf(keyOf(children[i]));
+        __builtin_prefetch(&table[hashes[i] & (table.size() - 1)]);
+    }
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        const RowId id = children[i];
+        const std::uint32_t entry = find(hashes[i], [&] { return keyOf(id); });
+        if (entry == none)
+            addEntry(id, hashes[i]);
         else
-            addEntry(id, hash);
+            addMember(entry, id);
     }
 }
 
@@ -64,68 +84,76 @@ std::vector<NameTable::Group> NameTable::takeGroups() {
 }
 
 bool NameTable::isTaken(std::u16string_view name) {
-    lowercase(name, keyBuffer);
-    return find(keyBuffer, hashOf(keyBuffer)) != none;
+    std::u16string key;
+    lowercase(name, key);
+    return find(hashOf(key), [&] { return std::u16string_view(key); }) != none;
 }
 
 void NameTable::add(RowId id) {
-    context.finalName(id, nameBuffer);
-    lowercase(nameBuffer, keyBuffer);
-    const std::uint64_t hash = hashOf(keyBuffer);
-    if (find(keyBuffer, hash) == none)
+    const std::uint32_t hash = hashOf(keyOf(id));
+    if (find(hash, [&] { return keyOf(id); }) == none)
         addEntry(id, hash);
 }
 
-void NameTable::addMember(std::uint32_t entry, RowId id, std::u16string_view key) {
+std::u16string_view NameTable::keyOf(RowId id) {
+    context.finalName(id, nameBuffer);
+    lowercase(nameBuffer, keyBuffer);
+    return keyBuffer;
+}
+
+template <typename Key> std::uint32_t NameTable::find(std::uint32_t hash, Key key) {
+    const std::size_t mask = table.size() - 1;
+    bool hasKey = false;
+    for (std::size_t at = hash & mask; table[at].entry != none; at = (at + 1) & mask) {
+        if (table[at].hash != hash)
+            continue;
+        if (!std::exchange(hasKey, true))
+            soughtKey = key();
+        if (isKeyOf(table[at].entry, soughtKey))
+            return table[at].entry;
+    }
+    return none;
+}
+
+bool NameTable::isKeyOf(std::uint32_t entry, std::u16string_view key) {
+    const auto group = groups.find(entry);
+    return text::units::same(group != groups.end() ? group->second.key : keyOf(rows[entry]), key);
+}
+
+/// The name sought last is that of the member.
+void NameTable::addMember(std::uint32_t entry, RowId id) {
     NamedGroup& group = groups[entry];
     if (group.members.empty()) {
-        group.key = key;
+        group.key = soughtKey;
         group.members.push_back(rows[entry]);
     }
     group.members.push_back(id);
 }
 
-void NameTable::addEntry(RowId id, std::uint64_t hash) {
+void NameTable::addEntry(RowId id, std::uint32_t hash) {
     rows.push_back(id);
-    hashes.push_back(hash);
-    if (rows.size() + rows.size() / 4 > table.size())
+    if (rows.size() + rows.size() / 3 > table.size())
         grow();
-    else
-        insertIntoTable(static_cast<std::uint32_t>(rows.size() - 1));
+    insert({hash, static_cast<std::uint32_t>(rows.size() - 1)});
 }
 
 void NameTable::grow() {
-    table.assign(table.size() * 2, none);
-    for (std::uint32_t entry = 0; entry < rows.size(); ++entry)
-        insertIntoTable(entry);
-}
-
-void NameTable::insertIntoTable(std::uint32_t entry) {
-    const std::size_t mask = table.size() - 1;
-    std::size_t slot = hashes[entry] & mask;
-    while (table[slot] != none)
-        slot = (slot + 1) & mask;
-    table[slot] = entry;
-}
-
-std::uint32_t NameTable::find(std::u16string_view key, std::uint64_t hash) {
-    const std::size_t mask = table.size() - 1;
-    for (std::size_t slot = hash & mask; table[slot] != none; slot = (slot + 1) & mask) {
-        const std::uint32_t entry = table[slot];
-        if (hashes[entry] != hash)
-            continue;
-        const auto group = groups.find(entry);
-        if (group == groups.end()) {
-            context.finalName(rows[entry], nameBuffer);
-            lowercase(nameBuffer, otherBuffer);
-        }
-        if ((group == groups.end() ? otherBuffer : group->second.key) == key)
-            return entry;
+    const std::vector<Slot> former = std::exchange(table, std::vector<Slot>(table.size() * 2));
+    for (const Slot& slot : former) {
+        if (slot.entry != none)
+            insert(slot);
     }
-    return none;
 }
 
-std::uint64_t NameTable::hashOf(std::u16string_view key) const {
+void NameTable::insert(Slot slot) {
+    const std::size_t mask = table.size() - 1;
+    std::size_t at = slot.hash & mask;
+    while (table[at].entry != none)
+        at = (at + 1) & mask;
+    table[at] = slot;
+}
+
+std::uint32_t NameTable::hashOf(std::u16string_view key) const {
     std::uint64_t hash = mixed(seed, key.size());
     const char16_t* at = key.data();
     std::size_t left = key.size();
@@ -133,16 +161,7 @@ std::uint64_t NameTable::hashOf(std::u16string_view key) const {
         hash = mixed(hash, text::units::load(at));
     std::uint64_t rest = 0;
     std::memcpy(&rest, at, left * sizeof(char16_t));
-    return mixed(hash, rest);
-}
-
-void NameTable::lowercase(std::u16string_view name, std::u16string& into) const {
-    if (!text::units::allAscii(name)) {
-        into = text::lowercased(name);
-        return;
-    }
-    into.resize(name.size());
-    std::transform(name.begin(), name.end(), into.begin(), text::units::asciiLower<char16_t>);
+    return static_cast<std::uint32_t>(mixed(hash, rest) >> 32);
 }
 
 } // namespace tavrin

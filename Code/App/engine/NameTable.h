@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,7 +15,7 @@ namespace tavrin {
 class StoreContext;
 
 /// The final names of a folder's children, apart from case: which of them collide, and which are in use while
-/// the collisions are settled. Holds about 16 bytes per child; the names themselves are looked at in the
+/// the collisions are settled. Holds about 16 bytes per child: the names themselves are looked at in the
 /// rows, and only where their hashes are equal.
 class NameTable {
   public:
@@ -36,29 +37,35 @@ class NameTable {
   private:
     static constexpr std::uint32_t none = 0xFFFFFFFF;
 
+    struct Slot {
+        std::uint32_t hash = 0;
+        std::uint32_t entry = none;
+    };
     struct NamedGroup {
         std::u16string key; ///< stays in use when its members have moved on
         Group members;
     };
 
-    [[nodiscard]] std::uint64_t hashOf(std::u16string_view key) const;
-    /// The entry with this key, or none.
-    std::uint32_t find(std::u16string_view key, std::uint64_t hash);
-    void addEntry(RowId id, std::uint64_t hash);
-    void addMember(std::uint32_t entry, RowId id, std::u16string_view key);
-    void insertIntoTable(std::uint32_t entry);
+    /// The lower-cased final name of a row, valid until the next call.
+    std::u16string_view keyOf(RowId id);
+    [[nodiscard]] std::uint32_t hashOf(std::u16string_view key) const;
+    void readBatch(std::span<const RowId> children);
+    /// The entry with this hash and key, or none. The key is asked for only where the hash is found.
+    template <typename Key> std::uint32_t find(std::uint32_t hash, Key key);
+    [[nodiscard]] bool isKeyOf(std::uint32_t entry, std::u16string_view key);
+    void addEntry(RowId id, std::uint32_t hash);
+    void addMember(std::uint32_t entry, RowId id);
+    void insert(Slot slot);
     void grow();
-    void lowercase(std::u16string_view name, std::u16string& into) const;
 
     StoreContext& context;
     const std::uint64_t seed;
-    std::vector<std::uint64_t> hashes; ///< by entry
-    std::vector<RowId> rows;           ///< by entry: the row that bears the name, the first of a group
-    std::vector<std::uint32_t> table;  ///< entries by hash, open addressing; the size is a power of two
+    std::vector<RowId> rows; ///< by entry: the row that bears the name, the first of a group
+    std::vector<Slot> table; ///< open addressing; the size is a power of two
     std::unordered_map<std::uint32_t, NamedGroup> groups; ///< by entry
     std::u16string nameBuffer;
     std::u16string keyBuffer;
-    std::u16string otherBuffer;
+    std::u16string soughtKey;
 };
 
 } // namespace tavrin
