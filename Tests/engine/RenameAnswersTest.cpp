@@ -205,7 +205,12 @@ TEST(RenameWarnings, LibrariesAreWarnedOfOncePerRunAndWherePathsHoldTheirName) {
     };
     const std::vector<Case> cases{
         {"neither", {"x/", "x/iTune", "x/my iTunes"}, stop, stop, {}, 2},
-        {"in the last component, whatever the case", {"x/", "x/ITUNES.txt"}, stop, one, {"iTunes"}, 1},
+        {"in the last component, whatever the case",
+         {"x/", "x/ITUNES.txt", "x/iTunes 2"},
+         stop,
+         one,
+         {"iTunes"},
+         2},
         {"in the folder",
          {"iphoto LIBRARY 2/", "iphoto LIBRARY 2/a", "iphoto LIBRARY 2/b"},
          one,
