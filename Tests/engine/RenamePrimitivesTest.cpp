@@ -55,7 +55,7 @@ TEST_F(Primitives, EachModeRenamesByItsRouteAndFallsBackInItsOrder) {
         std::vector<std::string> order;
     };
     for (const Case& one :
-         {Case{0, {"folder", "folder", "path", "path"}}, Case{1, {"folder", "folder", "path", "path"}},
+         {Case{0, {"path", "folder", "path", "path"}}, Case{1, {"folder", "folder", "path", "path"}},
           Case{2, {"path", "folder", "path", "folder"}}, Case{3, {}}, Case{-1, {}}}) {
         SCOPED_TRACE(one.mode);
         primitives.takeSettings(one.mode, true);

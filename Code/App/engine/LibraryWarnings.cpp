@@ -6,6 +6,13 @@
 
 namespace tavrin {
 
+namespace {
+
+/// Whether a component with this first byte can begin with one of the markers, in whatever case.
+constexpr bool mayBeginMarker(char first) { return first == 'i' || first == 'I' || (first & 0x80) != 0; }
+
+} // namespace
+
 LibraryWarnings::LibraryWarnings(bool warnInsideITunesLibrary, bool warnInsideIPhotoLibrary)
     : iTunes{TextSearch(u"/iTunes", CaseSensitivity::insensitive), warnInsideITunesLibrary},
       iPhoto{TextSearch(u"/iPhoto Library", CaseSensitivity::insensitive), warnInsideIPhotoLibrary} {}
@@ -17,8 +24,8 @@ bool LibraryWarnings::check(const std::string& newFolder, std::string_view compo
     if (!hasLooked || folder != newFolder) {
         folder = newFolder;
         hasLooked = true;
-        iTunes.folderIsInside = iTunes.marker.first(text::fromBytes(folder)).has_value();
-        iPhoto.folderIsInside = iPhoto.marker.first(text::fromBytes(folder)).has_value();
+        for (Library* library : {&iTunes, &iPhoto})
+            library->folderIsInside = holdsMarker(*library, folder);
     }
     bool goesOn = true;
     if (isInside(iPhoto, component)) {
@@ -38,9 +45,15 @@ bool LibraryWarnings::isInside(const Library& library, std::string_view componen
     if (!library.shouldWarn || library.folderIsInside)
         return library.shouldWarn;
     // The markers begin with the only slash in them, so beyond the folder they can only begin the component.
-    const auto first = static_cast<unsigned char>(component.empty() ? 0 : component.front());
-    const bool mayBegin = first == 'i' || first == 'I' || first >= 0x80;
-    return mayBegin && library.marker.first(text::fromBytes(joinedPath(folder, component))).has_value();
+    return !component.empty() && mayBeginMarker(component.front()) &&
+           holdsMarker(library, joinedPath(folder, component));
+}
+
+bool LibraryWarnings::holdsMarker(const Library& library, const std::string& path) {
+    bool mayHold = false;
+    for (std::size_t i = 1; i < path.size(); ++i)
+        mayHold |= path[i - 1] == '/' && mayBeginMarker(path[i]);
+    return mayHold && library.marker.first(text::fromBytes(path)).has_value();
 }
 
 } // namespace tavrin

@@ -25,6 +25,7 @@ class LibraryWarnings {
         bool folderIsInside = false;
     };
 
+    [[nodiscard]] static bool holdsMarker(const Library& library, const std::string& path);
     [[nodiscard]] bool isInside(const Library& library, std::string_view component) const;
 
     Library iTunes;

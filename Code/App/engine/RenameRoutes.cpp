@@ -30,10 +30,12 @@ std::u16string upperCasedForm(std::string_view name) { return text::uppercased(t
 } // namespace
 
 int RenameRoutes::begin(const std::string& newFolder, std::string_view newFrom, std::string_view newTo) {
-    if (folder != newFolder || !openFolder) {
+    // Items of several folders can come in turn, and to open a folder costs more than a path to one item.
+    if (folder == newFolder) {
+        holdFolder();
+    } else {
         folder = newFolder;
         openFolder.reset();
-        static_cast<void>(fileSystem.openFolder(folder, openFolder));
     }
     from = newFrom;
     to = newTo;
@@ -44,6 +46,11 @@ int RenameRoutes::begin(const std::string& newFolder, std::string_view newFrom, 
     return result;
 }
 
+void RenameRoutes::holdFolder() {
+    if (!openFolder)
+        static_cast<void>(fileSystem.openFolder(folder, openFolder));
+}
+
 int RenameRoutes::status(Way way, const std::string& name, FileStatus& into) {
     if (way == Way::folder && openFolder)
         return openFolder->status(name, into);
@@ -51,9 +58,9 @@ int RenameRoutes::status(Way way, const std::string& name, FileStatus& into) {
 }
 
 int RenameRoutes::rename(Way way, const std::string& oldName, const std::string& newName) {
-    if (way == Way::path)
-        return fileSystem.renameNoReplace(joinedPath(folder, oldName), joinedPath(folder, newName));
-    return openFolder ? openFolder->renameNoReplace(oldName, newName) : ENOENT;
+    if (way == Way::folder && openFolder)
+        return openFolder->renameNoReplace(oldName, newName);
+    return fileSystem.renameNoReplace(joinedPath(folder, oldName), joinedPath(folder, newName));
 }
 
 bool RenameRoutes::renameUsingLionMode() {
@@ -66,7 +73,10 @@ bool RenameRoutes::renameUsingLionMode() {
     return worked;
 }
 
-bool RenameRoutes::renameUsingFileManagerMode() { return move(Way::folder) == 0; }
+bool RenameRoutes::renameUsingFileManagerMode() {
+    holdFolder();
+    return openFolder && move(Way::folder) == 0;
+}
 
 bool RenameRoutes::renameUsingLeopardMode() {
     const bool isSameName = lowerCasedForm(from) == lowerCasedForm(to);

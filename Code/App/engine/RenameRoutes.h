@@ -38,9 +38,10 @@ class RenameRoutes {
     [[nodiscard]] bool sourceIsInPlace();
 
   private:
-    /// By the folder held open, or by path.
+    /// By the folder where it is held open, or always by path.
     enum class Way { folder, path };
 
+    void holdFolder();
     int status(Way way, const std::string& name, FileStatus& into);
     int rename(Way way, const std::string& oldName, const std::string& newName);
     int move(Way way);
@@ -50,7 +51,7 @@ class RenameRoutes {
 
     FileSystem& fileSystem;
     std::string folder;
-    std::unique_ptr<OpenFolder> openFolder; ///< null when it could not be opened
+    std::unique_ptr<OpenFolder> openFolder; ///< null until it is worth it, and when it can't be opened
     std::string from;
     std::string to;
     FileStatus sourceStatus;
