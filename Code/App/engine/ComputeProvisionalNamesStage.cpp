@@ -162,6 +162,8 @@ void ComputeProvisionalNamesStage::processRow(RowId id) {
     if (count % rowsPerCommit == 0) {
         report.describe("{} new names calculated. Committing.", count);
         saveAndRefaultFiles();
+    } else if (context->hasWideChanges()) {
+        saveAndRefaultFiles();
     }
 }
 

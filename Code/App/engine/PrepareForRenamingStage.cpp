@@ -110,7 +110,7 @@ void PrepareForRenamingStage::setDepth(RowId id, std::int32_t depth) {
 }
 
 void PrepareForRenamingStage::commitNowAndThen() {
-    if (++changedRows < rowsPerCommit)
+    if (++changedRows < rowsPerCommit && !context->hasWideChanges())
         return;
     saveAndRefaultFiles();
     changedRows = 0;

@@ -47,7 +47,9 @@ RenameEngine::~RenameEngine() {
 bool RenameEngine::isBusy() const { return threads->areBusy(); }
 
 void RenameEngine::processPreviewPipeline(ProgressInfo& progress) {
-    threads->detach([this, &progress] { internalProcessPreviewThread(progress); });
+    threads->detach([this, &progress, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        internalProcessPreviewThread(progress, *turn);
+    });
 }
 
 void RenameEngine::processRenamingPipelineThenClearList(ProgressInfo& progress) {
@@ -75,8 +77,9 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
                                  std::function<void(EngineHost&)> completion) {
     stopRequested = false;
     onMainThread([](EngineHost& host) { host.startProgressWindow(); });
-    threads->detach([this, &progress, andContinue, completion = std::move(completion)] {
-        const std::lock_guard lock(engineLock);
+    threads->detach([this, &progress, andContinue, completion = std::move(completion),
+                     turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
         if (ending)
             return;
         static_cast<void>(createRenamingPipeline(&progress, andContinue)->process());
@@ -88,8 +91,9 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
 void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shouldIncludeOnlyAffectedFiles,
                                            const std::string& path) {
     onMainThread([](EngineHost& host) { host.startProgressWindow(); });
-    threads->detach([this, arguments = FileListArguments{format, shouldIncludeOnlyAffectedFiles, path}] {
-        const std::lock_guard lock(engineLock);
+    threads->detach([this, arguments = FileListArguments{format, shouldIncludeOnlyAffectedFiles, path},
+                     turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
         if (ending)
             return;
         static_cast<void>(createSaveToFileListPipeline(arguments)->process());
@@ -100,14 +104,14 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
 }
 
 /// Of all previews that wait, only the last in line runs: it sees the settings of the moment anyway.
-void RenameEngine::internalProcessPreviewThread(ProgressInfo& progress) {
+void RenameEngine::internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn) {
     {
         const std::lock_guard token(previewPipelinesWaitingToken);
         ++previewPipelinesWaiting;
     }
     debugLog("{} waiting for renameEngine lock (previewPipelinesWaiting = {})", threadDescription(),
              previewPipelinesWaiting.load());
-    const std::lock_guard lock(engineLock);
+    const EngineTurns::Held lock(turn);
     // Counted down on every way out: a count too high would keep all later previews from running.
     const std::shared_ptr<void> countDown(nullptr, [this](void*) {
         const std::lock_guard token(previewPipelinesWaitingToken);

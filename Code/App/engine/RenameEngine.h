@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/EngineTurns.h"
 #include "store/FilterManager.h"
 #include "store/Predicate.h"
 
@@ -78,13 +79,13 @@ class RenameEngine {
 
   private:
     void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
-    void internalProcessPreviewThread(ProgressInfo& progress);
+    void internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn);
     /// Runs the action on the main thread and waits for it.
     void onMainThread(const std::function<void(EngineHost&)>& action);
     [[nodiscard]] ItemFilter itemFilter() const;
 
     EngineHost& application;
-    std::recursive_mutex engineLock;
+    EngineTurns engineLock;
     std::mutex previewPipelinesWaitingToken;
     std::atomic<int> previewPipelinesWaiting{0};
     std::atomic<int> stageFlagCounter{1};

@@ -21,7 +21,7 @@ class StoreOwner {
     struct Options {
         std::string dataFolder; ///< where the store's file is made
         std::string vfs;        ///< name of a SQLite VFS, empty for the default
-        std::size_t residentBudget = 64u << 20;
+        std::size_t residentBudget = 48u << 20;
     };
     /// `presentError` may be called on any thread. While `isBusyMigrating` says so, nothing is merged.
     StoreOwner(UserDefaults& defaults, Options options,

@@ -94,16 +94,20 @@ std::vector<std::uint32_t> SegmentTable::residentByAge() const {
     return numbers;
 }
 
-std::optional<std::string> SegmentTable::makeRoom(std::size_t reserve) {
+std::optional<std::string> SegmentTable::makeRoom() {
     if (file == nullptr)
         return std::nullopt;
-    std::size_t bytes = residentBytes() + reserve;
-    if (bytes <= budget)
+    constexpr std::size_t least = 8u << 20; // below it every access would page
+    const std::size_t allowed = std::max(budget - std::min(budget, reserve), std::min(least, budget));
+    std::size_t bytes = residentBytes();
+    if (bytes <= allowed)
         return std::nullopt;
+    if (reserve > 0)
+        spares.clear();
     std::vector<std::uint32_t> victims;
     for (const std::uint32_t number : residentByAge()) {
         // Some slack keeps the next segment from evicting again.
-        if (bytes <= budget - budget / 8 || victims.size() + 1 >= entries.size())
+        if (bytes <= allowed - allowed / 8 || victims.size() + 1 >= entries.size())
             break;
         bytes -= std::min(bytes, entries[number].resident->footprint());
         victims.push_back(number);

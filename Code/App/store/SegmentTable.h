@@ -38,9 +38,11 @@ class SegmentTable {
     [[nodiscard]] bool exists(std::uint32_t number) const;
     void drop(std::uint32_t number);
 
-    /// Writes and evicts the segments used longest ago until the budget holds, `reserve` bytes included; the
-    /// error's text when the file refuses.
-    [[nodiscard]] std::optional<std::string> makeRoom(std::size_t reserve = 0);
+    /// Writes and evicts the segments used longest ago until the budget holds; the error's text when the file
+    /// refuses.
+    [[nodiscard]] std::optional<std::string> makeRoom();
+    /// Takes this many bytes out of the budget for other things.
+    void setReserve(std::size_t bytes) { reserve = bytes; }
     /// Writes all dirty segments.
     [[nodiscard]] std::optional<std::string> flush();
     /// Goes on without the file: what is not in memory is gone.
@@ -69,6 +71,7 @@ class SegmentTable {
     std::size_t existing = 0;
     std::uint64_t clock = 0;
     int holds = 0;
+    std::size_t reserve = 0;
 };
 
 } // namespace tavrin

@@ -10,6 +10,13 @@ namespace tavrin {
 
 namespace {
 
+constexpr std::size_t wordSize = 4;
+constexpr std::size_t lengthSize = sizeof(std::uint32_t);
+
+bool isText(const SortDescriptor& descriptor) {
+    return descriptor.key == NodeKey::name || descriptor.key == NodeKey::smartName;
+}
+
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// Unsigned numbers in the order of the doubles.
@@ -60,17 +67,42 @@ bool SortKeys::addInOrder(RowId id, const NodeRow& row, std::string_view compone
     return true;
 }
 
-void SortKeys::keepAll(std::size_t rows, std::size_t bytesOfKeys) {
+std::size_t SortKeys::keepAll(std::size_t rows, std::size_t bytesOfNames) {
     inOrder = {};
+    const auto texts = static_cast<std::size_t>(std::count_if(order.begin(), order.end(), isText));
+    const std::size_t bytes = bytesOfNames * texts + rows * (bytesBesideTexts() + wordSize / 2);
     arena.clear();
-    arena.reserve(bytesOfKeys);
+    arena.reserve(bytes);
     entries.reserve(rows);
+    return bytes + rows * sizeof(Entry);
+}
+
+std::size_t SortKeys::bytesBesideTexts() const {
+    std::size_t bytes = lengthSize + sizeof(NodeRow::manualOrder);
+    for (const SortDescriptor& descriptor : order) {
+        // Numbers inside names take a few bytes more than their digits.
+        const bool isWide = attribute(descriptor.key).type == AttributeType::real ||
+                            attribute(descriptor.key).type == AttributeType::string;
+        bytes += isWide ? 8 : 4;
+    }
+    return bytes;
 }
 
 void SortKeys::add(RowId id, const NodeRow& row, std::string_view component) {
+    arena.resize((arena.size() + wordSize - 1) / wordSize * wordSize);
     const std::size_t start = arena.size();
+    arena.append(lengthSize, '\0');
     appendKey(id, row, component);
-    entries.push_back({0, start, arena.size() - start, id});
+    const auto length = static_cast<std::uint32_t>(arena.size() - start - lengthSize);
+    std::memcpy(arena.data() + start, &length, lengthSize);
+    entries.push_back({0, static_cast<std::uint32_t>(start / wordSize), id});
+}
+
+std::string_view SortKeys::keyAt(const Entry& entry) const {
+    const char* start = arena.data() + std::size_t{entry.place} * wordSize;
+    std::uint32_t length = 0;
+    std::memcpy(&length, start, lengthSize);
+    return {start + lengthSize, length};
 }
 
 void SortKeys::appendKey(RowId id, const NodeRow& row, std::string_view component) {
@@ -168,13 +200,13 @@ void SortKeys::appendNaturalText(std::string_view text) {
 }
 
 std::size_t SortKeys::commonPrefix() const {
-    const Entry& first = entries.front();
-    std::size_t common = first.length;
+    const std::string_view first = keyAt(entries.front());
+    std::size_t common = first.size();
     for (const Entry& entry : entries) {
-        const char* a = arena.data() + first.offset;
-        const char* b = arena.data() + entry.offset;
-        const std::size_t limit = std::min<std::size_t>(common, entry.length);
-        common = static_cast<std::size_t>(std::mismatch(a, a + limit, b).first - a);
+        const std::string_view key = keyAt(entry);
+        const auto limit = static_cast<std::ptrdiff_t>(std::min(common, key.size()));
+        common = static_cast<std::size_t>(
+            std::mismatch(first.begin(), first.begin() + limit, key.begin()).first - first.begin());
     }
     return common;
 }
@@ -182,27 +214,22 @@ std::size_t SortKeys::commonPrefix() const {
 std::vector<RowId> SortKeys::sorted() {
     if (entries.empty())
         return std::move(inOrder);
-    {
-        const std::size_t skip = commonPrefix();
-        for (Entry& entry : entries)
-            entry.prefix = bigEndian(arena.data() + entry.offset + skip, entry.length - skip);
+    const std::size_t skip = commonPrefix();
+    for (Entry& entry : entries) {
+        const std::string_view key = keyAt(entry);
+        entry.prefix = bigEndian(key.data() + skip, key.size() - skip);
     }
-    const char* keys = arena.data();
-    const auto isLess = [keys](const Entry& a, const Entry& b) {
+    std::sort(entries.begin(), entries.end(), [this](const Entry& a, const Entry& b) {
         if (a.prefix != b.prefix)
             return a.prefix < b.prefix;
-        const std::size_t common = std::min<std::size_t>(a.length, b.length);
-        const int difference = std::memcmp(keys + a.offset, keys + b.offset, common);
-        if (difference != 0)
-            return difference < 0;
-        return a.length != b.length ? a.length < b.length : a.id < b.id;
-    };
-    std::sort(entries.begin(), entries.end(), isLess);
+        const int difference = keyAt(a).compare(keyAt(b));
+        return difference != 0 ? difference < 0 : a.id < b.id;
+    });
+    arena = {};
     std::vector<RowId> ids;
     ids.reserve(entries.size());
     for (const Entry& entry : entries)
         ids.push_back(entry.id);
-    arena = {};
     entries = {};
     return ids;
 }

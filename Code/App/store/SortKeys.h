@@ -22,8 +22,8 @@ class SortKeys {
     /// Rows are added by ascending id. While they also come in order nothing is kept but their ids; false
     /// from the first one on that does not: then the rows must be added again, with every key kept.
     [[nodiscard]] bool addInOrder(RowId id, const NodeRow& row, std::string_view component);
-    /// Starts over, with every key kept.
-    void keepAll(std::size_t rows, std::size_t bytesOfKeys);
+    /// Starts over, with every key kept; the bytes of memory that it takes.
+    std::size_t keepAll(std::size_t rows, std::size_t bytesOfNames);
     void add(RowId id, const NodeRow& row, std::string_view component);
     /// The rows in order; the keys are spent.
     [[nodiscard]] std::vector<RowId> sorted();
@@ -31,10 +31,11 @@ class SortKeys {
   private:
     struct Entry {
         std::uint64_t prefix;
-        std::uint64_t offset : 40; // of the key in the arena
-        std::uint64_t length : 24;
+        std::uint32_t place; // of the key in the arena, in words; its length stands before it
         RowId id;
     };
+    [[nodiscard]] std::string_view keyAt(const Entry& entry) const;
+    [[nodiscard]] std::size_t bytesBesideTexts() const;
     void appendKey(RowId id, const NodeRow& row, std::string_view component);
     void append(const SortDescriptor& descriptor, RowId id, const NodeRow& row, std::string_view component);
     void appendNumber(std::uint64_t value, unsigned bytes);

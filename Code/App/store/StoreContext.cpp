@@ -113,8 +113,10 @@ RowBlock& StoreContext::Impl::blockWithFinals(RowId id) {
 void StoreContext::Impl::note(RowBlock& block, RowId id, RowBlock::Change change) {
     const bool isFirstInBlock = block.changedRows == 0;
     block.note(RowBlock::index(id), change);
-    if (isFirstInBlock)
+    if (isFirstInBlock) {
         staged.blocks.push_back(&block);
+        stagedSegments.insert(Segment::number(id));
+    }
 }
 
 void StoreContext::Impl::dropCleanBlocks() {
@@ -238,6 +240,13 @@ void StoreContext::Impl::forgetStaleImages() {
 
 bool StoreContext::hasChanges() const { return !impl->staged.isEmpty(); }
 
+bool StoreContext::hasWideChanges() const {
+    constexpr std::size_t manyBlocks = 1024;
+    constexpr std::size_t manySegments = 24;
+    return impl->staged.blocks.size() >= manyBlocks ||
+           (impl->itemStore.kind() == ItemStore::Kind::file && impl->stagedSegments.size() >= manySegments);
+}
+
 std::optional<std::string> StoreContext::commit() {
     Impl& self = *impl;
     if (self.staged.isEmpty())
@@ -258,6 +267,7 @@ std::optional<std::string> StoreContext::commit() {
     for (RowBlock* block : self.staged.blocks)
         block->forgetChanges();
     self.staged = StagedChanges{};
+    self.stagedSegments.clear();
     self.stagedFolders.clear();
     self.forgetStaleImages();
     if (changes.rowsDeleted) {
@@ -285,6 +295,7 @@ void StoreContext::reset() {
     Impl& self = *impl;
     self.dropAllBlocks();
     self.staged = StagedChanges{};
+    self.stagedSegments.clear();
     self.stagedFolders.clear();
     self.nextReserved = self.endReserved = noRow;
     self.forgetStaleImages();

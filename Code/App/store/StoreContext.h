@@ -122,6 +122,8 @@ class StoreContext {
 
     // --- Changes ---
     [[nodiscard]] bool hasChanges() const;
+    /// Whether what is staged is spread over so many rows that committing it now saves memory.
+    [[nodiscard]] bool hasWideChanges() const;
     /// Makes all staged changes part of the store. On failure the error's text, with everything still staged.
     [[nodiscard]] std::optional<std::string> commit();
     /// Commits and writes all that is changed to the store's file.

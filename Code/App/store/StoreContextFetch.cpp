@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <malloc.h>
 #include <utility>
 
 // Fetches of a context: cursors, sorted lists, children, look-ups by path.
@@ -225,6 +226,31 @@ template <typename Visit> void StoreContext::Impl::forEachRow(const std::vector<
     }
 }
 
+namespace {
+
+/// Bytes taken out of the budget of the store's segments for a while.
+class Reserve {
+  public:
+    Reserve(ItemStore::Impl& owner, std::size_t bytes) : store(owner) {
+        std::scoped_lock lock(store.mutex);
+        store.segments.setReserve(bytes);
+        static_cast<void>(store.segments.makeRoom()); // what can't be written now stays in memory
+        if (store.segments.isPaged())
+            malloc_trim(0); // segments leave holes that only this gives back
+    }
+    ~Reserve() {
+        std::scoped_lock lock(store.mutex);
+        store.segments.setReserve(0);
+    }
+    Reserve(const Reserve&) = delete;
+    Reserve& operator=(const Reserve&) = delete;
+
+  private:
+    ItemStore::Impl& store;
+};
+
+} // namespace
+
 std::vector<RowId> StoreContext::Impl::sortRows(const std::vector<RowId>& rows,
                                                 const std::vector<SortDescriptor>& order) {
     SortKeys keys(order, store.secret);
@@ -235,18 +261,13 @@ std::vector<RowId> StoreContext::Impl::sortRows(const std::vector<RowId>& rows,
     });
     if (isInOrder)
         return keys.sorted();
-    std::size_t bytes = 0;
-    constexpr std::size_t bytesBesideNames = 32;
+    std::size_t namesBytes = 0;
     forEachRow(rows, [&](RowId, const NodeRow&, std::string_view component) {
-        bytes += component.size() + order.size() * 8 + 4;
+        namesBytes += component.size();
         return true;
     });
-    {
-        // The keys take the place of rows in memory while the order is made.
-        std::scoped_lock lock(store.mutex);
-        static_cast<void>(store.segments.makeRoom(bytes + rows.size() * bytesBesideNames));
-    }
-    keys.keepAll(rows.size(), bytes);
+    // The keys take the place of rows in memory while the order is made.
+    const Reserve reserve(store, keys.keepAll(rows.size(), namesBytes));
     forEachRow(rows, [&](RowId id, const NodeRow& row, std::string_view component) {
         keys.add(id, row, component);
         return true;

@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -65,6 +66,7 @@ struct StoreContext::Impl {
     StoreContext* self = nullptr; // for what is derived through the public operations
 
     StagedChanges staged;
+    std::unordered_set<std::uint32_t> stagedSegments; // those of the staged blocks
     EngineControl controlForReading;
 
     std::unordered_map<std::uint32_t, std::unique_ptr<RowBlock>> blocks;
