@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -19,6 +20,11 @@ constexpr const char* eraseLine = "\r\x1b[K";
 void writeToError(std::string_view text) {
     OutputBuffer error(STDERR_FILENO);
     error.append(text);
+}
+
+std::size_t columnsOfError() {
+    winsize size{};
+    return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : 80;
 }
 
 } // namespace
@@ -72,16 +78,16 @@ std::optional<std::string> Terminal::ask(std::string_view question, int interrup
 }
 
 void Terminal::showProgress(std::string_view line) {
-    if (!errorIsForPeople)
+    if (!errorIsForPeople || line == progressShown)
         return;
-    writeToError(eraseLine + display::visible(line));
-    progressIsShown = true;
+    progressShown = line;
+    writeToError(eraseLine + progressShown.substr(0, columnsOfError() - 1));
 }
 
 void Terminal::clearProgress() {
-    if (progressIsShown)
+    if (!progressShown.empty())
         writeToError(eraseLine);
-    progressIsShown = false;
+    progressShown.clear();
 }
 
 } // namespace tavrin

@@ -32,7 +32,7 @@ class Terminal {
     /// when `interruption` becomes readable meanwhile.
     [[nodiscard]] std::optional<std::string> ask(std::string_view question, int interruption);
 
-    /// Shows a line of progress in place of the last one, if standard error is a terminal.
+    /// Shows a line of ASCII in place of the last one, if standard error is a terminal.
     void showProgress(std::string_view line);
     void clearProgress();
 
@@ -40,7 +40,7 @@ class Terminal {
     OutputBuffer standardOutput;
     bool outputIsForPeople;
     bool errorIsForPeople;
-    bool progressIsShown = false;
+    std::string progressShown; ///< empty: none
 };
 
 } // namespace tavrin
