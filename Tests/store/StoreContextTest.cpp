@@ -202,6 +202,57 @@ TEST_P(StoreContextTest, ASortedPassGoesOnWhereItStoppedAndWrapsRound) {
     EXPECT_EQ(context.childCount(ghost), 3000u);
 }
 
+TEST_P(StoreContextTest, AWalkOutOfIdOrderSeesMarksChangesAndDeletions) {
+    const RowId ghost = context.insertGhostNode("/w");
+    constexpr int count = 5000;
+    for (int i = 0; i < count; ++i) // later ids have earlier names
+        context.insertFile(ghost, "n" + std::to_string(99999 - i), true, false, i);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    context.reset();
+    const FetchRequest request{FetchEntity::file, Predicate::notMarked(5), {{NodeKey::name, true}}, 1000};
+    std::vector<RowId> batch = context.fetch(request);
+    ASSERT_EQ(batch.size(), 1000u);
+    EXPECT_EQ(context.component(batch[0]), "n95000");
+    EXPECT_EQ(context.row(batch[1]).manualOrder, count - 2);
+
+    context.setStageFlag(batch[0], 5);
+    EXPECT_EQ(context.stageFlag(batch[0]), 5);
+    context.reset();
+    EXPECT_EQ(context.stageFlag(batch[0]), unmarked) << "a mark that was not committed is dropped";
+
+    other.setFinalName(batch[2], u"changed");
+    other.deleteRow(batch[3]);
+    ASSERT_EQ(other.commit(), std::nullopt);
+    context.reset();
+    EXPECT_EQ(context.finalName(batch[2]), u"changed");
+    EXPECT_EQ(context.fullPath(batch[3]), "");
+
+    std::size_t seen = 0;
+    std::string last;
+    for (batch = context.fetch(request); !batch.empty(); batch = context.fetch(request)) {
+        for (const RowId row : batch) {
+            ++seen;
+            context.setStageFlag(row, 5);
+        }
+        EXPECT_EQ(context.count(FetchEntity::file, Predicate::notMarked(5)), count - 1 - seen);
+        ASSERT_EQ(context.commit(), std::nullopt);
+        context.refault();
+    }
+    EXPECT_EQ(seen, std::size_t{count - 1});
+}
+
+TEST_P(StoreContextTest, SaysWhenStagedRowsLieFarApart) {
+    const RowId ghost = fillFolder(context, 120000);
+    const std::vector<RowId> rows = context.children(ghost);
+    std::size_t changed = 0;
+    for (std::size_t i = 0; i < rows.size() && !context.hasWideChanges(); i += 300, ++changed)
+        context.change(rows[i]).depth = 1;
+    EXPECT_EQ(context.hasWideChanges(), GetParam() != Backing::memory);
+    EXPECT_LE(changed, 400u);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    EXPECT_FALSE(context.hasWideChanges());
+}
+
 TEST_P(StoreContextTest, ReadsMetadataOnceAlsoWhenThereIsNone) {
     const RowId ghost = fillFolder(context, 1);
     const RowId row = context.children(ghost).front();
