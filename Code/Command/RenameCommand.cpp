@@ -25,7 +25,7 @@ ExitStatus runRenameCommand(const RenameOptions& options) {
     session.preview();
     if (!session.wasInterrupted())
         session.rename();
-    if (!options.quiet && session.status() != ExitStatus::badUsage)
+    if (!options.quiet && (session.hasRun() || session.wasInterrupted()))
         session.terminal().output().append(summary(session.renamedCount()));
     return session.finish();
 }

@@ -126,7 +126,8 @@ void Session::rename() {
     // An interrupt that came before the start is forgotten by it.
     if (wasInterrupted())
         controller->renameEngine().requestStop();
-    if (hasStarted && !frontEnd.wasRefused())
+    runHasStarted = hasStarted && !frontEnd.wasRefused();
+    if (runHasStarted)
         loop.run();
     setToStop(nullptr);
 }
@@ -152,11 +153,11 @@ void Session::wasToldToStop() {
     loop.post([] {}); // whoever waits looks again
 }
 
-ExitStatus Session::status() const {
+ExitStatus Session::status() {
     if (wasInterrupted() || frontEnd.wasStopped())
         return ExitStatus::stopped;
     if (frontEnd.wasRefused())
-        return ExitStatus::badUsage;
+        return renamedCount() == 0 ? ExitStatus::badUsage : ExitStatus::itemsFailed;
     return frontEnd.hasFailures() ? ExitStatus::itemsFailed : ExitStatus::allWell;
 }
 

@@ -45,16 +45,16 @@ class Session {
     [[nodiscard]] StoreContext& context();
     [[nodiscard]] Predicate filter();
 
-    /// Renames the previewed items, and answers when it is done.
+    /// Renames the previewed items, and comes back when it is done.
     void rename();
+    /// The checks in front of it let the rename begin.
+    [[nodiscard]] bool hasRun() const { return runHasStarted; }
     /// How many names the rename changed.
     [[nodiscard]] std::int32_t renamedCount();
 
     [[nodiscard]] bool wasInterrupted() const { return interrupts.wasInterrupted(); }
     /// How the command has ended, from all that happened.
-    [[nodiscard]] ExitStatus status() const;
-    /// The run was refused before it began.
-    [[nodiscard]] bool wasRefused() const { return frontEnd.wasRefused(); }
+    [[nodiscard]] ExitStatus status();
     /// Writes what is left of the output, and ends the process at once if an interrupt has left a preview
     /// running. Nothing is lost with it.
     ExitStatus finish();
@@ -71,6 +71,7 @@ class Session {
     Terminal connectedTerminal;
     bool showsProgress = true;
     bool hasUnfinishedPreview = false;
+    bool runHasStarted = false;
 
     std::mutex stopping;            ///< guards what follows
     RenameEngine* toStop = nullptr; ///< while a rename may be under way

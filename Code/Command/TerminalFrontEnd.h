@@ -26,7 +26,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     /// Something was told as failed.
     [[nodiscard]] bool hasFailures() const { return failures; }
-    /// A run was refused before it changed anything.
+    /// A run was refused: before it began, or at an item that must not be touched.
     [[nodiscard]] bool wasRefused() const { return refused; }
     /// The user stopped the run by an answer.
     [[nodiscard]] bool wasStopped() const { return stopped; }
