@@ -22,6 +22,7 @@ struct StoreChanges {
     std::uint8_t columnClasses = 0; ///< of the updated rows, a union of ColumnClass
     bool rowsInserted = false;
     bool rowsDeleted = false;
+    std::vector<RowId> deletedRows; ///< left empty where very many were deleted
     bool engineControl = false;
     bool sourceItems = false;
     bool processingErrors = false;

@@ -4,6 +4,7 @@
 #include "store/StoreError.h"
 
 #include <algorithm>
+#include <utility>
 
 // How the store hands rows to contexts and takes their changes over.
 
@@ -90,6 +91,9 @@ std::optional<std::string> ItemStore::Impl::apply(StagedChanges& staged, StoreCh
     for (const RowId row : staged.deletedNodes)
         removeRow(row);
     into.rowsDeleted = !doomed.empty() || !staged.deletedNodes.empty();
+    constexpr std::size_t tellingCount = 256;
+    if (staged.deletedNodes.empty() && doomed.size() <= tellingCount)
+        into.deletedRows = std::move(doomed);
     if (!staged.deletedNodes.empty())
         dropEmptySegments();
     applySmallEntities(staged, into);

@@ -160,6 +160,23 @@ void StoreContext::Impl::refreshUnchangedRows(RowBlock& block) {
     }
 }
 
+void StoreContext::Impl::forgetDeletedRows(const StoreChanges& changes) {
+    lastFolder = noRow;
+    if (changes.deletedRows.empty())
+        return dropCleanBlocks();
+    for (const RowId id : changes.deletedRows) {
+        RowBlock* block = presentBlock(id);
+        if (block == nullptr)
+            continue;
+        const std::size_t index = RowBlock::index(id);
+        block->rows[index] = NodeRow{};
+        if (block->hasNames)
+            block->names.clear(index);
+        if (block->hasFinals)
+            block->finals.clear(index);
+    }
+}
+
 std::uint8_t StoreContext::Impl::summary(RowId id) {
     if (hasStagedRows()) {
         if (const RowBlock* block = presentBlock(id)) {
@@ -270,10 +287,8 @@ std::optional<std::string> StoreContext::commit() {
     self.stagedSegments.clear();
     self.stagedFolders.clear();
     self.forgetStaleImages();
-    if (changes.rowsDeleted) {
-        self.dropCleanBlocks();
-        self.lastFolder = noRow;
-    }
+    if (changes.rowsDeleted)
+        self.forgetDeletedRows(changes);
     if (didSave)
         didSave(changes);
     return std::nullopt;
@@ -316,14 +331,14 @@ void StoreContext::merge(const StoreChanges& changes) {
                 std::erase(self.staged.blocks, block);
         }
     }
-    if (!changes.updated.empty() || changes.rowsInserted || changes.rowsDeleted) {
+    if (changes.rowsDeleted)
+        self.forgetDeletedRows(changes);
+    if (!changes.updated.empty() || changes.rowsInserted) {
         self.dropCleanBlocks();
         self.forgetStaleImages();
         for (RowBlock* block : self.staged.blocks)
             self.refreshUnchangedRows(*block);
     }
-    if (changes.rowsDeleted)
-        self.lastFolder = noRow;
     if (changes.engineControl && (!self.staged.control || *self.staged.control == self.staged.controlAsRead))
         self.staged.control.reset();
 }

@@ -39,6 +39,8 @@ struct StoreContext::Impl {
     RowId insert(const NodeRow& row, std::string_view component);
     void dropCleanBlocks();
     void dropAllBlocks();
+    /// Makes deleted rows read as empty ones; the blocks stay, since a list is emptied row by row.
+    void forgetDeletedRows(const StoreChanges& changes);
     /// Reads the rows of a block anew in which nothing is staged.
     void refreshUnchangedRows(RowBlock& block);
 
