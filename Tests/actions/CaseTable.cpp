@@ -3,6 +3,7 @@
 #include "support/Text.h"
 
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <string_view>
@@ -18,7 +19,6 @@ class LineReader {
 
     ActionCase read() {
         ActionCase each;
-        each.line = line;
         const auto bar = rest.find('|');
         if (bar == rest.npos)
             fail("expected |");
@@ -68,7 +68,9 @@ class LineReader {
         rest.remove_prefix(equals + 1);
         skipBlanks();
         if (rest.starts_with('"')) {
-            if (!into.parameters.emplace(key, readText()).second)
+            if (key == "@path")
+                into.path = text::toUtf8(readText());
+            else if (!into.parameters.emplace(key, readText()).second)
                 fail("key told twice");
         } else if (const auto number = readNumber(10); key == "@rank") {
             into.rank = number;
@@ -135,15 +137,22 @@ class LineReader {
 
 } // namespace
 
-std::vector<ActionCase> readCases(const std::string& path) {
-    std::ifstream file(path);
-    if (!file)
-        throw std::runtime_error("cannot open " + path);
+std::vector<ActionCase> readCases(const std::string& folder) {
     std::vector<ActionCase> cases;
-    std::string text;
-    for (int line = 1; std::getline(file, text); ++line)
-        if (!text.empty() && text.front() != '#')
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() != ".txt")
+            continue;
+        std::ifstream file(entry.path());
+        std::string text;
+        for (int line = 1; std::getline(file, text); ++line) {
+            if (text.empty() || text.front() == '#')
+                continue;
             cases.push_back(LineReader(text, line).read());
+            cases.back().place = entry.path().filename().string() + ":" + std::to_string(line);
+        }
+    }
+    if (cases.empty())
+        throw std::runtime_error("no cases in " + folder);
     return cases;
 }
 

@@ -10,15 +10,17 @@ namespace tavrin::test {
 
 /// One line of a case table.
 struct ActionCase {
-    int line = 0;
+    std::string place; ///< file and line, for messages
     std::string action;
     PropertyDictionary parameters;
     std::int32_t rank = 1;
+    std::string path;
     std::u16string name;
     std::u16string expected;
 };
 
-/// Reads a table; its head tells the format. Throws std::runtime_error with the line for anything else.
-std::vector<ActionCase> readCases(const std::string& path);
+/// Reads all tables of a folder; README there tells the format. Throws std::runtime_error with the line for
+/// anything else.
+std::vector<ActionCase> readCases(const std::string& folder);
 
 } // namespace tavrin::test

@@ -32,8 +32,10 @@ class CatalogueFixture : public ::testing::Test {
         return std::get<ActionList::Resources>(std::move(read));
     }
 
-    static std::u16string run(BaseAction& action, std::u16string name, std::int32_t rank = 1) {
+    static std::u16string run(BaseAction& action, std::u16string name, std::int32_t rank = 1,
+                              const std::string& path = "/photos/trip/a.jpg") {
         InputContext input;
+        input.path = path;
         input.currentName = std::move(name);
         input.rank = rank;
         OutputContext output;

@@ -15,6 +15,21 @@ std::vector<ActionEntry> allActions() {
              properCaseActions(),
              camelCaseActions(),
              numberActions(),
+             removeAnywhereActions(),
+             truncateActions(),
+             convertToNTFSActions(),
+             characterSetActions(),
+             numberBlockActions(),
+             romanNumeralActions(),
+             alphabeticalSequenceActions(),
+             dateActions(),
+             regularExpressionActions(),
+             renameFromListActions(),
+             folderNameActions(),
+             pathComponentsActions(),
+             tagActions(),
+             mp3Actions(),
+             dimensionsActions(),
          })
         all.insert(all.end(), family.begin(), family.end());
     return all;

@@ -31,6 +31,21 @@ template <typename Action> constexpr ActionEntry entryFor() {
 [[nodiscard]] std::span<const ActionEntry> properCaseActions();
 [[nodiscard]] std::span<const ActionEntry> camelCaseActions();
 [[nodiscard]] std::span<const ActionEntry> numberActions();
+[[nodiscard]] std::span<const ActionEntry> removeAnywhereActions();
+[[nodiscard]] std::span<const ActionEntry> truncateActions();
+[[nodiscard]] std::span<const ActionEntry> convertToNTFSActions();
+[[nodiscard]] std::span<const ActionEntry> characterSetActions();
+[[nodiscard]] std::span<const ActionEntry> numberBlockActions();
+[[nodiscard]] std::span<const ActionEntry> romanNumeralActions();
+[[nodiscard]] std::span<const ActionEntry> alphabeticalSequenceActions();
+[[nodiscard]] std::span<const ActionEntry> dateActions();
+[[nodiscard]] std::span<const ActionEntry> regularExpressionActions();
+[[nodiscard]] std::span<const ActionEntry> renameFromListActions();
+[[nodiscard]] std::span<const ActionEntry> folderNameActions();
+[[nodiscard]] std::span<const ActionEntry> pathComponentsActions();
+[[nodiscard]] std::span<const ActionEntry> tagActions();
+[[nodiscard]] std::span<const ActionEntry> mp3Actions();
+[[nodiscard]] std::span<const ActionEntry> dimensionsActions();
 
 /// All actions that exist, family by family.
 [[nodiscard]] std::vector<ActionEntry> allActions();

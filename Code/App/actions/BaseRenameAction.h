@@ -2,17 +2,28 @@
 
 #include "actions/BaseAction.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tavrin {
 
+/// The file of an example, for actions that look at more than a name. Empty members do not matter.
+struct ExampleFile {
+    std::string_view folder;   ///< the folder that the file is in, a path
+    std::string_view modified; ///< when it was last changed, local time, as "2024-06-14 07:31:05"
+    std::string_view sample;   ///< what it holds: the name of one of the sample files of the tests
+    std::string_view note;     ///< says of a sample what an example needs, for the user
+    std::u16string_view list;  ///< the lines of the list file that the parameter "listFilePath" is to name
+};
+
 /// What an action does, shown by a case: parameters beside the defaults, a name, and what becomes of it.
 struct ActionExample {
     PropertyDictionary parameters;
     std::u16string before;
     std::u16string after;
+    ExampleFile file = {};
 };
 
 /// The part of a name that an action works on; the values are those of the parameter `fragmentSelection`.
@@ -38,6 +49,12 @@ class BaseRenameAction : public BaseAction {
     [[nodiscard]] virtual bool hasLongParameterList() const { return false; }
     [[nodiscard]] virtual bool usesMiniButtons() const { return false; }
     [[nodiscard]] virtual bool usesTagLibrary() const { return false; }
+    /// The anchor of the action's page in the help; empty when it has none of its own.
+    [[nodiscard]] virtual std::string_view helpAnchor() const { return {}; }
+    /// A menu of ready-made values for the parameters, row by row; empty where there is none.
+    [[nodiscard]] virtual std::span<const std::string_view> patternMenu() const { return {}; }
+    /// Puts in the values of a row, counted from 0. A row that has none does what its action says.
+    virtual void selectPattern(std::int32_t) {}
     /// In points.
     [[nodiscard]] virtual double preferredTagLibraryDisplayHeight() const { return 100.0; }
 

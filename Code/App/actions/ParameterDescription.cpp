@@ -60,6 +60,25 @@ ParameterDescription choiceParameter(std::string_view key, std::string_view labe
     return {key, label, ParameterKind::choice, whenNew, whenAbsent, choices};
 }
 
+ParameterDescription patternParameter(std::string_view key, std::string_view label,
+                                      std::u16string_view whenNew) {
+    return {key, label, ParameterKind::pattern, whenNew, std::u16string_view{}};
+}
+
+ParameterDescription ParameterDescription::shownWhen(std::string_view otherKey, std::int32_t value) const {
+    ParameterDescription copy = *this;
+    copy.shownWhenKey = otherKey;
+    copy.shownWhenValue = value;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::between(std::int32_t least, std::int32_t most) const {
+    ParameterDescription copy = *this;
+    copy.minimum = least;
+    copy.maximum = most;
+    return copy;
+}
+
 std::span<const ParameterChoice> occurrenceChoices() { return occurrences; }
 
 std::span<const ParameterChoice> positionModeChoices() { return positionModes; }

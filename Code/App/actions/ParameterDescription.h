@@ -17,6 +17,9 @@ enum class ParameterKind {
     number,    ///< a whole number within `minimum` and `maximum`
     checkbox,  ///< 1 or 0
     choice,    ///< one of `choices`
+    pattern,   ///< text with tags of the tag library in it
+    file,      ///< the path of a file to read, as text
+    status,    ///< a text that the action writes for the user to read
 };
 
 struct ParameterChoice {
@@ -38,7 +41,14 @@ struct ParameterDescription {
     std::span<const ParameterChoice> choices = {};
     std::int32_t minimum = std::numeric_limits<std::int32_t>::min();
     std::int32_t maximum = std::numeric_limits<std::int32_t>::max();
+    /// Of use only while the number parameter of this key has the value `shownWhenValue`; always where empty.
+    std::string_view shownWhenKey = {};
+    std::int32_t shownWhenValue = 0;
 
+    /// A copy with that condition.
+    [[nodiscard]] ParameterDescription shownWhen(std::string_view otherKey, std::int32_t value) const;
+    /// A copy for numbers that make sense from `least` to `most`: a help for whoever edits, no check.
+    [[nodiscard]] ParameterDescription between(std::int32_t least, std::int32_t most) const;
     [[nodiscard]] bool isText() const { return std::holds_alternative<std::u16string_view>(whenNew); }
 };
 
@@ -57,6 +67,9 @@ struct ParameterDescription {
 [[nodiscard]] ParameterDescription choiceParameter(std::string_view key, std::string_view label,
                                                    std::span<const ParameterChoice> choices,
                                                    std::int32_t whenNew, std::int32_t whenAbsent);
+
+[[nodiscard]] ParameterDescription patternParameter(std::string_view key, std::string_view label,
+                                                    std::u16string_view whenNew);
 
 /// Choices that many actions share.
 [[nodiscard]] std::span<const ParameterChoice> occurrenceChoices(); ///< first to sixth, last to sixth to last

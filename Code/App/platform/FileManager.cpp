@@ -1,7 +1,9 @@
 #include "platform/FileManager.h"
 
 #include "platform/HiddenNames.h"
+#include "platform/MetadataTool.h"
 #include "platform/ReferenceDate.h"
+#include "platform/ResourceFolder.h"
 
 #include <atomic>
 #include <chrono>
@@ -35,7 +37,11 @@ struct FileManager::HiddenCache {
     }
 };
 
-FileManager::FileManager() : nowDate(secondsSince2001()), hiddenCache(std::make_unique<HiddenCache>()) {}
+FileManager::FileManager(std::string metadataScript)
+    : nowDate(secondsSince2001()),
+      metadataTool(std::make_unique<MetadataTool>(metadataScript.empty() ? resourcePath("extract.pl")
+                                                                         : std::move(metadataScript))),
+      hiddenCache(std::make_unique<HiddenCache>()) {}
 
 FileManager::~FileManager() {
     FileManager* self = this;
@@ -67,6 +73,14 @@ std::optional<FileStatus> FileManager::attributesFor(const std::string& path) co
     if (FileSystem::sharedInstance().status(path, status) != 0)
         return std::nullopt;
     return status;
+}
+
+PropertyDictionary FileManager::allTagsFor(const std::string& path) const {
+    return metadataTool->tagsFor(path, MetadataTool::Client::allTags);
+}
+
+std::optional<PropertyDictionary> FileManager::mp3TagsFor(const std::string& path) const {
+    return metadataTool->tagsFor(path, MetadataTool::Client::mp3Tags);
 }
 
 } // namespace tavrin

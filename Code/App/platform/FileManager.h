@@ -2,6 +2,7 @@
 
 #include "platform/ExifHelper.h"
 #include "platform/FileSystem.h"
+#include "support/PropertyValue.h"
 
 #include <cstdint>
 #include <memory>
@@ -12,11 +13,14 @@
 
 namespace tavrin {
 
+class MetadataTool;
+
 /// Small file queries that the whole program shares. Paths are absolute and in bytes as the file system
 /// gives them. A path that cannot be reached gives the neutral value (false, 0, absent). Any thread.
 class FileManager {
   public:
-    FileManager();
+    /// `metadataScript` is the path of the metadata tool; empty takes the program's own.
+    explicit FileManager(std::string metadataScript = {});
     ~FileManager();
     FileManager(const FileManager&) = delete;
     FileManager& operator=(const FileManager&) = delete;
@@ -81,6 +85,11 @@ class FileManager {
     /// Width and height in pixels; -1.0 both when unknown.
     std::pair<float, float> fileEXIFDimensions(const std::string& path) const;
 
+    /// All metadata of a file as the metadata tool tells it; empty where there is none. Blocks.
+    [[nodiscard]] PropertyDictionary allTagsFor(const std::string& path) const;
+    /// The same for audio and video files by their extension, absent for all others.
+    [[nodiscard]] std::optional<PropertyDictionary> mp3TagsFor(const std::string& path) const;
+
     /// 0001-01-01 00:00:00 UTC in seconds since 2001.
     static constexpr double distantPast = -63114076800.0;
 
@@ -91,6 +100,7 @@ class FileManager {
     struct HiddenCache;
 
     double nowDate;
+    std::unique_ptr<MetadataTool> metadataTool;
     std::unique_ptr<HiddenCache> hiddenCache;
 };
 

@@ -1,0 +1,7 @@
+#include "actions/ActionFamilies.h"
+
+namespace tavrin {
+
+std::span<const ActionEntry> mp3Actions() { return {}; }
+
+} // namespace tavrin

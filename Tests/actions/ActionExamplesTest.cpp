@@ -1,0 +1,69 @@
+#include "actions/CatalogueFixture.h"
+#include "common/TemporaryFolder.h"
+#include "support/Text.h"
+
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+
+namespace tavrin::test {
+
+namespace {
+
+/// Makes the file that an example tells of, under its name in a folder of its own, and gives its path.
+std::string makeFile(const ActionExample& example, const std::string& parent) {
+    const std::string name = text::toUtf8(example.before);
+    if (!example.file.folder.empty())
+        return std::string(example.file.folder) + "/" + name; // looked at as a text, so it need not exist
+    const std::string path = parent + "/" + name;
+    if (!example.file.sample.empty())
+        std::filesystem::copy_file(TAVRIN_SOURCE_FOLDER "/Tests/samples/" + std::string(example.file.sample),
+                                   path);
+    else
+        std::ofstream(path) << "content";
+    if (!example.file.modified.empty()) {
+        std::tm fields{};
+        EXPECT_NE(::strptime(std::string(example.file.modified).c_str(), "%Y-%m-%d %H:%M:%S", &fields),
+                  nullptr);
+        fields.tm_isdst = -1;
+        const timespec times[2] = {{std::mktime(&fields), 0}, {std::mktime(&fields), 0}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+    }
+    return path;
+}
+
+PropertyDictionary parametersOf(const ActionExample& example, const std::string& folder) {
+    PropertyDictionary parameters = example.parameters;
+    if (!example.file.list.empty()) {
+        const std::string path = folder + "/list.txt";
+        std::ofstream(path) << text::toUtf8(example.file.list);
+        parameters.insert_or_assign("listFilePath", text::fromBytes(path));
+    }
+    return parameters;
+}
+
+using ActionExamples = CatalogueFixture;
+
+TEST_F(ActionExamples, GiveWhatTheyPromise) {
+    for (const auto& entry : allActions()) {
+        SCOPED_TRACE(entry.name);
+        auto action = entry.make();
+        const auto examples = action->examples();
+        EXPECT_FALSE(examples.empty());
+        for (const auto& example : examples) {
+            const TemporaryFolder folder;
+            const std::string path = makeFile(example, folder.path());
+            action->setParameterList(action->defaultParameters());
+            for (const auto& [key, value] : example.parameters)
+                EXPECT_TRUE(action->parameterList().contains(key)) << key;
+            action->setParameterList(parametersOf(example, folder.path()));
+            EXPECT_EQ(text::toUtf8(run(*action, example.before, 1, path)), text::toUtf8(example.after));
+        }
+    }
+}
+
+} // namespace
+
+} // namespace tavrin::test
