@@ -44,6 +44,10 @@ const PropertyDictionary& parametersForAll() {
         {"with0", u"-"},
         {"replaceCharacters0", u" _"},
         {"numberOfCharacters", 3},
+        {"fromPosition", 1},
+        {"toPositionNumber", 4},
+        {"searchPattern", u"([A-Za-z]+)_([A-Za-z]+)"},
+        {"levels", 1},
     };
     return parameters;
 }
@@ -57,6 +61,7 @@ void runAction(benchmark::State& state, const ActionEntry& entry, bool isMixed) 
     auto action = entry.make();
     action->setParameterList(parametersForAll());
     InputContext input;
+    input.path = "/home/somebody/Pictures/2024 Lofoten/day 3/IMG_4021.JPG";
     OutputContext output;
     for (auto _ : state) {
         input.rank = 0;

@@ -42,24 +42,72 @@ Json jsonValue(const PropertyValue& value) {
     return text::toUtf8(textValue(value));
 }
 
+std::string_view controlName(ParameterKind kind) {
+    switch (kind) {
+    case ParameterKind::text:
+        return "text";
+    case ParameterKind::character:
+        return "character";
+    case ParameterKind::number:
+        return "number";
+    case ParameterKind::checkbox:
+        return "checkbox";
+    case ParameterKind::choice:
+        return "choice";
+    case ParameterKind::pattern:
+        return "pattern";
+    case ParameterKind::file:
+        return "file";
+    case ParameterKind::status:
+        return "status";
+    }
+    return {};
+}
+
 Json jsonParameter(const ParameterDescription& parameter) {
     Json json{{"key", parameter.key},
               {"label", parameter.label},
               {"type", parameter.isText() ? "text" : "number"},
+              {"control", controlName(parameter.kind)},
               {"default", jsonValue(propertyValue(parameter.whenNew))},
               {"defaultWhenAbsent", jsonValue(propertyValue(parameter.whenAbsent))}};
     for (const ParameterChoice& choice : parameter.choices)
         json["choices"].push_back({{"value", choice.value}, {"label", choice.label}});
+    if (parameter.kind == ParameterKind::number) {
+        json["minimum"] = parameter.minimum;
+        json["maximum"] = parameter.maximum;
+    }
+    if (!parameter.shownWhenKey.empty())
+        json["shownWhen"] = {{"key", parameter.shownWhenKey}, {"value", parameter.shownWhenValue}};
     return json;
+}
+
+/// What an example says of the file beside its name.
+std::vector<std::string> circumstancesOf(const ActionExample& example) {
+    std::vector<std::string> sentences;
+    const ExampleFile& file = example.file;
+    if (!file.folder.empty())
+        sentences.push_back(fmt::format("in the folder {}", file.folder));
+    if (!file.modified.empty())
+        sentences.push_back(fmt::format("last changed {}", file.modified));
+    if (!file.note.empty())
+        sentences.emplace_back(file.note);
+    if (!file.list.empty())
+        sentences.push_back(fmt::format("with the list {}", Json(text::toUtf8(file.list)).dump()));
+    return sentences;
 }
 
 Json jsonExample(const ActionExample& example) {
     Json parameters = Json::object();
     for (const auto& [key, value] : example.parameters)
         parameters[key] = jsonValue(value);
-    return {{"parameters", parameters},
-            {"before", text::toUtf8(example.before)},
-            {"after", text::toUtf8(example.after)}};
+    Json json{{"parameters", parameters},
+              {"before", text::toUtf8(example.before)},
+              {"after", text::toUtf8(example.after)}};
+    const std::vector<std::string> circumstances = circumstancesOf(example);
+    if (!circumstances.empty())
+        json["circumstances"] = circumstances;
+    return json;
 }
 
 std::string object(const Entry& entry) {
@@ -87,6 +135,9 @@ std::string shownParameter(const ParameterDescription& parameter) {
         fmt::format("  {:<20} {} ({})\n", parameter.key, parameter.label, shownDefault(parameter));
     for (const ParameterChoice& choice : parameter.choices)
         text += fmt::format("  {:<20}   {:>2}: {}\n", "", choice.value, choice.label);
+    if (!parameter.shownWhenKey.empty())
+        text += fmt::format("  {:<20}   counts while {} is {}\n", "", parameter.shownWhenKey,
+                            parameter.shownWhenValue);
     return text;
 }
 
@@ -101,8 +152,11 @@ std::string shownExample(const Entry& entry, const ActionExample& example) {
     std::string text = "  --action " + shellQuoted(entry.action->actionName());
     for (const auto& [key, value] : example.parameters)
         text += " --set " + shellQuoted(key + "=" + text::toUtf8(textValue(value)));
-    return text +
-           fmt::format("\n    {}\n    {}\n", text::toUtf8(example.before), text::toUtf8(example.after));
+    const std::vector<std::string> circumstances = circumstancesOf(example);
+    const std::string about =
+        circumstances.empty() ? "" : fmt::format("    ({})", fmt::join(circumstances, ", "));
+    return text + fmt::format("\n    {}{}\n    {}\n", text::toUtf8(example.before), about,
+                              text::toUtf8(example.after));
 }
 
 std::string description(const Entry& entry) {
