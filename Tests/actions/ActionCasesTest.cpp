@@ -1,5 +1,7 @@
 #include "actions/CaseTable.h"
 #include "actions/CatalogueFixture.h"
+#include "common/FileTimes.h"
+#include "common/TemporaryFolder.h"
 #include "support/Text.h"
 
 #include <set>
@@ -27,6 +29,8 @@ std::string shown(std::u16string_view text) {
 
 TEST_F(ActionCases, GiveTheNamesOfTheTable) {
     const auto cases = readCases(TAVRIN_TEST_DATA "/cases");
+    const TemporaryFolder folder;
+    const auto file = folder.write("file");
     std::set<std::string> seen;
     for (const auto& each : cases) {
         SCOPED_TRACE(each.place + ": " + each.action);
@@ -35,10 +39,13 @@ TEST_F(ActionCases, GiveTheNamesOfTheTable) {
         for (const auto& [key, value] : each.parameters)
             ASSERT_TRUE(action->parameterList().contains(key)) << key;
         action->setParameterList(each.parameters);
-        EXPECT_EQ(shown(run(*action, each.name, each.rank, each.path)), shown(each.expected));
+        const auto path = each.modified.empty() ? each.path : file;
+        if (!each.modified.empty())
+            setModificationTime(file, each.modified);
+        EXPECT_EQ(shown(run(*action, each.name, each.rank, path)), shown(each.expected));
         // Used again, as in a run: nothing of the first name may show in the next.
         run(*action, u"Some Oth\u00e9r-name e\u0301 aBc.ext");
-        EXPECT_EQ(shown(run(*action, each.name, each.rank, each.path)), shown(each.expected)) << "second use";
+        EXPECT_EQ(shown(run(*action, each.name, each.rank, path)), shown(each.expected)) << "second use";
         if (each.name != each.expected)
             seen.insert(each.action);
     }

@@ -1,12 +1,10 @@
 #include "actions/CatalogueFixture.h"
+#include "common/FileTimes.h"
 #include "common/TemporaryFolder.h"
 #include "support/Text.h"
 
-#include <ctime>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <sys/stat.h>
 
 namespace tavrin::test {
 
@@ -23,14 +21,8 @@ std::string makeFile(const ActionExample& example, const std::string& parent) {
                                    path);
     else
         std::ofstream(path) << "content";
-    if (!example.file.modified.empty()) {
-        std::tm fields{};
-        EXPECT_NE(::strptime(std::string(example.file.modified).c_str(), "%Y-%m-%d %H:%M:%S", &fields),
-                  nullptr);
-        fields.tm_isdst = -1;
-        const timespec times[2] = {{std::mktime(&fields), 0}, {std::mktime(&fields), 0}};
-        EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
-    }
+    if (!example.file.modified.empty())
+        setModificationTime(path, std::string(example.file.modified));
     return path;
 }
 

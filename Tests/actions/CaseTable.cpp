@@ -70,6 +70,8 @@ class LineReader {
         if (rest.starts_with('"')) {
             if (key == "@path")
                 into.path = text::toUtf8(readText());
+            else if (key == "@modified")
+                into.modified = text::toUtf8(readText());
             else if (!into.parameters.emplace(key, readText()).second)
                 fail("key told twice");
         } else if (const auto number = readNumber(10); key == "@rank") {
