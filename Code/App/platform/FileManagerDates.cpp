@@ -1,28 +1,21 @@
 #include "platform/FileManager.h"
 #include "platform/ReferenceDate.h"
-
-#include <fmt/format.h>
-
-#include <array>
-#include <cmath>
-#include <ctime>
+#include "support/CalendarFormat.h"
+#include "support/Text.h"
 
 namespace tavrin {
 
 namespace {
 
-/// "%e %b %Y %H:%M:%S", the day without a leading blank; empty for no date.
+/// Empty for no date.
 std::string dateText(std::optional<double> date) {
+    static const CalendarFormat format(u"%e %b %Y %H:%M:%S");
     if (!date)
         return {};
-    const std::time_t time = static_cast<std::time_t>(std::floor(*date)) + referenceDateSince1970;
-    std::tm local{};
-    if (::localtime_r(&time, &local) == nullptr)
-        return {};
-    std::array<char, 64> month{};
-    std::strftime(month.data(), month.size(), "%b", &local);
-    return fmt::format("{} {} {:04} {:02}:{:02}:{:02}", local.tm_mday, month.data(), local.tm_year + 1900,
-                       local.tm_hour, local.tm_min, local.tm_sec);
+    std::u16string result;
+    if (const auto moment = LocalMoment::at(*date + static_cast<double>(referenceDateSince1970)))
+        format.append(*moment, result);
+    return text::toUtf8(result);
 }
 
 } // namespace
