@@ -70,6 +70,7 @@ bool isLowercaseLetter(char32_t c);     ///< Ll
 bool isWhitespaceOrNewline(char32_t c); ///< Z*, U+0009 to U+000D, U+0085
 bool isPunctuation(char32_t c);         ///< P*
 bool isDecimalDigit(char32_t c);        ///< Nd
+bool isControl(char32_t c);             ///< Cc, Cf
 
 /// The integer at the start of a text: white space skipped, one sign, ASCII digits, the rest ignored, none
 /// is 0; saturates at the limits of 32 bits.

@@ -22,6 +22,7 @@ bool isWhitespaceOrNewline(char32_t c) {
 }
 bool isPunctuation(char32_t c) { return hasCategory(c, U_GC_P_MASK); }
 bool isDecimalDigit(char32_t c) { return hasCategory(c, U_GC_ND_MASK); }
+bool isControl(char32_t c) { return hasCategory(c, U_GC_CC_MASK | U_GC_CF_MASK); }
 
 std::int32_t intValue(std::u16string_view text) {
     using Limits = std::numeric_limits<std::int32_t>;
