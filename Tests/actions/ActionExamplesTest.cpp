@@ -50,7 +50,8 @@ TEST_F(ActionExamples, GiveWhatTheyPromise) {
             action->setParameterList(action->defaultParameters());
             for (const auto& [key, value] : example.parameters)
                 EXPECT_TRUE(action->parameterList().contains(key)) << key;
-            action->setParameterList(parametersOf(example, folder.path()));
+            for (const auto& [key, value] : parametersOf(example, folder.path()))
+                action->setValue(value, key);
             EXPECT_EQ(text::toUtf8(run(*action, example.before, 1, path)), text::toUtf8(example.after));
         }
     }

@@ -1,0 +1,87 @@
+#include "actions/dates/DateFormatter.h"
+
+#include "platform/PropertyList.h"
+#include "platform/ReferenceDate.h"
+#include "platform/ResourceFolder.h"
+#include "support/DebugLog.h"
+#include "support/Text.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace tavrin {
+
+namespace {
+
+/// By separator mode; the second half puts the time first.
+constexpr std::u16string_view separators[]{u" ", u"", u"-", u"_", u"/", u"."};
+constexpr std::int32_t separatorCount = std::size(separators);
+
+std::vector<std::u16string> readTexts(const std::string& name) {
+    const auto list = PropertyList::read(resourcePath(name + ".plist"));
+    std::vector<std::u16string> texts;
+    if (const auto* error = std::get_if<PropertyListError>(&list)) {
+        debugLog("{}", error->message);
+    } else if (const auto* array = std::get<PropertyValue>(list).asArray()) {
+        for (const auto& value : *array)
+            texts.push_back(textOrData(value).value_or(std::u16string()));
+    }
+    return texts;
+}
+
+} // namespace
+
+DateFormatter::Table::Table(const std::string& patterns, const std::string& menu,
+                            const CalendarNames& names) {
+    for (const auto& pattern : readTexts(patterns))
+        formats.emplace_back(pattern, names);
+    for (const auto& label : readTexts(menu))
+        labels.push_back(text::toUtf8(label));
+    for (std::size_t i = 0; i < std::min(formats.size(), labels.size()); ++i)
+        choices.push_back({static_cast<std::int32_t>(i), labels[i]});
+}
+
+const CalendarFormat* DateFormatter::Table::at(std::int32_t index) const {
+    if (index <= 0 || static_cast<std::size_t>(index) >= formats.size())
+        return nullptr;
+    return &formats[static_cast<std::size_t>(index)];
+}
+
+DateFormatter::DateFormatter(const CalendarNames& names)
+    : dates("datePatterns", "datePatterns menu", names), times("timePatterns", "timePatterns menu", names) {}
+
+const DateFormatter& DateFormatter::instance() {
+    static const DateFormatter formatter;
+    return formatter;
+}
+
+std::optional<std::u16string> DateFormatter::formatDate(double date, std::int32_t dateIndex,
+                                                        std::int32_t timeIndex, std::int32_t separatorMode,
+                                                        bool uppercase) const {
+    const auto moment = LocalMoment::at(date + static_cast<double>(referenceDateSince1970));
+    if (!moment)
+        return std::nullopt;
+    std::u16string datePart;
+    std::u16string timePart;
+    const auto* const dateFormat = dates.at(dateIndex);
+    const auto* const timeFormat = times.at(timeIndex);
+    if (timeFormat != nullptr) {
+        timeFormat->append(*moment, timePart);
+        if (!uppercase)
+            timePart = text::lowercased(timePart);
+    }
+    if (dateFormat == nullptr)
+        return timePart;
+    dateFormat->append(*moment, datePart);
+    if (timeFormat == nullptr)
+        return datePart;
+    if (separatorMode < 0 || separatorMode >= 2 * separatorCount)
+        return std::nullopt;
+    const bool isTimeFirst = separatorMode >= separatorCount;
+    auto& first = isTimeFirst ? timePart : datePart;
+    first += separators[separatorMode % separatorCount];
+    first += isTimeFirst ? datePart : timePart;
+    return first;
+}
+
+} // namespace tavrin
