@@ -1,0 +1,35 @@
+#pragma once
+
+#include "shell/FrontEnd.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QWidget;
+
+namespace tavrin {
+
+/// The questions and notices of the application as sheets of a window. Each returns at once, deletes itself
+/// when it is closed, and gives its answer once; one that is closed with its window drops the answer
+/// uncalled.
+struct Dialogs {
+    static void showAlert(QWidget* parent, const Alert& alert, std::function<void(AlertAnswer)> answer);
+    static void showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer);
+    /// `previewPath` is the file to picture, in bytes; `thumbnails` whether as a picture of its content.
+    static void showConfirmationSheet(QWidget* parent, ConfirmationSheet sheet,
+                                      const PropertyDictionary& context,
+                                      const std::optional<std::string>& previewPath, bool thumbnails,
+                                      std::function<void(ConfirmationChoice)> answer);
+    static void showProcessingErrors(QWidget* parent, const std::vector<ProcessingError>& errors,
+                                     std::function<void()> closed);
+    /// `folders`: asks for folders, else for files.
+    static void askForFilesToAdd(QWidget* parent, const std::string& startFolder, bool folders,
+                                 std::function<void(std::optional<FilesToAdd>)> answer);
+    static void askForSavePath(QWidget* parent, const std::string& title,
+                               std::function<void(std::optional<std::string>)> answer);
+    static void presentError(QWidget* parent, const std::string& message);
+};
+
+} // namespace tavrin

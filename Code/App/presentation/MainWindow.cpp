@@ -1,0 +1,250 @@
+#include "presentation/MainWindow.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/UserDefaults.h"
+#include "presentation/DroppedFiles.h"
+#include "presentation/ProgressPage.h"
+#include "presentation/WindowCommands.h"
+#include "presentation/help/HelpWindow.h"
+#include "presentation/preview/PreviewPane.h"
+#include "presentation/settings/SettingsPane.h"
+#include "presentation/steps/StepsPane.h"
+#include "shell/MainController.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QPushButton>
+#include <QScreen>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int narrowWidth = 860;
+constexpr int paneMargin = 12;
+constexpr int leastSettingsWidth = 300;
+constexpr int firstSettingsWidth = 346;
+constexpr int leastPreviewWidth = 440;
+
+} // namespace
+
+MainWindow::MainWindow(WindowServices services) : shared(services), help(std::make_unique<HelpWindow>()) {
+    setObjectName("mainWindow");
+    setWindowTitle("Tavrin");
+    setAcceptDrops(true);
+    mainTabView = new QStackedWidget;
+    mainTabView->setObjectName("mainTabView");
+    setCentralWidget(mainTabView);
+    mainTabView->addWidget(buildWorkPage());
+    progress = new ProgressPage(shared, this);
+    mainTabView->addWidget(progress);
+    windowCommands = std::make_unique<WindowCommands>(*this, shared);
+    okMenuButton->addAction(windowCommands->command("applyAndQuit"));
+    okMenuButton->addAction(windowCommands->command("applyButDontQuit"));
+    setMinimumSize(640, 520);
+    resize(1180, 760);
+    shared.controller.progressInfo().setObserver(this);
+}
+
+MainWindow::~MainWindow() { shared.controller.progressInfo().setObserver(nullptr); }
+
+QWidget* MainWindow::buildWorkPage() {
+    steps = new StepsPane(shared, this);
+    settings = new SettingsPane(shared, this);
+    preview = new PreviewPane(shared, this);
+    settings->setMinimumWidth(leastSettingsWidth);
+    preview->setMinimumWidth(leastPreviewWidth);
+    innerSplitter = new QSplitter(Qt::Horizontal);
+    innerSplitter->setObjectName("innerSplitter");
+    innerSplitter->setChildrenCollapsible(false);
+    innerSplitter->addWidget(settings);
+    innerSplitter->addWidget(preview);
+    innerSplitter->setStretchFactor(0, 0);
+    innerSplitter->setStretchFactor(1, 1);
+    innerSplitter->setSizes({firstSettingsWidth, 800});
+    outerSplitter = new QSplitter(Qt::Horizontal);
+    outerSplitter->setObjectName("outerSplitter");
+    outerSplitter->addWidget(steps);
+    outerSplitter->addWidget(innerSplitter);
+    outerSplitter->setStretchFactor(0, 0);
+    outerSplitter->setStretchFactor(1, 1);
+    outerSplitter->setCollapsible(1, false);
+    steps->setMinimumWidth(static_cast<int>(MultistepPane::minimumWidth));
+    steps->setMaximumWidth(static_cast<int>(MultistepPane::maximumWidth));
+    connect(outerSplitter, &QSplitter::splitterMoved, this, [this] { dividerMoved(); });
+    connect(innerSplitter, &QSplitter::splitterMoved, this, [this] {
+        if (innerSplitter->orientation() == Qt::Horizontal)
+            shared.controller.globalSettings().setPreviewPaneWidthAsInt(preview->width());
+    });
+
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(outerSplitter, 1);
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Plain);
+    line->setForegroundRole(QPalette::Mid);
+    layout->addWidget(line);
+    layout->addWidget(buildBottomRow());
+    return page;
+}
+
+QWidget* MainWindow::buildBottomRow() {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(paneMargin, 8, paneMargin, 8);
+    createDropletButton = new QPushButton("Create &Droplet…");
+    createDropletButton->setObjectName("createDropletButton");
+    createFileListButton = new QPushButton("Save &List…");
+    createFileListButton->setObjectName("createFileListButton");
+    okButton = new QPushButton("&Rename");
+    okButton->setObjectName("okButton");
+    okButton->setDefault(true);
+    okMenuButton = new QToolButton;
+    okMenuButton->setObjectName("okMenuButton");
+    okMenuButton->setAccessibleName("More ways to rename");
+    okMenuButton->setPopupMode(QToolButton::InstantPopup);
+    okMenuButton->setArrowType(Qt::DownArrow);
+    layout->addWidget(createDropletButton);
+    layout->addWidget(createFileListButton);
+    layout->addStretch(1);
+    layout->addWidget(okButton);
+    layout->addWidget(okMenuButton);
+    connect(createFileListButton, &QPushButton::clicked, this,
+            [this] { windowCommands->command("createFileList")->trigger(); });
+    connect(createDropletButton, &QPushButton::clicked, this,
+            [this] { windowCommands->command("createDroplet")->trigger(); });
+    connect(okButton, &QPushButton::clicked, this, [this] { windowCommands->command("ok")->trigger(); });
+    return row;
+}
+
+// --- What the application says ---
+
+void MainWindow::selectMainTab(MainTab tab) { mainTabView->setCurrentIndex(static_cast<int>(tab)); }
+
+void MainWindow::setRunning(bool isRunning) {
+    windowCommands->setRunning(isRunning);
+    refreshRenameButton();
+}
+
+void MainWindow::setDividerPosition(double position) {
+    isMovingDivider = true;
+    const int width = static_cast<int>(position);
+    steps->setVisible(width > 0);
+    if (width > 0)
+        outerSplitter->setSizes({width, std::max(1, outerSplitter->width() - width)});
+    isMovingDivider = false;
+}
+
+void MainWindow::dividerMoved() {
+    if (isMovingDivider)
+        return;
+    const int width = outerSplitter->sizes().front();
+    if (width == 0 && !shared.controller.multistepPane().canCollapse()) {
+        setDividerPosition(MultistepPane::minimumWidth);
+        return;
+    }
+    shared.controller.multistepPane().splitViewDidResizeSubviews(width == 0, width);
+}
+
+void MainWindow::fillPresetMenu(const std::vector<std::u16string>& titles) {
+    windowCommands->fillPresetMenu(titles);
+}
+
+void MainWindow::enterDropletEditMode() {
+    isInDropletEditMode = true;
+    setWindowTitle("Editing Rename Droplet");
+    createDropletButton->hide();
+    createFileListButton->hide();
+    windowCommands->enterDropletEditMode();
+    settings->enterDropletEditMode();
+    preview->enterDropletEditMode();
+    refreshRenameButton();
+}
+
+void MainWindow::centre() {
+    const QRect available = screen()->availableGeometry();
+    move(available.center() - rect().center());
+}
+
+void MainWindow::showHelp(std::string_view anchor) {
+    help->showAnchor(anchor);
+    help->show();
+    help->raise();
+    help->activateWindow();
+}
+
+void MainWindow::refreshRenameButton() {
+    const std::int32_t count = preview->itemsToRename();
+    const bool isPreviewDue =
+        shared.controller.previewControl().isPreviewPending() || shared.controller.renameEngine().isBusy();
+    QString label = isInDropletEditMode ? "&Save" : "&Rename";
+    if (!isInDropletEditMode && !isPreviewDue && count > 0)
+        label = count == 1 ? QString("&Rename 1 Item") : QString("&Rename %L1 Items").arg(count);
+    okButton->setText(label);
+    const bool isOn =
+        shared.controller.isRenameButtonEnabled() && shared.controller.validateUserInterfaceItem();
+    okButton->setEnabled(isOn);
+    okMenuButton->setEnabled(isOn);
+    okMenuButton->setVisible(!isInDropletEditMode);
+    windowCommands->refresh();
+}
+
+void MainWindow::progressChanged(std::string_view) {
+    progress->refresh();
+    preview->refreshProgress();
+}
+
+// --- What the user does ---
+
+void MainWindow::addByDialog(bool folders) {
+    asksForFolders = folders;
+    shared.controller.showFileDialog();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    shared.controller.windowWillClose();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    arrangeForWidth();
+}
+
+void MainWindow::arrangeForWidth() {
+    const Qt::Orientation orientation = width() < narrowWidth ? Qt::Vertical : Qt::Horizontal;
+    if (innerSplitter->orientation() == orientation)
+        return;
+    innerSplitter->setOrientation(orientation);
+    settings->setMaximumHeight(orientation == Qt::Vertical ? height() * 45 / 100 : QWIDGETSIZE_MAX);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (DroppedFiles::areIn(*event->mimeData()) && shared.controller.validateUserInterfaceItem())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
+    if (paths.empty())
+        return;
+    event->acceptProposedAction();
+    shared.controller.addFilePaths(paths, true);
+    shared.controller.previewControl().showPreview();
+}
+
+} // namespace tavrin

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "engine/ProgressInfo.h"
+#include "presentation/WindowServices.h"
+#include "shell/FrontEnd.h"
+
+#include <QMainWindow>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class QPushButton;
+class QSplitter;
+class QStackedWidget;
+class QToolButton;
+
+namespace tavrin {
+
+class HelpWindow;
+class PreviewPane;
+class ProgressPage;
+class SettingsPane;
+class StepsPane;
+class WindowCommands;
+
+/// The one window: steps, settings and list side by side, and the progress page that takes their place during
+/// a run. It arranges its panes and passes on what the application says; what they show is theirs.
+class MainWindow final : public QMainWindow, private ProgressObserver {
+  public:
+    explicit MainWindow(WindowServices shared);
+    ~MainWindow() override;
+
+    [[nodiscard]] const WindowServices& services() const { return shared; }
+    [[nodiscard]] SettingsPane& settingsPane() { return *settings; }
+    [[nodiscard]] StepsPane& stepsPane() { return *steps; }
+    [[nodiscard]] PreviewPane& previewPane() { return *preview; }
+    [[nodiscard]] ProgressPage& progressPage() { return *progress; }
+    [[nodiscard]] WindowCommands& commands() { return *windowCommands; }
+
+    void selectMainTab(MainTab tab);
+    void setRunning(bool isRunning);
+    void setDividerPosition(double position);
+    void fillPresetMenu(const std::vector<std::u16string>& titles);
+    void enterDropletEditMode();
+    void centre();
+    void showHelp(std::string_view anchor);
+    /// The count on the rename button, and whether it is on.
+    void refreshRenameButton();
+    /// Adds files or folders through a dialog.
+    void addByDialog(bool folders);
+    /// Which of both the dialog under way is for.
+    [[nodiscard]] bool isAskingForFolders() const { return asksForFolders; }
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    void progressChanged(std::string_view key) override;
+    [[nodiscard]] QWidget* buildWorkPage();
+    [[nodiscard]] QWidget* buildBottomRow();
+    void arrangeForWidth();
+    void dividerMoved();
+
+    WindowServices shared;
+    bool isInDropletEditMode = false;
+    bool isMovingDivider = false;
+    bool asksForFolders = false;
+    QStackedWidget* mainTabView = nullptr;
+    QSplitter* outerSplitter = nullptr;
+    QSplitter* innerSplitter = nullptr;
+    StepsPane* steps = nullptr;
+    SettingsPane* settings = nullptr;
+    PreviewPane* preview = nullptr;
+    ProgressPage* progress = nullptr;
+    QPushButton* createDropletButton = nullptr;
+    QPushButton* createFileListButton = nullptr;
+    QPushButton* okButton = nullptr;
+    QToolButton* okMenuButton = nullptr;
+    std::unique_ptr<WindowCommands> windowCommands;
+    std::unique_ptr<HelpWindow> help;
+};
+
+} // namespace tavrin

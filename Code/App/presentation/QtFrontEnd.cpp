@@ -1,0 +1,175 @@
+#include "presentation/QtFrontEnd.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/UserPrompts.h"
+#include "presentation/Dialogs.h"
+#include "presentation/FileBrowser.h"
+#include "presentation/MainWindow.h"
+#include "presentation/dialogs/SaveListDialog.h"
+#include "presentation/preview/PreviewPane.h"
+#include "presentation/settings/SettingsPane.h"
+#include "presentation/steps/StepsPane.h"
+#include "shell/MainController.h"
+
+#include <QApplication>
+
+namespace tavrin {
+
+// --- Asking ---
+
+void QtFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) {
+    Dialogs::showAlert(window, alert, std::move(answer));
+}
+
+void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
+    Dialogs::showNotice(window, dialog, std::move(answer));
+}
+
+void QtFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
+                                       const std::optional<std::string>& previewPath,
+                                       std::function<void(ConfirmationChoice)> answer) {
+    const bool thumbnails =
+        !window || window->services().controller.globalSettings().shouldShowQuickLookThumbnail();
+    Dialogs::showConfirmationSheet(window, sheet, context, previewPath, thumbnails, std::move(answer));
+}
+
+void QtFrontEnd::showProcessingErrors(const std::vector<ProcessingError>& errors,
+                                      std::function<void()> closed) {
+    Dialogs::showProcessingErrors(window, errors, std::move(closed));
+}
+
+void QtFrontEnd::askForFilesToAdd(const std::string& startFolder,
+                                  std::function<void(std::optional<FilesToAdd>)> answer) {
+    Dialogs::askForFilesToAdd(window, startFolder, window && window->isAskingForFolders(), std::move(answer));
+}
+
+void QtFrontEnd::askForFileListFormat(std::function<void(FileListChoice)> answer) {
+    if (window)
+        SaveListDialog::ask(window, window->services(), std::move(answer));
+}
+
+void QtFrontEnd::askForSavePath(const std::string& title,
+                                std::function<void(std::optional<std::string>)> answer) {
+    Dialogs::askForSavePath(window, title, std::move(answer));
+}
+
+// --- Showing ---
+
+void QtFrontEnd::presentError(const std::string& message) { Dialogs::presentError(window, message); }
+
+void QtFrontEnd::terminate() { QApplication::quit(); }
+
+void QtFrontEnd::selectMainTab(MainTab tab) {
+    if (window)
+        window->selectMainTab(tab);
+}
+
+void QtFrontEnd::selectPreviewTab(PreviewTab tab) {
+    if (window)
+        window->previewPane().selectPreviewTab(tab);
+}
+
+void QtFrontEnd::setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) {
+    if (window)
+        window->previewPane().setColumnWidth(column, minimum, maximum, width);
+}
+
+void QtFrontEnd::setColumnHidden(PreviewColumn column, bool hidden) {
+    if (window)
+        window->previewPane().setColumnHidden(column, hidden);
+}
+
+void QtFrontEnd::sizeColumnsToFit() {
+    if (window)
+        window->previewPane().sizeColumnsToFit();
+}
+
+void QtFrontEnd::previewListChanged() {
+    if (!window)
+        return;
+    window->previewPane().listChanged();
+    window->refreshRenameButton();
+}
+
+void QtFrontEnd::previewFinished() {
+    if (!window)
+        return;
+    window->previewPane().previewFinished();
+    window->refreshRenameButton();
+}
+
+void QtFrontEnd::runStateChanged(bool isRunning) {
+    if (window)
+        window->setRunning(isRunning);
+}
+
+void QtFrontEnd::fillActionMenus(const std::vector<std::u16string>&, const std::vector<std::u16string>&) {
+    // The chooser reads the catalogue itself, category by category.
+    actionListChanged();
+}
+
+void QtFrontEnd::fillPresetMenu(const std::vector<std::u16string>& titles) {
+    if (window)
+        window->fillPresetMenu(titles);
+}
+
+void QtFrontEnd::actionListChanged() {
+    if (!window)
+        return;
+    window->stepsPane().stepsChanged();
+    window->settingsPane().stepsChanged();
+}
+
+void QtFrontEnd::showActionPanel(BaseRenameAction& action) {
+    if (!window)
+        return;
+    window->settingsPane().showAction(action);
+    actionListChanged();
+}
+
+void QtFrontEnd::buildSplitView() {
+    // The window is made with its panes in place.
+}
+
+void QtFrontEnd::setDividerPosition(double position) {
+    if (window)
+        window->setDividerPosition(position);
+}
+
+void QtFrontEnd::allowFullScreen() {
+    // Windows of a desktop may always fill the screen.
+}
+
+void QtFrontEnd::centreWindow() {
+    if (window)
+        window->centre();
+}
+
+void QtFrontEnd::showWindow() {
+    if (!window)
+        return;
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+void QtFrontEnd::hideWindow() {
+    if (window)
+        window->hide();
+}
+
+void QtFrontEnd::enterDropletEditMode() {
+    if (window)
+        window->enterDropletEditMode();
+}
+
+void QtFrontEnd::showHelp(std::string_view anchor) {
+    if (window)
+        window->showHelp(anchor);
+}
+
+void QtFrontEnd::revealPath(const std::string& path) { FileBrowser::reveal(path); }
+
+void QtFrontEnd::beep() { QApplication::beep(); }
+
+} // namespace tavrin

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "shell/FrontEnd.h"
+
+namespace tavrin {
+
+class MainController;
+class MainWindow;
+
+/// Stands in front of the application with a window. It only passes on: questions to their dialogs, all else
+/// to the main window. Until there is a window, showing does nothing and questions are held to be closed.
+class QtFrontEnd final : public FrontEnd {
+  public:
+    /// Not owned; null withdraws it.
+    void setWindow(MainWindow* newWindow) { window = newWindow; }
+
+    void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
+    void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
+    void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
+                               const std::optional<std::string>& previewPath,
+                               std::function<void(ConfirmationChoice)> answer) override;
+    void showProcessingErrors(const std::vector<ProcessingError>& errors,
+                              std::function<void()> closed) override;
+    void askForFilesToAdd(const std::string& startFolder,
+                          std::function<void(std::optional<FilesToAdd>)> answer) override;
+    void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
+    void askForSavePath(const std::string& title,
+                        std::function<void(std::optional<std::string>)> answer) override;
+
+    void presentError(const std::string& message) override;
+    void terminate() override;
+    void selectMainTab(MainTab tab) override;
+    void selectPreviewTab(PreviewTab tab) override;
+    void setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) override;
+    void setColumnHidden(PreviewColumn column, bool hidden) override;
+    void sizeColumnsToFit() override;
+    void previewListChanged() override;
+    void previewFinished() override;
+    void runStateChanged(bool isRunning) override;
+    void fillActionMenus(const std::vector<std::u16string>& actions,
+                         const std::vector<std::u16string>& categories) override;
+    void fillPresetMenu(const std::vector<std::u16string>& titles) override;
+    void actionListChanged() override;
+    void showActionPanel(BaseRenameAction& action) override;
+    void buildSplitView() override;
+    void setDividerPosition(double position) override;
+    void allowFullScreen() override;
+    void centreWindow() override;
+    void showWindow() override;
+    void hideWindow() override;
+    void enterDropletEditMode() override;
+    void showHelp(std::string_view anchor) override;
+    void revealPath(const std::string& path) override;
+    void beep() override;
+
+  private:
+    MainWindow* window = nullptr;
+};
+
+} // namespace tavrin

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/RunLoop.h"
+
+#include <QElapsedTimer>
+#include <memory>
+#include <mutex>
+
+class QObject;
+
+namespace tavrin {
+
+/// The event loop of the window as the main thread's run loop. Made on the main thread, after the application
+/// object.
+class QtRunLoop final : public RunLoop {
+  public:
+    QtRunLoop();
+    ~QtRunLoop() override;
+
+    void post(std::function<void()> action) override;
+    [[nodiscard]] bool isCurrent() const override;
+    [[nodiscard]] std::unique_ptr<Timer> startTimer(std::chrono::milliseconds interval, bool repeats,
+                                                    std::function<void()> action) override;
+    [[nodiscard]] double now() const override;
+
+    /// Ends the loop for good: drops what is queued and every later post, which frees the threads that wait.
+    /// Main thread.
+    void close();
+
+  private:
+    QElapsedTimer clock;
+    std::mutex mutex;                  ///< guards the pointer
+    std::unique_ptr<QObject> receiver; ///< what is posted is addressed to; null once closed
+};
+
+} // namespace tavrin

@@ -1,0 +1,67 @@
+#include "presentation/TavrinApplication.h"
+
+#include "presentation/MainWindow.h"
+#include "shell/MainController.h"
+
+#include <stdexcept>
+
+namespace tavrin {
+
+namespace {
+
+ActionList::Resources resources() {
+    auto read = ActionList::readResources();
+    if (const auto* error = std::get_if<PropertyListError>(&read))
+        throw std::runtime_error(error->message);
+    return std::get<ActionList::Resources>(std::move(read));
+}
+
+MainController::Options controllerOptions(const TavrinApplication::Options& options) {
+    MainController::Options result = MainController::Options::standard();
+    if (options.dataFolder.empty())
+        return result;
+    result.store.dataFolder = options.dataFolder;
+    result.localPresetsFolder = options.dataFolder + "/Presets";
+    result.globalPresetsFolder = options.dataFolder + "/Shared Presets";
+    return result;
+}
+
+} // namespace
+
+TavrinApplication::TavrinApplication(Options options)
+    : defaults(options.defaultsPath.empty() ? UserDefaults() : UserDefaults(options.defaultsPath)),
+      actionList(resources()) {
+    SystemLog::setSharedInstance(&systemLog);
+    UserDefaults::setSharedInstance(&defaults);
+    ActionList::setSharedActionList(&actionList);
+    actionList.setRunLoop(&loop);
+    mainController = std::make_unique<MainController>(
+        MainController::Environment{frontEnd, loop, defaults, actionList}, controllerOptions(options));
+    mainWindow = std::make_unique<MainWindow>(WindowServices{*mainController, actionList, defaults});
+    frontEnd.setWindow(mainWindow.get());
+}
+
+TavrinApplication::~TavrinApplication() {
+    // First the threads that wait for an answer are freed, then what they work with goes.
+    frontEnd.setWindow(nullptr);
+    mainWindow.reset();
+    loop.close();
+    mainController.reset();
+    ActionList::setSharedActionList(nullptr);
+    UserDefaults::setSharedInstance(nullptr);
+    SystemLog::setSharedInstance(nullptr);
+}
+
+void TavrinApplication::start(const std::vector<std::string>& paths) {
+    mainController->applicationDidFinishLaunching();
+    if (!paths.empty())
+        mainController->applicationOpenFiles(paths);
+}
+
+void TavrinApplication::open(const std::vector<std::string>& paths) {
+    if (!paths.empty())
+        mainController->applicationOpenFiles(paths);
+    frontEnd.showWindow();
+}
+
+} // namespace tavrin

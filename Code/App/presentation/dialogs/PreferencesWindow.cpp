@@ -1,0 +1,7 @@
+#include "presentation/dialogs/PreferencesWindow.h"
+
+namespace tavrin {
+
+void PreferencesWindow::open(QWidget*, const WindowServices&) {}
+
+} // namespace tavrin
