@@ -4,6 +4,7 @@
 #include "common/TemporaryFolder.h"
 #include "support/Text.h"
 
+#include <filesystem>
 #include <set>
 
 namespace tavrin::test {
@@ -27,6 +28,12 @@ std::string shown(std::u16string_view text) {
     return result;
 }
 
+std::string copyOfSample(const std::string& sample, const TemporaryFolder& folder) {
+    std::filesystem::copy_file(TAVRIN_SOURCE_FOLDER "/Tests/samples/" + sample, folder.path(sample),
+                               std::filesystem::copy_options::skip_existing);
+    return folder.path(sample);
+}
+
 TEST_F(ActionCases, GiveTheNamesOfTheTable) {
     const auto cases = readCases(TAVRIN_TEST_DATA "/cases");
     const TemporaryFolder folder;
@@ -39,7 +46,9 @@ TEST_F(ActionCases, GiveTheNamesOfTheTable) {
         for (const auto& [key, value] : each.parameters)
             ASSERT_TRUE(action->parameterList().contains(key)) << key;
         action->setParameterList(each.parameters);
-        const auto path = each.modified.empty() ? each.path : file;
+        const auto path = !each.sample.empty()    ? copyOfSample(each.sample, folder)
+                          : each.modified.empty() ? each.path
+                                                  : file;
         if (!each.modified.empty())
             setModificationTime(file, each.modified);
         EXPECT_EQ(shown(run(*action, each.name, each.rank, path)), shown(each.expected));

@@ -72,6 +72,8 @@ class LineReader {
                 into.path = text::toUtf8(readText());
             else if (key == "@modified")
                 into.modified = text::toUtf8(readText());
+            else if (key == "@sample")
+                into.sample = text::toUtf8(readText());
             else if (!into.parameters.emplace(key, readText()).second)
                 fail("key told twice");
         } else if (const auto number = readNumber(10); key == "@rank") {

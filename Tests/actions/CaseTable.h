@@ -16,6 +16,7 @@ struct ActionCase {
     std::int32_t rank = 1;
     std::string path;
     std::string modified; ///< where told, a file last changed at this time takes the place of `path`
+    std::string sample;   ///< where told, a copy of this sample file takes the place of `path`
     std::u16string name;
     std::u16string expected;
 };
