@@ -64,6 +64,9 @@ class BaseRenameAction : public BaseAction {
     virtual void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
                              std::u16string& result);
 
+    /// For actions that know no fragments, in prepareParameters: the whole name counts, whatever is stored.
+    void workOnTheWholeName() { paramFragmentSelectionMode = 0; }
+
   private:
     std::int32_t paramFragmentSelectionMode = 1;
 };

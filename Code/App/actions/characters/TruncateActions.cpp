@@ -1,7 +1,93 @@
 #include "actions/ActionFamilies.h"
+#include "actions/BaseRenameAction.h"
+
+#include <algorithm>
 
 namespace tavrin {
 
-std::span<const ActionEntry> truncateActions() { return {}; }
+namespace {
+
+/// Cuts a fragment to a length, at its end or at the end of what lies in front of its first dot.
+class TruncateAction : public BaseRenameAction {
+  public:
+    static constexpr const char* name = "Truncate";
+
+    TruncateAction() {
+        addParameter(numberParameter("numberOfCharacters", "To characters", 8, 0).between(1, 255),
+                     paramNumberOfCharacters);
+        addParameter(checkboxParameter("smart", "Keep the extension", 0, 0), paramSmart);
+    }
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override {
+        return {{{{"numberOfCharacters", 7}}, u"holiday photos.jpeg", u"holiday.jpeg"},
+                {{{"smart", 1}, {"fragmentSelection", 0}}, u"longname.txt", u"long.txt"}};
+    }
+
+  protected:
+    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
+                     std::u16string& result) override {
+        const std::size_t most = static_cast<std::uint32_t>(paramNumberOfCharacters);
+        if (fragment.size() <= most) { // always so for a negative number
+            result += fragment;
+            return;
+        }
+        const auto extension =
+            paramSmart == 1 ? fragment.substr(std::min(fragment.find(u'.'), fragment.size())) : u"";
+        if (extension.size() >= most)
+            result += extension.substr(extension.size() - most);
+        else
+            result.append(fragment, 0, most - extension.size()).append(extension);
+    }
+
+    std::int32_t paramNumberOfCharacters = 8;
+    std::int32_t paramSmart = 0;
+};
+
+/// Eight units and, from the last dot on, four.
+class TruncateToDOSAction final : public BaseRenameAction {
+  public:
+    static constexpr const char* name = "Truncate to DOS";
+
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override {
+        return {{{{"fragmentSelection", 0}}, u"longfilename.jpeg", u"longfile.jpe"}};
+    }
+
+  protected:
+    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
+                     std::u16string& result) override {
+        constexpr std::size_t mostOfBase = 8;
+        constexpr std::size_t mostOfExtension = 4;
+        const auto dot = std::min(fragment.rfind(u'.'), fragment.size());
+        result.append(fragment, 0, std::min(dot, mostOfBase)).append(fragment, dot, mostOfExtension);
+    }
+};
+
+class ConvertToMacOS9Action final : public TruncateAction {
+  public:
+    static constexpr const char* name = "Convert to Mac OS 9";
+
+    ConvertToMacOS9Action() { setDefault("fragmentSelection", 0); }
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] bool isFragmentSelectionSupported() const override { return false; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override {
+        return {{{}, u"minutes of the meeting in spring.txt", u"minutes of the meeting in s.txt"}};
+    }
+
+  protected:
+    void prepareParameters() override {
+        TruncateAction::prepareParameters();
+        workOnTheWholeName();
+        paramNumberOfCharacters = 31;
+        paramSmart = 1;
+    }
+};
+
+constexpr ActionEntry entries[]{entryFor<TruncateAction>(), entryFor<TruncateToDOSAction>(),
+                                entryFor<ConvertToMacOS9Action>()};
+
+} // namespace
+
+std::span<const ActionEntry> truncateActions() { return entries; }
 
 } // namespace tavrin
