@@ -75,12 +75,4 @@ std::optional<FileStatus> FileManager::attributesFor(const std::string& path) co
     return status;
 }
 
-PropertyDictionary FileManager::allTagsFor(const std::string& path) const {
-    return metadataTool->tagsFor(path, MetadataTool::Client::allTags);
-}
-
-std::optional<PropertyDictionary> FileManager::mp3TagsFor(const std::string& path) const {
-    return metadataTool->tagsFor(path, MetadataTool::Client::mp3Tags);
-}
-
 } // namespace tavrin

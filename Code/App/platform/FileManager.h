@@ -89,6 +89,10 @@ class FileManager {
     [[nodiscard]] PropertyDictionary allTagsFor(const std::string& path) const;
     /// The same for audio and video files by their extension, absent for all others.
     [[nodiscard]] std::optional<PropertyDictionary> mp3TagsFor(const std::string& path) const;
+    /// Adds n and m of a value "n of m" or "n/m" under these keys, n alone of any other; what is no number as
+    /// empty text.
+    static void extractNOfMValuesFrom(std::u16string_view value, std::string_view firstTag,
+                                      std::string_view secondTag, PropertyDictionary& addTo);
 
     /// 0001-01-01 00:00:00 UTC in seconds since 2001.
     static constexpr double distantPast = -63114076800.0;

@@ -1,12 +1,161 @@
 #include "platform/MetadataTool.h"
 
+#include "platform/FileManager.h"
+#include "platform/ToolProcess.h"
+#include "support/DebugLog.h"
+#include "support/Text.h"
+
+#include <cstring>
+#include <filesystem>
+#include <optional>
+
 namespace tavrin {
 
-struct MetadataTool::Child {};
+namespace {
 
-MetadataTool::MetadataTool(std::string path) : script(std::move(path)) {}
+using namespace std::string_view_literals;
+
+constexpr std::string_view endMarker = "---finished---";
+constexpr std::u16string_view keyMarker = u"{extracted-key}:";
+constexpr int usesOfAChild = 100;
+
+std::string absolutePath(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    return error ? path : absolute.string();
+}
+
+std::u16string_view trimmed(std::u16string_view text) {
+    while (!text.empty() && text::isWhitespaceOrNewline(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && text::isWhitespaceOrNewline(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+/// Reads the lines of an answer. A value is stored when the next key comes: the last key's is left out.
+class AnswerReader {
+  public:
+    void read(std::u16string_view line) {
+        if (line.find(keyMarker) == std::u16string_view::npos) {
+            addValueLine(trimmed(line));
+            return;
+        }
+        if (key && !value.empty())
+            store();
+        std::u16string_view name = line.substr(keyMarker.size());
+        for (const std::u16string_view repeat : {u" (1)"sv, u" (2)"sv, u" (3)"sv}) {
+            if (name.find(repeat) != std::u16string_view::npos) {
+                name.remove_suffix(repeat.size());
+                break;
+            }
+        }
+        key = text::toUtf8(name);
+        value.clear();
+    }
+
+    PropertyDictionary dictionary;
+
+  private:
+    void addValueLine(std::u16string_view line) {
+        if (value.empty())
+            value = line;
+        else
+            value.append(u"/n").append(line);
+    }
+
+    void store() {
+        if (*key == "TrackNumber" || *key == "Track")
+            FileManager::extractNOfMValuesFrom(value, "track", "numTrack", dictionary);
+        else if (*key == "DiskNumber" || *key == "PartOfSet")
+            FileManager::extractNOfMValuesFrom(value, "cd", "numCds", dictionary);
+        else
+            dictionary.insert_or_assign(*key, value);
+    }
+
+    std::optional<std::string> key;
+    std::u16string value;
+};
+
+const char* description(ToolProcess::Outcome outcome) {
+    switch (outcome) {
+    case ToolProcess::Outcome::answered:
+        return "it answers nothing sensible";
+    case ToolProcess::Outcome::ended:
+        return "it ended before its answer did";
+    case ToolProcess::Outcome::overdue:
+        return "it did not answer in time";
+    case ToolProcess::Outcome::oversized:
+        return "its answer has no end";
+    case ToolProcess::Outcome::unasked:
+        return "it answered more than was asked";
+    }
+    return "";
+}
+
+} // namespace
+
+MetadataTool::MetadataTool(const std::string& path) : MetadataTool(path, Limits()) {}
+MetadataTool::MetadataTool(const std::string& path, Limits bounds)
+    : script(absolutePath(path)), limits(bounds) {}
 MetadataTool::~MetadataTool() = default;
-PropertyDictionary MetadataTool::tagsFor(const std::string&, Client) { return {}; }
-PropertyDictionary MetadataTool::parseAnswer(const std::string&) { return {}; }
+
+/// A client's first request and each that follows 100 of its own get a new child.
+void MetadataTool::prepareChild(Client client) {
+    int& uses = useCounts[static_cast<std::size_t>(client)];
+    if (uses == 0 || uses == usesOfAChild) {
+        child.reset();
+        uses = 0;
+    }
+    ++uses;
+}
+
+MetadataTool::Attempt MetadataTool::ask(const std::string& path, std::string& answer) {
+    int error = 0;
+    if (!child)
+        child = ToolProcess::start(script, {endMarker, limits.answer, limits.time}, error);
+    if (!child) {
+        problem = std::strerror(error);
+        return Attempt::failed;
+    }
+    const ToolProcess::Outcome outcome = child->ask(path, answer);
+    if (outcome == ToolProcess::Outcome::answered && answer.find("{extracted-key}:") != std::string::npos)
+        return Attempt::succeeded;
+    // Whatever else the child would say could be taken for the answer about the next file.
+    child.reset();
+    problem = description(outcome);
+    return outcome == ToolProcess::Outcome::ended ? Attempt::died : Attempt::failed;
+}
+
+PropertyDictionary MetadataTool::tagsFor(const std::string& path, Client client) {
+    if (path.find_first_of("\n\0"sv) != std::string::npos)
+        return {};
+    std::string answer;
+    {
+        const std::lock_guard lock(mutex);
+        prepareChild(client);
+        Attempt attempt = ask(path, answer);
+        if (attempt == Attempt::died)
+            attempt = ask(path, answer);
+        if (attempt != Attempt::succeeded) {
+            debugLog("metadata tool {}: no tags for {}: {}", script, path, problem);
+            return {};
+        }
+    }
+    return parseAnswer(answer);
+}
+
+PropertyDictionary MetadataTool::parseAnswer(const std::string& bytes) {
+    AnswerReader reader;
+    const std::u16string text = text::fromUtf8OrMacRoman(bytes);
+    std::u16string_view rest = text;
+    for (;;) {
+        const std::size_t end = rest.find(u'\n');
+        reader.read(rest.substr(0, end));
+        if (end == std::u16string_view::npos)
+            return std::move(reader.dictionary);
+        rest.remove_prefix(end + 1);
+    }
+}
 
 } // namespace tavrin

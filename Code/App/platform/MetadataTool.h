@@ -2,10 +2,16 @@
 
 #include "support/PropertyValue.h"
 
+#include <array>
+#include <chrono>
+#include <cstddef>
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace tavrin {
+
+class ToolProcess;
 
 /// The program that reads all metadata of a file: a child process that is kept alive, is given one path a
 /// line and answers with keys and values. It is started at the first request, replaced after 100, and started
@@ -15,8 +21,15 @@ class MetadataTool {
     /// Which of the two users of the tool asks; each counts its requests by itself.
     enum class Client { allTags, mp3Tags };
 
+    struct Limits {
+        /// More than the tool gives itself for a file. A child that takes longer is killed.
+        std::chrono::milliseconds time = std::chrono::seconds(60);
+        std::size_t answer = std::size_t{16} * 1024 * 1024; ///< bytes
+    };
+
     /// The path of the program to start.
-    explicit MetadataTool(std::string path);
+    explicit MetadataTool(const std::string& path);
+    MetadataTool(const std::string& path, Limits bounds);
     ~MetadataTool();
     MetadataTool(const MetadataTool&) = delete;
     MetadataTool& operator=(const MetadataTool&) = delete;
@@ -29,10 +42,18 @@ class MetadataTool {
     [[nodiscard]] static PropertyDictionary parseAnswer(const std::string& bytes);
 
   private:
-    struct Child;
+    enum class Attempt { succeeded, died, failed };
 
-    std::string script;
-    std::unique_ptr<Child> child;
+    void prepareChild(Client client);
+    Attempt ask(const std::string& path, std::string& answer);
+
+    const std::string script;
+    const Limits limits;
+
+    std::mutex mutex; ///< guards what follows
+    std::unique_ptr<ToolProcess> child;
+    std::array<int, 2> useCounts{}; ///< by client
+    std::string problem;            ///< of the latest attempt, for the log
 };
 
 } // namespace tavrin

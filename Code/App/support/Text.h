@@ -28,6 +28,9 @@ void fromBytes(std::string_view bytes, std::u16string& into);
 /// UTF-8 for display and messages: escapes come out as their bytes, any other lone surrogate as U+FFFD.
 std::string toUtf8(std::u16string_view text);
 
+/// Decodes what another program wrote: UTF-8, or Mac Roman if the bytes are not UTF-8 from end to end.
+std::u16string fromUtf8OrMacRoman(std::string_view bytes);
+
 bool isAscii(std::u16string_view text);
 
 /// Unicode normalization forms C and D (UAX #15). Lone surrogates are kept.

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <spawn.h>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace tavrin {
+
+/// What a child process is started with. It gets a process group of its own, no blocked signals, the default
+/// treatment of SIGPIPE, and none of this program's descriptors but those given here and standard error.
+class SpawnSettings {
+  public:
+    SpawnSettings();
+    ~SpawnSettings();
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+    /// The child's descriptor `target` is that of this program, or the opened file.
+    void use(int descriptor, int target);
+    void open(const char* path, int flags, int target);
+    void startIn(const std::string& folder);
+
+    /// 0 or errno. The program is sought in PATH when it has no slash. `environment` holds "NAME=value".
+    [[nodiscard]] int spawn(pid_t& child, const std::vector<std::string>& arguments,
+                            const std::vector<std::string>& environment);
+
+  private:
+    posix_spawn_file_actions_t actions{};
+    posix_spawnattr_t attributes{};
+};
+
+} // namespace tavrin
