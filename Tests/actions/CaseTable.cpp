@@ -74,6 +74,8 @@ class LineReader {
                 into.modified = text::toUtf8(readText());
             else if (key == "@sample")
                 into.sample = text::toUtf8(readText());
+            else if (key == "@list")
+                into.list = text::toUtf8(readText());
             else if (!into.parameters.emplace(key, readText()).second)
                 fail("key told twice");
         } else if (const auto number = readNumber(10); key == "@rank") {

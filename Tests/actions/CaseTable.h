@@ -3,6 +3,7 @@
 #include "support/PropertyValue.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct ActionCase {
     std::string path;
     std::string modified; ///< where told, a file last changed at this time takes the place of `path`
     std::string sample;   ///< where told, a copy of this sample file takes the place of `path`
+    std::optional<std::string> list; ///< the content of the file that the parameter listFilePath is to name
     std::u16string name;
     std::u16string expected;
 };

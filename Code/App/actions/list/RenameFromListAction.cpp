@@ -1,7 +1,155 @@
+#include "actions/list/RenameFromListAction.h"
+
 #include "actions/ActionFamilies.h"
+#include "actions/list/ListFile.h"
+#include "actions/list/RenameListLoader.h"
+#include "actions/list/SharedRenameLists.h"
+#include "actions/list/TabDelimitedFileListLoader.h"
+#include "support/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
 
 namespace tavrin {
 
-std::span<const ActionEntry> renameFromListActions() { return {}; }
+namespace {
+
+constexpr const char16_t* noFile = u"<no file>";
+
+ParameterDescription ofKind(ParameterKind kind, ParameterDescription row) {
+    row.kind = kind;
+    return row;
+}
+
+std::string errorOnLine(int line) { return fmt::format("Error on line {}. Nothing loaded.", line); }
+
+} // namespace
+
+RenameFromListAction::RenameFromListAction() {
+    addParameter(ofKind(ParameterKind::file, textParameter("listFilePath", "List", noFile)),
+                 paramListFilePath);
+    addParameter(ofKind(ParameterKind::status, textParameter("status", "Status", u"Nothing loaded.")));
+    addParameter(checkboxParameter("ignoreCase", "Ignore case of current names", 1, 1), paramIgnoreCase);
+}
+
+std::vector<ActionExample> RenameFromListAction::examples() const {
+    const ExampleFile pairs{"", "", "", "", u"IMG_1.JPG\tHarbour\nIMG_2.JPG\tLighthouse\n"};
+    const ExampleFile names{"", "", "", "", u"Harbour.png\nLighthouse.png\n"};
+    return {{{}, u"img_1.jpg", u"Harbour.jpg", pairs},
+            {{{"fragmentSelection", 0}}, u"img_1.jpg", u"Harbour.png", names}};
+}
+
+void RenameFromListAction::setParameterList(const PropertyDictionary& parameters) {
+    SortBasedAction::setParameterList(parameters);
+    prepare();
+    load(paramListFilePath);
+}
+
+void RenameFromListAction::prepareParameters() {
+    SortBasedAction::prepareParameters();
+    ignoresCase = (paramIgnoreCase & 0xFF) != 0;
+    paramIsTabDelimitedList = !list->fileNames().empty();
+}
+
+// ---- loading
+
+void RenameFromListAction::load(const std::u16string& path) { load(path, Freshness::mayBeShared); }
+
+void RenameFromListAction::reload() {
+    prepare();
+    load(paramListFilePath, Freshness::fromFile);
+}
+
+void RenameFromListAction::clear() { load(noFile); }
+
+void RenameFromListAction::load(const std::u16string& path, Freshness freshness) {
+    prepare();
+    const std::u16string chosen = path; // which may be the cached field itself
+    const auto bytes = text::toBytes(chosen);
+    std::string status = "File does not exist. Nothing loaded.";
+    if (bytes && chosen != noFile && ListFile::exists(*bytes))
+        status = read(*bytes, freshness);
+    else
+        list = std::make_shared<RenameList>();
+    setValue(text::fromUtf8(status), "status");
+    setValue(chosen, "listFilePath");
+}
+
+std::string RenameFromListAction::read(const std::string& path, Freshness freshness) {
+    if (ListFile::isTooLarge(path))
+        return "File is too large. Nothing loaded.";
+    const auto source = SharedRenameLists::sourceFor(path, ignoresCase);
+    if (auto shared =
+            source && freshness == Freshness::mayBeShared ? SharedRenameLists::find(*source) : nullptr) {
+        list = std::move(shared);
+        return summary();
+    }
+    const auto former = list;
+    auto status = readFromFile(path);
+    if (source && list != former)
+        SharedRenameLists::offer(*source, list);
+    return status;
+}
+
+std::string RenameFromListAction::readFromFile(const std::string& path) {
+    TabDelimitedFileListLoader pairs;
+    pairs.setIgnoreCase(ignoresCase);
+    const int failedLine = pairs.loadFromPath(path);
+    if (failedLine > 1)
+        return errorOnLine(failedLine);
+    if (failedLine == 0) {
+        list = std::make_shared<RenameList>(std::move(pairs.getFileArray()),
+                                            std::move(pairs.getNewNameArray()), pairs.usesFullPosixPath());
+        return summary();
+    }
+    // The very first line is no pair, so it may be a list of new names alone.
+    RenameListLoader names;
+    if (const int line = names.loadFromPath(path); line != 0)
+        return errorOnLine(line);
+    list = std::make_shared<RenameList>(std::move(names.getFileArray()));
+    return summary();
+}
+
+std::string RenameFromListAction::summary() const {
+    const std::size_t count = list->newNames().size();
+    if (count > 0 && list->fileNames().empty())
+        return fmt::format("{} new names loaded.", count);
+    return fmt::format("{} \"{}, new name\" pairs loaded.", count,
+                       list->usesFullPosixPath() ? "file path" : "current name");
+}
+
+// ---- execution
+
+void RenameFromListAction::processName(std::u16string_view fragment, const InputContext& input,
+                                       OutputContext&, std::u16string& result) {
+    result += listedName(input).value_or(fragment);
+}
+
+std::optional<std::u16string_view> RenameFromListAction::listedName(const InputContext& input) {
+    if (!paramIsTabDelimitedList) {
+        const std::int32_t rank = getSortIndex(input);
+        const bool isListed = rank > 0 && static_cast<std::size_t>(rank) <= list->newNames().size();
+        return isListed ? std::optional(list->newNames()[static_cast<std::size_t>(rank) - 1]) : std::nullopt;
+    }
+    std::string file = input.inputPath();
+    if (list->usesFullPosixPath())
+        return list->newNameFor(key.normalized(file, ignoresCase));
+    file.erase(0, file.rfind('/') + 1);
+    auto found = list->newNameFor(key.normalized(file, ignoresCase));
+    if (!found && file.find(':') != std::string::npos) {
+        std::replace(file.begin(), file.end(), ':', '/');
+        found = list->newNameFor(key.normalized(file, ignoresCase));
+    }
+    return found;
+}
+
+namespace {
+
+constexpr ActionEntry entries[]{entryFor<RenameFromListAction>()};
+
+} // namespace
+
+std::span<const ActionEntry> renameFromListActions() { return entries; }
 
 } // namespace tavrin

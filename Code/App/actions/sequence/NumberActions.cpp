@@ -1,40 +1,89 @@
 #include "actions/ActionFamilies.h"
+#include "actions/TextPlacements.h"
 #include "actions/sequence/SortNumberBasedAction.h"
 
 namespace tavrin {
 
 namespace {
 
-/// A number between two texts is the whole new fragment.
-class ProduceNumberedListAction final : public SortNumberBasedAction {
+class ProduceNumberedListAction final : public placement::WholeName<SortNumberBasedAction> {
   public:
     static constexpr const char* name = "Produce numbered list";
 
-    ProduceNumberedListAction() {
-        addParameter(textParameter("prefix", "Text in front", u"Image_"), paramPrefix);
-        addParameter(textParameter("suffix", "Text behind"), paramSuffix);
-    }
+    ProduceNumberedListAction() { setDefault("prefix", u"Image_"); }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {
             {{}, u"DSC_0042.jpg", u"Image_01.jpg"},
             {{{"prefix", u"Trip "}, {"padding", 3}, {"startValue", 10}}, u"DSC_0042.jpg", u"Trip 010.jpg"}};
     }
-
-  protected:
-    void processName(std::u16string_view, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        result += paramPrefix;
-        appendFormattedNumberString(input, result);
-        result += paramSuffix;
-    }
-
-  private:
-    std::u16string paramPrefix;
-    std::u16string paramSuffix;
 };
 
-constexpr ActionEntry entries[]{entryFor<ProduceNumberedListAction>()};
+class AddNumberToStartAction final : public placement::AtStart<SortNumberBasedAction> {
+  public:
+    static constexpr const char* name = "Add number to start";
+
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override {
+        return {{{{"padding", 3}}, u"photo.jpg", u"001photo.jpg"}};
+    }
+};
+
+class AddNumberToEndAction final : public placement::AtEnd<SortNumberBasedAction> {
+  public:
+    static constexpr const char* name = "Add number to end";
+
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override {
+        return {{{}, u"photo.jpg", u"photo01.jpg"}};
+    }
+};
+
+class InsertNumberAtPositionAction final : public placement::AtPosition<SortNumberBasedAction> {
+  public:
+    static constexpr const char* name = "Insert number at position";
+
+    InsertNumberAtPositionAction() {
+        // Kept for stored lists, which have them.
+        addParameter(textParameter("prefix", "Not used"));
+        addParameter(textParameter("suffix", "Not used"));
+    }
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override {
+        return {{{{"position", 4}}, u"scan page.pdf", u"scan01 page.pdf"}};
+    }
+};
+
+class InsertNumberInFrontOfExistingTextAction final
+    : public placement::OnPrecomposedName<placement::InFrontOfText<SortNumberBasedAction>> {
+  public:
+    static constexpr const char* name = "Insert number in front of existing text";
+
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override {
+        return {{{{"searchTerm", u" of"}}, u"page of report.pdf", u"page01 of report.pdf"}};
+    }
+};
+
+class InsertNumberAfterExistingTextAction final
+    : public placement::OnPrecomposedName<placement::AfterText<SortNumberBasedAction>> {
+  public:
+    static constexpr const char* name = "Insert number after existing text";
+
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override {
+        return {{{{"searchTerm", u"Page "}}, u"page of report.pdf", u"page 01of report.pdf"}};
+    }
+};
+
+constexpr ActionEntry entries[]{
+    entryFor<ProduceNumberedListAction>(),
+    entryFor<AddNumberToStartAction>(),
+    entryFor<AddNumberToEndAction>(),
+    entryFor<InsertNumberAtPositionAction>(),
+    entryFor<InsertNumberInFrontOfExistingTextAction>(),
+    entryFor<InsertNumberAfterExistingTextAction>(),
+};
 
 } // namespace
 

@@ -1,15 +1,14 @@
 #include "actions/sequence/SortNumberBasedAction.h"
 
-#include <algorithm>
+#include "actions/PaddedNumber.h"
+
 #include <array>
-#include <charconv>
 #include <utility>
 
 namespace tavrin {
 
 namespace {
 
-constexpr std::int32_t widest = 1024;
 constexpr std::int32_t largestRomanNumeral = 4000;
 
 constexpr std::array<std::pair<std::int32_t, std::u16string_view>, 13> romanNumerals{{
@@ -33,7 +32,7 @@ constexpr std::array<std::pair<std::int32_t, std::u16string_view>, 13> romanNume
 SortNumberBasedAction::SortNumberBasedAction() {
     addParameter(numberParameter("startValue", "Start at", 1, 1), paramStartValue);
     addParameter(numberParameter("stepValue", "Step", 1, 1), paramStepValue);
-    addParameter(numberParameter("padding", "Digits", 2, 1), paramPadding);
+    addParameter(numberParameter("padding", "Digits", 2, 1).between(0, 20), paramPadding);
 }
 
 std::optional<std::u16string> SortNumberBasedAction::romanNumeral(std::int32_t number) {
@@ -46,35 +45,25 @@ std::optional<std::u16string> SortNumberBasedAction::romanNumeral(std::int32_t n
     return numeral;
 }
 
-void SortNumberBasedAction::prepareParameters() {
-    SortBasedAction::prepareParameters();
-    paramPadding = std::clamp(paramPadding, -widest, widest);
-}
-
 std::int32_t SortNumberBasedAction::value(const InputContext& input) const {
     const auto steps = static_cast<std::uint32_t>(getSortIndex(input)) - 1U;
     return static_cast<std::int32_t>(steps * static_cast<std::uint32_t>(paramStepValue) +
                                      static_cast<std::uint32_t>(paramStartValue));
 }
 
-void SortNumberBasedAction::appendFormattedNumberString(const InputContext& input,
-                                                        std::u16string& result) const {
-    std::array<char, 16> digits{};
-    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value(input)).ptr;
-    const char* begin = digits.data();
-    const auto length = end - begin;
-    if (*begin == '-' && paramPadding >= 0)
-        result += static_cast<char16_t>(*begin++);
-    if (paramPadding > length)
-        result.append(static_cast<std::size_t>(paramPadding - length), u'0');
-    result.append(begin, end);
-    if (-paramPadding > length)
-        result.append(static_cast<std::size_t>(-paramPadding - length), u' ');
+std::u16string_view SortNumberBasedAction::getFormattedNumberString(const InputContext& input) {
+    formatted.clear();
+    appendPaddedNumber(value(input), paramPadding, formatted);
+    return formatted;
 }
 
-void SortNumberBasedAction::processName(std::u16string_view, const InputContext& input, OutputContext&,
-                                        std::u16string& result) {
-    appendFormattedNumberString(input, result);
+std::optional<std::u16string_view>
+SortNumberBasedAction::getFormattedRomanNumeralString(const InputContext& input) {
+    auto numeral = romanNumeral(value(input));
+    if (!numeral)
+        return std::nullopt;
+    formatted = std::move(*numeral);
+    return formatted;
 }
 
 } // namespace tavrin

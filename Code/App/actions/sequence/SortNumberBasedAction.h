@@ -2,6 +2,9 @@
 
 #include "actions/SortBasedAction.h"
 
+#include <string>
+#include <string_view>
+
 namespace tavrin {
 
 /// An action that gives an item a number by its place in the run. The arithmetic wraps round at 32 bits.
@@ -15,19 +18,24 @@ class SortNumberBasedAction : public SortBasedAction {
     [[nodiscard]] static std::optional<std::u16string> romanNumeral(std::int32_t number);
 
   protected:
-    void prepareParameters() override;
-    /// Appends the number alone; members of the family place it.
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                     std::u16string& result) override;
+    /// The texts for the item, valid until the next call. The number has zeros on the left up to the padding,
+    /// the sign within it, or blanks on the right for a negative padding.
+    [[nodiscard]] std::u16string_view getFormattedNumberString(const InputContext& input);
+    [[nodiscard]] std::optional<std::u16string_view>
+    getFormattedRomanNumeralString(const InputContext& input);
 
-    [[nodiscard]] std::int32_t value(const InputContext& input) const;
-    /// Zeros on the left up to the padding, the sign within it; blanks on the right for a negative padding.
-    void appendFormattedNumberString(const InputContext& input, std::u16string& result) const;
+    /// What the members of the family place.
+    [[nodiscard]] std::optional<std::u16string_view> textToPlace(const InputContext& input) {
+        return getFormattedNumberString(input);
+    }
 
   private:
+    [[nodiscard]] std::int32_t value(const InputContext& input) const;
+
     std::int32_t paramStartValue = 1;
     std::int32_t paramStepValue = 1;
     std::int32_t paramPadding = 1;
+    std::u16string formatted;
 };
 
 } // namespace tavrin

@@ -1,0 +1,109 @@
+#include "actions/list/ListFile.h"
+
+#include "platform/FileSystem.h"
+#include "support/Text.h"
+#include "support/TextUnits.h"
+
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+bool isAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+bool isLineEnd(char byte) { return byte == '\n' || byte == '\r'; }
+
+/// The end of the stretch of ASCII that begins at `at`.
+std::size_t asciiEnd(std::string_view bytes, std::size_t at) {
+    while (at + 8 <= bytes.size() && (text::units::load(bytes.data() + at) & 0x8080808080808080ULL) == 0)
+        at += 8;
+    while (at < bytes.size() && isAscii(bytes[at]))
+        ++at;
+    return at;
+}
+
+/// Well-formed UTF-8 has no surrogates, so one that is no half of a pair stands for an undecodable byte.
+bool hasEscape(std::u16string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text::units::isLowSurrogate(text[i]) && (i == 0 || !text::units::isHighSurrogate(text[i - 1])))
+            return true;
+    return false;
+}
+
+bool isUtf8(std::string_view bytes) {
+    std::u16string decoded;
+    for (std::size_t at = asciiEnd(bytes, 0); at < bytes.size();) {
+        const auto stop = std::find_if(bytes.begin() + static_cast<std::ptrdiff_t>(at), bytes.end(), isAscii);
+        const auto end = static_cast<std::size_t>(stop - bytes.begin());
+        text::fromBytes(bytes.substr(at, end - at), decoded);
+        if (hasEscape(decoded))
+            return false;
+        at = asciiEnd(bytes, end);
+    }
+    return true;
+}
+
+/// The length in bytes of the white space character that a text begins with, 0 if it does not.
+std::size_t blankLength(std::string_view bytes) {
+    const auto lead = static_cast<unsigned char>(bytes.front());
+    if (lead < 0x80)
+        return text::isWhitespaceOrNewline(lead) ? 1 : 0;
+    if (lead > 0xE3) // white space lies below U+4000
+        return 0;
+    const std::string_view character = bytes.substr(0, lead < 0xE0 ? 2 : 3);
+    return text::isWhitespaceOrNewline(text::fromBytes(character).front()) ? character.size() : 0;
+}
+
+} // namespace
+
+bool ListFile::exists(const std::string& path) {
+    FileStatus status;
+    return FileSystem::sharedInstance().followedStatus(path, status) == 0;
+}
+
+bool ListFile::isTooLarge(const std::string& path) {
+    FileStatus status;
+    return FileSystem::sharedInstance().followedStatus(path, status) == 0 &&
+           status.kind == FileStatus::Kind::file && status.size > sizeLimit;
+}
+
+std::optional<std::string> ListFile::content(const std::string& path) {
+    auto& files = FileSystem::sharedInstance();
+    FileStatus status;
+    std::string bytes;
+    if (files.followedStatus(path, status) != 0 || status.kind != FileStatus::Kind::file ||
+        files.readFile(path, bytes, sizeLimit) != 0 || !isUtf8(bytes))
+        return std::nullopt;
+    if (bytes.starts_with("\xEF\xBB\xBF"))
+        bytes.erase(0, 3);
+    return bytes;
+}
+
+bool ListScanner::isAtEnd() {
+    while (!rest.empty()) {
+        const std::size_t length = blankLength(rest);
+        if (length == 0)
+            return false;
+        rest.remove_prefix(length);
+    }
+    return true;
+}
+
+std::optional<std::string_view> ListScanner::fieldBeforeTab() {
+    const auto stop =
+        std::find_if(rest.begin(), rest.end(), [](char byte) { return byte == '\t' || isLineEnd(byte); });
+    if (stop == rest.end() || *stop != '\t')
+        return std::nullopt;
+    const std::string_view field = rest.substr(0, static_cast<std::size_t>(stop - rest.begin()));
+    rest.remove_prefix(field.size() + 1);
+    return field;
+}
+
+std::string_view ListScanner::fieldBeforeLineEnd() {
+    const auto stop = std::find_if(rest.begin(), rest.end(), isLineEnd);
+    const std::string_view field = rest.substr(0, static_cast<std::size_t>(stop - rest.begin()));
+    rest.remove_prefix(field.size());
+    return field;
+}
+
+} // namespace tavrin

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "actions/SortBasedAction.h"
+#include "actions/list/ListField.h"
+#include "actions/list/RenameList.h"
+
+#include <memory>
+#include <string>
+
+namespace tavrin {
+
+/// Takes the new names from a text file of the user: either by the current name or path, or, where the file
+/// has new names only, in the order of the run. Loading reads the file on the calling thread and tells in the
+/// parameter `status` what came of it.
+class RenameFromListAction final : public SortBasedAction {
+  public:
+    static constexpr const char* name = "Rename from list";
+
+    RenameFromListAction();
+
+    [[nodiscard]] std::string actionName() const override { return name; }
+    [[nodiscard]] bool hasLongParameterList() const override { return true; }
+    [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic32"; }
+    [[nodiscard]] std::vector<ActionExample> examples() const override;
+
+    /// As in the base, then loads the file of the parameters.
+    void setParameterList(const PropertyDictionary& list) override;
+
+    /// Loads a file and stores its path. The present list stays in use when the file has an error.
+    void load(const std::u16string& path);
+    /// Loads the present file anew, whether or not it has changed.
+    void reload();
+    void clear();
+
+  protected:
+    void prepareParameters() override;
+    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
+                     std::u16string& result) override;
+
+  private:
+    enum class Freshness { mayBeShared, fromFile };
+
+    void load(const std::u16string& path, Freshness freshness);
+    /// What is to be told of the file.
+    [[nodiscard]] std::string read(const std::string& path, Freshness freshness);
+    [[nodiscard]] std::string readFromFile(const std::string& path);
+    [[nodiscard]] std::string summary() const;
+    [[nodiscard]] std::optional<std::u16string_view> listedName(const InputContext& input);
+
+    std::shared_ptr<const RenameList> list = std::make_shared<RenameList>();
+    std::u16string paramListFilePath;
+    std::int32_t paramIgnoreCase = 1;
+    bool ignoresCase = true;
+    bool paramIsTabDelimitedList = false;
+    ListField key;
+};
+
+} // namespace tavrin
