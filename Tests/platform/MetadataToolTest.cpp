@@ -1,0 +1,374 @@
+#include "platform/MetadataTool.h"
+
+#include "common/LogRecorder.h"
+#include "common/TemporaryFolder.h"
+#include "platform/Descriptor.h"
+#include "platform/FileManager.h"
+#include "platform/ResourceFolder.h"
+#include "support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <future>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+namespace tavrin {
+namespace {
+
+using test::LogRecorder;
+using test::TemporaryFolder;
+using Client = MetadataTool::Client;
+
+const std::string samples = TAVRIN_SOURCE_FOLDER "/Tests/samples/";
+
+std::string flat(const PropertyDictionary& dictionary) {
+    std::string result;
+    for (const auto& [key, value] : dictionary)
+        result += (result.empty() ? "" : "; ") + key + "=" + text::toUtf8(*value.asText());
+    return result;
+}
+
+std::string valueOf(const PropertyDictionary& dictionary, const std::string& key) {
+    const PropertyValue* const value = find(dictionary, key);
+    return value == nullptr ? "(none)" : text::toUtf8(*value->asText());
+}
+
+std::string contentOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// "@" stands for the marker of a key.
+std::string withMarkers(std::string text) {
+    for (std::size_t at = 0; (at = text.find('@', at)) != std::string::npos;)
+        text.replace(at, 1, "{extracted-key}:");
+    return text;
+}
+
+TEST(MetadataToolTest, readsAnswers) {
+    const std::string end = "\n@\n---finished---\n";
+    const struct {
+        std::string answer;
+        const char* expected;
+    } cases[] = {
+        {"", ""},
+        {"---finished---", ""},
+        {"no key\n@\n---finished---", ""},
+        {"@Artist\nAnn\n@Album\nBest" + end, "Album=Best; Artist=Ann"},
+        {"@Artist\nAnn\n@Album\nBest\n---finished---\n", "Artist=Ann"},
+        {"@A\na\nb" + end, "A=a/nb"},
+        {"@A\n\n  a \t\n\nb\r" + end, "A=a/n/nb"},
+        {"@A\n\n@B\n \n@C\nc" + end, "C=c"},
+        {"@A\n@B\nb" + end, "B=b"},
+        {"@A\none\n@A\ntwo" + end, "A=two"},
+        {"@A\none\n@A\n" + end, "A=one"},
+        {"@Artist (1)\nold\n@Artist (2)\nnew" + end, "Artist=new"},
+        {"@Artist (4)\nx\n@(1) of\ny" + end, "(1) of=y; Artist (4)=x"},
+        {"@a (1) long\nx" + end, "a (1) =x"},
+        {"x@A\na" + end, ":A=a"},
+        {"@Track\n3 of 12" + end, "numTrack=12; track=3"},
+        {"@TrackNumber\n03/12/14" + end, "numTrack=12; track=3"},
+        {"@Track\n3" + end, "track=3"},
+        {"@Track\nA" + end, "track="},
+        {"@Track (1)\n1/2\n@Track\n3/12" + end, "numTrack=12; track=3"},
+        {"@DiskNumber\n1 of 2 of 3" + end, "cd=1; numCds=2"},
+        {"@PartOfSet\n1/x" + end, "cd=1; numCds="},
+        {"@Name\n\xc3\xa9t\xc3\xa9" + end, "Name=été"},
+        {"@Name\n\xc3\xa9t\x8e" + end, "Name=√©té"},
+    };
+    for (const auto& [answer, expected] : cases)
+        EXPECT_EQ(flat(MetadataTool::parseAnswer(withMarkers(answer))), expected) << answer;
+}
+
+class FakeMetadataTool : public testing::Test {
+  protected:
+    /// A tool that does this with each line that it reads into `path`, after what it does at its start.
+    std::string make(const std::string& work, const std::string& start = ":", mode_t mode = 0755) {
+        std::string script = folder.write(
+            "tool.sh", withMarkers("#!/bin/sh\n"
+                                   "answer() { printf '@Path\\n%s\\n@Child\\n%s\\n@\\n"
+                                   "---finished---\\n' \"$path\" $$; }\n"
+                                   "isFirst() { mkdir \"$0.ran\" 2>/dev/null; }\n" +
+                                   start + "\nwhile IFS= read -r path; do " + work + "; done\n"));
+        ::chmod(script.c_str(), mode);
+        return script;
+    }
+
+    void TearDown() override {
+        EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child was left, or not reaped";
+        EXPECT_EQ(errno, ECHILD);
+    }
+
+    TemporaryFolder folder;
+    LogRecorder log;
+};
+
+TEST_F(FakeMetadataTool, neverGivesAFileWhatIsNotItsOwn) {
+    constexpr auto minute = std::chrono::seconds(60);
+    const struct {
+        const char* what;
+        std::string work;
+        const char* first;
+        const char* second;
+        std::size_t problems;
+        std::chrono::milliseconds limit = minute;
+        mode_t mode = 0755;
+    } cases[] = {
+        {"sound", "answer", "/a", "/b", 0},
+        {"slow to tell its end", "printf '@Path\\n%s\\n@\\n---fini' \"$path\"; printf 'shed---\\n'", "/a",
+         "/b", 0},
+        {"not executable", "answer", "(none)", "(none)", 2, minute, 0644},
+        {"ends at each request", "exit 0", "(none)", "(none)", 2},
+        {"dies once in the middle", "isFirst && printf '@Path\\nwrong\\n@A' && kill -9 $$; answer", "/a",
+         "/b", 0},
+        {"dies in the middle", "printf '@Path\\nwrong\\n@A'; exit", "(none)", "(none)", 2},
+        {"dies after its answer", "answer; exit", "/a", "/b", 0},
+        {"prints rubbish", "printf 'Path\\nwrong\\n---finished---\\n'", "(none)", "(none)", 2},
+        {"prints rubbish without an end", "exec yes", "(none)", "(none)", 2},
+        {"answers twice at once",
+         "isFirst && exec printf '%s' \"$(path=wrong; answer; path=worse; answer)\"; answer", "(none)", "/b",
+         1},
+        {"hangs once", "isFirst && while :; do read -r path; done; answer", "(none)", "/b", 1,
+         std::chrono::seconds(1)},
+    };
+    for (const auto& fake : cases) {
+        SCOPED_TRACE(fake.what);
+        const std::size_t before = log.count("metadata tool");
+        {
+            MetadataTool tool(make(fake.work, ":", fake.mode), {fake.limit, 100'000});
+            EXPECT_EQ(valueOf(tool.tagsFor("/a", Client::allTags), "Path"), fake.first);
+            EXPECT_EQ(valueOf(tool.tagsFor("/b", Client::allTags), "Path"), fake.second);
+        }
+        EXPECT_EQ(log.count("metadata tool") - before, fake.problems);
+        if (folder.kind("tool.sh.ran"))
+            folder.remove("tool.sh.ran");
+    }
+    MetadataTool missing(folder.path("no such tool"));
+    EXPECT_EQ(flat(missing.tagsFor("/a", Client::allTags)), "");
+    EXPECT_EQ(log.count("No such file"), 1u);
+}
+
+TEST_F(FakeMetadataTool, refusesWhatSpeaksBeforeItIsAsked) {
+    // The first child answers once more when it is told to, and tells when it has.
+    const std::string go = folder.path("go");
+    const std::string spoken = folder.path("spoken");
+    ASSERT_EQ(::mkfifo(go.c_str(), 0600) | ::mkfifo(spoken.c_str(), 0600), 0);
+    MetadataTool tool(make("answer; isFirst && read word <'" + go +
+                           "' && path=wrong && answer && echo done >'" + spoken + "'"));
+    EXPECT_EQ(valueOf(tool.tagsFor("/a", Client::allTags), "Path"), "/a");
+    std::ofstream(go) << "go\n";
+    EXPECT_EQ(contentOf(spoken), "done\n");
+    EXPECT_EQ(flat(tool.tagsFor("/b", Client::allTags)), "");
+    EXPECT_EQ(valueOf(tool.tagsFor("/c", Client::allTags), "Path"), "/c");
+}
+
+TEST_F(FakeMetadataTool, servesHundredRequestsOfAClientWithAChild) {
+    FileManager files(make("answer"));
+    std::vector<std::string> children;
+    for (int i = 0; i < 201; ++i)
+        children.push_back(valueOf(files.allTagsFor("/a"), "Child"));
+    EXPECT_EQ(children[0], children[99]);
+    EXPECT_NE(children[99], children[100]);
+    EXPECT_EQ(children[100], children[199]);
+    EXPECT_NE(children[199], children[200]);
+    const std::string other = valueOf(files.mp3TagsFor("/a.mp3").value(), "Child");
+    EXPECT_NE(other, children[200]) << "the first request of the other client starts a child";
+    EXPECT_EQ(valueOf(files.allTagsFor("/a"), "Child"), other) << "which both then share";
+}
+
+TEST_F(FakeMetadataTool, isAskedForSomeFilesAlone) {
+    const FileManager files(make("answer"));
+    const std::string longPath = "/" + std::string(200'000, 'x');
+    for (const std::string& path : {std::string("/Data.XML"), std::string("/a.xml/b"), std::string("/.xml"),
+                                    std::string("/ blank \\ 'q' \"|"), longPath})
+        EXPECT_EQ(valueOf(files.allTagsFor(path), "Path"),
+                  text::toUtf8(text::fromBytes(path.substr(0, path.find_last_not_of(' ') + 1))));
+    for (const std::string path : {"/Data.xml", "/a.b.jar", "/line\nfeed", "/line\nfeed.mp3"})
+        EXPECT_EQ(flat(files.allTagsFor(path)), "") << path;
+    EXPECT_EQ(flat(files.mp3TagsFor("/line\nfeed.mp3").value()), "");
+    for (const char* path : {"/a.mp3", "/a.M4A", "/.m4p", "/a.m4b", "/a.aif", "/a.ogg", "/a.ape", "/a.m4v",
+                             "/a.AIFF", "/Song.FLAC"})
+        EXPECT_TRUE(files.mp3TagsFor(path).has_value()) << path;
+    for (const char* path : {"/Song.wav", "/mp3", "/a.mp3/", "/a.flac2", "", "/a.opus"})
+        EXPECT_FALSE(files.mp3TagsFor(path).has_value()) << path;
+}
+
+TEST_F(FakeMetadataTool, getsNothingOfThisProgramButAPathALine) {
+    ::setenv("PERL5LIB", "/tmp", 1);
+    const Descriptor null(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    const Descriptor leaky(::fcntl(null.get(), F_DUPFD, 77));
+    MetadataTool tool(make("[ -e /proc/$$/fd/" + std::to_string(leaky.get()) +
+                           " ] && path=leak || path=\"$PERL5LIB$HOME $(pwd)\"; answer"));
+    EXPECT_EQ(valueOf(tool.tagsFor("/a", Client::allTags), "Path"), folder.path());
+    ::unsetenv("PERL5LIB");
+}
+
+TEST_F(FakeMetadataTool, isAskedByManyThreadsInTurn) {
+    MetadataTool tool(make("answer"));
+    std::vector<std::future<int>> askers;
+    for (const std::string path : {"/a", "/b", "/c", "/d"})
+        askers.push_back(std::async(std::launch::async, [&tool, path] {
+            int right = 0;
+            for (int i = 0; i < 60; ++i)
+                right += valueOf(tool.tagsFor(path, Client::allTags), "Path") == path ? 1 : 0;
+            return right;
+        }));
+    for (auto& asker : askers)
+        EXPECT_EQ(asker.get(), 60);
+}
+
+class RealMetadataTool : public testing::Test {
+  protected:
+    TemporaryFolder folder;
+    const FileManager files{resourcePath("extract.pl")};
+};
+
+TEST_F(RealMetadataTool, tellsWhatTheSamplesHold) {
+    std::istringstream table(R"(
+photo.jpg photo.png photo.tif photo.heic  Make | Halden
+photo.jpg photo.png photo.tif photo.heic  Model | Halden 40
+photo.jpg photo.png photo.tif photo.heic  Lens | 35mm f/2
+photo.jpg photo.png photo.tif photo.heic  LensModel | Halden 35mm f/2
+photo.jpg photo.png photo.tif photo.heic  ExposureTime | 1/250
+photo.jpg photo.png photo.tif photo.heic  ShutterSpeed | 1/250
+photo.jpg photo.png photo.tif photo.heic  Aperture | 5.6
+photo.jpg photo.png photo.tif photo.heic  ISO | 400
+photo.jpg photo.png photo.tif photo.heic  ColorSpace | sRGB
+photo.jpg photo.png photo.tif photo.heic  SubSecTimeOriginal | 07
+photo.jpg photo.png photo.tif photo.heic  BitDepth | 8
+photo.jpg photo.heic  GPSPosition | 48 deg 12' 29.52" N, 16 deg 22' 25.68" E
+photo.jpg photo.heic  GPSLatitude | 48 deg 12' 29.52" N
+photo.jpg photo.heic  GPSLatitudeRef | North
+photo.jpg photo.heic  GPSLongitude | 16 deg 22' 25.68" E
+photo.jpg photo.heic  GPSLongitudeRef | East
+photo.jpg photo.heic  GPSAltitude | 171 m Above Sea Level
+photo.jpg photo.heic  GPSAltitudeRef | Above Sea Level
+photo.jpg photo.heic  GPSImgDirection | 92.5
+photo.jpg photo.heic  GPSImgDirectionRef | True North
+photo.jpg  ImageWidth | 640
+photo.jpg  ImageHeight | 480
+photo.jpg  ExifImageWidth | 640
+photo.jpg  ExifImageHeight | 480
+photo.jpg photo.tif  ColorComponents | 3
+photo.png photo.tif  ColorMode | RGB
+photo.jpg camera.jpg  ColorMode | (none)
+photo.png photo.tif clip.mp4 clip.mkv  ImageWidth | 64
+photo.tif  GPSPosition | 33 deg 51' 30.00" S, 70 deg 30' 0.00" W
+photo.tif  GPSLongitude | 70 deg 30' 0.00" W
+photo.tif photo.png  GPSAltitude | (none)
+camera.jpg  FocusMode | AF-S
+camera.jpg  ShutterCount | 12345
+song.mp3 song.m4a song.flac song.ogg song.opus clip.mp4  Artist | Ann
+song.mp3 song.m4a song.flac song.ogg song.opus clip.mp4  Album | Best
+song.mp3 song.m4a song.flac song.ogg song.opus clip.mp4 clip.mkv  Title | Blue Hour
+song.mp3 song.m4a song.flac song.ogg song.opus clip.mp4  Year | 1999
+song.mp3 song.m4a song.flac song.ogg song.opus clip.mp4  track | 3
+song.mp3 song.m4a song.flac song.ogg song.opus clip.mp4  numTrack | 12
+song.mp3 song.m4a song.flac song.ogg clip.mp4  cd | 1
+song.mp3 song.m4a song.flac song.ogg clip.mp4  numCds | 2
+song.mp3  Duration# | 2.664
+song.m4a song.flac song.ogg song.opus  Duration# | 2.5
+clip.mp4  Duration# | 2
+clip.mkv  Duration# | 2.008
+clip.mp4 clip.mkv  VideoFrameRate | 25
+clip.mp4  BitDepth | 24
+clip.mp4  CompressorID | avc1
+clip.mp4  CompressorName | Lavc libx264
+clip.mkv  CompressorID | V_MPEG4/ISO/AVC
+clip.mkv  track | (none)
+clip.mkv song.opus photo.jpg  cd | (none)
+song.flac  BitDepth | (none)
+photo.jpg  Year | (none)
+photo.jpg song.ogg  FileName | (none)
+photo.jpg song.ogg  Directory | (none)
+photo.jpg  Orientation | Horizontal (normal)
+song.mp3  Genre | Rock
+)");
+    std::map<std::string, PropertyDictionary> tags;
+    std::string line;
+    while (std::getline(table, line)) {
+        const std::size_t bar = line.find(" | ");
+        const std::size_t gap = line.find("  ");
+        if (bar == std::string::npos)
+            continue;
+        std::istringstream names(line.substr(0, gap));
+        for (std::string name; names >> name;) {
+            if (!tags.contains(name))
+                tags[name] = files.allTagsFor(samples + name);
+            EXPECT_EQ(valueOf(tags[name], line.substr(gap + 2, bar - gap - 2)), line.substr(bar + 3)) << name;
+        }
+    }
+    EXPECT_EQ(tags.size(), 12u) << "every sample has a line";
+}
+
+TEST_F(RealMetadataTool, takesHostileNamesAndSkipsWhatIsNoFile) {
+    const std::string photo = contentOf(samples + "photo.jpg");
+    for (const std::string& name :
+         {std::string(" leading"), std::string("trailing "), std::string("pipe|"), std::string("|pipe"),
+          std::string("-"), std::string("&and"), std::string("$(kill $$)"), std::string("quo\"t'e"),
+          std::string("caf\xe9.jpg"), std::string("cr\r"), std::string(">out"),
+          std::string("{extracted-key}:A"), std::string("---finished---"), std::string(255, 'x')})
+        EXPECT_EQ(valueOf(files.allTagsFor(folder.write(name, photo)), "ImageWidth"), "640") << name;
+    ASSERT_EQ(::mkfifo(folder.path("fifo").c_str(), 0600), 0);
+    folder.link("link", folder.path("fifo"));
+    for (const std::string& path :
+         {folder.path("fifo"), folder.path("link"), std::string("/dev/zero"), folder.path("missing"),
+          std::string("-"), std::string("relative.jpg"), std::string()})
+        EXPECT_EQ(flat(files.allTagsFor(path)), "") << path;
+    EXPECT_EQ(valueOf(files.allTagsFor(folder.path()), "ImageWidth"), "(none)");
+    EXPECT_EQ(valueOf(files.allTagsFor(folder.write("empty.jpg")), "ImageWidth"), "(none)");
+}
+
+TEST_F(RealMetadataTool, keepsHostileValuesInBounds) {
+    const std::string photo = contentOf(samples + "photo.jpg");
+    const auto repeated = [](std::string_view text, int times) {
+        std::string result;
+        while (times-- > 0)
+            result += text;
+        return result;
+    };
+    const struct {
+        std::string comment;
+        std::string expected;
+    } cases[] = {
+        {"---finished---", "- - finished---"},
+        {"-----finished---\n---finished---", "--- - finished---/n- - finished---"},
+        {"{extracted-key}:Make\nEve", "{extracted-key} :Make/nEve"},
+        {"a\r\nb\rc\n\x01"
+         "d\x1b\x7f"
+         "e\xc2\x85\xe2\x80\xa8"
+         "f",
+         "a/nb/nc/nd e f"},
+        {"caf\xe9", "café"},
+        {"\xed\xa0\x80"
+         "a",
+         "\xef\xbf\xbd"
+         "a"},
+        {repeated("é", 3000), repeated("é", 2048)},
+        {"x" + repeated("é", 30000), "x" + repeated("é", 2047)},
+        {repeated("€", 20000), repeated("€", 1365)},
+        {repeated("x", 60000), repeated("x", 4096)},
+    };
+    for (const auto& [comment, expected] : cases) {
+        const std::size_t size = comment.size() + 2;
+        const std::string segment = {'\xff', '\xfe', static_cast<char>(size >> 8), static_cast<char>(size)};
+        const auto tags = files.allTagsFor(
+            folder.write("photo.jpg", photo.substr(0, 2) + segment + comment + photo.substr(2)));
+        EXPECT_EQ(valueOf(tags, "Comment"), expected);
+        EXPECT_EQ(valueOf(tags, "Make"), "Halden");
+    }
+    // A key can be hostile too.
+    std::string png = contentOf(samples + "photo.png");
+    png.insert(33, std::string("\0\0\0\x10tEXt---finished---\0x\0\0\0\0", 28));
+    EXPECT_EQ(valueOf(files.allTagsFor(folder.write("key.png", png)), "Make"), "Halden");
+    EXPECT_EQ(valueOf(files.allTagsFor(samples + "song.ogg"), "Artist"), "Ann") << "the answers are in step";
+}
+
+} // namespace
+} // namespace tavrin
