@@ -1,6 +1,8 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/dates/DateFormatter.h"
 #include "actions/dates/RenameToDateAction.h"
+#include "common/FileTimes.h"
+#include "common/TemporaryFolder.h"
 #include "platform/FileManager.h"
 #include "support/Text.h"
 
@@ -71,6 +73,18 @@ TEST_F(DateActions, TranslateIndexesOfListsWithoutVersionOnly) {
     // Keys of early versions are as old; what a list does not tell is kept.
     action->setParameterList({{"date pattern index", 10}});
     EXPECT_EQ(indexes(), std::pair(2, 11));
+}
+
+// No one can set when a file was created; so much is known that it is not when it was last changed.
+TEST_F(DateActions, TellTheCreationFromTheLastChange) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("a");
+    setModificationTime(file, "2099-01-01 00:00:00");
+    auto action = catalogue.newActionForName("Rename to date");
+    action->setParameterList({{"mode", 0}});
+    const auto created = FileManager::instance().fileCreationDate(file).value();
+    EXPECT_EQ(run(*action, u"a", 1, file), DateFormatter::instance().formatDate(created, 1, 1));
+    EXPECT_NE(run(*action, u"a", 1, file), u"2099-01-01 00-00-00");
 }
 
 TEST_F(DateActions, GiveAllFilesOfARunTheSameMomentForNow) {

@@ -10,14 +10,16 @@ namespace tavrin::test {
 
 namespace {
 
-/// A zone told by rules, so that no table of zones is needed.
+/// A zone told by rules, so that no table of zones is needed, and messages in a language of their own.
 class CalendarFormats : public ::testing::Test {
   protected:
     CalendarFormats() {
         ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
         ::tzset();
+        ::setenv("LC_ALL", "fi_FI.UTF-8", 1);
     }
     ~CalendarFormats() override {
+        ::unsetenv("LC_ALL");
         ::unsetenv("TZ");
         ::tzset();
     }
@@ -68,6 +70,13 @@ TEST_F(CalendarFormats, GiveTheFieldsOfADate) {
         {u"%Y %b", june, "th_TH", "2024 มิย"},
         {u"%Y %B", june, "xx_nowhere", "2024 June"},
         {u"%B", june, "", "June"},
+        {u"%B", june, "nn_NO", "juni"},
+        {u"%B", june, "no_NO", "juni"},
+        {u"%B", june, "iw_IL", "יוני"},
+        {u"%B", june, "tl_PH", "Hunyo"},
+        {u"%B", june, "ca_ES@valencia", "de juny"},
+        {u"%B", june, "zh_CN.GB18030", "六月"},
+        {u"%B", june, "pt_BR", "junho"},
     };
     for (const auto& each : cases)
         EXPECT_EQ(formatted(each.pattern, each.seconds, each.locale), each.expected)

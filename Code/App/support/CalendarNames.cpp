@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <string_view>
 
 namespace tavrin {
 
@@ -39,12 +40,14 @@ std::string userLocale() {
 
 CalendarNames CalendarNames::of(const std::string& locale) {
     UErrorCode status = U_ZERO_ERROR;
-    const auto known = icu::Locale::createCanonical(locale.c_str());
-    const icu::DateFormatSymbols symbols(known, "gregorian", status);
-    const bool hasLanguage = status != U_USING_DEFAULT_WARNING && *known.getLanguage() != '\0';
-    if (!hasLanguage && locale != english)
-        return of(english); // "C" is no language either
+    const auto wanted = icu::Locale::createCanonical(locale.c_str());
+    const icu::DateFormatSymbols symbols(wanted, "gregorian", status);
+    const auto found = symbols.getLocale(ULOC_VALID_LOCALE, status);
     text::icu::check(status, "names of months and days");
+    // For a language that it does not know, and "C" is one, the library takes that of the messages.
+    const std::string_view language = wanted.getLanguage();
+    if ((language.empty() || language != found.getLanguage()) && locale != english)
+        return of(english);
 
     CalendarNames names;
     using Symbols = icu::DateFormatSymbols;

@@ -45,12 +45,13 @@ std::span<const ParameterChoice> RenameToDateAction::timeMenuItems() const {
 }
 
 std::vector<ActionExample> RenameToDateAction::examples() const {
-    const ExampleFile file{"", "2024-06-14 07:31:05", "", "", u""};
-    return {{{{"mode", 1}}, u"DSC_0042.jpg", u"2024-06-14 07-31-05.jpg", file},
+    const ExampleFile changed{"", "2024-06-14 07:31:05", "", "", u""};
+    const ExampleFile taken{"", "", "photo.jpg", "a photograph taken 2024-06-14 07:31:05", u""};
+    return {{{{"mode", 2}}, u"DSC_0042.jpg", u"2024-06-14 07-31-05.jpg", taken},
             {{{"mode", 1}, {"datePatternIndex", 2}, {"timePatternIndex", 2}, {"separatorMode", 3}},
              u"scan.pdf",
              u"20240614_073105.pdf",
-             file}};
+             changed}};
 }
 
 void RenameToDateAction::setParameterList(const PropertyDictionary& list) {
