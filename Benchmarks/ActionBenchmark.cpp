@@ -44,6 +44,8 @@ const PropertyDictionary& parametersForAll() {
         {"with0", u"-"},
         {"replaceCharacters0", u" _"},
         {"numberOfCharacters", 3},
+        {"toMode", 1},
+        {"toSearchTerm", u"o"},
         {"fromPosition", 1},
         {"toPositionNumber", 4},
         {"searchPattern", u"([A-Za-z]+)_([A-Za-z]+)"},

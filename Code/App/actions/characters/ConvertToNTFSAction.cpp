@@ -56,14 +56,14 @@ class ConvertToNTFSAction final : public BaseRenameAction {
                 result += unit;
         }
         // No filler holds what is illegal, so once is enough for these.
-        fixEnds(result, start);
+        while (processTheNameOneTime(result, start)) {
+        }
     }
 
   private:
     [[nodiscard]] bool isIllegal(char16_t unit) const {
         return unit < isIllegalAscii.size() && isIllegalAscii[unit];
     }
-    void fixEnds(std::u16string& text, std::size_t start) const;
     [[nodiscard]] bool processTheNameOneTime(std::u16string& text, std::size_t start) const;
     [[nodiscard]] bool replaceTrailingSpaces(std::u16string& text, std::size_t start) const;
     [[nodiscard]] bool replaceLeadingSpaces(std::u16string& text, std::size_t start) const;
@@ -92,11 +92,6 @@ void ConvertToNTFSAction::prepareParameters() {
     paramComputedFillerCharacterForMakingAUniqueName = filler.empty() || isUnfitAtEnd ? u"_" : filler;
     paramComputedFillerCharacterForReplacingLeadingAndTrailingSpaces =
         hasBlankAtAnEdge(filler) ? u"_" : filler;
-}
-
-void ConvertToNTFSAction::fixEnds(std::u16string& text, std::size_t start) const {
-    while (processTheNameOneTime(text, start)) {
-    }
 }
 
 /// One round; false when it has found nothing to do.

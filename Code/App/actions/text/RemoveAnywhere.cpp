@@ -31,7 +31,7 @@ class RemoveAnywhere final : public BaseRenameAction {
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"fromPosition", 4}, {"toMode", 2}, {"removeNumberOfCharacters", 2}},
+        return {{{{"fromPosition", 4}, {"toMode", 2}, {"removeNumberOfCharacters", 1}},
                  u"2024-06-14.jpg",
                  u"202406-14.jpg"},
                 {{{"fromMode", 1},
