@@ -200,6 +200,18 @@ CommandLine parseActions(std::vector<std::string> arguments) {
     });
 }
 
+CommandLine parseTags(std::vector<std::string> arguments) {
+    TagsOptions options;
+    Parser parser("tags", help::tags);
+    parser.app.add_flag("--json", options.json);
+    return parser.parse(std::move(arguments), [&] {
+        options.paths = parser.givenOperands();
+        if (options.paths.empty())
+            throw UsageError("no file is given");
+        return options;
+    });
+}
+
 CommandLine parsePresets(std::vector<std::string> arguments) {
     PresetsOptions options;
     Parser parser("presets", help::presets);
@@ -224,6 +236,8 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
         return parseRename(std::move(arguments));
     if (command == "actions")
         return parseActions(std::move(arguments));
+    if (command == "tags")
+        return parseTags(std::move(arguments));
     if (command == "presets")
         return parsePresets(std::move(arguments));
     if (command == "--help" || command == "-h")

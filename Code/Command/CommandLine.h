@@ -49,6 +49,11 @@ struct ActionsOptions {
     std::string name; ///< empty: all
 };
 
+struct TagsOptions {
+    bool json = false;
+    std::vector<std::string> paths;
+};
+
 struct PresetsOptions {
     bool json = false;
 };
@@ -60,7 +65,7 @@ struct CommandLineEnd {
 };
 
 using CommandLine =
-    std::variant<CommandLineEnd, PreviewOptions, RenameOptions, ActionsOptions, PresetsOptions>;
+    std::variant<CommandLineEnd, PreviewOptions, RenameOptions, ActionsOptions, TagsOptions, PresetsOptions>;
 
 /// Parses what follows the program's name.
 [[nodiscard]] CommandLine parseCommandLine(std::vector<std::string> arguments);

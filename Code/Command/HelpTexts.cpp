@@ -7,12 +7,14 @@ const char* const overview = R"(tvrn renames many files and folders at once.
 Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
        tvrn rename  [RECIPE] [SETTINGS] [--interactive] [--quiet] PATH...
        tvrn actions [--json] [NAME]
+       tvrn tags    [--json] FILE...
        tvrn presets [--json]
        tvrn --help | --version
 
   preview   show what a rename would do; touch nothing
   rename    do it
   actions   the actions that recipes are made of, and their parameters
+  tags      what files say of themselves, as recipes can use it in names
   presets   the saved recipes
 
 "tvrn preview --help" and so on tell the options. Exit status: 0 all well, 1 an
@@ -76,6 +78,19 @@ Examples:
   tvrn actions
   tvrn actions "Insert at position"
   tvrn actions --json "Replace text"
+)";
+
+const char* const tags = R"(tvrn tags [--json] FILE...
+Shows all tags that a pattern of "Rename from tag" and its siblings can hold,
+each with its value for the file; "-" where the file has none. Dates and times
+are local.
+
+  --json    one object per line: "fullPath", and "tags" with texts or null
+
+Examples:
+  touch a.txt; tvrn tags a.txt
+  tvrn tags --json a.txt
+  tvrn tags a.txt | grep ModDate4DigitYear
 )";
 
 const char* const presets = R"(tvrn presets [--json]

@@ -7,6 +7,7 @@ extern const char* const overview;
 extern const char* const preview;
 extern const char* const rename;
 extern const char* const actions;
+extern const char* const tags;
 extern const char* const presets;
 
 } // namespace tavrin::help

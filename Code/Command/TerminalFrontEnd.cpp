@@ -70,6 +70,9 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::fileListSaved:
     case AlertKind::manualSorting:
         break; // the command says how it ended, and sorts by itself
+    case AlertKind::tagNotPresent:
+        terminal.complain(fmt::format("tvrn: {}", alert.title));
+        break;
     case AlertKind::iTunesWarning:
     case AlertKind::iPhotoWarning:
         reply = answerToLibraryWarning(alert);

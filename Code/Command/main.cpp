@@ -4,6 +4,7 @@
 #include "PresetsCommand.h"
 #include "PreviewCommand.h"
 #include "RenameCommand.h"
+#include "TagsCommand.h"
 #include "Terminal.h"
 
 #include <csignal>
@@ -19,6 +20,7 @@ struct Runner {
     ExitStatus operator()(const PreviewOptions& options) const { return runPreviewCommand(options); }
     ExitStatus operator()(const RenameOptions& options) const { return runRenameCommand(options); }
     ExitStatus operator()(const ActionsOptions& options) const { return runActionsCommand(options); }
+    ExitStatus operator()(const TagsOptions& options) const { return runTagsCommand(options); }
     ExitStatus operator()(const PresetsOptions& options) const { return runPresetsCommand(options); }
     ExitStatus operator()(const CommandLineEnd& end) const {
         Terminal terminal;

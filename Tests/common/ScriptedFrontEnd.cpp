@@ -31,6 +31,8 @@ std::string nameOf(AlertKind kind) {
         return "pipelineFailed";
     case AlertKind::dropletLocked:
         return "dropletLocked";
+    case AlertKind::tagNotPresent:
+        return "tagNotPresent";
     }
     return "?";
 }

@@ -27,6 +27,7 @@ enum class AlertKind {
     fileListSaved,
     pipelineFailed,
     dropletLocked,
+    tagNotPresent,
 };
 
 enum class AlertStyle { warning, informational, critical };
@@ -38,6 +39,7 @@ struct Alert {
     std::string text;
     std::vector<std::string> buttons; ///< the first is the default
     bool hasSuppressionBox = false;
+    std::string helpAnchor = {}; ///< the page that a help button opens; empty: there is no such button
 };
 
 struct AlertAnswer {

@@ -67,7 +67,11 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
                sourceItems,
                mode},
       listCommands(services), preview(services, store, listCommands), sources(services, store, preview),
-      notices(services), pane(services), longRunCheck(services),
+      notices(services), missingTagNotice(environment.runLoop,
+                                          [this](std::function<void()> gone) {
+                                              notices.showTagNotPresentDialog(std::move(gone));
+                                          }),
+      tagLibrary(&missingTagNotice), pane(services), longRunCheck(services),
       confirmation(services, {store, listCommands, preview, notices}, [this] { terminateNow(); }),
       startSequence(
           services,
@@ -75,6 +79,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
           {options.location, options.usesUserFolders, [this] { terminate(); }}),
       engine(*this) {
     registered = this;
+    TagLibraryHelper::setSharedInstance(&tagLibrary);
     debugManager.awakeFromNib();
     logStart();
     settings.setRunLoop(&environment.runLoop);
@@ -84,6 +89,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
 }
 
 MainController::~MainController() {
+    missingTagNotice.end(); // a worker that waits for the dialog must not keep the engine from ending
     environment.actionList.setObserver(nullptr);
     if (registered == this)
         registered = nullptr;

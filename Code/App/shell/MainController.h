@@ -11,6 +11,7 @@
 #include "shell/ActionListCommands.h"
 #include "shell/ConfirmationFlow.h"
 #include "shell/LongRunCheck.h"
+#include "shell/MissingTagNotice.h"
 #include "shell/MultistepPane.h"
 #include "shell/NoticeDialogs.h"
 #include "shell/OperationMode.h"
@@ -20,6 +21,7 @@
 #include "shell/StartSequence.h"
 #include "shell/StoreOwner.h"
 #include "store/SourceItemManager.h"
+#include "tags/TagLibraryHelper.h"
 
 #include <atomic>
 #include <memory>
@@ -162,6 +164,8 @@ class MainController : public EngineHost, public ActionObserver {
     PreviewControl preview;
     SourceCommands sources;
     NoticeDialogs notices;
+    MissingTagNotice missingTagNotice;
+    TagLibraryHelper tagLibrary;
     MultistepPane pane;
     LongRunCheck longRunCheck;
     ConfirmationFlow confirmation;

@@ -25,6 +25,15 @@ Memory memoryOf(NoticeDialog dialog) {
     return {};
 }
 
+constexpr const char* showTagNotPresentKey = "showTagNotPresentDialog";
+
+constexpr const char* tagNotPresentTitle =
+    "Some files will not be renamed as they do not contain all the required information.";
+constexpr const char* tagNotPresentText =
+    "Tavrin 9 will only change the names of the files that contain all the information required to process "
+    "all the tags in the pattern you have chosen.\n\nFiles that do not contain any or only part of the "
+    "required information will be left entirely unchanged.";
+
 } // namespace
 
 void NoticeDialogs::showNoFilesSelectedDialog(Then then) {
@@ -41,6 +50,24 @@ void NoticeDialogs::showDropletEditModeInfo(Then then) {
 
 void NoticeDialogs::showSimpleTemplateInformation() {
     showWithMemory(NoticeDialog::simpleTemplateFileList, [](int) {});
+}
+
+void NoticeDialogs::showTagNotPresentDialog(std::function<void()> then) {
+    if (services.mode != OperationMode::normal || !services.defaults.boolForKey(showTagNotPresentKey)) {
+        then();
+        return;
+    }
+    services.frontEnd.showAlert({.kind = AlertKind::tagNotPresent,
+                                 .title = tagNotPresentTitle,
+                                 .text = tagNotPresentText,
+                                 .buttons = {"OK"},
+                                 .hasSuppressionBox = true,
+                                 .helpAnchor = "helpTopic67"},
+                                [this, then = std::move(then)](AlertAnswer answer) {
+                                    if (answer.suppress)
+                                        services.defaults.setObject(showTagNotPresentKey, false);
+                                    then();
+                                });
 }
 
 void NoticeDialogs::showWithMemory(NoticeDialog dialog, Then then) {

@@ -20,6 +20,9 @@ class NoticeDialogs {
     void showDropletEditModeInfo(Then then);
     /// Explains a simple list of names that was saved without an order of its own.
     void showSimpleTemplateInformation();
+    /// Says that files lack values of the tags in a pattern. Shown in normal operation only; `then` is called
+    /// when it is gone, also where it is not shown, and dropped when the window goes without an answer.
+    void showTagNotPresentDialog(std::function<void()> then);
 
   private:
     void showWithMemory(NoticeDialog dialog, Then then);

@@ -1,0 +1,90 @@
+#include "platform/FileManager.h"
+#include "shell/ShellFixture.h"
+
+namespace tavrin::test {
+
+namespace {
+
+/// A chain that asks files for an artist whom none of them has.
+class MissingTagNoticeTest : public ShellFixture {
+  protected:
+    MissingTagNoticeTest() {
+        FileManager::setInstance(&fileManager);
+        defaults.setObject("loggerIsOn", false);
+        controller().applicationDidFinishLaunching();
+        waitForPreview();
+        setSteps({{"Rename from tag", {{"pattern", u"<Artist>"}}}});
+    }
+    ~MissingTagNoticeTest() override {
+        endController(); // ends the threads that may ask a file
+    }
+    void add(const char* name) { controller().addFilePaths({files.write(name)}, true); }
+
+    FileManager fileManager{"/nonexistent/tool"};
+};
+
+TEST_F(MissingTagNoticeTest, TellsOnceInARunOfTheProgram) {
+    add("a.txt");
+    add("b.txt");
+    frontEnd.expect("alert tagNotPresent");
+    waitForPreview();
+    add("c.txt");
+    waitForPreview();
+    EXPECT_THAT(table(), testing::ElementsAre("a.txt > a.txt", "b.txt > b.txt", "c.txt > c.txt"));
+    ASSERT_EQ(frontEnd.alerts.size(), 1U);
+    const Alert& alert = frontEnd.alerts.front();
+    EXPECT_EQ(alert.title,
+              "Some files will not be renamed as they do not contain all the required information.");
+    EXPECT_TRUE(alert.text.starts_with("Tavrin 9 will only change the names of the files that contain"));
+    EXPECT_THAT(alert.buttons, testing::ElementsAre("OK"));
+    EXPECT_TRUE(alert.hasSuppressionBox);
+    EXPECT_EQ(alert.helpAnchor, "helpTopic67");
+    EXPECT_TRUE(defaults.boolForKey("showTagNotPresentDialog"));
+}
+
+TEST_F(MissingTagNoticeTest, IsSwitchedOffForGoodByItsBox) {
+    add("a.txt");
+    frontEnd.expect("alert tagNotPresent", AlertAnswer{.button = 0, .suppress = true});
+    waitForPreview();
+    const auto stored = defaults.objectForKey("showTagNotPresentDialog");
+    ASSERT_TRUE(stored);
+    EXPECT_FALSE(boolValue(*stored));
+}
+
+TEST_F(MissingTagNoticeTest, IsNotShownWhereItIsSwitchedOff) {
+    defaults.setObject("showTagNotPresentDialog", false);
+    add("a.txt");
+    waitForPreview();
+    defaults.setObject("showTagNotPresentDialog", true);
+    add("b.txt"); // counts as told all the same
+    waitForPreview();
+    EXPECT_TRUE(frontEnd.alerts.empty());
+}
+
+TEST_F(MissingTagNoticeTest, FreesTheWorkerWhenItsWindowIsClosed) {
+    add("a.txt");
+    frontEnd.expect("alert tagNotPresent", ScriptedFrontEnd::Closed());
+    waitForPreview();
+    EXPECT_THAT(table(), testing::ElementsAre("a.txt > a.txt"));
+}
+
+TEST_F(MissingTagNoticeTest, FreesTheWorkerWhenTheApplicationEnds) {
+    add("a.txt");
+    frontEnd.expect("alert tagNotPresent", ScriptedFrontEnd::Held());
+    loop.advance(std::chrono::milliseconds(300));
+    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isHolding(); }));
+    EXPECT_TRUE(controller().renameEngine().isBusy());
+    endController(); // would hang
+}
+
+TEST_F(MissingTagNoticeTest, FreesTheWorkerWhenTheRunLoopEndsBeforeItIsShown) {
+    add("a.txt");
+    loop.advance(std::chrono::milliseconds(300));
+    loop.close();
+    endController();
+    EXPECT_TRUE(frontEnd.alerts.empty());
+}
+
+} // namespace
+
+} // namespace tavrin::test
