@@ -1,0 +1,164 @@
+#include "actions/CatalogueFixture.h"
+#include "actions/tags/MP3Patterns.h"
+#include "common/TemporaryFolder.h"
+#include "platform/FileManager.h"
+#include "store/FileMO.h"
+#include "store/ItemStore.h"
+#include "store/StoreContext.h"
+#include "support/Text.h"
+
+#include <algorithm>
+#include <sys/stat.h>
+
+namespace tavrin::test {
+
+namespace {
+
+TEST(MP3Patterns, AreFilledWhereAllValuesAreThere) {
+    const PropertyDictionary all = {
+        {"Year", u"1999"},     {"Artist", u"mIXED case"}, {"Album", u"b\u00c9st of"},
+        {"Title", u"\u00dfa"}, {"track", u"7"},           {"numTrack", u"12"},
+        {"cd", u""},           {"numCds", u"2"}};
+    const struct {
+        const char* without; ///< a key that is absent
+        const char16_t* pattern;
+        const char* expected;
+    } cases[] = {
+        {"", u"", "refused"},
+        {"", u"plain", "plain"},
+        {"", u"<Artist>|<artist>|<ARTIST>", "mIXED case|mixed case|MIXED CASE"},
+        {"", u"<Artist_sentence_case>|<Artist_Capitalized>", "Mixed case|Mixed Case"},
+        {"", u"<Album>|<album>|<ALBUM>|<Album_sentence_case>|<Album_Capitalized>",
+         "b\u00c9st of|b\u00e9st of|B\u00c9ST OF|B\u00e9st of|B\u00e9st Of"},
+        {"", u"<Song>|<song>|<SONG>|<Song_sentence_case>|<Song_Capitalized>", "\u00dfa|\u00dfa|SSA|SSa|SSa"},
+        {"", u"<TrackNum>|<0TrackNum>|<NumTracks>|<0NumTracks>", "7|07|12|12"},
+        {"", u"<CDNum>|<0CDNum>|<NumCDs>|<0NumCDs>", "||2|02"},
+        {"", u"<NoSuchTag> <year> <numCds> <Year", "<NoSuchTag> <year> <numCds> <Year"},
+        {"", u"<Year><Year>", "19991999"},
+        {"Year", u"a<Year>", "refused"},
+        {"Year", u"a<year>", "a<year>"},
+        {"Artist", u"<Artist_Capitalized>", "refused"},
+        {"Title", u"<SONG>", "refused"},
+        {"Title", u"<Artist>", "mIXED case"},
+        {"track", u"<0TrackNum>", "refused"},
+        {"numTrack", u"<TrackNum>", "7"},
+        {"cd", u"<NumCDs>", "2"},
+        {"cd", u"<0CDNum>", "refused"},
+        // Anything that begins like this tag needs the number of CDs.
+        {"numCds", u"<NumCDsExtra>", "refused"},
+        {"numCds", u"<0NumCDs", "refused"},
+        {"", u"<NumCDsExtra>", "<NumCDsExtra>"},
+        {"track", u"<TrackNumExtra>", "<TrackNumExtra>"},
+    };
+    for (const auto& each : cases) {
+        PropertyDictionary tags = all;
+        tags.erase(each.without);
+        EXPECT_EQ(MP3Patterns::allDataForPattern(each.pattern, tags)
+                      ? text::toUtf8(MP3Patterns::filled(each.pattern, tags))
+                      : "refused",
+                  each.expected)
+            << text::toUtf8(each.pattern) << " without " << each.without;
+    }
+}
+
+TEST(MP3Patterns, ReplaceWhatValuesBringAlong) {
+    EXPECT_EQ(MP3Patterns::filled(u"<Artist>/<Song>",
+                                  {{"Artist", u"<Album>"}, {"Album", u"<Artist>"}, {"Title", u"<Year>"}}),
+              u"<Artist>/<Year>");
+    std::u16string albums, songs;
+    for (int i = 0; i < 500; ++i) {
+        albums += u"<Album>";
+        songs += u"<Song>";
+    }
+    const auto filled = MP3Patterns::filled(
+        u"<Artist>", {{"Artist", albums}, {"Album", songs}, {"Title", std::u16string(4096, u'x')}});
+    EXPECT_GT(filled.size(), 4096U);
+    EXPECT_LT(filled.size(), 100000U);
+}
+
+/// Actions over a metadata tool that answers "Ann" for every file, and writes down what it was asked for.
+class TagActions : public CatalogueFixture {
+  protected:
+    TagActions() { FileManager::setInstance(&fileManager); }
+
+    std::string makeTool() {
+        const std::string path = folder.write("tool", "#!/bin/sh\n"
+                                                      "while IFS= read -r path; do\n"
+                                                      "  echo \"$path\" >> asked\n"
+                                                      "  echo '{extracted-key}:Artist'\n"
+                                                      "  echo Ann\n"
+                                                      "  echo '{extracted-key}:end'\n"
+                                                      "  echo '---finished---'\n"
+                                                      "done\n");
+        EXPECT_EQ(::chmod(path.c_str(), 0700), 0);
+        folder.write("asked");
+        return path;
+    }
+    [[nodiscard]] std::ptrdiff_t requests() const { return std::ranges::count(folder.read("asked"), '\n'); }
+
+    std::u16string runOn(BaseAction& action, FileMO& file) {
+        InputContext input;
+        input.currentName = u"ab.mp3";
+        input.fileMo = &file;
+        OutputContext output;
+        action.executeWithInputContext(input, output);
+        return output.newName;
+    }
+
+    TemporaryFolder folder;
+    FileManager fileManager{makeTool()};
+    ItemStore store{ItemStore::Options()};
+    StoreContext context{store, StoreContext::MergePolicy::contextWins};
+};
+
+TEST_F(TagActions, AskTheToolNoMoreThanTheyMust) {
+    const RowId row = context.insertFile(context.insertGhostNode(folder.path()), "a.mp3", true, false, 0);
+    FileMO file(context, row);
+    const auto tags = catalogue.newActionForName("Rename from tag");
+    tags->setParameterList({{"pattern", u"<ModDate4DigitYear><CreationDateDay><ShootingDateDay><NoTag>"}});
+    EXPECT_NE(runOn(*tags, file), u"ab.mp3");
+    EXPECT_EQ(requests(), 0) << "dates stand in the row";
+    tags->setParameterList({{"pattern", u"<Artist>"}});
+    EXPECT_EQ(runOn(*tags, file), u"Ann.mp3");
+    FileMO again(context, row); // as in the next preview
+    EXPECT_EQ(runOn(*tags, again), u"Ann.mp3");
+    EXPECT_EQ(requests(), 1) << "the row keeps what was read";
+    tags->setParameterList({{"pattern", u"<Artist><Album>"}});
+    EXPECT_EQ(runOn(*tags, again), u"ab.mp3");
+
+    const auto music = catalogue.newActionForName("Add MP3 to end");
+    EXPECT_EQ(runOn(*music, again), u"abab.mp3") << "no pattern fits";
+    music->setParameterList({{"pattern4", u"-<Artist>"}});
+    EXPECT_EQ(runOn(*music, again), u"ab-Ann.mp3");
+    EXPECT_EQ(requests(), 3) << "the music family asks each time";
+}
+
+TEST_F(TagActions, HaveTheirPanels) {
+    for (const auto* name : {"Rename from tag", "Add tag to end", "Insert tags after existing text"}) {
+        const auto action = catalogue.newActionForName(name);
+        EXPECT_TRUE(action->usesTagLibrary() && action->hasLongParameterList()) << name;
+        EXPECT_EQ(action->helpAnchor(), "helpTopic67");
+        EXPECT_EQ(action->getParamString("pattern"), u"<ImageWidth>x<ImageHeight>");
+    }
+    const auto music = catalogue.newActionForName("Add MP3 at position");
+    EXPECT_TRUE(music->usesMiniButtons() && music->hasLongParameterList() && !music->usesTagLibrary());
+    EXPECT_EQ(music->helpAnchor(), "helpTopic41");
+    ASSERT_EQ(music->patternMenu().size(), 5U);
+    music->selectPattern(4);
+    EXPECT_EQ(music->getParamString("pattern"), u"<Artist> - <Album> - <Song> (<TrackNum>/<NumTracks>)");
+    EXPECT_EQ(music->getParamString("pattern4"), u"<Song>");
+    music->selectPattern(1);
+    EXPECT_EQ(music->getParamString("pattern1"), u"<Song>");
+    EXPECT_EQ(music->getParamString("pattern2"), u"");
+    for (const std::int32_t outside : {-1, 5}) {
+        music->selectPattern(outside);
+        EXPECT_EQ(music->getParamString("pattern"), u"<Artist> - <Song>");
+    }
+    music->selectPattern(0);
+    EXPECT_EQ(music->getParamString("pattern"), u"");
+    EXPECT_FALSE(catalogue.newActionForName("Add dimensions")->hasLongParameterList());
+}
+
+} // namespace
+
+} // namespace tavrin::test
