@@ -2,9 +2,11 @@
 
 #include "PathArguments.h"
 #include "RecipeLoader.h"
+#include "actions/list/RenameFromListAction.h"
 #include "shell/MainController.h"
 #include "store/ItemStore.h"
 #include "store/StoreContext.h"
+#include "support/Text.h"
 
 #include <fmt/format.h>
 
@@ -58,8 +60,22 @@ void Session::load(const RunOptions& options) {
     applySettings(recipe, options.settings, controller->globalSettings());
     catalogue.actions().setAutomaticSorting(controller->globalSettings().automaticSorting());
     controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
+    tellEmptyLists();
     if (controller->globalSettings().shouldInteract())
         beInteractive();
+}
+
+/// Without a word, a list that could not be read would look like one in which no name stands.
+void Session::tellEmptyLists() {
+    const CompositeRenameAction& steps = controller->compositeAction();
+    for (std::int32_t index = 0; index < steps.count(); ++index) {
+        const auto* step = dynamic_cast<const RenameFromListAction*>(&steps.actionAtIndex(index));
+        if (!step || !step->isListEmpty() || step->getParamInt("active", 0) != 1)
+            continue;
+        const std::string path = text::toUtf8(step->getParamString("listFilePath"));
+        const std::string status = text::toUtf8(step->getParamString("status"));
+        connectedTerminal.complain(fmt::format("tvrn: {}: {}", connectedTerminal.shownInError(path), status));
+    }
 }
 
 void Session::openStore(bool storeInFile) {

@@ -62,6 +62,7 @@ class Session {
   private:
     void setDefaults(bool storeInFile);
     void load(const RunOptions& options);
+    void tellEmptyLists();
     void openStore(bool storeInFile);
     void addPaths(const std::vector<std::string>& given);
     void tellFailuresOfPreview();

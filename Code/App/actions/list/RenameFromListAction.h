@@ -31,6 +31,8 @@ class RenameFromListAction final : public SortBasedAction {
     /// Loads the present file anew, whether or not it has changed.
     void reload();
     void clear();
+    /// Whether no new names are loaded.
+    [[nodiscard]] bool isListEmpty() const { return list->newNames().empty(); }
 
   protected:
     void prepareParameters() override;

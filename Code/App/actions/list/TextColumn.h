@@ -13,6 +13,8 @@ namespace tavrin {
 /// An array of many texts in one piece of memory. It holds 4 G code units at most.
 class TextColumn {
   public:
+    /// Makes room, in code units.
+    void reserve(std::size_t capacity) { units.reserve(capacity); }
     void append(std::u16string_view text) {
         if (text.size() > std::numeric_limits<std::uint32_t>::max() - units.size())
             throw std::length_error("a column of texts is full");
