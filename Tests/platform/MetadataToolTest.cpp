@@ -325,6 +325,31 @@ TEST_F(RealMetadataTool, takesHostileNamesAndSkipsWhatIsNoFile) {
     EXPECT_EQ(valueOf(files.allTagsFor(folder.write("empty.jpg")), "ImageWidth"), "(none)");
 }
 
+TEST_F(RealMetadataTool, givesUpAfterItsTimeAndRunsNoSettings) {
+    std::string script = contentOf(resourcePath("extract.pl"));
+    const std::string_view limit = "=> 30,";
+    script.replace(script.find(limit), limit.size(), "=> 1,");
+    const std::string impatient = folder.write("extract.pl", script);
+    ::chmod(impatient.c_str(), 0755);
+    // Settings of a user, which the library would find here, are code.
+    folder.write(".ExifTool_config", "open my $mark, '>', 'was_run'; 1;");
+    const FileManager manager(impatient);
+    // Takes the library many seconds.
+    const std::string box("\0\0\0\x10"
+                          "free12345678",
+                          16);
+    std::string movie("\0\0\0\x14"
+                      "ftypqt  \0\0\0\0qt  ",
+                      20);
+    for (int i = 0; i < 400'000; ++i)
+        movie += box;
+    const LogRecorder log;
+    EXPECT_EQ(flat(manager.allTagsFor(folder.write("movie.mov", movie))), "");
+    EXPECT_EQ(valueOf(manager.allTagsFor(samples + "song.ogg"), "Artist"), "Ann");
+    EXPECT_EQ(log.count("metadata tool"), 0u);
+    EXPECT_FALSE(folder.kind("was_run").has_value());
+}
+
 TEST_F(RealMetadataTool, keepsHostileValuesInBounds) {
     const std::string photo = contentOf(samples + "photo.jpg");
     const auto repeated = [](std::string_view text, int times) {
@@ -355,14 +380,20 @@ TEST_F(RealMetadataTool, keepsHostileValuesInBounds) {
         {repeated("€", 20000), repeated("€", 1365)},
         {repeated("x", 60000), repeated("x", 4096)},
     };
-    for (const auto& [comment, expected] : cases) {
+    const auto segment = [](const std::string& comment) {
         const std::size_t size = comment.size() + 2;
-        const std::string segment = {'\xff', '\xfe', static_cast<char>(size >> 8), static_cast<char>(size)};
-        const auto tags = files.allTagsFor(
-            folder.write("photo.jpg", photo.substr(0, 2) + segment + comment + photo.substr(2)));
+        return std::string{'\xff', '\xfe', static_cast<char>(size >> 8), static_cast<char>(size)} + comment;
+    };
+    const auto tagsWith = [&](const std::string& segments) {
+        return files.allTagsFor(folder.write("photo.jpg", photo.substr(0, 2) + segments + photo.substr(2)));
+    };
+    for (const auto& [comment, expected] : cases) {
+        const auto tags = tagsWith(segment(comment));
         EXPECT_EQ(valueOf(tags, "Comment"), expected);
         EXPECT_EQ(valueOf(tags, "Make"), "Halden");
     }
+    EXPECT_EQ(valueOf(tagsWith(segment("main") + segment("first") + segment("second")), "Comment"), "main");
+    EXPECT_EQ(valueOf(tagsWith(segment(" ") + segment("first") + segment("second")), "Comment"), "first");
     // A key can be hostile too.
     std::string png = contentOf(samples + "photo.png");
     png.insert(33, std::string("\0\0\0\x10tEXt---finished---\0x\0\0\0\0", 28));
