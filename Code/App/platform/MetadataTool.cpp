@@ -131,16 +131,19 @@ PropertyDictionary MetadataTool::tagsFor(const std::string& path, Client client)
     if (path.find_first_of("\n\0"sv) != std::string::npos)
         return {};
     std::string answer;
+    std::string failure;
     {
         const std::lock_guard lock(mutex);
         prepareChild(client);
         Attempt attempt = ask(path, answer);
         if (attempt == Attempt::died)
             attempt = ask(path, answer);
-        if (attempt != Attempt::succeeded) {
-            debugLog("metadata tool {}: no tags for {}: {}", script, path, problem);
-            return {};
-        }
+        if (attempt != Attempt::succeeded)
+            failure = problem;
+    }
+    if (!failure.empty()) {
+        debugLog("metadata tool {}: no tags for {}: {}", script, path, failure);
+        return {};
     }
     return parseAnswer(answer);
 }
