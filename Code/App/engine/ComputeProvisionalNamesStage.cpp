@@ -14,6 +14,7 @@
 #include "support/Text.h"
 #include "support/TextUnits.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tavrin {
@@ -118,8 +119,10 @@ void ComputeProvisionalNamesStage::processForActionIndex(int index) {
                 break;
         }
         const std::vector<RowId> rows = context->fetch(request);
-        for (const RowId id : rows)
-            processRow(id);
+        if (std::is_sorted(rows.begin(), rows.end()))
+            processInOrder(rows);
+        else
+            processByRank(rows);
         report.describe("{} provisional names computed. Committing..", count);
         saveAndRefaultObjects();
         if (!byFolder && rows.empty())
@@ -143,14 +146,67 @@ bool ComputeProvisionalNamesStage::moveToNextFolder(FetchRequest& request) {
     return true;
 }
 
-void ComputeProvisionalNamesStage::processRow(RowId id) {
+void ComputeProvisionalNamesStage::processInOrder(const std::vector<RowId>& rows) {
+    for (const RowId id : rows) {
+        processRow(id, count + 1);
+        // Asked of skipped rows too, so that a count that stands at a multiple commits again for each of
+        // them.
+        if (count % rowsPerCommit == 0)
+            commitNames();
+        else if (context->hasWideChanges())
+            saveAndRefaultFiles();
+    }
+}
+
+/// A name depends on its rank, not on when it is made. So the ranks are given out first, and then the rows
+/// are taken as they lie: out of their order each would call for its block, and for its segment of the file,
+/// anew.
+void ComputeProvisionalNamesStage::processByRank(const std::vector<RowId>& rows) {
+    const auto [lowest, highest] = std::minmax_element(rows.begin(), rows.end());
+    const RowId first = *lowest;
+    std::vector<std::int32_t> ranks(*highest - first + 1, 0); // from 1; skipped rows have that of the next
+    std::vector<std::uint32_t> commitsAt(rows.size() / rowsPerCommit + 1, 0); // as many as in order
+    std::int32_t ranked = 0;
+    for (const RowId id : rows) {
+        const bool counts = isProcessed(context->treatAsFolder(id));
+        ranks[id - first] = ranked + 1;
+        ranked += counts ? 1 : 0;
+        if (ranked % rowsPerCommit == 0)
+            ++commitsAt[static_cast<std::size_t>(ranked / rowsPerCommit)];
+    }
+    context->readByIdNow();
+    const auto commitAsOften = [&] {
+        for (auto left = commitsAt[static_cast<std::size_t>(count / rowsPerCommit)]; left > 0; --left)
+            commitNames();
+    };
+    commitAsOften();
+    for (std::size_t i = 0; i < ranks.size(); ++i) {
+        if (ranks[i] == 0)
+            continue;
+        const std::int32_t before = count;
+        processRow(first + static_cast<RowId>(i), ranks[i]);
+        if (count != before && count % rowsPerCommit == 0)
+            commitAsOften();
+        else if (context->hasWideChanges())
+            saveAndRefaultFiles();
+    }
+}
+
+void ComputeProvisionalNamesStage::commitNames() {
+    const StageProgress report(progress);
+    report.describe("{} new names calculated. Committing.", count);
+    saveAndRefaultFiles();
+}
+
+void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
     const StageProgress report(progress);
     report.describeItem([&] { return "Processing: " + context->fullPath(id); });
     if (isFirstAppliedAction)
         context->name(id, input.currentName);
     else
         context->finalName(id, input.currentName);
-    if (context->row(id).treatAsFolder ? processFolders : processFiles) {
+    if (isProcessed(context->row(id).treatAsFolder)) {
+        input.rank = rank;
         runAction(id);
         report.item(++count);
     } else {
@@ -158,18 +214,10 @@ void ComputeProvisionalNamesStage::processRow(RowId id) {
     }
     storeNewName(id);
     context->setStageFlag(id, marker);
-    // Asked of skipped rows too, so that a count that stands at a multiple commits again for each of them.
-    if (count % rowsPerCommit == 0) {
-        report.describe("{} new names calculated. Committing.", count);
-        saveAndRefaultFiles();
-    } else if (context->hasWideChanges()) {
-        saveAndRefaultFiles();
-    }
 }
 
 void ComputeProvisionalNamesStage::runAction(RowId id) {
     replaceColons(input.currentName);
-    input.rank = count + 1;
     file->moveTo(id);
     input.fileMo = file.get();
     output.regex.reset();

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -32,7 +33,12 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     void processForActionIndex(int index);
     /// Points the request at the next folder; false when all folders are done.
     bool moveToNextFolder(FetchRequest& request);
-    void processRow(RowId id);
+    void processInOrder(const std::vector<RowId>& rows);
+    void processByRank(const std::vector<RowId>& rows);
+    void commitNames();
+    [[nodiscard]] bool isProcessed(bool isFolder) const { return isFolder ? processFolders : processFiles; }
+    /// Skipped rows have no use for the rank.
+    void processRow(RowId id, std::int32_t rank);
     void runAction(RowId id);
     /// `output.newName` becomes the final name of a row whose name up to now is `input.currentName`.
     void storeNewName(RowId id);

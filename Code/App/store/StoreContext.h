@@ -49,6 +49,9 @@ class StoreContext {
     /// for passes that mark what they have handled.
     std::vector<RowId> fetch(const FetchRequest& request);
     std::size_t count(FetchEntity entity, const Predicate& predicate);
+    /// For rows that were fetched in a sort order and will be read by ascending id all the same: nothing is
+    /// gathered ahead along the order.
+    void readByIdNow();
     /// The row with this absolute path, folders and ghosts first; staged inserts included.
     RowId nodeWithPath(std::string_view path);
     /// The `File` row with this absolute path.
@@ -60,6 +63,8 @@ class StoreContext {
     // --- Rows ---
     [[nodiscard]] bool exists(RowId id);
     const NodeRow& row(RowId id);
+    /// The attribute of that name, from what is always in memory.
+    [[nodiscard]] bool treatAsFolder(RowId id);
     /// The row for writing fixed attributes (not the texts, markers, parent or siblings).
     NodeRow& change(RowId id);
     /// The last path component as the file system gives it.

@@ -81,6 +81,11 @@ std::size_t StoreContext::count(FetchEntity entity, const Predicate& predicate) 
     return impl->scan(matcher, 1, ~RowId{0}, 0, next).size();
 }
 
+void StoreContext::readByIdNow() {
+    impl->walked = nullptr;
+    impl->images.clear();
+}
+
 bool StoreContext::Impl::passesOtherTests(const std::vector<Predicate::Test>& tests, RowId id) {
     return std::all_of(tests.begin(), tests.end(), [&](const Predicate::Test& test) {
         const auto value = self->valueForKey(id, test.key);
@@ -266,8 +271,11 @@ std::vector<RowId> StoreContext::Impl::sortRows(const std::vector<RowId>& rows,
         namesBytes += component.size();
         return true;
     });
-    // The keys take the place of rows in memory while the order is made.
-    const Reserve reserve(store, keys.keepAll(rows.size(), namesBytes));
+    // Where there are many, the keys take the place of rows in memory while the order is made.
+    constexpr std::size_t many = 1u << 18;
+    std::optional<Reserve> reserve;
+    if (const std::size_t bytes = keys.keepAll(rows.size(), namesBytes); bytes >= many)
+        reserve.emplace(store, bytes);
     forEachRow(rows, [&](RowId id, const NodeRow& row, std::string_view component) {
         keys.add(id, row, component);
         return true;
@@ -283,8 +291,6 @@ std::vector<RowId> StoreContext::Impl::fetchSorted(const FetchRequest& request, 
     if (request.limit == 0)
         found.reserve(count);
     const std::size_t start = request.limit == 0 || list.next >= count ? 0 : list.next;
-    walked = list.isInIdOrder ? nullptr : &list;
-    walkPosition = start;
     const auto collect = [&](std::size_t from, std::size_t to) {
         const bool isPlain = !hasStagedRows();
         std::unique_lock lock(store.mutex, std::defer_lock);
@@ -309,6 +315,8 @@ std::vector<RowId> StoreContext::Impl::fetchSorted(const FetchRequest& request, 
     collect(start, count);
     if (start > 0 && found.size() < request.limit)
         collect(0, start);
+    walked = found.empty() || list.isInIdOrder ? nullptr : &list;
+    walkPosition = start;
     return found;
 }
 

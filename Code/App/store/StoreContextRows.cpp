@@ -60,6 +60,8 @@ const NodeRow& StoreContext::row(RowId id) {
     return impl->blockOf(id).rows[RowBlock::index(id)];
 }
 
+bool StoreContext::treatAsFolder(RowId id) { return (impl->summary(id) & rowSummary::treatAsFolder) != 0; }
+
 NodeRow& StoreContext::change(RowId id) {
     RowBlock& block = impl->blockOf(id);
     const std::size_t index = RowBlock::index(id);

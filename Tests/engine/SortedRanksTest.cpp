@@ -1,0 +1,180 @@
+#include "common/EngineTestHost.h"
+#include "common/LogRecorder.h"
+#include "common/TemporaryFolder.h"
+#include "engine/ComputeProvisionalNamesStage.h"
+#include "support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <random>
+
+namespace tavrin::test {
+namespace {
+
+constexpr int noOrder = 14;
+
+/// Numbers given by the naming stage to rows made straight in the store, whose values repeat and lie far from
+/// the order of the ids; in memory, in a file, and in one that keeps two segments in memory.
+class SortedRanksTest : public ::testing::TestWithParam<std::size_t> {
+  protected:
+    SortedRanksTest() {
+        host.set("processSubfolders", 1);
+        host.set("processFolders", 0);
+        host.actionList.setAutomaticSorting(false); // an order by hand lasts
+    }
+
+    void makeRows(int count) {
+        std::mt19937 random(20261121);
+        const auto one = [&random](auto... values) {
+            const std::array choice{values...};
+            return choice[random() % choice.size()];
+        };
+        std::vector<RowId> folders{context.insertGhostNode("/r")};
+        for (int i = 0; i < count; ++i) {
+            const bool isFolder = i % 10 == 0;
+            const RowId id =
+                context.insertFile(folders[random() % folders.size()],
+                                   one("x", "y", "x9", "x10", "x09", "X:", "\xC3\xBC", isFolder ? "d" : "z") +
+                                       std::string(1, 'a'),
+                                   false, isFolder, count - i);
+            NodeRow& row = context.change(id);
+            row.modDate = one(-1.5, 0.0, 1.5);
+            row.crDate = one(1e9, 2e9, 2e9 + 1e-4);
+            row.exif = one(0.0, -63114076800.0, 7e8);
+            row.size = one(0U, 9U, 10U, 1U << 31);
+            row.sortingInformationLoaded = true;
+            if (isFolder && folders.size() < 9)
+                folders.push_back(id);
+            rows.push_back(id);
+        }
+        ASSERT_EQ(context.commit(), std::nullopt);
+        context.reset();
+    }
+
+    void number(int mode, int mode2, bool byFolder) {
+        host.setSteps({{"Produce numbered list",
+                        {{"sortingMode", mode},
+                         {"sortingMode2", mode2},
+                         {"sortEachFolderSeparately", byFolder ? 1 : 0},
+                         {"prefix", u""},
+                         {"padding", 1}}}});
+        ComputeProvisionalNamesStage stage(host.engine);
+        stage.setProgressInfo(&host.progress);
+        stage.setManagedObjectContext(&context);
+        ASSERT_TRUE(stage.process());
+        ASSERT_EQ(context.commit(), std::nullopt);
+        context.reset();
+    }
+
+    /// The value that a mode sorts by, and nothing for a mode without an order.
+    std::pair<double, std::string> valueFor(int mode, RowId id) {
+        constexpr std::array keys{NodeKey::name, NodeKey::modDate, NodeKey::crDate,
+                                  NodeKey::size, NodeKey::exif,    NodeKey::smartName};
+        if (mode < 0 || mode >= noOrder)
+            return {};
+        const NodeKey key = mode == 12   ? NodeKey::random
+                            : mode == 13 ? NodeKey::manualOrder
+                                         : keys[static_cast<std::size_t>(mode / 2)];
+        const PropertyValue value = *context.valueForKey(id, key);
+        if (const std::u16string* text = value.asText())
+            return {0, text::toUtf8(*text)};
+        return {value.asReal() ? *value.asReal() : static_cast<double>(intValue(value)), {}};
+    }
+
+    /// The final names that a plain stable sort would give, by place in `rows`.
+    std::vector<std::string> expected(int mode, int mode2, bool byFolder) {
+        struct Item {
+            std::pair<double, std::string> first, second;
+            std::size_t place;
+            RowId parent;
+            bool isFolder;
+        };
+        std::vector<Item> items;
+        std::vector<std::string> names;
+        for (const RowId id : rows) {
+            const NodeRow row = context.row(id);
+            items.push_back({valueFor(mode, id), valueFor(mode2, id), names.size(),
+                             byFolder ? row.parent : noRow, row.treatAsFolder});
+            names.push_back(text::toUtf8(context.name(id)));
+        }
+        const auto isOrder = [](int one) { return one >= 0 && one < noOrder; };
+        if (isOrder(mode) || isOrder(mode2))
+            std::reverse(items.begin(), items.end()); // by hand: the last first
+        const auto before = [](int order, const auto& a, const auto& b) {
+            return order == 12 || (order < 12 && order % 2 == 1) ? b < a : a < b;
+        };
+        std::stable_sort(items.begin(), items.end(), [&](const Item& a, const Item& b) {
+            return a.first != b.first ? before(mode, a.first, b.first) : before(mode2, a.second, b.second);
+        });
+        std::map<RowId, int> counts;
+        for (const Item& item : items) {
+            if (!item.isFolder)
+                names[item.place] = std::to_string(++counts[item.parent]);
+        }
+        return names;
+    }
+
+    std::vector<std::string> finalNames() {
+        std::vector<std::string> names;
+        for (const RowId id : rows)
+            names.push_back(text::toUtf8(context.finalName(id)));
+        return names;
+    }
+
+    TemporaryFolder folder;
+    EngineTestHost host{GetParam() == 0 ? ItemStore::Options{}
+                                        : EngineTestHost::inFile(folder.path(), GetParam())};
+    StoreContext context{*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins};
+    std::vector<RowId> rows;
+};
+
+INSTANTIATE_TEST_SUITE_P(Budgets, SortedRanksTest, ::testing::Values(0, 64U << 20, 1U << 20));
+
+TEST_P(SortedRanksTest, EveryModeAndTieBreakOrdersAsAPlainSortDoes) {
+    makeRows(200);
+    for (int mode = -1; mode <= noOrder; ++mode) {
+        for (const int mode2 : {0, 3, 6, 11, 99}) {
+            for (const bool byFolder : {false, true}) {
+                SCOPED_TRACE(std::to_string(mode) + ", " + std::to_string(mode2) +
+                             (byFolder ? " by folder" : ""));
+                number(mode, mode2, byFolder);
+                EXPECT_EQ(finalNames(), expected(mode, mode2, byFolder));
+            }
+        }
+    }
+}
+
+/// So many rows that a pass commits and pages on its way; skipped rows commit as often as in the sorted
+/// order.
+TEST_P(SortedRanksTest, ALongPassKeepsRanksAndCommits) {
+    makeRows(24000);
+    for (const bool byFolder : {false, true}) {
+        LogRecorder log;
+        number(12, 0, byFolder);
+        EXPECT_EQ(finalNames(), expected(12, 0, byFolder));
+        if (byFolder)
+            continue;
+        EXPECT_GE(log.count("10000 new names calculated. Committing."), 1U);
+        EXPECT_GE(log.count("20000 new names calculated. Committing."), 1U);
+        EXPECT_EQ(log.count("21600 provisional names computed. Committing.."), 2U);
+    }
+}
+
+TEST_P(SortedRanksTest, SkippedRowsCommitWhereTheSortedOrderMeetsThem) {
+    const RowId root = context.insertGhostNode("/r");
+    for (const char* name : {"a", "b", "c", "d"})
+        context.insertFile(root, name, true, std::string(name) < "c", 0);
+    ASSERT_EQ(context.commit(), std::nullopt);
+    context.reset();
+    LogRecorder log;
+    number(0, 0, false);
+    EXPECT_EQ(log.count("0 new names calculated. Committing."), 2U);
+    number(1, 0, false);
+    EXPECT_EQ(log.count("0 new names calculated. Committing."), 2U) << "the files come first";
+}
+
+} // namespace
+} // namespace tavrin::test
