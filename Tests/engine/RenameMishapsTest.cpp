@@ -160,7 +160,7 @@ TEST(RenameMishaps, AFailingStoreFileLosesNoFile) {
                     return ConfirmationChoice::one;
                 };
                 plan.setUp(bench);
-                addRows(bench, 24000);
+                addRows(bench, 9000);
                 if (write)
                     vfs.failWrite(k, andAllAfter);
                 else
