@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <ostream>
 
 namespace tavrin::test {
@@ -204,6 +205,49 @@ TEST_F(ReadItemsTest, AFolderInsideItselfIsNotEntered) {
                                                 "F a/b/loop folder", "F a/b/x", "F a/z"}));
     ASSERT_EQ(host.errors().size(), 1U);
     EXPECT_NE(host.errors().front().find("lies inside itself"), std::string::npos);
+}
+
+/// Tells the test of each folder that is opened.
+class WatchedFileSystem : public FailingFileSystem {
+  public:
+    std::function<void(const std::string& path)> onOpen;
+    int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) override {
+        onOpen(path);
+        return FailingFileSystem::openFolder(path, into);
+    }
+};
+
+TEST_F(ReadItemsTest, AnItemThatLeavesTheListDuringItsWalkLeavesNoRows) {
+    folder.write("a/b/x");
+    const std::string item = folder.path("a");
+    host.add({item, folder.write("c")});
+    WatchedFileSystem files;
+    files.onOpen = [&](const std::string& path) {
+        if (path == folder.path("a/b"))
+            host.sourceItems.removeItem(item);
+    };
+    host.set("processSubfolders", 1);
+    ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
+    EXPECT_EQ(rows(), (std::vector<std::string>{"G / folder", "F c root"})) << "its own row was new";
+
+    host.add({item});
+    host.set("processSubfolders", 0);
+    ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
+    host.set("processSubfolders", 1);
+    ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
+    EXPECT_EQ(rows(), (std::vector<std::string>{"G / folder", "F c root"})) << "its own row was known";
+
+    files.onOpen = [&](const std::string& path) {
+        if (path != folder.path("a/b"))
+            return;
+        host.sourceItems.removeItem(item);
+        host.add({item});
+    };
+    host.add({item});
+    ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
+    files.onOpen = [](const std::string&) {};
+    ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
+    EXPECT_EQ(rows().size(), 5U) << "added again meanwhile, it is read again";
 }
 
 TEST_F(ReadItemsTest, ManyItemsOfOneFolderCostOneCallEach) {

@@ -7,6 +7,7 @@
 #include "engine/RenameEngine.h"
 #include "engine/StageProgress.h"
 #include "platform/FileManager.h"
+#include "store/SourceItemManager.h"
 #include "store/StoreContext.h"
 #include "support/DebugLog.h"
 
@@ -41,6 +42,8 @@ bool ReadItemsIntoDatabaseStage::process() {
         readSourceItem(item);
     }
     folder.reset();
+    if (rowsMade > 0)
+        forgetItemsRemovedSince(items);
     engine.computeTotalNumberOfFilesForContext(*context);
     engine.computeTotalNumberOfFilesSelectedOrNotForContext(*context);
     return true;
@@ -57,6 +60,27 @@ void ReadItemsIntoDatabaseStage::readSourceItem(const SourceItem& item) {
         createOneFileWithPath(item.path, true, false);
         context->setSourceItemRead(item.path, true, item.readInSubfolders);
     }
+}
+
+/// What left the list while it was read could not take along rows that were not in the store yet.
+void ReadItemsIntoDatabaseStage::forgetItemsRemovedSince(const std::vector<SourceItem>& items) {
+    const std::vector<SourceItem> left = context->sourceItems();
+    std::vector<std::string> gone;
+    auto next = left.begin(); // both lists are in the order added
+    for (const SourceItem& item : items) {
+        if (next != left.end() && next->path == item.path)
+            ++next;
+        else
+            gone.push_back(item.path);
+    }
+    if (gone.empty())
+        return;
+    saveAndRefaultObjects();
+    for (const std::string& path : gone) {
+        SourceItemManager::deleteRowsOf(path, *context);
+        context->setSourceItemRead(path, false, false); // where it is on the list again
+    }
+    saveAndRefaultObjects();
 }
 
 void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& kind) {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavrin {
 
@@ -33,6 +34,7 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     };
 
     void readSourceItem(const SourceItem& item);
+    void forgetItemsRemovedSince(const std::vector<SourceItem>& items);
     void readFolder(const SourceItem& item, const Kind& kind);
     Kind kindOf(const std::string& path);
     void openFolderAt(std::string_view path);

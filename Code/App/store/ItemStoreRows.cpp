@@ -180,15 +180,18 @@ void ItemStore::Impl::applyBlock(RowBlock& block, StagedChanges& staged, StoreCh
 
 void ItemStore::Impl::insertRow(RowBlock& block, std::size_t index, StagedChanges& staged) {
     const RowId id = block.first + static_cast<RowId>(index);
-    Segment& segment = segments.use(Segment::number(id));
     NodeRow row = block.rows[index];
-    if (const auto path = staged.folderPaths.find(id); path != staged.folderPaths.end())
-        row.folder = folders.add(id, path->second);
-    if (FolderTable::Folder* parent = folders.ofRow(row.parent)) {
+    FolderTable::Folder* parent = folders.ofRow(row.parent);
+    if (parent == nullptr && row.parent != noRow)
+        return; // the folder was deleted while this row was on its way
+    if (parent != nullptr) {
         row.previousSibling = parent->lastChild;
         parent->lastChild = id;
         ++parent->childCount;
     }
+    if (const auto path = staged.folderPaths.find(id); path != staged.folderPaths.end())
+        row.folder = folders.add(id, path->second);
+    Segment& segment = segments.use(Segment::number(id));
     segment.rows[Segment::index(id)] = row;
     segment.names.set(Segment::index(id), block.names.get(index));
     ++rowVersion;

@@ -78,18 +78,22 @@ void SourceItemManager::removeItem(const std::string& path) {
             return;
         }
         context.deleteSourceItem(path);
-        // An item that no preview has read yet has no row.
-        if (const RowId row = context.fileWithPath(path); row != noRow) {
-            const RowId parent = context.row(row).parent;
-            const bool isOnlyChild = parent != noRow && context.childCount(parent) == 1;
-            context.deleteRow(isOnlyChild ? parent : row);
-        }
+        deleteRowsOf(path, context);
         failure = context.commit();
     }
     if (failure) {
         debugLog("could not save: {}", *failure);
         presentError(*failure);
     }
+}
+
+void SourceItemManager::deleteRowsOf(const std::string& path, StoreContext& context) {
+    const RowId row = context.fileWithPath(path);
+    if (row == noRow)
+        return; // no preview has read it yet
+    const RowId parent = context.row(row).parent;
+    const bool isOnlyChild = parent != noRow && context.childCount(parent) == 1;
+    context.deleteRow(isOnlyChild ? parent : row);
 }
 
 bool SourceItemManager::changeTo(const std::string& oldPath, const std::string& newPath) {

@@ -24,6 +24,8 @@ class SourceItemManager {
     /// is a folder that holds something on the list.
     bool addSourceItem(const std::string& path);
     void removeItem(const std::string& path);
+    /// Deletes the row of a path on the list with all below it, and its folder's where it lies there alone.
+    static void deleteRowsOf(const std::string& path, StoreContext& context);
     bool changeTo(const std::string& oldPath, const std::string& newPath);
     /// Whether something may be added in this folder: false when it or a folder above it is on the list.
     bool checkPathValidity(const std::string& folder);
