@@ -63,17 +63,16 @@ void RenameFromListAction::reload() {
 
 void RenameFromListAction::clear() { load(noFile); }
 
-void RenameFromListAction::load(const std::u16string& path, Freshness freshness) {
+void RenameFromListAction::load(std::u16string path, Freshness freshness) {
     prepare();
-    const std::u16string chosen = path; // which may be the cached field itself
-    const auto bytes = text::toBytes(chosen);
+    const auto bytes = text::toBytes(path);
     std::string status = "File does not exist. Nothing loaded.";
-    if (bytes && chosen != noFile && ListFile::exists(*bytes))
+    if (bytes && path != noFile && ListFile::exists(*bytes))
         status = read(*bytes, freshness);
     else
         list = std::make_shared<RenameList>();
     setValue(text::fromUtf8(status), "status");
-    setValue(chosen, "listFilePath");
+    setValue(std::move(path), "listFilePath");
 }
 
 std::string RenameFromListAction::read(const std::string& path, Freshness freshness) {

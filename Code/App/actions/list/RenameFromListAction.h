@@ -42,7 +42,7 @@ class RenameFromListAction final : public SortBasedAction {
   private:
     enum class Freshness { mayBeShared, fromFile };
 
-    void load(const std::u16string& path, Freshness freshness);
+    void load(std::u16string path, Freshness freshness);
     /// What is to be told of the file.
     [[nodiscard]] std::string read(const std::string& path, Freshness freshness);
     [[nodiscard]] std::string readFromFile(const std::string& path);
