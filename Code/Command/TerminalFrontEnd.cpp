@@ -81,6 +81,8 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::filesNotAdded:
     case AlertKind::itemsNotRemoved:
     case AlertKind::dropletLocked:
+    case AlertKind::presetDeletion:
+    case AlertKind::exifSortingOff:
         refused = true;
         terminal.complain(fmt::format("tvrn: {} {}", alert.title, asOneLine(alert.text)));
         break;

@@ -31,6 +31,10 @@ std::string nameOf(AlertKind kind) {
         return "pipelineFailed";
     case AlertKind::dropletLocked:
         return "dropletLocked";
+    case AlertKind::presetDeletion:
+        return "presetDeletion";
+    case AlertKind::exifSortingOff:
+        return "exifSortingOff";
     case AlertKind::tagNotPresent:
         return "tagNotPresent";
     }

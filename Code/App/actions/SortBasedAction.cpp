@@ -31,6 +31,8 @@ constexpr std::span<const ParameterChoice> secondSortingModes(sortingModes.data(
 
 } // namespace
 
+std::span<const ParameterChoice> sortingModeChoices() { return sortingModes; }
+
 SortBasedAction::SortBasedAction() {
     addParameter(checkboxParameter("sortEachFolderSeparately", "Start again in each folder", 0, 0),
                  paramSortEachFolderSeparately);

@@ -4,6 +4,9 @@
 
 namespace tavrin {
 
+/// The sort modes, 0 to 13, with their menu texts.
+[[nodiscard]] std::span<const ParameterChoice> sortingModeChoices();
+
 /// An action that depends on the order of the items. It tells in which order the run goes, and whether each
 /// folder counts by itself; whoever runs it hands each item its rank in that order.
 class SortBasedAction : public BaseRenameAction {

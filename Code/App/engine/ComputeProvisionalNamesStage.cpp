@@ -242,8 +242,16 @@ void ComputeProvisionalNamesStage::storeNewName(RowId id) {
     else
         context->setFinalName(id, output.newName);
     const bool differs = !isName && !text::canonicallyEqual(output.newName, *name);
-    if (context->row(id).diff != differs)
-        context->change(id).diff = differs;
+    setDiff(id, differs);
+}
+
+void ComputeProvisionalNamesStage::setDiff(RowId id, bool differs) {
+    const NodeRow& present = context->row(id);
+    if (present.diff == differs && !present.madeDistinct)
+        return;
+    NodeRow& row = context->change(id);
+    row.diff = differs;
+    row.madeDistinct = false;
 }
 
 void ComputeProvisionalNamesStage::copyCurrentToNewName() {
@@ -256,8 +264,7 @@ void ComputeProvisionalNamesStage::copyCurrentToNewName() {
     for (std::vector<RowId> batch; !(batch = context->fetch(request)).empty();) {
         for (const RowId id : batch) {
             context->setFinalNameToName(id);
-            if (context->row(id).diff)
-                context->change(id).diff = false;
+            setDiff(id, false);
             context->setStageFlag(id, marker);
             report.item(++count);
         }

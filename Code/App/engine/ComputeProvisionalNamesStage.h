@@ -42,6 +42,7 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     void runAction(RowId id);
     /// `output.newName` becomes the final name of a row whose name up to now is `input.currentName`.
     void storeNewName(RowId id);
+    void setDiff(RowId id, bool differs);
     void copyCurrentToNewName();
 
     bool processFiles = true;

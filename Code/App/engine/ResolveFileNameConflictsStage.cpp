@@ -135,8 +135,10 @@ bool ResolveFileNameConflictsStage::isApplicable(RowId id) {
 }
 
 void ResolveFileNameConflictsStage::storeCandidate(RowId id, const std::u16string& candidate) {
-    if (context->finalName(id) != candidate)
+    if (context->finalName(id) != candidate) {
         context->setFinalName(id, candidate);
+        context->change(id).madeDistinct = true;
+    }
     const bool differs = !text::canonicallyEqual(candidate, context->name(id));
     if (context->row(id).diff != differs)
         context->change(id).diff = differs;

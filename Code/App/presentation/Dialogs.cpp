@@ -1,18 +1,229 @@
 #include "presentation/Dialogs.h"
 
 #include "engine/UserPrompts.h"
+#include "presentation/QtText.h"
+#include "presentation/dialogs/AnswerOnce.h"
+#include "presentation/dialogs/ConfirmationSheetWindow.h"
+#include "presentation/dialogs/ErrorWindow.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <algorithm>
+#include <array>
 
 namespace tavrin {
 
-void Dialogs::showAlert(QWidget*, const Alert&, std::function<void(AlertAnswer)>) {}
-void Dialogs::showNotice(QWidget*, NoticeDialog, std::function<void(NoticeAnswer)>) {}
-void Dialogs::showConfirmationSheet(QWidget*, ConfirmationSheet, const PropertyDictionary&,
-                                    const std::optional<std::string>&, bool,
-                                    std::function<void(ConfirmationChoice)>) {}
-void Dialogs::showProcessingErrors(QWidget*, const std::vector<ProcessingError>&, std::function<void()>) {}
-void Dialogs::askForFilesToAdd(QWidget*, const std::string&, bool,
-                               std::function<void(std::optional<FilesToAdd>)>) {}
-void Dialogs::askForSavePath(QWidget*, const std::string&, std::function<void(std::optional<std::string>)>) {}
-void Dialogs::presentError(QWidget*, const std::string&) {}
+namespace {
+
+QMessageBox::Icon iconOf(AlertStyle style) {
+    switch (style) {
+    case AlertStyle::warning:
+        return QMessageBox::Warning;
+    case AlertStyle::informational:
+        return QMessageBox::Information;
+    case AlertStyle::critical:
+        return QMessageBox::Critical;
+    }
+    return QMessageBox::NoIcon;
+}
+
+/// A message as a sheet of the window, which deletes itself.
+QMessageBox* makeBox(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text) {
+    auto* box = new QMessageBox(icon, "Tavrin", title, QMessageBox::NoButton, parent);
+    box->setInformativeText(text);
+    box->setTextFormat(Qt::PlainText);
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowModality(Qt::WindowModal);
+    return box;
+}
+
+QCheckBox* addSuppressionBox(QMessageBox& box) {
+    auto* check = new QCheckBox("Don’t show this &again");
+    check->setObjectName("suppressionBox");
+    box.setCheckBox(check);
+    return check;
+}
+
+struct NoticeButton {
+    const char* label;
+    int choice;
+    QMessageBox::ButtonRole role;
+};
+
+struct NoticeText {
+    const char* name;
+    const char* title;
+    const char* text;
+    bool canBeSwitchedOff;
+    std::array<NoticeButton, 3> buttons; ///< the first is the default; those without a label are none
+    int whenClosed;
+};
+
+const NoticeText& textOf(NoticeDialog dialog) {
+    static const NoticeText noFiles{"noFilesSelectedDialog",
+                                    "There is nothing to rename yet.",
+                                    "Drag files or folders into the list, or use Add.",
+                                    true,
+                                    {{{"OK", NoticeAnswer::ok, QMessageBox::AcceptRole},
+                                      {"Help", NoticeAnswer::help, QMessageBox::HelpRole},
+                                      {}}},
+                                    NoticeAnswer::ok};
+    static const NoticeText inconsistent{
+        "inconsistentSettingsDialog",
+        "Files and folders are both switched off, so nothing can be renamed.",
+        "Switch both on, look at the new preview, and click Rename again.",
+        true,
+        {{{"Switch Both On", NoticeAnswer::ok, QMessageBox::AcceptRole},
+          {"Leave Off", NoticeAnswer::help, QMessageBox::RejectRole},
+          {}}},
+        NoticeAnswer::help};
+    static const NoticeText droplet{"dropletEditModeDialog",
+                                    "You are editing a droplet.",
+                                    "Change the steps, then click Save. Files you add only show the effect.",
+                                    true,
+                                    {{{"Continue", NoticeAnswer::ok, QMessageBox::AcceptRole},
+                                      {"Quit", NoticeAnswer::cancel, QMessageBox::RejectRole},
+                                      {"Help", NoticeAnswer::help, QMessageBox::HelpRole}}},
+                                    NoticeAnswer::ok};
+    static const NoticeText simpleList{"simpleTemplateFileListDialog",
+                                       "The file list was successfully saved.",
+                                       "This list holds new names only, in the order of the current names. "
+                                       "To read it back with New names from a "
+                                       "list, sort by name.",
+                                       false,
+                                       {{{"OK", NoticeAnswer::ok, QMessageBox::AcceptRole},
+                                         {"Help", NoticeAnswer::help, QMessageBox::HelpRole},
+                                         {}}},
+                                       NoticeAnswer::ok};
+    switch (dialog) {
+    case NoticeDialog::noFilesSelected:
+        return noFiles;
+    case NoticeDialog::inconsistentSettings:
+        return inconsistent;
+    case NoticeDialog::dropletEditMode:
+        return droplet;
+    case NoticeDialog::simpleTemplateFileList:
+        break;
+    }
+    return simpleList;
+}
+
+} // namespace
+
+void Dialogs::showAlert(QWidget* parent, const Alert& alert, std::function<void(AlertAnswer)> answer) {
+    QMessageBox* box = makeBox(parent, iconOf(alert.style), toQString(alert.title), toQString(alert.text));
+    box->setObjectName("alert");
+    QCheckBox* check = alert.hasSuppressionBox ? addSuppressionBox(*box) : nullptr;
+    std::vector<QAbstractButton*> buttons;
+    for (const std::string& label : alert.buttons)
+        buttons.push_back(box->addButton(toQString(label), buttons.empty() ? QMessageBox::AcceptRole
+                                                                           : QMessageBox::RejectRole));
+    if (!buttons.empty())
+        box->setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
+    // Escape takes the last button, which never does more than the others.
+    if (buttons.size() > 1)
+        box->setEscapeButton(buttons.back());
+    const AnswerOnce<AlertAnswer> once(std::move(answer));
+    QObject::connect(box, &QMessageBox::finished, box, [box, buttons, check, once] {
+        const auto clicked = std::ranges::find(buttons, box->clickedButton());
+        const auto index = clicked == buttons.end() ? buttons.size() - 1
+                                                    : static_cast<std::size_t>(clicked - buttons.begin());
+        once({index, check && check->isChecked()});
+    });
+    box->open();
+}
+
+void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
+    const NoticeText& text = textOf(dialog);
+    QMessageBox* box = makeBox(parent, QMessageBox::Information, QString::fromUtf8(text.title),
+                               QString::fromUtf8(text.text));
+    box->setObjectName(text.name);
+    QCheckBox* check = text.canBeSwitchedOff ? addSuppressionBox(*box) : nullptr;
+    std::vector<std::pair<QAbstractButton*, int>> buttons;
+    for (const NoticeButton& button : text.buttons)
+        if (button.label)
+            buttons.emplace_back(box->addButton(QString::fromUtf8(button.label), button.role), button.choice);
+    box->setDefaultButton(qobject_cast<QPushButton*>(buttons.front().first));
+    const AnswerOnce<NoticeAnswer> once(std::move(answer));
+    QObject::connect(box, &QMessageBox::finished, box, [box, buttons, check, once, closed = text.whenClosed] {
+        const auto clicked =
+            std::ranges::find(buttons, box->clickedButton(), &std::pair<QAbstractButton*, int>::first);
+        once({clicked == buttons.end() ? closed : clicked->second, check && check->isChecked()});
+    });
+    box->open();
+}
+
+void Dialogs::showConfirmationSheet(QWidget* parent, ConfirmationSheet sheet,
+                                    const PropertyDictionary& context,
+                                    const std::optional<std::string>& previewPath, bool thumbnails,
+                                    std::function<void(ConfirmationChoice)> answer) {
+    auto* window =
+        new ConfirmationSheetWindow(parent, sheet, context, previewPath, thumbnails, std::move(answer));
+    window->open();
+}
+
+void Dialogs::showProcessingErrors(QWidget* parent, const std::vector<ProcessingError>& errors,
+                                   std::function<void()> closed) {
+    auto* window = new ErrorWindow(parent, errors);
+    const AnswerOnce<bool> once([closed = std::move(closed)](bool) { closed(); });
+    QObject::connect(window, &QDialog::finished, window, [once] { once(true); });
+    window->open();
+}
+
+void Dialogs::askForFilesToAdd(QWidget* parent, const std::string& startFolder, bool folders,
+                               std::function<void(std::optional<FilesToAdd>)> answer) {
+    auto* dialog = new QFileDialog(parent, folders ? "Add Folder" : "Add Files");
+    dialog->setObjectName("addFilesDialog");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setDirectory(QFile::decodeName(startFolder.c_str()));
+    dialog->setFileMode(folders ? QFileDialog::Directory : QFileDialog::ExistingFiles);
+    dialog->setOption(QFileDialog::ShowDirsOnly, folders);
+    dialog->setLabelText(QFileDialog::Accept, "Add");
+    const AnswerOnce<std::optional<FilesToAdd>> once(std::move(answer));
+    QObject::connect(dialog, &QFileDialog::finished, dialog, [dialog, once](int result) {
+        if (result != QDialog::Accepted) {
+            once(std::nullopt);
+            return;
+        }
+        FilesToAdd files;
+        for (const QString& path : dialog->selectedFiles())
+            files.paths.push_back(QFile::encodeName(path).toStdString());
+        files.folder = QFile::encodeName(dialog->directory().absolutePath()).toStdString();
+        once(std::move(files));
+    });
+    dialog->open();
+}
+
+void Dialogs::askForSavePath(QWidget* parent, const std::string& title,
+                             std::function<void(std::optional<std::string>)> answer) {
+    auto* dialog = new QFileDialog(parent, toQString(title));
+    dialog->setObjectName("savePathDialog");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setDefaultSuffix("txt");
+    dialog->selectFile("File List.txt");
+    const AnswerOnce<std::optional<std::string>> once(std::move(answer));
+    QObject::connect(dialog, &QFileDialog::finished, dialog, [dialog, once](int result) {
+        const QStringList chosen = dialog->selectedFiles();
+        if (result == QDialog::Accepted && !chosen.isEmpty())
+            once(QFile::encodeName(chosen.front()).toStdString());
+        else
+            once(std::nullopt);
+    });
+    dialog->open();
+}
+
+void Dialogs::presentError(QWidget* parent, const std::string& message) {
+    QMessageBox* box = makeBox(parent, QMessageBox::Critical, toQString(message), QString());
+    box->setObjectName("errorAlert");
+    box->addButton(QMessageBox::Ok);
+    box->open();
+}
 
 } // namespace tavrin

@@ -1,7 +1,9 @@
+#include "presentation/Appearance.h"
 #include "presentation/TavrinApplication.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QIcon>
 #include <clocale>
 #include <cstdio>
 #include <stdexcept>
@@ -29,6 +31,9 @@ int main(int argc, char** argv) {
     QApplication::setApplicationDisplayName("Tavrin");
     QApplication::setDesktopFileName("net.calderwick.tavrin");
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(
+        QIcon::fromTheme("net.calderwick.tavrin", QIcon(":/icons/net.calderwick.tavrin.svg")));
+    tavrin::Appearance::apply();
     try {
         tavrin::TavrinApplication tavrin({});
         tavrin.start(absolutePaths(argc, argv));

@@ -88,6 +88,16 @@ void ActionListCommands::nudgeActionDown() {
         services.composite.nudgeDown();
 }
 
+void ActionListCommands::moveAction(std::int32_t from, std::int32_t to) {
+    CompositeRenameAction& composite = services.composite;
+    const std::int32_t last = composite.count() - 1;
+    if (from < 0 || from > last || to < 0 || to > last || from == to)
+        return;
+    auto moved = composite.removeActionAtIndex(from);
+    composite.insertActionAtIndex(std::move(moved), to);
+    composite.setCurrentActionIndex(to);
+}
+
 void ActionListCommands::chooseAction(std::int32_t menuIndex) {
     services.composite.setTransientActionIndex(menuIndex);
 }

@@ -27,6 +27,8 @@ class ActionListCommands {
     void clearActions();
     void nudgeActionUp();
     void nudgeActionDown();
+    /// Moves a step to another place, counted without it, and makes it the current one.
+    void moveAction(std::int32_t from, std::int32_t to);
     /// Puts another action of the menu in the place of the current step.
     void chooseAction(std::int32_t menuIndex);
     void resetToDefaults();

@@ -27,6 +27,8 @@ enum class AlertKind {
     fileListSaved,
     pipelineFailed,
     dropletLocked,
+    presetDeletion,
+    exifSortingOff,
     tagNotPresent,
 };
 

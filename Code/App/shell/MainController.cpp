@@ -67,10 +67,10 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
                sourceItems,
                mode},
       listCommands(services), preview(services, store, listCommands), sources(services, store, preview),
-      notices(services), missingTagNotice(environment.runLoop,
-                                          [this](std::function<void()> gone) {
-                                              notices.showTagNotPresentDialog(std::move(gone));
-                                          }),
+      dragging(services, {store, preview, sources}), notices(services),
+      missingTagNotice(
+          environment.runLoop,
+          [this](std::function<void()> gone) { notices.showTagNotPresentDialog(std::move(gone)); }),
       tagLibrary(&missingTagNotice), pane(services), longRunCheck(services),
       confirmation(services, {store, listCommands, preview, notices}, [this] { terminateNow(); }),
       startSequence(

@@ -10,6 +10,7 @@
 #include "platform/DebugManager.h"
 #include "shell/ActionListCommands.h"
 #include "shell/ConfirmationFlow.h"
+#include "shell/DNDArrayController.h"
 #include "shell/LongRunCheck.h"
 #include "shell/MissingTagNotice.h"
 #include "shell/MultistepPane.h"
@@ -106,6 +107,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] PreviewControl& previewControl() { return preview; }
     [[nodiscard]] PreviewList& nodeController() { return preview.nodeController(); }
     [[nodiscard]] SourceCommands& sourceCommands() { return sources; }
+    [[nodiscard]] DNDArrayController& dndArrayController() { return dragging; }
     [[nodiscard]] ConfirmationFlow& confirmationFlow() { return confirmation; }
     [[nodiscard]] MultistepPane& multistepPane() { return pane; }
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
@@ -163,6 +165,7 @@ class MainController : public EngineHost, public ActionObserver {
     ActionListCommands listCommands;
     PreviewControl preview;
     SourceCommands sources;
+    DNDArrayController dragging;
     NoticeDialogs notices;
     MissingTagNotice missingTagNotice;
     TagLibraryHelper tagLibrary;

@@ -4,7 +4,23 @@
 #include "store/StoreError.h"
 #include "support/DebugLog.h"
 
+#include <algorithm>
+#include <mutex>
+#include <utility>
+
 namespace tavrin {
+
+template <typename Read>
+auto PreviewList::read(Read&& what) -> decltype(what(std::declval<StoreContext&>())) {
+    StoreContext& context = store.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    try {
+        return what(context);
+    } catch (const StoreError& error) {
+        debugLog("could not read rows: {}", error.what());
+        return std::nullopt;
+    }
+}
 
 const std::vector<RowId>& PreviewList::arrangedObjects() {
     if (answered && answered->generation != store.generation()) {
@@ -42,26 +58,48 @@ std::optional<PreviewList::Row> PreviewList::rowAt(std::size_t index) {
 }
 
 std::optional<PreviewList::Row> PreviewList::rowWithId(RowId id) {
-    StoreContext& context = store.managedObjectContext();
-    const std::lock_guard lock(context.mutex());
-    try {
-        if (!context.exists(id))
-            return std::nullopt;
-        const NodeRow& node = context.row(id);
-        Row row;
-        row.id = id;
-        row.diff = node.diff;
-        row.treatAsFolder = node.treatAsFolder;
-        row.root = node.root;
-        row.name = context.name(id);
-        row.finalName = context.finalName(id);
-        row.fullPath = context.fullPath(id);
-        row.regex = context.regexColumns(id);
-        return row;
-    } catch (const StoreError& error) {
-        debugLog("could not read a row: {}", error.what());
+    return read([&](StoreContext& context) { return rowOf(context, id); });
+}
+
+std::vector<PreviewList::Row> PreviewList::rowsWithIds(std::span<const RowId> ids) {
+    std::vector<Row> result;
+    static_cast<void>(read([&](StoreContext& context) {
+        for (const RowId id : ids)
+            result.push_back(rowOf(context, id).value_or(Row{}));
+        return std::optional(true);
+    }));
+    result.resize(ids.size());
+    return result;
+}
+
+std::vector<RowId> PreviewList::changingRows() {
+    if (arrangedObjects().empty())
+        return {};
+    const FetchRequest request{FetchEntity::file, predicate.with(Predicate::isTrue(NodeKey::diff)), order, 0};
+    return read([&](StoreContext& context) { return std::optional(context.fetch(request)); })
+        .value_or(std::vector<RowId>());
+}
+
+RowId PreviewList::rowWithPath(const std::string& path) {
+    return read([&](StoreContext& context) { return std::optional(context.fileWithPath(path)); })
+        .value_or(noRow);
+}
+
+std::optional<PreviewList::Row> PreviewList::rowOf(StoreContext& context, RowId id) {
+    if (!context.exists(id))
         return std::nullopt;
-    }
+    const NodeRow& node = context.row(id);
+    Row row;
+    row.id = id;
+    row.diff = node.diff;
+    row.treatAsFolder = node.treatAsFolder;
+    row.root = node.root;
+    row.madeDistinct = node.madeDistinct;
+    row.name = context.name(id);
+    row.finalName = context.finalName(id);
+    row.fullPath = context.fullPath(id);
+    row.regex = context.regexColumns(id);
+    return row;
 }
 
 } // namespace tavrin

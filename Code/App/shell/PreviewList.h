@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -25,6 +27,7 @@ class PreviewList {
         bool diff = false;
         bool treatAsFolder = false;
         bool root = false;
+        bool madeDistinct = false;
         std::optional<StoreContext::RegexColumns> regex;
     };
 
@@ -43,6 +46,13 @@ class PreviewList {
     [[nodiscard]] std::optional<Row> rowAt(std::size_t index);
     [[nodiscard]] std::optional<Row> rowWithId(RowId id);
 
+    /// Several rows at once; one that a run has deleted meanwhile has no id.
+    [[nodiscard]] std::vector<Row> rowsWithIds(std::span<const RowId> ids);
+    /// Those of the rows that will change, in the same order.
+    [[nodiscard]] std::vector<RowId> changingRows();
+    /// The row at a path, whether it is among these or not.
+    [[nodiscard]] RowId rowWithPath(const std::string& path);
+
     /// How often rows have been fetched; for tests of what a refetch costs.
     [[nodiscard]] std::uint64_t fetchCount() const { return fetches; }
 
@@ -57,6 +67,9 @@ class PreviewList {
     };
 
     void bringUpToDate();
+    /// Reads under the context's lock; nothing when the store fails.
+    template <typename Read> auto read(Read&& what) -> decltype(what(std::declval<StoreContext&>()));
+    [[nodiscard]] static std::optional<Row> rowOf(StoreContext& context, RowId id);
 
     StoreOwner& store;
     Predicate predicate = Predicate::always();

@@ -220,6 +220,7 @@ std::uint8_t ItemStore::Impl::updateAttributes(NodeRow& row, const NodeRow& chan
     take(&NodeRow::depth, ColumnClass::plan);
     take(&NodeRow::canBeRenamedIndependently, ColumnClass::plan);
     take(&NodeRow::mustBeSwapped, ColumnClass::plan);
+    take(&NodeRow::madeDistinct, ColumnClass::naming);
     take(&NodeRow::cannotBeRenamedBefore, ColumnClass::plan);
     take(&NodeRow::mustBeRenamedBefore, ColumnClass::plan);
     return classes;

@@ -30,6 +30,7 @@ struct NodeRow {
     bool treatAsFolder = false;
     bool root = false;
     bool diff = false;
+    bool madeDistinct = false; ///< the final name was changed so that no other item has it
     bool sortingInformationLoaded = false;
     bool canBeRenamedIndependently = true;
     bool mustBeSwapped = false;

@@ -1,7 +1,251 @@
 #include "presentation/dialogs/PreferencesWindow.h"
 
+#include "actions/SortBasedAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/UserDefaults.h"
+#include "presentation/Dialogs.h"
+#include "presentation/QtText.h"
+#include "presentation/settings/ParameterBinding.h"
+#include "shell/MainController.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+#include <array>
+#include <memory>
+#include <vector>
+
 namespace tavrin {
 
-void PreferencesWindow::open(QWidget*, const WindowServices&) {}
+namespace {
+
+const Alert exifIsOff{
+    .kind = AlertKind::exifSortingOff,
+    .style = AlertStyle::informational,
+    .title = "Sorting By EXIF Digital Camera Date will not work correctly.",
+    .text =
+        "Disabling the retrieval of EXIF and shooting date information can dramatically speed up the "
+        "performance of the program when adding new files, especially if those files contain visual "
+        "information and are located on slow or networked drives.\n\nIt will, however, also mean that the "
+        "'Sort by EXIF digital camera date' feature will not work correctly.\n\n",
+    .buttons = {"OK"}};
+
+/// Notices and alerts that a "don't show again" has silenced: defaults to forget, and to switch back on.
+constexpr std::array silencedNotices{"don't remind me about no files being selected",
+                                     "don't remind me about inconsistent settings",
+                                     "don't show droplet edit information again"};
+constexpr std::array silencedAlerts{"showManualSortingSortBasedActionAlert", "showManualSortingAlert",
+                                    "showTagNotPresentDialog"};
+
+constexpr std::array schemes{
+    "name(1), name(2)",   "name(0), name(1)",     "name(a), name(b)",     "name(01), name(02)",
+    "name(00), name(01)", "name(001), name(002)", "name(000), name(001)", "name1, name2",
+    "name0, name1",       "namea, nameb",         "name01, name02",       "name00, name01",
+    "name001, name002",   "name000, name001",
+};
+
+constexpr std::array routes{"Move after a test of the new name", "Rename within the open folder",
+                            "Move by path"};
+
+class Window final : public QDialog {
+  public:
+    Window(QWidget* parent, const WindowServices& shared)
+        : QDialog(parent), services(shared), settings(shared.controller.globalSettings()) {
+        setObjectName("preferencesWindow");
+        setWindowTitle("Preferences");
+        setAttribute(Qt::WA_DeleteOnClose);
+        resize(640, 440);
+        contents->setObjectName("preferencesContents");
+        contents->setAccessibleName("Pages");
+        contents->setFixedWidth(fontMetrics().horizontalAdvance("Equal names") + 48);
+        addGeneral();
+        addReading();
+        addEqualNames();
+        addSafety();
+        addDroplets();
+        connect(contents, &QListWidget::currentRowChanged, pages, &QStackedWidget::setCurrentIndex);
+        contents->setCurrentRow(0);
+        auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+        connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+        connect(this, &QDialog::finished, this, [this] {
+            if (clearCache)
+                services.controller.reloadPreview();
+        });
+        auto* row = new QHBoxLayout;
+        row->addWidget(contents);
+        row->addWidget(pages, 1);
+        auto* layout = new QVBoxLayout(this);
+        layout->addLayout(row, 1);
+        layout->addWidget(buttons);
+    }
+
+  private:
+    QVBoxLayout& addPage(const char* title) {
+        contents->addItem(title);
+        auto* page = new QWidget;
+        auto* layout = new QVBoxLayout(page);
+        layout->setSpacing(8);
+        pages->addWidget(page);
+        return *layout;
+    }
+
+    /// A global setting of 1 or 0.
+    QCheckBox* addSetting(QVBoxLayout& page, const char* key, const char* text) {
+        auto* box = new QCheckBox(QString::fromUtf8(text));
+        box->setObjectName(key);
+        page.addWidget(box);
+        bindings.push_back(std::make_unique<ParameterBinding>(
+            settings, key, [box](const std::optional<PropertyValue>& value) {
+                box->setChecked(value && boolValue(*value));
+            }));
+        connect(box, &QCheckBox::clicked, this,
+                [binding = bindings.back().get()](bool isOn) { binding->write(isOn ? 1 : 0); });
+        return box;
+    }
+
+    /// A user default of yes or no.
+    void addDefault(QVBoxLayout& page, const char* key, const char* text) {
+        auto* box = new QCheckBox(QString::fromUtf8(text));
+        box->setObjectName(key);
+        box->setChecked(services.defaults.boolForKey(key));
+        page.addWidget(box);
+        connect(box, &QCheckBox::clicked, this,
+                [this, key](bool isOn) { services.defaults.setObject(key, isOn); });
+    }
+
+    template <typename Labels>
+    void addChoice(QFormLayout& form, const char* key, const char* label, const Labels& labels) {
+        auto* box = new QComboBox;
+        box->setObjectName(key);
+        for (const auto& each : labels)
+            box->addItem(toQString(std::string_view(each)));
+        form.addRow(label, box);
+        bindings.push_back(std::make_unique<ParameterBinding>(
+            settings, key, [box](const std::optional<PropertyValue>& value) {
+                box->setCurrentIndex(value ? intValue(*value) : -1);
+            }));
+        connect(box, &QComboBox::activated, this,
+                [binding = bindings.back().get()](int row) { binding->write(row); });
+    }
+
+    void addHelp(QVBoxLayout& page, const char* text, const char* anchor) {
+        auto* link = new QLabel(QString("<a href='help'>%1</a>").arg(text));
+        link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+        connect(link, &QLabel::linkActivated, this,
+                [this, anchor] { services.controller.showHelpAnchor(anchor); });
+        page.addWidget(link);
+    }
+
+    void addGeneral() {
+        QVBoxLayout& page = addPage("General");
+        addSetting(page, "quitAfterRename", "&Quit after renaming");
+        addSetting(page, "continueAfterRename", "&Keep the list after renaming");
+        addSetting(page, "interactiveMode", "Show &confirmation dialog before renaming");
+        addSetting(page, "showSummary", "Show s&ummary after renaming is complete");
+        addSetting(page, "copyFileComments", "Keep file co&mments");
+        addDefault(page, "loggerIsOn", "Write a debug &log");
+        page.addSpacing(8);
+        auto* showAgain = new QPushButton("Show All &Hidden Messages Again");
+        showAgain->setObjectName("showHiddenMessages");
+        page.addWidget(showAgain, 0, Qt::AlignLeft);
+        connect(showAgain, &QPushButton::clicked, this, [this, showAgain] {
+            for (const char* key : silencedNotices)
+                services.defaults.removeObject(key);
+            for (const char* key : silencedAlerts)
+                services.defaults.removeObject(key);
+            showAgain->setEnabled(false);
+        });
+        page.addStretch(1);
+    }
+
+    void addReading() {
+        QVBoxLayout& page = addPage("Reading");
+        QCheckBox* exif = addSetting(page, "retrieveEXIFInformation", "Read &EXIF and shooting dates");
+        connect(exif, &QCheckBox::clicked, this, [this](bool isOn) {
+            clearCache = true;
+            if (!isOn)
+                Dialogs::showAlert(this, exifIsOff, [](AlertAnswer) {});
+        });
+        addSetting(page, "quickLookThumbnail", "&Thumbnails in the list and in questions");
+        addSetting(page, "accurateFolderSize", "Exact sizes of &folders");
+        auto* form = new QFormLayout;
+        auto* store = new QComboBox;
+        store->setObjectName("store");
+        store->addItems({"on disk, for very long lists", "in memory"});
+        store->setCurrentIndex(services.defaults.integerForKey("store") == 1 ? 1 : 0);
+        connect(store, &QComboBox::activated, this,
+                [this](int row) { services.defaults.setObject("store", row); });
+        form->addRow("Keep the &list:", store);
+        page.addLayout(form);
+        auto* note = new QLabel("A change counts from the next start, or when the list is cleared.");
+        note->setForegroundRole(QPalette::PlaceholderText);
+        page.addWidget(note);
+        page.addStretch(1);
+    }
+
+    void addEqualNames() {
+        QVBoxLayout& page = addPage("Equal names");
+        addSetting(page, "previewConflictResolution",
+                   "Show in the &preview how equal names are made distinct");
+        addSetting(page, "conflictResolutionDontChangeFirst", "The &first item keeps its name");
+        auto* form = new QFormLayout;
+        addChoice(*form, "conflictResolutionScheme", "&Mark with:", schemes);
+        std::vector<std::string> orders;
+        for (const ParameterChoice& choice : sortingModeChoices())
+            orders.emplace_back(choice.label);
+        addChoice(*form, "conflictResolutionOrder1", "Count by, &1st:", orders);
+        addChoice(*form, "conflictResolutionOrder2", "&2nd:", orders);
+        addChoice(*form, "conflictResolutionOrder3", "&3rd:", orders);
+        page.addLayout(form);
+        page.addStretch(1);
+    }
+
+    void addSafety() {
+        QVBoxLayout& page = addPage("Safety");
+        addSetting(page, "preventAccidentalITunesLibraryDamage",
+                   "Warn before files of a &music library are renamed");
+        addSetting(page, "preventAccidentalIPhotoLibraryDamage",
+                   "Warn before files of a &photo library are renamed");
+        auto* form = new QFormLayout;
+        addChoice(*form, "renameMode", "&Rename method:", routes);
+        page.addLayout(form);
+        addHelp(page, "About the rename methods", "helpCategory14");
+        page.addStretch(1);
+    }
+
+    void addDroplets() {
+        QVBoxLayout& page = addPage("Droplets");
+        addSetting(page, "silentDroplet", "Create &silent droplets");
+        addHelp(page, "About silent droplets", "helpTopic19");
+        addSetting(page, "lockedDroplet", "&Prevent users from editing droplets");
+        page.addStretch(1);
+    }
+
+    const WindowServices services;
+    TVRNGlobalPreferencesPseudoAction& settings;
+    QListWidget* contents = new QListWidget;
+    QStackedWidget* pages = new QStackedWidget;
+    std::vector<std::unique_ptr<ParameterBinding>> bindings;
+    bool clearCache = false; ///< what has been read of the files must be read again
+};
+
+} // namespace
+
+void PreferencesWindow::open(QWidget* parent, const WindowServices& services) {
+    auto* window = parent->findChild<QDialog*>("preferencesWindow");
+    if (!window)
+        window = new Window(parent, services);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
 
 } // namespace tavrin

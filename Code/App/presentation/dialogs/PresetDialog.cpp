@@ -1,8 +1,123 @@
 #include "presentation/dialogs/PresetDialog.h"
 
+#include "documents/PresetsManager.h"
+#include "presentation/Dialogs.h"
+#include "presentation/QtText.h"
+#include "shell/MainController.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <functional>
+
 namespace tavrin {
 
-void PresetDialog::saveAsPreset(QWidget*, const WindowServices&) {}
-void PresetDialog::edit(QWidget*, const WindowServices&, std::size_t) {}
+namespace {
+
+/// Name and description. Save is on while the name can be used.
+class PresetWindow final : public QDialog {
+  public:
+    using Save = std::function<void(const std::u16string& name, const std::u16string& description)>;
+
+    PresetWindow(QWidget* parent, PresetsManager& presetsManager, const std::u16string& name,
+                 const std::u16string& description, bool isNew)
+        : QDialog(parent), manager(presetsManager), oldName(isNew ? QString() : toQString(name)) {
+        setObjectName(isNew ? "newPresetWindow" : "editPresetWindow");
+        setWindowTitle(isNew ? "Save as Preset" : "Edit Preset");
+        setAttribute(Qt::WA_DeleteOnClose);
+        setWindowModality(Qt::WindowModal);
+        nameField->setObjectName("presetName");
+        nameField->setText(toQString(name));
+        nameField->selectAll();
+        note->setObjectName("presetNote");
+        note->setForegroundRole(QPalette::BrightText);
+        descriptionField->setObjectName("presetDescription");
+        descriptionField->setTabChangesFocus(true);
+        descriptionField->setPlainText(toQString(description));
+        descriptionField->setFixedHeight(fontMetrics().lineSpacing() * 3 + 16);
+        buttons->button(QDialogButtonBox::Save)->setDefault(true);
+        auto* form = new QFormLayout;
+        form->addRow("&Name:", nameField);
+        form->addRow(QString(), note);
+        form->addRow("&Description:", descriptionField);
+        auto* layout = new QVBoxLayout(this);
+        layout->addLayout(form);
+        layout->addWidget(buttons);
+        setMinimumWidth(440);
+        connect(nameField, &QLineEdit::textChanged, this, [this] { checkName(); });
+        connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+        connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+        checkName();
+    }
+
+    void setSave(Save save) {
+        connect(this, &QDialog::accepted, this, [this, save = std::move(save)] {
+            save(fromQString(nameField->text()), fromQString(descriptionField->toPlainText()));
+        });
+    }
+
+  private:
+    [[nodiscard]] bool nameIsOk() const {
+        const QString name = nameField->text();
+        if (name.trimmed().isEmpty())
+            return false;
+        return name == oldName || manager.isNameIsStillAvailable(fromQString(name));
+    }
+
+    void checkName() {
+        const bool isOk = nameIsOk();
+        buttons->button(QDialogButtonBox::Save)->setEnabled(isOk);
+        note->setText(isOk || nameField->text().trimmed().isEmpty() ? QString()
+                                                                    : "A preset of this name exists.");
+    }
+
+    PresetsManager& manager;
+    QString oldName; ///< of a preset that is being edited
+    QLineEdit* nameField = new QLineEdit;
+    QLabel* note = new QLabel;
+    QPlainTextEdit* descriptionField = new QPlainTextEdit;
+    QDialogButtonBox* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
+};
+
+void tellFailure(QWidget* parent, const PresetOutcome& outcome) {
+    if (outcome.error)
+        Dialogs::presentError(parent, *outcome.error);
+}
+
+} // namespace
+
+void PresetDialog::saveAsPreset(QWidget* parent, const WindowServices& services) {
+    PresetsManager& manager = services.controller.presetsManager();
+    auto* window = new PresetWindow(parent, manager, u"Untitled", u"", true);
+    window->setSave(
+        [parent, services, &manager](const std::u16string& name, const std::u16string& description) {
+            tellFailure(parent, manager.createPresetFromCurrentActionsWithName(name, description));
+            services.controller.updatePresetsMenu();
+        });
+    window->open();
+}
+
+void PresetDialog::edit(QWidget* parent, const WindowServices& services, std::size_t index,
+                        std::function<void()> then) {
+    PresetsManager& manager = services.controller.presetsManager();
+    const std::u16string oldName = manager.nameAtIndex(index);
+    const std::string path = manager.pathAtIndex(index);
+    auto* window = new PresetWindow(parent, manager, oldName, manager.descriptionAtIndex(index), false);
+    window->setSave(
+        [parent, &manager, path, oldName](const std::u16string& name, const std::u16string& description) {
+            tellFailure(parent, name == oldName ? manager.changeDescription(description, path)
+                                                : manager.changeNameAtPath(path, name, description));
+        });
+    QObject::connect(window, &QDialog::finished, window, [services, then = std::move(then)] {
+        services.controller.updatePresetsMenu();
+        then();
+    });
+    window->open();
+}
 
 } // namespace tavrin

@@ -3,6 +3,7 @@
 #include "presentation/WindowServices.h"
 
 #include <cstddef>
+#include <functional>
 
 class QWidget;
 
@@ -13,7 +14,9 @@ struct PresetDialog {
     /// Saves the steps as a new preset.
     static void saveAsPreset(QWidget* parent, const WindowServices& services);
     /// Changes those of a preset (index as in PresetsManager).
-    static void edit(QWidget* parent, const WindowServices& services, std::size_t index);
+    /// `then` is called when the dialog has been closed.
+    static void edit(QWidget* parent, const WindowServices& services, std::size_t index,
+                     std::function<void()> then);
 };
 
 } // namespace tavrin

@@ -1,7 +1,64 @@
 #include "presentation/dialogs/ShortcutsDialog.h"
 
+#include <QAction>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <array>
+#include <utility>
+
 namespace tavrin {
 
-void ShortcutsDialog::open(QWidget*) {}
+namespace {
+
+/// Keys that belong to a list and not to a command.
+constexpr std::array<std::pair<const char*, const char*>, 7> otherKeys{{
+    {"Remove the selected items (in the list)", "Del"},
+    {"Move the selected rows (in the list)", "Alt+Up, Alt+Down"},
+    {"Open the current item (in the list)", "Return"},
+    {"Remove the step (in the steps)", "Del"},
+    {"Switch the step on or off (in the steps)", "Space"},
+    {"Answer a question for this item", "Return"},
+    {"Answer a question with stop", "Esc"},
+}};
+
+QString plain(QString text) {
+    text.replace("&&", "\x01");
+    text.remove('&');
+    return text.replace("\x01", "&");
+}
+
+} // namespace
+
+void ShortcutsDialog::open(QWidget* parent) {
+    auto* dialog = new QDialog(parent);
+    dialog->setObjectName("shortcutsDialog");
+    dialog->setWindowTitle("Keyboard Shortcuts");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->resize(480, 560);
+    auto* list = new QTreeWidget;
+    list->setHeaderLabels({"Command", "Keys"});
+    list->setRootIsDecorated(false);
+    list->setAlternatingRowColors(true);
+    list->setUniformRowHeights(true);
+    for (const QAction* action : parent->findChildren<QAction*>(QString(), Qt::FindDirectChildrenOnly)) {
+        const QString keys = QKeySequence::listToString(action->shortcuts(), QKeySequence::NativeText);
+        if (!keys.isEmpty())
+            new QTreeWidgetItem(list, {plain(action->text()), keys});
+    }
+    for (const auto& [command, keys] : otherKeys)
+        new QTreeWidgetItem(list, {command, keys});
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    list->header()->setStretchLastSection(false);
+    list->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
+    auto* layout = new QVBoxLayout(dialog);
+    layout->addWidget(list);
+    layout->addWidget(buttons);
+    dialog->show();
+}
 
 } // namespace tavrin

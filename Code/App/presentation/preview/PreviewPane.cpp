@@ -1,28 +1,447 @@
 #include "presentation/preview/PreviewPane.h"
 
+#include "actions/CompositeRenameAction.h"
+#include "actions/SortBasedAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/ProgressInfo.h"
+#include "platform/UserDefaults.h"
+#include "presentation/DroppedFiles.h"
+#include "presentation/FileBrowser.h"
+#include "presentation/MainWindow.h"
+#include "presentation/QtText.h"
+#include "presentation/WindowCommands.h"
+#include "presentation/preview/EmptyListPage.h"
+#include "presentation/preview/FindBar.h"
+#include "presentation/preview/ListBar.h"
+#include "presentation/preview/NameDelegate.h"
+#include "presentation/preview/PreviewTableModel.h"
+#include "presentation/preview/PreviewTableView.h"
+#include "presentation/preview/ProblemBar.h"
+#include "presentation/preview/ProblemScan.h"
+#include "presentation/preview/ThumbnailLoader.h"
+#include "presentation/settings/ParameterBinding.h"
+#include "shell/MainController.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QScrollBar>
+#include <QStackedWidget>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <array>
+
 namespace tavrin {
 
-struct PreviewPane::Parts {};
+namespace {
 
-PreviewPane::PreviewPane(WindowServices, QWidget* parent) : QWidget(parent) { setObjectName("previewPane"); }
+constexpr int thumbnailRowHeight = 33;
+constexpr int thumbnailSize = 28;
+constexpr std::chrono::milliseconds restAfterScrolling(150);
+
+} // namespace
+
+struct PreviewPane::Parts {
+    Parts(WindowServices shared, PreviewPane& pane)
+        : services(shared), controller(shared.controller), owner(pane),
+          thumbnails([this](RowId id) { model.thumbnailChanged(id); }), model(shared, thumbnails, &pane),
+          view(new PreviewTableView(model, shared.controller.dndArrayController())),
+          scan(shared, [this](PreviewTableModel::Problems found) { problemsFound(std::move(found)); }) {}
+
+    void buildTable();
+    QWidget* buildStatusRow();
+    void listenToSettings();
+    void applyRowHeight();
+    void sortByColumn(int column);
+    void problemsFound(PreviewTableModel::Problems found);
+    void removeSelected();
+    [[nodiscard]] std::optional<PreviewList::Row> currentRow() const;
+    void goTo(int row);
+
+    const WindowServices services;
+    MainController& controller;
+    PreviewPane& owner;
+    ThumbnailLoader thumbnails;
+    PreviewTableModel model;
+    PreviewTableView* view;
+    ProblemScan scan;
+    QStackedWidget* pages = nullptr; ///< the table, or the invitation
+    ListBar* listBar = nullptr;
+    FindBar* findBar = nullptr;
+    ProblemBar* problemBar = nullptr;
+    QStackedWidget* statusPages = nullptr;
+    QProgressBar* progressBar = nullptr;
+    QLabel* progressText = nullptr;
+    QLabel* statusText = nullptr;
+    QToolButton* autoButton = nullptr;
+    QToolButton* manualButton = nullptr;
+    QTimer scrollRest;
+    std::vector<std::unique_ptr<ParameterBinding>> bindings;
+    std::shared_ptr<void> invisiblesObservation;
+    std::array<std::pair<int, int>, PreviewTableModel::columnCount_> widthLimits{};
+};
+
+// --- Building ---
+
+void PreviewPane::Parts::buildTable() {
+    view->setObjectName("previewTableView");
+    view->setAccessibleName("Files and new names");
+    view->setItemDelegate(new NameDelegate(view));
+    view->setAlternatingRowColors(true);
+    view->setShowGrid(false);
+    view->setWordWrap(false);
+    view->setFrameShape(QFrame::NoFrame);
+    view->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    view->setIconSize({thumbnailSize, thumbnailSize});
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    view->verticalHeader()->hide();
+    view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    QHeaderView* header = view->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::Interactive);
+    header->setHighlightSections(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setSectionsClickable(true);
+    header->setMinimumSectionSize(20);
+    view->setColumnWidth(PreviewTableModel::icon, 40);
+    view->setColumnWidth(PreviewTableModel::state, 34);
+    for (const int column : {PreviewTableModel::icon, PreviewTableModel::state})
+        header->setSectionResizeMode(column, QHeaderView::Fixed);
+    connect(header, &QHeaderView::sectionClicked, view, [this](int column) { sortByColumn(column); });
+    connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, &owner, [this] {
+        if (auto* window = dynamic_cast<MainWindow*>(owner.window()))
+            window->commands().refresh();
+    });
+    view->removeHandler = [this] { removeSelected(); };
+    view->moveHandler = [this](bool up) { owner.moveSelection(up); };
+    view->openHandler = [this] { owner.openSelected(); };
+    scrollRest.setSingleShot(true);
+    scrollRest.setInterval(restAfterScrolling);
+    connect(view->verticalScrollBar(), &QScrollBar::valueChanged, &owner, [this] {
+        thumbnails.setPaused(true);
+        scrollRest.start();
+    });
+    connect(&scrollRest, &QTimer::timeout, &owner, [this] {
+        thumbnails.setPaused(false);
+        view->viewport()->update();
+    });
+    connect(view, &QTableView::customContextMenuRequested, &owner, [this](const QPoint& place) {
+        auto* window = dynamic_cast<MainWindow*>(owner.window());
+        if (!window)
+            return;
+        auto* menu = new QMenu(&owner);
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        for (const char* name :
+             {"openFile", "revealFile", "copyRows", "removeFile", "moveRowUp", "moveRowDown"})
+            menu->addAction(window->commands().command(name));
+        menu->popup(view->viewport()->mapToGlobal(place));
+    });
+}
+
+QWidget* PreviewPane::Parts::buildStatusRow() {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(12, 6, 12, 6);
+    statusPages = new QStackedWidget;
+    statusPages->setObjectName("previewAndProgressBarTabView");
+    statusPages->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    auto* progressPage = new QWidget;
+    auto* progressLayout = new QHBoxLayout(progressPage);
+    progressLayout->setContentsMargins(0, 0, 0, 0);
+    progressBar = new QProgressBar;
+    progressBar->setObjectName("previewProgressBar");
+    progressBar->setAccessibleName("Progress of the preview");
+    progressBar->setTextVisible(false);
+    progressBar->setMaximumWidth(200);
+    progressText = new QLabel;
+    progressText->setObjectName("previewProgressText");
+    progressText->setTextFormat(Qt::PlainText);
+    progressText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    progressLayout->addWidget(progressBar);
+    progressLayout->addWidget(progressText, 1);
+    statusPages->addWidget(progressPage);
+    statusText = new QLabel;
+    statusText->setObjectName("statusText");
+    statusText->setTextFormat(Qt::PlainText);
+    statusPages->addWidget(statusText);
+    layout->addWidget(statusPages, 1);
+    auto* orderLabel = new QLabel("Order:");
+    layout->addWidget(orderLabel);
+    const auto makeButton = [&](const char* name, const char* text, const char* tip, bool isAutomatic) {
+        auto* button = new QToolButton;
+        button->setObjectName(name);
+        button->setText(text);
+        button->setToolTip(tip);
+        button->setCheckable(true);
+        button->setAutoExclusive(true);
+        layout->addWidget(button);
+        connect(button, &QToolButton::clicked, &owner, [this, isAutomatic] {
+            if (controller.globalSettings().automaticSorting() != isAutomatic)
+                controller.globalSettings().setAutomaticSorting(isAutomatic);
+        });
+        return button;
+    };
+    autoButton = makeButton("autoButton", "Auto", "The order that the action asks for", true);
+    manualButton = makeButton("manualButton", "Manual", "The order made by hand: drag the rows", false);
+    return row;
+}
+
+void PreviewPane::Parts::listenToSettings() {
+    TVRNGlobalPreferencesPseudoAction& settings = controller.globalSettings();
+    bindings.push_back(
+        std::make_unique<ParameterBinding>(settings, "automaticSorting", [this](const auto& value) {
+            const bool isAutomatic = value && boolValue(*value);
+            autoButton->setChecked(isAutomatic);
+            manualButton->setChecked(!isAutomatic);
+        }));
+    bindings.push_back(
+        std::make_unique<ParameterBinding>(settings, "quickLookThumbnail", [this](const auto& value) {
+            model.setShowsThumbnails(value && boolValue(*value));
+            applyRowHeight();
+        }));
+    const auto invisiblesChanged = [this] {
+        model.setShowsInvisibles(services.defaults.boolForKey("showInvisibles"));
+    };
+    invisiblesChanged();
+    invisiblesObservation = services.defaults.observe("showInvisibles", [this, invisiblesChanged] {
+        QMetaObject::invokeMethod(&owner, invisiblesChanged, Qt::QueuedConnection);
+    });
+}
+
+void PreviewPane::Parts::applyRowHeight() {
+    const bool hasThumbnails = controller.globalSettings().shouldShowQuickLookThumbnail();
+    const int plain = view->fontMetrics().height() + 8;
+    view->verticalHeader()->setDefaultSectionSize(hasThumbnails ? std::max(plain, thumbnailRowHeight)
+                                                                : plain);
+    view->setColumnWidth(PreviewTableModel::icon, hasThumbnails ? 40 : 28);
+    const int pictureSize = hasThumbnails ? thumbnailSize : 16;
+    view->setIconSize({pictureSize, pictureSize});
+    thumbnails.setSize(static_cast<int>(pictureSize * view->devicePixelRatioF()));
+}
+
+PreviewPane::PreviewPane(WindowServices services, QWidget* parent)
+    : QWidget(parent), parts(std::make_unique<Parts>(services, *this)) {
+    setObjectName("previewPane");
+    parts->buildTable();
+    parts->listBar = new ListBar(services, *this);
+    parts->findBar = new FindBar(*parts->view, parts->model);
+    parts->problemBar = new ProblemBar(*this);
+    parts->pages = new QStackedWidget;
+    parts->pages->setObjectName("listPages");
+    parts->pages->addWidget(parts->view);
+    parts->pages->addWidget(new EmptyListPage(services));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(parts->listBar);
+    layout->addWidget(parts->findBar);
+    layout->addWidget(parts->pages, 1);
+    layout->addWidget(parts->problemBar);
+    layout->addWidget(parts->buildStatusRow());
+    parts->pages->setCurrentIndex(1);
+    parts->statusPages->setCurrentIndex(static_cast<int>(PreviewTab::status));
+    parts->listenToSettings();
+}
+
 PreviewPane::~PreviewPane() = default;
-void PreviewPane::setColumnWidth(PreviewColumn, int, int, int) {}
-void PreviewPane::setColumnHidden(PreviewColumn, bool) {}
-void PreviewPane::sizeColumnsToFit() {}
-void PreviewPane::listChanged() {}
-void PreviewPane::previewFinished() {}
-void PreviewPane::refreshProgress() {}
-void PreviewPane::selectPreviewTab(PreviewTab) {}
+
+// --- What the application says ---
+
+void PreviewPane::setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) {
+    const int section = PreviewTableModel::columnOf(column);
+    parts->widthLimits[static_cast<std::size_t>(section)] = {minimum, maximum};
+    parts->view->setColumnWidth(section, width);
+}
+
+void PreviewPane::setColumnHidden(PreviewColumn column, bool hidden) {
+    parts->view->setColumnHidden(PreviewTableModel::columnOf(column), hidden);
+}
+
+/// The two names share what the other columns leave, within their limits.
+void PreviewPane::sizeColumnsToFit() {
+    PreviewTableView& view = *parts->view;
+    int left = view.viewport()->width();
+    std::vector<int> flexible;
+    for (int column = 0; column < PreviewTableModel::columnCount_; ++column) {
+        if (view.isColumnHidden(column))
+            continue;
+        if (column == PreviewTableModel::currentName || column == PreviewTableModel::newName ||
+            column == PreviewTableModel::folder)
+            flexible.push_back(column);
+        else
+            left -= view.columnWidth(column);
+    }
+    for (std::size_t i = 0; i < flexible.size(); ++i) {
+        const auto [minimum, maximum] = parts->widthLimits[static_cast<std::size_t>(flexible[i])];
+        const int share = left / static_cast<int>(flexible.size() - i);
+        const int width = std::clamp(share, std::max(40, minimum), std::max(minimum + 1, maximum));
+        view.setColumnWidth(flexible[i], width);
+        left -= width;
+    }
+}
+
+void PreviewPane::listChanged() {
+    PreviewTableView& view = *parts->view;
+    const std::vector<RowId> selected = selection();
+    const int topRow = view.rowAt(0);
+    const RowId top = topRow >= 0 ? parts->model.rowAt(topRow).id : noRow;
+    const std::vector<RowId> before = parts->model.rowIds();
+    parts->model.listChanged();
+    const bool isEmpty = parts->controller.previewControl().isPreviewEmpty();
+    parts->pages->setCurrentIndex(isEmpty ? 1 : 0);
+    if (parts->model.rowIds() == before)
+        return;
+    // The same items stay selected and in sight where they are.
+    QItemSelection selection;
+    if (!selected.empty()) {
+        const std::unordered_set<RowId> wanted(selected.begin(), selected.end());
+        const std::vector<RowId>& ids = parts->model.rowIds();
+        for (std::size_t row = 0; row < ids.size(); ++row)
+            if (wanted.contains(ids[row]))
+                selection.select(
+                    parts->model.index(static_cast<int>(row), 0),
+                    parts->model.index(static_cast<int>(row), PreviewTableModel::columnCount_ - 1));
+    }
+    view.selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (const auto row = top == noRow ? std::nullopt : parts->model.rowOf(top))
+        view.scrollTo(parts->model.index(*row, PreviewTableModel::currentName),
+                      QAbstractItemView::PositionAtTop);
+}
+
+void PreviewPane::previewFinished() {
+    listChanged();
+    parts->scan.start();
+    sizeColumnsToFit();
+}
+
+void PreviewPane::refreshProgress() {
+    const ProgressInfo& progress = parts->controller.progressInfo();
+    parts->progressBar->setRange(0, progress.isIndeterminate() ? 0 : std::max(1, progress.numberOfItems()));
+    parts->progressBar->setValue(progress.currentItemNumber());
+    parts->progressText->setText(toQString(progress.stageText()) + ' ' + toQString(progress.itemText()));
+    parts->statusText->setText(toQString(progress.stageText()));
+}
+
+void PreviewPane::selectPreviewTab(PreviewTab tab) {
+    parts->statusPages->setCurrentIndex(static_cast<int>(tab));
+}
+
 void PreviewPane::enterDropletEditMode() {}
-std::vector<RowId> PreviewPane::selection() const { return {}; }
-std::int32_t PreviewPane::itemsToRename() const { return 0; }
-void PreviewPane::setShow(Show) {}
-void PreviewPane::openFind() {}
-void PreviewPane::goToProblem(bool) {}
-void PreviewPane::moveSelection(bool) {}
-void PreviewPane::openSelected() {}
-void PreviewPane::revealSelected() {}
-void PreviewPane::copySelected() {}
-void PreviewPane::pasteFiles() {}
+
+void PreviewPane::Parts::problemsFound(PreviewTableModel::Problems found) {
+    model.setProblems(std::move(found));
+    problemBar->showProblems(model);
+}
+
+// --- What the user does ---
+
+std::vector<RowId> PreviewPane::selection() const {
+    std::vector<RowId> ids;
+    const std::vector<RowId>& rows = parts->model.rowIds();
+    for (const std::size_t row : parts->view->selectedRows())
+        if (row < rows.size())
+            ids.push_back(rows[row]);
+    return ids;
+}
+
+std::int32_t PreviewPane::itemsToRename() const {
+    StoreContext& context = parts->controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.engineControl().numberOfFilesThatNeedRenaming;
+}
+
+void PreviewPane::setShow(Show what) {
+    parts->model.setShow(static_cast<PreviewTableModel::Show>(what));
+    parts->listBar->setShow(what);
+}
+
+void PreviewPane::openFind() { parts->findBar->open(); }
+
+void PreviewPane::goToProblem(bool forward) {
+    const std::vector<RowId>& rows = parts->model.rowIds();
+    const int count = static_cast<int>(rows.size());
+    const int start = parts->view->currentIndex().isValid() ? parts->view->currentIndex().row() : -1;
+    for (int step = 1; step <= count; ++step) {
+        const int row = ((forward ? start + step : start - step) % count + count) % count;
+        if (parts->model.problems().contains(rows[static_cast<std::size_t>(row)])) {
+            parts->goTo(row);
+            return;
+        }
+    }
+}
+
+void PreviewPane::Parts::goTo(int row) {
+    view->setCurrentIndex(model.index(row, PreviewTableModel::currentName));
+    view->scrollTo(view->currentIndex(), QAbstractItemView::PositionAtCenter);
+    view->setFocus();
+}
+
+void PreviewPane::Parts::removeSelected() {
+    const std::vector<RowId> selected = owner.selection();
+    if (controller.validateUserInterfaceItem() && controller.sourceCommands().canRemove(selected))
+        controller.removeFile(selected);
+}
+
+/// In front of the row above the first, or behind the row below the last.
+void PreviewPane::moveSelection(bool up) {
+    const DNDArrayController::Indexes rows = parts->view->selectedRows();
+    const std::size_t count = parts->model.rowIds().size();
+    if (rows.empty() || parts->model.show() != PreviewTableModel::Show::all ||
+        !parts->controller.validateUserInterfaceItem())
+        return;
+    if (up ? rows.front() == 0 : rows.back() + 1 >= count)
+        return;
+    parts->controller.dndArrayController().insertManualIndices(rows, up ? rows.front() - 1 : rows.back() + 2);
+    listChanged();
+}
+
+std::optional<PreviewList::Row> PreviewPane::Parts::currentRow() const {
+    const QModelIndex index = view->currentIndex();
+    return index.isValid() ? std::optional(model.rowAt(index.row())) : std::nullopt;
+}
+
+void PreviewPane::openSelected() {
+    if (const auto row = parts->currentRow())
+        FileBrowser::open(row->fullPath);
+}
+
+void PreviewPane::revealSelected() {
+    if (const auto row = parts->currentRow())
+        FileBrowser::reveal(row->fullPath);
+}
+
+void PreviewPane::copySelected() {
+    QString lines;
+    for (const RowId id : selection()) {
+        const auto row = parts->controller.nodeController().rowWithId(id);
+        if (row)
+            lines += toQString(row->name) + '\t' + toQString(row->finalName) + '\n';
+    }
+    QGuiApplication::clipboard()->setText(lines);
+}
+
+void PreviewPane::pasteFiles() {
+    if (const QMimeData* content = QGuiApplication::clipboard()->mimeData())
+        parts->controller.addFilePaths(DroppedFiles::paths(*content), true);
+}
+
+/// For a step that numbers, the order on show is that of the numbers, so a click sets the step's own order.
+void PreviewPane::Parts::sortByColumn(int column) {
+    if (column != PreviewTableModel::currentName || !controller.validateUserInterfaceItem())
+        return;
+    auto* action = dynamic_cast<SortBasedAction*>(&controller.compositeAction().getCurrentAction());
+    if (!action)
+        return;
+    constexpr std::int32_t ascending = 10;
+    constexpr std::int32_t descending = 11;
+    action->setValue(action->getSortingMode() == ascending ? descending : ascending, "sortingMode");
+}
 
 } // namespace tavrin

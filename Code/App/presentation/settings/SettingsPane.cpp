@@ -1,17 +1,184 @@
 #include "presentation/settings/SettingsPane.h"
 
+#include "actions/BaseRenameAction.h"
+#include "actions/CompositeRenameAction.h"
+#include "presentation/QtText.h"
+#include "presentation/settings/ActionChooser.h"
+#include "presentation/settings/AdvancedOptions.h"
+#include "presentation/settings/FragmentSelector.h"
+#include "presentation/settings/ParameterPanel.h"
+#include "presentation/tags/TagLibraryView.h"
+#include "shell/MainController.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPointer>
+#include <QScrollArea>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <string>
+
 namespace tavrin {
 
-struct SettingsPane::Parts {};
+namespace {
 
-SettingsPane::SettingsPane(WindowServices, QWidget* parent) : QWidget(parent) {
-    setObjectName("settingsPane");
+constexpr int margin = 16;
+
+QLabel* makeHead(const QString& text) {
+    auto* head = new QLabel(text);
+    QFont font = head->font();
+    font.setWeight(QFont::DemiBold);
+    head->setFont(font);
+    return head;
 }
+
+QToolButton* makeButton(const char* name, const char* text, const char* tip) {
+    auto* button = new QToolButton;
+    button->setObjectName(name);
+    button->setText(QString::fromUtf8(text));
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    button->setAutoRaise(true);
+    return button;
+}
+
+FragmentSelector::Size selectorSizeFor(const BaseRenameAction& action) {
+    if (!action.hasLongParameterList())
+        return FragmentSelector::Size::withCaptions;
+    return action.usesMiniButtons() ? FragmentSelector::Size::box : FragmentSelector::Size::withoutCaptions;
+}
+
+} // namespace
+
+struct SettingsPane::Parts {
+    explicit Parts(WindowServices shared) : services(shared) {}
+
+    QWidget* makeHeadRow();
+    /// Everything about one action, made anew for each.
+    QWidget* makeColumn(BaseRenameAction& action);
+
+    const WindowServices services;
+    QLabel* stepLabel = nullptr;
+    QToolButton* addStepButton = nullptr;
+    ActionChooser* chooser = nullptr;
+    QScrollArea* column = nullptr;
+    AdvancedOptions* advanced = nullptr;
+    QPointer<ParameterPanel> panel;
+    std::string shownAction;
+};
+
+QWidget* SettingsPane::Parts::makeHeadRow() {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    stepLabel = makeHead("What to do");
+    stepLabel->setObjectName("stepLabel");
+    addStepButton = makeButton("addStepButton", "+ Add Step", "Add another step");
+    QToolButton* reset = makeButton("resetToDefaultsButton", "\u21BA", "Reset to defaults");
+    QToolButton* help = makeButton("actionHelpButton", "?", "Help on this action");
+    layout->addWidget(stepLabel, 1);
+    for (QToolButton* button : {addStepButton, reset, help})
+        layout->addWidget(button);
+    ActionListCommands& commands = services.controller.actionListCommands();
+    QObject::connect(addStepButton, &QToolButton::clicked, row, [this, &commands] {
+        commands.addAction();
+        if (!services.controller.globalSettings().shouldShowMultistepDrawer())
+            services.controller.showMultistepDrawer();
+    });
+    QObject::connect(reset, &QToolButton::clicked, row, [&commands] { commands.resetToDefaults(); });
+    return row;
+}
+
+QWidget* SettingsPane::Parts::makeColumn(BaseRenameAction& action) {
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(margin, 0, margin, 8);
+    layout->setSpacing(8);
+    panel = new ParameterPanel(action, services);
+    layout->addWidget(panel);
+    if (action.usesTagLibrary()) {
+        auto* library = new TagLibraryView(services);
+        library->setMinimumHeight(static_cast<int>(action.preferredTagLibraryDisplayHeight()));
+        layout->addWidget(library, 1);
+    }
+    if (action.isFragmentSelectionSupported()) {
+        layout->addSpacing(8);
+        layout->addWidget(makeHead("Apply to"));
+        layout->addWidget(new FragmentSelector(action, selectorSizeFor(action)));
+    }
+    if (!action.usesTagLibrary())
+        layout->addStretch(1);
+    return content;
+}
+
+SettingsPane::SettingsPane(WindowServices services, QWidget* parent)
+    : QWidget(parent), parts(std::make_unique<Parts>(services)) {
+    setObjectName("settingsPane");
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 12, 0, 8);
+    layout->setSpacing(8);
+    auto* head = new QVBoxLayout;
+    head->setContentsMargins(margin, 0, margin, 0);
+    head->setSpacing(8);
+    parts->chooser = new ActionChooser(services, this);
+    head->addWidget(parts->makeHeadRow());
+    head->addWidget(parts->chooser);
+    layout->addLayout(head);
+    parts->column = new QScrollArea;
+    parts->column->setObjectName("parameterView");
+    parts->column->setWidgetResizable(true);
+    parts->column->setFrameShape(QFrame::NoFrame);
+    parts->column->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    layout->addWidget(parts->column, 1);
+    parts->advanced = new AdvancedOptions(services, this);
+    auto* foot = new QVBoxLayout;
+    foot->setContentsMargins(margin, 0, margin, 0);
+    foot->addWidget(parts->advanced);
+    layout->addLayout(foot);
+    connect(findChild<QToolButton*>("actionHelpButton"), &QToolButton::clicked, this,
+            [this] { showHelpOnAction(); });
+}
+
 SettingsPane::~SettingsPane() = default;
-void SettingsPane::showAction(BaseRenameAction&) {}
-void SettingsPane::stepsChanged() {}
-void SettingsPane::findAction() {}
-void SettingsPane::showHelpOnAction() {}
-void SettingsPane::enterDropletEditMode() {}
+
+void SettingsPane::showAction(BaseRenameAction& action) {
+    // The former panel may be at work right now, and its action may be gone: it is put away, not deleted.
+    if (QWidget* former = parts->column->takeWidget()) {
+        former->blockSignals(true);
+        former->hide();
+        former->setParent(nullptr);
+        former->deleteLater();
+    }
+    parts->shownAction = action.actionName();
+    parts->column->setWidget(parts->makeColumn(action));
+    if (parts->chooser->takeWasFoundBySearch())
+        focusFirstField();
+}
+
+void SettingsPane::focusFirstField() {
+    if (QWidget* field = parts->panel ? parts->panel->firstField() : nullptr)
+        field->setFocus(Qt::OtherFocusReason);
+}
+
+void SettingsPane::stepsChanged() {
+    const CompositeRenameAction& composite = parts->services.controller.compositeAction();
+    const bool isOnly = composite.count() == 1;
+    parts->stepLabel->setText(isOnly ? QString("What to do")
+                                     : QString("Step %1 of %2")
+                                           .arg(composite.getCurrentActionIndexAsInt() + 1)
+                                           .arg(composite.count()));
+    parts->addStepButton->setVisible(isOnly);
+    parts->chooser->refresh();
+}
+
+void SettingsPane::findAction() { parts->chooser->findAction(); }
+
+void SettingsPane::showHelpOnAction() {
+    const CompositeRenameAction& composite = parts->services.controller.compositeAction();
+    const std::string anchor(composite.getCurrentAction().helpAnchor());
+    parts->services.controller.showHelpAnchor(anchor.empty() ? "action:" + parts->shownAction : anchor);
+}
+
+void SettingsPane::enterDropletEditMode() { parts->advanced->enterDropletEditMode(); }
 
 } // namespace tavrin

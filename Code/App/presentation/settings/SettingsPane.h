@@ -24,6 +24,8 @@ class SettingsPane final : public QWidget {
     void stepsChanged();
     /// Puts the cursor into the search.
     void findAction();
+    /// Puts the cursor into the first field of the panel.
+    void focusFirstField();
     /// Opens the help on the action that is shown.
     void showHelpOnAction();
     void enterDropletEditMode();

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "presentation/dialogs/AnswerOnce.h"
+#include "shell/FrontEnd.h"
+
+#include <QDialog>
+#include <optional>
+#include <string>
+
+class QVBoxLayout;
+
+namespace tavrin {
+
+/// A question of a running rename as a sheet of the window. Closing it means "stop". For a moment after it
+/// has opened it is deaf, so that a key held down does not answer one question after the other. Its object
+/// name is that of the question ("confirmRenameWindow" …).
+class ConfirmationSheetWindow final : public QDialog {
+  public:
+    ConfirmationSheetWindow(QWidget* parent, ConfirmationSheet sheet, const PropertyDictionary& context,
+                            const std::optional<std::string>& previewPath, bool thumbnails,
+                            std::function<void(ConfirmationChoice)> answer);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void done(int result) override;
+
+  private:
+    void addTexts(ConfirmationSheet sheet, const PropertyDictionary& context, QVBoxLayout& column);
+    void addButtons(ConfirmationSheet sheet, QVBoxLayout& column);
+    void give(ConfirmationChoice choice);
+
+    AnswerOnce<ConfirmationChoice> answer;
+    bool isDeaf = true;
+};
+
+} // namespace tavrin

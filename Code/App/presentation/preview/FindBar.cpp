@@ -1,0 +1,82 @@
+#include "presentation/preview/FindBar.h"
+
+#include "presentation/QtText.h"
+#include "presentation/preview/PreviewTableModel.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTableView>
+#include <QToolButton>
+
+namespace tavrin {
+
+FindBar::FindBar(QTableView& table, PreviewTableModel& shownModel)
+    : view(table), model(shownModel), field(new QLineEdit), result(new QLabel) {
+    setObjectName("findBar");
+    field->setObjectName("findField");
+    field->setAccessibleName("Find in the list");
+    field->setPlaceholderText("Find in current and new names");
+    field->setClearButtonEnabled(true);
+    result->setObjectName("findResult");
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(12, 0, 12, 8);
+    layout->addWidget(field, 1);
+    layout->addWidget(result);
+    const auto addButton = [&](const char* text, const char* tip, auto&& effect) {
+        auto* button = new QToolButton;
+        button->setText(QString::fromUtf8(text));
+        button->setToolTip(tip);
+        button->setAccessibleName(tip);
+        connect(button, &QToolButton::clicked, this, effect);
+        layout->addWidget(button);
+    };
+    addButton("↑", "Previous match", [this] { goToMatch(false, false); });
+    addButton("↓", "Next match", [this] { goToMatch(true, false); });
+    addButton("✕", "Close", [this] { close(); });
+    connect(field, &QLineEdit::textEdited, this, [this] { goToMatch(true, true); });
+    connect(field, &QLineEdit::returnPressed, this, [this] { goToMatch(true, false); });
+    hide();
+}
+
+void FindBar::open() {
+    show();
+    field->setFocus(Qt::ShortcutFocusReason);
+    field->selectAll();
+}
+
+void FindBar::close() {
+    hide();
+    view.setFocus();
+}
+
+void FindBar::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void FindBar::goToMatch(bool forward, bool fromHere) {
+    const QString wanted = field->text();
+    const int count = model.rowCount();
+    result->clear();
+    if (wanted.isEmpty() || count == 0)
+        return;
+    const int current = view.currentIndex().isValid() ? view.currentIndex().row() : forward ? -1 : count;
+    const int start = fromHere ? std::max(0, current) : current + (forward ? 1 : -1);
+    for (int step = 0; step < count; ++step) {
+        const int row = (((forward ? start + step : start - step) % count) + count) % count;
+        const PreviewList::Row& item = model.rowAt(row);
+        if (toQString(item.name).contains(wanted, Qt::CaseInsensitive) ||
+            toQString(item.finalName).contains(wanted, Qt::CaseInsensitive)) {
+            view.setCurrentIndex(model.index(row, PreviewTableModel::currentName));
+            view.scrollTo(view.currentIndex(), QAbstractItemView::PositionAtCenter);
+            return;
+        }
+    }
+    result->setText("Not found");
+}
+
+} // namespace tavrin

@@ -1,0 +1,140 @@
+#include "presentation/preview/NameDelegate.h"
+
+#include "presentation/WindowColours.h"
+#include "presentation/preview/PreviewTableModel.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QTextLayout>
+
+namespace tavrin {
+
+namespace {
+
+using Spans = std::vector<NameDifference::Span>;
+
+constexpr int padding = 6;
+
+/// A name cut in its middle to a width, with the spans moved along.
+struct ElidedName {
+    QString text;
+    Spans spans;
+};
+
+/// The middle goes, so that numbers and extension stay in sight. `tail` units at the end are kept if
+/// possible.
+ElidedName elided(const QString& text, const Spans& spans, const QFontMetrics& metrics, int width) {
+    if (metrics.horizontalAdvance(text) <= width)
+        return {text, spans};
+    const QString shortened = metrics.elidedText(text, Qt::ElideMiddle, width);
+    const qsizetype hole = shortened.indexOf(QChar(0x2026));
+    if (hole < 0)
+        return {shortened, {}};
+    const auto head = static_cast<std::size_t>(hole);
+    const auto tail = static_cast<std::size_t>(shortened.size() - hole - 1);
+    const std::size_t tailStart = static_cast<std::size_t>(text.size()) - tail;
+    Spans moved;
+    for (const NameDifference::Span& span : spans) {
+        const std::size_t end = span.start + span.length;
+        if (span.start < head)
+            moved.push_back({span.start, std::min(end, head) - span.start});
+        if (end > tailStart) {
+            const std::size_t from = std::max(span.start, tailStart);
+            moved.push_back({head + 1 + from - tailStart, end - from});
+        }
+    }
+    return {shortened, moved};
+}
+
+void drawName(QPainter* painter, const QRect& place, const ElidedName& name, const QFont& font,
+              const QColor& text, const QColor& tint, const QColor& tintedText) {
+    QTextLayout layout(name.text, font);
+    QTextOption direction;
+    direction.setTextDirection(Qt::LeftToRight);
+    direction.setWrapMode(QTextOption::NoWrap);
+    layout.setTextOption(direction);
+    QList<QTextLayout::FormatRange> formats;
+    for (const NameDifference::Span& span : name.spans) {
+        QTextCharFormat format;
+        format.setBackground(tint);
+        format.setForeground(tintedText);
+        formats.append({static_cast<int>(span.start), static_cast<int>(span.length), format});
+    }
+    layout.setFormats(formats);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setLineWidth(100000);
+    layout.endLayout();
+    painter->setPen(text);
+    layout.draw(painter, QPointF(place.left(), place.top() + (place.height() - line.height()) / 2));
+}
+
+QColor stateColour(PreviewTableModel::State state, const QPalette& palette) {
+    const WindowColours& colours = WindowColours::of(palette);
+    switch (state) {
+    case PreviewTableModel::State::unchanged:
+        return palette.color(QPalette::PlaceholderText);
+    case PreviewTableModel::State::renamed:
+        return colours.accent;
+    case PreviewTableModel::State::madeDistinct:
+        return colours.infoText;
+    case PreviewTableModel::State::problem:
+        return colours.errorMark;
+    }
+    return {};
+}
+
+} // namespace
+
+QSize NameDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
+    return {60, option.fontMetrics.height() + 8};
+}
+
+void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                         const QModelIndex& index) const {
+    QStyleOptionViewItem item = option;
+    initStyleOption(&item, index);
+    const QString text = item.text;
+    item.text.clear();
+    const QStyle* style = item.widget ? item.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
+    if (index.column() == PreviewTableModel::icon)
+        return;
+
+    const auto state =
+        static_cast<PreviewTableModel::State>(index.data(PreviewTableModel::stateRole).toInt());
+    const bool isSelected = item.state.testFlag(QStyle::State_Selected);
+    const WindowColours& colours = WindowColours::of(item.palette);
+    const QColor plain = item.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
+    QRect place = item.rect.adjusted(padding, 0, -padding, 0);
+    painter->save();
+    painter->setClipRect(item.rect);
+    painter->setFont(item.font);
+    if (index.column() == PreviewTableModel::state) {
+        painter->setPen(isSelected ? plain : stateColour(state, item.palette));
+        painter->drawText(item.rect, Qt::AlignCenter, text);
+        painter->restore();
+        return;
+    }
+    const bool isNew = index.column() == PreviewTableModel::newName;
+    const QColor textColour = isNew && state == PreviewTableModel::State::unchanged && !isSelected
+                                  ? item.palette.color(QPalette::PlaceholderText)
+                                  : plain;
+    const QString reason = isNew ? index.data(PreviewTableModel::reasonRole).toString() : QString();
+    if (!reason.isEmpty()) {
+        const int nameWidth = item.fontMetrics.horizontalAdvance(text);
+        const int reasonWidth = item.fontMetrics.horizontalAdvance(reason);
+        if (nameWidth + reasonWidth + 2 * padding < place.width()) {
+            painter->setPen(isSelected ? plain : colours.errorText);
+            painter->drawText(place, Qt::AlignRight | Qt::AlignVCenter, reason);
+            place.setRight(place.right() - reasonWidth - padding);
+        }
+    }
+    const auto spans = index.data(PreviewTableModel::spansRole).value<Spans>();
+    drawName(painter, place, elided(text, spans, item.fontMetrics, place.width()), item.font, textColour,
+             isNew ? colours.addedTint : colours.removedTint,
+             isNew ? colours.addedText : colours.removedText);
+    painter->restore();
+}
+
+} // namespace tavrin

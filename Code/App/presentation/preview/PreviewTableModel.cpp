@@ -1,0 +1,276 @@
+#include "presentation/preview/PreviewTableModel.h"
+
+#include "presentation/QtText.h"
+#include "presentation/preview/NameProblems.h"
+#include "presentation/preview/ShownName.h"
+#include "presentation/preview/ThumbnailLoader.h"
+#include "shell/MainController.h"
+#include "support/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int rowsPerPage = 256;
+constexpr std::size_t mostPages = 64;
+
+const std::array<const char*, 4> stateSymbols{"\u2013", "\u2192", "\u29C9", "\u26A0"};
+const std::array<const char*, 4> stateWords{"unchanged", "will be renamed", "made distinct", "problem"};
+
+} // namespace
+
+PreviewTableModel::PreviewTableModel(WindowServices shared, ThumbnailLoader& loader, QObject* parent)
+    : QAbstractTableModel(parent), services(shared), thumbnails(loader) {}
+
+// --- What there is ---
+
+std::vector<RowId> PreviewTableModel::wantedIds() const {
+    PreviewList& list = services.controller.nodeController();
+    switch (shown) {
+    case Show::all:
+        return list.arrangedObjects();
+    case Show::toBeRenamed:
+        return list.changingRows();
+    case Show::problems:
+        break;
+    }
+    std::vector<RowId> wanted;
+    std::ranges::copy_if(list.arrangedObjects(), std::back_inserter(wanted),
+                         [this](RowId id) { return foreseen.contains(id); });
+    return wanted;
+}
+
+void PreviewTableModel::listChanged() {
+    std::vector<RowId> wanted = wantedIds();
+    if (wanted == ids) {
+        repaintAll();
+        return;
+    }
+    beginResetModel();
+    ids = std::move(wanted);
+    pages.clear();
+    pagePlaces.clear();
+    endResetModel();
+}
+
+void PreviewTableModel::repaintAll() {
+    pages.clear();
+    pagePlaces.clear();
+    if (!ids.empty())
+        emit dataChanged(index(0, 0), index(static_cast<int>(ids.size()) - 1, columnCount_ - 1));
+}
+
+void PreviewTableModel::setProblems(Problems found) {
+    foreseen = std::move(found);
+    listChanged();
+}
+
+void PreviewTableModel::setShow(Show what) {
+    shown = what;
+    listChanged();
+}
+
+void PreviewTableModel::setShowsThumbnails(bool on) {
+    showsThumbnails = on;
+    repaintAll();
+}
+
+void PreviewTableModel::setShowsInvisibles(bool on) {
+    showsInvisibles = on;
+    repaintAll();
+}
+
+void PreviewTableModel::thumbnailChanged(RowId id) {
+    for (const auto& [number, page] : pages) {
+        const auto found = std::ranges::find(page.rows, id, &PreviewList::Row::id);
+        if (found == page.rows.end())
+            continue;
+        const QModelIndex place =
+            index(number * rowsPerPage + static_cast<int>(found - page.rows.begin()), icon);
+        emit dataChanged(place, place, {Qt::DecorationRole});
+        return;
+    }
+}
+
+// --- Rows ---
+
+PreviewTableModel::Page& PreviewTableModel::pageOf(int row) const {
+    const int number = row / rowsPerPage;
+    if (const auto known = pagePlaces.find(number); known != pagePlaces.end()) {
+        pages.splice(pages.begin(), pages, known->second);
+        return pages.front().second;
+    }
+    const auto first = static_cast<std::size_t>(number) * rowsPerPage;
+    Page page;
+    page.rows = services.controller.nodeController().rowsWithIds(
+        {ids.begin() + static_cast<std::ptrdiff_t>(first),
+         ids.begin() + static_cast<std::ptrdiff_t>(std::min(ids.size(), first + rowsPerPage))});
+    page.differences.resize(page.rows.size());
+    pages.emplace_front(number, std::move(page));
+    pagePlaces[number] = pages.begin();
+    if (pages.size() > mostPages) {
+        pagePlaces.erase(pages.back().first);
+        pages.pop_back();
+    }
+    return pages.front().second;
+}
+
+const PreviewList::Row& PreviewTableModel::rowAt(int row) const {
+    return pageOf(row).rows.at(static_cast<std::size_t>(row % rowsPerPage));
+}
+
+const NameDifference& PreviewTableModel::differenceAt(int row) const {
+    Page& page = pageOf(row);
+    const auto place = static_cast<std::size_t>(row % rowsPerPage);
+    std::optional<NameDifference>& difference = page.differences.at(place);
+    if (!difference) {
+        const PreviewList::Row& shownRow = page.rows[place];
+        difference =
+            shownRow.diff ? NameDifference::between(shownRow.name, shownRow.finalName) : NameDifference();
+    }
+    return *difference;
+}
+
+std::optional<int> PreviewTableModel::rowOf(RowId id) const {
+    const auto found = std::ranges::find(ids, id);
+    return found == ids.end() ? std::nullopt : std::optional(static_cast<int>(found - ids.begin()));
+}
+
+PreviewTableModel::State PreviewTableModel::stateOf(const PreviewList::Row& row) const {
+    if (!reasonOf(row).isEmpty())
+        return State::problem;
+    if (!row.diff)
+        return State::unchanged;
+    return row.madeDistinct ? State::madeDistinct : State::renamed;
+}
+
+QString PreviewTableModel::reasonOf(const PreviewList::Row& row) const {
+    if (row.diff)
+        if (const char* reason = problemOfName(row.finalName))
+            return reason;
+    const auto found = foreseen.find(row.id);
+    return found == foreseen.end() ? QString() : found->second;
+}
+
+// --- The table ---
+
+int PreviewTableModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(ids.size());
+}
+
+int PreviewTableModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : columnCount_;
+}
+
+QString PreviewTableModel::shownName(const std::u16string& name) const {
+    return ShownName::of(name, showsInvisibles);
+}
+
+QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) const {
+    switch (column) {
+    case currentName:
+        return shownName(row.name);
+    case newName:
+        return shownName(row.finalName);
+    case state:
+        return QString::fromUtf8(stateSymbols[static_cast<std::size_t>(stateOf(row))]);
+    case folder:
+        return shownName(
+            text::fromBytes(row.fullPath.substr(0, std::max<std::size_t>(1, row.fullPath.rfind('/')))));
+    default:
+        if (column >= regex1 && column <= regex6 && row.regex)
+            return shownName((*row.regex)[static_cast<std::size_t>(column - regex1)]);
+        return {};
+    }
+}
+
+QString PreviewTableModel::toolTip(const PreviewList::Row& row) const {
+    QString text = shownName(row.name).toHtmlEscaped();
+    if (row.diff)
+        text += "<br>\u2192 " + shownName(row.finalName).toHtmlEscaped();
+    const QString reason = reasonOf(row);
+    if (!reason.isEmpty())
+        text += "<br><b>" + reason.toHtmlEscaped() + "</b>";
+    else if (row.madeDistinct)
+        text += "<br>made distinct, since another item has the same name";
+    const QString bytes = ShownName::bytesNote(row.name);
+    return bytes.isEmpty() ? text : text + "<br>" + bytes.toHtmlEscaped();
+}
+
+QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount())
+        return {};
+    const PreviewList::Row& row = rowAt(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+        return textOf(row, index.column());
+    case Qt::DecorationRole:
+        return index.column() == icon ? thumbnails.imageFor(row, showsThumbnails) : QVariant();
+    case Qt::ToolTipRole:
+        return toolTip(row);
+    case Qt::TextAlignmentRole:
+        return index.column() == state ? QVariant(Qt::AlignCenter) : QVariant();
+    case Qt::AccessibleTextRole:
+        return QString("%1, new name %2, %3")
+            .arg(shownName(row.name), shownName(row.finalName),
+                 stateWords[static_cast<std::size_t>(stateOf(row))]);
+    case stateRole:
+        return static_cast<int>(stateOf(row));
+    case reasonRole:
+        return reasonOf(row);
+    case rowIdRole:
+        return row.id;
+    case spansRole:
+        if (index.column() != currentName && index.column() != newName)
+            return {};
+        return QVariant::fromValue(index.column() == currentName ? differenceAt(index.row()).removed
+                                                                 : differenceAt(index.row()).added);
+    default:
+        return {};
+    }
+}
+
+QVariant PreviewTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    switch (section) {
+    case currentName:
+        return "Current Name";
+    case newName:
+        return "New Name";
+    case folder:
+        return "Folder";
+    default:
+        return section >= regex1 && section <= regex6 ? QString("$%1").arg(section - regex1 + 1) : QString();
+    }
+}
+
+Qt::ItemFlags PreviewTableModel::flags(const QModelIndex& index) const {
+    if (!index.isValid())
+        return Qt::ItemIsDropEnabled;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
+}
+
+PreviewTableModel::Column PreviewTableModel::columnOf(PreviewColumn column) {
+    switch (column) {
+    case PreviewColumn::path:
+        return folder;
+    case PreviewColumn::currentName:
+        return currentName;
+    case PreviewColumn::newName:
+        return newName;
+    case PreviewColumn::regex1:
+    case PreviewColumn::regex2:
+    case PreviewColumn::regex3:
+    case PreviewColumn::regex4:
+    case PreviewColumn::regex5:
+    case PreviewColumn::regex6:
+        break;
+    }
+    return static_cast<Column>(regex1 + static_cast<int>(column) - static_cast<int>(PreviewColumn::regex1));
+}
+
+} // namespace tavrin

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "presentation/WindowServices.h"
+#include "presentation/preview/NameDifference.h"
+#include "shell/FrontEnd.h"
+#include "shell/PreviewList.h"
+
+#include <QAbstractTableModel>
+#include <QIcon>
+#include <QString>
+#include <list>
+#include <map>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace tavrin {
+
+class ThumbnailLoader;
+
+/// The rows of the preview list as a table. It holds ids alone and reads rows a page at a time when they are
+/// painted; a number of pages is kept.
+class PreviewTableModel final : public QAbstractTableModel {
+  public:
+    enum Column { icon, currentName, state, newName, regex1, regex6 = regex1 + 5, folder, columnCount_ };
+    enum class State { unchanged, renamed, madeDistinct, problem };
+    enum class Show { all, toBeRenamed, problems };
+
+    static constexpr int stateRole = Qt::UserRole;
+    static constexpr int reasonRole = Qt::UserRole + 1; ///< what is wrong with a row, or empty
+    static constexpr int rowIdRole = Qt::UserRole + 2;
+    static constexpr int spansRole = Qt::UserRole + 3; ///< vector of NameDifference::Span, for the two names
+
+    /// What is wrong with rows, as found out after a preview.
+    using Problems = std::unordered_map<RowId, QString>;
+
+    PreviewTableModel(WindowServices services, ThumbnailLoader& thumbnails, QObject* parent);
+
+    /// The list may have changed: rows are told anew where there are others, else as changed.
+    void listChanged();
+    void setProblems(Problems found);
+    void setShow(Show what);
+    [[nodiscard]] Show show() const { return shown; }
+    void setShowsThumbnails(bool on);
+    void setShowsInvisibles(bool on);
+    /// A thumbnail has come.
+    void thumbnailChanged(RowId id);
+
+    [[nodiscard]] const std::vector<RowId>& rowIds() const { return ids; }
+    [[nodiscard]] const PreviewList::Row& rowAt(int row) const;
+    [[nodiscard]] std::optional<int> rowOf(RowId id) const;
+    [[nodiscard]] State stateOf(const PreviewList::Row& row) const;
+    [[nodiscard]] QString reasonOf(const PreviewList::Row& row) const;
+    [[nodiscard]] const Problems& problems() const { return foreseen; }
+
+    /// The text as it is shown: characters that would not show, or would move others, replaced.
+    [[nodiscard]] QString shownName(const std::u16string& name) const;
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+    [[nodiscard]] static Column columnOf(PreviewColumn column);
+
+  private:
+    struct Page {
+        std::vector<PreviewList::Row> rows;
+        std::vector<std::optional<NameDifference>> differences;
+    };
+
+    Page& pageOf(int row) const;
+    [[nodiscard]] const NameDifference& differenceAt(int row) const;
+    [[nodiscard]] QString toolTip(const PreviewList::Row& row) const;
+    [[nodiscard]] QVariant textOf(const PreviewList::Row& row, int column) const;
+    [[nodiscard]] std::vector<RowId> wantedIds() const;
+    void repaintAll();
+
+    const WindowServices services;
+    ThumbnailLoader& thumbnails;
+    std::vector<RowId> ids;
+    Problems foreseen;
+    Show shown = Show::all;
+    bool showsThumbnails = true;
+    bool showsInvisibles = false;
+
+    // Pages by number, the one used last at the front.
+    mutable std::list<std::pair<int, Page>> pages;
+    mutable std::unordered_map<int, std::list<std::pair<int, Page>>::iterator> pagePlaces;
+};
+
+} // namespace tavrin
+
+Q_DECLARE_METATYPE(std::vector<tavrin::NameDifference::Span>)

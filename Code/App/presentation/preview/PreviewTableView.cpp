@@ -1,0 +1,163 @@
+#include "presentation/preview/PreviewTableView.h"
+
+#include "presentation/DroppedFiles.h"
+#include "presentation/preview/PreviewTableModel.h"
+
+#include <QCursor>
+#include <QDrag>
+#include <QDropEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+const char* const rowsType = "application/x-tavrin-rows";
+
+} // namespace
+
+PreviewTableView::PreviewTableView(PreviewTableModel& shownModel, DNDArrayController& controller)
+    : dragging(controller) {
+    setModel(&shownModel);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(false);
+    setAutoScroll(true);
+    setTabKeyNavigation(false);
+    connect(this, &QTableView::doubleClicked, this, [this] {
+        if (openHandler)
+            openHandler();
+    });
+}
+
+DNDArrayController::Indexes PreviewTableView::selectedRows() const {
+    DNDArrayController::Indexes rows;
+    for (const QItemSelectionRange& range : selectionModel()->selection())
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(static_cast<std::size_t>(row));
+    std::ranges::sort(rows);
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+void PreviewTableView::keyPressEvent(QKeyEvent* event) {
+    const bool hasAlt = event->modifiers().testFlag(Qt::AltModifier);
+    if ((event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) && removeHandler)
+        removeHandler();
+    else if (hasAlt && (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down) && moveHandler)
+        moveHandler(event->key() == Qt::Key_Up);
+    else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+             event->modifiers() == Qt::NoModifier && openHandler)
+        openHandler();
+    else
+        QTableView::keyPressEvent(event);
+}
+
+void PreviewTableView::startDrag(Qt::DropActions) {
+    const DNDArrayController::Indexes rows = selectedRows();
+    if (!dragging.writeRowsWithIndexes(rows))
+        return;
+    auto* drag = new QDrag(this);
+    auto* content = new QMimeData;
+    content->setData(rowsType, QByteArray::number(static_cast<qulonglong>(rows.size())));
+    drag->setMimeData(content);
+    const QModelIndex first = model()->index(static_cast<int>(rows.front()), PreviewTableModel::currentName);
+    QString label = first.data().toString().left(40);
+    if (rows.size() > 1)
+        label += QString(" and %L1 more").arg(rows.size() - 1);
+    QPixmap picture(fontMetrics().horizontalAdvance(label) + 16, fontMetrics().height() + 8);
+    picture.fill(palette().color(QPalette::Highlight));
+    QPainter painter(&picture);
+    painter.setPen(palette().color(QPalette::HighlightedText));
+    painter.drawText(picture.rect(), Qt::AlignCenter, label);
+    painter.end();
+    drag->setPixmap(picture);
+    isDragging = true;
+    const Qt::DropAction result = drag->exec(Qt::MoveAction | Qt::CopyAction, Qt::MoveAction);
+    isDragging = false;
+    showMark(-1);
+    // Given up with Escape over the window, or dropped where nothing takes rows: only a drop outside removes.
+    const bool isOutside = !window()->geometry().contains(QCursor::pos());
+    const bool wasReleased = QGuiApplication::mouseButtons() == Qt::NoButton;
+    if (result != Qt::IgnoreAction || !isOutside || !wasReleased)
+        dragging.cancelDrag();
+    else if (dragging.deleteRowsIfAppropriate() && rowsRemovedHandler)
+        rowsRemovedHandler();
+}
+
+int PreviewTableView::rowAtDrop(const QPoint& place) const {
+    const QModelIndex index = indexAt(place);
+    if (!index.isValid())
+        return model()->rowCount();
+    const QRect rect = visualRect(index);
+    return place.y() > rect.center().y() ? index.row() + 1 : index.row();
+}
+
+void PreviewTableView::showMark(int row) {
+    markedRow = row;
+    viewport()->update();
+}
+
+void PreviewTableView::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
+
+void PreviewTableView::dragMoveEvent(QDragMoveEvent* event) {
+    const bool areRows = event->source() == this && event->mimeData()->hasFormat(rowsType);
+    if (areRows) {
+        QTableView::dragMoveEvent(event); // scrolls at the edges
+        showMark(rowAtDrop(event->position().toPoint()));
+        event->setDropAction(Qt::MoveAction);
+        event->accept();
+    } else if (DroppedFiles::areIn(*event->mimeData())) {
+        isTakingFiles = true;
+        viewport()->update();
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void PreviewTableView::dragLeaveEvent(QDragLeaveEvent*) {
+    isTakingFiles = false;
+    showMark(-1);
+}
+
+void PreviewTableView::dropEvent(QDropEvent* event) {
+    isTakingFiles = false;
+    const bool areRows = event->source() == this && event->mimeData()->hasFormat(rowsType);
+    if (areRows && dragging.validateDrop(true, true)) {
+        event->acceptProposedAction();
+        dragging.acceptRows(static_cast<std::size_t>(rowAtDrop(event->position().toPoint())));
+    } else if (!areRows) {
+        const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
+        if (!paths.empty()) {
+            event->acceptProposedAction();
+            dragging.acceptFiles(paths);
+        }
+    }
+    showMark(-1);
+}
+
+void PreviewTableView::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (markedRow < 0 && !isTakingFiles)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    if (isTakingFiles) {
+        painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
+        return;
+    }
+    const int rows = model()->rowCount();
+    const int y = markedRow < rows ? rowViewportPosition(markedRow)
+                                   : (rows > 0 ? rowViewportPosition(rows - 1) + rowHeight(rows - 1) : 0);
+    painter.drawLine(0, y, viewport()->width(), y);
+}
+
+} // namespace tavrin

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "shell/DNDArrayController.h"
+
+#include <QTableView>
+#include <functional>
+
+namespace tavrin {
+
+class PreviewTableModel;
+
+/// The table of the preview list: rows are dragged within it to order them by hand, and out of it to remove
+/// them; files are dropped on it. What a drag means is decided by the DNDArrayController.
+class PreviewTableView final : public QTableView {
+  public:
+    PreviewTableView(PreviewTableModel& shownModel, DNDArrayController& controller);
+
+    [[nodiscard]] DNDArrayController::Indexes selectedRows() const;
+    [[nodiscard]] bool isDraggingRows() const { return isDragging; }
+
+    std::function<void()> removeHandler;      ///< Delete was pressed
+    std::function<void(bool up)> moveHandler; ///< Alt+Up or Alt+Down
+    std::function<void()> openHandler;        ///< a double click or Return
+    std::function<void()> rowsRemovedHandler; ///< rows were dragged out
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void startDrag(Qt::DropActions actions) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    [[nodiscard]] int rowAtDrop(const QPoint& place) const;
+    void showMark(int row);
+
+    DNDArrayController& dragging;
+    bool isDragging = false;
+    int markedRow = -1; ///< rows would be dropped in front of it
+    bool isTakingFiles = false;
+};
+
+} // namespace tavrin

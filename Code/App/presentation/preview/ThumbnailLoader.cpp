@@ -1,0 +1,123 @@
+#include "presentation/preview/ThumbnailLoader.h"
+
+#include "platform/ExifHelper.h"
+#include "presentation/preview/TypeIcons.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QImageReader>
+#include <QPixmap>
+#include <QPointer>
+#include <QStandardPaths>
+#include <QUrl>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int keptBytes = 64 * 1024 * 1024;
+
+/// Opens what is a plain file, and nothing that could block.
+bool openPlainFile(const std::string& path, QFile& file) {
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0)
+        return false;
+    struct stat status {};
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+        file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+        return true;
+    ::close(descriptor);
+    return false;
+}
+
+/// The shared thumbnail of a file, as the desktops keep them under the checksum of its address.
+QImage sharedThumbnail(const std::string& path) {
+    const QByteArray address =
+        "file://" + QByteArray::fromStdString(path).toPercentEncoding("/!$&'()*+,;=:@-._~");
+    const QString name =
+        QString::fromLatin1(QCryptographicHash::hash(address, QCryptographicHash::Md5).toHex()) + ".png";
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0)
+        return {};
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    for (const char* folder : {"/thumbnails/normal/", "/thumbnails/large/"}) {
+        QImage image(cache + folder + name);
+        if (!image.isNull() && image.text("Thumb::MTime").toLongLong() == status.st_mtime)
+            return image;
+    }
+    return {};
+}
+
+QImage scaled(const QImage& image, int pixels) {
+    return image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+} // namespace
+
+ThumbnailLoader::ThumbnailLoader(std::function<void(RowId)> whenChanged)
+    : changed(std::move(whenChanged)), images(keptBytes) {
+    threads.setMaxThreadCount(2);
+    threads.setThreadPriority(QThread::LowPriority);
+}
+
+ThumbnailLoader::~ThumbnailLoader() {
+    threads.clear();
+    threads.waitForDone();
+}
+
+void ThumbnailLoader::clear() {
+    threads.clear();
+    pending.clear();
+    images.clear();
+}
+
+QImage ThumbnailLoader::read(const std::string& path, int pixels) {
+    if (const QImage shared = sharedThumbnail(path); !shared.isNull())
+        return scaled(shared, pixels);
+    QFile file;
+    if (!openPlainFile(path, file))
+        return {};
+    QImageReader reader(&file);
+    reader.setAutoTransform(true);
+    const QSize full = reader.size();
+    if (full.isValid())
+        reader.setScaledSize(full.scaled(pixels, pixels, Qt::KeepAspectRatio));
+    const QImage image = reader.read();
+    return image.isNull() ? image : scaled(image, pixels);
+}
+
+QVariant ThumbnailLoader::imageFor(const PreviewList::Row& row, bool asPicture) {
+    if (asPicture && !row.treatAsFolder && ExifHelper::isImageName(row.fullPath)) {
+        if (const QImage* image = images.object(QByteArray::fromStdString(row.fullPath))) {
+            if (!image->isNull())
+                return *image;
+        } else {
+            request(row);
+        }
+    }
+    return TypeIcons::iconFor(row.fullPath, row.treatAsFolder);
+}
+
+void ThumbnailLoader::request(const PreviewList::Row& row) {
+    if (isPaused || !pending.insert(row.fullPath).second)
+        return;
+    const auto deliver = [this, path = row.fullPath, id = row.id](const QImage& image) {
+        pending.erase(path);
+        images.insert(QByteArray::fromStdString(path), new QImage(image),
+                      std::max<int>(1, static_cast<int>(image.sizeInBytes())));
+        if (!image.isNull())
+            changed(id);
+    };
+    threads.start(
+        [this, path = row.fullPath, pixels = size, deliver] {
+            const QImage image = read(path, pixels);
+            QMetaObject::invokeMethod(
+                this, [deliver, image] { deliver(image); }, Qt::QueuedConnection);
+        },
+        ++priority);
+}
+
+} // namespace tavrin

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "shell/PreviewList.h"
+
+#include <QCache>
+#include <QImage>
+#include <QObject>
+#include <QThreadPool>
+#include <QVariant>
+#include <functional>
+#include <unordered_set>
+
+namespace tavrin {
+
+/// Small pictures of the rows that are seen. Until a picture is there, and for files that are none, the icon
+/// of the file's type stands in its place. Pictures are read on two threads of low priority, what was asked
+/// for last comes first, and 64 MiB of them are kept. Main thread.
+class ThumbnailLoader final : public QObject {
+  public:
+    /// `changed` is called when the picture of a row has come.
+    explicit ThumbnailLoader(std::function<void(RowId)> changed);
+    ~ThumbnailLoader() override;
+
+    /// In pixels of the screen.
+    void setSize(int pixels) { size = pixels; }
+    [[nodiscard]] QVariant imageFor(const PreviewList::Row& row, bool asPicture);
+    /// Scrolls fast: nothing new is read meanwhile.
+    void setPaused(bool paused) { isPaused = paused; }
+    void clear();
+
+    /// The picture of a file, scaled to fit `pixels`; null when it is none or can't be read. From the
+    /// thumbnails that the desktop shares, else from the file. Any thread.
+    [[nodiscard]] static QImage read(const std::string& path, int pixels);
+
+  private:
+    void request(const PreviewList::Row& row);
+
+    std::function<void(RowId)> changed;
+    int size = 32;
+    bool isPaused = false;
+    int priority = 0;
+    QThreadPool threads;
+    QCache<QByteArray, QImage> images; ///< by path; cost in bytes; a null image: there is none
+    std::unordered_set<std::string> pending;
+};
+
+} // namespace tavrin

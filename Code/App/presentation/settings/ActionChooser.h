@@ -1,0 +1,41 @@
+#pragma once
+
+#include "presentation/WindowServices.h"
+
+#include <QWidget>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class QComboBox;
+
+namespace tavrin {
+
+class ActionSearchField;
+
+/// Chooses the action of the current step: by words typed, or by category and place within it.
+class ActionChooser final : public QWidget {
+  public:
+    ActionChooser(WindowServices services, QWidget* parent);
+    ~ActionChooser() override;
+
+    /// Shows the action of the current step.
+    void refresh();
+    void findAction();
+    /// Whether the action on show was found by searching, so that its first field wants the cursor. Asked
+    /// once.
+    [[nodiscard]] bool takeWasFoundBySearch();
+
+  private:
+    void choose(std::int32_t menuIndex);
+    void fillActions(std::int32_t category);
+
+    const WindowServices services;
+    ActionSearchField* search;
+    QComboBox* categoryPopUpButton;
+    QComboBox* actionPopUpButton;
+    std::int32_t shownCategory = -1;
+    bool wasFoundBySearch = false;
+};
+
+} // namespace tavrin

@@ -1,0 +1,148 @@
+#include "presentation/settings/ActionSearchField.h"
+
+#include "presentation/QtText.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QListWidget>
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::size_t mostHits = 12;
+constexpr int menuIndexRole = Qt::UserRole;
+constexpr int categoryRole = Qt::UserRole + 1;
+constexpr int exampleRole = Qt::UserRole + 2;
+constexpr int margin = 6;
+
+/// A hit in two lines: the label with its category at the right, and an example.
+class HitDelegate final : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
+        return {option.rect.width(), 2 * option.fontMetrics.lineSpacing() + margin};
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+        if (isSelected)
+            painter->fillRect(option.rect, option.palette.highlight());
+        const QColor text = option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
+        QColor dim = isSelected ? text : option.palette.color(QPalette::PlaceholderText);
+        const QRect inner = option.rect.adjusted(margin, margin / 2, -margin, -margin / 2);
+        const QRect upper = inner.adjusted(0, 0, 0, -inner.height() / 2);
+        const QRect lower = inner.adjusted(0, inner.height() / 2, 0, 0);
+        const QString category = index.data(categoryRole).toString();
+        const int categoryWidth = option.fontMetrics.horizontalAdvance(category);
+        painter->setPen(dim);
+        painter->drawText(upper, Qt::AlignRight | Qt::AlignVCenter, category);
+        painter->drawText(
+            lower, Qt::AlignLeft | Qt::AlignVCenter,
+            option.fontMetrics.elidedText(index.data(exampleRole).toString(), Qt::ElideRight, lower.width()));
+        painter->setPen(text);
+        painter->drawText(upper, Qt::AlignLeft | Qt::AlignVCenter,
+                          option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight,
+                                                        upper.width() - categoryWidth - 2 * margin));
+    }
+};
+
+} // namespace
+
+ActionSearchField::ActionSearchField(const ActionList& list) : catalogue(list), hits(new QListWidget(this)) {
+    setObjectName("findAction");
+    setPlaceholderText("Find an action (Ctrl+K)");
+    setAccessibleName("Find an action");
+    setClearButtonEnabled(true);
+    hits->setObjectName("actionHits");
+    hits->setAccessibleName("Actions found");
+    hits->setWindowFlags(Qt::ToolTip);
+    hits->setFocusPolicy(Qt::NoFocus);
+    hits->setFocusProxy(this);
+    hits->setUniformItemSizes(true);
+    hits->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    hits->setItemDelegate(new HitDelegate(hits));
+    hits->hide();
+    connect(this, &QLineEdit::textEdited, this, [this] { showHits(); });
+    connect(hits, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) { take(hits->row(item)); });
+}
+
+ActionSearchField::~ActionSearchField() = default;
+
+void ActionSearchField::focusInEvent(QFocusEvent* event) {
+    QLineEdit::focusInEvent(event);
+    if (event->reason() == Qt::ShortcutFocusReason) {
+        selectAll();
+        showHits();
+    }
+}
+
+void ActionSearchField::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    hideHits();
+}
+
+void ActionSearchField::keyPressEvent(QKeyEvent* event) {
+    const int last = hits->count() - 1;
+    switch (event->key()) {
+    case Qt::Key_Down:
+    case Qt::Key_Up:
+        if (!hits->isVisible())
+            showHits();
+        else
+            hits->setCurrentRow(
+                std::clamp(hits->currentRow() + (event->key() == Qt::Key_Down ? 1 : -1), 0, last));
+        return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (hits->isVisible() && hits->currentRow() >= 0)
+            take(hits->currentRow());
+        return;
+    case Qt::Key_Escape:
+        hideHits();
+        clear();
+        return;
+    default:
+        QLineEdit::keyPressEvent(event);
+    }
+}
+
+void ActionSearchField::showHits() {
+    if (!search)
+        search.emplace(catalogue);
+    hits->clear();
+    const auto limit = text().trimmed().isEmpty() ? std::size_t{200} : mostHits;
+    for (const ActionSearch::Hit& hit : search->find(fromQString(text()), limit)) {
+        auto* item = new QListWidgetItem(toQString(hit.label), hits);
+        item->setData(menuIndexRole, hit.menuIndex);
+        item->setData(categoryRole, toQString(hit.category));
+        item->setData(exampleRole, toQString(hit.example));
+    }
+    hits->setCurrentRow(0);
+    if (hits->count() == 0) {
+        hideHits();
+        return;
+    }
+    const int rowHeight = 2 * fontMetrics().lineSpacing() + margin;
+    const int rows = std::min(hits->count(), static_cast<int>(mostHits));
+    hits->resize(std::max(width(), 420), rows * rowHeight + 2 * hits->frameWidth());
+    hits->move(mapToGlobal(QPoint(0, height() + 2)));
+    hits->show();
+}
+
+void ActionSearchField::hideHits() { hits->hide(); }
+
+void ActionSearchField::take(int row) {
+    const int menuIndex = hits->item(row)->data(menuIndexRole).toInt();
+    hideHits();
+    clear();
+    if (found)
+        found(menuIndex);
+}
+
+} // namespace tavrin

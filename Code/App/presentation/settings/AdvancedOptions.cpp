@@ -1,0 +1,64 @@
+#include "presentation/settings/AdvancedOptions.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "presentation/settings/ParameterBinding.h"
+#include "shell/MainController.h"
+
+#include <QCheckBox>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace tavrin {
+
+AdvancedOptions::AdvancedOptions(WindowServices shared, QWidget* parent)
+    : QWidget(parent), services(shared), disclosure(new QToolButton), content(new QWidget) {
+    disclosure->setObjectName("discloseAdvancedOptions");
+    disclosure->setText("Advanced &Options");
+    disclosure->setAutoRaise(true);
+    disclosure->setCheckable(true);
+    disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    layout->addWidget(disclosure);
+    layout->addWidget(content);
+    auto* rows = new QVBoxLayout(content);
+    rows->setContentsMargins(20, 0, 0, 0);
+    addSetting("interactiveMode", "Show &confirmation dialog before renaming");
+    addSetting("showSummary", "Show s&ummary after renaming is complete");
+    addSetting("continueAfterRename", "&Keep the list after renaming");
+    addSetting("quitAfterRename", "&Quit after renaming");
+    addSetting("silentDroplet", "Create silent &droplets");
+    silentDropletCheckbox = content->findChild<QCheckBox*>("silentDroplet");
+    TVRNGlobalPreferencesPseudoAction& settings = services.controller.globalSettings();
+    bindings.push_back(std::make_unique<ParameterBinding>(
+        settings, "discloseAdvancedOptions", [this](const std::optional<PropertyValue>& value) {
+            const bool isOpen = value && intValue(*value) != 0;
+            disclosure->setChecked(isOpen);
+            disclosure->setArrowType(isOpen ? Qt::DownArrow : Qt::RightArrow);
+            content->setVisible(isOpen);
+        }));
+    connect(disclosure, &QToolButton::clicked, this,
+            [this, &settings](bool isOpen) { settings.setValue(isOpen ? 1 : 0, "discloseAdvancedOptions"); });
+}
+
+AdvancedOptions::~AdvancedOptions() = default;
+
+void AdvancedOptions::addSetting(const char* key, const char* text) {
+    auto* box = new QCheckBox(QString::fromUtf8(text));
+    box->setObjectName(key);
+    content->layout()->addWidget(box);
+    bindings.push_back(std::make_unique<ParameterBinding>(services.controller.globalSettings(), key,
+                                                          [box](const std::optional<PropertyValue>& value) {
+                                                              box->setChecked(value && intValue(*value) == 1);
+                                                          }));
+    connect(box, &QCheckBox::clicked, this,
+            [binding = bindings.back().get()](bool isOn) { binding->write(isOn ? 1 : 0); });
+}
+
+void AdvancedOptions::enterDropletEditMode() {
+    silentDropletCheckbox->setText("Execute as a \"silent\" droplet");
+    services.controller.globalSettings().setValue(1, "discloseAdvancedOptions");
+}
+
+} // namespace tavrin
