@@ -64,15 +64,13 @@ QWidget* WindowFixture::findWidget(const char* name) {
 }
 
 void WindowFixture::click(const char* name) {
-    if (auto* button = find<QAbstractButton>(name)) {
-        ASSERT_TRUE(button->isEnabled()) << name;
-        QTest::mouseClick(button, Qt::LeftButton);
-    }
+    auto* button = find<QAbstractButton>(name);
+    ASSERT_TRUE(button->isEnabled()) << name;
+    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 void WindowFixture::type(const char* name, const QString& text) {
     QWidget* field = find(name);
-    ASSERT_NE(field, nullptr);
     field->setFocus();
     QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(field, Qt::Key_Delete);
@@ -100,11 +98,20 @@ std::vector<std::string> WindowFixture::newNames() {
     return names;
 }
 
-void WindowFixture::waitUntil(const char* what, const std::function<bool()>& condition) {
-    ASSERT_TRUE(QTest::qWaitFor(condition, patience)) << "waited in vain until " << what;
+void WindowFixture::waitUntil(const std::string& what, const std::function<bool()>& condition) {
+    if (!QTest::qWaitFor(condition, patience))
+        throw std::runtime_error("waited in vain until " + what);
+}
+
+void WindowFixture::waitUntilGone(const char* name) {
+    waitUntil(std::string("gone: ") + name, [name] {
+        const QWidget* widget = findWidget(name);
+        return !widget || !widget->isVisible();
+    });
 }
 
 void WindowFixture::waitForPreview() {
+    application->controller().previewControl().firePendingPreview();
     waitUntil("the preview is done", [this] {
         return !application->controller().previewControl().isPreviewPending() &&
                !application->controller().renameEngine().isBusy();
@@ -112,8 +119,8 @@ void WindowFixture::waitForPreview() {
 }
 
 void WindowFixture::waitForNames(const std::vector<std::string>& names) {
-    const bool came = QTest::qWaitFor([&] { return newNames() == names; }, patience);
-    EXPECT_TRUE(came);
+    application->controller().previewControl().firePendingPreview();
+    (void)QTest::qWaitFor([&] { return newNames() == names; }, patience);
     EXPECT_EQ(newNames(), names);
 }
 

@@ -6,12 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <QString>
+#include <QWidget>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
-
-class QWidget;
 
 namespace tavrin {
 class BaseRenameAction;
@@ -34,10 +34,12 @@ class WindowFixture : public ::testing::Test {
     std::string makeFile(const std::string& name, const std::string& content = "x");
     [[nodiscard]] std::vector<std::string> filesOnDisk() const;
 
-    /// A widget of the window, or of any dialog, by its object name. Fails the test where there is none.
+    /// A widget of the window, or of any dialog, by its object name. Where there is none, the test fails and
+    /// ends, as in what follows.
     template <typename Widget = QWidget> Widget* find(const char* name) {
         auto* widget = dynamic_cast<Widget*>(findWidget(name));
-        EXPECT_NE(widget, nullptr) << "no widget " << name;
+        if (!widget)
+            throw std::runtime_error(std::string("no widget ") + name);
         return widget;
     }
     [[nodiscard]] static QWidget* findWidget(const char* name);
@@ -51,9 +53,19 @@ class WindowFixture : public ::testing::Test {
     /// The new names of the list, top down.
     [[nodiscard]] std::vector<std::string> newNames();
 
-    /// Runs the event loop until the condition holds; fails the test after ten seconds.
-    void waitUntil(const char* what, const std::function<bool()>& condition);
-    /// Until no preview is due or under way any more.
+    /// Runs the event loop until the condition holds, for ten seconds at most.
+    static void waitUntil(const std::string& what, const std::function<bool()>& condition);
+    /// Until a dialog of this name is there to be used.
+    template <typename Widget = QWidget> Widget* waitFor(const char* name) {
+        waitUntil(name, [name] {
+            const QWidget* widget = findWidget(name);
+            return widget && widget->isVisible();
+        });
+        return find<Widget>(name);
+    }
+    /// Until it is gone.
+    static void waitUntilGone(const char* name);
+    /// Until no preview is due or under way any more; one that is due comes at once.
     void waitForPreview();
     /// Until the list shows these new names.
     void waitForNames(const std::vector<std::string>& names);

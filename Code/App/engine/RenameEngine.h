@@ -41,6 +41,8 @@ class RenameEngine {
     /// Whether any request is waiting or running. Any thread. An empty action is posted to the run loop
     /// whenever a request has ended.
     [[nodiscard]] bool isBusy() const;
+    /// Whether a preview waits for the one that runs. Any thread.
+    [[nodiscard]] bool isPreviewWaiting() const { return previewPipelinesWaiting > 1; }
 
     [[nodiscard]] std::unique_ptr<ProcessingPipeline> createPreviewPipelineWith(ProgressInfo* progress);
     [[nodiscard]] std::unique_ptr<ProcessingPipeline> createRenamingPipeline(ProgressInfo* progress,

@@ -5,6 +5,7 @@
 #include "presentation/dialogs/AnswerOnce.h"
 #include "presentation/dialogs/ConfirmationSheetWindow.h"
 #include "presentation/dialogs/ErrorWindow.h"
+#include "shell/MainController.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -47,6 +48,14 @@ QCheckBox* addSuppressionBox(QMessageBox& box) {
     check->setObjectName("suppressionBox");
     box.setCheckBox(check);
     return check;
+}
+
+/// Opens a page of the help, and leaves the message open.
+void addHelpButton(QMessageBox& box, const std::string& anchor) {
+    QPushButton* button = box.addButton(QMessageBox::Help);
+    QObject::disconnect(button, &QAbstractButton::clicked, nullptr, nullptr);
+    QObject::connect(button, &QAbstractButton::clicked, &box,
+                     [anchor] { MainController::sharedInstance().showHelpAnchor(anchor); });
 }
 
 struct NoticeButton {
@@ -123,6 +132,8 @@ void Dialogs::showAlert(QWidget* parent, const Alert& alert, std::function<void(
     for (const std::string& label : alert.buttons)
         buttons.push_back(box->addButton(toQString(label), buttons.empty() ? QMessageBox::AcceptRole
                                                                            : QMessageBox::RejectRole));
+    if (!alert.helpAnchor.empty())
+        addHelpButton(*box, alert.helpAnchor);
     if (!buttons.empty())
         box->setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
     // Escape takes the last button, which never does more than the others.
@@ -177,7 +188,7 @@ void Dialogs::showProcessingErrors(QWidget* parent, const std::vector<Processing
 
 void Dialogs::askForFilesToAdd(QWidget* parent, const std::string& startFolder, bool folders,
                                std::function<void(std::optional<FilesToAdd>)> answer) {
-    auto* dialog = new QFileDialog(parent, folders ? "Add Folder" : "Add Files");
+    auto* dialog = new QFileDialog(parent, "Add");
     dialog->setObjectName("addFilesDialog");
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setDirectory(QFile::decodeName(startFolder.c_str()));

@@ -4,6 +4,7 @@
 #include "platform/UserDefaults.h"
 #include "presentation/DroppedFiles.h"
 #include "presentation/ProgressPage.h"
+#include "presentation/ProminentButton.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/help/HelpWindow.h"
 #include "presentation/preview/PreviewPane.h"
@@ -108,9 +109,10 @@ QWidget* MainWindow::buildBottomRow() {
     layout->setContentsMargins(paneMargin, 8, paneMargin, 8);
     createDropletButton = new QPushButton("Create &Droplet…");
     createDropletButton->setObjectName("createDropletButton");
+    createDropletButton->setEnabled(false); // droplets can't be written yet
     createFileListButton = new QPushButton("Save &List…");
     createFileListButton->setObjectName("createFileListButton");
-    okButton = new QPushButton("&Rename");
+    okButton = new ProminentButton("&Rename");
     okButton->setObjectName("okButton");
     okButton->setDefault(true);
     okMenuButton = new QToolButton;
@@ -181,16 +183,14 @@ void MainWindow::centre() {
 }
 
 void MainWindow::showHelp(std::string_view anchor) {
-    help->showAnchor(anchor);
     help->show();
+    help->showAnchor(anchor);
     help->raise();
     help->activateWindow();
 }
 
 void MainWindow::refreshRenameButton() {
     const std::int32_t count = preview->itemsToRename();
-    const bool isPreviewDue =
-        shared.controller.previewControl().isPreviewPending() || shared.controller.renameEngine().isBusy();
     QString label = isInDropletEditMode ? "&Save" : "&Rename";
     if (!isInDropletEditMode && !isPreviewDue && count > 0)
         label = count == 1 ? QString("&Rename 1 Item") : QString("&Rename %L1 Items").arg(count);
@@ -201,6 +201,11 @@ void MainWindow::refreshRenameButton() {
     okMenuButton->setEnabled(isOn);
     okMenuButton->setVisible(!isInDropletEditMode);
     windowCommands->refresh();
+}
+
+void MainWindow::setPreviewDue(bool isDue) {
+    isPreviewDue = isDue;
+    refreshRenameButton();
 }
 
 void MainWindow::progressChanged(std::string_view) {

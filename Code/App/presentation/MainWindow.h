@@ -47,6 +47,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void showHelp(std::string_view anchor);
     /// The count on the rename button, and whether it is on.
     void refreshRenameButton();
+    /// Whether what the list shows is out of date; the rename button then counts nothing.
+    void setPreviewDue(bool isDue);
     /// Adds files or folders through a dialog.
     void addByDialog(bool folders);
     /// Which of both the dialog under way is for.
@@ -67,6 +69,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
 
     WindowServices shared;
     bool isInDropletEditMode = false;
+    bool isPreviewDue = true;
     bool isMovingDivider = false;
     bool asksForFolders = false;
     QStackedWidget* mainTabView = nullptr;

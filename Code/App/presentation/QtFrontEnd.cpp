@@ -5,6 +5,7 @@
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
+#include "presentation/WindowMemory.h"
 #include "presentation/dialogs/SaveListDialog.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
@@ -12,17 +13,25 @@
 #include "shell/MainController.h"
 
 #include <QApplication>
+#include <QTimer>
 
 namespace tavrin {
 
 // --- Asking ---
 
+void QtFrontEnd::whenShown(std::function<void()> action) {
+    if (window && !window->isVisible())
+        QTimer::singleShot(0, window, std::move(action));
+    else
+        action();
+}
+
 void QtFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) {
-    Dialogs::showAlert(window, alert, std::move(answer));
+    whenShown([this, alert, answer = std::move(answer)] { Dialogs::showAlert(window, alert, answer); });
 }
 
 void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
-    Dialogs::showNotice(window, dialog, std::move(answer));
+    whenShown([this, dialog, answer = std::move(answer)] { Dialogs::showNotice(window, dialog, answer); });
 }
 
 void QtFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
@@ -55,9 +64,18 @@ void QtFrontEnd::askForSavePath(const std::string& title,
 
 // --- Showing ---
 
-void QtFrontEnd::presentError(const std::string& message) { Dialogs::presentError(window, message); }
+void QtFrontEnd::presentError(const std::string& message) {
+    whenShown([this, message] { Dialogs::presentError(window, message); });
+}
 
-void QtFrontEnd::terminate() { QApplication::quit(); }
+void QtFrontEnd::terminate() {
+    if (window && window->services().controller.operationMode() == OperationMode::normal)
+        WindowMemory::remember(*window, window->services().defaults);
+    // Not quit(), which would first ask the windows to close: that is what leads here. Queued, since there
+    // may be no event loop to leave yet.
+    QMetaObject::invokeMethod(
+        qApp, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+}
 
 void QtFrontEnd::selectMainTab(MainTab tab) {
     if (window)
@@ -91,11 +109,18 @@ void QtFrontEnd::previewListChanged() {
     window->refreshRenameButton();
 }
 
+void QtFrontEnd::previewRequested() {
+    if (window)
+        window->setPreviewDue(true);
+}
+
 void QtFrontEnd::previewFinished() {
     if (!window)
         return;
     window->previewPane().previewFinished();
-    window->refreshRenameButton();
+    MainController& controller = window->services().controller;
+    window->setPreviewDue(controller.previewControl().isPreviewPending() ||
+                          controller.renameEngine().isPreviewWaiting());
 }
 
 void QtFrontEnd::runStateChanged(bool isRunning) {
@@ -148,6 +173,7 @@ void QtFrontEnd::centreWindow() {
 void QtFrontEnd::showWindow() {
     if (!window)
         return;
+    WindowMemory::restoreOnce(*window, window->services().defaults);
     window->show();
     window->raise();
     window->activateWindow();

@@ -35,6 +35,7 @@ class QtFrontEnd final : public FrontEnd {
     void setColumnHidden(PreviewColumn column, bool hidden) override;
     void sizeColumnsToFit() override;
     void previewListChanged() override;
+    void previewRequested() override;
     void previewFinished() override;
     void runStateChanged(bool isRunning) override;
     void fillActionMenus(const std::vector<std::u16string>& actions,
@@ -54,6 +55,9 @@ class QtFrontEnd final : public FrontEnd {
     void beep() override;
 
   private:
+    /// At once, or when the window that is about to come up stands.
+    void whenShown(std::function<void()> action);
+
     MainWindow* window = nullptr;
 };
 

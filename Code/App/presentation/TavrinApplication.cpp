@@ -1,6 +1,7 @@
 #include "presentation/TavrinApplication.h"
 
 #include "presentation/MainWindow.h"
+#include "presentation/SessionEnd.h"
 #include "shell/MainController.h"
 
 #include <stdexcept>
@@ -39,9 +40,11 @@ TavrinApplication::TavrinApplication(Options options)
         MainController::Environment{frontEnd, loop, defaults, actionList}, controllerOptions(options));
     mainWindow = std::make_unique<MainWindow>(WindowServices{*mainController, actionList, defaults});
     frontEnd.setWindow(mainWindow.get());
+    sessionEnd = std::make_unique<SessionEnd>([this] { saveState(); }, [this] { endNow(); });
 }
 
 TavrinApplication::~TavrinApplication() {
+    sessionEnd.reset();
     // First the threads that wait for an answer are freed, then what they work with goes.
     frontEnd.setWindow(nullptr);
     mainWindow.reset();
@@ -50,6 +53,14 @@ TavrinApplication::~TavrinApplication() {
     ActionList::setSharedActionList(nullptr);
     UserDefaults::setSharedInstance(nullptr);
     SystemLog::setSharedInstance(nullptr);
+}
+
+void TavrinApplication::saveState() { mainController->applicationShouldTerminate(); }
+
+/// A run ends after the item in hand, and a question counts as answered with stop, when all is taken down.
+void TavrinApplication::endNow() {
+    saveState();
+    frontEnd.terminate();
 }
 
 void TavrinApplication::start(const std::vector<std::string>& paths) {

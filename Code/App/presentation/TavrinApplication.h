@@ -14,6 +14,7 @@ namespace tavrin {
 
 class MainController;
 class MainWindow;
+class SessionEnd;
 
 /// The program with its window: makes its parts, starts them, and ends them in order. Made after the
 /// QApplication, on the main thread.
@@ -42,6 +43,9 @@ class TavrinApplication {
     [[nodiscard]] QtRunLoop& runLoop() { return loop; }
 
   private:
+    void saveState();
+    void endNow();
+
     QtRunLoop loop;
     SystemLog systemLog;
     UserDefaults defaults;
@@ -49,6 +53,7 @@ class TavrinApplication {
     QtFrontEnd frontEnd;
     std::unique_ptr<MainController> mainController;
     std::unique_ptr<MainWindow> mainWindow;
+    std::unique_ptr<SessionEnd> sessionEnd;
 };
 
 } // namespace tavrin

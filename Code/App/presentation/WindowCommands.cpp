@@ -7,6 +7,7 @@
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
 #include "presentation/QtText.h"
+#include "presentation/TextCommands.h"
 #include "presentation/dialogs/OrganizePresetsDialog.h"
 #include "presentation/dialogs/PreferencesWindow.h"
 #include "presentation/dialogs/PresetDialog.h"
@@ -18,11 +19,15 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDesktopServices>
 #include <QIcon>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QUrl>
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -32,6 +37,11 @@ namespace tavrin {
 namespace {
 
 using Effect = std::function<void()>;
+
+constexpr const char* contactPage = "https://calderwick.net/tavrin/contact";
+
+/// Commands that have their place and can't do anything yet.
+constexpr std::array<std::string_view, 3> placesOnly{"createDroplet", "migratePresets", "migrateDroplets"};
 
 bool isOn(const TVRNGlobalPreferencesPseudoAction& settings, const char* key) {
     const auto value = settings.valueForKey(key);
@@ -116,8 +126,21 @@ void WindowCommands::Parts::addFileMenu() {
 
 void WindowCommands::Parts::addEditMenu() {
     QMenu* menu = addMenu("&Edit");
-    add(menu, "copyRows", "&Copy Names", {}, [this] { window.previewPane().copySelected(); });
-    add(menu, "pasteFiles", "&Paste Files", {}, [this] { window.previewPane().pasteFiles(); });
+    // Fields of text take these keys themselves; elsewhere copying and pasting is about the list.
+    const auto addForText = [&](const char* slot, const char* text, QKeySequence::StandardKey keys,
+                                Effect otherwise) {
+        add(menu, slot, text, keys, [slot, otherwise = std::move(otherwise)] {
+            if (!TextCommands::perform(slot))
+                otherwise();
+        });
+    };
+    addForText("undo", "&Undo", QKeySequence::Undo, [] {});
+    addForText("redo", "&Redo", QKeySequence::Redo, [] {});
+    menu->addSeparator();
+    addForText("cut", "Cu&t", QKeySequence::Cut, [] {});
+    addForText("copy", "&Copy", QKeySequence::Copy, [this] { window.previewPane().copySelected(); });
+    addForText("paste", "&Paste", QKeySequence::Paste, [this] { window.previewPane().pasteFiles(); });
+    addForText("selectAll", "Select &All", QKeySequence::SelectAll, [] {});
     menu->addSeparator();
     add(menu, "findInList", "&Find in List…", QKeySequence::Find,
         [this] { window.previewPane().openFind(); });
@@ -207,6 +230,9 @@ void WindowCommands::Parts::addPresetsMenu() {
         [this] { PresetDialog::saveAsPreset(&window, services); });
     add(presetsMenu, "organizePresets", "&Organize Presets…", QKeySequence("Ctrl+Shift+S"),
         [this] { OrganizePresetsDialog::open(&window, services); });
+    presetsMenu->addSeparator();
+    add(presetsMenu, "migratePresets", "&Migrate Presets", {}, [] {});
+    add(presetsMenu, "migrateDroplets", "Migrate &Droplets…", {}, [] {});
 }
 
 void WindowCommands::Parts::addHelpMenu() {
@@ -219,6 +245,9 @@ void WindowCommands::Parts::addHelpMenu() {
     add(menu, "showShortcuts", "&Keyboard Shortcuts", QKeySequence("Ctrl+?"),
         [this] { ShortcutsDialog::open(&window); });
     menu->addSeparator();
+    add(menu, "showSnowLeopardHelp", "&File Manager Integration", {},
+        [this] { window.showHelp("helpTopic57"); });
+    add(menu, "contact", "&Contact Us", {}, [] { QDesktopServices::openUrl(QUrl(contactPage)); });
     add(menu, "createProfile", "Create &Error Report", {}, [this] { controller.createProfile(); });
     add(menu, "about", "A&bout Tavrin", {}, [this] {
         auto* box = new QMessageBox(QMessageBox::NoIcon, "About Tavrin",
@@ -240,8 +269,8 @@ WindowCommands::WindowCommands(MainWindow& window, const WindowServices& service
     parts->addPresetsMenu();
     parts->addHelpMenu();
     fillPresetMenu({});
-    // Droplets can't be written yet.
-    parts->actions.at("createDroplet")->setEnabled(false);
+    for (const std::string_view name : placesOnly)
+        parts->actions.find(name)->second->setEnabled(false);
 }
 
 WindowCommands::~WindowCommands() = default;
@@ -279,7 +308,7 @@ void WindowCommands::refresh() {
     const CompositeRenameAction& composite = controller.compositeAction();
     const bool areOn = controller.validateUserInterfaceItem() && !parts->isRunning;
     for (const auto& [name, action] : parts->actions)
-        action->setEnabled(areOn && name != "createDroplet");
+        action->setEnabled(areOn && std::ranges::find(placesOnly, name) == placesOnly.end());
     for (QAction* action : parts->presetActions)
         action->setEnabled(areOn && parts->controller.presetsManager().count() > 0);
     if (!areOn)

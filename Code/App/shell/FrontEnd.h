@@ -118,6 +118,8 @@ class FrontEnd {
     virtual void sizeColumnsToFit() {}
     /// The rows of the list, or which there are, may have changed; so may whether the rename button is on.
     virtual void previewListChanged() {}
+    /// What the list shows is out of date: a preview is due, or has been asked for.
+    virtual void previewRequested() {}
     /// A preview has ended: its result is in the list and in the status line.
     virtual void previewFinished() {}
     /// A run has begun or ended; commands are off during a run.

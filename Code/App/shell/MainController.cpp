@@ -135,7 +135,8 @@ void MainController::cancel() {
 }
 
 void MainController::saveUserDefaults() {
-    composite.saveToPreferences();
+    if (!startSequence.isStoredChainToBeKept())
+        composite.saveToPreferences();
     environment.defaults.setObject("version", version);
     environment.actionList.saveActionParametersToPreferences(settings);
 }

@@ -72,8 +72,10 @@ PreviewControl::PreviewControl(ShellServices& shared, StoreOwner& storeOwner,
 // ---- the delay
 
 void PreviewControl::initiateDelayedPreviewUpdate() {
-    if (followsChanges)
-        previewTimer = services.runLoop.startTimer(previewDelay, false, [this] { delayedPreviewUpdate(); });
+    if (!followsChanges)
+        return;
+    previewTimer = services.runLoop.startTimer(previewDelay, false, [this] { delayedPreviewUpdate(); });
+    services.frontEnd.previewRequested();
 }
 
 void PreviewControl::firePendingPreview() {
@@ -94,6 +96,7 @@ void PreviewControl::updatePreview() {
 }
 
 void PreviewControl::showPreview() {
+    services.frontEnd.previewRequested();
     services.engine.processPreviewPipeline(services.progress);
     showOrHideColumns();
     debugLog("--- previewTable sizetofit");

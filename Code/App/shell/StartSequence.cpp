@@ -4,6 +4,7 @@
 #include "documents/DropletHandOver.h"
 #include "documents/FirstLaunchManager.h"
 #include "documents/PresetsManager.h"
+#include "documents/RecipeFile.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/RenameEngine.h"
 #include "platform/RunLoop.h"
@@ -23,6 +24,20 @@
 #include <array>
 
 namespace tavrin {
+
+namespace {
+
+/// The stored chain checked like one from outside gives a plainer reason than the failure.
+std::string whyUnusable(const UserDefaults& defaults, const std::exception& failure) {
+    const auto stored = defaults.objectForKey("composite action");
+    if (!stored)
+        return failure.what();
+    const auto checked = RecipeFile::checkedFlatParameterList(*stored, "");
+    const auto* error = std::get_if<RecipeError>(&checked);
+    return error ? error->message : failure.what();
+}
+
+} // namespace
 
 StartSequence::StartSequence(ShellServices& shared, Units otherUnits, Options startOptions)
     : services(shared), units(otherUnits), options(std::move(startOptions)),
@@ -108,6 +123,7 @@ void StartSequence::readSettingsFromDroplet() {
         return;
     }
     units.sources.addFilePaths(handOver.fileList, true);
+    units.sources.finishWork();
     units.mode = OperationMode::dropletRun;
 }
 
@@ -117,9 +133,14 @@ void StartSequence::loadChain() {
     try {
         services.composite.loadFromPreferences();
     } catch (const std::exception& failure) {
-        services.frontEnd.presentError(
-            fmt::format("The list of actions that was stored can't be used. {}", failure.what()));
+        chainInPlaceOfStored = services.composite.getFlatParameterList();
+        services.frontEnd.presentError(fmt::format("The list of actions that was stored can't be used. {}",
+                                                   whyUnusable(services.defaults, failure)));
     }
+}
+
+bool StartSequence::isStoredChainToBeKept() const {
+    return chainInPlaceOfStored && *chainInPlaceOfStored == services.composite.getFlatParameterList();
 }
 
 void StartSequence::connectObservers() {

@@ -3,10 +3,12 @@
 #include "actions/ActionObserver.h"
 #include "shell/OperationMode.h"
 #include "shell/ShellServices.h"
+#include "support/PropertyValue.h"
 
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,6 +49,9 @@ class StartSequence {
 
     void applicationDidFinishLaunching();
     [[nodiscard]] bool hasFinishedInitializing() const { return isFinished; }
+    /// Whether the stored chain could not be used and nothing has been made in its place: a version that knows
+    /// its actions is to find it as it was.
+    [[nodiscard]] bool isStoredChainToBeKept() const;
 
   private:
     void firstLaunch();
@@ -66,6 +71,7 @@ class StartSequence {
     Options options;
     bool isFirstLaunch = false;
     bool isFinished = false;
+    std::optional<PropertyDictionary> chainInPlaceOfStored; ///< what came up where the stored one was no good
     std::vector<std::shared_ptr<void>> observations;
     std::shared_ptr<char> lifetime; ///< for posted actions that come late
 };

@@ -59,7 +59,10 @@ class OrganizeWindow final : public QDialog {
         connect(filter, &QLineEdit::textChanged, this, [this] { applyFilter(); });
         connect(list, &QTreeWidget::itemSelectionChanged, this, [this] { enableButtons(); });
         connect(list, &QTreeWidget::itemDoubleClicked, this, [this] { edit(); });
-        connect(this, &QDialog::finished, this, [this] { services.controller.updatePresetsMenu(); });
+        connect(this, &QDialog::finished, this, [this] {
+            manager.loadPresets();
+            services.controller.updatePresetsMenu();
+        });
         updateList();
     }
 

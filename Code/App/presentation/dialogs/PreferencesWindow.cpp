@@ -2,6 +2,7 @@
 
 #include "actions/SortBasedAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/FileManager.h"
 #include "platform/UserDefaults.h"
 #include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
@@ -71,6 +72,7 @@ class Window final : public QDialog {
         addEqualNames();
         addSafety();
         addDroplets();
+        addDesktop();
         connect(contents, &QListWidget::currentRowChanged, pages, &QStackedWidget::setCurrentIndex);
         contents->setCurrentRow(0);
         auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
@@ -226,6 +228,19 @@ class Window final : public QDialog {
         addSetting(page, "silentDroplet", "Create &silent droplets");
         addHelp(page, "About silent droplets", "helpTopic19");
         addSetting(page, "lockedDroplet", "&Prevent users from editing droplets");
+        page.addStretch(1);
+    }
+
+    void addDesktop() {
+        QVBoxLayout& page = addPage("Desktop");
+        auto* note = new QLabel("Files can be sent to Tavrin from the menus of file managers.");
+        note->setWordWrap(true);
+        page.addWidget(note);
+        auto* update = new QPushButton("&Update the Entry in the Menus");
+        update->setObjectName("forceServicesMenuUpdate");
+        page.addWidget(update, 0, Qt::AlignLeft);
+        connect(update, &QPushButton::clicked, this, [] { FileManager::instance().updateServicesMenu(); });
+        addHelp(page, "About file managers and the terminal", "helpTopic57");
         page.addStretch(1);
     }
 

@@ -96,7 +96,9 @@ void PresetDialog::saveAsPreset(QWidget* parent, const WindowServices& services)
     auto* window = new PresetWindow(parent, manager, u"Untitled", u"", true);
     window->setSave(
         [parent, services, &manager](const std::u16string& name, const std::u16string& description) {
+            manager.createPresetsFolders(); // somebody may have removed them
             tellFailure(parent, manager.createPresetFromCurrentActionsWithName(name, description));
+            manager.loadPresets();
             services.controller.updatePresetsMenu();
         });
     window->open();
@@ -113,7 +115,8 @@ void PresetDialog::edit(QWidget* parent, const WindowServices& services, std::si
             tellFailure(parent, name == oldName ? manager.changeDescription(description, path)
                                                 : manager.changeNameAtPath(path, name, description));
         });
-    QObject::connect(window, &QDialog::finished, window, [services, then = std::move(then)] {
+    QObject::connect(window, &QDialog::finished, window, [services, &manager, then = std::move(then)] {
+        manager.loadPresets();
         services.controller.updatePresetsMenu();
         then();
     });

@@ -10,7 +10,9 @@
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QTextBrowser>
+#include <QToolButton>
 #include <QVBoxLayout>
+#include <vector>
 
 namespace tavrin {
 
@@ -18,16 +20,30 @@ namespace {
 
 constexpr int pageRole = Qt::UserRole;
 
+struct Place {
+    std::size_t page = 0;
+    QString anchor = {};
+    bool operator==(const Place&) const = default;
+};
+
 } // namespace
 
 struct HelpWindow::Parts {
     HelpPages pages;
+    std::vector<Place> history; ///< the present place is the one at `current`
+    std::size_t current = 0;
+    QToolButton* backButton = new QToolButton;
+    QToolButton* forwardButton = new QToolButton;
     QLineEdit* filter = new QLineEdit;
     QListWidget* contents = new QListWidget;
     QTextBrowser* browser = new QTextBrowser;
 
     void applyFilter();
-    void show(std::size_t page, const QString& anchor);
+    void show(const Place& place);
+    /// Shows another place and keeps the way back.
+    void goTo(Place place);
+    void goBy(std::ptrdiff_t steps);
+    QWidget* buildBar(HelpWindow& window);
 };
 
 void HelpWindow::Parts::applyFilter() {
@@ -37,12 +53,58 @@ void HelpWindow::Parts::applyFilter() {
     }
 }
 
-void HelpWindow::Parts::show(std::size_t page, const QString& anchor) {
-    browser->setHtml(pages.html(page));
-    if (!anchor.isEmpty())
-        browser->scrollToAnchor(anchor);
+void HelpWindow::Parts::show(const Place& place) {
+    browser->setHtml(pages.html(place.page));
+    if (!place.anchor.isEmpty())
+        browser->scrollToAnchor(place.anchor);
     const QSignalBlocker blocker(contents);
-    contents->setCurrentRow(static_cast<int>(page));
+    contents->setCurrentRow(static_cast<int>(place.page));
+    backButton->setEnabled(current > 0);
+    forwardButton->setEnabled(current + 1 < history.size());
+}
+
+void HelpWindow::Parts::goTo(Place place) {
+    if (history.empty() || history[current] != place) {
+        if (!history.empty())
+            history.resize(++current);
+        history.push_back(std::move(place));
+    }
+    show(history[current]);
+}
+
+void HelpWindow::Parts::goBy(std::ptrdiff_t steps) {
+    const auto wanted = static_cast<std::ptrdiff_t>(current) + steps;
+    if (wanted < 0 || wanted >= std::ssize(history))
+        return;
+    current = static_cast<std::size_t>(wanted);
+    show(history[current]);
+}
+
+QWidget* HelpWindow::Parts::buildBar(HelpWindow& window) {
+    auto* bar = new QWidget;
+    auto* layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    const auto prepare = [&](QToolButton* button, const char* name, const char* text, Qt::ArrowType arrow,
+                             QKeySequence::StandardKey keys, int steps) {
+        button->setObjectName(name);
+        button->setArrowType(arrow);
+        button->setAutoRaise(true);
+        button->setAccessibleName(text);
+        button->setToolTip(
+            QString("%1 (%2)").arg(text, QKeySequence(keys).toString(QKeySequence::NativeText)));
+        auto* action = new QAction(&window);
+        action->setShortcuts(keys);
+        window.addAction(action);
+        const auto go = [this, steps] { goBy(steps); };
+        connect(button, &QToolButton::clicked, &window, go);
+        connect(action, &QAction::triggered, &window, go);
+        layout->addWidget(button);
+    };
+    prepare(backButton, "helpBack", "Back", Qt::LeftArrow, QKeySequence::Back, -1);
+    prepare(forwardButton, "helpForward", "Forward", Qt::RightArrow, QKeySequence::Forward, 1);
+    layout->addWidget(filter, 1);
+    return bar;
 }
 
 HelpWindow::HelpWindow() : parts(std::make_unique<Parts>()) {
@@ -59,7 +121,7 @@ HelpWindow::HelpWindow() : parts(std::make_unique<Parts>()) {
     auto* left = new QWidget;
     auto* leftLayout = new QVBoxLayout(left);
     leftLayout->setContentsMargins(8, 8, 0, 8);
-    leftLayout->addWidget(parts->filter);
+    leftLayout->addWidget(parts->buildBar(*this));
     leftLayout->addWidget(parts->contents, 1);
     auto* splitter = new QSplitter;
     splitter->addWidget(left);
@@ -72,7 +134,7 @@ HelpWindow::HelpWindow() : parts(std::make_unique<Parts>()) {
     connect(parts->filter, &QLineEdit::textChanged, this, [this] { parts->applyFilter(); });
     connect(parts->contents, &QListWidget::currentRowChanged, this, [this](int row) {
         if (row >= 0)
-            parts->show(static_cast<std::size_t>(row), QString());
+            parts->goTo({static_cast<std::size_t>(row)});
     });
     connect(parts->browser, &QTextBrowser::anchorClicked, this, [this](const QUrl& link) {
         const std::string anchor = link.fragment().toStdString();
@@ -95,7 +157,7 @@ void HelpWindow::showAnchor(std::string_view anchor) {
         }
     }
     const QString wanted = toQString(anchor);
-    parts->show(parts->pages.pageOfAnchor(wanted).value_or(0), wanted);
+    parts->goTo({parts->pages.pageOfAnchor(wanted).value_or(0), wanted});
 }
 
 } // namespace tavrin
