@@ -31,7 +31,7 @@ class Panels : public WindowFixture {
         if (auto* spin = dynamic_cast<QSpinBox*>(control)) {
             const int wanted = spin->value() == spin->maximum() ? spin->value() - 1 : spin->value() + 1;
             QTest::keyClick(spin, wanted > spin->value() ? Qt::Key_Up : Qt::Key_Down);
-            return wanted - shownOffsetOf(parameter.key);
+            return wanted - parameter.shownOffset;
         }
         if (auto* check = dynamic_cast<QCheckBox*>(control)) {
             const bool wasOn = check->isChecked();

@@ -8,7 +8,7 @@
 
 namespace tavrin {
 
-BaseAction::BaseAction() { addParameter(checkboxParameter("active", "Active", 1, 0)); }
+BaseAction::BaseAction() { addParameter(checkboxParameter("active", "Active", 1, 0).hidden()); }
 
 BaseAction::~BaseAction() = default;
 
@@ -47,6 +47,12 @@ void BaseAction::setDefault(std::string_view key, ParameterDefault whenNew) {
         if (row.key == key)
             row.whenNew = whenNew;
     store(propertyValue(whenNew), key);
+}
+
+void BaseAction::hideParameter(std::string_view key) {
+    for (auto& row : rows)
+        if (row.key == key)
+            row.isHidden = true;
 }
 
 void BaseAction::refreshCaches() {

@@ -93,6 +93,8 @@ class BaseAction {
     void addParameter(const ParameterDescription& row, std::u16string& field);
     /// Another default for a new action than that of the row added by the base.
     void setDefault(std::string_view key, ParameterDefault whenNew);
+    /// Takes the row of a parameter of the base, which is of no use here, out of the panel.
+    void hideParameter(std::string_view key);
 
     /// Brings the values into the cached fields. Overrides call their base first, then derive what they need;
     /// no file access and no interface work.

@@ -16,7 +16,8 @@ constexpr std::array<ParameterChoice, 4> fragmentChoices{{
 } // namespace
 
 BaseRenameAction::BaseRenameAction() {
-    addParameter(choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1, 0),
+    // It has a selector of its own.
+    addParameter(choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1, 0).hidden(),
                  paramFragmentSelectionMode);
 }
 

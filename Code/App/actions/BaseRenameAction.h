@@ -51,10 +51,21 @@ class BaseRenameAction : public BaseAction {
     [[nodiscard]] virtual bool usesTagLibrary() const { return false; }
     /// The anchor of the action's page in the help; empty when it has none of its own.
     [[nodiscard]] virtual std::string_view helpAnchor() const { return {}; }
-    /// A menu of ready-made values for the parameters, row by row; empty where there is none.
+    /// A sentence for the user about what the action does with its present parameters; empty where they speak
+    /// for themselves.
+    [[nodiscard]] virtual std::u16string explanation() const { return {}; }
+    /// The first values of the sequence that the action counts through; empty for others. The caches are
+    /// fresh.
+    [[nodiscard]] virtual std::vector<std::u16string> firstValues() const { return {}; }
+    /// Why the action can't work with its present parameters; empty when it can. The caches are fresh.
+    [[nodiscard]] virtual std::string failure() const { return {}; }
+    /// A menu of ready-made values for the parameters, row by row, empty rows being no choice; empty where
+    /// there is none.
     [[nodiscard]] virtual std::span<const std::string_view> patternMenu() const { return {}; }
     /// Puts in the values of a row, counted from 0. A row that has none does what its action says.
     virtual void selectPattern(std::int32_t) {}
+    /// What stands on the button of that menu.
+    [[nodiscard]] virtual std::string_view patternMenuTitle() const { return "Ready-made"; }
     /// In points.
     [[nodiscard]] virtual double preferredTagLibraryDisplayHeight() const { return 100.0; }
 

@@ -72,6 +72,43 @@ ParameterDescription ParameterDescription::shownWhen(std::string_view otherKey, 
     return copy;
 }
 
+ParameterDescription ParameterDescription::offWhen(std::string_view otherKey, std::int32_t value) const {
+    ParameterDescription copy = *this;
+    copy.offWhenKey = otherKey;
+    copy.offWhenValue = value;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::in(PanelSection part) const {
+    ParameterDescription copy = *this;
+    copy.section = part;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::beside(std::string_view otherKey) const {
+    ParameterDescription copy = *this;
+    copy.besideKey = otherKey;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::under(std::string_view heading) const {
+    ParameterDescription copy = *this;
+    copy.head = heading;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::shownMore(std::int32_t offset) const {
+    ParameterDescription copy = *this;
+    copy.shownOffset = offset;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::hidden() const {
+    ParameterDescription copy = *this;
+    copy.isHidden = true;
+    return copy;
+}
+
 ParameterDescription ParameterDescription::between(std::int32_t least, std::int32_t most) const {
     ParameterDescription copy = *this;
     copy.minimum = least;

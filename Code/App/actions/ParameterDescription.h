@@ -22,6 +22,15 @@ enum class ParameterKind {
     status,    ///< a text that the action writes for the user to read
 };
 
+/// The parts of a panel, from top to bottom; in each, the rows have the order of the table.
+enum class PanelSection : std::uint8_t {
+    front,     ///< what comes before anything else
+    own,       ///< what the action is about
+    behind,    ///< what follows it
+    placement, ///< where in the name it goes
+    order,     ///< in which order the items are taken
+};
+
 struct ParameterChoice {
     std::int32_t value;
     std::string_view label;
@@ -44,9 +53,23 @@ struct ParameterDescription {
     /// Of use only while the number parameter of this key has the value `shownWhenValue`; always where empty.
     std::string_view shownWhenKey = {};
     std::int32_t shownWhenValue = 0;
+    /// Without effect while the number parameter of this key has the value `offWhenValue`.
+    std::string_view offWhenKey = {};
+    std::int32_t offWhenValue = 0;
+    PanelSection section = PanelSection::own;
+    std::string_view besideKey = {}; ///< the parameter in whose row of a panel this one stands
+    std::string_view head = {};      ///< a heading above the row
+    std::int32_t shownOffset = 0;    ///< added to a number wherever it is shown
+    bool isHidden = false;           ///< kept in stored lists, but not to be chosen in a panel
 
     /// A copy with that condition.
     [[nodiscard]] ParameterDescription shownWhen(std::string_view otherKey, std::int32_t value) const;
+    [[nodiscard]] ParameterDescription offWhen(std::string_view otherKey, std::int32_t value) const;
+    [[nodiscard]] ParameterDescription in(PanelSection part) const;
+    [[nodiscard]] ParameterDescription beside(std::string_view otherKey) const;
+    [[nodiscard]] ParameterDescription under(std::string_view heading) const;
+    [[nodiscard]] ParameterDescription shownMore(std::int32_t offset) const;
+    [[nodiscard]] ParameterDescription hidden() const;
     /// A copy for numbers that make sense from `least` to `most`: a help for whoever edits, no check.
     [[nodiscard]] ParameterDescription between(std::int32_t least, std::int32_t most) const;
     [[nodiscard]] bool isText() const { return std::holds_alternative<std::u16string_view>(whenNew); }

@@ -34,11 +34,17 @@ constexpr std::span<const ParameterChoice> secondSortingModes(sortingModes.data(
 std::span<const ParameterChoice> sortingModeChoices() { return sortingModes; }
 
 SortBasedAction::SortBasedAction() {
-    addParameter(checkboxParameter("sortEachFolderSeparately", "Start again in each folder", 0, 0),
-                 paramSortEachFolderSeparately);
-    addParameter(choiceParameter("sortingMode", "First", sortingModes, smartNameSorting, 0),
+    addParameter(choiceParameter("sortingMode", "First", sortingModes, smartNameSorting, 0)
+                     .in(PanelSection::order)
+                     .under("Order"),
                  paramSortingOrder);
-    addParameter(choiceParameter("sortingMode2", "Then", secondSortingModes, 0, 0), paramSortingOrder2);
+    addParameter(choiceParameter("sortingMode2", "Then", secondSortingModes, 0, 0)
+                     .in(PanelSection::order)
+                     .offWhen("sortingMode", manualSorting),
+                 paramSortingOrder2);
+    addParameter(checkboxParameter("sortEachFolderSeparately", "Start again in each folder", 0, 0)
+                     .in(PanelSection::order),
+                 paramSortEachFolderSeparately);
 }
 
 std::int32_t SortBasedAction::getSortingMode() const {

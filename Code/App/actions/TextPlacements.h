@@ -37,8 +37,10 @@ template <typename Base> class AtEnd : public Base {
 template <typename Base> class AtPosition : public Base {
   public:
     AtPosition() {
-        this->addParameter(numberParameter("position", "At", 0, 0).between(0, 9999), position);
-        this->addParameter(choiceParameter("mode", "Counted", positionModeChoices(), 0, 0), mode);
+        this->addParameter(
+            numberParameter("position", "At", 0, 0).between(0, 9999).in(PanelSection::placement), position);
+        this->addParameter(choiceParameter("mode", "Counted", positionModeChoices(), 0, 0).beside("position"),
+                           mode);
     }
 
   protected:
@@ -56,9 +58,13 @@ template <typename Base> class AtPosition : public Base {
 template <typename Base> class BesideText : public Base {
   public:
     BesideText() {
-        this->addParameter(textParameter("searchTerm", "Text to find"), searchTerm);
-        this->addParameter(choiceParameter("mode", "Which one", occurrenceChoices(), 0, 0), mode);
-        this->addParameter(checkboxParameter("ignoreCase", "Ignore case", 1, 0), ignoreCase);
+        this->addParameter(textParameter("searchTerm", "Text to find").in(PanelSection::placement),
+                           searchTerm);
+        this->addParameter(
+            choiceParameter("mode", "Which one", occurrenceChoices(), 0, 0).in(PanelSection::placement),
+            mode);
+        this->addParameter(checkboxParameter("ignoreCase", "Ignore case", 1, 0).in(PanelSection::placement),
+                           ignoreCase);
     }
 
   protected:
@@ -97,8 +103,8 @@ template <typename Base> class AfterText : public BesideText<Base> {
 template <typename Base> class WholeName : public Base {
   public:
     WholeName() {
-        this->addParameter(textParameter("prefix", "Text in front"), prefix);
-        this->addParameter(textParameter("suffix", "Text behind"), suffix);
+        this->addParameter(textParameter("prefix", "Text in front").in(PanelSection::front), prefix);
+        this->addParameter(textParameter("suffix", "Text behind").in(PanelSection::behind), suffix);
     }
 
   protected:

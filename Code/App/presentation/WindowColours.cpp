@@ -44,6 +44,23 @@ bool WindowColours::isDark(const QPalette& palette) {
 
 const WindowColours& WindowColours::of(const QPalette& palette) { return isDark(palette) ? dark : light; }
 
+bool WindowColours::isOwn(const QPalette& palette) {
+    const QPalette own = WindowColours::palette(isDark(palette));
+    return palette.color(QPalette::Window) == own.color(QPalette::Window) &&
+           palette.color(QPalette::Highlight) == own.color(QPalette::Highlight);
+}
+
+QColor WindowColours::accentOf(const QPalette& palette) { return palette.color(QPalette::Link); }
+
+QColor WindowColours::chosenGround(const QPalette& palette) {
+    constexpr float share = 0.2F;
+    const QColor ground = palette.color(QPalette::Base);
+    const QColor accent = accentOf(palette);
+    const auto mixed = [](float of, float with) { return of + (with - of) * share; };
+    return QColor::fromRgbF(mixed(ground.redF(), accent.redF()), mixed(ground.greenF(), accent.greenF()),
+                            mixed(ground.blueF(), accent.blueF()));
+}
+
 QPalette WindowColours::palette(bool isDark) {
     QPalette palette;
     const auto set = [&](QPalette::ColorRole role, QRgb lightColour, QRgb darkColour) {

@@ -80,6 +80,9 @@ class FoldStringAction final : public BaseRenameAction {
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{}, u"Crème Brûlée.txt", u"Creme Brulee.txt"}};
     }
+    [[nodiscard]] std::u16string explanation() const override {
+        return u"Removes accents and other marks from letters.";
+    }
 
   protected:
     void processName(std::u16string_view fragment, const InputContext&, OutputContext&,

@@ -21,7 +21,7 @@ constexpr std::array<std::u16string_view, 6> patterns{
     u"0123456789",
     u" !\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~",
 };
-constexpr std::array<std::string_view, 6> patternTitles{"Add",      "All printable", "A\u2013Z",
+constexpr std::array<std::string_view, 6> patternTitles{"",         "All printable", "A\u2013Z",
                                                         "a\u2013z", "0\u20139",      "Punctuation"};
 
 /// Keeps what a text contains, but never empties a name.
@@ -40,6 +40,7 @@ class KeepOnlySpecificCharactersAction final : public BaseRenameAction {
                 {{{"string", u"0123456789"}}, u"IMG_4021.JPG", u"4021.JPG"}};
     }
     [[nodiscard]] std::span<const std::string_view> patternMenu() const override { return patternTitles; }
+    [[nodiscard]] std::string_view patternMenuTitle() const override { return "Add"; }
     void selectPattern(std::int32_t index) override;
 
   protected:
@@ -104,6 +105,7 @@ class RemoveVowelsAction final : public BaseRenameAction {
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{}, u"Yellow Submarine.mp3", u"llw Sbmrn.mp3"}};
     }
+    [[nodiscard]] std::u16string explanation() const override { return u"Removes a, e, i, o, u and y."; }
 
   protected:
     void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
@@ -122,6 +124,9 @@ class RemoveTrailingSpacesAction final : public BaseRenameAction {
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{}, u"letter  .txt", u"letter.txt"}};
+    }
+    [[nodiscard]] std::u16string explanation() const override {
+        return u"Removes blanks at the end of the name.";
     }
 
   protected:

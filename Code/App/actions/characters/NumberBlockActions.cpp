@@ -80,7 +80,7 @@ class ChangeNumbersAction final : public BaseRenameAction {
     ChangeNumbersAction() {
         addParameter(choiceParameter("blockMode", "Which number", occurrenceChoices(), 6, 6), paramBlockMode);
         addParameter(choiceParameter("operationMode", "Change", operations, 0, 0), paramOperationMode);
-        addParameter(numberParameter("operand", "By", 0, 0), paramOperand);
+        addParameter(numberParameter("operand", "By", 0, 0).beside("operationMode"), paramOperand);
         addParameter(numberParameter("padding", "Digits", 1, 1).between(0, 20), paramPadding);
     }
     [[nodiscard]] std::string actionName() const override { return name; }

@@ -52,6 +52,9 @@ class TruncateToDOSAction final : public BaseRenameAction {
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{{"fragmentSelection", 0}}, u"longfilename.jpeg", u"longfile.jpe"}};
     }
+    [[nodiscard]] std::u16string explanation() const override {
+        return u"Shortens names to 8 characters, a dot and 3 characters.";
+    }
 
   protected:
     void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
@@ -67,11 +70,18 @@ class ConvertToMacOS9Action final : public TruncateAction {
   public:
     static constexpr const char* name = "Convert to Mac OS 9";
 
-    ConvertToMacOS9Action() { setDefault("fragmentSelection", 0); }
+    ConvertToMacOS9Action() {
+        setDefault("fragmentSelection", 0);
+        hideParameter("numberOfCharacters");
+        hideParameter("smart");
+    }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] bool isFragmentSelectionSupported() const override { return false; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{}, u"minutes of the meeting in spring.txt", u"minutes of the meeting in s.txt"}};
+    }
+    [[nodiscard]] std::u16string explanation() const override {
+        return u"Shortens names to 31 characters. The extension is kept.";
     }
 
   protected:

@@ -65,8 +65,10 @@ class AddDateAtPositionAction final : public RenameToDateAction {
     static constexpr const char* name = "Add date at position";
 
     AddDateAtPositionAction() {
-        addParameter(numberParameter("position", "At", 0, 0).between(0, 9999), paramPosition);
-        addParameter(choiceParameter("mode2", "Counted", positionModeChoices(), 0, 0), paramPositionMode);
+        addParameter(numberParameter("position", "At", 0, 0).between(0, 9999).in(PanelSection::placement),
+                     paramPosition);
+        addParameter(choiceParameter("mode2", "Counted", positionModeChoices(), 0, 0).beside("position"),
+                     paramPositionMode);
     }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {

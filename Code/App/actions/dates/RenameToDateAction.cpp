@@ -33,7 +33,7 @@ RenameToDateAction::RenameToDateAction() {
                  paramTimePatternIndex);
     addParameter(choiceParameter("separatorMode", "Order", separatorChoices, 0, 0), paramSeparatorMode);
     addParameter(checkboxParameter("uppercaseAmPm", "AM/PM in capitals", 1, 1), paramUppercase);
-    addParameter(numberParameter("version", "Version of the patterns", 1, 1).between(1, 1));
+    addParameter(numberParameter("version", "Version of the patterns", 1, 1).between(1, 1).hidden());
 }
 
 std::span<const ParameterChoice> RenameToDateAction::dateMenuItems() const {

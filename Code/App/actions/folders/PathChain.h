@@ -23,7 +23,7 @@ class PathChain {
 
     /// `add` takes a row and the field that caches it.
     template <typename Add> void addParameters(Add add) {
-        add(numberParameter("levels", "Further folders", 0, 0).between(0, 98), levels);
+        add(numberParameter("levels", "Folders", 0, 0).between(0, 98).shownMore(1), levels);
         add(choiceParameter("exceptionMode", "If there are fewer", exceptionChoices(), 0, 0), exceptionMode);
         add(textParameter("prefix", "Text in front", u"_"), prefix);
         add(textParameter("pathSeparator", "Between", u"_"), pathSeparator);

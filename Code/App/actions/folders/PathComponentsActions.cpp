@@ -16,8 +16,8 @@ class AddPathComponentsAction : public AddFolderNameAction {
   public:
     AddPathComponentsAction() {
         // Of no effect here, but kept for stored lists.
-        addParameter(checkboxParameter("leadingSpace", "Not used", 0, 1));
-        addParameter(checkboxParameter("trailingSpace", "Not used", 0, 1));
+        addParameter(checkboxParameter("leadingSpace", "Not used", 0, 1).hidden());
+        addParameter(checkboxParameter("trailingSpace", "Not used", 0, 1).hidden());
         chain.addParameters(
             [this](const ParameterDescription& row, auto& field) { addParameter(row, field); });
     }

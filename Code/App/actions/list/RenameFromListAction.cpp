@@ -29,7 +29,8 @@ std::string errorOnLine(int line) { return fmt::format("Error on line {}. Nothin
 RenameFromListAction::RenameFromListAction() {
     addParameter(ofKind(ParameterKind::file, textParameter("listFilePath", "List", noFile)),
                  paramListFilePath);
-    addParameter(ofKind(ParameterKind::status, textParameter("status", "Status", u"Nothing loaded.")));
+    addParameter(ofKind(ParameterKind::status, textParameter("status", "Status", u"Nothing loaded."))
+                     .beside("listFilePath"));
     addParameter(checkboxParameter("ignoreCase", "Ignore case of current names", 1, 1), paramIgnoreCase);
 }
 

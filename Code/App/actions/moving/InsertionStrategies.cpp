@@ -17,8 +17,10 @@ void AddToEndInsertionStrategy::insert(std::u16string_view text, std::u16string_
 }
 
 void PositionInsertionStrategy::addParametersTo(ContentBasedAction& action) {
-    action.addParameter(numberParameter("position", "At", 0, 0), position);
-    action.addParameter(choiceParameter("mode", "Counted", positionModeChoices(), 0, 0), mode);
+    action.addParameter(numberParameter("position", "At", 0, 0).between(0, 9999).in(PanelSection::placement),
+                        position);
+    action.addParameter(choiceParameter("mode", "Counted", positionModeChoices(), 0, 0).beside("position"),
+                        mode);
 }
 
 void PositionInsertionStrategy::insert(std::u16string_view text, std::u16string_view into,
@@ -27,9 +29,11 @@ void PositionInsertionStrategy::insert(std::u16string_view text, std::u16string_
 }
 
 void InFrontOfExistingTextInsertionStrategy::addParametersTo(ContentBasedAction& action) {
-    action.addParameter(textParameter("searchTerm", "Text to find"), searchTerm);
-    action.addParameter(choiceParameter("mode", "Which one", occurrenceChoices(), 0, 0), mode);
-    action.addParameter(checkboxParameter(ignoreCaseKey, "Ignore case", 1, 0), ignoreCase);
+    action.addParameter(textParameter("searchTerm", "Text to find").in(PanelSection::placement), searchTerm);
+    action.addParameter(
+        choiceParameter("mode", "Which one", occurrenceChoices(), 0, 0).in(PanelSection::placement), mode);
+    action.addParameter(checkboxParameter(ignoreCaseKey, "Ignore case", 1, 0).in(PanelSection::placement),
+                        ignoreCase);
 }
 
 void InFrontOfExistingTextInsertionStrategy::prepareParameters() {

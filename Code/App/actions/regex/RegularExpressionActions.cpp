@@ -11,6 +11,11 @@ namespace {
 /// What both actions on regular expressions share. A pattern that is refused or takes too long for a name
 /// stops nothing and leaves a line in the debug log.
 class ExpressionAction : public BaseRenameAction {
+  public:
+    [[nodiscard]] std::string failure() const override {
+        return paramSearchPattern.empty() ? std::string() : expression.failure();
+    }
+
   protected:
     explicit ExpressionAction(std::string_view labelOfReplacement) {
         addParameter(textParameter("searchPattern", "Pattern"), paramSearchPattern);
@@ -70,6 +75,9 @@ class RegExAction final : public ExpressionAction {
     RegExAction() : ExpressionAction("New name") {}
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic61"; }
+    [[nodiscard]] std::u16string explanation() const override {
+        return u"$1 to $8 stand for groups; text outside the match is dropped. The list shows groups 1 to 6.";
+    }
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{{"searchPattern", u"(\\d+)-(\\d+)"}, {"replacementTerm", u"$2_$1"}},
                  u"x12-34y.txt",

@@ -60,13 +60,24 @@ void AlphabeticalListBasedAction::prepareParameters() {
 }
 
 std::u16string_view AlphabeticalListBasedAction::getFormattedAlphabeticalString(const InputContext& input) {
-    const std::int64_t distance = (std::int64_t{getSortIndex(input)} - 1) * paramStepValue;
-    const std::uint64_t sum = static_cast<std::uint64_t>(startNumber) + static_cast<std::uint64_t>(distance);
-    formatted.clear();
-    appendReversed(std::max<std::int64_t>(static_cast<std::int64_t>(sum), 0), formatted);
-    formatted.resize(std::max(formatted.size(), static_cast<std::size_t>(paramPadding)), u'A');
-    std::reverse(formatted.begin(), formatted.end());
+    setLettersAfter(std::int64_t{getSortIndex(input)} - 1, formatted);
     return formatted;
+}
+
+std::vector<std::u16string> AlphabeticalListBasedAction::firstValues() const {
+    std::vector<std::u16string> values(3);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        setLettersAfter(static_cast<std::int64_t>(i), values[i]);
+    return values;
+}
+
+void AlphabeticalListBasedAction::setLettersAfter(std::int64_t steps, std::u16string& letters) const {
+    const std::int64_t distance = steps * paramStepValue;
+    const std::uint64_t sum = static_cast<std::uint64_t>(startNumber) + static_cast<std::uint64_t>(distance);
+    letters.clear();
+    appendReversed(std::max<std::int64_t>(static_cast<std::int64_t>(sum), 0), letters);
+    letters.resize(std::max(letters.size(), static_cast<std::size_t>(paramPadding)), u'A');
+    std::reverse(letters.begin(), letters.end());
 }
 
 } // namespace tavrin

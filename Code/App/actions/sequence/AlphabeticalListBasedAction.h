@@ -14,6 +14,7 @@ class AlphabeticalListBasedAction : public SortBasedAction {
     AlphabeticalListBasedAction();
 
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
+    [[nodiscard]] std::vector<std::u16string> firstValues() const override;
     /// A start value comes back in its normal form: capital letters, of the first six code units, without
     /// leading "A"s.
     [[nodiscard]] PropertyValue validatedValue(const PropertyValue& value,
@@ -36,6 +37,8 @@ class AlphabeticalListBasedAction : public SortBasedAction {
     }
 
   private:
+    /// Puts in the letters of the item that comes after so many others.
+    void setLettersAfter(std::int64_t steps, std::u16string& letters) const;
     /// Checks the start value before it is stored.
     [[nodiscard]] static std::u16string validateStartValue(std::u16string_view proposed);
 

@@ -45,8 +45,8 @@ class InsertNumberAtPositionAction final : public placement::AtPosition<SortNumb
 
     InsertNumberAtPositionAction() {
         // Kept for stored lists, which have them.
-        addParameter(textParameter("prefix", "Not used"));
-        addParameter(textParameter("suffix", "Not used"));
+        addParameter(textParameter("prefix", "Not used").hidden());
+        addParameter(textParameter("suffix", "Not used").hidden());
     }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {

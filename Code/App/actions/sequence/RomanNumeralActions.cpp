@@ -43,8 +43,8 @@ class InsertRomanAtPositionAction final : public placement::AtPosition<RomanNume
 
     InsertRomanAtPositionAction() {
         // Kept for stored lists, which have them.
-        addParameter(textParameter("prefix", "Not used"));
-        addParameter(textParameter("suffix", "Not used"));
+        addParameter(textParameter("prefix", "Not used").hidden());
+        addParameter(textParameter("suffix", "Not used").hidden());
     }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {

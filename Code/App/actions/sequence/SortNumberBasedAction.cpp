@@ -45,8 +45,14 @@ std::optional<std::u16string> SortNumberBasedAction::romanNumeral(std::int32_t n
     return numeral;
 }
 
-std::int32_t SortNumberBasedAction::value(const InputContext& input) const {
-    const auto steps = static_cast<std::uint32_t>(getSortIndex(input)) - 1U;
+std::vector<std::u16string> SortNumberBasedAction::firstValues() const {
+    std::vector<std::u16string> values(3);
+    for (std::uint32_t i = 0; i < values.size(); ++i)
+        appendPaddedNumber(valueAfter(i), paramPadding, values[i]);
+    return values;
+}
+
+std::int32_t SortNumberBasedAction::valueAfter(std::uint32_t steps) const {
     return static_cast<std::int32_t>(steps * static_cast<std::uint32_t>(paramStepValue) +
                                      static_cast<std::uint32_t>(paramStartValue));
 }

@@ -13,6 +13,7 @@ class SortNumberBasedAction : public SortBasedAction {
     SortNumberBasedAction();
 
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
+    [[nodiscard]] std::vector<std::u16string> firstValues() const override;
 
     /// Absent from 4001 on; empty for zero and negative numbers.
     [[nodiscard]] static std::optional<std::u16string> romanNumeral(std::int32_t number);
@@ -30,7 +31,11 @@ class SortNumberBasedAction : public SortBasedAction {
     }
 
   private:
-    [[nodiscard]] std::int32_t value(const InputContext& input) const;
+    /// The number of the item that comes after so many others.
+    [[nodiscard]] std::int32_t valueAfter(std::uint32_t steps) const;
+    [[nodiscard]] std::int32_t value(const InputContext& input) const {
+        return valueAfter(static_cast<std::uint32_t>(getSortIndex(input)) - 1U);
+    }
 
     std::int32_t paramStartValue = 1;
     std::int32_t paramStepValue = 1;

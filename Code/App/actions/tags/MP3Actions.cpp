@@ -59,6 +59,9 @@ class MP3Action : public BaseRenameAction {
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
     [[nodiscard]] bool usesMiniButtons() const override { return true; }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic41"; }
+    [[nodiscard]] std::u16string explanation() const override {
+        return u"The first pattern for which a file has all tags is used.";
+    }
     [[nodiscard]] std::span<const std::string_view> patternMenu() const override { return patternSetNames; }
 
     /// Fills all patterns; an index outside the menu changes nothing.

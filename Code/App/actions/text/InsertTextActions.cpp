@@ -50,6 +50,9 @@ class CompletelyReplaceAction final : public BaseRenameAction {
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{{"newName", u"Holiday"}}, u"IMG_4021.JPG", u"Holiday.JPG"}};
     }
+    [[nodiscard]] std::u16string explanation() const override {
+        return u"Equal names are made distinct as set in Preferences.";
+    }
 
   protected:
     void processName(std::u16string_view, const InputContext&, OutputContext&,
@@ -67,8 +70,9 @@ class InsertAtPosition final : public BaseRenameAction {
 
     InsertAtPosition() {
         addParameter(textParameter("text", "Text"), paramText);
-        addParameter(numberParameter("position", "At", 0, 0), paramPosition);
-        addParameter(choiceParameter("mode", "Counted", positionModeChoices(), 0, 0), paramMode);
+        addParameter(numberParameter("position", "At", 0, 0).between(0, 9999), paramPosition);
+        addParameter(choiceParameter("mode", "Counted", positionModeChoices(), 0, 0).beside("position"),
+                     paramMode);
     }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {

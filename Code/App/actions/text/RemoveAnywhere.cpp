@@ -129,15 +129,15 @@ class RemoveAnywhere final : public BaseRenameAction {
 };
 
 void RemoveAnywhere::addParametersOfStart() {
-    addParameter(choiceParameter("fromMode", "From", startModes, 0, 0), paramFromMode);
-    addParameter(numberParameter("fromPosition", "From position", 0, 0)
-                     .between(0, widestPosition)
-                     .shownWhen("fromMode", 0),
-                 paramFromPositionNumber);
+    addParameter(choiceParameter("fromMode", "Start at", startModes, 0, 0).under("From"), paramFromMode);
+    addParameter(
+        numberParameter("fromPosition", "Position", 0, 0).between(0, widestPosition).shownWhen("fromMode", 0),
+        paramFromPositionNumber);
     addParameter(choiceParameter("fromWhichEndOfPosition", "Counted", positionModeChoices(), 0, 0)
+                     .beside("fromPosition")
                      .shownWhen("fromMode", 0),
                  paramFromWhichEndOfPosition);
-    addParameter(textParameter("fromSearchTerm", "From text").shownWhen("fromMode", 1), paramFromSearchTerm);
+    addParameter(textParameter("fromSearchTerm", "Text").shownWhen("fromMode", 1), paramFromSearchTerm);
     addParameter(choiceParameter("fromWhichOccurence", "Which one", occurrenceChoices(), 0, 0)
                      .shownWhen("fromMode", 1),
                  paramFromWhichOccurence);
@@ -149,15 +149,16 @@ void RemoveAnywhere::addParametersOfStart() {
 }
 
 void RemoveAnywhere::addParametersOfEnd() {
-    addParameter(choiceParameter("toMode", "To", endModes, 0, 0), paramToMode);
-    addParameter(numberParameter("toPositionNumber", "To position", 0, 0)
+    addParameter(choiceParameter("toMode", "End at", endModes, 0, 0).under("To"), paramToMode);
+    addParameter(numberParameter("toPositionNumber", "Position", 0, 0)
                      .between(0, widestPosition)
                      .shownWhen("toMode", 0),
                  paramToPositionNumber);
     addParameter(choiceParameter("toWhichEndOfPosition", "Counted", positionModeChoices(), 0, 0)
+                     .beside("toPositionNumber")
                      .shownWhen("toMode", 0),
                  paramToWhichEndOfPosition);
-    addParameter(textParameter("toSearchTerm", "To text").shownWhen("toMode", 1), paramToSearchTerm);
+    addParameter(textParameter("toSearchTerm", "Text").shownWhen("toMode", 1), paramToSearchTerm);
     addParameter(
         choiceParameter("toOccurenceNumber", "Which one", occurrenceChoices(), 0, 0).shownWhen("toMode", 1),
         paramToOccurenceNumber);
@@ -168,6 +169,7 @@ void RemoveAnywhere::addParametersOfEnd() {
     addParameter(numberParameter("removeNumberOfCharacters", "Characters", 0, 0).shownWhen("toMode", 2),
                  paramRemoveNumberOfCharacters);
     addParameter(choiceParameter("removeNumberOfCharactersFromWhichEnd", "Direction", directions, 0, 0)
+                     .beside("removeNumberOfCharacters")
                      .shownWhen("toMode", 2),
                  paramRemoveNumberOfCharactersFromWhichEnd);
 }

@@ -13,7 +13,7 @@ class RemoveAtFrontAction : public BaseRenameAction {
     static constexpr const char* name = "Remove at front";
 
     RemoveAtFrontAction() {
-        addParameter(numberParameter("numberOfCharacters", "Characters", 0, 0), characters);
+        addParameter(numberParameter("numberOfCharacters", "Characters", 0, 0).between(0, 255), characters);
     }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {

@@ -65,7 +65,10 @@ class RemoveTextAtFrontAction final : public ReplaceAtFrontAction {
   public:
     static constexpr const char* name = "Remove text at front";
 
-    RemoveTextAtFrontAction() : ReplaceAtFrontAction("Text") { setDefault("with", u""); }
+    RemoveTextAtFrontAction() : ReplaceAtFrontAction("Text") {
+        setDefault("with", u"");
+        hideParameter("with");
+    }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{{"replace", u"Copy of "}}, u"Copy of letter.txt", u"letter.txt"}};
@@ -99,7 +102,10 @@ class RemoveTextAtEndAction final : public ReplaceAtEndAction {
   public:
     static constexpr const char* name = "Remove text at end";
 
-    RemoveTextAtEndAction() : ReplaceAtEndAction("Text") { setDefault("with", u""); }
+    RemoveTextAtEndAction() : ReplaceAtEndAction("Text") {
+        setDefault("with", u"");
+        hideParameter("with");
+    }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{{"replace", u" copy"}}, u"letter copy.txt", u"letter.txt"}};

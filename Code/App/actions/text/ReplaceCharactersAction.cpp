@@ -28,8 +28,10 @@ bool isPlain(std::u16string_view text) {
 ReplaceCharactersAction::ReplaceCharactersAction() {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         addParameter(textParameter(rowKeys[i][0], "Any of"), rows[i].characters);
-        addParameter(characterParameter(rowKeys[i][1], "Replace by", u""), rows[i].with);
-        addParameter(checkboxParameter(rowKeys[i][2], "Ignore case", 1, 1), rows[i].ignoreCase);
+        addParameter(characterParameter(rowKeys[i][1], "Replace by", u"").beside(rowKeys[i][0]),
+                     rows[i].with);
+        addParameter(checkboxParameter(rowKeys[i][2], "Ignore case", 1, 1).beside(rowKeys[i][0]),
+                     rows[i].ignoreCase);
     }
 }
 
@@ -121,8 +123,10 @@ class RemoveCharactersAction final : public ReplaceCharactersAction {
     static constexpr const char* name = "Remove characters";
 
     RemoveCharactersAction() {
-        for (const auto& keys : rowKeys)
+        for (const auto& keys : rowKeys) {
             setDefault(keys[1], u"");
+            hideParameter(keys[1]);
+        }
     }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {

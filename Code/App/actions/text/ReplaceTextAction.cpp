@@ -71,6 +71,14 @@ std::string ReplaceTextAction::userDescriptionIgnore() const {
     return getParamInt("ignoreCase", 1) == 1 ? " while ignoring case." : ".";
 }
 
+std::u16string ReplaceTextAction::sentence(std::u16string_view verb) const {
+    const std::u16string term = getParamString("searchTerm");
+    if (term.empty())
+        return {};
+    return std::u16string(verb) + text::fromUtf8(userDescriptionOccurence()) + u'\u201C' + term + u'\u201D' +
+           text::fromUtf8(userDescriptionIgnore());
+}
+
 void ReplaceTextAction::prepareParameters() {
     BaseRenameAction::prepareParameters();
     search = TextSearch(text::precomposed(paramSearchTerm), RenameActionHelper::sensitivity(paramIgnoreCase));
@@ -118,7 +126,11 @@ class RemoveTextAction final : public ReplaceTextAction {
   public:
     static constexpr const char* name = "Remove text";
 
-    RemoveTextAction() { setDefault("replacementTerm", u""); }
+    RemoveTextAction() {
+        setDefault("replacementTerm", u"");
+        hideParameter("replacementTerm");
+    }
+    [[nodiscard]] std::u16string explanation() const override { return sentence(u"Remove "); }
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override {
         return {{{{"searchTerm", u" copy"}}, u"letter copy.txt", u"letter.txt"}};

@@ -13,12 +13,15 @@ class ReplaceTextAction : public BaseRenameAction {
     ReplaceTextAction();
     [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::vector<ActionExample> examples() const override;
+    [[nodiscard]] std::u16string explanation() const override { return sentence(u"Replace "); }
 
     /// The two halves of a sentence about the parameters, around the text sought.
     [[nodiscard]] std::string userDescriptionOccurence() const;
     [[nodiscard]] std::string userDescriptionIgnore() const;
 
   protected:
+    /// The sentence about the parameters; empty while there is no text to look for.
+    [[nodiscard]] std::u16string sentence(std::u16string_view verb) const;
     void prepareParameters() override;
     void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
                      std::u16string& result) override;

@@ -4,14 +4,18 @@
 #include "actions/BaseRenameAction.h"
 #include "actions/CompositeRenameAction.h"
 #include "presentation/MainWindow.h"
+#include "presentation/ToggleButton.h"
+#include "presentation/WindowColours.h"
 #include "presentation/settings/SettingsPane.h"
 #include "shell/MainController.h"
 
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
 
 namespace tavrin {
@@ -21,15 +25,20 @@ namespace {
 struct Beginning {
     const char* name;
     const char* label;
+    const char* before; ///< a name, and what becomes of it
+    const char* after;
     const char* action;
     const char* key; ///< a parameter to set, or null
     int value;
 };
 
 constexpr std::array beginnings{
-    Beginning{"beginWithNumber", "Number my photos", "Produce numbered list", nullptr, 0},
-    Beginning{"beginWithDate", "Name by date taken", "Rename to date", "mode", 2},
-    Beginning{"beginWithReplace", "Find and replace", "Replace text", nullptr, 0},
+    Beginning{"beginWithNumber", "Number my photos", "IMG_4021.JPG", "Image_01.JPG", "Produce numbered list",
+              nullptr, 0},
+    Beginning{"beginWithDate", "Name by date taken", "IMG_4021.JPG", "2024-06-14 07-31-05.JPG",
+              "Rename to date", "mode", 2},
+    Beginning{"beginWithReplace", "Find and replace", "report draft.odt", "report final.odt", "Replace text",
+              nullptr, 0},
 };
 
 QLabel* centred(const char* text) {
@@ -38,6 +47,63 @@ QLabel* centred(const char* text) {
     label->setWordWrap(true);
     return label;
 }
+
+/// What one may begin with, and an example of it.
+class Tile final : public QAbstractButton {
+  public:
+    explicit Tile(const Beginning& shown) : beginning(shown) {
+        setObjectName(shown.name);
+        setText(shown.label);
+        setAccessibleName(shown.label);
+        setAccessibleDescription(QString("%1 becomes %2").arg(shown.before, shown.after));
+        setFocusPolicy(Qt::StrongFocus);
+        setAttribute(Qt::WA_Hover);
+        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    }
+
+    [[nodiscard]] QSize sizeHint() const override {
+        const QFontMetrics metrics = fontMetrics();
+        const int widest =
+            std::max(QFontMetrics(headFont()).horizontalAdvance(text()), metrics.horizontalAdvance(result()));
+        return {widest + 2 * tilePadding, 3 * metrics.lineSpacing() + 2 * tileGap + 2 * tilePadding};
+    }
+    [[nodiscard]] QSize minimumSizeHint() const override {
+        return {QFontMetrics(headFont()).horizontalAdvance(text()) + 2 * tilePadding, sizeHint().height()};
+    }
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        ToggleButton::paintGround(painter, rect(), *this, isDown());
+        const int line = fontMetrics().lineSpacing();
+        QRect place = rect().adjusted(tilePadding, tilePadding, -tilePadding, 0);
+        place.setHeight(line);
+        const auto draw = [&](const QString& string, const QColor& colour) {
+            painter.setPen(colour);
+            painter.drawText(place, Qt::AlignLeading | Qt::AlignVCenter,
+                             painter.fontMetrics().elidedText(string, Qt::ElideRight, place.width()));
+            place.translate(0, line + tileGap);
+        };
+        painter.setFont(headFont());
+        draw(text(), palette().color(QPalette::WindowText));
+        painter.setFont(font());
+        draw(beginning.before, palette().color(QPalette::PlaceholderText));
+        draw(result(), WindowColours::of(palette()).addedText);
+    }
+
+  private:
+    static constexpr int tilePadding = 10;
+    static constexpr int tileGap = 3;
+
+    [[nodiscard]] QString result() const { return QString("→ ") + beginning.after; }
+    [[nodiscard]] QFont headFont() const {
+        QFont bold = font();
+        bold.setWeight(QFont::DemiBold);
+        return bold;
+    }
+
+    const Beginning& beginning;
+};
 
 MainWindow* windowOf(const QWidget* widget) { return dynamic_cast<MainWindow*>(widget->window()); }
 
@@ -59,6 +125,7 @@ EmptyListPage::EmptyListPage(WindowServices shared) : services(shared) {
     QLabel* head = centred("Drag files or folders here");
     QFont large = head->font();
     large.setPointSizeF(large.pointSizeF() * 1.4);
+    large.setWeight(QFont::DemiBold);
     head->setFont(large);
     layout->addWidget(head);
     QLabel* promise = centred("Nothing is renamed until you click Rename.");
@@ -69,7 +136,7 @@ EmptyListPage::EmptyListPage(WindowServices shared) : services(shared) {
     auto* add = new QHBoxLayout;
     add->addStretch(1);
     for (const bool folders : {false, true}) {
-        auto* button = new QPushButton(folders ? "Add F&older…" : "&Add Files…");
+        auto* button = new QPushButton(folders ? "Add Folder…" : "Add Files…");
         button->setObjectName(folders ? "emptyAddFolder" : "emptyAddFiles");
         connect(button, &QPushButton::clicked, this, [this, folders] {
             if (MainWindow* window = windowOf(this))
@@ -85,12 +152,11 @@ EmptyListPage::EmptyListPage(WindowServices shared) : services(shared) {
     or_->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(or_);
     auto* tiles = new QHBoxLayout;
+    tiles->setSpacing(8);
     tiles->addStretch(1);
     for (const Beginning& each : beginnings) {
-        auto* tile = new QPushButton(each.label);
-        tile->setObjectName(each.name);
-        tile->setMinimumHeight(40);
-        connect(tile, &QPushButton::clicked, this, [this, &each] {
+        auto* tile = new Tile(each);
+        connect(tile, &QAbstractButton::clicked, this, [this, &each] {
             begin(each.action, each.key ? PropertyDictionary{{each.key, each.value}} : PropertyDictionary{});
         });
         tiles->addWidget(tile);

@@ -1,7 +1,9 @@
 #include "presentation/preview/ListBar.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "presentation/GlyphIcon.h"
 #include "presentation/MainWindow.h"
+#include "presentation/ToggleButton.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
@@ -23,13 +25,20 @@ void trigger(const QWidget* widget, const char* command) {
         window->commands().command(command)->trigger();
 }
 
-QToolButton* makeButton(const char* name, const char* text, const char* tip) {
-    auto* button = new QToolButton;
+QToolButton* prepared(QToolButton* button, const char* name, const char* tip) {
     button->setObjectName(name);
-    button->setText(QString::fromUtf8(text));
     button->setToolTip(tip);
     button->setFocusPolicy(Qt::TabFocus);
     return button;
+}
+
+QToolButton* makeButton(const char* name, Glyph glyph, const char* text, const char* tip) {
+    auto* button = new QToolButton;
+    button->setIcon(GlyphIcon::of(glyph));
+    button->setText(text);
+    button->setToolButtonStyle(*text ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly);
+    button->setAutoRaise(true);
+    return prepared(button, name, tip);
 }
 
 } // namespace
@@ -38,8 +47,8 @@ ListBar::ListBar(WindowServices shared, PreviewPane& previewPane) : services(sha
     setObjectName("listBar");
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 8, 12, 8);
-    layout->setSpacing(6);
-    QToolButton* add = makeButton("addButton", "+ Add", "Add files or folders");
+    layout->setSpacing(4);
+    QToolButton* add = makeButton("addButton", Glyph::add, "Add", "Add files or folders");
     auto* menu = new QMenu(add);
     connect(menu->addAction("Add &Files…"), &QAction::triggered, this, [this] { trigger(this, "addFiles"); });
     connect(menu->addAction("Add F&older…"), &QAction::triggered, this,
@@ -47,17 +56,18 @@ ListBar::ListBar(WindowServices shared, PreviewPane& previewPane) : services(sha
     add->setMenu(menu);
     add->setPopupMode(QToolButton::MenuButtonPopup);
     connect(add, &QToolButton::clicked, this, [this] { trigger(this, "addFiles"); });
-    QToolButton* remove = makeButton("removeButton", "− Remove", "Remove the selected items from the list");
+    QToolButton* remove =
+        makeButton("removeButton", Glyph::remove, "Remove", "Remove the selected items from the list");
     connect(remove, &QToolButton::clicked, this, [this] { trigger(this, "removeFile"); });
     layout->addWidget(add);
     layout->addWidget(remove);
     layout->addSpacing(12);
-    addFilter("processFiles", "Files", "Files take part");
-    addFilter("processFolders", "Folders", "Folders take part");
-    addFilter("processSubfolders", "Subfolders", "Process subfolders and their contents");
+    addFilter("processFiles", Glyph::files, "Files", "Files take part");
+    addFilter("processFolders", Glyph::folders, "Folders", "Folders take part");
+    addFilter("processSubfolders", Glyph::subfolders, "Subfolders", "Process subfolders and their contents");
     layout->addStretch(1);
     addShowMenu();
-    QToolButton* find = makeButton("findButton", "⌕", "Find in the list (Ctrl+F)");
+    QToolButton* find = makeButton("findButton", Glyph::search, "", "Find in the list (Ctrl+F)");
     find->setAccessibleName("Find in the list");
     connect(find, &QToolButton::clicked, this, [this] { pane.openFind(); });
     layout->addWidget(find);
@@ -65,9 +75,8 @@ ListBar::ListBar(WindowServices shared, PreviewPane& previewPane) : services(sha
 
 ListBar::~ListBar() = default;
 
-void ListBar::addFilter(const char* key, const char* text, const char* tip) {
-    QToolButton* button = makeButton((std::string(key) + "Button").c_str(), text, tip);
-    button->setCheckable(true);
+void ListBar::addFilter(const char* key, Glyph glyph, const char* text, const char* tip) {
+    QToolButton* button = prepared(new ToggleButton(text, glyph), (std::string(key) + "Button").c_str(), tip);
     layout()->addWidget(button);
     bindings.push_back(std::make_unique<ParameterBinding>(
         services.controller.globalSettings(), key, [button](const std::optional<PropertyValue>& value) {
@@ -82,7 +91,8 @@ void ListBar::addFilter(const char* key, const char* text, const char* tip) {
 
 void ListBar::addShowMenu() {
     showButton =
-        makeButton("showButton", "Show: All", "What of the list shows; all items take part all the same");
+        prepared(new QToolButton, "showButton", "What of the list shows; all items take part all the same");
+    showButton->setText("Show: All");
     showButton->setPopupMode(QToolButton::InstantPopup);
     auto* menu = new QMenu(showButton);
     showActions = new QActionGroup(this);

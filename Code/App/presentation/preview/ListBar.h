@@ -13,6 +13,7 @@ class QToolButton;
 namespace tavrin {
 
 class ParameterBinding;
+enum class Glyph;
 
 /// The row above the list: adding and removing, what takes part, what shows. Object name "listBar".
 class ListBar final : public QWidget {
@@ -23,7 +24,7 @@ class ListBar final : public QWidget {
     void setShow(PreviewPane::Show what);
 
   private:
-    void addFilter(const char* key, const char* text, const char* tip);
+    void addFilter(const char* key, Glyph glyph, const char* text, const char* tip);
     void addShowMenu();
 
     const WindowServices services;

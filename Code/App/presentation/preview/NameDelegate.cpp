@@ -1,11 +1,13 @@
 #include "presentation/preview/NameDelegate.h"
 
+#include "presentation/GlyphIcon.h"
 #include "presentation/WindowColours.h"
 #include "presentation/preview/PreviewTableModel.h"
 
 #include <QApplication>
 #include <QPainter>
 #include <QTextLayout>
+#include <algorithm>
 
 namespace tavrin {
 
@@ -14,6 +16,7 @@ namespace {
 using Spans = std::vector<NameDifference::Span>;
 
 constexpr int padding = 6;
+constexpr int gap = 12; // between a name and what is said about it
 
 /// A name cut in its middle to a width, with the spans moved along.
 struct ElidedName {
@@ -47,7 +50,7 @@ ElidedName elided(const QString& text, const Spans& spans, const QFontMetrics& m
 }
 
 void drawName(QPainter* painter, const QRect& place, const ElidedName& name, const QFont& font,
-              const QColor& text, const QColor& tint, const QColor& tintedText) {
+              const QColor& text, const QColor& tint, const QColor& tintedText, bool isRightToLeft) {
     QTextLayout layout(name.text, font);
     QTextOption direction;
     direction.setTextDirection(Qt::LeftToRight);
@@ -66,7 +69,8 @@ void drawName(QPainter* painter, const QRect& place, const ElidedName& name, con
     line.setLineWidth(100000);
     layout.endLayout();
     painter->setPen(text);
-    layout.draw(painter, QPointF(place.left(), place.top() + (place.height() - line.height()) / 2));
+    const double left = isRightToLeft ? place.right() - line.naturalTextWidth() : place.left();
+    layout.draw(painter, QPointF(left, place.top() + (place.height() - line.height()) / 2));
 }
 
 QColor stateColour(PreviewTableModel::State state, const QPalette& palette) {
@@ -84,6 +88,33 @@ QColor stateColour(PreviewTableModel::State state, const QPalette& palette) {
     return {};
 }
 
+Glyph glyphOf(PreviewTableModel::State state) {
+    switch (state) {
+    case PreviewTableModel::State::unchanged:
+        return Glyph::unchanged;
+    case PreviewTableModel::State::renamed:
+        return Glyph::renamed;
+    case PreviewTableModel::State::madeDistinct:
+        return Glyph::distinct;
+    case PreviewTableModel::State::problem:
+        break;
+    }
+    return Glyph::problem;
+}
+
+/// What is said behind the new name.
+QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
+    if (state == PreviewTableModel::State::madeDistinct)
+        return "made distinct";
+    return index.data(PreviewTableModel::reasonRole).toString();
+}
+
+/// The tints and colours of a row keep their meaning, and their contrast, where it is selected.
+void softenSelection(QPalette& palette) {
+    palette.setColor(QPalette::Highlight, WindowColours::chosenGround(palette));
+    palette.setColor(QPalette::HighlightedText, palette.color(QPalette::Text));
+}
+
 } // namespace
 
 QSize NameDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
@@ -96,6 +127,7 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     initStyleOption(&item, index);
     const QString text = item.text;
     item.text.clear();
+    softenSelection(item.palette);
     const QStyle* style = item.widget ? item.widget->style() : QApplication::style();
     style->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
     if (index.column() == PreviewTableModel::icon)
@@ -103,37 +135,40 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
     const auto state =
         static_cast<PreviewTableModel::State>(index.data(PreviewTableModel::stateRole).toInt());
-    const bool isSelected = item.state.testFlag(QStyle::State_Selected);
+    const bool isRightToLeft = item.direction == Qt::RightToLeft;
     const WindowColours& colours = WindowColours::of(item.palette);
-    const QColor plain = item.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text);
-    QRect place = item.rect.adjusted(padding, 0, -padding, 0);
+    const QColor plain = item.palette.color(QPalette::Text);
+    const QRect place = item.rect.adjusted(padding, 0, -padding, 0);
     painter->save();
     painter->setClipRect(item.rect);
     painter->setFont(item.font);
     if (index.column() == PreviewTableModel::state) {
-        painter->setPen(isSelected ? plain : stateColour(state, item.palette));
-        painter->drawText(item.rect, Qt::AlignCenter, text);
+        const int size = std::min(item.fontMetrics.height(), item.rect.height());
+        QRect square(0, 0, size, size);
+        square.moveCenter(item.rect.center());
+        GlyphIcon::paint(*painter, square, glyphOf(state), stateColour(state, item.palette), isRightToLeft);
         painter->restore();
         return;
     }
     const bool isNew = index.column() == PreviewTableModel::newName;
-    const QColor textColour = isNew && state == PreviewTableModel::State::unchanged && !isSelected
+    const QColor textColour = isNew && state == PreviewTableModel::State::unchanged
                                   ? item.palette.color(QPalette::PlaceholderText)
                                   : plain;
-    const QString reason = isNew ? index.data(PreviewTableModel::reasonRole).toString() : QString();
+    const QString reason = isNew ? noteOn(state, index) : QString();
     if (!reason.isEmpty()) {
         const int nameWidth = item.fontMetrics.horizontalAdvance(text);
         const int reasonWidth = item.fontMetrics.horizontalAdvance(reason);
-        if (nameWidth + reasonWidth + 2 * padding < place.width()) {
-            painter->setPen(isSelected ? plain : colours.errorText);
-            painter->drawText(place, Qt::AlignRight | Qt::AlignVCenter, reason);
-            place.setRight(place.right() - reasonWidth - padding);
+        if (nameWidth + gap + reasonWidth < place.width()) {
+            painter->setPen(stateColour(state, item.palette));
+            painter->drawText(isRightToLeft ? place.adjusted(0, 0, -nameWidth - gap, 0)
+                                            : place.adjusted(nameWidth + gap, 0, 0, 0),
+                              Qt::AlignLeading | Qt::AlignVCenter, reason);
         }
     }
     const auto spans = index.data(PreviewTableModel::spansRole).value<Spans>();
     drawName(painter, place, elided(text, spans, item.fontMetrics, place.width()), item.font, textColour,
-             isNew ? colours.addedTint : colours.removedTint,
-             isNew ? colours.addedText : colours.removedText);
+             isNew ? colours.addedTint : colours.removedTint, isNew ? colours.addedText : colours.removedText,
+             isRightToLeft);
     painter->restore();
 }
 

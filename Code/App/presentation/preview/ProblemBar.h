@@ -23,6 +23,7 @@ class ProblemBar final : public QFrame {
   private:
     void applyColours();
 
+    QLabel* symbol;
     QLabel* text;
 };
 

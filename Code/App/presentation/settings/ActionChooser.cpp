@@ -5,9 +5,9 @@
 #include "actions/CompositeRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/ActionSearchField.h"
+#include "presentation/settings/WidePopUpBox.h"
 #include "shell/MainController.h"
 
-#include <QComboBox>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 #include <utility>
@@ -17,11 +17,12 @@ namespace tavrin {
 namespace {
 
 QComboBox* makeBox(const char* name, const char* accessibleName) {
-    auto* box = new QComboBox;
+    auto* box = new WidePopUpBox;
     box->setObjectName(name);
     box->setAccessibleName(accessibleName);
     box->setMaxVisibleItems(30);
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    box->setMinimumContentsLength(6);
     return box;
 }
 
@@ -33,8 +34,10 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
       actionPopUpButton(makeBox("actionPopUpButton", "Action")) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(8);
     layout->addWidget(search);
     auto* boxes = new QHBoxLayout;
+    boxes->setSpacing(8);
     boxes->addWidget(categoryPopUpButton, 2);
     boxes->addWidget(actionPopUpButton, 3);
     layout->addLayout(boxes);

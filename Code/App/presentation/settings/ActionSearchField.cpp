@@ -1,5 +1,6 @@
 #include "presentation/settings/ActionSearchField.h"
 
+#include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
 
 #include <QApplication>
@@ -7,6 +8,7 @@
 #include <QListWidget>
 #include <QPainter>
 #include <QStyledItemDelegate>
+#include <QTextLayout>
 #include <algorithm>
 
 namespace tavrin {
@@ -17,6 +19,7 @@ constexpr std::size_t mostHits = 12;
 constexpr int menuIndexRole = Qt::UserRole;
 constexpr int categoryRole = Qt::UserRole + 1;
 constexpr int exampleRole = Qt::UserRole + 2;
+constexpr int typedRole = Qt::UserRole + 3;
 constexpr int margin = 6;
 
 /// A hit in two lines: the label with its category at the right, and an example.
@@ -46,9 +49,31 @@ class HitDelegate final : public QStyledItemDelegate {
             lower, Qt::AlignLeft | Qt::AlignVCenter,
             option.fontMetrics.elidedText(index.data(exampleRole).toString(), Qt::ElideRight, lower.width()));
         painter->setPen(text);
-        painter->drawText(upper, Qt::AlignLeft | Qt::AlignVCenter,
-                          option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight,
-                                                        upper.width() - categoryWidth - 2 * margin));
+        drawLabel(*painter, upper.adjusted(0, 0, -categoryWidth - 2 * margin, 0), option.font,
+                  index.data().toString(), index.data(typedRole).toString());
+    }
+
+  private:
+    /// The letters that were typed stand out.
+    static void drawLabel(QPainter& painter, const QRect& place, const QFont& plain, const QString& label,
+                          const QString& typed) {
+        QList<QTextLayout::FormatRange> marks;
+        QTextCharFormat bold;
+        bold.setFontWeight(QFont::Bold);
+        for (const QString& word : typed.split(' ', Qt::SkipEmptyParts)) {
+            // Where it begins a word, if it does.
+            const auto start = (' ' + label).indexOf(' ' + word, 0, Qt::CaseInsensitive);
+            const auto found = start >= 0 ? start : label.indexOf(word, 0, Qt::CaseInsensitive);
+            if (found >= 0)
+                marks.append({static_cast<int>(found), static_cast<int>(word.size()), bold});
+        }
+        QTextLayout layout(QFontMetrics(plain).elidedText(label, Qt::ElideRight, place.width()), plain);
+        layout.setFormats(marks);
+        layout.beginLayout();
+        QTextLine line = layout.createLine();
+        line.setLineWidth(place.width());
+        layout.endLayout();
+        layout.draw(&painter, QPointF(place.left(), place.top() + (place.height() - line.height()) / 2));
     }
 };
 
@@ -57,6 +82,7 @@ class HitDelegate final : public QStyledItemDelegate {
 ActionSearchField::ActionSearchField(const ActionList& list) : catalogue(list), hits(new QListWidget(this)) {
     setObjectName("findAction");
     setPlaceholderText("Find an action (Ctrl+K)");
+    addAction(GlyphIcon::of(Glyph::search, QPalette::PlaceholderText), QLineEdit::LeadingPosition);
     setAccessibleName("Find an action");
     setClearButtonEnabled(true);
     hits->setObjectName("actionHits");
@@ -122,8 +148,11 @@ void ActionSearchField::showHits() {
         item->setData(menuIndexRole, hit.menuIndex);
         item->setData(categoryRole, toQString(hit.category));
         item->setData(exampleRole, toQString(hit.example));
+        item->setData(typedRole, text());
     }
     hits->setCurrentRow(0);
+    setAccessibleDescription(hits->count() == 1 ? QString("1 action found")
+                                                : QString("%1 actions found").arg(hits->count()));
     if (hits->count() == 0) {
         hideHits();
         return;

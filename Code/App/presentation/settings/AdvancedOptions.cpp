@@ -28,7 +28,7 @@ AdvancedOptions::AdvancedOptions(WindowServices shared, QWidget* parent)
     addSetting("showSummary", "Show s&ummary after renaming is complete");
     addSetting("continueAfterRename", "&Keep the list after renaming");
     addSetting("quitAfterRename", "&Quit after renaming");
-    addSetting("silentDroplet", "Create silent &droplets");
+    addSetting("silentDroplet", "Create s&ilent droplets");
     silentDropletCheckbox = content->findChild<QCheckBox*>("silentDroplet");
     TVRNGlobalPreferencesPseudoAction& settings = services.controller.globalSettings();
     bindings.push_back(std::make_unique<ParameterBinding>(
@@ -57,7 +57,7 @@ void AdvancedOptions::addSetting(const char* key, const char* text) {
 }
 
 void AdvancedOptions::enterDropletEditMode() {
-    silentDropletCheckbox->setText("Execute as a \"silent\" droplet");
+    silentDropletCheckbox->setText("Execute as a \"s&ilent\" droplet");
     services.controller.globalSettings().setValue(1, "discloseAdvancedOptions");
 }
 

@@ -23,6 +23,8 @@ FileEditor::FileEditor(BaseRenameAction& listAction, const WindowServices&)
     pathLabel->setTextFormat(Qt::PlainText);
     pathLabel->setFrameShape(QFrame::StyledPanel);
     pathLabel->setMargin(4);
+    pathLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    pathLabel->setAccessibleName("List file");
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(pathLabel);
@@ -30,6 +32,7 @@ FileEditor::FileEditor(BaseRenameAction& listAction, const WindowServices&)
     layout->addLayout(buttons);
     const auto addButton = [&](const char* name, const char* text, auto&& effect) {
         auto* button = new QPushButton(QString::fromUtf8(text));
+        button->setAutoDefault(false);
         button->setObjectName(name);
         buttons->addWidget(button);
         connect(button, &QPushButton::clicked, this, effect);
@@ -37,11 +40,11 @@ FileEditor::FileEditor(BaseRenameAction& listAction, const WindowServices&)
     };
     setFocusProxy(addButton("browse", "&Browse…", [this] { browse(); }));
     const auto listOf = [this] { return dynamic_cast<RenameFromListAction*>(&action); };
-    addButton("reload", "Re&load", [listOf] {
+    addButton("reload", "Relo&ad", [listOf] {
         if (auto* list = listOf())
             list->reload();
     });
-    addButton("clear", "&Clear", [listOf] {
+    addButton("clear", "Clear", [listOf] {
         if (auto* list = listOf())
             list->clear();
     });

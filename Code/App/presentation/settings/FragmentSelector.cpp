@@ -1,15 +1,17 @@
 #include "presentation/settings/FragmentSelector.h"
 
 #include "actions/BaseRenameAction.h"
+#include "presentation/ToggleButton.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QStyleOptionButton>
-#include <QStylePainter>
+#include <QResizeEvent>
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tavrin {
 
@@ -46,26 +48,15 @@ class FragmentButton final : public QAbstractButton {
     }
 
     [[nodiscard]] QSize sizeHint() const override {
-        return {fontMetrics().horizontalAdvance("photo.jpg") + 20, fontMetrics().height() + 14};
+        return {fontMetrics().horizontalAdvance("photo.jpg") + 14, fontMetrics().height() + 12};
     }
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
   protected:
     void paintEvent(QPaintEvent*) override {
-        QStylePainter painter(this);
-        QStyleOptionButton option;
-        option.initFrom(this);
-        option.state.setFlag(QStyle::State_Raised, !isDown() && !isChecked());
-        option.state.setFlag(QStyle::State_On, isChecked());
-        option.state.setFlag(QStyle::State_Sunken, isDown());
-        painter.drawControl(QStyle::CE_PushButtonBevel, option);
+        QPainter painter(this);
+        ToggleButton::paintGround(painter, rect(), *this, isChecked());
         drawSample(painter);
-        if (hasFocus()) {
-            QStyleOptionFocusRect focus;
-            focus.initFrom(this);
-            focus.rect = rect().adjusted(3, 3, -3, -3);
-            painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
-        }
     }
 
   private:
@@ -81,11 +72,12 @@ class FragmentButton final : public QAbstractButton {
             if (isMarked) {
                 painter.setPen(Qt::NoPen);
                 painter.setBrush(palette().color(isChecked() ? QPalette::Highlight : QPalette::Mid));
-                painter.setRenderHint(QPainter::Antialiasing);
                 painter.drawRoundedRect(place.adjusted(-2, -1, 2, 1), 3, 3);
             }
             const bool isOnHighlight = isMarked && isChecked();
-            painter.setPen(palette().color(isOnHighlight ? QPalette::HighlightedText : QPalette::ButtonText));
+            painter.setPen(palette().color(isOnHighlight ? QPalette::HighlightedText
+                                           : isMarked    ? QPalette::ButtonText
+                                                         : QPalette::PlaceholderText));
             painter.drawText(place, Qt::AlignVCenter, text);
             x += advance;
         };
@@ -112,25 +104,58 @@ FragmentSelector::FragmentSelector(BaseRenameAction& action, Size size)
 }
 
 void FragmentSelector::addButtons(bool withCaptions) {
-    auto* layout = new QGridLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(4);
-    for (std::size_t i = 0; i < fragments.size(); ++i) {
-        auto* button = new FragmentButton(fragments[i]);
+    grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(4);
+    grid->setVerticalSpacing(2);
+    for (const Fragment& fragment : fragments) {
+        auto* button = new FragmentButton(fragment);
         buttons.push_back(button);
-        const int column = static_cast<int>(i % 2);
-        const int row = static_cast<int>(i / 2) * 2;
-        layout->addWidget(button, row, column);
         if (withCaptions) {
-            auto* caption = new QLabel(fragments[i].caption);
+            auto* caption = new QLabel(fragment.caption, this);
             caption->setAlignment(Qt::AlignHCenter);
             caption->setForegroundRole(QPalette::PlaceholderText);
-            layout->addWidget(caption, row + 1, column);
+            captions.push_back(caption);
         }
         connect(button, &QAbstractButton::clicked, this,
-                [this, mode = fragments[i].mode] { binding.write(mode); });
+                [this, mode = fragment.mode] { binding.write(mode); });
     }
+    arrange(static_cast<int>(fragments.size()));
     setFocusProxy(buttons.front());
+}
+
+/// Puts the buttons into so many columns, with their captions below them.
+void FragmentSelector::arrange(int newColumns) {
+    if (std::exchange(columns, newColumns) == newColumns)
+        return;
+    for (int i = 0; i < static_cast<int>(buttons.size()); ++i) {
+        const int row = i / columns * 2;
+        grid->addWidget(buttons[static_cast<std::size_t>(i)], row, i % columns);
+        if (!captions.empty())
+            grid->addWidget(captions[static_cast<std::size_t>(i)], row + 1, i % columns);
+    }
+    for (int column = 0; column < static_cast<int>(buttons.size()); ++column)
+        grid->setColumnStretch(column, column < columns ? 1 : 0);
+}
+
+/// With large letters or in a narrow pane, two rows take less width.
+void FragmentSelector::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (buttons.empty())
+        return;
+    int widest = 0;
+    for (const QAbstractButton* button : buttons)
+        widest = std::max(widest, button->sizeHint().width());
+    for (const QLabel* caption : captions)
+        widest = std::max(widest, caption->sizeHint().width());
+    const int all = static_cast<int>(buttons.size());
+    arrange(all * widest + (all - 1) * grid->horizontalSpacing() <= event->size().width() ? all : all / 2);
+}
+
+/// Small enough for two columns: the layout alone would never let the four go.
+QSize FragmentSelector::minimumSizeHint() const {
+    const QSize whole = QWidget::minimumSizeHint();
+    return columns > 2 ? QSize(whole.width() / 2, whole.height()) : whole;
 }
 
 void FragmentSelector::addBox() {

@@ -7,6 +7,8 @@
 
 class QAbstractButton;
 class QComboBox;
+class QGridLayout;
+class QLabel;
 
 namespace tavrin {
 
@@ -20,12 +22,21 @@ class FragmentSelector final : public QWidget {
 
     FragmentSelector(BaseRenameAction& action, Size size);
 
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
   private:
     void addButtons(bool withCaptions);
     void addBox();
+    void arrange(int newColumns);
     void show(int mode);
 
     std::vector<QAbstractButton*> buttons; ///< empty where a box takes their place
+    std::vector<QLabel*> captions;         ///< empty where there is no room for them
+    QGridLayout* grid = nullptr;
+    int columns = 0;
     QComboBox* box = nullptr;
     ParameterBinding binding;
 };

@@ -3,18 +3,20 @@
 #include "actions/BaseRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/FileEditor.h"
-#include "presentation/settings/PanelRows.h"
+#include "presentation/settings/PanelNotes.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/settings/SeparatorModeEditor.h"
+#include "presentation/settings/WidePopUpBox.h"
 #include "presentation/tags/PatternEditor.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QFontDatabase>
-#include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QStyleOptionFrame>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -29,7 +31,19 @@ QString textOf(const std::optional<PropertyValue>& value) {
 
 int numberOf(const std::optional<PropertyValue>& value) { return value ? intValue(*value) : 0; }
 
-/// A line of text. Puts a text back only where it differs, so that the cursor stays.
+/// Turning the wheel scrolls the panel, but for a control in use.
+template <typename Control> class CalmControl : public Control {
+  protected:
+    void wheelEvent(QWheelEvent* event) override {
+        if (this->hasFocus())
+            Control::wheelEvent(event);
+        else
+            event->ignore();
+    }
+};
+
+/// A line of text. Puts a text back only where it differs, so that the cursor stays. Blanks at either end
+/// show as faint dots, since they matter in names.
 class TextEditor : public QLineEdit {
   public:
     TextEditor(const ParameterDescription& parameter, BaseRenameAction& action)
@@ -40,14 +54,50 @@ class TextEditor : public QLineEdit {
             setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
         if (parameter.kind == ParameterKind::character) {
             setAlignment(Qt::AlignHCenter);
-            setFixedWidth(fontMetrics().horizontalAdvance("MMMM"));
+            setFixedWidth(fontMetrics().horizontalAdvance("MMM") + 12);
         }
         connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
             binding.write(text.isEmpty() ? std::nullopt : std::optional<PropertyValue>(fromQString(text)));
         });
     }
 
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        QLineEdit::paintEvent(event);
+        const QString shown = text();
+        if (shown.isEmpty() || (shown.front() != ' ' && shown.back() != ' '))
+            return;
+        QStyleOptionFrame option;
+        initStyleOption(&option);
+        constexpr int innerMargin = 2; // between the frame and the text of a line edit
+        const QRect place = style()
+                                ->subElementRect(QStyle::SE_LineEditContents, &option, this)
+                                .marginsRemoved(textMargins())
+                                .adjusted(innerMargin, 0, -innerMargin, 0);
+        // A text that is scrolled has its ends elsewhere.
+        if (fontMetrics().horizontalAdvance(shown) >= place.width() || isRightToLeft() ||
+            alignment().testFlag(Qt::AlignHCenter))
+            return;
+        paintEnds(shown, place);
+    }
+
   private:
+    void paintEnds(const QString& shown, const QRect& place) {
+        QPainter painter(this);
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        const QFontMetrics metrics = fontMetrics();
+        const auto paintDot = [&](qsizetype at) {
+            const int left = place.left() + metrics.horizontalAdvance(shown.left(at));
+            painter.drawText(QRect(left, place.top(), metrics.horizontalAdvance(' '), place.height()),
+                             Qt::AlignCenter | Qt::TextDontClip, "·");
+        };
+        qsizetype front = 0;
+        for (; front < shown.size() && shown.at(front) == ' '; ++front)
+            paintDot(front);
+        for (qsizetype back = shown.size() - 1; back > front && shown.at(back) == ' '; --back)
+            paintDot(back);
+    }
+
     void show(const QString& value) {
         if (value == text())
             return;
@@ -65,22 +115,42 @@ int saturated(std::int64_t number) {
         std::clamp<std::int64_t>(number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
-/// A number, shown with an offset where people count otherwise than the parameter.
-class NumberEditor : public QSpinBox {
+/// A number, shown with an offset where people count otherwise than the parameter. An emptied field is 0.
+class NumberEditor : public CalmControl<QSpinBox> {
   public:
     NumberEditor(const ParameterDescription& parameter, BaseRenameAction& action)
-        : offset(shownOffsetOf(parameter.key)),
+        : offset(parameter.shownOffset),
           binding(action, std::string(parameter.key),
                   [this](const std::optional<PropertyValue>& value) { show(numberOf(value)); }) {
         const QSignalBlocker blocker(this);
         // A stored number beyond what makes sense stays as it is.
         setRange(std::min(saturated(std::int64_t{parameter.minimum} + offset), value()),
                  std::max(saturated(std::int64_t{parameter.maximum} + offset), value()));
+        setFocusPolicy(Qt::StrongFocus);
+        setMinimumWidth(sizeHintFor("-999999"));
+        setMaximumWidth(sizeHintFor("-2147483648"));
         connect(this, &QSpinBox::valueChanged, this,
                 [this](int number) { binding.write(saturated(std::int64_t{number} - offset)); });
+        connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& typed) {
+            if (typed.isEmpty() && minimum() <= offset)
+                binding.write(std::nullopt);
+        });
+    }
+
+    void fixup(QString& input) const override {
+        if (input.isEmpty())
+            input = QString::number(offset);
     }
 
   private:
+    /// The width of the box around a text.
+    [[nodiscard]] int sizeHintFor(const char* widest) const {
+        QStyleOptionSpinBox option;
+        initStyleOption(&option);
+        const QSize content(fontMetrics().horizontalAdvance(widest) + 8, fontMetrics().height());
+        return style()->sizeFromContents(QStyle::CT_SpinBox, &option, content, this).width();
+    }
+
     void show(int number) {
         const QSignalBlocker blocker(this);
         const int shown = saturated(std::int64_t{number} + offset);
@@ -105,14 +175,17 @@ class CheckboxEditor : public QCheckBox {
     ParameterBinding binding;
 };
 
-class ChoiceEditor : public QComboBox {
+class ChoiceEditor : public CalmControl<WidePopUpBox> {
   public:
     ChoiceEditor(const ParameterDescription& parameter, BaseRenameAction& action)
         : rowCount(fill(parameter)),
           binding(action, std::string(parameter.key),
                   [this](const std::optional<PropertyValue>& value) { show(numberOf(value)); }) {
         setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        setMinimumContentsLength(12);
+        setMinimumContentsLength(8);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        setFocusPolicy(Qt::StrongFocus);
+        setMaxVisibleItems(30);
         connect(this, &QComboBox::activated, this, [this](int row) { binding.write(itemData(row).toInt()); });
     }
 
@@ -124,30 +197,25 @@ class ChoiceEditor : public QComboBox {
     }
 
     /// A value that no row stands for leaves the box empty.
-    void show(int value) { setCurrentIndex(findData(value)); }
+    void show(int value) {
+        setCurrentIndex(findData(value));
+        setToolTip(currentText().size() > 20 ? currentText() : QString());
+    }
 
     int rowCount; ///< fills the box before the binding shows a value in it
     ParameterBinding binding;
 };
 
-class StatusLine : public QLabel {
+/// What the action writes, as it stands.
+class StatusLine : public NoteLabel {
   public:
     StatusLine(const ParameterDescription& parameter, BaseRenameAction& action)
-        : binding(action, std::string(parameter.key),
-                  [this](const std::optional<PropertyValue>& value) { show(textOf(value)); }) {
-        setWordWrap(true);
-        setTextFormat(Qt::PlainText);
-        setTextInteractionFlags(Qt::TextSelectableByMouse);
-    }
+        : binding(action, std::string(parameter.key), [this](const std::optional<PropertyValue>& value) {
+              const QString text = textOf(value);
+              showNote({text, text.startsWith("Error") || text.startsWith("File does not exist")});
+          }) {}
 
   private:
-    void show(const QString& text) {
-        setText(text);
-        const bool isProblem = text.startsWith("Error") || text.startsWith("File does not exist");
-        setProperty("problem", isProblem);
-        setForegroundRole(isProblem ? QPalette::BrightText : QPalette::PlaceholderText);
-    }
-
     ParameterBinding binding;
 };
 
@@ -175,6 +243,14 @@ QWidget* makeEditor(const ParameterDescription& parameter, BaseRenameAction& act
     return nullptr;
 }
 
+/// Rows of the same kind are told apart by their number.
+QString spokenName(const ParameterDescription& parameter) {
+    const QString label = toQString(parameter.label);
+    const char last = parameter.key.back();
+    const bool isNumbered = last >= '0' && last <= '9' && parameter.kind != ParameterKind::choice;
+    return isNumbered ? QString("%1, row %2").arg(label).arg(last - '0' + 1) : label;
+}
+
 } // namespace
 
 QWidget* makeParameterEditor(const ParameterDescription& parameter, BaseRenameAction& action,
@@ -182,7 +258,7 @@ QWidget* makeParameterEditor(const ParameterDescription& parameter, BaseRenameAc
     QWidget* editor = makeEditor(parameter, action, services);
     editor->setObjectName(
         QString::fromUtf8(parameter.key.data(), static_cast<qsizetype>(parameter.key.size())));
-    editor->setAccessibleName(toQString(parameter.label));
+    editor->setAccessibleName(spokenName(parameter));
     return editor;
 }
 

@@ -3,30 +3,33 @@
 #include "actions/BaseRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/PanelRows.h"
-#include "presentation/settings/ParameterBinding.h"
 #include "presentation/settings/ParameterEditors.h"
+#include "presentation/settings/SectionHead.h"
 #include "shell/MainController.h"
 
+#include <QAbstractButton>
 #include <QFormLayout>
-#include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <string>
 
 namespace tavrin {
 
-/// Widgets that show only while a number has a certain value.
+/// Widgets that are shown, or on, only while a number has a certain value, or has not.
 struct ParameterPanel::Condition {
+    enum class Effect { shownWhile, offWhile };
+    Effect effect;
     std::string key;
     std::int32_t value;
     std::vector<QWidget*> widgets;
 };
 
 namespace {
+
+constexpr int gap = 8;
 
 /// Controls that need the whole width.
 bool isWide(const ParameterDescription& parameter) {
@@ -35,114 +38,137 @@ bool isWide(const ParameterDescription& parameter) {
 
 bool labelsItself(const ParameterDescription& parameter) { return parameter.kind == ParameterKind::checkbox; }
 
-QLabel* makeHead(std::string_view text) {
-    auto* head = new QLabel(toQString(text));
-    QFont font = head->font();
-    font.setWeight(QFont::DemiBold);
-    head->setFont(font);
-    head->setContentsMargins(0, 12, 0, 0);
-    return head;
-}
-
 } // namespace
 
 ParameterPanel::ParameterPanel(BaseRenameAction& shownAction, const WindowServices& shared)
     : action(shownAction), services(shared), form(new QFormLayout(this)) {
     setObjectName("parameterPanel");
     form->setContentsMargins(0, 0, 0, 0);
-    form->setVerticalSpacing(8);
+    form->setVerticalSpacing(gap);
+    form->setHorizontalSpacing(gap);
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     form->setRowWrapPolicy(QFormLayout::WrapLongRows);
-    addPatternMenu();
-    for (const PanelRow& row : panelRowsOf(action))
+    const std::vector<PanelRow> rows = panelRowsOf(action);
+    // Where there is one field, the ready-made texts go into it, and stand below.
+    if (rows.size() > 1)
+        addPatternMenu();
+    for (const PanelRow& row : rows)
         addRow(row);
-    addRemark();
+    if (rows.size() == 1)
+        addPatternMenu();
+    addExplanation();
     addHelpLink();
+    observation = action.registerObserverForAllValues(*this);
     applyConditions();
+    refreshNotes();
 }
 
 ParameterPanel::~ParameterPanel() = default;
 
 void ParameterPanel::addRow(const PanelRow& row) {
-    if (!row.head.empty())
-        form->addRow(makeHead(row.head));
+    const ParameterDescription& first = row.first();
+    if (!first.head.empty())
+        form->addRow(makeSectionHead(toQString(first.head)));
     std::vector<QWidget*> editors;
-    for (const ParameterDescription* parameter : row.parameters)
+    for (const ParameterDescription* parameter : row.parameters) {
         editors.push_back(makeParameterEditor(*parameter, action, services));
-    fields.insert(fields.end(), editors.begin(), editors.end());
-    QWidget* field = editors.front();
-    if (editors.size() > 1) {
-        field = new QWidget;
-        const bool isStacked = isWide(row.first());
-        auto* layout = new QBoxLayout(isStacked ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight, field);
-        layout->setContentsMargins(0, 0, 0, 0);
-        for (QWidget* editor : editors)
-            layout->addWidget(editor);
+        if (auto* button = qobject_cast<QAbstractButton*>(editors.back()))
+            button->setText(row.parameters.size() == 1 ? accessKeys.mark(button->text()) : button->text());
     }
-    QLabel* label = nullptr;
-    if (labelsItself(row.first()) && editors.size() == 1) {
+    fields.insert(fields.end(), editors.begin(), editors.end());
+    QWidget* field = makeField(row, editors);
+    std::vector<QWidget*> rowWidgets{field};
+    if (labelsItself(first)) {
         form->addRow(QString(), field);
     } else {
-        label = new QLabel(toQString(row.first().label) + ':');
+        auto* label = new QLabel(accessKeys.mark(toQString(first.label)) + ':');
         label->setBuddy(editors.front());
-        if (isWide(row.first())) {
+        rowWidgets.push_back(label);
+        if (isWide(first)) {
             form->addRow(label);
             form->addRow(field);
         } else {
             form->addRow(label, field);
         }
     }
-    std::vector<QWidget*> widgets{field};
-    if (label)
-        widgets.push_back(label);
-    addConditions(row, std::move(widgets));
+    addConditions(row, rowWidgets, editors);
 }
 
-void ParameterPanel::addConditions(const PanelRow& row, std::vector<QWidget*> widgets) {
-    const ParameterDescription& parameter = row.first();
-    if (parameter.shownWhenKey.empty())
-        return;
-    const std::string key(parameter.shownWhenKey);
-    conditions.push_back({key, parameter.shownWhenValue, std::move(widgets)});
-    bindings.push_back(std::make_unique<ParameterBinding>(
-        action, key, [this](const std::optional<PropertyValue>&) { applyConditions(); }));
-}
-
-void ParameterPanel::applyConditions() {
-    for (const Condition& condition : conditions) {
-        const bool holds = action.getParamInt(condition.key, 0) == condition.value;
-        for (QWidget* widget : condition.widgets)
-            widget->setVisible(holds);
+/// The controls of a row side by side, or below each other where they are wide, and what is said about them.
+QWidget* ParameterPanel::makeField(const PanelRow& row, const std::vector<QWidget*>& editors) {
+    PanelNote::Maker noteMaker = PanelNote::forRow(row);
+    if (editors.size() == 1 && !noteMaker)
+        return editors.front();
+    auto* field = new QWidget;
+    auto* column = new QVBoxLayout(field);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(4);
+    const bool isStacked = isWide(row.first());
+    auto* line = new QBoxLayout(isStacked ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    line->setSpacing(isStacked ? 4 : gap);
+    column->addLayout(line);
+    for (std::size_t i = 0; i < editors.size(); ++i) {
+        if (row.parameters[i]->kind == ParameterKind::character && i > 0)
+            line->addWidget(new QLabel("→"));
+        line->addWidget(editors[i]);
     }
+    if (!noteMaker)
+        return field;
+    NoteLabel* note = makeNote(std::move(noteMaker));
+    const bool isBeside = row.parameters.size() == 1 && row.first().kind == ParameterKind::number;
+    if (isBeside)
+        line->addWidget(note, 1);
+    else
+        column->addWidget(note);
+    return field;
+}
+
+NoteLabel* ParameterPanel::makeNote(PanelNote::Maker maker) {
+    auto* note = new NoteLabel;
+    note->hide();
+    notes.emplace_back(note, std::move(maker));
+    return note;
+}
+
+void ParameterPanel::addConditions(const PanelRow& row, const std::vector<QWidget*>& rowWidgets,
+                                   const std::vector<QWidget*>& editors) {
+    const ParameterDescription& first = row.first();
+    if (!first.shownWhenKey.empty())
+        conditions.push_back({Condition::Effect::shownWhile, std::string(first.shownWhenKey),
+                              first.shownWhenValue, rowWidgets});
+    if (!first.offWhenKey.empty())
+        conditions.push_back(
+            {Condition::Effect::offWhile, std::string(first.offWhenKey), first.offWhenValue, editors});
 }
 
 void ParameterPanel::addPatternMenu() {
     if (action.patternMenu().empty())
         return;
-    auto* button = new QPushButton("&Ready-made");
+    auto* button = new QPushButton(accessKeys.mark(toQString(action.patternMenuTitle())));
     button->setObjectName("selectPattern");
+    button->setAutoDefault(false);
     auto* menu = new QMenu(button);
     std::int32_t index = 0;
     for (const std::string_view row : action.patternMenu()) {
-        connect(menu->addAction(toQString(row)), &QAction::triggered, this,
-                [this, index] { action.selectPattern(index); });
+        if (!row.empty())
+            connect(menu->addAction(toQString(row)), &QAction::triggered, this,
+                    [this, index] { action.selectPattern(index); });
         ++index;
     }
     button->setMenu(menu);
-    form->addRow(QString(), button);
+    auto* line = new QHBoxLayout;
+    line->addWidget(button);
+    line->addStretch(1);
+    form->addRow(QString(), line);
 }
 
-void ParameterPanel::addRemark() {
-    std::string_view remark = panelRemarkOf(action.actionName());
-    if (remark.empty() && fields.empty())
-        remark = "This action has no settings.";
-    if (remark.empty())
-        return;
-    auto* label = new QLabel(toQString(remark));
-    label->setObjectName("panelRemark");
-    label->setWordWrap(true);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    form->addRow(label);
+void ParameterPanel::addExplanation() {
+    NoteLabel* note = makeNote([hasNoRows = fields.empty()](const BaseRenameAction& shown) {
+        const QString text = toQString(shown.explanation());
+        return PanelNote{text.isEmpty() && hasNoRows ? QString("This action has no settings.") : text};
+    });
+    note->setObjectName("panelRemark");
+    form->addRow(note);
 }
 
 void ParameterPanel::addHelpLink() {
@@ -151,15 +177,64 @@ void ParameterPanel::addHelpLink() {
         return;
     auto* link = new QLabel("<a href='help'>More about this action</a>");
     link->setObjectName("helpLink");
+    link->setAccessibleName("More about this action");
     link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     connect(link, &QLabel::linkActivated, this,
             [this, anchor] { services.controller.showHelpAnchor(anchor); });
-    form->addRow(QString(), link);
+    form->addRow(link);
+}
+
+// --- What changes ---
+
+/// The notes wait for the action to finish what it is about.
+void ParameterPanel::observeValueForKeyPath(const std::string&, BaseAction&,
+                                            const std::optional<PropertyValue>&,
+                                            const std::optional<PropertyValue>&) {
+    applyConditions();
+    if (std::exchange(areNotesDue, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            areNotesDue = false;
+            // A panel that has been put away outlives its action.
+            if (isVisible())
+                refreshNotes();
+        },
+        Qt::QueuedConnection);
+}
+
+void ParameterPanel::applyConditions() {
+    for (const Condition& condition : conditions) {
+        const bool holds = action.getParamInt(condition.key, 0) == condition.value;
+        for (QWidget* widget : condition.widgets) {
+            switch (condition.effect) {
+            case Condition::Effect::shownWhile:
+                widget->setVisible(holds);
+                break;
+            case Condition::Effect::offWhile:
+                widget->setEnabled(!holds);
+                break;
+            }
+        }
+    }
+}
+
+void ParameterPanel::refreshNotes() {
+    action.prepare();
+    for (const auto& [label, maker] : notes)
+        label->showNote(maker(action));
+}
+
+void ParameterPanel::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    refreshNotes();
 }
 
 QWidget* ParameterPanel::firstField() const {
-    const auto found = std::ranges::find_if(fields, [](const QWidget* field) {
-        return field->focusPolicy() != Qt::NoFocus && field->isEnabled();
+    const auto found = std::ranges::find_if(fields, [this](const QWidget* field) {
+        const bool takesFocus = field->focusPolicy() != Qt::NoFocus || field->focusProxy();
+        return takesFocus && field->isEnabled() && field->isVisibleTo(this);
     });
     return found == fields.end() ? nullptr : *found;
 }

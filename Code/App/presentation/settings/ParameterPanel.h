@@ -1,9 +1,14 @@
 #pragma once
 
+#include "actions/ActionObserver.h"
 #include "presentation/WindowServices.h"
+#include "presentation/settings/AccessKeys.h"
+#include "presentation/settings/PanelNotes.h"
 
 #include <QWidget>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 class QFormLayout;
@@ -11,12 +16,11 @@ class QFormLayout;
 namespace tavrin {
 
 class BaseRenameAction;
-class ParameterBinding;
 struct PanelRow;
 
 /// The panel of one action: a row for each of its parameters, made from its parameter table. The action must
 /// live as long as the panel is used.
-class ParameterPanel final : public QWidget {
+class ParameterPanel final : public QWidget, private ActionObserver {
   public:
     ParameterPanel(BaseRenameAction& shownAction, const WindowServices& services);
     ~ParameterPanel() override;
@@ -24,22 +28,35 @@ class ParameterPanel final : public QWidget {
     /// The first control that takes text or a choice; null where there is none.
     [[nodiscard]] QWidget* firstField() const;
 
+  protected:
+    void showEvent(QShowEvent* event) override;
+
   private:
     struct Condition;
 
     void addRow(const PanelRow& row);
-    void addConditions(const PanelRow& row, std::vector<QWidget*> widgets);
+    [[nodiscard]] QWidget* makeField(const PanelRow& row, const std::vector<QWidget*>& editors);
+    void addConditions(const PanelRow& row, const std::vector<QWidget*>& rowWidgets,
+                       const std::vector<QWidget*>& editors);
+    [[nodiscard]] NoteLabel* makeNote(PanelNote::Maker maker);
     void addPatternMenu();
-    void addRemark();
+    void addExplanation();
     void addHelpLink();
+    void observeValueForKeyPath(const std::string& keyPath, BaseAction& object,
+                                const std::optional<PropertyValue>& oldValue,
+                                const std::optional<PropertyValue>& newValue) override;
     void applyConditions();
+    void refreshNotes();
 
     BaseRenameAction& action;
     const WindowServices services;
     QFormLayout* form;
+    AccessKeys accessKeys;
     std::vector<QWidget*> fields;
     std::vector<Condition> conditions;
-    std::vector<std::unique_ptr<ParameterBinding>> bindings;
+    std::vector<std::pair<NoteLabel*, PanelNote::Maker>> notes;
+    bool areNotesDue = false;
+    ActionObservation observation;
 };
 
 } // namespace tavrin

@@ -1,8 +1,8 @@
 #include "presentation/settings/SeparatorModeEditor.h"
 
 #include "actions/BaseRenameAction.h"
+#include "presentation/settings/WidePopUpBox.h"
 
-#include <QComboBox>
 #include <QHBoxLayout>
 
 namespace tavrin {
@@ -13,7 +13,9 @@ namespace {
 constexpr int textsBetween = 6;
 
 QComboBox* makeBox(const char* name, const char* accessibleName, const QStringList& rows) {
-    auto* box = new QComboBox;
+    auto* box = new WidePopUpBox;
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    box->setMinimumContentsLength(7);
     box->setObjectName(name);
     box->setAccessibleName(accessibleName);
     box->addItems(rows);
@@ -31,6 +33,7 @@ SeparatorModeEditor::SeparatorModeEditor(BaseRenameAction& action)
               [this](const std::optional<PropertyValue>& value) { show(value ? intValue(*value) : 0); }) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(8);
     layout->addWidget(orderBox, 1);
     layout->addWidget(betweenBox, 1);
     setFocusProxy(orderBox);

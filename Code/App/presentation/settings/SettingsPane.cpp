@@ -2,40 +2,39 @@
 
 #include "actions/BaseRenameAction.h"
 #include "actions/CompositeRenameAction.h"
+#include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/ActionChooser.h"
 #include "presentation/settings/AdvancedOptions.h"
 #include "presentation/settings/FragmentSelector.h"
 #include "presentation/settings/ParameterPanel.h"
+#include "presentation/settings/SectionHead.h"
 #include "presentation/tags/TagLibraryView.h"
 #include "shell/MainController.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QScrollArea>
+#include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <string>
+#include <utility>
 
 namespace tavrin {
 
 namespace {
 
 constexpr int margin = 16;
+constexpr int leastWidth = 300;
 
-QLabel* makeHead(const QString& text) {
-    auto* head = new QLabel(text);
-    QFont font = head->font();
-    font.setWeight(QFont::DemiBold);
-    head->setFont(font);
-    return head;
-}
-
-QToolButton* makeButton(const char* name, const char* text, const char* tip) {
+QToolButton* makeButton(const char* name, Glyph glyph, const char* tip) {
     auto* button = new QToolButton;
     button->setObjectName(name);
-    button->setText(QString::fromUtf8(text));
+    button->setIcon(GlyphIcon::of(glyph));
     button->setToolTip(tip);
     button->setAccessibleName(tip);
     button->setAutoRaise(true);
@@ -65,17 +64,23 @@ struct SettingsPane::Parts {
     AdvancedOptions* advanced = nullptr;
     QPointer<ParameterPanel> panel;
     std::string shownAction;
+    bool wasShown = false;
 };
 
 QWidget* SettingsPane::Parts::makeHeadRow() {
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
-    stepLabel = makeHead("What to do");
+    stepLabel = new QLabel("What to do");
     stepLabel->setObjectName("stepLabel");
-    addStepButton = makeButton("addStepButton", "+ Add Step", "Add another step");
-    QToolButton* reset = makeButton("resetToDefaultsButton", "\u21BA", "Reset to defaults");
-    QToolButton* help = makeButton("actionHelpButton", "?", "Help on this action");
+    QFont bold = stepLabel->font();
+    bold.setWeight(QFont::DemiBold);
+    stepLabel->setFont(bold);
+    addStepButton = makeButton("addStepButton", Glyph::add, "Add another step (Ctrl+N)");
+    addStepButton->setText("Add Step");
+    addStepButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    QToolButton* reset = makeButton("resetToDefaultsButton", Glyph::reset, "Reset to defaults (Ctrl+R)");
+    QToolButton* help = makeButton("actionHelpButton", Glyph::help, "Help on this action (Shift+F1)");
     layout->addWidget(stepLabel, 1);
     for (QToolButton* button : {addStepButton, reset, help})
         layout->addWidget(button);
@@ -102,8 +107,7 @@ QWidget* SettingsPane::Parts::makeColumn(BaseRenameAction& action) {
         layout->addWidget(library, 1);
     }
     if (action.isFragmentSelectionSupported()) {
-        layout->addSpacing(8);
-        layout->addWidget(makeHead("Apply to"));
+        layout->addWidget(makeSectionHead("Apply to"));
         layout->addWidget(new FragmentSelector(action, selectorSizeFor(action)));
     }
     if (!action.usesTagLibrary())
@@ -123,6 +127,7 @@ SettingsPane::SettingsPane(WindowServices services, QWidget* parent)
     parts->chooser = new ActionChooser(services, this);
     head->addWidget(parts->makeHeadRow());
     head->addWidget(parts->chooser);
+    head->addWidget(makeLine());
     layout->addLayout(head);
     parts->column = new QScrollArea;
     parts->column->setObjectName("parameterView");
@@ -133,6 +138,8 @@ SettingsPane::SettingsPane(WindowServices services, QWidget* parent)
     parts->advanced = new AdvancedOptions(services, this);
     auto* foot = new QVBoxLayout;
     foot->setContentsMargins(margin, 0, margin, 0);
+    foot->setSpacing(8);
+    foot->addWidget(makeLine());
     foot->addWidget(parts->advanced);
     layout->addLayout(foot);
     connect(findChild<QToolButton*>("actionHelpButton"), &QToolButton::clicked, this,
@@ -150,14 +157,29 @@ void SettingsPane::showAction(BaseRenameAction& action) {
         former->deleteLater();
     }
     parts->shownAction = action.actionName();
-    parts->column->setWidget(parts->makeColumn(action));
+    QWidget* content = parts->makeColumn(action);
+    parts->column->setWidget(content);
+    // What the panel needs at least is not scrolled sideways: the pane grows.
+    const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+    setMinimumWidth(std::max(leastWidth, content->minimumSizeHint().width() + scrollBar));
     if (parts->chooser->takeWasFoundBySearch())
         focusFirstField();
 }
 
 void SettingsPane::focusFirstField() {
-    if (QWidget* field = parts->panel ? parts->panel->firstField() : nullptr)
-        field->setFocus(Qt::OtherFocusReason);
+    QWidget* field = parts->panel ? parts->panel->firstField() : nullptr;
+    if (!field)
+        return;
+    field->setFocus(Qt::OtherFocusReason);
+    if (auto* line = qobject_cast<QLineEdit*>(field))
+        line->selectAll();
+}
+
+/// Typing begins with the first field.
+void SettingsPane::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!std::exchange(parts->wasShown, true))
+        focusFirstField();
 }
 
 void SettingsPane::stepsChanged() {

@@ -30,6 +30,9 @@ class SettingsPane final : public QWidget {
     void showHelpOnAction();
     void enterDropletEditMode();
 
+  protected:
+    void showEvent(QShowEvent* event) override;
+
   private:
     struct Parts;
     std::unique_ptr<Parts> parts;

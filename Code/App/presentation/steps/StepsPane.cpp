@@ -1,6 +1,7 @@
 #include "presentation/steps/StepsPane.h"
 
 #include "actions/CompositeRenameAction.h"
+#include "presentation/GlyphIcon.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/steps/StepDelegate.h"
@@ -41,16 +42,16 @@ class StepsView final : public QListView {
 
 struct Button {
     const char* name;
-    const char* text;
+    Glyph glyph;
     const char* tip;
     void (ActionListCommands::*command)();
 };
 
 constexpr std::array buttons{
-    Button{"addStep", "+", "Add a step", &ActionListCommands::addAction},
-    Button{"removeStep", "\u2212", "Remove this step", &ActionListCommands::removeAction},
-    Button{"moveStepUp", "\u2191", "Move this step up", &ActionListCommands::nudgeActionUp},
-    Button{"moveStepDown", "\u2193", "Move this step down", &ActionListCommands::nudgeActionDown},
+    Button{"addStep", Glyph::add, "Add a step", &ActionListCommands::addAction},
+    Button{"removeStep", Glyph::remove, "Remove this step", &ActionListCommands::removeAction},
+    Button{"moveStepUp", Glyph::up, "Move this step up", &ActionListCommands::nudgeActionUp},
+    Button{"moveStepDown", Glyph::down, "Move this step down", &ActionListCommands::nudgeActionDown},
 };
 
 } // namespace
@@ -58,6 +59,7 @@ constexpr std::array buttons{
 struct StepsPane::Parts {
     explicit Parts(WindowServices shared) : services(shared) {}
 
+    static QWidget* makeHead();
     QWidget* makeButtons();
 
     const WindowServices services;
@@ -77,7 +79,8 @@ QWidget* StepsPane::Parts::makeButtons() {
     for (const Button& each : buttons) {
         auto* button = new QToolButton;
         button->setObjectName(each.name);
-        button->setText(QString::fromUtf8(each.text));
+        button->setIcon(GlyphIcon::of(each.glyph));
+        button->setAutoRaise(true);
         button->setToolTip(each.tip);
         button->setAccessibleName(each.tip);
         QObject::connect(button, &QToolButton::clicked, row,
@@ -91,18 +94,30 @@ QWidget* StepsPane::Parts::makeButtons() {
     return row;
 }
 
+/// The titles of the boxes and of the rest of the rows.
+QWidget* StepsPane::Parts::makeHead() {
+    auto* head = new QWidget;
+    auto* layout = new QHBoxLayout(head);
+    layout->setContentsMargins(8, 14, 8, 8);
+    layout->setSpacing(8);
+    auto* active = new QLabel("Active");
+    active->setForegroundRole(QPalette::PlaceholderText);
+    auto* step = new QLabel("Step");
+    QFont bold = step->font();
+    bold.setWeight(QFont::DemiBold);
+    step->setFont(bold);
+    layout->addWidget(active);
+    layout->addWidget(step, 1);
+    return head;
+}
+
 StepsPane::StepsPane(WindowServices services, QWidget* parent)
     : QWidget(parent), parts(std::make_unique<Parts>(services)) {
     setObjectName("stepsPane");
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    auto* head = new QLabel("Active Step");
-    QFont font = head->font();
-    font.setWeight(QFont::DemiBold);
-    head->setFont(font);
-    head->setContentsMargins(8, 12, 8, 8);
-    layout->addWidget(head);
+    layout->addWidget(Parts::makeHead());
     parts->model = new StepsModel(services, this);
     parts->view = new StepsView(services.controller.actionListCommands());
     parts->view->setObjectName("stepsView");
@@ -110,6 +125,8 @@ StepsPane::StepsPane(WindowServices services, QWidget* parent)
     parts->view->setModel(parts->model);
     parts->view->setItemDelegate(new StepDelegate(parts->view));
     parts->view->setFrameShape(QFrame::NoFrame);
+    parts->view->viewport()->setBackgroundRole(QPalette::Window);
+    parts->view->setMouseTracking(true);
     parts->view->setDragDropMode(QAbstractItemView::InternalMove);
     parts->view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     parts->view->setContextMenuPolicy(Qt::CustomContextMenu);

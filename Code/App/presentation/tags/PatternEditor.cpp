@@ -21,6 +21,7 @@ namespace tavrin {
 namespace {
 
 constexpr int mostLines = 4;
+constexpr int lineDistance = 5; // between the tokens of two lines
 
 /// The text line with tokens. A line feed has no place in a name.
 class TokenEdit final : public QTextEdit {
@@ -31,6 +32,7 @@ class TokenEdit final : public QTextEdit {
         setLineWrapMode(QTextEdit::WidgetWidth);
         setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
         document()->documentLayout()->registerHandler(TokenObject::type, new TokenObject(this));
+        setPlaceholderText("Type text, and add tags from the list below");
         setFixedHeight(fontMetrics().lineSpacing() * 2 + 24);
     }
 
@@ -44,7 +46,9 @@ class TokenEdit final : public QTextEdit {
 
     void insertFromMimeData(const QMimeData* source) override {
         QString text = source->text();
-        textCursor().insertText(text.replace('\n', ' '));
+        // The place that a token holds means nothing without its tag.
+        text.remove(QChar::ObjectReplacementCharacter);
+        textCursor().insertText(text.replace('\n', ' '), QTextCharFormat());
     }
 
     QMimeData* createMimeDataFromSelection() const override {
@@ -116,6 +120,9 @@ void PatternEditor::Parts::setValue(const MixedTokenFieldLogic::Tokens& tokens, 
     const QSignalBlocker blocker(edit);
     edit->clear();
     QTextCursor cursor(edit->document());
+    QTextBlockFormat lines;
+    lines.setLineHeight(lineDistance, QTextBlockFormat::LineDistanceHeight);
+    cursor.setBlockFormat(lines);
     for (const std::u16string& token : tokens) {
         if (logic.isToken(token))
             cursor.insertText(QString(QChar::ObjectReplacementCharacter),
@@ -149,7 +156,7 @@ void PatternEditor::Parts::textChanged() {
 }
 
 void PatternEditor::Parts::fitHeight() {
-    const int line = edit->fontMetrics().lineSpacing() + 6;
+    const int line = edit->fontMetrics().lineSpacing() + lineDistance + 2;
     const int wanted = static_cast<int>(edit->document()->size().height()) + 2 * edit->frameWidth();
     edit->setFixedHeight(std::clamp(wanted, line + 12, mostLines * line + 12));
 }

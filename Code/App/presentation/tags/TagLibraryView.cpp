@@ -2,6 +2,7 @@
 
 #include "actions/ActionList.h"
 #include "platform/UserDefaults.h"
+#include "presentation/GlyphIcon.h"
 #include "presentation/MainWindow.h"
 #include "presentation/QtText.h"
 #include "presentation/preview/PreviewPane.h"
@@ -17,16 +18,50 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QStyledItemDelegate>
 #include <QTabBar>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <array>
+#include <functional>
+#include <utility>
 
 namespace tavrin {
 
 namespace {
 
 constexpr int tagRole = Qt::UserRole;
+
+/// What stands on the tabs, for which there is little room, and what it means.
+constexpr std::array<std::pair<const char*, const char*>, 6> tabTitles{{
+    {"All", "All"},
+    {"Image", "Image"},
+    {"Camera", "Camera"},
+    {"Shot", "Shooting date"},
+    {"File", "File dates"},
+    {"Music", "Music"},
+}};
+
+/// Rows with some air; values stand back, at the far end.
+class TagDelegate final : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override {
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 6);
+    }
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (index.column() == 0)
+            return;
+        option->displayAlignment = Qt::AlignRight | Qt::AlignVCenter;
+        option->palette.setColor(QPalette::Text, option->palette.color(QPalette::PlaceholderText));
+    }
+};
 
 /// Offers the tag of the dragged row as text.
 class TagList final : public QTreeWidget {
@@ -35,13 +70,20 @@ class TagList final : public QTreeWidget {
         setObjectName("tagList");
         setAccessibleName("Tags");
         setHeaderLabels({"Tag", "Value"});
+        setHeaderHidden(true);
+        setColumnCount(2);
         setRootIsDecorated(false);
+        setAlternatingRowColors(true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setItemDelegate(new TagDelegate(this));
         setUniformRowHeights(true);
         setDragEnabled(true);
         setDragDropMode(QAbstractItemView::DragOnly);
-        header()->setSectionResizeMode(0, QHeaderView::Interactive);
-        header()->resizeSection(0, 190);
+        header()->setMinimumSectionSize(20);
+        header()->setStretchLastSection(true);
     }
+
+    std::function<void(const QString& tag)> takeHandler; ///< called for a tag that is to go into the pattern
 
   protected:
     [[nodiscard]] QStringList mimeTypes() const override { return {"text/plain"}; }
@@ -54,9 +96,21 @@ class TagList final : public QTreeWidget {
     }
     void keyPressEvent(QKeyEvent* event) override {
         if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentItem())
-            emit itemActivated(currentItem(), 0);
+            take(currentItem());
         else
             QTreeWidget::keyPressEvent(event);
+    }
+    // Not the activation of the style, which may be a single click.
+    void mouseDoubleClickEvent(QMouseEvent* event) override { take(itemAt(event->position().toPoint())); }
+    void resizeEvent(QResizeEvent* event) override {
+        QTreeWidget::resizeEvent(event);
+        header()->resizeSection(0, viewport()->width() * 3 / 5);
+    }
+
+  private:
+    void take(const QTreeWidgetItem* item) const {
+        if (item && takeHandler)
+            takeHandler(item->data(0, tagRole).toString());
     }
 };
 
@@ -122,11 +176,18 @@ TagLibraryView::TagLibraryView(WindowServices services) : parts(std::make_unique
     parts->tabs->setExpanding(false);
     parts->tabs->setDrawBase(false);
     parts->tabs->setUsesScrollButtons(true);
-    for (const char* title : {"All", "Image", "Camera", "Shooting date", "File dates", "Music"})
-        parts->tabs->addTab(title);
+    parts->tabs->setAccessibleName("Kinds of tags");
+    for (const auto& [title, whole] : tabTitles) {
+        const int tab = parts->tabs->addTab(title);
+        parts->tabs->setTabToolTip(tab, whole);
+        parts->tabs->setAccessibleTabName(tab, whole);
+    }
     parts->tabs->setCurrentIndex(services.defaults.integerForKey("tagLibraryTabIndex"));
     parts->filter->setObjectName("tagFilter");
     parts->filter->setPlaceholderText("Filter tags");
+    parts->filter->setAccessibleName("Filter tags");
+    parts->filter->addAction(GlyphIcon::of(Glyph::search, QPalette::PlaceholderText),
+                             QLineEdit::LeadingPosition);
     parts->filter->setClearButtonEnabled(true);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -139,10 +200,10 @@ TagLibraryView::TagLibraryView(WindowServices services) : parts(std::make_unique
         parts->fill();
     });
     connect(parts->filter, &QLineEdit::textChanged, this, [this] { parts->applyFilter(); });
-    connect(parts->list, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) {
+    parts->list->takeHandler = [this](const QString& tag) {
         if (auto* editor = parentWidget()->findChild<PatternEditor*>())
-            editor->insert(item->data(0, tagRole).toString());
-    });
+            editor->insert(tag);
+    };
     parts->fill();
     // The values follow the selection of the list at their own pace.
     parts->selectionWatch.setInterval(250);

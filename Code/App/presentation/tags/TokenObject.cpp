@@ -15,7 +15,8 @@ namespace tavrin {
 namespace {
 
 constexpr int tagProperty = QTextFormat::UserProperty + 1;
-constexpr double padding = 6;
+constexpr double padding = 7;
+constexpr double overhang = 2; ///< of a token above and below its text
 
 /// What stands on the token: the tag without its brackets.
 QString labelOf(const QTextFormat& format) {
@@ -29,7 +30,7 @@ QTextCharFormat TokenObject::formatFor(const QString& tag) {
     QTextCharFormat format;
     format.setObjectType(type);
     format.setProperty(tagProperty, tag);
-    format.setVerticalAlignment(QTextCharFormat::AlignMiddle);
+    format.setVerticalAlignment(QTextCharFormat::AlignBaseline);
     format.setToolTip(tag.toHtmlEscaped());
     return format;
 }
@@ -54,20 +55,25 @@ QString TokenObject::plainText(const QTextCursor& selection) {
 
 QSizeF TokenObject::intrinsicSize(QTextDocument* document, int, const QTextFormat& format) {
     const QFontMetricsF metrics(document->defaultFont());
-    return {metrics.horizontalAdvance(labelOf(format)) + 2 * padding + 2, metrics.height() + 4};
+    return {metrics.horizontalAdvance(labelOf(format)) + 2 * padding + 2, metrics.height() + overhang};
 }
 
 void TokenObject::drawObject(QPainter* painter, const QRectF& rect, QTextDocument* document, int,
                              const QTextFormat& format) {
-    const WindowColours& colours = WindowColours::of(QApplication::palette());
+    const QPalette palette = QApplication::palette();
+    // The ground of a selection comes with the format.
+    const bool isSelected = format.background().style() != Qt::NoBrush;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(colours.infoTint);
-    painter->drawRoundedRect(rect.adjusted(1, 1, -1, -1), rect.height() / 2.5, rect.height() / 2.5);
-    painter->setPen(colours.infoText);
+    painter->setPen(WindowColours::accentOf(palette));
+    painter->setBrush(isSelected ? palette.color(QPalette::Highlight) : WindowColours::chosenGround(palette));
+    const QRectF token = rect.adjusted(1.5, 0.5, -1.5, overhang - 0.5);
+    painter->drawRoundedRect(token, token.height() / 2, token.height() / 2);
+    painter->setPen(palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text));
     painter->setFont(document->defaultFont());
-    painter->drawText(rect, Qt::AlignCenter, labelOf(format));
+    // On one line with the text beside it.
+    const QFontMetricsF metrics(document->defaultFont());
+    painter->drawText(QPointF(rect.left() + 1 + padding, rect.bottom() - metrics.descent()), labelOf(format));
     painter->restore();
 }
 
