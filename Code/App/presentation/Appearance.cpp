@@ -1,5 +1,6 @@
 #include "presentation/Appearance.h"
 
+#include "presentation/FieldFrames.h"
 #include "presentation/WindowColours.h"
 
 #include <QApplication>
@@ -41,6 +42,10 @@ void Appearance::apply() {
         applyOwnPalette(desktopPrefersDark());
 }
 
-void Appearance::applyOwnPalette(bool dark) { QApplication::setPalette(WindowColours::palette(dark)); }
+void Appearance::applyOwnPalette(bool dark) {
+    if (!dynamic_cast<FieldFrames*>(QApplication::style()))
+        QApplication::setStyle(new FieldFrames); // the application owns it
+    QApplication::setPalette(WindowColours::palette(dark));
+}
 
 } // namespace tavrin

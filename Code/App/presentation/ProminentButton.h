@@ -4,8 +4,8 @@
 
 namespace tavrin {
 
-/// The button of a window that does what the window is for. It has the colours of selections where the palette
-/// is ours, else it is a button like any other.
+/// The button of a window that does what the window is for. It has the colours of selections where the
+/// palette is ours, else it is a button like any other.
 class ProminentButton final : public QPushButton {
   public:
     explicit ProminentButton(const QString& label);

@@ -4,14 +4,15 @@
 #include "presentation/WindowColours.h"
 
 #include <QPainter>
-#include <QStyleOptionToolButton>
-#include <QStylePainter>
+#include <QStyle>
+#include <algorithm>
 
 namespace tavrin {
 
 namespace {
 
-constexpr int padding = 7;
+constexpr int padding = 8;
+constexpr int gap = 5;
 constexpr double radius = 4;
 
 } // namespace
@@ -27,7 +28,7 @@ ToggleButton::ToggleButton(const QString& label, Glyph glyph) {
 
 QSize ToggleButton::sizeHint() const {
     const QFontMetrics metrics = fontMetrics();
-    return {iconSize().width() + metrics.horizontalAdvance(text()) + 2 * padding + 4,
+    return {iconSize().width() + metrics.horizontalAdvance(text()) + 2 * padding + gap,
             std::max(metrics.height(), iconSize().height()) + padding};
 }
 
@@ -47,16 +48,19 @@ void ToggleButton::paintGround(QPainter& painter, const QRect& place, const QWid
 }
 
 void ToggleButton::paintEvent(QPaintEvent*) {
-    QStylePainter painter(this);
-    QStyleOptionToolButton option;
-    initStyleOption(&option);
+    QPainter painter(this);
     painter.save();
     paintGround(painter, rect(), *this, isChecked());
     painter.restore();
-    // The style shifts the label of a button that is down.
-    option.state.setFlag(QStyle::State_Sunken, false);
-    option.state.setFlag(QStyle::State_On, false);
-    painter.drawControl(QStyle::CE_ToolButtonLabel, option);
+    const QRect inner = rect().adjusted(padding, 0, -padding, 0);
+    const QRect picture(inner.left(), (height() - iconSize().height()) / 2, iconSize().width(),
+                        iconSize().height());
+    const QIcon::Mode mode = isEnabled() ? QIcon::Normal : QIcon::Disabled;
+    icon().paint(&painter, QStyle::visualRect(layoutDirection(), inner, picture), Qt::AlignCenter, mode);
+    const QRect label = inner.adjusted(iconSize().width() + gap, 0, 0, 0);
+    style()->drawItemText(&painter, QStyle::visualRect(layoutDirection(), inner, label),
+                          Qt::AlignCenter | Qt::TextShowMnemonic, palette(), isEnabled(), text(),
+                          QPalette::ButtonText);
 }
 
 } // namespace tavrin

@@ -166,7 +166,9 @@ void RemoveAnywhere::addParametersOfEnd() {
                  paramToWhichEndOfOccurence);
     addParameter(checkboxParameter("toIgnoreCase", "Ignore case", 1, 1).shownWhen("toMode", 1),
                  paramToOccurenceMask);
-    addParameter(numberParameter("removeNumberOfCharacters", "Characters", 0, 0).shownWhen("toMode", 2),
+    addParameter(numberParameter("removeNumberOfCharacters", "Characters", 0, 0)
+                     .between(0, widestPosition)
+                     .shownWhen("toMode", 2),
                  paramRemoveNumberOfCharacters);
     addParameter(choiceParameter("removeNumberOfCharactersFromWhichEnd", "Direction", directions, 0, 0)
                      .beside("removeNumberOfCharacters")

@@ -12,6 +12,7 @@
 #include <QActionGroup>
 #include <QHBoxLayout>
 #include <QMenu>
+#include <QPushButton>
 #include <QToolButton>
 #include <array>
 
@@ -90,10 +91,10 @@ void ListBar::addFilter(const char* key, Glyph glyph, const char* text, const ch
 }
 
 void ListBar::addShowMenu() {
-    showButton =
-        prepared(new QToolButton, "showButton", "What of the list shows; all items take part all the same");
-    showButton->setText("Show: All");
-    showButton->setPopupMode(QToolButton::InstantPopup);
+    showButton = new QPushButton("Show: All");
+    showButton->setObjectName("showButton");
+    showButton->setToolTip("What of the list shows; all items take part all the same");
+    showButton->setAutoDefault(false);
     auto* menu = new QMenu(showButton);
     showActions = new QActionGroup(this);
     constexpr std::array labels{"&All Items", "Items to Be &Renamed", "&Problems"};

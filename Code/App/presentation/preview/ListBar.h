@@ -8,7 +8,7 @@
 #include <vector>
 
 class QActionGroup;
-class QToolButton;
+class QPushButton;
 
 namespace tavrin {
 
@@ -29,7 +29,7 @@ class ListBar final : public QWidget {
 
     const WindowServices services;
     PreviewPane& pane;
-    QToolButton* showButton = nullptr;
+    QPushButton* showButton = nullptr;
     QActionGroup* showActions = nullptr;
     std::vector<std::unique_ptr<ParameterBinding>> bindings;
 };

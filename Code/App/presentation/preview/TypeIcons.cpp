@@ -1,21 +1,21 @@
 #include "presentation/preview/TypeIcons.h"
 
-#include <QApplication>
+#include "presentation/GlyphIcon.h"
+
 #include <QHash>
 #include <QMimeDatabase>
-#include <QStyle>
 
 namespace tavrin {
 
 namespace {
 
 QIcon lookedUp(const QString& extension, bool isFolder) {
-    QStyle* style = QApplication::style();
     if (isFolder)
-        return QIcon::fromTheme("folder", style->standardIcon(QStyle::SP_DirIcon));
+        return QIcon::fromTheme("folder", GlyphIcon::of(Glyph::folders, QPalette::PlaceholderText));
     const QMimeDatabase types;
     const QMimeType type = types.mimeTypeForFile("x." + extension, QMimeDatabase::MatchExtension);
-    const QIcon generic = QIcon::fromTheme(type.genericIconName(), style->standardIcon(QStyle::SP_FileIcon));
+    const QIcon generic =
+        QIcon::fromTheme(type.genericIconName(), GlyphIcon::of(Glyph::files, QPalette::PlaceholderText));
     return QIcon::fromTheme(type.iconName(), generic);
 }
 

@@ -8,13 +8,14 @@
 #include "presentation/settings/WidePopUpBox.h"
 #include "shell/MainController.h"
 
-#include <QHBoxLayout>
-#include <QVBoxLayout>
+#include <QBoxLayout>
 #include <utility>
 
 namespace tavrin {
 
 namespace {
+
+constexpr int spacing = 8;
 
 QComboBox* makeBox(const char* name, const char* accessibleName) {
     auto* box = new WidePopUpBox;
@@ -31,16 +32,15 @@ QComboBox* makeBox(const char* name, const char* accessibleName) {
 ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
     : QWidget(parent), services(shared), search(new ActionSearchField(services.actionList)),
       categoryPopUpButton(makeBox("categoryPopUpButton", "Category")),
-      actionPopUpButton(makeBox("actionPopUpButton", "Action")) {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(8);
-    layout->addWidget(search);
-    auto* boxes = new QHBoxLayout;
-    boxes->setSpacing(8);
+      actionPopUpButton(makeBox("actionPopUpButton", "Action")),
+      all(new QBoxLayout(QBoxLayout::TopToBottom, this)), boxes(new QBoxLayout(QBoxLayout::LeftToRight)) {
+    all->setContentsMargins(0, 0, 0, 0);
+    all->setSpacing(spacing);
+    all->addWidget(search, 3);
+    boxes->setSpacing(spacing);
     boxes->addWidget(categoryPopUpButton, 2);
     boxes->addWidget(actionPopUpButton, 3);
-    layout->addLayout(boxes);
+    all->addLayout(boxes, 5);
     search->setFoundHandler([this](std::int32_t menuIndex) {
         wasFoundBySearch = true;
         choose(menuIndex);
@@ -64,6 +64,30 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
 
 ActionChooser::~ActionChooser() = default;
 
+/// All in one row in a wide and low pane, the boxes below each other where their labels would be cut.
+void ActionChooser::arrange() {
+    const auto widthFor = [](const QComboBox* box) {
+        constexpr int frameAndArrow = 40;
+        return box->fontMetrics().horizontalAdvance(box->currentText()) + frameAndArrow;
+    };
+    const int category = widthFor(categoryPopUpButton);
+    const int action = widthFor(actionPopUpButton);
+    const bool fits = category + spacing + action <= width();
+    const bool isWide = width() >= 2 * (category + action);
+    all->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    boxes->setDirection(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    categoryPopUpButton->setMinimumWidth(fits ? category : 0);
+    actionPopUpButton->setMinimumWidth(fits ? action : 0);
+}
+
+void ActionChooser::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    arrange();
+}
+
+/// What the boxes ask for at this moment must not keep the pane from becoming narrower.
+QSize ActionChooser::minimumSizeHint() const { return {0, QWidget::minimumSizeHint().height()}; }
+
 void ActionChooser::choose(std::int32_t menuIndex) {
     if (services.controller.compositeAction().transientActionIndex() != menuIndex)
         services.controller.actionListCommands().chooseAction(menuIndex);
@@ -82,6 +106,7 @@ void ActionChooser::refresh() {
     categoryPopUpButton->setCurrentIndex(categoryPopUpButton->findData(*category));
     fillActions(*category);
     actionPopUpButton->setCurrentIndex(actionPopUpButton->findData(*index));
+    arrange();
 }
 
 void ActionChooser::fillActions(std::int32_t category) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+class QBoxLayout;
 class QComboBox;
 
 namespace tavrin {
@@ -25,8 +26,13 @@ class ActionChooser final : public QWidget {
     /// Whether the action on show was found by searching, so that its first field wants the cursor. Asked
     /// once.
     [[nodiscard]] bool takeWasFoundBySearch();
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void arrange();
     void choose(std::int32_t menuIndex);
     void fillActions(std::int32_t category);
 
@@ -34,6 +40,8 @@ class ActionChooser final : public QWidget {
     ActionSearchField* search;
     QComboBox* categoryPopUpButton;
     QComboBox* actionPopUpButton;
+    QBoxLayout* all;
+    QBoxLayout* boxes;
     std::int32_t shownCategory = -1;
     bool wasFoundBySearch = false;
 };

@@ -17,6 +17,8 @@ namespace tavrin {
 
 namespace {
 
+constexpr double captionScale = 0.88;
+
 struct Fragment {
     int mode;
     const char* name;
@@ -114,6 +116,9 @@ void FragmentSelector::addButtons(bool withCaptions) {
         if (withCaptions) {
             auto* caption = new QLabel(fragment.caption, this);
             caption->setAlignment(Qt::AlignHCenter);
+            QFont small = caption->font();
+            small.setPointSizeF(small.pointSizeF() * captionScale);
+            caption->setFont(small);
             caption->setForegroundRole(QPalette::PlaceholderText);
             captions.push_back(caption);
         }

@@ -127,8 +127,8 @@ class NumberEditor : public CalmControl<QSpinBox> {
         setRange(std::min(saturated(std::int64_t{parameter.minimum} + offset), value()),
                  std::max(saturated(std::int64_t{parameter.maximum} + offset), value()));
         setFocusPolicy(Qt::StrongFocus);
-        setMinimumWidth(sizeHintFor("-999999"));
-        setMaximumWidth(sizeHintFor("-2147483648"));
+        constexpr std::int32_t wide = 9999;
+        setFixedWidth(sizeHintFor(parameter.maximum > wide ? "-2147483648" : "99999"));
         connect(this, &QSpinBox::valueChanged, this,
                 [this](int number) { binding.write(saturated(std::int64_t{number} - offset)); });
         connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& typed) {

@@ -68,7 +68,7 @@ ParameterPanel::~ParameterPanel() = default;
 void ParameterPanel::addRow(const PanelRow& row) {
     const ParameterDescription& first = row.first();
     if (!first.head.empty())
-        form->addRow(makeSectionHead(toQString(first.head)));
+        form->addRow(makeSectionHead(toQString(first.head), form->rowCount() == 0));
     std::vector<QWidget*> editors;
     for (const ParameterDescription* parameter : row.parameters) {
         editors.push_back(makeParameterEditor(*parameter, action, services));

@@ -14,16 +14,17 @@ QWidget* makeLine() {
     return line;
 }
 
-QWidget* makeSectionHead(const QString& text) {
+QWidget* makeSectionHead(const QString& text, bool isFirst) {
     auto* head = new QWidget;
     auto* layout = new QVBoxLayout(head);
-    layout->setContentsMargins(0, 8, 0, 0);
+    layout->setContentsMargins(0, isFirst ? 0 : 8, 0, 0);
     layout->setSpacing(8);
     auto* label = new QLabel(text);
     QFont bold = label->font();
     bold.setWeight(QFont::DemiBold);
     label->setFont(bold);
-    layout->addWidget(makeLine());
+    if (!isFirst)
+        layout->addWidget(makeLine());
     layout->addWidget(label);
     return head;
 }

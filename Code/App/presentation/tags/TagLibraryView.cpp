@@ -32,6 +32,7 @@ namespace tavrin {
 namespace {
 
 constexpr int tagRole = Qt::UserRole;
+constexpr double tabScale = 0.9;
 
 /// What stands on the tabs, for which there is little room, and what it means.
 constexpr std::array<std::pair<const char*, const char*>, 6> tabTitles{{
@@ -173,6 +174,9 @@ void TagLibraryView::Parts::showValuesOf(const std::string& path) {
 TagLibraryView::TagLibraryView(WindowServices services) : parts(std::make_unique<Parts>(services)) {
     setObjectName("tagLibraryView");
     parts->tabs->setObjectName("tagTabs");
+    QFont small = parts->tabs->font();
+    small.setPointSizeF(small.pointSizeF() * tabScale);
+    parts->tabs->setFont(small);
     parts->tabs->setExpanding(false);
     parts->tabs->setDrawBase(false);
     parts->tabs->setUsesScrollButtons(true);
