@@ -171,6 +171,21 @@ bool MainController::addFilePaths(const std::vector<std::string>& paths, bool in
     return sources.addFilePaths(paths, interactive);
 }
 
+void MainController::ok() {
+    sources.finishWork();
+    confirmation.ok();
+}
+
+void MainController::applyAndQuit() {
+    sources.finishWork();
+    confirmation.applyAndQuit();
+}
+
+void MainController::applyButDontQuit() {
+    sources.finishWork();
+    confirmation.applyButDontQuit();
+}
+
 void MainController::applyPreset(std::size_t index) {
     if (const PresetOutcome outcome = presets.applyPresetAtIndex(index); !outcome)
         presentError("The preset can't be used. " + *outcome.error);

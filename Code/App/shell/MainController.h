@@ -91,9 +91,14 @@ class MainController : public EngineHost, public ActionObserver {
     void showFileDialog() { sources.showFileDialog(); }
     void removeFile(const std::vector<RowId>& selection) { sources.removeFile(selection); }
     void clearPreview() { clearList(); }
-    void ok() { confirmation.ok(); }
-    void applyAndQuit() { confirmation.applyAndQuit(); }
-    void applyButDontQuit() { confirmation.applyButDontQuit(); }
+    /// Reads everything on the list anew from the disk.
+    void rereadList() {
+        engine.rereadAtNextPreview();
+        preview.initiateDelayedPreviewUpdate();
+    }
+    void ok();
+    void applyAndQuit();
+    void applyButDontQuit();
     void createFileList() { confirmation.createFileList(); }
     /// Applies a preset of the menu. A preset that is no good is told to the user and changes nothing.
     void applyPreset(std::size_t index);

@@ -5,6 +5,7 @@
 #include "support/DebugLog.h"
 
 #include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <utility>
 
@@ -73,11 +74,37 @@ std::vector<PreviewList::Row> PreviewList::rowsWithIds(std::span<const RowId> id
 }
 
 std::vector<RowId> PreviewList::changingRows() {
+    const std::vector<RowId> changing = changingIds();
+    std::vector<RowId> arranged;
+    arranged.reserve(changing.size());
+    std::ranges::copy_if(arrangedObjects(), std::back_inserter(arranged),
+                         [&](RowId id) { return std::ranges::binary_search(changing, id); });
+    return arranged;
+}
+
+std::vector<RowId> PreviewList::changingIds() {
     if (arrangedObjects().empty())
         return {};
-    const FetchRequest request{FetchEntity::file, predicate.with(Predicate::isTrue(NodeKey::diff)), order, 0};
-    return read([&](StoreContext& context) { return std::optional(context.fetch(request)); })
-        .value_or(std::vector<RowId>());
+    const FetchRequest request{FetchEntity::file, predicate.with(Predicate::isTrue(NodeKey::diff)), {}, 0};
+    std::vector<RowId> ids = read([&](StoreContext& context) {
+                                 return std::optional(context.fetch(request));
+                             }).value_or(std::vector<RowId>());
+    std::ranges::sort(ids);
+    return ids;
+}
+
+std::optional<std::string> PreviewList::pathOf(RowId id) {
+    return read([&](StoreContext& context) {
+        return context.exists(id) ? std::optional(context.fullPath(id)) : std::nullopt;
+    });
+}
+
+bool PreviewList::isAnyRoot(std::span<const RowId> ids) {
+    return read([&](StoreContext& context) {
+               return std::optional(std::ranges::any_of(
+                   ids, [&](RowId id) { return context.exists(id) && context.row(id).root; }));
+           })
+        .value_or(false);
 }
 
 RowId PreviewList::rowWithPath(const std::string& path) {

@@ -48,8 +48,14 @@ class PreviewList {
 
     /// Several rows at once; one that a run has deleted meanwhile has no id.
     [[nodiscard]] std::vector<Row> rowsWithIds(std::span<const RowId> ids);
+    /// The path of a row in bytes; absent when it is gone.
+    [[nodiscard]] std::optional<std::string> pathOf(RowId id);
+    /// Whether one of these rows was added by itself, not with its folder.
+    [[nodiscard]] bool isAnyRoot(std::span<const RowId> ids);
     /// Those of the rows that will change, in the same order.
     [[nodiscard]] std::vector<RowId> changingRows();
+    /// The same in ascending order of their ids, which is the quickest to read them in.
+    [[nodiscard]] std::vector<RowId> changingIds();
     /// The row at a path, whether it is among these or not.
     [[nodiscard]] RowId rowWithPath(const std::string& path);
 

@@ -34,15 +34,52 @@ struct Group {
 std::vector<Group> groupedByFolder(const std::vector<std::string>& paths) {
     std::vector<Group> groups;
     std::unordered_map<std::string_view, std::size_t> groupOf;
+    std::size_t last = 0;
     for (std::size_t place = 0; place < paths.size(); ++place) {
         const std::string_view folder = parentOf(paths[place]);
-        const auto [entry, isNew] = groupOf.try_emplace(folder, groups.size());
-        if (isNew)
-            groups.push_back({std::string(folder), {}});
-        groups[entry->second].places.push_back(place);
+        if (groups.empty() || groups[last].folder != folder) {
+            const auto [entry, isNew] = groupOf.try_emplace(folder, groups.size());
+            if (isNew)
+                groups.push_back({std::string(folder), {}});
+            last = entry->second;
+        }
+        groups[last].places.push_back(place);
     }
     return groups;
 }
+
+/// Paths that are added one by one, folder by folder.
+struct Adding {
+    explicit Adding(const std::vector<std::string>& given) : paths(given), groups(groupedByFolder(paths)) {}
+
+    /// False when none is left.
+    bool addNext(SourceItemManager& items) {
+        while (group < groups.size() && place == groups[group].places.size()) {
+            ++group;
+            place = 0;
+        }
+        if (group == groups.size())
+            return false;
+        const Group& current = groups[group];
+        if (place == 0)
+            isValid = items.checkPathValidity(current.folder);
+        if (!isValid || !items.addSourceItem(paths[current.places[place]]))
+            someWereRefused = true;
+        ++place;
+        ++count;
+        return true;
+    }
+
+    std::vector<std::string> paths;
+    std::vector<Group> groups;
+    std::size_t group = 0;
+    std::size_t place = 0;
+    std::size_t count = 0;
+    bool isValid = false;
+    bool someWereRefused = false;
+};
+
+constexpr std::size_t itemsPerDelay = 5000;
 
 const Alert someFilesNotAdded{
     .kind = AlertKind::filesNotAdded,
@@ -71,10 +108,19 @@ std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>
 }
 
 bool SourceCommands::addFilePaths(const std::vector<std::string>& paths, bool interactive) {
-    const bool someWereRefused = !addPaths(paths).empty();
-    if (someWereRefused && interactive)
-        services.frontEnd.showAlert(someFilesNotAdded, [](AlertAnswer) {});
     preview.initiateDelayedPreviewUpdate();
+    work.begin([this, interactive, adding = std::make_shared<Adding>(paths)] {
+        if (adding->addNext(services.sourceItems)) {
+            // The preview waits for the last.
+            if (adding->count % itemsPerDelay == 0)
+                preview.initiateDelayedPreviewUpdate();
+            return true;
+        }
+        if (adding->someWereRefused && interactive)
+            services.frontEnd.showAlert(someFilesNotAdded, [](AlertAnswer) {});
+        preview.initiateDelayedPreviewUpdate();
+        return false;
+    });
     return true;
 }
 
@@ -90,30 +136,36 @@ void SourceCommands::showFileDialog() {
 }
 
 void SourceCommands::removeFile(const std::vector<RowId>& selection) {
-    std::vector<std::string> paths;
-    paths.reserve(selection.size());
-    for (const RowId id : selection) {
-        if (std::optional<PreviewList::Row> row = preview.nodeController().rowWithId(id))
-            paths.push_back(std::move(row->fullPath));
-    }
-    try {
-        for (const std::string& path : paths)
-            services.sourceItems.removeItem(path);
-    } catch (const StoreError& error) {
-        // The preview that follows meets the same failure and moves the store into memory.
-        services.frontEnd.presentError(error.what());
-    }
     preview.initiateDelayedPreviewUpdate();
-}
-
-bool SourceCommands::canRemove(const std::vector<RowId>& selection) {
-    return std::any_of(selection.begin(), selection.end(), [this](RowId id) {
-        const std::optional<PreviewList::Row> row = preview.nodeController().rowWithId(id);
-        return row && row->root;
+    work.begin([this, selection, next = std::size_t{0}]() mutable {
+        if (next < selection.size() && removeRow(selection[next])) {
+            if (++next % itemsPerDelay == 0)
+                preview.initiateDelayedPreviewUpdate();
+            return true;
+        }
+        preview.initiateDelayedPreviewUpdate();
+        return false;
     });
 }
 
+/// False when the store fails: the preview that follows meets the same failure and moves it into memory.
+bool SourceCommands::removeRow(RowId id) {
+    try {
+        if (const std::optional<std::string> path = preview.nodeController().pathOf(id))
+            services.sourceItems.removeItem(*path);
+        return true;
+    } catch (const StoreError& error) {
+        services.frontEnd.presentError(error.what());
+        return false;
+    }
+}
+
+bool SourceCommands::canRemove(const std::vector<RowId>& selection) {
+    return preview.nodeController().isAnyRoot(selection);
+}
+
 void SourceCommands::clearList() {
+    work.drop();
     services.frontEnd.selectPreviewTab(PreviewTab::status);
     store.drop();
     if (!services.engine.isBusy())

@@ -133,6 +133,7 @@ void StartSequence::loadChain() {
     try {
         services.composite.loadFromPreferences();
     } catch (const std::exception& failure) {
+        services.composite.setFlatParameterList(std::nullopt);
         chainInPlaceOfStored = services.composite.getFlatParameterList();
         services.frontEnd.presentError(fmt::format("The list of actions that was stored can't be used. {}",
                                                    whyUnusable(services.defaults, failure)));

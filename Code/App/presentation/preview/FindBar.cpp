@@ -12,6 +12,12 @@
 
 namespace tavrin {
 
+namespace {
+
+constexpr int rowsPerSlice = 1024;
+
+} // namespace
+
 FindBar::FindBar(QTableView& table, PreviewTableModel& shownModel)
     : view(table), model(shownModel), field(new QLineEdit), result(new QLabel) {
     setObjectName("findBar");
@@ -37,6 +43,9 @@ FindBar::FindBar(QTableView& table, PreviewTableModel& shownModel)
     addButton("✕", "Close", [this] { close(); });
     connect(field, &QLineEdit::textEdited, this, [this] { goToMatch(true, true); });
     connect(field, &QLineEdit::returnPressed, this, [this] { goToMatch(true, false); });
+    slices.setObjectName("find");
+    slices.setInterval(0);
+    connect(&slices, &QTimer::timeout, this, [this] { lookOn(); });
     hide();
 }
 
@@ -47,6 +56,7 @@ void FindBar::open() {
 }
 
 void FindBar::close() {
+    slices.stop();
     hide();
     view.setFocus();
 }
@@ -59,24 +69,43 @@ void FindBar::keyPressEvent(QKeyEvent* event) {
 }
 
 void FindBar::goToMatch(bool forward, bool fromHere) {
-    const QString wanted = field->text();
     const int count = model.rowCount();
+    slices.stop();
     result->clear();
+    wanted = field->text();
     if (wanted.isEmpty() || count == 0)
         return;
     const int current = view.currentIndex().isValid() ? view.currentIndex().row() : forward ? -1 : count;
-    const int start = fromHere ? std::max(0, current) : current + (forward ? 1 : -1);
-    for (int step = 0; step < count; ++step) {
-        const int row = (((forward ? start + step : start - step) % count) + count) % count;
+    start = fromHere ? std::max(0, current) : current + (forward ? 1 : -1);
+    step = 0;
+    isForward = forward;
+    lookOn();
+}
+
+void FindBar::lookOn() {
+    const int count = model.rowCount();
+    const int end = std::min(count, step + rowsPerSlice);
+    for (; step < end; ++step) {
+        const int row = (((isForward ? start + step : start - step) % count) + count) % count;
         const PreviewList::Row& item = model.rowAt(row);
         if (toQString(item.name).contains(wanted, Qt::CaseInsensitive) ||
             toQString(item.finalName).contains(wanted, Qt::CaseInsensitive)) {
-            view.setCurrentIndex(model.index(row, PreviewTableModel::currentName));
-            view.scrollTo(view.currentIndex(), QAbstractItemView::PositionAtCenter);
+            goTo(row);
             return;
         }
     }
+    if (step < count) {
+        slices.start();
+        return;
+    }
+    slices.stop();
     result->setText("Not found");
+}
+
+void FindBar::goTo(int row) {
+    slices.stop();
+    view.setCurrentIndex(model.index(row, PreviewTableModel::currentName));
+    view.scrollTo(view.currentIndex(), QAbstractItemView::PositionAtCenter);
 }
 
 } // namespace tavrin

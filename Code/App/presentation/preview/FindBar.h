@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+#include <QTimer>
 #include <QWidget>
 
 class QLabel;
@@ -21,13 +23,21 @@ class FindBar final : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    /// Looks from the current row on, or from behind it; long lists between other events.
     void goToMatch(bool forward, bool fromHere);
+    void lookOn();
+    void goTo(int row);
     void close();
 
     QTableView& view;
     PreviewTableModel& model;
     QLineEdit* field;
     QLabel* result;
+    QTimer slices;
+    QString wanted;
+    int start = 0;
+    int step = 0;
+    bool isForward = true;
 };
 
 } // namespace tavrin

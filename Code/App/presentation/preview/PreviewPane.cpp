@@ -7,8 +7,10 @@
 #include "platform/UserDefaults.h"
 #include "presentation/DroppedFiles.h"
 #include "presentation/FileBrowser.h"
+#include "presentation/GlyphIcon.h"
 #include "presentation/MainWindow.h"
 #include "presentation/QtText.h"
+#include "presentation/ToggleButton.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/preview/EmptyListPage.h"
 #include "presentation/preview/FindBar.h"
@@ -21,6 +23,7 @@
 #include "presentation/preview/ThumbnailLoader.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
+#include "shell/SlicedWork.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -43,6 +46,7 @@ namespace tavrin {
 
 namespace {
 
+constexpr std::size_t rowsAtOnce = 256;
 constexpr int thumbnailRowHeight = 33;
 constexpr int thumbnailSize = 28;
 constexpr std::chrono::milliseconds restAfterScrolling(150);
@@ -54,6 +58,7 @@ struct PreviewPane::Parts {
         : services(shared), controller(shared.controller), owner(pane),
           thumbnails([this](RowId id) { model.thumbnailChanged(id); }), model(shared, thumbnails, &pane),
           view(new PreviewTableView(model, shared.controller.dndArrayController())),
+          longWork(shared.controller.runLoop()),
           scan(shared, [this](PreviewTableModel::Problems found) { problemsFound(std::move(found)); }) {}
 
     void buildTable();
@@ -72,6 +77,7 @@ struct PreviewPane::Parts {
     ThumbnailLoader thumbnails;
     PreviewTableModel model;
     PreviewTableView* view;
+    SlicedWork longWork;
     ProblemScan scan;
     QStackedWidget* pages = nullptr; ///< the table, or the invitation
     ListBar* listBar = nullptr;
@@ -138,8 +144,7 @@ void PreviewPane::Parts::buildTable() {
             return;
         auto* menu = new QMenu(&owner);
         menu->setAttribute(Qt::WA_DeleteOnClose);
-        for (const char* name :
-             {"openFile", "revealFile", "copyRows", "removeFile", "moveRowUp", "moveRowDown"})
+        for (const char* name : {"openFile", "revealFile", "copy", "removeFile", "moveRowUp", "moveRowDown"})
             menu->addAction(window->commands().command(name));
         menu->popup(view->viewport()->mapToGlobal(place));
     });
@@ -175,7 +180,7 @@ QWidget* PreviewPane::Parts::buildStatusRow() {
     auto* orderLabel = new QLabel("Order:");
     layout->addWidget(orderLabel);
     const auto makeButton = [&](const char* name, const char* text, const char* tip, bool isAutomatic) {
-        auto* button = new QToolButton;
+        auto* button = new ToggleButton(text, isAutomatic ? Glyph::automatic : Glyph::byHand);
         button->setObjectName(name);
         button->setText(text);
         button->setToolTip(tip);
@@ -418,13 +423,18 @@ void PreviewPane::revealSelected() {
 }
 
 void PreviewPane::copySelected() {
-    QString lines;
-    for (const RowId id : selection()) {
-        const auto row = parts->controller.nodeController().rowWithId(id);
-        if (row)
-            lines += toQString(row->name) + '\t' + toQString(row->finalName) + '\n';
-    }
-    QGuiApplication::clipboard()->setText(lines);
+    parts->longWork.finish();
+    parts->longWork.begin([this, ids = selection(), first = std::size_t{0}, lines = QString()]() mutable {
+        const std::size_t count = std::min(rowsAtOnce, ids.size() - first);
+        for (const PreviewList::Row& row :
+             parts->controller.nodeController().rowsWithIds(std::span(ids).subspan(first, count)))
+            if (row.id != noRow)
+                lines.append(toQString(row.name)).append('\t').append(toQString(row.finalName)).append('\n');
+        first += count;
+        if (first == ids.size())
+            QGuiApplication::clipboard()->setText(lines);
+        return first < ids.size();
+    });
 }
 
 void PreviewPane::pasteFiles() {

@@ -37,12 +37,14 @@ PreviewTableView::PreviewTableView(PreviewTableModel& shownModel, DNDArrayContro
 }
 
 DNDArrayController::Indexes PreviewTableView::selectedRows() const {
+    // Ranges are few where rows are many.
+    QItemSelection ranges = selectionModel()->selection();
+    std::ranges::sort(ranges, {}, &QItemSelectionRange::top);
     DNDArrayController::Indexes rows;
-    for (const QItemSelectionRange& range : selectionModel()->selection())
-        for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.push_back(static_cast<std::size_t>(row));
-    std::ranges::sort(rows);
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    int next = 0;
+    for (const QItemSelectionRange& range : ranges)
+        for (next = std::max(next, range.top()); next <= range.bottom(); ++next)
+            rows.push_back(static_cast<std::size_t>(next));
     return rows;
 }
 
@@ -136,10 +138,9 @@ void PreviewTableView::dropEvent(QDropEvent* event) {
         dragging.acceptRows(static_cast<std::size_t>(rowAtDrop(event->position().toPoint())));
     } else if (!areRows) {
         const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
-        if (!paths.empty()) {
-            event->acceptProposedAction();
+        event->setAccepted(!paths.empty());
+        if (!paths.empty())
             dragging.acceptFiles(paths);
-        }
     }
     showMark(-1);
 }

@@ -7,17 +7,16 @@
 #include "support/Text.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_set>
 
 namespace tavrin {
 
 namespace {
 
-constexpr std::size_t rowsPerSlice = 1000;
+constexpr std::size_t rowsPerSlice = 500;
 /// Longer lists are not looked at: the rename itself refuses all the same what can't be.
 constexpr std::size_t mostRows = 250000;
-
-const char* const takenByForeignFile = "taken by a file not in the list";
-const char* const sameAsAnother = "same as another item";
 
 /// The name as it would be written: what is shown as "/" is ":" on the disk.
 std::optional<std::string> bytesOf(std::u16string name) {
@@ -25,26 +24,63 @@ std::optional<std::string> bytesOf(std::u16string name) {
     return text::toBytes(name);
 }
 
+void findEqual(const std::vector<ProblemScan::Wish>& wishes, std::vector<RowId>& equal) {
+    std::unordered_map<std::string_view, RowId> rowOf;
+    rowOf.reserve(wishes.size());
+    for (const ProblemScan::Wish& wish : wishes) {
+        const auto [other, isNew] = rowOf.emplace(wish.name, wish.row);
+        if (isNew)
+            continue;
+        equal.push_back(wish.row);
+        equal.push_back(other->second);
+    }
+}
+
+void findTaken(const std::string& path, const std::vector<ProblemScan::Wish>& wishes,
+               std::vector<ProblemScan::Taken>& taken) {
+    std::unique_ptr<OpenFolder> folder;
+    FolderEntries entries;
+    if (FileSystem::sharedInstance().openFolder(path, folder) != 0 || folder->entries(entries) != 0)
+        return;
+    std::unordered_set<std::string_view> names;
+    names.reserve(entries.size());
+    for (const FolderEntry entry : entries)
+        names.insert(entry.name);
+    for (const ProblemScan::Wish& wish : wishes)
+        if (names.contains(wish.name))
+            taken.push_back({wish.row, (path == "/" ? path : path + "/") + wish.name});
+}
+
 } // namespace
 
 ProblemScan::ProblemScan(WindowServices shared, Found whenFound)
-    : services(shared), found(std::move(whenFound)) {
+    : services(shared), found(std::move(whenFound)), isStopped(std::make_shared<std::atomic<bool>>()) {
+    slices.setObjectName("problemScan");
     slices.setInterval(0);
-    connect(&slices, &QTimer::timeout, this, [this] { readSlice(); });
+    connect(&slices, &QTimer::timeout, this, [this] { (this->*current)(); });
+    // One after the other: the scan that is out of date is told to stop.
+    thread.setMaxThreadCount(1);
 }
 
-ProblemScan::~ProblemScan() = default;
+ProblemScan::~ProblemScan() {
+    *isStopped = true;
+    thread.waitForDone();
+}
 
 void ProblemScan::start() {
-    ++generation;
-    reader = std::jthread();
-    rows = services.controller.nodeController().changingRows();
+    *isStopped = true;
+    isStopped = std::make_shared<std::atomic<bool>>(false);
+    rows = services.controller.nodeController().changingIds();
     if (rows.size() > mostRows)
         rows.clear();
-    next = 0;
     wishes.clear();
-    byName.clear();
     problems.clear();
+    proceedWith(&ProblemScan::readSlice);
+}
+
+void ProblemScan::proceedWith(Slice slice) {
+    current = slice;
+    next = 0;
     slices.start();
 }
 
@@ -58,7 +94,7 @@ void ProblemScan::readSlice() {
     if (next < rows.size())
         return;
     slices.stop();
-    readFolders();
+    compareOnThread();
 }
 
 void ProblemScan::takeRow(const PreviewList::Row& row) {
@@ -66,61 +102,59 @@ void ProblemScan::takeRow(const PreviewList::Row& row) {
         problems[row.id] = QString::fromUtf8(reason);
         return;
     }
-    const auto name = bytesOf(row.finalName);
-    if (!name)
-        return;
-    const std::string folder = row.fullPath.substr(0, std::max<std::size_t>(1, row.fullPath.rfind('/')));
-    const auto [other, isNew] = byName[folder].emplace(*name, row.id);
-    if (!isNew) {
-        problems[row.id] = sameAsAnother;
-        problems[other->second] = sameAsAnother;
-        return;
-    }
-    wishes[folder].push_back({row.id, *name});
+    if (auto name = bytesOf(row.finalName))
+        wishes[row.fullPath.substr(0, std::max<std::size_t>(1, row.fullPath.rfind('/')))].push_back(
+            {row.id, std::move(*name)});
 }
 
-std::vector<std::pair<RowId, std::string>> ProblemScan::takenNames(const Folders& folders,
-                                                                   const std::stop_token& stop) {
-    std::vector<std::pair<RowId, std::string>> taken;
+ProblemScan::Comparison ProblemScan::compare(const Folders& folders, const std::atomic<bool>& isStopped) {
+    Comparison result;
     for (const auto& [path, wishes] : folders) {
-        if (stop.stop_requested())
+        if (isStopped)
             return {};
-        std::unique_ptr<OpenFolder> folder;
-        FolderEntries entries;
-        if (FileSystem::sharedInstance().openFolder(path, folder) != 0 || folder->entries(entries) != 0)
-            continue;
-        for (const Wish& wish : wishes)
-            if (entries.contains(wish.name))
-                taken.emplace_back(wish.row, (path == "/" ? path : path + "/") + wish.name);
+        findEqual(wishes, result.equal);
+        findTaken(path, wishes, result.taken);
     }
-    return taken;
+    return result;
 }
 
-void ProblemScan::readFolders() {
-    if (wishes.empty()) {
-        found(problems);
-        return;
-    }
-    reader =
-        std::jthread([this, folders = std::move(wishes), mine = generation](const std::stop_token& stop) {
-            auto taken = takenNames(folders, stop);
-            QMetaObject::invokeMethod(
-                this,
-                [this, mine, taken = std::move(taken)] {
-                    if (mine == generation)
-                        judge(taken);
-                },
-                Qt::QueuedConnection);
-        });
+void ProblemScan::compareOnThread() {
+    thread.start([this, folders = std::make_shared<Folders>(std::move(wishes)), stop = isStopped]() mutable {
+        auto result = std::make_shared<Comparison>(compare(*folders, *stop));
+        folders.reset(); // much to free, so not on the main thread
+        QMetaObject::invokeMethod(
+            this,
+            [this, result, stop] {
+                if (!*stop)
+                    compared(std::move(*result));
+            },
+            Qt::QueuedConnection);
+    });
+    wishes.clear();
+}
+
+void ProblemScan::compared(Comparison result) {
+    const QString sameAsAnother = "same as another item";
+    for (const RowId row : result.equal)
+        problems[row] = sameAsAnother;
+    taken = std::move(result.taken);
+    proceedWith(&ProblemScan::judgeSlice);
 }
 
 /// A name that an item of the list has is free when its turn comes, or was made distinct.
-void ProblemScan::judge(const std::vector<std::pair<RowId, std::string>>& taken) {
+void ProblemScan::judgeSlice() {
+    const QString takenByForeignFile = "taken by a file not in the list";
     PreviewList& list = services.controller.nodeController();
-    for (const auto& [row, path] : taken)
-        if (list.rowWithPath(path) == noRow)
-            problems[row] = takenByForeignFile;
-    found(problems);
+    const std::size_t end = std::min(taken.size(), next + rowsPerSlice);
+    for (; next < end; ++next)
+        if (list.rowWithPath(taken[next].path) == noRow)
+            problems.try_emplace(taken[next].row, takenByForeignFile);
+    if (next < taken.size())
+        return;
+    slices.stop();
+    taken.clear();
+    found(std::move(problems));
+    problems.clear();
 }
 
 } // namespace tavrin

@@ -4,18 +4,21 @@
 #include "presentation/preview/PreviewTableModel.h"
 
 #include <QObject>
+#include <QThreadPool>
 #include <QTimer>
+#include <atomic>
 #include <functional>
-#include <map>
+#include <memory>
 #include <string>
-#include <thread>
+#include <unordered_map>
 #include <vector>
 
 namespace tavrin {
 
 /// Foresees which of the new names will fail: names that no file can have, names that two items of a folder
 /// would share, names that a file has which is not in the list. It reads the rows in slices between other
-/// events, and the folders on a thread of its own, with copies of names alone. Main thread.
+/// events, and compares them with each other and with the folders on a thread of its own, which gets copies
+/// of names alone. Nothing here ever waits for that thread but the destructor. Main thread.
 class ProblemScan final : public QObject {
   public:
     using Found = std::function<void(PreviewTableModel::Problems)>;
@@ -31,27 +34,40 @@ class ProblemScan final : public QObject {
         RowId row;
         std::string name;
     };
-    using Folders = std::map<std::string, std::vector<Wish>>;
-    /// The wishes for names that exist in their folders already. Any thread.
-    [[nodiscard]] static std::vector<std::pair<RowId, std::string>> takenNames(const Folders& folders,
-                                                                               const std::stop_token& stop);
+    using Folders = std::unordered_map<std::string, std::vector<Wish>>;
+    /// A row whose new name exists already, by its path.
+    struct Taken {
+        RowId row;
+        std::string path;
+    };
+    struct Comparison {
+        std::vector<RowId> equal; ///< rows that want the same name as another
+        std::vector<Taken> taken;
+    };
+    /// Compares the wishes with each other and with what is in their folders. Any thread.
+    [[nodiscard]] static Comparison compare(const Folders& folders, const std::atomic<bool>& isStopped);
 
   private:
+    using Slice = void (ProblemScan::*)();
+
+    void proceedWith(Slice slice);
     void readSlice();
     void takeRow(const PreviewList::Row& row);
-    void readFolders();
-    void judge(const std::vector<std::pair<RowId, std::string>>& taken);
+    void compareOnThread();
+    void compared(Comparison result);
+    void judgeSlice();
 
     const WindowServices services;
     Found found;
     QTimer slices;
-    std::vector<RowId> rows;
+    Slice current = nullptr;
     std::size_t next = 0;
+    std::vector<RowId> rows;
     Folders wishes;
-    std::map<std::string, std::map<std::string, RowId>> byName; ///< new names by folder, to find equal ones
+    std::vector<Taken> taken;
     PreviewTableModel::Problems problems;
-    std::uint64_t generation = 0;
-    std::jthread reader;
+    std::shared_ptr<std::atomic<bool>> isStopped; ///< of the scan under way
+    QThreadPool thread;
 };
 
 } // namespace tavrin

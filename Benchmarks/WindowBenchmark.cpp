@@ -1,0 +1,215 @@
+// What the window's main thread does with a long list, and how long it is held up by it:
+//     window_benchmark [ROWS [FOLDERS]]
+// Of each operation it prints its time until all is at rest, the longest single event, and the processor time
+// of that one event, which other programs can't lengthen. Ends with 1 where an event took too long by
+// processor time.
+
+#include "actions/CompositeRenameAction.h"
+#include "common/TemporaryFolder.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "presentation/MainWindow.h"
+#include "presentation/TavrinApplication.h"
+#include "presentation/WindowCommands.h"
+#include "presentation/preview/PreviewPane.h"
+#include "presentation/preview/PreviewTableModel.h"
+#include "shell/MainController.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QTableView>
+#include <QTimer>
+#include <clocale>
+#include <cstdio>
+#include <ctime>
+#include <functional>
+
+namespace tavrin {
+
+namespace {
+
+constexpr double limit = 50; // milliseconds
+constexpr qint64 restTime = 400;
+
+double processorTime() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
+}
+
+/// Measures each event that is delivered from the event loop, with all that it sets off.
+class TimedApplication final : public QApplication {
+  public:
+    using QApplication::QApplication;
+
+    struct Longest {
+        double time = 0;
+        double processor = 0;
+        QString what;
+    };
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        if (depth > 0)
+            return QApplication::notify(receiver, event);
+        const QString what = QString("%1 %2, event %3")
+                                 .arg(receiver->metaObject()->className(), receiver->objectName())
+                                 .arg(static_cast<int>(event->type()));
+        bool result = false;
+        measure(what, [&] { result = QApplication::notify(receiver, event); });
+        return result;
+    }
+
+    void measure(const QString& what, const std::function<void()>& work) {
+        ++depth;
+        QElapsedTimer clock;
+        clock.start();
+        const double before = processorTime();
+        work();
+        const double processor = processorTime() - before;
+        const double time = static_cast<double>(clock.nsecsElapsed()) * 1e-6;
+        --depth;
+        if (processor > 1)
+            lastWork.start();
+        if (processor > longest.processor)
+            longest = {std::max(time, longest.time), processor, what};
+        longest.time = std::max(time, longest.time);
+    }
+
+    Longest longest;
+    QElapsedTimer lastWork; ///< since the last event that did anything to speak of
+
+  private:
+    int depth = 0;
+};
+
+class WindowBenchmark {
+  public:
+    WindowBenchmark(TimedApplication& timedApplication, std::size_t rows, std::size_t folders)
+        : timed(timedApplication) {
+        for (std::size_t i = 0; i < rows; ++i) {
+            const std::string folder = folders > 1 ? "folder " + std::to_string(i % folders) + "/" : "";
+            paths.push_back(files.write(folder + "IMG_" + std::to_string(i) + " of the trip.jpg"));
+        }
+        TavrinApplication::Options options;
+        options.defaultsPath = data.path("defaults.plist");
+        options.dataFolder = data.path();
+        application = std::make_unique<TavrinApplication>(options);
+        application->start({});
+        controller().globalSettings().setValue(0, "quickLookThumbnail");
+        table = application->window().findChild<QTableView*>("previewTableView");
+        rest();
+    }
+
+    int run() {
+        step("fill", [this] { application->open(paths); });
+        step("scroll from top to bottom", [this] { scroll(); });
+        step("changed parameter", [this] { current().setValue(std::u16string(u"Trip "), "prefix"); });
+        step("sort order", [this] { current().setValue(11, "sortingMode"); });
+        step("select all", [this] { table->selectAll(); });
+        step("refresh with all selected", [this] { controller().previewControl().refreshPreview(); });
+        step("changed parameter with all selected",
+             [this] { current().setValue(std::u16string(u"Lake "), "prefix"); });
+        step("select one", [this] { table->selectRow(rowCount() / 2); });
+        step("move row up", [this] { command("moveRowUp"); });
+        step("find, without success", [this] { find("no such name"); });
+        step("show those to be renamed", [this] { pane().setShow(PreviewPane::Show::toBeRenamed); });
+        step("show all", [this] { pane().setShow(PreviewPane::Show::all); });
+        step("select 1000", [this] { selectRows(500, 1499); });
+        step("move 1000 rows down", [this] { command("moveRowDown"); });
+        step("copy 1000 rows", [this] { pane().copySelected(); });
+        step("remove 1000 rows", [this] { command("removeFile"); });
+        step("all rows are problems", [this] {
+            controller().globalSettings().setValue(0, "previewConflictResolution");
+            controller().actionListCommands().chooseAction(
+                *ActionList::sharedActionList().popUpMenuIndexForName("Completely rename"));
+            current().setValue(std::u16string(u"same"), "newName");
+        });
+        step("show problems", [this] { pane().setShow(PreviewPane::Show::problems); });
+        step("next problem", [this] { pane().goToProblem(true); });
+        step("select all problems", [this] { table->selectAll(); });
+        step("copy all rows", [this] { pane().copySelected(); });
+        step("show all again", [this] { pane().setShow(PreviewPane::Show::all); });
+        step("remove all rows", [this] {
+            table->selectAll();
+            command("removeFile");
+        });
+        return worst > limit ? 1 : 0;
+    }
+
+  private:
+    MainController& controller() { return application->controller(); }
+    PreviewPane& pane() { return application->window().previewPane(); }
+    BaseRenameAction& current() { return controller().compositeAction().getCurrentAction(); }
+    int rowCount() { return table->model()->rowCount(); }
+    void command(const char* name) { application->window().commands().command(name)->trigger(); }
+
+    void selectRows(int first, int last) {
+        table->selectionModel()->select(
+            QItemSelection(table->model()->index(first, 0), table->model()->index(last, 0)),
+            QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
+
+    void find(const QString& text) {
+        command("findInList");
+        auto* field = application->window().findChild<QLineEdit*>("findField");
+        field->setText(text);
+        emit field->textEdited(text);
+    }
+
+    /// By events of their own, as the wheel does it.
+    void scroll() {
+        QScrollBar* bar = table->verticalScrollBar();
+        for (int value = 0; value <= bar->maximum(); value += std::max(1, bar->maximum() / 400))
+            QMetaObject::invokeMethod(
+                bar, [bar, value] { bar->setValue(value); }, Qt::QueuedConnection);
+    }
+
+    /// Until nothing has happened for a while.
+    void rest() {
+        timed.lastWork.start();
+        QTimer wake;
+        wake.start(20);
+        while (timed.lastWork.elapsed() < restTime || controller().previewControl().isPreviewPending() ||
+               controller().renameEngine().isBusy())
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+
+    void step(const char* name, const std::function<void()>& work) {
+        timed.longest = {};
+        QElapsedTimer clock;
+        clock.start();
+        timed.measure("the command itself", work);
+        rest();
+        std::printf("%-38s %7.0f ms   longest event %6.1f ms, processor %6.1f ms%s  %s\n", name,
+                    static_cast<double>(clock.elapsed() - restTime), timed.longest.time,
+                    timed.longest.processor, timed.longest.processor > limit ? " !" : "  ",
+                    qUtf8Printable(timed.longest.what));
+        std::fflush(stdout);
+        worst = std::max(worst, timed.longest.processor);
+    }
+
+    TimedApplication& timed;
+    test::TemporaryFolder data;
+    test::TemporaryFolder files;
+    std::vector<std::string> paths;
+    std::unique_ptr<TavrinApplication> application;
+    QTableView* table = nullptr;
+    double worst = 0;
+};
+
+} // namespace
+
+} // namespace tavrin
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    tavrin::TimedApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    QApplication::setQuitOnLastWindowClosed(false);
+    const auto number = [&](int place, std::size_t otherwise) {
+        return argc > place ? std::stoul(argv[place]) : otherwise;
+    };
+    return tavrin::WindowBenchmark(application, number(1, 100000), number(2, 1)).run();
+}
