@@ -3,6 +3,7 @@
 #include "PathArguments.h"
 #include "RecipeLoader.h"
 #include "actions/list/RenameFromListAction.h"
+#include "platform/AbsolutePaths.h"
 #include "shell/MainController.h"
 #include "store/ItemStore.h"
 #include "store/StoreContext.h"

@@ -1,8 +1,8 @@
 #include "TagsCommand.h"
 
 #include "DisplayText.h"
-#include "PathArguments.h"
 #include "Terminal.h"
+#include "platform/AbsolutePaths.h"
 #include "support/Text.h"
 #include "tags/TagLibraryHelper.h"
 #include "tags/TaggedFile.h"

@@ -4,11 +4,15 @@
 #include "presentation/SessionEnd.h"
 #include "shell/MainController.h"
 
+#include <chrono>
 #include <stdexcept>
+#include <utility>
 
 namespace tavrin {
 
 namespace {
+
+constexpr std::chrono::milliseconds betweenQuestions(200); // whether the run has ended
 
 ActionList::Resources resources() {
     auto read = ActionList::readResources();
@@ -40,6 +44,10 @@ TavrinApplication::TavrinApplication(Options options)
         MainController::Environment{frontEnd, loop, defaults, actionList}, controllerOptions(options));
     mainWindow = std::make_unique<MainWindow>(WindowServices{*mainController, actionList, defaults});
     frontEnd.setWindow(mainWindow.get());
+    QObject::connect(&waiting, &QTimer::timeout, &waiting, [this] {
+        if (mainController->validateUserInterfaceItem() && !mainController->renameEngine().isBusy())
+            addWaitingPaths();
+    });
     sessionEnd = std::make_unique<SessionEnd>([this] { saveState(); }, [this] { endNow(); });
 }
 
@@ -70,9 +78,20 @@ void TavrinApplication::start(const std::vector<std::string>& paths) {
 }
 
 void TavrinApplication::open(const std::vector<std::string>& paths) {
-    if (!paths.empty())
-        mainController->applicationOpenFiles(paths);
     frontEnd.showWindow();
+    if (paths.empty())
+        return;
+    waitingPaths.insert(waitingPaths.end(), paths.begin(), paths.end());
+    if (mainController->validateUserInterfaceItem() && !waiting.isActive())
+        addWaitingPaths();
+    else
+        waiting.start(betweenQuestions);
+}
+
+/// At the end of a run its list is emptied, so what is added must come behind that.
+void TavrinApplication::addWaitingPaths() {
+    waiting.stop();
+    mainController->applicationOpenFiles(std::exchange(waitingPaths, {}));
 }
 
 } // namespace tavrin

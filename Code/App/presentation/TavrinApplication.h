@@ -6,6 +6,7 @@
 #include "presentation/QtFrontEnd.h"
 #include "presentation/QtRunLoop.h"
 
+#include <QTimer>
 #include <memory>
 #include <string>
 #include <vector>
@@ -35,7 +36,7 @@ class TavrinApplication {
 
     /// Brings the window up and adds these paths (absolute, in bytes).
     void start(const std::vector<std::string>& paths);
-    /// Adds paths that came later, and brings the window to the front.
+    /// Adds paths that came later, and brings the window to the front. During a run they wait for its end.
     void open(const std::vector<std::string>& paths);
 
     [[nodiscard]] MainController& controller() { return *mainController; }
@@ -45,6 +46,7 @@ class TavrinApplication {
   private:
     void saveState();
     void endNow();
+    void addWaitingPaths();
 
     QtRunLoop loop;
     SystemLog systemLog;
@@ -54,6 +56,8 @@ class TavrinApplication {
     std::unique_ptr<MainController> mainController;
     std::unique_ptr<MainWindow> mainWindow;
     std::unique_ptr<SessionEnd> sessionEnd;
+    std::vector<std::string> waitingPaths;
+    QTimer waiting;
 };
 
 } // namespace tavrin

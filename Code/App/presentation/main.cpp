@@ -1,8 +1,9 @@
 #include "presentation/Appearance.h"
 #include "presentation/TavrinApplication.h"
+#include "presentation/start/WindowArguments.h"
+#include "presentation/start/WindowLink.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QIcon>
 #include <clocale>
 #include <cstdio>
@@ -10,34 +11,52 @@
 
 namespace {
 
-std::vector<std::string> absolutePaths(int count, char** arguments) {
-    std::vector<std::string> paths;
-    const std::string folder = QDir::currentPath().toStdString();
-    for (int i = 1; i < count; ++i) {
-        const std::string path = arguments[i];
-        if (!path.empty())
-            paths.push_back(path.front() == '/' ? path : folder + "/" + path);
-    }
-    return paths;
+using tavrin::WindowArguments;
+using tavrin::WindowLink;
+
+int endWith(const WindowArguments::End& end) {
+    std::fputs(end.text.c_str(), end.status == 0 ? stdout : stderr);
+    return end.status;
+}
+
+/// The window until it is closed.
+int show(WindowLink* link, const std::vector<std::string>& paths) {
+    QApplication::setApplicationDisplayName("Tavrin");
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(
+        QIcon::fromTheme("net.calderwick.tavrin", QIcon(":/icons/net.calderwick.tavrin.svg")));
+    tavrin::Appearance::apply();
+    tavrin::TavrinApplication tavrin({});
+    if (link)
+        link->setOpen([&tavrin](const std::vector<std::string>& later) { tavrin.open(later); });
+    tavrin.start(paths);
+    const int status = QApplication::exec();
+    if (link)
+        link->setOpen(nullptr);
+    return status;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
+    auto taken = WindowArguments::take(argc, argv);
+    if (const auto* end = std::get_if<WindowArguments::End>(&taken))
+        return endWith(*end);
+    const QApplication application(argc, argv);
     // Numbers in files are free of the locale, which Qt has just set.
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setApplicationName("tavrin");
-    QApplication::setApplicationDisplayName("Tavrin");
     QApplication::setDesktopFileName("net.calderwick.tavrin");
-    QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setWindowIcon(
-        QIcon::fromTheme("net.calderwick.tavrin", QIcon(":/icons/net.calderwick.tavrin.svg")));
-    tavrin::Appearance::apply();
+    const auto given = std::get<WindowArguments>(taken).paths(argc, argv);
+    if (const auto* end = std::get_if<WindowArguments::End>(&given))
+        return endWith(*end);
+    const auto& paths = std::get<std::vector<std::string>>(given);
+    const std::unique_ptr<WindowLink> link = WindowLink::forThisSession();
+    // A window that does not answer is no reason to leave the user without one.
+    if (link && link->join(paths) == WindowLink::Role::handedOver)
+        return 0;
     try {
-        tavrin::TavrinApplication tavrin({});
-        tavrin.start(absolutePaths(argc, argv));
-        return QApplication::exec();
+        return show(link.get(), paths);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "tavrin: %s\n", failure.what());
         return 1;
