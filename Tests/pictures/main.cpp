@@ -3,6 +3,7 @@
 #include "actions/ActionList.h"
 #include "actions/CompositeRenameAction.h"
 #include "common/TemporaryFolder.h"
+#include "documents/PresetsManager.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/UserPrompts.h"
 #include "presentation/Appearance.h"
@@ -18,7 +19,9 @@
 #include <QDialog>
 #include <QIcon>
 #include <QImage>
+#include <QLineEdit>
 #include <QLinearGradient>
+#include <QListWidget>
 #include <QPainter>
 #include <QTest>
 #include <clocale>
@@ -104,20 +107,14 @@ class Pictures {
             .save(QString::fromStdString(prefix + name + ".png"));
     }
 
-    /// The topmost visible dialog.
-    static QWidget* dialog() {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (qobject_cast<QDialog*>(widget) && widget->isVisible())
-                return widget;
-        return nullptr;
-    }
-
+    /// Saves the picture of the dialog that is open, and closes all.
     void saveDialog(const char* name) {
         QTest::qWait(400);
-        if (QWidget* shown = dialog()) {
-            save(name, shown);
-            shown->close();
-        }
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (qobject_cast<QDialog*>(widget) && widget->isVisible()) {
+                save(name, widget);
+                widget->close();
+            }
         QTest::qWait(50);
     }
 
@@ -211,6 +208,29 @@ class Pictures {
         saveDialog("errors");
         Dialogs::showNotice(window, NoticeDialog::noFilesSelected, [](NoticeAnswer) {});
         saveDialog("notice");
+        Dialogs::showNotice(window, NoticeDialog::dropletEditMode, [](NoticeAnswer) {});
+        saveDialog("notice-droplet");
+        Dialogs::showAlert(window,
+                           {.kind = AlertKind::tagNotPresent,
+                            .title = "Some files will not be renamed as they do not contain all the required "
+                                     "information.",
+                            .text = "Files that do not contain any or only part of the required information "
+                                    "will be left entirely unchanged.",
+                            .buttons = {"OK"},
+                            .hasSuppressionBox = true,
+                            .helpAnchor = "helpTopic67"},
+                           [](AlertAnswer) {});
+        saveDialog("alert");
+        Dialogs::showAlert(window,
+                           {.kind = AlertKind::summary,
+                            .style = AlertStyle::informational,
+                            .title = "487 file names were changed.",
+                            .text = "",
+                            .buttons = {"OK"}},
+                           [](AlertAnswer) {});
+        saveDialog("summary");
+        Dialogs::presentError(window, "The preset can't be used. line 1: syntax error");
+        saveDialog("error-message");
         application->controller().createFileList();
         saveDialog("save-list");
         window->selectMainTab(MainTab::progress);
@@ -228,12 +248,29 @@ class Pictures {
     }
 
     void preferences() {
-        application->window().commands().command("showPreferencesDialog")->trigger();
-        saveDialog("preferences");
-        application->window().commands().command("createNewPresetWithCurrentSettings")->trigger();
+        auto& commands = application->window().commands();
+        commands.command("showPreferencesDialog")->trigger();
+        auto* window = application->window().findChild<QDialog*>("preferencesWindow");
+        auto* contents = window->findChild<QListWidget*>("preferencesContents");
+        for (int page = 0; page < contents->count(); ++page) {
+            contents->setCurrentRow(page);
+            QTest::qWait(50);
+            save(("preferences-" + std::to_string(page)).c_str(), window);
+        }
+        window->close();
+        QTest::qWait(50);
+        auto& presets = application->controller().presetsManager();
+        for (const char16_t* name : {u"Holiday photos", u"Make web safe", u"Music: artist first"})
+            (void)presets.createPresetFromCurrentActionsWithName(name, u"What it is good for");
+        commands.command("createNewPresetWithCurrentSettings")->trigger();
+        application->window().findChild<QLineEdit*>("presetName")->setText("Holiday photos");
         saveDialog("preset");
-        application->window().commands().command("showShortcuts")->trigger();
+        commands.command("organizePresets")->trigger();
+        saveDialog("organize-presets");
+        commands.command("showShortcuts")->trigger();
         saveDialog("shortcuts");
+        commands.command("about")->trigger();
+        saveDialog("about");
     }
 
     void help() {

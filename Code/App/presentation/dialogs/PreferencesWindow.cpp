@@ -79,7 +79,7 @@ class Window final : public QDialog {
         connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
         connect(this, &QDialog::finished, this, [this] {
             if (clearCache)
-                services.controller.reloadPreview();
+                services.controller.rereadList();
         });
         auto* row = new QHBoxLayout;
         row->addWidget(contents);

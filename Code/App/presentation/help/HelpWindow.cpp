@@ -7,11 +7,14 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -32,6 +35,7 @@ struct HelpWindow::Parts {
     HelpPages pages;
     std::vector<Place> history; ///< the present place is the one at `current`
     std::size_t current = 0;
+    std::optional<std::size_t> pageShown;
     QToolButton* backButton = new QToolButton;
     QToolButton* forwardButton = new QToolButton;
     QLineEdit* filter = new QLineEdit;
@@ -54,8 +58,11 @@ void HelpWindow::Parts::applyFilter() {
 }
 
 void HelpWindow::Parts::show(const Place& place) {
-    browser->setHtml(pages.html(place.page));
-    if (!place.anchor.isEmpty())
+    if (std::exchange(pageShown, place.page) != place.page)
+        browser->setHtml(pages.html(place.page));
+    if (place.anchor.isEmpty())
+        browser->verticalScrollBar()->setValue(0);
+    else
         browser->scrollToAnchor(place.anchor);
     const QSignalBlocker blocker(contents);
     contents->setCurrentRow(static_cast<int>(place.page));

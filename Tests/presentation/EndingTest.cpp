@@ -1,0 +1,143 @@
+#include "actions/CompositeRenameAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/UserDefaults.h"
+#include "presentation/MainWindow.h"
+#include "presentation/WindowCommands.h"
+#include "presentation/WindowFixture.h"
+#include "shell/MainController.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <csignal>
+#include <set>
+
+namespace tavrin::test {
+
+namespace {
+
+/// How the program comes to its end: by the window, a command, the session, a signal.
+struct Way {
+    const char* name;
+    void (*end)(TavrinApplication&);
+    bool isCommand; ///< which is off during a run
+};
+
+const Way ways[] = {
+    {"window", [](TavrinApplication& tavrin) { tavrin.window().close(); }, false},
+    {"command", [](TavrinApplication& tavrin) { tavrin.window().commands().command("cancel")->trigger(); },
+     true},
+    {"session",
+     [](TavrinApplication&) {
+         QEvent quit(QEvent::Quit);
+         QApplication::sendEvent(qApp, &quit);
+     },
+     false},
+    {"signal", [](TavrinApplication&) { std::raise(SIGTERM); }, false},
+};
+
+class Ending : public WindowFixture {
+  protected:
+    /// Runs the event loop as the program does, ends it in this way, and takes all down.
+    void endBy(const Way& way) {
+        QTimer::singleShot(0, qApp, [&] { way.end(*application); });
+        bool isLate = false;
+        QTimer watchdog;
+        QObject::connect(&watchdog, &QTimer::timeout, [&] {
+            isLate = true;
+            QCoreApplication::exit(1);
+        });
+        watchdog.start(5000);
+        QApplication::exec();
+        EXPECT_FALSE(isLate) << "the event loop did not end";
+        application.reset(); // workers that wait for an answer are freed, or this never returns
+    }
+
+    void startWithFiles(int count) {
+        std::vector<std::string> paths;
+        for (int i = 0; i < count; ++i)
+            paths.push_back(makeFile(std::to_string(i) + ".txt", std::to_string(i)));
+        start(paths);
+        waitUntil("the names show", [&] { return newNames().size() == static_cast<std::size_t>(count); });
+    }
+
+    [[nodiscard]] std::size_t countOfFiles() const { return filesOnDisk().size(); }
+};
+
+TEST_F(Ending, SavesTheRecipeInEachWay) {
+    for (const Way& way : ways) {
+        SCOPED_TRACE(way.name);
+        start();
+        chooseAction("Replace text");
+        type("searchTerm", way.name);
+        endBy(way);
+        start();
+        EXPECT_EQ(currentAction().actionName(), "Replace text");
+        EXPECT_EQ(currentAction().getParamString("searchTerm"), QString(way.name).toStdU16String());
+        chooseAction("Make uppercase");
+        application.reset();
+    }
+}
+
+TEST_F(Ending, StopsAQuestionInEachWay) {
+    for (const Way& way : ways) {
+        if (way.isCommand)
+            continue;
+        SCOPED_TRACE(way.name);
+        startWithFiles(3);
+        application->controller().globalSettings().setValue(1, "interactiveMode");
+        click("okButton");
+        waitFor("confirmRenameWindow");
+        EXPECT_FALSE(application->window().commands().command("cancel")->isEnabled());
+        endBy(way);
+        EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"0.txt", "1.txt", "2.txt"}));
+    }
+}
+
+TEST_F(Ending, StopsAPreviewAndARunBetweenItems) {
+    for (const Way& way : ways) {
+        SCOPED_TRACE(way.name);
+        for (const std::string& name : filesOnDisk())
+            folder.remove(name);
+        startWithFiles(200);
+        type("prefix", QString("%1 ").arg(way.name));
+        application->controller().previewControl().firePendingPreview();
+        endBy(way);
+        EXPECT_EQ(countOfFiles(), 200U);
+        if (way.isCommand)
+            continue;
+        startWithFiles(200);
+        application->controller().globalSettings().setValue(0, "interactiveMode");
+        click("okButton");
+        endBy(way);
+        // Some have new names, some the old, and none is lost.
+        std::set<std::string> contents;
+        for (const std::string& name : filesOnDisk())
+            contents.insert(folder.read(name));
+        EXPECT_EQ(contents.size(), 200U);
+    }
+}
+
+TEST_F(Ending, RemembersTheShapeOfTheWindow) {
+    start();
+    MainWindow* window = &application->window();
+    window->resize(1000, 640);
+    auto* splitter = find<QSplitter>("innerSplitter");
+    splitter->setSizes({420, 580});
+    waitForPreview();
+    const int settingsWidth = splitter->sizes().front();
+    EXPECT_NE(settingsWidth, 346);
+    endBy(ways[0]);
+    start();
+    EXPECT_EQ(application->window().size(), QSize(1000, 640));
+    EXPECT_EQ(find<QSplitter>("innerSplitter")->sizes().front(), settingsWidth);
+}
+
+} // namespace
+
+} // namespace tavrin::test
