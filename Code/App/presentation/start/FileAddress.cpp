@@ -1,7 +1,5 @@
 #include "presentation/start/FileAddress.h"
 
-#include <algorithm>
-
 namespace tavrin {
 
 QByteArray FileAddress::ofPath(const std::string& path) {
@@ -13,8 +11,10 @@ std::optional<std::string> FileAddress::path(QByteArray address) {
     if (!address.startsWith("file:"))
         return std::nullopt;
     QByteArray rest = address.mid(5);
-    if (rest.startsWith("//"))
-        rest = rest.mid(std::max<qsizetype>(rest.indexOf('/', 2), 0)); // a host, which is this machine
+    if (rest.startsWith("//")) {
+        const qsizetype end = rest.indexOf('/', 2); // of the host, which is this machine
+        rest = end < 0 ? QByteArray() : rest.mid(end);
+    }
     const QByteArray path = QByteArray::fromPercentEncoding(rest);
     if (!path.startsWith('/') || path.contains('\0'))
         return std::nullopt;
