@@ -30,7 +30,7 @@ void drawFrame(QPainter& painter, const QRect& place, const QStyleOption& option
 void FieldFrames::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                 const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if (element == PE_FrameLineEdit || element == PE_IndicatorCheckBox)
+    if (element == PE_FrameLineEdit || element == PE_IndicatorCheckBox || element == PE_Frame)
         drawFrame(*painter, option->rect, *option);
 }
 

@@ -13,9 +13,9 @@ namespace tavrin {
 
 namespace {
 
-constexpr std::array fileNames{"add",     "remove",     "up",        "down",     "search",  "reset",
-                               "help",    "renamed",    "unchanged", "distinct", "problem", "files",
-                               "folders", "subfolders", "automatic", "byhand"};
+constexpr std::array fileNames{"add",     "remove",     "up",        "down",     "search",    "reset",
+                               "help",    "renamed",    "unchanged", "distinct", "problem",   "files",
+                               "folders", "subfolders", "automatic", "byhand",   "file-item", "folder-item"};
 
 /// The drawings are black, which is put into another colour here.
 QByteArray drawingIn(Glyph glyph, const QColor& colour) {

@@ -25,6 +25,8 @@ enum class Glyph {
     subfolders,
     automatic,
     byHand,
+    fileItem, ///< for rows of lists, with finer lines
+    folderItem,
 };
 
 struct GlyphIcon {

@@ -11,11 +11,11 @@ namespace {
 
 QIcon lookedUp(const QString& extension, bool isFolder) {
     if (isFolder)
-        return QIcon::fromTheme("folder", GlyphIcon::of(Glyph::folders, QPalette::PlaceholderText));
+        return QIcon::fromTheme("folder", GlyphIcon::of(Glyph::folderItem, QPalette::PlaceholderText));
     const QMimeDatabase types;
     const QMimeType type = types.mimeTypeForFile("x." + extension, QMimeDatabase::MatchExtension);
     const QIcon generic =
-        QIcon::fromTheme(type.genericIconName(), GlyphIcon::of(Glyph::files, QPalette::PlaceholderText));
+        QIcon::fromTheme(type.genericIconName(), GlyphIcon::of(Glyph::fileItem, QPalette::PlaceholderText));
     return QIcon::fromTheme(type.iconName(), generic);
 }
 

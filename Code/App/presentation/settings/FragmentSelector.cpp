@@ -58,6 +58,7 @@ class FragmentButton final : public QAbstractButton {
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         ToggleButton::paintGround(painter, rect(), *this, isChecked());
+        painter.setLayoutDirection(Qt::LeftToRight); // names run from left to right everywhere
         drawSample(painter);
     }
 

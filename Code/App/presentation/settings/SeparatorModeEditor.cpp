@@ -34,8 +34,8 @@ SeparatorModeEditor::SeparatorModeEditor(BaseRenameAction& action)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);
-    layout->addWidget(orderBox, 1);
-    layout->addWidget(betweenBox, 1);
+    layout->addWidget(orderBox, 2);
+    layout->addWidget(betweenBox, 3);
     setFocusProxy(orderBox);
     connect(orderBox, &QComboBox::activated, this, [this] { write(); });
     connect(betweenBox, &QComboBox::activated, this, [this] { write(); });

@@ -2,6 +2,8 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QStyle>
+#include <QStyleOptionComboBox>
 
 namespace tavrin {
 
@@ -12,6 +14,17 @@ class WidePopUpBox : public QComboBox {
         constexpr int scrollBarAndMargins = 28;
         view()->setMinimumWidth(view()->sizeHintForColumn(0) + scrollBarAndMargins);
         QComboBox::showPopup();
+    }
+
+  protected:
+    /// A text that is cut shows that it is.
+    void initStyleOption(QStyleOptionComboBox* option) const override {
+        QComboBox::initStyleOption(option);
+        constexpr int margins = 6;
+        const int room =
+            style()->subControlRect(QStyle::CC_ComboBox, option, QStyle::SC_ComboBoxEditField, this).width();
+        option->currentText =
+            option->fontMetrics.elidedText(option->currentText, Qt::ElideRight, room - margins);
     }
 };
 

@@ -23,6 +23,9 @@ class TokenObject final : public QObject, public QTextObjectInterface {
     /// The selection with its tokens written out.
     [[nodiscard]] static QString plainText(const QTextCursor& selection);
 
+    /// Where the text stands in the rectangle of a token.
+    [[nodiscard]] static double baselineOf(const QRectF& rect, const QTextFormat& format);
+
     QSizeF intrinsicSize(QTextDocument* document, int position, const QTextFormat& format) override;
     void drawObject(QPainter* painter, const QRectF& rect, QTextDocument* document, int position,
                     const QTextFormat& format) override;
