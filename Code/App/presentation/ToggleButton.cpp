@@ -24,12 +24,17 @@ ToggleButton::ToggleButton(const QString& label, Glyph glyph) {
     setCheckable(true);
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
 QSize ToggleButton::sizeHint() const {
     const QFontMetrics metrics = fontMetrics();
     return {iconSize().width() + metrics.horizontalAdvance(text()) + 2 * padding + gap,
             std::max(metrics.height(), iconSize().height()) + padding};
+}
+
+QSize ToggleButton::minimumSizeHint() const {
+    return {iconSize().width() + 2 * padding, sizeHint().height()};
 }
 
 void ToggleButton::paintGround(QPainter& painter, const QRect& place, const QWidget& button, bool isChosen) {
@@ -53,10 +58,13 @@ void ToggleButton::paintEvent(QPaintEvent*) {
     paintGround(painter, rect(), *this, isChecked());
     painter.restore();
     const QRect inner = rect().adjusted(padding, 0, -padding, 0);
-    const QRect picture(inner.left(), (height() - iconSize().height()) / 2, iconSize().width(),
-                        iconSize().height());
+    const bool hasRoom = width() >= sizeHint().width();
+    const QRect picture(hasRoom ? inner.left() : (width() - iconSize().width()) / 2,
+                        (height() - iconSize().height()) / 2, iconSize().width(), iconSize().height());
     const QIcon::Mode mode = isEnabled() ? QIcon::Normal : QIcon::Disabled;
     icon().paint(&painter, QStyle::visualRect(layoutDirection(), inner, picture), Qt::AlignCenter, mode);
+    if (!hasRoom)
+        return;
     const QRect label = inner.adjusted(iconSize().width() + gap, 0, 0, 0);
     style()->drawItemText(&painter, QStyle::visualRect(layoutDirection(), inner, label),
                           Qt::AlignCenter | Qt::TextShowMnemonic, palette(), isEnabled(), text(),

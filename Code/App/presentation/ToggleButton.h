@@ -13,6 +13,8 @@ class ToggleButton final : public QToolButton {
     ToggleButton(const QString& label, Glyph glyph);
 
     [[nodiscard]] QSize sizeHint() const override;
+    /// Room for the picture: the label goes where there is none for it.
+    [[nodiscard]] QSize minimumSizeHint() const override;
     /// The ground of a button of this kind.
     static void paintGround(QPainter& painter, const QRect& place, const QWidget& button, bool isChosen);
 
