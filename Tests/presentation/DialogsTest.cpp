@@ -222,6 +222,30 @@ TEST_F(DialogTests, AnswerAlertsByWhicheverWayTheyAreClosed) {
     }
 }
 
+TEST_F(DialogTests, NoticesCloseAsThoughNothingHadBeenChosen) {
+    start();
+    const std::tuple<NoticeDialog, const char*, int> cases[] = {
+        {NoticeDialog::noFilesSelected, "noFilesSelectedDialog", NoticeAnswer::ok},
+        {NoticeDialog::inconsistentSettings, "inconsistentSettingsDialog", NoticeAnswer::help},
+        {NoticeDialog::dropletEditMode, "dropletEditModeDialog", NoticeAnswer::ok},
+        {NoticeDialog::simpleTemplateFileList, "simpleTemplateFileListDialog", NoticeAnswer::ok}};
+    for (const auto& [dialog, name, choice] : cases) {
+        SCOPED_TRACE(name);
+        for (const bool byKey : {true, false}) {
+            std::optional<NoticeAnswer> given;
+            Dialogs::showNotice(&application->window(), dialog, [&](NoticeAnswer answer) { given = answer; });
+            if (byKey)
+                QTest::keyClick(find(name), Qt::Key_Escape);
+            else
+                find(name)->close();
+            waitUntilGone(name);
+            ASSERT_TRUE(given);
+            EXPECT_EQ(given->choice, choice);
+            EXPECT_FALSE(given->doNotShowAgain);
+        }
+    }
+}
+
 TEST_F(DialogTests, EditMenuServesFieldsAndTheList) {
     start({makeFile("a.txt")});
     waitForNames({"Image_01.txt"});

@@ -2,6 +2,7 @@
 
 #include "engine/UserPrompts.h"
 #include "presentation/QtText.h"
+#include "presentation/dialogs/AlertPicture.h"
 #include "presentation/dialogs/AnswerOnce.h"
 #include "presentation/dialogs/ConfirmationSheetWindow.h"
 #include "presentation/dialogs/ErrorWindow.h"
@@ -11,6 +12,7 @@
 #include <QCheckBox>
 #include <QFile>
 #include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
@@ -33,8 +35,15 @@ QMessageBox::Icon iconOf(AlertStyle style) {
 }
 
 /// A message as a sheet of the window, which deletes itself.
-QMessageBox* makeBox(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text) {
-    auto* box = new QMessageBox(icon, "Tavrin", title, QMessageBox::NoButton, parent);
+QMessageBox* makeBox(QWidget* parent, AlertStyle style, const QString& title, const QString& text) {
+    auto* box = new QMessageBox(iconOf(style), "Tavrin", title, QMessageBox::NoButton, parent);
+    if (const QPixmap picture = AlertPicture::of(style, *box); !picture.isNull())
+        box->setIconPixmap(picture);
+    if (auto* label = box->findChild<QLabel*>("qt_msgbox_label")) {
+        QFont strong = label->font();
+        strong.setWeight(QFont::DemiBold);
+        label->setFont(strong);
+    }
     box->setInformativeText(text);
     box->setTextFormat(Qt::PlainText);
     box->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -125,7 +134,7 @@ const NoticeText& textOf(NoticeDialog dialog) {
 } // namespace
 
 void Dialogs::showAlert(QWidget* parent, const Alert& alert, std::function<void(AlertAnswer)> answer) {
-    QMessageBox* box = makeBox(parent, iconOf(alert.style), toQString(alert.title), toQString(alert.text));
+    QMessageBox* box = makeBox(parent, alert.style, toQString(alert.title), toQString(alert.text));
     box->setObjectName("alert");
     QCheckBox* check = alert.hasSuppressionBox ? addSuppressionBox(*box) : nullptr;
     std::vector<QAbstractButton*> buttons;
@@ -134,11 +143,11 @@ void Dialogs::showAlert(QWidget* parent, const Alert& alert, std::function<void(
                                                                            : QMessageBox::RejectRole));
     if (!alert.helpAnchor.empty())
         addHelpButton(*box, alert.helpAnchor);
-    if (!buttons.empty())
-        box->setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
     // Escape takes the last button, which never does more than the others.
-    if (buttons.size() > 1)
+    if (!buttons.empty()) {
+        box->setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
         box->setEscapeButton(buttons.back());
+    }
     const AnswerOnce<AlertAnswer> once(std::move(answer));
     QObject::connect(box, &QMessageBox::finished, box, [box, buttons, check, once] {
         const auto clicked = std::ranges::find(buttons, box->clickedButton());
@@ -151,7 +160,7 @@ void Dialogs::showAlert(QWidget* parent, const Alert& alert, std::function<void(
 
 void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
     const NoticeText& text = textOf(dialog);
-    QMessageBox* box = makeBox(parent, QMessageBox::Information, QString::fromUtf8(text.title),
+    QMessageBox* box = makeBox(parent, AlertStyle::informational, QString::fromUtf8(text.title),
                                QString::fromUtf8(text.text));
     box->setObjectName(text.name);
     QCheckBox* check = text.canBeSwitchedOff ? addSuppressionBox(*box) : nullptr;
@@ -160,6 +169,10 @@ void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<voi
         if (button.label)
             buttons.emplace_back(box->addButton(QString::fromUtf8(button.label), button.role), button.choice);
     box->setDefaultButton(qobject_cast<QPushButton*>(buttons.front().first));
+    // Without one the message could not be closed but by its buttons.
+    const auto whenClosed =
+        std::ranges::find(buttons, text.whenClosed, &std::pair<QAbstractButton*, int>::second);
+    box->setEscapeButton(whenClosed->first);
     const AnswerOnce<NoticeAnswer> once(std::move(answer));
     QObject::connect(box, &QMessageBox::finished, box, [box, buttons, check, once, closed = text.whenClosed] {
         const auto clicked =
@@ -231,7 +244,7 @@ void Dialogs::askForSavePath(QWidget* parent, const std::string& title,
 }
 
 void Dialogs::presentError(QWidget* parent, const std::string& message) {
-    QMessageBox* box = makeBox(parent, QMessageBox::Critical, toQString(message), QString());
+    QMessageBox* box = makeBox(parent, AlertStyle::critical, toQString(message), QString());
     box->setObjectName("errorAlert");
     box->addButton(QMessageBox::Ok);
     box->open();

@@ -116,7 +116,9 @@ ConfirmationSheetWindow::ConfirmationSheetWindow(QWidget* parent, ConfirmationSh
     texts->addStretch(1);
     row->addLayout(texts, 1);
     auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(16, 16, 16, 16);
     column->setSpacing(16);
+    row->setSpacing(16);
     column->addLayout(row, 1);
     addButtons(sheet, *column);
 }
@@ -133,7 +135,6 @@ void ConfirmationSheetWindow::addTexts(ConfirmationSheet sheet, const PropertyDi
     head->setFont(large);
     column.addWidget(head);
     auto* form = new QFormLayout;
-    column.addLayout(form);
     const std::u16string before = textUnder(context, "oldName");
     const std::u16string after = textUnder(context, "newName");
     const WindowColours& colours = WindowColours::of(palette());
@@ -167,6 +168,7 @@ void ConfirmationSheetWindow::addTexts(ConfirmationSheet sheet, const PropertyDi
         form->addRow("Item:", textLabel(ShownName::of(textUnder(context, "fullPath"), false), Qt::PlainText));
         break;
     }
+    column.addLayout(form);
 }
 
 void ConfirmationSheetWindow::addButtons(ConfirmationSheet sheet, QVBoxLayout& column) {

@@ -41,6 +41,7 @@ ErrorWindow::ErrorWindow(QWidget* parent, const std::vector<ProcessingError>& re
     list->setObjectName("errorList");
     list->setAccessibleName("Failures");
     list->setUniformItemSizes(true);
+    list->setSpacing(2);
     list->setTextElideMode(Qt::ElideMiddle);
     for (const ProcessingError& error : errors)
         list->addItem(toQString(error.title) + " – " + shownPath(error));

@@ -59,7 +59,8 @@ void FilePreviewView::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const QSize size =
         image.size().scaled(width(), height(), Qt::KeepAspectRatio).boundedTo(QSize(sourceSize, sourceSize));
-    const QRect place(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);
+    // Flush with the text beside it.
+    const QRect place(QPoint((width() - size.width()) / 2, 0), size);
     painter.drawPixmap(place, image);
 }
 

@@ -66,6 +66,7 @@ class Window final : public QDialog {
         resize(640, 440);
         contents->setObjectName("preferencesContents");
         contents->setAccessibleName("Pages");
+        contents->setSpacing(3);
         contents->setFixedWidth(fontMetrics().horizontalAdvance("Equal names") + 48);
         addGeneral();
         addReading();
@@ -157,6 +158,7 @@ class Window final : public QDialog {
         page.addSpacing(8);
         auto* showAgain = new QPushButton("Show All &Hidden Messages Again");
         showAgain->setObjectName("showHiddenMessages");
+        showAgain->setAutoDefault(false);
         page.addWidget(showAgain, 0, Qt::AlignLeft);
         connect(showAgain, &QPushButton::clicked, this, [this, showAgain] {
             for (const char* key : silencedNotices)
@@ -238,6 +240,7 @@ class Window final : public QDialog {
         page.addWidget(note);
         auto* update = new QPushButton("&Update the Entry in the Menus");
         update->setObjectName("forceServicesMenuUpdate");
+        update->setAutoDefault(false);
         page.addWidget(update, 0, Qt::AlignLeft);
         connect(update, &QPushButton::clicked, this, [] { FileManager::instance().updateServicesMenu(); });
         addHelp(page, "About file managers and the terminal", "helpTopic57");
