@@ -38,9 +38,9 @@ FileEditor::FileEditor(BaseRenameAction& listAction, const WindowServices&)
         connect(button, &QPushButton::clicked, this, effect);
         return button;
     };
-    setFocusProxy(addButton("browse", "&Browse…", [this] { browse(); }));
+    setFocusProxy(addButton("browse", "Browse…", [this] { browse(); }));
     const auto listOf = [this] { return dynamic_cast<RenameFromListAction*>(&action); };
-    addButton("reload", "Relo&ad", [listOf] {
+    addButton("reload", "Reload", [listOf] {
         if (auto* list = listOf())
             list->reload();
     });

@@ -72,8 +72,7 @@ void ParameterPanel::addRow(const PanelRow& row) {
     std::vector<QWidget*> editors;
     for (const ParameterDescription* parameter : row.parameters) {
         editors.push_back(makeParameterEditor(*parameter, action, services));
-        if (auto* button = qobject_cast<QAbstractButton*>(editors.back()))
-            button->setText(row.parameters.size() == 1 ? accessKeys.mark(button->text()) : button->text());
+        markButtons(*editors.back(), row.parameters.size() == 1);
     }
     fields.insert(fields.end(), editors.begin(), editors.end());
     QWidget* field = makeField(row, editors);
@@ -92,6 +91,14 @@ void ParameterPanel::addRow(const PanelRow& row) {
         }
     }
     addConditions(row, rowWidgets, editors);
+}
+
+/// An editor that is a button has a key where it gives the row its name; the buttons within one always do.
+void ParameterPanel::markButtons(QWidget& editor, bool namesRow) {
+    if (auto* button = qobject_cast<QAbstractButton*>(&editor); button && namesRow)
+        button->setText(accessKeys.mark(button->text()));
+    for (auto* button : editor.findChildren<QPushButton*>())
+        button->setText(accessKeys.mark(button->text()));
 }
 
 /// The controls of a row side by side, or below each other where they are wide, and what is said about them.

@@ -35,6 +35,7 @@ class ParameterPanel final : public QWidget, private ActionObserver {
     struct Condition;
 
     void addRow(const PanelRow& row);
+    void markButtons(QWidget& editor, bool namesRow);
     [[nodiscard]] QWidget* makeField(const PanelRow& row, const std::vector<QWidget*>& editors);
     void addConditions(const PanelRow& row, const std::vector<QWidget*>& rowWidgets,
                        const std::vector<QWidget*>& editors);

@@ -55,10 +55,12 @@ struct SettingsPane::Parts {
     QWidget* makeHeadRow();
     /// Everything about one action, made anew for each.
     QWidget* makeColumn(BaseRenameAction& action);
+    void putIntoTabOrder(const QWidget& content) const;
 
     const WindowServices services;
     QLabel* stepLabel = nullptr;
     QToolButton* addStepButton = nullptr;
+    QToolButton* lastOfHead = nullptr;
     ActionChooser* chooser = nullptr;
     QScrollArea* column = nullptr;
     AdvancedOptions* advanced = nullptr;
@@ -81,6 +83,7 @@ QWidget* SettingsPane::Parts::makeHeadRow() {
     addStepButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     QToolButton* reset = makeButton("resetToDefaultsButton", Glyph::reset, "Reset to defaults (Ctrl+R)");
     QToolButton* help = makeButton("actionHelpButton", Glyph::help, "Help on this action (Shift+F1)");
+    lastOfHead = help;
     layout->addWidget(stepLabel, 1);
     for (QToolButton* button : {addStepButton, reset, help})
         layout->addWidget(button);
@@ -115,6 +118,18 @@ QWidget* SettingsPane::Parts::makeColumn(BaseRenameAction& action) {
     return content;
 }
 
+/// What is made anew comes in the order of the Tab key where its place is, not behind the rest of the window.
+void SettingsPane::Parts::putIntoTabOrder(const QWidget& content) const {
+    QWidget* previous = lastOfHead;
+    for (QWidget* widget : content.findChildren<QWidget*>()) {
+        const bool isStop = widget->focusPolicy() & Qt::TabFocus && !widget->focusProxy();
+        if (!isStop || widget->window() != content.window()) // menus and lists that pop up
+            continue;
+        QWidget::setTabOrder(previous, widget);
+        previous = widget;
+    }
+}
+
 SettingsPane::SettingsPane(WindowServices services, QWidget* parent)
     : QWidget(parent), parts(std::make_unique<Parts>(services)) {
     setObjectName("settingsPane");
@@ -133,6 +148,7 @@ SettingsPane::SettingsPane(WindowServices services, QWidget* parent)
     parts->column->setObjectName("parameterView");
     parts->column->setWidgetResizable(true);
     parts->column->setFrameShape(QFrame::NoFrame);
+    parts->column->setFocusPolicy(Qt::NoFocus);
     parts->column->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     layout->addWidget(parts->column, 1);
     parts->advanced = new AdvancedOptions(services, this);
@@ -159,6 +175,7 @@ void SettingsPane::showAction(BaseRenameAction& action) {
     parts->shownAction = action.actionName();
     QWidget* content = parts->makeColumn(action);
     parts->column->setWidget(content);
+    parts->putIntoTabOrder(*content);
     // What the panel needs at least is not scrolled sideways: the pane grows.
     const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
     setMinimumWidth(std::max(leastWidth, content->minimumSizeHint().width() + scrollBar));
