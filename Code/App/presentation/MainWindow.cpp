@@ -140,6 +140,7 @@ void MainWindow::selectMainTab(MainTab tab) { mainTabView->setCurrentIndex(stati
 
 void MainWindow::setRunning(bool isRunning) {
     windowCommands->setRunning(isRunning);
+    preview->forgetPictures();
     refreshRenameButton();
 }
 

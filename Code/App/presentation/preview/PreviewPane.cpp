@@ -228,7 +228,8 @@ void PreviewPane::Parts::applyRowHeight() {
     view->setColumnWidth(PreviewTableModel::icon, hasThumbnails ? 40 : 28);
     const int pictureSize = hasThumbnails ? thumbnailSize : 16;
     view->setIconSize({pictureSize, pictureSize});
-    thumbnails.setSize(static_cast<int>(pictureSize * view->devicePixelRatioF()));
+    const double ratio = view->devicePixelRatioF();
+    thumbnails.setSize(static_cast<int>(pictureSize * ratio), ratio);
 }
 
 PreviewPane::PreviewPane(WindowServices services, QWidget* parent)
@@ -344,6 +345,8 @@ void PreviewPane::Parts::problemsFound(PreviewTableModel::Problems found) {
     model.setProblems(std::move(found));
     problemBar->showProblems(model);
 }
+
+void PreviewPane::forgetPictures() { parts->thumbnails.clear(); }
 
 // --- What the user does ---
 

@@ -31,6 +31,8 @@ class PreviewPane final : public QWidget {
     /// Takes over what the progress record displays: bar and status line.
     void refreshProgress();
     void selectPreviewTab(PreviewTab tab);
+    /// A run has moved pictures to other names.
+    void forgetPictures();
     void enterDropletEditMode();
 
     [[nodiscard]] std::vector<RowId> selection() const;

@@ -6,11 +6,11 @@
 #include <QCryptographicHash>
 #include <QFile>
 #include <QImageReader>
-#include <QPixmap>
-#include <QPointer>
 #include <QStandardPaths>
-#include <QUrl>
+#include <algorithm>
+#include <array>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,6 +19,13 @@ namespace tavrin {
 namespace {
 
 constexpr int keptBytes = 64 * 1024 * 1024;
+constexpr int entryBytes = 100; ///< what an entry takes beside its picture and its path
+constexpr off_t largestFile = 512 * 1024 * 1024;
+constexpr int decodingMegabytes = 128; ///< for one picture in full
+
+/// Pictures made of dots alone: drawings may name other files, which would then be opened.
+const std::array<const char*, 14> formats{"jpeg", "jpg", "png", "gif", "bmp",  "webp", "tiff",
+                                          "tif",  "tga", "ico", "jp2", "heic", "heif", "avif"};
 
 /// Opens what is a plain file, and nothing that could block.
 bool openPlainFile(const std::string& path, QFile& file) {
@@ -26,11 +33,27 @@ bool openPlainFile(const std::string& path, QFile& file) {
     if (descriptor < 0)
         return false;
     struct stat status {};
-    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= largestFile &&
         file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
         return true;
     ::close(descriptor);
     return false;
+}
+
+/// The picture, no larger than the limit where the format lets it be read so; null where it is none.
+QImage readPicture(const std::string& path, std::optional<int> limit) {
+    QFile file;
+    if (!openPlainFile(path, file))
+        return {};
+    QImageReader reader(&file);
+    const QByteArray format = reader.format();
+    if (std::ranges::none_of(formats, [&](const char* known) { return format == known; }))
+        return {};
+    reader.setAutoTransform(true);
+    const QSize full = reader.size();
+    if (limit && full.isValid())
+        reader.setScaledSize(full.scaled(*limit, *limit, Qt::KeepAspectRatio).expandedTo({1, 1}));
+    return reader.read();
 }
 
 /// The shared thumbnail of a file, as the desktops keep them under the checksum of its address.
@@ -44,7 +67,7 @@ QImage sharedThumbnail(const std::string& path) {
         return {};
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
     for (const char* folder : {"/thumbnails/normal/", "/thumbnails/large/"}) {
-        QImage image(cache + folder + name);
+        QImage image = readPicture((cache + folder + name).toLocal8Bit().toStdString(), std::nullopt);
         if (!image.isNull() && image.text("Thumb::MTime").toLongLong() == status.st_mtime)
             return image;
     }
@@ -61,6 +84,7 @@ ThumbnailLoader::ThumbnailLoader(std::function<void(RowId)> whenChanged)
     : changed(std::move(whenChanged)), images(keptBytes) {
     threads.setMaxThreadCount(2);
     threads.setThreadPriority(QThread::LowPriority);
+    QImageReader::setAllocationLimit(decodingMegabytes);
 }
 
 ThumbnailLoader::~ThumbnailLoader() {
@@ -68,24 +92,27 @@ ThumbnailLoader::~ThumbnailLoader() {
     threads.waitForDone();
 }
 
-void ThumbnailLoader::clear() {
+void ThumbnailLoader::dropRequests() {
+    ++round;
     threads.clear();
     pending.clear();
+}
+
+void ThumbnailLoader::setPaused(bool paused) {
+    if (paused && !isPaused)
+        dropRequests();
+    isPaused = paused;
+}
+
+void ThumbnailLoader::clear() {
+    dropRequests();
     images.clear();
 }
 
 QImage ThumbnailLoader::read(const std::string& path, int pixels) {
     if (const QImage shared = sharedThumbnail(path); !shared.isNull())
         return scaled(shared, pixels);
-    QFile file;
-    if (!openPlainFile(path, file))
-        return {};
-    QImageReader reader(&file);
-    reader.setAutoTransform(true);
-    const QSize full = reader.size();
-    if (full.isValid())
-        reader.setScaledSize(full.scaled(pixels, pixels, Qt::KeepAspectRatio));
-    const QImage image = reader.read();
+    const QImage image = readPicture(path, pixels);
     return image.isNull() ? image : scaled(image, pixels);
 }
 
@@ -104,10 +131,13 @@ QVariant ThumbnailLoader::imageFor(const PreviewList::Row& row, bool asPicture) 
 void ThumbnailLoader::request(const PreviewList::Row& row) {
     if (isPaused || !pending.insert(row.fullPath).second)
         return;
-    const auto deliver = [this, path = row.fullPath, id = row.id](const QImage& image) {
+    const auto deliver = [this, path = row.fullPath, id = row.id, asked = round](QImage image) {
+        if (asked != round)
+            return;
         pending.erase(path);
+        image.setDevicePixelRatio(pixelRatio);
         images.insert(QByteArray::fromStdString(path), new QImage(image),
-                      std::max<int>(1, static_cast<int>(image.sizeInBytes())));
+                      entryBytes + static_cast<int>(path.size()) + static_cast<int>(image.sizeInBytes()));
         if (!image.isNull())
             changed(id);
     };

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QThreadPool>
 #include <QVariant>
+#include <cstdint>
 #include <functional>
 #include <unordered_set>
 
@@ -14,18 +15,25 @@ namespace tavrin {
 
 /// Small pictures of the rows that are seen. Until a picture is there, and for files that are none, the icon
 /// of the file's type stands in its place. Pictures are read on two threads of low priority, what was asked
-/// for last comes first, and 64 MiB of them are kept. Main thread.
+/// for last comes first, and 64 MiB of them are kept. Files are taken for hostile: only plain files are
+/// opened, only as pictures made of dots, and none that would take much memory. Main thread.
 class ThumbnailLoader final : public QObject {
   public:
     /// `changed` is called when the picture of a row has come.
     explicit ThumbnailLoader(std::function<void(RowId)> changed);
     ~ThumbnailLoader() override;
 
-    /// In pixels of the screen.
-    void setSize(int pixels) { size = pixels; }
+    /// In pixels of the screen, of which there are `ratio` to one of the window.
+    void setSize(int pixels, double ratio) {
+        size = pixels;
+        pixelRatio = ratio;
+    }
     [[nodiscard]] QVariant imageFor(const PreviewList::Row& row, bool asPicture);
-    /// Scrolls fast: nothing new is read meanwhile.
-    void setPaused(bool paused) { isPaused = paused; }
+    /// Scrolls fast: nothing new is read meanwhile, and what waits to be read is not wanted any more.
+    void setPaused(bool paused);
+    /// Whether pictures are being read.
+    [[nodiscard]] bool isReading() const { return !pending.empty(); }
+    /// Files may have changed: forgets all pictures.
     void clear();
 
     /// The picture of a file, scaled to fit `pixels`; null when it is none or can't be read. From the
@@ -34,9 +42,12 @@ class ThumbnailLoader final : public QObject {
 
   private:
     void request(const PreviewList::Row& row);
+    void dropRequests();
 
     std::function<void(RowId)> changed;
     int size = 32;
+    double pixelRatio = 1;
+    std::uint64_t round = 0; ///< goes up when requests are dropped, so that what comes late is left out
     bool isPaused = false;
     int priority = 0;
     QThreadPool threads;
