@@ -17,7 +17,10 @@ namespace {
 
 class DamagedState : public WindowFixture {
   protected:
-    std::string errorText() { return waitFor<QMessageBox>("errorAlert")->text().toStdString(); }
+    std::string errorText() {
+        const auto* box = waitFor<QMessageBox>("errorAlert");
+        return (box->text() + ' ' + box->informativeText()).toStdString();
+    }
 
     /// What a later program would find stored.
     [[nodiscard]] std::optional<PropertyValue> storedChain() const {

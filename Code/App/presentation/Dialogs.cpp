@@ -244,7 +244,11 @@ void Dialogs::askForSavePath(QWidget* parent, const std::string& title,
 }
 
 void Dialogs::presentError(QWidget* parent, const std::string& message) {
-    QMessageBox* box = makeBox(parent, AlertStyle::critical, toQString(message), QString());
+    // The first sentence says what has happened, the others why.
+    const QString whole = toQString(message);
+    const qsizetype end = whole.indexOf(". ");
+    QMessageBox* box = makeBox(parent, AlertStyle::critical, end < 0 ? whole : whole.left(end + 1),
+                               end < 0 ? QString() : whole.mid(end + 2));
     box->setObjectName("errorAlert");
     box->addButton(QMessageBox::Ok);
     box->open();

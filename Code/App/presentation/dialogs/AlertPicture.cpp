@@ -58,10 +58,10 @@ QPixmap AlertPicture::of(AlertStyle style, const QWidget& onWidget) {
     painter.setBrush(look.ground);
     painter.drawPath(outline(look.isTriangle));
     QFont font = onWidget.font();
-    font.setPixelSize(look.isTriangle ? 22 : 26);
+    font.setPixelSize(look.isTriangle ? 20 : 26);
     font.setBold(true);
     painter.setFont(font);
-    painter.drawText(QRectF(0, look.isTriangle ? 8 : 0, side, side), Qt::AlignCenter, look.sign);
+    painter.drawText(QRectF(0, look.isTriangle ? 5 : 0, side, side), Qt::AlignCenter, look.sign);
     return picture;
 }
 

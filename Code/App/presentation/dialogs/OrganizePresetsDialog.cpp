@@ -84,6 +84,7 @@ class OrganizeWindow final : public QDialog {
             const QString description = toQString(manager.descriptionAtIndex(i));
             auto* item = new QTreeWidgetItem(
                 list, {toQString(manager.nameAtIndex(i)), description.section('\n', 0, 0)});
+            item->setSizeHint(0, {0, list->fontMetrics().height() + 8});
             item->setData(0, indexRole, static_cast<qulonglong>(i));
             item->setToolTip(1, description.toHtmlEscaped());
         }

@@ -2,7 +2,6 @@
 
 #include "actions/SortBasedAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "platform/FileManager.h"
 #include "platform/UserDefaults.h"
 #include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
@@ -235,14 +234,9 @@ class Window final : public QDialog {
 
     void addDesktop() {
         QVBoxLayout& page = addPage("Desktop");
-        auto* note = new QLabel("Files can be sent to Tavrin from the menus of file managers.");
+        auto* note = new QLabel("In a file manager, choose “Open With” and Tavrin to add files to the list.");
         note->setWordWrap(true);
         page.addWidget(note);
-        auto* update = new QPushButton("&Update the Entry in the Menus");
-        update->setObjectName("forceServicesMenuUpdate");
-        update->setAutoDefault(false);
-        page.addWidget(update, 0, Qt::AlignLeft);
-        connect(update, &QPushButton::clicked, this, [] { FileManager::instance().updateServicesMenu(); });
         addHelp(page, "About file managers and the terminal", "helpTopic57");
         page.addStretch(1);
     }

@@ -50,6 +50,8 @@ void ShortcutsDialog::open(QWidget* parent) {
     }
     for (const auto& [command, keys] : otherKeys)
         new QTreeWidgetItem(list, {command, keys});
+    for (int row = 0; row < list->topLevelItemCount(); ++row)
+        list->topLevelItem(row)->setSizeHint(0, {0, list->fontMetrics().height() + 8});
     list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);

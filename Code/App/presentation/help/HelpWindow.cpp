@@ -123,8 +123,12 @@ HelpWindow::HelpWindow() : parts(std::make_unique<Parts>()) {
     parts->filter->setClearButtonEnabled(true);
     parts->contents->setObjectName("helpContents");
     parts->contents->setAccessibleName("Contents");
+    parts->contents->setSpacing(2);
+    parts->contents->setFrameShape(QFrame::NoFrame);
     parts->browser->setObjectName("helpBrowser");
     parts->browser->setOpenLinks(false);
+    parts->browser->setFrameShape(QFrame::NoFrame);
+    parts->browser->document()->setDocumentMargin(20);
     auto* left = new QWidget;
     auto* leftLayout = new QVBoxLayout(left);
     leftLayout->setContentsMargins(8, 8, 0, 8);
