@@ -79,6 +79,8 @@ class Pictures {
         options.defaultsPath = data->path() + "/defaults.plist";
         options.dataFolder = data->path();
         application = std::make_unique<TavrinApplication>(options);
+        // The notice of a missing tag would wait for somebody to close it.
+        UserDefaults::sharedInstance().setObject("showTagNotPresentDialog", false);
         application->start(photos > 0 ? makeFiles(*files, photos) : std::vector<std::string>());
         settle();
     }
