@@ -4,6 +4,8 @@
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
+#include "presentation/preview/PreviewPane.h"
+#include "presentation/preview/PreviewTableModel.h"
 #include "shell/MainController.h"
 
 #include <QAction>
@@ -124,7 +126,7 @@ TEST_F(Ending, StopsAPreviewAndARunBetweenItems) {
 }
 
 TEST_F(Ending, RemembersTheShapeOfTheWindow) {
-    start();
+    start({makeFile("a.txt")});
     MainWindow* window = &application->window();
     window->resize(1000, 640);
     auto* splitter = find<QSplitter>("innerSplitter");
@@ -132,10 +134,17 @@ TEST_F(Ending, RemembersTheShapeOfTheWindow) {
     waitForPreview();
     const int settingsWidth = splitter->sizes().front();
     EXPECT_NE(settingsWidth, 346);
+    auto* table = find<QTableView>("previewTableView");
+    table->setColumnWidth(PreviewTableModel::currentName, 3 * table->columnWidth(PreviewTableModel::newName));
+    window->previewPane().sizeColumnsToFit();
+    const int nameWidth = table->columnWidth(PreviewTableModel::currentName);
+    EXPECT_GT(nameWidth, 2 * table->columnWidth(PreviewTableModel::newName));
     endBy(ways[0]);
-    start();
+    start({folder.path("a.txt")});
     EXPECT_EQ(application->window().size(), QSize(1000, 640));
     EXPECT_EQ(find<QSplitter>("innerSplitter")->sizes().front(), settingsWidth);
+    EXPECT_NEAR(find<QTableView>("previewTableView")->columnWidth(PreviewTableModel::currentName), nameWidth,
+                3);
 }
 
 } // namespace

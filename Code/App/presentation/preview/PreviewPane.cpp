@@ -270,26 +270,31 @@ void PreviewPane::setColumnHidden(PreviewColumn column, bool hidden) {
     parts->view->setColumnHidden(PreviewTableModel::columnOf(column), hidden);
 }
 
-/// The two names share what the other columns leave, within their limits.
+/// The names share what the other columns leave, in the proportions that the user has given them and within
+/// their limits.
 void PreviewPane::sizeColumnsToFit() {
     PreviewTableView& view = *parts->view;
     int left = view.viewport()->width();
+    int wanted = 0;
     std::vector<int> flexible;
     for (int column = 0; column < PreviewTableModel::columnCount_; ++column) {
         if (view.isColumnHidden(column))
             continue;
         if (column == PreviewTableModel::currentName || column == PreviewTableModel::newName ||
-            column == PreviewTableModel::folder)
+            column == PreviewTableModel::folder) {
             flexible.push_back(column);
-        else
+            wanted += view.columnWidth(column);
+        } else
             left -= view.columnWidth(column);
     }
     for (std::size_t i = 0; i < flexible.size(); ++i) {
         const auto [minimum, maximum] = parts->widthLimits[static_cast<std::size_t>(flexible[i])];
-        const int share = left / static_cast<int>(flexible.size() - i);
+        const int before = view.columnWidth(flexible[i]);
+        const int share = left * before / std::max(1, wanted);
         const int width = std::clamp(share, std::max(40, minimum), std::max(minimum + 1, maximum));
         view.setColumnWidth(flexible[i], width);
         left -= width;
+        wanted -= before;
     }
 }
 
