@@ -17,11 +17,17 @@
 
 namespace tavrin {
 
+void QtFrontEnd::setWindow(MainWindow* newWindow) {
+    window = newWindow;
+    if (!window)
+        later = std::make_unique<QObject>();
+}
+
 // --- Asking ---
 
 void QtFrontEnd::whenShown(std::function<void()> action) {
-    if (window && !window->isVisible())
-        QTimer::singleShot(0, window, std::move(action));
+    if (!window || !window->isVisible())
+        QTimer::singleShot(0, later.get(), std::move(action));
     else
         action();
 }

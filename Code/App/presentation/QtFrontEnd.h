@@ -2,6 +2,9 @@
 
 #include "shell/FrontEnd.h"
 
+#include <QObject>
+#include <memory>
+
 namespace tavrin {
 
 class MainController;
@@ -11,8 +14,8 @@ class MainWindow;
 /// to the main window. Until there is a window, showing does nothing and questions are held to be closed.
 class QtFrontEnd final : public FrontEnd {
   public:
-    /// Not owned; null withdraws it.
-    void setWindow(MainWindow* newWindow) { window = newWindow; }
+    /// Not owned; null withdraws it and drops what was still to be shown, unanswered.
+    void setWindow(MainWindow* newWindow);
 
     void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
@@ -59,6 +62,7 @@ class QtFrontEnd final : public FrontEnd {
     void whenShown(std::function<void()> action);
 
     MainWindow* window = nullptr;
+    std::unique_ptr<QObject> later = std::make_unique<QObject>(); ///< what is to be shown later goes with it
 };
 
 } // namespace tavrin
