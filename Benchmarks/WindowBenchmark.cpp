@@ -111,6 +111,9 @@ class WindowBenchmark {
         step("refresh with all selected", [this] { controller().previewControl().refreshPreview(); });
         step("changed parameter with all selected",
              [this] { current().setValue(std::u16string(u"Lake "), "prefix"); });
+        step("sort order with all selected", [this] { current().setValue(10, "sortingMode"); });
+        step("select a thousand places", [this] { selectEach(rowCount() / 4000 + 1); });
+        step("sort order with these selected", [this] { current().setValue(11, "sortingMode"); });
         step("select one", [this] { table->selectRow(rowCount() / 2); });
         step("move row up", [this] { command("moveRowUp"); });
         step("find, without success", [this] { find("no such name"); });
@@ -144,6 +147,14 @@ class WindowBenchmark {
     BaseRenameAction& current() { return controller().compositeAction().getCurrentAction(); }
     int rowCount() { return table->model()->rowCount(); }
     void command(const char* name) { application->window().commands().command(name)->trigger(); }
+
+    void selectEach(int distance) {
+        QItemSelection rows;
+        for (int row = 0; row < rowCount() / 4; row += distance)
+            rows.select(table->model()->index(row, 0), table->model()->index(row, 0));
+        table->selectionModel()->select(rows,
+                                        QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
 
     void selectRows(int first, int last) {
         table->selectionModel()->select(

@@ -47,6 +47,8 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t rowsAtOnce = 256;
+/// Each cell that is painted is looked up in all of them, so a selection that falls into more is given up.
+constexpr qsizetype mostRanges = 1000;
 constexpr int thumbnailRowHeight = 33;
 constexpr int thumbnailSize = 28;
 constexpr std::chrono::milliseconds restAfterScrolling(150);
@@ -69,6 +71,10 @@ struct PreviewPane::Parts {
     void problemsFound(PreviewTableModel::Problems found);
     void removeSelected();
     [[nodiscard]] std::optional<PreviewList::Row> currentRow() const;
+    void showListIfDue();
+    [[nodiscard]] RowId idAt(int row) const;
+    /// Where these rows are now.
+    [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
     void goTo(int row);
 
     const WindowServices services;
@@ -90,6 +96,7 @@ struct PreviewPane::Parts {
     QToolButton* autoButton = nullptr;
     QToolButton* manualButton = nullptr;
     QTimer scrollRest;
+    bool isListDue = false; ///< the rows have been put in another order, which does not show yet
     std::vector<std::unique_ptr<ParameterBinding>> bindings;
     std::shared_ptr<void> invisiblesObservation;
     std::array<std::pair<int, int>, PreviewTableModel::columnCount_> widthLimits{};
@@ -298,11 +305,49 @@ void PreviewPane::sizeColumnsToFit() {
     }
 }
 
+void PreviewPane::Parts::showListIfDue() {
+    if (isListDue)
+        owner.listChanged();
+}
+
+RowId PreviewPane::Parts::idAt(int row) const {
+    const std::vector<RowId>& ids = model.rowIds();
+    return row >= 0 && static_cast<std::size_t>(row) < ids.size() ? ids[static_cast<std::size_t>(row)]
+                                                                  : noRow;
+}
+
+QItemSelection PreviewPane::Parts::placesOf(const std::vector<RowId>& selected) const {
+    QItemSelection places;
+    const std::unordered_set<RowId> wanted(selected.begin(), selected.end());
+    const std::vector<RowId>& ids = model.rowIds();
+    const auto isWanted = [&](std::size_t row) { return wanted.contains(ids[row]); };
+    for (std::size_t row = 0; row < ids.size() && !wanted.empty(); ++row) {
+        if (!isWanted(row))
+            continue;
+        const std::size_t first = row;
+        while (row + 1 < ids.size() && isWanted(row + 1))
+            ++row;
+        if (places.size() == mostRanges)
+            return {};
+        places.select(model.index(static_cast<int>(first), 0),
+                      model.index(static_cast<int>(row), PreviewTableModel::columnCount_ - 1));
+    }
+    return places;
+}
+
 void PreviewPane::listChanged() {
     PreviewTableView& view = *parts->view;
+    // To number all rows takes its time, so what shows them is an event of its own.
+    if (view.isReordering()) {
+        parts->isListDue = true;
+        QMetaObject::invokeMethod(
+            this, [this] { parts->showListIfDue(); }, Qt::QueuedConnection);
+        return;
+    }
+    parts->isListDue = false;
     const std::vector<RowId> selected = selection();
-    const int topRow = view.rowAt(0);
-    const RowId top = topRow >= 0 ? parts->model.rowAt(topRow).id : noRow;
+    const RowId top = parts->idAt(view.rowAt(0));
+    const RowId current = parts->idAt(view.currentIndex().row());
     const std::vector<RowId> before = parts->model.rowIds();
     parts->model.listChanged();
     const bool isEmpty = parts->controller.previewControl().isPreviewEmpty();
@@ -310,17 +355,10 @@ void PreviewPane::listChanged() {
     if (parts->model.rowIds() == before)
         return;
     // The same items stay selected and in sight where they are.
-    QItemSelection selection;
-    if (!selected.empty()) {
-        const std::unordered_set<RowId> wanted(selected.begin(), selected.end());
-        const std::vector<RowId>& ids = parts->model.rowIds();
-        for (std::size_t row = 0; row < ids.size(); ++row)
-            if (wanted.contains(ids[row]))
-                selection.select(
-                    parts->model.index(static_cast<int>(row), 0),
-                    parts->model.index(static_cast<int>(row), PreviewTableModel::columnCount_ - 1));
-    }
-    view.selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    view.selectionModel()->select(parts->placesOf(selected), QItemSelectionModel::ClearAndSelect);
+    if (const auto row = current == noRow ? std::nullopt : parts->model.rowOf(current))
+        view.selectionModel()->setCurrentIndex(parts->model.index(*row, PreviewTableModel::currentName),
+                                               QItemSelectionModel::NoUpdate);
     if (const auto row = top == noRow ? std::nullopt : parts->model.rowOf(top))
         view.scrollTo(parts->model.index(*row, PreviewTableModel::currentName),
                       QAbstractItemView::PositionAtTop);
@@ -404,6 +442,7 @@ void PreviewPane::Parts::removeSelected() {
 
 /// In front of the row above the first, or behind the row below the last.
 void PreviewPane::moveSelection(bool up) {
+    parts->showListIfDue();
     const DNDArrayController::Indexes rows = parts->view->selectedRows();
     const std::size_t count = parts->model.rowIds().size();
     if (rows.empty() || parts->model.show() != PreviewTableModel::Show::all ||
@@ -411,8 +450,10 @@ void PreviewPane::moveSelection(bool up) {
         return;
     if (up ? rows.front() == 0 : rows.back() + 1 >= count)
         return;
-    parts->controller.dndArrayController().insertManualIndices(rows, up ? rows.front() - 1 : rows.back() + 2);
-    listChanged();
+    parts->view->reorder([&] {
+        parts->controller.dndArrayController().insertManualIndices(rows,
+                                                                   up ? rows.front() - 1 : rows.back() + 2);
+    });
 }
 
 std::optional<PreviewList::Row> PreviewPane::Parts::currentRow() const {

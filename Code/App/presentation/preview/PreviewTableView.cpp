@@ -48,6 +48,12 @@ DNDArrayController::Indexes PreviewTableView::selectedRows() const {
     return rows;
 }
 
+void PreviewTableView::reorder(const std::function<void()>& work) {
+    reorders = true;
+    work();
+    reorders = false;
+}
+
 void PreviewTableView::keyPressEvent(QKeyEvent* event) {
     const bool hasAlt = event->modifiers().testFlag(Qt::AltModifier);
     if ((event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) && removeHandler)
@@ -135,7 +141,8 @@ void PreviewTableView::dropEvent(QDropEvent* event) {
     const bool areRows = event->source() == this && event->mimeData()->hasFormat(rowsType);
     if (areRows && dragging.validateDrop(true, true)) {
         event->acceptProposedAction();
-        dragging.acceptRows(static_cast<std::size_t>(rowAtDrop(event->position().toPoint())));
+        const auto row = static_cast<std::size_t>(rowAtDrop(event->position().toPoint()));
+        reorder([&] { dragging.acceptRows(row); });
     } else if (!areRows) {
         const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
         event->setAccepted(!paths.empty());

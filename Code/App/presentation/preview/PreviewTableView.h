@@ -17,6 +17,9 @@ class PreviewTableView final : public QTableView {
 
     [[nodiscard]] DNDArrayController::Indexes selectedRows() const;
     [[nodiscard]] bool isDraggingRows() const { return isDragging; }
+    /// Does what puts the rows in another order.
+    void reorder(const std::function<void()>& work);
+    [[nodiscard]] bool isReordering() const { return reorders; }
 
     std::function<void()> removeHandler;      ///< Delete was pressed
     std::function<void(bool up)> moveHandler; ///< Alt+Up or Alt+Down
@@ -38,6 +41,7 @@ class PreviewTableView final : public QTableView {
 
     DNDArrayController& dragging;
     bool isDragging = false;
+    bool reorders = false;
     int markedRow = -1; ///< rows would be dropped in front of it
     bool isTakingFiles = false;
 };
