@@ -49,8 +49,8 @@ class StartSequence {
 
     void applicationDidFinishLaunching();
     [[nodiscard]] bool hasFinishedInitializing() const { return isFinished; }
-    /// Whether the stored chain could not be used and nothing has been made in its place: a version that knows
-    /// its actions is to find it as it was.
+    /// Whether the stored chain could not be used and nothing has been made in its place: a version that
+    /// knows its actions is to find it as it was.
     [[nodiscard]] bool isStoredChainToBeKept() const;
 
   private:
