@@ -9,6 +9,7 @@
 #include <QProcess>
 #include <QTest>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <spawn.h>
@@ -101,6 +102,9 @@ class SecondStart : public ::testing::TestWithParam<Way> {
                                              "XDG_RUNTIME_DIR=" + home.path("run")};
         for (const char* name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"})
             environment.push_back(fmt::format("{}={}", name, home.path()));
+        for (const char* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"})
+            if (const char* value = std::getenv(name))
+                environment.push_back(fmt::format("{}={}", name, value));
         return std::make_unique<Start>(arguments, environment);
     }
 
