@@ -132,7 +132,9 @@ std::unique_ptr<BaseRenameAction> ActionList::internalNewActionForName(const std
     }
     auto action = place->second();
     loadActionParametersFromPreferences(*action);
-    if (observer && use == ActionUse::edited)
+    // Actions of a run are made by its thread when the main loop has ended: that must not look at the
+    // observer.
+    if (use == ActionUse::edited && observer)
         action->registerObserverForAllValues(*observer, observerLifetime);
     if (const auto found = action->actionName(); found != name)
         throw ActionError("action in nib file different from promised action name. Found " + found +
