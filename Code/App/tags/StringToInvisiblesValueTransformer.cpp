@@ -11,8 +11,9 @@ namespace {
 constexpr const char* showKey = "showInvisibles";
 constexpr char16_t triangularBullet = u'\u2023';
 
-/// The visible sign of a character; 0 for one that is visible by itself.
-char16_t signFor(char32_t c) {
+} // namespace
+
+char16_t StringToInvisiblesValueTransformer::signFor(char32_t c) {
     switch (c) {
     case U' ':
         return u'\u00B7';
@@ -26,8 +27,6 @@ char16_t signFor(char32_t c) {
         return text::isControl(c) ? triangularBullet : u'\0';
     }
 }
-
-} // namespace
 
 StringToInvisiblesValueTransformer::StringToInvisiblesValueTransformer(UserDefaults& userDefaults)
     : defaults(userDefaults), showInvisibles(defaults.boolForKey(showKey)),

@@ -16,6 +16,9 @@ class StringToInvisiblesValueTransformer {
     /// Follows the user defaults, which must outlive it.
     explicit StringToInvisiblesValueTransformer(UserDefaults& userDefaults);
 
+    /// The visible sign of a character; 0 for one that is visible by itself.
+    [[nodiscard]] static char16_t signFor(char32_t c);
+
     [[nodiscard]] std::optional<std::u16string>
     transformedValue(const std::optional<std::u16string>& text) const;
 

@@ -1,5 +1,7 @@
 #include "presentation/preview/ShownName.h"
 
+#include "tags/StringToInvisiblesValueTransformer.h"
+
 #include <QStringList>
 
 namespace tavrin {
@@ -26,20 +28,9 @@ bool isControl(char16_t unit) {
 }
 
 char16_t shownUnit(char16_t unit, bool invisibles) {
-    if (invisibles) {
-        switch (unit) {
-        case u' ':
-            return u'\u00B7';
-        case u'\t':
-            return u'\u2192';
-        case u'\r':
-            return u'\u240D';
-        case u'\n':
-            return u'\u2424';
-        default:
-            break;
-        }
-    }
+    if (invisibles)
+        if (const char16_t sign = StringToInvisiblesValueTransformer::signFor(unit))
+            return sign;
     return isControl(unit) ? bullet : unit;
 }
 
