@@ -1,4 +1,5 @@
 #include "common/TemporaryFolder.h"
+#include "common/Variable.h"
 #include "platform/ChildProcess.h"
 #include "platform/DebugManager.h"
 #include "platform/ResourceFolder.h"
@@ -25,27 +26,10 @@ namespace {
 
 using namespace std::chrono_literals;
 using test::TemporaryFolder;
+using test::Variable;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::MatchesRegex;
-
-/// Sets or unsets a variable of the environment for one test.
-class Variable {
-  public:
-    Variable(const char* variable, const char* value) : name(variable) {
-        if (const char* present = std::getenv(variable))
-            former = present;
-        set(value);
-    }
-    ~Variable() { set(former ? former->c_str() : nullptr); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-  private:
-    void set(const char* value) { value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name); }
-    const char* name;
-    std::optional<std::string> former;
-};
 
 ChildProcess::Result runShell(const std::string& script, ChildProcess::Request request = {}) {
     request.arguments = {"/bin/sh", "-c", script};

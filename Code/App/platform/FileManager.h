@@ -68,6 +68,7 @@ class FileManager {
     /// number, empty for no number.
     static std::optional<double> convertStringToNumber(std::u16string_view text);
     static std::u16string convertNumberToString(std::optional<double> number);
+    /// Renews the entries in the menus of file managers, where the application has registered them.
     void updateServicesMenu() const;
 
     /// The extended attribute user.xdg.comment.

@@ -1,5 +1,6 @@
 #include "platform/Descriptor.h"
 #include "platform/FileManager.h"
+#include "platform/FileManagerMenus.h"
 #include "support/DebugLog.h"
 
 #include <cerrno>
@@ -50,8 +51,12 @@ std::optional<std::string> FileManager::extractCodeString(std::string_view quote
     return std::string(quoted.substr(1, 4));
 }
 
-// File managers find new menu entries by themselves.
-void FileManager::updateServicesMenu() const { debugLog("updating services menu.."); }
+// File managers find changed entries by themselves.
+void FileManager::updateServicesMenu() const {
+    debugLog("updating services menu..");
+    if (const FileManagerMenus* menus = FileManagerMenus::sharedInstance())
+        menus->renew();
+}
 
 std::optional<std::string> FileManager::finderCommentForFileURL(const std::string& path) const {
     const ssize_t length = ::lgetxattr(path.c_str(), commentAttribute, nullptr, 0);

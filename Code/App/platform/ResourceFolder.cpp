@@ -30,7 +30,8 @@ std::vector<std::string> ResourceFolder::candidates() {
     if (const std::string program = programFolder(); !program.empty())
         folders.push_back(program + "/../share/tavrin");
     folders.emplace_back(TAVRIN_RESOURCE_INSTALL_FOLDER);
-    folders.emplace_back(TAVRIN_RESOURCE_SOURCE_FOLDER);
+    if (constexpr std::string_view sources = TAVRIN_RESOURCE_SOURCE_FOLDER; !sources.empty())
+        folders.emplace_back(sources);
     return folders;
 }
 

@@ -9,7 +9,7 @@ namespace tavrin {
 /// The program's own files.
 struct ResourceFolder {
     /// The folders in which a resource is sought, in order: the one that TAVRIN_RESOURCES names alone, else
-    /// the one beside the program, the installed one, the one of the sources.
+    /// the one beside the program, the installed one, the one of the sources (not in a package).
     static std::vector<std::string> candidates();
 };
 
