@@ -1,0 +1,174 @@
+#include "documents/DropletBundleWriter.h"
+
+#include "documents/DropletLauncher.h"
+#include "documents/DropletScript.h"
+#include "platform/NoReplaceRename.h"
+#include "platform/PropertyList.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace tavrin {
+
+namespace {
+
+using Error = std::optional<std::string>;
+
+Error failure(const std::string& path, const std::string& reason) {
+    return fmt::format("{}: {}", path, reason);
+}
+
+Error failure(const std::string& path, int error) {
+    return failure(path, std::generic_category().message(error));
+}
+
+/// A new folder beside a droplet, which goes with this object unless it has been moved away.
+class TemporaryBundle {
+  public:
+    explicit TemporaryBundle(const std::string& folder) : path(folder + "/.droplet-XXXXXX") {
+        if (!::mkdtemp(path.data()))
+            error = errno;
+    }
+    ~TemporaryBundle() {
+        std::error_code ignored;
+        if (error == 0 && isOurs)
+            std::filesystem::remove_all(path, ignored);
+    }
+    TemporaryBundle(const TemporaryBundle&) = delete;
+    TemporaryBundle& operator=(const TemporaryBundle&) = delete;
+
+    /// What lies there now is no concern of this object.
+    void release() { isOurs = false; }
+
+    std::string path;
+    int error = 0;
+
+  private:
+    bool isOurs = true;
+};
+
+Error fill(const std::string& path, const PropertyDictionary& settings) {
+    std::error_code error;
+    std::filesystem::copy(
+        DropletBundle::templateFolder(), path,
+        std::filesystem::copy_options::recursive | std::filesystem::copy_options::overwrite_existing, error);
+    // Not for the eyes of this user alone, as all folders that programs make.
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    if (error || ::chmod(path.c_str(), 0777 & ~mask) != 0)
+        return failure(path, error ? error.message() : std::generic_category().message(errno));
+    return DropletBundleWriter::saveDropletSettings(settings, DropletBundle(path).settingsPath());
+}
+
+/// Puts the new bundle in the place of the old one, so that one of the two is always there.
+int exchange(const std::string& newPath, const std::string& oldPath) {
+    if (::renameat2(AT_FDCWD, newPath.c_str(), AT_FDCWD, oldPath.c_str(), RENAME_EXCHANGE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP)
+        return errno;
+    const std::string aside = newPath + ".old";
+    if (const int error = renameNoReplaceAt(AT_FDCWD, oldPath.c_str(), AT_FDCWD, aside.c_str()))
+        return error;
+    if (const int error = renameNoReplaceAt(AT_FDCWD, newPath.c_str(), AT_FDCWD, oldPath.c_str())) {
+        static_cast<void>(renameNoReplaceAt(AT_FDCWD, aside.c_str(), AT_FDCWD, oldPath.c_str()));
+        return error;
+    }
+    return renameNoReplaceAt(AT_FDCWD, aside.c_str(), AT_FDCWD, newPath.c_str());
+}
+
+bool isThere(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::symlink_status(path, error).type() != std::filesystem::file_type::not_found;
+}
+
+/// A path of a program that has been replaced while it ran.
+std::string presentProgram(std::string path) {
+    constexpr std::string_view mark = " (deleted)";
+    if (path.ends_with(mark) && !isThere(path))
+        path.resize(path.size() - mark.size());
+    return path;
+}
+
+} // namespace
+
+DropletBundleWriter::DropletBundleWriter(std::string programPath, bool setsMarks)
+    : program(presentProgram(std::move(programPath))), setsTrustMarks(setsMarks) {}
+
+std::optional<std::string> DropletBundleWriter::writeDropletWithDictionary(const PropertyDictionary& settings,
+                                                                           const std::string& path) const {
+    const DropletBundle bundle(path);
+    if (!DropletLauncher(bundle, program).mayBeWritten())
+        return failure(bundle.launcherPath(), "there is another file in the launcher's place");
+    if (Error error = writeBundle(settings, bundle))
+        return error;
+    return writeLauncher(bundle);
+}
+
+Error DropletBundleWriter::writeBundle(const PropertyDictionary& settings,
+                                       const DropletBundle& bundle) const {
+    const bool replaces = isThere(bundle.path());
+    if (replaces && !(bundle.isDroplet() && bundle.holdsOnlyItsOwn()))
+        return failure(bundle.path(), "what is there is no droplet, or holds other files too");
+    TemporaryBundle temporary(bundle.enclosingFolder());
+    if (temporary.error != 0)
+        return failure(temporary.path, temporary.error);
+    if (Error error = fill(temporary.path, settings))
+        return error;
+    if (!replaces) {
+        const int error =
+            renameNoReplaceAt(AT_FDCWD, temporary.path.c_str(), AT_FDCWD, bundle.path().c_str());
+        if (error != 0)
+            return failure(bundle.path(), error);
+        temporary.release();
+        return std::nullopt;
+    }
+    if (const int error = exchange(temporary.path, bundle.path()))
+        return failure(bundle.path(), error);
+    // Something may have come into the old one meanwhile; that is not removed with it.
+    temporary.release();
+    if (!DropletBundle(temporary.path).remove())
+        return failure(temporary.path, "the former droplet could not be removed");
+    return std::nullopt;
+}
+
+Error DropletBundleWriter::writeLauncher(const DropletBundle& bundle) const {
+    const DropletLauncher launcher(bundle, program);
+    if (Error error = launcher.write())
+        return error;
+    if (setsTrustMarks)
+        launcher.setTrustMarks();
+    DropletScript(bundle, program).write();
+    return std::nullopt;
+}
+
+std::optional<std::string> DropletBundleWriter::upgrade(const PropertyDictionary& settings,
+                                                        const DropletBundle& droplet) const {
+    const DropletBundle temporary(droplet.enclosingFolder() + "/Temp Dummy Droplet.app");
+    if (Error error = writeBundle(settings, temporary))
+        return error;
+    if (!droplet.remove()) {
+        static_cast<void>(temporary.remove());
+        return failure(droplet.path(), "the former droplet could not be removed");
+    }
+    if (const int error =
+            renameNoReplaceAt(AT_FDCWD, temporary.path().c_str(), AT_FDCWD, droplet.path().c_str()))
+        return failure(droplet.path(), error);
+    return writeLauncher(droplet);
+}
+
+std::optional<std::string> DropletBundleWriter::saveDropletSettings(const PropertyDictionary& settings,
+                                                                    const std::string& toPath) {
+    const auto result = PropertyList::writeAtomically(settings, toPath);
+    if (const auto* error = std::get_if<PropertyListError>(&result))
+        return failure(toPath, error->message);
+    return std::nullopt;
+}
+
+} // namespace tavrin

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "documents/DropletBundle.h"
+#include "support/PropertyValue.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace tavrin {
+
+/// What a droplet's launcher asks of the program: the droplet, and the files that were dropped on it.
+struct DropletRequest {
+    std::string bundlePath;         ///< absolute, in bytes; empty where it was not told
+    std::string launcherPath;       ///< the same
+    std::vector<std::string> files; ///< absolute, in bytes
+
+    /// The start that such a request leads to.
+    struct Start {
+        PropertyDictionary record; ///< to be put under recordKey, for this process alone
+        bool isSilent = false;     ///< nothing is to be shown
+        std::vector<std::string> missingFiles;
+    };
+    static constexpr const char* recordKey = "droplet settings";
+
+    /// The droplet by its path, else the one beside its launcher.
+    [[nodiscard]] std::optional<DropletBundle> bundle() const;
+    /// Reads and checks the droplet. The error is a whole text for the user. Files that are gone, or whose
+    /// names were changed on their way here, are sorted out; where none is left, that is an error too.
+    [[nodiscard]] std::variant<Start, RecipeError> start() const;
+    /// What to tell of files that are not there.
+    [[nodiscard]] static std::string missingText(const std::vector<std::string>& missing);
+};
+
+} // namespace tavrin
