@@ -50,7 +50,7 @@ class FileManagerMenusTest : public testing::Test {
 };
 
 TEST_F(FileManagerMenusTest, EntriesComeAreRenewedAndGoWithoutATrace) {
-    const FileManagerMenus moved("/home/ann/it's $5 \"100%\"/tavrin");
+    FileManagerMenus moved("/home/ann/it's $5 \"100%\"/tavrin");
     for (const FileManagerKind kind : FileManagerMenus::all) {
         SCOPED_TRACE(FileManagerMenus::nameOf(kind));
         EXPECT_EQ(menus.state(kind), MenuState::absent);
@@ -60,8 +60,7 @@ TEST_F(FileManagerMenusTest, EntriesComeAreRenewedAndGoWithoutATrace) {
         EXPECT_EQ(moved.state(kind), MenuState::outdated);
     }
     EXPECT_EQ(modeOf("data/kio/servicemenus/net.calderwick.tavrin.desktop"), 0755U);
-    FileManagerMenus registered = moved;
-    FileManagerMenus::setSharedInstance(&registered);
+    FileManagerMenus::setSharedInstance(&moved);
     EXPECT_EQ(moved.remove(nemo).message, "");
     FileManager().updateServicesMenu();
     FileManagerMenus::setSharedInstance(nullptr);

@@ -163,6 +163,11 @@ struct StoredActions {
 
 FileManagerMenus::FileManagerMenus(std::string programPath) : program(std::move(programPath)) {}
 
+FileManagerMenus::~FileManagerMenus() {
+    if (registered == this)
+        registered = nullptr;
+}
+
 std::string FileManagerMenus::runningProgram() {
     constexpr std::string_view replaced = " (deleted)"; // by an upgrade in the meantime
     std::error_code error;

@@ -31,11 +31,14 @@ class FileManagerMenus {
   public:
     /// `program` is the window's program that the entries start: an absolute path in bytes.
     explicit FileManagerMenus(std::string program);
+    ~FileManagerMenus();
+    FileManagerMenus(const FileManagerMenus&) = delete;
+    FileManagerMenus& operator=(const FileManagerMenus&) = delete;
     /// The program of this process; empty where that can't be told.
     static std::string runningProgram();
     /// What the application registered, else null.
     static FileManagerMenus* sharedInstance();
-    /// Not owned; null unregisters.
+    /// Not owned; null unregisters, and so does its end.
     static void setSharedInstance(FileManagerMenus* menus);
 
     static constexpr std::array all{FileManagerKind::dolphin, FileManagerKind::nautilus,

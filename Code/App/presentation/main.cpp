@@ -1,3 +1,4 @@
+#include "platform/FileManagerMenus.h"
 #include "presentation/Appearance.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/start/WindowArguments.h"
@@ -26,6 +27,8 @@ int show(WindowLink* link, const std::vector<std::string>& paths) {
     QApplication::setWindowIcon(
         QIcon::fromTheme("net.calderwick.tavrin", QIcon(":/icons/net.calderwick.tavrin.svg")));
     tavrin::Appearance::apply();
+    tavrin::FileManagerMenus menus(tavrin::FileManagerMenus::runningProgram());
+    tavrin::FileManagerMenus::setSharedInstance(&menus);
     tavrin::TavrinApplication tavrin({});
     if (link)
         link->setOpen([&tavrin](const std::vector<std::string>& later) { tavrin.open(later); });

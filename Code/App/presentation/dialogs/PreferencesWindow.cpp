@@ -5,6 +5,7 @@
 #include "platform/UserDefaults.h"
 #include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
+#include "presentation/dialogs/FileManagersPanel.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
 
@@ -234,9 +235,13 @@ class Window final : public QDialog {
 
     void addDesktop() {
         QVBoxLayout& page = addPage("Desktop");
-        auto* note = new QLabel("In a file manager, choose “Open With” and Tavrin to add files to the list.");
+        auto* note =
+            new QLabel("In a file manager, choose “Open With” and Tavrin to add files to the list. An "
+                       "entry “Rename with Tavrin…” in its menu makes this shorter.");
         note->setWordWrap(true);
         page.addWidget(note);
+        if (const FileManagerMenus* menus = FileManagerMenus::sharedInstance())
+            page.addWidget(new FileManagersPanel(*menus));
         addHelp(page, "About file managers and the terminal", "helpTopic57");
         page.addStretch(1);
     }
