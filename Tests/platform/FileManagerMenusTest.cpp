@@ -5,6 +5,7 @@
 #include "common/Variable.h"
 #include "platform/ChildProcess.h"
 #include "platform/FileManager.h"
+#include "platform/MenuEntries.h"
 #include "platform/ThunarActions.h"
 
 #include <fmt/format.h>
@@ -12,6 +13,8 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <fstream>
+#include <sstream>
 #include <sys/stat.h>
 
 namespace tavrin {
@@ -105,6 +108,23 @@ TEST_F(FileManagerMenusTest, AnEntryForAllUsersIsEnough) {
         EXPECT_EQ(menus.add(kind).message, "");
     }
     EXPECT_EQ(folder.tree(), before);
+}
+
+/// The entries of the user differ from those that are installed for all in nothing but the program.
+TEST(MenuEntries, AreTheInstalledOnesButForTheProgram) {
+    const auto installed = [](const char* name) {
+        std::ifstream file(std::string(TAVRIN_SOURCE_FOLDER "/Resources/menus/net.calderwick.tavrin.") +
+                           name);
+        std::ostringstream content;
+        content << "# " << MenuEntries::mark << '\n' << file.rdbuf();
+        std::string text = content.str();
+        return text.replace(text.find("Exec=tavrin") + 5, 6, "PROGRAM");
+    };
+    const auto replaced = [](std::string text, const std::string& program) {
+        return text.replace(text.find(program), program.size(), "PROGRAM");
+    };
+    EXPECT_EQ(replaced(MenuEntries::dolphin("/x/tavrin"), "\"/x/tavrin\""), installed("desktop"));
+    EXPECT_EQ(replaced(MenuEntries::nemo("/x/tavrin"), "/x/tavrin"), installed("nemo_action"));
 }
 
 TEST_F(FileManagerMenusTest, TellsWhereAnEntryCanNotGo) {

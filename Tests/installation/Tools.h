@@ -1,0 +1,26 @@
+#pragma once
+
+#include "common/TemporaryFolder.h"
+#include "common/Variable.h"
+#include "platform/ChildProcess.h"
+
+#include <string>
+#include <vector>
+
+namespace tavrin::test {
+
+/// Runs a program of PATH; its standard error is part of the output.
+ChildProcess::Result run(const std::vector<std::string>& arguments);
+/// The output alone; fails the test where the program fails.
+std::string outputOf(const std::vector<std::string>& arguments);
+std::vector<std::string> linesOf(const std::string& text);
+/// For sh.
+std::string quoted(const std::string& text);
+bool isThere(const std::string& program);
+
+/// Where tvrn was built.
+std::string programFolder();
+std::string sourcePath(const std::string& name);
+std::string sourceFile(const std::string& name);
+
+} // namespace tavrin::test
