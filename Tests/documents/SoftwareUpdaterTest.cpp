@@ -1,0 +1,114 @@
+#include "documents/SoftwareUpdater.h"
+
+#include "common/LogRecorder.h"
+#include "common/TemporaryFolder.h"
+#include "documents/UpdateFeed.h"
+#include "platform/UserDefaults.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace tavrin::test {
+namespace {
+
+UpdateFeedItem item(const std::string& version, const std::string& minimum = "") {
+    UpdateFeedItem result;
+    result.version = version;
+    result.minimumSystemVersion = minimum;
+    return result;
+}
+
+TEST(SoftwareUpdaterTest, ChoosesTheNewestThatTheSystemCanRun) {
+    struct Case {
+        std::vector<UpdateFeedItem> items;
+        int best; ///< its place in the feed; -1 for none
+    };
+    const std::vector<Case> cases{
+        {{}, -1},
+        {{item("9.1", "10.9")}, -1},
+        {{item("9.1", "10.8.5")}, 0},
+        {{item("9.1", "10.8")}, 0},
+        {{item("9.1", "")}, 0},
+        {{item("9.1"), item("9.2"), item("9.0")}, 1},
+        {{item("9.1"), item("9.2", "11"), item("9.0")}, 0},
+        {{item("9.1.5"), item("9.1.6"), item("9.1.4")}, 2}, // of equal finals the later one
+        {{item("9.1"), item("9.1b2")}, 0},
+        {{item("9.1b2"), item("9.1")}, 1},
+        {{item(""), item("9.1"), item("")}, 1},
+        {{item("")}, -1},
+    };
+    const SoftwareUpdater updater("9.0", "10.8.5");
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        const UpdateFeedItem* best = updater.bestValidUpdateInAppcast(cases[i].items);
+        EXPECT_EQ(best ? best - cases[i].items.data() : -1, cases[i].best) << "case " << i;
+    }
+}
+
+TEST(SoftwareUpdaterTest, LogsWhatItLooksAt) {
+    LogRecorder log;
+    (void)SoftwareUpdater("9.0", "6.1").bestValidUpdateInAppcast({item("9.1", "5"), item("9.2", "7")});
+    EXPECT_THAT(log.lines(), ::testing::ElementsAre("version 9.1 minimum 5", "version 9.2 minimum 7"));
+}
+
+TEST(SoftwareUpdaterTest, KnowsWhatIsNewerThanItself) {
+    const std::vector<std::tuple<const char*, const char*, bool>> cases{
+        {"9.1", "9.2", true},      {"9.1", "10.0", true},    {"9.1", "9.1", false},
+        {"9.1", "9.1.9", false},   {"9.1", "9.2b1", true},   {"9.1", "9.1b1", false},
+        {"9.1b1", "9.1", true},    {"9.1b1", "9.1b2", true}, {"9.1b2", "9.1b2", false},
+        {"9.1b2", "9.1b1", false}, {"9.1", "", false},       {"9.1", "x", true}};
+    for (const auto& [running, offered, isNewer] : cases)
+        EXPECT_EQ(SoftwareUpdater(running, "1").isNewer(item(offered)), isNewer) << running << ' ' << offered;
+}
+
+TEST(SoftwareUpdaterTest, IsOfTheVersionThatIsBuilt) {
+    std::ifstream file(TAVRIN_SOURCE_FOLDER "/CMakeLists.txt");
+    const std::string build{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_THAT(build, ::testing::HasSubstr("VERSION " + std::string(programVersion) + " "));
+}
+
+TEST(UpdateFeedTest, KnowsPathsAndAddresses) {
+    using Place = UpdateFeed::Place;
+    const std::vector<std::tuple<const char*, Place, const char*>> cases{
+        {"", Place::none, ""},
+        {" \t\n", Place::none, ""},
+        {"/a b/feed.xml", Place::file, "/a b/feed.xml"},
+        {"file:///a%20b/%E4%zz%4", Place::file, "/a b/\xE4%zz%4"},
+        {"FILE://localhost/x", Place::file, "/x"},
+        {" https://example.org/f?x=%20 ", Place::web, "https://example.org/f?x=%20"},
+        {"HTTP://example.org", Place::web, "HTTP://example.org"},
+        {"https://", Place::unknown, "https://"},
+        {"https://exa mple.org", Place::unknown, "https://exa mple.org"},
+        {"file://other/x", Place::unknown, "file://other/x"},
+        {"file://", Place::unknown, "file://"},
+        {"file://localhost", Place::unknown, "file://localhost"},
+        {"feed.xml", Place::unknown, "feed.xml"},
+        {"ftp://example.org/f", Place::unknown, "ftp://example.org/f"},
+    };
+    for (const auto& [given, place, location] : cases) {
+        const UpdateFeed feed = UpdateFeed::at(given);
+        EXPECT_EQ(feed.place, place) << given;
+        EXPECT_EQ(feed.location, location) << given;
+    }
+    UserDefaults defaults;
+    EXPECT_EQ(UpdateFeed::ofDefaults(defaults).place, Place::none);
+    defaults.setObject("SUFeedURL", 7);
+    EXPECT_EQ(UpdateFeed::ofDefaults(defaults).place, Place::none);
+    defaults.setObject("SUFeedURL", u"/f");
+    EXPECT_EQ(UpdateFeed::ofDefaults(defaults).location, "/f");
+}
+
+TEST(UpdateFeedTest, ReadsNoMoreThanAFeed) {
+    const TemporaryFolder folder;
+    const std::string most(UpdateFeedReader::sizeLimit, 'x');
+    const auto read = UpdateFeed::readFile(folder.write("most", most));
+    EXPECT_EQ(std::get<std::string>(read).size(), most.size());
+    for (const std::string& path :
+         {folder.write("more", most + "x"), folder.path(), folder.path("none"), std::string("/dev/zero")})
+        EXPECT_TRUE(std::holds_alternative<UpdateFeedError>(UpdateFeed::readFile(path))) << path;
+}
+
+} // namespace
+} // namespace tavrin::test
