@@ -70,6 +70,11 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::fileListSaved:
     case AlertKind::manualSorting:
         break; // the command says how it ended, and sorts by itself
+    case AlertKind::presetMigration:
+    case AlertKind::dropletMigration:
+    case AlertKind::updateAvailable:
+    case AlertKind::noUpdate:
+        break; // the command offers nothing that leads here
     case AlertKind::tagNotPresent:
         terminal.complain(fmt::format("tvrn: {}", alert.title));
         break;
@@ -81,6 +86,9 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::filesNotAdded:
     case AlertKind::itemsNotRemoved:
     case AlertKind::dropletLocked:
+    case AlertKind::dropletNotCreated:
+    case AlertKind::dropletIsSilent:
+    case AlertKind::dropletUpgrade:
     case AlertKind::presetDeletion:
     case AlertKind::exifSortingOff:
         refused = true;
@@ -123,6 +131,7 @@ void TerminalFrontEnd::showNotice(NoticeDialog dialog, std::function<void(Notice
                           "part in the renaming");
         reply.choice = NoticeAnswer::help; // leaves the settings as they are
         break;
+    case NoticeDialog::dropletInformation:
     case NoticeDialog::dropletEditMode:
     case NoticeDialog::simpleTemplateFileList:
         break;

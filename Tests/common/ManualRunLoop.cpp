@@ -77,6 +77,11 @@ bool ManualRunLoop::runUntil(const std::function<bool()>& predicate) {
     return true;
 }
 
+void ManualRunLoop::reopen() {
+    const std::lock_guard lock(mutex);
+    closed = false;
+}
+
 void ManualRunLoop::close() {
     std::deque<std::function<void()>> dropped; // destroyed without the lock: it frees waiting callers
     const std::lock_guard lock(mutex);

@@ -32,6 +32,8 @@ class ManualRunLoop : public RunLoop {
     bool runUntil(const std::function<bool()>& predicate);
     /// Drops what is queued and every later post, as a loop that has ended. Any thread.
     void close();
+    /// Takes posts again, for the next start of a program.
+    void reopen();
 
   private:
     bool runOne();

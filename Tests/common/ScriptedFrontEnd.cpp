@@ -31,12 +31,26 @@ std::string nameOf(AlertKind kind) {
         return "pipelineFailed";
     case AlertKind::dropletLocked:
         return "dropletLocked";
+    case AlertKind::dropletNotCreated:
+        return "dropletNotCreated";
+    case AlertKind::dropletIsSilent:
+        return "dropletIsSilent";
+    case AlertKind::dropletUpgrade:
+        return "dropletUpgrade";
     case AlertKind::presetDeletion:
         return "presetDeletion";
     case AlertKind::exifSortingOff:
         return "exifSortingOff";
     case AlertKind::tagNotPresent:
         return "tagNotPresent";
+    case AlertKind::presetMigration:
+        return "presetMigration";
+    case AlertKind::dropletMigration:
+        return "dropletMigration";
+    case AlertKind::updateAvailable:
+        return "updateAvailable";
+    case AlertKind::noUpdate:
+        return "noUpdate";
     }
     return "?";
 }
@@ -47,6 +61,8 @@ std::string nameOf(NoticeDialog dialog) {
         return "noFilesSelected";
     case NoticeDialog::inconsistentSettings:
         return "inconsistentSettings";
+    case NoticeDialog::dropletInformation:
+        return "dropletInformation";
     case NoticeDialog::dropletEditMode:
         return "dropletEditMode";
     case NoticeDialog::simpleTemplateFileList:
@@ -116,7 +132,7 @@ void ScriptedFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
 }
 
 void ScriptedFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
-    ask("notice " + nameOf(dialog), giverOf(std::move(answer)));
+    ask(fmt::format("notice {}", nameOf(dialog)), giverOf(std::move(answer)));
 }
 
 void ScriptedFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
@@ -149,6 +165,29 @@ void ScriptedFrontEnd::askForSavePath(const std::string& title,
                                       std::function<void(std::optional<std::string>)> answer) {
     note("panel titled " + title);
     ask("save path", giverOf(std::move(answer)));
+}
+
+void ScriptedFrontEnd::askForDropletPath(const std::string& title, const std::string& startFolder,
+                                         std::function<void(std::optional<std::string>)> answer) {
+    note(fmt::format("panel titled {} starts at {}", title, startFolder));
+    ask("droplet path", giverOf(std::move(answer)));
+}
+
+void ScriptedFrontEnd::askForDroplets(const LocatePanel& panel,
+                                      std::function<void(std::optional<std::vector<std::string>>)> answer) {
+    note("panel titled " + panel.title + ", " + panel.message + ", " + panel.prompt);
+    ask("droplets", giverOf(std::move(answer)));
+}
+
+void ScriptedFrontEnd::askForFolder(const LocatePanel& panel,
+                                    std::function<void(std::optional<std::string>)> answer) {
+    note("panel titled " + panel.title);
+    ask("folder", giverOf(std::move(answer)));
+}
+
+void ScriptedFrontEnd::fetchAddress(const std::string& address, std::size_t,
+                                    std::function<void(FetchedAddress)> answer) {
+    ask("fetch " + address, giverOf(std::move(answer)));
 }
 
 void ScriptedFrontEnd::terminate() {

@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -16,7 +17,7 @@ namespace tavrin::test {
 /// A front end whose user follows a script: each question must be the next one expected, and gets its
 /// answer. Any other question fails the test and is dropped unanswered; so does an expectation that is left
 /// at the end. Questions are named "alert summary", "notice noFilesSelected", "sheet rename", "errors",
-/// "files to add", "list format", "save path".
+/// "files to add", "list format", "save path", "droplet path", "droplets", "folder", "fetch ADDRESS".
 class ScriptedFrontEnd : public FrontEnd {
   public:
     /// The question goes unanswered, as when the window is closed.
@@ -24,7 +25,8 @@ class ScriptedFrontEnd : public FrontEnd {
     /// The question stays open until answerHeld.
     struct Held {};
     using Answer = std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice,
-                                std::optional<FilesToAdd>, FileListChoice, std::optional<std::string>>;
+                                std::optional<FilesToAdd>, FileListChoice, std::optional<std::string>,
+                                std::optional<std::vector<std::string>>, FetchedAddress>;
 
     ~ScriptedFrontEnd() override;
 
@@ -64,6 +66,15 @@ class ScriptedFrontEnd : public FrontEnd {
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
     void askForSavePath(const std::string& title,
                         std::function<void(std::optional<std::string>)> answer) override;
+    void askForDropletPath(const std::string& title, const std::string& startFolder,
+                           std::function<void(std::optional<std::string>)> answer) override;
+
+    void askForDroplets(const LocatePanel& panel,
+                        std::function<void(std::optional<std::vector<std::string>>)> answer) override;
+    void askForFolder(const LocatePanel& panel,
+                      std::function<void(std::optional<std::string>)> answer) override;
+    void fetchAddress(const std::string& address, std::size_t limit,
+                      std::function<void(FetchedAddress)> answer) override;
 
     void presentError(const std::string& message) override { presented.push_back(message); }
     void terminate() override;
@@ -86,6 +97,7 @@ class ScriptedFrontEnd : public FrontEnd {
     void enterDropletEditMode() override { note("enterDropletEditMode"); }
     void showHelp(std::string_view anchor) override { note("help " + std::string(anchor)); }
     void revealPath(const std::string& path) override { note("reveal " + path); }
+    void openAddress(const std::string& address) override { note("open " + address); }
     void beep() override { note("beep"); }
 
     /// Told of every divider position, as a window that reports its own moves would be.
@@ -98,7 +110,7 @@ class ScriptedFrontEnd : public FrontEnd {
     };
     using Giver = std::function<void(const Answer&)>;
 
-    void note(std::string event) { events.push_back(std::move(event)); }
+    void note(std::string_view event) { events.emplace_back(event); }
     void ask(const std::string& question, Giver giver);
     template <typename Given> static Giver giverOf(std::function<void(Given)> handler);
 

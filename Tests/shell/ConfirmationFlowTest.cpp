@@ -1,4 +1,4 @@
-#include "shell/DropletWriter.h"
+#include "documents/RecipeFile.h"
 #include "shell/ShellFixture.h"
 
 namespace tavrin::test {
@@ -222,31 +222,27 @@ TEST_F(ConfirmationFlowTest, TheProgressViewComesAndGoes) {
 }
 
 TEST_F(ConfirmationFlowTest, InADropletTheButtonSaves) {
-    struct Writer : DropletWriter {
-        std::optional<std::string> saveDropletSettings(const std::string& path) override {
-            saved = path;
-            return failure;
-        }
-        std::string saved;
-        std::optional<std::string> failure = "The disk is full.";
-    };
+    const std::string settingsPath = files.path("later/Settings.plist");
     defaults.setProcessObject(
         "droplet settings", PropertyDictionary{{"composite action", chain({{"Add to end", {{"active", 0}}}})},
-                                               {"settings plist path", u"/d/Settings.plist"}});
+                                               {"settings plist path", text::fromBytes(settingsPath)},
+                                               {"Version", u"9"}});
     defaults.setObject("don't show droplet edit information again", true);
     start();
     controller().ok();
-    EXPECT_EQ(frontEnd.presented.size(), 1u) << "nothing that could write it";
-    Writer writer;
-    controller().setDropletWriter(&writer);
-    controller().ok();
-    EXPECT_EQ(frontEnd.presented.back(), "The disk is full.");
+    ASSERT_EQ(frontEnd.presented.size(), 1u);
+    EXPECT_THAT(frontEnd.presented.back(), ::testing::StartsWith("The droplet could not be saved. "));
     EXPECT_FALSE(frontEnd.isTerminated);
-    writer.failure.reset();
+    (void)files.makeFolder("later");
+    set("silentDroplet", 1);
     controller().ok();
-    EXPECT_EQ(writer.saved, "/d/Settings.plist");
     EXPECT_TRUE(frontEnd.isTerminated);
-    controller().setDropletWriter(nullptr);
+    const auto saved = RecipeFile::read(settingsPath);
+    ASSERT_TRUE(std::holds_alternative<Recipe>(saved));
+    EXPECT_EQ(std::get<Recipe>(saved).flatParameterList,
+              controller().compositeAction().getFlatParameterList());
+    EXPECT_EQ(std::get<Recipe>(saved).globalSettings, controller().globalSettings().parameterList());
+    EXPECT_EQ(defaults.objectForKey("composite action"), std::nullopt);
 }
 
 } // namespace

@@ -1,3 +1,5 @@
+#include "common/Variable.h"
+#include "documents/DropletBundle.h"
 #include "platform/PropertyList.h"
 #include "shell/ShellFixture.h"
 
@@ -14,9 +16,16 @@ class StartSequenceTest : public ShellFixture {
     PropertyDictionary record(const PropertyDictionary& settings = {}) {
         return {{"composite action", chain({{"Add to end", {{"string", u"X"}}}})},
                 {"global settings", settings},
-                {"settings plist path", u"/d/Settings.plist"}};
+                {"settings plist path", u"/d/Settings.plist"},
+                {"Version", u"9.0.0"}};
     }
     void run() { controller().applicationDidFinishLaunching(); }
+    /// The next start of the same user.
+    void restart() {
+        endController();
+        loop.reopen();
+        frontEnd.isTerminated = false;
+    }
 };
 
 TEST_F(StartSequenceTest, ANormalStartGoesInItsOrderAndAsksForTheFirstPreview) {
@@ -139,6 +148,97 @@ TEST_F(StartSequenceTest, ALockedDropletIsNotEditedButRuns) {
     EXPECT_EQ(frontEnd.alerts.back().style, AlertStyle::critical);
     frontEnd.answerHeld(AlertAnswer());
     EXPECT_TRUE(frontEnd.isTerminated);
+}
+
+TEST_F(StartSequenceTest, ADropletThatCannotBeginEnds) {
+    struct Case {
+        const char* what;
+        PropertyDictionary settings;
+        PropertyDictionary parameters;
+        const char* question; ///< of a droplet that is not silent
+    };
+    for (const Case& c : {Case{"no active step", {}, {{"active", 0}}, "alert noActiveActions"},
+                          Case{"nothing takes part",
+                               {{"processFiles", 0}, {"processFolders", 0}},
+                               {},
+                               "notice inconsistentSettings"}}) {
+        for (const bool isSilent : {true, false}) {
+            PropertyDictionary droplet = record(c.settings);
+            droplet.insert_or_assign("composite action", chain({{"Add to end", c.parameters}}));
+            droplet.at("global settings").asDictionary()->emplace("silentDroplet", isSilent ? 1 : 0);
+            droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
+            handOver(std::move(droplet));
+            if (!isSilent)
+                frontEnd.expect(c.question,
+                                c.settings.empty()
+                                    ? ScriptedFrontEnd::Answer(AlertAnswer())
+                                    : ScriptedFrontEnd::Answer(NoticeAnswer{NoticeAnswer::help, false}));
+            run();
+            EXPECT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; })) << c.what;
+            EXPECT_TRUE(frontEnd.isScriptOver()) << c.what;
+            EXPECT_TRUE(files.kind("a").has_value());
+            restart();
+        }
+    }
+}
+
+TEST_F(StartSequenceTest, ADropletGoesOnWhenItsSettingsAreMended) {
+    PropertyDictionary droplet = record({{"processFiles", 0}, {"processFolders", 0}, {"interactiveMode", 0}});
+    droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
+    handOver(std::move(droplet));
+    frontEnd.expect("notice inconsistentSettings", NoticeAnswer());
+    frontEnd.expect("alert summary");
+    run();
+    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
+    EXPECT_TRUE(files.kind("aX").has_value());
+}
+
+TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
+    const Variable folder("XDG_DATA_HOME", data.path().c_str());
+    struct Case {
+        std::string settingsPath;
+        const char* title;
+    };
+    const DropletBundle bundle(files.path("Old.app"));
+    for (const Case& c : {Case{bundle.settingsPath(), "Your droplet has been successfully upgraded."},
+                          Case{files.path("x/y/z/Settings.plist"), "Your droplet could not be upgraded."},
+                          Case{"", "Your droplet could not be upgraded."}}) {
+        (void)files.write("Old.app/Contents/MacOS/stub");
+        (void)files.write("x/y/z/Settings.plist", "mine");
+        PropertyDictionary droplet = record();
+        droplet.erase("Version");
+        droplet.insert_or_assign("settings plist path", text::fromBytes(c.settingsPath));
+        const auto written = PropertyList::writeAtomically(
+            PropertyDictionary{{"Droplet Settings", PropertyDictionary()},
+                               {"Host Application Settings",
+                                PropertyDictionary{{"composite action", droplet.at("composite action")}}}},
+            (files.makeFolder("Old.app/Contents/Resources"), bundle.settingsPath()));
+        ASSERT_TRUE(std::holds_alternative<std::monostate>(written));
+        defaults.setObject("droplet settings", droplet);
+        frontEnd.expect("alert dropletUpgrade");
+        frontEnd.expect("alert dropletUpgrade", ScriptedFrontEnd::Held());
+        run();
+        EXPECT_EQ(frontEnd.alerts.back().title, c.title);
+        EXPECT_FALSE(frontEnd.isTerminated);
+        frontEnd.answerHeld(AlertAnswer());
+        EXPECT_TRUE(frontEnd.isTerminated);
+        EXPECT_EQ(defaults.objectForKey("droplet settings"), std::nullopt);
+        EXPECT_EQ(files.kind("Old.app/Contents/MacOS/stub").has_value(),
+                  c.settingsPath != bundle.settingsPath());
+        EXPECT_EQ(files.read("x/y/z/Settings.plist"), "mine");
+        EXPECT_TRUE(std::holds_alternative<Recipe>(bundle.readRecipe()));
+        restart();
+    }
+}
+
+TEST_F(StartSequenceTest, ADropletRunNeedsNoUpgrade) {
+    PropertyDictionary droplet = record({{"silentDroplet", 1}});
+    droplet.erase("Version");
+    droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
+    handOver(std::move(droplet));
+    run();
+    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
+    EXPECT_TRUE(files.kind("aX").has_value());
 }
 
 TEST_F(StartSequenceTest, ADropletThatIsNoGoodRenamesNothing) {

@@ -1,5 +1,6 @@
 #include "presentation/Dialogs.h"
 
+#include "documents/DropletBundle.h"
 #include "engine/UserPrompts.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AlertPicture.h"
@@ -100,6 +101,14 @@ const NoticeText& textOf(NoticeDialog dialog) {
           {"Leave Off", NoticeAnswer::help, QMessageBox::RejectRole},
           {}}},
         NoticeAnswer::help};
+    static const NoticeText information{"dropletInformationDialog",
+                                        "A droplet keeps the present steps and options.",
+                                        "Drop files on it to rename them; open it to change it.",
+                                        true,
+                                        {{{"Create Droplet…", NoticeAnswer::ok, QMessageBox::AcceptRole},
+                                          {"Cancel", NoticeAnswer::cancel, QMessageBox::RejectRole},
+                                          {"Help", NoticeAnswer::help, QMessageBox::HelpRole}}},
+                                        NoticeAnswer::cancel};
     static const NoticeText droplet{"dropletEditModeDialog",
                                     "You are editing a droplet.",
                                     "Change the steps, then click Save. Files you add only show the effect.",
@@ -123,6 +132,8 @@ const NoticeText& textOf(NoticeDialog dialog) {
         return noFiles;
     case NoticeDialog::inconsistentSettings:
         return inconsistent;
+    case NoticeDialog::dropletInformation:
+        return information;
     case NoticeDialog::dropletEditMode:
         return droplet;
     case NoticeDialog::simpleTemplateFileList:
@@ -243,7 +254,52 @@ void Dialogs::askForSavePath(QWidget* parent, const std::string& title,
     dialog->open();
 }
 
-void Dialogs::presentError(QWidget* parent, const std::string& message) {
+void Dialogs::askForDropletPath(QWidget* parent, const std::string& title, const std::string& startFolder,
+                                std::function<void(std::optional<std::string>)> answer) {
+    auto* dialog = new QFileDialog(parent, toQString(title));
+    dialog->setObjectName("dropletPathDialog");
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setDirectory(QFile::decodeName(startFolder.c_str()));
+    dialog->selectFile("My Droplet");
+    // What is written has another name than the one that was typed.
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    const AnswerOnce<std::optional<std::string>> once(std::move(answer));
+    const auto end = [dialog, once](std::optional<std::string> path) {
+        once(std::move(path));
+        dialog->deleteLater();
+    };
+    QObject::connect(dialog, &QFileDialog::finished, dialog, [dialog, end](int result) {
+        const QStringList chosen = dialog->selectedFiles();
+        if (result != QDialog::Accepted || chosen.isEmpty()) {
+            end(std::nullopt);
+            return;
+        }
+        const std::string path = QFile::encodeName(chosen.front()).toStdString();
+        const DropletBundle bundle = DropletBundle::forChosenPath(path);
+        if (!bundle.isFolder()) {
+            end(path);
+            return;
+        }
+        QMessageBox* box =
+            makeBox(dialog->parentWidget(), AlertStyle::warning,
+                    QString("“%1” is there already.").arg(QFile::decodeName(bundle.name().c_str())),
+                    "Do you want to replace it? A folder that is no droplet stays as it is.");
+        box->setObjectName("replaceDropletAlert");
+        QAbstractButton* replace = box->addButton("&Replace", QMessageBox::AcceptRole);
+        box->setDefaultButton(box->addButton(QMessageBox::Cancel));
+        QObject::connect(box, &QMessageBox::finished, dialog, [box, dialog, replace, end, path] {
+            if (box->clickedButton() == replace)
+                end(path);
+            else
+                dialog->open();
+        });
+        box->open();
+    });
+    dialog->open();
+}
+
+QMessageBox* Dialogs::presentError(QWidget* parent, const std::string& message) {
     // The first sentence says what has happened, the others why.
     const QString whole = toQString(message);
     const qsizetype end = whole.indexOf(". ");
@@ -252,6 +308,7 @@ void Dialogs::presentError(QWidget* parent, const std::string& message) {
     box->setObjectName("errorAlert");
     box->addButton(QMessageBox::Ok);
     box->open();
+    return box;
 }
 
 } // namespace tavrin

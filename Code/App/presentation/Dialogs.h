@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+class QMessageBox;
 class QWidget;
 
 namespace tavrin {
@@ -29,7 +30,11 @@ struct Dialogs {
                                  std::function<void(std::optional<FilesToAdd>)> answer);
     static void askForSavePath(QWidget* parent, const std::string& title,
                                std::function<void(std::optional<std::string>)> answer);
-    static void presentError(QWidget* parent, const std::string& message);
+    /// The answer is the name as it was typed; that of an existing droplet only after a question.
+    static void askForDropletPath(QWidget* parent, const std::string& title, const std::string& startFolder,
+                                  std::function<void(std::optional<std::string>)> answer);
+    /// Returns the message box, which is open.
+    static QMessageBox* presentError(QWidget* parent, const std::string& message);
 };
 
 } // namespace tavrin

@@ -28,6 +28,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <chrono>
 
 namespace tavrin {
 
@@ -38,6 +39,7 @@ constexpr int paneMargin = 12;
 constexpr int leastSettingsWidth = 300;
 constexpr int firstSettingsWidth = 346;
 constexpr int leastPreviewWidth = 440;
+constexpr std::chrono::milliseconds patienceWithoutProgress(700);
 
 } // namespace
 
@@ -110,7 +112,6 @@ QWidget* MainWindow::buildBottomRow() {
     layout->setContentsMargins(paneMargin, 8, paneMargin, 8);
     createDropletButton = new QPushButton("Create &Droplet…");
     createDropletButton->setObjectName("createDropletButton");
-    createDropletButton->setEnabled(false); // droplets can't be written yet
     createFileListButton = new QPushButton("Save &List…");
     createFileListButton->setObjectName("createFileListButton");
     okButton = new ProminentButton("&Rename");
@@ -177,6 +178,28 @@ void MainWindow::enterDropletEditMode() {
     settings->enterDropletEditMode();
     preview->enterDropletEditMode();
     refreshRenameButton();
+}
+
+void MainWindow::showProgressAlone(bool isRunning) {
+    if (!progressWindow) {
+        // No button to close it: the run has one to stop it.
+        progressWindow = new QWidget(this, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                               Qt::WindowMinimizeButtonHint);
+        progressWindow->setObjectName("progressWindow");
+        auto* layout = new QVBoxLayout(progressWindow);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(progress);
+        progress->show();
+        progressWindow->resize(520, 300);
+        connect(&progressDelay, &QTimer::timeout, progressWindow, &QWidget::show);
+        progressDelay.setSingleShot(true);
+    }
+    if (isRunning) {
+        progressDelay.start(patienceWithoutProgress);
+        return;
+    }
+    progressDelay.stop();
+    progressWindow->hide();
 }
 
 void MainWindow::centre() {

@@ -5,6 +5,7 @@
 #include "shell/FrontEnd.h"
 
 #include <QMainWindow>
+#include <QTimer>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -43,6 +44,9 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void setDividerPosition(double position);
     void fillPresetMenu(const std::vector<std::u16string>& titles);
     void enterDropletEditMode();
+    /// Shows the progress in a small window of its own, for a run without this window; soon, unless the run
+    /// is over by then.
+    void showProgressAlone(bool isRunning);
     void centre();
     void showHelp(std::string_view anchor);
     /// The count on the rename button, and whether it is on.
@@ -79,6 +83,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     SettingsPane* settings = nullptr;
     PreviewPane* preview = nullptr;
     ProgressPage* progress = nullptr;
+    QWidget* progressWindow = nullptr; ///< where this window is not shown
+    QTimer progressDelay;
     QPushButton* createDropletButton = nullptr;
     QPushButton* createFileListButton = nullptr;
     QPushButton* okButton = nullptr;

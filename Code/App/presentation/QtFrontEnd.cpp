@@ -2,10 +2,12 @@
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/UserPrompts.h"
+#include "presentation/AddressFetcher.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowMemory.h"
+#include "presentation/dialogs/LocateDialogs.h"
 #include "presentation/dialogs/SaveListDialog.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
@@ -13,14 +15,23 @@
 #include "shell/MainController.h"
 
 #include <QApplication>
+#include <QDesktopServices>
+#include <QDialog>
 #include <QTimer>
+#include <QUrl>
 
 namespace tavrin {
 
+QtFrontEnd::QtFrontEnd() = default;
+
+QtFrontEnd::~QtFrontEnd() = default;
+
 void QtFrontEnd::setWindow(MainWindow* newWindow) {
     window = newWindow;
-    if (!window)
-        later = std::make_unique<QObject>();
+    if (window)
+        return;
+    later = std::make_unique<QObject>();
+    fetcher.reset();
 }
 
 // --- Asking ---
@@ -68,13 +79,59 @@ void QtFrontEnd::askForSavePath(const std::string& title,
     Dialogs::askForSavePath(window, title, std::move(answer));
 }
 
+void QtFrontEnd::askForDropletPath(const std::string& title, const std::string& startFolder,
+                                   std::function<void(std::optional<std::string>)> answer) {
+    Dialogs::askForDropletPath(window, title, startFolder, std::move(answer));
+}
+
+void QtFrontEnd::askForDroplets(const LocatePanel& panel,
+                                std::function<void(std::optional<std::vector<std::string>>)> answer) {
+    LocateDialogs::askForDroplets(window, panel, std::move(answer));
+}
+
+void QtFrontEnd::askForFolder(const LocatePanel& panel,
+                              std::function<void(std::optional<std::string>)> answer) {
+    LocateDialogs::askForFolder(window, panel, std::move(answer));
+}
+
+void QtFrontEnd::fetchAddress(const std::string& address, std::size_t limit,
+                              std::function<void(FetchedAddress)> answer) {
+    if (!fetcher)
+        fetcher = std::make_unique<AddressFetcher>();
+    fetcher->fetch(address, limit, std::move(answer));
+}
+
 // --- Showing ---
 
 void QtFrontEnd::presentError(const std::string& message) {
-    whenShown([this, message] { Dialogs::presentError(window, message); });
+    whenShown([this, message] { (void)Dialogs::presentError(window, message); });
+}
+
+bool QtFrontEnd::isRunningDroplet() const {
+    return window && window->services().controller.operationMode() == OperationMode::dropletRun;
 }
 
 void QtFrontEnd::terminate() {
+    if (isRunningDroplet() && !window->services().controller.isSilentDroplet())
+        QTimer::singleShot(0, later.get(), [this] { terminateWhenAllIsRead(); });
+    else
+        terminateAtOnce();
+}
+
+void QtFrontEnd::terminateWhenAllIsRead() {
+    const QList<QDialog*> dialogs = window->findChildren<QDialog*>();
+    for (QDialog* dialog : dialogs) {
+        if (!dialog->isVisible())
+            continue;
+        QObject::connect(dialog, &QObject::destroyed, later.get(), [this] {
+            QTimer::singleShot(0, later.get(), [this] { terminateWhenAllIsRead(); });
+        });
+        return;
+    }
+    terminateAtOnce();
+}
+
+void QtFrontEnd::terminateAtOnce() {
     if (window && window->services().controller.operationMode() == OperationMode::normal)
         WindowMemory::remember(*window, window->services().defaults);
     // Not quit(), which would first ask the windows to close: that is what leads here. Queued, since there
@@ -86,6 +143,8 @@ void QtFrontEnd::terminate() {
 void QtFrontEnd::selectMainTab(MainTab tab) {
     if (window)
         window->selectMainTab(tab);
+    if (isRunningDroplet() && !window->services().controller.isSilentDroplet())
+        window->showProgressAlone(tab == MainTab::progress);
 }
 
 void QtFrontEnd::selectPreviewTab(PreviewTab tab) {
@@ -201,6 +260,10 @@ void QtFrontEnd::showHelp(std::string_view anchor) {
 }
 
 void QtFrontEnd::revealPath(const std::string& path) { FileBrowser::reveal(path); }
+
+void QtFrontEnd::openAddress(const std::string& address) {
+    QDesktopServices::openUrl(QUrl::fromEncoded(QByteArray::fromStdString(address)));
+}
 
 void QtFrontEnd::beep() { QApplication::beep(); }
 

@@ -7,6 +7,7 @@
 
 namespace tavrin {
 
+class AddressFetcher;
 class MainController;
 class MainWindow;
 
@@ -14,6 +15,9 @@ class MainWindow;
 /// to the main window. Until there is a window, showing does nothing and questions are held to be closed.
 class QtFrontEnd final : public FrontEnd {
   public:
+    QtFrontEnd();
+    ~QtFrontEnd() override;
+
     /// Not owned; null withdraws it and drops what was still to be shown, unanswered.
     void setWindow(MainWindow* newWindow);
 
@@ -29,9 +33,20 @@ class QtFrontEnd final : public FrontEnd {
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
     void askForSavePath(const std::string& title,
                         std::function<void(std::optional<std::string>)> answer) override;
+    void askForDropletPath(const std::string& title, const std::string& startFolder,
+                           std::function<void(std::optional<std::string>)> answer) override;
+    void askForDroplets(const LocatePanel& panel,
+                        std::function<void(std::optional<std::vector<std::string>>)> answer) override;
+    void askForFolder(const LocatePanel& panel,
+                      std::function<void(std::optional<std::string>)> answer) override;
+    void fetchAddress(const std::string& address, std::size_t limit,
+                      std::function<void(FetchedAddress)> answer) override;
 
     void presentError(const std::string& message) override;
+    /// Of a droplet that has no window, once the user has closed what it has to say.
     void terminate() override;
+    /// Whatever is open.
+    void terminateAtOnce();
     void selectMainTab(MainTab tab) override;
     void selectPreviewTab(PreviewTab tab) override;
     void setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) override;
@@ -55,13 +70,17 @@ class QtFrontEnd final : public FrontEnd {
     void enterDropletEditMode() override;
     void showHelp(std::string_view anchor) override;
     void revealPath(const std::string& path) override;
+    void openAddress(const std::string& address) override;
     void beep() override;
 
   private:
     /// At once, or when the window that is about to come up stands.
     void whenShown(std::function<void()> action);
+    [[nodiscard]] bool isRunningDroplet() const;
+    void terminateWhenAllIsRead();
 
     MainWindow* window = nullptr;
+    std::unique_ptr<AddressFetcher> fetcher;                      ///< made when it is first needed
     std::unique_ptr<QObject> later = std::make_unique<QObject>(); ///< what is to be shown later goes with it
 };
 

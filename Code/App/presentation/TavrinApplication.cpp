@@ -1,5 +1,6 @@
 #include "presentation/TavrinApplication.h"
 
+#include "documents/DropletRequest.h"
 #include "presentation/MainWindow.h"
 #include "presentation/SessionEnd.h"
 #include "shell/MainController.h"
@@ -13,6 +14,7 @@ namespace tavrin {
 namespace {
 
 constexpr std::chrono::milliseconds betweenQuestions(200); // whether the run has ended
+constexpr std::chrono::seconds longestInLog(1);            // that a line waits for others, all being quiet
 
 ActionList::Resources resources() {
     auto read = ActionList::readResources();
@@ -37,7 +39,14 @@ TavrinApplication::TavrinApplication(Options options)
     : defaults(options.defaultsPath.empty() ? UserDefaults() : UserDefaults(options.defaultsPath)),
       actionList(resources()) {
     SystemLog::setSharedInstance(&systemLog);
+    if (systemLog.isActive()) {
+        setDebugLogSink(&systemLog);
+        QObject::connect(&logTimer, &QTimer::timeout, &logTimer, [this] { systemLog.flush(); });
+        logTimer.start(longestInLog);
+    }
     UserDefaults::setSharedInstance(&defaults);
+    if (options.droplet)
+        defaults.setProcessObject(DropletRequest::recordKey, *options.droplet);
     ActionList::setSharedActionList(&actionList);
     actionList.setRunLoop(&loop);
     mainController = std::make_unique<MainController>(
@@ -60,6 +69,7 @@ TavrinApplication::~TavrinApplication() {
     mainController.reset();
     ActionList::setSharedActionList(nullptr);
     UserDefaults::setSharedInstance(nullptr);
+    setDebugLogSink(nullptr);
     SystemLog::setSharedInstance(nullptr);
 }
 
@@ -68,7 +78,7 @@ void TavrinApplication::saveState() { mainController->applicationShouldTerminate
 /// A run ends after the item in hand, and a question counts as answered with stop, when all is taken down.
 void TavrinApplication::endNow() {
     saveState();
-    frontEnd.terminate();
+    frontEnd.terminateAtOnce();
 }
 
 void TavrinApplication::start(const std::vector<std::string>& paths) {

@@ -8,6 +8,7 @@
 
 #include <QTimer>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ class TavrinApplication {
         std::string defaultsPath = UserDefaults::defaultPath();
         /// Where presets and the store lie; empty takes the user's folder.
         std::string dataFolder;
+        /// The record of the droplet that this process runs or edits.
+        std::optional<PropertyDictionary> droplet = std::nullopt;
     };
 
     /// Throws std::runtime_error where the menus cannot be read.
@@ -58,6 +61,7 @@ class TavrinApplication {
     std::unique_ptr<SessionEnd> sessionEnd;
     std::vector<std::string> waitingPaths;
     QTimer waiting;
+    QTimer logTimer;
 };
 
 } // namespace tavrin

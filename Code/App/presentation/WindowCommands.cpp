@@ -2,6 +2,7 @@
 
 #include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "documents/UpdateFeed.h"
 #include "platform/UserDefaults.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
@@ -26,8 +27,6 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QUrl>
-#include <algorithm>
-#include <array>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -39,9 +38,6 @@ namespace {
 using Effect = std::function<void()>;
 
 constexpr const char* contactPage = "https://calderwick.net/tavrin/contact";
-
-/// Commands that have their place and can't do anything yet.
-constexpr std::array<std::string_view, 3> placesOnly{"createDroplet", "migratePresets", "migrateDroplets"};
 
 bool isOn(const TVRNGlobalPreferencesPseudoAction& settings, const char* key) {
     const auto value = settings.valueForKey(key);
@@ -93,6 +89,7 @@ struct WindowCommands::Parts {
     std::vector<QAction*> presetActions;
     QAction* presetsEnd = nullptr;
     bool isRunning = false;
+    std::shared_ptr<void> feedObservation;
 };
 
 void WindowCommands::Parts::addFileMenu() {
@@ -114,7 +111,8 @@ void WindowCommands::Parts::addFileMenu() {
     menu->addSeparator();
     add(menu, "createFileList", "Save L&ist…", QKeySequence("Ctrl+E"),
         [this] { controller.createFileList(); });
-    add(menu, "createDroplet", "Create &Droplet…", QKeySequence("Ctrl+D"), [] {});
+    add(menu, "createDroplet", "Create &Droplet…", QKeySequence("Ctrl+D"),
+        [this] { controller.createDroplet(); });
     menu->addSeparator();
     add(menu, "ok", "Re&name", QKeySequence("Ctrl+Return"), [this] { controller.ok(); });
     add(menu, "applyAndQuit", "Rename and &Quit", QKeySequence("Ctrl+Alt+Return"),
@@ -231,8 +229,10 @@ void WindowCommands::Parts::addPresetsMenu() {
     add(presetsMenu, "organizePresets", "&Organize Presets…", QKeySequence("Ctrl+Shift+S"),
         [this] { OrganizePresetsDialog::open(&window, services); });
     presetsMenu->addSeparator();
-    add(presetsMenu, "migratePresets", "&Migrate Presets", {}, [] {});
-    add(presetsMenu, "migrateDroplets", "Migrate &Droplets…", {}, [] {});
+    add(presetsMenu, "migratePresets", "&Migrate Presets", {}, [this] { controller.migratePresets(); });
+    add(presetsMenu, "migratePresetsFromFolder", "Migrate Presets from &Folder…", {},
+        [this] { controller.migratePresetsFromFolder(); });
+    add(presetsMenu, "migrateDroplets", "Migrate &Droplets…", {}, [this] { controller.migrateDroplet(); });
 }
 
 void WindowCommands::Parts::addHelpMenu() {
@@ -248,6 +248,9 @@ void WindowCommands::Parts::addHelpMenu() {
     add(menu, "showSnowLeopardHelp", "&File Manager Integration", {},
         [this] { window.showHelp("helpTopic57"); });
     add(menu, "contact", "&Contact Us", {}, [] { QDesktopServices::openUrl(QUrl(contactPage)); });
+    add(menu, "checkForUpdates", "Check for &Updates…", {}, [this] {
+        controller.checkForUpdates();
+    })->setVisible(controller.updateCheck().isOn());
     add(menu, "createProfile", "Create &Error Report", {}, [this] { controller.createProfile(); });
     add(menu, "about", "A&bout Tavrin", {}, [this] {
         auto* box = new QMessageBox(QMessageBox::NoIcon, "About Tavrin",
@@ -269,8 +272,9 @@ WindowCommands::WindowCommands(MainWindow& window, const WindowServices& service
     parts->addPresetsMenu();
     parts->addHelpMenu();
     fillPresetMenu({});
-    for (const std::string_view name : placesOnly)
-        parts->actions.find(name)->second->setEnabled(false);
+    parts->feedObservation = services.defaults.observe(std::string(UpdateFeed::locationKey), [this] {
+        QMetaObject::invokeMethod(&parts->window, [this] { refresh(); });
+    });
 }
 
 WindowCommands::~WindowCommands() = default;
@@ -308,9 +312,10 @@ void WindowCommands::refresh() {
     const CompositeRenameAction& composite = controller.compositeAction();
     const bool areOn = controller.validateUserInterfaceItem() && !parts->isRunning;
     for (const auto& [name, action] : parts->actions)
-        action->setEnabled(areOn && std::ranges::find(placesOnly, name) == placesOnly.end());
+        action->setEnabled(areOn);
     for (QAction* action : parts->presetActions)
         action->setEnabled(areOn && parts->controller.presetsManager().count() > 0);
+    parts->actions.at("checkForUpdates")->setVisible(controller.updateCheck().isOn());
     if (!areOn)
         return;
     const auto enable = [this](const char* name, bool isEnabled) {
@@ -342,6 +347,8 @@ void WindowCommands::setRunning(bool isRunning) {
 
 void WindowCommands::enterDropletEditMode() {
     parts->actions.at("createNewPresetWithCurrentSettings")->setShortcut({});
+    for (const char* name : {"createDroplet", "createFileList", "applyAndQuit", "applyButDontQuit"})
+        parts->actions.at(name)->setVisible(false);
     QAction* save = parts->actions.at("ok");
     save->setText("&Save");
     save->setShortcuts({QKeySequence::Save, QKeySequence("Ctrl+Return")});

@@ -1,12 +1,13 @@
+#include "documents/DropletScript.h"
 #include "platform/FileManagerMenus.h"
-#include "presentation/Appearance.h"
 #include "presentation/TavrinApplication.h"
+#include "presentation/start/ApplicationSetup.h"
+#include "presentation/start/DropletArguments.h"
+#include "presentation/start/DropletStart.h"
 #include "presentation/start/WindowArguments.h"
 #include "presentation/start/WindowLink.h"
 
 #include <QApplication>
-#include <QIcon>
-#include <clocale>
 #include <cstdio>
 #include <stdexcept>
 
@@ -22,11 +23,8 @@ int endWith(const WindowArguments::End& end) {
 
 /// The window until it is closed.
 int show(WindowLink* link, const std::vector<std::string>& paths) {
-    QApplication::setApplicationDisplayName("Tavrin");
-    QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setWindowIcon(
-        QIcon::fromTheme("net.calderwick.tavrin", QIcon(":/icons/net.calderwick.tavrin.svg")));
-    tavrin::Appearance::apply();
+    tavrin::ApplicationSetup::looks();
+    tavrin::DropletScript::removeOrphans();
     tavrin::FileManagerMenus menus(tavrin::FileManagerMenus::runningProgram());
     tavrin::FileManagerMenus::setSharedInstance(&menus);
     tavrin::TavrinApplication tavrin({});
@@ -39,17 +37,14 @@ int show(WindowLink* link, const std::vector<std::string>& paths) {
     return status;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int start(int argc, char** argv) {
+    if (const auto droplet = tavrin::DropletArguments::of(argc, argv))
+        return tavrin::DropletStart::run(*droplet, argv[0]);
     auto taken = WindowArguments::take(argc, argv);
     if (const auto* end = std::get_if<WindowArguments::End>(&taken))
         return endWith(*end);
     const QApplication application(argc, argv);
-    // Numbers in files are free of the locale, which Qt has just set.
-    std::setlocale(LC_NUMERIC, "C");
-    QApplication::setApplicationName("tavrin");
-    QApplication::setDesktopFileName("net.calderwick.tavrin");
+    tavrin::ApplicationSetup::names();
     const auto given = std::get<WindowArguments>(taken).paths(argc, argv);
     if (const auto* end = std::get_if<WindowArguments::End>(&given))
         return endWith(*end);
@@ -58,8 +53,14 @@ int main(int argc, char** argv) {
     // A window that does not answer is no reason to leave the user without one.
     if (link && link->join(paths) == WindowLink::Role::handedOver)
         return 0;
+    return show(link.get(), paths);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
     try {
-        return show(link.get(), paths);
+        return start(argc, argv);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "tavrin: %s\n", failure.what());
         return 1;

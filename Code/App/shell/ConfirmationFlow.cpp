@@ -6,7 +6,7 @@
 #include "engine/ProgressInfo.h"
 #include "engine/RenameEngine.h"
 #include "shell/ActionListCommands.h"
-#include "shell/DropletWriter.h"
+#include "shell/DropletCommands.h"
 #include "shell/PreviewControl.h"
 #include "shell/StoreOwner.h"
 #include "store/SourceItemManager.h"
@@ -38,11 +38,8 @@ void ConfirmationFlow::executeRenameAndQuit(bool quit) {
         applyCurrentSettings(quit);
         return;
     }
-    std::optional<std::string> error = "This version can't write droplets.";
-    if (dropletWriter)
-        error = dropletWriter->saveDropletSettings(dropletSettingsPath);
-    if (error)
-        services.frontEnd.presentError(*error);
+    if (const auto error = units.droplets.saveDropletSettings(dropletSettingsPath))
+        services.frontEnd.presentError("The droplet could not be saved. " + *error);
     else
         terminateNow();
 }

@@ -13,7 +13,7 @@
 namespace tavrin {
 
 class ActionListCommands;
-class DropletWriter;
+class DropletCommands;
 class PreviewControl;
 class StoreOwner;
 
@@ -26,13 +26,12 @@ class ConfirmationFlow : public UserPrompts {
         ActionListCommands& commands;
         PreviewControl& preview;
         NoticeDialogs& notices;
+        DropletCommands& droplets;
     };
     /// `terminate` ends the application at once.
     ConfirmationFlow(ShellServices& shared, Units otherUnits, std::function<void()> terminate);
     ~ConfirmationFlow() override;
 
-    /// Not owned; null where no droplet can be written.
-    void setDropletWriter(DropletWriter* writer) { dropletWriter = writer; }
     void setDropletSettingsPath(std::string path) { dropletSettingsPath = std::move(path); }
 
     // --- Starting a run ---
@@ -88,7 +87,6 @@ class ConfirmationFlow : public UserPrompts {
     ShellServices& services;
     Units units;
     std::function<void()> terminateNow;
-    DropletWriter* dropletWriter = nullptr;
     std::string dropletSettingsPath;
     bool isShowingProgress = false;
     PropertyDictionary dialogContext;

@@ -27,9 +27,16 @@ enum class AlertKind {
     fileListSaved,
     pipelineFailed,
     dropletLocked,
+    dropletNotCreated,
+    dropletIsSilent,
+    dropletUpgrade,
     presetDeletion,
     exifSortingOff,
     tagNotPresent,
+    presetMigration,
+    dropletMigration,
+    updateAvailable,
+    noUpdate,
 };
 
 enum class AlertStyle { warning, informational, critical };
@@ -50,7 +57,13 @@ struct AlertAnswer {
 };
 
 /// Explaining dialogs with a check box "do not show again". Their wording is the front end's.
-enum class NoticeDialog { noFilesSelected, inconsistentSettings, dropletEditMode, simpleTemplateFileList };
+enum class NoticeDialog {
+    noFilesSelected,
+    inconsistentSettings,
+    dropletInformation,
+    dropletEditMode,
+    simpleTemplateFileList,
+};
 
 struct NoticeAnswer {
     static constexpr int ok = 1;
@@ -73,6 +86,19 @@ struct FileListChoice {
     int choice = NoticeAnswer::ok; ///< ok, cancel or help
     int format = 0;                ///< 0 to 2
     bool shouldIncludeOnlyAffectedFiles = false;
+};
+
+/// What to ask the user for, in the words of a panel.
+struct LocatePanel {
+    std::string title;
+    std::string message;
+    std::string prompt; ///< of the button that accepts
+};
+
+/// What came from an address: its bytes, or why nothing did, as a part of a sentence.
+struct FetchedAddress {
+    std::optional<std::string> bytes;
+    std::string error = {};
 };
 
 enum class MainTab { interface = 0, progress = 1 };
@@ -106,6 +132,26 @@ class FrontEnd {
     virtual void askForFileListFormat(std::function<void(FileListChoice)> answer) = 0;
     virtual void askForSavePath(const std::string& title,
                                 std::function<void(std::optional<std::string>)> answer) = 0;
+    /// The place of a droplet as the user has named it, with any extension or none. Asks whether a droplet
+    /// of that name is to be replaced. The default of this and the next ones is to cancel.
+    virtual void askForDropletPath(const std::string& /*title*/, const std::string& /*startFolder*/,
+                                   std::function<void(std::optional<std::string>)> answer) {
+        answer(std::nullopt);
+    }
+
+    /// For one or more droplets: their bundle folders, or the launchers that stand for them.
+    virtual void askForDroplets(const LocatePanel&,
+                                std::function<void(std::optional<std::vector<std::string>>)> answer) {
+        answer(std::nullopt);
+    }
+    virtual void askForFolder(const LocatePanel&, std::function<void(std::optional<std::string>)> answer) {
+        answer(std::nullopt);
+    }
+    /// Loads what lies at a web address, `limit` bytes at most. Nothing of it is kept or run.
+    virtual void fetchAddress(const std::string& /*address*/, std::size_t /*limit*/,
+                              std::function<void(FetchedAddress)> answer) {
+        answer({std::nullopt, "there is no way to the network"});
+    }
 
     // --- Showing: a front end does what it has the means for ---
     virtual void presentError(const std::string& message) = 0;
@@ -142,6 +188,8 @@ class FrontEnd {
     virtual void showHelp(std::string_view /*anchor*/) {}
     /// Shows a file in the file browser and opens it.
     virtual void revealPath(const std::string&) {}
+    /// Shows a page of the web in the browser.
+    virtual void openAddress(const std::string& /*address*/) {}
     virtual void beep() {}
 };
 

@@ -2,6 +2,7 @@
 
 #include "actions/ActionList.h"
 #include "engine/ErrorReportManager.h"
+#include "platform/ReferenceDate.h"
 #include "platform/SandboxHelper.h"
 #include "platform/UserDefaults.h"
 #include "shell/FrontEnd.h"
@@ -72,11 +73,16 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
           environment.runLoop,
           [this](std::function<void()> gone) { notices.showTagNotPresentDialog(std::move(gone)); }),
       tagLibrary(&missingTagNotice), pane(services), longRunCheck(services),
-      confirmation(services, {store, listCommands, preview, notices}, [this] { terminateNow(); }),
-      startSequence(
-          services,
-          {presets, listCommands, preview, sources, notices, confirmation, pane, longRunCheck, mode, *this},
-          {options.location, options.usesUserFolders, [this] { terminate(); }}),
+      droplets(services, {listCommands, notices}, options.location),
+      confirmation(services, {store, listCommands, preview, notices, droplets}, [this] { terminateNow(); }),
+      migration(services, presets,
+                {options.store.dataFolder, options.location, [this] { updatePresetsMenu(); }}),
+      updates(services, {.mayInterrupt = [this] { return validateUserInterfaceItem() && !engine.isBusy(); },
+                         .now = secondsSince2001}),
+      startSequence(services,
+                    {presets, listCommands, preview, sources, notices, confirmation, pane, longRunCheck,
+                     droplets, mode, *this},
+                    {options.location, options.usesUserFolders, [this] { terminate(); }}),
       engine(*this) {
     registered = this;
     TagLibraryHelper::setSharedInstance(&tagLibrary);
@@ -110,6 +116,12 @@ void MainController::logStart() {
 }
 
 // ---- life
+
+void MainController::applicationDidFinishLaunching() {
+    startSequence.applicationDidFinishLaunching();
+    if (mode == OperationMode::normal && options.usesUserFolders)
+        updates.start();
+}
 
 bool MainController::applicationShouldTerminate() {
     debugLog("Terminating.");

@@ -11,7 +11,9 @@
 #include "shell/ActionListCommands.h"
 #include "shell/ConfirmationFlow.h"
 #include "shell/DNDArrayController.h"
+#include "shell/DropletCommands.h"
 #include "shell/LongRunCheck.h"
+#include "shell/MigrationCommands.h"
 #include "shell/MissingTagNotice.h"
 #include "shell/MultistepPane.h"
 #include "shell/NoticeDialogs.h"
@@ -21,6 +23,7 @@
 #include "shell/SourceCommands.h"
 #include "shell/StartSequence.h"
 #include "shell/StoreOwner.h"
+#include "shell/UpdateCheck.h"
 #include "store/SourceItemManager.h"
 #include "tags/TagLibraryHelper.h"
 
@@ -65,7 +68,7 @@ class MainController : public EngineHost, public ActionObserver {
     static MainController& sharedInstance();
 
     // --- Life ---
-    void applicationDidFinishLaunching() { startSequence.applicationDidFinishLaunching(); }
+    void applicationDidFinishLaunching();
     [[nodiscard]] bool hasFinishedInitializing() const { return startSequence.hasFinishedInitializing(); }
     /// Saves what is to be saved; the application may end now.
     bool applicationShouldTerminate();
@@ -83,7 +86,6 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] bool isRenameButtonEnabled();
     /// Whether commands are on: off while a run shows its progress.
     [[nodiscard]] bool validateUserInterfaceItem() const;
-    void setDropletWriter(DropletWriter* writer) { confirmation.setDropletWriter(writer); }
 
     // --- Commands ---
     bool applicationOpenFiles(const std::vector<std::string>& paths);
@@ -100,11 +102,17 @@ class MainController : public EngineHost, public ActionObserver {
     void applyAndQuit();
     void applyButDontQuit();
     void createFileList() { confirmation.createFileList(); }
+    void createDroplet() { droplets.createDroplet(); }
     /// Applies a preset of the menu. A preset that is no good is told to the user and changes nothing.
     void applyPreset(std::size_t index);
     void updatePresetsMenu();
     void showMultistepDrawer() { pane.showMultistepDrawer(); }
     void showHelpAnchor(std::string_view anchor);
+
+    void migratePresets() { migration.migratePresets(); }
+    void migratePresetsFromFolder() { migration.migratePresetsFromFolder(); }
+    void migrateDroplet() { migration.migrateDroplet(); }
+    void checkForUpdates() { updates.checkForUpdatesNow(); }
 
     // --- Parts ---
     [[nodiscard]] RenameEngine& renameEngine() { return engine; }
@@ -117,6 +125,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] MultistepPane& multistepPane() { return pane; }
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
     [[nodiscard]] StoreOwner& storeOwner() { return store; }
+    [[nodiscard]] UpdateCheck& updateCheck() { return updates; }
 
     // --- EngineHost ---
     ItemStore* persistentStoreCoordinator() override { return store.persistentStoreCoordinator(); }
@@ -176,7 +185,10 @@ class MainController : public EngineHost, public ActionObserver {
     TagLibraryHelper tagLibrary;
     MultistepPane pane;
     LongRunCheck longRunCheck;
+    DropletCommands droplets;
     ConfirmationFlow confirmation;
+    MigrationCommands migration;
+    UpdateCheck updates;
     StartSequence startSequence;
     RenameEngine engine;
 };

@@ -17,6 +17,8 @@ Memory memoryOf(NoticeDialog dialog) {
         return {"don't remind me about no files being selected", "helpTopic7"};
     case NoticeDialog::inconsistentSettings:
         return {"don't remind me about inconsistent settings", ""};
+    case NoticeDialog::dropletInformation:
+        return {"don't show droplet information again", "helpTopic28"};
     case NoticeDialog::dropletEditMode:
         return {"don't show droplet edit information again", "helpTopic18"};
     case NoticeDialog::simpleTemplateFileList:
@@ -42,6 +44,14 @@ void NoticeDialogs::showNoFilesSelectedDialog(Then then) {
 
 void NoticeDialogs::showInconsistentSettingsDialog(Then then) {
     showWithMemory(NoticeDialog::inconsistentSettings, std::move(then));
+}
+
+void NoticeDialogs::showDropletInformation(Then then) {
+    if (services.defaults.objectForKey(memoryOf(NoticeDialog::dropletInformation).suppressingDefault)) {
+        then(NoticeAnswer::ok);
+        return;
+    }
+    showWithMemory(NoticeDialog::dropletInformation, std::move(then));
 }
 
 void NoticeDialogs::showDropletEditModeInfo(Then then) {

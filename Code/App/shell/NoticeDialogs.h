@@ -17,6 +17,8 @@ class NoticeDialogs {
 
     void showNoFilesSelectedDialog(Then then);
     void showInconsistentSettingsDialog(Then then);
+    /// The choice is ok where it is switched off.
+    void showDropletInformation(Then then);
     void showDropletEditModeInfo(Then then);
     /// Explains a simple list of names that was saved without an order of its own.
     void showSimpleTemplateInformation();

@@ -11,16 +11,19 @@
 #include "platform/UserDefaults.h"
 #include "shell/ActionListCommands.h"
 #include "shell/ConfirmationFlow.h"
+#include "shell/DropletCommands.h"
 #include "shell/FrontEnd.h"
 #include "shell/LongRunCheck.h"
 #include "shell/MultistepPane.h"
 #include "shell/NoticeDialogs.h"
 #include "shell/PreviewControl.h"
 #include "shell/SourceCommands.h"
+#include "store/SourceItemManager.h"
 #include "support/MacOSXVersion.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 
 namespace tavrin {
@@ -56,6 +59,10 @@ void StartSequence::applicationDidFinishLaunching() {
     services.composite.setOwner(&units.observer);
     loadPresets();
     readSettingsFromDroplet();
+    if (isUpgradeDue) {
+        units.droplets.upgrade(dropletSettingsPath, options.terminate);
+        return;
+    }
     loadChain();
     frontEnd.fillActionMenus(services.actionList.popUpMenuItems(),
                              services.actionList.categoryPopUpMenuItems());
@@ -117,9 +124,11 @@ void StartSequence::readSettingsFromDroplet() {
     services.composite.setFlatParameterList(handOver.compositeAction);
     if (handOver.globalSettings)
         services.settings.setParameterList(*handOver.globalSettings);
-    units.confirmation.setDropletSettingsPath(handOver.settingsPath);
+    dropletSettingsPath = handOver.settingsPath;
+    units.confirmation.setDropletSettingsPath(dropletSettingsPath);
     if (handOver.fileList.empty()) {
         units.mode = OperationMode::dropletEdit;
+        isUpgradeDue = MacOSXVersion::isMountainLionOrLater() && !handOver.hasVersion;
         return;
     }
     units.sources.addFilePaths(handOver.fileList, true);
@@ -195,8 +204,35 @@ void StartSequence::showInterface() {
 /// find nothing to rename.
 void StartSequence::startDropletRun() {
     services.frontEnd.hideWindow();
-    units.preview.afterNextPreview([this] { units.confirmation.applyCurrentSettings(true); });
+    units.preview.afterNextPreview([this] { renameDroppedFiles(); });
     services.engine.processPreviewPipeline(services.progress);
+}
+
+bool StartSequence::isSilentDroplet() const {
+    return services.mode == OperationMode::dropletRun && services.settings.shouldCreateSilentDroplets() != 0;
+}
+
+void StartSequence::renameDroppedFiles() {
+    const auto areSettingsConsistent = [this] {
+        return services.settings.shouldProcessFiles() || services.settings.shouldProcessFolders();
+    };
+    const bool wereConsistent = areSettingsConsistent();
+    const auto& steps = services.composite.getActionDictionaryList();
+    const bool hasActiveStep =
+        std::ranges::any_of(steps, [](const auto& step) { return step->getParamInt("active", 0) == 1; });
+    // Nobody sits before a silent droplet who could answer why there is nothing to do.
+    if (isSilentDroplet() && (!wereConsistent || !hasActiveStep || services.sourceItems.isEmpty())) {
+        options.terminate();
+        return;
+    }
+    units.confirmation.applyCurrentSettings(true, [this, wereConsistent, areSettingsConsistent](bool isDone) {
+        if (isDone && wereConsistent)
+            return; // the run ends the application
+        if (!isDone && !wereConsistent && areSettingsConsistent())
+            startDropletRun(); // the user has mended them
+        else
+            options.terminate();
+    });
 }
 
 } // namespace tavrin

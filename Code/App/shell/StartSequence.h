@@ -16,6 +16,7 @@ namespace tavrin {
 
 class ActionListCommands;
 class ConfirmationFlow;
+class DropletCommands;
 class LongRunCheck;
 class MultistepPane;
 class NoticeDialogs;
@@ -35,6 +36,7 @@ class StartSequence {
         ConfirmationFlow& confirmation;
         MultistepPane& pane;
         LongRunCheck& longRunCheck;
+        DropletCommands& droplets;
         std::atomic<OperationMode>& mode;
         ActionObserver& observer;
     };
@@ -59,18 +61,23 @@ class StartSequence {
     void loadSettings();
     void loadPresets();
     void readSettingsFromDroplet();
+    [[nodiscard]] bool isSilentDroplet() const;
     void loadChain();
     void connectObservers();
     /// False when the application is to end instead.
     bool enterDropletEditMode();
     void showInterface();
     void startDropletRun();
+    /// Also ends a droplet that has nothing to rename: no window is left from which to go on.
+    void renameDroppedFiles();
 
     ShellServices& services;
     Units units;
     Options options;
     bool isFirstLaunch = false;
     bool isFinished = false;
+    bool isUpgradeDue = false;
+    std::string dropletSettingsPath;
     std::optional<PropertyDictionary> chainInPlaceOfStored; ///< what came up where the stored one was no good
     std::vector<std::shared_ptr<void>> observations;
     std::shared_ptr<char> lifetime; ///< for posted actions that come late

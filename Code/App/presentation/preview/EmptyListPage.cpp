@@ -129,6 +129,7 @@ EmptyListPage::EmptyListPage(WindowServices shared) : services(shared) {
     head->setFont(large);
     layout->addWidget(head);
     QLabel* promise = centred("Nothing is renamed until you click Rename.");
+    promise->setObjectName("emptyListPromise");
     promise->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(promise);
     layout->addSpacing(8);

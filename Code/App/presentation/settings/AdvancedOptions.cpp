@@ -1,10 +1,12 @@
 #include "presentation/settings/AdvancedOptions.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "presentation/GlyphIcon.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
 
 #include <QCheckBox>
+#include <QHBoxLayout>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -30,6 +32,7 @@ AdvancedOptions::AdvancedOptions(WindowServices shared, QWidget* parent)
     addSetting("quitAfterRename", "&Quit after renaming");
     addSetting("silentDroplet", "Create s&ilent droplets");
     silentDropletCheckbox = content->findChild<QCheckBox*>("silentDroplet");
+    addSilentDropletHelp();
     TVRNGlobalPreferencesPseudoAction& settings = services.controller.globalSettings();
     bindings.push_back(std::make_unique<ParameterBinding>(
         settings, "discloseAdvancedOptions", [this](const std::optional<PropertyValue>& value) {
@@ -54,6 +57,22 @@ void AdvancedOptions::addSetting(const char* key, const char* text) {
                                                           }));
     connect(box, &QCheckBox::clicked, this,
             [binding = bindings.back().get()](bool isOn) { binding->write(isOn ? 1 : 0); });
+}
+
+void AdvancedOptions::addSilentDropletHelp() {
+    auto* help = new QToolButton;
+    help->setObjectName("silentDropletHelpButton");
+    help->setIcon(GlyphIcon::of(Glyph::help));
+    help->setToolTip("Help on silent droplets");
+    help->setAccessibleName("Help on silent droplets");
+    help->setAutoRaise(true);
+    connect(help, &QToolButton::clicked, this, [this] { services.controller.showHelpAnchor("helpTopic19"); });
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(silentDropletCheckbox);
+    row->addWidget(help);
+    row->addStretch(1);
+    static_cast<QVBoxLayout*>(content->layout())->addLayout(row);
 }
 
 void AdvancedOptions::enterDropletEditMode() {

@@ -23,6 +23,7 @@ class AdvancedOptions final : public QWidget {
     void enterDropletEditMode();
 
   private:
+    void addSilentDropletHelp();
     void addSetting(const char* key, const char* text);
 
     const WindowServices services;

@@ -15,9 +15,11 @@ constexpr int badUsage = 2;
 
 const char* const usage =
     "Usage: tavrin [PATH...]\n"
+    "       tavrin --droplet DROPLET [--launcher=FILE] [PATH...]\n"
     "       tavrin --help | --version\n\n"
     "Opens the window with these files and folders in its list. Where it is open already, "
-    "they are added\nthere. \"--\" ends the options. The command for the terminal is tvrn.\n";
+    "they are added\nthere. \"--\" ends the options. The command for the terminal is tvrn.\n"
+    "A droplet renames these files and ends; without files it is opened for editing.\n";
 const char* const version = "tavrin (Tavrin) 9.0.0\n";
 
 /// Options of Qt that it also takes with two dashes.
@@ -60,6 +62,10 @@ std::variant<WindowArguments::End, std::vector<std::string>> WindowArguments::pa
         if (path.size() > 1 && path.front() == '-')
             return unknownOption(path);
     given.insert(given.end(), behindDashes.begin(), behindDashes.end());
+    return absolute(given);
+}
+
+std::vector<std::string> WindowArguments::absolute(const std::vector<std::string>& given) {
     std::vector<std::string> result;
     std::error_code error;
     const std::string folder = std::filesystem::current_path(error).string();

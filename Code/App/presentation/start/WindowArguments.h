@@ -22,6 +22,9 @@ class WindowArguments {
     /// The paths, absolute and in bytes, once Qt has taken its own options from the command line.
     [[nodiscard]] std::variant<End, std::vector<std::string>> paths(int count, char** arguments) const;
 
+    /// The same for any paths of a command line. What leads nowhere gets a full path all the same.
+    [[nodiscard]] static std::vector<std::string> absolute(const std::vector<std::string>& given);
+
   private:
     std::vector<std::string> behindDashes;
 };

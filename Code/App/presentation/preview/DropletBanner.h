@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QLabel>
+
+namespace tavrin {
+
+/// The line above the list that tells that a droplet is being edited. Object name "dropletBanner".
+class DropletBanner final : public QLabel {
+  public:
+    DropletBanner();
+
+  protected:
+    void changeEvent(QEvent* event) override;
+
+  private:
+    void applyColours();
+};
+
+} // namespace tavrin

@@ -1,0 +1,74 @@
+#include "presentation/start/DropletStart.h"
+
+#include "presentation/Dialogs.h"
+#include "presentation/TavrinApplication.h"
+#include "presentation/start/ApplicationSetup.h"
+#include "shell/MainController.h"
+
+#include <fmt/format.h>
+
+#include <QApplication>
+#include <QMessageBox>
+#include <cstdio>
+#include <cstdlib>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int badUsage = 2;
+
+/// Qt ends a program without a display by force.
+bool hasDisplay() {
+    for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"})
+        if (const char* value = std::getenv(name); value && *value)
+            return true;
+    return false;
+}
+
+int complain(const std::string& message) {
+    std::fputs(fmt::format("tavrin: {}\n", message).c_str(), stderr);
+    return badUsage;
+}
+
+int show(const std::string& error) {
+    (void)complain(error);
+    QMessageBox* box = Dialogs::presentError(nullptr, error);
+    QObject::connect(box, &QMessageBox::finished, qApp, [] { QCoreApplication::exit(badUsage); });
+    return QApplication::exec();
+}
+
+int show(DropletRequest::Start start) {
+    TavrinApplication::Options options;
+    options.droplet = std::move(start.record);
+    TavrinApplication tavrin(options);
+    if (!start.missingFiles.empty()) {
+        const std::string message =
+            "Some of the dropped files are not there. " + DropletRequest::missingText(start.missingFiles);
+        (void)complain(message);
+        if (!start.isSilent)
+            tavrin.controller().presentError(message);
+    }
+    tavrin.start({});
+    return QApplication::exec();
+}
+
+} // namespace
+
+int DropletStart::run(const DropletRequest& request, char* programName) {
+    if (!hasDisplay())
+        return complain("there is no display to open a droplet on. In a terminal, \"tvrn rename --recipe "
+                        "DROPLET FILES\" renames with it.");
+    // What stands on the command line are files, not options of Qt.
+    int count = 1;
+    char* arguments[] = {programName, nullptr};
+    const QApplication application(count, arguments);
+    ApplicationSetup::names();
+    ApplicationSetup::looks();
+    std::variant<DropletRequest::Start, RecipeError> start = request.start();
+    if (const auto* error = std::get_if<RecipeError>(&start))
+        return show(error->message);
+    return show(std::get<DropletRequest::Start>(std::move(start)));
+}
+
+} // namespace tavrin
