@@ -6,6 +6,7 @@
 #include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/FileManagersPanel.h"
+#include "presentation/dialogs/UpdatesPanel.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
 
@@ -74,6 +75,7 @@ class Window final : public QDialog {
         addSafety();
         addDroplets();
         addDesktop();
+        addPage("Updates").addWidget(new UpdatesPanel(services), 1, Qt::AlignTop);
         connect(contents, &QListWidget::currentRowChanged, pages, &QStackedWidget::setCurrentIndex);
         contents->setCurrentRow(0);
         auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
