@@ -238,8 +238,14 @@ INSTANTIATE_TEST_SUITE_P(
                     ThunarCase{"Malformed", head + "<actions><action></actions>", "", "", "mismatched tag"},
                     ThunarCase{"CutOff", head + "<actions>" + otherAction, "", "", "no element found"},
                     ThunarCase{"AnotherKind", head + "<menu/>", "", "", "it holds no actions"},
-                    ThunarCase{"DocumentType", "<!DOCTYPE actions [<!ENTITY a \"b\">]><actions>&a;</actions>",
-                               "", "", "document type"},
+                    ThunarCase{"DocumentType",
+                               head + "<!DOCTYPE actions [\n<!ELEMENT actions (action)+>\n]>\n<actions>\n" +
+                                   otherAction + "\n</actions>",
+                               head + "<!DOCTYPE actions [\n<!ELEMENT actions (action)+>\n]>\n<actions>\n" +
+                                   otherAction + "\n",
+                               "</actions>", ""},
+                    ThunarCase{"Entities", "<!DOCTYPE actions [<!ENTITY a \"b\">]><actions>&a;</actions>", "",
+                               "", "declares entities"},
                     ThunarCase{"Latin1", "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><actions/>", "", "",
                                "not in UTF-8"},
                     ThunarCase{"Utf16", std::string("\xFE\xFF\0<\0a\0/\0>", 10), "", "", "not in UTF-8"},

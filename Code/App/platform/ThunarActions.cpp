@@ -29,10 +29,10 @@ class Finder {
         XML_SetCharacterDataHandler(parser, [](void* self, const char* text, int length) {
             of(self).content.append(text, static_cast<std::size_t>(length));
         });
-        // Positions inside entities would not be positions in the file.
-        XML_SetStartDoctypeDeclHandler(parser, [](void* self, const char*, const char*, const char*, int) {
-            of(self).fail("it has a document type");
-        });
+        // Positions inside entities would not be positions in the file, and entities can grow.
+        XML_SetEntityDeclHandler(parser,
+                                 [](void* self, const char*, int, const char*, int, const char*, const char*,
+                                    const char*, const char*) { of(self).fail("it declares entities"); });
         // What is put in is UTF-8.
         XML_SetXmlDeclHandler(parser, [](void* self, const char*, const char* encoding, int) {
             if (encoding && ::strcasecmp(encoding, "UTF-8") != 0)
