@@ -49,7 +49,10 @@ MainController::Options MainController::Options::standard() {
 
 MainController::MainController(Environment newEnvironment, Options newOptions)
     : environment(newEnvironment), options(std::move(newOptions)),
-      debugManager(withRegisteredDefaults(environment.defaults)), progress(environment.runLoop),
+      debugManager(withRegisteredDefaults(environment.defaults)),
+      folderAccess(environment.defaults, environment.runLoop,
+                   [this](const std::string& path) { presentBookmarkingRequestDialogForPath(path); }),
+      progress(environment.runLoop),
       store(
           environment.defaults, options.store, [this](const std::string& message) { presentError(message); },
           [this] { return engine.busyMigratingStore(); }),

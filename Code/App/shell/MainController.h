@@ -8,6 +8,7 @@
 #include "engine/ProgressInfo.h"
 #include "engine/RenameEngine.h"
 #include "platform/DebugManager.h"
+#include "platform/FileSystemAccessManager.h"
 #include "shell/ActionListCommands.h"
 #include "shell/ConfirmationFlow.h"
 #include "shell/DNDArrayController.h"
@@ -113,6 +114,8 @@ class MainController : public EngineHost, public ActionObserver {
     void migratePresetsFromFolder() { migration.migratePresetsFromFolder(); }
     void migrateDroplet() { migration.migrateDroplet(); }
     void checkForUpdates() { updates.checkForUpdatesNow(); }
+    /// Would ask the user of a sandbox for access; there is none.
+    void presentBookmarkingRequestDialogForPath(const std::string&) {}
 
     // --- Parts ---
     [[nodiscard]] RenameEngine& renameEngine() { return engine; }
@@ -167,6 +170,7 @@ class MainController : public EngineHost, public ActionObserver {
     std::atomic<OperationMode> mode{OperationMode::normal};
     bool isTerminating = false;
     DebugManager debugManager;
+    FileSystemAccessManager folderAccess;
 
     // Order matters: the engine ends its threads before anything that they use goes.
     TVRNGlobalPreferencesPseudoAction settings;
