@@ -268,14 +268,6 @@ TEST_F(DialogTests, EditMenuServesFieldsAndTheList) {
     waitForNames({"some01.txt", "some02.txt"});
 }
 
-TEST_F(DialogTests, KeepPlacesForWhatIsToCome) {
-    start();
-    for (const char* name : {"createDroplet", "migratePresets", "migrateDroplets"})
-        EXPECT_FALSE(application->window().commands().command(name)->isEnabled()) << name;
-    EXPECT_TRUE(find("createDropletButton")->isVisible());
-    EXPECT_FALSE(find("createDropletButton")->isEnabled());
-}
-
 TEST_F(DialogTests, SearchFindsActionsAsPeopleCallThem) {
     start();
     const ActionSearch search(ActionList::sharedActionList());

@@ -17,6 +17,7 @@
 #include <QClipboard>
 #include <QDialog>
 #include <QDropEvent>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -362,6 +363,44 @@ TEST_F(MainRoad, ForeseesWhatWillFail) {
     type("replacementTerm", "c");
     waitUntil("the problem is gone", [this] { return model().problems().empty(); });
     EXPECT_FALSE(find("problemBar")->isVisible());
+}
+
+TEST_F(MainRoad, SaysHowManyNamesWereMadeDistinct) {
+    start({makeFile("a1.txt"), makeFile("a2.txt"), makeFile("a3.txt")});
+    chooseAction("Replace text");
+    type("searchTerm", "1");
+    type("replacementTerm", "2");
+    waitForPreview();
+    waitUntil("the bar tells", [this] {
+        return find("problemBar")->isVisible() &&
+               find<QLabel>("problemText")->text() ==
+                   "2 names were made distinct: they would have been the same.";
+    });
+    EXPECT_FALSE(find("showOnlyProblems")->isVisible());
+    type("replacementTerm", "4");
+    waitUntil("the bar is gone", [this] { return !find("problemBar")->isVisible(); });
+}
+
+TEST_F(MainRoad, TurnsTheOrderByAClickOnTheNames) {
+    start({makeFile("a2.txt"), makeFile("a10.txt"), makeFile("b.txt")});
+    QHeaderView& header = *find<PreviewTableView>("previewTableView")->horizontalHeader();
+    const auto isOrder = [this](const std::vector<std::u16string>& names) {
+        for (std::size_t i = 0; i < names.size(); ++i)
+            if (model().rowCount() != 3 || model().rowAt(static_cast<int>(i)).name != names[i])
+                return false;
+        return true;
+    };
+    for (const char* action : {"Make uppercase", "Add number to end"}) {
+        SCOPED_TRACE(action);
+        chooseAction(action);
+        waitForPreview();
+        const QPoint place(header.sectionViewportPosition(PreviewTableModel::currentName) + 30,
+                           header.height() / 2);
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, place);
+        waitUntil("the order is turned", [&] { return isOrder({u"b.txt", u"a10.txt", u"a2.txt"}); });
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, place);
+        waitUntil("the order is natural", [&] { return isOrder({u"a2.txt", u"a10.txt", u"b.txt"}); });
+    }
 }
 
 TEST_F(MainRoad, BuildsAChainOfSteps) {

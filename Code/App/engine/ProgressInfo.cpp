@@ -91,8 +91,6 @@ void ProgressInfo::signalQuickSwitchToLongProcessingMode() {
 }
 
 bool ProgressInfo::wantsItemDescription() const {
-    if (debugLogIsOn())
-        return true;
     return itemDescriptionWanted.load(std::memory_order_relaxed) &&
            itemDescriptionWanted.exchange(false, std::memory_order_relaxed);
 }

@@ -147,6 +147,23 @@ void PreviewControl::setSortOrder(const BaseRenameAction& current) {
     }
 }
 
+void PreviewControl::sortByCurrentName() {
+    constexpr std::int32_t ascending = 10;
+    constexpr std::int32_t descending = 11;
+    if (auto* sortBased = dynamic_cast<SortBasedAction*>(&services.composite.getCurrentAction())) {
+        const bool isAscending = sortBased->getSortingMode() == ascending;
+        sortBased->setValue(isAscending ? descending : ascending, "sortingMode");
+        return;
+    }
+    if (!services.settings.automaticSorting())
+        return;
+    const bool isAscending =
+        list.sortDescriptors() == std::vector<SortDescriptor>{{NodeKey::smartName, true}};
+    list.setSortDescriptors({{NodeKey::smartName, !isAscending}});
+    list.fetch();
+    services.frontEnd.previewListChanged();
+}
+
 void PreviewControl::forgetPreviewedActionIfGone() {
     if (!lastActionThatWasPreviewed)
         return;

@@ -42,6 +42,10 @@ class PreviewControl {
     void refreshPreview();
     /// Writes the status line.
     void showStats();
+    /// Puts the list into the natural order of the current names, or the reverse of it where it is in that
+    /// order. An action that works in an order takes it as its own; else it holds until another action is
+    /// current. A list in manual order keeps that.
+    void sortByCurrentName();
 
     /// What the change of an observed value leads to. `object` is null for what is no parameter of an action.
     void observeValueForKeyPath(const std::string& keyPath, const BaseAction* object,

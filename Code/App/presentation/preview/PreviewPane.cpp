@@ -1,17 +1,13 @@
 #include "presentation/preview/PreviewPane.h"
 
-#include "actions/CompositeRenameAction.h"
-#include "actions/SortBasedAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "engine/ProgressInfo.h"
 #include "platform/UserDefaults.h"
 #include "presentation/DroppedFiles.h"
 #include "presentation/FileBrowser.h"
-#include "presentation/GlyphIcon.h"
 #include "presentation/MainWindow.h"
 #include "presentation/QtText.h"
-#include "presentation/ToggleButton.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/preview/DropletBanner.h"
 #include "presentation/preview/EmptyListPage.h"
 #include "presentation/preview/FindBar.h"
 #include "presentation/preview/ListBar.h"
@@ -20,6 +16,7 @@
 #include "presentation/preview/PreviewTableView.h"
 #include "presentation/preview/ProblemBar.h"
 #include "presentation/preview/ProblemScan.h"
+#include "presentation/preview/StatusRow.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
@@ -28,16 +25,12 @@
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLabel>
 #include <QMenu>
 #include <QMimeData>
-#include <QProgressBar>
 #include <QScrollBar>
 #include <QStackedWidget>
 #include <QTimer>
-#include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
@@ -61,14 +54,13 @@ struct PreviewPane::Parts {
           thumbnails([this](RowId id) { model.thumbnailChanged(id); }), model(shared, thumbnails, &pane),
           view(new PreviewTableView(model, shared.controller.dndArrayController())),
           longWork(shared.controller.runLoop()),
-          scan(shared, [this](PreviewTableModel::Problems found) { problemsFound(std::move(found)); }) {}
+          scan(shared, [this](ProblemScan::Findings found) { foreseen(std::move(found)); }) {}
 
     void buildTable();
-    QWidget* buildStatusRow();
     void listenToSettings();
     void applyRowHeight();
     void sortByColumn(int column);
-    void problemsFound(PreviewTableModel::Problems found);
+    void foreseen(ProblemScan::Findings found);
     void removeSelected();
     [[nodiscard]] std::optional<PreviewList::Row> currentRow() const;
     void showListIfDue();
@@ -89,12 +81,7 @@ struct PreviewPane::Parts {
     ListBar* listBar = nullptr;
     FindBar* findBar = nullptr;
     ProblemBar* problemBar = nullptr;
-    QStackedWidget* statusPages = nullptr;
-    QProgressBar* progressBar = nullptr;
-    QLabel* progressText = nullptr;
-    QLabel* statusText = nullptr;
-    QToolButton* autoButton = nullptr;
-    QToolButton* manualButton = nullptr;
+    StatusRow* statusRow = nullptr;
     QTimer scrollRest;
     bool isListDue = false; ///< the rows have been put in another order, which does not show yet
     std::vector<std::unique_ptr<ParameterBinding>> bindings;
@@ -157,62 +144,8 @@ void PreviewPane::Parts::buildTable() {
     });
 }
 
-QWidget* PreviewPane::Parts::buildStatusRow() {
-    auto* row = new QWidget;
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(12, 6, 12, 6);
-    statusPages = new QStackedWidget;
-    statusPages->setObjectName("previewAndProgressBarTabView");
-    statusPages->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    auto* progressPage = new QWidget;
-    auto* progressLayout = new QHBoxLayout(progressPage);
-    progressLayout->setContentsMargins(0, 0, 0, 0);
-    progressBar = new QProgressBar;
-    progressBar->setObjectName("previewProgressBar");
-    progressBar->setAccessibleName("Progress of the preview");
-    progressBar->setTextVisible(false);
-    progressBar->setMaximumWidth(200);
-    progressText = new QLabel;
-    progressText->setObjectName("previewProgressText");
-    progressText->setTextFormat(Qt::PlainText);
-    progressText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    progressLayout->addWidget(progressBar);
-    progressLayout->addWidget(progressText, 1);
-    statusPages->addWidget(progressPage);
-    statusText = new QLabel;
-    statusText->setObjectName("statusText");
-    statusText->setTextFormat(Qt::PlainText);
-    statusPages->addWidget(statusText);
-    layout->addWidget(statusPages, 1);
-    auto* orderLabel = new QLabel("Order:");
-    layout->addWidget(orderLabel);
-    const auto makeButton = [&](const char* name, const char* text, const char* tip, bool isAutomatic) {
-        auto* button = new ToggleButton(text, isAutomatic ? Glyph::automatic : Glyph::byHand);
-        button->setObjectName(name);
-        button->setText(text);
-        button->setToolTip(tip);
-        button->setCheckable(true);
-        button->setAutoExclusive(true);
-        layout->addWidget(button);
-        connect(button, &QToolButton::clicked, &owner, [this, isAutomatic] {
-            if (controller.globalSettings().automaticSorting() != isAutomatic)
-                controller.globalSettings().setAutomaticSorting(isAutomatic);
-        });
-        return button;
-    };
-    autoButton = makeButton("autoButton", "Auto", "The order that the action asks for", true);
-    manualButton = makeButton("manualButton", "Manual", "The order made by hand: drag the rows", false);
-    return row;
-}
-
 void PreviewPane::Parts::listenToSettings() {
     TVRNGlobalPreferencesPseudoAction& settings = controller.globalSettings();
-    bindings.push_back(
-        std::make_unique<ParameterBinding>(settings, "automaticSorting", [this](const auto& value) {
-            const bool isAutomatic = value && boolValue(*value);
-            autoButton->setChecked(isAutomatic);
-            manualButton->setChecked(!isAutomatic);
-        }));
     bindings.push_back(
         std::make_unique<ParameterBinding>(settings, "quickLookThumbnail", [this](const auto& value) {
             model.setShowsThumbnails(value && boolValue(*value));
@@ -257,9 +190,9 @@ PreviewPane::PreviewPane(WindowServices services, QWidget* parent)
     layout->addWidget(parts->findBar);
     layout->addWidget(parts->pages, 1);
     layout->addWidget(parts->problemBar);
-    layout->addWidget(parts->buildStatusRow());
+    parts->statusRow = new StatusRow(services.controller);
+    layout->addWidget(parts->statusRow);
     parts->pages->setCurrentIndex(1);
-    parts->statusPages->setCurrentIndex(static_cast<int>(PreviewTab::status));
     parts->listenToSettings();
 }
 
@@ -370,23 +303,20 @@ void PreviewPane::previewFinished() {
     sizeColumnsToFit();
 }
 
-void PreviewPane::refreshProgress() {
-    const ProgressInfo& progress = parts->controller.progressInfo();
-    parts->progressBar->setRange(0, progress.isIndeterminate() ? 0 : std::max(1, progress.numberOfItems()));
-    parts->progressBar->setValue(progress.currentItemNumber());
-    parts->progressText->setText(toQString(progress.stageText()) + ' ' + toQString(progress.itemText()));
-    parts->statusText->setText(toQString(progress.stageText()));
+void PreviewPane::refreshProgress() { parts->statusRow->refreshProgress(); }
+
+void PreviewPane::selectPreviewTab(PreviewTab tab) { parts->statusRow->selectPreviewTab(tab); }
+
+void PreviewPane::enterDropletEditMode() {
+    static_cast<QVBoxLayout*>(layout())->insertWidget(0, new DropletBanner);
+    if (auto* promise = findChild<QLabel*>("emptyListPromise"))
+        promise->setText("Files you add here only show the effect.");
 }
 
-void PreviewPane::selectPreviewTab(PreviewTab tab) {
-    parts->statusPages->setCurrentIndex(static_cast<int>(tab));
-}
-
-void PreviewPane::enterDropletEditMode() {}
-
-void PreviewPane::Parts::problemsFound(PreviewTableModel::Problems found) {
-    model.setProblems(std::move(found));
-    problemBar->showProblems(model);
+void PreviewPane::Parts::foreseen(ProblemScan::Findings found) {
+    const std::size_t problems = found.problems.size();
+    model.setProblems(std::move(found.problems));
+    problemBar->showCounts(problems, found.madeDistinct);
 }
 
 void PreviewPane::forgetPictures() { parts->thumbnails.clear(); }
@@ -491,16 +421,9 @@ void PreviewPane::pasteFiles() {
         parts->controller.addFilePaths(DroppedFiles::paths(*content), true);
 }
 
-/// For a step that numbers, the order on show is that of the numbers, so a click sets the step's own order.
 void PreviewPane::Parts::sortByColumn(int column) {
-    if (column != PreviewTableModel::currentName || !controller.validateUserInterfaceItem())
-        return;
-    auto* action = dynamic_cast<SortBasedAction*>(&controller.compositeAction().getCurrentAction());
-    if (!action)
-        return;
-    constexpr std::int32_t ascending = 10;
-    constexpr std::int32_t descending = 11;
-    action->setValue(action->getSortingMode() == ascending ? descending : ascending, "sortingMode");
+    if (column == PreviewTableModel::currentName && controller.validateUserInterfaceItem())
+        controller.previewControl().sortByCurrentName();
 }
 
 } // namespace tavrin

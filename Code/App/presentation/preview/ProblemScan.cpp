@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 namespace tavrin {
 
@@ -74,7 +75,7 @@ void ProblemScan::start() {
     if (rows.size() > mostRows)
         rows.clear();
     wishes.clear();
-    problems.clear();
+    findings = {};
     proceedWith(&ProblemScan::readSlice);
 }
 
@@ -98,8 +99,9 @@ void ProblemScan::readSlice() {
 }
 
 void ProblemScan::takeRow(const PreviewList::Row& row) {
+    findings.madeDistinct += row.madeDistinct;
     if (const char* reason = problemOfName(row.finalName)) {
-        problems[row.id] = QString::fromUtf8(reason);
+        findings.problems[row.id] = QString::fromUtf8(reason);
         return;
     }
     if (auto name = bytesOf(row.finalName))
@@ -136,7 +138,7 @@ void ProblemScan::compareOnThread() {
 void ProblemScan::compared(Comparison result) {
     const QString sameAsAnother = "same as another item";
     for (const RowId row : result.equal)
-        problems[row] = sameAsAnother;
+        findings.problems[row] = sameAsAnother;
     taken = std::move(result.taken);
     proceedWith(&ProblemScan::judgeSlice);
 }
@@ -148,13 +150,12 @@ void ProblemScan::judgeSlice() {
     const std::size_t end = std::min(taken.size(), next + rowsPerSlice);
     for (; next < end; ++next)
         if (list.rowWithPath(taken[next].path) == noRow)
-            problems.try_emplace(taken[next].row, takenByForeignFile);
+            findings.problems.try_emplace(taken[next].row, takenByForeignFile);
     if (next < taken.size())
         return;
     slices.stop();
     taken.clear();
-    found(std::move(problems));
-    problems.clear();
+    found(std::exchange(findings, {}));
 }
 
 } // namespace tavrin

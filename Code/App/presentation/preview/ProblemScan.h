@@ -21,7 +21,11 @@ namespace tavrin {
 /// of names alone. Nothing here ever waits for that thread but the destructor. Main thread.
 class ProblemScan final : public QObject {
   public:
-    using Found = std::function<void(PreviewTableModel::Problems)>;
+    struct Findings {
+        PreviewTableModel::Problems problems;
+        std::size_t madeDistinct = 0; ///< names that were changed so that no other item has them
+    };
+    using Found = std::function<void(Findings)>;
 
     ProblemScan(WindowServices services, Found whenFound);
     ~ProblemScan() override;
@@ -65,7 +69,7 @@ class ProblemScan final : public QObject {
     std::vector<RowId> rows;
     Folders wishes;
     std::vector<Taken> taken;
-    PreviewTableModel::Problems problems;
+    Findings findings;
     std::shared_ptr<std::atomic<bool>> isStopped; ///< of the scan under way
     QThreadPool thread;
 };

@@ -1,0 +1,100 @@
+#include "presentation/preview/StatusRow.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/ProgressInfo.h"
+#include "presentation/GlyphIcon.h"
+#include "presentation/QtText.h"
+#include "presentation/ToggleButton.h"
+#include "presentation/settings/ParameterBinding.h"
+#include "shell/FrontEnd.h"
+#include "shell/MainController.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QStackedWidget>
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+QLabel* plainLabel(const char* name) {
+    auto* label = new QLabel;
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+} // namespace
+
+StatusRow::StatusRow(MainController& owner)
+    : controller(owner), pages(new QStackedWidget), progressBar(new QProgressBar),
+      progressText(plainLabel("previewProgressText")), statusText(plainLabel("statusText")) {
+    setObjectName("statusRow");
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(12, 6, 12, 6);
+    pages->setObjectName("previewAndProgressBarTabView");
+    pages->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    pages->addWidget(makeProgressPage());
+    pages->addWidget(statusText);
+    row->addWidget(pages, 1);
+    addOrderButtons();
+    selectPreviewTab(PreviewTab::status);
+}
+
+StatusRow::~StatusRow() = default;
+
+QWidget* StatusRow::makeProgressPage() {
+    auto* page = new QWidget;
+    auto* row = new QHBoxLayout(page);
+    row->setContentsMargins(0, 0, 0, 0);
+    progressBar->setObjectName("previewProgressBar");
+    progressBar->setAccessibleName("Progress of the preview");
+    progressBar->setTextVisible(false);
+    progressBar->setMaximumWidth(200);
+    progressText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    row->addWidget(progressBar);
+    row->addWidget(progressText, 1);
+    return page;
+}
+
+void StatusRow::addOrderButtons() {
+    layout()->addWidget(new QLabel("Order:"));
+    TVRNGlobalPreferencesPseudoAction& settings = controller.globalSettings();
+    const auto add = [&](const char* name, const char* label, Glyph glyph, const char* tip,
+                         bool isAutomatic) {
+        auto* button = new ToggleButton(label, glyph);
+        button->setObjectName(name);
+        button->setText(label);
+        button->setToolTip(tip);
+        button->setCheckable(true);
+        button->setAutoExclusive(true);
+        layout()->addWidget(button);
+        connect(button, &QToolButton::clicked, this, [&settings, isAutomatic] {
+            if (settings.automaticSorting() != isAutomatic)
+                settings.setAutomaticSorting(isAutomatic);
+        });
+        return button;
+    };
+    auto* automatic = add("autoButton", "Auto", Glyph::automatic, "The order that the action asks for", true);
+    auto* manual =
+        add("manualButton", "Manual", Glyph::byHand, "The order made by hand: drag the rows", false);
+    binding = std::make_unique<ParameterBinding>(settings, "automaticSorting", [=](const auto& value) {
+        const bool isAutomatic = value && boolValue(*value);
+        automatic->setChecked(isAutomatic);
+        manual->setChecked(!isAutomatic);
+    });
+}
+
+void StatusRow::refreshProgress() {
+    const ProgressInfo& progress = controller.progressInfo();
+    progressBar->setRange(0, progress.isIndeterminate() ? 0 : std::max(1, progress.numberOfItems()));
+    progressBar->setValue(progress.currentItemNumber());
+    progressText->setText(toQString(progress.stageText()) + ' ' + toQString(progress.itemText()));
+    statusText->setText(toQString(progress.stageText()));
+}
+
+void StatusRow::selectPreviewTab(PreviewTab tab) { pages->setCurrentIndex(static_cast<int>(tab)); }
+
+} // namespace tavrin
