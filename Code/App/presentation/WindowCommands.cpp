@@ -17,6 +17,8 @@
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
 #include "shell/MainController.h"
+#include "support/ListTransformers.h"
+#include "support/MultiStepDrawerTransformer.h"
 
 #include <QAction>
 #include <QApplication>
@@ -187,8 +189,8 @@ void WindowCommands::Parts::addStepsMenu() {
 
 void WindowCommands::Parts::addViewMenu() {
     QMenu* menu = addMenu("&View");
-    add(menu, "showMultistepDrawer", "Show Multi-Step Drawer", QKeySequence("F9"),
-        [this] { controller.showMultistepDrawer(); });
+    add(menu, "showMultistepDrawer", MultiStepDrawerTransformer::transformedValue(std::nullopt),
+        QKeySequence("F9"), [this] { controller.showMultistepDrawer(); });
     menu->addSeparator();
     addSetting(menu, "showCurrentName", "&Current Name");
     addSetting(menu, "showPath", "F&older");
@@ -303,7 +305,7 @@ void WindowCommands::fillPresetMenu(const std::vector<std::u16string>& titles) {
         QObject::connect(action, &QAction::triggered, &parts->window,
                          [this, i] { parts->controller.applyPreset(i); });
     }
-    if (titles.empty())
+    if (ArrayIsEmptyTransformer::transformedValue(titles.size()))
         insert("No presets yet")->setEnabled(false);
 }
 
@@ -329,10 +331,10 @@ void WindowCommands::refresh() {
         enable(name, controller.isRenameButtonEnabled());
     const bool isDrawerShown = controller.globalSettings().shouldShowMultistepDrawer() != 0;
     parts->actions.at("showMultistepDrawer")
-        ->setText(isDrawerShown ? "Hide Multi-Step Drawer" : "Show Multi-Step Drawer");
+        ->setText(MultiStepDrawerTransformer::transformedValue(isDrawerShown));
     enable("showMultistepDrawer", !isDrawerShown || composite.canClose());
-    enable("removeAction", composite.count() > 1);
-    enable("clearActions", composite.count() > 1);
+    for (const char* name : {"removeAction", "clearActions"})
+        enable(name, MoreThanOneObjectInTableTransformer::transformedValue(composite.count()));
     parts->actions.at("stepActive")->setChecked(composite.getCurrentAction().getParamInt("active", 0) == 1);
     for (const std::string& key : parts->settings)
         parts->actions.at(key)->setChecked(isOn(controller.globalSettings(), key.c_str()));

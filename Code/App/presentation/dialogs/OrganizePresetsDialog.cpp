@@ -6,6 +6,7 @@
 #include "presentation/QtText.h"
 #include "presentation/dialogs/PresetDialog.h"
 #include "shell/MainController.h"
+#include "support/ListTransformers.h"
 #include "support/Text.h"
 
 #include <fmt/format.h>
@@ -104,7 +105,8 @@ class OrganizeWindow final : public QDialog {
     }
 
     void enableButtons() {
-        const bool hasSelection = !list->selectedItems().isEmpty();
+        const auto count = static_cast<std::size_t>(list->selectedItems().size());
+        const bool hasSelection = ArrayIsNotEmptyTransformer::transformedValue(count);
         editButton->setEnabled(hasSelection);
         deleteButton->setEnabled(hasSelection);
     }

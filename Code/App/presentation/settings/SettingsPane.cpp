@@ -9,8 +9,10 @@
 #include "presentation/settings/FragmentSelector.h"
 #include "presentation/settings/ParameterPanel.h"
 #include "presentation/settings/SectionHead.h"
+#include "presentation/settings/StackedView.h"
 #include "presentation/tags/TagLibraryView.h"
 #include "shell/MainController.h"
+#include "support/ListTransformers.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -21,6 +23,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <initializer_list>
 #include <string>
 #include <utility>
 
@@ -29,6 +32,7 @@ namespace tavrin {
 namespace {
 
 constexpr int margin = 16;
+constexpr int gap = 8;
 constexpr int leastWidth = 300;
 
 QToolButton* makeButton(const char* name, Glyph glyph, const char* tip) {
@@ -39,6 +43,17 @@ QToolButton* makeButton(const char* name, Glyph glyph, const char* tip) {
     button->setAccessibleName(tip);
     button->setAutoRaise(true);
     return button;
+}
+
+/// Widgets that stay together in the column.
+QWidget* makeSection(std::initializer_list<QWidget*> widgets) {
+    auto* section = new QWidget;
+    auto* layout = new QVBoxLayout(section);
+    layout->setContentsMargins(margin, 0, margin, gap);
+    layout->setSpacing(gap);
+    for (QWidget* widget : widgets)
+        layout->addWidget(widget);
+    return section;
 }
 
 FragmentSelector::Size selectorSizeFor(const BaseRenameAction& action) {
@@ -98,24 +113,17 @@ QWidget* SettingsPane::Parts::makeHeadRow() {
 }
 
 QWidget* SettingsPane::Parts::makeColumn(BaseRenameAction& action) {
-    auto* content = new QWidget;
-    auto* layout = new QVBoxLayout(content);
-    layout->setContentsMargins(margin, 0, margin, 8);
-    layout->setSpacing(8);
+    auto* stack = new StackedView;
     panel = new ParameterPanel(action, services);
-    layout->addWidget(panel);
+    stack->addViewAtBottom(makeSection({panel}));
     if (action.usesTagLibrary()) {
-        auto* library = new TagLibraryView(services);
-        library->setMinimumHeight(static_cast<int>(action.preferredTagLibraryDisplayHeight()));
-        layout->addWidget(library, 1);
+        const auto height = static_cast<int>(action.preferredTagLibraryDisplayHeight());
+        stack->addFlexiView(makeSection({new TagLibraryView(services)}), height + gap);
     }
-    if (action.isFragmentSelectionSupported()) {
-        layout->addWidget(makeSectionHead("Apply to"));
-        layout->addWidget(new FragmentSelector(action, selectorSizeFor(action)));
-    }
-    if (!action.usesTagLibrary())
-        layout->addStretch(1);
-    return content;
+    if (action.isFragmentSelectionSupported())
+        stack->addViewAtBottom(makeSection(
+            {makeSectionHead("Apply to"), new FragmentSelector(action, selectorSizeFor(action))}));
+    return stack;
 }
 
 /// What is made anew comes in the order of the Tab key where its place is, not behind the rest of the window.
@@ -201,7 +209,7 @@ void SettingsPane::showEvent(QShowEvent* event) {
 
 void SettingsPane::stepsChanged() {
     const CompositeRenameAction& composite = parts->services.controller.compositeAction();
-    const bool isOnly = composite.count() == 1;
+    const bool isOnly = ExactlyOneItemTransformer::transformedValue(composite.count());
     parts->stepLabel->setText(isOnly ? QString("What to do")
                                      : QString("Step %1 of %2")
                                            .arg(composite.getCurrentActionIndexAsInt() + 1)

@@ -7,6 +7,7 @@
 #include "presentation/steps/StepDelegate.h"
 #include "presentation/steps/StepsModel.h"
 #include "shell/MainController.h"
+#include "support/ListTransformers.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -163,9 +164,9 @@ void StepsPane::stepsChanged() {
     }
     parts->view->setCurrentIndex(parts->model->index(current));
     parts->view->viewport()->update();
-    parts->remove->setEnabled(composite.count() > 1);
-    parts->up->setEnabled(composite.count() > 1);
-    parts->down->setEnabled(composite.count() > 1);
+    const bool hasSeveral = MoreThanOneObjectInTableTransformer::transformedValue(composite.count());
+    for (auto* button : {parts->remove, parts->up, parts->down})
+        button->setEnabled(hasSeveral);
 }
 
 } // namespace tavrin
