@@ -9,8 +9,16 @@ use strict;
 use warnings;
 
 # The library's file of user settings is code; it is never run.
-BEGIN { $Image::ExifTool::configFile = ''; }
-use Image::ExifTool;
+BEGIN {
+    no warnings 'once';
+    $Image::ExifTool::configFile = '';
+}
+
+# Without the library no file has tags; that is told once, not for each file.
+my $has_library = eval { require Image::ExifTool; 1 };
+print STDERR $@ =~ m{^Can't locate Image/ExifTool\.pm}
+    ? "Tags of files can't be read: Image::ExifTool is missing (Debian's package libimage-exiftool-perl).\n"
+    : $@ if !$has_library;
 
 use constant {
     SECONDS_PER_FILE => 30,
@@ -230,7 +238,7 @@ sub lines {
 
 sub answer {
     my ($tool, $path) = @_;
-    return '' if $path !~ m{^/} || !(-f $path || -d _);
+    return '' if !$has_library || $path !~ m{^/} || !(-f $path || -d _);
     my $info = $tool->ImageInfo($path);
     complete($tool, $info, $path);
     my (@repeated, @single, @wanted);
@@ -254,6 +262,7 @@ sub answer {
 }
 
 sub new_tool {
+    return if !$has_library;
     my $tool = Image::ExifTool->new;
     $tool->Options(Duplicates => 1, LargeFileSupport => 1);
     return $tool;
