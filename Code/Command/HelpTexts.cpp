@@ -29,7 +29,7 @@ Examples:
 const char* const preview = R"(tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
 Shows what a rename would do, and touches nothing.
 RECIPE, one of
-  --recipe FILE        a property list: preset, steps or droplet settings
+  --recipe FILE        a preset, a list of steps, or a droplet
   --preset NAME        a saved preset, see "tvrn presets"
   --action NAME        a step, see "tvrn actions"; repeat it for more steps
     --set KEY=VALUE    a parameter of the step before it; repeatable
@@ -51,7 +51,7 @@ Examples:
 const char* const rename = R"(tvrn rename [RECIPE] [SETTINGS] [--interactive] [--quiet] PATH...
 Renames the items, and says how many names it changed.
 RECIPE, one of
-  --recipe FILE        a property list: preset, steps or droplet settings
+  --recipe FILE        a preset, a list of steps, or a droplet
   --preset NAME        a saved preset, see "tvrn presets"
   --action NAME        a step, see "tvrn actions"; repeat it for more steps
     --set KEY=VALUE    a parameter of the step before it; repeatable

@@ -4,6 +4,8 @@
 #include "SavedPresets.h"
 #include "actions/ActionError.h"
 #include "actions/ActionList.h"
+#include "documents/DropletBundle.h"
+#include "documents/DropletLauncher.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "support/Text.h"
 
@@ -71,8 +73,21 @@ Recipe recipeFromSteps(const std::vector<RecipeStep>& steps) {
     return {{{"currentActionIndex", 0}, {"composite actions array", std::move(flatSteps)}}, std::nullopt};
 }
 
+/// A file, a droplet's bundle, or the launcher of one.
+RecipeFile::Result readRecipe(const std::string& path) {
+    const DropletBundle droplet(path);
+    if (droplet.isFolder())
+        return droplet.readRecipe();
+    if (!DropletLauncher::isLauncher(path))
+        return RecipeFile::read(path);
+    const std::optional<DropletBundle> launched = DropletLauncher::bundleOf(path);
+    if (!launched)
+        return RecipeError{"the droplet of this launcher is gone"};
+    return launched->readRecipe();
+}
+
 Recipe recipeFromFile(const std::string& path) {
-    RecipeFile::Result result = RecipeFile::read(path);
+    RecipeFile::Result result = readRecipe(path);
     if (const auto* error = std::get_if<RecipeError>(&result))
         throw UsageError(fmt::format("{}: {}", path, error->message));
     return std::move(std::get<Recipe>(result));

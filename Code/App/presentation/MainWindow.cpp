@@ -16,6 +16,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFrame>
@@ -180,6 +181,11 @@ void MainWindow::enterDropletEditMode() {
     refreshRenameButton();
 }
 
+bool MainWindow::isAsking() const {
+    const QList<QDialog*> dialogs = findChildren<QDialog*>();
+    return std::ranges::any_of(dialogs, [](const QDialog* dialog) { return dialog->isVisible(); });
+}
+
 void MainWindow::showProgressAlone(bool isRunning) {
     if (!progressWindow) {
         // No button to close it: the run has one to stop it.
@@ -191,8 +197,14 @@ void MainWindow::showProgressAlone(bool isRunning) {
         layout->addWidget(progress);
         progress->show();
         progressWindow->resize(520, 300);
-        connect(&progressDelay, &QTimer::timeout, progressWindow, &QWidget::show);
-        progressDelay.setSingleShot(true);
+        progressWindow->setAttribute(Qt::WA_ShowWithoutActivating);
+        connect(&progressDelay, &QTimer::timeout, this, [this] {
+            // A question must not be covered.
+            if (isAsking())
+                return;
+            progressDelay.stop();
+            progressWindow->show();
+        });
     }
     if (isRunning) {
         progressDelay.start(patienceWithoutProgress);

@@ -69,6 +69,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     [[nodiscard]] QWidget* buildWorkPage();
     [[nodiscard]] QWidget* buildBottomRow();
     void arrangeForWidth();
+    /// Whether a dialog of this window is open.
+    [[nodiscard]] bool isAsking() const;
     void dividerMoved();
 
     WindowServices shared;

@@ -45,8 +45,6 @@ TavrinApplication::TavrinApplication(Options options)
         logTimer.start(longestInLog);
     }
     UserDefaults::setSharedInstance(&defaults);
-    if (options.droplet)
-        defaults.setProcessObject(DropletRequest::recordKey, *options.droplet);
     ActionList::setSharedActionList(&actionList);
     actionList.setRunLoop(&loop);
     mainController = std::make_unique<MainController>(
@@ -79,6 +77,10 @@ void TavrinApplication::saveState() { mainController->applicationShouldTerminate
 void TavrinApplication::endNow() {
     saveState();
     frontEnd.terminateAtOnce();
+}
+
+void TavrinApplication::setDroplet(PropertyDictionary record) {
+    defaults.setProcessObject(DropletRequest::recordKey, std::move(record));
 }
 
 void TavrinApplication::start(const std::vector<std::string>& paths) {

@@ -8,7 +8,6 @@
 
 #include <QTimer>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,8 +26,6 @@ class TavrinApplication {
         std::string defaultsPath = UserDefaults::defaultPath();
         /// Where presets and the store lie; empty takes the user's folder.
         std::string dataFolder;
-        /// The record of the droplet that this process runs or edits.
-        std::optional<PropertyDictionary> droplet = std::nullopt;
     };
 
     /// Throws std::runtime_error where the menus cannot be read.
@@ -37,6 +34,8 @@ class TavrinApplication {
     TavrinApplication(const TavrinApplication&) = delete;
     TavrinApplication& operator=(const TavrinApplication&) = delete;
 
+    /// Makes the start that of a droplet with this record, in this process alone. Before start().
+    void setDroplet(PropertyDictionary record);
     /// Brings the window up and adds these paths (absolute, in bytes).
     void start(const std::vector<std::string>& paths);
     /// Adds paths that came later, and brings the window to the front. During a run they wait for its end.

@@ -3,6 +3,7 @@
 #include "presentation/start/FileAddress.h"
 #include "presentation/start/WindowArguments.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace tavrin {
@@ -32,9 +33,14 @@ std::optional<DropletRequest> DropletArguments::of(int count, char** arguments) 
         word += 2;
         isDroplet = true;
     }
-    if (word != words.end() && word->starts_with(launcherOption)) {
-        request.launcherPath = absolute(word->substr(launcherOption.size()));
-        ++word;
+    // Some file managers take the quotes of a launcher in their own way and tear the path of the bundle
+    // apart. Its pieces come before the launcher; the files, all of them absolute, behind it.
+    const auto launcher = std::find_if(word, std::find(word, words.end(), "--"), [](const std::string& each) {
+        return each.starts_with(launcherOption);
+    });
+    if (launcher != words.end() && *launcher != "--" && (isDroplet || launcher == words.begin())) {
+        request.launcherPath = absolute(launcher->substr(launcherOption.size()));
+        word = launcher + 1;
         isDroplet = true;
     }
     if (!isDroplet)

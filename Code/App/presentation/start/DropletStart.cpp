@@ -38,10 +38,8 @@ int show(const std::string& error) {
     return QApplication::exec();
 }
 
-int show(DropletRequest::Start start) {
-    TavrinApplication::Options options;
-    options.droplet = std::move(start.record);
-    TavrinApplication tavrin(options);
+int show(TavrinApplication& tavrin, DropletRequest::Start start) {
+    tavrin.setDroplet(std::move(start.record));
     if (!start.missingFiles.empty()) {
         const std::string message =
             "Some of the dropped files are not there. " + DropletRequest::missingText(start.missingFiles);
@@ -65,10 +63,12 @@ int DropletStart::run(const DropletRequest& request, char* programName) {
     const QApplication application(count, arguments);
     ApplicationSetup::names();
     ApplicationSetup::looks();
+    // Recipes are checked against its catalogue.
+    TavrinApplication tavrin({});
     std::variant<DropletRequest::Start, RecipeError> start = request.start();
     if (const auto* error = std::get_if<RecipeError>(&start))
         return show(error->message);
-    return show(std::get<DropletRequest::Start>(std::move(start)));
+    return show(tavrin, std::get<DropletRequest::Start>(std::move(start)));
 }
 
 } // namespace tavrin
