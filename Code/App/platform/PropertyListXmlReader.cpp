@@ -1,12 +1,11 @@
 #include "platform/PropertyListXmlReader.h"
 
 #include "platform/PropertyListScalars.h"
+#include "platform/XmlParser.h"
 #include "support/Text.h"
 
-#include <expat.h>
 #include <fmt/format.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -16,37 +15,12 @@ namespace tavrin::plist {
 
 namespace {
 
-constexpr std::size_t shownLength = 40; // of a wrong text in a message
-
-/// Takes expat's events and builds the value. The first fault stops the parser.
-class XmlReader {
+/// Builds the value.
+class XmlReader final : public XmlParser {
   public:
-    explicit XmlReader(XML_Parser xmlParser) : parser(xmlParser) {
-        XML_SetUserData(parser, this);
-        XML_SetElementHandler(
-            parser,
-            [](void* self, const char* name, const char** attributes) { of(self).start(name, attributes); },
-            [](void* self, const char* name) { of(self).end(name); });
-        XML_SetCharacterDataHandler(parser, [](void* self, const char* text, int length) {
-            of(self).characters({text, static_cast<std::size_t>(length)});
-        });
-        // A list needs no declarations; refusing them leaves no room for entities that grow.
-        XML_SetStartDoctypeDeclHandler(
-            parser, [](void* self, const char*, const char*, const char*, int hasInternalSubset) {
-                if (hasInternalSubset != 0)
-                    of(self).fail("declarations inside the document type are not allowed");
-            });
-        XML_SetSkippedEntityHandler(parser, [](void* self, const char* name, int) {
-            of(self).fail(fmt::format("unknown entity: {}", shown(name)));
-        });
-    }
-
     PropertyList::Result read(std::string_view bytes) {
-        const auto status = XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE);
-        if (!error.empty())
-            return PropertyListError{error};
-        if (status != XML_STATUS_OK)
-            return PropertyListError{atLine(XML_ErrorString(XML_GetErrorCode(parser)))};
+        if (std::string error = parse(bytes); !error.empty())
+            return PropertyListError{std::move(error)};
         if (!root)
             return PropertyListError{"the property list is empty"};
         return std::move(*root);
@@ -58,31 +32,13 @@ class XmlReader {
         std::optional<std::string> key; ///< of a dictionary: waits for its value
     };
 
-    static XmlReader& of(void* self) { return *static_cast<XmlReader*>(self); }
-
-    static std::string shown(std::string_view text) {
-        if (text.size() <= shownLength)
-            return std::string(text);
-        std::size_t cut = shownLength;
-        while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80)
-            --cut;
-        return std::string(text.substr(0, cut)) + "...";
+    /// A list needs no declarations; refusing them leaves no room for entities that grow.
+    void doctype(bool hasDeclarations) override {
+        if (hasDeclarations)
+            fail("declarations inside the document type are not allowed");
     }
 
-    std::string atLine(std::string_view message) const {
-        return fmt::format("line {}: {}", XML_GetCurrentLineNumber(parser), message);
-    }
-
-    void fail(std::string_view message) {
-        if (!error.empty())
-            return;
-        error = atLine(message);
-        XML_StopParser(parser, XML_FALSE);
-    }
-
-    void start(std::string_view name, const char** attributes) {
-        if (!error.empty())
-            return;
+    void start(std::string_view name, const char** attributes) override {
         if (!leaf.empty())
             return fail(fmt::format("<{}> inside <{}>", shown(name), leaf));
         if (!insidePlist)
@@ -129,20 +85,18 @@ class XmlReader {
         else if (!containers.empty() && containers.back().value.asDictionary() != nullptr &&
                  !containers.back().key)
             fail(fmt::format("<{}> without a key", name));
-        return error.empty();
+        return !hasFailed();
     }
 
-    void characters(std::string_view text) {
-        if (!error.empty())
-            return;
+    void characters(std::string_view text) override {
         if (!leaf.empty())
             content += text;
         else if (text.find_first_not_of(" \t\r\n") != std::string_view::npos)
             fail(fmt::format("unexpected text: {}", shown(text)));
     }
 
-    void end(std::string_view name) {
-        if (!error.empty() || name == "plist")
+    void end(std::string_view name) override {
+        if (name == "plist")
             return;
         if (!leaf.empty())
             return endLeaf();
@@ -203,22 +157,16 @@ class XmlReader {
         container.key.reset();
     }
 
-    XML_Parser parser;
     std::vector<Container> containers;
     std::string leaf; ///< the open element without children; empty when there is none
     std::string content;
     std::optional<PropertyValue> root;
-    std::string error;
     std::size_t valueCount = 0;
     bool insidePlist = false;
 };
 
 } // namespace
 
-PropertyList::Result readXml(std::string_view bytes) {
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
-                                                                              XML_ParserFree);
-    return XmlReader(parser.get()).read(bytes);
-}
+PropertyList::Result readXml(std::string_view bytes) { return XmlReader().read(bytes); }
 
 } // namespace tavrin::plist

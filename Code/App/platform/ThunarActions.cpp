@@ -1,9 +1,10 @@
 #include "platform/ThunarActions.h"
 
+#include "platform/XmlParser.h"
+
 #include <expat.h>
 #include <fmt/format.h>
 
-#include <memory>
 #include <strings.h>
 #include <vector>
 
@@ -18,23 +19,16 @@ struct Range {
 
 constexpr const char* notUtf8 = "it is not in UTF-8";
 
-/// Finds the actions of a list by expat's byte positions. The first fault stops the parser.
-class Finder {
+/// Finds the actions of a list by the positions of their bytes.
+class Finder final : public XmlParser {
   public:
-    Finder(XML_Parser xmlParser, std::string_view list) : parser(xmlParser), bytes(list) {
-        XML_SetUserData(parser, this);
-        XML_SetElementHandler(
-            parser, [](void* self, const char* name, const char**) { of(self).start(name); },
-            [](void* self, const char*) { of(self).end(); });
-        XML_SetCharacterDataHandler(parser, [](void* self, const char* text, int length) {
-            of(self).content.append(text, static_cast<std::size_t>(length));
-        });
+    explicit Finder(std::string_view list) : bytes(list) {
         // Positions inside entities would not be positions in the file, and entities can grow.
-        XML_SetEntityDeclHandler(parser,
+        XML_SetEntityDeclHandler(expat(),
                                  [](void* self, const char*, int, const char*, int, const char*, const char*,
                                     const char*, const char*) { of(self).fail("it declares entities"); });
         // What is put in is UTF-8.
-        XML_SetXmlDeclHandler(parser, [](void* self, const char*, const char* encoding, int) {
+        XML_SetXmlDeclHandler(expat(), [](void* self, const char*, const char* encoding, int) {
             if (encoding && ::strcasecmp(encoding, "UTF-8") != 0)
                 of(self).fail(notUtf8);
         });
@@ -44,10 +38,7 @@ class Finder {
     std::string find() {
         if (bytes.find('\0') != std::string_view::npos)
             return notUtf8; // it may be without a declaration
-        if (XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE) != XML_STATUS_OK &&
-            error.empty())
-            fail(XML_ErrorString(XML_GetErrorCode(parser)));
-        return error;
+        return parse(bytes);
     }
 
     std::vector<Range> own; ///< our actions, each with the line feed behind it
@@ -55,22 +46,17 @@ class Finder {
     Range rootEnd;          ///< the end tag, or the whole element where it is bare
 
   private:
-    static Finder& of(void* self) { return *static_cast<Finder*>(self); }
+    static Finder& of(void* self) { return static_cast<Finder&>(*static_cast<XmlParser*>(self)); }
 
-    void fail(std::string_view what) {
-        if (!error.empty())
-            return;
-        error = fmt::format("line {}: {}", XML_GetCurrentLineNumber(parser), what);
-        XML_StopParser(parser, XML_FALSE);
-    }
+    void doctype(bool) override {}
 
-    /// Of the tag that expat is at.
+    /// Of the tag in hand.
     Range tag() const {
-        const auto begin = static_cast<std::size_t>(XML_GetCurrentByteIndex(parser));
-        return {begin, begin + static_cast<std::size_t>(XML_GetCurrentByteCount(parser))};
+        const auto begin = static_cast<std::size_t>(XML_GetCurrentByteIndex(expat()));
+        return {begin, begin + static_cast<std::size_t>(XML_GetCurrentByteCount(expat()))};
     }
 
-    void start(std::string_view name) {
+    void start(std::string_view name, const char**) override {
         ++depth;
         content.clear();
         if (depth == 1) {
@@ -85,7 +71,9 @@ class Finder {
         }
     }
 
-    void end() {
+    void characters(std::string_view text) override { content += text; }
+
+    void end(std::string_view) override {
         if (depth == 1)
             endRoot();
         else if (depth == 2)
@@ -120,9 +108,7 @@ class Finder {
         std::string command;
     };
 
-    XML_Parser parser;
     std::string_view bytes;
-    std::string error;
     std::string content;
     Action action;
     std::size_t depth = 0;
@@ -154,9 +140,7 @@ std::string element(std::string_view command) {
 } // namespace
 
 std::variant<ThunarActions::Error, ThunarActions> ThunarActions::read(std::string_view list) {
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate(nullptr),
-                                                                              XML_ParserFree);
-    Finder finder(parser.get(), list);
+    Finder finder(list);
     if (const std::string error = finder.find(); !error.empty())
         return Error{error};
     ThunarActions result;

@@ -1,10 +1,8 @@
 #include "platform/UpdateFeedReader.h"
 
-#include <expat.h>
-#include <fmt/format.h>
+#include "platform/XmlParser.h"
 
 #include <array>
-#include <memory>
 #include <optional>
 #include <utility>
 
@@ -50,49 +48,19 @@ void trim(std::string& text) {
     text.erase(0, text.find_first_not_of(blanks));
 }
 
-/// Takes expat's events and gathers the items. The first fault stops the parser.
-class FeedReader {
+/// Gathers the items.
+class FeedReader final : public XmlParser {
   public:
-    explicit FeedReader(XML_Parser xmlParser) : parser(xmlParser) {
-        XML_SetUserData(parser, this);
-        XML_SetElementHandler(
-            parser,
-            [](void* self, const char* name, const char** attributes) { of(self).start(name, attributes); },
-            [](void* self, const char*) { of(self).end(); });
-        XML_SetCharacterDataHandler(parser, [](void* self, const char* text, int length) {
-            of(self).characters({text, static_cast<std::size_t>(length)});
-        });
-        XML_SetStartDoctypeDeclHandler(parser, [](void* self, const char*, const char*, const char*, int) {
-            of(self).fail("a document type is not allowed");
-        });
-    }
+    FeedReader() : XmlParser(namespaceEnd) {}
 
     UpdateFeedReader::Result read(std::string_view bytes) {
-        const auto status = XML_Parse(parser, bytes.data(), static_cast<int>(bytes.size()), XML_TRUE);
-        if (error.empty() && status != XML_STATUS_OK)
-            error = atLine(XML_ErrorString(XML_GetErrorCode(parser)));
-        if (!error.empty())
-            return UpdateFeedError{error};
+        if (std::string error = parse(bytes); !error.empty())
+            return UpdateFeedError{std::move(error)};
         return std::move(items);
     }
 
   private:
-    static FeedReader& of(void* self) { return *static_cast<FeedReader*>(self); }
-
-    std::string atLine(std::string_view message) const {
-        return fmt::format("line {}: {}", XML_GetCurrentLineNumber(parser), message);
-    }
-
-    void fail(std::string_view message) {
-        if (!error.empty())
-            return;
-        error = atLine(message);
-        XML_StopParser(parser, XML_FALSE);
-    }
-
-    void start(std::string_view qualifiedName, const char** attributes) {
-        if (!error.empty())
-            return;
+    void start(std::string_view qualifiedName, const char** attributes) override {
         const QualifiedName element = parsed(qualifiedName);
         if (depth == 0 && (element.isOfFeed || element.name != "rss"))
             return fail("this is no feed of updates");
@@ -131,17 +99,15 @@ class FeedReader {
         }
     }
 
-    void characters(std::string_view text) {
-        if (!error.empty() || !field || depth != itemDepth + 1)
+    void characters(std::string_view text) override {
+        if (!field || depth != itemDepth + 1)
             return;
         *field += text;
         if (field->size() > textLimit)
             fail("a text is too long");
     }
 
-    void end() {
-        if (!error.empty())
-            return;
+    void end(std::string_view) override {
         if (field && depth == itemDepth + 1)
             trim(*std::exchange(field, nullptr));
         if (depth == itemDepth)
@@ -149,12 +115,10 @@ class FeedReader {
         --depth;
     }
 
-    XML_Parser parser;
     std::vector<UpdateFeedItem> items;
     std::string* field = nullptr; ///< of the last item: takes the text of the open element
     std::size_t depth = 0;
     std::size_t itemDepth = 0; ///< of the open item; 0 outside
-    std::string error;
 };
 
 } // namespace
@@ -162,9 +126,7 @@ class FeedReader {
 UpdateFeedReader::Result UpdateFeedReader::read(std::string_view bytes) {
     if (bytes.size() > sizeLimit)
         return UpdateFeedError{"larger than 4 MiB"};
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
-        XML_ParserCreateNS(nullptr, namespaceEnd), XML_ParserFree);
-    return FeedReader(parser.get()).read(bytes);
+    return FeedReader().read(bytes);
 }
 
 } // namespace tavrin
