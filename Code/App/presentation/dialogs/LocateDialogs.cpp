@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QLayout>
+#include <QStyle>
 #include <algorithm>
 
 namespace tavrin {
@@ -25,11 +26,19 @@ std::vector<std::string> pathsOf(const QStringList& names) {
 /// Takes bundle folders as if they were files. The dialogs of the desktop can't choose both at once.
 class DropletsDialog final : public QFileDialog {
   public:
-    DropletsDialog(QWidget* parent, const QString& title) : QFileDialog(parent, title) {
+    DropletsDialog(QWidget* parent, const LocatePanel& panel) : QFileDialog(parent, toQString(panel.title)) {
         setOption(DontUseNativeDialog);
         setFileMode(ExistingFiles);
         setNameFilters({"Droplets (*.desktop *.app)", "All files (*)"});
         setDirectory(QDir::homePath());
+        // With a folder as the current entry the button says that it opens that.
+        connect(
+            this, &QFileDialog::currentChanged, this,
+            [this, prompt = toQString(panel.prompt)](const QString& path) {
+                if (path.endsWith(".app"))
+                    setLabelText(Accept, prompt);
+            },
+            Qt::QueuedConnection);
     }
 
     void accept() override {
@@ -55,6 +64,8 @@ void prepare(QFileDialog& dialog, const LocatePanel& panel) {
     auto* message = new QLabel(toQString(panel.message), &dialog);
     message->setObjectName("locateMessage");
     message->setWordWrap(true);
+    const int margin = dialog.style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
+    message->setContentsMargins(margin, margin, margin, 0);
     if (QLayout* layout = dialog.layout())
         layout->setMenuBar(message);
 }
@@ -63,7 +74,7 @@ void prepare(QFileDialog& dialog, const LocatePanel& panel) {
 
 void LocateDialogs::askForDroplets(QWidget* parent, const LocatePanel& panel,
                                    std::function<void(std::optional<std::vector<std::string>>)> answer) {
-    auto* dialog = new DropletsDialog(parent, toQString(panel.title));
+    auto* dialog = new DropletsDialog(parent, panel);
     dialog->setObjectName("locateDropletsDialog");
     prepare(*dialog, panel);
     const AnswerOnce<std::optional<std::vector<std::string>>> once(std::move(answer));

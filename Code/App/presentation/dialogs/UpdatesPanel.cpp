@@ -49,7 +49,7 @@ UpdatesPanel::UpdatesPanel(const WindowServices& shared)
     auto* form = new QFormLayout;
     form->addRow("&Feed of updates:", address);
     form->addRow("", problem);
-    form->addRow("&Ask it:", interval);
+    form->addRow("C&heck:", interval);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);
