@@ -67,7 +67,7 @@ pid_t Workplace::spawn(const std::string& line, int input, int output, int error
                                             "LC_ALL=C.UTF-8",
                                             "TERM=dumb",
                                             "DATA=" + dataFolder(),
-                                            std::string("TEST_DATA=") + TAVRIN_TEST_DATA};
+                                            "TEST_DATA=" TAVRIN_TEST_DATA};
     for (const char* sanitizerOptions : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
         if (const char* value = std::getenv(sanitizerOptions))
             environment.push_back(std::string(sanitizerOptions) + "=" + value);
