@@ -3,6 +3,7 @@
 #include "platform/ChildProcess.h"
 #include "platform/FileSystem.h"
 #include "support/Text.h"
+#include "support/Utf8.h"
 
 #include <fmt/format.h>
 
@@ -21,17 +22,6 @@ constexpr std::string_view markKey = "X-Tavrin-Droplet=";
 constexpr std::size_t longestLauncher = 64 * 1024;
 constexpr std::chrono::seconds patience(2); // with each of the programs that set marks
 constexpr std::size_t checksumLength = 64;
-
-/// Desktop entries are UTF-8 from end to end.
-bool isUtf8(std::string_view bytes) {
-    bool isBehindHighSurrogate = false;
-    for (const char16_t unit : text::fromBytes(bytes)) {
-        if (unit >= 0xDC00 && unit <= 0xDFFF && !isBehindHighSurrogate)
-            return false;
-        isBehindHighSurrogate = unit >= 0xD800 && unit <= 0xDBFF;
-    }
-    return true;
-}
 
 std::string shownName(std::string_view bytes) {
     bool isBehindHighSurrogate = false;
@@ -158,8 +148,9 @@ DropletLauncher::DropletLauncher(DropletBundle droplet, std::string programPath)
     : bundle(std::move(droplet)), program(std::move(programPath)) {}
 
 std::string DropletLauncher::text() const {
-    const bool canNameBundle = isUtf8(bundle.path());
-    const bool canNameProgram = isUtf8(program);
+    // Desktop entries are UTF-8 from end to end.
+    const bool canNameBundle = text::isUtf8(bundle.path());
+    const bool canNameProgram = text::isUtf8(program);
     std::string command = quotedArgument(canNameProgram ? program : "tavrin");
     // Where the path can't be told, the place of the launcher has to do.
     if (canNameBundle)

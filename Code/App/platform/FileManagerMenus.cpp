@@ -6,6 +6,7 @@
 #include "platform/UserFolders.h"
 #include "support/DebugLog.h"
 #include "support/Text.h"
+#include "support/Utf8.h"
 
 #include <fmt/format.h>
 
@@ -46,16 +47,6 @@ std::vector<Bytes> foldersOf(const char* variable, const Bytes& otherwise) {
 bool isThere(const Bytes& path) {
     FileStatus status;
     return FileSystem::sharedInstance().followedStatus(path, status) == 0;
-}
-
-bool isUtf8(std::string_view bytes) {
-    bool isBehindHighSurrogate = false;
-    for (const char16_t unit : text::fromBytes(bytes)) {
-        if (unit >= 0xDC00 && unit <= 0xDFFF && !isBehindHighSurrogate)
-            return false;
-        isBehindHighSurrogate = unit >= 0xD800 && unit <= 0xDBFF;
-    }
-    return true;
 }
 
 /// Below the user's data folder or a shared one.
@@ -237,7 +228,7 @@ void FileManagerMenus::renew() const {
 
 std::optional<std::string> FileManagerMenus::entry(FileManagerKind kind) const {
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; };
-    if (!program.starts_with('/') || !isUtf8(program) || std::ranges::any_of(program, isControl))
+    if (!program.starts_with('/') || !text::isUtf8(program) || std::ranges::any_of(program, isControl))
         return std::nullopt;
     switch (kind) {
     case FileManagerKind::dolphin:

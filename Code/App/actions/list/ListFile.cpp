@@ -2,7 +2,7 @@
 
 #include "platform/FileSystem.h"
 #include "support/Text.h"
-#include "support/TextUnits.h"
+#include "support/Utf8.h"
 
 #include <algorithm>
 
@@ -10,38 +10,7 @@ namespace tavrin {
 
 namespace {
 
-bool isAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 bool isLineEnd(char byte) { return byte == '\n' || byte == '\r'; }
-
-/// The end of the stretch of ASCII that begins at `at`.
-std::size_t asciiEnd(std::string_view bytes, std::size_t at) {
-    while (at + 8 <= bytes.size() && (text::units::load(bytes.data() + at) & 0x8080808080808080ULL) == 0)
-        at += 8;
-    while (at < bytes.size() && isAscii(bytes[at]))
-        ++at;
-    return at;
-}
-
-/// Well-formed UTF-8 has no surrogates, so one that is no half of a pair stands for an undecodable byte.
-bool hasEscape(std::u16string_view text) {
-    for (std::size_t i = 0; i < text.size(); ++i)
-        if (text::units::isLowSurrogate(text[i]) && (i == 0 || !text::units::isHighSurrogate(text[i - 1])))
-            return true;
-    return false;
-}
-
-bool isUtf8(std::string_view bytes) {
-    std::u16string decoded;
-    for (std::size_t at = asciiEnd(bytes, 0); at < bytes.size();) {
-        const auto stop = std::find_if(bytes.begin() + static_cast<std::ptrdiff_t>(at), bytes.end(), isAscii);
-        const auto end = static_cast<std::size_t>(stop - bytes.begin());
-        text::fromBytes(bytes.substr(at, end - at), decoded);
-        if (hasEscape(decoded))
-            return false;
-        at = asciiEnd(bytes, end);
-    }
-    return true;
-}
 
 /// The length in bytes of the white space character that a text begins with, 0 if it does not.
 std::size_t blankLength(std::string_view bytes) {
@@ -72,7 +41,7 @@ std::optional<std::string> ListFile::content(const std::string& path) {
     FileStatus status;
     std::string bytes;
     if (files.followedStatus(path, status) != 0 || status.kind != FileStatus::Kind::file ||
-        files.readFile(path, bytes, sizeLimit) != 0 || !isUtf8(bytes))
+        files.readFile(path, bytes, sizeLimit) != 0 || !text::isUtf8(bytes))
         return std::nullopt;
     if (bytes.starts_with("\xEF\xBB\xBF"))
         bytes.erase(0, 3);
