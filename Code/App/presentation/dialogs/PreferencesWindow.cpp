@@ -43,6 +43,7 @@ const Alert exifIsOff{
 /// Notices and alerts that a "don't show again" has silenced: defaults to forget, and to switch back on.
 constexpr std::array silencedNotices{"don't remind me about no files being selected",
                                      "don't remind me about inconsistent settings",
+                                     "don't show droplet information again",
                                      "don't show droplet edit information again"};
 constexpr std::array silencedAlerts{"showManualSortingSortBasedActionAlert", "showManualSortingAlert",
                                     "showTagNotPresentDialog"};
@@ -75,7 +76,7 @@ class Window final : public QDialog {
         addSafety();
         addDroplets();
         addDesktop();
-        addPage("Updates").addWidget(new UpdatesPanel(services), 1, Qt::AlignTop);
+        addUpdates();
         connect(contents, &QListWidget::currentRowChanged, pages, &QStackedWidget::setCurrentIndex);
         contents->setCurrentRow(0);
         auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
@@ -245,6 +246,13 @@ class Window final : public QDialog {
         if (const FileManagerMenus* menus = FileManagerMenus::sharedInstance())
             page.addWidget(new FileManagersPanel(*menus));
         addHelp(page, "About file managers and the terminal", "helpTopic57");
+        page.addStretch(1);
+    }
+
+    void addUpdates() {
+        QVBoxLayout& page = addPage("Updates");
+        page.addWidget(new UpdatesPanel(services));
+        addHelp(page, "About updates", "updates");
         page.addStretch(1);
     }
 

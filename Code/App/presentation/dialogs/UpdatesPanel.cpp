@@ -1,6 +1,7 @@
 #include "presentation/dialogs/UpdatesPanel.h"
 
 #include "documents/UpdateFeed.h"
+#include "platform/PropertyList.h"
 #include "platform/UserDefaults.h"
 #include "presentation/QtText.h"
 #include "shell/MainController.h"
@@ -28,6 +29,11 @@ struct Interval {
 constexpr std::array<Interval, 4> intervals{
     {{"every day", 86400}, {"every week", 604800}, {"every month", 2592000}, {"never", 0}}};
 
+std::u16string storedAddress(const UserDefaults& defaults) {
+    const auto stored = defaults.objectForKey(UpdateFeed::locationKey);
+    return stored ? textOrData(*stored).value_or(u"") : u"";
+}
+
 } // namespace
 
 UpdatesPanel::UpdatesPanel(const WindowServices& shared)
@@ -36,7 +42,7 @@ UpdatesPanel::UpdatesPanel(const WindowServices& shared)
     address->setObjectName("SUFeedURL");
     address->setPlaceholderText("https://… or the path of a file");
     address->setClearButtonEnabled(true);
-    address->setText(toQString(UpdateFeed::ofDefaults(services.defaults).location));
+    address->setText(toQString(storedAddress(services.defaults)));
     problem->setObjectName("feedProblem");
     problem->setWordWrap(true);
     interval->setObjectName(intervalKey);
@@ -83,14 +89,14 @@ void UpdatesPanel::addInterval() {
 }
 
 void UpdatesPanel::storeAddress() {
-    const UpdateFeed before = UpdateFeed::ofDefaults(services.defaults);
     const std::u16string text = fromQString(address->text().trimmed());
+    if (text == storedAddress(services.defaults))
+        return;
     if (text.empty())
         services.defaults.removeObject(UpdateFeed::locationKey);
     else
         services.defaults.setObject(UpdateFeed::locationKey, text);
-    if (UpdateFeed::ofDefaults(services.defaults).location != before.location)
-        services.controller.updateCheck().feedHasChanged();
+    services.controller.updateCheck().feedHasChanged();
     refresh();
 }
 
