@@ -162,6 +162,8 @@ TEST_F(DropletStart, TellsWhatKeepsItFromRunning) {
         EXPECT_THAT(withoutDisplay.readAllStandardError().toStdString(), HasSubstr("there is no display"));
     }
     EXPECT_EQ(statusOf(start({"--droplet"})), 2);
+    EXPECT_EQ(stored("composite action"), std::nullopt);
+    EXPECT_EQ(stored("actions"), std::nullopt);
     EXPECT_THAT(names("in"), ElementsAre("a"));
 }
 
@@ -171,6 +173,16 @@ TEST_F(DropletStart, ASilentDropletPassesOverFilesThatAreGone) {
     EXPECT_EQ(statusOf(process), 0);
     EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("in/gone"));
     EXPECT_THAT(names("in"), ElementsAre("aX"));
+}
+
+TEST_F(DropletStart, ToldFilesThatAreGoneStayOnTheScreenAfterTheRun) {
+    const std::string droplet = makeDroplet("A", "X", {{"interactiveMode", 0}, {"showSummary", 0}});
+    QProcess& process = start({"--droplet", droplet, home.path("in/gone"), home.write("in/a")});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return home.kind("in/aX").has_value(); }, patience));
+    EXPECT_FALSE(process.waitForFinished(300));
+    process.terminate();
+    EXPECT_EQ(statusOf(process), 0);
+    EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("in/gone"));
 }
 
 TEST_F(DropletStart, RunsBesideTheWindowAndOtherDroplets) {

@@ -130,7 +130,8 @@ bool MainController::applicationShouldTerminate() {
     debugLog("Terminating.");
     debugLog("++++++++++++++++++++++++++++++");
     listCommands.updateAll();
-    if (mode == OperationMode::normal)
+    // Before the start is over there is nothing of the user's to save, and what is stored would be lost.
+    if (mode == OperationMode::normal && hasFinishedInitializing())
         saveUserDefaults();
     return true;
 }
