@@ -119,21 +119,28 @@ TEST(Completion, KnowsTheOptionsOfEveryCommand) {
     }
 }
 
-TEST(Completion, IsUnderstoodByEachShell) {
-    for (const auto& [shell, files] :
-         std::map<std::string, std::vector<std::string>>{{"bash", {"tvrn.bash", "tavrin.bash"}},
-                                                         {"zsh", {"_tvrn", "_tavrin"}},
-                                                         {"fish", {"tvrn.fish", "tavrin.fish"}}}) {
-        if (!isThere(shell)) {
-            std::cout << "not tried: " << shell << " is not installed\n";
-            continue;
-        }
-        for (const std::string& file : files) {
-            const auto result = run({shell, "-n", sourcePath("Resources/completions/" + file)});
-            EXPECT_EQ(result.exitStatus, 0) << file << result.output;
-        }
+struct Shell {
+    const char* name;
+    std::vector<std::string> files;
+};
+
+class ShellSyntax : public testing::TestWithParam<Shell> {};
+
+TEST_P(ShellSyntax, IsUnderstood) {
+    const auto& [shell, files] = GetParam();
+    if (!isThere(shell))
+        GTEST_SKIP() << shell << " is not installed";
+    for (const std::string& file : files) {
+        const auto result = run({shell, "-n", sourcePath("Resources/completions/" + file)});
+        EXPECT_EQ(result.exitStatus, 0) << file << result.output;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(All, ShellSyntax,
+                         testing::Values(Shell{"bash", {"tvrn.bash", "tavrin.bash"}},
+                                         Shell{"zsh", {"_tvrn", "_tavrin"}},
+                                         Shell{"fish", {"tvrn.fish", "tavrin.fish"}}),
+                         [](const auto& tested) { return tested.param.name; });
 
 } // namespace
 } // namespace tavrin::test
