@@ -2,13 +2,13 @@
 
 #include "documents/DropletLauncher.h"
 #include "documents/DropletScript.h"
+#include "platform/NameExchange.h"
 #include "platform/NoReplaceRename.h"
 #include "platform/PropertyList.h"
 
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -67,22 +67,6 @@ Error fill(const std::string& path, const PropertyDictionary& settings) {
     return DropletBundleWriter::saveDropletSettings(settings, DropletBundle(path).settingsPath());
 }
 
-/// Puts the new bundle in the place of the old one, so that one of the two is always there.
-int exchange(const std::string& newPath, const std::string& oldPath) {
-    if (::renameat2(AT_FDCWD, newPath.c_str(), AT_FDCWD, oldPath.c_str(), RENAME_EXCHANGE) == 0)
-        return 0;
-    if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP)
-        return errno;
-    const std::string aside = newPath + ".old";
-    if (const int error = renameNoReplaceAt(AT_FDCWD, oldPath.c_str(), AT_FDCWD, aside.c_str()))
-        return error;
-    if (const int error = renameNoReplaceAt(AT_FDCWD, newPath.c_str(), AT_FDCWD, oldPath.c_str())) {
-        static_cast<void>(renameNoReplaceAt(AT_FDCWD, aside.c_str(), AT_FDCWD, oldPath.c_str()));
-        return error;
-    }
-    return renameNoReplaceAt(AT_FDCWD, aside.c_str(), AT_FDCWD, newPath.c_str());
-}
-
 bool isThere(const std::string& path) {
     std::error_code error;
     return std::filesystem::symlink_status(path, error).type() != std::filesystem::file_type::not_found;
@@ -129,7 +113,7 @@ Error DropletBundleWriter::writeBundle(const PropertyDictionary& settings,
         temporary.release();
         return std::nullopt;
     }
-    if (const int error = exchange(temporary.path, bundle.path()))
+    if (const int error = exchangeNames(temporary.path, bundle.path()))
         return failure(bundle.path(), error);
     // Something may have come into the old one meanwhile; that is not removed with it.
     temporary.release();
