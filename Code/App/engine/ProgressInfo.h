@@ -43,8 +43,8 @@ class ProgressInfo {
     void updateIsDone(bool isDone);
     /// Lets the run count as long 0.2 seconds from its start on.
     void signalQuickSwitchToLongProcessingMode();
-    /// Cheap per-item gate: true at most once per tick. Only then need a per-item text be formatted and handed
-    /// to updateCurrentActionDescription, which logs it.
+    /// Cheap per-item gate: true at most once per tick. Only then need a per-item text be formatted and
+    /// handed to updateCurrentActionDescription, which logs it.
     [[nodiscard]] bool wantsItemDescription() const;
 
     // Main thread. The texts and the item number are those on display.
