@@ -41,10 +41,9 @@ const Alert exifIsOff{
     .buttons = {"OK"}};
 
 /// Notices and alerts that a "don't show again" has silenced: defaults to forget, and to switch back on.
-constexpr std::array silencedNotices{"don't remind me about no files being selected",
-                                     "don't remind me about inconsistent settings",
-                                     "don't show droplet information again",
-                                     "don't show droplet edit information again"};
+constexpr std::array silencedNotices{
+    "don't remind me about no files being selected", "don't remind me about inconsistent settings",
+    "don't show droplet information again", "don't show droplet edit information again"};
 constexpr std::array silencedAlerts{"showManualSortingSortBasedActionAlert", "showManualSortingAlert",
                                     "showTagNotPresentDialog"};
 
