@@ -13,6 +13,7 @@
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -137,6 +138,7 @@ TEST_F(DropletWindow, WaitsForTheUserToReadWhyItCannotRun) {
 
 TEST_F(DropletWindow, CreatesADropletAndAsksBeforeReplacingIt) {
     start();
+    const DropletBundle written(desktop.path() + "/A \"b\".app");
     for (const char* button : {"", "cancel", "&Replace"}) {
         SCOPED_TRACE(button);
         const bool isFirst = *button == 0;
@@ -151,7 +153,7 @@ TEST_F(DropletWindow, CreatesADropletAndAsksBeforeReplacingIt) {
         }
         auto* dialog = waitFor<QFileDialog>("dropletPathDialog");
         dialog->setDirectory(QString::fromStdString(desktop.path()));
-        dialog->selectFile("A.b");
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText("A \"b\".c");
         QMetaObject::invokeMethod(dialog, "accept", Qt::DirectConnection);
         if (!isFirst) {
             auto* question = waitFor<QMessageBox>("replaceDropletAlert");
@@ -164,13 +166,13 @@ TEST_F(DropletWindow, CreatesADropletAndAsksBeforeReplacingIt) {
         if (std::string(button) == "cancel")
             waitFor<QFileDialog>("dropletPathDialog")->reject();
         waitUntilGone("dropletPathDialog");
-        const auto recipe = bundle.readRecipe();
+        const auto recipe = written.readRecipe();
         ASSERT_TRUE(std::holds_alternative<Recipe>(recipe));
         EXPECT_EQ(std::get<Recipe>(recipe).flatParameterList ==
                       application->controller().compositeAction().getFlatParameterList(),
                   true);
     }
-    EXPECT_TRUE(std::filesystem::exists(bundle.launcherPath()));
+    EXPECT_TRUE(std::filesystem::exists(written.launcherPath()));
 }
 
 } // namespace

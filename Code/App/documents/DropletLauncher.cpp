@@ -1,6 +1,7 @@
 #include "documents/DropletLauncher.h"
 
 #include "platform/ChildProcess.h"
+#include "platform/DesktopEntryText.h"
 #include "platform/FileSystem.h"
 #include "support/Text.h"
 #include "support/Utf8.h"
@@ -34,60 +35,6 @@ std::string shownName(std::string_view bytes) {
     return text::toUtf8(units);
 }
 
-/// A value in the form of its file.
-std::string escaped(std::string_view value) {
-    std::string result;
-    for (const char c : value) {
-        switch (c) {
-        case '\\':
-            result += "\\\\";
-            break;
-        case '\n':
-            result += "\\n";
-            break;
-        case '\t':
-            result += "\\t";
-            break;
-        case '\r':
-            result += "\\r";
-            break;
-        case ' ':
-            // At the start it would be lost.
-            result += result.empty() ? "\\s" : " ";
-            break;
-        default:
-            result += c;
-        }
-    }
-    return result;
-}
-
-std::string unescaped(std::string_view value) {
-    std::string result;
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        if (value[i] != '\\' || i + 1 == value.size()) {
-            result += value[i];
-            continue;
-        }
-        const char c = value[++i];
-        result += c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : c == 's' ? ' ' : c;
-    }
-    return result;
-}
-
-/// An argument of a command line in a launcher, as it stands before the escapes of its file.
-std::string quotedArgument(std::string_view argument) {
-    std::string result = "\"";
-    for (const char c : argument) {
-        if (c == '"' || c == '`' || c == '$' || c == '\\')
-            result += '\\';
-        result += c;
-        if (c == '%')
-            result += '%';
-    }
-    return result + '"';
-}
-
 /// The value of the mark; absent where the file is no launcher of ours.
 std::optional<std::string> markOf(const std::string& path) {
     struct stat status {};
@@ -101,7 +48,7 @@ std::optional<std::string> markOf(const std::string& path) {
     while (!rest.empty()) {
         const std::string_view line = rest.substr(0, rest.find('\n'));
         if (line.starts_with(markKey))
-            return unescaped(line.substr(markKey.size()));
+            return DesktopEntryText::unescaped(line.substr(markKey.size()));
         rest.remove_prefix(std::min(rest.size(), line.size() + 1));
     }
     return std::nullopt;
@@ -151,15 +98,15 @@ std::string DropletLauncher::text() const {
     // Desktop entries are UTF-8 from end to end.
     const bool canNameBundle = text::isUtf8(bundle.path());
     const bool canNameProgram = text::isUtf8(program);
-    std::string command = quotedArgument(canNameProgram ? program : "tavrin");
+    std::string command = DesktopEntryText::quotedArgument(canNameProgram ? program : "tavrin");
     // Where the path can't be told, the place of the launcher has to do.
     if (canNameBundle)
-        command += " --droplet " + quotedArgument(bundle.path());
+        command += " --droplet " + DesktopEntryText::quotedArgument(bundle.path());
     command += " --launcher=%k %F";
 
     std::string result = "[Desktop Entry]\nType=Application\n";
     const auto add = [&result](std::string_view key, std::string_view value) {
-        result += fmt::format("{}={}\n", key, escaped(value));
+        result += fmt::format("{}={}\n", key, DesktopEntryText::escaped(value));
     };
     add("Name", shownName(bundle.name()));
     add("Comment", "Drop files here to rename them");
@@ -170,7 +117,7 @@ std::string DropletLauncher::text() const {
     add("Terminal", "false");
     add("StartupNotify", "true");
     add("Categories", "Utility;");
-    result += fmt::format("{}{}\n", markKey, canNameBundle ? escaped(bundle.path()) : "");
+    result += fmt::format("{}{}\n", markKey, canNameBundle ? DesktopEntryText::escaped(bundle.path()) : "");
     return result;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/MenuEntries.h"
 
+#include "platform/DesktopEntryText.h"
+
 #include <fmt/format.h>
 
 namespace tavrin {
@@ -7,29 +9,6 @@ namespace tavrin {
 namespace {
 
 constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._+-";
-
-/// For the "Exec" of a desktop entry: one rule for its quotes, one for the file around them.
-std::string quotedForEntry(std::string_view program) {
-    std::string result = "\"";
-    for (const char c : program) {
-        if (c == '%')
-            result += "%%";
-        else if (c == '\\')
-            result += R"(\\\\)";
-        else if (c == '"' || c == '`' || c == '$')
-            result += std::string(R"(\\)") + c;
-        else
-            result += c;
-    }
-    return result + '"';
-}
-
-std::string escapedForFile(std::string_view value) {
-    std::string result;
-    for (const char c : value)
-        result += c == '\\' ? std::string(R"(\\)") : std::string(1, c);
-    return result;
-}
 
 std::string quotedForShell(std::string_view program) {
     if (program.find_first_not_of(plain) == std::string_view::npos)
@@ -48,7 +27,7 @@ std::string MenuEntries::dolphin(const std::string& program) {
                        "Actions=renameWithTavrin;\n\n"
                        "[Desktop Action renameWithTavrin]\nName=Rename with Tavrin…\n"
                        "Icon=net.calderwick.tavrin\nExec={} %F\n",
-                       mark, quotedForEntry(program));
+                       mark, DesktopEntryText::escaped(DesktopEntryText::quotedArgument(program)));
 }
 
 std::string MenuEntries::nemo(const std::string& program) {
@@ -56,7 +35,7 @@ std::string MenuEntries::nemo(const std::string& program) {
                        "[Nemo Action]\nActive=true\nName=Rename with Tavrin…\n"
                        "Comment=Rename the selected files and folders at once\nExec={} %F\n"
                        "Icon-Name=net.calderwick.tavrin\nSelection=notnone\nExtensions=any;\nQuote=double\n",
-                       mark, escapedForFile(quotedForShell(program)));
+                       mark, DesktopEntryText::escaped(quotedForShell(program)));
 }
 
 std::string MenuEntries::nautilus(const std::string& program) {

@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <algorithm>
@@ -51,6 +52,16 @@ QMessageBox* makeBox(QWidget* parent, AlertStyle style, const QString& title, co
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowModality(Qt::WindowModal);
     return box;
+}
+
+/// Of a panel for saving. Qt's own takes a name with quotation marks for a list of names.
+std::optional<std::string> chosenPath(const QFileDialog& dialog) {
+    QStringList chosen = dialog.selectedFiles();
+    if (const auto* line = dialog.findChild<QLineEdit*>("fileNameEdit"); line && line->text().contains('"'))
+        chosen = {dialog.directory().absoluteFilePath(line->text())};
+    if (chosen.isEmpty())
+        return std::nullopt;
+    return QFile::encodeName(chosen.front()).toStdString();
 }
 
 QCheckBox* addSuppressionBox(QMessageBox& box) {
@@ -245,11 +256,7 @@ void Dialogs::askForSavePath(QWidget* parent, const std::string& title,
     dialog->selectFile("File List.txt");
     const AnswerOnce<std::optional<std::string>> once(std::move(answer));
     QObject::connect(dialog, &QFileDialog::finished, dialog, [dialog, once](int result) {
-        const QStringList chosen = dialog->selectedFiles();
-        if (result == QDialog::Accepted && !chosen.isEmpty())
-            once(QFile::encodeName(chosen.front()).toStdString());
-        else
-            once(std::nullopt);
+        once(result == QDialog::Accepted ? chosenPath(*dialog) : std::nullopt);
     });
     dialog->open();
 }
@@ -270,14 +277,9 @@ void Dialogs::askForDropletPath(QWidget* parent, const std::string& title, const
         dialog->deleteLater();
     };
     QObject::connect(dialog, &QFileDialog::finished, dialog, [dialog, end](int result) {
-        const QStringList chosen = dialog->selectedFiles();
-        if (result != QDialog::Accepted || chosen.isEmpty()) {
-            end(std::nullopt);
-            return;
-        }
-        const std::string path = QFile::encodeName(chosen.front()).toStdString();
-        const DropletBundle bundle = DropletBundle::forChosenPath(path);
-        if (!bundle.isFolder()) {
+        const auto path = result == QDialog::Accepted ? chosenPath(*dialog) : std::nullopt;
+        const DropletBundle bundle = DropletBundle::forChosenPath(path.value_or(""));
+        if (!path || !bundle.isFolder()) {
             end(path);
             return;
         }
