@@ -268,11 +268,23 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
 }
 
 void MainWindow::arrangeForWidth() {
-    const Qt::Orientation orientation = width() < narrowWidth ? Qt::Vertical : Qt::Horizontal;
+    const bool isNarrow = width() < narrowWidth;
+    const int highest = height() * 45 / 100;
+    settings->setMaximumHeight(isNarrow ? highest : QWIDGETSIZE_MAX);
+    const Qt::Orientation orientation = isNarrow ? Qt::Vertical : Qt::Horizontal;
     if (innerSplitter->orientation() == orientation)
         return;
     innerSplitter->setOrientation(orientation);
-    settings->setMaximumHeight(orientation == Qt::Vertical ? height() * 45 / 100 : QWIDGETSIZE_MAX);
+    if (!isNarrow)
+        return;
+    // The splitter gets its own new height only after this.
+    QMetaObject::invokeMethod(
+        innerSplitter,
+        [this] {
+            const int share = settings->maximumHeight();
+            innerSplitter->setSizes({share, innerSplitter->height() - share});
+        },
+        Qt::QueuedConnection);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -63,6 +63,7 @@ struct PreviewPane::Parts {
     void foreseen(ProblemScan::Findings found);
     void removeSelected();
     [[nodiscard]] std::optional<PreviewList::Row> currentRow() const;
+    void showPage(bool isEmpty);
     void showListIfDue();
     [[nodiscard]] RowId idAt(int row) const;
     /// Where these rows are now.
@@ -122,6 +123,7 @@ void PreviewPane::Parts::buildTable() {
     view->removeHandler = [this] { removeSelected(); };
     view->moveHandler = [this](bool up) { owner.moveSelection(up); };
     view->openHandler = [this] { owner.openSelected(); };
+    view->widthHandler = [this] { owner.sizeColumnsToFit(); };
     scrollRest.setSingleShot(true);
     scrollRest.setInterval(restAfterScrolling);
     connect(view->verticalScrollBar(), &QScrollBar::valueChanged, &owner, [this] {
@@ -192,7 +194,7 @@ PreviewPane::PreviewPane(WindowServices services, QWidget* parent)
     layout->addWidget(parts->problemBar);
     parts->statusRow = new StatusRow(services.controller);
     layout->addWidget(parts->statusRow);
-    parts->pages->setCurrentIndex(1);
+    parts->showPage(true);
     parts->listenToSettings();
 }
 
@@ -236,6 +238,13 @@ void PreviewPane::sizeColumnsToFit() {
         left -= width;
         wanted -= before;
     }
+}
+
+void PreviewPane::Parts::showPage(bool isEmpty) {
+    // The invitation is high, and must not keep a narrow window's list so too.
+    pages->widget(1)->setSizePolicy(QSizePolicy::Preferred,
+                                    isEmpty ? QSizePolicy::Preferred : QSizePolicy::Ignored);
+    pages->setCurrentIndex(isEmpty ? 1 : 0);
 }
 
 void PreviewPane::Parts::showListIfDue() {
@@ -283,8 +292,7 @@ void PreviewPane::listChanged() {
     const RowId current = parts->idAt(view.currentIndex().row());
     const std::vector<RowId> before = parts->model.rowIds();
     parts->model.listChanged();
-    const bool isEmpty = parts->controller.previewControl().isPreviewEmpty();
-    parts->pages->setCurrentIndex(isEmpty ? 1 : 0);
+    parts->showPage(parts->controller.previewControl().isPreviewEmpty());
     if (parts->model.rowIds() == before)
         return;
     // The same items stay selected and in sight where they are.

@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QResizeEvent>
 #include <algorithm>
 
 namespace tavrin {
@@ -166,6 +167,12 @@ void PreviewTableView::paintEvent(QPaintEvent* event) {
     const int y = markedRow < rows ? rowViewportPosition(markedRow)
                                    : (rows > 0 ? rowViewportPosition(rows - 1) + rowHeight(rows - 1) : 0);
     painter.drawLine(0, y, viewport()->width(), y);
+}
+
+void PreviewTableView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    if (widthHandler && event->size().width() != event->oldSize().width())
+        widthHandler();
 }
 
 } // namespace tavrin

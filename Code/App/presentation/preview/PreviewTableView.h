@@ -25,6 +25,7 @@ class PreviewTableView final : public QTableView {
     std::function<void(bool up)> moveHandler; ///< Alt+Up or Alt+Down
     std::function<void()> openHandler;        ///< a double click or Return
     std::function<void()> rowsRemovedHandler; ///< rows were dragged out
+    std::function<void()> widthHandler;       ///< there is more or less room for the columns
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -34,6 +35,7 @@ class PreviewTableView final : public QTableView {
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     [[nodiscard]] int rowAtDrop(const QPoint& place) const;
