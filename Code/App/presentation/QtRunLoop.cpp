@@ -1,6 +1,7 @@
 #include "presentation/QtRunLoop.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 #include <QThread>
 #include <QTimer>
@@ -35,14 +36,40 @@ class QtTimer final : public Timer {
 
 } // namespace
 
-QtRunLoop::QtRunLoop() : receiver(std::make_unique<QObject>()) { clock.start(); }
+/// The actions themselves stay out of Qt's queue: they go from thread to thread by a lock of ours.
+class QtRunLoop::Receiver final : public QObject {
+  public:
+    explicit Receiver(QtRunLoop& owner) : loop(owner) {}
+
+  protected:
+    void customEvent(QEvent*) override { loop.runNext(); }
+
+  private:
+    QtRunLoop& loop;
+};
+
+QtRunLoop::QtRunLoop() : receiver(std::make_unique<Receiver>(*this)) { clock.start(); }
 
 QtRunLoop::~QtRunLoop() { close(); }
 
 void QtRunLoop::post(std::function<void()> action) {
     const std::lock_guard lock(mutex);
-    if (receiver)
-        QMetaObject::invokeMethod(receiver.get(), std::move(action), Qt::QueuedConnection);
+    if (!receiver)
+        return;
+    actions.push_back(std::move(action));
+    QCoreApplication::postEvent(receiver.get(), new QEvent(QEvent::User));
+}
+
+void QtRunLoop::runNext() {
+    std::function<void()> action;
+    {
+        const std::lock_guard lock(mutex);
+        if (actions.empty())
+            return;
+        action = std::move(actions.front());
+        actions.pop_front();
+    }
+    action();
 }
 
 bool QtRunLoop::isCurrent() const {
@@ -58,8 +85,10 @@ double QtRunLoop::now() const { return static_cast<double>(clock.nsecsElapsed())
 
 void QtRunLoop::close() {
     std::unique_ptr<QObject> dropped;
+    std::deque<std::function<void()>> droppedActions;
     const std::lock_guard lock(mutex);
     dropped = std::move(receiver);
+    droppedActions.swap(actions);
 }
 
 } // namespace tavrin

@@ -3,6 +3,7 @@
 #include "platform/RunLoop.h"
 
 #include <QElapsedTimer>
+#include <deque>
 #include <memory>
 #include <mutex>
 
@@ -28,9 +29,13 @@ class QtRunLoop final : public RunLoop {
     void close();
 
   private:
+    class Receiver;
+    void runNext();
+
     QElapsedTimer clock;
-    std::mutex mutex;                  ///< guards the pointer
-    std::unique_ptr<QObject> receiver; ///< what is posted is addressed to; null once closed
+    std::mutex mutex;                          ///< guards what follows
+    std::unique_ptr<QObject> receiver;         ///< gets an event for each action; null once closed
+    std::deque<std::function<void()>> actions; ///< in the order of their events
 };
 
 } // namespace tavrin

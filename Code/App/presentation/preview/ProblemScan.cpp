@@ -59,14 +59,9 @@ ProblemScan::ProblemScan(WindowServices shared, Found whenFound)
     slices.setObjectName("problemScan");
     slices.setInterval(0);
     connect(&slices, &QTimer::timeout, this, [this] { (this->*current)(); });
-    // One after the other: the scan that is out of date is told to stop.
-    thread.setMaxThreadCount(1);
 }
 
-ProblemScan::~ProblemScan() {
-    *isStopped = true;
-    thread.waitForDone();
-}
+ProblemScan::~ProblemScan() { *isStopped = true; }
 
 void ProblemScan::start() {
     *isStopped = true;
@@ -120,17 +115,16 @@ ProblemScan::Comparison ProblemScan::compare(const Folders& folders, const std::
     return result;
 }
 
+/// One after the other: the scan that is out of date has been told to stop.
 void ProblemScan::compareOnThread() {
-    thread.start([this, folders = std::make_shared<Folders>(std::move(wishes)), stop = isStopped]() mutable {
+    thread.start([this, &loop = services.controller.runLoop(), alive = std::weak_ptr(lifetime),
+                  folders = std::make_shared<Folders>(std::move(wishes)), stop = isStopped]() mutable {
         auto result = std::make_shared<Comparison>(compare(*folders, *stop));
         folders.reset(); // much to free, so not on the main thread
-        QMetaObject::invokeMethod(
-            this,
-            [this, result, stop] {
-                if (!*stop)
-                    compared(std::move(*result));
-            },
-            Qt::QueuedConnection);
+        loop.post([this, alive, result = std::move(result), stop] {
+            if (alive.lock() && !*stop)
+                compared(std::move(*result));
+        });
     });
     wishes.clear();
 }

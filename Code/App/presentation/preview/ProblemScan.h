@@ -1,10 +1,10 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
+#include "presentation/WorkerThread.h"
 #include "presentation/preview/PreviewTableModel.h"
 
 #include <QObject>
-#include <QThreadPool>
 #include <QTimer>
 #include <atomic>
 #include <functional>
@@ -70,8 +70,9 @@ class ProblemScan final : public QObject {
     Folders wishes;
     std::vector<Taken> taken;
     Findings findings;
-    std::shared_ptr<std::atomic<bool>> isStopped; ///< of the scan under way
-    QThreadPool thread;
+    std::shared_ptr<std::atomic<bool>> isStopped;              ///< of the scan under way
+    std::shared_ptr<char> lifetime = std::make_shared<char>(); ///< for results that come late
+    WorkerThread thread;
 };
 
 } // namespace tavrin
