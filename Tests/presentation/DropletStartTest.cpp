@@ -1,4 +1,5 @@
 #include "actions/ActionList.h"
+#include "common/DropletLists.h"
 #include "common/TemporaryFolder.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletLauncher.h"
@@ -41,15 +42,7 @@ class DropletStart : public ::testing::Test {
     /// A droplet on the desktop that adds `text` to names.
     std::string makeDroplet(const std::string& name, const std::string& text,
                             PropertyDictionary settings = {{"silentDroplet", 1}}) {
-        const PropertyDictionary step{
-            {"action name", u"Add to end"},
-            {"action parameter list", PropertyDictionary{{"string", text::fromUtf8(text)}}}};
-        const PropertyDictionary list{
-            {"Droplet Settings", PropertyDictionary()},
-            {"Host Application Settings",
-             PropertyDictionary{
-                 {"composite action", PropertyDictionary{{"composite actions array", PropertyArray{step}}}},
-                 {"global settings", std::move(settings)}}}};
+        const PropertyDictionary list = dropletThatAdds(text::fromUtf8(text), std::move(settings));
         (void)home.makeFolder("desktop");
         const std::string path = home.path("desktop/" + name + ".app");
         EXPECT_EQ(DropletBundleWriter(TAVRIN_PROGRAM, false).writeDropletWithDictionary(list, path),

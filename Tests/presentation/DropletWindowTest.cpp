@@ -1,4 +1,5 @@
 #include "actions/CompositeRenameAction.h"
+#include "common/DropletLists.h"
 #include "common/Variable.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletRequest.h"
@@ -32,14 +33,7 @@ class DropletWindow : public WindowFixture {
         options.defaultsPath = data.path() + "/defaults.plist";
         options.dataFolder = data.path();
         application = std::make_unique<TavrinApplication>(options);
-        const PropertyDictionary step{{"action name", u"Add to end"},
-                                      {"action parameter list", PropertyDictionary{{"string", u"X"}}}};
-        const PropertyDictionary list{
-            {"Droplet Settings", PropertyDictionary()},
-            {"Host Application Settings",
-             PropertyDictionary{
-                 {"composite action", PropertyDictionary{{"composite actions array", PropertyArray{step}}}},
-                 {"global settings", std::move(settings)}}}};
+        const PropertyDictionary list = dropletThatAdds(u"X", std::move(settings));
         ASSERT_EQ(
             DropletBundleWriter("/usr/bin/tavrin", false).writeDropletWithDictionary(list, bundle.path()),
             std::nullopt);

@@ -59,11 +59,12 @@ Error fill(const std::string& path, const PropertyDictionary& settings) {
     std::filesystem::copy(
         DropletBundle::templateFolder(), path,
         std::filesystem::copy_options::recursive | std::filesystem::copy_options::overwrite_existing, error);
-    // Not for the eyes of this user alone, as all folders that programs make.
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    if (error || ::chmod(path.c_str(), 0777 & ~mask) != 0)
-        return failure(path, error ? error.message() : std::generic_category().message(errno));
+    if (error)
+        return failure(path, error.message());
+    // Not for the eyes of this user alone, as the folders that have just been made in it.
+    struct stat made {};
+    if (::stat((path + "/Contents").c_str(), &made) != 0 || ::chmod(path.c_str(), made.st_mode & 0777) != 0)
+        return failure(path, errno);
     return DropletBundleWriter::saveDropletSettings(settings, DropletBundle(path).settingsPath());
 }
 
