@@ -124,7 +124,7 @@ TEST(FileSystem, TellsKindSizeAndDates) {
     EXPECT_DOUBLE_EQ(file.modificationDate, 86400.5);
     struct stat plain {};
     ASSERT_EQ(::stat(folder.path("file").c_str(), &plain), 0);
-    EXPECT_EQ(file.inode, plain.st_ino);
+    EXPECT_EQ(file.identity.inode, plain.st_ino);
     EXPECT_EQ(statusOf("folder").kind, FileStatus::Kind::folder);
     EXPECT_EQ(statusOf("folder").size, 0U);
     EXPECT_EQ(statusOf("folder").allocated, 0U);
@@ -133,7 +133,7 @@ TEST(FileSystem, TellsKindSizeAndDates) {
     FileStatus followed;
     EXPECT_EQ(files().followedStatus(folder.path("to folder"), followed), 0);
     EXPECT_EQ(followed.kind, FileStatus::Kind::folder);
-    EXPECT_EQ(followed.inode, statusOf("folder").inode);
+    EXPECT_EQ(followed.identity, statusOf("folder").identity);
     EXPECT_EQ(files().followedStatus(folder.path("dangling"), followed), ENOENT);
 }
 
@@ -187,7 +187,7 @@ TEST(FolderListing, SortsAsAPlainSortDoes) {
             for (std::size_t length = random() % 20; length > 0; --length)
                 name += "ab\x01\xFF"[random() % 4];
             expected.push_back(name);
-            entries.add(name, FileStatus::Kind::file);
+            entries.add({name, FileStatus::Kind::file, 0});
         }
         std::sort(expected.begin(), expected.end());
         entries.sort();

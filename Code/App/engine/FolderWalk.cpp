@@ -12,7 +12,7 @@
 namespace tavrin {
 
 void FolderWalk::run(const std::string& sourcePath) {
-    enter(sourcePath, stage.rowForFolder(sourcePath));
+    enter(sourcePath, noRow);
     while (!levels.empty()) {
         if (levels.back().next < levels.back().entries.size())
             readNextEntry();
@@ -29,8 +29,14 @@ void FolderWalk::enter(std::string path, RowId row) {
         report(std::generic_category().message(error), level.path);
     else if (isInsideItself(level))
         report("The folder lies inside itself.", level.path);
-    else
+    else {
+        if (row == noRow)
+            level.row = stage.rowForFolder(level.path, level.identity);
+        // A listing gives the inode of the folder below a mounted one, and a link's own.
+        if (stage.context->row(level.row).identity() != level.identity)
+            stage.context->change(level.row).setIdentity(level.identity);
         levels.push_back(std::move(level));
+    }
 }
 
 int FolderWalk::read(Level& level) {
@@ -40,8 +46,7 @@ int FolderWalk::read(Level& level) {
     FileStatus status;
     if (const int error = folder->status(".", status))
         return error;
-    level.device = status.device;
-    level.inode = status.inode;
+    level.identity = status.identity;
     if (const int error = folder->entries(level.entries))
         return error;
     if (level.entries.contains(".hidden"))
@@ -50,9 +55,8 @@ int FolderWalk::read(Level& level) {
 }
 
 bool FolderWalk::isInsideItself(const Level& level) const {
-    return std::any_of(levels.begin(), levels.end(), [&](const Level& above) {
-        return above.device == level.device && above.inode == level.inode;
-    });
+    return std::any_of(levels.begin(), levels.end(),
+                       [&](const Level& above) { return above.identity == level.identity; });
 }
 
 void FolderWalk::readNextEntry() {
@@ -62,34 +66,38 @@ void FolderWalk::readNextEntry() {
         return;
     switch (entry.kind) {
     case FileStatus::Kind::folder:
-        return readFolderEntry(entry.name, false);
+        return readFolderEntry(entry);
     case FileStatus::Kind::link: {
         FileStatus target;
         const std::string path = joinedPath(level.path, entry.name);
         if (FileSystem::sharedInstance().followedStatus(path, target) == 0 &&
             target.kind == FileStatus::Kind::folder)
-            return readFolderEntry(entry.name, true);
+            return readFolderEntry(entry);
         break;
     }
     case FileStatus::Kind::file:
     case FileStatus::Kind::other:
         break;
     }
-    stage.createOneFile(level.row, level.path, entry.name, false, false);
+    stage.createOneFile(level.row, level.path, entry.name, false, false, seen(entry));
 }
 
-void FolderWalk::readFolderEntry(std::string_view name, bool isLink) {
+void FolderWalk::readFolderEntry(const FolderEntry& entry) {
     const Level& level = levels.back();
-    std::string path = joinedPath(level.path, name);
+    std::string path = joinedPath(level.path, entry.name);
     if (FileManager::instance().isBundleFolder(path)) {
         // The source item decides, not the bundle.
         if (!isSourceInvisible)
-            stage.createOneFile(level.row, level.path, name, false, false);
+            stage.createOneFile(level.row, level.path, entry.name, false, false, seen(entry));
         return;
     }
-    const RowId row = stage.createOneFile(level.row, level.path, name, false, true);
-    if (!isLink)
+    const RowId row = stage.createOneFile(level.row, level.path, entry.name, false, true, seen(entry));
+    if (entry.kind == FileStatus::Kind::folder)
         enter(std::move(path), row);
+}
+
+SeenItem FolderWalk::seen(const FolderEntry& entry) const {
+    return {{entry.inode, levels.back().identity.device}, entry.kind};
 }
 
 void FolderWalk::report(const std::string& message, const std::string& path) {

@@ -32,16 +32,17 @@ class FolderWalk {
         FolderEntries entries;
         std::size_t next = 0;
         HiddenNames hidden;
-        std::uint64_t device = 0;
-        std::uint64_t inode = 0;
+        FileIdentity identity;
     };
 
+    /// `row` stands for the folder; none yet for a source item that has none of its own.
     void enter(std::string path, RowId row);
     /// 0 or an errno value.
     int read(Level& level);
     [[nodiscard]] bool isInsideItself(const Level& level) const;
     void readNextEntry();
-    void readFolderEntry(std::string_view name, bool isLink);
+    void readFolderEntry(const FolderEntry& entry);
+    [[nodiscard]] SeenItem seen(const FolderEntry& entry) const;
     void report(const std::string& message, const std::string& path);
 
     ReadItemsIntoDatabaseStage& stage;

@@ -57,7 +57,7 @@ void ReadItemsIntoDatabaseStage::readSourceItem(const SourceItem& item) {
     if (!kind.isFileOrBundle) {
         readFolder(item, kind);
     } else if (!item.readInRoot && !kind.isInvisible) {
-        createOneFileWithPath(item.path, true, false);
+        createRootItem(item.path, false, kind.seen);
         context->setSourceItemRead(item.path, true, item.readInSubfolders);
     }
 }
@@ -87,7 +87,7 @@ void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& 
     const bool isNew = !kind.isInvisible && !item.readInRoot;
     const bool mustWalk = shouldProcessSubfolders && !item.readInSubfolders;
     if (isNew)
-        createOneFileWithPath(item.path, true, true);
+        createRootItem(item.path, true, kind.seen);
     if (isNew || mustWalk)
         context->setSourceItemRead(item.path, isNew || item.readInRoot, mustWalk || item.readInSubfolders);
     if (mustWalk)
@@ -103,6 +103,7 @@ ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const std::s
     if (!folder || folder->status(name, status) != 0)
         return {}; // gone since it was added: goes through as a file, and fails when it is to be renamed
     Kind kind;
+    kind.seen = {status.identity, status.kind};
     kind.isInvisible = name.front() == '.' || hiddenNames.contains(name);
     if (parts.name.empty())
         kind.isInvisible = true; // the root has no name that could be changed
@@ -118,30 +119,34 @@ void ReadItemsIntoDatabaseStage::openFolderAt(std::string_view path) {
     if (folder && openPath == path)
         return;
     openPath = path;
-    if (FileSystem::sharedInstance().openFolder(openPath, folder) != 0)
+    FileStatus status;
+    if (FileSystem::sharedInstance().openFolder(openPath, folder) != 0 || folder->status(".", status) != 0)
         folder.reset();
+    folderIdentity = status.identity;
     hiddenNames = folder ? HiddenNames(openPath) : HiddenNames();
 }
 
-RowId ReadItemsIntoDatabaseStage::rowForFolder(std::string_view path) {
+RowId ReadItemsIntoDatabaseStage::rowForFolder(std::string_view path, const FileIdentity& identity) {
     const RowId row = context->nodeWithPath(path);
-    return row != noRow ? row : context->insertGhostNode(path);
+    return row != noRow ? row : context->insertGhostNode(path, identity);
 }
 
-RowId ReadItemsIntoDatabaseStage::createOneFileWithPath(const std::string& path, bool root, bool isFolder) {
+RowId ReadItemsIntoDatabaseStage::createRootItem(const std::string& path, bool isFolder,
+                                                 const SeenItem& seen) {
     const PathParts parts(path);
     if (lastParentFolder == noRow || lastParentFolderPath != parts.folder) {
-        lastParentFolder = rowForFolder(parts.folder);
+        lastParentFolder = rowForFolder(parts.folder, folderIdentity);
         lastParentFolderPath = parts.folder;
     }
-    return createOneFile(lastParentFolder, parts.folder, parts.name, root, isFolder);
+    return createOneFile(lastParentFolder, parts.folder, parts.name, true, isFolder, seen);
 }
 
 RowId ReadItemsIntoDatabaseStage::createOneFile(RowId parent, std::string_view folderPath,
-                                                std::string_view name, bool root, bool isFolder) {
+                                                std::string_view name, bool root, bool isFolder,
+                                                const SeenItem& seen) {
     const StageProgress report(progress);
     report.describeItem([&] { return "Processing: " + joinedPath(folderPath, name); });
-    const RowId id = context->insertFile(parent, name, root, isFolder, engine.nextManualOrder());
+    const RowId id = context->insertFile(parent, name, root, isFolder, engine.nextManualOrder(), seen);
     if (++rowsMade % rowsPerCommit == 0) {
         report.describe("{} files read. Committing..", rowsMade);
         saveAndRefaultObjects();

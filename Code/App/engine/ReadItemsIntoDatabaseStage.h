@@ -31,6 +31,7 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     struct Kind {
         bool isFileOrBundle = true;
         bool isInvisible = false;
+        SeenItem seen;
     };
 
     void readSourceItem(const SourceItem& item);
@@ -39,10 +40,10 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     Kind kindOf(const std::string& path);
     void openFolderAt(std::string_view path);
     /// The row that stands for a folder, made if there is none.
-    RowId rowForFolder(std::string_view path);
-    RowId createOneFileWithPath(const std::string& path, bool root, bool folder);
+    RowId rowForFolder(std::string_view path, const FileIdentity& identity);
+    RowId createRootItem(const std::string& path, bool folder, const SeenItem& seen);
     RowId createOneFile(RowId parent, std::string_view folderPath, std::string_view name, bool root,
-                        bool folder);
+                        bool folder, const SeenItem& seen);
 
     bool shouldProcessSubfolders = false;
     int rowsMade = 0;
@@ -52,7 +53,8 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     /// The folder of the last source item, held open because the next is likely to lie there too.
     std::string openPath;
     std::unique_ptr<OpenFolder> folder; ///< null when it can't be opened
-    HiddenNames hiddenNames;            ///< of that folder
+    FileIdentity folderIdentity;
+    HiddenNames hiddenNames; ///< of that folder
 };
 
 } // namespace tavrin

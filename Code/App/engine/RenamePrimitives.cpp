@@ -42,7 +42,7 @@ bool RenamePrimitives::renameCurrentName(std::string_view currentName, const std
 
     const int status = routes.begin(atPath, currentName, toNewName);
     if (status == 0) {
-        lastIdentity = {routes.source().device, routes.source().inode};
+        lastIdentity = routes.source().identity;
         if (routes.source().kind == FileStatus::Kind::link) {
             failureReason = linkReason;
             return false;

@@ -11,13 +11,6 @@
 
 namespace tavrin {
 
-/// Tells an item on disk from another that has come to bear its name.
-struct FileIdentity {
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
-    bool operator==(const FileIdentity&) const = default;
-};
-
 /// The single rename of one item: refuses links, tries the route of the mode and then the others, counts,
 /// and leaves the reason of a failure. Worker thread only.
 class RenamePrimitives {

@@ -17,9 +17,7 @@ const std::string dummyName =
     "this dummy file is used to temporarily stand in for the real file that will be renamed during a Cocoa "
     "case sensitive rename";
 
-bool isSameItem(const FileStatus& a, const FileStatus& b) {
-    return a.inode == b.inode && a.device == b.device;
-}
+bool isSameItem(const FileStatus& a, const FileStatus& b) { return a.identity == b.identity; }
 
 std::u16string lowerCasedForm(std::string_view name) {
     return text::lowercased(text::precomposed(text::fromBytes(name)));

@@ -18,7 +18,7 @@ void RenameRun::noteTakenPlace(RowId formerHolder) {
         return;
     FileStatus found;
     const std::string place = joinedPath(item.folder(), context.component(formerHolder));
-    if (disk.status(place, found) == 0 && FileIdentity{found.device, found.inode} == *primitives.identity())
+    if (disk.status(place, found) == 0 && found.identity == *primitives.identity())
         moved.insert(formerHolder);
 }
 

@@ -4,6 +4,14 @@
 
 namespace tavrin {
 
+/// Tells an item on disk from another that has come to bear its name.
+struct FileIdentity {
+    std::uint64_t inode = 0;  ///< 0 where the item has not been seen
+    std::uint32_t device = 0; ///< as the kernel holds it: 12 bits of major, 20 of minor number
+    [[nodiscard]] bool isKnown() const { return inode != 0; }
+    bool operator==(const FileIdentity&) const = default;
+};
+
 /// What one statx call tells of an item. Times are seconds since 2001-01-01 00:00:00 UTC.
 struct FileStatus {
     enum class Kind : std::uint8_t { file, folder, link, other };
@@ -13,8 +21,8 @@ struct FileStatus {
     std::uint64_t allocated = 0; ///< bytes on the medium; 0 for a folder
     double modificationDate = 0;
     double creationDate = 0; ///< birth time where the file system has one, else the modification time
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
+    bool hasBirthTime = false;
+    FileIdentity identity;
 };
 
 } // namespace tavrin

@@ -21,10 +21,10 @@ void FolderEntries::clear() {
     places.clear();
 }
 
-void FolderEntries::add(std::string_view name, FileStatus::Kind kind) {
-    places.push_back(
-        {0, static_cast<std::uint32_t>(names.size()), static_cast<std::uint16_t>(name.size()), kind});
-    names += name;
+void FolderEntries::add(const FolderEntry& entry) {
+    places.push_back({0, entry.inode, static_cast<std::uint32_t>(names.size()),
+                      static_cast<std::uint16_t>(entry.name.size()), entry.kind});
+    names += entry.name;
 }
 
 std::size_t FolderEntries::commonPrefix() const {

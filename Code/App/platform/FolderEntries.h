@@ -10,10 +10,12 @@
 
 namespace tavrin {
 
-/// One entry of a folder. `kind` is that of the entry itself, links not followed.
+/// One entry of a folder. `kind` and `inode` are those of the entry itself, links not followed; at the place
+/// where another file system is mounted the inode is that of what lies below it.
 struct FolderEntry {
     std::string_view name; ///< valid as long as the list that it comes from is unchanged
     FileStatus::Kind kind;
+    std::uint64_t inode;
 };
 
 /// The entries of a folder in one buffer: a folder of a million files needs little more than the bytes of its
@@ -36,7 +38,7 @@ class FolderEntries {
     };
 
     void clear();
-    void add(std::string_view name, FileStatus::Kind kind);
+    void add(const FolderEntry& entry);
     /// By the bytes of the names.
     void sort();
     [[nodiscard]] bool contains(std::string_view name) const;
@@ -45,7 +47,7 @@ class FolderEntries {
     [[nodiscard]] bool empty() const { return places.empty(); }
     FolderEntry operator[](std::size_t index) const {
         const Place& place = places[index];
-        return {nameAt(place), place.kind};
+        return {nameAt(place), place.kind, place.inode};
     }
     [[nodiscard]] Iterator begin() const { return {*this, 0}; }
     [[nodiscard]] Iterator end() const { return {*this, places.size()}; }
@@ -54,6 +56,7 @@ class FolderEntries {
     struct Place {
         std::uint64_t
             key; // the bytes behind what all names share, so that most comparisons are one of numbers
+        std::uint64_t inode;
         std::uint32_t offset;
         std::uint16_t length;
         FileStatus::Kind kind;

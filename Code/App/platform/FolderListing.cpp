@@ -41,7 +41,8 @@ void addEntries(int folder, const char* buffer, std::size_t filled, FolderEntrie
         at += entry->d_reclen;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
             continue;
-        into.add(name, entry->d_type == DT_UNKNOWN ? askedKind(folder, name) : kindOfType(entry->d_type));
+        into.add({name, entry->d_type == DT_UNKNOWN ? askedKind(folder, name) : kindOfType(entry->d_type),
+                  entry->d_ino});
     }
 }
 

@@ -46,10 +46,9 @@ int statusAt(int folder, const std::string& name, int flags, FileStatus& into) {
     into.size = isFolder ? 0 : found.stx_size;
     into.allocated = isFolder ? 0 : found.stx_blocks * blockSize;
     into.modificationDate = secondsOf(found.stx_mtime);
-    into.creationDate =
-        (found.stx_mask & STATX_BTIME) != 0 ? secondsOf(found.stx_btime) : into.modificationDate;
-    into.device = std::uint64_t{found.stx_dev_major} << 32 | found.stx_dev_minor;
-    into.inode = found.stx_ino;
+    into.hasBirthTime = (found.stx_mask & STATX_BTIME) != 0;
+    into.creationDate = into.hasBirthTime ? secondsOf(found.stx_btime) : into.modificationDate;
+    into.identity = {found.stx_ino, found.stx_dev_major << 20 | found.stx_dev_minor};
     return 0;
 }
 

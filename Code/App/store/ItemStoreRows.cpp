@@ -217,6 +217,8 @@ std::uint8_t ItemStore::Impl::updateAttributes(NodeRow& row, const NodeRow& chan
     take(&NodeRow::treatAsFolder, ColumnClass::filter);
     take(&NodeRow::root, ColumnClass::filter);
     take(&NodeRow::sortingInformationLoaded, ColumnClass::none);
+    take(&NodeRow::inode, ColumnClass::none);
+    take(&NodeRow::device, ColumnClass::none);
     take(&NodeRow::depth, ColumnClass::plan);
     take(&NodeRow::canBeRenamedIndependently, ColumnClass::plan);
     take(&NodeRow::mustBeSwapped, ColumnClass::plan);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/FileStatus.h"
+
 #include <cstdint>
 
 namespace tavrin {
@@ -11,22 +13,31 @@ inline constexpr RowId noRow = 0;
 /// The sub-entity of a row; `none` is a row that is deleted or not yet made.
 enum class NodeEntity : std::uint8_t { none, file, ghostNode };
 
+/// What reading saw of an item.
+struct SeenItem {
+    FileIdentity identity;
+    FileStatus::Kind kind = FileStatus::Kind::file;
+};
+
 /// The fixed part of a `Node` row. Names lie beside it; `fullPath`, `parentPath`, `smartName` and `random`
 /// are derived when read. The pass markers are kept by the store apart from the rows.
 struct NodeRow {
     double modDate = 0; ///< seconds since 2001-01-01 00:00:00 UTC, like the two below
     double crDate = 0;
     double exif = 0;
-    std::uint64_t size = 0; ///< bytes; the attribute's text form is derived
+    std::uint64_t size = 0;  ///< bytes; the attribute's text form is derived
+    std::uint64_t inode = 0; ///< of the item when it was read, 0 if it was not seen
     RowId parent = noRow;
     RowId previousSibling =
         noRow; ///< a list from the folder's last child backwards, through deleted rows too
     RowId cannotBeRenamedBefore = noRow;
     RowId mustBeRenamedBefore = noRow;
+    std::uint32_t device = 0; ///< beside the inode
     std::uint32_t folder = 0; ///< number in the store's table of folders, 0 for what can have no children
     std::int32_t manualOrder = 0;
     std::int32_t depth = 0;
-    NodeEntity entity = NodeEntity::none;
+    NodeEntity entity : 4 = NodeEntity::none;
+    FileStatus::Kind kind : 4 = FileStatus::Kind::file; ///< when it was read, if it was seen
     bool treatAsFolder = false;
     bool root = false;
     bool diff = false;
@@ -34,6 +45,14 @@ struct NodeRow {
     bool sortingInformationLoaded = false;
     bool canBeRenamedIndependently = true;
     bool mustBeSwapped = false;
+
+    /// Of the item when it was read; of a folder whose contents were read: that of what holds them, beyond a
+    /// link.
+    [[nodiscard]] FileIdentity identity() const { return {inode, device}; }
+    void setIdentity(const FileIdentity& seen) {
+        inode = seen.inode;
+        device = seen.device;
+    }
 };
 
 } // namespace tavrin

@@ -100,9 +100,9 @@ class StoreContext {
 
     /// A new `File` row with the given parent; `finalName` is its name.
     RowId insertFile(RowId parent, std::string_view component, bool root, bool treatAsFolder,
-                     std::int32_t manualOrder);
+                     std::int32_t manualOrder, const SeenItem& seen = {});
     /// A new `GhostNode` for the folder at `path`.
-    RowId insertGhostNode(std::string_view path);
+    RowId insertGhostNode(std::string_view path, const FileIdentity& identity = {});
     /// Deletes the row and, by cascade, all below it.
     void deleteRow(RowId id);
     /// Deletes up to `limit` rows of any kind, from the front; the count deleted.

@@ -355,13 +355,15 @@ RowId StoreContext::Impl::insert(const NodeRow& row, std::string_view component)
 }
 
 RowId StoreContext::insertFile(RowId parent, std::string_view component, bool root, bool treatAsFolder,
-                               std::int32_t manualOrder) {
+                               std::int32_t manualOrder, const SeenItem& seen) {
     NodeRow row;
     row.entity = NodeEntity::file;
     row.parent = parent;
     row.root = root;
     row.treatAsFolder = treatAsFolder;
     row.manualOrder = manualOrder;
+    row.setIdentity(seen.identity);
+    row.kind = seen.kind;
     const RowId id = impl->insert(row, component);
     if (treatAsFolder) {
         std::string path = joined(impl->folderPath(parent), component);
@@ -371,10 +373,12 @@ RowId StoreContext::insertFile(RowId parent, std::string_view component, bool ro
     return id;
 }
 
-RowId StoreContext::insertGhostNode(std::string_view path) {
+RowId StoreContext::insertGhostNode(std::string_view path, const FileIdentity& identity) {
     NodeRow row;
     row.entity = NodeEntity::ghostNode;
     row.treatAsFolder = true;
+    row.setIdentity(identity);
+    row.kind = FileStatus::Kind::folder;
     const RowId id = impl->insert(row, lastComponent(path));
     impl->stagedFolders.try_emplace(std::string(path), id);
     impl->staged.folderPaths.emplace(id, path);

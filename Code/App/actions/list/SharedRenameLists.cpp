@@ -36,9 +36,8 @@ double now() {
 }
 
 bool areSame(const SharedRenameLists::Source& a, const SharedRenameLists::Source& b) {
-    return a.path == b.path && a.ignoreCase == b.ignoreCase && a.status.device == b.status.device &&
-           a.status.inode == b.status.inode && a.status.size == b.status.size &&
-           a.status.modificationDate == b.status.modificationDate;
+    return a.path == b.path && a.ignoreCase == b.ignoreCase && a.status.identity == b.status.identity &&
+           a.status.size == b.status.size && a.status.modificationDate == b.status.modificationDate;
 }
 
 } // namespace
