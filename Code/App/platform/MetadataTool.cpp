@@ -5,8 +5,6 @@
 #include "support/DebugLog.h"
 #include "support/Text.h"
 
-#include <fmt/format.h>
-
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -98,10 +96,6 @@ const char* description(ToolProcess::Outcome outcome) {
 }
 
 } // namespace
-
-std::string unreadMetadataOf(std::size_t files) {
-    return fmt::format("The metadata of {} {} could not be read", files, files == 1 ? "file" : "files");
-}
 
 MetadataTool::MetadataTool(const std::string& path) : MetadataTool(path, Limits()) {}
 MetadataTool::MetadataTool(const std::string& path, Limits bounds)
