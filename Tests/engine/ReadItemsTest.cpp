@@ -1,5 +1,6 @@
 #include "StageTest.h"
 #include "common/FailingFileSystem.h"
+#include "engine/CleanUpStages.h"
 #include "engine/ReadItemsIntoDatabaseStage.h"
 
 #include <algorithm>
@@ -228,6 +229,10 @@ TEST_F(ReadItemsTest, AFolderThatCannotBeReadIsReportedAndTheRestGoesOn) {
     host.add({folder.path("a")});
     host.set("processSubfolders", 1);
     FailingFileSystem files;
+    files.failKind(FileCall::entries, EACCES, 1);
+    ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
+    EXPECT_EQ(rows(), (std::vector<std::string>{"G / folder", "F a root folder"}));
+    ASSERT_TRUE(run<CleanUpProcessingErrorsStage>());
     files.failKind(FileCall::entries, EACCES, 2);
     ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
     EXPECT_EQ(rows(), (std::vector<std::string>{"G / folder", "F a root folder", "F a/b folder", "F a/c"}));

@@ -11,14 +11,17 @@
 
 namespace tavrin {
 
-void FolderWalk::run(const std::string& sourcePath) {
+bool FolderWalk::run(const std::string& sourcePath) {
     enter(sourcePath, noRow);
+    if (levels.empty())
+        return false;
     while (!levels.empty()) {
         if (levels.back().next < levels.back().entries.size())
             readNextEntry();
         else
             levels.pop_back();
     }
+    return true;
 }
 
 void FolderWalk::enter(std::string path, RowId row) {

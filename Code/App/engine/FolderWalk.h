@@ -22,7 +22,8 @@ class FolderWalk {
     FolderWalk(ReadItemsIntoDatabaseStage& owner, bool sourceIsInvisible)
         : stage(owner), isSourceInvisible(sourceIsInvisible) {}
 
-    void run(const std::string& sourcePath);
+    /// False if the folder itself could not be read.
+    bool run(const std::string& sourcePath);
 
   private:
     /// A folder on the way down, with what is left to do in it.

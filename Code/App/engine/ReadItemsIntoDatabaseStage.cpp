@@ -108,8 +108,8 @@ void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& 
         return;
     if (isNew || mustWalk)
         context->setSourceItemRead(item.path, isNew || item.readInRoot, mustWalk || item.readInSubfolders);
-    if (mustWalk)
-        FolderWalk(*this, kind.isInvisible).run(item.path);
+    if (mustWalk && !FolderWalk(*this, kind.isInvisible).run(item.path))
+        context->setSourceItemRead(item.path, isNew || item.readInRoot, false); // to be tried again
 }
 
 /// One call per item: the folder is held open for its neighbours on the list.
