@@ -80,12 +80,9 @@ void Session::tellEmptyLists() {
 }
 
 void Session::openStore(bool storeInFile) {
-    frontEnd.holdErrors(true);
-    const std::optional<std::string> error = controller->persistentStoreCoordinator()->openError();
+    const std::optional<std::string>& error = controller->persistentStoreCoordinator()->openError();
     if (storeInFile && error)
         throw UsageError(fmt::format("the list cannot be kept in a file: {}", *error));
-    static_cast<void>(controller->managedObjectContext());
-    frontEnd.holdErrors(false);
 }
 
 void Session::addPaths(const std::vector<std::string>& given) {

@@ -55,7 +55,8 @@ std::string asOneLine(std::string text) {
 void TerminalFrontEnd::tellFailure(const std::string& title, const std::string& message,
                                    const std::string& path) {
     failures = true;
-    terminal.complain(terminal.shownInError(fmt::format("{}: {}: {}", title, message, path)));
+    const std::string text = fmt::format("{}: {}", title, message);
+    terminal.complain(terminal.shownInError(path.empty() ? text : fmt::format("{}: {}", text, path)));
 }
 
 void TerminalFrontEnd::tellFailures(const std::vector<ProcessingError>& errors) {
@@ -206,9 +207,11 @@ void TerminalFrontEnd::askForSavePath(const std::string&,
 }
 
 void TerminalFrontEnd::presentError(const std::string& message) {
-    if (holdsErrors)
-        return;
     failures = true;
+    terminal.complain(terminal.shownInError("tvrn: " + message));
+}
+
+void TerminalFrontEnd::presentNotice(const std::string& message) {
     terminal.complain(terminal.shownInError("tvrn: " + message));
 }
 

@@ -21,9 +21,6 @@ class TerminalFrontEnd : public FrontEnd {
     /// Asks the user; without it nothing is asked.
     void setInteractive(bool isInteractive) { interactive = isInteractive; }
 
-    /// Meanwhile errors of the application are dropped: whoever holds them tells them in its own words.
-    void holdErrors(bool hold) { holdsErrors = hold; }
-
     /// Something was told as failed.
     [[nodiscard]] bool hasFailures() const { return failures; }
     /// A run was refused: before it began, or at an item that must not be touched.
@@ -48,6 +45,7 @@ class TerminalFrontEnd : public FrontEnd {
     void askForSavePath(const std::string& title,
                         std::function<void(std::optional<std::string>)> answer) override;
     void presentError(const std::string& message) override;
+    void presentNotice(const std::string& message) override;
     void terminate() override;
     void previewFinished() override { previewIsFinished = true; }
 
@@ -60,7 +58,6 @@ class TerminalFrontEnd : public FrontEnd {
     QueueRunLoop& loop;
     const InterruptHandler& interrupts;
     bool interactive = false;
-    bool holdsErrors = false;
     bool failures = false;
     bool refused = false;
     bool stopped = false;

@@ -1,4 +1,5 @@
 #include "StageTest.h"
+#include "common/FailingVfs.h"
 #include "common/LogRecorder.h"
 #include "engine/ErrorReportManager.h"
 #include "engine/RenameEngineUtilities.h"
@@ -54,8 +55,14 @@ TEST_F(ErrorReportTest, HasATitleForEachOccasion) {
 }
 
 TEST_F(ErrorReportTest, ABrokenStoreLeavesTheRest) {
-    // A store whose file can't be made throws when it is read.
-    EngineTestHost broken(EngineTestHost::inFile(folder.write("no folder")));
+    FailingVfs vfs;
+    EngineTestHost broken(
+        {.kind = ItemStore::Kind::file, .folder = folder.path(), .residentBudget = 1, .vfs = vfs.name()});
+    StoreContext context(*broken.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
+    for (int batch = 0; batch < 3; ++batch, context.commit()) // more than stays in memory
+        for (int i = 0; i < 5000; ++i)
+            context.insertFile(noRow, "x", true, false, i);
+    vfs.failRead(1, true);
     ErrorReportManager(broken).writeErrorReportWithString("body", "title");
     expectInOrder(report(), {"title", "body", "database dump failed.\n", "System Survey"});
 }

@@ -155,6 +155,8 @@ class FrontEnd {
 
     // --- Showing: a front end does what it has the means for ---
     virtual void presentError(const std::string& message) = 0;
+    /// Tells something that the user should know, though nothing has failed by it.
+    virtual void presentNotice(const std::string& message) { presentError(message); }
     /// The application has ended its work: leave the event loop.
     virtual void terminate() = 0;
     virtual void selectMainTab(MainTab) {}
