@@ -42,10 +42,11 @@ void PerformRenameStage::breakOff(const std::string& reason) {
     const std::int32_t renamed = run ? run->primitives.actuallyRenamedCounter : 0;
     EngineControl& control = context->changeEngineControl();
     control.numberOfActuallyRenamedFiles = renamed;
-    addError("The renaming was broken off",
-             fmt::format("{}. {} of {} items had been renamed by then, the others were not renamed.", reason,
-                         renamed, control.numberOfFilesThatNeedRenaming),
-             {});
+    if (renamed < control.numberOfFilesThatNeedRenaming || !run)
+        addError("The renaming was broken off",
+                 fmt::format("{}. {} of {} items had been renamed by then, the others were not renamed.",
+                             reason, renamed, control.numberOfFilesThatNeedRenaming),
+                 {});
     context->commit();
     // The last batch has not told its paths yet. The rows are gone, so this reads none.
     if (run)
