@@ -167,6 +167,15 @@ void Session::wasToldToStop() {
     loop.post([] {}); // whoever waits looks again
 }
 
+/// Printing the rows may have paged some out, which the disk refuses. After a run nothing new is to begin.
+void Session::tellWhatIsPosted() {
+    if (runHasStarted || wasInterrupted())
+        return;
+    const auto isTold = std::make_shared<bool>(false);
+    loop.post([isTold] { *isTold = true; });
+    loop.runUntil([&] { return *isTold; });
+}
+
 ExitStatus Session::status() {
     if (wasInterrupted() || frontEnd.wasStopped())
         return ExitStatus::stopped;
@@ -176,6 +185,7 @@ ExitStatus Session::status() {
 }
 
 ExitStatus Session::finish() {
+    tellWhatIsPosted();
     const ExitStatus result = connectedTerminal.finish(status());
     if (hasUnfinishedPreview && wasInterrupted())
         std::_Exit(static_cast<int>(result));

@@ -1,6 +1,5 @@
 #include "common/FailingVfs.h"
 #include "store/StoreContext.h"
-#include "store/StoreError.h"
 #include "store/StoreTestData.h"
 
 #include <fmt/core.h>
@@ -81,37 +80,6 @@ TEST(ItemStoreTest, WhicheverWriteFailsNothingIsLostAndItIsToldOnce) {
             expectAllRenamed(context, ghost, u"?");
         }
     }
-}
-
-TEST(ItemStoreTest, EachFailingReadThrowsAndTheSwitchIntoMemoryGoesOn) {
-    FailingVfs vfs;
-    TemporaryFolder folder;
-    bool hasThrown = false;
-    for (const int k : {1, 2, 3, 5, 8, 13, 21, 34}) {
-        ItemStore::Options options = optionsFor(Backing::tightFile, folder.path());
-        options.vfs = vfs.name();
-        vfs.failRead(0);
-        ItemStore store(options);
-        StoreContext context(store, StoreContext::MergePolicy::contextWins);
-        context.insertSourceItem("/tree", true);
-        fillFolder(context, manyRows);
-        vfs.failRead(k, true);
-        try {
-            renameAll(context, 3, u"!");
-        } catch (const StoreError&) {
-            hasThrown = true;
-        }
-        context.reset();
-        ASSERT_TRUE(store.migrateToMemory());
-        EXPECT_FALSE(store.migrateToMemory());
-        while (context.deleteNodes(2000) > 0)
-            context.commit();
-        EXPECT_EQ(context.sourceItemCount(), 1u);
-        const RowId ghost = fillFolder(context, 5000);
-        renameAll(context, 4, u"?");
-        EXPECT_EQ(context.finalName(context.children(ghost).back()), u"file 5000.txt?");
-    }
-    EXPECT_TRUE(hasThrown) << "the budget was never exceeded, so nothing was tested";
 }
 
 TEST(ItemStoreTest, TwoInstancesInOneFolderNeverMeetAndLeaveNothing) {
