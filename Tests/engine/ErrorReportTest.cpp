@@ -1,5 +1,4 @@
 #include "StageTest.h"
-#include "common/FailingVfs.h"
 #include "common/LogRecorder.h"
 #include "engine/ErrorReportManager.h"
 #include "engine/RenameEngineUtilities.h"
@@ -55,15 +54,8 @@ TEST_F(ErrorReportTest, HasATitleForEachOccasion) {
 }
 
 TEST_F(ErrorReportTest, ABrokenStoreLeavesTheRest) {
-    FailingVfs vfs;
-    EngineTestHost broken(
-        {.kind = ItemStore::Kind::file, .folder = folder.path(), .residentBudget = 1, .vfs = vfs.name()});
-    StoreContext context(*broken.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
-    for (int batch = 0; batch < 3; ++batch, context.commit()) // more than stays in memory
-        for (int i = 0; i < 5000; ++i)
-            context.insertFile(noRow, "x", true, false, i);
-    vfs.failRead(1, true);
-    ErrorReportManager(broken).writeErrorReportWithString("body", "title");
+    BrokenHost broken(folder.path());
+    ErrorReportManager(broken.host).writeErrorReportWithString("body", "title");
     expectInOrder(report(), {"title", "body", "database dump failed.\n", "System Survey"});
 }
 

@@ -128,11 +128,12 @@ TEST(RenameMishaps, AFolderThatHasGoneAndAReadOnlyOneAreReported) {
 /// Each write, then each read, of the store's file fails during planning and renaming, once or from then on.
 /// A write is done without; after a read the run ends with the true count and paths, and says so once.
 TEST(RenameMishaps, AFailingStoreFileLosesNoFileAndTheTruthIsTold) {
-    constexpr int count = 5000;
+    constexpr int count = 4500;
     int brokenOff = 0;
     for (const bool write : {true, false}) {
         bool hasFailed = true;
-        for (int k = 1; hasFailed; k += k * 2 / 3 + 1) {
+        bool forGood = true;
+        for (int k = 1; hasFailed; k *= 2, forGood = !forGood) {
             SCOPED_TRACE(std::string(write ? "write " : "read ") + std::to_string(k));
             FailingVfs vfs;
             TemporaryFolder data;
@@ -140,10 +141,10 @@ TEST(RenameMishaps, AFailingStoreFileLosesNoFileAndTheTruthIsTold) {
                                .folder = data.path(),
                                .residentBudget = 1,
                                .vfs = vfs.name()});
-            const std::string first = bench.disk.write("f/0", "");
-            std::vector<std::string> names{"f/0"};
+            std::vector<std::string> names{"f/10000"};
+            const std::string first = bench.disk.write(names.front(), "");
             for (int i = 1; i < count; ++i) {
-                names.push_back("f/" + std::to_string(i));
+                names.push_back("f/" + std::to_string(10000 + i));
                 std::filesystem::create_hard_link(first, bench.disk.path(names.back()));
             }
             bench.read(names);
@@ -154,7 +155,7 @@ TEST(RenameMishaps, AFailingStoreFileLosesNoFileAndTheTruthIsTold) {
                 context.change(row).diff = true;
             }
             context.commit();
-            (write ? vfs.failWrite(k, k % 2 == 0) : vfs.failRead(k, k % 2 == 0));
+            (write ? vfs.failWrite(k, forGood) : vfs.failRead(k, forGood));
             bench.rename();
             hasFailed = (write ? vfs.writes() : vfs.reads()) >= k;
             const RenameBench::Tree files = bench.files();
