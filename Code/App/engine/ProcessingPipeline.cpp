@@ -124,7 +124,7 @@ bool ProcessingPipeline::recover() {
     report.describe("Processing...");
     report.indeterminate(true);
     const bool hasMoved = moveStoreIntoMemory();
-    if (needsRows)
+    if (needsRows && context)
         breakOffStages();
     if (!hasMoved) {
         giveUp();
@@ -137,7 +137,7 @@ bool ProcessingPipeline::recover() {
 
 /// To run them anew would find nothing to do and say that all is well.
 void ProcessingPipeline::breakOffStages() {
-    StoreContext fresh(*engine.host().persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
+    StoreContext fresh(context->store(), StoreContext::MergePolicy::contextWins);
     for (const auto& stage : stages) {
         stage->setManagedObjectContext(&fresh);
         stage->breakOff(failure.reason);
