@@ -206,14 +206,12 @@ void TerminalFrontEnd::askForSavePath(const std::string&,
 }
 
 void TerminalFrontEnd::presentError(const std::string& message) {
-    if (holdsErrors)
-        return;
     failures = true;
     terminal.complain("tvrn: " + message);
 }
 
 void TerminalFrontEnd::presentNotice(const std::string& text) {
-    terminal.complain(terminal.shownInError("tvrn: " + text));
+    terminal.complain("tvrn: " + text);
 }
 
 void TerminalFrontEnd::terminate() { loop.stop(); }

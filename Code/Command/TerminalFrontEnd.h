@@ -21,9 +21,6 @@ class TerminalFrontEnd : public FrontEnd {
     /// Asks the user; without it nothing is asked.
     void setInteractive(bool isInteractive) { interactive = isInteractive; }
 
-    /// Meanwhile errors of the application are dropped: whoever holds them tells them in its own words.
-    void holdErrors(bool hold) { holdsErrors = hold; }
-
     /// Something was told as failed.
     [[nodiscard]] bool hasFailures() const { return failures; }
     /// A run was refused: before it began, or at an item that must not be touched.
@@ -61,7 +58,6 @@ class TerminalFrontEnd : public FrontEnd {
     QueueRunLoop& loop;
     const InterruptHandler& interrupts;
     bool interactive = false;
-    bool holdsErrors = false;
     bool failures = false;
     bool refused = false;
     bool stopped = false;

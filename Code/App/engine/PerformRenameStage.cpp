@@ -35,9 +35,24 @@ bool PerformRenameStage::process() {
     const FetchRequest request = openItems();
     while (!run->questions.shouldAbort() && performBatch(request)) {
     }
-    run.reset();
     warnings.reset();
     return true;
+}
+
+void PerformRenameStage::breakOff(const std::string& reason) {
+    const std::int32_t renamed = run ? run->primitives.actuallyRenamedCounter : 0;
+    EngineControl& control = context->changeEngineControl();
+    control.numberOfActuallyRenamedFiles = renamed;
+    control.numberOfItemsNotRenamed = control.numberOfFilesThatNeedRenaming - renamed;
+    if (renamed < control.numberOfFilesThatNeedRenaming || !run)
+        addError("The renaming was broken off",
+                 fmt::format("{}. {} of {} items had been renamed by then, the others were not renamed.",
+                             reason, renamed, control.numberOfFilesThatNeedRenaming),
+                 {});
+    context->commit();
+    // The last batch has not told its paths yet. The rows are gone, so this reads none.
+    if (run)
+        run->sourceItems.apply();
 }
 
 void PerformRenameStage::switchToLionModeOnce() {
@@ -94,7 +109,6 @@ bool PerformRenameStage::performBatch(const FetchRequest& request) {
     }
     run->report.describe("Renamed {} files. Committing..", run->primitives.actuallyRenamedCounter);
     setCounters();
-    // After a commit that failed the marks stay staged, so that no item comes twice.
     saveAndRefaultObjects();
     run->report.describe("Updating source items..");
     run->sourceItems.apply();

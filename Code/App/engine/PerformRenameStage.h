@@ -20,6 +20,7 @@ class PerformRenameStage final : public ProcessingStage {
     ~PerformRenameStage() override;
 
     bool process() override;
+    void breakOff(const std::string& reason) override;
     [[nodiscard]] std::string className() const override { return "PerformRenameStage"; }
     [[nodiscard]] std::string stageDescription() const override { return "Performing renames..."; }
 
@@ -34,7 +35,7 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] RowId holderOfWantedName(RowId id);
     void setCounters();
 
-    std::unique_ptr<RenameRun> run; ///< the state of one `process`
+    std::unique_ptr<RenameRun> run; ///< the state of `process`, kept for breakOff
     std::unique_ptr<LibraryWarnings> warnings;
 };
 
