@@ -206,8 +206,10 @@ class Pictures {
         ask(ConfirmationSheet::problem, "report-problem");
         Dialogs::showProcessingErrors(
             window,
-            {{"Could not rename", "Another file has this name.", photo},
-             {"Could not rename", "Permission denied.", files->path("tickets.pdf")}},
+            {{{"Could not rename", "Another file has this name.", photo},
+              {"Could not rename", "Permission denied.", files->path("tickets.pdf")}},
+             2,
+             "3 file names were changed."},
             [] {});
         saveDialog("errors");
         Dialogs::showNotice(window, NoticeDialog::noFilesSelected, [](NoticeAnswer) {});

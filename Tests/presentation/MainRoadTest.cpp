@@ -1,5 +1,6 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
@@ -24,6 +25,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
@@ -180,7 +182,8 @@ TEST_F(MainRoad, TellsFailuresAtOnceAndAllOthersAtTheEnd) {
     auto* list = find<QListWidget>("errorList");
     ASSERT_EQ(list->count(), 1); // the one that was told at once is not told again
     EXPECT_TRUE(list->item(0)->text().contains("c.txt"));
-    EXPECT_FALSE(find<QLabel>("errorMessage")->text().isEmpty());
+    EXPECT_TRUE(find<QLabel>("errorHead")->text().endsWith("1 file name was changed."));
+    EXPECT_FALSE(find<QPlainTextEdit>("errorMessage")->toPlainText().isEmpty());
     QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(QApplication::clipboard()->text().endsWith("c.txt\n"));
     find<QDialog>("errorWindow")->accept();
@@ -284,8 +287,39 @@ TEST_F(MainRoad, OrdersRowsByHand) {
         return model().rowCount() == 3 && model().rowAt(1).name == u"c.txt" &&
                model().rowAt(1).finalName == u"Image_02.txt";
     });
-    EXPECT_EQ(view->selectedRows(), (DNDArrayController::Indexes{1}));
+    EXPECT_EQ(view->selectedRows(), std::vector<std::size_t>{1});
     EXPECT_FALSE(application->controller().globalSettings().automaticSorting());
+}
+
+// What is on show may be a part of the list: what is done to a row hits that row, and no other.
+TEST_F(MainRoad, MovesAndRemovesTheRowsOfAFilteredList) {
+    start({makeFile("a"), makeFile("Kb"), makeFile("c"), makeFile("Kd"), makeFile("e")});
+    UserDefaults::sharedInstance().setObject("showManualSortingAlert", false);
+    chooseAction("Replace text");
+    type("searchTerm", "K");
+    type("replacementTerm", "L");
+    waitForNames({"a", "c", "e", "Lb", "Ld"});
+    auto* view = find<PreviewTableView>("previewTableView");
+    const auto names = [this] {
+        std::vector<std::string> result;
+        for (int row = 0; row < model().rowCount(); ++row)
+            result.push_back(text::toUtf8(model().rowAt(row).name));
+        return result;
+    };
+    application->window().previewPane().setShow(PreviewPane::Show::toBeRenamed);
+    ASSERT_EQ(names(), (std::vector<std::string>{"Kb", "Kd"}));
+    view->selectRow(1);
+    QTest::keyClick(view, Qt::Key_Up, Qt::AltModifier);
+    waitUntil("the order is turned", [&] { return names() == std::vector<std::string>{"Kd", "Kb"}; });
+    application->window().previewPane().setShow(PreviewPane::Show::all);
+    EXPECT_EQ(names(), (std::vector<std::string>{"a", "c", "e", "Kd", "Kb"}));
+    application->window().previewPane().setShow(PreviewPane::Show::toBeRenamed);
+    view->selectRow(0);
+    auto& dragging = application->controller().dndArrayController();
+    ASSERT_TRUE(dragging.writeRows(view->selectedIds()));
+    EXPECT_TRUE(dragging.deleteRowsIfAppropriate());
+    application->window().previewPane().setShow(PreviewPane::Show::all);
+    waitUntil("the row is gone", [&] { return names() == std::vector<std::string>{"a", "c", "e", "Kb"}; });
 }
 
 TEST_F(MainRoad, RemovesRowsFromTheListAlone) {

@@ -148,8 +148,8 @@ TEST_F(WholeRunTest, FailuresAreListedAtTheEnd) {
     frontEnd.expect("errors");
     controller().ok();
     waitUntilIdle();
-    ASSERT_EQ(frontEnd.errors.size(), 1u);
-    EXPECT_EQ(frontEnd.errors.front().path, links.back());
+    ASSERT_EQ(frontEnd.failures.errors.size(), 1u);
+    EXPECT_EQ(frontEnd.failures.errors.front().path, links.back());
     EXPECT_EQ(names(), (std::vector<std::string>{"a1", "a2", "target"}));
 }
 

@@ -96,10 +96,19 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
         const EngineTurns::Held lock(*turn);
         if (ending)
             return;
-        static_cast<void>(createSaveToFileListPipeline(arguments)->process());
+        std::string reason;
+        FileListArguments ownArguments = arguments;
+        ownArguments.reason = &reason;
+        if (!createSaveToFileListPipeline(ownArguments)->process() && reason.empty())
+            reason = "The list of items could not be read.";
         onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
         onMainThread([](EngineHost& host) { host.refreshPreview(); });
-        onMainThread([&](EngineHost& host) { host.showFileListSavingCompletionDialog(arguments.format); });
+        onMainThread([&](EngineHost& host) {
+            if (reason.empty())
+                host.showFileListSavingCompletionDialog(arguments.format);
+            else
+                host.showFileListNotSaved(arguments.path, reason);
+        });
     });
 }
 

@@ -59,9 +59,17 @@ void QtFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDi
     Dialogs::showConfirmationSheet(window, sheet, context, previewPath, thumbnails, std::move(answer));
 }
 
-void QtFrontEnd::showProcessingErrors(const std::vector<ProcessingError>& errors,
-                                      std::function<void()> closed) {
-    Dialogs::showProcessingErrors(window, errors, std::move(closed));
+void QtFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
+    Dialogs::showProcessingErrors(window, report, std::move(closed));
+}
+
+void QtFrontEnd::withdrawQuestions() {
+    if (!window)
+        return;
+    // During a run no other dialog that is open waits for more than to be closed.
+    for (QDialog* dialog : window->findChildren<QDialog*>())
+        if (dialog->isVisible())
+            dialog->reject();
 }
 
 void QtFrontEnd::askForFilesToAdd(const std::string& startFolder,

@@ -26,8 +26,8 @@ class QtFrontEnd final : public FrontEnd {
     void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
                                const std::optional<std::string>& previewPath,
                                std::function<void(ConfirmationChoice)> answer) override;
-    void showProcessingErrors(const std::vector<ProcessingError>& errors,
-                              std::function<void()> closed) override;
+    void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
+    void withdrawQuestions() override;
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
