@@ -69,11 +69,13 @@ class Ending : public WindowFixture {
             QCoreApplication::exit(1);
         });
         watchdog.start(5000);
-        QApplication::exec();
+        status = QApplication::exec();
         EXPECT_FALSE(isLate) << "the event loop did not end";
         application.reset(); // workers that wait for an answer are freed, or this never returns
         return report;
     }
+
+    int status = 0; ///< that the program would end with
 
     void startWithFiles(int count) {
         std::vector<std::string> paths;
@@ -116,6 +118,7 @@ TEST_F(Ending, StopsAQuestionInEachWay) {
         const std::string told = ::testing::internal::GetCapturedStderr();
         const std::string stopped = "The rename was stopped: 0 of 3 items have got their new names.";
         const bool isSeen = std::string(way.name) == "window";
+        EXPECT_EQ(status, isSeen ? 0 : 3);
         EXPECT_EQ(onScreen, isSeen ? "No file names were changed.|" + stopped : "");
         EXPECT_THAT(told, ::testing::HasSubstr(
                               isSeen ? "" : "tavrin: No file names were changed. " + stopped + "\n"));
@@ -140,7 +143,8 @@ TEST_F(Ending, StopsAPreviewAndARunBetweenItems) {
         application->controller().globalSettings().setValue(0, "showSummary");
         click("okButton");
         ::testing::internal::CaptureStderr();
-        const std::string report = endBy(way) + ::testing::internal::GetCapturedStderr();
+        std::string report = endBy(way);
+        report += ::testing::internal::GetCapturedStderr();
         // Some have new names, some the old, none is lost, and the number is told.
         std::set<std::string> contents;
         int renamed = 0;

@@ -139,13 +139,13 @@ void QtFrontEnd::terminateWhenAllIsRead() {
     terminateAtOnce();
 }
 
-void QtFrontEnd::terminateAtOnce() {
+void QtFrontEnd::terminateAtOnce(int status) {
     if (window && window->services().controller.operationMode() == OperationMode::normal)
         WindowMemory::remember(*window, window->services().defaults);
     // Not quit(), which would first ask the windows to close: that is what leads here. Queued, since there
     // may be no event loop to leave yet.
     QMetaObject::invokeMethod(
-        qApp, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+        qApp, [status] { QCoreApplication::exit(status); }, Qt::QueuedConnection);
 }
 
 void QtFrontEnd::selectMainTab(MainTab tab) {

@@ -45,8 +45,8 @@ class QtFrontEnd final : public FrontEnd {
     void presentError(const std::string& message) override;
     /// Of a droplet that has no window, once the user has closed what it has to say.
     void terminate() override;
-    /// Whatever is open.
-    void terminateAtOnce();
+    /// Whatever is open, with this exit status.
+    void terminateAtOnce(int status = 0);
     void selectMainTab(MainTab tab) override;
     void selectPreviewTab(PreviewTab tab) override;
     void setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) override;

@@ -16,6 +16,7 @@ namespace tavrin {
 
 namespace {
 
+constexpr int runWasStopped = 3;                           // exit status, as that of the terminal command
 constexpr std::chrono::milliseconds betweenQuestions(200); // whether the run has ended
 constexpr std::chrono::seconds longestInLog(1);            // that a line waits for others, all being quiet
 
@@ -81,7 +82,7 @@ void TavrinApplication::endNow() {
     saveState();
     const auto tellAndEnd = [this](const std::string& report) {
         std::fputs(fmt::format("tavrin: {}\n", report).c_str(), stderr);
-        frontEnd.terminateAtOnce();
+        frontEnd.terminateAtOnce(runWasStopped);
     };
     if (!mainController->confirmationFlow().stopRun(tellAndEnd))
         frontEnd.terminateAtOnce();

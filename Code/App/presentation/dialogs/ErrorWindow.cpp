@@ -36,7 +36,7 @@ ErrorWindow::ErrorWindow(QWidget* parent, const FailureReport& report)
     auto* head = new QLabel(text + '\n' + toQString(report.done));
     head->setObjectName("errorHead");
     head->setWordWrap(true);
-    auto* message = new MessageText;
+    auto* message = new MessageText(3);
     message->setObjectName("errorMessage");
     message->setAccessibleName("Reason");
     list->setObjectName("errorList");

@@ -11,7 +11,7 @@ constexpr int mostLines = 8;
 
 } // namespace
 
-MessageText::MessageText(QWidget* parent) : QPlainTextEdit(parent) {
+MessageText::MessageText(int lines) : leastLines(lines) {
     setReadOnly(true);
     setFrameShape(QFrame::NoFrame);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -44,7 +44,7 @@ void MessageText::resizeEvent(QResizeEvent* event) {
 void MessageText::fitHeight() {
     // The layout of plain text counts its height in lines.
     const int lines = static_cast<int>(std::ceil(document()->size().height()));
-    setFixedHeight(std::clamp(lines, 1, mostLines) * fontMetrics().lineSpacing() + 2);
+    setFixedHeight(std::clamp(lines, leastLines, mostLines) * fontMetrics().lineSpacing() + 2);
 }
 
 } // namespace tavrin

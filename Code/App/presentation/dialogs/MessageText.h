@@ -8,7 +8,8 @@ namespace tavrin {
 /// line, is as high as its text, and scrolls where that has too many lines.
 class MessageText final : public QPlainTextEdit {
   public:
-    explicit MessageText(QWidget* parent = nullptr);
+    /// `lines` are kept free for it at least.
+    explicit MessageText(int lines = 1);
 
     void setText(const QString& text);
     [[nodiscard]] QSize sizeHint() const override;
@@ -19,6 +20,8 @@ class MessageText final : public QPlainTextEdit {
 
   private:
     void fitHeight();
+
+    const int leastLines;
 };
 
 } // namespace tavrin
