@@ -60,7 +60,10 @@ class ScriptedFrontEnd : public FrontEnd {
                                const std::optional<std::string>& previewPath,
                                std::function<void(ConfirmationChoice)> answer) override;
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
-    void withdrawQuestions() override { note("withdrawQuestions"); }
+    void withdrawQuestions() override {
+        note("withdrawQuestions");
+        held = nullptr;
+    }
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;

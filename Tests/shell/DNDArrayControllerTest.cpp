@@ -2,7 +2,6 @@
 
 #include "ShellFixture.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "support/DebugLog.h"
 
 #include <fmt/format.h>
 
@@ -16,11 +15,6 @@ namespace {
 using Place = DNDArrayController::Place;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
-
-struct Lines final : LogSink {
-    void write(std::string_view line) override { lines.emplace_back(line); }
-    std::vector<std::string> lines;
-};
 
 class DNDArrayControllerTest : public ShellFixture {
   protected:
@@ -99,20 +93,6 @@ TEST_F(DNDArrayControllerTest, PutsDraggedRowsAtThePlaceOfTheDrop) {
     EXPECT_THAT(names(), ElementsAre("c", "a", "d"));
     dragging().insertRows({gone, idOf("d")}, {idOf("c")});
     EXPECT_THAT(names(), ElementsAre("d", "c", "a"));
-}
-
-TEST_F(DNDArrayControllerTest, LogsTheOrderBeforeAndAfter) {
-    startWith({"a", "b"});
-    Lines log;
-    LogSink* const former = setDebugLogSink(&log);
-    setDebugLogIsOn(true);
-    static_cast<void>(dragging().writeRows(idsOf({"a"})));
-    dragging().acceptRows({});
-    setDebugLogIsOn(false);
-    setDebugLogSink(former);
-    log.lines.resize(std::min<std::size_t>(log.lines.size(), 6));
-    EXPECT_THAT(log.lines, ElementsAre("internal drag", "index set: 0", "BEFORE Insertion:", "a (0)", "b (1)",
-                                       "AFTER Insertion:"));
 }
 
 TEST_F(DNDArrayControllerTest, TakesRowsBetweenRowsAloneAndFilesAnywhere) {
