@@ -34,9 +34,11 @@ class Session {
 
     [[nodiscard]] Terminal& terminal() { return connectedTerminal; }
 
-    /// Asks before each step; throws UsageError where there is nobody to ask.
+    /// Asks before each step of a rename if the settings say so; throws UsageError where there is nobody to
+    /// ask.
+    void beInteractiveIfSet();
+    /// The same whatever they say.
     void beInteractive();
-    [[nodiscard]] bool isInteractive() const;
     void showNoProgress() { showsProgress = false; }
 
     /// Reads the items and computes their names; tells what failed.
@@ -62,7 +64,7 @@ class Session {
   private:
     void setDefaults(bool storeInFile);
     void load(const RunOptions& options);
-    void tellEmptyLists();
+    void refuseStepsThatCannotWork();
     void openStore(bool storeInFile);
     void addPaths(const std::vector<std::string>& given);
     void tellFailuresOfPreview();

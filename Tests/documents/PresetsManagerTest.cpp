@@ -219,7 +219,7 @@ TEST_F(PresetsManagerTest, DeletesByIndexAndByName) {
     write("b_c.tvrn8preset.plist", PropertyDictionary());
     {
         FailingFileSystem failing;
-        failing.failKind(FileCall::remove, EACCES);
+        failing.failKind(FileCall::removeFile, EACCES);
         EXPECT_FALSE(manager.deletePreset(u"b.c"));
     }
     EXPECT_TRUE(manager.deletePreset(u"b.c"));

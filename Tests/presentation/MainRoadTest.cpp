@@ -123,6 +123,7 @@ TEST_F(MainRoad, AsksAndObeysEachAnswer) {
         {swap, "confirmSwapWindow", {"leaveOut"}, {"a=a", "b=b", "c=c"}},
         {swap, "confirmSwapWindow", {"confirmOne"}, {"a=b", "b=a", "c=c"}},
         {circle, "confirmNameCycleWindow", {"confirmStop"}, {"a=a", "b=b", "c=c"}},
+        {circle, "confirmNameCycleWindow", {"leaveOut"}, {"a=a", "b=b", "c=c"}},
         {circle, "confirmNameCycleWindow", {"confirmOne"}, {"a=c", "b=a", "c=b"}},
     };
     for (const Case& each : cases) {

@@ -37,6 +37,16 @@ bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentNam
     return isPossible(into);
 }
 
+std::string_view NameOnDisk::faultOf(std::u16string_view finalName, std::string_view currentName) {
+    std::string bytes;
+    if (finalName.empty())
+        return "The new name is empty";
+    if (!text::toBytes(finalName, bytes) || hasStrayHalf(finalName, currentName))
+        return "It cuts a character in two";
+    return bytes.find('\0') != std::string::npos ? "It holds a character that ends a name"
+                                                 : "This name stands for a folder itself";
+}
+
 bool NameOnDisk::isPossible(std::string_view name) {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
            name.find('\0') == std::string_view::npos;

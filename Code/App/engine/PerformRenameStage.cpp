@@ -4,15 +4,16 @@
 #include "engine/EngineHost.h"
 #include "engine/LibraryWarnings.h"
 #include "engine/RenameChain.h"
-#include "engine/RenameCycle.h"
 #include "engine/RenameEngine.h"
-#include "engine/RenamePair.h"
+#include "engine/RenameRing.h"
 #include "engine/RenameRun.h"
 #include "platform/RunLoop.h"
 #include "platform/UserDefaults.h"
 #include "store/FilterManager.h"
 #include "store/StoreContext.h"
 #include "support/MacOSXVersion.h"
+
+#include <algorithm>
 
 namespace tavrin {
 
@@ -62,14 +63,15 @@ void PerformRenameStage::prepare() {
     const TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
     const bool shouldBeInteractive = settings.shouldInteract() && !engine.host().isSilentDroplet();
     run = std::make_unique<RenameRun>(engine, *this, *context, progress, shouldBeInteractive);
+    run->filter = settings.itemFilter();
     warnings = std::make_unique<LibraryWarnings>(settings.shouldPreventAccidentalITunesLibraryDamage(),
                                                  settings.shouldPreventAccidentalIPhotoLibraryDamage());
-    setNumberOfActuallyRenamedFiles();
+    setCounters();
 }
 
 FetchRequest PerformRenameStage::openItems() const {
     return {FetchEntity::file,
-            FilterManager::currentFilterPredicate(engine.host().globalSettings().itemFilter())
+            FilterManager::currentFilterPredicate(run->filter)
                 .with(Predicate::isTrue(NodeKey::diff))
                 .with(Predicate::notMarked(run->marker)),
             {{NodeKey::depth, false},
@@ -91,7 +93,7 @@ bool PerformRenameStage::performBatch(const FetchRequest& request) {
         performItem(item);
     }
     run->report.describe("Renamed {} files. Committing..", run->primitives.actuallyRenamedCounter);
-    setNumberOfActuallyRenamedFiles();
+    setCounters();
     // After a commit that failed the marks stay staged, so that no item comes twice.
     saveAndRefaultObjects();
     run->report.describe("Updating source items..");
@@ -108,15 +110,47 @@ void PerformRenameStage::performItem(RowId id) {
     const NodeRow row = context->row(id);
     const RowId partner = row.mustBeRenamedBefore;
     if (row.mustBeSwapped && partner != noRow)
-        RenamePair(*run).exchange(id, partner);
+        RenameRing(*run, {id, partner}).resolve();
     else if (row.canBeRenamedIndependently)
         RenameChain(*run).walk(id);
     else
-        RenameCycle(*run).resolve(id);
+        performWaitingItem(id);
 }
 
-void PerformRenameStage::setNumberOfActuallyRenamedFiles() {
+/// What waits for a name and was reached by no chain: members of a ring, and items that wait in vain.
+void PerformRenameStage::performWaitingItem(RowId id) {
+    std::vector<RowId> way;
+    RowSet seen;
+    RowId next = id;
+    while (next != noRow && seen.insert(next)) {
+        way.push_back(next);
+        next = holderOfWantedName(next);
+    }
+    if (next != noRow) {
+        const auto first = std::find(way.begin(), way.end(), next);
+        RenameRing(*run, {first, way.end()}).resolve();
+        way.erase(first, way.end());
+    }
+    // The last one first: if its name is free all the same, the others can follow.
+    for (; !way.empty() && !run->questions.shouldAbort(); way.pop_back()) {
+        if (context->stageFlag(way.back()) != run->marker)
+            RenameChain(*run).walk(way.back());
+    }
+}
+
+RowId PerformRenameStage::holderOfWantedName(RowId id) {
+    const RowId holder = context->row(id).cannotBeRenamedBefore;
+    if (holder == noRow || context->stageFlag(holder) == run->marker || !context->exists(holder))
+        return noRow;
+    const NodeRow row = context->row(holder);
+    // What takes no part keeps its name.
+    const bool takesPart = row.diff && !row.canBeRenamedIndependently && run->filter.admits(row);
+    return takesPart ? holder : noRow;
+}
+
+void PerformRenameStage::setCounters() {
     context->changeEngineControl().numberOfActuallyRenamedFiles = run->primitives.actuallyRenamedCounter;
+    context->changeEngineControl().numberOfItemsNotRenamed = run->failedCounter;
 }
 
 } // namespace tavrin

@@ -29,7 +29,10 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] FetchRequest openItems() const;
     bool performBatch(const FetchRequest& request);
     void performItem(RowId id);
-    void setNumberOfActuallyRenamedFiles();
+    void performWaitingItem(RowId id);
+    /// The sibling whose name this item waits for, if it will still leave it.
+    [[nodiscard]] RowId holderOfWantedName(RowId id);
+    void setCounters();
 
     std::unique_ptr<RenameRun> run; ///< the state of one `process`
     std::unique_ptr<LibraryWarnings> warnings;

@@ -8,14 +8,17 @@
 namespace tavrin {
 
 void RenameItem::moveTo(RowId id) {
-    const NodeRow& row = context.row(id);
+    const NodeRow row = context.row(id);
     const RowId newParent = row.parent;
     current = id;
     root = row.root;
     diff = row.diff;
+    seenItem = {row.identity(), row.kind};
     currentComponent = context.component(id);
-    if (newParent != parent || parent == noRow)
+    if (newParent != parent || parent == noRow) {
         folderPath = context.parentPath(id);
+        parentIdentity = context.row(newParent).identity();
+    }
     parent = newParent;
 }
 
@@ -28,6 +31,10 @@ const std::string& RenameItem::newComponent() {
     if (!NameOnDisk::from(finalName, currentComponent, wantedComponent))
         wantedComponent.clear();
     return wantedComponent;
+}
+
+std::string_view RenameItem::faultOfNewName() {
+    return NameOnDisk::faultOf(context.finalName(current), currentComponent);
 }
 
 std::string RenameItem::shownName() const { return NameOnDisk::shown(currentComponent); }
