@@ -46,7 +46,7 @@ class ScriptedFrontEnd : public FrontEnd {
         std::optional<std::string> previewPath;
     };
     std::vector<Sheet> sheets;
-    std::vector<ProcessingError> errors;
+    FailureReport failures;
     std::vector<std::string> presented;
     std::map<PreviewColumn, bool> hiddenColumns;
     int finishedPreviews = 0;
@@ -59,8 +59,11 @@ class ScriptedFrontEnd : public FrontEnd {
     void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
                                const std::optional<std::string>& previewPath,
                                std::function<void(ConfirmationChoice)> answer) override;
-    void showProcessingErrors(const std::vector<ProcessingError>& shownErrors,
-                              std::function<void()> closed) override;
+    void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
+    void withdrawQuestions() override {
+        note("withdrawQuestions");
+        held = nullptr;
+    }
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;

@@ -96,14 +96,18 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
         const EngineTurns::Held lock(*turn);
         if (ending)
             return;
-        const bool isSaved = createSaveToFileListPipeline(arguments)->process();
+        std::string reason;
+        FileListArguments ownArguments = arguments;
+        ownArguments.reason = &reason;
+        if (!createSaveToFileListPipeline(ownArguments)->process() && reason.empty())
+            reason = "The list of items could not be read.";
         onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
         onMainThread([](EngineHost& host) { host.refreshPreview(); });
         onMainThread([&](EngineHost& host) {
-            if (isSaved)
+            if (reason.empty())
                 host.showFileListSavingCompletionDialog(arguments.format);
             else
-                host.showCompletionDialog();
+                host.showFileListNotSaved(arguments.path, reason);
         });
     });
 }

@@ -1,4 +1,5 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/RenameEngine.h"
 #include "shell/ConfirmationFlow.h"
 #include "support/Text.h"
 
@@ -86,6 +87,11 @@ void ConfirmationFlow::reportProblem(const ProblemReport& report, ConfirmationAn
 
 void ConfirmationFlow::showSheet(ConfirmationSheet sheet, const std::optional<std::string>& previewPath,
                                  ConfirmationAnswerPointer answer) {
+    // A run that is being stopped asks nothing more, but tells what fails; unless nobody is left to be told.
+    if (services.engine.isStopRequested() && (sheet != ConfirmationSheet::problem || tellInstead)) {
+        answer->give(ConfirmationChoice::stop);
+        return;
+    }
     services.frontEnd.showConfirmationSheet(sheet, dialogContext, previewPath,
                                             [this, shared = SharedAnswer(std::move(answer))](
                                                 ConfirmationChoice choice) { giveAnswer(shared, choice); });
@@ -108,6 +114,10 @@ void ConfirmationFlow::showIPhotoWarning(ConfirmationAnswerPointer answer) {
 
 void ConfirmationFlow::showLibraryWarning(bool shouldWarn, AlertKind kind, ConfirmationAnswerPointer answer) {
     const SharedAnswer shared(std::move(answer));
+    if (services.engine.isStopRequested()) {
+        giveAnswer(shared, ConfirmationChoice::stop);
+        return;
+    }
     if (!shouldWarn) {
         giveAnswer(shared, ConfirmationChoice::one);
         return;

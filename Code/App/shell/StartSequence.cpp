@@ -84,8 +84,42 @@ void StartSequence::applicationDidFinishLaunching() {
 
 void StartSequence::firstLaunch() {
     FirstLaunchManager manager(services.defaults, options.location);
+    if (DropletHandOver::isPresent(services.defaults)) {
+        if (manager.callOnlyOnceIsFirstLaunch())
+            leaveStoredSettingsAlone();
+        return;
+    }
     manager.doIt();
     isFirstLaunch = manager.isFirstLaunch();
+    if (const auto& other = manager.otherSettings())
+        tellOfOtherSettings(*other);
+}
+
+/// A droplet brings its own settings; what another version has stored is neither of use to it nor its to
+/// change.
+void StartSequence::leaveStoredSettingsAlone() {
+    auto record = services.defaults.objectForKey(DropletHandOver::recordKey);
+    services.defaults.leaveFileAlone();
+    services.defaults.removePersistentDomain();
+    services.defaults.setProcessObject(DropletHandOver::recordKey, std::move(*record));
+}
+
+void StartSequence::tellOfOtherSettings(const FirstLaunchManager::OtherSettings& other) {
+    if (other.error)
+        services.frontEnd.presentError(fmt::format(
+            "The settings of another version could not be copied. They stay as they are, so what is set "
+            "in this window is not kept. The reason: {}",
+            *other.error));
+    else if (other.isNewer)
+        services.frontEnd.showAlert(
+            {.kind = AlertKind::settingsSetAside,
+             .style = AlertStyle::informational,
+             .title = "The settings of a newer version were found.",
+             .text = fmt::format("They have been copied to \"{}\". This version begins with "
+                                 "settings of its own.",
+                                 other.copy),
+             .buttons = {"OK"}},
+            [](AlertAnswer) {});
 }
 
 void StartSequence::prepareColumns() {
@@ -131,9 +165,9 @@ void StartSequence::readSettingsFromDroplet() {
         isUpgradeDue = MacOSXVersion::isMountainLionOrLater() && !handOver.hasVersion;
         return;
     }
-    units.sources.addFilePaths(handOver.fileList, true);
-    units.sources.finishWork();
     units.mode = OperationMode::dropletRun;
+    units.sources.addFilePaths(handOver.fileList, !isSilentDroplet());
+    units.sources.finishWork();
 }
 
 void StartSequence::loadChain() {
