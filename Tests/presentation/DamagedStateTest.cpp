@@ -17,8 +17,8 @@ namespace {
 
 class DamagedState : public WindowFixture {
   protected:
-    std::string errorText() {
-        const auto* box = waitFor<QMessageBox>("errorAlert");
+    std::string errorText(const char* name = "errorAlert") {
+        const auto* box = waitFor<QMessageBox>(name);
         return (box->text() + ' ' + box->informativeText()).toStdString();
     }
 
@@ -105,7 +105,7 @@ TEST_F(DamagedState, WorksWithoutAFolderForItsData) {
     options.dataFolder = file + "/data";
     application = std::make_unique<TavrinApplication>(options);
     application->start({makeFile("a.txt")});
-    EXPECT_TRUE(errorText().starts_with("The list of items can't be kept in a file")) << errorText();
+    EXPECT_TRUE(errorText("noticeAlert").starts_with("The list of items can't be kept in a file"));
     find<QDialog>("noticeAlert")->accept();
     waitUntilGone("noticeAlert");
     waitForNames({"Image_01.txt"});
@@ -113,7 +113,7 @@ TEST_F(DamagedState, WorksWithoutAFolderForItsData) {
     find<QDialog>("newPresetWindow")->accept();
     EXPECT_TRUE(errorText().starts_with("The preset can't be saved as \"" + options.dataFolder))
         << errorText();
-    find<QDialog>("noticeAlert")->accept();
+    find<QDialog>("errorAlert")->accept();
     EXPECT_EQ(application->controller().presetsManager().count(), 0U);
     application->controller().windowWillClose();
     EXPECT_EQ(data.read("occupied"), "x");
