@@ -22,6 +22,7 @@ class Terminal {
     /// Writes what is left of the output; a failure to write it is told, and is the status.
     ExitStatus finish(ExitStatus status = ExitStatus::allWell);
 
+    [[nodiscard]] bool errorIsTerminal() const { return errorIsForPeople; }
     /// A line of our own to standard error, with names in it as `shownInError` gives them.
     void complain(std::string_view line);
     [[nodiscard]] std::string shownInError(std::string_view bytes) const;

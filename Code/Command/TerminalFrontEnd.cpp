@@ -82,6 +82,12 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::iPhotoWarning:
         reply = answerToLibraryWarning(alert);
         break;
+    case AlertKind::noRecord:
+        terminal.complain(fmt::format("tvrn: {} {}", alert.title, asOneLine(alert.text)));
+        refused = needsRecord;
+        if (needsRecord)
+            reply.button = abortButton;
+        break;
     case AlertKind::noActiveActions:
     case AlertKind::filesNotAdded:
     case AlertKind::itemsNotRemoved:

@@ -21,6 +21,9 @@ class TerminalFrontEnd : public FrontEnd {
     /// Asks the user; without it nothing is asked.
     void setInteractive(bool isInteractive) { interactive = isInteractive; }
 
+    /// A run that can't be recorded is refused.
+    void requireRecord() { needsRecord = true; }
+
     /// Meanwhile errors of the application are dropped: whoever holds them tells them in its own words.
     void holdErrors(bool hold) { holdsErrors = hold; }
 
@@ -60,6 +63,7 @@ class TerminalFrontEnd : public FrontEnd {
     QueueRunLoop& loop;
     const InterruptHandler& interrupts;
     bool interactive = false;
+    bool needsRecord = false;
     bool holdsErrors = false;
     bool failures = false;
     bool refused = false;

@@ -26,10 +26,33 @@ class FailingOpenFolder : public OpenFolder {
         const int error = system.admit(FileCall::entries);
         return error != 0 ? error : real->entries(into);
     }
+    int volume(VolumeStatus& into) override {
+        const int error = system.admit(FileCall::status);
+        return error != 0 ? error : real->volume(into);
+    }
 
   private:
     FailingFileSystem& system;
     std::unique_ptr<OpenFolder> real;
+};
+
+class FailingAppendFile : public AppendFile {
+  public:
+    FailingAppendFile(FailingFileSystem& counter, std::unique_ptr<AppendFile> realFile)
+        : system(counter), real(std::move(realFile)) {}
+
+    int append(std::string_view bytes) override {
+        const int error = system.admit(FileCall::write);
+        return error != 0 ? error : real->append(bytes);
+    }
+    int sync() override {
+        const int error = system.admit(FileCall::sync);
+        return error != 0 ? error : real->sync();
+    }
+
+  private:
+    FailingFileSystem& system;
+    std::unique_ptr<AppendFile> real;
 };
 
 } // namespace
@@ -117,6 +140,11 @@ int FailingFileSystem::removeFile(const std::string& path) {
     return error != 0 ? error : real.removeFile(path);
 }
 
+int FailingFileSystem::removeEmptyFolder(const std::string& path) {
+    const int error = admit(FileCall::remove);
+    return error != 0 ? error : real.removeEmptyFolder(path);
+}
+
 int FailingFileSystem::makeFolders(const std::string& path) {
     const int error = admit(FileCall::makeFolders);
     return error != 0 ? error : real.makeFolders(path);
@@ -125,6 +153,16 @@ int FailingFileSystem::makeFolders(const std::string& path) {
 int FailingFileSystem::writeFileAtomically(const std::string& path, std::string_view content) {
     const int error = admit(FileCall::write);
     return error != 0 ? error : real.writeFileAtomically(path, content);
+}
+
+int FailingFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) {
+    if (const int error = admit(FileCall::write))
+        return error;
+    std::unique_ptr<AppendFile> file;
+    if (const int error = real.makeAppendFile(path, file))
+        return error;
+    into = std::make_unique<FailingAppendFile>(*this, std::move(file));
+    return 0;
 }
 
 int FailingFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {

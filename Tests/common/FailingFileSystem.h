@@ -11,7 +11,7 @@
 namespace tavrin::test {
 
 /// The calls that can be counted and made to fail.
-enum class FileCall { openFolder, status, entries, rename, remove, makeFolders, write, read };
+enum class FileCall { openFolder, status, entries, rename, remove, makeFolders, write, sync, read };
 
 /// Stands before another file system, counts its calls, those of open folders among them, and makes them
 /// fail without reaching it. Registers itself as the shared instance while it lives. Any thread.
@@ -38,8 +38,10 @@ class FailingFileSystem : public FileSystem {
     int followedStatus(const std::string& path, FileStatus& into) override;
     int renameNoReplace(const std::string& from, const std::string& to) override;
     int removeFile(const std::string& path) override;
+    int removeEmptyFolder(const std::string& path) override;
     int makeFolders(const std::string& path) override;
     int writeFileAtomically(const std::string& path, std::string_view content) override;
+    int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;
     int readFile(const std::string& path, std::string& into, std::size_t limit) override;
 
     /// Counts a call; the error that it is to fail with, or 0.
@@ -55,8 +57,8 @@ class FailingFileSystem : public FileSystem {
     FileSystem& real;
 
     mutable std::mutex mutex; ///< guards what follows
-    std::array<std::size_t, 8> counts{};
-    std::array<KindFailure, 8> kindFailures{};
+    std::array<std::size_t, 9> counts{};
+    std::array<KindFailure, 9> kindFailures{};
     std::size_t seen = 0;
     std::size_t failingCall = 0;
     int failingError = 0;

@@ -22,6 +22,7 @@ class WatchedFolder : public OpenFolder {
         return watch.rename({path, from, to, false});
     }
     int entries(FolderEntries& into) override { return real->entries(into); }
+    int volume(VolumeStatus& into) override { return real->volume(into); }
 
   private:
     RenameWatch& watch;

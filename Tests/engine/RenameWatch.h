@@ -33,9 +33,13 @@ class RenameWatch : public FileSystem {
     int followedStatus(const std::string& path, FileStatus& into) override;
     int renameNoReplace(const std::string& from, const std::string& to) override;
     int removeFile(const std::string& path) override { return real.removeFile(path); }
+    int removeEmptyFolder(const std::string& path) override { return real.removeEmptyFolder(path); }
     int makeFolders(const std::string& path) override { return real.makeFolders(path); }
     int writeFileAtomically(const std::string& path, std::string_view content) override {
         return real.writeFileAtomically(path, content);
+    }
+    int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override {
+        return real.makeAppendFile(path, into);
     }
     int readFile(const std::string& path, std::string& into, std::size_t limit) override {
         return real.readFile(path, into, limit);

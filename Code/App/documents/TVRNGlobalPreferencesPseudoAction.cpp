@@ -41,6 +41,7 @@ PropertyDictionary settingsTable() {
         {"copyFileComments", 1},
         {"accurateFolderSize", 0},
         {"continueAfterRename", true},
+        {"keepHistory", 1},
     };
 }
 

@@ -37,6 +37,13 @@ bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentNam
     return isPossible(into);
 }
 
+bool NameOnDisk::fromExact(std::u16string_view finalName, std::string& into) {
+    if (!text::toBytes(finalName, into))
+        return false;
+    std::replace(into.begin(), into.end(), '/', ':');
+    return isPossible(into);
+}
+
 bool NameOnDisk::isPossible(std::string_view name) {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
            name.find('\0') == std::string_view::npos;

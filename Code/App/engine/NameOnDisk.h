@@ -11,6 +11,8 @@ struct NameOnDisk {
     /// when it holds a stray half of a character that stands for no byte of the current name (also bytes).
     [[nodiscard]] static bool from(std::u16string_view finalName, std::string_view currentName,
                                    std::string& into);
+    /// The same for a name that the item has borne before, and so can bear again.
+    [[nodiscard]] static bool fromExact(std::u16string_view finalName, std::string& into);
     /// Whether these bytes name something in a folder, and nothing outside of it.
     [[nodiscard]] static bool isPossible(std::string_view name);
     /// Whether two names are equal when case is ignored, and yet not the same.

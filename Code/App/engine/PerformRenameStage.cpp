@@ -8,6 +8,9 @@
 #include "engine/RenameEngine.h"
 #include "engine/RenamePair.h"
 #include "engine/RenameRun.h"
+#include "engine/RunHistory.h"
+#include "engine/RunJournal.h"
+#include "engine/StandIns.h"
 #include "platform/RunLoop.h"
 #include "platform/UserDefaults.h"
 #include "store/FilterManager.h"
@@ -24,7 +27,8 @@ constexpr std::string_view switchedKey = "alreadySwitchedToLionModeOnce";
 
 } // namespace
 
-PerformRenameStage::PerformRenameStage(RenameEngine& owner) : ProcessingStage(owner) {}
+PerformRenameStage::PerformRenameStage(RenameEngine& owner, std::shared_ptr<const RunPurpose> whatFor)
+    : ProcessingStage(owner), purpose(whatFor ? std::move(whatFor) : std::make_shared<RunPurpose>()) {}
 
 PerformRenameStage::~PerformRenameStage() = default;
 
@@ -32,11 +36,42 @@ bool PerformRenameStage::process() {
     switchToLionModeOnce();
     prepare();
     const FetchRequest request = openItems();
-    while (!run->questions.shouldAbort() && performBatch(request)) {
+    if (beginJournal()) {
+        while (!run->questions.shouldAbort() && performBatch(request)) {
+        }
     }
+    if (journal)
+        journal->close(run->primitives.actuallyRenamedCounter,
+                       purpose->failedBefore + run->questions.failureCount(), run->questions.shouldAbort());
+    journal.reset();
     run.reset();
     warnings.reset();
     return true;
+}
+
+bool PerformRenameStage::beginJournal() {
+    const HistoryPlace& place = engine.historyPlace();
+    const bool isKept = engine.host().globalSettings().shouldKeepHistory() && !place.folder.empty();
+    const bool isNeeded = purpose->what != RunKind::rename || context->engineControl().numberOfFilesThatNeedRenaming > 0;
+    if (!isKept || !isNeeded || run->questions.shouldAbort())
+        return true;
+    run->report.describe("Recording..");
+    journal = std::make_unique<RunJournal>(place);
+    StandIns standIns;
+    const std::string problem = journal->begin(*context, plannedItems(), standIns, *purpose);
+    if (problem.empty()) {
+        RunHistory(place.folder).prune();
+        return true;
+    }
+    journal.reset();
+    return run->questions.confirmWithoutRecord(problem);
+}
+
+Predicate PerformRenameStage::plannedItems() const {
+    const Predicate taking =
+        purpose->isStrict ? Predicate::always()
+                          : FilterManager::currentFilterPredicate(engine.host().globalSettings().itemFilter());
+    return taking.with(Predicate::isTrue(NodeKey::diff));
 }
 
 void PerformRenameStage::switchToLionModeOnce() {
@@ -55,23 +90,26 @@ void PerformRenameStage::prepare() {
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
-    engine.computeNumberOfFilesThatNeedRenaming(*context);
+    context->changeEngineControl().numberOfFilesThatNeedRenaming =
+        static_cast<std::int32_t>(context->count(FetchEntity::file, plannedItems()));
     report.numberOfItems(context->engineControl().numberOfFilesThatNeedRenaming);
     report.indeterminate(false);
 
     const TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
-    const bool shouldBeInteractive = settings.shouldInteract() && !engine.host().isSilentDroplet();
+    const bool shouldBeInteractive =
+        purpose->asks.value_or(settings.shouldInteract() && !engine.host().isSilentDroplet());
     run = std::make_unique<RenameRun>(engine, *this, *context, progress, shouldBeInteractive);
-    warnings = std::make_unique<LibraryWarnings>(settings.shouldPreventAccidentalITunesLibraryDamage(),
-                                                 settings.shouldPreventAccidentalIPhotoLibraryDamage());
+    run->isStrict = purpose->isStrict;
+    // Who takes a run back has been warned before it.
+    warnings = std::make_unique<LibraryWarnings>(
+        !purpose->isStrict && settings.shouldPreventAccidentalITunesLibraryDamage(),
+        !purpose->isStrict && settings.shouldPreventAccidentalIPhotoLibraryDamage());
     setNumberOfActuallyRenamedFiles();
 }
 
 FetchRequest PerformRenameStage::openItems() const {
     return {FetchEntity::file,
-            FilterManager::currentFilterPredicate(engine.host().globalSettings().itemFilter())
-                .with(Predicate::isTrue(NodeKey::diff))
-                .with(Predicate::notMarked(run->marker)),
+            plannedItems().with(Predicate::notMarked(run->marker)),
             {{NodeKey::depth, false},
              {NodeKey::mustBeSwapped, false},
              {NodeKey::canBeRenamedIndependently, false},

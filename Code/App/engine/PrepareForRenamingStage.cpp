@@ -95,7 +95,10 @@ RowId PrepareForRenamingStage::cannotBeRenamedBefore(RowId item) {
         return noRow;
     context->finalName(item, finalName);
     // What no file can be called is nobody's name.
-    if (!NameOnDisk::from(finalName, context->component(item), wantedName))
+    const bool isPossible = context->row(item).hasExactName
+                                ? NameOnDisk::fromExact(finalName, wantedName)
+                                : NameOnDisk::from(finalName, context->component(item), wantedName);
+    if (!isPossible)
         return noRow;
     const RowId holder = siblings.find(wantedName);
     // A change of case alone finds the item itself.

@@ -8,6 +8,8 @@
 
 namespace tavrin {
 
+class ItemStore;
+
 /// Runs its stages one after the other against one private context, commits after each, and stops when one
 /// says so. When the store fails it is moved into memory and all stages run once more; a second failure is
 /// told to the user, reported, and ends the application. Runs on a worker thread, under the engine's lock.
@@ -16,6 +18,8 @@ class ProcessingPipeline : public ProcessingStage {
     explicit ProcessingPipeline(RenameEngine& owner);
     ~ProcessingPipeline() override;
 
+    /// Works on this store instead of the host's; not owned.
+    void setStore(ItemStore& own) { ownStore = &own; }
     /// Appends the stage and hands it the pipeline's progress record, which must have been set before.
     void addStage(std::unique_ptr<ProcessingStage> stage);
     /// False when a stage interrupted the run or there is no store.
@@ -45,6 +49,7 @@ class ProcessingPipeline : public ProcessingStage {
     void dropContext();
 
     std::vector<std::unique_ptr<ProcessingStage>> stages;
+    ItemStore* ownStore = nullptr;
     std::unique_ptr<StoreContext> ownContext;
     std::string runningStage;
     Failure failure;

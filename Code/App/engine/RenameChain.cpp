@@ -49,7 +49,8 @@ void RenameChain::rename(bool treatAsRoot) {
     RenamePrimitives& primitives = run.primitives;
     const bool worked =
         run.isInPlace(item.id())
-            ? primitives.renameCurrentName(item.component(), item.folder(), item.newComponent(), treatAsRoot)
+            ? primitives.renameCurrentName(item.component(), item.folder(), item.newComponent(), treatAsRoot,
+                                           run.expected(item.id()))
             : primitives.refuse();
     if (worked) {
         run.noteMoved(item.id());

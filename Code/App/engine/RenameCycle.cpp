@@ -44,7 +44,7 @@ void RenameCycle::renameToTemporary(Child& child) {
         debugLog("processing current to temp rename for {}", item.fullPath());
     child.isTemporary =
         run.isInPlace(child.id)
-            ? primitives.renameCurrentName(item.component(), item.folder(), temporaryName(), false)
+            ? primitives.renameCurrentName(item.component(), item.folder(), temporaryName(), false, run.expected(child.id))
             : primitives.refuse();
     if (child.isTemporary) {
         --primitives.actuallyRenamedCounter;

@@ -13,6 +13,7 @@ void RenameItem::moveTo(RowId id) {
     current = id;
     root = row.root;
     diff = row.diff;
+    hasExactName = row.hasExactName;
     currentComponent = context.component(id);
     if (newParent != parent || parent == noRow)
         folderPath = context.parentPath(id);
@@ -25,7 +26,9 @@ const std::string& RenameItem::newComponent() {
     if (!diff)
         return currentComponent;
     context.finalName(current, finalName);
-    if (!NameOnDisk::from(finalName, currentComponent, wantedComponent))
+    const bool isPossible = hasExactName ? NameOnDisk::fromExact(finalName, wantedComponent)
+                                         : NameOnDisk::from(finalName, currentComponent, wantedComponent);
+    if (!isPossible)
         wantedComponent.clear();
     return wantedComponent;
 }

@@ -35,6 +35,7 @@ class RenameItem {
     RowId parent = noRow;
     bool root = false;
     bool diff = false;
+    bool hasExactName = false;
     std::string folderPath;
     std::string currentComponent;
     std::string wantedComponent;

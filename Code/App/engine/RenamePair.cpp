@@ -49,12 +49,12 @@ bool RenamePair::swapNameAndName(const RenameItem& first, const RenameItem& seco
         return false;
     RenamePrimitives& primitives = run.primitives;
     const std::string& folder = first.folder();
-    if (!primitives.renameCurrentName(first.component(), folder, temporaryName, false))
+    if (!primitives.renameCurrentName(first.component(), folder, temporaryName, false, run.expected(first.id())))
         return false;
     --primitives.actuallyRenamedCounter;
     const std::optional<FileIdentity> firstIdentity = primitives.identity();
 
-    if (!primitives.renameCurrentName(second.component(), folder, first.component(), false)) {
+    if (!primitives.renameCurrentName(second.component(), folder, first.component(), false, run.expected(second.id()))) {
         if (primitives.renameCurrentName(temporaryName, folder, first.component(), false, firstIdentity))
             --primitives.actuallyRenamedCounter;
         else

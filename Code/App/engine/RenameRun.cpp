@@ -13,6 +13,10 @@ RenameRun::RenameRun(RenameEngine& engine, ProcessingStage& stage, StoreContext&
       questions(engine, stage, shouldBeInteractive), marker(engine.nextStageFlagCounter()),
       disk(FileSystem::sharedInstance()) {}
 
+std::optional<FileIdentity> RenameRun::expected(RowId id) const {
+    return isStrict ? std::optional(context.row(id).identity()) : std::nullopt;
+}
+
 void RenameRun::noteTakenPlace(RowId formerHolder) {
     if (formerHolder == noRow || moved.contains(formerHolder) || !primitives.identity())
         return;

@@ -7,6 +7,7 @@
 #include "engine/UserQuestions.h"
 #include "store/Predicate.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,8 @@ struct RenameRun {
     /// Whether the item still lies where its row says: what this run has moved is no longer there, and what
     /// lies there now is not to be touched.
     [[nodiscard]] bool isInPlace(RowId id) const { return !moved.contains(id); }
+    /// What must lie where the row says for the item to be touched; anything will do where absent.
+    [[nodiscard]] std::optional<FileIdentity> expected(RowId id) const;
     /// Notes that an item has left its place.
     void noteMoved(RowId id) { moved.insert(id); }
     /// Notes that the item in hand has got the name that another one was to leave free. If that one has not
@@ -47,6 +50,7 @@ struct RenameRun {
     RenamePrimitives primitives;
     UserQuestions questions;
     PassMarker marker;
+    bool isStrict = false; ///< only the very items that the rows know are renamed
 
   private:
     FileSystem& disk;

@@ -61,6 +61,7 @@ UserQuestions::Decision UserQuestions::confirmNameCycle(const NameCycleQuestion&
 
 void UserQuestions::displayError(const std::string& title, const std::string& message,
                                  const std::string& path) {
+    ++failures;
     if (!showErrorDialog)
         return errors.addError(title, message, path);
     const ProblemReport report{title, message, path, std::string(PathParts(path).folder)};
@@ -77,6 +78,12 @@ bool UserQuestions::continues(ConfirmationChoice choice) {
     if (choice != ConfirmationChoice::one)
         aborting = true;
     return choice == ConfirmationChoice::one;
+}
+
+bool UserQuestions::confirmWithoutRecord(const std::string& reason) {
+    return continues(ask([reason](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
+        prompts.confirmWithoutRecord(reason, std::move(answer));
+    }));
 }
 
 bool UserQuestions::showITunesWarningDialog() {

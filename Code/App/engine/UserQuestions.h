@@ -2,6 +2,7 @@
 
 #include "engine/UserPrompts.h"
 
+#include <cstdint>
 #include <string>
 
 namespace tavrin {
@@ -35,6 +36,11 @@ class UserQuestions {
     /// full path in bytes.
     void displayError(const std::string& title, const std::string& message, const std::string& path);
 
+    /// How many failures were shown or recorded.
+    [[nodiscard]] std::int64_t failureCount() const { return failures; }
+
+    /// Whether the run is to begin although it leaves no record; otherwise it stops.
+    bool confirmWithoutRecord(const std::string& reason);
     /// True for "Continue"; otherwise the run stops.
     bool showITunesWarningDialog();
     bool showIPhotoWarningDialog();
@@ -49,6 +55,7 @@ class UserQuestions {
     bool interactive;
     bool showErrorDialog = true;
     bool aborting = false;
+    std::int64_t failures = 0;
 };
 
 } // namespace tavrin

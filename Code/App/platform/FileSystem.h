@@ -12,6 +12,16 @@ namespace tavrin {
 
 class FolderEntries;
 
+/// A new file that only grows. Others see that it is held by a lock on it for as long as this object lives.
+class AppendFile {
+  public:
+    virtual ~AppendFile() = default;
+    /// The calls return 0 or an errno value.
+    virtual int append(std::string_view bytes) = 0;
+    /// Comes back when what was appended, and the name of the file, would outlast a loss of power.
+    virtual int sync() = 0;
+};
+
 /// A folder held open: names are taken relative to it, so a path is resolved once for many items.
 class OpenFolder {
   public:
@@ -23,6 +33,7 @@ class OpenFolder {
     virtual int renameNoReplace(const std::string& from, const std::string& to) = 0;
     /// Entries without "." and "..", sorted by the bytes of their names.
     virtual int entries(FolderEntries& into) = 0;
+    virtual int volume(VolumeStatus& into) = 0;
 };
 
 /// The file-system calls of the program; bytes in, errno values out. Real in the program, failing on demand
@@ -39,9 +50,12 @@ class FileSystem {
     virtual int followedStatus(const std::string& path, FileStatus& into) = 0; ///< link followed
     virtual int renameNoReplace(const std::string& from, const std::string& to) = 0;
     virtual int removeFile(const std::string& path) = 0;
+    virtual int removeEmptyFolder(const std::string& path) = 0;
     virtual int makeFolders(const std::string& path) = 0;
     /// Writes beside the target, syncs and renames over it.
     virtual int writeFileAtomically(const std::string& path, std::string_view content) = 0;
+    /// Makes a file for the user's eyes alone; EEXIST where the name is taken.
+    virtual int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) = 0;
     virtual int readFile(const std::string& path, std::string& into, std::size_t limit) = 0;
 };
 

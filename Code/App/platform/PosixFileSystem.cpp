@@ -8,9 +8,14 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavrin {
 
@@ -75,6 +80,15 @@ class PosixOpenFolder : public OpenFolder {
         const Descriptor readable(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         return readable ? readFolder(readable.get(), into) : errno;
     }
+    int volume(VolumeStatus& into) override {
+        struct statfs found {};
+        if (::fstatfs(folder.get(), &found) != 0)
+            return errno;
+        into.inventsInodes = found.f_type == FUSE_SUPER_MAGIC;
+        static_assert(sizeof into.id == sizeof found.f_fsid);
+        std::memcpy(&into.id, &found.f_fsid, sizeof into.id);
+        return 0;
+    }
 
   private:
     Descriptor folder;
@@ -90,6 +104,27 @@ int writeAll(int file, std::string_view content) {
     }
     return 0;
 }
+
+class PosixAppendFile : public AppendFile {
+  public:
+    PosixAppendFile(Descriptor opened, std::string path) : file(std::move(opened)), place(std::move(path)) {}
+
+    int append(std::string_view bytes) override { return writeAll(file.get(), bytes); }
+    int sync() override {
+        if (::fdatasync(file.get()) != 0)
+            return errno;
+        if (std::exchange(nameIsSafe, true))
+            return 0;
+        const Descriptor folder(
+            ::open(place.substr(0, place.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        return folder && ::fsync(folder.get()) == 0 ? 0 : errno;
+    }
+
+  private:
+    Descriptor file;
+    std::string place;
+    bool nameIsSafe = false;
+};
 
 int writeAndSync(Descriptor file, std::string_view content) {
     if (const int error = writeAll(file.get(), content))
@@ -177,6 +212,12 @@ int PosixFileSystem::removeFile(const std::string& path) {
     return ::unlink(path.c_str()) == 0 ? 0 : errno;
 }
 
+int PosixFileSystem::removeEmptyFolder(const std::string& path) {
+    if (hasNul(path))
+        return EINVAL;
+    return ::rmdir(path.c_str()) == 0 ? 0 : errno;
+}
+
 int PosixFileSystem::makeFolders(const std::string& path) {
     if (hasNul(path))
         return EINVAL;
@@ -208,6 +249,19 @@ int PosixFileSystem::writeFileAtomically(const std::string& path, std::string_vi
     if (error != 0)
         ::unlink(temporary.c_str());
     return error;
+}
+
+int PosixFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) {
+    if (hasNul(path))
+        return EINVAL;
+    Descriptor file(
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file)
+        return errno;
+    // Without locks on this file system nobody can tell that the file is held, which loses nothing.
+    static_cast<void>(::flock(file.get(), LOCK_EX | LOCK_NB));
+    into = std::make_unique<PosixAppendFile>(std::move(file), path);
+    return 0;
 }
 
 int PosixFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {

@@ -12,8 +12,10 @@ class PosixFileSystem : public FileSystem {
     int followedStatus(const std::string& path, FileStatus& into) override;
     int renameNoReplace(const std::string& from, const std::string& to) override;
     int removeFile(const std::string& path) override;
+    int removeEmptyFolder(const std::string& path) override;
     int makeFolders(const std::string& path) override;
     int writeFileAtomically(const std::string& path, std::string_view content) override;
+    int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;
     /// Regular files only: EISDIR for a folder, EINVAL for anything else, EFBIG beyond the limit.
     int readFile(const std::string& path, std::string& into, std::size_t limit) override;
 };

@@ -58,6 +58,7 @@ class ConfirmationFlow : public UserPrompts {
     void reportProblem(const ProblemReport& report, ConfirmationAnswerPointer answer) override;
     void showITunesWarning(ConfirmationAnswerPointer answer) override;
     void showIPhotoWarning(ConfirmationAnswerPointer answer) override;
+    void confirmWithoutRecord(const std::string& reason, ConfirmationAnswerPointer answer) override;
     void showPipelineFailed(const std::string& title, const std::string& text,
                             ConfirmationAnswerPointer answer) override;
     /// What the sheets display: written per question, old keys stay until they are overwritten.

@@ -23,6 +23,7 @@ enum class AlertKind {
     manualSorting,
     iTunesWarning,
     iPhotoWarning,
+    noRecord,
     summary,
     fileListSaved,
     pipelineFailed,

@@ -5,6 +5,7 @@
 #include "platform/ReferenceDate.h"
 #include "platform/SandboxHelper.h"
 #include "platform/UserDefaults.h"
+#include "platform/UserFolders.h"
 #include "shell/FrontEnd.h"
 #include "support/DebugLog.h"
 #include "support/MacOSXVersion.h"
@@ -44,6 +45,7 @@ MainController::Options MainController::Options::standard() {
     standard.localPresetsFolder = standard.store.dataFolder + "/Presets";
     standard.globalPresetsFolder = SandboxHelper::globalPresetsFolder();
     standard.location = program.string();
+    standard.history = {UserFolders::state() + "/tavrin/runs", "window"};
     return standard;
 }
 
@@ -91,6 +93,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
     TagLibraryHelper::setSharedInstance(&tagLibrary);
     debugManager.awakeFromNib();
     logStart();
+    engine.setHistoryPlace(options.history);
     settings.setRunLoop(&environment.runLoop);
     environment.actionList.setRunLoop(&environment.runLoop);
     environment.actionList.setObserver(this);

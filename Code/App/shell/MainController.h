@@ -54,6 +54,8 @@ class MainController : public EngineHost, public ActionObserver {
         std::string localPresetsFolder;
         std::string globalPresetsFolder;
         std::string location; ///< of the program, in bytes
+        /// Where runs are recorded, nowhere without a folder, and as whose.
+        HistoryPlace history = {};
         /// Off: nothing in the user's folders is made or read at the start.
         bool usesUserFolders = true;
         /// Off: no change asks for a preview by itself.

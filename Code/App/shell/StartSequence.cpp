@@ -134,6 +134,7 @@ void StartSequence::readSettingsFromDroplet() {
     units.sources.addFilePaths(handOver.fileList, true);
     units.sources.finishWork();
     units.mode = OperationMode::dropletRun;
+    services.engine.setHistoryPlace({services.engine.historyPlace().folder, "droplet"});
 }
 
 void StartSequence::loadChain() {
