@@ -84,8 +84,8 @@ struct CommandLineEnd {
     std::string text;
 };
 
-using CommandLine =
-    std::variant<CommandLineEnd, PreviewOptions, RenameOptions, HistoryOptions, TakeBackOptions, ActionsOptions, TagsOptions, PresetsOptions>;
+using CommandLine = std::variant<CommandLineEnd, PreviewOptions, RenameOptions, HistoryOptions,
+                                 TakeBackOptions, ActionsOptions, TagsOptions, PresetsOptions>;
 
 /// Parses what follows the program's name.
 [[nodiscard]] CommandLine parseCommandLine(std::vector<std::string> arguments);

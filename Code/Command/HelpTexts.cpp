@@ -6,8 +6,7 @@ const char* const overview = R"(tvrn renames many files and folders at once.
 
 Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
        tvrn rename  [RECIPE] [SETTINGS] [OPTIONS] PATH...
-       tvrn undo    [OPTIONS] [RUN]
-       tvrn redo    [OPTIONS] [RUN]
+       tvrn undo | redo [OPTIONS] [RUN]
        tvrn history [--json] [RUN]
        tvrn actions [--json] [NAME]
        tvrn tags    [--json] FILE...
@@ -16,16 +15,13 @@ Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
 
   preview   show what a rename would do; touch nothing
   rename    do it
-  undo      take a run back
-  redo      take an undo back, or finish a run that was stopped
+  undo      take a run back; redo takes that back, or finishes a run
   history   past runs, and where their items are now
   actions   the actions that recipes are made of, and their parameters
   tags      what files say of themselves, as recipes can use it in names
   presets   the saved recipes
 
-"tvrn preview --help" and so on tell the options. Exit status: 0 all well, 1 an
-item failed, 2 bad usage and nothing touched, 3 stopped by the user.
-
+"tvrn preview --help" and so on tell the options.
 Examples:
   touch IMG_1.JPG; tvrn preview --action "Make lowercase" IMG_1.JPG
   tvrn rename --action "Add to front" --set string=Sea_ IMG_1.JPG

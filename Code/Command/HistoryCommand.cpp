@@ -108,10 +108,9 @@ ExitStatus printItems(const PastRun& run, const std::string& folder, bool json, 
                                          .textOrNull("nowName", now.name)
                                          .end());
         else
-            terminal.output().append(fmt::format("{}\t{}\t{}\t{}\t{}\n", terminal.shown(placed.folder),
-                                                 terminal.shown(placed.item.oldName),
-                                                 terminal.shown(placed.item.newName), now.place,
-                                                 terminal.shown(now.name)));
+            terminal.output().append(fmt::format(
+                "{}\t{}\t{}\t{}\t{}\n", terminal.shown(placed.folder), terminal.shown(placed.item.oldName),
+                terminal.shown(placed.item.newName), now.place, terminal.shown(now.name)));
     });
     return terminal.finish();
 }

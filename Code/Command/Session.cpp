@@ -193,7 +193,9 @@ void Session::tellInterruptedRun() {
     if (!connectedTerminal.errorIsTerminal())
         return;
     if (const auto run = history().interruptedRun())
-        connectedTerminal.complain(fmt::format("tvrn: the run {0} was interrupted: \"tvrn undo {0}\" takes it back, \"tvrn redo {0}\" finishes it", run->name));
+        connectedTerminal.complain(fmt::format("tvrn: the run {0} was interrupted: \"tvrn undo {0}\" takes "
+                                               "it back, \"tvrn redo {0}\" finishes it",
+                                               run->name));
 }
 
 void Session::setToStop(RenameEngine* engine) {

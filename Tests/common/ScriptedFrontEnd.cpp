@@ -23,6 +23,12 @@ std::string nameOf(AlertKind kind) {
         return "iTunesWarning";
     case AlertKind::iPhotoWarning:
         return "iPhotoWarning";
+    case AlertKind::noRecord:
+        return "noRecord";
+    case AlertKind::interruptedRun:
+        return "interruptedRun";
+    case AlertKind::nothingToTakeBack:
+        return "nothingToTakeBack";
     case AlertKind::summary:
         return "summary";
     case AlertKind::fileListSaved:

@@ -18,9 +18,9 @@ int HistoryBench::takeBack(RunKind what, bool takesReplaced) {
         return 0;
     }
     TakeBackResult result;
-    host.engine.processTakeBack(
-        host.progress, {.chosen = std::get<ChosenRun>(chosen), .takesReplaced = takesReplaced},
-        [&](EngineHost&, const TakeBackResult& found) { result = found; });
+    host.engine.processTakeBack(host.progress,
+                                {.chosen = std::get<ChosenRun>(chosen), .takesReplaced = takesReplaced},
+                                [&](EngineHost&, const TakeBackResult& found) { result = found; });
     host.waitUntilIdle();
     for (const ProcessingError& error : result.errors)
         failures.push_back(error.message + ": " + error.path.substr(disk.path().size() + 1));

@@ -103,8 +103,8 @@ void JournalPlaces::resolve(std::uint32_t number, Folder& into) {
     }
     static_cast<void>(opened->volume(volume));
     into.identity = status.identity;
-    const bool isSameVolume = status.identity.device == line.identity.device ||
-                              (volume.id != 0 && volume.id == line.volume);
+    const bool isSameVolume =
+        status.identity.device == line.identity.device || (volume.id != 0 && volume.id == line.volume);
     const bool isSameFolder =
         status.identity.inode == line.identity.inode &&
         (!line.birthTime || !status.hasBirthTime || *line.birthTime == status.creationDate);
@@ -142,8 +142,9 @@ bool JournalPlaces::open(std::uint32_t number) {
 
 PlacedItem JournalPlaces::place(const RecordedItem& item, std::size_t number) {
     const Folder& in = folder(item.folder);
-    PlacedItem placed{item,    number,  record.folders()[item.folder], ItemPlace::gone, in.path, item.newName,
-                      {},      in.identity, in.reason};
+    PlacedItem placed{
+        item,        number,   record.folders()[item.folder], ItemPlace::gone, in.path, item.newName, {},
+        in.identity, in.reason};
     if (!in.reason.empty() || !open(item.folder))
         return placed;
     if (item.look)
@@ -216,9 +217,9 @@ void JournalPlaces::placeByScores(PlacedItem& into) {
             atNew = look;
         if (!look.isThere || look.status.kind != item.kind)
             continue;
-        const bool isAlike = look.status.size == item.look->size &&
-                             (item.kind == FileStatus::Kind::folder ||
-                              look.status.modificationDate == item.look->modified);
+        const bool isAlike =
+            look.status.size == item.look->size &&
+            (item.kind == FileStatus::Kind::folder || look.status.modificationDate == item.look->modified);
         const int score = (isAlike ? 2 : 0) + (look.status.identity.inode == item.inode ? 1 : 0);
         if (score == 0 || score < best)
             continue;

@@ -24,11 +24,11 @@ struct PlacedItem {
     std::size_t number;
     const RecordedFolder& recordedFolder;
     ItemPlace place;
-    std::string folder;       ///< where its folder is now; where it was, if that is nowhere
-    std::string name;         ///< the one that it bears now; of a replaced item: the one found taken
-    FileIdentity identity;    ///< of what bears that name
+    std::string folder;    ///< where its folder is now; where it was, if that is nowhere
+    std::string name;      ///< the one that it bears now; of a replaced item: the one found taken
+    FileIdentity identity; ///< of what bears that name
     FileIdentity ofFolder;
-    std::string reason;       ///< why the folder is of no use; empty where it is
+    std::string reason; ///< why the folder is of no use; empty where it is
 };
 
 /// Finds the items of a record on the disk by what they are, not by their names alone. Touches nothing.
@@ -91,8 +91,8 @@ class JournalPlaces {
     RunRecordReader& record;
     const bool wasInterrupted;
     std::optional<double> began;
-    std::vector<Folder> folders; ///< by number
-    std::unordered_map<std::string, FolderItem> folderItems; ///< by path when planned; those above folders
+    std::vector<Folder> folders;                               ///< by number
+    std::unordered_map<std::string, FolderItem> folderItems;   ///< by path when planned; those above folders
     std::unordered_map<std::string, std::string> presentPaths; ///< of those
     std::uint32_t openNumber = 0;
     std::unique_ptr<OpenFolder> openFolder;

@@ -185,13 +185,13 @@ void NamesFromRecordStage::fail(const PlacedItem& placed) {
 
 std::string NamesFromRecordStage::reasonFor(const PlacedItem& placed) {
     const std::string& folder = placed.recordedFolder.path;
-    const RenamedAgain::Hit* again = renamedAgain.find(joinedPath(placed.folder, placed.item.newName), placed.item.inode);
+    const RenamedAgain::Hit* again =
+        renamedAgain.find(joinedPath(placed.folder, placed.item.newName), placed.item.inode);
     if (!placed.reason.empty())
         again = renamedAgain.find(placed.folder, placed.recordedFolder.identity.inode);
-    const std::string later =
-        again ? fmt::format(" The run {} has renamed {} again.", again->run,
-                            placed.reason.empty() ? "it" : "its folder")
-              : std::string();
+    const std::string later = again ? fmt::format(" The run {} has renamed {} again.", again->run,
+                                                  placed.reason.empty() ? "it" : "its folder")
+                                    : std::string();
     if (!placed.reason.empty())
         return placed.reason + later;
     if (placed.place == ItemPlace::unclear)

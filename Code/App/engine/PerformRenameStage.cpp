@@ -52,7 +52,8 @@ bool PerformRenameStage::process() {
 bool PerformRenameStage::beginJournal() {
     const HistoryPlace& place = engine.historyPlace();
     const bool isKept = engine.host().globalSettings().shouldKeepHistory() && !place.folder.empty();
-    const bool isNeeded = purpose->what != RunKind::rename || context->engineControl().numberOfFilesThatNeedRenaming > 0;
+    const bool isNeeded =
+        purpose->what != RunKind::rename || context->engineControl().numberOfFilesThatNeedRenaming > 0;
     if (!isKept || !isNeeded || run->questions.shouldAbort())
         return true;
     run->report.describe("Recording..");
@@ -69,8 +70,9 @@ bool PerformRenameStage::beginJournal() {
 
 Predicate PerformRenameStage::plannedItems() const {
     const Predicate taking =
-        purpose->isStrict ? Predicate::always()
-                          : FilterManager::currentFilterPredicate(engine.host().globalSettings().itemFilter());
+        purpose->isStrict
+            ? Predicate::always()
+            : FilterManager::currentFilterPredicate(engine.host().globalSettings().itemFilter());
     return taking.with(Predicate::isTrue(NodeKey::diff));
 }
 

@@ -15,7 +15,8 @@ class RunJournal;
 struct RenameRun;
 
 /// The stage that touches the disk: carries out the plan in the rows, deepest items first, and asks the user
-/// on the way when the run is interactive. Before the first rename the whole plan is written into the history.
+/// on the way when the run is interactive. Before the first rename the whole plan is written into the
+/// history.
 class PerformRenameStage final : public ProcessingStage {
   public:
     explicit PerformRenameStage(RenameEngine& owner, std::shared_ptr<const RunPurpose> whatFor = nullptr);

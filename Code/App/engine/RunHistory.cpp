@@ -52,17 +52,18 @@ PastRun look(const std::string& folder, const std::string& name) {
     RunRecordReader reader(run.path);
     run.problem = reader.problem();
     run.heading = reader.heading();
+    run.folder = reader.firstFolder();
     run.end = reader.end();
     run.size = reader.size();
     run.isUnderWay = reader.isHeld();
     run.root = name;
     run.isSettled = run.end.has_value();
-    if (run.end || run.isUnderWay || reader.isOfNewerVersion())
+    if (run.end || run.isUnderWay || !reader.isReadable())
         return run;
     reader.examine();
     run.hasBegunNothing = !reader.isDamaged() && reader.itemCount() == 0;
     run.isSettled = run.hasBegunNothing;
-    if (reader.isDamaged())
+    if (reader.isDamaged() && run.problem.empty())
         run.problem = "It is damaged.";
     else if (run.hasBegunNothing)
         run.problem.clear();
@@ -70,9 +71,7 @@ PastRun look(const std::string& folder, const std::string& name) {
 }
 
 /// Whether it leaves anything to take back.
-bool hasEffect(const PastRun& run) {
-    return !run.hasBegunNothing && (!run.end || run.end->changed > 0);
-}
+bool hasEffect(const PastRun& run) { return !run.hasBegunNothing && (!run.end || run.end->changed > 0); }
 
 bool isUnfinished(const PastRun& run) { return !run.end || run.end->wasStopped; }
 

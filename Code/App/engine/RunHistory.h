@@ -17,13 +17,14 @@ struct PastRun {
     std::string path;
     std::string problem; ///< why it can't be used, a sentence; empty where it can
     RunHeading heading;
+    std::string folder; ///< the first of the record
     std::optional<RunEnd> end;
     std::uint64_t size = 0;
     bool isUnderWay = false;
-    bool isUndone = false;       ///< a later run has put things back as they were before this one
-    bool isFinished = false;     ///< a later run has done what this one left undone
-    bool isSettled = true;       ///< it ended, or a later run has seen to what it left behind
-    std::string root = {};       ///< the rename that it and its like go back to
+    bool isUndone = false;        ///< a later run has put things back as they were before this one
+    bool isFinished = false;      ///< a later run has done what this one left undone
+    bool isSettled = true;        ///< it ended, or a later run has seen to what it left behind
+    std::string root = {};        ///< the rename that it and its like go back to
     bool hasBegunNothing = false; ///< it was cut off before it touched anything
 
     [[nodiscard]] bool isInterrupted() const { return !end && !isUnderWay && problem.empty(); }

@@ -108,8 +108,8 @@ void RunJournal::writePlan(StoreContext& context, const Predicate& planned, Stan
 void RunJournal::writeHeading(const RunPurpose& purpose) {
     text += runLine::firstLine;
     endLine();
-    runLine::print(
-        RunHeading{runLine::timeNow(), ::getpid(), bootId(), place.who, purpose.what, purpose.of}, text);
+    runLine::print(RunHeading{runLine::timeNow(), ::getpid(), bootId(), place.who, purpose.what, purpose.of},
+                   text);
     endLine();
     runLine::printRecipe("", text);
     endLine();

@@ -26,7 +26,8 @@ namespace runLine {
 
 namespace {
 
-constexpr std::array<std::string_view, 4> kindWords = {"f", "d", "l", "o"}; // in the order of FileStatus::Kind
+constexpr std::array<std::string_view, 4> kindWords = {"f", "d", "l",
+                                                       "o"}; // in the order of FileStatus::Kind
 constexpr std::array<std::string_view, 3> kindNames = {"rename", "undo", "redo"};
 constexpr std::string_view noFlag = "noflag";
 

@@ -31,6 +31,7 @@ RunRecordReader::RunRecordReader(const std::string& path) {
         failure = sentenceOf(error);
         return;
     }
+    canBeRead = true;
     readHeading();
     std::string tail = file.tail(tailLength);
     if (tail.empty() || tail.back() != '\n')
@@ -43,16 +44,22 @@ void RunRecordReader::readHeading() {
     std::string_view line;
     const bool hasFirstLine = file.next(line);
     if (hasFirstLine && line != runLine::firstLine && line.starts_with(runLine::anyFirstLine)) {
-        isNewer = true;
+        canBeRead = false;
         failure = "It was written by a newer version of Tavrin.";
         return;
     }
     const bool isRecord = hasFirstLine && line == runLine::firstLine && file.next(line);
     const std::optional<RunHeading> found = isRecord ? runLine::heading(line) : std::nullopt;
-    if (found)
-        runHeading = *found;
-    else
+    if (!found) {
         failure = "It is no record of a run.";
+        return;
+    }
+    runHeading = *found;
+    static_cast<void>(file.next(line)); // the recipe
+    if (file.next(line)) {
+        if (const auto folder = runLine::folder(line))
+            topFolder = folder->path;
+    }
 }
 
 /// What has been read of a block that has not ended yet.
@@ -75,7 +82,8 @@ void RunRecordReader::examine() {
     bool hasBrokenBlock = false;
     for (std::string_view line; file.next(line);) {
         if (const auto block = runLine::block(line)) {
-            const bool counts = open.isSound && block->lines == open.lines && block->checksum == open.checksum;
+            const bool counts =
+                open.isSound && block->lines == open.lines && block->checksum == open.checksum;
             if (counts && !hasBrokenBlock)
                 take(open);
             hasBrokenBlock |= !counts;

@@ -21,8 +21,11 @@ class RunRecordReader {
 
     /// Why nothing can be made of the file, as a sentence; empty where it has a heading.
     [[nodiscard]] const std::string& problem() const { return failure; }
-    [[nodiscard]] bool isOfNewerVersion() const { return isNewer; }
+    /// Whether the file is one to be read at all: the user's own, and of no newer version.
+    [[nodiscard]] bool isReadable() const { return canBeRead; }
     [[nodiscard]] const RunHeading& heading() const { return runHeading; }
+    /// The folder of the first item that the record tells of; empty without one.
+    [[nodiscard]] const std::string& firstFolder() const { return topFolder; }
     /// Absent for a run that is under way, or was interrupted.
     [[nodiscard]] const std::optional<RunEnd>& end() const { return runEnd; }
     [[nodiscard]] std::uint64_t size() const { return file.size(); }
@@ -53,8 +56,9 @@ class RunRecordReader {
 
     LineFile file;
     std::string failure;
-    bool isNewer = false;
+    bool canBeRead = false;
     RunHeading runHeading;
+    std::string topFolder;
     std::optional<RunEnd> runEnd;
     std::uint64_t intactEnd = 0; ///< behind the last block that counts
     bool hasDamage = false;

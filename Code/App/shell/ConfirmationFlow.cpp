@@ -142,6 +142,10 @@ void ConfirmationFlow::showCompletionDialog() {
         errors = context.processingErrors();
         renamed = std::max(0, context.engineControl().numberOfActuallyRenamedFiles);
     }
+    tellEnd(errors, renamed);
+}
+
+void ConfirmationFlow::tellEnd(const std::vector<ProcessingError>& errors, std::int32_t renamed) {
     if (!errors.empty()) {
         services.frontEnd.showProcessingErrors(errors, reportIsOpen());
         return;

@@ -68,6 +68,8 @@ class ConfirmationFlow : public UserPrompts {
 
     // --- The end of a run ---
     void showCompletionDialog();
+    /// What failed, else how many names were changed.
+    void tellEnd(const std::vector<ProcessingError>& errors, std::int32_t renamed);
     void showFileListSavingCompletionDialog(int format);
     /// Ends the application, after the report of a run if one is open.
     void terminateWhenReportIsClosed();

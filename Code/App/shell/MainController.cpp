@@ -80,6 +80,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
       tagLibrary(&missingTagNotice), pane(services), longRunCheck(services),
       droplets(services, {listCommands, notices}, options.location),
       confirmation(services, {store, listCommands, preview, notices, droplets}, [this] { terminateNow(); }),
+      takeBacks(services, {preview, confirmation}),
       migration(services, presets,
                 {options.store.dataFolder, options.location, [this] { updatePresetsMenu(); }}),
       updates(services, {.mayInterrupt = [this] { return validateUserInterfaceItem() && !engine.isBusy(); },
@@ -125,8 +126,10 @@ void MainController::logStart() {
 
 void MainController::applicationDidFinishLaunching() {
     startSequence.applicationDidFinishLaunching();
-    if (mode == OperationMode::normal && options.usesUserFolders)
+    if (mode == OperationMode::normal && options.usesUserFolders) {
         updates.start();
+        takeBacks.tellInterruptedRun();
+    }
 }
 
 bool MainController::applicationShouldTerminate() {

@@ -24,6 +24,7 @@
 #include "shell/SourceCommands.h"
 #include "shell/StartSequence.h"
 #include "shell/StoreOwner.h"
+#include "shell/TakeBackCommands.h"
 #include "shell/UpdateCheck.h"
 #include "store/SourceItemManager.h"
 #include "tags/TagLibraryHelper.h"
@@ -131,6 +132,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
     [[nodiscard]] StoreOwner& storeOwner() { return store; }
     [[nodiscard]] UpdateCheck& updateCheck() { return updates; }
+    [[nodiscard]] TakeBackCommands& takeBackCommands() { return takeBacks; }
 
     // --- EngineHost ---
     ItemStore* persistentStoreCoordinator() override { return store.persistentStoreCoordinator(); }
@@ -193,6 +195,7 @@ class MainController : public EngineHost, public ActionObserver {
     LongRunCheck longRunCheck;
     DropletCommands droplets;
     ConfirmationFlow confirmation;
+    TakeBackCommands takeBacks;
     MigrationCommands migration;
     UpdateCheck updates;
     StartSequence startSequence;
