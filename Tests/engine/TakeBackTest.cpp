@@ -144,6 +144,18 @@ TEST(TakeBack, TakesWhatWasSavedAnewWhenToldTo) {
     EXPECT_EQ(bench.files(), (RenameBench::Tree{{"box/a", "new"}, {"box/b", "box/b"}}));
 }
 
+TEST(TakeBack, KnowsWhatWasSavedAnewBeforeTheRun) {
+    HistoryBench bench;
+    bench.makeAndRead({"box/", "box/a"});
+    bench.disk.write("box/new", "new");
+    std::filesystem::rename(bench.disk.path("box/new"), bench.disk.path("box/a"));
+    bench.setFinalName("box/a", u"A1");
+    bench.rename();
+    ASSERT_EQ(bench.files(), (RenameBench::Tree{{"box/A1", "new"}}));
+    EXPECT_EQ(bench.takeBack(RunKind::undo), 1);
+    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"box/a", "new"}}));
+}
+
 TEST(TakeBack, NamesTheLaterRunThatRenamedAgain) {
     HistoryBench bench;
     renameTwo(bench);

@@ -61,6 +61,7 @@ bool PerformRenameStage::beginJournal() {
     StandIns standIns;
     const std::string problem = journal->begin(*context, plannedItems(), standIns, *purpose);
     if (problem.empty()) {
+        run->journal = journal.get();
         RunHistory(place.folder).prune();
         return true;
     }

@@ -54,6 +54,7 @@ void RenameChain::rename(bool treatAsRoot) {
             : primitives.refuse();
     if (worked) {
         run.noteMoved(item.id());
+        run.noteIdentity(item.id());
         run.noteTakenPlace(run.context.row(item.id()).cannotBeRenamedBefore);
     } else {
         run.questions.displayError("Could not change a file name", primitives.failureReasonString(),

@@ -2,6 +2,7 @@
 
 #include "engine/PathParts.h"
 #include "engine/RenameEngine.h"
+#include "engine/RunJournal.h"
 #include "store/StoreContext.h"
 
 namespace tavrin {
@@ -15,6 +16,11 @@ RenameRun::RenameRun(RenameEngine& engine, ProcessingStage& stage, StoreContext&
 
 std::optional<FileIdentity> RenameRun::expected(RowId id) const {
     return isStrict ? std::optional(context.row(id).identity()) : std::nullopt;
+}
+
+void RenameRun::noteIdentity(RowId id) {
+    if (journal && primitives.identity() && primitives.identity()->inode != context.row(id).inode)
+        journal->late(id, *primitives.identity());
 }
 
 void RenameRun::noteTakenPlace(RowId formerHolder) {

@@ -27,6 +27,8 @@ class RowSet {
     std::vector<bool> bits;
 };
 
+class RunJournal;
+
 /// What the units of one run share. Worker thread only.
 struct RenameRun {
     RenameRun(RenameEngine& engine, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
@@ -37,6 +39,9 @@ struct RenameRun {
     [[nodiscard]] bool isInPlace(RowId id) const { return !moved.contains(id); }
     /// What must lie where the row says for the item to be touched; anything will do where absent.
     [[nodiscard]] std::optional<FileIdentity> expected(RowId id) const;
+    /// Has the record know the item that the last rename was about, where it is not the one that the row
+    /// knew.
+    void noteIdentity(RowId id);
     /// Notes that an item has left its place.
     void noteMoved(RowId id) { moved.insert(id); }
     /// Notes that the item in hand has got the name that another one was to leave free. If that one has not
@@ -50,7 +55,8 @@ struct RenameRun {
     RenamePrimitives primitives;
     UserQuestions questions;
     PassMarker marker;
-    bool isStrict = false; ///< only the very items that the rows know are renamed
+    RunJournal* journal = nullptr; ///< not owned; null where none is kept
+    bool isStrict = false;         ///< only the very items that the rows know are renamed
 
   private:
     FileSystem& disk;
