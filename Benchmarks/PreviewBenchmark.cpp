@@ -65,6 +65,7 @@ class SilentFrontEnd : public FrontEnd {
     void askForFileListFormat(std::function<void(FileListChoice)>) override {}
     void askForSavePath(const std::string&, std::function<void(std::optional<std::string>)>) override {}
     void presentError(const std::string&) override {}
+    void presentNotice(const std::string&) override {}
     void terminate() override {}
     void previewFinished() override { hasFinished = true; }
 

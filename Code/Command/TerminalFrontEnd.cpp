@@ -220,6 +220,10 @@ void TerminalFrontEnd::presentError(const std::string& message) {
     terminal.complain(terminal.shownInError("tvrn: " + message));
 }
 
+void TerminalFrontEnd::presentNotice(const std::string& text) {
+    terminal.complain(terminal.shownInError("tvrn: " + text));
+}
+
 void TerminalFrontEnd::terminate() { loop.stop(); }
 
 } // namespace tavrin

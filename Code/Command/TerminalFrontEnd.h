@@ -51,6 +51,7 @@ class TerminalFrontEnd : public FrontEnd {
     void askForSavePath(const std::string& title,
                         std::function<void(std::optional<std::string>)> answer) override;
     void presentError(const std::string& message) override;
+    void presentNotice(const std::string& text) override;
     void terminate() override;
     void previewFinished() override { previewIsFinished = true; }
 

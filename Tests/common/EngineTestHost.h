@@ -103,6 +103,7 @@ class EngineTestHost : public EngineHost {
     void reloadPreview() override;
     void clearList() override;
     void terminate() override { note("terminate"); }
+    void presentNotice(const std::string& text) override { note("notice " + text); }
     void revealReport(const std::string& path) override { note("revealReport " + path); }
 
     /// Takes the store away, as when none can be made.

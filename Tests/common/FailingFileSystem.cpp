@@ -1,6 +1,10 @@
 #include "common/FailingFileSystem.h"
 
+#include "platform/FolderEntries.h"
+
+#include <cerrno>
 #include <numeric>
+#include <strings.h>
 
 namespace tavrin::test {
 
@@ -11,47 +15,84 @@ std::size_t indexOf(FileCall call) { return static_cast<std::size_t>(call); }
 /// A folder of the real file system, counted like the calls by path.
 class FailingOpenFolder : public OpenFolder {
   public:
-    FailingOpenFolder(FailingFileSystem& counter, std::unique_ptr<OpenFolder> realFolder)
-        : system(counter), real(std::move(realFolder)) {}
+    FailingOpenFolder(FailingFileSystem& counter, std::string folderPath,
+                      std::unique_ptr<OpenFolder> realFolder)
+        : system(counter), path(std::move(folderPath)), real(std::move(realFolder)) {}
 
     int status(const std::string& name, FileStatus& into) override {
-        const int error = system.admit(FileCall::status);
-        return error != 0 ? error : real->status(name, into);
+        const int error = system.admit({FileCall::status, path, name, {}});
+        return error != 0 ? error : real->status(known(name), into);
     }
     int renameNoReplace(const std::string& from, const std::string& to) override {
-        const int error = system.admit(FileCall::rename);
-        return error != 0 ? error : real->renameNoReplace(from, to);
+        if (const int error = system.admit({FileCall::rename, path, from, to}))
+            return error;
+        FileStatus taken;
+        if (system.ignoresCase && real->status(known(to), taken) == 0)
+            return EEXIST;
+        return real->renameNoReplace(known(from), to);
+    }
+    int exchange(const std::string& a, const std::string& b) override {
+        const int error = system.admit({FileCall::exchange, path, a, b});
+        return error != 0 ? error : real->exchange(known(a), known(b));
+    }
+    int renameReplacing(const std::string& from, const std::string& to) override {
+        const int error = system.admit({FileCall::replace, path, from, to});
+        return error != 0 ? error : real->renameReplacing(known(from), known(to));
+    }
+    int link(const std::string& from, const std::string& to) override {
+        const int error = system.admit({FileCall::link, path, from, to});
+        return error != 0 ? error : real->link(known(from), known(to));
+    }
+    int reserve(const std::string& name, FileStatus::Kind kind) override {
+        const int error = system.admit({FileCall::reserve, path, name, {}});
+        return error != 0 ? error : real->reserve(known(name), kind);
+    }
+    int remove(const std::string& name, FileStatus::Kind kind) override {
+        const int error = system.admit({FileCall::remove, path, name, {}});
+        return error != 0 ? error : real->remove(known(name), kind);
     }
     int entries(FolderEntries& into) override {
-        const int error = system.admit(FileCall::entries);
+        const int error = system.admit({FileCall::entries, path, {}, {}});
         return error != 0 ? error : real->entries(into);
     }
-    int volume(VolumeStatus& into) override {
-        const int error = system.admit(FileCall::status);
-        return error != 0 ? error : real->volume(into);
-    }
+    int volume(VolumeFacts& into) override { return real->volume(into); }
+    bool liesAt(const std::string& place) override { return real->liesAt(place); }
 
   private:
+    /// The spelling of the item that a folder that ignores case would find.
+    std::string known(const std::string& name) {
+        FolderEntries entries;
+        if (system.ignoresCase && real->entries(entries) == 0) {
+            for (const FolderEntry entry : entries) {
+                if (::strcasecmp(std::string(entry.name).c_str(), name.c_str()) == 0)
+                    return std::string(entry.name);
+            }
+        }
+        return name;
+    }
+
     FailingFileSystem& system;
+    std::string path;
     std::unique_ptr<OpenFolder> real;
 };
 
 class FailingAppendFile : public AppendFile {
   public:
-    FailingAppendFile(FailingFileSystem& counter, std::unique_ptr<AppendFile> realFile)
-        : system(counter), real(std::move(realFile)) {}
+    FailingAppendFile(FailingFileSystem& counter, std::string filePath, std::unique_ptr<AppendFile> realFile)
+        : system(counter), path(std::move(filePath)), real(std::move(realFile)) {}
 
     int append(std::string_view bytes) override {
-        const int error = system.admit(FileCall::write);
+        const int error = system.admit({FileCall::write, path, {}, {}});
         return error != 0 ? error : real->append(bytes);
     }
     int sync() override {
-        const int error = system.admit(FileCall::sync);
+        const int error = system.admit({FileCall::sync, path, {}, {}});
         return error != 0 ? error : real->sync();
     }
 
   private:
     FailingFileSystem& system;
+    std::string path;
     std::unique_ptr<AppendFile> real;
 };
 
@@ -63,11 +104,12 @@ FailingFileSystem::FailingFileSystem(FileSystem& realSystem) : real(realSystem) 
 
 FailingFileSystem::~FailingFileSystem() { FileSystem::setSharedInstance(nullptr); }
 
-void FailingFileSystem::failCall(std::size_t number, int error) {
+void FailingFileSystem::failCall(std::size_t number, int error, bool andAllAfter) {
     const std::lock_guard lock(mutex);
     seen = 0;
     failingCall = number;
     failingError = error;
+    failsOn = andAllAfter;
 }
 
 void FailingFileSystem::failKind(FileCall call, int error, std::optional<std::size_t> number) {
@@ -81,6 +123,7 @@ void FailingFileSystem::reset() {
     kindFailures.fill({});
     seen = 0;
     failingCall = 0;
+    failsOn = false;
     failures = 0;
 }
 
@@ -94,16 +137,25 @@ std::size_t FailingFileSystem::callCount(FileCall call) const {
     return counts.at(indexOf(call));
 }
 
+std::size_t FailingFileSystem::nameChangeCount() const {
+    const std::lock_guard lock(mutex);
+    return std::accumulate(counts.begin() + static_cast<std::ptrdiff_t>(indexOf(FileCall::rename)),
+                           counts.end(), std::size_t{0});
+}
+
 std::size_t FailingFileSystem::failureCount() const {
     const std::lock_guard lock(mutex);
     return failures;
 }
 
-int FailingFileSystem::admit(FileCall call) {
+int FailingFileSystem::admit(const FileEvent& event) {
+    int error = before(event);
     const std::lock_guard lock(mutex);
-    ++counts.at(indexOf(call));
-    int error = ++seen == failingCall ? failingError : 0;
-    KindFailure& kind = kindFailures.at(indexOf(call));
+    ++counts.at(indexOf(event.call));
+    ++seen;
+    if (failingCall != 0 && (failsOn ? seen >= failingCall : seen == failingCall))
+        error = failingError;
+    KindFailure& kind = kindFailures.at(indexOf(event.call));
     if (kind.error != 0 && (!kind.number || ++kind.seen == *kind.number))
         error = kind.error;
     failures += error != 0 ? 1 : 0;
@@ -111,62 +163,52 @@ int FailingFileSystem::admit(FileCall call) {
 }
 
 int FailingFileSystem::openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) {
-    if (const int error = admit(FileCall::openFolder))
+    if (const int error = admit({FileCall::openFolder, path, {}, {}}))
         return error;
     std::unique_ptr<OpenFolder> folder;
     if (const int error = real.openFolder(path, folder))
         return error;
-    into = std::make_unique<FailingOpenFolder>(*this, std::move(folder));
+    into = std::make_unique<FailingOpenFolder>(*this, path, std::move(folder));
     return 0;
 }
 
 int FailingFileSystem::status(const std::string& path, FileStatus& into) {
-    const int error = admit(FileCall::status);
+    const int error = admit({FileCall::status, path, {}, {}});
     return error != 0 ? error : real.status(path, into);
 }
 
 int FailingFileSystem::followedStatus(const std::string& path, FileStatus& into) {
-    const int error = admit(FileCall::status);
+    const int error = admit({FileCall::status, path, {}, {}});
     return error != 0 ? error : real.followedStatus(path, into);
 }
 
-int FailingFileSystem::renameNoReplace(const std::string& from, const std::string& to) {
-    const int error = admit(FileCall::rename);
-    return error != 0 ? error : real.renameNoReplace(from, to);
-}
-
 int FailingFileSystem::removeFile(const std::string& path) {
-    const int error = admit(FileCall::remove);
+    const int error = admit({FileCall::removeFile, path, {}, {}});
     return error != 0 ? error : real.removeFile(path);
 }
 
-int FailingFileSystem::removeEmptyFolder(const std::string& path) {
-    const int error = admit(FileCall::remove);
-    return error != 0 ? error : real.removeEmptyFolder(path);
-}
-
 int FailingFileSystem::makeFolders(const std::string& path) {
-    const int error = admit(FileCall::makeFolders);
+    const int error = admit({FileCall::makeFolders, path, {}, {}});
     return error != 0 ? error : real.makeFolders(path);
 }
 
 int FailingFileSystem::writeFileAtomically(const std::string& path, std::string_view content) {
-    const int error = admit(FileCall::write);
+    const int error = admit({FileCall::write, path, {}, {}});
     return error != 0 ? error : real.writeFileAtomically(path, content);
 }
 
 int FailingFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) {
-    if (const int error = admit(FileCall::write))
+    if (const int error = admit({FileCall::write, path, {}, {}}))
         return error;
     std::unique_ptr<AppendFile> file;
     if (const int error = real.makeAppendFile(path, file))
         return error;
-    into = std::make_unique<FailingAppendFile>(*this, std::move(file));
+    into = std::make_unique<FailingAppendFile>(*this, path, std::move(file));
     return 0;
 }
 
 int FailingFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {
-    const int error = admit(FileCall::read);
+    const int error = admit({FileCall::read, path, {}, {}});
     return error != 0 ? error : real.readFile(path, into, limit);
 }
 

@@ -5,49 +5,83 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <mutex>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace tavrin::test {
 
-/// The calls that can be counted and made to fail.
-enum class FileCall { openFolder, status, entries, rename, remove, makeFolders, write, sync, read };
+/// The calls that can be counted and made to fail. Those that change names come last.
+enum class FileCall {
+    openFolder,
+    status,
+    entries,
+    makeFolders,
+    write,
+    sync,
+    read,
+    removeFile,
+    rename,
+    exchange,
+    replace,
+    link,
+    reserve,
+    remove
+};
 
-/// Stands before another file system, counts its calls, those of open folders among them, and makes them
-/// fail without reaching it. Registers itself as the shared instance while it lives. Any thread.
+/// One call: what it is about, and for a rename, an exchange or a link the other name.
+struct FileEvent {
+    FileCall call;
+    std::string folder; ///< or the path of a call by path
+    std::string name;
+    std::string to;
+    [[nodiscard]] bool changesNames() const { return call >= FileCall::rename; }
+};
+
+/// Stands before another file system, counts its calls, those of open folders among them, tells of each
+/// before it is made, and makes them fail without reaching it. Registers itself as the shared instance while
+/// it lives. Any thread.
 class FailingFileSystem : public FileSystem {
   public:
     explicit FailingFileSystem(FileSystem& real = FileSystem::sharedInstance());
     ~FailingFileSystem() override;
 
-    /// Fails the call with this number, counted from 1 from now on, once.
-    void failCall(std::size_t number, int error);
+    /// Fails the call with this number, counted from 1 from now on, once; or it and all after it, as if the
+    /// program had been killed there.
+    void failCall(std::size_t number, int error, bool andAllAfter = false);
     /// Fails every call of a kind, or the one with this number among them, counted from 1 from now on.
     void failKind(FileCall call, int error, std::optional<std::size_t> number = std::nullopt);
+    /// 0, or the error to fail with. Called on the caller's thread, before the call is made.
+    std::function<int(const FileEvent&)> before = [](const FileEvent&) { return 0; };
+    /// Folders know names apart from case only.
+    bool ignoresCase = false;
     /// Lets everything pass again and counts anew.
     void reset();
 
     /// Since the last reset.
     [[nodiscard]] std::size_t callCount() const;
     [[nodiscard]] std::size_t callCount(FileCall call) const;
+    /// Calls that change names, in folders.
+    [[nodiscard]] std::size_t nameChangeCount() const;
     /// How many calls were made to fail since the last reset.
     [[nodiscard]] std::size_t failureCount() const;
 
     int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) override;
     int status(const std::string& path, FileStatus& into) override;
     int followedStatus(const std::string& path, FileStatus& into) override;
-    int renameNoReplace(const std::string& from, const std::string& to) override;
     int removeFile(const std::string& path) override;
-    int removeEmptyFolder(const std::string& path) override;
     int makeFolders(const std::string& path) override;
     int writeFileAtomically(const std::string& path, std::string_view content) override;
     int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;
     int readFile(const std::string& path, std::string& into, std::size_t limit) override;
 
     /// Counts a call; the error that it is to fail with, or 0.
-    int admit(FileCall call);
+    int admit(const FileEvent& event);
 
   private:
+    static constexpr std::size_t kinds = static_cast<std::size_t>(FileCall::remove) + 1;
     struct KindFailure {
         int error = 0;
         std::optional<std::size_t> number;
@@ -57,10 +91,11 @@ class FailingFileSystem : public FileSystem {
     FileSystem& real;
 
     mutable std::mutex mutex; ///< guards what follows
-    std::array<std::size_t, 9> counts{};
-    std::array<KindFailure, 9> kindFailures{};
+    std::array<std::size_t, kinds> counts{};
+    std::array<KindFailure, kinds> kindFailures{};
     std::size_t seen = 0;
     std::size_t failingCall = 0;
+    bool failsOn = false;
     int failingError = 0;
     std::size_t failures = 0;
 };

@@ -76,6 +76,7 @@ class ScriptedFrontEnd : public FrontEnd {
     void fetchAddress(const std::string& address, std::size_t limit,
                       std::function<void(FetchedAddress)> answer) override;
 
+    void presentNotice(const std::string& text) override { presented.push_back(text); }
     void presentError(const std::string& message) override { presented.push_back(message); }
     void terminate() override;
     void selectMainTab(MainTab tab) override;

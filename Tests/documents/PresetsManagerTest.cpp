@@ -154,7 +154,7 @@ TEST_F(PresetsManagerTest, WhatCannotBeReadOrRemovedIsNotWritten) {
     const auto good = folder.tree();
     {
         FailingFileSystem failing;
-        failing.failKind(FileCall::remove, EACCES);
+        failing.failKind(FileCall::removeFile, EACCES);
         EXPECT_FALSE(manager.changeNameAtPath(path, u"y", u"d"));
         EXPECT_FALSE(manager.deletePresetAtIndex(0));
     }

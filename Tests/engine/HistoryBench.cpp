@@ -46,10 +46,10 @@ void HistoryBench::interruptNewest(bool hasNoFlag) const {
     const std::string name = newestRecord();
     RecordText text(records.read(name));
     text.lines.pop_back();
-    if (hasNoFlag) {
-        for (std::string& line : text.lines)
-            line += line.starts_with("dir\t") ? "noflag" : "";
-    }
+    FileStatus status;
+    EXPECT_EQ(FileSystem::sharedInstance().status(disk.path(), status), 0);
+    if (hasNoFlag)
+        text.lines.push_back("noflag\t" + std::to_string(status.identity.device));
     records.write(name, text.withChecksums());
 }
 

@@ -17,25 +17,20 @@ struct Case {
     int renamed;
     std::size_t diskRenames;
     std::vector<std::string> sources; ///< afterwards
-    std::vector<std::string> problems = {};
 };
-
-const std::string temporaryFailure =
-    "Could not perform a temporary rename while resolving a dependency chain.: ";
-const std::string undoFailure = "Could not undo a temporary rename while resolving a dependency chain.: ";
 
 const std::vector<Case> cases{
     {"nothing to do", {"a"}, {}, {{"a", "a"}}, 0, 0, {"a"}},
     {"one", {"a", "z"}, {{"a", u"b"}}, {{"b", "a"}, {"z", "z"}}, 1, 1, {"z", "b"}},
-    {"swap", {"a", "b"}, {{"a", u"b"}, {"b", u"a"}}, {{"a", "b"}, {"b", "a"}}, 2, 3, {"a", "b"}},
-    {"swap of names wanted in another case: the present names change places",
+    {"swap", {"a", "b"}, {{"a", u"b"}, {"b", u"a"}}, {{"a", "b"}, {"b", "a"}}, 2, 1, {"a", "b"}},
+    {"swap of names wanted in another case, which are free where case counts",
      {"a", "b"},
      {{"a", u"B"}, {"b", u"A"}},
-     {{"a", "b"}, {"b", "a"}},
+     {{"A", "b"}, {"B", "a"}},
      2,
-     3,
-     {"a", "b"}},
-    {"swap of case", {"a", "A"}, {{"a", u"A"}, {"A", u"a"}}, {{"a", "A"}, {"A", "a"}}, 2, 4, {"A", "a"}},
+     2,
+     {"A", "B"}},
+    {"swap of case", {"a", "A"}, {{"a", u"A"}, {"A", u"a"}}, {{"a", "A"}, {"A", "a"}}, 2, 1, {"A", "a"}},
     {"chain",
      {"a", "b", "c"},
      {{"c", u"d"}, {"b", u"c"}, {"a", u"b"}},
@@ -47,31 +42,29 @@ const std::vector<Case> cases{
      {"a", "b", "c", "z"},
      {{"a", u"b"}, {"b", u"c"}, {"c", u"a"}},
      {{"b", "a"}, {"c", "b"}, {"a", "c"}, {"z", "z"}},
-     4,
-     8,
-     {"b", "c", "a", "z"}},
-    {"cycle beside a swap and a chain: what lies at the old places is left alone",
+     3,
+     2,
+     {"z", "b", "c", "a"}},
+    {"cycle beside a swap and a chain",
      {"a", "b", "c", "p", "q", "x", "y"},
      {{"a", u"b"}, {"b", u"c"}, {"c", u"a"}, {"p", u"q"}, {"q", u"p"}, {"x", u"y"}, {"y", u"w"}},
      {{"b", "a"}, {"c", "b"}, {"a", "c"}, {"q", "p"}, {"p", "q"}, {"y", "x"}, {"w", "y"}},
      7,
-     11,
-     {"w", "y", "p", "q", "b", "c", "a"},
-     {temporaryFailure + "p", temporaryFailure + "q", temporaryFailure + "x", temporaryFailure + "y",
-      undoFailure + "p", undoFailure + "q", undoFailure + "x", undoFailure + "y"}},
-    {"cycle beside an item that is to be composed differently: it keeps its own bytes",
+     5,
+     {"w", "y", "p", "q", "b", "c", "a"}},
+    {"cycle beside an item that is to be composed differently: it stays",
      {"a", "b", "c", "e\u0301"},
      {{"a", u"b"}, {"b", u"c"}, {"c", u"a"}, {"e\u0301", u"\u00E9"}},
      {{"b", "a"}, {"c", "b"}, {"a", "c"}, {"e\u0301", "e\u0301"}},
-     4,
-     8,
-     {"b", "c", "a", "e\u0301"}},
+     3,
+     2,
+     {"e\u0301", "b", "c", "a"}},
     {"case alone",
      {"report.txt"},
      {{"report.txt", u"REPORT.TXT"}},
      {{"REPORT.TXT", "report.txt"}},
      1,
-     2,
+     1,
      {"REPORT.TXT"}},
     {"the very name goes before one that differs in case",
      {"A", "a", "x"},
@@ -92,14 +85,14 @@ const std::vector<Case> cases{
      {{"f", u"g"}, {"g", u"f"}, {"f/a", u"b"}, {"f/b", u"a"}},
      {{"g/a", "f/b"}, {"g/b", "f/a"}, {"f/a", "g/a"}},
      4,
-     6,
+     2,
      {"f", "g"}},
     {"a slash in a name is a colon on disk and leads nowhere",
      {"a", "p:q", "r"},
      {{"a", u"../x/y"}, {"p:q", u"r"}, {"r", u"p/q"}},
      {{"..:x:y", "a"}, {"r", "p:q"}, {"p:q", "r"}},
      3,
-     4,
+     2,
      {"..:x:y", "p:q", "r"}},
     {"names that are no UTF-8",
      {"f/", "f/\xE9", "g/", "g/1\xE9", "g/2\xE9", "h/", "h/1\xE9", "h/2\xE9", "h/3\xE9"},
@@ -116,7 +109,7 @@ const std::vector<Case> cases{
       {"h/3\xE9", "h/2\xE9"},
       {"h/1\xE9", "h/3\xE9"}},
      6,
-     10,
+     4,
      {"f", "g", "h"}},
 };
 
@@ -143,9 +136,9 @@ TEST(Rename, SmallPlans) {
         bench.rename();
         EXPECT_EQ(bench.files(), one.after);
         EXPECT_EQ(bench.renamed(), one.renamed);
-        EXPECT_EQ(counting.callCount(FileCall::rename), one.diskRenames);
+        EXPECT_EQ(counting.nameChangeCount(), one.diskRenames);
         EXPECT_EQ(bench.sourcePaths(), one.sources);
-        EXPECT_EQ(bench.problems(), one.problems);
+        EXPECT_TRUE(bench.reports.empty());
     }
 }
 
@@ -162,7 +155,7 @@ TEST(Rename, OneLookAndOneRenamePerItem) {
     bench.rename();
     EXPECT_EQ(bench.renamed(), 1200);
     EXPECT_EQ(counting.callCount(FileCall::rename), 1200U);
-    EXPECT_EQ(counting.callCount(FileCall::status), 1200U);
+    EXPECT_EQ(counting.callCount(FileCall::status), 1201U); // and one at the folder
     EXPECT_EQ(counting.callCount(FileCall::openFolder), 1U);
 }
 

@@ -18,7 +18,7 @@ RecordText threeBlocks() {
     text.lines = {"tavrin run 1", "run\t2026-11-21T14:22:33+01:00\t4711\tboot\ttvrn\trename\t", "recipe\t"};
     int item = 0;
     for (int block = 0; block < 3; ++block) {
-        RecordedFolder folder{static_cast<std::uint32_t>(block), {7, 8}, 9, 0.125, "/t\tab/new\nline", false};
+        RecordedFolder folder{static_cast<std::uint32_t>(block), {7, 8}, 9, 0.125, "/t\tab/new\nline"};
         runLine::print(folder, text.lines.emplace_back());
         for (int i = 0; i < 2; ++i) {
             const std::string name = "\\t\t\n\xFF" + std::to_string(item++);

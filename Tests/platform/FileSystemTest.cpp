@@ -2,7 +2,7 @@
 #include "common/TemporaryFolder.h"
 #include "platform/FolderEntries.h"
 #include "platform/FolderListing.h"
-#include "platform/NoReplaceRename.h"
+#include "platform/UnflaggedRename.h"
 
 #include <gtest/gtest.h>
 
@@ -22,8 +22,6 @@ using Tree = std::map<std::string, std::string>;
 
 FileSystem& files() { return FileSystem::sharedInstance(); }
 
-int refusingRename(int, const char*, int, const char*) { return EINVAL; }
-
 /// Every way to rename within a folder.
 using Rename = std::function<int(const TemporaryFolder&, const std::string&, const std::string&)>;
 
@@ -39,9 +37,29 @@ int renameInFolder(const TemporaryFolder& folder, const std::string& from, const
     return error != 0 ? error : opened->renameNoReplace(from, to);
 }
 
-int renameWithoutFlag(const TemporaryFolder& folder, const std::string& from, const std::string& to) {
-    return renameNoReplaceAt(AT_FDCWD, folder.path(from).c_str(), AT_FDCWD, folder.path(to).c_str(),
-                             refusingRename);
+/// As where the kernel's call can't be told to replace nothing, and where links or replacing are refused too.
+int renameUnflagged(const TemporaryFolder& folder, const std::string& from, const std::string& to,
+                    bool refusesLinks, bool refusesToReplace) {
+    test::FailingFileSystem refusing;
+    if (refusesLinks)
+        refusing.failKind(test::FileCall::link, EPERM);
+    if (refusesToReplace)
+        refusing.failKind(test::FileCall::replace, EEXIST, 1);
+    std::unique_ptr<OpenFolder> opened;
+    const int error = refusing.openFolder(folder.path(), opened);
+    return error != 0 ? error : UnflaggedRename(*opened).rename(from, to);
+}
+
+int renameByLink(const TemporaryFolder& folder, const std::string& from, const std::string& to) {
+    return renameUnflagged(folder, from, to, false, false);
+}
+
+int renameByReservation(const TemporaryFolder& folder, const std::string& from, const std::string& to) {
+    return renameUnflagged(folder, from, to, true, false);
+}
+
+int renameByLook(const TemporaryFolder& folder, const std::string& from, const std::string& to) {
+    return renameUnflagged(folder, from, to, true, true);
 }
 
 TEST_P(NoReplace, MovesToAFreeNameAndNeverOntoATakenOne) {
@@ -69,18 +87,10 @@ TEST_P(NoReplace, MovesToAFreeNameAndNeverOntoATakenOne) {
 INSTANTIATE_TEST_SUITE_P(Ways, NoReplace,
                          testing::Values(std::pair("ByPath", Rename(renameByPath)),
                                          std::pair("InFolder", Rename(renameInFolder)),
-                                         std::pair("WithoutFlag", Rename(renameWithoutFlag))),
+                                         std::pair("ByLink", Rename(renameByLink)),
+                                         std::pair("ByReservation", Rename(renameByReservation)),
+                                         std::pair("ByLook", Rename(renameByLook))),
                          [](const auto& instance) { return instance.param.first; });
-
-TEST(NoReplaceFallback, IsTakenOnlyWhenTheFlagIsRefused) {
-    const TemporaryFolder folder;
-    folder.write("a");
-    const auto otherError = [](int, const char*, int, const char*) { return EPERM; };
-    EXPECT_EQ(
-        renameNoReplaceAt(AT_FDCWD, folder.path("a").c_str(), AT_FDCWD, folder.path("b").c_str(), otherError),
-        EPERM);
-    EXPECT_TRUE(folder.kind("a"));
-}
 
 TEST(FileSystem, RefusesNamesThatLeaveTheFolderOrAreCutShort) {
     const TemporaryFolder folder;
@@ -93,7 +103,6 @@ TEST(FileSystem, RefusesNamesThatLeaveTheFolderOrAreCutShort) {
     FileStatus status;
     std::string content;
     std::unique_ptr<OpenFolder> opened;
-    EXPECT_EQ(renameByPath(folder, "a", std::string("b\0c", 3)), EINVAL);
     EXPECT_EQ(files().status(cutShort, status), EINVAL);
     EXPECT_EQ(files().readFile(cutShort, content, 100), EINVAL);
     EXPECT_EQ(files().writeFileAtomically(cutShort, "x"), EINVAL);
@@ -223,23 +232,6 @@ TEST(FileSystem, WritesReadsAndRemoves) {
               (Tree{{"deep/", ""}, {"deep/er/", ""}, {"deep/er/file", std::string("a\0b", 3)}}));
     EXPECT_EQ(files().removeFile(path), 0);
     EXPECT_EQ(files().removeFile(path), ENOENT);
-}
-
-TEST(FailingFileSystem, FailsWhatItIsTold) {
-    const TemporaryFolder folder;
-    folder.write("a", "kept");
-    test::FailingFileSystem failing;
-    ASSERT_EQ(&files(), &failing);
-    failing.failCall(2, EIO);
-    EXPECT_EQ(renameInFolder(folder, "a", "b"), EIO);
-    EXPECT_TRUE(folder.kind("a"));
-    EXPECT_EQ(renameInFolder(folder, "a", "b"), 0);
-    failing.failKind(test::FileCall::rename, EROFS, 2);
-    EXPECT_EQ(renameByPath(folder, "b", "c"), 0);
-    EXPECT_EQ(renameByPath(folder, "c", "d"), EROFS);
-    EXPECT_EQ(renameByPath(folder, "c", "d"), 0);
-    EXPECT_EQ(failing.callCount(test::FileCall::rename), 5U);
-    EXPECT_EQ(failing.failureCount(), 2U);
 }
 
 } // namespace

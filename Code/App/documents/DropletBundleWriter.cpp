@@ -2,8 +2,7 @@
 
 #include "documents/DropletLauncher.h"
 #include "documents/DropletScript.h"
-#include "platform/NameExchange.h"
-#include "platform/NoReplaceRename.h"
+#include "platform/FileSystem.h"
 #include "platform/PropertyList.h"
 
 #include <fmt/format.h>
@@ -107,14 +106,12 @@ Error DropletBundleWriter::writeBundle(const PropertyDictionary& settings,
     if (Error error = fill(temporary.path, settings))
         return error;
     if (!replaces) {
-        const int error =
-            renameNoReplaceAt(AT_FDCWD, temporary.path.c_str(), AT_FDCWD, bundle.path().c_str());
-        if (error != 0)
+        if (const int error = FileSystem::sharedInstance().renameNoReplace(temporary.path, bundle.path()))
             return failure(bundle.path(), error);
         temporary.release();
         return std::nullopt;
     }
-    if (const int error = exchangeNames(temporary.path, bundle.path()))
+    if (const int error = FileSystem::sharedInstance().exchangeNames(temporary.path, bundle.path()))
         return failure(bundle.path(), error);
     // Something may have come into the old one meanwhile; that is not removed with it.
     temporary.release();
@@ -142,8 +139,7 @@ std::optional<std::string> DropletBundleWriter::upgrade(const PropertyDictionary
         static_cast<void>(temporary.remove());
         return failure(droplet.path(), "the former droplet could not be removed");
     }
-    if (const int error =
-            renameNoReplaceAt(AT_FDCWD, temporary.path().c_str(), AT_FDCWD, droplet.path().c_str()))
+    if (const int error = FileSystem::sharedInstance().renameNoReplace(temporary.path(), droplet.path()))
         return failure(droplet.path(), error);
     return writeLauncher(droplet);
 }

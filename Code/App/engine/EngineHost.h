@@ -31,6 +31,8 @@ class EngineHost {
     /// Asks for a new preview; after a switch of store, from the worker.
     virtual void updatePreview() = 0;
 
+    /// Tells the user something that is neither a failure nor a question.
+    virtual void presentNotice(const std::string& text) = 0;
     virtual void startProgressWindow() = 0;
     virtual void stopProgressWindow() = 0;
     virtual void refreshPreview() = 0;

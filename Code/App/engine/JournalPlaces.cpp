@@ -93,7 +93,7 @@ void JournalPlaces::resolve(std::uint32_t number, Folder& into) {
     into.path = presentPath(line.path);
     std::unique_ptr<OpenFolder> opened;
     FileStatus status;
-    VolumeStatus volume;
+    VolumeFacts volume;
     int error = FileSystem::sharedInstance().openFolder(into.path, opened);
     if (error == 0)
         error = opened->status(".", status);
@@ -108,7 +108,7 @@ void JournalPlaces::resolve(std::uint32_t number, Folder& into) {
     const bool isSameFolder =
         status.identity.inode == line.identity.inode &&
         (!line.birthTime || !status.hasBirthTime || *line.birthTime == status.creationDate);
-    if (!volume.inventsInodes && line.identity.isKnown() && !(isSameVolume && isSameFolder))
+    if (!volume.inodesMayChange && line.identity.isKnown() && !(isSameVolume && isSameFolder))
         into.reason = "Its folder is another one than it was.";
 }
 
@@ -259,12 +259,13 @@ bool JournalPlaces::bearsExactly(const std::string& name) {
 }
 
 void JournalPlaces::noteLeftover(const PlacedItem& of, const std::string& name, const Look& look) {
-    if (!wasInterrupted || !of.recordedFolder.hasNoFlag || found.size() == mostLeftovers)
+    if (!wasInterrupted || !record.hasNoFlag(of.recordedFolder) || found.size() == mostLeftovers)
         return;
     const bool isYoung =
         began && std::max(look.status.creationDate, look.status.modificationDate) > *began - slack;
-    Leftover leftover{joinedPath(of.folder, name), joinedPath(of.folder, of.item.oldName),
-                      look.status.identity, look.isSame, look.status.kind == FileStatus::Kind::folder};
+    Leftover leftover{of.folder,       name,
+                      of.item.oldName, look.status.identity,
+                      look.isSame,     look.status.kind == FileStatus::Kind::folder};
     const bool isReservation = !look.isSame && isYoung && look.status.kind == of.item.kind &&
                                (leftover.isFolder || look.status.size == 0);
     if ((look.isSame && !leftover.isFolder) || isReservation)

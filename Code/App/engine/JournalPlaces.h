@@ -41,8 +41,9 @@ class JournalPlaces {
     /// Something that a killed run has left at a name where an item was to go: a second name of the item, or
     /// an empty place kept for it.
     struct Leftover {
-        std::string path;
-        std::string itemPath;
+        std::string folder;
+        std::string name;
+        std::string itemName;
         FileIdentity identity;
         bool isSecondName = false;
         bool isFolder = false;

@@ -30,18 +30,22 @@ bool hasStrayHalf(std::u16string_view finalName, std::string_view currentName) {
 
 } // namespace
 
-bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentName, std::string& into) {
-    if (!text::toBytes(finalName, into) || hasStrayHalf(finalName, currentName))
+bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentName, std::string& into,
+                      bool isExact) {
+    if (!text::toBytes(finalName, into) || (!isExact && hasStrayHalf(finalName, currentName)))
         return false;
     std::replace(into.begin(), into.end(), '/', ':');
     return isPossible(into);
 }
 
-bool NameOnDisk::fromExact(std::u16string_view finalName, std::string& into) {
-    if (!text::toBytes(finalName, into))
-        return false;
-    std::replace(into.begin(), into.end(), '/', ':');
-    return isPossible(into);
+std::string_view NameOnDisk::faultOf(std::u16string_view finalName, std::string_view currentName) {
+    std::string bytes;
+    if (finalName.empty())
+        return "The new name is empty";
+    if (!text::toBytes(finalName, bytes) || hasStrayHalf(finalName, currentName))
+        return "It cuts a character in two";
+    return bytes.find('\0') != std::string::npos ? "It holds a character that ends a name"
+                                                 : "This name stands for a folder itself";
 }
 
 bool NameOnDisk::isPossible(std::string_view name) {

@@ -150,31 +150,35 @@ void NamesFromRecordStage::clearLeftover(JournalPlaces& places) {
     if (leftovers.size() > 1) {
         for (const auto& leftover : leftovers)
             addError("Could not clear what an interrupted run left behind",
-                     "More than one item looks like it, so that none was removed.", leftover.path);
+                     "More than one item looks like it, so that none was removed.",
+                     joinedPath(leftover.folder, leftover.name));
         purpose->failedBefore += static_cast<std::int64_t>(leftovers.size());
         return;
     }
     if (leftovers.empty())
         return;
     const JournalPlaces::Leftover& leftover = leftovers.front();
-    FileSystem& disk = FileSystem::sharedInstance();
+    std::unique_ptr<OpenFolder> folder;
     FileStatus there;
     FileStatus item;
-    if (disk.status(leftover.path, there) != 0 || there.identity != leftover.identity)
-        return;
-    // A second name may go only as long as the first is there.
-    if (leftover.isSecondName &&
-        (disk.status(leftover.itemPath, item) != 0 || item.identity != leftover.identity))
-        return;
-    if (!leftover.isSecondName && !leftover.isFolder && there.size != 0)
-        return;
-    const int error =
-        leftover.isFolder ? disk.removeEmptyFolder(leftover.path) : disk.removeFile(leftover.path);
+    int error = FileSystem::sharedInstance().openFolder(leftover.folder, folder);
+    if (error == 0) {
+        if (folder->status(leftover.name, there) != 0 || there.identity != leftover.identity)
+            return;
+        // A second name may go only as long as the first is there.
+        if (leftover.isSecondName &&
+            (folder->status(leftover.itemName, item) != 0 || item.identity != leftover.identity))
+            return;
+        if (!leftover.isSecondName && !leftover.isFolder && there.size != 0)
+            return;
+        error = folder->remove(leftover.name, there.kind);
+    }
     if (error == 0)
         return;
     ++purpose->failedBefore;
     addError("Could not clear what an interrupted run left behind",
-             fmt::format("It can't be removed. ({})", std::generic_category().message(error)), leftover.path);
+             fmt::format("It can't be removed. ({})", std::generic_category().message(error)),
+             joinedPath(leftover.folder, leftover.name));
 }
 
 void NamesFromRecordStage::fail(const PlacedItem& placed) {

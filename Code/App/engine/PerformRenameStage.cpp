@@ -4,18 +4,18 @@
 #include "engine/EngineHost.h"
 #include "engine/LibraryWarnings.h"
 #include "engine/RenameChain.h"
-#include "engine/RenameCycle.h"
 #include "engine/RenameEngine.h"
-#include "engine/RenamePair.h"
+#include "engine/RenameRing.h"
 #include "engine/RenameRun.h"
 #include "engine/RunHistory.h"
 #include "engine/RunJournal.h"
-#include "engine/StandIns.h"
 #include "platform/RunLoop.h"
 #include "platform/UserDefaults.h"
 #include "store/FilterManager.h"
 #include "store/StoreContext.h"
 #include "support/MacOSXVersion.h"
+
+#include <algorithm>
 
 namespace tavrin {
 
@@ -41,10 +41,10 @@ bool PerformRenameStage::process() {
         }
     }
     if (journal)
-        journal->close(run->primitives.actuallyRenamedCounter,
-                       purpose->failedBefore + run->questions.failureCount(), run->questions.shouldAbort());
-    journal.reset();
+        journal->close(run->primitives.actuallyRenamedCounter, purpose->failedBefore + run->failedCounter,
+                       run->questions.shouldAbort());
     run.reset();
+    journal.reset();
     warnings.reset();
     return true;
 }
@@ -58,23 +58,19 @@ bool PerformRenameStage::beginJournal() {
         return true;
     run->report.describe("Recording..");
     journal = std::make_unique<RunJournal>(place);
-    StandIns standIns;
-    const std::string problem = journal->begin(*context, plannedItems(), standIns, *purpose);
-    if (problem.empty()) {
-        run->journal = journal.get();
-        RunHistory(place.folder).prune();
-        return true;
+    const std::string problem = journal->begin(*context, plannedItems(), run->standIns, *purpose);
+    if (!problem.empty()) {
+        journal.reset();
+        return run->questions.confirmWithoutRecord(problem);
     }
-    journal.reset();
-    return run->questions.confirmWithoutRecord(problem);
+    run->primitives.onReplaced = [this](RowId row, const FileIdentity& found) { journal->late(row, found); };
+    run->onFlagRefused = [this](std::uint32_t device) { journal->flagRefused(device); };
+    RunHistory(place.folder).prune();
+    return true;
 }
 
 Predicate PerformRenameStage::plannedItems() const {
-    const Predicate taking =
-        purpose->isStrict
-            ? Predicate::always()
-            : FilterManager::currentFilterPredicate(engine.host().globalSettings().itemFilter());
-    return taking.with(Predicate::isTrue(NodeKey::diff));
+    return FilterManager::currentFilterPredicate(run->filter).with(Predicate::isTrue(NodeKey::diff));
 }
 
 void PerformRenameStage::switchToLionModeOnce() {
@@ -93,21 +89,25 @@ void PerformRenameStage::prepare() {
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
-    context->changeEngineControl().numberOfFilesThatNeedRenaming =
-        static_cast<std::int32_t>(context->count(FetchEntity::file, plannedItems()));
-    report.numberOfItems(context->engineControl().numberOfFilesThatNeedRenaming);
-    report.indeterminate(false);
-
     const TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
     const bool shouldBeInteractive =
         purpose->asks.value_or(settings.shouldInteract() && !engine.host().isSilentDroplet());
     run = std::make_unique<RenameRun>(engine, *this, *context, progress, shouldBeInteractive);
-    run->isStrict = purpose->isStrict;
     // Who takes a run back has been warned before it.
-    warnings = std::make_unique<LibraryWarnings>(
-        !purpose->isStrict && settings.shouldPreventAccidentalITunesLibraryDamage(),
-        !purpose->isStrict && settings.shouldPreventAccidentalIPhotoLibraryDamage());
-    setNumberOfActuallyRenamedFiles();
+    const bool warns = !purpose->isStrict;
+    warnings =
+        std::make_unique<LibraryWarnings>(warns && settings.shouldPreventAccidentalITunesLibraryDamage(),
+                                          warns && settings.shouldPreventAccidentalIPhotoLibraryDamage());
+    run->filter = settings.itemFilter();
+    if (purpose->isStrict) {
+        run->filter = {true, true, true};
+        run->primitives.beStrict();
+    }
+    const auto planned = static_cast<std::int32_t>(context->count(FetchEntity::file, plannedItems()));
+    context->changeEngineControl().numberOfFilesThatNeedRenaming = planned;
+    report.numberOfItems(planned);
+    report.indeterminate(false);
+    setCounters();
 }
 
 FetchRequest PerformRenameStage::openItems() const {
@@ -132,7 +132,7 @@ bool PerformRenameStage::performBatch(const FetchRequest& request) {
         performItem(item);
     }
     run->report.describe("Renamed {} files. Committing..", run->primitives.actuallyRenamedCounter);
-    setNumberOfActuallyRenamedFiles();
+    setCounters();
     // After a commit that failed the marks stay staged, so that no item comes twice.
     saveAndRefaultObjects();
     run->report.describe("Updating source items..");
@@ -149,15 +149,47 @@ void PerformRenameStage::performItem(RowId id) {
     const NodeRow row = context->row(id);
     const RowId partner = row.mustBeRenamedBefore;
     if (row.mustBeSwapped && partner != noRow)
-        RenamePair(*run).exchange(id, partner);
+        RenameRing(*run, {id, partner}).resolve();
     else if (row.canBeRenamedIndependently)
         RenameChain(*run).walk(id);
     else
-        RenameCycle(*run).resolve(id);
+        performWaitingItem(id);
 }
 
-void PerformRenameStage::setNumberOfActuallyRenamedFiles() {
+/// What waits for a name and was reached by no chain: members of a ring, and items that wait in vain.
+void PerformRenameStage::performWaitingItem(RowId id) {
+    std::vector<RowId> way;
+    RowSet seen;
+    RowId next = id;
+    while (next != noRow && seen.insert(next)) {
+        way.push_back(next);
+        next = holderOfWantedName(next);
+    }
+    if (next != noRow) {
+        const auto first = std::find(way.begin(), way.end(), next);
+        RenameRing(*run, {first, way.end()}).resolve();
+        way.erase(first, way.end());
+    }
+    // The last one first: if its name is free all the same, the others can follow.
+    for (; !way.empty() && !run->questions.shouldAbort(); way.pop_back()) {
+        if (context->stageFlag(way.back()) != run->marker)
+            RenameChain(*run).walk(way.back());
+    }
+}
+
+RowId PerformRenameStage::holderOfWantedName(RowId id) {
+    const RowId holder = context->row(id).cannotBeRenamedBefore;
+    if (holder == noRow || context->stageFlag(holder) == run->marker || !context->exists(holder))
+        return noRow;
+    const NodeRow row = context->row(holder);
+    // What takes no part keeps its name.
+    const bool takesPart = row.diff && !row.canBeRenamedIndependently && run->filter.admits(row);
+    return takesPart ? holder : noRow;
+}
+
+void PerformRenameStage::setCounters() {
     context->changeEngineControl().numberOfActuallyRenamedFiles = run->primitives.actuallyRenamedCounter;
+    context->changeEngineControl().numberOfItemsNotRenamed = run->failedCounter;
 }
 
 } // namespace tavrin

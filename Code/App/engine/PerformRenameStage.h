@@ -36,7 +36,10 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] FetchRequest openItems() const;
     bool performBatch(const FetchRequest& request);
     void performItem(RowId id);
-    void setNumberOfActuallyRenamedFiles();
+    void performWaitingItem(RowId id);
+    /// The sibling whose name this item waits for, if it will still leave it.
+    [[nodiscard]] RowId holderOfWantedName(RowId id);
+    void setCounters();
 
     std::shared_ptr<const RunPurpose> purpose;
     std::unique_ptr<RunJournal> journal; ///< null where none is kept

@@ -95,10 +95,8 @@ RowId PrepareForRenamingStage::cannotBeRenamedBefore(RowId item) {
         return noRow;
     context->finalName(item, finalName);
     // What no file can be called is nobody's name.
-    const bool isPossible = context->row(item).hasExactName
-                                ? NameOnDisk::fromExact(finalName, wantedName)
-                                : NameOnDisk::from(finalName, context->component(item), wantedName);
-    if (!isPossible)
+    const bool isExact = context->row(item).hasExactName;
+    if (!NameOnDisk::from(finalName, context->component(item), wantedName, isExact))
         return noRow;
     const RowId holder = siblings.find(wantedName);
     // A change of case alone finds the item itself.

@@ -47,18 +47,13 @@ UserQuestions::Decision RenameChain::ask(bool isHead) {
 void RenameChain::rename(bool treatAsRoot) {
     RenameItem& item = run.item;
     RenamePrimitives& primitives = run.primitives;
-    const bool worked =
-        run.isInPlace(item.id())
-            ? primitives.renameCurrentName(item.component(), item.folder(), item.newComponent(), treatAsRoot,
-                                           run.expected(item.id()))
-            : primitives.refuse();
+    const bool worked = run.isInPlace(item.id()) ? primitives.renameItem(item, treatAsRoot)
+                                                 : primitives.refuse("It has been renamed already");
     if (worked) {
         run.noteMoved(item.id());
-        run.noteIdentity(item.id());
         run.noteTakenPlace(run.context.row(item.id()).cannotBeRenamedBefore);
     } else {
-        run.questions.displayError("Could not change a file name", primitives.failureReasonString(),
-                                   item.fullPath());
+        run.fail("Could not change a file name", primitives.failureReasonString(), item.fullPath());
     }
     run.report.describeItem(
         [&] { return fmt::format("Renaming {} to {}", item.fullPath(), item.shownFinalName()); });

@@ -128,8 +128,8 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
     }
     static_cast<void>(pipeline.process());
     StoreContext context(*result.store, StoreContext::MergePolicy::storeWins);
-    result.planned = static_cast<std::int32_t>(
-        context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)));
+    result.planned =
+        static_cast<std::int32_t>(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)));
     result.changed = std::max(0, context.engineControl().numberOfActuallyRenamedFiles);
     result.errors = context.processingErrors();
     return result;

@@ -8,15 +8,18 @@
 namespace tavrin {
 
 void RenameItem::moveTo(RowId id) {
-    const NodeRow& row = context.row(id);
+    const NodeRow row = context.row(id);
     const RowId newParent = row.parent;
     current = id;
     root = row.root;
     diff = row.diff;
     hasExactName = row.hasExactName;
+    seenItem = {row.identity(), row.kind};
     currentComponent = context.component(id);
-    if (newParent != parent || parent == noRow)
+    if (newParent != parent || parent == noRow) {
         folderPath = context.parentPath(id);
+        parentIdentity = context.row(newParent).identity();
+    }
     parent = newParent;
 }
 
@@ -26,11 +29,13 @@ const std::string& RenameItem::newComponent() {
     if (!diff)
         return currentComponent;
     context.finalName(current, finalName);
-    const bool isPossible = hasExactName ? NameOnDisk::fromExact(finalName, wantedComponent)
-                                         : NameOnDisk::from(finalName, currentComponent, wantedComponent);
-    if (!isPossible)
+    if (!NameOnDisk::from(finalName, currentComponent, wantedComponent, hasExactName))
         wantedComponent.clear();
     return wantedComponent;
+}
+
+std::string_view RenameItem::faultOfNewName() {
+    return NameOnDisk::faultOf(context.finalName(current), currentComponent);
 }
 
 std::string RenameItem::shownName() const { return NameOnDisk::shown(currentComponent); }

@@ -18,6 +18,10 @@ class RenameItem {
 
     [[nodiscard]] RowId id() const { return current; }
     [[nodiscard]] bool isRoot() const { return root; }
+    /// What reading saw.
+    [[nodiscard]] const SeenItem& seen() const { return seenItem; }
+    [[nodiscard]] RowId parentRow() const { return parent; }
+    [[nodiscard]] const FileIdentity& folderAsRead() const { return parentIdentity; }
     /// Path of the folder.
     [[nodiscard]] const std::string& folder() const { return folderPath; }
     /// The present name in the bytes of the file system.
@@ -25,6 +29,8 @@ class RenameItem {
     [[nodiscard]] std::string fullPath() const;
     /// The name to be, in bytes; empty when no file can bear it. An item without `diff` keeps its own bytes.
     const std::string& newComponent();
+    /// Why no file can bear the name to be, in words.
+    [[nodiscard]] std::string_view faultOfNewName();
     /// The two names as the user sees them, in UTF-8.
     [[nodiscard]] std::string shownName() const;
     [[nodiscard]] std::string shownFinalName();
@@ -33,6 +39,8 @@ class RenameItem {
     StoreContext& context;
     RowId current = noRow;
     RowId parent = noRow;
+    SeenItem seenItem;
+    FileIdentity parentIdentity;
     bool root = false;
     bool diff = false;
     bool hasExactName = false;

@@ -1,35 +1,51 @@
 #include "engine/RenameRun.h"
 
-#include "engine/PathParts.h"
+#include "engine/EngineHost.h"
 #include "engine/RenameEngine.h"
-#include "engine/RunJournal.h"
+#include "platform/RunLoop.h"
 #include "store/StoreContext.h"
 
 namespace tavrin {
 
-RenameRun::RenameRun(RenameEngine& engine, ProcessingStage& stage, StoreContext& store,
-                     ProgressInfo* progress, bool shouldBeInteractive)
-    : context(store), item(store), report(progress),
-      primitives(FileSystem::sharedInstance(), report, sourceItems),
-      questions(engine, stage, shouldBeInteractive), marker(engine.nextStageFlagCounter()),
-      disk(FileSystem::sharedInstance()) {}
+RenameRun::RenameRun(RenameEngine& owner, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
+                     bool shouldBeInteractive)
+    : context(store), item(store), report(progress), folders(FileSystem::sharedInstance()),
+      standIns(store, folders), mover(volumeEvents()),
+      primitives({folders, standIns, mover, sourceItems, report}),
+      questions(owner, stage, shouldBeInteractive), marker(owner.nextStageFlagCounter()), engine(owner) {}
 
-std::optional<FileIdentity> RenameRun::expected(RowId id) const {
-    return isStrict ? std::optional(context.row(id).identity()) : std::nullopt;
+VolumeEvents RenameRun::volumeEvents() {
+    return {[this](std::uint32_t device) {
+                if (unflagged.insert(device).second)
+                    onFlagRefused(device);
+            },
+            [this](const RunFolders::Place& place) { tellUnguarded(place); }};
 }
 
-void RenameRun::noteIdentity(RowId id) {
-    if (journal && primitives.identity() && primitives.identity()->inode != context.row(id).inode)
-        journal->late(id, *primitives.identity());
+void RenameRun::tellUnguarded(const RunFolders::Place& place) {
+    if (!unguarded.insert(place.identity.device).second)
+        return;
+    const std::string text = fmt::format("The file system of {} cannot refuse a taken name; a file created "
+                                         "there in the same moment could be replaced.",
+                                         item.folder());
+    engine.host().runLoop().post([&host = engine.host(), text] { host.presentNotice(text); });
 }
 
 void RenameRun::noteTakenPlace(RowId formerHolder) {
-    if (formerHolder == noRow || moved.contains(formerHolder) || !primitives.identity())
+    const FileIdentity& taker = primitives.identity();
+    if (formerHolder == noRow || moved.contains(formerHolder) || !taker.isKnown())
         return;
+    const RunFolders::Place& place = primitives.place(item);
     FileStatus found;
-    const std::string place = joinedPath(item.folder(), context.component(formerHolder));
-    if (disk.status(place, found) == 0 && found.identity == *primitives.identity())
+    if (place.folder && place.folder->status(std::string(context.component(formerHolder)), found) == 0 &&
+        found.identity == taker)
         moved.insert(formerHolder);
+}
+
+void RenameRun::fail(const std::string& title, const std::string& message, const std::string& path,
+                     std::int32_t items) {
+    failedCounter += items;
+    questions.displayError(title, message, path);
 }
 
 } // namespace tavrin

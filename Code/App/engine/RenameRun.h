@@ -1,13 +1,18 @@
 #pragma once
 
+#include "engine/NameMover.h"
 #include "engine/RenameItem.h"
 #include "engine/RenamePrimitives.h"
+#include "engine/RunFolders.h"
 #include "engine/SourceItemChanges.h"
 #include "engine/StageProgress.h"
+#include "engine/StandIns.h"
 #include "engine/UserQuestions.h"
-#include "store/Predicate.h"
+#include "store/FilterManager.h"
 
-#include <optional>
+#include <cstdint>
+#include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,10 +21,14 @@ namespace tavrin {
 /// A set of rows, a bit for each.
 class RowSet {
   public:
-    void insert(RowId id) {
+    /// False when it was in the set already.
+    bool insert(RowId id) {
+        if (contains(id))
+            return false;
         if (id >= bits.size())
             bits.resize(id + id / 2 + 1024);
         bits[id] = true;
+        return true;
     }
     [[nodiscard]] bool contains(RowId id) const { return id < bits.size() && bits[id]; }
 
@@ -27,40 +36,50 @@ class RowSet {
     std::vector<bool> bits;
 };
 
-class RunJournal;
-
 /// What the units of one run share. Worker thread only.
 struct RenameRun {
     RenameRun(RenameEngine& engine, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
               bool shouldBeInteractive);
+    RenameRun(const RenameRun&) = delete;
+    RenameRun& operator=(const RenameRun&) = delete;
 
     /// Whether the item still lies where its row says: what this run has moved is no longer there, and what
     /// lies there now is not to be touched.
     [[nodiscard]] bool isInPlace(RowId id) const { return !moved.contains(id); }
-    /// What must lie where the row says for the item to be touched; anything will do where absent.
-    [[nodiscard]] std::optional<FileIdentity> expected(RowId id) const;
-    /// Has the record know the item that the last rename was about, where it is not the one that the row
-    /// knew.
-    void noteIdentity(RowId id);
     /// Notes that an item has left its place.
     void noteMoved(RowId id) { moved.insert(id); }
     /// Notes that the item in hand has got the name that another one was to leave free. If that one has not
     /// moved, it has vanished, and its place is taken now.
     void noteTakenPlace(RowId formerHolder);
 
+    /// Reports a failure that has left so many items without their new names.
+    void fail(const std::string& title, const std::string& message, const std::string& path,
+              std::int32_t items = 1);
+
     StoreContext& context;
     RenameItem item; ///< the one in hand
     StageProgress report;
     SourceItemChanges sourceItems;
+    RunFolders folders;
+    StandIns standIns;
+    /// Called once for each device whose file system can't refuse a taken name, before a rename there does
+    /// without.
+    std::function<void(std::uint32_t device)> onFlagRefused = [](std::uint32_t) {};
+    NameMover mover;
     RenamePrimitives primitives;
     UserQuestions questions;
     PassMarker marker;
-    RunJournal* journal = nullptr; ///< not owned; null where none is kept
-    bool isStrict = false;         ///< only the very items that the rows know are renamed
+    ItemFilter filter;              ///< which rows take part
+    std::int32_t failedCounter = 0; ///< items without the names that they were to get
 
   private:
-    FileSystem& disk;
+    [[nodiscard]] VolumeEvents volumeEvents();
+    void tellUnguarded(const RunFolders::Place& place);
+
+    RenameEngine& engine;
     RowSet moved;
+    std::set<std::uint32_t> unflagged; ///< devices
+    std::set<std::uint32_t> unguarded;
 };
 
 } // namespace tavrin

@@ -25,9 +25,6 @@ std::string bootId() {
     return id;
 }
 
-/// Whether a rename in the folder has to do without the kernel's way of refusing a taken name.
-bool hasNoFlag(OpenFolder&) { return false; }
-
 } // namespace
 
 std::string RunJournal::begin(StoreContext& context, const Predicate& planned, StandIns& standIns,
@@ -77,14 +74,14 @@ void RunJournal::writePlan(StoreContext& context, const Predicate& planned, Stan
         item.inode = seen.inode;
         item.kind = seen.kind;
         item.oldName = row.component();
-        item.standIn = standIns.nameFor(context, id);
+        item.standIn = standIns.nameFor(id);
         if (const auto former = purpose.formerNames.find(id); former != purpose.formerNames.end()) {
             item.standIn = item.oldName;
             item.oldName = former->second;
         }
         item.birthTime.reset();
         item.look.reset();
-        if (item.inode == 0 || folder.inventsInodes)
+        if (item.inode == 0 || folder.inodesMayChange)
             lookCloser(folder, item);
         if (id >= numbers.size())
             numbers.resize(id + id / 2 + 1024);
@@ -119,7 +116,7 @@ RunJournal::Folder RunJournal::folderAt(const std::string& path) {
     if (openPath != path || !openFolder) {
         openPath = path;
         openFolder.reset();
-        if (const auto known = folders.find(path); known != folders.end() && !known->second.inventsInodes)
+        if (const auto known = folders.find(path); known != folders.end() && !known->second.inodesMayChange)
             return known->second;
         static_cast<void>(FileSystem::sharedInstance().openFolder(path, openFolder));
     }
@@ -136,11 +133,10 @@ RunJournal::Folder RunJournal::folderAt(const std::string& path) {
         if (status.hasBirthTime)
             line.birthTime = status.creationDate;
     }
-    VolumeStatus volume;
+    VolumeFacts volume;
     if (openFolder && openFolder->volume(volume) == 0) {
         line.volume = volume.id;
-        entry->second.inventsInodes = volume.inventsInodes;
-        line.hasNoFlag = hasNoFlag(*openFolder);
+        entry->second.inodesMayChange = volume.inodesMayChange;
     }
     runLine::print(line, text);
     endLine();
@@ -159,7 +155,7 @@ void RunJournal::lookCloser(const Folder& folder, RecordedItem& item) {
     item.kind = status.kind;
     if (status.hasBirthTime)
         item.birthTime = status.creationDate;
-    if (folder.inventsInodes)
+    if (folder.inodesMayChange)
         item.look = RecordedItem::Look{status.size, status.modificationDate};
 }
 
@@ -169,6 +165,16 @@ void RunJournal::late(RowId row, const FileIdentity& found) {
     runLine::printLate(numbers[row] - 1, found.inode, text);
     text += '\n';
     flush();
+}
+
+void RunJournal::flagRefused(std::uint32_t device) {
+    if (!file)
+        return;
+    runLine::printNoFlag(device, text);
+    text += '\n';
+    flush();
+    if (error == 0)
+        error = file->sync();
 }
 
 void RunJournal::close(std::int64_t changed, std::int64_t failed, bool wasStopped) {

@@ -28,6 +28,9 @@ class RunJournal {
     /// nothing of it is left behind then.
     [[nodiscard]] std::string begin(StoreContext& context, const Predicate& planned, StandIns& standIns,
                                     const RunPurpose& purpose);
+    /// On this device a rename is about to do without the kernel's way of refusing a taken name, so that a
+    /// kill can leave a step half done. Comes back when that would outlast a loss of power.
+    void flagRefused(std::uint32_t device);
     /// The rename itself has found another item than the row knows, and goes on with it.
     void late(RowId row, const FileIdentity& found);
     void close(std::int64_t changed, std::int64_t failed, bool wasStopped);
@@ -37,7 +40,7 @@ class RunJournal {
   private:
     struct Folder {
         std::uint32_t number = 0;
-        bool inventsInodes = false;
+        bool inodesMayChange = false;
     };
 
     int makeFile();

@@ -29,7 +29,7 @@ namespace {
 constexpr std::array<std::string_view, 4> kindWords = {"f", "d", "l",
                                                        "o"}; // in the order of FileStatus::Kind
 constexpr std::array<std::string_view, 3> kindNames = {"rename", "undo", "redo"};
-constexpr std::string_view noFlag = "noflag";
+constexpr std::string_view noFlagWord = "noflag";
 
 void appendEscaped(std::string_view bytes, std::string& into) {
     into += '\t';
@@ -159,7 +159,6 @@ void print(const RecordedFolder& folder, std::string& into) {
     appendNumber(folder.identity.inode, into);
     appendTime(folder.birthTime, into);
     appendEscaped(folder.path, into);
-    appendEscaped(folder.hasNoFlag ? noFlag : "", into);
 }
 
 void print(const RecordedItem& item, std::string& into) {
@@ -191,6 +190,11 @@ void printBlock(std::size_t lines, std::uint32_t checksum, std::string& into) {
     appendNumber(checksum, into);
 }
 
+void printNoFlag(std::uint32_t device, std::string& into) {
+    into += noFlagWord;
+    appendNumber(device, into);
+}
+
 void printLate(std::size_t item, std::uint64_t inode, std::string& into) {
     into += "late";
     appendNumber(item, into);
@@ -218,7 +222,6 @@ std::optional<RecordedFolder> folder(std::string_view line) {
     fields.take(folder.identity.inode);
     fields.take(folder.birthTime);
     fields.take(folder.path);
-    folder.hasNoFlag = fields.takeWord(std::array<std::string_view, 2>{"", noFlag}) == 1;
     if (!folder.path.starts_with('/'))
         return std::nullopt;
     return fields.areGood() ? std::optional(std::move(folder)) : std::nullopt;
@@ -268,6 +271,13 @@ std::optional<Late> late(std::string_view line) {
     fields.take(late.item);
     fields.take(late.inode);
     return fields.areGood() ? std::optional(late) : std::nullopt;
+}
+
+std::optional<std::uint32_t> noFlag(std::string_view line) {
+    Fields fields(line, noFlagWord);
+    std::uint32_t device = 0;
+    fields.take(device);
+    return fields.areGood() ? std::optional(device) : std::nullopt;
 }
 
 } // namespace runLine

@@ -41,9 +41,6 @@ struct RecordedFolder {
     std::uint64_t volume = 0;
     std::optional<double> birthTime;
     std::string path; ///< when the run was planned
-    /// The file system can't refuse a taken name by itself, so that a run that was killed may have left a
-    /// second name of an item, or an empty place kept for it.
-    bool hasNoFlag = false;
 };
 
 struct RecordedItem {
@@ -76,6 +73,7 @@ void print(const RecordedItem& item, std::string& into);
 void print(const RunEnd& end, std::string& into);
 void printRecipe(std::string_view recipe, std::string& into);
 void printBlock(std::size_t lines, std::uint32_t checksum, std::string& into);
+void printNoFlag(std::uint32_t device, std::string& into);
 void printLate(std::size_t item, std::uint64_t inode, std::string& into);
 
 struct Block {
@@ -92,6 +90,8 @@ struct Late {
 [[nodiscard]] std::optional<RunEnd> end(std::string_view line);
 [[nodiscard]] std::optional<Block> block(std::string_view line);
 [[nodiscard]] std::optional<Late> late(std::string_view line);
+/// The device of which a "noflag" line tells.
+[[nodiscard]] std::optional<std::uint32_t> noFlag(std::string_view line);
 
 /// The name of a kind of run in records and in what is shown.
 [[nodiscard]] std::string_view nameOf(RunKind kind);

@@ -78,6 +78,7 @@ void RunRecordReader::examine() {
     hasDamage = false;
     recordedFolders.clear();
     lateInodes.clear();
+    unflaggedDevices.clear();
     OpenBlock open;
     bool hasBrokenBlock = false;
     for (std::string_view line; file.next(line);) {
@@ -90,6 +91,9 @@ void RunRecordReader::examine() {
             open = {};
         } else if (const auto late = runLine::late(line)) {
             lateInodes[late->item] = late->inode;
+            hasDamage |= open.lines > 0;
+        } else if (const auto device = runLine::noFlag(line)) {
+            unflaggedDevices.insert(*device);
             hasDamage |= open.lines > 0;
         } else if (runLine::end(line)) {
             hasDamage |= open.lines > 0;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -44,6 +45,10 @@ class RunRecordReader {
     /// Calls with each item that counts and its number, until the visitor says false. An item comes with the
     /// inode that the run found in the end.
     void visitItems(const std::function<bool(const RecordedItem&, std::size_t number)>& visitor);
+    /// Whether renames in the folder had to do without the kernel's way of refusing a taken name.
+    [[nodiscard]] bool hasNoFlag(const RecordedFolder& folder) const {
+        return unflaggedDevices.contains(folder.identity.device);
+    }
     /// The run itself has found another inode under this number than its plan had.
     [[nodiscard]] bool isLate(std::size_t number) const { return lateInodes.contains(number); }
 
@@ -65,6 +70,7 @@ class RunRecordReader {
     std::size_t items = 0;
     std::vector<RecordedFolder> recordedFolders;
     std::unordered_map<std::size_t, std::uint64_t> lateInodes;
+    std::set<std::uint32_t> unflaggedDevices;
 };
 
 } // namespace tavrin

@@ -1,21 +1,41 @@
 #pragma once
 
-#include "store/NodeRow.h"
+#include "engine/RunFolders.h"
 
 #include <string>
+#include <unordered_map>
 
 namespace tavrin {
 
 class StoreContext;
 
-/// The names under which items may lie for a moment in the middle of a run.
+/// The names under which items of a run may have to lie for a moment: where a file system can't exchange two
+/// names at once, and for a change of case in a folder that ignores case. One a folder and kind, since only
+/// one item of a folder is on its way at a time. Free when it is chosen, short enough, and no name of an item
+/// on the list. Worker thread only.
 class StandIns {
   public:
-    /// Chosen before the run; empty where the item needs none.
-    const std::string& nameFor(StoreContext&, RowId) { return none; }
+    StandIns(StoreContext& rows, RunFolders& runFolders) : context(rows), folders(runFolders) {}
+
+    /// The name for this row's item, chosen at the first question and the same from then on; empty for an
+    /// item that goes straight to its new name.
+    const std::string& nameFor(RowId id);
 
   private:
+    struct Names {
+        std::string inTurn; ///< for an item whose name another one waits for, and the reverse
+        std::string inCase;
+    };
+
+    std::string freeName(RowId parent, const std::string& path, std::string_view wish);
+
+    StoreContext& context;
+    RunFolders& folders;
+    std::unordered_map<RowId, Names> chosen; ///< by folder
     std::string none;
+    std::u16string finalName;
+    std::string component;
+    std::string wanted;
 };
 
 } // namespace tavrin

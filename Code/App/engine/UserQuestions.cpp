@@ -55,14 +55,14 @@ UserQuestions::Decision UserQuestions::confirmNameCycle(const NameCycleQuestion&
         decision = decide(ask([question](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
             prompts.confirmNameCycle(question, std::move(answer));
         }));
-    interactive = false;
+    if (decision != Decision::leaveOut)
+        interactive = false;
     return decision;
 }
 
 void UserQuestions::displayError(const std::string& title, const std::string& message,
                                  const std::string& path) {
-    ++failures;
-    if (!showErrorDialog)
+    if (!showErrorDialog || aborting)
         return errors.addError(title, message, path);
     const ProblemReport report{title, message, path, std::string(PathParts(path).folder)};
     const auto choice = ask([report](UserPrompts& prompts, ConfirmationAnswerPointer answer) {

@@ -2,7 +2,6 @@
 
 #include "engine/UserPrompts.h"
 
-#include <cstdint>
 #include <string>
 
 namespace tavrin {
@@ -23,21 +22,16 @@ class UserQuestions {
     [[nodiscard]] bool isInteractive() const { return interactive; }
     /// Whether the run is to stop: by an answer, or because the engine was asked to. Never false again.
     [[nodiscard]] bool shouldAbort();
-    /// The same, by an answer alone: inside a step that must not be cut in half.
-    [[nodiscard]] bool hasAborted() const { return aborting; }
 
     // Asked only while isInteractive; otherwise the step is performed.
     Decision confirmRename(const RenameQuestion& question);
     Decision confirmSwap(const SwapQuestion& question);
-    /// Whatever the answer, nobody is asked any more after this.
+    /// Unless it is left out, nobody is asked any more after this.
     Decision confirmNameCycle(const NameCycleQuestion& question);
 
-    /// Shows a failure, or records it once the user has chosen not to see them one by one. `path` is the
-    /// full path in bytes.
+    /// Shows a failure, or records it once the user has chosen not to see them one by one, or to stop. `path`
+    /// is the full path in bytes.
     void displayError(const std::string& title, const std::string& message, const std::string& path);
-
-    /// How many failures were shown or recorded.
-    [[nodiscard]] std::int64_t failureCount() const { return failures; }
 
     /// Whether the run is to begin although it leaves no record; otherwise it stops.
     bool confirmWithoutRecord(const std::string& reason);
@@ -55,7 +49,6 @@ class UserQuestions {
     bool interactive;
     bool showErrorDialog = true;
     bool aborting = false;
-    std::int64_t failures = 0;
 };
 
 } // namespace tavrin

@@ -12,13 +12,6 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 
-/// The file system that a folder lies on.
-struct VolumeStatus {
-    std::uint64_t id = 0; ///< its own name for itself, 0 where it has none
-    /// Whether a program behind it may give its items other inode numbers each time it is mounted.
-    bool inventsInodes = false;
-};
-
 /// What one statx call tells of an item. Times are seconds since 2001-01-01 00:00:00 UTC.
 struct FileStatus {
     enum class Kind : std::uint8_t { file, folder, link, other };

@@ -1,9 +1,9 @@
 #include "platform/ItemCopy.h"
 
 #include "platform/Descriptor.h"
+#include "platform/FileSystem.h"
 #include "platform/FolderEntries.h"
 #include "platform/FolderListing.h"
-#include "platform/NoReplaceRename.h"
 
 #include <climits>
 
@@ -179,7 +179,7 @@ int copyItem(const std::string& from, const std::string& to) {
     const std::string temporary = temporaryName();
     int error = Copier(folder.get()).copy({AT_FDCWD, from.c_str()}, {folder.get(), temporary.c_str()});
     if (error == 0)
-        error = renameNoReplaceAt(folder.get(), temporary.c_str(), folder.get(), name.c_str());
+        error = FileSystem::sharedInstance().renameNoReplace(to.substr(0, slash + 1) + temporary, to);
     if (error != 0)
         discard({folder.get(), temporary.c_str()});
     return error;

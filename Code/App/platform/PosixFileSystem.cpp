@@ -2,8 +2,8 @@
 
 #include "platform/Descriptor.h"
 #include "platform/FolderListing.h"
-#include "platform/NoReplaceRename.h"
 #include "platform/ReferenceDate.h"
+#include "platform/UnflaggedRename.h"
 
 #include <atomic>
 #include <cerrno>
@@ -13,7 +13,7 @@
 #include <linux/magic.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/vfs.h>
+#include <sys/statfs.h>
 #include <unistd.h>
 #include <utility>
 
@@ -72,25 +72,68 @@ class PosixOpenFolder : public OpenFolder {
         return statusAt(folder.get(), name, AT_SYMLINK_NOFOLLOW, into);
     }
     int renameNoReplace(const std::string& from, const std::string& to) override {
+        return renameFlagged(from, to, RENAME_NOREPLACE);
+    }
+    int exchange(const std::string& a, const std::string& b) override {
+        return renameFlagged(a, b, RENAME_EXCHANGE);
+    }
+    int renameReplacing(const std::string& from, const std::string& to) override {
+        return renameFlagged(from, to, 0);
+    }
+    int link(const std::string& from, const std::string& to) override {
         if (!isPlainName(from) || !isPlainName(to))
             return EINVAL;
-        return renameNoReplaceAt(folder.get(), from.c_str(), folder.get(), to.c_str());
+        return result(::linkat(folder.get(), from.c_str(), folder.get(), to.c_str(), 0));
+    }
+    int reserve(const std::string& name, FileStatus::Kind kind) override {
+        if (!isPlainName(name))
+            return EINVAL;
+        if (kind == FileStatus::Kind::folder)
+            return result(::mkdirat(folder.get(), name.c_str(), 0700));
+        constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+        return Descriptor(::openat(folder.get(), name.c_str(), flags, 0600)) ? 0 : errno;
+    }
+    int remove(const std::string& name, FileStatus::Kind kind) override {
+        if (!isPlainName(name))
+            return EINVAL;
+        const int flags = kind == FileStatus::Kind::folder ? AT_REMOVEDIR : 0;
+        return result(::unlinkat(folder.get(), name.c_str(), flags));
     }
     int entries(FolderEntries& into) override {
         const Descriptor readable(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         return readable ? readFolder(readable.get(), into) : errno;
     }
-    int volume(VolumeStatus& into) override {
+    int volume(VolumeFacts& into) override {
         struct statfs found {};
         if (::fstatfs(folder.get(), &found) != 0)
             return errno;
-        into.inventsInodes = found.f_type == FUSE_SUPER_MAGIC;
-        static_assert(sizeof into.id == sizeof found.f_fsid);
+        into.type = static_cast<std::uint64_t>(found.f_type);
+        static_assert(sizeof found.f_fsid == sizeof into.id);
         std::memcpy(&into.id, &found.f_fsid, sizeof into.id);
+        into.nameLimit = static_cast<std::size_t>(found.f_namelen);
+        into.inodesMayChange = found.f_type == FUSE_SUPER_MAGIC;
         return 0;
+    }
+    bool liesAt(const std::string& path) override {
+        const std::string own = "/proc/self/fd/" + std::to_string(folder.get());
+        std::string target(path.size() + 1, '\0');
+        const ssize_t length = ::readlink(own.c_str(), target.data(), target.size());
+        return length >= 0 && target.compare(0, static_cast<std::size_t>(length), path) == 0;
     }
 
   private:
+    static int result(int returned) { return returned == 0 ? 0 : errno; }
+
+    int renameFlagged(const std::string& from, const std::string& to, unsigned flags) {
+        if (!isPlainName(from) || !isPlainName(to))
+            return EINVAL;
+        if (::renameat2(folder.get(), from.c_str(), folder.get(), to.c_str(), flags) == 0)
+            return 0;
+        // A flag that is not known gives any of these, and a name that the file system forbids the first.
+        const bool isFlagRefused = errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP;
+        return flags != 0 && isFlagRefused ? EOPNOTSUPP : errno;
+    }
+
     Descriptor folder;
 };
 
@@ -182,6 +225,38 @@ void FileSystem::setSharedInstance(FileSystem* instance) {
     replacement.store(instance, std::memory_order_release);
 }
 
+int FileSystem::renameNoReplace(const std::string& from, const std::string& to) {
+    const std::size_t slash = from.rfind('/') + 1;
+    if (slash != to.rfind('/') + 1 || from.compare(0, slash, to, 0, slash) != 0)
+        return EXDEV;
+    std::unique_ptr<OpenFolder> folder;
+    if (const int error = openFolder(slash == 0 ? "." : from.substr(0, slash), folder))
+        return error;
+    const int error = folder->renameNoReplace(from.substr(slash), to.substr(slash));
+    return error == EOPNOTSUPP ? UnflaggedRename(*folder).rename(from.substr(slash), to.substr(slash))
+                               : error;
+}
+
+int FileSystem::exchangeNames(const std::string& first, const std::string& second) {
+    const std::size_t slash = first.rfind('/') + 1;
+    if (slash != second.rfind('/') + 1 || first.compare(0, slash, second, 0, slash) != 0)
+        return EXDEV;
+    std::unique_ptr<OpenFolder> folder;
+    if (const int error = openFolder(slash == 0 ? "." : first.substr(0, slash), folder))
+        return error;
+    const int error = folder->exchange(first.substr(slash), second.substr(slash));
+    if (error != EOPNOTSUPP)
+        return error;
+    const std::string aside = first + ".old";
+    if (const int failure = renameNoReplace(second, aside))
+        return failure;
+    if (const int failure = renameNoReplace(first, second)) {
+        static_cast<void>(renameNoReplace(aside, second));
+        return failure;
+    }
+    return renameNoReplace(aside, first);
+}
+
 int PosixFileSystem::openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) {
     if (hasNul(path))
         return EINVAL;
@@ -200,22 +275,10 @@ int PosixFileSystem::followedStatus(const std::string& path, FileStatus& into) {
     return statusAt(AT_FDCWD, path, 0, into);
 }
 
-int PosixFileSystem::renameNoReplace(const std::string& from, const std::string& to) {
-    if (hasNul(from) || hasNul(to))
-        return EINVAL;
-    return renameNoReplaceAt(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str());
-}
-
 int PosixFileSystem::removeFile(const std::string& path) {
     if (hasNul(path))
         return EINVAL;
     return ::unlink(path.c_str()) == 0 ? 0 : errno;
-}
-
-int PosixFileSystem::removeEmptyFolder(const std::string& path) {
-    if (hasNul(path))
-        return EINVAL;
-    return ::rmdir(path.c_str()) == 0 ? 0 : errno;
 }
 
 int PosixFileSystem::makeFolders(const std::string& path) {

@@ -10,9 +10,7 @@ class PosixFileSystem : public FileSystem {
     int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) override;
     int status(const std::string& path, FileStatus& into) override;
     int followedStatus(const std::string& path, FileStatus& into) override;
-    int renameNoReplace(const std::string& from, const std::string& to) override;
     int removeFile(const std::string& path) override;
-    int removeEmptyFolder(const std::string& path) override;
     int makeFolders(const std::string& path) override;
     int writeFileAtomically(const std::string& path, std::string_view content) override;
     int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;

@@ -301,16 +301,28 @@ void Dialogs::askForDropletPath(QWidget* parent, const std::string& title, const
     dialog->open();
 }
 
-QMessageBox* Dialogs::presentError(QWidget* parent, const std::string& message) {
+namespace {
+
+QMessageBox* present(QWidget* parent, AlertStyle style, const char* name, const std::string& message) {
     // The first sentence says what has happened, the others why.
     const QString whole = toQString(message);
     const qsizetype end = whole.indexOf(". ");
-    QMessageBox* box = makeBox(parent, AlertStyle::critical, end < 0 ? whole : whole.left(end + 1),
+    QMessageBox* box = makeBox(parent, style, end < 0 ? whole : whole.left(end + 1),
                                end < 0 ? QString() : whole.mid(end + 2));
-    box->setObjectName("errorAlert");
+    box->setObjectName(name);
     box->addButton(QMessageBox::Ok);
     box->open();
     return box;
+}
+
+} // namespace
+
+QMessageBox* Dialogs::presentError(QWidget* parent, const std::string& message) {
+    return present(parent, AlertStyle::critical, "errorAlert", message);
+}
+
+QMessageBox* Dialogs::presentNotice(QWidget* parent, const std::string& text) {
+    return present(parent, AlertStyle::informational, "noticeAlert", text);
 }
 
 } // namespace tavrin

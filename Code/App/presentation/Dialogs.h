@@ -34,6 +34,7 @@ struct Dialogs {
     static void askForDropletPath(QWidget* parent, const std::string& title, const std::string& startFolder,
                                   std::function<void(std::optional<std::string>)> answer);
     /// Returns the message box, which is open.
+    static QMessageBox* presentNotice(QWidget* parent, const std::string& text);
     static QMessageBox* presentError(QWidget* parent, const std::string& message);
 };
 

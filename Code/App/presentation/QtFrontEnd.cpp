@@ -108,6 +108,10 @@ void QtFrontEnd::fetchAddress(const std::string& address, std::size_t limit,
 
 // --- Showing ---
 
+void QtFrontEnd::presentNotice(const std::string& text) {
+    whenShown([this, text] { (void)Dialogs::presentNotice(window, text); });
+}
+
 void QtFrontEnd::presentError(const std::string& message) {
     whenShown([this, message] { (void)Dialogs::presentError(window, message); });
 }

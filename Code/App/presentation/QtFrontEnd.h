@@ -44,6 +44,7 @@ class QtFrontEnd final : public FrontEnd {
                       std::function<void(FetchedAddress)> answer) override;
 
     void presentError(const std::string& message) override;
+    void presentNotice(const std::string& text) override;
     /// Of a droplet that has no window, once the user has closed what it has to say.
     void terminate() override;
     /// Whatever is open.

@@ -169,6 +169,8 @@ void MainController::presentError(const std::string& message) {
     onMainThread([this, message] { environment.frontEnd.presentError(message); });
 }
 
+void MainController::presentNotice(const std::string& text) { environment.frontEnd.presentNotice(text); }
+
 void MainController::revealReport(const std::string& path) { environment.frontEnd.revealPath(path); }
 
 void MainController::showHelpAnchor(std::string_view anchor) { environment.frontEnd.showHelp(anchor); }

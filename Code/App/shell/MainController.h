@@ -156,6 +156,7 @@ class MainController : public EngineHost, public ActionObserver {
     void clearList() override { sources.clearList(); }
     void terminate() override { confirmation.terminateWhenReportIsClosed(); }
     void revealReport(const std::string& path) override;
+    void presentNotice(const std::string& text) override;
 
     // --- ActionObserver ---
     void observeValueForKeyPath(const std::string& keyPath, BaseAction& object,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/NodeRow.h"
 #include "store/Predicate.h"
 
 namespace tavrin {
@@ -9,6 +10,11 @@ struct ItemFilter {
     bool shouldProcessFiles = true;
     bool shouldProcessFolders = true;
     bool shouldProcessSubfolders = false;
+
+    [[nodiscard]] bool admits(const NodeRow& row) const {
+        return (row.treatAsFolder ? shouldProcessFolders : shouldProcessFiles) &&
+               (shouldProcessSubfolders || row.root);
+    }
 };
 
 /// The predicates that the filter settings stand for.

@@ -279,6 +279,7 @@ void ItemStore::Impl::applySmallEntities(StagedChanges& staged, StoreChanges& in
         take(&EngineControl::numberOfFilesThatNeedRenaming);
         take(&EngineControl::numberOfFolders);
         take(&EngineControl::numberOfActuallyRenamedFiles);
+        take(&EngineControl::numberOfItemsNotRenamed);
         take(&EngineControl::totalNumberOfNodes);
         take(&EngineControl::needToRedoConflictResolution);
         into.engineControl = true;
