@@ -185,6 +185,12 @@ void ScriptedFrontEnd::askForDroplets(const LocatePanel& panel,
     ask("droplets", giverOf(std::move(answer)));
 }
 
+void ScriptedFrontEnd::askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) {
+    takeBack = question;
+    ask("take back " + question.title,
+        giverOf<AlertAnswer>([answer](const AlertAnswer& given) { answer(given.button == 0); }));
+}
+
 void ScriptedFrontEnd::askForFolder(const LocatePanel& panel,
                                     std::function<void(std::optional<std::string>)> answer) {
     note("panel titled " + panel.title);

@@ -268,7 +268,11 @@ void JournalPlaces::noteLeftover(const PlacedItem& of, const std::string& name, 
                       look.isSame,     look.status.kind == FileStatus::Kind::folder};
     const bool isReservation = !look.isSame && isYoung && look.status.kind == of.item.kind &&
                                (leftover.isFolder || look.status.size == 0);
-    if ((look.isSame && !leftover.isFolder) || isReservation)
+    // Items of a folder share their stand-in name.
+    const bool isKnown = std::ranges::any_of(found, [&](const Leftover& other) {
+        return other.folder == leftover.folder && other.name == leftover.name;
+    });
+    if (!isKnown && ((look.isSame && !leftover.isFolder) || isReservation))
         found.push_back(std::move(leftover));
 }
 
