@@ -28,12 +28,10 @@ std::string asSentence(std::string part) {
 /// "Undo Rename of 487 Items in Lofoten".
 std::string descriptionOf(const ChosenRun& chosen) {
     const PastRun& run = chosen.run;
-    const bool finishes = chosen.toNewNames == run.isForward() && (!run.end || run.end->wasStopped);
-    std::string text;
-    if (finishes && chosen.toNewNames)
+    const bool finishes = chosen.toNewNames && !run.isUndone && (!run.end || run.end->wasStopped);
+    std::string text = chosen.what == RunKind::undo ? "Undo Rename" : "Redo Rename";
+    if (finishes)
         text = run.isForward() ? "Finish Rename" : "Finish Undo";
-    else
-        text = chosen.what == RunKind::undo ? "Undo Rename" : "Redo Rename";
     if (run.end && !finishes)
         text += " of " + countOf(run.end->changed);
     const std::string folder = run.folder.substr(run.folder.rfind('/') + 1);
