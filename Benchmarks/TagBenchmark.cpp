@@ -34,7 +34,7 @@ void tags(benchmark::State& state) {
         const FileManager files;
         const double ours = secondsOf([&] {
             for (const auto& path : photos.paths)
-                found += files.allTagsFor(path).contains("GPSPosition") ? 1U : 0U;
+                found += files.allTagsFor(path).tags.contains("GPSPosition") ? 1U : 0U;
         });
         bool isSound = false;
         const double theirs = secondsOf([&] { isSound = ChildProcess::run(commandLine).succeeded(); });

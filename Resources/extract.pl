@@ -2,7 +2,9 @@
 # Tells the metadata of files. Standard input is a path a line; each is answered by lines of the form
 #     {extracted-key}:KEY
 #     VALUE
-# then by an empty key and the end marker. A line feed within a value begins a further value line. Keys that
+# then by an empty key and the end marker. Where nothing could be read of a file, there is instead a line
+#     {extracted-failure}:REASON
+# A line feed within a value begins a further value line. Keys that
 # occur several times come as "KEY (3)" to "KEY (1)" and last as "KEY", since the reader keeps the later value.
 # Whatever a file holds, its answer stays one answer: the markers are broken up wherever they occur in a value.
 use strict;
@@ -14,11 +16,11 @@ BEGIN {
     $Image::ExifTool::configFile = '';
 }
 
-# Without the library no file has tags; that is told once, not for each file.
+# Why the library is not to be had, if so.
 my $has_library = eval { require Image::ExifTool; 1 };
-print STDERR $@ =~ m{^Can't locate Image/ExifTool\.pm}
-    ? "Tags of files can't be read: Image::ExifTool is missing (Debian's package libimage-exiftool-perl).\n"
-    : $@ if !$has_library;
+my $no_library = $@ =~ m{^Can't locate Image/ExifTool\.pm}
+    ? "Image::ExifTool is missing (Debian's package libimage-exiftool-perl)"
+    : "Image::ExifTool cannot be loaded: $@";
 
 use constant {
     SECONDS_PER_FILE => 30,
@@ -236,9 +238,20 @@ sub lines {
     return defined $text ? "{extracted-key}:$key\n$text\n" : '';
 }
 
+sub failure {
+    my ($reason) = @_;
+    $reason =~ s/\s+/ /g;
+    $reason =~ s/ $//;
+    return "{extracted-failure}:$reason\n";
+}
+
 sub answer {
     my ($tool, $path) = @_;
-    return '' if !$has_library || $path !~ m{^/} || !(-f $path || -d _);
+    return failure($no_library) if !$has_library;
+    return '' if $path !~ m{^/};
+    return $!{ENOENT} || $!{ENOTDIR} ? '' : failure($!) if !-e $path;
+    return '' if !(-f _ || -d _);
+    return failure($!) if -f _ && !open my $readable, '<:raw', $path;
     my $info = $tool->ImageInfo($path);
     complete($tool, $info, $path);
     my (@repeated, @single, @wanted);
@@ -282,7 +295,7 @@ use constant END_OF_ANSWER => "{extracted-key}:\n---finished---\n";
 
 # Ends this program with the answer, since the library would catch whatever else stopped it. It is started anew.
 local $SIG{ALRM} = sub {
-    print $answers END_OF_ANSWER;
+    print $answers failure('it took longer than ' . SECONDS_PER_FILE . ' seconds') . END_OF_ANSWER;
     exit 0;
 };
 
@@ -293,7 +306,7 @@ while (defined(my $path = <$requests>)) {
     my $text = eval { answer($reader, $path) };
     alarm 0;
     if (!defined $text) {
-        $text = '';
+        $text = failure("Image::ExifTool failed: $@");
         $reader = new_tool();
     }
     print $answers $text . END_OF_ANSWER or last;

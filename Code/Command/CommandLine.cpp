@@ -22,8 +22,8 @@ constexpr const char* version = "tvrn (Tavrin) 9.0.0\n";
 
 CommandLineEnd usageError(std::string_view command, std::string_view what) {
     const std::string name = command.empty() ? "tvrn" : fmt::format("tvrn {}", command);
-    return {static_cast<int>(ExitStatus::badUsage),
-            fmt::format("{0}: {1}\nTry \"{0} --help\".\n", name, what)};
+    return {static_cast<int>(ExitStatus::badUsage), fmt::format("{}: {}", name, what),
+            fmt::format("Try \"{} --help\".", name)};
 }
 
 KeyAndValue keyAndValue(const std::string& option, const std::string& text) {

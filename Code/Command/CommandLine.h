@@ -78,10 +78,12 @@ struct PresetsOptions {
     bool json = false;
 };
 
-/// There is nothing to run: a text to show, on standard output where the status is 0, else on standard error.
+/// There is nothing to run. Where the status is 0 there is a text to show on standard output; else a line for
+/// standard error that may hold what the user typed, and one of ours behind it.
 struct CommandLineEnd {
     int status = 0;
     std::string text;
+    std::string hint = {};
 };
 
 using CommandLine = std::variant<CommandLineEnd, PreviewOptions, RenameOptions, HistoryOptions,

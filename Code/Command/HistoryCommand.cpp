@@ -115,10 +115,10 @@ ExitStatus printItems(const PastRun& run, const std::string& folder, bool json, 
     return terminal.finish();
 }
 
-PastRun runNamed(const RunHistory& history, const std::string& name, const Terminal& terminal) {
+PastRun runNamed(const RunHistory& history, const std::string& name) {
     auto found = history.find(name);
     if (const auto* reason = std::get_if<std::string>(&found))
-        throw UsageError(terminal.shownInError(*reason));
+        throw UsageError(*reason);
     return std::get<PastRun>(std::move(found));
 }
 
@@ -138,9 +138,9 @@ ExitStatus runHistoryCommand(const HistoryOptions& options) {
     const std::string folder = UserFolders::state() + "/tavrin/runs";
     const RunHistory history(folder);
     if (!options.forget.empty())
-        return forget(runNamed(history, options.forget, terminal), terminal);
+        return forget(runNamed(history, options.forget), terminal);
     if (!options.run.empty())
-        return printItems(runNamed(history, options.run, terminal), folder, options.json, terminal);
+        return printItems(runNamed(history, options.run), folder, options.json, terminal);
     ExitStatus status = ExitStatus::allWell;
     for (const PastRun& run : history.runs()) {
         if (!options.clear)

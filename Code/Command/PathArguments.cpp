@@ -5,7 +5,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <string_view>
+#include <system_error>
 
 namespace tavrin {
 
@@ -20,8 +22,11 @@ bool isInside(std::string_view path, std::string_view folder) {
 
 std::string reasonOfRefusal(const std::string& refused, const std::vector<std::string>& paths) {
     FileStatus status;
-    if (refused.empty() || FileSystem::sharedInstance().followedStatus(refused, status) != 0)
+    const int error = refused.empty() ? ENOENT : FileSystem::sharedInstance().followedStatus(refused, status);
+    if (error == ENOENT || error == ENOTDIR)
         return "there is no such file or folder";
+    if (error != 0)
+        return fmt::format("it cannot be looked at: {}", std::generic_category().message(error));
     if (std::ranges::count(paths, refused) > 1)
         return "it is given more than once";
     const auto folder =

@@ -1,8 +1,8 @@
 #include "PresetsCommand.h"
 
-#include "DisplayText.h"
 #include "SavedPresets.h"
 #include "Terminal.h"
+#include "support/DisplayText.h"
 #include "support/Text.h"
 
 namespace tavrin {

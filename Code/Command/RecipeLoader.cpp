@@ -73,6 +73,15 @@ Recipe recipeFromSteps(const std::vector<RecipeStep>& steps) {
     return {{{"currentActionIndex", 0}, {"composite actions array", std::move(flatSteps)}}, std::nullopt};
 }
 
+/// Under their present keys or those of early versions.
+void checkSettings(const PropertyDictionary& settings, const std::string& path) {
+    for (const auto& [key, value] : BaseAction::cleanUpPotentiallyOldParameterList(settings)) {
+        const std::string problem = TVRNGlobalPreferencesPseudoAction::problemOf(key, value);
+        if (!problem.empty())
+            throw UsageError(fmt::format("{}: global settings.{}: {}", path, key, problem));
+    }
+}
+
 /// A file, a droplet's bundle, or the launcher of one.
 RecipeFile::Result readRecipe(const std::string& path) {
     const DropletBundle droplet(path);
@@ -90,7 +99,10 @@ Recipe recipeFromFile(const std::string& path) {
     RecipeFile::Result result = readRecipe(path);
     if (const auto* error = std::get_if<RecipeError>(&result))
         throw UsageError(fmt::format("{}: {}", path, error->message));
-    return std::move(std::get<Recipe>(result));
+    auto& recipe = std::get<Recipe>(result);
+    if (recipe.globalSettings)
+        checkSettings(*recipe.globalSettings, path);
+    return std::move(recipe);
 }
 
 Recipe recipeFromPreset(const std::string& name) {
@@ -119,11 +131,20 @@ void applySettings(const Recipe& recipe, const std::vector<KeyAndValue>& given,
             throw UsageError(fmt::format("there is no setting \"{}\"; there are: {}", setting.first,
                                          fmt::join(known | std::views::keys, ", ")));
         }
-        values.emplace_back(setting.first, typedValue(*present, setting));
+        const auto& [key, text] = setting;
+        if (!present->asText()) {
+            const std::string problem =
+                TVRNGlobalPreferencesPseudoAction::problemOf(key, wholeNumber(text, key));
+            if (!problem.empty())
+                throw UsageError(fmt::format("{}={}: {}", key, text, problem));
+        }
+        values.emplace_back(key, typedValue(*present, setting));
     }
     settings.setValue(0, "interactiveMode");
     if (recipe.globalSettings)
         settings.setParameterList(*recipe.globalSettings);
+    if (settings.shouldCreateSilentDroplets() != 0)
+        settings.setValue(0, "interactiveMode"); // a silent droplet asks nothing
     for (const auto& [key, value] : values)
         settings.setValue(value, key);
 }

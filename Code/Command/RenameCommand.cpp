@@ -20,6 +20,8 @@ ExitStatus runRenameCommand(const RenameOptions& options) {
         session.requireHistory();
     if (options.interactive)
         session.beInteractive();
+    else
+        session.beInteractiveIfSet();
     if (options.quiet)
         session.showNoProgress();
     session.preview();

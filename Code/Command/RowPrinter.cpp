@@ -1,7 +1,7 @@
 #include "RowPrinter.h"
 
-#include "DisplayText.h"
 #include "store/StoreContext.h"
+#include "support/DisplayText.h"
 #include "support/Text.h"
 
 namespace tavrin {

@@ -2,7 +2,7 @@
 
 #include "PathArguments.h"
 #include "RecipeLoader.h"
-#include "actions/list/RenameFromListAction.h"
+#include "actions/CompositeRenameAction.h"
 #include "platform/AbsolutePaths.h"
 #include "shell/MainController.h"
 #include "store/ItemStore.h"
@@ -71,21 +71,16 @@ void Session::load(const RunOptions& options) {
     applySettings(recipe, options.settings, controller->globalSettings());
     catalogue.actions().setAutomaticSorting(controller->globalSettings().automaticSorting());
     controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
-    tellEmptyLists();
-    if (controller->globalSettings().shouldInteract())
-        beInteractive();
+    refuseStepsThatCannotWork();
 }
 
-/// Without a word, a list that could not be read would look like one in which no name stands.
-void Session::tellEmptyLists() {
-    const CompositeRenameAction& steps = controller->compositeAction();
-    for (std::int32_t index = 0; index < steps.count(); ++index) {
-        const auto* step = dynamic_cast<const RenameFromListAction*>(&steps.actionAtIndex(index));
-        if (!step || !step->isListEmpty() || step->getParamInt("active", 0) != 1)
+void Session::refuseStepsThatCannotWork() {
+    for (const auto& step : controller->compositeAction().getActionDictionaryList()) {
+        if (!step->isActive())
             continue;
-        const std::string path = text::toUtf8(step->getParamString("listFilePath"));
-        const std::string status = text::toUtf8(step->getParamString("status"));
-        connectedTerminal.complain(fmt::format("tvrn: {}: {}", connectedTerminal.shownInError(path), status));
+        step->prepare();
+        if (const std::string reason = step->failure(); !reason.empty())
+            throw UsageError(fmt::format("{}: {}", step->actionName(), reason));
     }
 }
 
@@ -104,8 +99,7 @@ void Session::addPaths(const std::vector<std::string>& given) {
     if (refused.empty())
         return;
     const std::string& first = refused.front();
-    throw UsageError(fmt::format("{}: {}", connectedTerminal.shownInError(first.empty() ? "\"\"" : first),
-                                 reasonOfRefusal(first, paths)));
+    throw UsageError(fmt::format("{}: {}", first.empty() ? "\"\"" : first, reasonOfRefusal(first, paths)));
 }
 
 void Session::beInteractive() {
@@ -116,7 +110,10 @@ void Session::beInteractive() {
     frontEnd.setInteractive(true);
 }
 
-bool Session::isInteractive() const { return controller->globalSettings().shouldInteract(); }
+void Session::beInteractiveIfSet() {
+    if (controller->globalSettings().shouldInteract())
+        beInteractive();
+}
 
 void Session::preview() {
     const ProgressLine progress(controller->progressInfo(), loop, connectedTerminal, showsProgress);

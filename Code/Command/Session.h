@@ -37,9 +37,11 @@ class Session {
 
     [[nodiscard]] Terminal& terminal() { return connectedTerminal; }
 
-    /// Asks before each step; throws UsageError where there is nobody to ask.
+    /// Asks before each step of a rename if the settings say so; throws UsageError where there is nobody to
+    /// ask.
+    void beInteractiveIfSet();
+    /// The same whatever they say.
     void beInteractive();
-    [[nodiscard]] bool isInteractive() const;
     void showNoProgress() { showsProgress = false; }
     /// Whether the run leaves a record by which it can be taken back.
     void keepHistory(bool keep);
@@ -77,7 +79,7 @@ class Session {
     void tellInterruptedRun();
     void setDefaults(bool storeInFile);
     void load(const RunOptions& options);
-    void tellEmptyLists();
+    void refuseStepsThatCannotWork();
     void openStore(bool storeInFile);
     void addPaths(const std::vector<std::string>& given);
     void tellFailuresOfPreview();

@@ -1,8 +1,9 @@
 #include "TagsCommand.h"
 
-#include "DisplayText.h"
 #include "Terminal.h"
 #include "platform/AbsolutePaths.h"
+#include "platform/FileMetadata.h"
+#include "support/DisplayText.h"
 #include "support/Text.h"
 #include "tags/TagLibraryHelper.h"
 #include "tags/TaggedFile.h"
@@ -30,14 +31,13 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 5> headings{
 
 /// With the folders of the paths resolved. A file that cannot be read is an error at once: a list without its
 /// tags would look as if it had none.
-std::vector<std::string> readablePaths(const std::vector<std::string>& given, const Terminal& terminal) {
+std::vector<std::string> readablePaths(const std::vector<std::string>& given) {
     std::vector<std::string> paths = absolutePaths(given);
     for (std::size_t i = 0; i < paths.size(); ++i) {
         if (::access(paths[i].c_str(), R_OK) == 0)
             continue;
         const std::string reason = std::generic_category().message(errno);
-        throw UsageError(
-            fmt::format("{}: {}", given[i].empty() ? "\"\"" : terminal.shownInError(given[i]), reason));
+        throw UsageError(fmt::format("{}: {}", given[i].empty() ? "\"\"" : given[i], reason));
     }
     return paths;
 }
@@ -84,20 +84,31 @@ std::string objectOf(const TagLibraryHelper& library, TaggedFile& file, const st
 
 ExitStatus runTagsCommand(const TagsOptions& options) {
     Terminal terminal;
-    const std::vector<std::string> paths = readablePaths(options.paths, terminal);
+    const std::vector<std::string> paths = readablePaths(options.paths);
     const TagLibraryHelper library;
+    std::size_t unread = 0;
+    std::string reason;
+    const auto noteFailure = [&](const TaggedFile& file) {
+        if (const std::string failure = file.failure(); !failure.empty() && ++unread == 1)
+            reason = failure;
+    };
     for (std::size_t i = 0; i < paths.size(); ++i) {
         TaggedPath file(paths[i]);
         if (options.json) {
             terminal.output().append(objectOf(library, file, paths[i]));
+            noteFailure(file);
             continue;
         }
         if (paths.size() > 1)
             terminal.output().append(
                 fmt::format("{}{}:\n", i == 0 ? "" : "\n", terminal.shown(options.paths[i])));
         terminal.output().append(listOf(library, file, terminal));
+        noteFailure(file);
     }
-    return terminal.finish();
+    if (unread == 0)
+        return terminal.finish();
+    terminal.complain(fmt::format("{}: {}", unreadMetadataOf(unread), reason));
+    return terminal.finish(ExitStatus::itemsFailed);
 }
 
 } // namespace tavrin

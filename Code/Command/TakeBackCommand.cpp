@@ -28,7 +28,7 @@ ExitStatus runTakeBackCommand(const TakeBackOptions& options) {
         session.showNoProgress();
     const auto chosen = session.history().choose(options.isRedo ? RunKind::redo : RunKind::undo, options.run);
     if (const auto* reason = std::get_if<std::string>(&chosen))
-        throw UsageError(session.terminal().shownInError(*reason));
+        throw UsageError(*reason);
     const TakeBackResult result = session.takeBack({.chosen = std::get<ChosenRun>(chosen),
                                                     .takesReplaced = options.replaced,
                                                     .asks = options.interactive,

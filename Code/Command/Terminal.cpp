@@ -1,6 +1,6 @@
 #include "Terminal.h"
 
-#include "DisplayText.h"
+#include "support/DisplayText.h"
 
 #include <fmt/format.h>
 
@@ -49,7 +49,7 @@ ExitStatus Terminal::finish(ExitStatus status) {
 
 void Terminal::complain(std::string_view line) {
     clearProgress();
-    writeToError(std::string(line) + '\n');
+    writeToError(shownInError(line) + '\n');
 }
 
 std::string Terminal::shownInError(std::string_view bytes) const {
@@ -60,7 +60,7 @@ bool Terminal::canAsk() const { return errorIsForPeople && ::isatty(STDIN_FILENO
 
 std::optional<std::string> Terminal::ask(std::string_view question, int interruption) {
     clearProgress();
-    writeToError(question);
+    writeToError(shownInError(question));
     std::array<pollfd, 2> sources{{{STDIN_FILENO, POLLIN, 0}, {interruption, POLLIN, 0}}};
     while (::poll(sources.data(), sources.size(), -1) < 0 && errno == EINTR) {
     }
@@ -81,7 +81,7 @@ void Terminal::showProgress(std::string_view line) {
     if (!errorIsForPeople || line == progressShown)
         return;
     progressShown = line;
-    writeToError(eraseLine + progressShown.substr(0, columnsOfError() - 1));
+    writeToError(eraseLine + shownInError(line).substr(0, columnsOfError() - 1));
 }
 
 void Terminal::clearProgress() {

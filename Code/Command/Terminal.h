@@ -23,14 +23,13 @@ class Terminal {
     ExitStatus finish(ExitStatus status = ExitStatus::allWell);
 
     [[nodiscard]] bool errorIsTerminal() const { return errorIsForPeople; }
-    /// A line of our own to standard error, with names in it as `shownInError` gives them.
+    /// One line to standard error, whatever it holds: control characters visible where people read it.
     void complain(std::string_view line);
-    [[nodiscard]] std::string shownInError(std::string_view bytes) const;
 
     /// Whether there is somebody to ask: standard input and standard error are a terminal.
     [[nodiscard]] bool canAsk() const;
-    /// Shows a question on standard error and reads a line of the answer; absent at the end of the input, or
-    /// when `interruption` becomes readable meanwhile.
+    /// Shows a question on standard error, as `complain` would, and reads a line of the answer; absent at the
+    /// end of the input, or when `interruption` becomes readable meanwhile.
     [[nodiscard]] std::optional<std::string> ask(std::string_view question, int interruption);
 
     /// Shows a line of ASCII in place of the last one, if standard error is a terminal.
@@ -38,6 +37,8 @@ class Terminal {
     void clearProgress();
 
   private:
+    [[nodiscard]] std::string shownInError(std::string_view bytes) const;
+
     OutputBuffer standardOutput;
     bool outputIsForPeople;
     bool errorIsForPeople;

@@ -55,7 +55,7 @@ std::string asOneLine(std::string text) {
 void TerminalFrontEnd::tellFailure(const std::string& title, const std::string& message,
                                    const std::string& path) {
     failures = true;
-    terminal.complain(terminal.shownInError(fmt::format("{}: {}: {}", title, message, path)));
+    terminal.complain(fmt::format("{}: {}{}{}", title, message, path.empty() ? "" : ": ", path));
 }
 
 void TerminalFrontEnd::tellFailures(const std::vector<ProcessingError>& errors) {
@@ -150,12 +150,12 @@ void TerminalFrontEnd::showNotice(NoticeDialog dialog, std::function<void(Notice
 void TerminalFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
                                              const std::optional<std::string>&,
                                              std::function<void(ConfirmationChoice)> answer) {
-    const auto shown = [&](std::string_view key) { return terminal.shownInError(entry(context, key)); };
+    const auto shown = [&](std::string_view key) { return entry(context, key); };
     std::string question;
     switch (sheet) {
     case ConfirmationSheet::rename:
         question = fmt::format("Rename \"{}\" to \"{}\" in {}?", shown("oldName"), shown("newName"),
-                               terminal.shownInError(withoutPercentEscapes(entry(context, "path"))));
+                               withoutPercentEscapes(entry(context, "path")));
         break;
     case ConfirmationSheet::swap:
         question =
@@ -217,12 +217,10 @@ void TerminalFrontEnd::presentError(const std::string& message) {
     if (holdsErrors)
         return;
     failures = true;
-    terminal.complain(terminal.shownInError("tvrn: " + message));
+    terminal.complain("tvrn: " + message);
 }
 
-void TerminalFrontEnd::presentNotice(const std::string& text) {
-    terminal.complain(terminal.shownInError("tvrn: " + text));
-}
+void TerminalFrontEnd::presentNotice(const std::string& text) { terminal.complain("tvrn: " + text); }
 
 void TerminalFrontEnd::terminate() { loop.stop(); }
 

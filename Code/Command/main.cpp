@@ -8,6 +8,7 @@
 #include "TagsCommand.h"
 #include "TakeBackCommand.h"
 #include "Terminal.h"
+#include "platform/StandardDescriptors.h"
 
 #include <csignal>
 #include <exception>
@@ -32,7 +33,8 @@ struct Runner {
             terminal.output().append(end.text);
             return terminal.finish();
         }
-        terminal.complain(end.text.substr(0, end.text.size() - 1));
+        terminal.complain(end.text);
+        terminal.complain(end.hint);
         return ExitStatus{end.status};
     }
 };
@@ -52,6 +54,7 @@ ExitStatus run(const CommandLine& commandLine) {
 } // namespace
 
 int main(int count, char** arguments) {
+    openStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     // One heap: the main thread waits while the worker works, and a heap of its own for each would keep what
     // the other has freed.

@@ -12,7 +12,9 @@ namespace tavrin::test {
 namespace {
 
 constexpr const char* missing = "File does not exist. Nothing loaded.";
-constexpr const char* unreadable = "0 \"file path, new name\" pairs loaded.";
+constexpr const char* empty = "0 \"file path, new name\" pairs loaded.";
+constexpr const char* noText = "File is not text in UTF-8. Nothing loaded.";
+constexpr const char* noFile = "This is no file. Nothing loaded.";
 
 std::string repeated(std::string_view text, int count) {
     std::string result;
@@ -45,8 +47,8 @@ TEST_F(RenameFromList, TellsWhatCameOfAFile) {
         std::string content;
         std::string status;
     } cases[] = {
-        {"", unreadable},
-        {" \n\t\r\n", unreadable},
+        {"", empty},
+        {" \n\t\r\n", empty},
         {"/a\tb\n/c\td\n", "2 \"file path, new name\" pairs loaded."},
         {"a\tb\n", "1 \"current name, new name\" pairs loaded."},
         {"a\tb\nc\td", "2 \"current name, new name\" pairs loaded."},
@@ -76,9 +78,9 @@ TEST_F(RenameFromList, TellsWhatCameOfAFile) {
         {name256, "1 new names loaded."},
         {"a\n" + name256 + "b", "Error on line 2. Nothing loaded."},
         // Not UTF-8, wherever it begins; overlong; a surrogate.
-        {"a\tb\nc\td\xE9\n", unreadable},
-        {"a\nb\n\xC0\xAF", unreadable},
-        {"\xED\xB2\x80\n", unreadable},
+        {"a\tb\nc\td\xE9\n", noText},
+        {"a\nb\n\xC0\xAF", noText},
+        {"\xED\xB2\x80\n", noText},
         {"\xEF\xBB\xBF/a\tb", "1 \"file path, new name\" pairs loaded."},
     };
     int number = 0;
@@ -86,6 +88,10 @@ TEST_F(RenameFromList, TellsWhatCameOfAFile) {
         RenameFromListAction action;
         EXPECT_EQ(load(action, std::to_string(++number), each.content), each.status)
             << each.content.substr(0, 40);
+        action.prepare();
+        const std::string path = text::toUtf8(action.getParamString("listFilePath"));
+        EXPECT_EQ(action.failure(),
+                  each.status.ends_with("Nothing loaded.") ? path + ": " + each.status : "");
     }
 }
 
@@ -105,9 +111,9 @@ TEST_F(RenameFromList, OpensNothingButFiles) {
     const FailingFileSystem fileSystem;
     const auto pipe = folder.path("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(load(action, pipe), unreadable);
-    EXPECT_EQ(load(action, "/dev/zero"), unreadable);
-    EXPECT_EQ(load(action, folder.makeFolder("folder")), unreadable);
+    EXPECT_EQ(load(action, pipe), noFile);
+    EXPECT_EQ(load(action, "/dev/zero"), noFile);
+    EXPECT_EQ(load(action, folder.makeFolder("folder")), noFile);
     EXPECT_EQ(fileSystem.callCount(FileCall::read), 0U);
     EXPECT_EQ(load(action, folder.link("link", folder.write("target", "x\n"))), "1 new names loaded.");
     EXPECT_EQ(load(action, folder.link("dangling", "nowhere")), missing);
@@ -118,6 +124,21 @@ TEST_F(RenameFromList, OpensNothingButFiles) {
     const auto huge = folder.write("huge");
     std::filesystem::resize_file(huge, std::uintmax_t{1} << 40);
     EXPECT_EQ(load(action, huge), "File is too large. Nothing loaded.");
+}
+
+TEST_F(RenameFromList, FailsWhicheverLookAtItsFileFails) {
+    const auto path = folder.write("list", "a.jpg\tx\n");
+    FailingFileSystem files;
+    for (std::size_t call = 1;; ++call) {
+        files.reset();
+        files.failCall(call, EIO);
+        RenameFromListAction action;
+        const std::string status = load(action, path);
+        if (files.failureCount() == 0)
+            break;
+        action.prepare();
+        EXPECT_EQ(action.failure().empty(), run(action, u"a.jpg") == u"x.jpg") << call << ": " << status;
+    }
 }
 
 TEST_F(RenameFromList, KeepsAListUntilAnotherIsLoaded) {

@@ -116,9 +116,26 @@ TEST(Terminal, AProblemIsAskedAboutAndTheRestGoesOn) {
 TEST(Terminal, NamesAreShownWithoutActingOnIt) {
     const Workplace workplace;
     workplace.folder().write("a\x1b[31m\n\xff\u202e");
-    TerminalSession session(workplace, "tvrn preview --format 1 --action 'Make lowercase' *");
-    EXPECT_EQ(session.end(), 0);
-    EXPECT_EQ(session.screen(), "a\\x1b[31m\\n\\xff\\u202e\r\n");
+    const std::string hostile = "a\\x1b[31m\\n\\xff\\u202e";
+    const std::pair<std::string, std::string> cases[] = {
+        {"preview --format 1 --action 'Make lowercase' *", hostile + "\r\n"},
+        {"preview --action 'Make lowercase' * *",
+         workplace.folder().path() + "/" + hostile + ": it is given"},
+        {"preview --action * x", "there is no action \"" + hostile + "\""},
+        {"preview --action 'Make lowercase' --set \"`echo *`=1\" x", "has no parameter \"" + hostile + "\""},
+        {"preview --action 'Make lowercase' --setting \"`echo *`=1\" x",
+         "there is no setting \"" + hostile + "\""},
+        {"preview --action 'Rename from list' --set listFilePath=\"z`echo *`\" x", "z" + hostile + ": File"},
+        {"preview --preset * x", "there is no preset \"" + hostile + "\""},
+        {"preview --recipe * x", hostile + ": the property list is empty"},
+        {"preview \"--`echo *`\" x", "not expected: --" + hostile + "\r\nTry \"tvrn preview --help\".\r\n"},
+    };
+    for (const auto& [line, shown] : cases) {
+        TerminalSession session(workplace, "tvrn " + line);
+        session.end();
+        EXPECT_THAT(session.screen(), HasSubstr(shown));
+        EXPECT_THAT(session.screen(), Not(HasSubstr("\x1b"))) << line;
+    }
 }
 
 /// Returns when something in the folder has got a new name.

@@ -13,26 +13,17 @@ using Settings = TVRNGlobalPreferencesPseudoAction;
 
 class SettingsTest : public CatalogueFixture {};
 
-TEST_F(SettingsTest, StartFromTheTable) {
+TEST_F(SettingsTest, StartFromValuesThatMeanSomething) {
     const Settings settings;
-    EXPECT_EQ(settings.actionName(), "TVRN global settings");
-    EXPECT_EQ(settings.getRenameMode(), 0);
-    EXPECT_EQ(settings.getPreviewPaneWidthAsInt(), 450);
-    EXPECT_EQ(settings.conflictResolutionScheme(), 9);
-    EXPECT_EQ(settings.conflictResolutionOrder1(), 8);
-    EXPECT_EQ(settings.conflictResolutionOrder2(), 2);
-    EXPECT_EQ(settings.conflictResolutionOrder3(), 10);
-    EXPECT_FALSE(settings.conflictResolutionDontChangeFirst());
-    EXPECT_TRUE(settings.shouldInteract());
-    EXPECT_TRUE(settings.shouldShowSummary());
-    EXPECT_TRUE(settings.automaticSorting());
-    EXPECT_TRUE(settings.shouldContinueAfterRename());
-    EXPECT_TRUE(settings.shouldPreventAccidentalITunesLibraryDamage());
-    EXPECT_EQ(settings.shouldCalculateAccurateFolderSize(), 0);
-    EXPECT_FALSE(settings.lastAddDirectory().empty());
     EXPECT_EQ(settings.defaultParameters(), settings.parameterList());
     EXPECT_FALSE(settings.parameterList().contains("conflictResolutionDontChangeFirst"));
-    EXPECT_TRUE(Settings::knownSettings().contains("conflictResolutionDontChangeFirst"));
+    const PropertyDictionary known = Settings::knownSettings();
+    EXPECT_TRUE(known.contains("conflictResolutionDontChangeFirst"));
+    for (const auto& [key, value] : known) {
+        EXPECT_EQ(Settings::problemOf(key, value), "") << key;
+        EXPECT_EQ(Settings::problemOf(key, -1).empty(), value.asText() != nullptr) << key;
+    }
+    EXPECT_EQ(Settings::problemOf("unheard of", -1), "");
 }
 
 TEST_F(SettingsTest, OddValuesReadAsEachAccessorTells) {

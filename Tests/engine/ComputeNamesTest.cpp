@@ -2,6 +2,7 @@
 #include "common/LogRecorder.h"
 #include "platform/FileSystem.h"
 #include "store/FileMO.h"
+#include "support/Text.h"
 
 #include <algorithm>
 #include <map>
@@ -152,6 +153,20 @@ TEST_F(ComputeNamesTest, TheTextsOfSteps) {
     host.preview();
     EXPECT_EQ(log.count("No renaming action are active..."), 1U);
     EXPECT_EQ(log.count("1 names left unchanged. Committing.."), 1U);
+}
+
+TEST_F(ComputeNamesTest, AListThatIsLostBeforeTheRunChangesNoName) {
+    const std::string list = folder.write("list", "b\n");
+    host.add({folder.write("a")});
+    host.setSteps({{"Rename from list", {{"listFilePath", text::fromBytes(list)}}},
+                   {"Add to end", {{"string", u"x"}}}});
+    host.preview();
+    EXPECT_EQ(shown().at("a"), "bx");
+    folder.remove("list");
+    host.preview();
+    EXPECT_EQ(shown().at("a"), "a");
+    ASSERT_EQ(host.errors().size(), 1U);
+    EXPECT_NE(host.errors().front().find(list + ": File does not exist."), std::string::npos);
 }
 
 TEST_F(ComputeNamesTest, SkippedRowsCommitWhileTheCountStandsAtNone) {

@@ -1,5 +1,6 @@
 #include "StageTest.h"
 #include "common/FailingFileSystem.h"
+#include "engine/CleanUpStages.h"
 #include "engine/ReadItemsIntoDatabaseStage.h"
 
 #include <algorithm>
@@ -13,13 +14,15 @@ namespace tavrin::test {
 namespace {
 
 /// What lies on disk ("name", "name/" for an empty folder, "name -> target", "name: content"), what is on the
-/// list, and the rows that come of it: "F" or "G" for the entity, the path, then "root" and "folder".
+/// list, and the rows that come of it: "F" or "G" for the entity, the path, then "root" and "folder"; and
+/// what is left out since it is there under another path.
 struct ReadCase {
     const char* name;
     std::vector<std::string> onDisk;
     std::vector<std::string> listed;
     bool subfolders;
     std::vector<std::string> rows;
+    std::vector<std::string> leftOut = {}; ///< paths
 };
 
 std::ostream& operator<<(std::ostream& out, const ReadCase& test) { return out << test.name; }
@@ -74,6 +77,10 @@ TEST_P(ReadCases, MakesTheRows) {
         host.counters().totalNumberOfFilesSelectedOrNot,
         std::count_if(test.rows.begin(), test.rows.end(), [](const auto& row) { return row[0] == 'F'; }));
     EXPECT_TRUE(host.counters().needToRedoConflictResolution);
+    std::vector<std::string> leftOut;
+    for (const std::string& error : host.errors())
+        leftOut.push_back(relative(error.substr(error.rfind(" | ") + 3)));
+    EXPECT_EQ(leftOut, test.leftOut);
 
     ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
     EXPECT_EQ(rows().size(), test.rows.size()) << "read twice";
@@ -124,6 +131,31 @@ const ReadCase readCases[] = {
      true,
      {"G / folder", "F a root folder", "F a/file", "F a/folder folder", "F a/gone", "F a/loop folder",
       "F a/real folder", "F a/real/x"}},
+    {"a folder and a link to it",
+     {"a/x", "a/b/y", "link -> a"},
+     {"a", "link"},
+     true,
+     {"G / folder", "F a root folder", "F a/b folder", "F a/b/y", "F a/x", "F link root folder"},
+     {"link"}},
+    {"what a link leads to, and a part of it before",
+     {"a/x", "a/b/y", "a/c", "link -> a"},
+     {"a/b", "link"},
+     true,
+     {"G a folder", "G / folder", "F a/b root folder", "F a/b/y", "F link root folder", "F link/c",
+      "F link/x"},
+     {"link/b"}},
+    {"items of one folder under two paths, in turn",
+     {"a/x", "a/y", "a/z", "link -> a"},
+     {"a/x", "link/y", "a/y", "link/x", "a/z", "link/z"},
+     false,
+     {"G a folder", "G link folder", "F a/x root", "F link/y root", "F a/z root"},
+     {"a/y", "link"}},
+    {"hard links are items of their own",
+     {"a/x", "b/x", "link -> a"},
+     {"a", "b", "link/x"},
+     true,
+     {"G / folder", "G link folder", "F a root folder", "F a/x", "F b root folder", "F b/x"},
+     {"link/x"}},
     {"bytes that are no text",
      {"a/\xFF\xFEx", "a/\xC3\xA9"},
      {"a"},
@@ -167,12 +199,40 @@ TEST_F(ReadItemsTest, ManualOrderRisesFromRunToRun) {
     EXPECT_EQ(order, (std::vector<std::int32_t>{0, 1, 2}));
 }
 
+TEST_F(ReadItemsTest, WhicheverLookFailsNothingIsTakenForWhatItIsNot) {
+    folder.write("a/b/x");
+    folder.write("c/d");
+    folder.link("link", folder.path("c"));
+    host.set("processSubfolders", 1);
+    FailingFileSystem files;
+    std::vector<std::string> whole;
+    for (std::size_t call = 0;; ++call) {
+        host.clearList();
+        host.add({folder.path("a"), folder.path("link")});
+        files.reset();
+        files.failCall(call, EIO);
+        ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
+        std::vector<std::string> found = rows();
+        std::ranges::sort(found);
+        if (call == 0)
+            whole = found;
+        else if (files.failureCount() == 0)
+            break;
+        EXPECT_TRUE(std::ranges::includes(whole, found)) << call;
+        EXPECT_TRUE(found == whole || !host.errors().empty()) << call;
+    }
+}
+
 TEST_F(ReadItemsTest, AFolderThatCannotBeReadIsReportedAndTheRestGoesOn) {
     folder.write("a/b/x");
     folder.write("a/c");
     host.add({folder.path("a")});
     host.set("processSubfolders", 1);
     FailingFileSystem files;
+    files.failKind(FileCall::entries, EACCES, 1);
+    ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
+    EXPECT_EQ(rows(), (std::vector<std::string>{"G / folder", "F a root folder"}));
+    ASSERT_TRUE(run<CleanUpProcessingErrorsStage>());
     files.failKind(FileCall::entries, EACCES, 2);
     ASSERT_TRUE(run<ReadItemsIntoDatabaseStage>());
     EXPECT_EQ(rows(), (std::vector<std::string>{"G / folder", "F a root folder", "F a/b folder", "F a/c"}));

@@ -250,10 +250,9 @@ TEST(RenameVolumes, ThatCannotRefuseATakenNameAreToldOfOnce) {
     for (const char* name : {"a", "b", "c"})
         bench.setFinalName(name, u"new " + std::u16string(1, static_cast<char16_t>(name[0])));
     FailingFileSystem disk;
-    // A file system that renames, but neither links nor replaces.
-    disk.before = [&](const FileEvent& event) {
-        const bool replaces = event.call == FileCall::replace && bench.disk.kind(event.to).has_value();
-        return replaces ? EEXIST : refusing(event, true);
+    // A file system that renames, but neither links nor makes files.
+    disk.before = [](const FileEvent& event) {
+        return event.call == FileCall::reserve ? EPERM : refusing(event, true);
     };
     bench.rename();
     EXPECT_EQ(bench.renamed(), 3);

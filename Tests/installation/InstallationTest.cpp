@@ -47,17 +47,6 @@ TEST(Installation, PutsEverythingInItsPlaceAndStillWorksWhenMoved) {
     EXPECT_THAT(outputOf({folder.path("second/bin/tvrn"), "actions"}), HasSubstr("Exchange it!"));
 }
 
-TEST(Installation, TheMetadataScriptTellsOnceThatItsLibraryIsMissing) {
-    const TemporaryFolder folder;
-    folder.write("Image/ExifTool.pm", "die qq(Can't locate Image/ExifTool.pm in \\@INC\\n);");
-    const std::string script = "printf '%s\\n%s\\n' \"$1\" \"$1\" | perl -I\"$2\" \"$3\"";
-    const std::vector<std::string> lines =
-        linesOf(outputOf({"sh", "-c", script, "sh", sourcePath("Tests/samples/song.mp3"), folder.path(),
-                          sourcePath("Resources/extract.pl")}));
-    EXPECT_THAT(lines, testing::ElementsAre(HasSubstr("libimage-exiftool-perl"), "{extracted-key}:",
-                                            "---finished---", "{extracted-key}:", "---finished---"));
-}
-
 /// A file that a tool of its kind judges.
 struct Judged {
     std::vector<std::string> tool;

@@ -37,29 +37,32 @@ int renameInFolder(const TemporaryFolder& folder, const std::string& from, const
     return error != 0 ? error : opened->renameNoReplace(from, to);
 }
 
-/// As where the kernel's call can't be told to replace nothing, and where links or replacing are refused too.
+/// As where the kernel's call can't be told to replace nothing, and where links, replacing or making files
+/// are refused too.
 int renameUnflagged(const TemporaryFolder& folder, const std::string& from, const std::string& to,
-                    bool refusesLinks, bool refusesToReplace) {
+                    const std::vector<std::pair<test::FileCall, std::optional<std::size_t>>>& refused) {
     test::FailingFileSystem refusing;
-    if (refusesLinks)
-        refusing.failKind(test::FileCall::link, EPERM);
-    if (refusesToReplace)
-        refusing.failKind(test::FileCall::replace, EEXIST, 1);
+    for (const auto& [call, number] : refused)
+        refusing.failKind(call, EPERM, number);
     std::unique_ptr<OpenFolder> opened;
     const int error = refusing.openFolder(folder.path(), opened);
     return error != 0 ? error : UnflaggedRename(*opened).rename(from, to);
 }
 
 int renameByLink(const TemporaryFolder& folder, const std::string& from, const std::string& to) {
-    return renameUnflagged(folder, from, to, false, false);
+    return renameUnflagged(folder, from, to, {});
 }
 
 int renameByReservation(const TemporaryFolder& folder, const std::string& from, const std::string& to) {
-    return renameUnflagged(folder, from, to, true, false);
+    return renameUnflagged(folder, from, to, {{test::FileCall::link, {}}});
+}
+
+int renameRefusingToReplace(const TemporaryFolder& folder, const std::string& from, const std::string& to) {
+    return renameUnflagged(folder, from, to, {{test::FileCall::link, {}}, {test::FileCall::replace, 1}});
 }
 
 int renameByLook(const TemporaryFolder& folder, const std::string& from, const std::string& to) {
-    return renameUnflagged(folder, from, to, true, true);
+    return renameUnflagged(folder, from, to, {{test::FileCall::link, {}}, {test::FileCall::reserve, {}}});
 }
 
 TEST_P(NoReplace, MovesToAFreeNameAndNeverOntoATakenOne) {
@@ -89,6 +92,7 @@ INSTANTIATE_TEST_SUITE_P(Ways, NoReplace,
                                          std::pair("InFolder", Rename(renameInFolder)),
                                          std::pair("ByLink", Rename(renameByLink)),
                                          std::pair("ByReservation", Rename(renameByReservation)),
+                                         std::pair("RefusingToReplace", Rename(renameRefusingToReplace)),
                                          std::pair("ByLook", Rename(renameByLook))),
                          [](const auto& instance) { return instance.param.first; });
 

@@ -1,6 +1,8 @@
 #include "platform/FileManager.h"
 #include "shell/ShellFixture.h"
 
+#include <filesystem>
+
 namespace tavrin::test {
 
 namespace {
@@ -20,7 +22,16 @@ class MissingTagNoticeTest : public ShellFixture {
     }
     void add(const char* name) { controller().addFilePaths({files.write(name)}, true); }
 
-    FileManager fileManager{"/nonexistent/tool"};
+    /// One that finds nothing in any file.
+    std::string makeTool() {
+        const std::string tool = data.write(
+            "tool",
+            "#!/bin/sh\nwhile read -r path; do printf '{extracted-key}:\\n---finished---\\n'; done\n");
+        std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+        return tool;
+    }
+
+    FileManager fileManager{makeTool()};
 };
 
 TEST_F(MissingTagNoticeTest, TellsOnceInARunOfTheProgram) {
@@ -40,6 +51,16 @@ TEST_F(MissingTagNoticeTest, TellsOnceInARunOfTheProgram) {
     EXPECT_TRUE(alert.hasSuppressionBox);
     EXPECT_EQ(alert.helpAnchor, "helpTopic67");
     EXPECT_TRUE(defaults.boolForKey("showTagNotPresentDialog"));
+}
+
+TEST_F(MissingTagNoticeTest, IsNotShownForFilesThatCouldNotBeRead) {
+    data.remove("tool");
+    add("a.txt");
+    add("b.txt");
+    waitForPreview();
+    EXPECT_THAT(status(),
+                testing::EndsWith("need renaming. The metadata of 2 files could not be read: the metadata "
+                                  "tool cannot be started: No such file or directory"));
 }
 
 TEST_F(MissingTagNoticeTest, IsSwitchedOffForGoodByItsBox) {

@@ -85,7 +85,8 @@ TEST_F(StartSequenceTest, AStoredChainThatIsNoGoodIsToldAndTheStartGoesOn) {
 TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
     const std::string a = files.write("a.txt");
     PropertyDictionary droplet = record({{"interactiveMode", 0}});
-    droplet.emplace("file list", PropertyArray{text::fromBytes(a)});
+    const std::string again = data.link("alias", files.path()) + "/a.txt";
+    droplet.emplace("file list", PropertyArray{text::fromBytes(a), text::fromBytes(again)});
     handOver(std::move(droplet));
     defaults.setObject("composite action", chain({{"Remove text", {}}}));
     frontEnd.expect("alert summary");
@@ -94,6 +95,7 @@ TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
     ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
     EXPECT_THAT(files.tree(), ElementsAre(std::pair("aX.txt", "")));
     EXPECT_EQ(frontEnd.alerts.back().title, "1 file name was changed.");
+    EXPECT_THAT(frontEnd.presented, ElementsAre("Left out: It is the same item as " + a + ": " + again));
     EXPECT_THAT(frontEnd.events, ::testing::Not(::testing::Contains("showWindow")));
     // Nothing of the droplet reaches what the user has stored.
     EXPECT_EQ(defaults.objectForKey("composite action"), PropertyValue(chain({{"Remove text", {}}})));
@@ -106,13 +108,16 @@ TEST_F(StartSequenceTest, ASilentDropletSaysNothingEvenWhenSomethingFails) {
     (void)files.write("target");
     const std::string link = files.link("link", files.path("target"));
     PropertyDictionary droplet = record({{"silentDroplet", 1}, {"interactiveMode", 1}});
-    droplet.emplace("file list", PropertyArray{text::fromBytes(files.write("b")), text::fromBytes(link)});
+    const std::string again = data.link("alias", files.path()) + "/b";
+    droplet.emplace("file list", PropertyArray{text::fromBytes(files.write("b")), text::fromBytes(link),
+                                               text::fromBytes(again)});
     handOver(std::move(droplet));
     // A failure in the middle of a run is still told: only the questions and the report are silent.
     frontEnd.expect("sheet problem", ConfirmationChoice::one);
     run();
     EXPECT_TRUE(controller().isSilentDroplet());
     ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
+    EXPECT_EQ(frontEnd.presented.size(), 0U);
     EXPECT_TRUE(files.kind("bX").has_value());
     EXPECT_TRUE(files.kind("link").has_value());
 }

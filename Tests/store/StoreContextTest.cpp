@@ -260,9 +260,12 @@ TEST_P(StoreContextTest, ReadsMetadataOnceAlsoWhenThereIsNone) {
     const auto reader = [&reads](const std::string& path) {
         EXPECT_EQ(path, "/tree/file 1.txt");
         ++reads;
-        return PropertyDictionary{};
+        return FileMetadata{};
     };
-    FileMO first(context, row);
+    FileMO failing(context, row);
+    failing.loadTagDictionary([](const std::string&) { return FileMetadata{.failure = "gone"}; });
+    EXPECT_EQ(failing.tagFailure(), "gone");
+    FileMO first(context, row); // a failure is not kept
     first.loadTagDictionary(reader);
     first.loadTagDictionary(reader);
     ASSERT_EQ(context.commit(), std::nullopt);

@@ -20,6 +20,9 @@ class FakeTaggedFile final : public TaggedFile {
         return tags;
     }
 
+    [[nodiscard]] std::string failure() const override { return reason; }
+
+    std::string reason;
     std::map<Date, double> dates;
     PropertyDictionary tags;
     int dictionaryReads = 0;

@@ -103,12 +103,17 @@ TEST(TagLibrary, ResolvesPatterns) {
 
 TEST(TagLibrary, AsksAFileForNoMoreThanThePatternNeeds) {
     FakeTaggedFile file;
-    TagLibraryHelper library;
+    CountingNotice notice;
+    TagLibraryHelper library(&notice);
     EXPECT_EQ(library.resolvePattern(u"text <NoSuchTag>", file), u"text ");
     EXPECT_EQ(library.resolvePattern(u"<ModDateDay><CreationDateDay><ShootingDateDay>", file), std::nullopt);
     EXPECT_EQ(file.dictionaryReads, 0);
-    EXPECT_EQ(library.resolvePattern(u"<Artist><Album><Song>", file), std::nullopt);
+    EXPECT_EQ(notice.told, 1);
+    file.reason = "unreadable"; // so nobody knows what it lacks
+    CountingNotice silent;
+    EXPECT_EQ(TagLibraryHelper(&silent).resolvePattern(u"<Artist><Album><Song>", file), std::nullopt);
     EXPECT_EQ(file.dictionaryReads, 1);
+    EXPECT_EQ(silent.told, 0);
 }
 
 TEST(TagLibrary, CutsPatternsIntoTokens) {

@@ -45,6 +45,9 @@ class BaseAction {
     [[nodiscard]] std::u16string getParamString(std::string_view key) const;
     [[nodiscard]] std::int32_t getParamInt(std::string_view key, std::int32_t defaultTo) const;
 
+    /// Whether a run uses it.
+    [[nodiscard]] bool isActive() const { return getParamInt("active", 0) == 1; }
+
     /// Values by key, as observers and the interface see them. An absent value set empties a text, makes a
     /// number 0, and is nothing for a key without a value.
     [[nodiscard]] virtual std::optional<PropertyValue> valueForKey(std::string_view key) const;

@@ -57,7 +57,9 @@ class BaseRenameAction : public BaseAction {
     /// The first values of the sequence that the action counts through; empty for others. The caches are
     /// fresh.
     [[nodiscard]] virtual std::vector<std::u16string> firstValues() const { return {}; }
-    /// Why the action can't work with its present parameters; empty when it can. The caches are fresh.
+    /// Why the action can't work with its present parameters and what they name; empty when it can, even if
+    /// it will find nothing. The terminal refuses a recipe with such a step, the window shows it. The caches
+    /// are fresh.
     [[nodiscard]] virtual std::string failure() const { return {}; }
     /// A menu of ready-made values for the parameters, row by row, empty rows being no choice; empty where
     /// there is none.

@@ -245,7 +245,7 @@ void CompositeRenameAction::executeWithInputContext(InputContext& input, OutputC
     const auto* current = &getCurrentAction();
     bool isAnyActive = false;
     for (const auto& step : steps) {
-        if (step->getParamInt("active", 0) != 1)
+        if (!step->isActive())
             continue;
         isAnyActive = true;
         input.preview = step.get() == current;

@@ -21,10 +21,13 @@ struct InputContext {
     [[nodiscard]] std::string inputPath() const;
 };
 
-/// What an action answers. The caller keeps one object too and resets `regex` between items.
+/// What an action answers. The caller keeps one object too and resets `regex` and `failure` between
+/// items.
 struct OutputContext {
     std::u16string newName; ///< the complete new name
     std::optional<std::array<std::u16string, 6>> regex;
+    /// Why the metadata that the new name needs could not be read, so that the name stays; else empty.
+    std::string failure;
 };
 
 } // namespace tavrin

@@ -1,16 +1,33 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 
 #include "actions/ActionError.h"
+#include "actions/SortBasedAction.h"
 #include "platform/RunLoop.h"
 #include "platform/UserFolders.h"
 #include "support/MacOSXVersion.h"
 #include "support/Text.h"
 
+#include <fmt/format.h>
+
+#include <limits>
+#include <vector>
+
 namespace tavrin {
 
 namespace {
 
-PropertyDictionary settingsTable() {
+constexpr std::int32_t anyNumber = std::numeric_limits<std::int32_t>::max();
+
+/// A setting with its value in new settings and the numbers that mean something.
+struct Setting {
+    const char* key;
+    PropertyValue whenNew;
+    std::int32_t highest = 1; ///< 0 is the lowest; of no meaning for a text
+    bool isInNewSettings = true;
+};
+
+std::vector<Setting> settingsTable() {
+    const auto sortingModes = static_cast<std::int32_t>(sortingModeChoices().size());
     return {
         {"retrieveEXIFInformation", true},
         {"quickLookThumbnail", true},
@@ -23,26 +40,35 @@ PropertyDictionary settingsTable() {
         {"processFiles", 1},
         {"processFolders", 1},
         {"processSubfolders", 0},
-        {"previewPaneWidth", 450},
-        {"previewMode", 0},
+        {"previewPaneWidth", 450, anyNumber},
+        {"previewMode", 0, anyNumber},
         {"discloseAdvancedOptions", 0},
-        {"renameMode", MacOSXVersion::isLionOrLater() ? 0 : 1},
+        {"renameMode", MacOSXVersion::isLionOrLater() ? 0 : 1, 2},
         {"showCurrentName", 1},
         {"showPath", 0},
         {"interactiveMode", 1},
         {"multistep", 0},
         {"silentDroplet", 0},
         {"lockedDroplet", false},
-        {"conflictResolutionScheme", 9},
-        {"conflictResolutionOrder1", 8},
-        {"conflictResolutionOrder2", 2},
-        {"conflictResolutionOrder3", 10},
+        {"conflictResolutionScheme", 9, 13},
+        {"conflictResolutionDontChangeFirst", false, 1, false},
+        {"conflictResolutionOrder1", 8, sortingModes - 1},
+        {"conflictResolutionOrder2", 2, sortingModes - 1},
+        {"conflictResolutionOrder3", 10, sortingModes - 1},
         {"showSummary", 1},
         {"copyFileComments", 1},
         {"accurateFolderSize", 0},
         {"continueAfterRename", true},
         {"keepHistory", 1},
     };
+}
+
+PropertyDictionary newSettings() {
+    PropertyDictionary values;
+    for (const Setting& setting : settingsTable())
+        if (setting.isInNewSettings)
+            values.emplace(setting.key, setting.whenNew);
+    return values;
 }
 
 /// What is kept when nothing is stored over a value: an empty value of the same kind.
@@ -57,7 +83,7 @@ std::optional<PropertyValue> emptied(const PropertyValue& value) {
 } // namespace
 
 TVRNGlobalPreferencesPseudoAction::TVRNGlobalPreferencesPseudoAction()
-    : TVRNGlobalPreferencesPseudoAction(settingsTable()) {}
+    : TVRNGlobalPreferencesPseudoAction(newSettings()) {}
 
 TVRNGlobalPreferencesPseudoAction::TVRNGlobalPreferencesPseudoAction(const PropertyDictionary& values)
     : owner(std::this_thread::get_id()) {
@@ -70,14 +96,26 @@ TVRNGlobalPreferencesPseudoAction::~TVRNGlobalPreferencesPseudoAction() = defaul
 
 PropertyDictionary TVRNGlobalPreferencesPseudoAction::defaultParameters() const {
     PropertyDictionary values = BaseAction::defaultParameters();
-    values.merge(settingsTable());
+    values.merge(newSettings());
     return values;
 }
 
 PropertyDictionary TVRNGlobalPreferencesPseudoAction::knownSettings() {
-    PropertyDictionary values = settingsTable();
-    values.emplace("conflictResolutionDontChangeFirst", false);
+    PropertyDictionary values;
+    for (const Setting& setting : settingsTable())
+        values.emplace(setting.key, setting.whenNew);
     return values;
+}
+
+std::string TVRNGlobalPreferencesPseudoAction::problemOf(std::string_view key, const PropertyValue& value) {
+    for (const Setting& setting : settingsTable()) {
+        const std::int32_t number = intValue(value);
+        if (setting.key == key && !setting.whenNew.asText() && (number < 0 || number > setting.highest))
+            return setting.highest == anyNumber
+                       ? "expected no number below 0"
+                       : fmt::format("expected a number from 0 to {}", setting.highest);
+    }
+    return {};
 }
 
 void TVRNGlobalPreferencesPseudoAction::setParameterList(const PropertyDictionary& list) {

@@ -39,6 +39,9 @@ class TVRNGlobalPreferencesPseudoAction : public BaseAction {
 
     /// Every key that means something, each with a value of its type.
     [[nodiscard]] static PropertyDictionary knownSettings();
+    /// What is wrong with a number for that setting, which means nothing to it; empty for all else. Stored
+    /// settings are taken as they are, whatever they hold: this is for those that somebody gives.
+    [[nodiscard]] static std::string problemOf(std::string_view key, const PropertyValue& value);
 
     // Reading by key, any thread. They stand for the operations of the base, which only the main thread may
     // use.

@@ -7,6 +7,7 @@
 #include "engine/RenameEngine.h"
 #include "engine/RenameEngineUtilities.h"
 #include "engine/StageProgress.h"
+#include "platform/FileMetadata.h"
 #include "platform/RunLoop.h"
 #include "store/FileMO.h"
 #include "store/FilterManager.h"
@@ -67,6 +68,7 @@ std::string ComputeProvisionalNamesStage::stageDescription() const { return "Com
 bool ComputeProvisionalNamesStage::process() {
     const StageProgress report(progress);
     isFirstAppliedAction = true;
+    unread = {};
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
@@ -79,25 +81,43 @@ bool ComputeProvisionalNamesStage::process() {
     if (!copyActions())
         return false;
     file = std::make_unique<FileMO>(*context);
-    for (int index = 0; index < compositeAction->count(); ++index) {
-        const auto active = compositeAction->actionAtIndex(index).valueForKey("active");
-        if (active && intValue(*active) == 1)
+    for (int index = 0; index < compositeAction->count() && lostSteps.empty(); ++index) {
+        if (compositeAction->actionAtIndex(index).isActive())
             processForActionIndex(index);
     }
+    tellUnreadMetadata();
+    for (const std::string& reason : lostSteps)
+        addError("All names stay as they are, since a step could not be made ready again", reason, "");
     if (isFirstAppliedAction)
         copyCurrentToNewName();
     engine.computeNumberOfFilesThatNeedRenaming(*context);
     return true;
 }
 
-/// The list belongs to the main thread, which edits it; so it is read there.
+/// The list belongs to the main thread, which edits it; so it is read there. What the user sees as able to
+/// work may not be so any more, since a file is looked at a second time.
 bool ComputeProvisionalNamesStage::copyActions() {
     EngineHost& host = engine.host();
     PropertyDictionary list;
-    if (!host.runLoop().performAndWait([&] { list = host.compositeAction().getFlatParameterList(); }))
+    std::vector<bool> worked;
+    const bool isCopied = host.runLoop().performAndWait([&] {
+        list = host.compositeAction().getFlatParameterList();
+        for (const auto& step : host.compositeAction().getActionDictionaryList()) {
+            step->prepare();
+            worked.push_back(step->failure().empty());
+        }
+    });
+    if (!isCopied)
         return false;
     compositeAction = std::make_unique<CompositeRenameAction>(ActionUse::privateRun);
     compositeAction->setFlatParameterList(list);
+    lostSteps.clear();
+    for (std::size_t i = 0; i < worked.size(); ++i) {
+        BaseRenameAction& step = compositeAction->actionAtIndex(static_cast<int>(i));
+        step.prepare();
+        if (const std::string reason = step.failure(); worked[i] && step.isActive() && !reason.empty())
+            lostSteps.push_back(fmt::format("{}: {}", step.actionName(), reason));
+    }
     return true;
 }
 
@@ -221,10 +241,31 @@ void ComputeProvisionalNamesStage::runAction(RowId id) {
     file->moveTo(id);
     input.fileMo = file.get();
     output.regex.reset();
+    output.failure.clear();
     action->executeWithInputContext(input, output);
     replaceColons(output.newName);
     if (output.regex)
         context->setRegexColumns(id, *output.regex);
+    if (!output.failure.empty())
+        noteUnreadMetadata(id, output.failure);
+}
+
+void ComputeProvisionalNamesStage::noteUnreadMetadata(RowId id, const std::string& reason) {
+    if (id >= unread.rows.size())
+        unread.rows.resize(id + id / 2 + 1024);
+    if (unread.rows[id])
+        return;
+    unread.rows[id] = true;
+    if (++unread.count > 1)
+        return;
+    unread.first = id;
+    unread.reason = reason;
+}
+
+void ComputeProvisionalNamesStage::tellUnreadMetadata() {
+    if (unread.count > 0)
+        addError(unreadMetadataOf(unread.count), unread.reason,
+                 unread.count == 1 ? context->fullPath(unread.first) : "");
 }
 
 void ComputeProvisionalNamesStage::storeNewName(RowId id) {

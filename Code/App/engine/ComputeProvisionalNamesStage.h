@@ -5,6 +5,7 @@
 #include "store/NodeRow.h"
 #include "store/Predicate.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -40,6 +41,8 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     /// Skipped rows have no use for the rank.
     void processRow(RowId id, std::int32_t rank);
     void runAction(RowId id);
+    void noteUnreadMetadata(RowId id, const std::string& reason);
+    void tellUnreadMetadata();
     /// `output.newName` becomes the final name of a row whose name up to now is `input.currentName`.
     void storeNewName(RowId id);
     void setDiff(RowId id, bool differs);
@@ -50,6 +53,15 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     bool isFirstAppliedAction = true;
     Predicate filter;
     std::unique_ptr<CompositeRenameAction> compositeAction;
+    std::vector<std::string> lostSteps; ///< why those of them fail that worked for the user
+
+    /// The rows whose metadata could not be read, each counted once however many steps ask for it.
+    struct {
+        std::vector<bool> rows;
+        std::size_t count = 0;
+        RowId first = noRow;
+        std::string reason; ///< of the first
+    } unread;
 
     // The pass in hand, and the buffers that serve for all its rows.
     BaseRenameAction* action = nullptr;

@@ -1,40 +1,45 @@
 #include "engine/FolderWalk.h"
 
 #include "engine/PathParts.h"
-#include "engine/ReadItemsIntoDatabaseStage.h"
 #include "platform/FileManager.h"
 #include "store/StoreContext.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <system_error>
 #include <utility>
 
 namespace tavrin {
 
-void FolderWalk::run(const std::string& sourcePath) {
+bool FolderWalk::run(const std::string& sourcePath) {
     enter(sourcePath, noRow);
+    if (levels.empty())
+        return false;
     while (!levels.empty()) {
         if (levels.back().next < levels.back().entries.size())
             readNextEntry();
         else
             levels.pop_back();
     }
+    return true;
 }
 
 void FolderWalk::enter(std::string path, RowId row) {
     Level level;
     level.path = std::move(path);
-    level.row = row;
+    level.place.row = row;
     if (const int error = read(level))
         report(std::generic_category().message(error), level.path);
     else if (isInsideItself(level))
         report("The folder lies inside itself.", level.path);
     else {
+        const FileIdentity identity = level.place.identity;
         if (row == noRow)
-            level.row = stage.rowForFolder(level.path, level.identity);
+            row = stage.rowForFolder(level.path, identity);
         // A listing gives the inode of the folder below a mounted one, and a link's own.
-        if (stage.context->row(level.row).identity() != level.identity)
-            stage.context->change(level.row).setIdentity(level.identity);
+        if (stage.context->row(row).identity() != identity)
+            stage.context->change(row).setIdentity(identity);
+        level.place = stage.placeIn(row, identity);
         levels.push_back(std::move(level));
     }
 }
@@ -46,7 +51,7 @@ int FolderWalk::read(Level& level) {
     FileStatus status;
     if (const int error = folder->status(".", status))
         return error;
-    level.identity = status.identity;
+    level.place.identity = status.identity;
     if (const int error = folder->entries(level.entries))
         return error;
     if (level.entries.contains(".hidden"))
@@ -56,7 +61,7 @@ int FolderWalk::read(Level& level) {
 
 bool FolderWalk::isInsideItself(const Level& level) const {
     return std::any_of(levels.begin(), levels.end(),
-                       [&](const Level& above) { return above.identity == level.identity; });
+                       [&](const Level& above) { return above.place.identity == level.place.identity; });
 }
 
 void FolderWalk::readNextEntry() {
@@ -64,40 +69,50 @@ void FolderWalk::readNextEntry() {
     const FolderEntry entry = level.entries[level.next++];
     if (entry.name.front() == '.' || level.hidden.contains(entry.name))
         return;
-    switch (entry.kind) {
-    case FileStatus::Kind::folder:
-        return readFolderEntry(entry);
-    case FileStatus::Kind::link: {
+    const std::optional<FileStatus::Kind> kind = kindOf(entry);
+    if (kind == FileStatus::Kind::folder)
+        return readFolderEntry({entry.name, *kind, entry.inode});
+    if (kind == FileStatus::Kind::link) {
         FileStatus target;
         const std::string path = joinedPath(level.path, entry.name);
         if (FileSystem::sharedInstance().followedStatus(path, target) == 0 &&
             target.kind == FileStatus::Kind::folder)
-            return readFolderEntry(entry);
-        break;
+            return readFolderEntry({entry.name, *kind, entry.inode});
     }
-    case FileStatus::Kind::file:
-    case FileStatus::Kind::other:
-        break;
-    }
-    stage.createOneFile(level.row, level.path, entry.name, false, false, seen(entry));
+    if (kind)
+        createRow({entry.name, *kind, entry.inode}, false);
+}
+
+std::optional<FileStatus::Kind> FolderWalk::kindOf(const FolderEntry& entry) {
+    if (entry.kind != FileStatus::Kind::other)
+        return entry.kind;
+    FileStatus status;
+    const std::string path = joinedPath(levels.back().path, entry.name);
+    const int error = FileSystem::sharedInstance().status(path, status);
+    if (error == 0)
+        return status.kind;
+    if (error != ENOENT)
+        stage.addReadingError(false, error, path);
+    return std::nullopt;
 }
 
 void FolderWalk::readFolderEntry(const FolderEntry& entry) {
-    const Level& level = levels.back();
-    std::string path = joinedPath(level.path, entry.name);
+    std::string path = joinedPath(levels.back().path, entry.name);
     if (FileManager::instance().isBundleFolder(path)) {
         // The source item decides, not the bundle.
         if (!isSourceInvisible)
-            stage.createOneFile(level.row, level.path, entry.name, false, false, seen(entry));
+            createRow(entry, false);
         return;
     }
-    const RowId row = stage.createOneFile(level.row, level.path, entry.name, false, true, seen(entry));
-    if (entry.kind == FileStatus::Kind::folder)
+    const RowId row = createRow(entry, true);
+    if (entry.kind == FileStatus::Kind::folder && row != noRow)
         enter(std::move(path), row);
 }
 
-SeenItem FolderWalk::seen(const FolderEntry& entry) const {
-    return {{entry.inode, levels.back().identity.device}, entry.kind};
+RowId FolderWalk::createRow(const FolderEntry& entry, bool isFolder) {
+    const Level& level = levels.back();
+    const SeenItem seen{{entry.inode, level.place.identity.device}, entry.kind};
+    return stage.createOneFile(level.place, level.path, entry.name, false, isFolder, seen);
 }
 
 void FolderWalk::report(const std::string& message, const std::string& path) {

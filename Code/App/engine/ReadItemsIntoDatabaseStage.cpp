@@ -11,11 +11,17 @@
 #include "store/StoreContext.h"
 #include "support/DebugLog.h"
 
+#include <cerrno>
+#include <system_error>
+
 namespace tavrin {
 
 namespace {
 
 constexpr int rowsPerCommit = 5000;
+
+/// Nothing lies at a path.
+bool meansGone(int error) { return error == ENOENT || error == ENOTDIR; }
 
 } // namespace
 
@@ -24,8 +30,10 @@ std::string ReadItemsIntoDatabaseStage::stageDescription() const { return "Addin
 bool ReadItemsIntoDatabaseStage::process() {
     const StageProgress report(progress);
     rowsMade = 0;
-    lastParentFolder = noRow;
+    lastParentFolder = {};
     lastParentFolderPath.clear();
+    aliases.reset();
+    leftOut.clear();
     report.describe("start processing..");
     report.indeterminate(true);
     if (progress)
@@ -42,6 +50,8 @@ bool ReadItemsIntoDatabaseStage::process() {
         readSourceItem(item);
     }
     folder.reset();
+    aliases.reset();
+    tellWhatWasLeftOut();
     if (rowsMade > 0)
         forgetItemsRemovedSince(items);
     engine.computeTotalNumberOfFilesForContext(*context);
@@ -54,12 +64,20 @@ void ReadItemsIntoDatabaseStage::readSourceItem(const SourceItem& item) {
     if (item.readInRoot && !mayHaveContents)
         return; // nothing would come of looking at the disk
     const Kind kind = kindOf(item.path);
-    if (!kind.isFileOrBundle) {
+    if (!aliases)
+        aliases.emplace(*context);
+    if (kind.error != 0) {
+        addReadingError(item.treatAsFolder, kind.error, item.path);
+    } else if (!kind.isFileOrBundle) {
         readFolder(item, kind);
-    } else if (!item.readInRoot && !kind.isInvisible) {
-        createRootItem(item.path, false, kind.seen);
+    } else if (!item.readInRoot && !kind.isInvisible && createRootItem(item.path, false, kind.seen)) {
         context->setSourceItemRead(item.path, true, item.readInSubfolders);
     }
+}
+
+void ReadItemsIntoDatabaseStage::addReadingError(bool isFolder, int error, const std::string& path) {
+    addError(isFolder ? "Could not read a folder" : "Could not read an item",
+             std::generic_category().message(error), path);
 }
 
 /// What left the list while it was read could not take along rows that were not in the store yet.
@@ -86,12 +104,12 @@ void ReadItemsIntoDatabaseStage::forgetItemsRemovedSince(const std::vector<Sourc
 void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& kind) {
     const bool isNew = !kind.isInvisible && !item.readInRoot;
     const bool mustWalk = shouldProcessSubfolders && !item.readInSubfolders;
-    if (isNew)
-        createRootItem(item.path, true, kind.seen);
+    if (isNew && !createRootItem(item.path, true, kind.seen))
+        return;
     if (isNew || mustWalk)
         context->setSourceItemRead(item.path, isNew || item.readInRoot, mustWalk || item.readInSubfolders);
-    if (mustWalk)
-        FolderWalk(*this, kind.isInvisible).run(item.path);
+    if (mustWalk && !FolderWalk(*this, kind.isInvisible).run(item.path))
+        context->setSourceItemRead(item.path, isNew || item.readInRoot, false); // to be tried again
 }
 
 /// One call per item: the folder is held open for its neighbours on the list.
@@ -100,16 +118,22 @@ ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const std::s
     openFolderAt(parts.folder);
     FileStatus status;
     const std::string name(parts.name.empty() ? "." : parts.name);
-    if (!folder || folder->status(name, status) != 0)
-        return {}; // gone since it was added: goes through as a file, and fails when it is to be renamed
     Kind kind;
+    kind.error = folder ? folder->status(name, status) : folderError;
+    if (meansGone(kind.error))
+        return {}; // goes through as a file, and fails when it is to be renamed
+    if (kind.error != 0)
+        return kind;
     kind.seen = {status.identity, status.kind};
     kind.isInvisible = name.front() == '.' || hiddenNames.contains(name);
     if (parts.name.empty())
         kind.isInvisible = true; // the root has no name that could be changed
-    if (status.kind == FileStatus::Kind::link &&
-        FileSystem::sharedInstance().followedStatus(path, status) != 0)
-        return kind;
+    if (status.kind == FileStatus::Kind::link) {
+        const int error = FileSystem::sharedInstance().followedStatus(path, status);
+        kind.error = meansGone(error) || error == ELOOP ? 0 : error;
+        if (error != 0)
+            return kind;
+    }
     kind.isFileOrBundle =
         status.kind != FileStatus::Kind::folder || FileManager::instance().isBundleFolder(path);
     return kind;
@@ -120,7 +144,10 @@ void ReadItemsIntoDatabaseStage::openFolderAt(std::string_view path) {
         return;
     openPath = path;
     FileStatus status;
-    if (FileSystem::sharedInstance().openFolder(openPath, folder) != 0 || folder->status(".", status) != 0)
+    folderError = FileSystem::sharedInstance().openFolder(openPath, folder);
+    if (folderError == 0)
+        folderError = folder->status(".", status);
+    if (folderError != 0)
         folder.reset();
     folderIdentity = status.identity;
     hiddenNames = folder ? HiddenNames(openPath) : HiddenNames();
@@ -131,27 +158,65 @@ RowId ReadItemsIntoDatabaseStage::rowForFolder(std::string_view path, const File
     return row != noRow ? row : context->insertGhostNode(path, identity);
 }
 
-RowId ReadItemsIntoDatabaseStage::createRootItem(const std::string& path, bool isFolder,
-                                                 const SeenItem& seen) {
-    const PathParts parts(path);
-    if (lastParentFolder == noRow || lastParentFolderPath != parts.folder) {
-        lastParentFolder = rowForFolder(parts.folder, folderIdentity);
-        lastParentFolderPath = parts.folder;
-    }
-    return createOneFile(lastParentFolder, parts.folder, parts.name, true, isFolder, seen);
+ReadItemsIntoDatabaseStage::Place ReadItemsIntoDatabaseStage::placeIn(RowId folderRow,
+                                                                      const FileIdentity& identity) {
+    if (aliases->mayBeShared(folderRow, identity))
+        saveAndRefaultObjects(); // what is only staged would not be found
+    return {folderRow, identity, aliases->enter(folderRow, identity)};
 }
 
-RowId ReadItemsIntoDatabaseStage::createOneFile(RowId parent, std::string_view folderPath,
+bool ReadItemsIntoDatabaseStage::createRootItem(const std::string& path, bool isFolder,
+                                                const SeenItem& seen) {
+    const PathParts parts(path);
+    if (lastParentFolder.row == noRow || lastParentFolderPath != parts.folder) {
+        lastParentFolder = placeIn(rowForFolder(parts.folder, folderIdentity), folderIdentity);
+        lastParentFolderPath = parts.folder;
+    }
+    return createOneFile(lastParentFolder, parts.folder, parts.name, true, isFolder, seen) != noRow;
+}
+
+RowId ReadItemsIntoDatabaseStage::createOneFile(const Place& place, std::string_view folderPath,
                                                 std::string_view name, bool root, bool isFolder,
                                                 const SeenItem& seen) {
     const StageProgress report(progress);
     report.describeItem([&] { return "Processing: " + joinedPath(folderPath, name); });
-    const RowId id = context->insertFile(parent, name, root, isFolder, engine.nextManualOrder(), seen);
+    if (place.isShared) {
+        if (const RowId same = aliases->find(place.row, place.identity, name); same != noRow) {
+            leaveOut(folderPath, name, same);
+            return noRow;
+        }
+    }
+    const RowId id = context->insertFile(place.row, name, root, isFolder, engine.nextManualOrder(), seen);
+    if (place.isShared)
+        aliases->add(place.identity, name, id);
     if (++rowsMade % rowsPerCommit == 0) {
         report.describe("{} files read. Committing..", rowsMade);
         saveAndRefaultObjects();
     }
     return id;
+}
+
+void ReadItemsIntoDatabaseStage::leaveOut(std::string_view folderPath, std::string_view name,
+                                          RowId sameItem) {
+    LeftOut& here = leftOut[std::string(folderPath)];
+    if (++here.count > 1)
+        return;
+    here.firstName = name;
+    here.otherFolder = context->parentPath(sameItem);
+}
+
+/// One line for a folder, however much it holds.
+void ReadItemsIntoDatabaseStage::tellWhatWasLeftOut() {
+    for (const auto& [path, what] : leftOut) {
+        if (what.count == 1)
+            addError("Left out", "It is the same item as " + joinedPath(what.otherFolder, what.firstName),
+                     joinedPath(path, what.firstName));
+        else
+            addError("Left out",
+                     fmt::format("{} items of this folder are the same as those in {}", what.count,
+                                 what.otherFolder),
+                     path);
+    }
 }
 
 } // namespace tavrin

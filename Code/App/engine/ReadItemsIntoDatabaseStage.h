@@ -1,12 +1,15 @@
 #pragma once
 
+#include "engine/FolderAliases.h"
 #include "engine/ProcessingStage.h"
 #include "platform/FileSystem.h"
 #include "platform/HiddenNames.h"
 #include "store/NodeRow.h"
 #include "store/SourceItem.h"
 
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +17,8 @@
 namespace tavrin {
 
 /// Turns source items into rows: one for each path on the list and, when subfolders are wanted, one for each
-/// visible thing below. Reads only what has not been read before.
+/// visible thing below. Reads only what has not been read before, and nothing a second time under another
+/// path.
 class ReadItemsIntoDatabaseStage final : public ProcessingStage {
   public:
     explicit ReadItemsIntoDatabaseStage(RenameEngine& owner) : ProcessingStage(owner) {}
@@ -32,6 +36,13 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
         bool isFileOrBundle = true;
         bool isInvisible = false;
         SeenItem seen;
+        int error = 0; ///< why nothing of this is known: an errno value
+    };
+    /// A folder whose rows are being made.
+    struct Place {
+        RowId row = noRow;
+        FileIdentity identity;
+        bool isShared = false; ///< with rows that stand for it under other paths
     };
 
     void readSourceItem(const SourceItem& item);
@@ -41,18 +52,33 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     void openFolderAt(std::string_view path);
     /// The row that stands for a folder, made if there is none.
     RowId rowForFolder(std::string_view path, const FileIdentity& identity);
-    RowId createRootItem(const std::string& path, bool folder, const SeenItem& seen);
-    RowId createOneFile(RowId parent, std::string_view folderPath, std::string_view name, bool root,
+    Place placeIn(RowId folderRow, const FileIdentity& identity);
+    /// False if it has a row already, under another path; then there is nothing more to do for it.
+    bool createRootItem(const std::string& path, bool folder, const SeenItem& seen);
+    /// noRow likewise.
+    RowId createOneFile(const Place& place, std::string_view folderPath, std::string_view name, bool root,
                         bool folder, const SeenItem& seen);
+    void leaveOut(std::string_view folderPath, std::string_view name, RowId sameItem);
+    void tellWhatWasLeftOut();
+    void addReadingError(bool isFolder, int error, const std::string& path);
 
     bool shouldProcessSubfolders = false;
     int rowsMade = 0;
-    RowId lastParentFolder = noRow;
+    Place lastParentFolder;
     std::string lastParentFolderPath;
+    std::optional<FolderAliases> aliases; ///< made when the first item is read
+
+    struct LeftOut {
+        std::size_t count = 0;
+        std::string firstName;
+        std::string otherFolder; ///< the one that holds them under its own path
+    };
+    std::map<std::string, LeftOut> leftOut; ///< by the path of the folder
 
     /// The folder of the last source item, held open because the next is likely to lie there too.
     std::string openPath;
     std::unique_ptr<OpenFolder> folder; ///< null when it can't be opened
+    int folderError = 0;                ///< why, then
     FileIdentity folderIdentity;
     HiddenNames hiddenNames; ///< of that folder
 };

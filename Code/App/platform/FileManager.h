@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ExifHelper.h"
+#include "platform/FileMetadata.h"
 #include "platform/FileSystem.h"
 #include "support/PropertyValue.h"
 
@@ -86,10 +87,10 @@ class FileManager {
     /// Width and height in pixels; -1.0 both when unknown.
     std::pair<float, float> fileEXIFDimensions(const std::string& path) const;
 
-    /// All metadata of a file as the metadata tool tells it; empty where there is none. Blocks.
-    [[nodiscard]] PropertyDictionary allTagsFor(const std::string& path) const;
+    /// All metadata of a file as the metadata tool tells it. Blocks.
+    [[nodiscard]] FileMetadata allTagsFor(const std::string& path) const;
     /// The same for audio and video files by their extension, absent for all others.
-    [[nodiscard]] std::optional<PropertyDictionary> mp3TagsFor(const std::string& path) const;
+    [[nodiscard]] std::optional<FileMetadata> mp3TagsFor(const std::string& path) const;
     /// Adds n and m of a value "n of m" or "n/m" under these keys, n alone of any other; what is no number as
     /// empty text.
     static void extractNOfMValuesFrom(std::u16string_view value, std::string_view firstTag,

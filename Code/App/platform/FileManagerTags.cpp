@@ -44,13 +44,13 @@ std::optional<std::pair<std::u16string_view, std::u16string_view>> splitAt(std::
 
 } // namespace
 
-PropertyDictionary FileManager::allTagsFor(const std::string& path) const {
+FileMetadata FileManager::allTagsFor(const std::string& path) const {
     if (isNeverAskedAbout(path))
         return {};
     return metadataTool->tagsFor(path, MetadataTool::Client::allTags);
 }
 
-std::optional<PropertyDictionary> FileManager::mp3TagsFor(const std::string& path) const {
+std::optional<FileMetadata> FileManager::mp3TagsFor(const std::string& path) const {
     if (!isMusic(path))
         return std::nullopt;
     return metadataTool->tagsFor(path, MetadataTool::Client::mp3Tags);

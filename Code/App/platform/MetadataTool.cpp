@@ -5,9 +5,9 @@
 #include "support/DebugLog.h"
 #include "support/Text.h"
 
-#include <cstring>
 #include <filesystem>
 #include <optional>
+#include <system_error>
 
 namespace tavrin {
 
@@ -17,6 +17,8 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view endMarker = "---finished---";
 constexpr std::u16string_view keyMarker = u"{extracted-key}:";
+constexpr std::string_view failureMarker =
+    "{extracted-failure}:"; ///< at the start of an answer: no value is there
 constexpr int usesOfAChild = 100;
 
 std::string absolutePath(const std::string& path) {
@@ -80,15 +82,15 @@ class AnswerReader {
 const char* description(ToolProcess::Outcome outcome) {
     switch (outcome) {
     case ToolProcess::Outcome::answered:
-        return "it answers nothing sensible";
+        return "the metadata tool answers nothing sensible";
     case ToolProcess::Outcome::ended:
-        return "it ended before its answer did";
+        return "the metadata tool ended before its answer did";
     case ToolProcess::Outcome::overdue:
-        return "it did not answer in time";
+        return "the metadata tool did not answer in time";
     case ToolProcess::Outcome::oversized:
-        return "its answer has no end";
+        return "the answer of the metadata tool has no end";
     case ToolProcess::Outcome::unasked:
-        return "it answered more than was asked";
+        return "the metadata tool answered more than was asked";
     }
     return "";
 }
@@ -115,10 +117,14 @@ MetadataTool::Attempt MetadataTool::ask(const std::string& path, std::string& an
     if (!child)
         child = ToolProcess::start(script, {endMarker, limits.answer, limits.time}, error);
     if (!child) {
-        problem = std::strerror(error);
+        problem = "the metadata tool cannot be started: " + std::generic_category().message(error);
         return Attempt::failed;
     }
     const ToolProcess::Outcome outcome = child->ask(path, answer);
+    if (outcome == ToolProcess::Outcome::answered && answer.starts_with(failureMarker)) {
+        problem = answer.substr(failureMarker.size(), answer.find('\n') - failureMarker.size());
+        return Attempt::refused;
+    }
     if (outcome == ToolProcess::Outcome::answered && answer.find("{extracted-key}:") != std::string::npos)
         return Attempt::succeeded;
     // Whatever else the child would say could be taken for the answer about the next file.
@@ -127,9 +133,9 @@ MetadataTool::Attempt MetadataTool::ask(const std::string& path, std::string& an
     return outcome == ToolProcess::Outcome::ended ? Attempt::died : Attempt::failed;
 }
 
-PropertyDictionary MetadataTool::tagsFor(const std::string& path, Client client) {
+FileMetadata MetadataTool::tagsFor(const std::string& path, Client client) {
     if (path.find_first_of("\n\0"sv) != std::string::npos)
-        return {};
+        return {.failure = "its path cannot be given to the metadata tool"};
     std::string answer;
     std::string failure;
     {
@@ -143,9 +149,9 @@ PropertyDictionary MetadataTool::tagsFor(const std::string& path, Client client)
     }
     if (!failure.empty()) {
         debugLog("metadata tool {}: no tags for {}: {}", script, path, failure);
-        return {};
+        return {.failure = failure};
     }
-    return parseAnswer(answer);
+    return {.tags = parseAnswer(answer)};
 }
 
 PropertyDictionary MetadataTool::parseAnswer(const std::string& bytes) {

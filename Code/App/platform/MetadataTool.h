@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/PropertyValue.h"
+#include "platform/FileMetadata.h"
 
 #include <array>
 #include <chrono>
@@ -34,15 +34,16 @@ class MetadataTool {
     MetadataTool(const MetadataTool&) = delete;
     MetadataTool& operator=(const MetadataTool&) = delete;
 
-    /// Keys and values (texts) of one file, path in bytes. Empty when the tool can't be started, dies or
-    /// answers nothing sensible, which is logged once each time, and for a path with a line feed.
-    [[nodiscard]] PropertyDictionary tagsFor(const std::string& path, Client client);
+    /// What the tool tells of one file, path in bytes. It fails when the tool can't be started, dies, answers
+    /// nothing sensible or gives a reason why it has no answer, which is logged once each time, and for a
+    /// path with a line feed.
+    [[nodiscard]] FileMetadata tagsFor(const std::string& path, Client client);
 
     /// What an answer of the tool holds.
     [[nodiscard]] static PropertyDictionary parseAnswer(const std::string& bytes);
 
   private:
-    enum class Attempt { succeeded, died, failed };
+    enum class Attempt { succeeded, refused, died, failed };
 
     void prepareChild(Client client);
     Attempt ask(const std::string& path, std::string& answer);
@@ -53,7 +54,7 @@ class MetadataTool {
     std::mutex mutex; ///< guards what follows
     std::unique_ptr<ToolProcess> child;
     std::array<int, 2> useCounts{}; ///< by client
-    std::string problem;            ///< of the latest attempt, for the log
+    std::string problem;            ///< of the latest attempt
 };
 
 } // namespace tavrin

@@ -1,5 +1,7 @@
 #include "platform/SystemLog.h"
 
+#include "support/DisplayText.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -88,7 +90,7 @@ void SystemLog::write(std::string_view line) {
     const auto now = std::chrono::steady_clock::now();
     if (lines.empty())
         firstLineAt = now;
-    lines.push_back(target == Target::socket ? datagramOf(line) : std::string(line) + "\n");
+    lines.push_back(target == Target::socket ? datagramOf(line) : display::visible(line) + "\n");
     if (lines.size() >= batchSize || now - firstLineAt >= longestWait)
         sendGathered();
 }

@@ -55,11 +55,17 @@ int UnflaggedRename::byLink(const std::string& from, const std::string& to, cons
 int UnflaggedRename::byReservation(const std::string& from, const std::string& to, FileStatus::Kind kind) {
     const auto reservedKind =
         kind == FileStatus::Kind::folder ? FileStatus::Kind::folder : FileStatus::Kind::file;
-    if (const int error = folder.reserve(to, reservedKind))
+    int error = folder.reserve(to, reservedKind);
+    if (error == EPERM || error == EOPNOTSUPP || error == ENOSYS) {
+        error = byLook(from, to);
+        unguarded = error == 0;
+        return error;
+    }
+    if (error != 0)
         return error;
     // Whoever opens a file to write it takes the reservation for it.
     FileStatus reserved;
-    int error = folder.status(to, reserved);
+    error = folder.status(to, reserved);
     if (error != 0) {
         // Without a look it can't be told from what others put there.
         left = Leftover::reservation;
@@ -71,6 +77,7 @@ int UnflaggedRename::byReservation(const std::string& from, const std::string& t
     if (error == 0)
         return 0;
     clear(to, reservedKind, reserved.identity, Leftover::reservation);
+    // A rename that replaces not even this is a guarded one by itself.
     return left == Leftover::nothing && refusesToReplace(error) ? byLook(from, to) : error;
 }
 
@@ -93,9 +100,7 @@ int UnflaggedRename::byLook(const std::string& from, const std::string& to) {
     const int error = folder.status(to, taken);
     if (error != ENOENT)
         return error == 0 ? EEXIST : error;
-    const int result = folder.renameReplacing(from, to);
-    unguarded = result == 0;
-    return result;
+    return folder.renameReplacing(from, to);
 }
 
 } // namespace tavrin

@@ -18,8 +18,8 @@ class UnflaggedRename {
 
     /// 0 or an errno value; EEXIST when `to` is taken; EBUSY when the item was replaced meanwhile.
     int rename(const std::string& from, const std::string& to);
-    /// Whether the rename was an unguarded one: neither way worked, so that a look and a plain rename had to
-    /// do, and an item made between the two would have been replaced.
+    /// Whether the rename was an unguarded one: neither way was to be had, so that a look and a plain rename
+    /// had to do, and an item made between the two would have been replaced.
     [[nodiscard]] bool wasUnguarded() const { return unguarded; }
     /// What a rename that failed could not clear away again: it stands under the new name.
     enum class Leftover { nothing, secondName, reservation };

@@ -1,11 +1,13 @@
 #include "documents/DropletScript.h"
 #include "platform/FileManagerMenus.h"
+#include "platform/StandardDescriptors.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/start/ApplicationSetup.h"
 #include "presentation/start/DropletArguments.h"
 #include "presentation/start/DropletStart.h"
 #include "presentation/start/WindowArguments.h"
 #include "presentation/start/WindowLink.h"
+#include "support/DisplayText.h"
 
 #include <QApplication>
 #include <cstdio>
@@ -59,10 +61,11 @@ int start(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    tavrin::openStandardDescriptors();
     try {
         return start(argc, argv);
     } catch (const std::exception& failure) {
-        std::fprintf(stderr, "tavrin: %s\n", failure.what());
+        std::fprintf(stderr, "tavrin: %s\n", tavrin::display::visible(failure.what()).c_str());
         return 1;
     }
 }

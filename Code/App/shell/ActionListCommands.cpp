@@ -33,7 +33,7 @@ void ActionListCommands::activateView() {
 
 bool ActionListCommands::validateActionList() {
     for (const auto& step : services.composite.getActionDictionaryList()) {
-        if (step->getParamInt("active", 0) == 1)
+        if (step->isActive())
             return true;
     }
     services.frontEnd.showAlert(noActiveActions, [](AlertAnswer) {});

@@ -179,7 +179,12 @@ void PreviewControl::forgetPreviewedActionIfGone() {
 
 void PreviewControl::showStats() {
     try {
-        services.progress.updateStageText(statusText());
+        const std::string failures = failureText();
+        services.progress.updateStageText(statusText() + (failures.empty() ? "" : " " + failures));
+        // Of a droplet no status line is seen.
+        if (!failures.empty() && services.mode == OperationMode::dropletRun &&
+            services.settings.shouldCreateSilentDroplets() == 0)
+            services.frontEnd.presentError(failures);
     } catch (const std::exception& failure) {
         debugLog("no counts to show: {}", failure.what());
     }
@@ -200,6 +205,17 @@ std::string PreviewControl::statusText() {
         return "No files selected.";
     return fmt::format("{} out of {} items need{} renaming.", control.numberOfFilesThatNeedRenaming,
                        control.totalNumberOfFiles, control.numberOfFilesThatNeedRenaming == 1 ? "s" : "");
+}
+
+std::string PreviewControl::failureText() {
+    StoreContext& context = store.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    const std::vector<ProcessingError> errors = context.processingErrors();
+    if (errors.empty())
+        return {};
+    const ProcessingError& first = errors.front();
+    return fmt::format("{}: {}{}{}{}", first.title, first.message, first.path.empty() ? "" : ": ", first.path,
+                       errors.size() == 1 ? "" : fmt::format(" (and {} more)", errors.size() - 1));
 }
 
 // ---- the funnel

@@ -69,6 +69,8 @@ class PreviewControl {
     void forgetPreviewedActionIfGone();
     void setSortOrder(const BaseRenameAction& current);
     [[nodiscard]] std::string statusText();
+    /// What the preview could not do, with its first reason; empty where all went well.
+    [[nodiscard]] std::string failureText();
     void showOrHideColumns();
 
     ShellServices& services;

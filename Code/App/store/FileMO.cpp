@@ -33,6 +33,7 @@ FileMO::FileMO(StoreContext& owner, RowId id) : context(&owner), row(id) {}
 void FileMO::moveTo(RowId id) {
     row = id;
     tags.reset();
+    failure.clear();
 }
 
 std::string FileMO::fullPath() const { return context->fullPath(row); }
@@ -69,9 +70,12 @@ const PropertyDictionary& FileMO::tagDictionary() const {
 }
 
 void FileMO::obtainTagsFromFileSystem(const TagReader& reader) {
-    tags = reader(fullPath());
-    debugLog("tagDictionary: {}", description(PropertyValue(*tags)));
-    context->setTagData(row, encode(*tags));
+    FileMetadata read = reader(fullPath());
+    debugLog("tagDictionary: {}", description(PropertyValue(read.tags)));
+    tags = std::move(read.tags);
+    failure = std::move(read.failure);
+    if (failure.empty())
+        context->setTagData(row, encode(*tags));
 }
 
 } // namespace tavrin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/FileMetadata.h"
 #include "store/NodeRow.h"
 #include "support/PropertyValue.h"
 
@@ -16,8 +17,8 @@ class StoreContext;
 /// context; cheap to make and to point at the next row.
 class FileMO {
   public:
-    /// Reads all metadata of a file by its path; an empty dictionary where there is none.
-    using TagReader = std::function<PropertyDictionary(const std::string& path)>;
+    /// Reads all metadata of a file by its path.
+    using TagReader = std::function<FileMetadata(const std::string& path)>;
 
     explicit FileMO(StoreContext& context, RowId id = noRow);
 
@@ -38,9 +39,12 @@ class FileMO {
     [[nodiscard]] std::optional<double> exifDate() const;
 
     /// Makes sure that the metadata dictionary is there: kept, decoded from the row, or read from the file
-    /// once, also when the file had none.
+    /// once, also when the file had none. What could not be read is not kept: it is asked for again when this
+    /// has pointed at another row.
     void loadTagDictionary(const TagReader& reader);
     [[nodiscard]] const PropertyDictionary& tagDictionary() const;
+    /// Why the dictionary could not be read; empty where it was, or was not asked for.
+    [[nodiscard]] const std::string& tagFailure() const { return failure; }
 
   private:
     void obtainTagsFromFileSystem(const TagReader& reader);
@@ -48,6 +52,7 @@ class FileMO {
     StoreContext* context;
     RowId row;
     std::optional<PropertyDictionary> tags;
+    std::string failure;
 };
 
 } // namespace tavrin

@@ -3,6 +3,7 @@
 #include "support/Text.h"
 #include "tags/TagNotice.h"
 #include "tags/TagTable.h"
+#include "tags/TaggedFile.h"
 
 #include <utility>
 
@@ -88,7 +89,8 @@ TagText TagLibraryHelper::resolvePattern(const TagPattern& pattern, TaggedFile& 
         } else if (const TagText value = piece.tag(file)) {
             result += *value;
         } else {
-            informUser();
+            if (file.failure().empty()) // else it may well have one
+                informUser();
             return std::nullopt;
         }
     }

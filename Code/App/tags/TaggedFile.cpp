@@ -7,7 +7,7 @@ namespace tavrin {
 
 namespace {
 
-PropertyDictionary readTags(const std::string& path) { return FileManager::instance().allTagsFor(path); }
+FileMetadata readTags(const std::string& path) { return FileManager::instance().allTagsFor(path); }
 
 } // namespace
 
@@ -44,11 +44,11 @@ std::optional<double> TaggedPath::date(Date which) {
 }
 
 const PropertyDictionary& TaggedPath::tagDictionary() {
-    if (!tags) {
-        tags = readTags(path);
-        debugLog("tagDictionary: {}", description(PropertyValue(*tags)));
+    if (!metadata) {
+        metadata = readTags(path);
+        debugLog("tagDictionary: {}", description(PropertyValue(metadata->tags)));
     }
-    return *tags;
+    return metadata->tags;
 }
 
 } // namespace tavrin

@@ -19,6 +19,8 @@ class TaggedFile {
     [[nodiscard]] virtual std::optional<double> date(Date which) = 0;
     /// May start the metadata tool, and blocks until it has answered. Valid as long as this object.
     [[nodiscard]] virtual const PropertyDictionary& tagDictionary() = 0;
+    /// Why the dictionary that was asked for could not be read, as a part of a sentence; else empty.
+    [[nodiscard]] virtual std::string failure() const { return {}; }
 };
 
 /// A row of the store: its dates are the stored ones, and its metadata is kept in the row once it is read.
@@ -28,6 +30,7 @@ class TaggedRow final : public TaggedFile {
 
     [[nodiscard]] std::optional<double> date(Date which) override;
     [[nodiscard]] const PropertyDictionary& tagDictionary() override;
+    [[nodiscard]] std::string failure() const override { return fileMo.tagFailure(); }
 
   private:
     FileMO& fileMo;
@@ -40,10 +43,11 @@ class TaggedPath final : public TaggedFile {
 
     [[nodiscard]] std::optional<double> date(Date which) override;
     [[nodiscard]] const PropertyDictionary& tagDictionary() override;
+    [[nodiscard]] std::string failure() const override { return metadata ? metadata->failure : ""; }
 
   private:
     std::string path;
-    std::optional<PropertyDictionary> tags;
+    std::optional<FileMetadata> metadata;
 };
 
 } // namespace tavrin

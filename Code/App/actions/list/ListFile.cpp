@@ -4,13 +4,25 @@
 #include "support/Text.h"
 #include "support/Utf8.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 
 namespace tavrin {
 
 namespace {
 
 bool isLineEnd(char byte) { return byte == '\n' || byte == '\r'; }
+
+std::string problemOf(int error) {
+    if (error == ENOENT || error == ENOTDIR || error == EINVAL) // the last for a name that no file can have
+        return "File does not exist.";
+    if (error == EFBIG)
+        return "File is too large.";
+    return fmt::format("File cannot be read ({}).", std::generic_category().message(error));
+}
 
 /// The length in bytes of the white space character that a text begins with, 0 if it does not.
 std::size_t blankLength(std::string_view bytes) {
@@ -25,27 +37,24 @@ std::size_t blankLength(std::string_view bytes) {
 
 } // namespace
 
-bool ListFile::exists(const std::string& path) {
-    FileStatus status;
-    return FileSystem::sharedInstance().followedStatus(path, status) == 0;
-}
-
-bool ListFile::isTooLarge(const std::string& path) {
-    FileStatus status;
-    return FileSystem::sharedInstance().followedStatus(path, status) == 0 &&
-           status.kind == FileStatus::Kind::file && status.size > sizeLimit;
-}
-
-std::optional<std::string> ListFile::content(const std::string& path) {
+ListFile::Content ListFile::read(const std::string& path) {
     auto& files = FileSystem::sharedInstance();
     FileStatus status;
-    std::string bytes;
-    if (files.followedStatus(path, status) != 0 || status.kind != FileStatus::Kind::file ||
-        files.readFile(path, bytes, sizeLimit) != 0 || !text::isUtf8(bytes))
-        return std::nullopt;
-    if (bytes.starts_with("\xEF\xBB\xBF"))
-        bytes.erase(0, 3);
-    return bytes;
+    Content content;
+    if (const int error = files.followedStatus(path, status)) {
+        content.problem = problemOf(error);
+    } else if (status.kind != FileStatus::Kind::file) {
+        content.problem = "This is no file.";
+    } else if (status.size > sizeLimit) {
+        content.problem = problemOf(EFBIG);
+    } else if (const int failure = files.readFile(path, content.bytes, sizeLimit)) {
+        content.problem = problemOf(failure);
+    } else if (!text::isUtf8(content.bytes)) {
+        content.problem = "File is not text in UTF-8.";
+    } else if (content.bytes.starts_with("\xEF\xBB\xBF")) {
+        content.bytes.erase(0, 3);
+    }
+    return content;
 }
 
 bool ListScanner::isAtEnd() {

@@ -7,17 +7,19 @@
 
 namespace tavrin {
 
-/// What is asked of a list file before and while it is read. Pipes, devices and the like are never opened.
+/// How a list file is read. Pipes, devices and the like are never opened.
 /// Paths are bytes.
 struct ListFile {
     /// More than this is never read.
     static constexpr std::size_t sizeLimit = 256 * 1024 * 1024;
     static constexpr int maximumLines = 500000;
 
-    [[nodiscard]] static bool exists(const std::string& path);
-    [[nodiscard]] static bool isTooLarge(const std::string& path);
-    /// The content without a byte order mark; absent where it can't be read or isn't UTF-8.
-    [[nodiscard]] static std::optional<std::string> content(const std::string& path);
+    /// The content without a byte order mark, or why there is none.
+    struct Content {
+        std::string bytes;
+        std::string problem; ///< a sentence for the user; empty where the content was read
+    };
+    [[nodiscard]] static Content read(const std::string& path);
 };
 
 /// Gives the fields of a list one by one. The bytes are UTF-8 and must outlive it.

@@ -22,7 +22,7 @@ ParameterDescription ofKind(ParameterKind kind, ParameterDescription row) {
     return row;
 }
 
-std::string errorOnLine(int line) { return fmt::format("Error on line {}. Nothing loaded.", line); }
+std::string errorOnLine(int line) { return fmt::format("Error on line {}.", line); }
 
 } // namespace
 
@@ -67,48 +67,59 @@ void RenameFromListAction::clear() { load(noFile); }
 void RenameFromListAction::load(std::u16string path, Freshness freshness) {
     prepare();
     const auto bytes = text::toBytes(path);
-    std::string status = "File does not exist. Nothing loaded.";
-    if (bytes && path != noFile && ListFile::exists(*bytes))
-        status = read(*bytes, freshness);
-    else
+    problem.clear();
+    if (bytes && path != noFile) {
+        read(*bytes, freshness);
+    } else {
+        problem = "File does not exist.";
         list = std::make_shared<RenameList>();
-    setValue(text::fromUtf8(status), "status");
+    }
+    setValue(text::fromUtf8(problem.empty() ? summary() : problem + " Nothing loaded."), "status");
     setValue(std::move(path), "listFilePath");
 }
 
-std::string RenameFromListAction::read(const std::string& path, Freshness freshness) {
-    if (ListFile::isTooLarge(path))
-        return "File is too large. Nothing loaded.";
+void RenameFromListAction::read(const std::string& path, Freshness freshness) {
     const auto source = SharedRenameLists::sourceFor(path, ignoresCase);
     if (auto shared =
             source && freshness == Freshness::mayBeShared ? SharedRenameLists::find(*source) : nullptr) {
         list = std::move(shared);
-        return summary();
+        return;
     }
-    const auto former = list;
-    auto status = readFromFile(path);
-    if (source && list != former)
+    readFromFile(path);
+    if (source && problem.empty())
         SharedRenameLists::offer(*source, list);
-    return status;
 }
 
-std::string RenameFromListAction::readFromFile(const std::string& path) {
+void RenameFromListAction::readFromFile(const std::string& path) {
+    const ListFile::Content content = ListFile::read(path);
+    if (!content.problem.empty()) {
+        problem = content.problem;
+        list = std::make_shared<RenameList>();
+        return;
+    }
     TabDelimitedFileListLoader pairs;
     pairs.setIgnoreCase(ignoresCase);
-    const int failedLine = pairs.loadFromPath(path);
-    if (failedLine > 1)
-        return errorOnLine(failedLine);
-    if (failedLine == 0) {
+    if (const int line = pairs.load(content.bytes); line > 1) {
+        problem = errorOnLine(line);
+    } else if (line == 0) {
         list = std::make_shared<RenameList>(std::move(pairs.getFileArray()),
                                             std::move(pairs.getNewNameArray()), pairs.usesFullPosixPath());
-        return summary();
+    } else {
+        // The very first line is no pair, so it may be a list of new names alone.
+        RenameListLoader names;
+        if (const int failedLine = names.load(content.bytes); failedLine != 0)
+            problem = errorOnLine(failedLine);
+        else
+            list = std::make_shared<RenameList>(std::move(names.getFileArray()));
     }
-    // The very first line is no pair, so it may be a list of new names alone.
-    RenameListLoader names;
-    if (const int line = names.loadFromPath(path); line != 0)
-        return errorOnLine(line);
-    list = std::make_shared<RenameList>(std::move(names.getFileArray()));
-    return summary();
+}
+
+std::string RenameFromListAction::failure() const {
+    return problem.empty()
+               ? std::string()
+               : fmt::format("{}: {} Nothing loaded.",
+                             text::toBytes(paramListFilePath).value_or(text::toUtf8(paramListFilePath)),
+                             problem);
 }
 
 std::string RenameFromListAction::summary() const {

@@ -31,8 +31,8 @@ class RenameFromListAction final : public SortBasedAction {
     /// Loads the present file anew, whether or not it has changed.
     void reload();
     void clear();
-    /// Whether no new names are loaded.
-    [[nodiscard]] bool isListEmpty() const { return list->newNames().empty(); }
+    /// The file and what is wrong with it.
+    [[nodiscard]] std::string failure() const override;
 
   protected:
     void prepareParameters() override;
@@ -43,12 +43,13 @@ class RenameFromListAction final : public SortBasedAction {
     enum class Freshness { mayBeShared, fromFile };
 
     void load(std::u16string path, Freshness freshness);
-    /// What is to be told of the file.
-    [[nodiscard]] std::string read(const std::string& path, Freshness freshness);
-    [[nodiscard]] std::string readFromFile(const std::string& path);
+    /// Makes the list that of the file, or sets `problem`.
+    void read(const std::string& path, Freshness freshness);
+    void readFromFile(const std::string& path);
     [[nodiscard]] std::string summary() const;
     [[nodiscard]] std::optional<std::u16string_view> listedName(const InputContext& input);
 
+    std::string problem; ///< of the file that was to be loaded last; empty where it was
     std::shared_ptr<const RenameList> list = std::make_shared<RenameList>();
     std::u16string paramListFilePath;
     std::int32_t paramIgnoreCase = 1;

@@ -5,10 +5,9 @@
 
 namespace tavrin {
 
-int RenameListLoader::loadFromPath(const std::string& path) {
-    const auto bytes = ListFile::content(path);
-    ListScanner scanner(bytes ? *bytes : std::string_view());
-    fileArray.reserve(bytes ? bytes->size() : 0);
+int RenameListLoader::load(std::string_view bytes) {
+    ListScanner scanner(bytes);
+    fileArray.reserve(bytes.size());
     ListField field;
     for (int line = 1; !scanner.isAtEnd(); ++line) {
         const std::string_view name = scanner.fieldBeforeLineEnd();

@@ -4,10 +4,9 @@
 
 namespace tavrin {
 
-int TabDelimitedFileListLoader::loadFromPath(const std::string& path) {
-    const auto bytes = ListFile::content(path);
-    ListScanner scanner(bytes ? *bytes : std::string_view());
-    fileArray.reserve(bytes ? bytes->size() : 0);
+int TabDelimitedFileListLoader::load(std::string_view bytes) {
+    ListScanner scanner(bytes);
+    fileArray.reserve(bytes.size());
     for (int line = 1; !scanner.isAtEnd(); ++line)
         if (line > ListFile::maximumLines || !readLine(scanner, line == 1))
             return line;

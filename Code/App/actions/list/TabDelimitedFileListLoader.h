@@ -3,7 +3,6 @@
 #include "actions/list/ListField.h"
 #include "actions/list/TextColumn.h"
 
-#include <string>
 #include <string_view>
 
 namespace tavrin {
@@ -11,15 +10,15 @@ namespace tavrin {
 class ListScanner;
 
 /// Reads a list of two columns: the name or the full path of a file, a tab, its new name. One object reads
-/// one file.
+/// one list.
 class TabDelimitedFileListLoader {
   public:
     /// Whether the names of files are compared, and therefore stored, in lower case.
     void setIgnoreCase(bool ignores) { ignoreCase = ignores; }
 
-    /// 0, or the number of the line that failed, from 1; blank lines don't count. The path is bytes. A file
-    /// that can't be read gives an empty list and 0.
-    [[nodiscard]] int loadFromPath(const std::string& path);
+    /// Takes the content of a list. 0, or the number of the line that failed, from 1; blank lines don't
+    /// count.
+    [[nodiscard]] int load(std::string_view bytes);
 
     [[nodiscard]] TextColumn& getFileArray() { return fileArray; }
     [[nodiscard]] TextColumn& getNewNameArray() { return newNameArray; }

@@ -17,9 +17,9 @@ void ContentBasedAction::prepareParameters() {
     insertionStrategy->prepareParameters();
 }
 
-void ContentBasedAction::processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                                     std::u16string& result) {
-    StrategyContext context{input, {}, {}};
+void ContentBasedAction::processName(std::u16string_view fragment, const InputContext& input,
+                                     OutputContext& output, std::u16string& result) {
+    StrategyContext context{input, output, {}, {}};
     if (const auto text = contentStrategy->processName(fragment, context))
         insertionStrategy->insert(*text, fragment, context, result);
     else

@@ -15,6 +15,7 @@ class ContentBasedAction;
 /// while that name is worked on.
 struct StrategyContext {
     const InputContext& input;
+    OutputContext& output; ///< its name is not to be changed here
     std::u16string_view textAsFound;
     std::u16string_view nameMinusText;
 };

@@ -54,16 +54,16 @@ class DimensionsAction : public BaseRenameAction {
     }
 
     /// The name itself for a file that is no picture.
-    void takeText(std::u16string_view fragment, const InputContext& input) {
+    void takeText(std::u16string_view fragment, const InputContext& input, OutputContext&) {
         textInHand = formattedDimensionsString(input.inputPath()).value_or(std::u16string(fragment));
     }
     [[nodiscard]] std::optional<std::u16string_view> textToPlace(const InputContext&) const {
         return textInHand;
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
+    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
                      std::u16string& result) override {
-        takeText(fragment, input);
+        takeText(fragment, input, output);
         result += textInHand;
     }
 

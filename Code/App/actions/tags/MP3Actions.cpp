@@ -78,16 +78,19 @@ class MP3Action : public BaseRenameAction {
                                       "a song of Ann, \"Blue Hour\", track 3 of 12 of \"Best\"", u""};
 
     /// None for a file without metadata; the name itself where no pattern fits.
-    void takeText(std::u16string_view fragment, const InputContext& input) {
-        const std::optional<PropertyDictionary> tags = FileManager::instance().mp3TagsFor(input.inputPath());
+    void takeText(std::u16string_view fragment, const InputContext& input, OutputContext& output) {
+        const std::optional<FileMetadata> metadata = FileManager::instance().mp3TagsFor(input.inputPath());
         textInHand.reset();
-        if (!tags || tags->empty())
+        if (!metadata || metadata->tags.empty()) {
+            output.failure = metadata ? metadata->failure : "";
             return;
+        }
+        const PropertyDictionary& tags = metadata->tags;
         const auto pattern = std::ranges::find_if(paramPatterns, [&](const std::u16string& each) {
-            return MP3Patterns::allDataForPattern(each, *tags);
+            return MP3Patterns::allDataForPattern(each, tags);
         });
         textInHand =
-            pattern == paramPatterns.end() ? std::u16string(fragment) : MP3Patterns::filled(*pattern, *tags);
+            pattern == paramPatterns.end() ? std::u16string(fragment) : MP3Patterns::filled(*pattern, tags);
     }
     [[nodiscard]] std::optional<std::u16string_view> textToPlace(const InputContext&) const {
         return textInHand;
@@ -107,9 +110,9 @@ class MP3RenameAction final : public MP3Action {
     }
 
   protected:
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
+    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
                      std::u16string& result) override {
-        takeText(fragment, input);
+        takeText(fragment, input, output);
         result += textToPlace(input).value_or(fragment);
     }
 };

@@ -15,14 +15,19 @@ constexpr ExampleFile photo{"", "", "photo.jpg",
 
 ParameterDescription parameter() { return patternParameter("pattern", "Pattern", defaultPattern); }
 
-TagText resolved(const TagPattern& pattern, const InputContext& input) {
-    TagLibraryHelper& library = TagLibraryHelper::sharedInstance();
+TagText resolved(const TagPattern& pattern, TaggedFile& file, OutputContext& output) {
+    TagText text = TagLibraryHelper::sharedInstance().resolvePattern(pattern, file);
+    output.failure = file.failure();
+    return text;
+}
+
+TagText resolved(const TagPattern& pattern, const InputContext& input, OutputContext& output) {
     if (input.fileMo) {
         TaggedRow row(*input.fileMo);
-        return library.resolvePattern(pattern, row);
+        return resolved(pattern, row, output);
     }
     TaggedPath file(input.path);
-    return library.resolvePattern(pattern, file);
+    return resolved(pattern, file, output);
 }
 
 /// Makes a text of a pattern of tags; a file that lacks a value keeps its name.
@@ -39,9 +44,9 @@ class TagBasedAction : public BaseRenameAction {
         pattern = TagLibraryHelper::sharedInstance().compile(paramPattern);
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
+    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
                      std::u16string& result) final {
-        if (const TagText text = resolved(pattern, input))
+        if (const TagText text = resolved(pattern, input, output))
             place(*text, fragment, result);
         else
             result += fragment;
@@ -121,7 +126,7 @@ class TagsContentStrategy final : public ContentStrategy {
     void prepareParameters() override { pattern = TagLibraryHelper::sharedInstance().compile(paramPattern); }
     [[nodiscard]] std::optional<std::u16string_view> processName(std::u16string_view,
                                                                  StrategyContext& context) override {
-        text = resolved(pattern, context.input);
+        text = resolved(pattern, context.input, context.output);
         return text;
     }
 

@@ -9,17 +9,18 @@ namespace tavrin {
 enum class NameComposed { never, beforeText, afterText };
 
 /// A placement of a family whose text depends on the name in hand as well. The base makes the text in
-/// `takeText(name, input)` and has it for `textToPlace`; where it has none, the name stays as it came.
+/// `takeText(name, input, output)` and has it for `textToPlace`; where it has none, the name stays as it
+/// came.
 template <typename Placement, NameComposed composed> class PlacedTextOfFile : public Placement {
   protected:
     void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
                      std::u16string& result) override {
         if constexpr (composed == NameComposed::never) {
-            this->takeText(fragment, input);
+            this->takeText(fragment, input, output);
             Placement::processName(fragment, input, output, result);
         } else {
             const PrecomposedText inFormC(fragment);
-            this->takeText(composed == NameComposed::beforeText ? inFormC.view() : fragment, input);
+            this->takeText(composed == NameComposed::beforeText ? inFormC.view() : fragment, input, output);
             const bool hasText = this->textToPlace(input).has_value();
             Placement::processName(hasText ? inFormC.view() : fragment, input, output, result);
         }

@@ -38,6 +38,8 @@ StatusRow::StatusRow(MainController& owner)
     pages->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     pages->addWidget(makeProgressPage());
     pages->addWidget(statusText);
+    // A reason can be longer than the window is wide.
+    statusText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     row->addWidget(pages, 1);
     addOrderButtons();
     selectPreviewTab(PreviewTab::status);
@@ -93,6 +95,7 @@ void StatusRow::refreshProgress() {
     progressBar->setValue(progress.currentItemNumber());
     progressText->setText(toQString(progress.stageText()) + ' ' + toQString(progress.itemText()));
     statusText->setText(toQString(progress.stageText()));
+    statusText->setToolTip(toQString(progress.stageText()).toHtmlEscaped());
 }
 
 void StatusRow::selectPreviewTab(PreviewTab tab) { pages->setCurrentIndex(static_cast<int>(tab)); }

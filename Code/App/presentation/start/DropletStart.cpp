@@ -4,6 +4,7 @@
 #include "presentation/TavrinApplication.h"
 #include "presentation/start/ApplicationSetup.h"
 #include "shell/MainController.h"
+#include "support/DisplayText.h"
 
 #include <fmt/format.h>
 
@@ -27,7 +28,7 @@ bool hasDisplay() {
 }
 
 int complain(const std::string& message) {
-    std::fputs(fmt::format("tavrin: {}\n", message).c_str(), stderr);
+    std::fputs(fmt::format("tavrin: {}\n", display::visible(message)).c_str(), stderr);
     return badUsage;
 }
 

@@ -1,6 +1,7 @@
 #include "presentation/start/WindowArguments.h"
 
 #include "platform/AbsolutePaths.h"
+#include "support/DisplayText.h"
 
 #include <algorithm>
 #include <array>
@@ -31,7 +32,7 @@ bool isForQt(std::string_view argument) {
 }
 
 WindowArguments::End unknownOption(const std::string& option) {
-    return {badUsage, "tavrin: there is no option " + option + "\n" + usage};
+    return {badUsage, "tavrin: there is no option " + display::visible(option) + "\n" + usage};
 }
 
 } // namespace

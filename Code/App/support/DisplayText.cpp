@@ -1,4 +1,4 @@
-#include "DisplayText.h"
+#include "support/DisplayText.h"
 
 #include "support/Text.h"
 
