@@ -64,7 +64,7 @@ SETTINGS
 OPTIONS
   --interactive        ask on the terminal before each rename and at problems
   --quiet              say nothing but what fails
-  --no-history         keep no record, so that it can't be undone (keepHistory=0)
+  --no-history         keep no record to undo it by (keepHistory=0)
   --require-history    don't begin where no record can be written
 Examples:
   touch A.TXT B.TXT; tvrn rename --action "Make lowercase" A.TXT B.TXT
@@ -75,8 +75,8 @@ Examples:
 const char* const history = R"(tvrn history [--json] [RUN]
 tvrn history --forget RUN | --clear
 Lists the past runs, newest first: run, time, who, what, state, items, folder.
-With RUN its items: folder, old name, new name, where it is now, name now. RUN is
-the name of a run, or an end of it that no other has.
+With RUN its items: folder, old name, new name, where it is now, name now.
+RUN is the name of a run, or an end of it that no other has.
 
   --json        one object per line
   --forget RUN  remove the record of a run; it can't be undone any more
@@ -91,7 +91,7 @@ Examples:
 const char* const undo = R"(tvrn undo [OPTIONS] [RUN]
 Gives the items of a run their former names again, wherever that is possible
 without touching anything else. Without RUN it is the newest that is not undone
-yet; RUN is as in "tvrn history". An undo is a run of its own: redo takes it back.
+yet; RUN is as in "tvrn history". An undo is a run itself: redo takes it back.
 
   --preview      show what would be done; touch nothing
   --json         with --preview: one object per line
@@ -102,13 +102,13 @@ yet; RUN is as in "tvrn history". An undo is a run of its own: redo takes it bac
 
 Examples:
   touch A.TXT; tvrn rename --action "Make lowercase" A.TXT; tvrn undo
-  touch B; tvrn rename --action "Add to end" --set string=2 B; tvrn undo --preview
+  touch B; tvrn rename --action "Make lowercase" B; tvrn undo --preview
   touch C; tvrn rename --action "Make lowercase" C; tvrn undo --quiet
 )";
 
 const char* const redo = R"(tvrn redo [OPTIONS] [RUN]
-Takes an undo back. Of a run that was stopped or interrupted it does what is left
-of its plan. Without RUN it is the newest that can be redone; RUN is as in
+Takes an undo back. Of a run that was stopped or interrupted it does what is
+left of its plan. Without RUN it is the newest that can be redone; RUN is as in
 "tvrn history".
 
   --preview      show what would be done; touch nothing
@@ -120,8 +120,8 @@ of its plan. Without RUN it is the newest that can be redone; RUN is as in
 
 Examples:
   touch A; tvrn rename --action "Make lowercase" A; tvrn undo; tvrn redo
-  touch B; tvrn rename --action "Make lowercase" B; tvrn undo; tvrn redo --preview
-  touch C; tvrn rename --action "Make lowercase" C; tvrn undo; tvrn redo --quiet
+  touch B; tvrn rename --action "Make lowercase" B; tvrn undo; tvrn redo
+  touch C; tvrn rename --action "Make lowercase" C; tvrn undo -h; tvrn history
 )";
 
 const char* const actions = R"(tvrn actions [--json] [NAME]

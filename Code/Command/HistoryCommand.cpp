@@ -1,12 +1,12 @@
 #include "HistoryCommand.h"
 
-#include "DisplayText.h"
 #include "Terminal.h"
 #include "engine/JournalPlaces.h"
 #include "engine/PathParts.h"
 #include "engine/RenamedAgain.h"
 #include "engine/RunHistory.h"
 #include "platform/UserFolders.h"
+#include "support/DisplayText.h"
 #include "support/Text.h"
 
 #include <fmt/format.h>
@@ -52,6 +52,7 @@ void printRun(const PastRun& run, bool json, Terminal& terminal) {
     record.examine();
     const std::string folder = record.commonFolder();
     const std::string_view what = runLine::nameOf(run.heading.what);
+    const std::string_view state = record.isDamaged() ? "damaged" : run.state();
     if (json) {
         terminal.output().append(JsonLine()
                                      .text("run", run.name)
@@ -59,7 +60,7 @@ void printRun(const PastRun& run, bool json, Terminal& terminal) {
                                      .textOrNull("who", run.heading.who)
                                      .text("what", what)
                                      .textOrNull("of", run.heading.of)
-                                     .text("state", run.state())
+                                     .text("state", state)
                                      .raw("items", std::to_string(record.itemCount()))
                                      .raw("changed", countOrNull(run, &RunEnd::changed))
                                      .raw("failed", countOrNull(run, &RunEnd::failed))
@@ -69,7 +70,7 @@ void printRun(const PastRun& run, bool json, Terminal& terminal) {
     }
     terminal.output().append(fmt::format("{}\t{}\t{}\t{}\t{}\t{}\t{}\n", run.name,
                                          terminal.shown(run.heading.time), terminal.shown(run.heading.who),
-                                         what, run.state(), record.itemCount(), terminal.shown(folder)));
+                                         what, state, record.itemCount(), terminal.shown(folder)));
 }
 
 /// Where an item is now, in the words of the output, and the name that it bears; empty for none.

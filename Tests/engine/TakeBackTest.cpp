@@ -38,7 +38,7 @@ TEST(TakeBackLaws, UndoGivesTheTreeBeforeAndRedoTheTreeAfter) {
         bench.rename();
         for (int i = 0; i < 2; ++i) {
             bench.takeBack(RunKind::undo);
-            ASSERT_THAT(bench.failures, IsEmpty());
+            ASSERT_THAT(bench.failures, IsEmpty()) << bench.records.read(bench.newestRecord());
             ASSERT_EQ(bench.files(), plan.before()) << bench.refusal;
             bench.takeBack(RunKind::redo);
             ASSERT_THAT(bench.failures, IsEmpty());

@@ -104,8 +104,25 @@ void relate(std::vector<PastRun>& runs) {
     }
 }
 
+/// Whether a record that ended well has lost something since.
+bool isDamaged(const PastRun& run) {
+    RunRecordReader reader(run.path);
+    reader.examine();
+    return reader.isDamaged();
+}
+
+constexpr std::string_view damaged = "It is damaged.";
+
 std::string sentence(const PastRun& run, std::string_view what) {
     return fmt::format("the run {} {}", run.name, what);
+}
+
+std::string sentenceOfNewest(const PastRun& run, std::string_view problem, const std::vector<PastRun>& all) {
+    std::string reason = sentence(run, fmt::format("is the newest and can't be used. {}", problem));
+    const auto older = std::ranges::find_if(all, [&](const PastRun& other) {
+        return other.name < run.name && other.problem.empty() && hasEffect(other);
+    });
+    return older == all.end() ? reason : reason + fmt::format(" The next older one is {}.", older->name);
 }
 
 } // namespace
@@ -166,8 +183,9 @@ std::variant<ChosenRun, std::string> RunHistory::choose(RunKind what, std::strin
         if (const auto* reason = std::get_if<std::string>(&found))
             return *reason;
         const PastRun& run = std::get<PastRun>(found);
-        if (!run.problem.empty())
-            return sentence(run, "can't be used. " + run.problem);
+        if (!run.problem.empty() || isDamaged(run))
+            return sentence(run,
+                            "can't be used. " + (run.problem.empty() ? std::string(damaged) : run.problem));
         if (run.isUnderWay)
             return sentence(run, "is still under way");
         if (isUndo && !run.isForward() && !isUnfinished(run))
@@ -176,22 +194,18 @@ std::variant<ChosenRun, std::string> RunHistory::choose(RunKind what, std::strin
     }
     const std::vector<PastRun> all = runs();
     for (const PastRun& run : all) {
-        if (!run.problem.empty()) {
-            std::string reason = sentence(run, "is the newest and can't be used. " + run.problem);
-            const auto older = std::ranges::find_if(
-                all, [](const PastRun& other) { return other.problem.empty() && hasEffect(other); });
-            if (older != all.end())
-                reason += fmt::format(" The next older one is {}.", older->name);
-            return reason;
-        }
+        if (!run.problem.empty())
+            return sentenceOfNewest(run, run.problem, all);
         if (run.isUnderWay)
             return sentence(run, "is still under way");
         if (run.isUndone || !hasEffect(run))
             continue;
-        if (run.isForward() == isUndo)
-            return ChosenRun{run, what, false};
-        if (isUnfinished(run) && !run.isFinished)
-            return ChosenRun{run, what, true};
+        const bool goesBack = run.isForward() == isUndo;
+        if (!goesBack && (!isUnfinished(run) || run.isFinished))
+            continue;
+        if (isDamaged(run))
+            return sentenceOfNewest(run, damaged, all);
+        return ChosenRun{run, what, !goesBack};
     }
     return std::string(isUndo ? "there is no run to undo" : "there is no run to redo");
 }
