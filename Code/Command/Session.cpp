@@ -85,12 +85,9 @@ void Session::refuseStepsThatCannotWork() {
 }
 
 void Session::openStore(bool storeInFile) {
-    frontEnd.holdErrors(true);
-    const std::optional<std::string> error = controller->persistentStoreCoordinator()->openError();
+    const std::optional<std::string>& error = controller->persistentStoreCoordinator()->openError();
     if (storeInFile && error)
         throw UsageError(fmt::format("the list cannot be kept in a file: {}", *error));
-    static_cast<void>(controller->managedObjectContext());
-    frontEnd.holdErrors(false);
 }
 
 void Session::addPaths(const std::vector<std::string>& given) {
@@ -218,6 +215,15 @@ void Session::wasToldToStop() {
     loop.post([] {}); // whoever waits looks again
 }
 
+/// Printing the rows may have paged some out, which the disk refuses. After a run nothing new is to begin.
+void Session::tellWhatIsPosted() {
+    if (runHasStarted || wasInterrupted())
+        return;
+    const auto isTold = std::make_shared<bool>(false);
+    loop.post([isTold] { *isTold = true; });
+    loop.runUntil([&] { return *isTold; });
+}
+
 ExitStatus Session::status() {
     if (wasInterrupted() || frontEnd.wasStopped())
         return ExitStatus::stopped;
@@ -227,6 +233,7 @@ ExitStatus Session::status() {
 }
 
 ExitStatus Session::finish() {
+    tellWhatIsPosted();
     const ExitStatus result = connectedTerminal.finish(status());
     if (hasUnfinishedPreview && wasInterrupted())
         std::_Exit(static_cast<int>(result));

@@ -83,6 +83,7 @@ class Session {
     void openStore(bool storeInFile);
     void addPaths(const std::vector<std::string>& given);
     void tellFailuresOfPreview();
+    void tellWhatIsPosted();
     void setToStop(RenameEngine* engine);
     void wasToldToStop();
 

@@ -214,8 +214,6 @@ void TerminalFrontEnd::askForSavePath(const std::string&,
 }
 
 void TerminalFrontEnd::presentError(const std::string& message) {
-    if (holdsErrors)
-        return;
     failures = true;
     terminal.complain("tvrn: " + message);
 }

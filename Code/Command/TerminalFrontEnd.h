@@ -24,9 +24,6 @@ class TerminalFrontEnd : public FrontEnd {
     /// A run that can't be recorded is refused.
     void requireRecord() { needsRecord = true; }
 
-    /// Meanwhile errors of the application are dropped: whoever holds them tells them in its own words.
-    void holdErrors(bool hold) { holdsErrors = hold; }
-
     /// Something was told as failed.
     [[nodiscard]] bool hasFailures() const { return failures; }
     /// A run was refused: before it began, or at an item that must not be touched.
@@ -65,7 +62,6 @@ class TerminalFrontEnd : public FrontEnd {
     const InterruptHandler& interrupts;
     bool interactive = false;
     bool needsRecord = false;
-    bool holdsErrors = false;
     bool failures = false;
     bool refused = false;
     bool stopped = false;

@@ -23,9 +23,7 @@ ActionList::Resources menus() {
 } // namespace
 
 EngineTestHost::EngineTestHost(ItemStore::Options options)
-    : actionList(menus()), progress(loop),
-      sourceItems([this]() -> StoreContext& { return *mainContext; },
-                  [](const std::string& message) { ADD_FAILURE() << message; }),
+    : actionList(menus()), progress(loop), sourceItems([this]() -> StoreContext& { return *mainContext; }),
       engine(*this) {
     UserDefaults::setSharedInstance(&defaults);
     ActionList::setSharedActionList(&actionList);

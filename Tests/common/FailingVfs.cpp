@@ -24,7 +24,9 @@ int readFile(sqlite3_file* file, void* into, int count, sqlite3_int64 offset) {
     return realOf(file)->pMethods->xRead(realOf(file), into, count, offset);
 }
 int writeFile(sqlite3_file* file, const void* from, int count, sqlite3_int64 offset) {
-    if (shimOf(file)->owner->nextWriteFails())
+    sqlite3_int64 size = 0;
+    realOf(file)->pMethods->xFileSize(realOf(file), &size);
+    if (shimOf(file)->owner->nextWriteFails(offset + count > size))
         return SQLITE_FULL;
     return realOf(file)->pMethods->xWrite(realOf(file), from, count, offset);
 }
@@ -91,16 +93,21 @@ void FailingVfs::failRead(int k, bool andAllAfter) {
     failLaterReads = andAllAfter;
 }
 
-void FailingVfs::failWrite(int k, bool andAllAfter) {
+void FailingVfs::failWrite(int k, bool isFullThen) {
     writeCount = 0;
     failingWrite = k;
-    failLaterWrites = andAllAfter;
+    failLaterGrowth = isFullThen;
 }
 
-bool FailingVfs::fails(std::atomic<int>& count, const std::atomic<int>& failing,
-                       const std::atomic<bool>& later) {
-    const int number = ++count;
-    return failing != 0 && (number == failing || (later && number > failing));
+bool FailingVfs::nextReadFails() {
+    const int number = ++readCount;
+    return failingRead != 0 && (number == failingRead || (failLaterReads && number > failingRead));
+}
+
+bool FailingVfs::nextWriteFails(bool grows) {
+    const int number = ++writeCount;
+    return failingWrite != 0 &&
+           (number == failingWrite || (failLaterGrowth && grows && number > failingWrite));
 }
 
 } // namespace tavrin::test

@@ -6,7 +6,7 @@
 
 namespace tavrin::test {
 
-/// A SQLite VFS over the default one whose k-th read or write fails, and all after it if wanted.
+/// A SQLite VFS over the default one whose k-th read or write fails, and those after it if wanted.
 class FailingVfs {
   public:
     FailingVfs();
@@ -19,23 +19,21 @@ class FailingVfs {
 
     /// The read (or write) number `k`, from 1, counted from this call on, fails; 0 lets all pass.
     void failRead(int k, bool andAllAfter = false);
-    void failWrite(int k, bool andAllAfter = false);
+    /// A full disk refuses later on what would make the file longer.
+    void failWrite(int k, bool isFullThen = false);
     [[nodiscard]] int reads() const { return readCount; }
     [[nodiscard]] int writes() const { return writeCount; }
 
     /// For the shim: whether this call fails.
-    bool nextReadFails() { return fails(readCount, failingRead, failLaterReads); }
-    bool nextWriteFails() { return fails(writeCount, failingWrite, failLaterWrites); }
+    bool nextReadFails();
+    bool nextWriteFails(bool grows);
 
   private:
-    static bool fails(std::atomic<int>& count, const std::atomic<int>& failing,
-                      const std::atomic<bool>& later);
-
     std::string vfsName;
     struct Shim;
     std::unique_ptr<Shim> shim;
     std::atomic<int> readCount{0}, writeCount{0}, failingRead{0}, failingWrite{0};
-    std::atomic<bool> failLaterReads{false}, failLaterWrites{false};
+    std::atomic<bool> failLaterReads{false}, failLaterGrowth{false};
 };
 
 } // namespace tavrin::test

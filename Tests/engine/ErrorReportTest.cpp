@@ -54,9 +54,8 @@ TEST_F(ErrorReportTest, HasATitleForEachOccasion) {
 }
 
 TEST_F(ErrorReportTest, ABrokenStoreLeavesTheRest) {
-    // A store whose file can't be made throws when it is read.
-    EngineTestHost broken(EngineTestHost::inFile(folder.write("no folder")));
-    ErrorReportManager(broken).writeErrorReportWithString("body", "title");
+    BrokenHost broken(folder.path());
+    ErrorReportManager(broken.host).writeErrorReportWithString("body", "title");
     expectInOrder(report(), {"title", "body", "database dump failed.\n", "System Survey"});
 }
 

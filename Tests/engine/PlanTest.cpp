@@ -14,7 +14,7 @@ namespace {
 class Plan : public testing::Test {
   protected:
     void prepare() {
-        ASSERT_EQ(context.commit(), std::nullopt);
+        context.commit();
         PrepareForRenamingStage stage(host.engine);
         stage.setManagedObjectContext(&context);
         EXPECT_TRUE(stage.process());

@@ -48,7 +48,7 @@ void RenameBench::setFinalName(const std::string& name, std::u16string_view fina
     ASSERT_NE(row, noRow) << name;
     context.setFinalName(row, finalName);
     context.change(row).diff = !text::canonicallyEqual(context.name(row), finalName);
-    ASSERT_EQ(context.commit(), std::nullopt);
+    context.commit();
 }
 
 void RenameBench::rename() {
@@ -58,6 +58,7 @@ void RenameBench::rename() {
 
 void RenameBench::renameOnThisThread() {
     ProcessingPipeline pipeline(host.engine);
+    pipeline.needRows();
     pipeline.setProgressInfo(&host.progress);
     pipeline.addStage(std::make_unique<PrepareForRenamingStage>(host.engine));
     pipeline.addStage(std::make_unique<PerformRenameStage>(host.engine));

@@ -69,6 +69,15 @@ TEST_F(SaveListTest, AFailureIsSilentAndTheOldFileIsGone) {
     EXPECT_EQ(host.events.back(), "showFileListSavingCompletionDialog 0");
 }
 
+TEST_F(SaveListTest, WhatCannotBeReadIsNotSaidToBeSaved) {
+    BrokenHost broken(folder.path());
+    broken.host.saveList(0, false, folder.path("list.txt"));
+    EXPECT_EQ(broken.host.events.back(), "showCompletionDialog");
+    ASSERT_EQ(broken.host.errors().size(), 1U);
+    EXPECT_TRUE(broken.host.errors().front().starts_with("The file list was not saved | segment "));
+    EXPECT_EQ(folder.kind("list.txt"), std::nullopt);
+}
+
 TEST_F(SaveListTest, HasNoProgress) {
     host.add({folder.write("a")});
     host.preview();

@@ -16,7 +16,6 @@ bool CleanUpStage::process() {
     report.describe("Preparing..");
     report.indeterminate(true);
     std::size_t count = 0;
-    // A batch whose commit fails stays deleted in the context, so the loop ends even then.
     while (const std::size_t deleted = deleteRows(batchSize)) {
         count += deleted;
         report.item(static_cast<std::int32_t>(count));

@@ -40,11 +40,7 @@ bool PerformRenameStage::process() {
         while (!run->questions.shouldAbort() && performBatch(request)) {
         }
     }
-    if (journal)
-        journal->close(run->primitives.actuallyRenamedCounter, purpose->failedBefore + run->failedCounter,
-                       run->questions.shouldAbort());
-    run.reset();
-    journal.reset();
+    closeJournal(run->questions.shouldAbort());
     warnings.reset();
     return true;
 }
@@ -71,6 +67,30 @@ bool PerformRenameStage::beginJournal() {
 
 Predicate PerformRenameStage::plannedItems() const {
     return FilterManager::currentFilterPredicate(run->filter).with(Predicate::isTrue(NodeKey::diff));
+}
+
+void PerformRenameStage::closeJournal(bool wasStopped) {
+    if (journal)
+        journal->close(run->primitives.actuallyRenamedCounter, purpose->failedBefore + run->failedCounter,
+                       wasStopped);
+    journal.reset();
+}
+
+void PerformRenameStage::breakOff(const std::string& reason) {
+    closeJournal(true);
+    const std::int32_t renamed = run ? run->primitives.actuallyRenamedCounter : 0;
+    EngineControl& control = context->changeEngineControl();
+    control.numberOfActuallyRenamedFiles = renamed;
+    control.numberOfItemsNotRenamed = control.numberOfFilesThatNeedRenaming - renamed;
+    if (renamed < control.numberOfFilesThatNeedRenaming || !run)
+        addError("The renaming was broken off",
+                 fmt::format("{}. {} of {} items had been renamed by then, the others were not renamed.",
+                             reason, renamed, control.numberOfFilesThatNeedRenaming),
+                 {});
+    context->commit();
+    // The last batch has not told its paths yet. The rows are gone, so this reads none.
+    if (run)
+        run->sourceItems.apply();
 }
 
 void PerformRenameStage::switchToLionModeOnce() {
@@ -133,7 +153,6 @@ bool PerformRenameStage::performBatch(const FetchRequest& request) {
     }
     run->report.describe("Renamed {} files. Committing..", run->primitives.actuallyRenamedCounter);
     setCounters();
-    // After a commit that failed the marks stay staged, so that no item comes twice.
     saveAndRefaultObjects();
     run->report.describe("Updating source items..");
     run->sourceItems.apply();

@@ -23,12 +23,14 @@ class PerformRenameStage final : public ProcessingStage {
     ~PerformRenameStage() override;
 
     bool process() override;
+    void breakOff(const std::string& reason) override;
     [[nodiscard]] std::string className() const override { return "PerformRenameStage"; }
     [[nodiscard]] std::string stageDescription() const override { return "Performing renames..."; }
 
   private:
     /// False when the run is not to begin.
     bool beginJournal();
+    void closeJournal(bool wasStopped);
     /// The rows that are to get another name.
     [[nodiscard]] Predicate plannedItems() const;
     void switchToLionModeOnce();
@@ -43,7 +45,7 @@ class PerformRenameStage final : public ProcessingStage {
 
     std::shared_ptr<const RunPurpose> purpose;
     std::unique_ptr<RunJournal> journal; ///< null where none is kept
-    std::unique_ptr<RenameRun> run;      ///< the state of one `process`
+    std::unique_ptr<RenameRun> run;      ///< the state of `process`, kept for breakOff
     std::unique_ptr<LibraryWarnings> warnings;
 };
 

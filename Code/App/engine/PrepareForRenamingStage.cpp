@@ -44,7 +44,6 @@ bool PrepareForRenamingStage::process() {
             report.item(++count);
         }
         report.describe("Prepared {} folders. Committing..", count);
-        // After a commit that failed the changes stay staged, marks included, so that the pass still ends.
         saveAndRefaultObjects();
         changedRows = 0;
     }

@@ -101,8 +101,7 @@ bool ProcessingPipeline::runStage(ProcessingStage& stage, int number) {
     stage.setManagedObjectContext(context);
     const bool goesOn = stage.process();
     report.describe("Cleaning up..");
-    if (const auto error = context->commitAndFlush())
-        debugLog("could not save: {}", *error);
+    context->commit();
     context->reset();
     report.item(0);
     debugLog("--> Stage {}: {} took {:.1f}", number, runningStage, watch.seconds());
@@ -124,20 +123,33 @@ bool ProcessingPipeline::recover() {
     report.stage("Migrating to in-memory store.");
     report.describe("Processing...");
     report.indeterminate(true);
-    if (!moveStoreIntoMemory()) {
+    const bool hasMoved = moveStoreIntoMemory();
+    if (needsRows && context)
+        breakOffStages();
+    if (!hasMoved) {
         giveUp();
         return false;
     }
     dropContext();
     engine.host().updatePreview();
-    return true;
+    return !needsRows;
+}
+
+/// To run them anew would find nothing to do and say that all is well.
+void ProcessingPipeline::breakOffStages() {
+    StoreContext fresh(context->store(), StoreContext::MergePolicy::contextWins);
+    for (const auto& stage : stages) {
+        stage->setManagedObjectContext(&fresh);
+        stage->breakOff(failure.reason);
+        fresh.commit();
+    }
 }
 
 bool ProcessingPipeline::moveStoreIntoMemory() {
     try {
         if (!context)
             return false;
-        context->reset();
+        context->commitWithoutRows();
         return engine.migrateToInMemoryStoreOnTheFly(*context);
     } catch (const std::exception& exception) {
         debugLog("migration failed! {}", exception.what());

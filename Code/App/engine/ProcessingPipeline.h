@@ -11,8 +11,9 @@ namespace tavrin {
 class ItemStore;
 
 /// Runs its stages one after the other against one private context, commits after each, and stops when one
-/// says so. When the store fails it is moved into memory and all stages run once more; a second failure is
-/// told to the user, reported, and ends the application. Runs on a worker thread, under the engine's lock.
+/// says so. When the store fails it is moved into memory and all stages run once more, unless they need the
+/// rows that are lost by it; a failure in memory is told to the user, reported, and ends the application.
+/// Runs on a worker thread, under the engine's lock.
 class ProcessingPipeline : public ProcessingStage {
   public:
     explicit ProcessingPipeline(RenameEngine& owner);
@@ -22,6 +23,8 @@ class ProcessingPipeline : public ProcessingStage {
     void setStore(ItemStore& own) { ownStore = &own; }
     /// Appends the stage and hands it the pipeline's progress record, which must have been set before.
     void addStage(std::unique_ptr<ProcessingStage> stage);
+    /// The stages work on rows that an earlier run has read: without these they are broken off.
+    void needRows() { needsRows = true; }
     /// False when a stage interrupted the run or there is no store.
     bool process() override;
     [[nodiscard]] std::string className() const override { return "ProcessingPipeline"; }
@@ -44,12 +47,14 @@ class ProcessingPipeline : public ProcessingStage {
     bool runStage(ProcessingStage& stage, int number);
     /// True when the run may be tried again.
     bool recover();
+    void breakOffStages();
     bool moveStoreIntoMemory();
     void giveUp();
     void dropContext();
 
     std::vector<std::unique_ptr<ProcessingStage>> stages;
     ItemStore* ownStore = nullptr;
+    bool needsRows = false;
     std::unique_ptr<StoreContext> ownContext;
     std::string runningStage;
     Failure failure;

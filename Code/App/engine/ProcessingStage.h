@@ -22,6 +22,10 @@ class ProcessingStage {
     /// The name in the log and in reports: the name of the class.
     [[nodiscard]] virtual std::string className() const = 0;
     [[nodiscard]] virtual std::string stageDescription() const { return "Processing..."; }
+    /// The run has lost the rows it works on, because the store could not be read, and is not begun anew:
+    /// puts down what is true of the work done so far, and tells the user. `reason` is the system's. Called
+    /// with a fresh context, for each stage of the run, whether it has begun or not.
+    virtual void breakOff(const std::string& /*reason*/) {}
 
     /// Not owned; null means that all reports of progress do nothing.
     virtual void setProgressInfo(ProgressInfo* info) { progress = info; }
@@ -34,11 +38,10 @@ class ProcessingStage {
   protected:
     explicit ProcessingStage(RenameEngine& owner) : engine(owner) {}
 
-    /// Commits; on failure logs and leaves all rows as they are, else drops the values of all rows. True on
-    /// success.
-    bool saveAndRefaultObjects();
-    /// Commits, ignoring failure, and drops the values of rows; for commits inside a running enumeration.
-    void saveAndRefaultFiles();
+    /// Commits and drops the values of all rows, which are read anew when asked for.
+    void saveAndRefaultObjects();
+    /// The same inside a running enumeration.
+    void saveAndRefaultFiles() { saveAndRefaultObjects(); }
 
     RenameEngine& engine;
     ProgressInfo* progress = nullptr;

@@ -143,10 +143,15 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
         const EngineTurns::Held lock(*turn);
         if (ending)
             return;
-        static_cast<void>(createSaveToFileListPipeline(arguments)->process());
+        const bool isSaved = createSaveToFileListPipeline(arguments)->process();
         onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
         onMainThread([](EngineHost& host) { host.refreshPreview(); });
-        onMainThread([&](EngineHost& host) { host.showFileListSavingCompletionDialog(arguments.format); });
+        onMainThread([&](EngineHost& host) {
+            if (isSaved)
+                host.showFileListSavingCompletionDialog(arguments.format);
+            else
+                host.showCompletionDialog();
+        });
     });
 }
 

@@ -28,6 +28,7 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
 std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(ProgressInfo* progress,
                                                                          bool andContinue) {
     auto pipeline = std::make_unique<ProcessingPipeline>(*this);
+    pipeline->needRows();
     pipeline->setProgressInfo(progress);
     pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
     pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
@@ -41,6 +42,7 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(Progres
 std::unique_ptr<ProcessingPipeline>
 RenameEngine::createSaveToFileListPipeline(const FileListArguments& arguments) {
     auto pipeline = std::make_unique<ProcessingPipeline>(*this);
+    pipeline->needRows();
     pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
     auto save = std::make_unique<SaveAsFileListStage>(*this);
     save->setShouldIncludeOnlyAffectedFiles(arguments.shouldIncludeOnlyAffectedFiles);

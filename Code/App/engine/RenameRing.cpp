@@ -25,7 +25,9 @@ RenameRing::RenameRing(RenameRun& currentRun, const std::vector<RowId>& siblings
     members.reserve(siblings.size());
     for (const RowId id : siblings) {
         run.item.moveTo(id);
-        members.push_back({id, run.item.component(), run.item.newComponent(), run.item.component()});
+        folder = run.item.folder();
+        members.push_back(
+            {id, run.item.component(), run.item.newComponent(), run.item.component(), run.item.isRoot()});
     }
 }
 
@@ -49,9 +51,8 @@ UserQuestions::Decision RenameRing::ask() {
     first.moveTo(members.front().id);
     if (!isPair())
         return run.questions.confirmNameCycle({first.folder()});
-    return run.questions.confirmSwap({first.folder(), first.fullPath(),
-                                      joinedPath(first.folder(), members.back().name), first.shownName(),
-                                      first.shownFinalName()});
+    return run.questions.confirmSwap({first.folder(), first.fullPath(), path(members.back().name),
+                                      first.shownName(), first.shownFinalName()});
 }
 
 void RenameRing::rename() {
@@ -174,8 +175,6 @@ bool RenameRing::note(int error, std::size_t member, std::string_view to) {
 }
 
 void RenameRing::account() {
-    const auto path = [&](const Member& member) { return joinedPath(run.item.folder(), member.name); };
-    run.item.moveTo(members.front().id);
     for (const Member& member : members) {
         if (member.lies != member.name)
             run.noteMoved(member.id);
@@ -189,7 +188,7 @@ void RenameRing::account() {
     if (isPair() && nothingMoved) {
         run.fail(fmt::format("Could not swap file names '{}' and '{}'. Neither file was renamed.",
                              NameOnDisk::shown(members[0].name), NameOnDisk::shown(members[1].name)),
-                 fmt::format("{} ({})", pairMessage, failure), path(members[0]), 2);
+                 fmt::format("{} ({})", pairMessage, failure), path(members[0].name), 2);
     } else {
         for (const Member& member : members) {
             if (member.lies != member.wanted)
@@ -198,20 +197,17 @@ void RenameRing::account() {
     }
     if (isPair())
         run.report.describeItem(
-            [&] { return fmt::format("Swap {} and {}", path(members[0]), path(members[1])); });
+            [&] { return fmt::format("Swap {} and {}", path(members[0].name), path(members[1].name)); });
 }
 
 void RenameRing::accountSourceItems() {
-    run.item.moveTo(members.front().id);
-    const bool pairIsRoot = isPair() && run.item.isRoot();
-    // Of a pair the first one decides for both, and the names stand in the order in which they were.
-    for (std::size_t i = members.size(); i-- > 0;) {
-        const Member& member = members[isPair() ? i : members.size() - 1 - i];
-        run.item.moveTo(member.id);
-        if (member.lies == member.name || !(isPair() ? pairIsRoot : run.item.isRoot()))
+    // Of a pair the first one decides for both, and the paths stay in the order in which they were.
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        const Member& member = members[isPair() ? members.size() - 1 - i : i];
+        if (member.lies == member.name || !(isPair() ? members.front() : member).root)
             continue;
-        run.sourceItems.remove(run.item.fullPath());
-        run.sourceItems.add(joinedPath(run.item.folder(), member.lies));
+        run.sourceItems.remove(path(member.name));
+        run.sourceItems.add(path(member.lies));
     }
 }
 
@@ -221,10 +217,11 @@ void RenameRing::report(const Member& member) {
     if (!isUnchanged)
         detail += fmt::format(". It lies under the name \"{}\" now", NameOnDisk::shown(member.lies));
     run.primitives.refuse(detail);
-    run.item.moveTo(member.id);
     run.fail(isUnchanged ? "Could not perform a temporary rename while resolving a dependency chain."
                          : "Could not undo a temporary rename while resolving a dependency chain.",
-             run.primitives.failureReasonString(), run.item.fullPath(), 1);
+             run.primitives.failureReasonString(), path(member.name));
 }
+
+std::string RenameRing::path(const std::string& name) const { return joinedPath(folder, name); }
 
 } // namespace tavrin

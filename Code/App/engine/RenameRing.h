@@ -26,6 +26,7 @@ class RenameRing {
         std::string name;   ///< before
         std::string wanted; ///< empty when no file can bear it
         std::string lies;   ///< the name that it has now
+        bool root;
     };
     /// A call that has worked: the member's move, or its exchange with another one.
     struct Step {
@@ -56,9 +57,11 @@ class RenameRing {
     void account();
     void accountSourceItems();
     void report(const Member& member);
+    [[nodiscard]] std::string path(const std::string& name) const;
 
     RenameRun& run;
-    std::vector<Member> members;
+    std::vector<Member> members; ///< all that is to be known of the rows, so that none is read on the way
+    std::string folder;
     RunFolders::Place* place = nullptr;
     std::string standIn;
     std::vector<Step> steps;

@@ -69,7 +69,7 @@ bool ResolveFileNameConflictsStage::process() {
             processFolder(names, folder);
             context->setStageFlag(folder, marker);
             report.describeItem([&] { return fmt::format("{} files processed.", counter); });
-            static_cast<void>(context->commit());
+            context->commit();
         }
     }
     engine.computeNumberOfFilesThatNeedRenaming(*context);

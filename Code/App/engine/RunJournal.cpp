@@ -31,7 +31,14 @@ std::string RunJournal::begin(StoreContext& context, const Predicate& planned, S
                               const RunPurpose& purpose) {
     error = makeFile();
     if (error == 0) {
-        writePlan(context, planned, standIns, purpose);
+        try {
+            writePlan(context, planned, standIns, purpose);
+        } catch (...) {
+            // Rows that can't be read: nothing has begun.
+            file.reset();
+            static_cast<void>(FileSystem::sharedInstance().removeFile(filePath));
+            throw;
+        }
         if (error == 0)
             error = file->sync();
         if (error != 0) {

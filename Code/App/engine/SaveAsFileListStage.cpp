@@ -56,6 +56,10 @@ bool SaveAsFileListStage::process() {
     return true;
 }
 
+void SaveAsFileListStage::breakOff(const std::string& reason) {
+    addError("The file list was not saved", reason, path);
+}
+
 void SaveAsFileListStage::appendLine(RowId id) {
     const std::string finalName = precomposedUtf8(context->finalName(id));
     const std::string name = precomposedUtf8(context->name(id));

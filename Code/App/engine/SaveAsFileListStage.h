@@ -20,6 +20,7 @@ class SaveAsFileListStage final : public ProcessingStage {
     void setFormat(int newFormat) { format = newFormat; }
 
     bool process() override;
+    void breakOff(const std::string& reason) override;
     [[nodiscard]] std::string className() const override { return "SaveAsFileListStage"; }
     [[nodiscard]] std::string stageDescription() const override;
 

@@ -98,8 +98,7 @@ void DNDArrayController::insertManualIndices(const Indexes& indexes, std::size_t
         for (const auto& [id, place] : placesById(order))
             if (context.exists(id) && context.row(id).manualOrder != place)
                 context.change(id).manualOrder = place;
-        if (const std::optional<std::string> error = context.commit())
-            services.frontEnd.presentError(*error);
+        context.commit();
     } catch (const StoreError& error) {
         services.frontEnd.presentError(error.what());
     }

@@ -174,7 +174,7 @@ class FrontEnd {
 
     // --- Showing: a front end does what it has the means for ---
     virtual void presentError(const std::string& message) = 0;
-    /// Tells what is neither a failure nor a question.
+    /// Tells something that the user should know, though nothing has failed by it.
     virtual void presentNotice(const std::string& text) = 0;
     /// The application has ended its work: leave the event loop.
     virtual void terminate() = 0;

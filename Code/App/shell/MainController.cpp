@@ -56,10 +56,9 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
                    [this](const std::string& path) { presentBookmarkingRequestDialogForPath(path); }),
       progress(environment.runLoop),
       store(
-          environment.defaults, options.store, [this](const std::string& message) { presentError(message); },
+          environment.defaults, options.store, [this](const std::string& message) { postNotice(message); },
           [this] { return engine.busyMigratingStore(); }),
-      sourceItems([this]() -> StoreContext& { return store.managedObjectContext(); },
-                  [this](const std::string& message) { presentError(message); }),
+      sourceItems([this]() -> StoreContext& { return store.managedObjectContext(); }),
       presets(options.localPresetsFolder, options.globalPresetsFolder,
               [this]() -> CompositeRenameAction& { return composite; }),
       services{environment.frontEnd,
@@ -171,6 +170,10 @@ void MainController::presentError(const std::string& message) {
 
 void MainController::presentNotice(const std::string& text) { environment.frontEnd.presentNotice(text); }
 
+void MainController::postNotice(const std::string& message) {
+    postToMainThread([this, message] { presentNotice(message); });
+}
+
 void MainController::revealReport(const std::string& path) { environment.frontEnd.revealPath(path); }
 
 void MainController::showHelpAnchor(std::string_view anchor) { environment.frontEnd.showHelp(anchor); }
@@ -231,6 +234,10 @@ void MainController::onMainThread(std::function<void()> action) {
         action();
         return;
     }
+    postToMainThread(std::move(action));
+}
+
+void MainController::postToMainThread(std::function<void()> action) {
     environment.runLoop.post([alive = std::weak_ptr(lifetime), action = std::move(action)] {
         if (alive.lock())
             action();

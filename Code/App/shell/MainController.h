@@ -82,6 +82,8 @@ class MainController : public EngineHost, public ActionObserver {
     void createProfile();
     /// Shows a failure of the application's own. Any thread.
     void presentError(const std::string& message);
+    /// Tells what the user should know, later and on the main thread. Any thread, under any lock.
+    void postNotice(const std::string& message);
 
     // --- Modes and states ---
     [[nodiscard]] OperationMode operationMode() const { return mode; }
@@ -168,6 +170,7 @@ class MainController : public EngineHost, public ActionObserver {
     void terminateNow();
     /// Runs an action on the main thread while the controller is alive: at once when already there.
     void onMainThread(std::function<void()> action);
+    void postToMainThread(std::function<void()> action);
 
     Environment environment;
     Options options;

@@ -21,9 +21,9 @@ struct StoreOwner::Generation {
 };
 
 StoreOwner::StoreOwner(UserDefaults& userDefaults, Options storeOptions,
-                       std::function<void(const std::string& message)> errorPresenter,
+                       std::function<void(const std::string& message)> noticePresenter,
                        std::function<bool()> migrating)
-    : defaults(userDefaults), options(std::move(storeOptions)), presentError(std::move(errorPresenter)),
+    : defaults(userDefaults), options(std::move(storeOptions)), postNotice(std::move(noticePresenter)),
       isBusyMigrating(std::move(migrating)) {}
 
 StoreOwner::~StoreOwner() = default;
@@ -35,14 +35,8 @@ StoreContext& StoreOwner::managedObjectContext() {
     Generation& generation = currentGeneration();
     if (generation.mainContext)
         return *generation.mainContext;
-    if (generation.store.openError())
-        moveIntoMemory(generation);
-    auto context = std::make_unique<StoreContext>(generation.store, StoreContext::MergePolicy::storeWins);
-    if (const std::optional<std::string> error = context->commit()) {
-        debugLog("could not save: {}", *error);
-        presentError(*error);
-    }
-    generation.mainContext = std::move(context);
+    generation.mainContext =
+        std::make_unique<StoreContext>(generation.store, StoreContext::MergePolicy::storeWins);
     generation.merging = generation.mainContext.get();
     return *generation.mainContext;
 }
@@ -78,12 +72,10 @@ std::unique_ptr<StoreOwner::Generation> StoreOwner::makeGeneration() {
         defaults.integerForKey("store") == 1 ? ItemStore::Kind::memory : ItemStore::Kind::file;
     if (storeOptions.kind == ItemStore::Kind::file) {
         (void)FileSystem::sharedInstance().makeFolders(options.dataFolder);
-        if (!leftoversAreSwept)
-            ItemStore::sweepLeftovers(options.dataFolder);
-        leftoversAreSwept = true;
         storeOptions.folder = options.dataFolder;
         storeOptions.vfs = options.vfs;
         storeOptions.residentBudget = options.residentBudget;
+        storeOptions.fileRefused = [this](const std::string& reason) { tellThatFileRefused(reason); };
     }
     auto generation = std::make_unique<Generation>(std::move(storeOptions));
     Generation* made = generation.get();
@@ -91,18 +83,17 @@ std::unique_ptr<StoreOwner::Generation> StoreOwner::makeGeneration() {
         if (!isBusyMigrating())
             didSave(*made, changes);
     });
-    if (const std::optional<std::string> error = generation->store.openError())
-        presentError("The list of items can't be kept in a file and moves into memory: " + *error);
+    if (const auto& error = generation->store.openError()) {
+        defaults.setObject("hasFailedOnSQLiteStoreBefore", true);
+        defaults.setObject("store", 1);
+        (void)defaults.synchronize();
+        tellThatFileRefused(*error);
+    }
     return generation;
 }
 
-/// Without a file nothing could be committed, not even what the user adds before the first run.
-void StoreOwner::moveIntoMemory(Generation& generation) {
-    debugLog("no store file, moving into memory: {}", *generation.store.openError());
-    defaults.setObject("hasFailedOnSQLiteStoreBefore", true);
-    defaults.setObject("store", 1);
-    (void)defaults.synchronize();
-    (void)generation.store.migrateToMemory();
+void StoreOwner::tellThatFileRefused(const std::string& reason) const {
+    postNotice("The list of items can't be kept in a file and stays in memory from now on: " + reason);
 }
 
 void StoreOwner::didSave(Generation& generation, const StoreChanges& changes) {

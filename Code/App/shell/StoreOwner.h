@@ -23,16 +23,15 @@ class StoreOwner {
         std::string vfs;        ///< name of a SQLite VFS, empty for the default
         std::size_t residentBudget = 48u << 20;
     };
-    /// `presentError` may be called on any thread. While `isBusyMigrating` says so, nothing is merged.
+    /// `postNotice` is called on any thread, under locks. While `isBusyMigrating` says so, nothing is merged.
     StoreOwner(UserDefaults& defaults, Options options,
-               std::function<void(const std::string& message)> presentError,
+               std::function<void(const std::string& message)> postNotice,
                std::function<bool()> isBusyMigrating);
     ~StoreOwner();
     StoreOwner(const StoreOwner&) = delete;
     StoreOwner& operator=(const StoreOwner&) = delete;
 
-    /// Never null. A store whose file could not be made says so, and moves into memory when the main context
-    /// is first asked for.
+    /// Never null. Where no file can be made it is in memory, and the user is told.
     ItemStore* persistentStoreCoordinator();
     StoreContext& managedObjectContext();
 
@@ -49,19 +48,18 @@ class StoreOwner {
 
     Generation& currentGeneration();
     std::unique_ptr<Generation> makeGeneration();
-    void moveIntoMemory(Generation& generation);
+    void tellThatFileRefused(const std::string& reason) const;
     static void didSave(Generation& generation, const StoreChanges& changes);
 
     UserDefaults& defaults;
     const Options options;
-    std::function<void(const std::string&)> presentError;
+    std::function<void(const std::string&)> postNotice;
     std::function<bool()> isBusyMigrating;
 
     mutable std::recursive_mutex persistentStoreCreationToken; ///< guards what follows
     std::unique_ptr<Generation> current;
     std::vector<std::unique_ptr<Generation>> retired;
     std::uint64_t drops = 0;
-    bool leftoversAreSwept = false;
 
     std::recursive_mutex contextAccessToken; ///< one thread at a time makes the main context; taken first
 };

@@ -1,33 +1,18 @@
 #include "store/ItemStore.h"
 
 #include "store/ItemStoreImpl.h"
-#include "store/StoreError.h"
 
 #include <fmt/core.h>
 
-#include <cerrno>
-#include <charconv>
-#include <csignal>
-#include <dirent.h>
 #include <random>
-#include <string_view>
-#include <unistd.h>
 #include <utility>
 
 namespace tavrin {
 
 namespace {
 
-std::unique_ptr<StoreFile> openFile(const ItemStore::Options& options, std::optional<std::string>& error) {
-    if (options.kind == ItemStore::Kind::memory)
-        return nullptr;
-    try {
-        ItemStore::sweepLeftovers(options.folder);
-        return std::make_unique<StoreFile>(options.folder, options.vfs);
-    } catch (const StoreError& failure) {
-        error = failure.what();
-        return nullptr;
-    }
+std::optional<std::string> obstacle(const ItemStore::Options& options) {
+    return options.kind == ItemStore::Kind::file ? StoreFile::obstacleIn(options.folder) : std::nullopt;
 }
 
 std::uint64_t freshSecret() {
@@ -35,29 +20,17 @@ std::uint64_t freshSecret() {
     return (std::uint64_t{random()} << 32) | random();
 }
 
-/// The process that made "tvrn9.db.<process>.<random>", if the name has that form.
-std::optional<pid_t> makerOf(std::string_view name) {
-    std::string prefix(StoreFile::fileName);
-    prefix += '.';
-    if (!name.starts_with(prefix))
-        return std::nullopt;
-    name.remove_prefix(prefix.size());
-    pid_t process = 0;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-    if (error != std::errc{} || end == name.data() + name.size() || *end != '.' || process <= 0)
-        return std::nullopt;
-    return process;
-}
-
 } // namespace
 
-ItemStore::Impl::Impl(Options newOptions)
-    : options(std::move(newOptions)), kind(options.kind), file(openFile(options, openError)),
-      segments(file.get(), options.residentBudget), secret(freshSecret()) {}
-
-void ItemStore::Impl::requireBackEnd() const {
-    if (openError)
-        throw StoreError(*openError);
+ItemStore::Impl::Impl(Options options)
+    : openError(obstacle(options)), kind(openError ? Kind::memory : options.kind),
+      file(kind == Kind::file
+               ? std::make_unique<StoreFile>(options.folder, options.vfs, std::move(options.fileRefused))
+               : nullptr),
+      segments(file.get(), options.residentBudget), tags(file.get(), options.residentBudget / 4),
+      secret(freshSecret()) {
+    if (file)
+        StoreFile::sweepLeftovers(options.folder);
 }
 
 RowId ItemStore::Impl::reserveBlock() {
@@ -74,30 +47,10 @@ bool ItemStore::Impl::migrateToMemory() {
     if (kind == Kind::memory)
         return false;
     segments.leaveFile();
+    tags.leaveFile();
     file.reset();
-    openError.reset();
     kind = Kind::memory;
     return true;
-}
-
-std::optional<std::string> ItemStore::Impl::flush() {
-    if (!file)
-        return std::nullopt;
-    if (auto failure = segments.flush())
-        return failure;
-    const auto write = [](bool& isWritten, auto operation) -> std::optional<std::string> {
-        if (isWritten)
-            return std::nullopt;
-        auto failure = operation();
-        isWritten = !failure;
-        return failure;
-    };
-    if (auto failure = write(controlIsWritten, [&] { return file->writeControl(control); }))
-        return failure;
-    if (auto failure =
-            write(sourceItemsAreWritten, [&] { return file->writeSourceItems(sourceItems.inOrderAdded()); }))
-        return failure;
-    return write(errorsAreWritten, [&] { return file->writeErrors(errors); });
 }
 
 ItemStore::ItemStore(Options options) : impl(std::make_unique<Impl>(std::move(options))) {}
@@ -110,13 +63,11 @@ std::string ItemStore::type() const { return kind() == Kind::file ? "SQLite" : "
 
 std::string ItemStore::description() const {
     std::scoped_lock lock(impl->mutex);
-    return impl->file ? fmt::format("SQLite at {}", impl->file->path()) : type();
+    const auto path = impl->file ? impl->file->path() : std::nullopt;
+    return path ? fmt::format("{} at {}", type(), *path) : type();
 }
 
-std::optional<std::string> ItemStore::openError() const {
-    std::scoped_lock lock(impl->mutex);
-    return impl->openError;
-}
+const std::optional<std::string>& ItemStore::openError() const { return impl->openError; }
 
 bool ItemStore::migrateToMemory() {
     std::scoped_lock lock(impl->mutex);
@@ -126,18 +77,6 @@ bool ItemStore::migrateToMemory() {
 void ItemStore::setDidSaveHandler(std::function<void(const StoreChanges&)> handler) {
     std::scoped_lock lock(impl->mutex);
     impl->didSave = std::move(handler);
-}
-
-void ItemStore::sweepLeftovers(const std::string& folder) {
-    DIR* directory = ::opendir(folder.c_str());
-    if (directory == nullptr)
-        return;
-    while (const dirent* entry = ::readdir(directory)) {
-        const auto process = makerOf(entry->d_name);
-        if (process && ::kill(*process, 0) != 0 && errno == ESRCH)
-            ::unlinkat(::dirfd(directory), entry->d_name, 0);
-    }
-    ::closedir(directory);
 }
 
 } // namespace tavrin

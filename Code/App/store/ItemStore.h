@@ -29,8 +29,9 @@ struct StoreChanges {
 };
 
 /// The store of items: rows in segments of consecutive ids, with SQLite as the pager behind them ("store" 0),
-/// or the same without a file ("store" 1). The file is private to this object and made anew by it; a second
-/// instance of the program has its own. Contexts do all reading and writing. Thread-safe.
+/// or the same without a file ("store" 1). The file is private to this object, made when the rows first
+/// exceed the budget, and removed with it; a second instance of the program has its own. Contexts do all
+/// reading and writing. Thread-safe.
 class ItemStore {
   public:
     enum class Kind { file = 0, memory = 1 };
@@ -39,9 +40,12 @@ class ItemStore {
         std::string folder;                     ///< where "tvrn9.db" is made, for Kind::file
         std::size_t residentBudget = 48u << 20; ///< bytes of segments kept in memory, for Kind::file
         std::string vfs;                        ///< name of a SQLite VFS, empty for the default
+        /// Told why, once, when the file takes no more and all else stays in memory: nothing is lost by it.
+        /// Called under locks, on any thread, so it may only pass it on.
+        std::function<void(const std::string& reason)> fileRefused = {};
     };
 
-    /// A file that cannot be made leaves the store without a back-end: see openError.
+    /// Where no file can be made the store is one in memory: see openError.
     explicit ItemStore(Options options);
     ~ItemStore();
     ItemStore(const ItemStore&) = delete;
@@ -52,9 +56,8 @@ class ItemStore {
     [[nodiscard]] std::string type() const;
     /// A line for the log: type and place.
     [[nodiscard]] std::string description() const;
-    /// Why the file could not be made; absent when all is well. Reading a store in this state throws
-    /// StoreError, which leads to the switch into memory.
-    [[nodiscard]] std::optional<std::string> openError() const;
+    /// Why the folder takes no file; absent when all is well.
+    [[nodiscard]] const std::optional<std::string>& openError() const;
 
     /// Goes on without the file. Source items, control row and errors stay; the rows are still to be deleted
     /// and may be unreadable until then. False when the store is in memory already.
@@ -62,9 +65,6 @@ class ItemStore {
 
     /// Called after every commit on the committing thread, no lock of the store held. One handler.
     void setDidSaveHandler(std::function<void(const StoreChanges&)> handler);
-
-    /// Removes what dead processes have left in the folder.
-    static void sweepLeftovers(const std::string& folder);
 
     struct Impl; // shared with contexts only
     [[nodiscard]] Impl& implementation() const { return *impl; }

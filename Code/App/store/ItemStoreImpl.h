@@ -9,13 +9,13 @@
 #include "store/SourceItemTable.h"
 #include "store/StagedChanges.h"
 #include "store/StoreFile.h"
+#include "store/TagTable.h"
 
 #include <atomic>
 #include <deque>
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace tavrin {
@@ -24,8 +24,6 @@ namespace tavrin {
 struct ItemStore::Impl {
     explicit Impl(Options options);
 
-    /// Throws StoreError when there is no back-end.
-    void requireBackEnd() const;
     /// A run of fresh ids that begins a block: its first id. Ids are never given twice.
     RowId reserveBlock();
 
@@ -35,16 +33,14 @@ struct ItemStore::Impl {
     /// The rows below a folder, in reading order.
     std::vector<RowId> children(RowId folder);
 
-    /// Takes the changes over, all or nothing; the error's text where the file refuses. Throws StoreError
-    /// when what is changed cannot be read. Fills in what contexts must know.
-    std::optional<std::string> apply(StagedChanges& staged, StoreChanges& into);
-    std::optional<std::string> flush();
+    /// Takes the changes over, all or nothing. Throws StoreError when what is changed cannot be read. Fills
+    /// in what contexts must know.
+    void apply(StagedChanges& staged, StoreChanges& into);
     bool migrateToMemory();
 
     std::mutex mutex;
-    const Options options;
+    const std::optional<std::string> openError;
     std::atomic<Kind> kind;
-    std::optional<std::string> openError;
     std::unique_ptr<StoreFile> file;
     SegmentTable segments;
     FolderTable folders;
@@ -52,7 +48,7 @@ struct ItemStore::Impl {
     std::vector<std::uint8_t> summaries;
     std::vector<std::uint8_t> stageFlags;
     std::vector<std::uint8_t> secondaryStageFlags;
-    std::unordered_map<RowId, SparseRow> sparse;
+    TagTable tags;
     EngineControl control;
     SourceItemTable sourceItems;
     std::deque<ProcessingError> errors;
@@ -79,10 +75,6 @@ struct ItemStore::Impl {
     void removeRow(RowId row);
     void dropEmptySegments();
     void applySmallEntities(StagedChanges& staged, StoreChanges& into);
-
-    bool controlIsWritten = true;
-    bool sourceItemsAreWritten = true;
-    bool errorsAreWritten = true;
 };
 
 } // namespace tavrin

@@ -11,7 +11,6 @@
 namespace tavrin {
 
 void ItemStore::Impl::loadRows(RowBlock& block) {
-    requireBackEnd();
     const std::uint32_t number = Segment::number(block.first);
     if (!segments.exists(number)) {
         block.rows.fill(NodeRow{});
@@ -61,10 +60,8 @@ std::vector<RowId> ItemStore::Impl::children(RowId row) {
     return rows;
 }
 
-std::optional<std::string> ItemStore::Impl::apply(StagedChanges& staged, StoreChanges& into) {
-    requireBackEnd();
-    if (auto failure = segments.makeRoom())
-        return failure;
+void ItemStore::Impl::apply(StagedChanges& staged, StoreChanges& into) {
+    segments.makeRoom();
     SegmentTable::Hold hold(segments);
     touchSegments(staged);
     std::vector<RowId> doomed;
@@ -79,12 +76,13 @@ std::optional<std::string> ItemStore::Impl::apply(StagedChanges& staged, StoreCh
         stageFlags[row] = marker;
         into.updated.push_back(row);
     }
-    for (auto& [row, values] : staged.sparse) {
-        SparseRow& kept = sparse[row];
-        if (values.regexColumns)
-            kept.regexColumns = std::move(values.regexColumns);
-        if (values.tagData)
-            kept.tagData = std::move(values.tagData);
+    for (const auto& [row, columns] : staged.regexColumns) {
+        if (summaries[row] != rowSummary::none)
+            segments.use(Segment::number(row)).setRegex(Segment::index(row), columns);
+    }
+    for (auto& [row, data] : staged.tagData) {
+        if (summaries[row] != rowSummary::none)
+            tags.set(row, std::move(data));
     }
     for (const RowId row : doomed)
         removeRow(row);
@@ -112,7 +110,6 @@ std::optional<std::string> ItemStore::Impl::apply(StagedChanges& staged, StoreCh
         static_cast<std::uint8_t>(ColumnClass::sort) | static_cast<std::uint8_t>(ColumnClass::filter);
     if (into.rowsInserted || into.rowsDeleted || (into.columnClasses & voiding))
         ++listVersion;
-    return std::nullopt;
 }
 
 void ItemStore::Impl::touchSegments(const StagedChanges& staged) {
@@ -195,7 +192,7 @@ void ItemStore::Impl::insertRow(RowBlock& block, std::size_t index, StagedChange
     segment.rows[Segment::index(id)] = row;
     segment.names.set(Segment::index(id), block.names.get(index));
     ++rowVersion;
-    segment.dirty.fill(true);
+    segment.dirty[Segment::rowPart] = segment.dirty[Segment::namePart] = true;
     summaries[id] = rowSummary::of(row);
 }
 
@@ -247,7 +244,7 @@ void ItemStore::Impl::removeRow(RowId row) {
     if (row >= summaries.size() || summaries[row] == rowSummary::none)
         return;
     summaries[row] = rowSummary::none;
-    sparse.erase(row);
+    tags.forget(row);
     if (const std::uint32_t number = folders.numberOfRow(row))
         folders.remove(number);
 }
@@ -283,12 +280,10 @@ void ItemStore::Impl::applySmallEntities(StagedChanges& staged, StoreChanges& in
         take(&EngineControl::totalNumberOfNodes);
         take(&EngineControl::needToRedoConflictResolution);
         into.engineControl = true;
-        controlIsWritten = false;
     }
     for (const SourceItemChange& change : staged.sourceItems) {
         sourceItems.apply(change);
         into.sourceItems = true;
-        sourceItemsAreWritten = false;
     }
     if (staged.deletedErrors > 0) {
         const std::size_t count = std::min(staged.deletedErrors, errors.size());
@@ -298,7 +293,6 @@ void ItemStore::Impl::applySmallEntities(StagedChanges& staged, StoreChanges& in
         errors.push_back(std::move(error));
     if (staged.deletedErrors > 0 || !staged.insertedErrors.empty()) {
         into.processingErrors = true;
-        errorsAreWritten = false;
     }
 }
 

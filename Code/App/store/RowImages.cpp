@@ -48,6 +48,10 @@ void RowImages::gather(std::vector<RowId> ids, SegmentTable& segments) {
             image.final = static_cast<std::uint32_t>(texts.size());
             image.finalLength = static_cast<std::uint32_t>(final.bytes.size());
             texts += final.bytes;
+            const std::string_view regex = segment.regexAt(index);
+            image.regex = static_cast<std::uint32_t>(texts.size());
+            image.regexLength = static_cast<std::uint32_t>(regex.size());
+            texts += regex;
             image.hasFinal = segment.finals.has(index);
             image.finalIsWide = final.isWide;
             images.push_back(image);

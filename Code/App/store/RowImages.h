@@ -28,6 +28,8 @@ class RowImages {
         std::uint32_t final = 0;
         std::uint32_t componentLength = 0;
         std::uint32_t finalLength = 0;
+        std::uint32_t regex = 0;
+        std::uint32_t regexLength = 0; ///< 0 for a row without columns
         bool hasFinal = false;
         bool finalIsWide = false;
     };
@@ -39,6 +41,10 @@ class RowImages {
     }
     [[nodiscard]] TextRegion::Text finalName(const Image& image) const {
         return {std::string_view(texts).substr(image.final, image.finalLength), image.finalIsWide};
+    }
+
+    [[nodiscard]] std::string_view regex(const Image& image) const {
+        return std::string_view(texts).substr(image.regex, image.regexLength);
     }
 
     /// Takes the rows at these ids, which must exist. The store's lock is held.

@@ -8,17 +8,10 @@ namespace tavrin {
 static_assert(std::is_trivially_copyable_v<NodeRow>, "rows are paged as plain bytes");
 
 std::string_view Segment::blob(Part part, std::string& scratch) const {
-    scratch.clear();
-    switch (part) {
-    case rowPart:
+    if (part == rowPart)
         return {reinterpret_cast<const char*>(rows.data()), rows.size() * sizeof(NodeRow)};
-    case namePart:
-        names.appendBlob(scratch);
-        break;
-    case finalPart:
-        finals.appendBlob(scratch);
-        break;
-    }
+    scratch.clear();
+    (part == namePart ? names : part == finalPart ? finals : regex).appendBlob(scratch);
     return scratch;
 }
 
@@ -26,26 +19,28 @@ void Segment::clear() {
     rows.assign(capacity, NodeRow{});
     names.clearAll();
     finals.clearAll();
+    regex = TextRegion();
     dirty = {};
 }
 
 bool Segment::readBlob(Part part, std::string_view bytes) {
-    switch (part) {
-    case rowPart:
-        if (bytes.size() != capacity * sizeof(NodeRow))
-            return false;
-        std::memcpy(static_cast<void*>(rows.data()), bytes.data(), bytes.size());
-        return true;
-    case namePart:
-        return names.readBlob(bytes, capacity);
-    case finalPart:
-        return finals.readBlob(bytes, capacity);
-    }
-    return false;
+    if (part != rowPart)
+        return (part == namePart ? names : part == finalPart ? finals : regex).readBlob(bytes, capacity);
+    if (bytes.size() != capacity * sizeof(NodeRow))
+        return false;
+    std::memcpy(static_cast<void*>(rows.data()), bytes.data(), bytes.size());
+    return true;
 }
 
 std::size_t Segment::footprint() const {
-    return rows.capacity() * sizeof(NodeRow) + names.footprint() + finals.footprint();
+    return rows.capacity() * sizeof(NodeRow) + names.footprint() + finals.footprint() + regex.footprint();
+}
+
+void Segment::setRegex(std::size_t index, std::string_view columns) {
+    if (!hasRegex())
+        regex = TextRegion(capacity);
+    regex.set(index, {columns, false});
+    dirty[regexPart] = true;
 }
 
 } // namespace tavrin

@@ -1,8 +1,12 @@
 #include "store/SegmentTable.h"
 
 #include "store/StoreError.h"
+#include "store/StoreFile.h"
+
+#include <fmt/core.h>
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 namespace tavrin {
@@ -11,6 +15,13 @@ namespace {
 
 /// A transaction keeps the pages it replaces in memory, so it stays small.
 constexpr std::size_t segmentsPerTransaction = 8;
+
+constexpr std::array everyPart{Segment::rowPart, Segment::namePart, Segment::finalPart, Segment::regexPart};
+static_assert(everyPart.size() == Segment::partCount);
+
+std::int64_t blobNumber(std::uint32_t number, Segment::Part part) {
+    return std::int64_t{number} * std::int64_t{Segment::partCount} + part;
+}
 
 } // namespace
 
@@ -25,11 +36,10 @@ Segment& SegmentTable::use(std::uint32_t number) {
     if (!entry.resident) {
         if (file == nullptr)
             throw StoreError("a segment of the item store is gone with its file");
-        // A full disk must not stop reading: what can't be written now stays in memory.
         if (holds == 0)
-            static_cast<void>(makeRoom());
+            makeRoom();
         auto segment = freshSegment();
-        file->readSegment(number, *segment);
+        read(number, entry.hasRegex, *segment);
         entry.resident = std::move(segment);
     }
     entry.resident->lastUse = ++clock;
@@ -43,10 +53,17 @@ void SegmentTable::create(std::uint32_t number) {
         entries.resize(number + 1);
     Entry& entry = entries[number];
     entry.resident = freshSegment();
-    entry.resident->dirty.fill(true);
+    for (const Segment::Part part : {Segment::rowPart, Segment::namePart, Segment::finalPart})
+        entry.resident->dirty[part] = true;
     entry.resident->lastUse = ++clock;
     entry.exists = true;
-    ++existing;
+}
+
+bool SegmentTable::hasRegex(std::uint32_t number) const {
+    if (!exists(number))
+        return false;
+    const Entry& entry = entries[number];
+    return entry.resident ? entry.resident->hasRegex() : entry.hasRegex;
 }
 
 std::unique_ptr<Segment> SegmentTable::freshSegment() {
@@ -68,9 +85,8 @@ void SegmentTable::drop(std::uint32_t number) {
     if (!exists(number))
         return;
     entries[number] = Entry{};
-    --existing;
     if (file != nullptr)
-        file->forgetSegment(number);
+        file->forget(blobNumber(number, everyPart.front()), blobNumber(number, everyPart.back()));
 }
 
 std::size_t SegmentTable::residentBytes() const {
@@ -94,14 +110,14 @@ std::vector<std::uint32_t> SegmentTable::residentByAge() const {
     return numbers;
 }
 
-std::optional<std::string> SegmentTable::makeRoom() {
-    if (file == nullptr)
-        return std::nullopt;
+void SegmentTable::makeRoom() {
+    if (file == nullptr || !file->takesMore())
+        return;
     constexpr std::size_t least = 8u << 20; // below it every access would page
     const std::size_t allowed = std::max(budget - std::min(budget, reserve), std::min(least, budget));
     std::size_t bytes = residentBytes();
     if (bytes <= allowed)
-        return std::nullopt;
+        return;
     if (reserve > 0)
         spares.clear();
     std::vector<std::uint32_t> victims;
@@ -112,47 +128,49 @@ std::optional<std::string> SegmentTable::makeRoom() {
         bytes -= std::min(bytes, entries[number].resident->footprint());
         victims.push_back(number);
     }
-    if (auto failure = writeDirty(victims))
-        return failure;
-    for (const std::uint32_t number : victims)
+    if (!write(victims))
+        return;
+    for (const std::uint32_t number : victims) {
+        entries[number].hasRegex = entries[number].resident->hasRegex();
         keepSpare(std::move(entries[number].resident));
-    return std::nullopt;
-}
-
-std::optional<std::string> SegmentTable::flush() {
-    if (file == nullptr)
-        return std::nullopt;
-    std::vector<std::uint32_t> numbers;
-    for (std::uint32_t number = 0; number < entries.size(); ++number) {
-        if (entries[number].resident && entries[number].resident->isDirty())
-            numbers.push_back(number);
     }
-    return writeDirty(numbers);
 }
 
-std::optional<std::string> SegmentTable::writeDirty(const std::vector<std::uint32_t>& numbers) {
-    std::vector<StoreFile::NumberedSegment> batch;
-    const auto writeBatch = [&]() -> std::optional<std::string> {
-        auto failure = batch.empty() ? std::nullopt : file->writeSegments(batch);
-        batch.clear();
-        return failure;
-    };
-    for (const std::uint32_t number : numbers) {
-        Segment& segment = *entries[number].resident;
-        if (segment.isDirty())
-            batch.push_back({number, &segment});
-        if (batch.size() == segmentsPerTransaction) {
-            if (auto failure = writeBatch())
-                return failure;
+bool SegmentTable::write(const std::vector<std::uint32_t>& numbers) {
+    std::string scratch;
+    for (std::size_t done = 0; done < numbers.size(); done += segmentsPerTransaction) {
+        const std::span batch =
+            std::span(numbers).subspan(done, std::min(segmentsPerTransaction, numbers.size() - done));
+        const bool isWritten = file->write([&](const StoreFile::Put& put) {
+            for (const std::uint32_t number : batch) {
+                const Segment& segment = *entries[number].resident;
+                for (const Segment::Part part : everyPart) {
+                    if (segment.dirty[part])
+                        put(blobNumber(number, part), segment.blob(part, scratch));
+                }
+            }
+        });
+        if (!isWritten)
+            return false;
+        for (const std::uint32_t number : batch)
+            entries[number].resident->dirty = {};
+    }
+    return true;
+}
+
+void SegmentTable::read(std::uint32_t number, bool hasRegex, Segment& into) {
+    try {
+        for (const Segment::Part part : everyPart) {
+            if (part == Segment::regexPart && !hasRegex)
+                continue;
+            if (!file->read(blobNumber(number, part),
+                            [&](std::string_view bytes) { return into.readBlob(part, bytes); }))
+                throw StoreError("missing");
         }
+    } catch (const StoreError& error) {
+        throw StoreError(
+            fmt::format("segment {} of the item store could not be read: {}", number, error.what()));
     }
-    return writeBatch();
-}
-
-void SegmentTable::leaveFile() { file = nullptr; }
-
-bool SegmentTable::exceedsBudget() const {
-    return file != nullptr && existing * (Segment::capacity * (sizeof(NodeRow) + 64)) > budget;
 }
 
 } // namespace tavrin

@@ -1,18 +1,18 @@
 #pragma once
 
 #include "store/Segment.h"
-#include "store/StoreFile.h"
 
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
 #include <vector>
 
 namespace tavrin {
 
+class StoreFile;
+
 /// The segments of a store: all in memory without a file, the most recently used within a budget with one.
-/// Not thread-safe: the store's lock guards it.
+/// A file that refuses lifts the budget: what can't be written stays in memory. Not thread-safe: the store's
+/// lock guards it.
 class SegmentTable {
   public:
     /// `file` is not owned and null without one; the budget is in bytes.
@@ -38,37 +38,34 @@ class SegmentTable {
     [[nodiscard]] bool exists(std::uint32_t number) const;
     void drop(std::uint32_t number);
 
-    /// Writes and evicts the segments used longest ago until the budget holds; the error's text when the file
-    /// refuses.
-    [[nodiscard]] std::optional<std::string> makeRoom();
+    /// Whether the segment holds columns of expressions, without reading it.
+    [[nodiscard]] bool hasRegex(std::uint32_t number) const;
+
+    /// Writes and evicts the segments used longest ago until the budget holds.
+    void makeRoom();
     /// Takes this many bytes out of the budget for other things.
     void setReserve(std::size_t bytes) { reserve = bytes; }
-    /// Writes all dirty segments.
-    [[nodiscard]] std::optional<std::string> flush();
     /// Goes on without the file: what is not in memory is gone.
-    void leaveFile();
-    /// Whether rows may be paged out.
-    [[nodiscard]] bool isPaged() const { return file != nullptr; }
-    /// Whether all rows together exceed the budget, so that access out of order costs reads of the file.
-    [[nodiscard]] bool exceedsBudget() const;
+    void leaveFile() { file = nullptr; }
 
   private:
     struct Entry {
         std::unique_ptr<Segment> resident;
         bool exists = false;
+        bool hasRegex = false; ///< while it is not resident
     };
     [[nodiscard]] std::size_t residentBytes() const;
-    [[nodiscard]] std::optional<std::string> writeDirty(const std::vector<std::uint32_t>& numbers);
+    /// Whether all of them are in the file now.
+    [[nodiscard]] bool write(const std::vector<std::uint32_t>& numbers);
+    void read(std::uint32_t number, bool hasRegex, Segment& into);
     std::vector<std::uint32_t> residentByAge() const;
-
-    StoreFile* file;
-    std::size_t budget;
     std::unique_ptr<Segment> freshSegment();
     void keepSpare(std::unique_ptr<Segment> segment);
 
+    StoreFile* file;
+    std::size_t budget;
     std::vector<Entry> entries;
     std::vector<std::unique_ptr<Segment>> spares; ///< so that paging does not tear the heap to pieces
-    std::size_t existing = 0;
     std::uint64_t clock = 0;
     int holds = 0;
     std::size_t reserve = 0;

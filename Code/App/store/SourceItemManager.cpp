@@ -25,9 +25,8 @@ std::string withoutLastComponent(const std::string& path) {
 
 } // namespace
 
-SourceItemManager::SourceItemManager(std::function<StoreContext&()> newMainContext,
-                                     ErrorPresenter newPresentError)
-    : mainContext(std::move(newMainContext)), presentError(std::move(newPresentError)) {
+SourceItemManager::SourceItemManager(std::function<StoreContext&()> newMainContext)
+    : mainContext(std::move(newMainContext)) {
     registeredInstance = this;
 }
 
@@ -50,41 +49,27 @@ bool SourceItemManager::addSourceItem(const std::string& path) {
     const bool isDirectory = status.kind == FileStatus::Kind::folder;
 
     StoreContext& context = mainContext();
-    std::optional<std::string> failure;
-    {
-        std::scoped_lock lock(context.mutex());
-        if (context.sourceItemWithPath(path))
-            return false;
-        if (isDirectory && context.sourceItemCountBelow(path == "/" ? "" : path) > 0)
-            return false;
-        context.insertSourceItem(path, isDirectory && !FileManager::instance().isBundle(path));
-        failure = context.commit();
-    }
-    if (failure) {
-        debugLog("could not save: {}", *failure);
-        presentError(*failure);
-    }
+    std::scoped_lock lock(context.mutex());
+    if (context.sourceItemWithPath(path))
+        return false;
+    if (isDirectory && context.sourceItemCountBelow(path == "/" ? "" : path) > 0)
+        return false;
+    context.insertSourceItem(path, isDirectory && !FileManager::instance().isBundle(path));
+    context.commit();
     return true;
 }
 
 void SourceItemManager::removeItem(const std::string& path) {
     debugLog("removeItem: {}", path);
     StoreContext& context = mainContext();
-    std::optional<std::string> failure;
-    {
-        std::scoped_lock lock(context.mutex());
-        if (!context.sourceItemWithPath(path)) {
-            debugLog("could not find the source item!!");
-            return;
-        }
-        context.deleteSourceItem(path);
-        deleteRowsOf(path, context);
-        failure = context.commit();
+    std::scoped_lock lock(context.mutex());
+    if (!context.sourceItemWithPath(path)) {
+        debugLog("could not find the source item!!");
+        return;
     }
-    if (failure) {
-        debugLog("could not save: {}", *failure);
-        presentError(*failure);
-    }
+    context.deleteSourceItem(path);
+    deleteRowsOf(path, context);
+    context.commit();
 }
 
 void SourceItemManager::deleteRowsOf(const std::string& path, StoreContext& context) {
@@ -126,7 +111,7 @@ void SourceItemManager::resetCache() {
     std::scoped_lock lock(context.mutex());
     for (const SourceItem& item : context.sourceItems())
         context.setSourceItemRead(item.path, false, false);
-    static_cast<void>(context.commit());
+    context.commit();
 }
 
 } // namespace tavrin

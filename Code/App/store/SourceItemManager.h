@@ -11,10 +11,8 @@ class StoreContext;
 /// main context, whatever thread calls them, under its lock. Paths are absolute and in bytes.
 class SourceItemManager {
   public:
-    using ErrorPresenter = std::function<void(const std::string& message)>;
-
     /// `mainContext` is asked for at each call, since clearing the list makes a new one.
-    SourceItemManager(std::function<StoreContext&()> mainContext, ErrorPresenter presentError);
+    explicit SourceItemManager(std::function<StoreContext&()> mainContext);
     ~SourceItemManager();
 
     /// The instance that the application made (registered by the constructor, withdrawn by the destructor).
@@ -35,7 +33,6 @@ class SourceItemManager {
 
   private:
     std::function<StoreContext&()> mainContext;
-    ErrorPresenter presentError;
 };
 
 } // namespace tavrin

@@ -7,7 +7,6 @@
 #include "store/SourceItem.h"
 #include "support/PropertyValue.h"
 
-#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -18,12 +17,6 @@
 namespace tavrin {
 
 struct RowBlock;
-
-/// The rare attributes of a row, kept apart from it.
-struct SparseRow {
-    std::optional<std::array<std::u16string, 6>> regexColumns;
-    std::optional<PropertyData> tagData;
-};
 
 struct SourceItemInsertion {
     SourceItem item;
@@ -44,8 +37,10 @@ struct StagedChanges {
     std::unordered_map<RowId, PassMarker> marks;        ///< stage flags of rows that are in no block
     std::unordered_map<RowId, std::string> folderPaths; ///< of inserted rows that can have children
     std::vector<RowId> deletedTrees;
-    std::vector<RowId> deletedNodes; ///< of a bulk deletion, in ascending order
-    std::unordered_map<RowId, SparseRow> sparse;
+    std::vector<RowId> deletedNodes;                     ///< of a bulk deletion, in ascending order
+    std::unordered_map<RowId, std::string> regexColumns; ///< as the segments hold them
+    std::unordered_map<RowId, PropertyData> tagData;
+    std::size_t tagBytes = 0; ///< of all tag data
     std::vector<SourceItemChange> sourceItems;
     std::vector<ProcessingError> insertedErrors;
     std::size_t deletedErrors = 0; ///< from the front
@@ -54,8 +49,8 @@ struct StagedChanges {
 
     [[nodiscard]] bool isEmpty() const {
         return blocks.empty() && marks.empty() && deletedTrees.empty() && deletedNodes.empty() &&
-               sparse.empty() && sourceItems.empty() && insertedErrors.empty() && deletedErrors == 0 &&
-               (!control || *control == controlAsRead);
+               regexColumns.empty() && tagData.empty() && sourceItems.empty() && insertedErrors.empty() &&
+               deletedErrors == 0 && (!control || *control == controlAsRead);
     }
 };
 

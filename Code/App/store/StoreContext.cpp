@@ -260,14 +260,15 @@ bool StoreContext::hasChanges() const { return !impl->staged.isEmpty(); }
 bool StoreContext::hasWideChanges() const {
     constexpr std::size_t manyBlocks = 1024;
     constexpr std::size_t manySegments = 24;
-    return impl->staged.blocks.size() >= manyBlocks ||
+    constexpr std::size_t manyBytes = 4u << 20;
+    return impl->staged.blocks.size() >= manyBlocks || impl->staged.tagBytes >= manyBytes ||
            (impl->itemStore.kind() == ItemStore::Kind::file && impl->stagedSegments.size() >= manySegments);
 }
 
-std::optional<std::string> StoreContext::commit() {
+void StoreContext::commit() {
     Impl& self = *impl;
     if (self.staged.isEmpty())
-        return std::nullopt;
+        return;
     std::sort(self.staged.blocks.begin(), self.staged.blocks.end(),
               [](const RowBlock* a, const RowBlock* b) { return a->first < b->first; });
     StoreChanges changes;
@@ -275,10 +276,7 @@ std::optional<std::string> StoreContext::commit() {
     std::function<void(const StoreChanges&)> didSave;
     {
         std::scoped_lock lock(self.store.mutex);
-        if (self.store.openError)
-            return self.store.openError;
-        if (auto failure = self.store.apply(self.staged, changes))
-            return failure;
+        self.store.apply(self.staged, changes);
         didSave = self.store.didSave;
     }
     for (RowBlock* block : self.staged.blocks)
@@ -291,14 +289,18 @@ std::optional<std::string> StoreContext::commit() {
         self.forgetDeletedRows(changes);
     if (didSave)
         didSave(changes);
-    return std::nullopt;
 }
 
-std::optional<std::string> StoreContext::commitAndFlush() {
-    if (auto failure = commit())
-        return failure;
-    std::scoped_lock lock(impl->store.mutex);
-    return impl->store.flush();
+void StoreContext::commitWithoutRows() {
+    StagedChanges kept;
+    kept.sourceItems = std::move(impl->staged.sourceItems);
+    kept.insertedErrors = std::move(impl->staged.insertedErrors);
+    kept.deletedErrors = impl->staged.deletedErrors;
+    kept.control = impl->staged.control;
+    kept.controlAsRead = impl->staged.controlAsRead;
+    reset();
+    impl->staged = std::move(kept);
+    commit();
 }
 
 void StoreContext::refault() {

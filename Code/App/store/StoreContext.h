@@ -127,12 +127,13 @@ class StoreContext {
 
     // --- Changes ---
     [[nodiscard]] bool hasChanges() const;
-    /// Whether what is staged is spread over so many rows that committing it now saves memory.
+    /// Whether what is staged is so much, or spread over so many rows, that committing it now saves memory.
     [[nodiscard]] bool hasWideChanges() const;
-    /// Makes all staged changes part of the store. On failure the error's text, with everything still staged.
-    [[nodiscard]] std::optional<std::string> commit();
-    /// Commits and writes all that is changed to the store's file.
-    [[nodiscard]] std::optional<std::string> commitAndFlush();
+    /// Makes all staged changes part of the store. Throws StoreError when what they change cannot be read;
+    /// everything is still staged then.
+    void commit();
+    /// Commits what needs no reading: counters, source items, failures. What is staged in rows is dropped.
+    void commitWithoutRows();
     /// Drops the values of all unchanged rows; they are read anew when asked for.
     void refault();
     /// Drops staged changes and values. Cursors go on, since batches of a pass are cut by resets.

@@ -53,7 +53,7 @@ std::size_t StoreContext::sourceItemCountBelow(std::string_view folder) {
     return impl->sourceItemsWithStaged().countBelow(folder);
 }
 
-// Staged changes are committed one by one in practice, so the copy is made only after a failed commit.
+// Staged changes are committed one by one in practice, so the copy is rarely made.
 SourceItemTable StoreContext::Impl::sourceItemsWithStaged() const {
     SourceItemTable table = store.sourceItems;
     for (const SourceItemChange& change : staged.sourceItems)

@@ -57,10 +57,6 @@ bool passes(const PropertyValue& value, const Predicate::Test& test) {
 } // namespace
 
 std::vector<RowId> StoreContext::fetch(const FetchRequest& request) {
-    {
-        std::scoped_lock lock(impl->store.mutex);
-        impl->store.requireBackEnd();
-    }
     const RowMatcher matcher(request.entity, request.predicate);
     if (matcher.matchesNothing())
         return {};
@@ -239,8 +235,8 @@ class Reserve {
     Reserve(ItemStore::Impl& owner, std::size_t bytes) : store(owner) {
         std::scoped_lock lock(store.mutex);
         store.segments.setReserve(bytes);
-        static_cast<void>(store.segments.makeRoom()); // what can't be written now stays in memory
-        if (store.segments.isPaged())
+        store.segments.makeRoom();
+        if (store.file)
             malloc_trim(0); // segments leave holes that only this gives back
     }
     ~Reserve() {

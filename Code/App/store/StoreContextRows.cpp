@@ -8,6 +8,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 // The rows of a context: attributes, texts, inserts, deletions.
@@ -220,34 +221,62 @@ void StoreContext::setSecondaryStageFlag(RowId id, PassMarker marker) {
 
 namespace {
 
-/// The rare attribute of a row: what is staged, else what the store has.
-template <typename Value>
-std::optional<Value> sparseValue(const std::unordered_map<RowId, SparseRow>& staged, ItemStore::Impl& store,
-                                 RowId id, std::optional<Value> SparseRow::*member) {
-    if (const auto found = staged.find(id); found != staged.end() && found->second.*member)
-        return found->second.*member;
-    std::scoped_lock lock(store.mutex);
-    const auto found = store.sparse.find(id);
-    return found == store.sparse.end() ? std::nullopt : found->second.*member;
+/// Each column as its length and its code units.
+std::string encoded(const StoreContext::RegexColumns& columns) {
+    std::string bytes;
+    for (const std::u16string& column : columns) {
+        const auto length = static_cast<std::uint32_t>(column.size());
+        bytes.append(reinterpret_cast<const char*>(&length), sizeof length).append(bytesOf(column));
+    }
+    return bytes;
+}
+
+StoreContext::RegexColumns decoded(std::string_view bytes) {
+    StoreContext::RegexColumns columns;
+    for (std::u16string& column : columns) {
+        std::uint32_t length = 0;
+        if (bytes.size() < sizeof length)
+            break;
+        std::memcpy(&length, bytes.data(), sizeof length);
+        bytes.remove_prefix(sizeof length);
+        column = unitsOf(bytes.substr(0, length * sizeof(char16_t)));
+        bytes.remove_prefix(std::min(bytes.size(), length * sizeof(char16_t)));
+    }
+    return columns;
 }
 
 } // namespace
 
 std::optional<StoreContext::RegexColumns> StoreContext::regexColumns(RowId id) {
-    return sparseValue(impl->staged.sparse, impl->store, id, &SparseRow::regexColumns);
+    if (const auto found = impl->staged.regexColumns.find(id); found != impl->staged.regexColumns.end())
+        return decoded(found->second);
+    std::string_view columns;
+    std::unique_lock lock(impl->store.mutex, std::defer_lock);
+    if (const RowImages::Image* image = impl->image(id)) {
+        columns = impl->images.regex(*image);
+    } else {
+        lock.lock();
+        if (impl->store.segments.hasRegex(Segment::number(id)))
+            columns = impl->store.segments.use(Segment::number(id)).regexAt(Segment::index(id));
+    }
+    return columns.empty() ? std::nullopt : std::optional(decoded(columns));
 }
 
 void StoreContext::setRegexColumns(RowId id, const RegexColumns& columns) {
-    impl->staged.sparse[id].regexColumns = columns;
+    impl->staged.regexColumns.insert_or_assign(id, encoded(columns));
     impl->note(impl->blockWithFinals(id), id, RowBlock::finalName);
 }
 
 std::optional<PropertyData> StoreContext::tagData(RowId id) {
-    return sparseValue(impl->staged.sparse, impl->store, id, &SparseRow::tagData);
+    if (const auto found = impl->staged.tagData.find(id); found != impl->staged.tagData.end())
+        return found->second;
+    std::scoped_lock lock(impl->store.mutex);
+    return impl->store.tags.get(id);
 }
 
 void StoreContext::setTagData(RowId id, PropertyData data) {
-    impl->staged.sparse[id].tagData = std::move(data);
+    impl->staged.tagBytes += data.bytes.size();
+    impl->staged.tagData.insert_or_assign(id, std::move(data));
 }
 
 std::optional<PropertyValue> StoreContext::valueForKey(RowId id, NodeKey key) {

@@ -6,11 +6,16 @@
 #include <sqlite3.h>
 
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <random>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavrin {
 
@@ -24,26 +29,8 @@ PRAGMA synchronous = OFF;
 PRAGMA cache_size = -1024;
 PRAGMA temp_store = MEMORY;
 PRAGMA mmap_size = 0;
-CREATE TABLE segment (id INTEGER PRIMARY KEY, content BLOB NOT NULL);
-CREATE TABLE scratch (id INTEGER PRIMARY KEY, content BLOB NOT NULL);
-CREATE TABLE control (key TEXT PRIMARY KEY, value INTEGER NOT NULL) WITHOUT ROWID;
-CREATE TABLE source_item (id INTEGER PRIMARY KEY, path BLOB NOT NULL, treat_as_folder INTEGER NOT NULL,
-                          read_in_root INTEGER NOT NULL, read_in_subfolders INTEGER NOT NULL);
-CREATE TABLE processing_error (id INTEGER PRIMARY KEY, title TEXT NOT NULL, message TEXT NOT NULL,
-                               path BLOB NOT NULL);
+CREATE TABLE blob (id INTEGER PRIMARY KEY, content BLOB NOT NULL);
 )";
-
-constexpr const char* writeSegmentPart = "INSERT OR REPLACE INTO segment (id, content) VALUES (?1, ?2)";
-constexpr const char* readSegmentPart = "SELECT content FROM segment WHERE id = ?1";
-constexpr const char* deleteSegment = "DELETE FROM segment WHERE id BETWEEN ?1 AND ?2";
-constexpr const char* writeScratchBlob = "INSERT OR REPLACE INTO scratch (id, content) VALUES (?1, ?2)";
-constexpr const char* readScratchBlob = "SELECT content FROM scratch WHERE id = ?1";
-constexpr const char* writeControlValue = "INSERT OR REPLACE INTO control (key, value) VALUES (?1, ?2)";
-constexpr const char* writeSourceItem = "INSERT INTO source_item (path, treat_as_folder, read_in_root, "
-                                        "read_in_subfolders) VALUES (?1, ?2, ?3, ?4)";
-constexpr const char* writeError = "INSERT INTO processing_error (title, message, path) VALUES (?1, ?2, ?3)";
-
-std::int64_t partId(std::uint32_t number, Segment::Part part) { return std::int64_t{number} * 4 + part; }
 
 /// A prepared statement; reset when the use of it ends.
 class Statement {
@@ -61,13 +48,8 @@ class Statement {
         sqlite3_bind_int64(statement, index, value);
         return *this;
     }
-    Statement& bindBlob(int index, std::string_view bytes) {
+    Statement& bind(int index, std::string_view bytes) {
         sqlite3_bind_blob64(statement, index, bytes.empty() ? "" : bytes.data(), bytes.size(), SQLITE_STATIC);
-        return *this;
-    }
-    Statement& bindText(int index, std::string_view text) {
-        sqlite3_bind_text64(statement, index, text.empty() ? "" : text.data(), text.size(), SQLITE_STATIC,
-                            SQLITE_UTF8);
         return *this;
     }
     /// SQLITE_ROW, SQLITE_DONE or an error.
@@ -78,10 +60,10 @@ class Statement {
         reset();
         return result == SQLITE_DONE;
     }
-    [[nodiscard]] std::string_view blob(int column) const {
-        const void* bytes = sqlite3_column_blob(statement, column);
+    [[nodiscard]] std::string_view blob() const {
+        const void* bytes = sqlite3_column_blob(statement, 0);
         return {static_cast<const char*>(bytes),
-                static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+                static_cast<std::size_t>(sqlite3_column_bytes(statement, 0))};
     }
     void reset() {
         sqlite3_reset(statement);
@@ -92,207 +74,153 @@ class Statement {
     sqlite3_stmt* statement = nullptr;
 };
 
-std::string uniqueName(const std::string& folder) {
-    std::random_device random;
-    return fmt::format("{}/{}.{}.{:08x}", folder, StoreFile::fileName, ::getpid(), random());
-}
+struct Closer {
+    void operator()(sqlite3* database) const { sqlite3_close(database); }
+};
 
-/// Makes the empty file so that nobody else can have opened it.
-void createExclusively(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
-    if (descriptor < 0)
-        throw StoreError(
-            fmt::format("The item store could not be created at {}: {}", path, std::strerror(errno)));
-    ::close(descriptor);
+/// The process that made "tvrn9.db.<process>.<random>", if the name has that form.
+std::optional<pid_t> makerOf(std::string_view name) {
+    if (!name.starts_with(StoreFile::fileName))
+        return std::nullopt;
+    name.remove_prefix(StoreFile::fileName.size());
+    pid_t process = 0;
+    if (!name.starts_with('.'))
+        return std::nullopt;
+    const auto [end, error] = std::from_chars(name.data() + 1, name.data() + name.size(), process);
+    if (error != std::errc{} || end == name.data() + name.size() || *end != '.' || process <= 0)
+        return std::nullopt;
+    return process;
 }
 
 } // namespace
 
 struct StoreFile::Connection {
-    Connection(const std::string& path, const std::string& vfs) {
+    Connection(const std::string& made, const std::string& vfs)
+        : database(opened(made, vfs)), begin(database.get(), "BEGIN"), commit(database.get(), "COMMIT"),
+          rollback(database.get(), "ROLLBACK"),
+          put(database.get(), "INSERT OR REPLACE INTO blob (id, content) VALUES (?1, ?2)"),
+          get(database.get(), "SELECT content FROM blob WHERE id = ?1"),
+          remove(database.get(), "DELETE FROM blob WHERE id BETWEEN ?1 AND ?2") {}
+
+    static std::unique_ptr<sqlite3, Closer> opened(const std::string& made, const std::string& vfs) {
+        sqlite3* database = nullptr;
         const int result =
-            sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
+            sqlite3_open_v2(made.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
                             vfs.empty() ? nullptr : vfs.c_str());
-        if (result != SQLITE_OK || sqlite3_exec(database, schema, nullptr, nullptr, nullptr) != SQLITE_OK) {
-            const std::string reason = database ? sqlite3_errmsg(database) : "out of memory";
-            sqlite3_close(database);
-            throw StoreError(fmt::format("The item store could not be created at {}: {}", path, reason));
-        }
-        try {
-            prepare();
-        } catch (...) {
-            statements.reset();
-            sqlite3_close(database);
-            throw;
-        }
-    }
-    ~Connection() {
-        statements.reset();
-        sqlite3_close(database);
-    }
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-
-    struct Statements {
-        explicit Statements(sqlite3* database)
-            : begin(database, "BEGIN"), commit(database, "COMMIT"), rollback(database, "ROLLBACK"),
-              writePart(database, writeSegmentPart), readPart(database, readSegmentPart),
-              forget(database, deleteSegment), putScratch(database, writeScratchBlob),
-              getScratch(database, readScratchBlob), clearScratch(database, "DELETE FROM scratch"),
-              putControl(database, writeControlValue), clearItems(database, "DELETE FROM source_item"),
-              putItem(database, writeSourceItem), clearErrors(database, "DELETE FROM processing_error"),
-              putError(database, writeError) {}
-        Statement begin, commit, rollback, writePart, readPart, forget, putScratch, getScratch, clearScratch,
-            putControl, clearItems, putItem, clearErrors, putError;
-    };
-    void prepare() { statements = std::make_unique<Statements>(database); }
-
-    [[nodiscard]] std::string error() const { return sqlite3_errmsg(database); }
-
-    /// Runs `work` in one transaction; on failure everything is rolled back and the error's text returned.
-    template <typename Work> std::optional<std::string> transaction(Work work) {
-        if (!statements->begin.run())
-            return error();
-        if (work() && statements->commit.run())
-            return std::nullopt;
-        const std::string reason = error();
-        statements->rollback.run();
-        return reason;
+        std::unique_ptr<sqlite3, Closer> owned(database);
+        if (result != SQLITE_OK || sqlite3_exec(database, schema, nullptr, nullptr, nullptr) != SQLITE_OK)
+            throw StoreError(database ? sqlite3_errmsg(database) : "out of memory");
+        return owned;
     }
 
-    sqlite3* database = nullptr;
-    std::unique_ptr<Statements> statements;
-    std::string scratch;
+    [[nodiscard]] std::string error() const { return sqlite3_errmsg(database.get()); }
+
+    std::unique_ptr<sqlite3, Closer> database;
+    Statement begin, commit, rollback, put, get, remove;
+    std::string path;
+    struct stat identity {};
 };
 
-StoreFile::StoreFile(const std::string& folder, const std::string& vfs) {
-    const std::string made = uniqueName(folder);
-    createExclusively(made);
+StoreFile::StoreFile(std::string newFolder, std::string newVfs, RefusalHandler handler)
+    : folder(std::move(newFolder)), vfs(std::move(newVfs)), refused(std::move(handler)) {}
+
+StoreFile::~StoreFile() {
+    struct stat found {};
+    if (connection && ::lstat(connection->path.c_str(), &found) == 0 &&
+        found.st_ino == connection->identity.st_ino && found.st_dev == connection->identity.st_dev)
+        ::unlink(connection->path.c_str());
+}
+
+std::optional<std::string> StoreFile::path() const {
+    return connection ? std::optional(connection->path) : std::nullopt;
+}
+
+void StoreFile::open() {
+    std::random_device random;
+    const std::string path = fmt::format("{}/{}", folder, fileName);
+    const std::string made = fmt::format("{}.{}.{:08x}", path, ::getpid(), random());
+    // Exclusively, so that nobody else can have opened it.
+    const int descriptor = ::open(made.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
+    if (descriptor < 0)
+        throw StoreError(fmt::format("{}: {}", path, std::strerror(errno)));
+    struct stat identity {};
+    ::fstat(descriptor, &identity);
+    ::close(descriptor);
     try {
         connection = std::make_unique<Connection>(made, vfs);
-    } catch (const StoreError&) {
-        ::unlink(made.c_str());
-        throw;
-    }
-    filePath = fmt::format("{}/{}", folder, fileName);
-    if (std::rename(made.c_str(), filePath.c_str()) != 0) {
-        const std::string reason = std::strerror(errno);
+        if (std::rename(made.c_str(), path.c_str()) != 0)
+            throw StoreError(std::strerror(errno));
+    } catch (const StoreError& error) {
         connection.reset();
         ::unlink(made.c_str());
-        throw StoreError(fmt::format("The item store could not be moved to {}: {}", filePath, reason));
+        throw StoreError(fmt::format("{}: {}", path, error.what()));
     }
+    connection->path = path;
+    connection->identity = identity;
 }
 
-StoreFile::~StoreFile() = default;
-
-void StoreFile::readSegment(std::uint32_t number, Segment& into) {
-    Statement& read = connection->statements->readPart;
-    for (const Segment::Part part : {Segment::rowPart, Segment::namePart, Segment::finalPart}) {
-        const bool found = read.bind(1, partId(number, part)).step() == SQLITE_ROW;
-        const std::string reason = found ? "" : connection->error();
-        const bool isWhole = found && into.readBlob(part, read.blob(0));
-        read.reset();
-        if (!isWhole)
-            throw StoreError(fmt::format("segment {} of the item store could not be read: {}", number,
-                                         found ? "damaged" : reason));
+bool StoreFile::write(const std::function<void(const Put&)>& fill) {
+    if (hasRefused)
+        return false;
+    std::string reason;
+    try {
+        if (!connection)
+            open();
+        bool works = connection->begin.run();
+        const bool hasBegun = works;
+        if (works)
+            fill([&](std::int64_t number, std::string_view bytes) {
+                works = works && connection->put.bind(1, number).bind(2, bytes).run();
+            });
+        if (works && connection->commit.run())
+            return true;
+        reason = connection->error();
+        if (hasBegun)
+            connection->rollback.run();
+    } catch (const StoreError& error) {
+        reason = error.what();
     }
+    hasRefused = true;
+    if (refused)
+        refused(reason);
+    return false;
 }
 
-std::optional<std::string> StoreFile::writeSegments(const std::vector<NumberedSegment>& segments) {
-    Statement& write = connection->statements->writePart;
-    std::string& scratch = connection->scratch;
-    auto failure = connection->transaction([&] {
-        for (const auto& [number, segment] : segments) {
-            for (const Segment::Part part : {Segment::rowPart, Segment::namePart, Segment::finalPart}) {
-                if (!segment->dirty[part])
-                    continue;
-                if (!write.bind(1, partId(number, part)).bindBlob(2, segment->blob(part, scratch)).run())
-                    return false;
-            }
-        }
-        return true;
-    });
-    if (!failure) {
-        for (const NumberedSegment& written : segments)
-            written.segment->dirty = {};
-    }
-    return failure;
+bool StoreFile::read(std::int64_t number, const std::function<bool(std::string_view)>& take) {
+    if (!connection)
+        return false;
+    Statement& get = connection->get;
+    const int result = get.bind(1, number).step();
+    const bool isGood = result == SQLITE_DONE || (result == SQLITE_ROW && take(get.blob()));
+    const std::string reason = isGood ? "" : result == SQLITE_ROW ? "damaged" : connection->error();
+    get.reset();
+    if (!isGood)
+        throw StoreError(reason);
+    return result == SQLITE_ROW;
 }
 
-void StoreFile::forgetSegment(std::uint32_t number) {
+void StoreFile::forget(std::int64_t first, std::int64_t last) {
     // A blob that stays behind is never read again, so a failure costs only its place in the file.
-    connection->statements->forget.bind(1, partId(number, Segment::rowPart))
-        .bind(2, partId(number, Segment::finalPart))
-        .run();
+    if (connection)
+        connection->remove.bind(1, first).bind(2, last).run();
 }
 
-std::optional<std::string> StoreFile::writeControl(const EngineControl& control) {
-    const std::pair<const char*, std::int64_t> values[] = {
-        {"totalNumberOfFiles", control.totalNumberOfFiles},
-        {"totalNumberOfFilesSelectedOrNot", control.totalNumberOfFilesSelectedOrNot},
-        {"numberOfFilesThatNeedRenaming", control.numberOfFilesThatNeedRenaming},
-        {"numberOfFolders", control.numberOfFolders},
-        {"numberOfActuallyRenamedFiles", control.numberOfActuallyRenamedFiles},
-        {"totalNumberOfNodes", control.totalNumberOfNodes},
-        {"needToRedoConflictResolution", control.needToRedoConflictResolution},
-    };
-    return connection->transaction([&] {
-        for (const auto& [key, value] : values) {
-            if (!connection->statements->putControl.bindText(1, key).bind(2, value).run())
-                return false;
-        }
-        return true;
-    });
+std::optional<std::string> StoreFile::obstacleIn(const std::string& folder) {
+    if (::access((folder + "/.").c_str(), W_OK | X_OK) == 0)
+        return std::nullopt;
+    return fmt::format("{}: {}", folder, std::strerror(errno));
 }
 
-std::optional<std::string> StoreFile::writeSourceItems(const std::vector<SourceItem>& items) {
-    return connection->transaction([&] {
-        if (!connection->statements->clearItems.run())
-            return false;
-        for (const SourceItem& item : items) {
-            if (!connection->statements->putItem.bindBlob(1, item.path)
-                     .bind(2, item.treatAsFolder)
-                     .bind(3, item.readInRoot)
-                     .bind(4, item.readInSubfolders)
-                     .run())
-                return false;
-        }
-        return true;
-    });
-}
-
-std::optional<std::string> StoreFile::writeErrors(const std::deque<ProcessingError>& errors) {
-    return connection->transaction([&] {
-        if (!connection->statements->clearErrors.run())
-            return false;
-        for (const ProcessingError& error : errors) {
-            if (!connection->statements->putError.bindText(1, error.title)
-                     .bindText(2, error.message)
-                     .bindBlob(3, error.path)
-                     .run())
-                return false;
-        }
-        return true;
-    });
-}
-
-std::optional<std::string> StoreFile::writeScratch(std::int64_t number, std::string_view bytes) {
-    return connection->transaction(
-        [&] { return connection->statements->putScratch.bind(1, number).bindBlob(2, bytes).run(); });
-}
-
-std::string StoreFile::readScratch(std::int64_t number) {
-    Statement& read = connection->statements->getScratch;
-    if (read.bind(1, number).step() != SQLITE_ROW) {
-        const std::string reason = connection->error();
-        read.reset();
-        throw StoreError(fmt::format("the sorted list of the item store could not be read: {}", reason));
+void StoreFile::sweepLeftovers(const std::string& folder) {
+    DIR* directory = ::opendir(folder.c_str());
+    if (directory == nullptr)
+        return;
+    while (const dirent* entry = ::readdir(directory)) {
+        const auto process = makerOf(entry->d_name);
+        if (entry->d_name == fileName || (process && ::kill(*process, 0) != 0 && errno == ESRCH))
+            ::unlinkat(::dirfd(directory), entry->d_name, 0);
     }
-    std::string bytes(read.blob(0));
-    read.reset();
-    return bytes;
+    ::closedir(directory);
 }
-
-void StoreFile::clearScratch() { connection->statements->clearScratch.run(); }
 
 } // namespace tavrin
