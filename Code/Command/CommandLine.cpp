@@ -110,6 +110,13 @@ class Parser {
     /// What stands on the command line beside the options, as it stands there.
     const std::vector<std::string>& givenOperands() const { return operands; }
 
+    /// The one that there may be; empty without it.
+    std::string onlyOperand(std::string_view what) const {
+        if (operands.size() > 1)
+            throw UsageError(fmt::format("more than one {} is given", what));
+        return operands.empty() ? std::string() : operands.front();
+    }
+
     CLI::App app;
 
   private:
@@ -180,8 +187,41 @@ CommandLine parseRename(std::vector<std::string> arguments) {
     parser.addRunOptions();
     parser.app.add_flag("--interactive", options.interactive);
     parser.app.add_flag("--quiet", options.quiet);
+    CLI::Option* none = parser.app.add_flag("--no-history", options.noHistory);
+    parser.app.add_flag("--require-history", options.requireHistory)->excludes(none);
     return parser.parse(std::move(arguments), [&] {
         options.run = parser.runOptions();
+        return options;
+    });
+}
+
+CommandLine parseHistory(std::vector<std::string> arguments) {
+    HistoryOptions options;
+    Parser parser("history", help::history);
+    CLI::Option* json = parser.app.add_flag("--json", options.json);
+    CLI::Option* clear = parser.app.add_flag("--clear", options.clear)->excludes(json);
+    CLI::Option* forget = parser.app.add_option("--forget")->expected(1)->excludes(json)->excludes(clear);
+    return parser.parse(std::move(arguments), [&] {
+        options.run = parser.onlyOperand("run");
+        if (*forget)
+            options.forget = forget->results().at(0);
+        if (!options.run.empty() && (options.clear || *forget))
+            throw UsageError("--clear and --forget take no further run");
+        return options;
+    });
+}
+
+CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
+    TakeBackOptions options;
+    options.isRedo = isRedo;
+    Parser parser(isRedo ? "redo" : "undo", isRedo ? help::redo : help::undo);
+    CLI::Option* preview = parser.app.add_flag("--preview", options.preview);
+    parser.app.add_flag("--json", options.json)->needs(preview);
+    parser.app.add_flag("--replaced", options.replaced);
+    parser.app.add_flag("--interactive", options.interactive)->excludes(preview);
+    parser.app.add_flag("--quiet", options.quiet);
+    return parser.parse(std::move(arguments), [&] {
+        options.run = parser.onlyOperand("run");
         return options;
     });
 }
@@ -191,11 +231,7 @@ CommandLine parseActions(std::vector<std::string> arguments) {
     Parser parser("actions", help::actions);
     parser.app.add_flag("--json", options.json);
     return parser.parse(std::move(arguments), [&] {
-        const std::vector<std::string>& names = parser.givenOperands();
-        if (names.size() > 1)
-            throw UsageError("more than one name is given");
-        if (!names.empty())
-            options.name = names.front();
+        options.name = parser.onlyOperand("name");
         return options;
     });
 }
@@ -234,6 +270,10 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
         return parsePreview(std::move(arguments));
     if (command == "rename")
         return parseRename(std::move(arguments));
+    if (command == "history")
+        return parseHistory(std::move(arguments));
+    if (command == "undo" || command == "redo")
+        return parseTakeBack(std::move(arguments), command == "redo");
     if (command == "actions")
         return parseActions(std::move(arguments));
     if (command == "tags")

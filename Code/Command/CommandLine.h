@@ -42,6 +42,26 @@ struct RenameOptions {
     RunOptions run;
     bool interactive = false;
     bool quiet = false;
+    bool noHistory = false;
+    bool requireHistory = false;
+};
+
+struct HistoryOptions {
+    bool json = false;
+    bool clear = false;
+    std::string run;    ///< empty: all
+    std::string forget; ///< empty: none
+};
+
+/// Of undo and redo.
+struct TakeBackOptions {
+    bool isRedo = false;
+    std::string run; ///< empty: the one whose turn it is
+    bool preview = false;
+    bool json = false;
+    bool replaced = false;
+    bool interactive = false;
+    bool quiet = false;
 };
 
 struct ActionsOptions {
@@ -66,8 +86,8 @@ struct CommandLineEnd {
     std::string hint = {};
 };
 
-using CommandLine =
-    std::variant<CommandLineEnd, PreviewOptions, RenameOptions, ActionsOptions, TagsOptions, PresetsOptions>;
+using CommandLine = std::variant<CommandLineEnd, PreviewOptions, RenameOptions, HistoryOptions,
+                                 TakeBackOptions, ActionsOptions, TagsOptions, PresetsOptions>;
 
 /// Parses what follows the program's name.
 [[nodiscard]] CommandLine parseCommandLine(std::vector<std::string> arguments);

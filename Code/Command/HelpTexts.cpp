@@ -5,7 +5,9 @@ namespace tavrin::help {
 const char* const overview = R"(tvrn renames many files and folders at once.
 
 Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
-       tvrn rename  [RECIPE] [SETTINGS] [--interactive] [--quiet] PATH...
+       tvrn rename  [RECIPE] [SETTINGS] [OPTIONS] PATH...
+       tvrn undo | redo [OPTIONS] [RUN]
+       tvrn history [--json] [RUN]
        tvrn actions [--json] [NAME]
        tvrn tags    [--json] FILE...
        tvrn presets [--json]
@@ -13,13 +15,13 @@ Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
 
   preview   show what a rename would do; touch nothing
   rename    do it
+  undo      take a run back; redo takes that back, or finishes a run
+  history   past runs, and where their items are now
   actions   the actions that recipes are made of, and their parameters
   tags      what files say of themselves, as recipes can use it in names
   presets   the saved recipes
 
-"tvrn preview --help" and so on tell the options. Exit status: 0 all well, 1 an
-item failed, 2 bad usage and nothing touched, 3 stopped by the user.
-
+"tvrn preview --help" and so on tell the options.
 Examples:
   touch IMG_1.JPG; tvrn preview --action "Make lowercase" IMG_1.JPG
   tvrn rename --action "Add to front" --set string=Sea_ IMG_1.JPG
@@ -48,7 +50,7 @@ Examples:
   tvrn preview --affected --action "Make uppercase" --set fragmentSelection=2 .
 )";
 
-const char* const rename = R"(tvrn rename [RECIPE] [SETTINGS] [--interactive] [--quiet] PATH...
+const char* const rename = R"(tvrn rename [RECIPE] [SETTINGS] [OPTIONS] PATH...
 Renames the items, and says how many names it changed.
 RECIPE, one of
   --recipe FILE        a preset, a list of steps, or a droplet
@@ -62,10 +64,64 @@ SETTINGS
 OPTIONS
   --interactive        ask on the terminal before each rename and at problems
   --quiet              say nothing but what fails
+  --no-history         keep no record to undo it by (keepHistory=0)
+  --require-history    don't begin where no record can be written
 Examples:
   touch A.TXT B.TXT; tvrn rename --action "Make lowercase" A.TXT B.TXT
   touch C D; tvrn rename --action "Add to front" --set string=new_ C D
   mkdir -p e/f; tvrn rename --recursive --action "Make uppercase" e
+)";
+
+const char* const history = R"(tvrn history [--json] [RUN]
+tvrn history --forget RUN | --clear
+Lists the past runs, newest first: run, time, who, what, state, items, folder.
+With RUN its items: folder, old name, new name, where it is now, name now.
+RUN is the name of a run, or an end of it that no other has.
+
+  --json        one object per line
+  --forget RUN  remove the record of a run; it can't be undone any more
+  --clear       remove all, but those of runs that were interrupted
+
+Examples:
+  tvrn history
+  tvrn history --json
+  tvrn history | head -n 1
+)";
+
+const char* const undo = R"(tvrn undo [OPTIONS] [RUN]
+Gives the items of a run their former names again, wherever that is possible
+without touching anything else. Without RUN it is the newest that is not undone
+yet; RUN is as in "tvrn history". An undo is a run itself: redo takes it back.
+
+  --preview      show what would be done; touch nothing
+  --json         with --preview: one object per line
+  --replaced     also what lies in the place of an item that is gone itself, as
+                 where an editor has saved by replacing
+  --interactive  ask on the terminal before each rename and at problems
+  --quiet        say nothing but what fails
+
+Examples:
+  touch A.TXT; tvrn rename --action "Make lowercase" A.TXT; tvrn undo
+  touch B; tvrn rename --action "Make lowercase" B; tvrn undo --preview
+  touch C; tvrn rename --action "Make lowercase" C; tvrn undo --quiet
+)";
+
+const char* const redo = R"(tvrn redo [OPTIONS] [RUN]
+Takes an undo back. Of a run that was stopped or interrupted it does what is
+left of its plan. Without RUN it is the newest that can be redone; RUN is as in
+"tvrn history".
+
+  --preview      show what would be done; touch nothing
+  --json         with --preview: one object per line
+  --replaced     also what lies in the place of an item that is gone itself, as
+                 where an editor has saved by replacing
+  --interactive  ask on the terminal before each rename and at problems
+  --quiet        say nothing but what fails
+
+Examples:
+  touch A; tvrn rename --action "Make lowercase" A; tvrn undo; tvrn redo
+  touch B; tvrn rename --action "Make lowercase" B; tvrn undo; tvrn redo
+  touch C; tvrn rename --action "Make lowercase" C; tvrn undo -h; tvrn history
 )";
 
 const char* const actions = R"(tvrn actions [--json] [NAME]

@@ -9,5 +9,8 @@ extern const char* const rename;
 extern const char* const actions;
 extern const char* const tags;
 extern const char* const presets;
+extern const char* const history;
+extern const char* const undo;
+extern const char* const redo;
 
 } // namespace tavrin::help

@@ -6,18 +6,18 @@
 
 namespace tavrin {
 
-namespace {
-
-std::string summary(std::int32_t count) {
+std::string summaryOf(std::int32_t count) {
     if (count == 0)
         return "No file names were changed.\n";
     return count == 1 ? "1 file name was changed.\n" : fmt::format("{} file names were changed.\n", count);
 }
 
-} // namespace
-
 ExitStatus runRenameCommand(const RenameOptions& options) {
     Session session(options.run);
+    if (options.noHistory)
+        session.keepHistory(false);
+    if (options.requireHistory)
+        session.requireHistory();
     if (options.interactive)
         session.beInteractive();
     else
@@ -28,7 +28,7 @@ ExitStatus runRenameCommand(const RenameOptions& options) {
     if (!session.wasInterrupted())
         session.rename();
     if (!options.quiet && (session.hasRun() || session.wasInterrupted()))
-        session.terminal().output().append(summary(session.renamedCount()));
+        session.terminal().output().append(summaryOf(session.renamedCount()));
     return session.finish();
 }
 

@@ -23,18 +23,28 @@ MainController::Options controllerOptions() {
     MainController::Options options = MainController::Options::standard();
     options.usesUserFolders = false;
     options.followsChanges = false;
+    options.history.who = "tvrn";
     return options;
 }
 
 } // namespace
 
-Session::Session(const RunOptions& options)
+Session::Session(bool storeInFile)
     : interrupts([this] { wasToldToStop(); }), frontEnd(connectedTerminal, loop, interrupts) {
     SystemLog::setSharedInstance(&systemLog);
-    setDefaults(options.storeInFile);
+    setDefaults(storeInFile);
     controller = std::make_unique<MainController>(
         MainController::Environment{frontEnd, loop, catalogue.defaults(), catalogue.actions()},
         controllerOptions());
+}
+
+Session::Session() : Session(false) {
+    controller->globalSettings().setValue(0, "interactiveMode");
+    openStore(false);
+}
+
+Session::Session(const RunOptions& options) : Session(options.storeInFile) {
+    tellInterruptedRun();
     load(options);
     openStore(options.storeInFile);
     addPaths(options.paths);
@@ -143,12 +153,53 @@ void Session::rename() {
     setToStop(nullptr);
 }
 
+TakeBackResult Session::takeBack(TakeBackRequest request) {
+    const ProgressLine progress(controller->progressInfo(), loop, connectedTerminal, showsProgress);
+    RenameEngine& engine = controller->renameEngine();
+    setToStop(&engine);
+    TakeBackResult result;
+    bool hasEnded = false;
+    engine.processTakeBack(controller->progressInfo(), std::move(request),
+                           [&](EngineHost&, const TakeBackResult& found) {
+                               result = found;
+                               hasEnded = true;
+                           });
+    // An interrupt that came before the start is forgotten by it.
+    if (wasInterrupted())
+        engine.requestStop();
+    loop.runUntil([&] { return hasEnded && !engine.isBusy(); });
+    setToStop(nullptr);
+    takenBack = result.changed;
+    frontEnd.tellFailures(result.errors);
+    return result;
+}
+
+RunHistory Session::history() const { return RunHistory(controller->renameEngine().historyPlace().folder); }
+
+void Session::keepHistory(bool keep) { controller->globalSettings().setValue(keep ? 1 : 0, "keepHistory"); }
+
+void Session::requireHistory() {
+    keepHistory(true);
+    frontEnd.requireRecord();
+}
+
+void Session::tellInterruptedRun() {
+    if (!connectedTerminal.errorIsTerminal())
+        return;
+    if (const auto run = history().interruptedRun())
+        connectedTerminal.complain(fmt::format("tvrn: the run {0} was interrupted: \"tvrn undo {0}\" takes "
+                                               "it back, \"tvrn redo {0}\" finishes it",
+                                               run->name));
+}
+
 void Session::setToStop(RenameEngine* engine) {
     const std::lock_guard lock(stopping);
     toStop = engine;
 }
 
 std::int32_t Session::renamedCount() {
+    if (takenBack > 0)
+        return takenBack;
     StoreContext& items = context();
     const std::lock_guard lock(items.mutex());
     return std::max(items.engineControl().numberOfActuallyRenamedFiles, 0);

@@ -6,6 +6,7 @@
 #include "ProgressLine.h"
 #include "Terminal.h"
 #include "TerminalFrontEnd.h"
+#include "engine/TakeBack.h"
 #include "platform/QueueRunLoop.h"
 #include "platform/SystemLog.h"
 #include "store/Predicate.h"
@@ -28,6 +29,8 @@ class Session {
   public:
     /// Throws UsageError for whatever is wrong with the options; nothing has been touched then.
     explicit Session(const RunOptions& options);
+    /// Without a recipe and paths: for what goes by the history.
+    Session();
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -40,6 +43,10 @@ class Session {
     /// The same whatever they say.
     void beInteractive();
     void showNoProgress() { showsProgress = false; }
+    /// Whether the run leaves a record by which it can be taken back.
+    void keepHistory(bool keep);
+    /// It is refused if it can't leave one.
+    void requireHistory();
 
     /// Reads the items and computes their names; tells what failed.
     void preview();
@@ -49,6 +56,11 @@ class Session {
 
     /// Renames the previewed items, and comes back when it is done.
     void rename();
+    /// Takes a run back or finishes it, or finds out what that would do, and comes back when it is done. What
+    /// can't be done is told.
+    TakeBackResult takeBack(TakeBackRequest request);
+    /// Where past runs are.
+    [[nodiscard]] RunHistory history() const;
     /// The checks in front of it let the rename begin.
     [[nodiscard]] bool hasRun() const { return runHasStarted; }
     /// How many names the rename changed.
@@ -62,6 +74,9 @@ class Session {
     ExitStatus finish();
 
   private:
+    explicit Session(bool storeInFile);
+
+    void tellInterruptedRun();
     void setDefaults(bool storeInFile);
     void load(const RunOptions& options);
     void refuseStepsThatCannotWork();
@@ -76,6 +91,7 @@ class Session {
     bool showsProgress = true;
     bool hasUnfinishedPreview = false;
     bool runHasStarted = false;
+    std::int32_t takenBack = 0;
 
     std::mutex stopping;            ///< guards what follows
     RenameEngine* toStop = nullptr; ///< while a rename may be under way

@@ -87,6 +87,8 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
         break; // the command says how it ended, and sorts by itself
     case AlertKind::presetMigration:
     case AlertKind::dropletMigration:
+    case AlertKind::interruptedRun:
+    case AlertKind::nothingToTakeBack:
     case AlertKind::updateAvailable:
     case AlertKind::noUpdate:
     case AlertKind::settingsSetAside:
@@ -97,6 +99,12 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::iTunesWarning:
     case AlertKind::iPhotoWarning:
         reply = answerToLibraryWarning(alert);
+        break;
+    case AlertKind::noRecord:
+        terminal.complain(fmt::format("tvrn: {} {}", alert.title, asOneLine(alert.text)));
+        refused = needsRecord;
+        if (needsRecord)
+            reply.button = abortButton;
         break;
     case AlertKind::noActiveActions:
     case AlertKind::filesNotAdded:
@@ -225,9 +233,7 @@ void TerminalFrontEnd::presentError(const std::string& message) {
     terminal.complain("tvrn: " + message);
 }
 
-void TerminalFrontEnd::presentNotice(const std::string& text) {
-    terminal.complain("tvrn: " + text);
-}
+void TerminalFrontEnd::presentNotice(const std::string& text) { terminal.complain("tvrn: " + text); }
 
 void TerminalFrontEnd::terminate() { loop.stop(); }
 

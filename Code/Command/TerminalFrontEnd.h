@@ -22,6 +22,9 @@ class TerminalFrontEnd : public FrontEnd {
     /// Asks the user; without it nothing is asked.
     void setInteractive(bool isInteractive) { interactive = isInteractive; }
 
+    /// A run that can't be recorded is refused.
+    void requireRecord() { needsRecord = true; }
+
     /// Something was told as failed.
     [[nodiscard]] bool hasFailures() const { return failures; }
     /// A run was refused: before it began, or at an item that must not be touched.
@@ -58,6 +61,7 @@ class TerminalFrontEnd : public FrontEnd {
     QueueRunLoop& loop;
     const InterruptHandler& interrupts;
     bool interactive = false;
+    bool needsRecord = false;
     bool failures = false;
     bool refused = false;
     bool stopped = false;

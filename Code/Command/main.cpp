@@ -1,10 +1,12 @@
 #include "ActionsCommand.h"
 #include "CommandLine.h"
 #include "ExitStatus.h"
+#include "HistoryCommand.h"
 #include "PresetsCommand.h"
 #include "PreviewCommand.h"
 #include "RenameCommand.h"
 #include "TagsCommand.h"
+#include "TakeBackCommand.h"
 #include "Terminal.h"
 #include "platform/StandardDescriptors.h"
 
@@ -20,6 +22,8 @@ using namespace tavrin;
 struct Runner {
     ExitStatus operator()(const PreviewOptions& options) const { return runPreviewCommand(options); }
     ExitStatus operator()(const RenameOptions& options) const { return runRenameCommand(options); }
+    ExitStatus operator()(const HistoryOptions& options) const { return runHistoryCommand(options); }
+    ExitStatus operator()(const TakeBackOptions& options) const { return runTakeBackCommand(options); }
     ExitStatus operator()(const ActionsOptions& options) const { return runActionsCommand(options); }
     ExitStatus operator()(const TagsOptions& options) const { return runTagsCommand(options); }
     ExitStatus operator()(const PresetsOptions& options) const { return runPresetsCommand(options); }

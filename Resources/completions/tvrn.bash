@@ -67,6 +67,16 @@ _tvrn() {
         fi
         return
         ;;
+    undo | redo | history)
+        local known='--preview --json --replaced --interactive --quiet --help'
+        [[ $command != history ]] || known='--json --forget --clear --help'
+        if [[ $current == -* ]]; then
+            COMPREPLY=($(compgen -W "$known" -- "$current"))
+        else
+            _tvrn_offer "$current" < <(tvrn history 2>/dev/null | cut -f 1)
+        fi
+        return
+        ;;
     tags | presets)
         [[ $current != -* ]] || COMPREPLY=($(compgen -W '--json --help' -- "$current"))
         return
@@ -94,7 +104,7 @@ _tvrn() {
             conflictResolutionDontChangeFirst conflictResolutionOrder1 conflictResolutionOrder2
             conflictResolutionOrder3 previewConflictResolution interactiveMode retrieveEXIFInformation
             accurateFolderSize automaticSorting copyFileComments preventAccidentalITunesLibraryDamage
-            preventAccidentalIPhotoLibraryDamage renameMode' -- "$current"))
+            preventAccidentalIPhotoLibraryDamage renameMode keepHistory' -- "$current"))
         return
         ;;
     --store)
@@ -111,7 +121,7 @@ _tvrn() {
     if [[ $command == preview ]]; then
         options+=' --format --json --affected --null'
     else
-        options+=' --interactive --quiet'
+        options+=' --interactive --quiet --no-history --require-history'
     fi
     COMPREPLY=($(compgen -W "$options" -- "$current"))
 } &&

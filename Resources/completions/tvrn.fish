@@ -40,17 +40,23 @@ function __tvrn_settings
         copyFileComments 'comments go along' \
         preventAccidentalITunesLibraryDamage 'leave music libraries alone' \
         preventAccidentalIPhotoLibraryDamage 'leave photo libraries alone' \
-        renameMode 'which route a rename tries first'
+        renameMode 'which route a rename tries first' \
+        keepHistory 'a record to undo the run by'
 end
 
-set -l commands preview rename actions tags presets
+set -l commands preview rename undo redo history actions tags presets
 set -l run '__fish_seen_subcommand_from preview rename'
 set -l preview '__fish_seen_subcommand_from preview'
 set -l rename '__fish_seen_subcommand_from rename'
+set -l back '__fish_seen_subcommand_from undo redo'
+set -l history '__fish_seen_subcommand_from history'
 
 complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -f
 complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -a preview -d 'Show what a rename would do'
 complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -a rename -d 'Rename'
+complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -a undo -d 'Take a run back'
+complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -a redo -d 'Take an undo back or finish a run'
+complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -a history -d 'List past runs'
 complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -a actions -d 'List the actions'
 complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -a tags -d 'Show what files say of themselves'
 complete -c tvrn -n "not __fish_seen_subcommand_from $commands" -a presets -d 'List the saved presets'
@@ -69,6 +75,15 @@ complete -c tvrn -n $preview -l affected -d 'Only what changes'
 complete -c tvrn -n $preview -s 0 -l null -d 'End lines with NUL'
 complete -c tvrn -n $rename -l interactive -d 'Ask on the terminal'
 complete -c tvrn -n $rename -l quiet -d 'Tell failures alone'
-complete -c tvrn -n '__fish_seen_subcommand_from preview actions tags presets' -l json -d 'One object per line'
+complete -c tvrn -n $rename -l no-history -d 'Keep no record'
+complete -c tvrn -n $rename -l require-history -d 'Only with a record'
+complete -c tvrn -n $back -l preview -d 'Show what would be done'
+complete -c tvrn -n $back -l replaced -d 'Also what lies in the place of an item'
+complete -c tvrn -n $back -l interactive -d 'Ask on the terminal'
+complete -c tvrn -n $back -l quiet -d 'Tell failures alone'
+complete -c tvrn -n '__fish_seen_subcommand_from undo redo history' -f -a '(tvrn history 2>/dev/null | cut -f 1,2)'
+complete -c tvrn -n $history -l forget -x -a '(tvrn history 2>/dev/null | cut -f 1,2)' -d 'Remove a record'
+complete -c tvrn -n $history -l clear -d 'Remove all records'
+complete -c tvrn -n '__fish_seen_subcommand_from preview undo redo history actions tags presets' -l json -d 'One object per line'
 complete -c tvrn -n '__fish_seen_subcommand_from actions' -f -a '(__tvrn_actions)'
 complete -c tvrn -n '__fish_seen_subcommand_from presets' -f

@@ -63,6 +63,7 @@ pid_t Workplace::spawn(const std::string& line, int input, int output, int error
     std::vector<std::string> environment = {"PATH=" + home.path("bin") + ":/usr/bin:/bin",
                                             "HOME=" + home.path(),
                                             "XDG_DATA_HOME=" + home.path("data"),
+                                            "XDG_STATE_HOME=" + home.path("state"),
                                             "XDG_CONFIG_HOME=" + home.path("config"),
                                             "LC_ALL=C.UTF-8",
                                             "TERM=dumb",

@@ -25,6 +25,9 @@ class Workplace {
     /// Where the program keeps its data.
     [[nodiscard]] std::string dataFolder() const { return home.path("data/Tavrin 9"); }
 
+    /// Where it keeps the records of its runs.
+    [[nodiscard]] std::string recordsFolder() const { return home.path("state/tavrin/runs"); }
+
     /// Runs a line of shell in the folder, with nothing on standard input.
     [[nodiscard]] ProgramResult run(const std::string& line) const;
     /// Starts it and leaves the rest to the caller; standard input and output are `terminal`.

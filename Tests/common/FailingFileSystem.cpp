@@ -76,6 +76,26 @@ class FailingOpenFolder : public OpenFolder {
     std::unique_ptr<OpenFolder> real;
 };
 
+class FailingAppendFile : public AppendFile {
+  public:
+    FailingAppendFile(FailingFileSystem& counter, std::string filePath, std::unique_ptr<AppendFile> realFile)
+        : system(counter), path(std::move(filePath)), real(std::move(realFile)) {}
+
+    int append(std::string_view bytes) override {
+        const int error = system.admit({FileCall::write, path, {}, {}});
+        return error != 0 ? error : real->append(bytes);
+    }
+    int sync() override {
+        const int error = system.admit({FileCall::sync, path, {}, {}});
+        return error != 0 ? error : real->sync();
+    }
+
+  private:
+    FailingFileSystem& system;
+    std::string path;
+    std::unique_ptr<AppendFile> real;
+};
+
 } // namespace
 
 FailingFileSystem::FailingFileSystem(FileSystem& realSystem) : real(realSystem) {
@@ -175,6 +195,16 @@ int FailingFileSystem::makeFolders(const std::string& path) {
 int FailingFileSystem::writeFileAtomically(const std::string& path, std::string_view content) {
     const int error = admit({FileCall::write, path, {}, {}});
     return error != 0 ? error : real.writeFileAtomically(path, content);
+}
+
+int FailingFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) {
+    if (const int error = admit({FileCall::write, path, {}, {}}))
+        return error;
+    std::unique_ptr<AppendFile> file;
+    if (const int error = real.makeAppendFile(path, file))
+        return error;
+    into = std::make_unique<FailingAppendFile>(*this, path, std::move(file));
+    return 0;
 }
 
 int FailingFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {

@@ -20,6 +20,7 @@ enum class FileCall {
     entries,
     makeFolders,
     write,
+    sync,
     read,
     removeFile,
     rename,
@@ -73,6 +74,7 @@ class FailingFileSystem : public FileSystem {
     int removeFile(const std::string& path) override;
     int makeFolders(const std::string& path) override;
     int writeFileAtomically(const std::string& path, std::string_view content) override;
+    int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;
     int readFile(const std::string& path, std::string& into, std::size_t limit) override;
 
     /// Counts a call; the error that it is to fail with, or 0.

@@ -23,6 +23,12 @@ std::string nameOf(AlertKind kind) {
         return "iTunesWarning";
     case AlertKind::iPhotoWarning:
         return "iPhotoWarning";
+    case AlertKind::noRecord:
+        return "noRecord";
+    case AlertKind::interruptedRun:
+        return "interruptedRun";
+    case AlertKind::nothingToTakeBack:
+        return "nothingToTakeBack";
     case AlertKind::summary:
         return "summary";
     case AlertKind::fileListSaved:
@@ -178,6 +184,12 @@ void ScriptedFrontEnd::askForDroplets(const LocatePanel& panel,
                                       std::function<void(std::optional<std::vector<std::string>>)> answer) {
     note("panel titled " + panel.title + ", " + panel.message + ", " + panel.prompt);
     ask("droplets", giverOf(std::move(answer)));
+}
+
+void ScriptedFrontEnd::askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) {
+    takeBack = question;
+    ask("take back " + question.title,
+        giverOf<AlertAnswer>([answer](const AlertAnswer& given) { answer(given.button == 0); }));
 }
 
 void ScriptedFrontEnd::askForFolder(const LocatePanel& panel,

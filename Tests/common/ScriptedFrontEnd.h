@@ -47,6 +47,7 @@ class ScriptedFrontEnd : public FrontEnd {
     };
     std::vector<Sheet> sheets;
     FailureReport failures;
+    std::optional<TakeBackQuestion> takeBack; ///< the last one
     std::vector<std::string> presented;
     std::map<PreviewColumn, bool> hiddenColumns;
     int finishedPreviews = 0;
@@ -72,6 +73,8 @@ class ScriptedFrontEnd : public FrontEnd {
     void askForDropletPath(const std::string& title, const std::string& startFolder,
                            std::function<void(std::optional<std::string>)> answer) override;
 
+    /// "take back" and the title; any button but the first says no.
+    void askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) override;
     void askForDroplets(const LocatePanel& panel,
                         std::function<void(std::optional<std::vector<std::string>>)> answer) override;
     void askForFolder(const LocatePanel& panel,

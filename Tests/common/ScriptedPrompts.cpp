@@ -42,6 +42,10 @@ void ScriptedPrompts::showITunesWarning(ConfirmationAnswerPointer answer) {
     answerBy(onITunesWarning, *this, "iTunes", std::move(answer));
 }
 
+void ScriptedPrompts::confirmWithoutRecord(const std::string& reason, ConfirmationAnswerPointer answer) {
+    answerBy(onNoRecord, *this, "no record: " + reason, std::move(answer));
+}
+
 void ScriptedPrompts::showIPhotoWarning(ConfirmationAnswerPointer answer) {
     answerBy(onIPhotoWarning, *this, "iPhoto", std::move(answer));
 }

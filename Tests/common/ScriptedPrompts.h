@@ -18,6 +18,7 @@ class ScriptedPrompts : public UserPrompts {
     std::function<ConfirmationChoice(const ProblemReport&)> onProblem;
     std::function<ConfirmationChoice()> onITunesWarning;
     std::function<ConfirmationChoice()> onIPhotoWarning;
+    std::function<ConfirmationChoice()> onNoRecord;
     std::function<ConfirmationChoice(const std::string& title, const std::string& text)> onPipelineFailed;
 
     /// Every question asked, in order: "rename old -> new", "swap old -> new", "cycle path",
@@ -30,6 +31,7 @@ class ScriptedPrompts : public UserPrompts {
     void reportProblem(const ProblemReport& report, ConfirmationAnswerPointer answer) override;
     void showITunesWarning(ConfirmationAnswerPointer answer) override;
     void showIPhotoWarning(ConfirmationAnswerPointer answer) override;
+    void confirmWithoutRecord(const std::string& reason, ConfirmationAnswerPointer answer) override;
     void showPipelineFailed(const std::string& title, const std::string& text,
                             ConfirmationAnswerPointer answer) override;
 };

@@ -1,4 +1,5 @@
 #include "common/FileTimes.h"
+#include "common/Variable.h"
 #include "installation/Tools.h"
 
 #include <fmt/format.h>
@@ -77,6 +78,7 @@ TEST(Readme, RecipesDoWhatTheySay) {
         const Recipe& recipe = recipes()[i];
         SCOPED_TRACE(recipe.name);
         const TemporaryFolder folder;
+        const Variable records("XDG_STATE_HOME", folder.path("state").c_str());
         const std::string work = folder.makeFolder("work");
         recipe.prepare(folder);
         (void)outputOf({"bash", "-ec",

@@ -55,6 +55,31 @@ class DialogTests : public WindowFixture {
     }
 };
 
+TEST_F(DialogTests, ShowsWhatAnUndoWouldDoAndDoesItOnAYesAlone) {
+    start({makeFile("a"), makeFile("b")});
+    application->controller().globalSettings().setValue(0, "interactiveMode");
+    application->controller().globalSettings().setValue(0, "showSummary");
+    chooseAction("Make uppercase");
+    currentAction().setValue(0, "fragmentSelection");
+    waitForNames({"A", "B"});
+    trigger("ok");
+    waitUntil("renamed", [this] { return filesOnDisk() == std::vector<std::string>{"A", "B"}; });
+    QAction* undo = application->window().commands().command("undoRename");
+    for (const bool agrees : {false, true}) {
+        waitUntil("the command is on", [undo] { return undo->isEnabled(); });
+        undo->trigger();
+        auto* dialog = waitFor<QDialog>("takeBackDialog");
+        EXPECT_EQ(find<QTreeWidget>("takeBackList")->topLevelItem(0)->text(1), "a");
+        EXPECT_EQ(findWidget("takeBackProblems"), nullptr);
+        agrees ? dialog->accept() : dialog->reject();
+        waitUntilGone("takeBackDialog");
+        EXPECT_TRUE(agrees || filesOnDisk() == (std::vector<std::string>{"A", "B"}));
+    }
+    waitUntil("back", [this] { return filesOnDisk() == std::vector<std::string>{"a", "b"}; });
+    waitForPreview();
+    waitForNames({"A", "B"});
+}
+
 TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
     start();
     PresetsManager& manager = application->controller().presetsManager();

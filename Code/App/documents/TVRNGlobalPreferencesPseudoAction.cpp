@@ -59,6 +59,7 @@ std::vector<Setting> settingsTable() {
         {"copyFileComments", 1},
         {"accurateFolderSize", 0},
         {"continueAfterRename", true},
+        {"keepHistory", 1},
     };
 }
 

@@ -93,6 +93,8 @@ class TVRNGlobalPreferencesPseudoAction : public BaseAction {
     [[nodiscard]] std::int32_t shouldCalculateAccurateFolderSize() const {
         return getParamInt("accurateFolderSize", 1);
     }
+    /// Whether each run leaves a record by which it can be taken back.
+    [[nodiscard]] bool shouldKeepHistory() const { return getParamInt("keepHistory", 1) != 0; }
     [[nodiscard]] std::int32_t shouldShowMultistepDrawer() const { return getParamInt("multistep", 0); }
     void setShowMultistepDrawer(std::int32_t value) { setValue(value, "multistep"); }
 

@@ -30,8 +30,9 @@ bool hasStrayHalf(std::u16string_view finalName, std::string_view currentName) {
 
 } // namespace
 
-bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentName, std::string& into) {
-    if (!text::toBytes(finalName, into) || hasStrayHalf(finalName, currentName))
+bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentName, std::string& into,
+                      bool isExact) {
+    if (!text::toBytes(finalName, into) || (!isExact && hasStrayHalf(finalName, currentName)))
         return false;
     std::replace(into.begin(), into.end(), '/', ':');
     return isPossible(into);

@@ -8,9 +8,10 @@ namespace tavrin {
 /// How names of rows become names in a folder. Pure.
 struct NameOnDisk {
     /// The bytes that a file with this name gets: every "/" a ":". False when no file can bear the name, or
-    /// when it holds a stray half of a character that stands for no byte of the current name (also bytes).
+    /// when it holds a stray half of a character that stands for no byte of the current name (also bytes). An
+    /// exact name has been on the disk before, so that its halves are bytes.
     [[nodiscard]] static bool from(std::u16string_view finalName, std::string_view currentName,
-                                   std::string& into);
+                                   std::string& into, bool isExact = false);
     /// Why no file can bear the name, in words.
     [[nodiscard]] static std::string_view faultOf(std::u16string_view finalName,
                                                   std::string_view currentName);

@@ -7,6 +7,8 @@
 #include "engine/RenameEngine.h"
 #include "engine/RenameRing.h"
 #include "engine/RenameRun.h"
+#include "engine/RunHistory.h"
+#include "engine/RunJournal.h"
 #include "platform/RunLoop.h"
 #include "platform/UserDefaults.h"
 #include "store/FilterManager.h"
@@ -25,7 +27,8 @@ constexpr std::string_view switchedKey = "alreadySwitchedToLionModeOnce";
 
 } // namespace
 
-PerformRenameStage::PerformRenameStage(RenameEngine& owner) : ProcessingStage(owner) {}
+PerformRenameStage::PerformRenameStage(RenameEngine& owner, std::shared_ptr<const RunPurpose> whatFor)
+    : ProcessingStage(owner), purpose(whatFor ? std::move(whatFor) : std::make_shared<RunPurpose>()) {}
 
 PerformRenameStage::~PerformRenameStage() = default;
 
@@ -33,13 +36,48 @@ bool PerformRenameStage::process() {
     switchToLionModeOnce();
     prepare();
     const FetchRequest request = openItems();
-    while (!run->questions.shouldAbort() && performBatch(request)) {
+    if (beginJournal()) {
+        while (!run->questions.shouldAbort() && performBatch(request)) {
+        }
     }
+    closeJournal(run->questions.shouldAbort());
     warnings.reset();
     return true;
 }
 
+bool PerformRenameStage::beginJournal() {
+    const HistoryPlace& place = engine.historyPlace();
+    const bool isKept = engine.host().globalSettings().shouldKeepHistory() && !place.folder.empty();
+    const bool isNeeded =
+        purpose->what != RunKind::rename || context->engineControl().numberOfFilesThatNeedRenaming > 0;
+    if (!isKept || !isNeeded || run->questions.shouldAbort())
+        return true;
+    run->report.describe("Recording..");
+    journal = std::make_unique<RunJournal>(place);
+    const std::string problem = journal->begin(*context, plannedItems(), run->standIns, *purpose);
+    if (!problem.empty()) {
+        journal.reset();
+        return run->questions.confirmWithoutRecord(problem);
+    }
+    run->primitives.onReplaced = [this](RowId row, const FileIdentity& found) { journal->late(row, found); };
+    run->onFlagRefused = [this](std::uint32_t device) { journal->flagRefused(device); };
+    RunHistory(place.folder).prune();
+    return true;
+}
+
+Predicate PerformRenameStage::plannedItems() const {
+    return FilterManager::currentFilterPredicate(run->filter).with(Predicate::isTrue(NodeKey::diff));
+}
+
+void PerformRenameStage::closeJournal(bool wasStopped) {
+    if (journal)
+        journal->close(run->primitives.actuallyRenamedCounter, purpose->failedBefore + run->failedCounter,
+                       wasStopped);
+    journal.reset();
+}
+
 void PerformRenameStage::breakOff(const std::string& reason) {
+    closeJournal(true);
     const std::int32_t renamed = run ? run->primitives.actuallyRenamedCounter : 0;
     EngineControl& control = context->changeEngineControl();
     control.numberOfActuallyRenamedFiles = renamed;
@@ -71,24 +109,30 @@ void PerformRenameStage::prepare() {
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
-    engine.computeNumberOfFilesThatNeedRenaming(*context);
-    report.numberOfItems(context->engineControl().numberOfFilesThatNeedRenaming);
-    report.indeterminate(false);
-
     const TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
-    const bool shouldBeInteractive = settings.shouldInteract() && !engine.host().isSilentDroplet();
+    const bool shouldBeInteractive =
+        purpose->asks.value_or(settings.shouldInteract() && !engine.host().isSilentDroplet());
     run = std::make_unique<RenameRun>(engine, *this, *context, progress, shouldBeInteractive);
+    // Who takes a run back has been warned before it.
+    const bool warns = !purpose->isStrict;
+    warnings =
+        std::make_unique<LibraryWarnings>(warns && settings.shouldPreventAccidentalITunesLibraryDamage(),
+                                          warns && settings.shouldPreventAccidentalIPhotoLibraryDamage());
     run->filter = settings.itemFilter();
-    warnings = std::make_unique<LibraryWarnings>(settings.shouldPreventAccidentalITunesLibraryDamage(),
-                                                 settings.shouldPreventAccidentalIPhotoLibraryDamage());
+    if (purpose->isStrict) {
+        run->filter = {true, true, true};
+        run->primitives.beStrict();
+    }
+    const auto planned = static_cast<std::int32_t>(context->count(FetchEntity::file, plannedItems()));
+    context->changeEngineControl().numberOfFilesThatNeedRenaming = planned;
+    report.numberOfItems(planned);
+    report.indeterminate(false);
     setCounters();
 }
 
 FetchRequest PerformRenameStage::openItems() const {
     return {FetchEntity::file,
-            FilterManager::currentFilterPredicate(run->filter)
-                .with(Predicate::isTrue(NodeKey::diff))
-                .with(Predicate::notMarked(run->marker)),
+            plannedItems().with(Predicate::notMarked(run->marker)),
             {{NodeKey::depth, false},
              {NodeKey::mustBeSwapped, false},
              {NodeKey::canBeRenamedIndependently, false},

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/ProcessingStage.h"
+#include "engine/RunPurpose.h"
 #include "store/NodeRow.h"
 #include "store/Predicate.h"
 
@@ -10,13 +11,15 @@
 namespace tavrin {
 
 class LibraryWarnings;
+class RunJournal;
 struct RenameRun;
 
 /// The stage that touches the disk: carries out the plan in the rows, deepest items first, and asks the user
-/// on the way when the run is interactive. There is no undo: what has been renamed stays renamed.
+/// on the way when the run is interactive. Before the first rename the whole plan is written into the
+/// history.
 class PerformRenameStage final : public ProcessingStage {
   public:
-    explicit PerformRenameStage(RenameEngine& owner);
+    explicit PerformRenameStage(RenameEngine& owner, std::shared_ptr<const RunPurpose> whatFor = nullptr);
     ~PerformRenameStage() override;
 
     bool process() override;
@@ -25,6 +28,11 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] std::string stageDescription() const override { return "Performing renames..."; }
 
   private:
+    /// False when the run is not to begin.
+    bool beginJournal();
+    void closeJournal(bool wasStopped);
+    /// The rows that are to get another name.
+    [[nodiscard]] Predicate plannedItems() const;
     void switchToLionModeOnce();
     void prepare();
     [[nodiscard]] FetchRequest openItems() const;
@@ -35,7 +43,9 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] RowId holderOfWantedName(RowId id);
     void setCounters();
 
-    std::unique_ptr<RenameRun> run; ///< the state of `process`, kept for breakOff
+    std::shared_ptr<const RunPurpose> purpose;
+    std::unique_ptr<RunJournal> journal; ///< null where none is kept
+    std::unique_ptr<RenameRun> run;      ///< the state of `process`, kept for breakOff
     std::unique_ptr<LibraryWarnings> warnings;
 };
 

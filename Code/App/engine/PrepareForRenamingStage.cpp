@@ -4,6 +4,10 @@
 #include "engine/RenameEngine.h"
 #include "engine/StageProgress.h"
 #include "store/StoreContext.h"
+#include "support/Text.h"
+
+#include <algorithm>
+#include <functional>
 
 namespace tavrin {
 
@@ -71,6 +75,7 @@ bool PrepareForRenamingStage::setDepths(const std::vector<RowId>& children, std:
 
 void PrepareForRenamingStage::linkSiblings(const std::vector<RowId>& children) {
     siblings.build(*context, children);
+    caseCounts = wantNamesThatDifferInCase(children);
     for (const RowId child : children) {
         const RowId blocking = cannotBeRenamedBefore(child);
         if (blocking == noRow)
@@ -88,15 +93,33 @@ void PrepareForRenamingStage::linkSiblings(const std::vector<RowId>& children) {
     siblings.clear();
 }
 
+bool PrepareForRenamingStage::wantNamesThatDifferInCase(const std::vector<RowId>& children) {
+    std::vector<std::size_t> hashes;
+    for (const RowId child : children) {
+        if (!context->row(child).hasExactName || !context->row(child).diff)
+            continue;
+        context->finalName(child, finalName);
+        if (!NameOnDisk::from(finalName, {}, wantedName, true))
+            continue;
+        text::lowercaseBytes(wantedName, lowerCased);
+        hashes.push_back(std::hash<std::string>{}(lowerCased));
+    }
+    std::ranges::sort(hashes);
+    return std::ranges::adjacent_find(hashes) != hashes.end();
+}
+
 RowId PrepareForRenamingStage::cannotBeRenamedBefore(RowId item) {
     // An item that stays as it is waits for nobody.
     if (!context->row(item).diff)
         return noRow;
     context->finalName(item, finalName);
     // What no file can be called is nobody's name.
-    if (!NameOnDisk::from(finalName, context->component(item), wantedName))
+    const bool isExact = context->row(item).hasExactName;
+    if (!NameOnDisk::from(finalName, context->component(item), wantedName, isExact))
         return noRow;
     const RowId holder = siblings.find(wantedName);
+    if (caseCounts && holder != noRow && context->component(holder) != wantedName)
+        return noRow;
     // A change of case alone finds the item itself.
     return holder == item ? noRow : holder;
 }

@@ -29,6 +29,9 @@ class PrepareForRenamingStage final : public ProcessingStage {
     /// Writes the depth of all children; whether any of them is to get another name.
     bool setDepths(const std::vector<RowId>& children, std::int32_t depth);
     void linkSiblings(const std::vector<RowId>& children);
+    /// Whether two of them are to bear names again that differ in case alone: case counts in their folder,
+    /// and a name waits for no other spelling of it.
+    bool wantNamesThatDifferInCase(const std::vector<RowId>& children);
     /// The sibling that holds the name that the item is to have; none for an item that keeps its name.
     RowId cannotBeRenamedBefore(RowId item);
     void setDepth(RowId id, std::int32_t depth);
@@ -37,6 +40,8 @@ class PrepareForRenamingStage final : public ProcessingStage {
     SiblingNames siblings;
     std::u16string finalName;
     std::string wantedName;
+    std::string lowerCased;
+    bool caseCounts = false;
     std::size_t changedRows = 0;
 };
 

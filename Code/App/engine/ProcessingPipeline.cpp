@@ -69,7 +69,7 @@ bool ProcessingPipeline::process() {
 
 ProcessingPipeline::Attempt ProcessingPipeline::runStages() {
     try {
-        ItemStore* store = engine.host().persistentStoreCoordinator();
+        ItemStore* store = ownStore ? ownStore : engine.host().persistentStoreCoordinator();
         if (!store)
             return Attempt::noStore;
         debugLog("{}", store->type());

@@ -8,6 +8,8 @@
 
 namespace tavrin {
 
+class ItemStore;
+
 /// Runs its stages one after the other against one private context, commits after each, and stops when one
 /// says so. When the store fails it is moved into memory and all stages run once more, unless they need the
 /// rows that are lost by it; a failure in memory is told to the user, reported, and ends the application.
@@ -17,6 +19,8 @@ class ProcessingPipeline : public ProcessingStage {
     explicit ProcessingPipeline(RenameEngine& owner);
     ~ProcessingPipeline() override;
 
+    /// Works on this store instead of the host's; not owned.
+    void setStore(ItemStore& own) { ownStore = &own; }
     /// Appends the stage and hands it the pipeline's progress record, which must have been set before.
     void addStage(std::unique_ptr<ProcessingStage> stage);
     /// The stages work on rows that an earlier run has read: without these they are broken off.
@@ -49,6 +53,7 @@ class ProcessingPipeline : public ProcessingStage {
     void dropContext();
 
     std::vector<std::unique_ptr<ProcessingStage>> stages;
+    ItemStore* ownStore = nullptr;
     bool needsRows = false;
     std::unique_ptr<StoreContext> ownContext;
     std::string runningStage;

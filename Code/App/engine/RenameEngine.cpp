@@ -3,6 +3,9 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/CleanUpStages.h"
 #include "engine/EngineHost.h"
+#include "engine/NamesFromRecordStage.h"
+#include "engine/PerformRenameStage.h"
+#include "engine/PrepareForRenamingStage.h"
 #include "engine/ProcessingPipeline.h"
 #include "engine/RenameThreads.h"
 #include "engine/ThreadDescription.h"
@@ -12,6 +15,7 @@
 #include "store/StoreContext.h"
 #include "support/DebugLog.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -86,6 +90,50 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
         onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
         onMainThread(completion);
     });
+}
+
+void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest request,
+                                   std::function<void(EngineHost&, const TakeBackResult&)> completion) {
+    stopRequested = false;
+    const bool showsRun = !request.isPreview;
+    if (showsRun)
+        onMainThread([](EngineHost& host) { host.startProgressWindow(); });
+    threads->detach([this, &progress, request = std::move(request), completion = std::move(completion),
+                     showsRun, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
+        if (ending)
+            return;
+        const TakeBackResult result = takeBack(progress, request);
+        if (showsRun)
+            onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
+        onMainThread([&](EngineHost& host) { completion(host, result); });
+    });
+}
+
+TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequest& request) {
+    TakeBackResult result;
+    result.store = std::make_shared<ItemStore>(ItemStore::Options{});
+    const auto purpose = std::make_shared<RunPurpose>();
+    purpose->what = request.chosen.what;
+    purpose->of = request.chosen.run.name;
+    purpose->isStrict = true;
+    purpose->asks = request.asks;
+    ProcessingPipeline pipeline(*this);
+    pipeline.setProgressInfo(&progress);
+    pipeline.setStore(*result.store);
+    pipeline.addStage(std::make_unique<NamesFromRecordStage>(*this, request, purpose));
+    if (!request.isPreview) {
+        pipeline.addStage(std::make_unique<PrepareForRenamingStage>(*this));
+        pipeline.addStage(std::make_unique<PerformRenameStage>(*this, purpose));
+    }
+    static_cast<void>(pipeline.process());
+    StoreContext context(*result.store, StoreContext::MergePolicy::storeWins);
+    result.planned =
+        static_cast<std::int32_t>(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)));
+    result.changed = std::max(0, context.engineControl().numberOfActuallyRenamedFiles);
+    result.failed = purpose->failedBefore + context.engineControl().numberOfItemsNotRenamed;
+    result.errors = context.processingErrors();
+    return result;
 }
 
 void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shouldIncludeOnlyAffectedFiles,

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "engine/EngineTurns.h"
+#include "engine/RunPurpose.h"
+#include "engine/TakeBack.h"
 #include "store/FilterManager.h"
 #include "store/Predicate.h"
 
@@ -37,6 +39,10 @@ class RenameEngine {
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
     void processRenamingPipelineThenContinue(ProgressInfo& progress);
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
+    /// Takes a run back or finishes one, without a word on the list of items; `completion` is called on the
+    /// main thread.
+    void processTakeBack(ProgressInfo& progress, TakeBackRequest request,
+                         std::function<void(EngineHost&, const TakeBackResult&)> completion);
     /// `path` in bytes; formats 0 to 2.
     void processFileListPipeline(ProgressInfo& progress, int format, bool shouldIncludeOnlyAffectedFiles,
                                  const std::string& path);
@@ -58,6 +64,10 @@ class RenameEngine {
     };
     [[nodiscard]] std::unique_ptr<ProcessingPipeline>
     createSaveToFileListPipeline(const FileListArguments& arguments);
+
+    /// Where runs are recorded; nowhere at first. Set before the first request.
+    void setHistoryPlace(HistoryPlace newPlace) { history = std::move(newPlace); }
+    [[nodiscard]] const HistoryPlace& historyPlace() const { return history; }
 
     /// The next pass marker; the first is 2, after 99 comes 0.
     PassMarker nextStageFlagCounter();
@@ -84,6 +94,7 @@ class RenameEngine {
 
   private:
     void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
+    TakeBackResult takeBack(ProgressInfo& progress, const TakeBackRequest& request);
     void forgetWhatWasRead(ProgressInfo& progress);
     void internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn);
     /// Runs the action on the main thread and waits for it.
@@ -91,6 +102,7 @@ class RenameEngine {
     [[nodiscard]] ItemFilter itemFilter() const;
 
     EngineHost& application;
+    HistoryPlace history;
     EngineTurns engineLock;
     std::mutex previewPipelinesWaitingToken;
     std::atomic<int> previewPipelinesWaiting{0};

@@ -13,6 +13,7 @@ void RenameItem::moveTo(RowId id) {
     current = id;
     root = row.root;
     diff = row.diff;
+    hasExactName = row.hasExactName;
     seenItem = {row.identity(), row.kind};
     currentComponent = context.component(id);
     if (newParent != parent || parent == noRow) {
@@ -28,7 +29,7 @@ const std::string& RenameItem::newComponent() {
     if (!diff)
         return currentComponent;
     context.finalName(current, finalName);
-    if (!NameOnDisk::from(finalName, currentComponent, wantedComponent))
+    if (!NameOnDisk::from(finalName, currentComponent, wantedComponent, hasExactName))
         wantedComponent.clear();
     return wantedComponent;
 }

@@ -43,6 +43,7 @@ class RenameItem {
     FileIdentity parentIdentity;
     bool root = false;
     bool diff = false;
+    bool hasExactName = false;
     std::string folderPath;
     std::string currentComponent;
     std::string wantedComponent;

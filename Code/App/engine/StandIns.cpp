@@ -24,7 +24,7 @@ const std::string& StandIns::nameFor(RowId id) {
     if (!takesTurns) {
         component = context.component(id);
         context.finalName(id, finalName);
-        if (!NameOnDisk::from(finalName, component, wanted) ||
+        if (!NameOnDisk::from(finalName, component, wanted, row.hasExactName) ||
             !NameOnDisk::differsOnlyInCase(component, wanted))
             return none;
     }

@@ -67,6 +67,9 @@ class UserPrompts {
     /// `one` for "Continue", `stop` for "Abort".
     virtual void showITunesWarning(ConfirmationAnswerPointer answer) = 0;
     virtual void showIPhotoWarning(ConfirmationAnswerPointer answer) = 0;
+    /// The run can't be recorded, so that it could not be taken back: `one` to go on all the same, `stop` not
+    /// to begin. The reason is a part of a sentence.
+    virtual void confirmWithoutRecord(const std::string& reason, ConfirmationAnswerPointer answer) = 0;
     /// A run failed beyond recovery; any answer means that the user has seen it.
     virtual void showPipelineFailed(const std::string& title, const std::string& text,
                                     ConfirmationAnswerPointer answer) = 0;

@@ -80,6 +80,12 @@ bool UserQuestions::continues(ConfirmationChoice choice) {
     return choice == ConfirmationChoice::one;
 }
 
+bool UserQuestions::confirmWithoutRecord(const std::string& reason) {
+    return continues(ask([reason](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
+        prompts.confirmWithoutRecord(reason, std::move(answer));
+    }));
+}
+
 bool UserQuestions::showITunesWarningDialog() {
     return continues(ask([](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
         prompts.showITunesWarning(std::move(answer));

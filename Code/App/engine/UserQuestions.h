@@ -33,6 +33,8 @@ class UserQuestions {
     /// is the full path in bytes.
     void displayError(const std::string& title, const std::string& message, const std::string& path);
 
+    /// Whether the run is to begin although it leaves no record; otherwise it stops.
+    bool confirmWithoutRecord(const std::string& reason);
     /// True for "Continue"; otherwise the run stops.
     bool showITunesWarningDialog();
     bool showIPhotoWarningDialog();

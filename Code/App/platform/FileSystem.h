@@ -12,6 +12,16 @@ namespace tavrin {
 
 class FolderEntries;
 
+/// A new file that only grows. Others see that it is held by a lock on it for as long as this object lives.
+class AppendFile {
+  public:
+    virtual ~AppendFile() = default;
+    /// The calls return 0 or an errno value.
+    virtual int append(std::string_view bytes) = 0;
+    /// Comes back when what was appended, and the name of the file, would outlast a loss of power.
+    virtual int sync() = 0;
+};
+
 /// What is to be known of the file system that a folder lies on.
 struct VolumeFacts {
     std::uint64_t type = 0;       ///< f_type of statfs
@@ -65,6 +75,8 @@ class FileSystem {
     virtual int makeFolders(const std::string& path) = 0;
     /// Writes beside the target, syncs and renames over it.
     virtual int writeFileAtomically(const std::string& path, std::string_view content) = 0;
+    /// Makes a file for the user's eyes alone; EEXIST where the name is taken.
+    virtual int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) = 0;
     virtual int readFile(const std::string& path, std::string& into, std::size_t limit) = 0;
     /// Renames an item within its folder without ever replacing another: EEXIST when the name is taken. Both
     /// are paths; EXDEV when they are not in one folder.

@@ -11,9 +11,11 @@
 #include <cstring>
 #include <fcntl.h>
 #include <linux/magic.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavrin {
 
@@ -145,6 +147,27 @@ int writeAll(int file, std::string_view content) {
     }
     return 0;
 }
+
+class PosixAppendFile : public AppendFile {
+  public:
+    PosixAppendFile(Descriptor opened, std::string path) : file(std::move(opened)), place(std::move(path)) {}
+
+    int append(std::string_view bytes) override { return writeAll(file.get(), bytes); }
+    int sync() override {
+        if (::fdatasync(file.get()) != 0)
+            return errno;
+        if (std::exchange(nameIsSafe, true))
+            return 0;
+        const Descriptor folder(
+            ::open(place.substr(0, place.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        return folder && ::fsync(folder.get()) == 0 ? 0 : errno;
+    }
+
+  private:
+    Descriptor file;
+    std::string place;
+    bool nameIsSafe = false;
+};
 
 int writeAndSync(Descriptor file, std::string_view content) {
     if (const int error = writeAll(file.get(), content))
@@ -289,6 +312,19 @@ int PosixFileSystem::writeFileAtomically(const std::string& path, std::string_vi
     if (error != 0)
         ::unlink(temporary.c_str());
     return error;
+}
+
+int PosixFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) {
+    if (hasNul(path))
+        return EINVAL;
+    Descriptor file(
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file)
+        return errno;
+    // Without locks on this file system nobody can tell that the file is held, which loses nothing.
+    static_cast<void>(::flock(file.get(), LOCK_EX | LOCK_NB));
+    into = std::make_unique<PosixAppendFile>(std::move(file), path);
+    return 0;
 }
 
 int PosixFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {

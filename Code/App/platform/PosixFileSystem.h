@@ -13,6 +13,7 @@ class PosixFileSystem : public FileSystem {
     int removeFile(const std::string& path) override;
     int makeFolders(const std::string& path) override;
     int writeFileAtomically(const std::string& path, std::string_view content) override;
+    int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;
     /// Regular files only: EISDIR for a folder, EINVAL for anything else, EFBIG beyond the limit.
     int readFile(const std::string& path, std::string& into, std::size_t limit) override;
 };

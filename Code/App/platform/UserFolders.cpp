@@ -40,4 +40,6 @@ std::string UserFolders::configuration() { return pathFrom("XDG_CONFIG_HOME", ho
 
 std::string UserFolders::data() { return pathFrom("XDG_DATA_HOME", home() + "/.local/share"); }
 
+std::string UserFolders::state() { return pathFrom("XDG_STATE_HOME", home() + "/.local/state"); }
+
 } // namespace tavrin

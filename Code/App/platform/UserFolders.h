@@ -13,6 +13,8 @@ struct UserFolders {
     static std::string configuration();
     /// $XDG_DATA_HOME, else ~/.local/share.
     static std::string data();
+    /// $XDG_STATE_HOME, else ~/.local/state.
+    static std::string state();
 };
 
 } // namespace tavrin

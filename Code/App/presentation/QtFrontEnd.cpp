@@ -9,6 +9,7 @@
 #include "presentation/WindowMemory.h"
 #include "presentation/dialogs/LocateDialogs.h"
 #include "presentation/dialogs/SaveListDialog.h"
+#include "presentation/dialogs/TakeBackDialog.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
@@ -90,6 +91,10 @@ void QtFrontEnd::askForSavePath(const std::string& title,
 void QtFrontEnd::askForDropletPath(const std::string& title, const std::string& startFolder,
                                    std::function<void(std::optional<std::string>)> answer) {
     Dialogs::askForDropletPath(window, title, startFolder, std::move(answer));
+}
+
+void QtFrontEnd::askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) {
+    TakeBackDialog::ask(window, question, std::move(answer));
 }
 
 void QtFrontEnd::askForDroplets(const LocatePanel& panel,

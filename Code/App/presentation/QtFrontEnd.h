@@ -35,6 +35,7 @@ class QtFrontEnd final : public FrontEnd {
                         std::function<void(std::optional<std::string>)> answer) override;
     void askForDropletPath(const std::string& title, const std::string& startFolder,
                            std::function<void(std::optional<std::string>)> answer) override;
+    void askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) override;
     void askForDroplets(const LocatePanel& panel,
                         std::function<void(std::optional<std::vector<std::string>>)> answer) override;
     void askForFolder(const LocatePanel& panel,

@@ -33,6 +33,7 @@ MainController::Options controllerOptions(const TavrinApplication::Options& opti
         return result;
     result.store.dataFolder = options.dataFolder;
     result.localPresetsFolder = options.dataFolder + "/Presets";
+    result.history.folder = options.dataFolder + "/Runs";
     result.globalPresetsFolder = options.dataFolder + "/Shared Presets";
     return result;
 }

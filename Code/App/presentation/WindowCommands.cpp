@@ -39,6 +39,8 @@ namespace {
 
 using Effect = std::function<void()>;
 
+constexpr const char* undoRename = "Undo Last Rename…";
+constexpr const char* redoRename = "Redo Rename…";
 constexpr const char* contactPage = "https://calderwick.net/tavrin/contact";
 
 bool isOn(const TVRNGlobalPreferencesPseudoAction& settings, const char* key) {
@@ -71,6 +73,13 @@ struct WindowCommands::Parts {
         });
         action->setCheckable(true);
         settings.push_back(key);
+    }
+
+    /// Gives a command the words for what it would do now, or turns it off where that is nothing.
+    void describe(const char* name, const char* otherwise, const std::string& text) {
+        QAction* action = actions.at(name);
+        action->setText(text.empty() ? QString(otherwise) : toQString(text).replace('&', "&&") + "…");
+        action->setEnabled(!text.empty() && !isRunning && controller.validateUserInterfaceItem());
     }
 
     void addFileMenu();
@@ -136,6 +145,24 @@ void WindowCommands::Parts::addEditMenu() {
     };
     addForText("undo", "&Undo", QKeySequence::Undo, [] {});
     addForText("redo", "&Redo", QKeySequence::Redo, [] {});
+    menu->addSeparator();
+    TakeBackCommands& takeBacks = controller.takeBackCommands();
+    add(menu, "undoRename", undoRename, QKeySequence("Ctrl+Alt+Z"),
+        [&takeBacks] { takeBacks.takeBack(RunKind::undo); });
+    add(menu, "redoRename", redoRename, QKeySequence("Ctrl+Alt+Shift+Z"),
+        [&takeBacks] { takeBacks.takeBack(RunKind::redo); });
+    // What is next may have come from another program; the shortcuts work whatever the menu said last.
+    QObject::connect(menu, &QMenu::aboutToShow, &window, [this, &takeBacks] {
+        describe("undoRename", undoRename, takeBacks.description(RunKind::undo));
+        describe("redoRename", redoRename, takeBacks.description(RunKind::redo));
+    });
+    QObject::connect(
+        menu, &QMenu::aboutToHide, &window,
+        [this] {
+            for (const char* name : {"undoRename", "redoRename"})
+                actions.at(name)->setEnabled(!isRunning && controller.validateUserInterfaceItem());
+        },
+        Qt::QueuedConnection);
     menu->addSeparator();
     addForText("cut", "Cu&t", QKeySequence::Cut, [] {});
     addForText("copy", "&Copy", QKeySequence::Copy, [this] { window.previewPane().copySelected(); });

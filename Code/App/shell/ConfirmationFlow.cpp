@@ -5,6 +5,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/ProgressInfo.h"
 #include "engine/RenameEngine.h"
+#include "engine/TakeBack.h"
 #include "shell/ActionListCommands.h"
 #include "shell/DropletCommands.h"
 #include "shell/PreviewControl.h"
@@ -157,8 +158,16 @@ ConfirmationFlow::RunResult ConfirmationFlow::resultOfRun() {
 }
 
 void ConfirmationFlow::showCompletionDialog() {
+    tellEnd(resultOfRun());
+}
+
+void ConfirmationFlow::tellEndOfTakeBack(const TakeBackResult& result) {
+    tellEnd({result.errors, result.planned, result.changed,
+             std::max(result.errors.size(), static_cast<std::size_t>(result.failed))});
+}
+
+void ConfirmationFlow::tellEnd(const RunResult& result) {
     isReportDue = false;
-    const RunResult result = resultOfRun();
     const bool wasCut = (isWindowClosed || tellInstead) && result.renamed < result.planned;
     std::string details;
     if (wasCut)

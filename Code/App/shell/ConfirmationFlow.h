@@ -12,6 +12,8 @@
 
 namespace tavrin {
 
+struct TakeBackResult;
+
 class ActionListCommands;
 class DropletCommands;
 class PreviewControl;
@@ -58,6 +60,7 @@ class ConfirmationFlow : public UserPrompts {
     void reportProblem(const ProblemReport& report, ConfirmationAnswerPointer answer) override;
     void showITunesWarning(ConfirmationAnswerPointer answer) override;
     void showIPhotoWarning(ConfirmationAnswerPointer answer) override;
+    void confirmWithoutRecord(const std::string& reason, ConfirmationAnswerPointer answer) override;
     void showPipelineFailed(const std::string& title, const std::string& text,
                             ConfirmationAnswerPointer answer) override;
     /// What the sheets display: written per question, old keys stay until they are overwritten.
@@ -67,6 +70,8 @@ class ConfirmationFlow : public UserPrompts {
 
     // --- The end of a run ---
     void showCompletionDialog();
+    /// The same for an undo or a redo.
+    void tellEndOfTakeBack(const TakeBackResult& result);
     void showFileListSavingCompletionDialog(int format);
     void showFileListNotSaved(const std::string& path, const std::string& reason);
     /// Ends the application, after the report of a run if one is open.
@@ -83,6 +88,7 @@ class ConfirmationFlow : public UserPrompts {
 
     struct RunResult;
     [[nodiscard]] RunResult resultOfRun();
+    void tellEnd(const RunResult& result);
     void startRun(bool quit);
     void stopNow();
     void settingsAreInconsistent(int choice, const std::function<void(bool)>& then);

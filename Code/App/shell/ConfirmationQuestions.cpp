@@ -3,6 +3,8 @@
 #include "shell/ConfirmationFlow.h"
 #include "support/Text.h"
 
+#include <fmt/format.h>
+
 #include <string_view>
 
 namespace tavrin {
@@ -127,6 +129,22 @@ void ConfirmationFlow::showLibraryWarning(bool shouldWarn, AlertKind kind, Confi
         {.kind = kind, .title = warning.title, .text = warning.text, .buttons = {"Continue", "Abort"}},
         [this, shared](AlertAnswer given) {
             giveAnswer(shared, given.button == 0 ? ConfirmationChoice::one : ConfirmationChoice::stop);
+        });
+}
+
+void ConfirmationFlow::confirmWithoutRecord(const std::string& reason, ConfirmationAnswerPointer answer) {
+    // Nobody sits before a silent droplet.
+    if (services.mode == OperationMode::dropletRun && services.settings.shouldCreateSilentDroplets() != 0) {
+        answer->give(ConfirmationChoice::one);
+        return;
+    }
+    services.frontEnd.showAlert(
+        {.kind = AlertKind::noRecord,
+         .title = "This renaming can't be recorded, so it could not be undone.",
+         .text = fmt::format("The record of the names can't be written: {}.", reason),
+         .buttons = {"Rename All the Same", "Cancel"}},
+        [shared = SharedAnswer(std::move(answer))](AlertAnswer given) {
+            shared->give(given.button == 0 ? ConfirmationChoice::one : ConfirmationChoice::stop);
         });
 }
 

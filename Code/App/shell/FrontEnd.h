@@ -24,6 +24,9 @@ enum class AlertKind {
     manualSorting,
     iTunesWarning,
     iPhotoWarning,
+    noRecord,
+    interruptedRun,
+    nothingToTakeBack,
     summary,
     fileListSaved,
     pipelineFailed,
@@ -102,6 +105,20 @@ struct FileListChoice {
     bool shouldIncludeOnlyAffectedFiles = false;
 };
 
+/// What an undo or redo would do.
+struct TakeBackQuestion {
+    struct Row {
+        std::string folder;
+        std::u16string name;
+        std::u16string newName;
+    };
+    std::string title;
+    bool isUndo = true;
+    std::size_t count = 0;                 ///< of items that would get another name
+    std::vector<Row> rows;                 ///< the first of them
+    std::vector<ProcessingError> problems; ///< items that can't
+};
+
 /// What to ask the user for, in the words of a panel.
 struct LocatePanel {
     std::string title;
@@ -154,6 +171,8 @@ class FrontEnd {
         answer(std::nullopt);
     }
 
+    /// Whether an undo or redo is to be done. The default is that it is not.
+    virtual void askToTakeBack(const TakeBackQuestion&, std::function<void(bool)> answer) { answer(false); }
     /// For one or more droplets: their bundle folders, or the launchers that stand for them.
     virtual void askForDroplets(const LocatePanel&,
                                 std::function<void(std::optional<std::vector<std::string>>)> answer) {

@@ -5,6 +5,7 @@
 #include "platform/ReferenceDate.h"
 #include "platform/SandboxHelper.h"
 #include "platform/UserDefaults.h"
+#include "platform/UserFolders.h"
 #include "shell/FrontEnd.h"
 #include "support/DebugLog.h"
 #include "support/MacOSXVersion.h"
@@ -44,6 +45,7 @@ MainController::Options MainController::Options::standard() {
     standard.localPresetsFolder = standard.store.dataFolder + "/Presets";
     standard.globalPresetsFolder = SandboxHelper::globalPresetsFolder();
     standard.location = program.string();
+    standard.history = {UserFolders::state() + "/tavrin/runs", "window"};
     return standard;
 }
 
@@ -77,6 +79,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
       tagLibrary(&missingTagNotice), pane(services), longRunCheck(services),
       droplets(services, {listCommands, notices}, options.location),
       confirmation(services, {store, listCommands, preview, notices, droplets}, [this] { terminateNow(); }),
+      takeBacks(services, {preview, confirmation}),
       migration(services, presets,
                 {options.store.dataFolder, options.location, [this] { updatePresetsMenu(); }}),
       updates(services, {.mayInterrupt = [this] { return validateUserInterfaceItem() && !engine.isBusy(); },
@@ -90,6 +93,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
     TagLibraryHelper::setSharedInstance(&tagLibrary);
     debugManager.awakeFromNib();
     logStart();
+    engine.setHistoryPlace(options.history);
     settings.setRunLoop(&environment.runLoop);
     environment.actionList.setRunLoop(&environment.runLoop);
     environment.actionList.setObserver(this);
@@ -121,8 +125,10 @@ void MainController::logStart() {
 
 void MainController::applicationDidFinishLaunching() {
     startSequence.applicationDidFinishLaunching();
-    if (mode == OperationMode::normal && options.usesUserFolders)
+    if (mode == OperationMode::normal && options.usesUserFolders) {
         updates.start();
+        takeBacks.tellInterruptedRun();
+    }
 }
 
 bool MainController::applicationShouldTerminate() {

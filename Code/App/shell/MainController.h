@@ -24,6 +24,7 @@
 #include "shell/SourceCommands.h"
 #include "shell/StartSequence.h"
 #include "shell/StoreOwner.h"
+#include "shell/TakeBackCommands.h"
 #include "shell/UpdateCheck.h"
 #include "store/SourceItemManager.h"
 #include "tags/TagLibraryHelper.h"
@@ -54,6 +55,8 @@ class MainController : public EngineHost, public ActionObserver {
         std::string localPresetsFolder;
         std::string globalPresetsFolder;
         std::string location; ///< of the program, in bytes
+        /// Where runs are recorded, nowhere without a folder, and as whose.
+        HistoryPlace history = {};
         /// Off: nothing in the user's folders is made or read at the start.
         bool usesUserFolders = true;
         /// Off: no change asks for a preview by itself.
@@ -132,6 +135,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
     [[nodiscard]] StoreOwner& storeOwner() { return store; }
     [[nodiscard]] UpdateCheck& updateCheck() { return updates; }
+    [[nodiscard]] TakeBackCommands& takeBackCommands() { return takeBacks; }
 
     // --- EngineHost ---
     ItemStore* persistentStoreCoordinator() override { return store.persistentStoreCoordinator(); }
@@ -199,6 +203,7 @@ class MainController : public EngineHost, public ActionObserver {
     LongRunCheck longRunCheck;
     DropletCommands droplets;
     ConfirmationFlow confirmation;
+    TakeBackCommands takeBacks;
     MigrationCommands migration;
     UpdateCheck updates;
     StartSequence startSequence;

@@ -166,6 +166,7 @@ void StartSequence::readSettingsFromDroplet() {
         return;
     }
     units.mode = OperationMode::dropletRun;
+    services.engine.setHistoryPlace({services.engine.historyPlace().folder, "droplet"});
     units.sources.addFilePaths(handOver.fileList, !isSilentDroplet());
     units.sources.finishWork();
 }

@@ -36,7 +36,8 @@ struct NodeRow {
     std::uint32_t folder = 0; ///< number in the store's table of folders, 0 for what can have no children
     std::int32_t manualOrder = 0;
     std::int32_t depth = 0;
-    NodeEntity entity : 4 = NodeEntity::none;
+    NodeEntity entity : 3 = NodeEntity::none;
+    bool hasExactName : 1 = false; ///< its final name has been a name on the disk; told with the insertion
     FileStatus::Kind kind : 4 = FileStatus::Kind::file; ///< when it was read, if it was seen
     bool treatAsFolder = false;
     bool root = false;

@@ -1,0 +1,248 @@
+#include "engine/RunHistory.h"
+
+#include "engine/RunRecordReader.h"
+#include "platform/FileSystem.h"
+#include "platform/FolderEntries.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <map>
+#include <memory>
+#include <set>
+#include <unistd.h>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::string_view suffix = ".run";
+constexpr std::size_t mostRuns = 50;
+constexpr std::uint64_t mostBytes = 256U << 20;
+constexpr std::chrono::days longest(90);
+
+using Clock = std::chrono::system_clock;
+
+std::string nameAt(Clock::time_point moment) {
+    const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(moment.time_since_epoch());
+    return fmt::format("{:%Y%m%dT%H%M%S}.{:06}", fmt::gmtime(Clock::to_time_t(moment)),
+                       micros.count() % 1000000);
+}
+
+/// The number that the digits make, whatever stands between them, and one.
+std::string countedUp(std::string name) {
+    for (auto digit = name.rbegin(); digit != name.rend(); ++digit) {
+        if (*digit >= '0' && *digit < '9') {
+            ++*digit;
+            break;
+        }
+        if (*digit == '9')
+            *digit = '0';
+    }
+    return name;
+}
+
+PastRun look(const std::string& folder, const std::string& name) {
+    PastRun run;
+    run.name = name;
+    run.path = folder + "/" + name + std::string(suffix);
+    RunRecordReader reader(run.path);
+    run.problem = reader.problem();
+    run.heading = reader.heading();
+    run.folder = reader.firstFolder();
+    run.end = reader.end();
+    run.size = reader.size();
+    run.isUnderWay = reader.isHeld();
+    run.root = name;
+    run.isSettled = run.end.has_value();
+    if (run.end || run.isUnderWay || !reader.isReadable())
+        return run;
+    reader.examine();
+    run.hasBegunNothing = !reader.isDamaged() && reader.itemCount() == 0;
+    run.isSettled = run.hasBegunNothing;
+    if (reader.isDamaged() && run.problem.empty())
+        run.problem = "It is damaged.";
+    else if (run.hasBegunNothing)
+        run.problem.clear();
+    return run;
+}
+
+/// Whether it leaves anything to take back.
+bool hasEffect(const PastRun& run) { return !run.hasBegunNothing && (!run.end || run.end->changed > 0); }
+
+bool isUnfinished(const PastRun& run) { return !run.end || run.end->wasStopped; }
+
+/// What the runs of one line have done to each other. `runs` comes newest first.
+void relate(std::vector<PastRun>& runs) {
+    std::map<std::string, PastRun*, std::less<>> byName;
+    for (PastRun& run : runs)
+        byName.emplace(run.name, &run);
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+        if (run->heading.of.empty())
+            continue;
+        const auto of = byName.find(run->heading.of);
+        run->root = of != byName.end() ? of->second->root : run->heading.of;
+    }
+    std::map<std::string, bool, std::less<>> settledBy; // root to isForward of the last that ended well
+    std::set<std::string, std::less<>> attempted;
+    for (PastRun& run : runs) {
+        const auto later = settledBy.find(run.root);
+        if (later != settledBy.end()) {
+            run.isUndone = later->second != run.isForward();
+            run.isFinished = !run.isUndone;
+        }
+        run.isSettled |= attempted.contains(run.root);
+        if (!run.end)
+            continue;
+        if (!run.heading.of.empty())
+            attempted.insert(run.root);
+        if (!run.end->wasStopped && (run.end->changed > 0 || run.end->failed == 0))
+            settledBy.emplace(run.root, run.isForward());
+    }
+}
+
+/// Whether a record that ended well has lost something since.
+bool isDamaged(const PastRun& run) {
+    RunRecordReader reader(run.path);
+    reader.examine();
+    return reader.isDamaged();
+}
+
+constexpr std::string_view damaged = "It is damaged.";
+
+std::string sentence(const PastRun& run, std::string_view what) {
+    return fmt::format("the run {} {}", run.name, what);
+}
+
+std::string sentenceOfNewest(const PastRun& run, std::string_view problem, const std::vector<PastRun>& all) {
+    std::string reason = sentence(run, fmt::format("is the newest and can't be used. {}", problem));
+    const auto older = std::ranges::find_if(all, [&](const PastRun& other) {
+        return other.name < run.name && other.problem.empty() && hasEffect(other);
+    });
+    return older == all.end() ? reason : reason + fmt::format(" The next older one is {}.", older->name);
+}
+
+} // namespace
+
+std::string_view PastRun::state() const {
+    if (!problem.empty())
+        return "damaged";
+    if (isUnderWay)
+        return "running";
+    if (isUndone)
+        return "undone";
+    if (isFinished || (end && !end->wasStopped))
+        return "whole";
+    return end ? "stopped" : "interrupted";
+}
+
+std::vector<std::string> RunHistory::names() const {
+    std::unique_ptr<OpenFolder> open;
+    FolderEntries entries;
+    std::vector<std::string> found;
+    if (FileSystem::sharedInstance().openFolder(folder, open) != 0 || open->entries(entries) != 0)
+        return found;
+    for (const FolderEntry entry : entries) {
+        if (entry.name.size() > suffix.size() && entry.name.ends_with(suffix))
+            found.emplace_back(entry.name.substr(0, entry.name.size() - suffix.size()));
+    }
+    std::ranges::sort(found, std::greater<>());
+    return found;
+}
+
+std::vector<PastRun> RunHistory::runs() const {
+    std::vector<PastRun> found;
+    for (const std::string& name : names())
+        found.push_back(look(folder, name));
+    relate(found);
+    return found;
+}
+
+std::variant<PastRun, std::string> RunHistory::find(std::string_view name) const {
+    std::vector<PastRun> matching;
+    for (PastRun& run : runs()) {
+        if (run.name == name)
+            return std::move(run);
+        if (run.name.ends_with(name))
+            matching.push_back(std::move(run));
+    }
+    if (matching.empty() || name.empty())
+        return fmt::format("there is no run \"{}\"", name);
+    if (matching.size() > 1)
+        return fmt::format("more than one run has a name that ends with \"{}\"", name);
+    return std::move(matching.front());
+}
+
+std::variant<ChosenRun, std::string> RunHistory::choose(RunKind what, std::string_view name) const {
+    const bool isUndo = what == RunKind::undo;
+    if (!name.empty()) {
+        const auto found = find(name);
+        if (const auto* reason = std::get_if<std::string>(&found))
+            return *reason;
+        const PastRun& run = std::get<PastRun>(found);
+        if (!run.problem.empty() || isDamaged(run))
+            return sentence(run,
+                            "can't be used. " + (run.problem.empty() ? std::string(damaged) : run.problem));
+        if (run.isUnderWay)
+            return sentence(run, "is still under way");
+        if (isUndo && !run.isForward() && !isUnfinished(run))
+            return sentence(run, "is an undo, which redo takes back");
+        return ChosenRun{run, what, run.isForward() != isUndo};
+    }
+    const std::vector<PastRun> all = runs();
+    for (const PastRun& run : all) {
+        if (!run.problem.empty())
+            return sentenceOfNewest(run, run.problem, all);
+        if (run.isUnderWay)
+            return sentence(run, "is still under way");
+        if (run.isUndone || !hasEffect(run))
+            continue;
+        const bool goesBack = run.isForward() == isUndo;
+        if (!goesBack && (!isUnfinished(run) || run.isFinished))
+            continue;
+        if (isDamaged(run))
+            return sentenceOfNewest(run, damaged, all);
+        return ChosenRun{run, what, !goesBack};
+    }
+    return std::string(isUndo ? "there is no run to undo" : "there is no run to redo");
+}
+
+std::optional<PastRun> RunHistory::interruptedRun() const {
+    for (PastRun& run : runs()) {
+        if (run.isInterrupted() && !run.isSettled)
+            return std::move(run);
+    }
+    return std::nullopt;
+}
+
+int RunHistory::forget(const PastRun& run) {
+    return run.isUnderWay ? EBUSY : FileSystem::sharedInstance().removeFile(run.path);
+}
+
+void RunHistory::prune() const {
+    const std::string oldest = nameAt(Clock::now() - longest);
+    std::size_t count = 0;
+    std::uint64_t bytes = 0;
+    for (const PastRun& run : runs()) {
+        ++count;
+        bytes += run.size;
+        const bool isTooMuch = count > mostRuns || bytes > mostBytes || run.name < oldest;
+        if (isTooMuch && count > 1 && run.isSettled)
+            static_cast<void>(forget(run));
+    }
+}
+
+std::string RunHistory::nextName() const {
+    const std::string process = fmt::format("-{}", ::getpid());
+    std::string name = nameAt(Clock::now());
+    const std::vector<std::string> taken = names();
+    // Where the clock was put back, the newest of all is still the last in order.
+    if (!taken.empty() && taken.front() >= name)
+        name = countedUp(taken.front().substr(0, taken.front().rfind('-')));
+    return name + process;
+}
+
+} // namespace tavrin

@@ -1,0 +1,91 @@
+#include "presentation/dialogs/TakeBackDialog.h"
+
+#include "presentation/QtText.h"
+#include "presentation/dialogs/AnswerOnce.h"
+#include "presentation/dialogs/ErrorWindow.h"
+#include "presentation/preview/ShownName.h"
+#include "support/Text.h"
+
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace tavrin {
+
+namespace {
+
+QTreeWidget* listOf(const TakeBackQuestion& question) {
+    auto* list = new QTreeWidget;
+    list->setObjectName("takeBackList");
+    list->setAccessibleName("What will be renamed");
+    list->setHeaderLabels({"Current Name", "New Name", "Folder"});
+    list->setRootIsDecorated(false);
+    list->setUniformRowHeights(true);
+    list->setTextElideMode(Qt::ElideMiddle);
+    for (const TakeBackQuestion::Row& row : question.rows)
+        list->addTopLevelItem(
+            new QTreeWidgetItem({ShownName::of(row.name, false), ShownName::of(row.newName, false),
+                                 ShownName::of(text::fromBytes(row.folder), false)}));
+    if (question.count > question.rows.size())
+        list->addTopLevelItem(
+            new QTreeWidgetItem({QString("… and %L1 more").arg(question.count - question.rows.size())}));
+    list->header()->resizeSections(QHeaderView::ResizeToContents);
+    return list;
+}
+
+QString countOf(std::size_t count) {
+    return count == 1 ? QString("1 item gets another name:")
+                      : QString("%L1 items get another name:").arg(count);
+}
+
+} // namespace
+
+TakeBackDialog::TakeBackDialog(QWidget* parent, const TakeBackQuestion& question) : QDialog(parent) {
+    setObjectName("takeBackDialog");
+    setWindowTitle(question.isUndo ? "Undo" : "Redo");
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowModality(Qt::WindowModal);
+    resize(680, 420);
+    auto* layout = new QVBoxLayout(this);
+    auto* head = new QLabel(toQString(question.title));
+    head->setTextFormat(Qt::PlainText);
+    head->setWordWrap(true);
+    QFont strong = head->font();
+    strong.setWeight(QFont::DemiBold);
+    head->setFont(strong);
+    layout->addWidget(head);
+    layout->addWidget(new QLabel(countOf(question.count)));
+    layout->addWidget(listOf(question), 1);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
+    QPushButton* go = buttons->addButton(question.isUndo ? "&Undo" : "&Redo", QDialogButtonBox::AcceptRole);
+    go->setObjectName("takeBackButton");
+    go->setDefault(true);
+    if (!question.problems.empty()) {
+        auto* note = new QLabel(
+            question.problems.size() == 1
+                ? QString("1 item can’t be renamed and stays as it is.")
+                : QString("%L1 items can’t be renamed and stay as they are.").arg(question.problems.size()));
+        note->setObjectName("takeBackProblems");
+        layout->addWidget(note);
+        QPushButton* why = buttons->addButton("&Show Them…", QDialogButtonBox::ActionRole);
+        connect(why, &QPushButton::clicked, this, [this, problems = question.problems] {
+            (new ErrorWindow(this, {problems, problems.size(), ""}))->open();
+        });
+    }
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    layout->addWidget(buttons);
+}
+
+void TakeBackDialog::ask(QWidget* parent, const TakeBackQuestion& question,
+                         std::function<void(bool)> answer) {
+    auto* dialog = new TakeBackDialog(parent, question);
+    const AnswerOnce<bool> give(std::move(answer));
+    connect(dialog, &QDialog::finished, dialog, [give](int result) { give(result == QDialog::Accepted); });
+    dialog->open();
+}
+
+} // namespace tavrin

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "shell/FrontEnd.h"
+
+#include <QDialog>
+#include <functional>
+
+namespace tavrin {
+
+/// Shows what an undo or redo would do and what it can't do, and asks whether it is to be done. Object name
+/// "takeBackDialog".
+class TakeBackDialog final : public QDialog {
+  public:
+    /// Opens it as a sheet; it deletes itself.
+    static void ask(QWidget* parent, const TakeBackQuestion& question, std::function<void(bool)> answer);
+
+  private:
+    TakeBackDialog(QWidget* parent, const TakeBackQuestion& question);
+};
+
+} // namespace tavrin

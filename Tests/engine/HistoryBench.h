@@ -1,0 +1,34 @@
+#pragma once
+
+#include "RenameBench.h"
+#include "engine/RunHistory.h"
+#include "engine/TakeBack.h"
+
+#include <string>
+#include <vector>
+
+namespace tavrin::test {
+
+/// A bench whose runs leave records, in a folder of their own.
+class HistoryBench : public RenameBench {
+  public:
+    HistoryBench();
+
+    TemporaryFolder records;
+    /// What the last undo or redo could not do, "message: name" by names relative to the folder.
+    std::vector<std::string> failures;
+    /// Why it did not begin; empty where it did.
+    std::string refusal;
+
+    /// Undoes or redoes what is next, as a program started anew would; the number of changed names.
+    int takeBack(RunKind what, bool takesReplaced = false);
+    /// The state of each run, newest first.
+    [[nodiscard]] std::vector<std::string> states() const;
+    /// The file of the newest record, relative to the folder of records.
+    [[nodiscard]] std::string newestRecord() const;
+    /// Cuts the last line off the newest record, as if the run had been killed, and marks its folders as ones
+    /// that can't refuse a taken name.
+    void interruptNewest(bool hasNoFlag = false) const;
+};
+
+} // namespace tavrin::test
