@@ -60,7 +60,7 @@ class SilentFrontEnd : public FrontEnd {
     void showConfirmationSheet(ConfirmationSheet, const PropertyDictionary&,
                                const std::optional<std::string>&,
                                std::function<void(ConfirmationChoice)>) override {}
-    void showProcessingErrors(const std::vector<ProcessingError>&, std::function<void()>) override {}
+    void showProcessingErrors(const FailureReport&, std::function<void()>) override {}
     void askForFilesToAdd(const std::string&, std::function<void(std::optional<FilesToAdd>)>) override {}
     void askForFileListFormat(std::function<void(FileListChoice)>) override {}
     void askForSavePath(const std::string&, std::function<void(std::optional<std::string>)>) override {}

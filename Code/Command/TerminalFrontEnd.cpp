@@ -43,6 +43,21 @@ std::string withoutPercentEscapes(std::string_view escaped) {
     return path;
 }
 
+/// An answer with the letter in brackets that stands for it.
+std::string_view wordsOf(ConfirmationChoice choice) {
+    switch (choice) {
+    case ConfirmationChoice::one:
+        return "[y]es";
+    case ConfirmationChoice::all:
+        return "[a]ll";
+    case ConfirmationChoice::leaveOut:
+        return "[l]eave out";
+    case ConfirmationChoice::stop:
+        break;
+    }
+    return "[s]top";
+}
+
 /// A text of several paragraphs as one line.
 std::string asOneLine(std::string text) {
     for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at))
@@ -76,6 +91,7 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::nothingToTakeBack:
     case AlertKind::updateAvailable:
     case AlertKind::noUpdate:
+    case AlertKind::settingsSetAside:
         break; // the command offers nothing that leads here
     case AlertKind::tagNotPresent:
         terminal.complain(fmt::format("tvrn: {}", alert.title));
@@ -162,40 +178,39 @@ void TerminalFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const Prop
             fmt::format("Swap the names of {} and {}?", shown("fullPathFirst"), shown("fullPathSecond"));
         break;
     case ConfirmationSheet::nameCycle:
-        question =
-            fmt::format("Names in {} depend on each other in a circle. Rename all items there by way of "
-                        "temporary names?",
-                        shown("fullPath"));
+        question = fmt::format("Names in {} depend on each other in a circle. Rename these items together?",
+                               shown("fullPath"));
         break;
     case ConfirmationSheet::problem:
         tellFailure(entry(context, "title"), entry(context, "message"), entry(context, "fullPath"));
         question = "Go on?";
         break;
     }
-    answer(interactive ? choose(question) : ConfirmationChoice::one);
+    answer(interactive ? choose(question, allowedAnswers(sheet)) : ConfirmationChoice::one);
 }
 
-ConfirmationChoice TerminalFrontEnd::choose(const std::string& question) {
-    const std::string prompt = question + " [y]es, [a]ll, [l]eave out, [s]top: ";
+ConfirmationChoice TerminalFrontEnd::choose(const std::string& question,
+                                            std::span<const ConfirmationChoice> allowed) {
+    std::string prompt = question;
+    for (const ConfirmationChoice choice : allowed)
+        prompt += fmt::format("{} {}", choice == allowed.front() ? "" : ",", wordsOf(choice));
+    prompt += ": ";
     while (const std::optional<std::string> line = terminal.ask(prompt, interrupts.descriptor())) {
         const char letter =
             line->empty() ? '\0' : static_cast<char>(std::tolower(static_cast<unsigned char>(line->front())));
-        if (letter == 'y')
-            return ConfirmationChoice::one;
-        if (letter == 'a')
-            return ConfirmationChoice::all;
-        if (letter == 'l')
-            return ConfirmationChoice::leaveOut;
-        if (letter == 's')
-            break;
+        for (const ConfirmationChoice choice : allowed) {
+            if (wordsOf(choice)[1] != letter)
+                continue;
+            stopped |= choice == ConfirmationChoice::stop;
+            return choice;
+        }
     }
     stopped = true;
     return ConfirmationChoice::stop;
 }
 
-void TerminalFrontEnd::showProcessingErrors(const std::vector<ProcessingError>& errors,
-                                            std::function<void()> closed) {
-    tellFailures(errors);
+void TerminalFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
+    tellFailures(report.errors);
     closed();
 }
 

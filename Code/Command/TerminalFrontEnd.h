@@ -2,6 +2,7 @@
 
 #include "shell/FrontEnd.h"
 
+#include <span>
 #include <string>
 
 namespace tavrin {
@@ -40,8 +41,7 @@ class TerminalFrontEnd : public FrontEnd {
     void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
                                const std::optional<std::string>& previewPath,
                                std::function<void(ConfirmationChoice)> answer) override;
-    void showProcessingErrors(const std::vector<ProcessingError>& errors,
-                              std::function<void()> closed) override;
+    void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
@@ -55,7 +55,7 @@ class TerminalFrontEnd : public FrontEnd {
   private:
     void tellFailure(const std::string& title, const std::string& message, const std::string& path);
     AlertAnswer answerToLibraryWarning(const Alert& alert);
-    ConfirmationChoice choose(const std::string& question);
+    ConfirmationChoice choose(const std::string& question, std::span<const ConfirmationChoice> allowed);
 
     Terminal& terminal;
     QueueRunLoop& loop;

@@ -88,6 +88,7 @@ TEST(Terminal, SwapsAndCyclesAreAskedForAsAWhole) {
     ASSERT_TRUE(session.await("Swap the names of "));
     session.type("y\n");
     ASSERT_TRUE(session.await("depend on each other in a circle"));
+    ASSERT_TRUE(session.await("[y]es, [a]ll, [l]eave out, [s]top: "));
     session.type("y\n");
     EXPECT_EQ(session.end(), 0);
     const std::map<std::string, std::string> expected{
@@ -105,6 +106,8 @@ TEST(Terminal, AProblemIsAskedAboutAndTheRestGoesOn) {
     workplace.folder().remove("a"); // vanishes after the preview
     session.type("y\n");
     ASSERT_TRUE(session.await("Could not change a file name: "));
+    ASSERT_TRUE(session.await("Go on? [y]es, [a]ll, [s]top: "));
+    session.type("leave out\n"); // which is no answer here
     ASSERT_TRUE(session.await("Go on?"));
     session.type("y\n");
     ASSERT_TRUE(session.await("Rename \"b\""));

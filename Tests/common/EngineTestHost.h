@@ -100,6 +100,9 @@ class EngineTestHost : public EngineHost {
     void showStats() override { note("showStats"); }
     void showCompletionDialog() override { note("showCompletionDialog"); }
     void showFileListSavingCompletionDialog(int format) override;
+    void showFileListNotSaved(const std::string& path, const std::string& reason) override {
+        note("showFileListNotSaved " + path + ": " + reason);
+    }
     void reloadPreview() override;
     void clearList() override;
     void terminate() override { note("terminate"); }

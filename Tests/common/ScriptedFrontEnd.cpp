@@ -57,6 +57,8 @@ std::string nameOf(AlertKind kind) {
         return "updateAvailable";
     case AlertKind::noUpdate:
         return "noUpdate";
+    case AlertKind::settingsSetAside:
+        return "settingsSetAside";
     }
     return "?";
 }
@@ -148,9 +150,8 @@ void ScriptedFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const Prop
     ask("sheet " + nameOf(sheet), giverOf(std::move(answer)));
 }
 
-void ScriptedFrontEnd::showProcessingErrors(const std::vector<ProcessingError>& shownErrors,
-                                            std::function<void()> closed) {
-    errors = shownErrors;
+void ScriptedFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
+    failures = report;
     ask("errors", [closed = std::move(closed)](const Answer& answer) {
         if (!std::holds_alternative<Closed>(answer))
             closed();

@@ -46,6 +46,7 @@ class ScriptedFrontEnd : public FrontEnd {
         std::optional<std::string> previewPath;
     };
     std::vector<Sheet> sheets;
+    FailureReport failures;
     std::optional<TakeBackQuestion> takeBack; ///< the last one
     std::vector<ProcessingError> errors;
     std::vector<std::string> presented;
@@ -60,8 +61,11 @@ class ScriptedFrontEnd : public FrontEnd {
     void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
                                const std::optional<std::string>& previewPath,
                                std::function<void(ConfirmationChoice)> answer) override;
-    void showProcessingErrors(const std::vector<ProcessingError>& shownErrors,
-                              std::function<void()> closed) override;
+    void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
+    void withdrawQuestions() override {
+        note("withdrawQuestions");
+        held = nullptr;
+    }
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;

@@ -234,7 +234,7 @@ TEST_F(DropletTest, ARequestFindsItsDropletAndSortsItsFilesOut) {
         EXPECT_EQ(start.missingFiles, std::vector<std::string>{gone});
         EXPECT_TRUE(start.isSilent);
         UserDefaults own;
-        own.setProcessObject(DropletRequest::recordKey, start.record);
+        own.setProcessObject(DropletHandOver::recordKey, start.record);
         const auto read = DropletHandOver::read(own);
         const auto& handOver = std::get<DropletHandOver>(read);
         EXPECT_EQ(handOver.fileList, std::vector<std::string>{there});
@@ -244,7 +244,7 @@ TEST_F(DropletTest, ARequestFindsItsDropletAndSortsItsFilesOut) {
     }
     const auto errorOf = [](const DropletRequest& request) {
         const auto result = request.start();
-        const auto* error = std::get_if<RecipeError>(&result);
+        const auto* error = std::get_if<DropletRequest::Failure>(&result);
         return error ? error->message : "no error";
     };
     EXPECT_EQ(errorOf({droplet().path(), "", {}}), "no error");

@@ -143,28 +143,85 @@ TEST_F(PresetsManagerTest, ADescriptionStaysAtItsPath) {
                   {"compositeAction", chain({u"Remove text"})}, {"own", 1}, {"description", u"d"}}));
 }
 
-TEST_F(PresetsManagerTest, WhatCannotBeReadOrRemovedIsNotWritten) {
-    const std::string path = folder.write("Presets/x.tvrn8preset.plist", "no list");
-    const auto before = folder.tree();
-    EXPECT_FALSE(manager.changeDescription(u"d", path));
-    EXPECT_FALSE(manager.changeNameAtPath(path, u"y", u"d"));
-    EXPECT_EQ(folder.tree(), before);
-
-    write("x.tvrn8preset.plist", PropertyDictionary{{"compositeAction", chain({u"Remove text"})}});
-    const auto good = folder.tree();
-    {
-        FailingFileSystem failing;
-        failing.failKind(FileCall::removeFile, EACCES);
-        EXPECT_FALSE(manager.changeNameAtPath(path, u"y", u"d"));
-        EXPECT_FALSE(manager.deletePresetAtIndex(0));
+/// Whichever call fails, the recipe is there, whole, under the old or the new name, and what is said is true.
+TEST_F(PresetsManagerTest, AFailedChangeLosesNothing) {
+    const PropertyDictionary recipe{{"compositeAction", chain({u"Remove text"})}};
+    const std::string oldPath = folder.path("Presets/x.tvrn8preset.plist");
+    for (const std::u16string name : {u"x", u"y", u"X.x"}) {
+        const std::string newPath = *manager.computePathForName(name);
+        bool hasSucceeded = false;
+        for (std::size_t number = 1; !hasSucceeded; ++number) {
+            write("x.tvrn8preset.plist", recipe);
+            FailingFileSystem failing;
+            failing.failCall(number, ENOSPC);
+            const PresetOutcome outcome = oldPath == newPath ? manager.changeDescription(u"d", oldPath)
+                                                             : manager.changeNameAtPath(oldPath, name, u"d");
+            hasSucceeded = failing.failureCount() == 0;
+            failing.reset();
+            EXPECT_EQ(bool(outcome), hasSucceeded);
+            const auto before = PresetsManager::enclosureAtPath(oldPath);
+            const auto after = PresetsManager::enclosureAtPath(newPath);
+            const bool saysBoth = outcome.error && outcome.error->find("as well") != std::string::npos;
+            EXPECT_EQ(after == PropertyDictionary(
+                                   {{"compositeAction", chain({u"Remove text"})}, {"description", u"d"}}),
+                      hasSucceeded || saysBoth)
+                << number;
+            if (oldPath != newPath) {
+                EXPECT_EQ(before, hasSucceeded ? std::nullopt : std::optional(recipe)) << number;
+            }
+            (void)manager.deletePreset(name);
+        }
     }
-    EXPECT_FALSE(manager.changeNameAtPath(path, std::u16string(1, u'\xD800'), std::nullopt));
-    EXPECT_EQ(folder.tree(), good);
+    const std::string unreadable = folder.write("Presets/x.tvrn8preset.plist", "no list");
+    const auto tree = folder.tree();
+    EXPECT_FALSE(manager.changeDescription(u"d", unreadable));
+    EXPECT_FALSE(manager.changeNameAtPath(unreadable, u"y", u"d"));
+    EXPECT_EQ(folder.tree(), tree);
+}
+
+TEST_F(PresetsManagerTest, ANameThatNoFileCanHaveOrAnotherHasChangesNothing) {
+    write("x.tvrn8preset.plist", PropertyDictionary{{"compositeAction", chain({u"Remove text"})}});
+    write("taken.tvrn8preset.plist", PropertyDictionary());
+    const auto tree = folder.tree();
+    struct Case {
+        std::u16string name;
+        const char* reason; ///< none: any other preset may have the name
+    };
+    const Case cases[] = {
+        {std::u16string(237, u'a'), nullptr},
+        {std::u16string(238, u'a'), "This name is too long for a file: 256 of 255 bytes."},
+        {std::u16string(118, u'\u00e4') + u"a", nullptr},
+        {std::u16string(119, u'\u00e4'), "This name is too long for a file: 256 of 255 bytes."},
+        {std::u16string(60, u'\u3042') + std::u16string(100, u'\u00e9'),
+         "This name is too long for a file: 398 of 255 bytes."},
+        {std::u16string(1, u'\xD800'), "A file can't have this name."},
+        {std::u16string(u"a\0b", 3), "A file can't have this name."},
+        {u"taken", "File exists"},
+    };
+    for (const Case& each : cases) {
+        const PresetOutcome outcome =
+            manager.changeNameAtPath(folder.path("Presets/x.tvrn8preset.plist"), each.name, u"d");
+        EXPECT_EQ(bool(outcome), each.reason == nullptr);
+        if (each.reason) {
+            EXPECT_NE(outcome.error.value_or("").find(each.reason), std::string::npos) << *outcome.error;
+            EXPECT_FALSE(manager.isNameIsStillAvailable(each.name));
+            EXPECT_EQ(folder.tree(), tree);
+        } else {
+            EXPECT_FALSE(folder.kind("Presets/x.tvrn8preset.plist"));
+            EXPECT_TRUE(manager.changeNameAtPath(*manager.computePathForName(each.name), u"x", std::nullopt));
+            write("x.tvrn8preset.plist", PropertyDictionary{{"compositeAction", chain({u"Remove text"})}});
+        }
+    }
 }
 
 TEST_F(PresetsManagerTest, DeletesByIndexAndByName) {
     write("a.tvrn8preset.plist", PropertyDictionary());
     write("b_c.tvrn8preset.plist", PropertyDictionary());
+    {
+        FailingFileSystem failing;
+        failing.failKind(FileCall::removeFile, EACCES);
+        EXPECT_FALSE(manager.deletePreset(u"b.c"));
+    }
     EXPECT_TRUE(manager.deletePreset(u"b.c"));
     EXPECT_FALSE(manager.deletePreset(u"b.c"));
     manager.loadPresets();

@@ -1,7 +1,10 @@
 #include "actions/CatalogueFixture.h"
+#include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
 #include "documents/DropletHandOver.h"
 #include "documents/FirstLaunchManager.h"
+
+#include <cerrno>
 
 namespace tavrin::test {
 namespace {
@@ -9,31 +12,70 @@ namespace {
 class FirstLaunchTest : public ::testing::Test {};
 
 TEST_F(FirstLaunchTest, AFirstLaunchBeginsCleanAndIsRememberedOnDisk) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path("defaults.plist");
-    {
-        UserDefaults older(path);
-        older.setObject("firstLaunchVersion", 80000);
-        older.setObject("actions", PropertyDictionary{{"Add to end", PropertyDictionary()}});
-        ASSERT_TRUE(older.synchronize());
-    }
-    UserDefaults defaults(path);
-    FirstLaunchManager manager(defaults, "/opt/tavrin");
-    EXPECT_TRUE(manager.callOnlyOnceIsFirstLaunch());
-    manager.doIt();
-    EXPECT_TRUE(manager.isFirstLaunch());
-    EXPECT_FALSE(manager.callOnlyOnceIsFirstLaunch());
-    EXPECT_EQ(defaults.objectForKey("actions"), std::nullopt);
-    EXPECT_EQ(defaults.objectForKey("location"), std::nullopt);
+    for (const int version : {80000, 80002, 0}) {
+        SCOPED_TRACE(version);
+        const TemporaryFolder folder;
+        const std::string path = folder.path("defaults.plist");
+        {
+            UserDefaults other(path);
+            if (version > 0)
+                other.setObject("firstLaunchVersion", version);
+            other.setObject("actions", PropertyDictionary{{"Add to end", PropertyDictionary()}});
+            ASSERT_TRUE(other.synchronize());
+        }
+        const std::string bytes = folder.read("defaults.plist");
+        UserDefaults defaults(path);
+        FirstLaunchManager manager(defaults, "/opt/tavrin");
+        EXPECT_TRUE(manager.callOnlyOnceIsFirstLaunch());
+        manager.doIt();
+        EXPECT_TRUE(manager.isFirstLaunch());
+        EXPECT_FALSE(manager.callOnlyOnceIsFirstLaunch());
+        EXPECT_EQ(defaults.objectForKey("actions"), std::nullopt);
+        EXPECT_EQ(defaults.objectForKey("location"), std::nullopt);
+        const std::string copy = "defaults.plist.saved-" + std::to_string(version);
+        EXPECT_EQ(folder.read(copy), bytes);
+        ASSERT_TRUE(manager.otherSettings());
+        EXPECT_EQ(manager.otherSettings()->copy, folder.path(copy));
+        EXPECT_EQ(manager.otherSettings()->isNewer, version > 80001);
 
-    UserDefaults next(path);
-    EXPECT_EQ(next.objectForKey("actions"), std::nullopt);
-    next.setObject("actions", u"kept");
-    FirstLaunchManager second(next, "/opt/tavrin");
-    second.doIt();
-    EXPECT_FALSE(second.isFirstLaunch());
-    EXPECT_EQ(next.objectForKey("actions"), PropertyValue(u"kept"));
-    EXPECT_EQ(UserDefaults(path).objectForKey("location"), PropertyValue(u"/opt/tavrin"));
+        UserDefaults next(path);
+        EXPECT_EQ(next.objectForKey("actions"), std::nullopt);
+        next.setObject("actions", u"kept");
+        FirstLaunchManager second(next, "/opt/tavrin");
+        second.doIt();
+        EXPECT_FALSE(second.isFirstLaunch());
+        EXPECT_FALSE(second.otherSettings());
+        EXPECT_EQ(next.objectForKey("actions"), PropertyValue(u"kept"));
+        EXPECT_EQ(UserDefaults(path).objectForKey("location"), PropertyValue(u"/opt/tavrin"));
+
+        // The newer version comes back, and this one once more: no copy takes the place of another.
+        folder.write("defaults.plist", bytes + "\n");
+        UserDefaults third(path);
+        FirstLaunchManager(third, "/opt/tavrin").doIt();
+        EXPECT_EQ(folder.read(copy), bytes);
+        EXPECT_EQ(folder.read(copy + "-2"), bytes + "\n");
+    }
+}
+
+TEST_F(FirstLaunchTest, WhatCannotBeCopiedStaysAsItIs) {
+    for (const FileCall call : {FileCall::read, FileCall::write, FileCall::rename}) {
+        const TemporaryFolder folder;
+        const std::string path = folder.path("defaults.plist");
+        UserDefaults newer(path);
+        newer.setObject("firstLaunchVersion", 90000);
+        ASSERT_TRUE(newer.synchronize());
+        const auto tree = folder.tree();
+        UserDefaults defaults(path);
+        FailingFileSystem failing;
+        failing.failKind(call, ENOSPC);
+        FirstLaunchManager manager(defaults, "/opt/tavrin");
+        manager.doIt();
+        failing.reset();
+        EXPECT_EQ(manager.otherSettings()->error, "No space left on device");
+        EXPECT_EQ(defaults.integerForKey("firstLaunchVersion"), 80001);
+        EXPECT_TRUE(defaults.synchronize());
+        EXPECT_EQ(folder.tree(), tree);
+    }
 }
 
 class DropletHandOverTest : public CatalogueFixture {

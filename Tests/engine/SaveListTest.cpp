@@ -55,27 +55,37 @@ TEST_F(SaveListTest, NamesArePrecomposedAndBytesStay) {
     EXPECT_EQ(save(1, true), "");
 }
 
-TEST_F(SaveListTest, AFailureIsSilentAndTheOldFileIsGone) {
+TEST_F(SaveListTest, AFailureIsToldAndTheOldFileStays) {
     host.add({folder.write("a")});
     host.preview();
     folder.write("list.txt", "old");
     FailingFileSystem files;
     files.failKind(FileCall::write, ENOSPC);
-    LogRecorder log;
     host.events.clear();
     host.saveList(0, false, folder.path("list.txt"));
-    EXPECT_EQ(log.count("Error!"), 1U);
-    EXPECT_EQ(folder.kind("list.txt"), std::nullopt);
+    EXPECT_EQ(folder.read("list.txt"), "old");
+    EXPECT_EQ(host.events.back(),
+              "showFileListNotSaved " + folder.path("list.txt") + ": No space left on device");
+    files.reset();
+    EXPECT_EQ(save(0, false), "a\ta\n");
     EXPECT_EQ(host.events.back(), "showFileListSavingCompletionDialog 0");
 }
 
 TEST_F(SaveListTest, WhatCannotBeReadIsNotSaidToBeSaved) {
     BrokenHost broken(folder.path());
-    broken.host.saveList(0, false, folder.path("list.txt"));
-    EXPECT_EQ(broken.host.events.back(), "showCompletionDialog");
-    ASSERT_EQ(broken.host.errors().size(), 1U);
-    EXPECT_TRUE(broken.host.errors().front().starts_with("The file list was not saved | segment "));
+    const std::string list = folder.path("list.txt");
+    broken.host.saveList(0, false, list);
+    EXPECT_TRUE(broken.host.events.back().starts_with("showFileListNotSaved " + list + ": segment "));
     EXPECT_EQ(folder.kind("list.txt"), std::nullopt);
+}
+
+TEST_F(SaveListTest, ALinkStaysOne) {
+    host.add({folder.write("a")});
+    host.preview();
+    folder.write("real.txt", "old");
+    (void)folder.link("list.txt", "real.txt");
+    EXPECT_EQ(save(1, false), "a\n");
+    EXPECT_EQ(folder.read("real.txt"), "a\n");
 }
 
 TEST_F(SaveListTest, HasNoProgress) {

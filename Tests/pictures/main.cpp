@@ -188,16 +188,18 @@ class Pictures {
         MainWindow* window = &application->window();
         const std::string photo = files->path("IMG_4021.JPG");
         const auto ask = [&](ConfirmationSheet sheet, const char* name) {
-            Dialogs::showConfirmationSheet(window, sheet,
-                                           {{"oldName", u"IMG_4021.JPG"},
-                                            {"newName", u"Lofoten 4021.jpg"},
-                                            {"fullPath", u"/home/ann/Pictures/Lofoten/IMG_4021.JPG"},
-                                            {"fullPathFirst", u"/home/ann/Pictures/Lofoten/IMG_4021.JPG"},
-                                            {"title", u"This item could not be renamed."},
-                                            {"message", u"Another file has this name."}},
-                                           sheet == ConfirmationSheet::swap ? std::nullopt
-                                                                            : std::optional(photo),
-                                           true, [](ConfirmationChoice) {});
+            Dialogs::showConfirmationSheet(
+                window, sheet,
+                {{"oldName", u"IMG_4021.JPG"},
+                 {"newName", u"Lofoten 4021.jpg"},
+                 {"fullPath", u"/home/ann/Pictures/Lofoten/IMG_4021.JPG"},
+                 {"fullPathFirst", u"/home/ann/Pictures/Lofoten/IMG_4021.JPG"},
+                 {"title", u"This item could not be renamed."},
+                 {"message", u"You may not have sufficient access privileges to change the name of this "
+                             u"item. (Operation not permitted: it is immutable, chattr -i "
+                             u"allows changes again)"}},
+                sheet == ConfirmationSheet::swap ? std::nullopt : std::optional(photo), true,
+                [](ConfirmationChoice) {});
             saveDialog(name);
         };
         ask(ConfirmationSheet::rename, "confirm-rename");
@@ -206,8 +208,10 @@ class Pictures {
         ask(ConfirmationSheet::problem, "report-problem");
         Dialogs::showProcessingErrors(
             window,
-            {{"Could not rename", "Another file has this name.", photo},
-             {"Could not rename", "Permission denied.", files->path("tickets.pdf")}},
+            {{{"Could not rename", "Another file has this name.", photo},
+              {"Could not rename", "Permission denied.", files->path("tickets.pdf")}},
+             2,
+             "3 file names were changed."},
             [] {});
         saveDialog("errors");
         Dialogs::showNotice(window, NoticeDialog::noFilesSelected, [](NoticeAnswer) {});

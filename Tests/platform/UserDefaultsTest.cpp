@@ -186,6 +186,28 @@ TEST(UserDefaultsFile, ADamagedFileIsKeptAside) {
     }
 }
 
+TEST(UserDefaultsFile, ALinkStaysOne) {
+    for (const char* content : {"<plist><dict/></plist>", "damaged", ""}) {
+        const TemporaryFolder folder;
+        (void)folder.makeFolder("dotfiles");
+        if (*content)
+            folder.write("dotfiles/mine.plist", content);
+        (void)folder.makeFolder("c");
+        (void)folder.link("c/second", "../dotfiles/mine.plist");
+        (void)folder.link("c/defaults.plist", "second");
+        UserDefaults defaults(folder.path("c/defaults.plist"));
+        defaults.setObject("new", 1);
+        EXPECT_TRUE(defaults.synchronize()) << content;
+        EXPECT_TRUE(stored(folder) == (PropertyDictionary{{"new", 1}})) << content;
+        struct stat status {};
+        for (const char* link : {"c/defaults.plist", "c/second"}) {
+            ASSERT_EQ(::lstat(folder.path(link).c_str(), &status), 0);
+            EXPECT_TRUE(S_ISLNK(status.st_mode)) << link;
+        }
+        EXPECT_EQ(folder.kind("dotfiles/mine.plist.damaged").has_value(), std::string(content) == "damaged");
+    }
+}
+
 TEST(UserDefaultsFile, AFileDamagedMeanwhileCostsNothing) {
     const TemporaryFolder folder;
     UserDefaults defaults(folder.path("c/defaults.plist"));

@@ -17,8 +17,8 @@ namespace {
 
 class DamagedState : public WindowFixture {
   protected:
-    std::string errorText() {
-        const auto* box = waitFor<QMessageBox>("errorAlert");
+    std::string errorText(const char* name = "errorAlert") {
+        const auto* box = waitFor<QMessageBox>(name);
         return (box->text() + ' ' + box->informativeText()).toStdString();
     }
 
@@ -83,6 +83,21 @@ TEST_F(DamagedState, KeepsAChainOfANewerVersionUntilThereIsAnother) {
     EXPECT_EQ(currentAction().actionName(), "Make uppercase");
 }
 
+TEST_F(DamagedState, SetsTheSettingsOfANewerVersionAsideAndSaysWhere) {
+    const std::string settings = PropertyList::toXml(
+        PropertyDictionary{{"firstLaunchVersion", 90000}, {"composite action", u"of another kind"}});
+    data.write("defaults.plist", settings);
+    start();
+    auto* alert = waitFor<QMessageBox>("alert");
+    const std::string copy = data.path("defaults.plist.saved-90000");
+    EXPECT_EQ(alert->text().toStdString(), "The settings of a newer version were found.");
+    EXPECT_NE(alert->informativeText().toStdString().find("copied to \"" + copy + "\""), std::string::npos);
+    EXPECT_EQ(data.read("defaults.plist.saved-90000"), settings);
+    alert->accept();
+    restart();
+    EXPECT_EQ(findWidget("alert"), nullptr);
+}
+
 TEST_F(DamagedState, WorksWithoutAFolderForItsData) {
     const std::string file = data.write("occupied", "x");
     TavrinApplication::Options options;
@@ -90,13 +105,13 @@ TEST_F(DamagedState, WorksWithoutAFolderForItsData) {
     options.dataFolder = file + "/data";
     application = std::make_unique<TavrinApplication>(options);
     application->start({makeFile("a.txt")});
-    EXPECT_TRUE(errorText().starts_with("The list of items can't be kept in a file")) << errorText();
-    find<QDialog>("errorAlert")->accept();
-    waitUntilGone("errorAlert");
+    EXPECT_TRUE(errorText("noticeAlert").starts_with("The list of items can't be kept in a file"));
+    find<QDialog>("noticeAlert")->accept();
+    waitUntilGone("noticeAlert");
     waitForNames({"Image_01.txt"});
     application->window().commands().command("createNewPresetWithCurrentSettings")->trigger();
     find<QDialog>("newPresetWindow")->accept();
-    EXPECT_TRUE(errorText().starts_with("The preset can't be saved in \"" + options.dataFolder))
+    EXPECT_TRUE(errorText().starts_with("The preset can't be saved as \"" + options.dataFolder))
         << errorText();
     find<QDialog>("errorAlert")->accept();
     EXPECT_EQ(application->controller().presetsManager().count(), 0U);

@@ -10,6 +10,7 @@
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/ActionSearch.h"
 #include "shell/MainController.h"
+#include "support/Text.h"
 
 #include <QAction>
 #include <QApplication>
@@ -24,7 +25,9 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
@@ -96,6 +99,9 @@ TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
     auto* buttons = find<QDialog>("newPresetWindow")->findChild<QDialogButtonBox*>();
     EXPECT_FALSE(buttons->button(QDialogButtonBox::Save)->isEnabled());
     EXPECT_EQ(find<QLabel>("presetNote")->text(), "A preset of this name exists.");
+    find<QLineEdit>("presetName")->setText(QString(119, QChar(0xE4)));
+    EXPECT_FALSE(buttons->button(QDialogButtonBox::Save)->isEnabled());
+    EXPECT_EQ(find<QLabel>("presetNote")->text(), "This name is too long for a file: 256 of 255 bytes.");
     find<QDialog>("newPresetWindow")->reject();
 
     trigger("organizePresets");
@@ -145,6 +151,72 @@ TEST_F(DialogTests, WarnWhenShootingDatesAreSwitchedOff) {
               "Sorting By EXIF Digital Camera Date will not work correctly.");
 }
 
+// Reasons can be longer than any line, and are there to be read whole and copied.
+TEST_F(DialogTests, ShowWholeReasonsAndCountAllFailures) {
+    start();
+    const std::string name(255, 'x');
+    const std::string reason =
+        "You may not have sufficient access privileges to change the name of this item. "
+        "(File name too long: 261 of 255 bytes: " +
+        name + ")";
+    const std::pair<std::size_t, const char*> heads[] = {
+        {1, "1 item was not renamed.\nDone."},
+        {300000,
+         "300000 items were not renamed. Those that you have been told of during the run are not listed "
+         "again.\nDone."}};
+    for (const auto& [count, head] : heads) {
+        Dialogs::showProcessingErrors(&application->window(),
+                                      {{{"Title", reason, "/f/" + name}}, count, "Done."}, [] {});
+        EXPECT_EQ(waitFor<QLabel>("errorHead")->text().toStdString(), head);
+        auto* message = find<QPlainTextEdit>("errorMessage");
+        EXPECT_EQ(message->toPlainText().toStdString(), reason);
+        EXPECT_EQ(message->verticalScrollBar()->maximum(), 0);
+        message->setFocus();
+        QTest::keyClick(message, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(message, Qt::Key_C, Qt::ControlModifier);
+        EXPECT_EQ(QApplication::clipboard()->text().toStdString(), reason);
+        find<QDialog>("errorWindow")->accept();
+        waitUntilGone("errorWindow");
+    }
+    Dialogs::showConfirmationSheet(&application->window(), ConfirmationSheet::problem,
+                                   {{"title", u"Title"},
+                                    {"message", text::fromBytes(reason)},
+                                    {"fullPath", text::fromBytes("/f/" + name)}},
+                                   std::nullopt, false, [](ConfirmationChoice) {});
+    for (const char* each : {"problemMessage", "problemItem"}) {
+        auto* message = waitFor<QPlainTextEdit>(each);
+        EXPECT_EQ(message->verticalScrollBar()->maximum(), 0) << each;
+        EXPECT_LE(message->mapTo(find("reportProblemWindow"), QPoint(message->width(), 0)).x(),
+                  find("reportProblemWindow")->width());
+    }
+}
+
+// No question offers an answer that it does not allow, and each offers all that it does.
+TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
+    start();
+    const std::pair<const char*, ConfirmationChoice> buttons[] = {{"confirmOne", ConfirmationChoice::one},
+                                                                  {"confirmAll", ConfirmationChoice::all},
+                                                                  {"leaveOut", ConfirmationChoice::leaveOut},
+                                                                  {"confirmStop", ConfirmationChoice::stop}};
+    for (const auto sheet : {ConfirmationSheet::rename, ConfirmationSheet::swap, ConfirmationSheet::nameCycle,
+                             ConfirmationSheet::problem}) {
+        for (const auto& [name, choice] : buttons) {
+            std::optional<ConfirmationChoice> given;
+            Dialogs::showConfirmationSheet(&application->window(), sheet, {}, std::nullopt, false,
+                                           [&](ConfirmationChoice answer) { given = answer; });
+            QWidget* button = findWidget(name);
+            const bool isOffered = button && button->isVisible();
+            EXPECT_EQ(isOffered, std::ranges::count(allowedAnswers(sheet), choice) == 1) << name;
+            if (isOffered)
+                click(name);
+            else
+                find<QDialog>("reportProblemWindow")->reject();
+            EXPECT_EQ(given, isOffered ? choice : ConfirmationChoice::stop);
+            waitUntilGone("confirmStop");
+        }
+    }
+}
+
 TEST_F(DialogTests, ExplainAnEmptyListOnce) {
     start();
     application->controller().ok();
@@ -171,6 +243,12 @@ TEST_F(DialogTests, SaveAListInEachForm) {
     waitUntil("the list is written", [this] { return folder.kind("list.txt").has_value(); });
     waitForPreview();
     EXPECT_EQ(folder.read("list.txt"), "a.txt\tImage_01.txt\n");
+    EXPECT_EQ(waitFor<QMessageBox>("alert")->text().toStdString(), "The file list was successfully saved.");
+    find<QMessageBox>("alert")->accept();
+    application->controller().renameEngine().processFileListPipeline(application->controller().progressInfo(),
+                                                                     0, false, folder.path("gone/list.txt"));
+    EXPECT_EQ(waitFor<QMessageBox>("errorAlert")->informativeText().toStdString(),
+              "\"" + folder.path("gone/list.txt") + "\" could not be written: No such file or directory");
 }
 
 TEST_F(DialogTests, OpenHelpAtEveryAnchor) {

@@ -96,16 +96,18 @@ class DropletStart : public ::testing::Test {
 
 TEST_F(DropletStart, RenamesWhatIsDroppedAndEnds) {
     const std::string droplet = makeDroplet("It's 50% \"$HOME\" `x`", "X");
+    // Written by a newer version: not a droplet's to touch.
+    const std::string settings = PropertyList::toXml(
+        PropertyDictionary{{"firstLaunchVersion", 90000}, {"precious", u"kept"}, {"interactiveMode", u"?"}});
+    (void)home.write("net.calderwick.tvrn9.plist", settings);
     std::vector<std::string> arguments{"--droplet", droplet, "--launcher="};
     for (const char* name : {"in/a b", "in/--help", "in/say \"hi\" 100%F", "in/two\nlines", "in/\xC3\xA4"})
         arguments.push_back(home.write(name));
     QProcess& process = start(arguments);
     EXPECT_EQ(statusOf(process), 0) << process.readAllStandardError().toStdString();
     EXPECT_THAT(names("in"), ElementsAre("--helpX", "a bX", "say \"hi\" 100%FX", "two\nlinesX", "\xC3\xA4X"));
-    // The user's own recipe and settings stay as they are.
-    EXPECT_EQ(stored("composite action"), std::nullopt);
-    EXPECT_EQ(stored("actions"), std::nullopt);
-    EXPECT_EQ(stored("droplet settings"), std::nullopt);
+    EXPECT_EQ(home.read("net.calderwick.tvrn9.plist"), settings);
+    EXPECT_FALSE(home.kind("net.calderwick.tvrn9.plist.saved-90000"));
 }
 
 TEST_F(DropletStart, FindsItsBundleBesideTheLauncher) {
@@ -124,7 +126,7 @@ TEST_F(DropletStart, FindsItsBundleBesideTheLauncher) {
 }
 
 TEST_F(DropletStart, TellsWhatKeepsItFromRunning) {
-    const std::string good = makeDroplet("Good", "X");
+    const std::string good = makeDroplet("Good", "X", {{"silentDroplet", 0}});
     const std::string broken = makeDroplet("Broken", "X");
     (void)home.write("desktop/Broken.app/Contents/Resources/Settings.plist", "<plist><dict>");
     const std::string file = home.write("in/a");
@@ -162,6 +164,10 @@ TEST_F(DropletStart, TellsWhatKeepsItFromRunning) {
 
 TEST_F(DropletStart, ASilentDropletPassesOverFilesThatAreGone) {
     const std::string droplet = makeDroplet("A", "X");
+    QProcess& nothingLeft = start({"--droplet", droplet, "--launcher=", home.path("in/gone")});
+    EXPECT_EQ(statusOf(nothingLeft), 2);
+    EXPECT_THAT(nothingLeft.readAllStandardError().toStdString(),
+                HasSubstr("The dropped files are not there."));
     QProcess& process = start({"--droplet", droplet, home.path("in/gone"), home.write("in/a")});
     EXPECT_EQ(statusOf(process), 0);
     EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("in/gone"));

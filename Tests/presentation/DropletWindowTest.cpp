@@ -113,6 +113,28 @@ TEST_F(DropletWindow, AsksAndTellsWithoutTheWindowAndEndsWithTheLast) {
     EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"aX", "bX"}));
 }
 
+TEST_F(DropletWindow, StopsWhenTheWindowOfItsProgressIsClosed) {
+    startDroplet({{"interactiveMode", 1}, {"showSummary", 0}}, {makeFile("a"), makeFile("b")});
+    std::string summary;
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, qApp, [&] {
+        const QWidget* sheet = findWidget("confirmRenameWindow");
+        if (sheet && sheet->isVisible()) {
+            EXPECT_FALSE(find("progressWindow")->close()) << "it stays until the run has ended";
+        }
+        auto* alert = dynamic_cast<QMessageBox*>(findWidget("alert"));
+        if (alert && alert->isVisible()) {
+            summary = (alert->text() + "|" + alert->informativeText()).toStdString();
+            alert->close();
+        }
+    });
+    user.start(20);
+    EXPECT_TRUE(endsByItself());
+    EXPECT_EQ(summary,
+              "No file names were changed.|The rename was stopped: 0 of 2 items have got their new names.");
+    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"a", "b"}));
+}
+
 TEST_F(DropletWindow, WaitsForTheUserToReadWhyItCannotRun) {
     startDroplet({{"processFiles", 1}}, {makeFile("a")});
     application->controller().compositeAction().getCurrentAction().setValue(0, "active");

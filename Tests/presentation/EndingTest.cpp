@@ -8,9 +8,12 @@
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/MainController.h"
 
+#include <gmock/gmock.h>
+
 #include <QAction>
 #include <QApplication>
 #include <QHeaderView>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSplitter>
 #include <QTableView>
@@ -45,8 +48,19 @@ const Way ways[] = {
 
 class Ending : public WindowFixture {
   protected:
-    /// Runs the event loop as the program does, ends it in this way, and takes all down.
-    void endBy(const Way& way) {
+    /// Runs the event loop as the program does, ends it in this way, and takes all down. Gives the report of
+    /// a run that comes up on the way and is then closed.
+    std::string endBy(const Way& way) {
+        std::string report;
+        QTimer reader;
+        QObject::connect(&reader, &QTimer::timeout, [&] {
+            auto* alert = dynamic_cast<QMessageBox*>(findWidget("alert"));
+            if (!alert || !alert->isVisible())
+                return;
+            report = (alert->text() + "|" + alert->informativeText()).toStdString();
+            alert->accept();
+        });
+        reader.start(1);
         QTimer::singleShot(0, qApp, [&] { way.end(*application); });
         bool isLate = false;
         QTimer watchdog;
@@ -55,10 +69,13 @@ class Ending : public WindowFixture {
             QCoreApplication::exit(1);
         });
         watchdog.start(5000);
-        QApplication::exec();
+        status = QApplication::exec();
         EXPECT_FALSE(isLate) << "the event loop did not end";
         application.reset(); // workers that wait for an answer are freed, or this never returns
+        return report;
     }
+
+    int status = 0; ///< that the program would end with
 
     void startWithFiles(int count) {
         std::vector<std::string> paths;
@@ -96,7 +113,15 @@ TEST_F(Ending, StopsAQuestionInEachWay) {
         click("okButton");
         waitFor("confirmRenameWindow");
         EXPECT_FALSE(application->window().commands().command("cancel")->isEnabled());
-        endBy(way);
+        ::testing::internal::CaptureStderr();
+        const std::string onScreen = endBy(way);
+        const std::string told = ::testing::internal::GetCapturedStderr();
+        const std::string stopped = "The rename was stopped: 0 of 3 items have got their new names.";
+        const bool isSeen = std::string(way.name) == "window";
+        EXPECT_EQ(status, isSeen ? 0 : 3);
+        EXPECT_EQ(onScreen, isSeen ? "No file names were changed.|" + stopped : "");
+        EXPECT_THAT(told, ::testing::HasSubstr(
+                              isSeen ? "" : "tavrin: No file names were changed. " + stopped + "\n"));
         EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"0.txt", "1.txt", "2.txt"}));
     }
 }
@@ -115,13 +140,23 @@ TEST_F(Ending, StopsAPreviewAndARunBetweenItems) {
             continue;
         startWithFiles(200);
         application->controller().globalSettings().setValue(0, "interactiveMode");
+        application->controller().globalSettings().setValue(0, "showSummary");
         click("okButton");
-        endBy(way);
-        // Some have new names, some the old, and none is lost.
+        ::testing::internal::CaptureStderr();
+        std::string report = endBy(way);
+        report += ::testing::internal::GetCapturedStderr();
+        // Some have new names, some the old, none is lost, and the number is told.
         std::set<std::string> contents;
-        for (const std::string& name : filesOnDisk())
+        int renamed = 0;
+        for (const std::string& name : filesOnDisk()) {
             contents.insert(folder.read(name));
+            renamed += name.starts_with(way.name) ? 1 : 0;
+        }
         EXPECT_EQ(contents.size(), 200U);
+        EXPECT_THAT(report,
+                    ::testing::HasSubstr(renamed == 0   ? "No file names were changed."
+                                         : renamed == 1 ? "1 file name was changed."
+                                                        : std::to_string(renamed) + " file names were"));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
@@ -24,6 +25,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
@@ -121,6 +123,7 @@ TEST_F(MainRoad, AsksAndObeysEachAnswer) {
         {swap, "confirmSwapWindow", {"leaveOut"}, {"a=a", "b=b", "c=c"}},
         {swap, "confirmSwapWindow", {"confirmOne"}, {"a=b", "b=a", "c=c"}},
         {circle, "confirmNameCycleWindow", {"confirmStop"}, {"a=a", "b=b", "c=c"}},
+        {circle, "confirmNameCycleWindow", {"leaveOut"}, {"a=a", "b=b", "c=c"}},
         {circle, "confirmNameCycleWindow", {"confirmOne"}, {"a=c", "b=a", "c=b"}},
     };
     for (const Case& each : cases) {
@@ -180,7 +183,8 @@ TEST_F(MainRoad, TellsFailuresAtOnceAndAllOthersAtTheEnd) {
     auto* list = find<QListWidget>("errorList");
     ASSERT_EQ(list->count(), 1); // the one that was told at once is not told again
     EXPECT_TRUE(list->item(0)->text().contains("c.txt"));
-    EXPECT_FALSE(find<QLabel>("errorMessage")->text().isEmpty());
+    EXPECT_TRUE(find<QLabel>("errorHead")->text().endsWith("1 file name was changed."));
+    EXPECT_FALSE(find<QPlainTextEdit>("errorMessage")->toPlainText().isEmpty());
     QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(QApplication::clipboard()->text().endsWith("c.txt\n"));
     find<QDialog>("errorWindow")->accept();
@@ -284,8 +288,39 @@ TEST_F(MainRoad, OrdersRowsByHand) {
         return model().rowCount() == 3 && model().rowAt(1).name == u"c.txt" &&
                model().rowAt(1).finalName == u"Image_02.txt";
     });
-    EXPECT_EQ(view->selectedRows(), (DNDArrayController::Indexes{1}));
+    EXPECT_EQ(view->selectedRows(), std::vector<std::size_t>{1});
     EXPECT_FALSE(application->controller().globalSettings().automaticSorting());
+}
+
+// What is on show may be a part of the list: what is done to a row hits that row, and no other.
+TEST_F(MainRoad, MovesAndRemovesTheRowsOfAFilteredList) {
+    start({makeFile("a"), makeFile("bK"), makeFile("c"), makeFile("dK"), makeFile("e")});
+    UserDefaults::sharedInstance().setObject("showManualSortingAlert", false);
+    chooseAction("Replace text");
+    type("searchTerm", "K");
+    type("replacementTerm", "L");
+    waitForNames({"a", "bL", "c", "dL", "e"});
+    auto* view = find<PreviewTableView>("previewTableView");
+    const auto names = [this] {
+        std::vector<std::string> result;
+        for (int row = 0; row < model().rowCount(); ++row)
+            result.push_back(text::toUtf8(model().rowAt(row).name));
+        return result;
+    };
+    application->window().previewPane().setShow(PreviewPane::Show::toBeRenamed);
+    ASSERT_EQ(names(), (std::vector<std::string>{"bK", "dK"}));
+    view->selectRow(1);
+    QTest::keyClick(view, Qt::Key_Up, Qt::AltModifier);
+    waitUntil("the order is turned", [&] { return names() == std::vector<std::string>{"dK", "bK"}; });
+    application->window().previewPane().setShow(PreviewPane::Show::all);
+    EXPECT_EQ(names(), (std::vector<std::string>{"a", "dK", "bK", "c", "e"}));
+    application->window().previewPane().setShow(PreviewPane::Show::toBeRenamed);
+    view->selectRow(0);
+    auto& dragging = application->controller().dndArrayController();
+    ASSERT_TRUE(dragging.writeRows(view->selectedIds()));
+    EXPECT_TRUE(dragging.deleteRowsIfAppropriate());
+    application->window().previewPane().setShow(PreviewPane::Show::all);
+    waitUntil("the row is gone", [&] { return names() == std::vector<std::string>{"a", "bK", "c", "e"}; });
 }
 
 TEST_F(MainRoad, RemovesRowsFromTheListAlone) {

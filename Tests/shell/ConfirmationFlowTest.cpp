@@ -20,6 +20,18 @@ class ConfirmationFlowTest : public ShellFixture {
         flow().applyCurrentSettings(false, [&](bool started) { result = started; });
         return result;
     }
+    /// What a run has left behind.
+    void setResult(int renamed, int notRenamed, const std::vector<ProcessingError>& errors, int planned = 0) {
+        StoreContext& context = controller().managedObjectContext();
+        const std::lock_guard lock(context.mutex());
+        context.changeEngineControl().numberOfActuallyRenamedFiles = renamed;
+        context.changeEngineControl().numberOfItemsNotRenamed = notRenamed;
+        context.changeEngineControl().numberOfFilesThatNeedRenaming = planned;
+        context.deleteProcessingErrors(100);
+        for (const ProcessingError& error : errors)
+            context.insertProcessingError(error);
+        context.commit();
+    }
     ConfirmationAnswerPointer answer() {
         given.reset();
         return std::make_unique<ConfirmationAnswer>([this](ConfirmationChoice choice) { given = choice; });
@@ -139,33 +151,103 @@ TEST_F(ConfirmationFlowTest, LibraryWarningsAskOnlyWhileSwitchedOn) {
 
 TEST_F(ConfirmationFlowTest, TheReportOfARunFitsWhatHappened) {
     start();
-    const auto renamed = [&](int count, std::vector<ProcessingError> errors) {
-        StoreContext& context = controller().managedObjectContext();
-        const std::lock_guard lock(context.mutex());
-        context.changeEngineControl().numberOfActuallyRenamedFiles = count;
-        context.deleteProcessingErrors(100);
-        for (ProcessingError& error : errors)
-            context.insertProcessingError(std::move(error));
-        context.commit();
-    };
     const std::vector<std::pair<int, std::string>> texts{{-1, "No file names were changed."},
                                                          {0, "No file names were changed."},
                                                          {1, "1 file name was changed."},
                                                          {2, "2 file names were changed."}};
     for (const auto& [count, text] : texts) {
-        renamed(count, {});
+        setResult(count, 0, {});
         frontEnd.expect("alert summary");
         controller().showCompletionDialog();
         EXPECT_EQ(frontEnd.alerts.back().title, text);
         EXPECT_EQ(frontEnd.alerts.back().text, "");
     }
+    // Those that were told during the run left no record, and are counted all the same.
+    setResult(1, 1, {});
+    frontEnd.expect("alert summary");
+    controller().showCompletionDialog();
+    EXPECT_EQ(frontEnd.alerts.back().text, "1 item was not renamed.");
     set("showSummary", 2);
     controller().showCompletionDialog();
     const ProcessingError error{"T", "M", "/p"};
-    renamed(1, {error});
-    frontEnd.expect("errors");
-    controller().showCompletionDialog();
-    EXPECT_EQ(frontEnd.errors, std::vector<ProcessingError>{error});
+    for (const std::size_t notRenamed : {1U, 300000U}) {
+        setResult(1, static_cast<int>(notRenamed), {error});
+        frontEnd.expect("errors");
+        controller().showCompletionDialog();
+        EXPECT_EQ(frontEnd.failures.errors, std::vector<ProcessingError>{error});
+        EXPECT_EQ(frontEnd.failures.notRenamed, notRenamed);
+        EXPECT_EQ(frontEnd.failures.done, "1 file name was changed.");
+    }
+}
+
+// Whatever the settings say: a run that was cut short is reported, and only then all ends.
+TEST_F(ConfirmationFlowTest, AClosedWindowStopsTheRunAndReportsIt) {
+    const ProcessingError error{"T", "M", "/p"};
+    for (const bool hasErrors : {false, true}) {
+        start();
+        set("showSummary", 0);
+        controller().startProgressWindow();
+        EXPECT_FALSE(controller().renameEngine().isStopRequested());
+        controller().windowWillClose();
+        EXPECT_TRUE(controller().renameEngine().isStopRequested());
+        EXPECT_EQ(frontEnd.events.back(), "withdrawQuestions");
+        // No question comes any more, but what fails is still told.
+        flow().confirmRename({"/f", "/f/a", "a", "b"}, answer());
+        EXPECT_EQ(given, ConfirmationChoice::stop);
+        flow().showITunesWarning(answer());
+        EXPECT_EQ(given, ConfirmationChoice::stop);
+        frontEnd.expect("sheet problem", ConfirmationChoice::one);
+        flow().reportProblem({"T", "M", "/f/a", "/f"}, answer());
+        controller().stopProgressWindow();
+        controller().windowWillClose(); // once more, between the run and its report
+        EXPECT_FALSE(frontEnd.isTerminated);
+        setResult(2, hasErrors, hasErrors ? std::vector{error} : std::vector<ProcessingError>(), 9);
+        frontEnd.expect(hasErrors ? "errors" : "alert summary", ScriptedFrontEnd::Held());
+        controller().showCompletionDialog();
+        const std::string stopped = "The rename was stopped: 2 of 9 items have got their new names.";
+        EXPECT_EQ(hasErrors ? frontEnd.failures.done : frontEnd.alerts.back().text,
+                  hasErrors ? "2 file names were changed. " + stopped : stopped);
+        EXPECT_FALSE(frontEnd.isTerminated);
+        frontEnd.answerHeld(AlertAnswer());
+        EXPECT_TRUE(frontEnd.isTerminated);
+        endController();
+        frontEnd.isTerminated = false;
+        loop.reopen();
+    }
+}
+
+TEST_F(ConfirmationFlowTest, AnEndThatCannotWaitIsToldInOneLine) {
+    start();
+    std::vector<std::string> told;
+    const auto tell = [&](const std::string& report) { told.push_back(report); };
+    EXPECT_FALSE(flow().stopRun(tell));
+    struct Case {
+        int renamed, notRenamed, planned;
+        std::string report;
+    };
+    for (const Case& each :
+         {Case{1, 0, 3,
+               "1 file name was changed. The rename was stopped: 1 of 3 items have got their new names."},
+          Case{3, 0, 3, "3 file names were changed."},
+          Case{0, 2, 3,
+               "No file names were changed. The rename was stopped: 0 of 3 items have got their new names. 2 "
+               "items "
+               "were not renamed."}}) {
+        controller().startProgressWindow();
+        EXPECT_TRUE(flow().stopRun(tell));
+        flow().reportProblem({"T", "M", "/f/a", "/f"}, answer());
+        EXPECT_EQ(given, ConfirmationChoice::stop);
+        controller().stopProgressWindow();
+        setResult(each.renamed, each.notRenamed, {}, each.planned);
+        controller().showCompletionDialog();
+        EXPECT_EQ(told.back(), each.report);
+        EXPECT_FALSE(flow().stopRun(tell));
+    }
+    controller().startProgressWindow();
+    EXPECT_TRUE(flow().stopRun(tell));
+    controller().showFileListNotSaved("/l", "No space left on device");
+    EXPECT_EQ(told.back(),
+              "The file list could not be saved. \"/l\" could not be written: No space left on device");
 }
 
 TEST_F(ConfirmationFlowTest, TheEndWaitsUntilTheReportIsClosed) {

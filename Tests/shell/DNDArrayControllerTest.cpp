@@ -2,7 +2,6 @@
 
 #include "ShellFixture.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "support/DebugLog.h"
 
 #include <fmt/format.h>
 
@@ -13,14 +12,9 @@ namespace tavrin::test {
 
 namespace {
 
-using Indexes = DNDArrayController::Indexes;
+using Place = DNDArrayController::Place;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
-
-struct Lines final : LogSink {
-    void write(std::string_view line) override { lines.emplace_back(line); }
-    std::vector<std::string> lines;
-};
 
 class DNDArrayControllerTest : public ShellFixture {
   protected:
@@ -40,29 +34,50 @@ class DNDArrayControllerTest : public ShellFixture {
             result.push_back(line.substr(0, line.find(" > ")));
         return result;
     }
+    RowId idOf(const std::string& name) {
+        const std::vector<std::string> all = names();
+        const auto found = std::ranges::find(all, name);
+        return found == all.end() ? noRow
+                                  : controller()
+                                        .nodeController()
+                                        .arrangedObjects()[static_cast<std::size_t>(found - all.begin())];
+    }
+    std::vector<RowId> idsOf(const std::vector<std::string>& wanted) {
+        std::vector<RowId> ids;
+        for (const std::string& name : wanted)
+            ids.push_back(idOf(name));
+        return ids;
+    }
     bool isAutomatic() { return controller().globalSettings().automaticSorting(); }
 
     std::vector<std::string> paths;
 };
 
-TEST_F(DNDArrayControllerTest, PutsDraggedRowsInFrontOfTheRowOfTheDrop) {
+/// The rows are told by their ids, so it does not matter which of them are on show.
+TEST_F(DNDArrayControllerTest, PutsDraggedRowsAtThePlaceOfTheDrop) {
     struct Case {
-        Indexes dragged;
-        std::size_t row;
+        std::vector<std::string> dragged;
+        const char* row; ///< empty: the end
+        bool isBehind;
         std::vector<std::string> order;
     };
-    const Case cases[] = {{{1, 2}, 4, {"a", "d", "b", "c"}}, {{3}, 0, {"d", "a", "b", "c"}},
-                          {{0, 2}, 1, {"a", "c", "b", "d"}}, {{0}, 0, {"a", "b", "c", "d"}},
-                          {{1}, 2, {"a", "b", "c", "d"}},    {{0, 1, 2, 3}, 2, {"a", "b", "c", "d"}},
-                          {{0, 3}, 99, {"b", "c", "a", "d"}}};
+    const Case cases[] = {{{"b", "c"}, "", false, {"a", "d", "b", "c"}},
+                          {{"b", "c"}, "d", true, {"a", "d", "b", "c"}},
+                          {{"d"}, "a", false, {"d", "a", "b", "c"}},
+                          {{"c", "a"}, "b", false, {"a", "c", "b", "d"}},
+                          {{"a"}, "c", true, {"b", "c", "a", "d"}},
+                          {{"a"}, "a", false, {"a", "b", "c", "d"}},
+                          {{"b"}, "b", true, {"a", "b", "c", "d"}},
+                          {{"a", "b", "c", "d"}, "c", false, {"a", "b", "c", "d"}},
+                          {{"a", "d"}, "", false, {"b", "c", "a", "d"}}};
     startWith({"a", "b", "c", "d"});
     for (const Case& each : cases) {
-        SCOPED_TRACE(fmt::format("to {}: {}", each.row, each.order.front()));
+        SCOPED_TRACE(fmt::format("{} to {}", each.dragged.front(), each.row));
         set("automaticSorting", true);
         waitForPreview();
         ASSERT_THAT(names(), ElementsAre("a", "b", "c", "d"));
-        ASSERT_TRUE(dragging().writeRowsWithIndexes(each.dragged));
-        dragging().acceptRows(each.row);
+        ASSERT_TRUE(dragging().writeRows(idsOf(each.dragged)));
+        dragging().acceptRows({idOf(each.row), each.isBehind});
         EXPECT_THAT(names(), ElementsAreArray(each.order));
         EXPECT_FALSE(isAutomatic());
         // The end of the same drag removes nothing, and the next preview keeps the order.
@@ -70,35 +85,19 @@ TEST_F(DNDArrayControllerTest, PutsDraggedRowsInFrontOfTheRowOfTheDrop) {
         waitForPreview();
         EXPECT_THAT(names(), ElementsAreArray(each.order));
     }
-}
-
-TEST_F(DNDArrayControllerTest, ReordersTheOrderOnShow) {
-    startWith({"a", "b", "c", "d"});
-    dragging().insertManualIndices({3}, 0);
-    dragging().insertManualIndices({3}, 0);
-    EXPECT_THAT(names(), ElementsAre("c", "d", "a", "b"));
-    controller().previewControl().initiateDelayedPreviewUpdate();
+    // A row that has gone in the meantime is no place, and cannot be moved.
+    const RowId gone = idOf("b");
+    controller().removeFile({gone});
     waitForPreview();
-    EXPECT_THAT(names(), ElementsAre("c", "d", "a", "b"));
-}
-
-TEST_F(DNDArrayControllerTest, LogsTheOrderBeforeAndAfter) {
-    startWith({"a", "b"});
-    Lines log;
-    LogSink* const former = setDebugLogSink(&log);
-    setDebugLogIsOn(true);
-    static_cast<void>(dragging().writeRowsWithIndexes({0}));
-    dragging().acceptRows(2);
-    setDebugLogIsOn(false);
-    setDebugLogSink(former);
-    log.lines.resize(std::min<std::size_t>(log.lines.size(), 6));
-    EXPECT_THAT(log.lines, ElementsAre("internal drag", "index set: 0", "BEFORE Insertion:", "a (0)", "b (1)",
-                                       "AFTER Insertion:"));
+    dragging().insertRows(idsOf({"a"}), {gone});
+    EXPECT_THAT(names(), ElementsAre("c", "a", "d"));
+    dragging().insertRows({gone, idOf("d")}, {idOf("c")});
+    EXPECT_THAT(names(), ElementsAre("d", "c", "a"));
 }
 
 TEST_F(DNDArrayControllerTest, TakesRowsBetweenRowsAloneAndFilesAnywhere) {
     startWith({"a"});
-    EXPECT_FALSE(dragging().writeRowsWithIndexes({}));
+    EXPECT_FALSE(dragging().writeRows({}));
     EXPECT_TRUE(dragging().validateDrop(true, true));
     EXPECT_FALSE(dragging().validateDrop(true, false));
     EXPECT_TRUE(dragging().validateDrop(false, true));
@@ -119,18 +118,13 @@ TEST_F(DNDArrayControllerTest, RemovesWhatIsDraggedOutAndSaysWhatStays) {
     controller().addFilePaths({paths.front(), files.path("folder")}, true);
     waitForPreview();
     ASSERT_THAT(names(), ::testing::UnorderedElementsAre("a", "folder", "inside"));
-    const auto indexOf = [&](const std::string& name) {
-        const std::vector<std::string> all = names();
-        return static_cast<std::size_t>(std::ranges::find(all, name) - all.begin());
-    };
-
     // Given up: nothing happens.
-    ASSERT_TRUE(dragging().writeRowsWithIndexes({indexOf("a")}));
+    ASSERT_TRUE(dragging().writeRows(idsOf({"a"})));
     dragging().cancelDrag();
     EXPECT_FALSE(dragging().deleteRowsIfAppropriate());
 
     frontEnd.expect("alert itemsNotRemoved");
-    ASSERT_TRUE(dragging().writeRowsWithIndexes({indexOf("inside")}));
+    ASSERT_TRUE(dragging().writeRows(idsOf({"inside"})));
     EXPECT_FALSE(dragging().deleteRowsIfAppropriate());
     EXPECT_TRUE(frontEnd.isScriptOver());
     EXPECT_EQ(frontEnd.alerts.back().title, "Some items could not be removed.");
@@ -139,15 +133,13 @@ TEST_F(DNDArrayControllerTest, RemovesWhatIsDraggedOutAndSaysWhatStays) {
     EXPECT_EQ(names().size(), 3U);
 
     frontEnd.expect("alert itemsNotRemoved");
-    Indexes both{indexOf("a"), indexOf("inside")};
-    std::ranges::sort(both);
-    ASSERT_TRUE(dragging().writeRowsWithIndexes(both));
+    ASSERT_TRUE(dragging().writeRows(idsOf({"a", "inside"})));
     EXPECT_TRUE(dragging().deleteRowsIfAppropriate());
     EXPECT_TRUE(frontEnd.isScriptOver());
     waitForPreview();
     EXPECT_THAT(names(), ::testing::UnorderedElementsAre("folder", "inside"));
 
-    ASSERT_TRUE(dragging().writeRowsWithIndexes({indexOf("folder")}));
+    ASSERT_TRUE(dragging().writeRows(idsOf({"folder"})));
     EXPECT_TRUE(dragging().deleteRowsIfAppropriate());
     waitForPreview();
     EXPECT_TRUE(names().empty());

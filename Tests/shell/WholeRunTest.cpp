@@ -88,14 +88,23 @@ TEST_F(WholeRunTest, AWorkerThatAsksKeepsTheMainThreadFree) {
 TEST_F(WholeRunTest, AClosedApplicationFreesTheWorkerAndLeavesTheRest) {
     startReplacing(u"a", u"b");
     add({"a1", "a2"});
-    frontEnd.expect("sheet rename", ScriptedFrontEnd::Held());
-    controller().ok();
-    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isHolding(); }));
-    controller().windowWillClose();
-    EXPECT_TRUE(frontEnd.isTerminated);
-    frontEnd.answerHeld(ScriptedFrontEnd::Closed());
-    endController();
-    EXPECT_EQ(names(), (std::vector<std::string>{"a1", "a2"}));
+    for (const bool isWindowClosed : {true, false}) {
+        frontEnd.expect("sheet rename", ConfirmationChoice::leaveOut);
+        frontEnd.expect("sheet rename", ScriptedFrontEnd::Held());
+        controller().ok();
+        ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isHolding(); }));
+        if (isWindowClosed) {
+            frontEnd.expect("alert summary");
+            controller().windowWillClose();
+            EXPECT_FALSE(frontEnd.isTerminated) << "before the report is read";
+            waitUntilIdle();
+            EXPECT_TRUE(frontEnd.isTerminated);
+        } else {
+            frontEnd.answerHeld(ScriptedFrontEnd::Closed());
+            endController();
+        }
+        EXPECT_EQ(names(), (std::vector<std::string>{"a1", "a2"}));
+    }
 }
 
 TEST_F(WholeRunTest, APendingChangeIsRequestedBeforeTheRename) {
@@ -148,8 +157,8 @@ TEST_F(WholeRunTest, FailuresAreListedAtTheEnd) {
     frontEnd.expect("errors");
     controller().ok();
     waitUntilIdle();
-    ASSERT_EQ(frontEnd.errors.size(), 1u);
-    EXPECT_EQ(frontEnd.errors.front().path, links.back());
+    ASSERT_EQ(frontEnd.failures.errors.size(), 1u);
+    EXPECT_EQ(frontEnd.failures.errors.front().path, links.back());
     EXPECT_EQ(names(), (std::vector<std::string>{"a1", "a2", "target"}));
 }
 

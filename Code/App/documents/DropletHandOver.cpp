@@ -10,7 +10,7 @@ namespace tavrin {
 
 namespace {
 
-constexpr const char* recordKey = "droplet settings";
+constexpr const char* recordKey = DropletHandOver::recordKey;
 
 /// The bytes of a path that stands as text; absent for every other kind of value.
 std::optional<std::string> pathOf(const PropertyValue& value) {

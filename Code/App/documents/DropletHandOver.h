@@ -15,6 +15,8 @@ class UserDefaults;
 /// What a droplet leaves for the application that it starts: its recipe and settings, where it keeps them,
 /// and the files that were dropped on it.
 struct DropletHandOver {
+    static constexpr const char* recordKey = "droplet settings"; ///< of the user defaults
+
     std::optional<PropertyDictionary> compositeAction;
     std::optional<PropertyDictionary> globalSettings;
     std::string settingsPath;          ///< in bytes; empty when it was not told

@@ -52,18 +52,17 @@ std::string DropletRequest::missingText(const std::vector<std::string>& missing)
     return result;
 }
 
-std::variant<DropletRequest::Start, RecipeError> DropletRequest::start() const {
+std::variant<DropletRequest::Start, DropletRequest::Failure> DropletRequest::start() const {
     const std::optional<DropletBundle> droplet = bundle();
     if (!droplet)
-        return RecipeError{
-            fmt::format("The droplet is gone. The folder \"{}\" with its settings is not there. "
-                        "Move it back, or create the droplet anew.",
-                        nameFor(*this))};
+        return Failure{fmt::format("The droplet is gone. The folder \"{}\" with its settings is not there. "
+                                   "Move it back, or create the droplet anew.",
+                                   nameFor(*this))};
     RecipeFile::Result result = droplet->readRecipe();
     if (const auto* error = std::get_if<RecipeError>(&result))
-        return RecipeError{fmt::format("The droplet \"{}\" can't be used. It may be damaged, or come from a "
-                                       "newer version. Nothing has been renamed.\n\n{}",
-                                       droplet->name(), error->message)};
+        return Failure{fmt::format("The droplet \"{}\" can't be used. It may be damaged, or come from a "
+                                   "newer version. Nothing has been renamed.\n\n{}",
+                                   droplet->name(), error->message)};
     Recipe& recipe = std::get<Recipe>(result);
     Start start;
     start.isSilent = isSilent(recipe);
@@ -75,7 +74,8 @@ std::variant<DropletRequest::Start, RecipeError> DropletRequest::start() const {
             start.missingFiles.push_back(file);
     }
     if (list.empty() && !files.empty())
-        return RecipeError{fmt::format("The dropped files are not there. {}", missingText(files))};
+        return Failure{fmt::format("The dropped files are not there. {}", missingText(files)),
+                       start.isSilent};
     start.record = {{"composite action", std::move(recipe.flatParameterList)},
                     {"settings plist path", text::fromBytes(droplet->settingsPath())},
                     {"Version", u"9.0.0"}};

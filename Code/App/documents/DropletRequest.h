@@ -18,17 +18,20 @@ struct DropletRequest {
 
     /// The start that such a request leads to.
     struct Start {
-        PropertyDictionary record; ///< to be put under recordKey, for this process alone
+        PropertyDictionary record; ///< to be put under DropletHandOver::recordKey, for this process alone
         bool isSilent = false;     ///< nothing is to be shown
         std::vector<std::string> missingFiles;
     };
-    static constexpr const char* recordKey = "droplet settings";
+    struct Failure {
+        std::string message;   ///< a whole text for the user
+        bool isSilent = false; ///< nothing is to be shown
+    };
 
     /// The droplet by its path, else the one beside its launcher.
     [[nodiscard]] std::optional<DropletBundle> bundle() const;
-    /// Reads and checks the droplet. The error is a whole text for the user. Files that are gone, or whose
-    /// names were changed on their way here, are sorted out; where none is left, that is an error too.
-    [[nodiscard]] std::variant<Start, RecipeError> start() const;
+    /// Reads and checks the droplet. Files that are gone, or whose names were changed on their way here, are
+    /// sorted out; where none is left, that is a failure too.
+    [[nodiscard]] std::variant<Start, Failure> start() const;
     /// What to tell of files that are not there.
     [[nodiscard]] static std::string missingText(const std::vector<std::string>& missing);
 };

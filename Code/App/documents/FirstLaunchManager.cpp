@@ -16,6 +16,8 @@ FirstLaunchManager::FirstLaunchManager(UserDefaults& userDefaults, std::string p
 void FirstLaunchManager::doIt() {
     registerDefaults();
     firstLaunch = callOnlyOnceIsFirstLaunch();
+    if (firstLaunch)
+        setOtherSettingsAside();
     rememberLocation();
     if (!firstLaunch)
         return;
@@ -29,6 +31,15 @@ void FirstLaunchManager::doIt() {
 
 bool FirstLaunchManager::callOnlyOnceIsFirstLaunch() const {
     return defaults.integerForKey("firstLaunchVersion") != version;
+}
+
+void FirstLaunchManager::setOtherSettingsAside() {
+    const int storedVersion = defaults.integerForKey("firstLaunchVersion");
+    UserDefaults::Copy copy = defaults.copyFileAside(std::to_string(storedVersion));
+    if (copy.error)
+        defaults.leaveFileAlone();
+    if (copy.error || !copy.path.empty())
+        other = {std::move(copy.path), std::move(copy.error), storedVersion > version};
 }
 
 void FirstLaunchManager::registerDefaults() { defaults.registerDefaults({}); }

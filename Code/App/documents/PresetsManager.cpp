@@ -7,6 +7,7 @@
 #include "platform/PropertyList.h"
 #include "support/Text.h"
 
+#include <climits>
 #include <fmt/format.h>
 
 #include <array>
@@ -74,14 +75,11 @@ PresetOutcome removeFile(const std::string& path) {
     return {};
 }
 
-PresetOutcome write(const PropertyDictionary& content, const std::string& path) {
-    const auto result = PropertyList::writeAtomically(content, path);
-    if (const auto* error = std::get_if<PropertyListError>(&result))
-        return failed(error->message);
+PresetOutcome outcomeOf(const PropertyList::Written& written, const std::string& path) {
+    if (const auto* error = std::get_if<PropertyListError>(&written))
+        return failed(fmt::format("The preset can't be saved as \"{}\". {}", path, error->message));
     return {};
 }
-
-const char* const unusableName = "A file can't have this name.";
 
 } // namespace
 
@@ -153,11 +151,19 @@ std::u16string PresetsManager::cleanedName(std::u16string_view name) {
     return cleaned;
 }
 
-std::optional<std::string> PresetsManager::computePathForName(std::u16string_view name) const {
+std::optional<std::string> PresetsManager::problemOfName(std::u16string_view name) {
     const std::optional<std::string> component = text::toBytes(cleanedName(name));
     if (!component || component->find('\0') != std::string::npos)
+        return "A file can't have this name.";
+    if (const std::size_t bytes = component->size() + suffix.size(); bytes > NAME_MAX)
+        return fmt::format("This name is too long for a file: {} of {} bytes.", bytes, NAME_MAX);
+    return std::nullopt;
+}
+
+std::optional<std::string> PresetsManager::computePathForName(std::u16string_view name) const {
+    if (problemOfName(name))
         return std::nullopt;
-    return fmt::format("{}/{}{}", folder, *component, suffix);
+    return fmt::format("{}/{}{}", folder, text::toBytes(cleanedName(name)).value_or(""), suffix);
 }
 
 bool PresetsManager::isNameIsStillAvailable(const std::optional<std::u16string>& name) const {
@@ -171,11 +177,11 @@ PresetsManager::createPresetFromCurrentActionsWithName(std::u16string_view name,
                                                        const std::optional<std::u16string>& description) {
     const std::optional<std::string> path = computePathForName(name);
     if (!path)
-        return failed(unusableName);
-    return write({{"compositeAction", compositeAction().getFlatParameterList()},
-                  {"minimumVersion", u"8.0.0.0"},
-                  {"description", description.value_or(u"")}},
-                 *path);
+        return {problemOfName(name)};
+    const PropertyDictionary content{{"compositeAction", compositeAction().getFlatParameterList()},
+                                     {"minimumVersion", u"8.0.0.0"},
+                                     {"description", description.value_or(u"")}};
+    return outcomeOf(PropertyList::writeAtomically(content, *path), *path);
 }
 
 PresetOutcome PresetsManager::applyPresetAtIndex(std::size_t index) {
@@ -199,31 +205,41 @@ PresetOutcome PresetsManager::deletePresetAtIndex(std::size_t index) {
 
 PresetOutcome PresetsManager::deletePreset(std::u16string_view name) {
     const std::optional<std::string> path = computePathForName(name);
-    return path ? removeFile(*path) : failed(unusableName);
+    return path ? removeFile(*path) : PresetOutcome{problemOfName(name)};
 }
 
 PresetOutcome PresetsManager::changeDescription(const std::optional<std::u16string>& description,
                                                 const std::string& atPath) {
-    return replaceFile(atPath, atPath, description);
+    const std::optional<PropertyDictionary> content = contentWith(description, atPath);
+    if (!content)
+        return failed(fmt::format("\"{}\" could not be read.", atPath));
+    return outcomeOf(PropertyList::writeAtomically(*content, atPath), atPath);
 }
 
 PresetOutcome PresetsManager::changeNameAtPath(const std::string& path, std::u16string_view toNewNawe,
                                                const std::optional<std::u16string>& description) {
-    return replaceFile(path, computePathForName(toNewNawe), description);
+    const std::optional<std::string> newPath = computePathForName(toNewNawe);
+    if (!newPath)
+        return {problemOfName(toNewNawe)};
+    if (*newPath == path) // another spelling of the same cleaned name
+        return changeDescription(description, path);
+    const std::optional<PropertyDictionary> content = contentWith(description, path);
+    if (!content)
+        return failed(fmt::format("\"{}\" could not be read.", path));
+    if (PresetOutcome written = outcomeOf(PropertyList::writeNew(*content, *newPath), *newPath); !written)
+        return written;
+    if (const PresetOutcome removed = removeFile(path); !removed)
+        return failed(
+            fmt::format("The preset has its new name, but the old one is there as well. {}", *removed.error));
+    return {};
 }
 
-PresetOutcome PresetsManager::replaceFile(const std::string& oldPath,
-                                          const std::optional<std::string>& newPath,
-                                          const std::optional<std::u16string>& description) {
-    if (!newPath)
-        return failed(unusableName);
-    std::optional<PropertyDictionary> content = enclosureAtPath(oldPath);
-    if (!content)
-        return failed(fmt::format("\"{}\" could not be read.", oldPath));
-    content->insert_or_assign("description", description.value_or(u""));
-    if (PresetOutcome removed = removeFile(oldPath); !removed)
-        return removed;
-    return write(*content, *newPath);
+std::optional<PropertyDictionary>
+PresetsManager::contentWith(const std::optional<std::u16string>& description, const std::string& path) {
+    std::optional<PropertyDictionary> content = enclosureAtPath(path);
+    if (content)
+        content->insert_or_assign("description", description.value_or(u""));
+    return content;
 }
 
 } // namespace tavrin

@@ -15,7 +15,7 @@ class CompositeRenameAction;
 
 /// What became of a command on presets.
 struct PresetOutcome {
-    std::optional<std::string> error; ///< one sentence for the user; absent when all went well
+    std::optional<std::string> error; ///< for the user: what has happened, and why; absent when all went well
     explicit operator bool() const { return !error; }
 };
 
@@ -56,6 +56,8 @@ class PresetsManager {
 
     /// The name as a file may bear it: no "/" that would break the path, no "." that would begin a suffix.
     [[nodiscard]] static std::u16string cleanedName(std::u16string_view name);
+    /// Why no file can bear a name, in one sentence; absent where one can.
+    [[nodiscard]] static std::optional<std::string> problemOfName(std::u16string_view name);
     /// Absent for a name that no file can bear.
     [[nodiscard]] std::optional<std::string> computePathForName(std::u16string_view name) const;
     /// False for an absent name.
@@ -69,15 +71,17 @@ class PresetsManager {
     PresetOutcome applyPresetAtIndex(std::size_t index);
     PresetOutcome deletePresetAtIndex(std::size_t index);
     PresetOutcome deletePreset(std::u16string_view name);
-    /// The file goes before it is written anew.
+    /// The old file goes when the new one is written, and not at all where that fails. Another preset of the
+    /// new name is never replaced.
     PresetOutcome changeDescription(const std::optional<std::u16string>& description,
                                     const std::string& atPath);
     PresetOutcome changeNameAtPath(const std::string& path, std::u16string_view toNewNawe,
                                    const std::optional<std::u16string>& description);
 
   private:
-    PresetOutcome replaceFile(const std::string& oldPath, const std::optional<std::string>& newPath,
-                              const std::optional<std::u16string>& description);
+    /// The content of a preset with another description; absent when it can't be read.
+    [[nodiscard]] static std::optional<PropertyDictionary>
+    contentWith(const std::optional<std::u16string>& description, const std::string& path);
 
     std::string folder;
     std::string sharedFolder;

@@ -39,6 +39,8 @@ class EngineHost {
     virtual void showStats() = 0;
     virtual void showCompletionDialog() = 0;
     virtual void showFileListSavingCompletionDialog(int format) = 0;
+    /// The list could not be written; what was at the path stays. `reason` is the system's.
+    virtual void showFileListNotSaved(const std::string& path, const std::string& reason) = 0;
     virtual void reloadPreview() = 0;
     virtual void clearList() = 0;
     virtual void terminate() = 0;

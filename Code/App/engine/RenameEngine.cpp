@@ -132,6 +132,8 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
         static_cast<std::int32_t>(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)));
     result.changed = std::max(0, context.engineControl().numberOfActuallyRenamedFiles);
     result.errors = context.processingErrors();
+    result.notRenamed =
+        context.engineControl().numberOfItemsNotRenamed + static_cast<std::int32_t>(purpose->failedBefore);
     return result;
 }
 
@@ -143,14 +145,18 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
         const EngineTurns::Held lock(*turn);
         if (ending)
             return;
-        const bool isSaved = createSaveToFileListPipeline(arguments)->process();
+        std::string reason;
+        FileListArguments ownArguments = arguments;
+        ownArguments.reason = &reason;
+        if (!createSaveToFileListPipeline(ownArguments)->process() && reason.empty())
+            reason = "The list of items could not be read.";
         onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
         onMainThread([](EngineHost& host) { host.refreshPreview(); });
         onMainThread([&](EngineHost& host) {
-            if (isSaved)
+            if (reason.empty())
                 host.showFileListSavingCompletionDialog(arguments.format);
             else
-                host.showCompletionDialog();
+                host.showFileListNotSaved(arguments.path, reason);
         });
     });
 }

@@ -60,6 +60,7 @@ class RenameEngine {
         int format = 0;
         bool shouldIncludeOnlyAffectedFiles = false;
         std::string path;
+        std::string* reason = nullptr; ///< gets why nothing was written; stays empty when all went well
     };
     [[nodiscard]] std::unique_ptr<ProcessingPipeline>
     createSaveToFileListPipeline(const FileListArguments& arguments);

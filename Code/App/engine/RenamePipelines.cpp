@@ -48,6 +48,7 @@ RenameEngine::createSaveToFileListPipeline(const FileListArguments& arguments) {
     save->setShouldIncludeOnlyAffectedFiles(arguments.shouldIncludeOnlyAffectedFiles);
     save->setFormat(arguments.format);
     save->setPath(arguments.path);
+    save->setReason(arguments.reason);
     pipeline->addStage(std::move(save));
     return pipeline;
 }

@@ -5,10 +5,13 @@
 #include "engine/RenameEngine.h"
 #include "engine/StageProgress.h"
 #include "platform/FileSystem.h"
+#include "platform/LinkTarget.h"
 #include "store/FilterManager.h"
 #include "store/StoreContext.h"
 #include "support/DebugLog.h"
 #include "support/Text.h"
+
+#include <system_error>
 
 namespace tavrin {
 
@@ -31,7 +34,6 @@ bool SaveAsFileListStage::process() {
     report.numberOfItems(context->engineControl().totalNumberOfFiles);
     report.indeterminate(false);
     const PassMarker marker = engine.nextStageFlagCounter();
-    static_cast<void>(FileSystem::sharedInstance().removeFile(path));
     text.clear();
     text.reserve(startingCapacity);
     const ItemFilter settings = engine.host().globalSettings().itemFilter();
@@ -51,13 +53,17 @@ bool SaveAsFileListStage::process() {
         report.describe("Saved information for {} files. Committing..", count);
         saveAndRefaultObjects();
     }
-    if (FileSystem::sharedInstance().writeFileAtomically(path, text) != 0)
-        debugLog("Error!");
-    return true;
+    const int error = FileSystem::sharedInstance().writeFileAtomically(linkTarget(path), text);
+    if (error == 0)
+        return true;
+    breakOff(std::generic_category().message(error));
+    return false;
 }
 
-void SaveAsFileListStage::breakOff(const std::string& reason) {
-    addError("The file list was not saved", reason, path);
+void SaveAsFileListStage::breakOff(const std::string& why) {
+    debugLog("the list was not written to {}: {}", path, why);
+    if (reason)
+        *reason = why;
 }
 
 void SaveAsFileListStage::appendLine(RowId id) {

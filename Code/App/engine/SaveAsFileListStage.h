@@ -13,14 +13,19 @@ class SaveAsFileListStage final : public ProcessingStage {
   public:
     explicit SaveAsFileListStage(RenameEngine& owner) : ProcessingStage(owner) {}
 
-    /// Where to write, in bytes. An existing file goes first, even if writing later fails.
+    /// Where to write, in bytes. An existing file is replaced by the whole new one, or stays as it is; where
+    /// a link stands, the file that it leads to.
     void setPath(std::string newPath) { path = std::move(newPath); }
     void setShouldIncludeOnlyAffectedFiles(bool flag) { shouldIncludeOnlyAffectedFiles = flag; }
     /// 0: name and new name, 1: new name, 2: path and new name; any other writes no lines.
     void setFormat(int newFormat) { format = newFormat; }
 
+    /// What gets the system's reason when the list could not be written (not owned; may be null).
+    void setReason(std::string* into) { reason = into; }
+
+    /// False when the list could not be written.
     bool process() override;
-    void breakOff(const std::string& reason) override;
+    void breakOff(const std::string& why) override;
     [[nodiscard]] std::string className() const override { return "SaveAsFileListStage"; }
     [[nodiscard]] std::string stageDescription() const override;
 
@@ -28,6 +33,7 @@ class SaveAsFileListStage final : public ProcessingStage {
     void appendLine(RowId id);
 
     std::string path;
+    std::string* reason = nullptr;
     bool shouldIncludeOnlyAffectedFiles = false;
     int format = 0;
     std::string text;

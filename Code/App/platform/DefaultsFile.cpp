@@ -1,6 +1,8 @@
 #include "platform/DefaultsFile.h"
 
 #include "platform/FileSystem.h"
+#include "platform/LinkTarget.h"
+#include "platform/NewFile.h"
 #include "platform/PropertyList.h"
 #include "platform/PropertyListScalars.h"
 #include "support/DebugLog.h"
@@ -9,6 +11,16 @@
 #include <utility>
 
 namespace tavrin {
+
+namespace {
+
+constexpr int mostNames = 1000; // that are tried for what is set aside
+
+std::string numbered(std::string name, int number) {
+    return number == 1 ? name : name + "-" + std::to_string(number);
+}
+
+} // namespace
 
 DefaultsFile::DefaultsFile(std::string filePath) : path(std::move(filePath)) {}
 
@@ -29,19 +41,40 @@ std::optional<PropertyDictionary> DefaultsFile::load() {
     return std::nullopt;
 }
 
-bool DefaultsFile::moveAside() {
-    constexpr int attempts = 1000;
-    for (int number = 1; number <= attempts; ++number) {
-        const std::string suffix = number == 1 ? ".damaged" : ".damaged-" + std::to_string(number);
-        const int error = FileSystem::sharedInstance().renameNoReplace(path, path + suffix);
+bool DefaultsFile::moveAside() const {
+    const std::string target = linkTarget(path);
+    for (int number = 1; number <= mostNames; ++number) {
+        const int error =
+            FileSystem::sharedInstance().renameNoReplace(target, numbered(target + ".damaged", number));
         if (error != EEXIST)
             return error == 0 || error == ENOENT;
     }
     return false;
 }
 
+std::variant<std::string, int> DefaultsFile::copyAside(std::string_view label) const {
+    FileSystem& files = FileSystem::sharedInstance();
+    std::string bytes;
+    if (const int error = files.readFile(path, bytes, plist::sizeLimit)) {
+        if (error == ENOENT || error == ENOTDIR)
+            return std::string();
+        return error;
+    }
+    for (int number = 1; number <= mostNames; ++number) {
+        std::string copy = numbered(path + ".saved-" + std::string(label), number);
+        const int error = writeNewFile(copy, bytes);
+        std::string found;
+        if (error == 0 ||
+            (error == EEXIST && files.readFile(copy, found, plist::sizeLimit) == 0 && found == bytes))
+            return copy;
+        if (error != EEXIST)
+            return error;
+    }
+    return EEXIST;
+}
+
 bool DefaultsFile::store(const PropertyDictionary& values) {
-    const auto result = PropertyList::writeAtomically(values, path);
+    const auto result = PropertyList::writeAtomically(values, linkTarget(path));
     if (const auto* error = std::get_if<PropertyListError>(&result)) {
         debugLog("user defaults not written: {}", error->message);
         return false;

@@ -4,11 +4,14 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <variant>
 
 namespace tavrin {
 
 /// The property list file behind the user defaults. A damaged file is never overwritten: it is moved aside
-/// under another name. Not locked against other threads.
+/// under another name. A link stays one: what it leads to is read and written. Not locked against other
+/// threads.
 class DefaultsFile {
   public:
     explicit DefaultsFile(std::string path);
@@ -20,13 +23,17 @@ class DefaultsFile {
     /// moved aside.
     [[nodiscard]] bool mayBeReplaced() const { return replaceable; }
     bool store(const PropertyDictionary& values);
+    /// Copies the file as it is to its name with ".saved-" and `label` behind it, or with a number behind
+    /// that where something else has this name. The path of the copy, empty where there is nothing to copy;
+    /// or an errno value.
+    [[nodiscard]] std::variant<std::string, int> copyAside(std::string_view label) const;
     /// The path of the lock file beside it.
     [[nodiscard]] std::string lockPath() const { return path + ".lock"; }
     /// Makes the folder of the file.
     bool makeFolder();
 
   private:
-    bool moveAside();
+    bool moveAside() const;
 
     const std::string path;
     bool replaceable = true;

@@ -1,6 +1,7 @@
 #include "platform/PropertyList.h"
 
 #include "platform/FileSystem.h"
+#include "platform/NewFile.h"
 #include "platform/PropertyListBinaryReader.h"
 #include "platform/PropertyListScalars.h"
 #include "platform/PropertyListXmlReader.h"
@@ -19,6 +20,17 @@ namespace {
 constexpr std::string_view tooLarge = "the file is larger than 64 MiB";
 
 std::string reasonFor(int error) { return std::generic_category().message(error); }
+
+template <typename Write> PropertyList::Written writeBy(const PropertyValue& value, Write write) {
+    if (std::string obstacle = plist::obstacleToWriting(value); !obstacle.empty())
+        return PropertyListError{std::move(obstacle)};
+    const std::string content = PropertyList::toXml(value);
+    if (content.size() > plist::sizeLimit)
+        return PropertyListError{"the property list would be larger than 64 MiB"};
+    if (const int error = write(content))
+        return PropertyListError{fmt::format("the file cannot be written: {}", reasonFor(error))};
+    return std::monostate();
+}
 
 } // namespace
 
@@ -42,16 +54,14 @@ PropertyList::Result PropertyList::read(const std::string& path) {
 
 std::string PropertyList::toXml(const PropertyValue& value) { return plist::writeXml(value); }
 
-std::variant<std::monostate, PropertyListError> PropertyList::writeAtomically(const PropertyValue& value,
-                                                                              const std::string& path) {
-    if (std::string obstacle = plist::obstacleToWriting(value); !obstacle.empty())
-        return PropertyListError{std::move(obstacle)};
-    const std::string content = toXml(value);
-    if (content.size() > plist::sizeLimit)
-        return PropertyListError{"the property list would be larger than 64 MiB"};
-    if (const int error = FileSystem::sharedInstance().writeFileAtomically(path, content))
-        return PropertyListError{fmt::format("the file cannot be written: {}", reasonFor(error))};
-    return std::monostate();
+PropertyList::Written PropertyList::writeAtomically(const PropertyValue& value, const std::string& path) {
+    return writeBy(value, [&](const std::string& content) {
+        return FileSystem::sharedInstance().writeFileAtomically(path, content);
+    });
+}
+
+PropertyList::Written PropertyList::writeNew(const PropertyValue& value, const std::string& path) {
+    return writeBy(value, [&](const std::string& content) { return writeNewFile(path, content); });
 }
 
 std::optional<std::u16string> textOrData(const PropertyValue& value) {

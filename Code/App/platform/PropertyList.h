@@ -23,9 +23,11 @@ struct PropertyList {
     static Result read(const std::string& path);
 
     static std::string toXml(const PropertyValue& value);
+    using Written = std::variant<std::monostate, PropertyListError>;
     /// Writes beside the target and renames over it; false and the error text on failure, the target intact.
-    static std::variant<std::monostate, PropertyListError> writeAtomically(const PropertyValue& value,
-                                                                           const std::string& path);
+    static Written writeAtomically(const PropertyValue& value, const std::string& path);
+    /// The same for a file that must not be there yet: what has the name is never replaced.
+    static Written writeNew(const PropertyValue& value, const std::string& path);
 };
 
 /// The text of a value that is a text, or data that stands for a text XML cannot hold.

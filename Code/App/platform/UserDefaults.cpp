@@ -11,6 +11,7 @@
 #include <mutex>
 #include <set>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -65,7 +66,7 @@ double realValue(const PropertyValue& value) {
 
 struct UserDefaults::Impl {
     std::optional<DefaultsFile> file; ///< guarded by fileMutex
-    std::mutex fileMutex;             ///< taken before `mutex`
+    mutable std::mutex fileMutex;     ///< taken before `mutex`
     std::chrono::milliseconds lockPatience{0};
 
     mutable std::mutex mutex; ///< guards what follows
@@ -268,6 +269,21 @@ bool UserDefaults::synchronize() {
     }
     impl->notify(changedByOthers);
     return succeeded;
+}
+
+UserDefaults::Copy UserDefaults::copyFileAside(std::string_view label) const {
+    const std::lock_guard lock(impl->fileMutex);
+    if (!impl->file)
+        return {};
+    auto copied = impl->file->copyAside(label);
+    if (const int* error = std::get_if<int>(&copied))
+        return {{}, std::generic_category().message(*error)};
+    return {std::get<std::string>(std::move(copied)), std::nullopt};
+}
+
+void UserDefaults::leaveFileAlone() {
+    const std::lock_guard lock(impl->fileMutex);
+    impl->file.reset();
 }
 
 std::shared_ptr<void> UserDefaults::observe(std::string key, std::function<void()> observer) {

@@ -52,6 +52,15 @@ class UserDefaults {
     /// Writes what has changed into the persistent layer's file and takes over what other processes have
     /// written there meanwhile; false when it could not be written (the values stay in memory).
     bool synchronize();
+    /// Copies the persistent layer's file as it is to its name with ".saved-" and `label` behind it. The path
+    /// of the copy, empty where there is no file; or the system's reason why there is none.
+    struct Copy {
+        std::string path;
+        std::optional<std::string> error;
+    };
+    [[nodiscard]] Copy copyFileAside(std::string_view label) const;
+    /// From now on the file is neither read nor written: all changes stay in memory.
+    void leaveFileAlone();
 
     /// Calls `observer` after each change of the key, on the changing thread, until the handle dies; the end
     /// of the handle waits for a call that is under way on another thread.

@@ -213,9 +213,9 @@ void Dialogs::showConfirmationSheet(QWidget* parent, ConfirmationSheet sheet,
     window->open();
 }
 
-void Dialogs::showProcessingErrors(QWidget* parent, const std::vector<ProcessingError>& errors,
+void Dialogs::showProcessingErrors(QWidget* parent, const FailureReport& report,
                                    std::function<void()> closed) {
-    auto* window = new ErrorWindow(parent, errors);
+    auto* window = new ErrorWindow(parent, report);
     const AnswerOnce<bool> once([closed = std::move(closed)](bool) { closed(); });
     QObject::connect(window, &QDialog::finished, window, [once] { once(true); });
     window->open();

@@ -23,7 +23,7 @@ struct Dialogs {
                                       const PropertyDictionary& context,
                                       const std::optional<std::string>& previewPath, bool thumbnails,
                                       std::function<void(ConfirmationChoice)> answer);
-    static void showProcessingErrors(QWidget* parent, const std::vector<ProcessingError>& errors,
+    static void showProcessingErrors(QWidget* parent, const FailureReport& report,
                                      std::function<void()> closed);
     /// `folders`: asks for folders, else for files.
     static void askForFilesToAdd(QWidget* parent, const std::string& startFolder, bool folders,

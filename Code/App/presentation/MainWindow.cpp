@@ -192,6 +192,7 @@ void MainWindow::showProgressAlone(bool isRunning) {
         progressWindow = new QWidget(this, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                                Qt::WindowMinimizeButtonHint);
         progressWindow->setObjectName("progressWindow");
+        progressWindow->installEventFilter(this);
         auto* layout = new QVBoxLayout(progressWindow);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(progress);
@@ -260,6 +261,13 @@ void MainWindow::addByDialog(bool folders) {
 void MainWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
     shared.controller.windowWillClose();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != progressWindow || event->type() != QEvent::Close)
+        return QMainWindow::eventFilter(watched, event);
+    closeEvent(static_cast<QCloseEvent*>(event));
+    return true;
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {

@@ -61,6 +61,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    /// Of the progress window: to close it is to close this one.
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 

@@ -44,7 +44,7 @@ ProgressPage::ProgressPage(WindowServices shared, QWidget* parent) : QWidget(par
     layout->addStretch(3);
     connect(stopButton, &QPushButton::clicked, this, [this] {
         services.controller.renameEngine().requestStop();
-        stopButton->setEnabled(false);
+        refresh();
     });
 }
 
@@ -56,7 +56,7 @@ void ProgressPage::refresh() {
     items->setText(toQString(progress.itemText()));
     const QString text = toQString(progress.currentActionDescription());
     description->setText(description->fontMetrics().elidedText(text, Qt::ElideMiddle, width() - 80));
-    stopButton->setEnabled(stopButton->isEnabled() || progress.isDone());
+    stopButton->setEnabled(!services.controller.renameEngine().isStopRequested());
 }
 
 } // namespace tavrin

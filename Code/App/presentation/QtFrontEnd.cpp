@@ -60,9 +60,17 @@ void QtFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDi
     Dialogs::showConfirmationSheet(window, sheet, context, previewPath, thumbnails, std::move(answer));
 }
 
-void QtFrontEnd::showProcessingErrors(const std::vector<ProcessingError>& errors,
-                                      std::function<void()> closed) {
-    Dialogs::showProcessingErrors(window, errors, std::move(closed));
+void QtFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
+    Dialogs::showProcessingErrors(window, report, std::move(closed));
+}
+
+void QtFrontEnd::withdrawQuestions() {
+    if (!window)
+        return;
+    // During a run no other dialog that is open waits for more than to be closed.
+    for (QDialog* dialog : window->findChildren<QDialog*>())
+        if (dialog->isVisible())
+            dialog->reject();
 }
 
 void QtFrontEnd::askForFilesToAdd(const std::string& startFolder,
@@ -140,13 +148,13 @@ void QtFrontEnd::terminateWhenAllIsRead() {
     terminateAtOnce();
 }
 
-void QtFrontEnd::terminateAtOnce() {
+void QtFrontEnd::terminateAtOnce(int status) {
     if (window && window->services().controller.operationMode() == OperationMode::normal)
         WindowMemory::remember(*window, window->services().defaults);
     // Not quit(), which would first ask the windows to close: that is what leads here. Queued, since there
     // may be no event loop to leave yet.
     QMetaObject::invokeMethod(
-        qApp, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+        qApp, [status] { QCoreApplication::exit(status); }, Qt::QueuedConnection);
 }
 
 void QtFrontEnd::selectMainTab(MainTab tab) {

@@ -26,8 +26,8 @@ class QtFrontEnd final : public FrontEnd {
     void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
                                const std::optional<std::string>& previewPath,
                                std::function<void(ConfirmationChoice)> answer) override;
-    void showProcessingErrors(const std::vector<ProcessingError>& errors,
-                              std::function<void()> closed) override;
+    void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
+    void withdrawQuestions() override;
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
@@ -47,8 +47,8 @@ class QtFrontEnd final : public FrontEnd {
     void presentNotice(const std::string& text) override;
     /// Of a droplet that has no window, once the user has closed what it has to say.
     void terminate() override;
-    /// Whatever is open.
-    void terminateAtOnce();
+    /// Whatever is open, with this exit status.
+    void terminateAtOnce(int status = 0);
     void selectMainTab(MainTab tab) override;
     void selectPreviewTab(PreviewTab tab) override;
     void setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) override;

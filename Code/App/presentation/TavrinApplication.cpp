@@ -1,11 +1,14 @@
 #include "presentation/TavrinApplication.h"
 
-#include "documents/DropletRequest.h"
+#include "documents/DropletHandOver.h"
 #include "presentation/MainWindow.h"
 #include "presentation/SessionEnd.h"
 #include "shell/MainController.h"
 
+#include <fmt/format.h>
+
 #include <chrono>
+#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -13,6 +16,7 @@ namespace tavrin {
 
 namespace {
 
+constexpr int runWasStopped = 3;                           // exit status, as that of the terminal command
 constexpr std::chrono::milliseconds betweenQuestions(200); // whether the run has ended
 constexpr std::chrono::seconds longestInLog(1);            // that a line waits for others, all being quiet
 
@@ -74,14 +78,19 @@ TavrinApplication::~TavrinApplication() {
 
 void TavrinApplication::saveState() { mainController->applicationShouldTerminate(); }
 
-/// A run ends after the item in hand, and a question counts as answered with stop, when all is taken down.
+/// A run ends after the item in hand, and a question counts as answered with stop.
 void TavrinApplication::endNow() {
     saveState();
-    frontEnd.terminateAtOnce();
+    const auto tellAndEnd = [this](const std::string& report) {
+        std::fputs(fmt::format("tavrin: {}\n", report).c_str(), stderr);
+        frontEnd.terminateAtOnce(runWasStopped);
+    };
+    if (!mainController->confirmationFlow().stopRun(tellAndEnd))
+        frontEnd.terminateAtOnce();
 }
 
 void TavrinApplication::setDroplet(PropertyDictionary record) {
-    defaults.setProcessObject(DropletRequest::recordKey, std::move(record));
+    defaults.setProcessObject(DropletHandOver::recordKey, std::move(record));
 }
 
 void TavrinApplication::start(const std::vector<std::string>& paths) {

@@ -5,6 +5,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/ProgressInfo.h"
 #include "engine/RenameEngine.h"
+#include "engine/TakeBack.h"
 #include "shell/ActionListCommands.h"
 #include "shell/DropletCommands.h"
 #include "shell/PreviewControl.h"
@@ -101,6 +102,7 @@ void ConfirmationFlow::createFileList() {
 
 void ConfirmationFlow::startProgressWindow() {
     debugLog("--- startProgressWindow");
+    isReportDue = true;
     setCurrentlyShowingProgressTab(true);
     services.frontEnd.selectMainTab(MainTab::progress);
 }
@@ -131,51 +133,123 @@ void ConfirmationFlow::setCurrentlyShowingProgressTab(bool isShowing) {
 
 // ---- the end of a run
 
-void ConfirmationFlow::showCompletionDialog() {
-    if (services.mode == OperationMode::dropletRun && services.settings.shouldCreateSilentDroplets())
-        return;
+struct ConfirmationFlow::RunResult {
     std::vector<ProcessingError> errors;
+    std::int32_t planned = 0;
     std::int32_t renamed = 0;
-    {
-        StoreContext& context = units.store.managedObjectContext();
-        const std::lock_guard lock(context.mutex());
-        errors = context.processingErrors();
-        renamed = std::max(0, context.engineControl().numberOfActuallyRenamedFiles);
+    std::size_t notRenamed = 0;
+
+    [[nodiscard]] std::string summary() const {
+        return renamed == 0   ? "No file names were changed."
+               : renamed == 1 ? "1 file name was changed."
+                              : fmt::format("{} file names were changed.", renamed);
     }
-    tellEnd(errors, renamed);
+};
+
+ConfirmationFlow::RunResult ConfirmationFlow::resultOfRun() {
+    StoreContext& context = units.store.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    const EngineControl& control = context.engineControl();
+    RunResult result{context.processingErrors(), control.numberOfFilesThatNeedRenaming,
+                     std::max(0, control.numberOfActuallyRenamedFiles), 0};
+    result.notRenamed = std::max(result.errors.size(),
+                                 static_cast<std::size_t>(std::max(0, control.numberOfItemsNotRenamed)));
+    return result;
 }
 
-void ConfirmationFlow::tellEnd(const std::vector<ProcessingError>& errors, std::int32_t renamed) {
-    if (!errors.empty()) {
-        services.frontEnd.showProcessingErrors(errors, reportIsOpen());
+void ConfirmationFlow::showCompletionDialog() { tellEnd(resultOfRun()); }
+
+void ConfirmationFlow::showTakeBackDialog(const TakeBackResult& result) {
+    tellEnd({result.errors, result.planned, result.changed,
+             std::max(result.errors.size(), static_cast<std::size_t>(std::max(0, result.notRenamed)))});
+}
+
+void ConfirmationFlow::tellEnd(const RunResult& result) {
+    isReportDue = false;
+    const bool wasCut = (isWindowClosed || tellInstead) && result.renamed < result.planned;
+    std::string details;
+    if (wasCut)
+        details = fmt::format("The rename was stopped: {} of {} items have got their new names.",
+                              result.renamed, result.planned);
+    if (const auto tell = std::exchange(tellInstead, nullptr)) {
+        tell(fmt::format("{}{}{}{}", result.summary(), wasCut ? " " : "", details,
+                         result.notRenamed > 0 ? fmt::format(" {}", notRenamedText(result.notRenamed)) : ""));
         return;
     }
-    if (!services.settings.shouldShowSummary())
+    if (services.mode == OperationMode::dropletRun && services.settings.shouldCreateSilentDroplets())
         return;
-    const std::string text = renamed == 0   ? "No file names were changed."
-                             : renamed == 1 ? "1 file name was changed."
-                                            : fmt::format("{} file names were changed.", renamed);
-    services.frontEnd.showAlert({.kind = AlertKind::summary,
-                                 .style = AlertStyle::informational,
-                                 .title = text,
-                                 .text = "",
-                                 .buttons = {"OK"}},
-                                [closed = reportIsOpen()](AlertAnswer) { closed(); });
+    if (!result.errors.empty()) {
+        const std::string done = wasCut ? result.summary() + " " + details : result.summary();
+        services.frontEnd.showProcessingErrors({result.errors, result.notRenamed, done}, reportIsOpen());
+    } else if (services.settings.shouldShowSummary() || isWindowClosed) {
+        if (result.notRenamed > 0)
+            details += (details.empty() ? "" : " ") + notRenamedText(result.notRenamed);
+        services.frontEnd.showAlert({.kind = AlertKind::summary,
+                                     .style = AlertStyle::informational,
+                                     .title = result.summary(),
+                                     .text = details,
+                                     .buttons = {"OK"}},
+                                    [closed = reportIsOpen()](AlertAnswer) { closed(); });
+    }
+    if (isWindowClosed)
+        terminateWhenReportIsClosed();
 }
 
 void ConfirmationFlow::showFileListSavingCompletionDialog(int format) {
+    isReportDue = false;
+    const char* const saved = "The file list was successfully saved.";
+    if (const auto tell = std::exchange(tellInstead, nullptr)) {
+        tell(saved);
+        return;
+    }
     const bool isSortBased =
         dynamic_cast<const SortBasedAction*>(&services.composite.getCurrentAction()) != nullptr;
-    if (format == 1 && !isSortBased) {
+    if (format == 1 && !isSortBased && !isWindowClosed) {
         units.notices.showSimpleTemplateInformation();
         return;
     }
     services.frontEnd.showAlert({.kind = AlertKind::fileListSaved,
                                  .style = AlertStyle::informational,
-                                 .title = "The file list was successfully saved.",
+                                 .title = saved,
                                  .text = "",
                                  .buttons = {"OK"}},
-                                [](AlertAnswer) {});
+                                [closed = reportIsOpen()](AlertAnswer) { closed(); });
+    if (isWindowClosed)
+        terminateWhenReportIsClosed();
+}
+
+void ConfirmationFlow::showFileListNotSaved(const std::string& path, const std::string& reason) {
+    isReportDue = false;
+    const std::string report =
+        fmt::format("The file list could not be saved. \"{}\" could not be written: {}", path, reason);
+    if (const auto tell = std::exchange(tellInstead, nullptr)) {
+        tell(report);
+        return;
+    }
+    isWindowClosed = false; // so that it can be saved elsewhere
+    services.frontEnd.presentError(report);
+}
+
+void ConfirmationFlow::closeWindow() {
+    if (!isReportDue) {
+        terminateWhenReportIsClosed();
+        return;
+    }
+    isWindowClosed = true;
+    stopNow();
+}
+
+bool ConfirmationFlow::stopRun(std::function<void(const std::string&)> tell) {
+    if (!isReportDue)
+        return false;
+    tellInstead = std::move(tell);
+    stopNow();
+    return true;
+}
+
+void ConfirmationFlow::stopNow() {
+    services.engine.requestStop();
+    services.frontEnd.withdrawQuestions();
 }
 
 std::function<void()> ConfirmationFlow::reportIsOpen() {

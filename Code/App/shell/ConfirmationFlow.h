@@ -16,6 +16,7 @@ class ActionListCommands;
 class DropletCommands;
 class PreviewControl;
 class StoreOwner;
+struct TakeBackResult;
 
 /// What stands between the click on the rename button and the end of the run: the checks before it, the
 /// questions during it, the report after it. Main thread.
@@ -68,16 +69,27 @@ class ConfirmationFlow : public UserPrompts {
 
     // --- The end of a run ---
     void showCompletionDialog();
-    /// What failed, else how many names were changed.
-    void tellEnd(const std::vector<ProcessingError>& errors, std::int32_t renamed);
+    /// The same for an undo or redo.
+    void showTakeBackDialog(const TakeBackResult& result);
     void showFileListSavingCompletionDialog(int format);
+    void showFileListNotSaved(const std::string& path, const std::string& reason);
     /// Ends the application, after the report of a run if one is open.
     void terminateWhenReportIsClosed();
+    /// The user closes the window: a run that is under way stops after the item in hand and is reported,
+    /// whatever the settings say; the application ends when that is read.
+    void closeWindow();
+    /// For an end that can't wait for the user: stops a run in the same way; `tell` gets the report as one
+    /// line when it has ended. False, and nothing happens, where no run is under way.
+    bool stopRun(std::function<void(const std::string& report)> tell);
 
   private:
     using SharedAnswer = std::shared_ptr<ConfirmationAnswer>;
 
+    struct RunResult;
+    void tellEnd(const RunResult& result);
+    [[nodiscard]] RunResult resultOfRun();
     void startRun(bool quit);
+    void stopNow();
     void settingsAreInconsistent(int choice, const std::function<void(bool)>& then);
     void setCurrentlyShowingProgressTab(bool isShowing);
     void showSheet(ConfirmationSheet sheet, const std::optional<std::string>& previewPath,
@@ -92,6 +104,9 @@ class ConfirmationFlow : public UserPrompts {
     std::function<void()> terminateNow;
     std::string dropletSettingsPath;
     bool isShowingProgress = false;
+    bool isReportDue = false; ///< a run is under way, or has ended and is not reported yet
+    bool isWindowClosed = false;
+    std::function<void(const std::string&)> tellInstead; ///< takes the place of the report
     PropertyDictionary dialogContext;
     int dialogChoice = 0;
     int openReports = 0;

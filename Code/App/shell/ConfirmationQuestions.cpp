@@ -1,4 +1,5 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/RenameEngine.h"
 #include "shell/ConfirmationFlow.h"
 #include "support/Text.h"
 
@@ -88,6 +89,11 @@ void ConfirmationFlow::reportProblem(const ProblemReport& report, ConfirmationAn
 
 void ConfirmationFlow::showSheet(ConfirmationSheet sheet, const std::optional<std::string>& previewPath,
                                  ConfirmationAnswerPointer answer) {
+    // A run that is being stopped asks nothing more, but tells what fails; unless nobody is left to be told.
+    if (services.engine.isStopRequested() && (sheet != ConfirmationSheet::problem || tellInstead)) {
+        answer->give(ConfirmationChoice::stop);
+        return;
+    }
     services.frontEnd.showConfirmationSheet(sheet, dialogContext, previewPath,
                                             [this, shared = SharedAnswer(std::move(answer))](
                                                 ConfirmationChoice choice) { giveAnswer(shared, choice); });
@@ -110,6 +116,10 @@ void ConfirmationFlow::showIPhotoWarning(ConfirmationAnswerPointer answer) {
 
 void ConfirmationFlow::showLibraryWarning(bool shouldWarn, AlertKind kind, ConfirmationAnswerPointer answer) {
     const SharedAnswer shared(std::move(answer));
+    if (services.engine.isStopRequested()) {
+        giveAnswer(shared, ConfirmationChoice::stop);
+        return;
+    }
     if (!shouldWarn) {
         giveAnswer(shared, ConfirmationChoice::one);
         return;
@@ -128,14 +138,14 @@ void ConfirmationFlow::confirmWithoutRecord(const std::string& reason, Confirmat
         answer->give(ConfirmationChoice::one);
         return;
     }
-    services.frontEnd.showAlert(
-        {.kind = AlertKind::noRecord,
-         .title = "This renaming can't be recorded, so it could not be undone.",
-         .text = fmt::format("The record of the names can't be written: {}.", reason),
-         .buttons = {"Rename All the Same", "Cancel"}},
-        [shared = SharedAnswer(std::move(answer))](AlertAnswer given) {
-            shared->give(given.button == 0 ? ConfirmationChoice::one : ConfirmationChoice::stop);
-        });
+    services.frontEnd.showAlert({.kind = AlertKind::noRecord,
+                                 .title = "This renaming can't be recorded, so it could not be undone.",
+                                 .text = fmt::format("The record of the names can't be written: {}.", reason),
+                                 .buttons = {"Rename All the Same", "Cancel"}},
+                                [shared = SharedAnswer(std::move(answer))](AlertAnswer given) {
+                                    shared->give(given.button == 0 ? ConfirmationChoice::one
+                                                                   : ConfirmationChoice::stop);
+                                });
 }
 
 void ConfirmationFlow::showPipelineFailed(const std::string& title, const std::string& text,

@@ -13,7 +13,9 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <iterator>
 #include <mutex>
+#include <unordered_set>
 #include <utility>
 
 namespace tavrin {
@@ -26,8 +28,18 @@ const Alert someItemsNotRemoved{.kind = AlertKind::itemsNotRemoved,
                                 .text = "Items in subfolders cannot be removed individually.",
                                 .buttons = {"OK"}};
 
+/// Indexes of the rows among these in ascending order, those that are gone left out.
+std::vector<std::size_t> indexesOf(const std::vector<RowId>& wanted, const std::vector<RowId>& rows) {
+    const std::unordered_set<RowId> isWanted(wanted.begin(), wanted.end());
+    std::vector<std::size_t> indexes;
+    for (std::size_t index = 0; index < rows.size(); ++index)
+        if (isWanted.contains(rows[index]))
+            indexes.push_back(index);
+    return indexes;
+}
+
 /// The rows in their new order: those in front of the place, the moved ones, and those behind.
-std::vector<RowId> rearranged(const std::vector<RowId>& rows, const DNDArrayController::Indexes& moved,
+std::vector<RowId> rearranged(const std::vector<RowId>& rows, const std::vector<std::size_t>& moved,
                               std::size_t place) {
     std::vector<RowId> result;
     result.reserve(rows.size());
@@ -37,11 +49,9 @@ std::vector<RowId> rearranged(const std::vector<RowId>& rows, const DNDArrayCont
             if (!isMoved(index))
                 result.push_back(rows[index]);
     };
-    place = std::min(place, rows.size());
     append(0, place);
     for (const std::size_t index : moved)
-        if (index < rows.size())
-            result.push_back(rows[index]);
+        result.push_back(rows[index]);
     append(place, rows.size());
     return result;
 }
@@ -58,11 +68,11 @@ std::vector<std::pair<RowId, std::int32_t>> placesById(const std::vector<RowId>&
 
 } // namespace
 
-bool DNDArrayController::writeRowsWithIndexes(Indexes indexes) {
-    if (indexes.empty())
+bool DNDArrayController::writeRows(std::vector<RowId> rows) {
+    if (rows.empty())
         return false;
     shouldDeleteRows = true;
-    draggedIndexes = std::move(indexes);
+    draggedRows = std::move(rows);
     return true;
 }
 
@@ -76,28 +86,34 @@ void DNDArrayController::acceptFiles(const std::vector<std::string>& paths) {
     cancelDrag();
 }
 
-void DNDArrayController::acceptRows(std::size_t row) {
+void DNDArrayController::acceptRows(Place place) {
     debugLog("internal drag");
-    debugLog("index set: {}", fmt::join(draggedIndexes, " "));
-    insertManualIndices(draggedIndexes, row);
+    insertRows(draggedRows, place);
     cancelDrag();
 }
 
 void DNDArrayController::cancelDrag() {
     shouldDeleteRows = false;
-    draggedIndexes.clear();
+    draggedRows.clear();
 }
 
-void DNDArrayController::insertManualIndices(const Indexes& indexes, std::size_t row) {
+void DNDArrayController::insertRows(const std::vector<RowId>& moved, Place place) {
+    const std::vector<RowId>& rows = units.preview.nodeController().arrangedObjects();
+    const auto found = std::ranges::find(rows, place.row);
+    if (place.row != noRow && found == rows.end())
+        return;
+    const auto index =
+        static_cast<std::size_t>(found - rows.begin()) + (found != rows.end() && place.isBehind);
+    const std::vector<std::size_t> indexes = indexesOf(moved, rows);
+    debugLog("index set: {}", fmt::join(indexes, " "));
     logOrder("BEFORE Insertion:");
-    const std::vector<RowId> order =
-        rearranged(units.preview.nodeController().arrangedObjects(), indexes, row);
+    const std::vector<RowId> order = rearranged(rows, indexes, index);
     try {
         StoreContext& context = units.store.managedObjectContext();
         const std::lock_guard lock(context.mutex());
-        for (const auto& [id, place] : placesById(order))
-            if (context.exists(id) && context.row(id).manualOrder != place)
-                context.change(id).manualOrder = place;
+        for (const auto& [id, number] : placesById(order))
+            if (context.exists(id) && context.row(id).manualOrder != number)
+                context.change(id).manualOrder = number;
         context.commit();
     } catch (const StoreError& error) {
         services.frontEnd.presentError(error.what());
@@ -110,32 +126,23 @@ void DNDArrayController::insertManualIndices(const Indexes& indexes, std::size_t
 bool DNDArrayController::deleteRowsIfAppropriate() {
     if (!shouldDeleteRows)
         return false;
-    const Indexes removable = filterOutInappropriateIndexes(draggedIndexes);
+    const std::vector<RowId> removable = filterOutInappropriateRows(draggedRows);
     if (!removable.empty())
-        units.sources.removeFile(idsOf(removable));
-    if (removable.size() < draggedIndexes.size())
+        units.sources.removeFile(removable);
+    if (removable.size() < draggedRows.size())
         services.frontEnd.showAlert(someItemsNotRemoved, [](AlertAnswer) {});
     shouldDeleteRows = !removable.empty();
-    draggedIndexes.clear();
+    draggedRows.clear();
     return shouldDeleteRows;
 }
 
-DNDArrayController::Indexes DNDArrayController::filterOutInappropriateIndexes(const Indexes& indexes) {
-    Indexes removable;
-    std::ranges::copy_if(indexes, std::back_inserter(removable), [this](std::size_t index) {
-        const auto row = units.preview.nodeController().rowAt(index);
+std::vector<RowId> DNDArrayController::filterOutInappropriateRows(const std::vector<RowId>& rows) {
+    std::vector<RowId> removable;
+    std::ranges::copy_if(rows, std::back_inserter(removable), [this](RowId id) {
+        const auto row = units.preview.nodeController().rowWithId(id);
         return row && row->root;
     });
     return removable;
-}
-
-std::vector<RowId> DNDArrayController::idsOf(const Indexes& indexes) {
-    const std::vector<RowId>& rows = units.preview.nodeController().arrangedObjects();
-    std::vector<RowId> ids;
-    for (const std::size_t index : indexes)
-        if (index < rows.size())
-            ids.push_back(rows[index]);
-    return ids;
 }
 
 void DNDArrayController::logOrder(const char* title) {

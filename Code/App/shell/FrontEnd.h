@@ -1,11 +1,13 @@
 #pragma once
 
+#include "engine/UserPrompts.h"
 #include "store/ProcessingError.h"
 #include "support/PropertyValue.h"
 
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,7 +15,6 @@
 namespace tavrin {
 
 class BaseRenameAction;
-enum class ConfirmationChoice : int;
 
 /// What an alert is about, for front ends that answer some by a rule of their own.
 enum class AlertKind {
@@ -40,6 +41,7 @@ enum class AlertKind {
     dropletMigration,
     updateAvailable,
     noUpdate,
+    settingsSetAside,
 };
 
 enum class AlertStyle { warning, informational, critical };
@@ -78,6 +80,18 @@ struct NoticeAnswer {
 
 /// The questions of a running rename.
 enum class ConfirmationSheet { rename, swap, nameCycle, problem };
+
+/// The answers that a question allows, the one that a front end proposes first; no front end offers another.
+/// After a failure there is nothing to leave out.
+[[nodiscard]] std::span<const ConfirmationChoice> allowedAnswers(ConfirmationSheet sheet);
+
+/// What to tell at the end of a run in which items kept their names against the plan.
+struct FailureReport {
+    std::vector<ProcessingError> errors; ///< those that have not been told during the run
+    std::size_t notRenamed = 0;          ///< all such items, told or not
+    std::string done;                    ///< what was done, in a sentence or two
+};
+[[nodiscard]] std::string notRenamedText(std::size_t count);
 
 struct FilesToAdd {
     std::vector<std::string> paths; ///< absolute, in bytes
@@ -141,8 +155,9 @@ class FrontEnd {
     virtual void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
                                        const std::optional<std::string>& previewPath,
                                        std::function<void(ConfirmationChoice)> answer) = 0;
-    virtual void showProcessingErrors(const std::vector<ProcessingError>& errors,
-                                      std::function<void()> closed) = 0;
+    virtual void showProcessingErrors(const FailureReport& report, std::function<void()> closed) = 0;
+    /// Closes the questions of a run that are open, as answered with "stop".
+    virtual void withdrawQuestions() {}
     /// Called with nothing when the user cancels, as below.
     virtual void askForFilesToAdd(const std::string& startFolder,
                                   std::function<void(std::optional<FilesToAdd>)> answer) = 0;

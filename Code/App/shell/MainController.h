@@ -76,7 +76,8 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] bool hasFinishedInitializing() const { return startSequence.hasFinishedInitializing(); }
     /// Saves what is to be saved; the application may end now.
     bool applicationShouldTerminate();
-    void windowWillClose() { terminate(); }
+    /// Stops a run that is under way first, and waits until its report is read.
+    void windowWillClose() { confirmation.closeWindow(); }
     void cancel();
     void saveUserDefaults();
     void createProfile();
@@ -153,6 +154,9 @@ class MainController : public EngineHost, public ActionObserver {
     void showCompletionDialog() override { confirmation.showCompletionDialog(); }
     void showFileListSavingCompletionDialog(int format) override {
         confirmation.showFileListSavingCompletionDialog(format);
+    }
+    void showFileListNotSaved(const std::string& path, const std::string& reason) override {
+        confirmation.showFileListNotSaved(path, reason);
     }
     void reloadPreview() override { sources.reloadPreview(); }
     void clearList() override { sources.clearList(); }

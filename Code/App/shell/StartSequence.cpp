@@ -84,8 +84,42 @@ void StartSequence::applicationDidFinishLaunching() {
 
 void StartSequence::firstLaunch() {
     FirstLaunchManager manager(services.defaults, options.location);
+    if (DropletHandOver::isPresent(services.defaults)) {
+        if (manager.callOnlyOnceIsFirstLaunch())
+            leaveStoredSettingsAlone();
+        return;
+    }
     manager.doIt();
     isFirstLaunch = manager.isFirstLaunch();
+    if (const auto& other = manager.otherSettings())
+        tellOfOtherSettings(*other);
+}
+
+/// A droplet brings its own settings; what another version has stored is neither of use to it nor its to
+/// change.
+void StartSequence::leaveStoredSettingsAlone() {
+    auto record = services.defaults.objectForKey(DropletHandOver::recordKey);
+    services.defaults.leaveFileAlone();
+    services.defaults.removePersistentDomain();
+    services.defaults.setProcessObject(DropletHandOver::recordKey, std::move(*record));
+}
+
+void StartSequence::tellOfOtherSettings(const FirstLaunchManager::OtherSettings& other) {
+    if (other.error)
+        services.frontEnd.presentError(fmt::format(
+            "The settings of another version could not be copied. They stay as they are, so what is set "
+            "in this window is not kept. The reason: {}",
+            *other.error));
+    else if (other.isNewer)
+        services.frontEnd.showAlert(
+            {.kind = AlertKind::settingsSetAside,
+             .style = AlertStyle::informational,
+             .title = "The settings of a newer version were found.",
+             .text = fmt::format("They have been copied to \"{}\". This version begins with "
+                                 "settings of its own.",
+                                 other.copy),
+             .buttons = {"OK"}},
+            [](AlertAnswer) {});
 }
 
 void StartSequence::prepareColumns() {
@@ -131,10 +165,10 @@ void StartSequence::readSettingsFromDroplet() {
         isUpgradeDue = MacOSXVersion::isMountainLionOrLater() && !handOver.hasVersion;
         return;
     }
-    units.sources.addFilePaths(handOver.fileList, true);
-    units.sources.finishWork();
     units.mode = OperationMode::dropletRun;
     services.engine.setHistoryPlace({services.engine.historyPlace().folder, "droplet"});
+    units.sources.addFilePaths(handOver.fileList, !isSilentDroplet());
+    units.sources.finishWork();
 }
 
 void StartSequence::loadChain() {
@@ -219,8 +253,7 @@ void StartSequence::renameDroppedFiles() {
     };
     const bool wereConsistent = areSettingsConsistent();
     const auto& steps = services.composite.getActionDictionaryList();
-    const bool hasActiveStep =
-        std::ranges::any_of(steps, [](const auto& step) { return step->isActive(); });
+    const bool hasActiveStep = std::ranges::any_of(steps, [](const auto& step) { return step->isActive(); });
     // Nobody sits before a silent droplet who could answer why there is nothing to do.
     if (isSilentDroplet() && (!wereConsistent || !hasActiveStep || services.sourceItems.isEmpty())) {
         options.terminate();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/ActionObserver.h"
+#include "documents/FirstLaunchManager.h"
 #include "shell/OperationMode.h"
 #include "shell/ShellServices.h"
 #include "support/PropertyValue.h"
@@ -57,6 +58,8 @@ class StartSequence {
 
   private:
     void firstLaunch();
+    void leaveStoredSettingsAlone();
+    void tellOfOtherSettings(const FirstLaunchManager::OtherSettings& other);
     void prepareColumns();
     void loadSettings();
     void loadPresets();

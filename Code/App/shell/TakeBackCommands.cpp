@@ -81,7 +81,7 @@ void TakeBackCommands::ask(const ChosenRun& chosen, const TakeBackResult& previe
         if (preview.errors.empty())
             perform(chosen); // all is as it was to be; the history shall know it
         else
-            services.frontEnd.showProcessingErrors(preview.errors, [] {});
+            services.frontEnd.showProcessingErrors({preview.errors, preview.errors.size(), ""}, [] {});
         return;
     }
     services.frontEnd.askToTakeBack(questionOf(chosen, preview), [this, chosen](bool agrees) {
@@ -95,7 +95,7 @@ void TakeBackCommands::perform(const ChosenRun& chosen) {
                                     [this](EngineHost&, const TakeBackResult& result) {
                                         services.engine.rereadAtNextPreview();
                                         units.preview.initiateDelayedPreviewUpdate();
-                                        units.confirmation.tellEnd(result.errors, result.changed);
+                                        units.confirmation.showTakeBackDialog(result);
                                     });
 }
 

@@ -6,6 +6,7 @@
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
 #include "presentation/dialogs/FilePreviewView.h"
+#include "presentation/dialogs/MessageText.h"
 #include "presentation/preview/NameDifference.h"
 #include "presentation/preview/ShownName.h"
 #include "support/Text.h"
@@ -17,6 +18,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
 
 namespace tavrin {
@@ -29,20 +31,20 @@ constexpr int deafMilliseconds = 300;
 struct Words {
     const char* name;
     const char* head;
-    const char* all; ///< label of the button that answers all questions to come; null where there is none
+    const char* all;
     const char* one;
-    bool canBeLeftOut;
+    const char* leaveOut;
 };
 
 const Words& wordsOf(ConfirmationSheet sheet) {
     static constexpr std::array words{
         Words{"confirmRenameWindow", "Rename this item?", "Rename &All Without Asking", "&Rename This One",
-              true},
+              "S&kip This One"},
         Words{"confirmSwapWindow", "Swap these two names?", "Swap and Rename &All Without Asking",
-              "&Swap These", true},
-        Words{"confirmNameCycleWindow", "Some names in this folder go round in a circle.", nullptr,
-              "&Continue", false},
-        Words{"reportProblemWindow", "", "Continue Without &Further Reports", "&Continue", false},
+              "&Swap These", "S&kip These"},
+        Words{"confirmNameCycleWindow", "Some names in this folder go round in a circle.",
+              "Rename &All Without Asking", "&Rename These", "S&kip These"},
+        Words{"reportProblemWindow", "", "Continue Without &Further Reports", "&Continue", ""},
     };
     return words[static_cast<std::size_t>(sheet)];
 }
@@ -76,6 +78,13 @@ QLabel* textLabel(const QString& text, Qt::TextFormat format) {
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
+}
+
+MessageText* messageText(const char* name, const QString& text) {
+    auto* message = new MessageText;
+    message->setObjectName(name);
+    message->setText(text);
+    return message;
 }
 
 /// The folder of a path as a link that shows it in the file manager.
@@ -158,14 +167,14 @@ void ConfirmationSheetWindow::addTexts(ConfirmationSheet sheet, const PropertyDi
         break;
     case ConfirmationSheet::nameCycle:
         form->addRow("In folder:", folderLink(textUnder(context, "fullPath")));
-        column.addWidget(
-            textLabel("All items of this folder get temporary names for a moment. After this you will "
-                      "not be asked again.",
-                      Qt::PlainText));
+        column.addWidget(textLabel(
+            "Each of these items takes the name of the next. They are renamed together or not at all.",
+            Qt::PlainText));
         break;
     case ConfirmationSheet::problem:
-        column.addWidget(textLabel(toQString(textUnder(context, "message")), Qt::PlainText));
-        form->addRow("Item:", textLabel(ShownName::of(textUnder(context, "fullPath"), false), Qt::PlainText));
+        column.addWidget(messageText("problemMessage", toQString(textUnder(context, "message"))));
+        form->addRow("Item:",
+                     messageText("problemItem", ShownName::of(textUnder(context, "fullPath"), false)));
         break;
     }
     column.addLayout(form);
@@ -185,10 +194,12 @@ void ConfirmationSheetWindow::addButtons(ConfirmationSheet sheet, QVBoxLayout& c
     };
     addButton("confirmStop", "Stop", ConfirmationChoice::stop);
     row->addStretch(1);
-    if (words.canBeLeftOut)
-        addButton("leaveOut", "S&kip This One", ConfirmationChoice::leaveOut);
-    if (words.all)
-        addButton("confirmAll", words.all, ConfirmationChoice::all);
+    const auto offer = [&](const char* name, const char* text, ConfirmationChoice choice) {
+        const auto allowed = allowedAnswers(sheet);
+        return std::ranges::find(allowed, choice) == allowed.end() ? nullptr : addButton(name, text, choice);
+    };
+    offer("leaveOut", words.leaveOut, ConfirmationChoice::leaveOut);
+    offer("confirmAll", words.all, ConfirmationChoice::all);
     QPushButton* one = addButton("confirmOne", words.one, ConfirmationChoice::one);
     one->setDefault(true);
     one->setFocus();

@@ -1,6 +1,7 @@
 #include "presentation/dialogs/ErrorWindow.h"
 
 #include "presentation/QtText.h"
+#include "presentation/dialogs/MessageText.h"
 #include "presentation/preview/ShownName.h"
 #include "support/Text.h"
 
@@ -22,22 +23,22 @@ QString shownPath(const ProcessingError& error) { return ShownName::of(text::fro
 
 } // namespace
 
-ErrorWindow::ErrorWindow(QWidget* parent, const std::vector<ProcessingError>& reported)
-    : QDialog(parent), errors(reported), list(new QListWidget) {
+ErrorWindow::ErrorWindow(QWidget* parent, const FailureReport& report)
+    : QDialog(parent), errors(report.errors), list(new QListWidget) {
     setObjectName("errorWindow");
     setWindowTitle("Some items were not renamed");
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::WindowModal);
     resize(680, 420);
-    auto* head = new QLabel(errors.size() == 1 ? QString("1 item was not renamed.")
-                                               : QString("%L1 items were not renamed.").arg(errors.size()));
-    auto* message = new QLabel;
+    QString text = toQString(notRenamedText(report.notRenamed));
+    if (report.notRenamed > errors.size())
+        text += " Those that you have been told of during the run are not listed again.";
+    auto* head = new QLabel(text + '\n' + toQString(report.done));
+    head->setObjectName("errorHead");
+    head->setWordWrap(true);
+    auto* message = new MessageText(3);
     message->setObjectName("errorMessage");
-    message->setWordWrap(true);
-    message->setTextFormat(Qt::PlainText);
-    message->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    message->setMinimumHeight(3 * fontMetrics().lineSpacing());
-    message->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    message->setAccessibleName("Reason");
     list->setObjectName("errorList");
     list->setAccessibleName("Failures");
     list->setUniformItemSizes(true);

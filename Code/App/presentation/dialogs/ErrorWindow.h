@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/ProcessingError.h"
+#include "shell/FrontEnd.h"
 
 #include <QDialog>
 #include <vector>
@@ -9,11 +9,11 @@ class QListWidget;
 
 namespace tavrin {
 
-/// All failures of a run, with the message of the selected one. Copying takes all rows. Object name
-/// "errorWindow".
+/// The failures of a run, with the message of the selected one, and how many items they concern. Copying
+/// takes all rows, or what is selected of the message. Object name "errorWindow".
 class ErrorWindow final : public QDialog {
   public:
-    ErrorWindow(QWidget* parent, const std::vector<ProcessingError>& errors);
+    ErrorWindow(QWidget* parent, const FailureReport& report);
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;

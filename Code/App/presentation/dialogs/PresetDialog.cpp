@@ -5,8 +5,6 @@
 #include "presentation/QtText.h"
 #include "shell/MainController.h"
 
-#include <fmt/format.h>
-
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -74,8 +72,11 @@ class PresetWindow final : public QDialog {
     void checkName() {
         const bool isOk = nameIsOk();
         buttons->button(QDialogButtonBox::Save)->setEnabled(isOk);
-        note->setText(isOk || nameField->text().trimmed().isEmpty() ? QString()
-                                                                    : "A preset of this name exists.");
+        if (isOk || nameField->text().trimmed().isEmpty())
+            note->clear();
+        else
+            note->setText(toQString(PresetsManager::problemOfName(fromQString(nameField->text()))
+                                        .value_or("A preset of this name exists.")));
     }
 
     PresetsManager& manager;
@@ -86,10 +87,9 @@ class PresetWindow final : public QDialog {
     QDialogButtonBox* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
 };
 
-void tellFailure(QWidget* parent, const PresetsManager& manager, const PresetOutcome& outcome) {
+void tellFailure(QWidget* parent, const PresetOutcome& outcome) {
     if (outcome.error)
-        Dialogs::presentError(parent, fmt::format("The preset can't be saved in \"{}\". {}",
-                                                  manager.localFolder(), *outcome.error));
+        Dialogs::presentError(parent, *outcome.error);
 }
 
 } // namespace
@@ -100,7 +100,7 @@ void PresetDialog::saveAsPreset(QWidget* parent, const WindowServices& services)
     window->setSave(
         [parent, services, &manager](const std::u16string& name, const std::u16string& description) {
             manager.createPresetsFolders(); // somebody may have removed them
-            tellFailure(parent, manager, manager.createPresetFromCurrentActionsWithName(name, description));
+            tellFailure(parent, manager.createPresetFromCurrentActionsWithName(name, description));
             manager.loadPresets();
             services.controller.updatePresetsMenu();
         });
@@ -115,9 +115,8 @@ void PresetDialog::edit(QWidget* parent, const WindowServices& services, std::si
     auto* window = new PresetWindow(parent, manager, oldName, manager.descriptionAtIndex(index), false);
     window->setSave(
         [parent, &manager, path, oldName](const std::u16string& name, const std::u16string& description) {
-            tellFailure(parent, manager,
-                        name == oldName ? manager.changeDescription(description, path)
-                                        : manager.changeNameAtPath(path, name, description));
+            tellFailure(parent, name == oldName ? manager.changeDescription(description, path)
+                                                : manager.changeNameAtPath(path, name, description));
         });
     QObject::connect(window, &QDialog::finished, window, [services, &manager, then = std::move(then)] {
         manager.loadPresets();

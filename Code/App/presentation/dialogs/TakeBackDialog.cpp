@@ -71,8 +71,9 @@ TakeBackDialog::TakeBackDialog(QWidget* parent, const TakeBackQuestion& question
         note->setObjectName("takeBackProblems");
         layout->addWidget(note);
         QPushButton* why = buttons->addButton("&Show Them…", QDialogButtonBox::ActionRole);
-        connect(why, &QPushButton::clicked, this,
-                [this, problems = question.problems] { (new ErrorWindow(this, problems))->open(); });
+        connect(why, &QPushButton::clicked, this, [this, problems = question.problems] {
+            (new ErrorWindow(this, {problems, problems.size(), ""}))->open();
+        });
     }
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

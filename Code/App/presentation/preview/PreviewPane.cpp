@@ -331,14 +331,7 @@ void PreviewPane::forgetPictures() { parts->thumbnails.clear(); }
 
 // --- What the user does ---
 
-std::vector<RowId> PreviewPane::selection() const {
-    std::vector<RowId> ids;
-    const std::vector<RowId>& rows = parts->model.rowIds();
-    for (const std::size_t row : parts->view->selectedRows())
-        if (row < rows.size())
-            ids.push_back(rows[row]);
-    return ids;
-}
+std::vector<RowId> PreviewPane::selection() const { return parts->view->selectedIds(); }
 
 std::int32_t PreviewPane::itemsToRename() const {
     StoreContext& context = parts->controller.managedObjectContext();
@@ -378,20 +371,18 @@ void PreviewPane::Parts::removeSelected() {
         controller.removeFile(selected);
 }
 
-/// In front of the row above the first, or behind the row below the last.
+/// In front of the row above the first, or behind the row below the last, of those on show.
 void PreviewPane::moveSelection(bool up) {
     parts->showListIfDue();
-    const DNDArrayController::Indexes rows = parts->view->selectedRows();
-    const std::size_t count = parts->model.rowIds().size();
-    if (rows.empty() || parts->model.show() != PreviewTableModel::Show::all ||
-        !parts->controller.validateUserInterfaceItem())
+    const std::vector<std::size_t> selected = parts->view->selectedRows();
+    const std::vector<RowId>& shown = parts->model.rowIds();
+    if (selected.empty() || !parts->controller.validateUserInterfaceItem())
         return;
-    if (up ? rows.front() == 0 : rows.back() + 1 >= count)
+    if (up ? selected.front() == 0 : selected.back() + 1 >= shown.size())
         return;
-    parts->view->reorder([&] {
-        parts->controller.dndArrayController().insertManualIndices(rows,
-                                                                   up ? rows.front() - 1 : rows.back() + 2);
-    });
+    const DNDArrayController::Place place{shown[up ? selected.front() - 1 : selected.back() + 1], !up};
+    parts->view->reorder(
+        [&] { parts->controller.dndArrayController().insertRows(parts->view->selectedIds(), place); });
 }
 
 std::optional<PreviewList::Row> PreviewPane::Parts::currentRow() const {

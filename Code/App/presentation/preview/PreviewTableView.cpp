@@ -37,16 +37,29 @@ PreviewTableView::PreviewTableView(PreviewTableModel& shownModel, DNDArrayContro
     });
 }
 
-DNDArrayController::Indexes PreviewTableView::selectedRows() const {
+std::vector<std::size_t> PreviewTableView::selectedRows() const {
     // Ranges are few where rows are many.
     QItemSelection ranges = selectionModel()->selection();
     std::ranges::sort(ranges, {}, &QItemSelectionRange::top);
-    DNDArrayController::Indexes rows;
+    std::vector<std::size_t> rows;
     int next = 0;
     for (const QItemSelectionRange& range : ranges)
         for (next = std::max(next, range.top()); next <= range.bottom(); ++next)
             rows.push_back(static_cast<std::size_t>(next));
     return rows;
+}
+
+const PreviewTableModel& PreviewTableView::table() const {
+    return *static_cast<const PreviewTableModel*>(model());
+}
+
+std::vector<RowId> PreviewTableView::selectedIds() const {
+    const std::vector<RowId>& shown = table().rowIds();
+    std::vector<RowId> ids;
+    for (const std::size_t row : selectedRows())
+        if (row < shown.size())
+            ids.push_back(shown[row]);
+    return ids;
 }
 
 void PreviewTableView::reorder(const std::function<void()>& work) {
@@ -69,17 +82,18 @@ void PreviewTableView::keyPressEvent(QKeyEvent* event) {
 }
 
 void PreviewTableView::startDrag(Qt::DropActions) {
-    const DNDArrayController::Indexes rows = selectedRows();
-    if (!dragging.writeRowsWithIndexes(rows))
+    const std::vector<std::size_t> selected = selectedRows();
+    if (!dragging.writeRows(selectedIds()))
         return;
     auto* drag = new QDrag(this);
     auto* content = new QMimeData;
-    content->setData(rowsType, QByteArray::number(static_cast<qulonglong>(rows.size())));
+    content->setData(rowsType, QByteArray::number(static_cast<qulonglong>(selected.size())));
     drag->setMimeData(content);
-    const QModelIndex first = model()->index(static_cast<int>(rows.front()), PreviewTableModel::currentName);
+    const QModelIndex first =
+        model()->index(static_cast<int>(selected.front()), PreviewTableModel::currentName);
     QString label = first.data().toString().left(40);
-    if (rows.size() > 1)
-        label += QString(" and %L1 more").arg(rows.size() - 1);
+    if (selected.size() > 1)
+        label += QString(" and %L1 more").arg(selected.size() - 1);
     QPixmap picture(fontMetrics().horizontalAdvance(label) + 16, fontMetrics().height() + 8);
     picture.fill(palette().color(QPalette::Highlight));
     QPainter painter(&picture);
@@ -143,7 +157,13 @@ void PreviewTableView::dropEvent(QDropEvent* event) {
     if (areRows && dragging.validateDrop(true, true)) {
         event->acceptProposedAction();
         const auto row = static_cast<std::size_t>(rowAtDrop(event->position().toPoint()));
-        reorder([&] { dragging.acceptRows(row); });
+        // Below the last row on show: right behind it, in front of what is not on show.
+        const std::vector<RowId>& shown = table().rowIds();
+        DNDArrayController::Place place;
+        if (!shown.empty())
+            place = row < shown.size() ? DNDArrayController::Place{shown[row]}
+                                       : DNDArrayController::Place{shown.back(), true};
+        reorder([&] { dragging.acceptRows(place); });
     } else if (!areRows) {
         const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
         event->setAccepted(!paths.empty());

@@ -4,6 +4,7 @@
 
 #include <QTableView>
 #include <functional>
+#include <vector>
 
 namespace tavrin {
 
@@ -15,7 +16,10 @@ class PreviewTableView final : public QTableView {
   public:
     PreviewTableView(PreviewTableModel& shownModel, DNDArrayController& controller);
 
-    [[nodiscard]] DNDArrayController::Indexes selectedRows() const;
+    /// Of the table, in ascending order.
+    [[nodiscard]] std::vector<std::size_t> selectedRows() const;
+    /// The same as ids.
+    [[nodiscard]] std::vector<RowId> selectedIds() const;
     [[nodiscard]] bool isDraggingRows() const { return isDragging; }
     /// Does what puts the rows in another order.
     void reorder(const std::function<void()>& work);
@@ -39,6 +43,7 @@ class PreviewTableView final : public QTableView {
 
   private:
     [[nodiscard]] int rowAtDrop(const QPoint& place) const;
+    [[nodiscard]] const PreviewTableModel& table() const;
     void showMark(int row);
 
     DNDArrayController& dragging;

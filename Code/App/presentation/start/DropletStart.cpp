@@ -66,9 +66,9 @@ int DropletStart::run(const DropletRequest& request, char* programName) {
     ApplicationSetup::looks();
     // Recipes are checked against its catalogue.
     TavrinApplication tavrin({});
-    std::variant<DropletRequest::Start, RecipeError> start = request.start();
-    if (const auto* error = std::get_if<RecipeError>(&start))
-        return show(error->message);
+    std::variant<DropletRequest::Start, DropletRequest::Failure> start = request.start();
+    if (const auto* failure = std::get_if<DropletRequest::Failure>(&start))
+        return failure->isSilent ? complain(failure->message) : show(failure->message);
     return show(tavrin, std::get<DropletRequest::Start>(std::move(start)));
 }
 
