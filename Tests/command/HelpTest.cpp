@@ -36,7 +36,9 @@ TEST_P(Help, FitsAScreenAndEndsWithThreeExamplesThatWork) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Help, testing::Values("", "preview", "rename", "history", "undo", "redo", "actions", "tags", "presets"),
+INSTANTIATE_TEST_SUITE_P(All, Help,
+                         testing::Values("", "preview", "rename", "history", "undo", "redo", "actions",
+                                         "tags", "presets"),
                          [](const auto& test) { return test.param.empty() ? "overview" : test.param; });
 
 } // namespace

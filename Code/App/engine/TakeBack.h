@@ -25,7 +25,7 @@ struct TakeBackResult {
     std::shared_ptr<ItemStore> store; ///< the rows: those with `diff` get, or were to get, another name
     std::int32_t planned = 0;
     std::int32_t changed = 0;
-    std::int64_t failed = 0; ///< items that stay as they are, those told on the way included
+    std::int64_t failed = 0;             ///< items that stay as they are, those told on the way included
     std::vector<ProcessingError> errors; ///< what can't be done, apart from what was told on the way
 };
 

@@ -157,9 +157,7 @@ ConfirmationFlow::RunResult ConfirmationFlow::resultOfRun() {
     return result;
 }
 
-void ConfirmationFlow::showCompletionDialog() {
-    tellEnd(resultOfRun());
-}
+void ConfirmationFlow::showCompletionDialog() { tellEnd(resultOfRun()); }
 
 void ConfirmationFlow::tellEndOfTakeBack(const TakeBackResult& result) {
     tellEnd({result.errors, result.planned, result.changed,

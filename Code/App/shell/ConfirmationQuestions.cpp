@@ -138,14 +138,14 @@ void ConfirmationFlow::confirmWithoutRecord(const std::string& reason, Confirmat
         answer->give(ConfirmationChoice::one);
         return;
     }
-    services.frontEnd.showAlert(
-        {.kind = AlertKind::noRecord,
-         .title = "This renaming can't be recorded, so it could not be undone.",
-         .text = fmt::format("The record of the names can't be written: {}.", reason),
-         .buttons = {"Rename All the Same", "Cancel"}},
-        [shared = SharedAnswer(std::move(answer))](AlertAnswer given) {
-            shared->give(given.button == 0 ? ConfirmationChoice::one : ConfirmationChoice::stop);
-        });
+    services.frontEnd.showAlert({.kind = AlertKind::noRecord,
+                                 .title = "This renaming can't be recorded, so it could not be undone.",
+                                 .text = fmt::format("The record of the names can't be written: {}.", reason),
+                                 .buttons = {"Rename All the Same", "Cancel"}},
+                                [shared = SharedAnswer(std::move(answer))](AlertAnswer given) {
+                                    shared->give(given.button == 0 ? ConfirmationChoice::one
+                                                                   : ConfirmationChoice::stop);
+                                });
 }
 
 void ConfirmationFlow::showPipelineFailed(const std::string& title, const std::string& text,

@@ -253,8 +253,7 @@ void StartSequence::renameDroppedFiles() {
     };
     const bool wereConsistent = areSettingsConsistent();
     const auto& steps = services.composite.getActionDictionaryList();
-    const bool hasActiveStep =
-        std::ranges::any_of(steps, [](const auto& step) { return step->isActive(); });
+    const bool hasActiveStep = std::ranges::any_of(steps, [](const auto& step) { return step->isActive(); });
     // Nobody sits before a silent droplet who could answer why there is nothing to do.
     if (isSilentDroplet() && (!wereConsistent || !hasActiveStep || services.sourceItems.isEmpty())) {
         options.terminate();
