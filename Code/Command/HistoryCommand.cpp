@@ -142,6 +142,8 @@ ExitStatus runHistoryCommand(const HistoryOptions& options) {
         return forget(runNamed(history, options.forget), terminal);
     if (!options.run.empty())
         return printItems(runNamed(history, options.run), folder, options.json, terminal);
+    if (const std::string problem = history.problem(); !problem.empty())
+        throw UsageError(problem);
     ExitStatus status = ExitStatus::allWell;
     for (const PastRun& run : history.runs()) {
         if (!options.clear)

@@ -12,7 +12,9 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <ranges>
 #include <set>
+#include <system_error>
 #include <unistd.h>
 
 namespace tavrin {
@@ -75,32 +77,61 @@ bool hasEffect(const PastRun& run) { return !run.hasBegunNothing && (!run.end ||
 
 bool isUnfinished(const PastRun& run) { return !run.end || run.end->wasStopped; }
 
+/// Which names the items of a line of runs bear.
+enum class LineNames { former, wanted, mixed };
+
+/// Whether names may be other than before it.
+bool hasMoved(const PastRun& run) {
+    return !run.hasBegunNothing &&
+           (!run.end || run.end->changed > 0 || (run.end->failed == 0 && !run.end->wasStopped));
+}
+
+LineNames namesAfter(const PastRun& run, LineNames before, std::optional<LineNames> beforeUndone) {
+    if (!hasMoved(run))
+        return before;
+    if (isUnfinished(run))
+        return LineNames::mixed;
+    return beforeUndone.value_or(run.isForward() ? LineNames::wanted : LineNames::former);
+}
+
 /// What the runs of one line have done to each other. `runs` comes newest first.
 void relate(std::vector<PastRun>& runs) {
-    std::map<std::string, PastRun*, std::less<>> byName;
-    for (PastRun& run : runs)
-        byName.emplace(run.name, &run);
-    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
-        if (run->heading.of.empty())
-            continue;
-        const auto of = byName.find(run->heading.of);
-        run->root = of != byName.end() ? of->second->root : run->heading.of;
-    }
-    std::map<std::string, bool, std::less<>> settledBy; // root to isForward of the last that ended well
-    std::set<std::string, std::less<>> attempted;
-    for (PastRun& run : runs) {
-        const auto later = settledBy.find(run.root);
-        if (later != settledBy.end()) {
-            run.isUndone = later->second != run.isForward();
-            run.isFinished = !run.isUndone;
+    struct Known {
+        PastRun* run;
+        LineNames before;
+    };
+    std::map<std::string, Known, std::less<>> byName;
+    std::map<std::string, LineNames, std::less<>> lines; // by root
+    for (PastRun& run : std::views::reverse(runs)) {
+        std::optional<LineNames> beforeUndone;
+        LineNames* names = nullptr;
+        if (const auto of = byName.find(run.heading.of); of != byName.end()) {
+            const auto& [other, beforeOther] = of->second;
+            run.root = other->root;
+            names = &lines[run.root];
+            const bool undoesIt = other->isForward() != run.isForward();
+            if (undoesIt)
+                beforeUndone = beforeOther;
+            run.coversLine = other->coversLine && !(undoesIt && *names == LineNames::mixed);
+        } else {
+            if (!run.heading.of.empty())
+                run.root = run.heading.of;
+            names = &lines[run.root];
         }
+        byName.emplace(run.name, Known{&run, *names});
+        *names = namesAfter(run, *names, beforeUndone);
+    }
+    std::set<std::string, std::less<>> attempted;
+    std::set<std::string, std::less<>> moved; // by a later run
+    for (PastRun& run : runs) {
+        const LineNames names = moved.contains(run.root) ? lines[run.root] : LineNames::mixed;
+        run.isUndone = names == (run.isForward() ? LineNames::former : LineNames::wanted);
+        run.isFinished = names == (run.isForward() ? LineNames::wanted : LineNames::former);
+        if (hasMoved(run))
+            moved.insert(run.root);
         run.isSettled |= attempted.contains(run.root);
-        if (!run.end)
-            continue;
-        if (!run.heading.of.empty())
+        if (run.end && !run.heading.of.empty())
             attempted.insert(run.root);
-        if (!run.end->wasStopped && (run.end->changed > 0 || run.end->failed == 0))
-            settledBy.emplace(run.root, run.isForward());
     }
 }
 
@@ -140,10 +171,9 @@ std::string_view PastRun::state() const {
 }
 
 std::vector<std::string> RunHistory::names() const {
-    std::unique_ptr<OpenFolder> open;
     FolderEntries entries;
     std::vector<std::string> found;
-    if (FileSystem::sharedInstance().openFolder(folder, open) != 0 || open->entries(entries) != 0)
+    if (read(entries) != 0)
         return found;
     for (const FolderEntry entry : entries) {
         if (entry.name.size() > suffix.size() && entry.name.ends_with(suffix))
@@ -151,6 +181,20 @@ std::vector<std::string> RunHistory::names() const {
     }
     std::ranges::sort(found, std::greater<>());
     return found;
+}
+
+int RunHistory::read(FolderEntries& entries) const {
+    std::unique_ptr<OpenFolder> open;
+    const int error = FileSystem::sharedInstance().openFolder(folder, open);
+    return error != 0 ? error : open->entries(entries);
+}
+
+std::string RunHistory::problem() const {
+    FolderEntries entries;
+    const int error = read(entries);
+    if (error == 0 || error == ENOENT)
+        return {};
+    return fmt::format("the records in {} can't be read: {}", folder, std::generic_category().message(error));
 }
 
 std::vector<PastRun> RunHistory::runs() const {
@@ -169,6 +213,8 @@ std::variant<PastRun, std::string> RunHistory::find(std::string_view name) const
         if (run.name.ends_with(name))
             matching.push_back(std::move(run));
     }
+    if (std::string reason = problem(); !reason.empty())
+        return reason;
     if (matching.empty() || name.empty())
         return fmt::format("there is no run \"{}\"", name);
     if (matching.size() > 1)
@@ -198,15 +244,16 @@ std::variant<ChosenRun, std::string> RunHistory::choose(RunKind what, std::strin
             return sentenceOfNewest(run, run.problem, all);
         if (run.isUnderWay)
             return sentence(run, "is still under way");
-        if (run.isUndone || !hasEffect(run))
-            continue;
         const bool goesBack = run.isForward() == isUndo;
-        if (!goesBack && (!isUnfinished(run) || run.isFinished))
+        const bool isNext = goesBack ? !run.isUndone : isUnfinished(run) && !run.isFinished;
+        if (!isNext || !run.coversLine || !hasEffect(run))
             continue;
         if (isDamaged(run))
             return sentenceOfNewest(run, damaged, all);
         return ChosenRun{run, what, !goesBack};
     }
+    if (std::string reason = problem(); !reason.empty())
+        return reason;
     return std::string(isUndo ? "there is no run to undo" : "there is no run to redo");
 }
 

@@ -11,6 +11,8 @@
 
 namespace tavrin {
 
+class FolderEntries;
+
 /// One record of the history, without its items.
 struct PastRun {
     std::string name;
@@ -21,10 +23,11 @@ struct PastRun {
     std::optional<RunEnd> end;
     std::uint64_t size = 0;
     bool isUnderWay = false;
-    bool isUndone = false;        ///< a later run has put things back as they were before this one
-    bool isFinished = false;      ///< a later run has done what this one left undone
-    bool isSettled = true;        ///< it ended, or a later run has seen to what it left behind
-    std::string root = {};        ///< the rename that it and its like go back to
+    bool isUndone = false;   ///< a later run has put things back as they were before this one
+    bool isFinished = false; ///< a later run has done what this one left undone
+    bool isSettled = true;   ///< it ended, or a later run has seen to what it left behind
+    std::string root = {};   ///< the rename that it and its like go back to
+    bool coversLine = true;  ///< its record has all items of its root, not only those that a cut left behind
     bool hasBegunNothing = false; ///< it was cut off before it touched anything
 
     [[nodiscard]] bool isInterrupted() const { return !end && !isUnderWay && problem.empty(); }
@@ -46,6 +49,8 @@ class RunHistory {
   public:
     explicit RunHistory(std::string newFolder) : folder(std::move(newFolder)) {}
 
+    /// Why the folder can't be read, a sentence without its dot; empty where it can or does not exist yet.
+    [[nodiscard]] std::string problem() const;
     /// Newest first. Cheap: of whole records only both ends are read.
     [[nodiscard]] std::vector<PastRun> runs() const;
     /// `name` is a run's name, or an end of it that no other has.
@@ -65,6 +70,8 @@ class RunHistory {
     [[nodiscard]] std::string nextName() const;
 
   private:
+    /// 0 or an errno value.
+    int read(FolderEntries& entries) const;
     [[nodiscard]] std::vector<std::string> names() const;
 
     std::string folder;
