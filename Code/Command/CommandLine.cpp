@@ -114,6 +114,8 @@ class Parser {
     std::string onlyOperand(std::string_view what) const {
         if (operands.size() > 1)
             throw UsageError(fmt::format("more than one {} is given", what));
+        if (!operands.empty() && operands.front().empty())
+            throw UsageError(fmt::format("the name of the {} is empty", what));
         return operands.empty() ? std::string() : operands.front();
     }
 
@@ -205,6 +207,8 @@ CommandLine parseHistory(std::vector<std::string> arguments) {
         options.run = parser.onlyOperand("run");
         if (*forget)
             options.forget = forget->results().at(0);
+        if (*forget && options.forget.empty())
+            throw UsageError("the name of the run is empty");
         if (!options.run.empty() && (options.clear || *forget))
             throw UsageError("--clear and --forget take no further run");
         return options;

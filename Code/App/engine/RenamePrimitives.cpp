@@ -98,6 +98,8 @@ bool RenamePrimitives::renameItem(RenameItem& item, bool treatAsRoot) {
         sentence = nameTakenReason;
         detail.clear();
     } else {
+        if (!parts.mover.leftUnder().empty())
+            ++actuallyRenamedCounter; // its name is another one, though not the planned
         const bool isGone = attempt.error == ENOENT && !isStillThere(attempt);
         refuse((isGone ? std::string(gone) : systemReason(attempt.error, from, to, attempt.place)) +
                whereItLies());

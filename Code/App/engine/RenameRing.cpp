@@ -176,10 +176,10 @@ bool RenameRing::note(int error, std::size_t member, std::string_view to) {
 
 void RenameRing::account() {
     for (const Member& member : members) {
-        if (member.lies != member.name)
-            run.noteMoved(member.id);
-        if (member.lies == member.wanted)
-            ++run.primitives.actuallyRenamedCounter;
+        if (member.lies == member.name)
+            continue;
+        run.noteMoved(member.id);
+        ++run.primitives.actuallyRenamedCounter;
     }
     run.report.item(run.primitives.actuallyRenamedCounter);
     accountSourceItems();

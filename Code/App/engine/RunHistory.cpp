@@ -112,7 +112,8 @@ void relate(std::vector<PastRun>& runs) {
             const bool undoesIt = other->isForward() != run.isForward();
             if (undoesIt)
                 beforeUndone = beforeOther;
-            run.coversLine = other->coversLine && !(undoesIt && *names == LineNames::mixed);
+            const bool startsWhole = *names != LineNames::mixed;
+            run.coversLine = other->coversLine && (startsWhole || (!undoesIt && !isUnfinished(run)));
         } else {
             if (!run.heading.of.empty())
                 run.root = run.heading.of;
