@@ -87,7 +87,7 @@ class FailingAppendFile : public AppendFile {
     }
     int sync() override {
         const int error = system.admit({FileCall::sync, path, {}, {}});
-        return error != 0 ? error : real->sync();
+        return error; // nothing of a test is to outlive the machine
     }
 
   private:

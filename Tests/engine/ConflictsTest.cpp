@@ -4,6 +4,8 @@
 
 #include <map>
 #include <ostream>
+#include <random>
+#include <set>
 
 namespace tavrin::test {
 namespace {
@@ -198,20 +200,32 @@ TEST_F(ConflictsTest, AFolderWithoutCollisionsChangesNoName) {
         EXPECT_EQ(id, parent) << "only the folder's marker";
 }
 
-TEST_F(ConflictsTest, ALargeGroupBecomesDistinct) {
-    constexpr int members = 3000;
-    std::vector<std::string> children;
-    for (int i = 0; i < members; ++i)
-        children.push_back(std::to_string(i) + (i % 2 ? ">same" : ">SAME"));
-    const RowId parent = insert("/a", children);
-    ASSERT_TRUE(run<ResolveFileNameConflictsStage>());
-    std::map<std::string, int> seen;
-    for (const std::string& name : finalNames(parent)) {
-        std::string lowered;
-        text::lowercaseBytes(name, lowered);
-        EXPECT_EQ(++seen[lowered], 1) << name;
+/// Groups whose distinguishers can build the same name ("x" with "11", "x1" with "1"), and names that are
+/// there already, in any case and number, large and small.
+TEST_F(ConflictsTest, NamesAreDistinctAcrossGroupsInEveryScheme) {
+    std::mt19937 random(7);
+    const std::vector<std::string> stems{"x",  "X",   "x1",  "x0",   "x01",   "x001", "xa",
+                                         "xA", "x11", "xaa", "x(1)", "x(01)", "x(a)", "x1001"};
+    for (int scheme = 0; scheme < 14; ++scheme) {
+        host.set("conflictResolutionScheme", scheme);
+        host.set("conflictResolutionDontChangeFirst", scheme % 2);
+        for (const std::size_t count : {8U, 60U, 2400U}) {
+            SCOPED_TRACE(std::to_string(scheme) + ", " + std::to_string(count));
+            std::vector<std::string> children;
+            for (std::size_t i = 0; i < count; ++i) {
+                const std::string stem = i % 2 == 0 ? "x" : stems[random() % stems.size()];
+                children.push_back(std::to_string(i) + ">" + stem + (random() % 8 == 0 ? ".t" : ""));
+            }
+            const RowId parent = insert("/" + std::to_string(scheme) + "/" + std::to_string(count), children);
+            ASSERT_TRUE(run<ResolveFileNameConflictsStage>());
+            std::set<std::string> seen;
+            for (const std::string& name : finalNames(parent)) {
+                std::string lowered;
+                text::lowercaseBytes(name, lowered);
+                EXPECT_TRUE(seen.insert(lowered).second) << name;
+            }
+        }
     }
-    EXPECT_EQ(seen.count("same"), 0U);
 }
 
 } // namespace

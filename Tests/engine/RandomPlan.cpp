@@ -121,9 +121,9 @@ void RandomPlan::expectNothingLost(RenameBench& bench) const {
         const auto [known, isNew] = places.emplace(content, path);
         if (isNew)
             continue;
-        // Of two names the one from before is the item's own.
+        // Of two names the wanted one is the second.
         std::string second = path;
-        if (name == components(content).back())
+        if (name != plan.at(content))
             std::swap(known->second, second);
         EXPECT_TRUE(isTold(bench, components(second).back())) << content << " is there twice: " << second;
     }

@@ -2,6 +2,7 @@
 
 #include "RenameBench.h"
 
+#include <array>
 #include <map>
 #include <random>
 #include <string>
@@ -17,6 +18,8 @@ namespace tavrin::test {
 class RandomPlan {
   public:
     explicit RandomPlan(unsigned seed);
+    /// Seeds of plans that hold rings of three and more, pairs, chains, changes of case and folders.
+    static constexpr std::array<unsigned, 3> eventful{9, 32, 95};
 
     /// Makes the tree on disk, reads it and gives the rows their final names.
     void setUp(RenameBench& bench) const;

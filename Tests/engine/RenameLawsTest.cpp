@@ -13,8 +13,6 @@ namespace tavrin::test {
 
 namespace {
 
-constexpr unsigned plansWithFailures = 3;
-
 /// What file systems refuse: nothing; to exchange names; also to rename without replacing; also links.
 struct Volume {
     const char* title;
@@ -34,7 +32,7 @@ using Mishap = std::function<int(const FileEvent&, std::size_t number)>;
 /// the last call on.
 void expectNothingLostWhen(const Mishap& mishap, const std::function<void(RenameBench&)>& afterEachRun) {
     for (const Volume& volume : volumes) {
-        for (unsigned seed = 0; seed < plansWithFailures; ++seed) {
+        for (const unsigned seed : RandomPlan::eventful) {
             const RandomPlan plan(seed);
             bool wasReached = true;
             for (std::size_t k = 1; wasReached; ++k) {
@@ -83,7 +81,7 @@ TEST(RenameLaws, RandomPlansComeOutAsWanted) {
 /// nothing works any more from there on.
 TEST(RenameLaws, EachCallFailingLosesNothing) {
     for (const bool andAllAfter : {false, true}) {
-        for (unsigned seed = 0; seed < plansWithFailures; ++seed) {
+        for (const unsigned seed : RandomPlan::eventful) {
             const RandomPlan plan(seed);
             bool hasFailed = true;
             for (std::size_t k = 1; hasFailed; ++k) {

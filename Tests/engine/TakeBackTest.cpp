@@ -47,33 +47,52 @@ TEST(TakeBackLaws, UndoGivesTheTreeBeforeAndRedoTheTreeAfter) {
     }
 }
 
-/// A run that was cut off anywhere between two steps: the same, by what lies on the disk.
-TEST(TakeBackLaws, AStoppedRunIsTakenBackOrFinished) {
-    for (const RunKind first : {RunKind::undo, RunKind::redo}) {
-        for (unsigned changed = 0; changed < 4; ++changed) {
-            SCOPED_TRACE(changed);
-            HistoryBench bench;
-            bench.makeAndRead({"box/", "box/a", "box/b", "box/in/", "box/in/c"});
-            for (const auto& [name, wanted] : std::map<std::string, std::u16string>{
-                     {"box/a", u"b"}, {"box/b", u"x"}, {"box/in", u"out"}, {"box/in/c", u"C"}})
-                bench.setFinalName(name, wanted);
-            bench.rename();
-            bench.interruptNewest();
-            const RenameBench::Tree after = bench.files();
-            const RenameBench::Tree before = untouched({"box/a", "box/b", "box/in/c"});
-            // Back to where it was after so many of its steps.
-            const std::vector<std::pair<std::string, std::string>> steps = {
-                {"box/out", "box/in"}, {"box/b", "box/a"}, {"box/x", "box/b"}, {"box/in/C", "box/in/c"}};
-            for (unsigned i = 0; i < 4 - changed; ++i)
-                std::filesystem::rename(bench.disk.path(steps[i].first), bench.disk.path(steps[i].second));
-            bench.takeBack(first);
-            EXPECT_EQ(bench.files(), first == RunKind::undo ? before : after) << bench.refusal;
-            bench.takeBack(first == RunKind::undo ? RunKind::redo : RunKind::undo);
-            // A redo of the undo does what the undo took back; all of it where the run was finished first.
-            if (first == RunKind::redo || changed == 4) {
-                EXPECT_EQ(bench.files(), first == RunKind::undo ? after : before) << bench.refusal;
+/// From each call on nothing works any more, in the run or in the undo of it, as if the program had been
+/// killed there. What is left is taken back, or finished.
+TEST(TakeBackLaws, WhatIsCutOffAtAnyCallIsTakenBackOrFinished) {
+    using enum FileCall;
+    const std::vector<std::vector<FileCall>> volumes{
+        {}, {exchange}, {exchange, FileCall::rename}, {exchange, FileCall::rename, FileCall::link}};
+    for (const std::vector<FileCall>& refused : volumes) {
+        for (const bool cutsUndo : {false, true}) {
+            for (const RunKind then : {RunKind::undo, RunKind::redo}) {
+                bool wasCut = true;
+                std::size_t number = 0;
+                for (std::size_t k = 1; wasCut || ++number < RandomPlan::eventful.size();
+                     k = wasCut ? k + 1 : 1) {
+                    const unsigned seed = RandomPlan::eventful.at(number);
+                    SCOPED_TRACE("plan " + std::to_string(seed) + ", " + std::to_string(refused.size()) +
+                                 " refused, call " + std::to_string(k) +
+                                 (cutsUndo ? " of the undo, then " : ", then ") +
+                                 (then == RunKind::undo ? "undo" : "redo"));
+                    const RandomPlan plan(seed);
+                    HistoryBench bench;
+                    bench.host.prompts.onNoRecord = [] { return ConfirmationChoice::stop; };
+                    plan.setUp(bench);
+                    FailingFileSystem failing;
+                    for (const FileCall call : refused)
+                        failing.failKind(call, EOPNOTSUPP);
+                    const auto cut = [&](const std::function<void()>& run) {
+                        const std::size_t before = failing.callCount();
+                        failing.failCall(k, EIO, true);
+                        run();
+                        wasCut = failing.callCount() - before >= k;
+                        failing.failCall(0, 0);
+                    };
+                    if (cutsUndo) {
+                        bench.rename();
+                        cut([&] { bench.takeBack(RunKind::undo); });
+                    } else {
+                        cut([&] { bench.rename(); });
+                    }
+                    bench.takeBack(then);
+                    // Where there is nothing to finish, nothing was begun, or all was done.
+                    const bool isBefore =
+                        then == RunKind::undo || (!bench.refusal.empty() && bench.files() == plan.before());
+                    ASSERT_EQ(bench.files(), isBefore ? plan.before() : plan.after())
+                        << bench.refusal << testing::PrintToString(bench.failures);
+                }
             }
-            EXPECT_THAT(bench.failures, IsEmpty());
         }
     }
 }

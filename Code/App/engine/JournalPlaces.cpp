@@ -40,7 +40,7 @@ void JournalPlaces::visit(Which which, const std::function<void(const PlacedItem
 
 void JournalPlaces::findFolders() {
     folders.assign(record.folders().size(), {});
-    gatherFolderItems();
+    gatherNames();
     for (std::uint32_t number = 0; number < folders.size(); ++number)
         static_cast<void>(folder(number));
     found.clear(); // what lies in the way of a folder comes up again with the folder itself
@@ -63,13 +63,15 @@ void JournalPlaces::dropListedItems() {
     });
 }
 
-void JournalPlaces::gatherFolderItems() {
+void JournalPlaces::gatherNames() {
     std::unordered_set<std::string> wanted;
     for (const RecordedFolder& line : record.folders()) {
         for (std::string path = line.path; path.size() > 1 && wanted.insert(path).second;)
             path = PathParts(path).folder;
     }
     record.visitItems([&](const RecordedItem& item, std::size_t number) {
+        if (!item.standIn.empty())
+            namesInRings[item.folder].insert(item.oldName);
         if (item.kind != FileStatus::Kind::folder)
             return true;
         std::string path = joinedPath(record.folders()[item.folder].path, item.oldName);
@@ -168,32 +170,54 @@ void JournalPlaces::placeByLooks(PlacedItem& into) {
     if (atNew.isSame && !wasInterrupted && !isCaseOnly)
         return put(into, ItemPlace::done, item.newName, atNew);
     const Look atOld = lookAt(item.oldName, into);
-    if (atNew.isSame) {
-        const bool hasBoth = atOld.isSame && item.oldName != item.newName;
-        const bool isAtOld = hasBoth && (isCaseOnly ? bearsExactly(item.oldName) : true);
-        if (isAtOld && !isCaseOnly)
-            noteLeftover(into, item.newName, atNew);
-        return isAtOld ? put(into, ItemPlace::old, item.oldName, atOld)
-                       : put(into, ItemPlace::done, item.newName, atNew);
-    }
     Look atStandIn;
-    if (!item.standIn.empty())
+    if (!item.standIn.empty() && (wasInterrupted || (!atNew.isSame && !atOld.isSame)))
         atStandIn = lookAt(item.standIn, into);
-    if (atOld.isSame) {
-        if (atNew.isThere)
-            noteLeftover(into, item.newName, atNew);
-        if (atStandIn.isThere)
-            noteLeftover(into, item.standIn, atStandIn);
-        return put(into, ItemPlace::old, item.oldName, atOld);
-    }
-    if (atStandIn.isSame) {
-        if (atNew.isThere)
-            noteLeftover(into, item.newName, atNew);
-        return put(into, ItemPlace::standIn, item.standIn, atStandIn);
+    // Where one spelling finds the other, the listing tells them apart.
+    const bool isAtOld = atOld.isSame && !(isCaseOnly && atNew.isSame && !bearsExactly(item.oldName));
+    const bool isAtNew = atNew.isSame && !(isCaseOnly && isAtOld && !bearsExactly(item.newName));
+    if (isAtOld)
+        put(into, ItemPlace::old, item.oldName, atOld);
+    else if (isAtNew)
+        put(into, ItemPlace::done, item.newName, atNew);
+    else if (atStandIn.isSame)
+        put(into, ItemPlace::standIn, item.standIn, atStandIn);
+    else
+        return placeElsewhere(into, atNew, atOld);
+    if (atNew.isThere && into.place != ItemPlace::done && (!atNew.isSame || isAtNew))
+        noteLeftover(into, item.newName, atNew);
+    if (atStandIn.isThere && into.place != ItemPlace::standIn)
+        noteLeftover(into, item.standIn, atStandIn);
+}
+
+void JournalPlaces::placeElsewhere(PlacedItem& into, const Look& atNew, const Look& atOld) {
+    if (const std::string held = nameInRing(into); !held.empty()) {
+        if (const Look look = lookAt(held, into); look.isSame)
+            return put(into, ItemPlace::standIn, held, look);
     }
     const Look& other = atNew.isThere ? atNew : atOld;
-    if (other.isThere && other.status.kind == item.kind)
-        put(into, ItemPlace::replaced, atNew.isThere ? item.newName : item.oldName, other);
+    const std::string& name = atNew.isThere ? into.item.newName : into.item.oldName;
+    if (other.isThere && other.status.kind == into.item.kind)
+        put(into, ItemPlace::replaced, name, other);
+}
+
+/// Names of a ring are exchanged two by two: until the last step, one of its items lies under the name of
+/// another one.
+std::string JournalPlaces::nameInRing(const PlacedItem& of) {
+    const auto names = namesInRings.find(of.item.folder);
+    if (names == namesInRings.end())
+        return {};
+    if (ringFolder != of.item.folder) {
+        ringFolder = of.item.folder;
+        holders.clear();
+        readEntries();
+        for (const FolderEntry entry : entries) {
+            if (names->second.contains(std::string(entry.name)))
+                holders.emplace(entry.inode, entry.name);
+        }
+    }
+    const auto holder = holders.find(of.item.inode);
+    return holder == holders.end() ? std::string() : holder->second;
 }
 
 /// Where inodes change, an item is known by all else that is recorded of it, if nothing else fits as well.
@@ -253,9 +277,13 @@ bool JournalPlaces::isSame(const FileStatus& status, const PlacedItem& of) const
 }
 
 bool JournalPlaces::bearsExactly(const std::string& name) {
+    readEntries();
+    return entries.contains(name);
+}
+
+void JournalPlaces::readEntries() {
     if (!std::exchange(entriesAreRead, true) && openFolder->entries(entries) != 0)
         entries.clear();
-    return entries.contains(name);
 }
 
 void JournalPlaces::noteLeftover(const PlacedItem& of, const std::string& name, const Look& look) {
@@ -263,9 +291,9 @@ void JournalPlaces::noteLeftover(const PlacedItem& of, const std::string& name, 
         return;
     const bool isYoung =
         began && std::max(look.status.creationDate, look.status.modificationDate) > *began - slack;
-    Leftover leftover{of.folder,       name,
-                      of.item.oldName, look.status.identity,
-                      look.isSame,     look.status.kind == FileStatus::Kind::folder};
+    Leftover leftover{of.folder,   name,
+                      of.name,     look.status.identity,
+                      look.isSame, look.status.kind == FileStatus::Kind::folder};
     const bool isReservation = !look.isSame && isYoung && look.status.kind == of.item.kind &&
                                (leftover.isFolder || look.status.size == 0);
     // Items of a folder share their stand-in name.

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace tavrin {
@@ -74,7 +75,7 @@ class JournalPlaces {
     };
 
     void findFolders();
-    void gatherFolderItems();
+    void gatherNames();
     void dropListedItems();
     const Folder& folder(std::uint32_t number);
     void resolve(std::uint32_t number, Folder& into);
@@ -82,10 +83,13 @@ class JournalPlaces {
     bool open(std::uint32_t number);
     PlacedItem place(const RecordedItem& item, std::size_t number);
     void placeByLooks(PlacedItem& into);
+    void placeElsewhere(PlacedItem& into, const Look& atNew, const Look& atOld);
     void placeByScores(PlacedItem& into);
     Look lookAt(const std::string& name, const PlacedItem& of);
     [[nodiscard]] bool isSame(const FileStatus& status, const PlacedItem& of) const;
     [[nodiscard]] bool bearsExactly(const std::string& name);
+    void readEntries();
+    [[nodiscard]] std::string nameInRing(const PlacedItem& of);
     void noteLeftover(const PlacedItem& of, const std::string& name, const Look& look);
     static void put(PlacedItem& into, ItemPlace place, const std::string& name, const Look& look);
 
@@ -100,6 +104,9 @@ class JournalPlaces {
     bool entriesAreRead = false;
     FolderEntries entries; ///< of that folder, once they are asked for
     std::vector<Leftover> found;
+    std::unordered_map<std::uint32_t, std::unordered_set<std::string>> namesInRings; ///< by folder
+    std::optional<std::uint32_t> ringFolder;                                         ///< of the next
+    std::unordered_map<std::uint64_t, std::string> holders; ///< of such names, by inode
 };
 
 } // namespace tavrin

@@ -53,8 +53,10 @@ void FolderEntries::sort() {
 }
 
 bool FolderEntries::contains(std::string_view name) const {
-    return std::any_of(places.begin(), places.end(),
-                       [&](const Place& place) { return nameAt(place) == name; });
+    const auto found = std::lower_bound(
+        places.begin(), places.end(), name,
+        [this](const Place& place, std::string_view wanted) { return nameAt(place) < wanted; });
+    return found != places.end() && nameAt(*found) == name;
 }
 
 } // namespace tavrin

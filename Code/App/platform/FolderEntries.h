@@ -41,6 +41,7 @@ class FolderEntries {
     void add(const FolderEntry& entry);
     /// By the bytes of the names.
     void sort();
+    /// Of sorted entries.
     [[nodiscard]] bool contains(std::string_view name) const;
 
     [[nodiscard]] std::size_t size() const { return places.size(); }
