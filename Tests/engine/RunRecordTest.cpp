@@ -210,6 +210,9 @@ TEST(RunHistory, ChoosesWhatIsNext) {
         const auto next = [&](RunKind what) {
             const auto chosen = history.choose(what, "");
             const auto* run = std::get_if<ChosenRun>(&chosen);
+            const auto outlook = history.outlook(what);
+            EXPECT_EQ(run ? run->run.name : "", outlook ? outlook->run.name : "");
+            EXPECT_EQ(run && run->toNewNames, outlook && outlook->toNewNames);
             return run ? run->run.name + (run->toNewNames ? " new" : " old") : std::string();
         };
         EXPECT_EQ(next(RunKind::undo), c.undo);

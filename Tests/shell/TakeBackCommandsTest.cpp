@@ -36,6 +36,8 @@ TEST_F(TakeBackCommandsTest, ShowsWhatGoesBackDoesItAndTheListFollows) {
     // Asked first, and nothing happens without a yes.
     frontEnd.expect("take back Undo Rename of 2 Items in box?", AlertAnswer{1});
     commands().takeBack(RunKind::undo);
+    commands().takeBack(RunKind::undo); // a question at a time
+    waitUntilIdle();
     waitUntilIdle();
     ASSERT_TRUE(frontEnd.takeBack);
     EXPECT_EQ(frontEnd.takeBack->rows.size(), 2U);
@@ -54,6 +56,7 @@ TEST_F(TakeBackCommandsTest, ShowsWhatGoesBackDoesItAndTheListFollows) {
     // Nothing more to undo is said, not passed over.
     frontEnd.expect("alert nothingToTakeBack");
     commands().takeBack(RunKind::undo);
+    waitUntilIdle();
     EXPECT_TRUE(frontEnd.isScriptOver());
     EXPECT_EQ(newestRun().heading.who, "window");
 }
@@ -73,6 +76,7 @@ TEST_F(TakeBackCommandsTest, AnInterruptedRunIsToldAtTheStart) {
     EXPECT_TRUE(frontEnd.isScriptOver());
     EXPECT_TRUE(files.kind("box/A") && files.kind("box/B"));
     commands().tellInterruptedRun(); // seen to: no word of it
+    waitUntilIdle();
 }
 
 } // namespace

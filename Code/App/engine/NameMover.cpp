@@ -11,12 +11,11 @@
 namespace tavrin {
 
 int NameMover::move(RunFolders::Place& place, const std::string& from, const std::string& to,
-                    const std::string& standIn) {
+                    const StandInName& standIn) {
     left.clear();
     const int error = rename(place, from, to);
-    if (error == EEXIST && !standIn.empty() && NameOnDisk::differsOnlyInCase(from, to) &&
-        ignoresCase(place, to))
-        return moveByStandIn(place, from, to, standIn);
+    if (error == EEXIST && NameOnDisk::differsOnlyInCase(from, to) && ignoresCase(place, to))
+        return moveByStandIn(place, from, to, standIn());
     return error;
 }
 

@@ -24,9 +24,11 @@ class NameMover {
     explicit NameMover(VolumeEvents listeners) : events(std::move(listeners)) {}
 
     /// 0 or an errno value; EEXIST when another item has the name. A change of case alone, in a folder that
-    /// ignores case, goes by way of `standIn`, and back when its second half fails.
+    /// ignores case, goes by way of the stand-in name, which is asked for only then, and back when its second
+    /// half fails.
+    using StandInName = std::function<const std::string&()>;
     int move(RunFolders::Place& place, const std::string& from, const std::string& to,
-             const std::string& standIn);
+             const StandInName& standIn);
     /// One rename, whatever the names.
     int rename(RunFolders::Place& place, const std::string& from, const std::string& to);
     /// Lets two items take each other's names; EOPNOTSUPP where that can't be done at once.

@@ -57,8 +57,12 @@ bool NameOnDisk::differsOnlyInCase(std::string_view a, std::string_view b) {
     const auto isAscii = [](std::string_view name) {
         return std::all_of(name.begin(), name.end(), [](char c) { return (c & 0x80) == 0; });
     };
-    if (a == b || (a.size() != b.size() && isAscii(a) && isAscii(b)))
+    if (a == b)
         return false;
+    if (isAscii(a) && isAscii(b)) {
+        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c; };
+        return std::ranges::equal(a, b, {}, lower, lower);
+    }
     return text::equalIgnoringCase(text::fromBytes(a), text::fromBytes(b));
 }
 

@@ -92,6 +92,13 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
     });
 }
 
+void RenameEngine::readHistory(std::function<std::function<void()>(const RunHistory&)> look) {
+    threads->detach([this, look = std::move(look)] {
+        if (const std::function<void()> answer = look(RunHistory(history.folder)); answer && !ending)
+            onMainThread([&](EngineHost&) { answer(); });
+    });
+}
+
 void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest request,
                                    std::function<void(EngineHost&, const TakeBackResult&)> completion) {
     stopRequested = false;

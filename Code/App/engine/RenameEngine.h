@@ -39,6 +39,9 @@ class RenameEngine {
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
     void processRenamingPipelineThenContinue(ProgressInfo& progress);
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
+    /// Looks at the records of past runs, which may be long, beside all that runs; what `look` returns is
+    /// done on the main thread, where it is anything.
+    void readHistory(std::function<std::function<void()>(const RunHistory&)> look);
     /// Takes a run back or finishes one, without a word on the list of items; `completion` is called on the
     /// main thread.
     void processTakeBack(ProgressInfo& progress, TakeBackRequest request,

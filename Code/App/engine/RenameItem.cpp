@@ -13,6 +13,7 @@ void RenameItem::moveTo(RowId id) {
     current = id;
     root = row.root;
     diff = row.diff;
+    isInTurn = row.mustBeSwapped || !row.canBeRenamedIndependently;
     hasExactName = row.hasExactName;
     seenItem = {row.identity(), row.kind};
     currentComponent = context.component(id);

@@ -18,6 +18,8 @@ class RenameItem {
 
     [[nodiscard]] RowId id() const { return current; }
     [[nodiscard]] bool isRoot() const { return root; }
+    /// Whether it waits for a sibling's name, so that it may have to go by way of another one.
+    [[nodiscard]] bool takesTurns() const { return isInTurn; }
     /// What reading saw.
     [[nodiscard]] const SeenItem& seen() const { return seenItem; }
     [[nodiscard]] RowId parentRow() const { return parent; }
@@ -43,6 +45,7 @@ class RenameItem {
     FileIdentity parentIdentity;
     bool root = false;
     bool diff = false;
+    bool isInTurn = false;
     bool hasExactName = false;
     std::string folderPath;
     std::string currentComponent;

@@ -83,7 +83,9 @@ bool RenamePrimitives::renameItem(RenameItem& item, bool treatAsRoot) {
     if (copiesComments)
         comment = FileManager::instance().finderCommentForFileURL(item.fullPath());
 
-    const std::string& standIn = parts.standIns.nameFor(item.id());
+    const NameMover::StandInName standIn = [this, &item]() -> const std::string& {
+        return parts.standIns.nameFor(item);
+    };
     parts.mover.begin();
     Attempt attempt{place(item), item.folder(), from, to, standIn};
     const bool worked = tryRoutes(attempt);

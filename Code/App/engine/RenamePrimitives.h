@@ -65,7 +65,7 @@ class RenamePrimitives {
         const std::string& folder;
         const std::string& from;
         const std::string& to;
-        const std::string& standIn;
+        NameMover::StandInName standIn;
         int error = 0;
     };
 

@@ -59,7 +59,7 @@ void RenameRing::rename() {
     if (!allCanTakePart())
         return;
     run.item.moveTo(members.front().id);
-    standIn = run.standIns.nameFor(members.front().id);
+    standIn = run.standIns.nameFor(run.item);
     place = &run.primitives.place(run.item);
     run.mover.begin();
     if (followFreeName() || (failure.empty() && exchangeAll() && putCaseRight()))
@@ -148,7 +148,8 @@ void RenameRing::walkBack() {
 
 int RenameRing::move(std::size_t member, const std::string& to) {
     Member& item = members[member];
-    const int error = run.mover.move(*place, item.lies, to, standIn);
+    const int error =
+        run.mover.move(*place, item.lies, to, [this]() -> const std::string& { return standIn; });
     if (error != 0 && !run.mover.leftUnder().empty())
         item.lies = run.mover.leftUnder();
     if (error == 0) {

@@ -12,15 +12,17 @@ void RenameThreads::detach(std::function<void()> work) {
     joinFinished();
     ++busy;
     Worker& worker = workers.emplace_back();
-    worker.thread = std::thread([this, &worker, work = std::move(work)] { run(worker, work); });
+    worker.thread =
+        std::thread([this, &worker, work = std::move(work)]() mutable { run(worker, std::move(work)); });
 }
 
-void RenameThreads::run(Worker& worker, const std::function<void()>& work) {
+void RenameThreads::run(Worker& worker, std::function<void()> work) {
     try {
         work();
     } catch (const std::exception& exception) {
         debugLog("a run ended with an exception: {}", exception.what());
     }
+    work = nullptr; // with all that it holds, before it counts as ended
     --busy;
     threadEnded();
     worker.hasFinished = true;

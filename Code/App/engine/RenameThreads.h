@@ -30,7 +30,7 @@ class RenameThreads {
         std::atomic<bool> hasFinished{false};
     };
 
-    void run(Worker& worker, const std::function<void()>& work);
+    void run(Worker& worker, std::function<void()> work);
     void joinFinished();
 
     const std::function<void()> threadEnded;

@@ -47,7 +47,8 @@ std::string countedUp(std::string name) {
     return name;
 }
 
-PastRun look(const std::string& folder, const std::string& name) {
+/// Unless it `examines`, one without an end counts as whole and as having begun.
+PastRun look(const std::string& folder, const std::string& name, bool examines) {
     PastRun run;
     run.name = name;
     run.path = folder + "/" + name + std::string(suffix);
@@ -60,7 +61,7 @@ PastRun look(const std::string& folder, const std::string& name) {
     run.isUnderWay = reader.isHeld();
     run.root = name;
     run.isSettled = run.end.has_value();
-    if (run.end || run.isUnderWay || !reader.isReadable())
+    if (!examines || run.end || run.isUnderWay || !reader.isReadable())
         return run;
     reader.examine();
     run.hasBegunNothing = !reader.isDamaged() && reader.itemCount() == 0;
@@ -136,6 +137,19 @@ void relate(std::vector<PastRun>& runs) {
     }
 }
 
+/// The run whose turn it is, or that stands in the way of all; null where there is none.
+const PastRun* nextOf(const std::vector<PastRun>& all, RunKind what) {
+    const auto isIt = [isUndo = what == RunKind::undo](const PastRun& run) {
+        if (!run.problem.empty() || run.isUnderWay)
+            return true;
+        const bool goesBack = run.isForward() == isUndo;
+        const bool isNext = goesBack ? !run.isUndone : isUnfinished(run) && !run.isFinished;
+        return isNext && run.coversLine && hasEffect(run);
+    };
+    const auto found = std::ranges::find_if(all, isIt);
+    return found == all.end() ? nullptr : &*found;
+}
+
 /// Whether a record that ended well has lost something since.
 bool isDamaged(const PastRun& run) {
     RunRecordReader reader(run.path);
@@ -198,10 +212,12 @@ std::string RunHistory::problem() const {
     return fmt::format("the records in {} can't be read: {}", folder, std::generic_category().message(error));
 }
 
-std::vector<PastRun> RunHistory::runs() const {
+std::vector<PastRun> RunHistory::runs() const { return runs(true); }
+
+std::vector<PastRun> RunHistory::runs(bool examines) const {
     std::vector<PastRun> found;
     for (const std::string& name : names())
-        found.push_back(look(folder, name));
+        found.push_back(look(folder, name, examines));
     relate(found);
     return found;
 }
@@ -240,22 +256,27 @@ std::variant<ChosenRun, std::string> RunHistory::choose(RunKind what, std::strin
         return ChosenRun{run, what, run.isForward() != isUndo};
     }
     const std::vector<PastRun> all = runs();
-    for (const PastRun& run : all) {
-        if (!run.problem.empty())
-            return sentenceOfNewest(run, run.problem, all);
-        if (run.isUnderWay)
-            return sentence(run, "is still under way");
-        const bool goesBack = run.isForward() == isUndo;
-        const bool isNext = goesBack ? !run.isUndone : isUnfinished(run) && !run.isFinished;
-        if (!isNext || !run.coversLine || !hasEffect(run))
-            continue;
-        if (isDamaged(run))
-            return sentenceOfNewest(run, damaged, all);
-        return ChosenRun{run, what, !goesBack};
+    const PastRun* run = nextOf(all, what);
+    if (!run) {
+        std::string reason = problem();
+        return !reason.empty() ? reason
+                               : std::string(isUndo ? "there is no run to undo" : "there is no run to redo");
     }
-    if (std::string reason = problem(); !reason.empty())
-        return reason;
-    return std::string(isUndo ? "there is no run to undo" : "there is no run to redo");
+    if (!run->problem.empty())
+        return sentenceOfNewest(*run, run->problem, all);
+    if (run->isUnderWay)
+        return sentence(*run, "is still under way");
+    if (isDamaged(*run))
+        return sentenceOfNewest(*run, damaged, all);
+    return ChosenRun{*run, what, run->isForward() != isUndo};
+}
+
+std::optional<ChosenRun> RunHistory::outlook(RunKind what) const {
+    const std::vector<PastRun> all = runs(false);
+    const PastRun* run = nextOf(all, what);
+    if (!run)
+        return std::nullopt;
+    return ChosenRun{*run, what, run->isForward() != (what == RunKind::undo)};
 }
 
 std::optional<PastRun> RunHistory::interruptedRun() const {

@@ -51,13 +51,16 @@ class RunHistory {
 
     /// Why the folder can't be read, a sentence without its dot; empty where it can or does not exist yet.
     [[nodiscard]] std::string problem() const;
-    /// Newest first. Cheap: of whole records only both ends are read.
+    /// Newest first. Of whole records only both ends are read, others are examined from end to end.
     [[nodiscard]] std::vector<PastRun> runs() const;
     /// `name` is a run's name, or an end of it that no other has.
     [[nodiscard]] std::variant<PastRun, std::string> find(std::string_view name) const;
     /// What `undo` or `redo` takes up, by name or, where that is empty, by itself; else a sentence that says
     /// why nothing.
     [[nodiscard]] std::variant<ChosenRun, std::string> choose(RunKind what, std::string_view name) const;
+    /// What `choose` would take up by itself as far as both ends of the records tell, damage between them
+    /// aside; or the run that stands in its way. Quick however long the records are.
+    [[nodiscard]] std::optional<ChosenRun> outlook(RunKind what) const;
     /// The newest run that was cut off and has not been seen to since.
     [[nodiscard]] std::optional<PastRun> interruptedRun() const;
 
@@ -73,6 +76,7 @@ class RunHistory {
     /// 0 or an errno value.
     int read(FolderEntries& entries) const;
     [[nodiscard]] std::vector<std::string> names() const;
+    [[nodiscard]] std::vector<PastRun> runs(bool examines) const;
 
     std::string folder;
 };

@@ -81,7 +81,7 @@ void RunJournal::writePlan(StoreContext& context, const Predicate& planned, Stan
         item.inode = seen.inode;
         item.kind = seen.kind;
         item.oldName = row.component();
-        item.standIn = standIns.nameFor(id);
+        item.standIn = standIns.nameFor(row);
         if (const auto former = purpose.formerNames.find(id); former != purpose.formerNames.end()) {
             item.standIn = item.oldName;
             item.oldName = former->second;

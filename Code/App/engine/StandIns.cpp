@@ -2,8 +2,8 @@
 
 #include "engine/NameOnDisk.h"
 #include "engine/PathParts.h"
+#include "engine/RenameItem.h"
 #include "store/StoreContext.h"
-#include "support/Text.h"
 
 #include <cerrno>
 
@@ -18,25 +18,19 @@ constexpr std::string_view nameInCase =
 
 } // namespace
 
-const std::string& StandIns::nameFor(RowId id) {
-    const NodeRow row = context.row(id);
-    const bool takesTurns = row.mustBeSwapped || !row.canBeRenamedIndependently;
-    if (!takesTurns) {
-        component = context.component(id);
-        context.finalName(id, finalName);
-        if (!NameOnDisk::from(finalName, component, wanted, row.hasExactName) ||
-            !NameOnDisk::differsOnlyInCase(component, wanted))
-            return none;
-    }
-    Names& names = chosen[row.parent];
+const std::string& StandIns::nameFor(RenameItem& item) {
+    const bool takesTurns = item.takesTurns();
+    if (!takesTurns && !NameOnDisk::differsOnlyInCase(item.component(), item.newComponent()))
+        return none;
+    Names& names = chosen[item.parentRow()];
     std::string& name = takesTurns ? names.inTurn : names.inCase;
     if (name.empty())
-        name = freeName(row.parent, context.parentPath(id), takesTurns ? nameInTurn : nameInCase);
+        name = freeName(item, takesTurns ? nameInTurn : nameInCase);
     return name;
 }
 
-std::string StandIns::freeName(RowId parent, const std::string& path, std::string_view wish) {
-    RunFolders::Place& place = folders.at(parent, path, context.row(parent).identity());
+std::string StandIns::freeName(const RenameItem& item, std::string_view wish) {
+    RunFolders::Place& place = folders.at(item.parentRow(), item.folder(), item.folderAsRead());
     constexpr std::size_t roomForNumber = 11;
     const std::size_t limit = place.volume.nameLimit;
     if (limit > roomForNumber && wish.size() > limit - roomForNumber)
@@ -46,7 +40,7 @@ std::string StandIns::freeName(RowId parent, const std::string& path, std::strin
         FileStatus status;
         // What can't be looked at is tried; a name that is taken all the same is refused when it is used.
         const bool isTaken = place.folder && place.folder->status(name, status) == 0;
-        if (!isTaken && context.fileWithPath(joinedPath(path, name)) == noRow)
+        if (!isTaken && context.fileWithPath(joinedPath(item.folder(), name)) == noRow)
             return name;
         name = std::string(wish) + " " + std::to_string(number);
     }

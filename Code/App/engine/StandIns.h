@@ -7,6 +7,7 @@
 
 namespace tavrin {
 
+class RenameItem;
 class StoreContext;
 
 /// The names under which items of a run may have to lie for a moment: where a file system can't exchange two
@@ -17,9 +18,9 @@ class StandIns {
   public:
     StandIns(StoreContext& rows, RunFolders& runFolders) : context(rows), folders(runFolders) {}
 
-    /// The name for this row's item, chosen at the first question and the same from then on; empty for an
-    /// item that goes straight to its new name.
-    const std::string& nameFor(RowId id);
+    /// The name for this item, chosen at the first question and the same from then on; empty for an item that
+    /// goes straight to its new name.
+    const std::string& nameFor(RenameItem& item);
 
   private:
     struct Names {
@@ -27,15 +28,12 @@ class StandIns {
         std::string inCase;
     };
 
-    std::string freeName(RowId parent, const std::string& path, std::string_view wish);
+    std::string freeName(const RenameItem& item, std::string_view wish);
 
     StoreContext& context;
     RunFolders& folders;
     std::unordered_map<RowId, Names> chosen; ///< by folder
     std::string none;
-    std::u16string finalName;
-    std::string component;
-    std::string wanted;
 };
 
 } // namespace tavrin

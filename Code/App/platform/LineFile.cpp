@@ -52,7 +52,8 @@ bool LineFile::next(std::string_view& line) {
 bool LineFile::fill() {
     if (!file)
         return false;
-    constexpr std::size_t step = 256 * 1024;
+    // Many readers want the first lines alone.
+    const std::size_t step = offset == 0 && buffer.empty() ? 4096 : 256 * 1024;
     buffer.erase(0, used);
     used = 0;
     const std::size_t left = buffer.size();

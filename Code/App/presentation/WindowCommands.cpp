@@ -14,11 +14,13 @@
 #include "presentation/dialogs/PresetDialog.h"
 #include "presentation/dialogs/ShortcutsDialog.h"
 #include "presentation/preview/PreviewPane.h"
+#include "presentation/preview/ShownName.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
 #include "shell/MainController.h"
 #include "support/ListTransformers.h"
 #include "support/MultiStepDrawerTransformer.h"
+#include "support/Text.h"
 
 #include <QAction>
 #include <QApplication>
@@ -41,6 +43,8 @@ using Effect = std::function<void()>;
 
 constexpr const char* undoRename = "Undo Last Rename…";
 constexpr const char* redoRename = "Redo Rename…";
+/// Of an entry that names a folder, in pixels.
+constexpr int widestDescription = 420;
 constexpr const char* contactPage = "https://calderwick.net/tavrin/contact";
 
 bool isOn(const TVRNGlobalPreferencesPseudoAction& settings, const char* key) {
@@ -78,7 +82,11 @@ struct WindowCommands::Parts {
     /// Gives a command the words for what it would do now, or turns it off where that is nothing.
     void describe(const char* name, const char* otherwise, const std::string& text) {
         QAction* action = actions.at(name);
-        action->setText(text.empty() ? QString(otherwise) : toQString(text).replace('&', "&&") + "…");
+        QString shown = window.fontMetrics().elidedText(ShownName::of(text::fromUtf8(text), false),
+                                                              Qt::ElideRight, widestDescription);
+        if (!shown.endsWith("…"))
+            shown += "…";
+        action->setText(text.empty() ? QString(otherwise) : shown.replace('&', "&&"));
         action->setEnabled(!text.empty() && !isRunning && controller.validateUserInterfaceItem());
     }
 

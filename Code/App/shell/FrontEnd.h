@@ -113,7 +113,7 @@ struct TakeBackQuestion {
         std::u16string newName;
     };
     std::string title;
-    bool isUndo = true;
+    std::string verb;                      ///< its first word: "Undo", "Redo" or "Finish"
     std::size_t count = 0;                 ///< of items that would get another name
     std::vector<Row> rows;                 ///< the first of them
     std::vector<ProcessingError> problems; ///< items that can't

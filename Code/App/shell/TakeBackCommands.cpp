@@ -10,6 +10,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cctype>
 
 namespace tavrin {
@@ -32,6 +33,8 @@ std::string descriptionOf(const ChosenRun& chosen) {
     std::string text = chosen.what == RunKind::undo ? "Undo Rename" : "Redo Rename";
     if (finishes)
         text = run.isForward() ? "Finish Rename" : "Finish Undo";
+    if (!run.problem.empty() || run.isUnderWay)
+        return text;
     if (run.end && !finishes)
         text += " of " + countOf(run.end->changed);
     const std::string folder = run.folder.substr(run.folder.rfind('/') + 1);
@@ -43,7 +46,7 @@ std::string descriptionOf(const ChosenRun& chosen) {
 TakeBackQuestion questionOf(const ChosenRun& chosen, const TakeBackResult& preview) {
     TakeBackQuestion question;
     question.title = descriptionOf(chosen) + "?";
-    question.isUndo = chosen.what == RunKind::undo;
+    question.verb = question.title.substr(0, question.title.find(' '));
     question.count = static_cast<std::size_t>(preview.planned);
     question.problems = preview.errors;
     StoreContext context(*preview.store, StoreContext::MergePolicy::storeWins);
@@ -56,27 +59,40 @@ TakeBackQuestion questionOf(const ChosenRun& chosen, const TakeBackResult& previ
 
 } // namespace
 
-RunHistory TakeBackCommands::history() const { return RunHistory(services.engine.historyPlace().folder); }
-
 std::string TakeBackCommands::description(RunKind what) const {
-    const auto chosen = history().choose(what, "");
-    const auto* run = std::get_if<ChosenRun>(&chosen);
-    return run ? descriptionOf(*run) : std::string();
+    const auto chosen = RunHistory(services.engine.historyPlace().folder).outlook(what);
+    return chosen ? descriptionOf(*chosen) : std::string();
 }
 
 void TakeBackCommands::takeBack(RunKind what, const std::string& run) {
-    const auto found = history().choose(what, run);
-    if (const auto* reason = std::get_if<std::string>(&found)) {
-        tell(what == RunKind::undo ? "Nothing was undone." : "Nothing was redone.", asSentence(*reason));
+    if (!questionInHand.expired())
         return;
-    }
-    const auto& chosen = std::get<ChosenRun>(found);
-    services.engine.processTakeBack(
-        services.progress, {.chosen = chosen, .isPreview = true},
-        [this, chosen](EngineHost&, const TakeBackResult& preview) { ask(chosen, preview); });
+    const auto question = std::make_shared<char>();
+    questionInHand = question;
+    services.engine.readHistory([=, this](const RunHistory& history) {
+        return [=, this, found = history.choose(what, run)] {
+            if (const auto* chosen = std::get_if<ChosenRun>(&found))
+                preview(*chosen, question);
+            else
+                tell(what == RunKind::undo ? "Nothing was undone." : "Nothing was redone.",
+                     asSentence(std::get<std::string>(found)));
+        };
+    });
 }
 
-void TakeBackCommands::ask(const ChosenRun& chosen, const TakeBackResult& preview) {
+void TakeBackCommands::preview(const ChosenRun& chosen, const std::shared_ptr<void>& question) {
+    services.engine.processTakeBack(
+        services.progress, {.chosen = chosen, .isPreview = true},
+        [=, this](EngineHost&, const TakeBackResult& result) { ask(chosen, result, question); });
+}
+
+void TakeBackCommands::ask(const ChosenRun& chosen, const TakeBackResult& preview,
+                           const std::shared_ptr<void>& question) {
+    // The reading of the record has spoken in the place of the list's counts.
+    if (!units.preview.isPreviewPending()) {
+        services.frontEnd.selectPreviewTab(PreviewTab::status);
+        units.preview.showStats();
+    }
     if (preview.planned == 0) {
         if (preview.errors.empty())
             perform(chosen); // all is as it was to be; the history shall know it
@@ -84,7 +100,7 @@ void TakeBackCommands::ask(const ChosenRun& chosen, const TakeBackResult& previe
             services.frontEnd.showProcessingErrors({preview.errors, preview.errors.size(), ""}, [] {});
         return;
     }
-    services.frontEnd.askToTakeBack(questionOf(chosen, preview), [this, chosen](bool agrees) {
+    services.frontEnd.askToTakeBack(questionOf(chosen, preview), [this, chosen, question](bool agrees) {
         if (agrees)
             perform(chosen);
     });
@@ -100,19 +116,26 @@ void TakeBackCommands::perform(const ChosenRun& chosen) {
 }
 
 void TakeBackCommands::tellInterruptedRun() {
-    const auto run = history().interruptedRun();
-    if (!run)
-        return;
-    const std::string folder = text::toUtf8(text::fromBytes(run->folder));
+    services.engine.readHistory([this](const RunHistory& history) -> std::function<void()> {
+        if (const auto run = history.interruptedRun())
+            return [this, run = *run] { tellOf(run); };
+        return {};
+    });
+}
+
+void TakeBackCommands::tellOf(const PastRun& run) {
+    const std::string folder = text::toUtf8(text::fromBytes(run.folder));
+    const std::string& time = run.heading.time; // ISO 8601
+    const std::size_t day = std::min(time.find('T'), time.size());
     services.frontEnd.showAlert(
         {.kind = AlertKind::interruptedRun,
          .title = "A renaming was interrupted.",
          .text = fmt::format(
-             "It began on {} in {}. You can undo what it has done, or let it be finished. Nothing "
+             "It began on {} at {} in {}. You can undo what it has done, or let it be finished. Nothing "
              "is touched before you have seen what will be done.",
-             run->heading.time, folder),
+             time.substr(0, day), time.substr(std::min(day + 1, time.size()), 5), folder),
          .buttons = {"Undo…", "Finish…", "Later"}},
-        [this, name = run->name](AlertAnswer answer) {
+        [this, name = run.name](AlertAnswer answer) {
             if (answer.button < 2)
                 takeBack(answer.button == 0 ? RunKind::undo : RunKind::redo, name);
         });

@@ -3,6 +3,7 @@
 #include "engine/TakeBack.h"
 #include "shell/ShellServices.h"
 
+#include <memory>
 #include <string>
 
 namespace tavrin {
@@ -22,19 +23,21 @@ class TakeBackCommands {
 
     /// What undo or redo would take up, in the words of a menu; empty where there is nothing.
     [[nodiscard]] std::string description(RunKind what) const;
-    /// Without the name of a run the one whose turn it is.
+    /// Without the name of a run the one whose turn it is. Does nothing while it asks about one already.
     void takeBack(RunKind what, const std::string& run = {});
     /// Tells of a run that was cut off, if there is one, and offers to see to it.
     void tellInterruptedRun();
 
   private:
-    void ask(const ChosenRun& chosen, const TakeBackResult& preview);
+    void preview(const ChosenRun& chosen, const std::shared_ptr<void>& question);
+    void ask(const ChosenRun& chosen, const TakeBackResult& preview, const std::shared_ptr<void>& question);
     void perform(const ChosenRun& chosen);
     void tell(const std::string& title, const std::string& text);
-    [[nodiscard]] RunHistory history() const;
+    void tellOf(const PastRun& run);
 
     ShellServices& services;
     Units units;
+    std::weak_ptr<void> questionInHand; ///< lives from the command to the answer
 };
 
 } // namespace tavrin

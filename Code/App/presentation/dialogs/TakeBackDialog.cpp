@@ -3,6 +3,7 @@
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AnswerOnce.h"
 #include "presentation/dialogs/ErrorWindow.h"
+#include "presentation/dialogs/MessageText.h"
 #include "presentation/preview/ShownName.h"
 #include "support/Text.h"
 
@@ -12,10 +13,13 @@
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace tavrin {
 
 namespace {
+
+constexpr int widestNames = 280; // at first, so that both columns of names are in sight
 
 QTreeWidget* listOf(const TakeBackQuestion& question) {
     auto* list = new QTreeWidget;
@@ -29,10 +33,15 @@ QTreeWidget* listOf(const TakeBackQuestion& question) {
         list->addTopLevelItem(
             new QTreeWidgetItem({ShownName::of(row.name, false), ShownName::of(row.newName, false),
                                  ShownName::of(text::fromBytes(row.folder), false)}));
-    if (question.count > question.rows.size())
-        list->addTopLevelItem(
-            new QTreeWidgetItem({QString("… and %L1 more").arg(question.count - question.rows.size())}));
     list->header()->resizeSections(QHeaderView::ResizeToContents);
+    for (const int names : {0, 1})
+        list->header()->resizeSection(names, std::min(list->header()->sectionSize(names), widestNames));
+    if (question.count > question.rows.size()) {
+        auto* rest =
+            new QTreeWidgetItem({QString("… and %L1 more").arg(question.count - question.rows.size())});
+        list->addTopLevelItem(rest);
+        rest->setFirstColumnSpanned(true);
+    }
     return list;
 }
 
@@ -45,14 +54,13 @@ QString countOf(std::size_t count) {
 
 TakeBackDialog::TakeBackDialog(QWidget* parent, const TakeBackQuestion& question) : QDialog(parent) {
     setObjectName("takeBackDialog");
-    setWindowTitle(question.isUndo ? "Undo" : "Redo");
+    setWindowTitle(toQString(question.verb));
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::WindowModal);
     resize(680, 420);
     auto* layout = new QVBoxLayout(this);
-    auto* head = new QLabel(toQString(question.title));
-    head->setTextFormat(Qt::PlainText);
-    head->setWordWrap(true);
+    auto* head = new MessageText;
+    head->setText(ShownName::of(text::fromUtf8(question.title), false));
     QFont strong = head->font();
     strong.setWeight(QFont::DemiBold);
     head->setFont(strong);
@@ -60,9 +68,8 @@ TakeBackDialog::TakeBackDialog(QWidget* parent, const TakeBackQuestion& question
     layout->addWidget(new QLabel(countOf(question.count)));
     layout->addWidget(listOf(question), 1);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
-    QPushButton* go = buttons->addButton(question.isUndo ? "&Undo" : "&Redo", QDialogButtonBox::AcceptRole);
+    QPushButton* go = buttons->addButton("&" + toQString(question.verb), QDialogButtonBox::AcceptRole);
     go->setObjectName("takeBackButton");
-    go->setDefault(true);
     if (!question.problems.empty()) {
         auto* note = new QLabel(
             question.problems.size() == 1
@@ -78,6 +85,8 @@ TakeBackDialog::TakeBackDialog(QWidget* parent, const TakeBackQuestion& question
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
+    go->setDefault(true); // what is no part of the dialog yet can't be
+    go->setFocus();
 }
 
 void TakeBackDialog::ask(QWidget* parent, const TakeBackQuestion& question,
