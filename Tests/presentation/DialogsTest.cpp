@@ -69,6 +69,7 @@ TEST_F(DialogTests, ShowsWhatAnUndoWouldDoAndDoesItOnAYesAlone) {
         waitUntil("the command is on", [undo] { return undo->isEnabled(); });
         undo->trigger();
         auto* dialog = waitFor<QDialog>("takeBackDialog");
+        EXPECT_TRUE(find<QPushButton>("takeBackButton")->isDefault());
         EXPECT_EQ(find<QTreeWidget>("takeBackList")->topLevelItem(0)->text(1), "a");
         EXPECT_EQ(findWidget("takeBackProblems"), nullptr);
         agrees ? dialog->accept() : dialog->reject();

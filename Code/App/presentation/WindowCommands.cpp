@@ -83,7 +83,7 @@ struct WindowCommands::Parts {
     void describe(const char* name, const char* otherwise, const std::string& text) {
         QAction* action = actions.at(name);
         QString shown = window.fontMetrics().elidedText(ShownName::of(text::fromUtf8(text), false),
-                                                              Qt::ElideRight, widestDescription);
+                                                        Qt::ElideRight, widestDescription);
         if (!shown.endsWith("…"))
             shown += "…";
         action->setText(text.empty() ? QString(otherwise) : shown.replace('&', "&&"));

@@ -19,7 +19,8 @@ namespace tavrin {
 
 namespace {
 
-constexpr int widestNames = 280; // at first, so that both columns of names are in sight
+constexpr int measuredRows = 100; // more than are in sight at first
+constexpr int widestNames = 280;  // at first, so that both columns of names are in sight
 
 QTreeWidget* listOf(const TakeBackQuestion& question) {
     auto* list = new QTreeWidget;
@@ -33,6 +34,7 @@ QTreeWidget* listOf(const TakeBackQuestion& question) {
         list->addTopLevelItem(
             new QTreeWidgetItem({ShownName::of(row.name, false), ShownName::of(row.newName, false),
                                  ShownName::of(text::fromBytes(row.folder), false)}));
+    list->header()->setResizeContentsPrecision(measuredRows);
     list->header()->resizeSections(QHeaderView::ResizeToContents);
     for (const int names : {0, 1})
         list->header()->resizeSection(names, std::min(list->header()->sectionSize(names), widestNames));
