@@ -113,8 +113,8 @@ void relate(std::vector<PastRun>& runs) {
             const bool undoesIt = other->isForward() != run.isForward();
             if (undoesIt)
                 beforeUndone = beforeOther;
-            const bool startsWhole = *names != LineNames::mixed;
-            run.coversLine = other->coversLine && (startsWhole || (!undoesIt && !isUnfinished(run)));
+            // Begun half way, it knows folders by paths that another of them bore before.
+            run.coversLine = other->coversLine && *names != LineNames::mixed;
         } else {
             if (!run.heading.of.empty())
                 run.root = run.heading.of;
