@@ -125,7 +125,7 @@ std::string RenamePrimitives::systemReason(int error, std::string_view from, std
                                            const RunFolders::Place& place) {
     switch (error) {
     case 0:
-        return "A rename by the file browser does not count";
+        return "No rename was made";
     case ESTALE:
         return "The folder has been replaced by another since the list was read";
     case EBUSY:

@@ -73,7 +73,9 @@ bool RenameRing::allCanTakePart() {
         run.item.moveTo(member.id);
         if (!run.isInPlace(member.id))
             run.primitives.refuse("It has been renamed already");
-        else if (run.primitives.hasRoutes() && run.primitives.check(run.item))
+        else if (!run.primitives.hasRoutes())
+            run.primitives.refuse(RenamePrimitives::systemReason(0, {}, {}, {}));
+        else if (run.primitives.check(run.item))
             continue;
         failure = fmt::format("\"{}\": {}", NameOnDisk::shown(member.name), run.primitives.failureDetail());
         return false;
