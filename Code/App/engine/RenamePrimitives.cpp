@@ -133,9 +133,9 @@ std::string RenamePrimitives::systemReason(int error, std::string_view from, std
     case ENAMETOOLONG: {
         const std::size_t length = std::max(from.size(), to.size());
         const std::string text = std::generic_category().message(error);
-        return length > place.volume.nameLimit
-                   ? fmt::format("{}: {} of {} bytes", text, length, place.volume.nameLimit)
-                   : fmt::format("{}: {} bytes", text, length);
+        const std::size_t limit = place.volume().nameLimit;
+        return length > limit ? fmt::format("{}: {} of {} bytes", text, length, limit)
+                              : fmt::format("{}: {} bytes", text, length);
     }
     default:
         return std::generic_category().message(error);

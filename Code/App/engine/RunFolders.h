@@ -3,6 +3,7 @@
 #include "platform/FileSystem.h"
 #include "store/NodeRow.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -20,11 +21,12 @@ class RunFolders {
         std::unique_ptr<OpenFolder> folder; ///< null when there is an error
         int error = 0;                      ///< of the system; ESTALE when it is not the folder that was read
         FileIdentity identity;
-        VolumeFacts volume;
         CaseRule caseRule = CaseRule::unknown;
+        /// Asked at each call; zeros where it can't be.
+        [[nodiscard]] VolumeFacts volume() const;
     };
 
-    explicit RunFolders(FileSystem& disk) : fileSystem(disk) {}
+    explicit RunFolders(FileSystem& disk);
 
     /// The folder at the path, which the row stands for. Valid until the next call.
     Place& at(RowId row, const std::string& path, const FileIdentity& asRead);
@@ -33,6 +35,7 @@ class RunFolders {
     void open(Place& place, const std::string& path, const FileIdentity& asRead);
 
     FileSystem& fileSystem;
+    const std::size_t mostOpen;
     std::unordered_map<RowId, Place> places;
 };
 

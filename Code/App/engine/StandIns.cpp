@@ -32,7 +32,7 @@ const std::string& StandIns::nameFor(RenameItem& item) {
 std::string StandIns::freeName(const RenameItem& item, std::string_view wish) {
     RunFolders::Place& place = folders.at(item.parentRow(), item.folder(), item.folderAsRead());
     constexpr std::size_t roomForNumber = 11;
-    const std::size_t limit = place.volume.nameLimit;
+    const std::size_t limit = place.volume().nameLimit;
     if (limit > roomForNumber && wish.size() > limit - roomForNumber)
         wish = wish.substr(0, limit - roomForNumber);
     std::string name(wish);
