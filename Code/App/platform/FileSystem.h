@@ -24,7 +24,6 @@ class AppendFile {
 
 /// What is to be known of the file system that a folder lies on.
 struct VolumeFacts {
-    std::uint64_t type = 0;       ///< f_type of statfs
     std::uint64_t id = 0;         ///< f_fsid; 0 where it has none
     std::size_t nameLimit = 0;    ///< the longest name, in bytes
     bool inodesMayChange = false; ///< FUSE: inode numbers may be given anew at any time
@@ -80,11 +79,11 @@ class FileSystem {
     virtual int readFile(const std::string& path, std::string& into, std::size_t limit) = 0;
     /// Renames an item within its folder without ever replacing another: EEXIST when the name is taken. Both
     /// are paths; EXDEV when they are not in one folder.
-    int renameNoReplace(const std::string& from, const std::string& to);
+    int renameNoReplace(std::string from, std::string to);
     /// Lets the items at two paths of one folder take each other's place, at once where the file system can;
     /// else in three such renames by way of `first` with ".old" behind it. Whatever fails, both are still
     /// there.
-    int exchangeNames(const std::string& first, const std::string& second);
+    int exchangeNames(std::string first, std::string second);
 };
 
 } // namespace tavrin

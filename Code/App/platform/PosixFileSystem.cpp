@@ -107,7 +107,6 @@ class PosixOpenFolder : public OpenFolder {
         struct statfs found {};
         if (::fstatfs(folder.get(), &found) != 0)
             return errno;
-        into.type = static_cast<std::uint64_t>(found.f_type);
         static_assert(sizeof found.f_fsid == sizeof into.id);
         std::memcpy(&into.id, &found.f_fsid, sizeof into.id);
         into.nameLimit = static_cast<std::size_t>(found.f_namelen);
@@ -225,36 +224,48 @@ void FileSystem::setSharedInstance(FileSystem* instance) {
     replacement.store(instance, std::memory_order_release);
 }
 
-int FileSystem::renameNoReplace(const std::string& from, const std::string& to) {
-    const std::size_t slash = from.rfind('/') + 1;
-    if (slash != to.rfind('/') + 1 || from.compare(0, slash, to, 0, slash) != 0)
+namespace {
+
+/// Opens the folder that holds both items, and gives their names in it; EXDEV when it is not the same.
+int openCommonFolder(FileSystem& system, std::string& first, std::string& second,
+                     std::unique_ptr<OpenFolder>& into) {
+    const std::size_t name = first.rfind('/') + 1;
+    if (name != second.rfind('/') + 1 || first.compare(0, name, second, 0, name) != 0)
         return EXDEV;
-    std::unique_ptr<OpenFolder> folder;
-    if (const int error = openFolder(slash == 0 ? "." : from.substr(0, slash), folder))
-        return error;
-    const int error = folder->renameNoReplace(from.substr(slash), to.substr(slash));
-    return error == EOPNOTSUPP ? UnflaggedRename(*folder).rename(from.substr(slash), to.substr(slash))
-                               : error;
+    const int error = system.openFolder(name == 0 ? "." : first.substr(0, name), into);
+    first.erase(0, name);
+    second.erase(0, name);
+    return error;
 }
 
-int FileSystem::exchangeNames(const std::string& first, const std::string& second) {
-    const std::size_t slash = first.rfind('/') + 1;
-    if (slash != second.rfind('/') + 1 || first.compare(0, slash, second, 0, slash) != 0)
-        return EXDEV;
+int renameWithin(OpenFolder& folder, const std::string& from, const std::string& to) {
+    const int error = folder.renameNoReplace(from, to);
+    return error == EOPNOTSUPP ? UnflaggedRename(folder).rename(from, to) : error;
+}
+
+} // namespace
+
+int FileSystem::renameNoReplace(std::string from, std::string to) {
     std::unique_ptr<OpenFolder> folder;
-    if (const int error = openFolder(slash == 0 ? "." : first.substr(0, slash), folder))
+    const int error = openCommonFolder(*this, from, to, folder);
+    return error != 0 ? error : renameWithin(*folder, from, to);
+}
+
+int FileSystem::exchangeNames(std::string first, std::string second) {
+    std::unique_ptr<OpenFolder> folder;
+    if (const int error = openCommonFolder(*this, first, second, folder))
         return error;
-    const int error = folder->exchange(first.substr(slash), second.substr(slash));
+    const int error = folder->exchange(first, second);
     if (error != EOPNOTSUPP)
         return error;
     const std::string aside = first + ".old";
-    if (const int failure = renameNoReplace(second, aside))
+    if (const int failure = renameWithin(*folder, second, aside))
         return failure;
-    if (const int failure = renameNoReplace(first, second)) {
-        static_cast<void>(renameNoReplace(aside, second));
+    if (const int failure = renameWithin(*folder, first, second)) {
+        static_cast<void>(renameWithin(*folder, aside, second));
         return failure;
     }
-    return renameNoReplace(aside, first);
+    return renameWithin(*folder, aside, first);
 }
 
 int PosixFileSystem::openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) {
