@@ -1,6 +1,6 @@
 #include "actions/ActionList.h"
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 
 #include <benchmark/benchmark.h>
 

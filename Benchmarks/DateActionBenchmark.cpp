@@ -1,5 +1,5 @@
 #include "actions/ActionList.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 
 #include <benchmark/benchmark.h>
 

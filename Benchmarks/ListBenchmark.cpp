@@ -1,6 +1,6 @@
 #include "actions/ActionList.h"
 #include "actions/list/RenameFromListAction.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <benchmark/benchmark.h>
 

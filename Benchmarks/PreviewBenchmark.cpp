@@ -1,10 +1,10 @@
 #include "actions/ActionList.h"
-#include "platform/QueueRunLoop.h"
-#include "platform/ResourceFolder.h"
-#include "platform/UserDefaults.h"
-#include "shell/FrontEnd.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "platform/desktop/ResourceFolder.h"
+#include "platform/processes/QueueRunLoop.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "shell/asking/FrontEnd.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>

@@ -1,5 +1,5 @@
 #include "Photos.h"
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 #include "Photos.h"
-#include "platform/ChildProcess.h"
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
+#include "platform/processes/ChildProcess.h"
 
 #include <benchmark/benchmark.h>
 

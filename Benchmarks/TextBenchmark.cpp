@@ -1,6 +1,6 @@
-#include "support/KQStringUtilities.h"
-#include "support/Text.h"
-#include "support/TextSearch.h"
+#include "support/text/KQStringUtilities.h"
+#include "support/text/Text.h"
+#include "support/text/TextSearch.h"
 
 #include <benchmark/benchmark.h>
 

@@ -12,7 +12,7 @@
 #include "presentation/WindowCommands.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QAction>
 #include <QApplication>

@@ -3,7 +3,7 @@
 #include "Catalogue.h"
 #include "Terminal.h"
 #include "actions/ActionList.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

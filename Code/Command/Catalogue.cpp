@@ -1,7 +1,7 @@
 #include "Catalogue.h"
 
 #include "ExitStatus.h"
-#include "platform/ResourceFolder.h"
+#include "platform/desktop/ResourceFolder.h"
 
 #include <fmt/format.h>
 

@@ -1,13 +1,13 @@
 #include "HistoryCommand.h"
 
 #include "Terminal.h"
-#include "engine/JournalPlaces.h"
-#include "engine/PathParts.h"
-#include "engine/RenamedAgain.h"
-#include "engine/RunHistory.h"
-#include "platform/UserFolders.h"
-#include "support/DisplayText.h"
-#include "support/Text.h"
+#include "engine/history/JournalPlaces.h"
+#include "engine/history/RenamedAgain.h"
+#include "engine/history/RunHistory.h"
+#include "engine/pipeline/PathParts.h"
+#include "platform/desktop/UserFolders.h"
+#include "support/text/DisplayText.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

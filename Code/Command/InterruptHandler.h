@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Descriptor.h"
+#include "platform/files/Descriptor.h"
 
 #include <atomic>
 #include <functional>

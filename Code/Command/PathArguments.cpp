@@ -1,6 +1,6 @@
 #include "PathArguments.h"
 
-#include "platform/FileSystem.h"
+#include "platform/files/FileSystem.h"
 
 #include <fmt/format.h>
 

@@ -2,8 +2,8 @@
 
 #include "SavedPresets.h"
 #include "Terminal.h"
-#include "support/DisplayText.h"
-#include "support/Text.h"
+#include "support/text/DisplayText.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 

@@ -2,7 +2,7 @@
 
 #include "RowPrinter.h"
 #include "Session.h"
-#include "store/StoreContext.h"
+#include "store/contexts/StoreContext.h"
 
 #include <mutex>
 

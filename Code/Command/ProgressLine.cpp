@@ -1,7 +1,7 @@
 #include "ProgressLine.h"
 
 #include "Terminal.h"
-#include "platform/RunLoop.h"
+#include "platform/processes/RunLoop.h"
 
 namespace tavrin {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/ProgressInfo.h"
+#include "engine/pipeline/ProgressInfo.h"
 
 #include <string_view>
 

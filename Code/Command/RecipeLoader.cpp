@@ -7,7 +7,7 @@
 #include "documents/DropletBundle.h"
 #include "documents/DropletLauncher.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,8 +1,8 @@
 #include "RowPrinter.h"
 
-#include "store/StoreContext.h"
-#include "support/DisplayText.h"
-#include "support/Text.h"
+#include "store/contexts/StoreContext.h"
+#include "support/text/DisplayText.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 

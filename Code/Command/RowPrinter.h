@@ -2,7 +2,7 @@
 
 #include "CommandLine.h"
 #include "OutputBuffer.h"
-#include "store/Predicate.h"
+#include "store/queries/Predicate.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #include "SavedPresets.h"
 
 #include "documents/PresetsManager.h"
-#include "platform/SandboxHelper.h"
-#include "support/Text.h"
+#include "platform/files/SandboxHelper.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <stdexcept>

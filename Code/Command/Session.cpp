@@ -3,11 +3,11 @@
 #include "PathArguments.h"
 #include "RecipeLoader.h"
 #include "actions/CompositeRenameAction.h"
-#include "platform/AbsolutePaths.h"
-#include "shell/MainController.h"
-#include "store/ItemStore.h"
-#include "store/StoreContext.h"
-#include "support/Text.h"
+#include "platform/files/AbsolutePaths.h"
+#include "shell/commands/MainController.h"
+#include "store/contexts/StoreContext.h"
+#include "store/paging/ItemStore.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

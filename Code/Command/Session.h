@@ -6,10 +6,10 @@
 #include "ProgressLine.h"
 #include "Terminal.h"
 #include "TerminalFrontEnd.h"
-#include "engine/TakeBack.h"
-#include "platform/QueueRunLoop.h"
-#include "platform/SystemLog.h"
-#include "store/Predicate.h"
+#include "engine/history/TakeBack.h"
+#include "platform/desktop/SystemLog.h"
+#include "platform/processes/QueueRunLoop.h"
+#include "store/queries/Predicate.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,10 +1,10 @@
 #include "TagsCommand.h"
 
 #include "Terminal.h"
-#include "platform/AbsolutePaths.h"
-#include "platform/FileMetadata.h"
-#include "support/DisplayText.h"
-#include "support/Text.h"
+#include "platform/files/AbsolutePaths.h"
+#include "platform/metadata/FileMetadata.h"
+#include "support/text/DisplayText.h"
+#include "support/text/Text.h"
 #include "tags/TagLibraryHelper.h"
 #include "tags/TaggedFile.h"
 

@@ -3,7 +3,7 @@
 #include "RenameCommand.h"
 #include "RowPrinter.h"
 #include "Session.h"
-#include "store/StoreContext.h"
+#include "store/contexts/StoreContext.h"
 
 namespace tavrin {
 

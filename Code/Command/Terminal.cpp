@@ -1,6 +1,6 @@
 #include "Terminal.h"
 
-#include "support/DisplayText.h"
+#include "support/text/DisplayText.h"
 
 #include <fmt/format.h>
 

@@ -2,9 +2,9 @@
 
 #include "InterruptHandler.h"
 #include "Terminal.h"
-#include "engine/UserPrompts.h"
-#include "platform/QueueRunLoop.h"
-#include "support/Text.h"
+#include "engine/asking/UserPrompts.h"
+#include "platform/processes/QueueRunLoop.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

@@ -8,7 +8,7 @@
 #include "TagsCommand.h"
 #include "TakeBackCommand.h"
 #include "Terminal.h"
-#include "platform/StandardDescriptors.h"
+#include "platform/processes/StandardDescriptors.h"
 
 #include <csignal>
 #include <exception>

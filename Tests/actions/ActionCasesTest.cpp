@@ -2,7 +2,7 @@
 #include "actions/CatalogueFixture.h"
 #include "common/FileTimes.h"
 #include "common/TemporaryFolder.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <filesystem>
 #include <set>

@@ -4,7 +4,7 @@
 #include "actions/text/AddToBeginningAction.h"
 #include "actions/text/ReplaceCharactersAction.h"
 #include "actions/text/ReplaceTextAction.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 namespace tavrin::test {
 

@@ -1,6 +1,6 @@
 #include "actions/CaseTable.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <charconv>
 #include <filesystem>

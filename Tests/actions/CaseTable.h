@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/PropertyValue.h"
+#include "support/values/PropertyValue.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "actions/ActionList.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

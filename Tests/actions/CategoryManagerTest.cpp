@@ -3,7 +3,7 @@
 #include "CatalogueFixture.h"
 #include "actions/PListIndexValueTranslater.h"
 #include "common/TemporaryFolder.h"
-#include "platform/PropertyList.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <cstdlib>
 

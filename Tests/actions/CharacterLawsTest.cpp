@@ -1,6 +1,6 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/characters/NumberTokenizer.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <random>
 

@@ -3,8 +3,8 @@
 #include "actions/dates/RenameToDateAction.h"
 #include "common/FileTimes.h"
 #include "common/TemporaryFolder.h"
-#include "platform/FileManager.h"
-#include "support/Text.h"
+#include "platform/metadata/FileManager.h"
+#include "support/text/Text.h"
 
 #include <chrono>
 #include <cstdlib>

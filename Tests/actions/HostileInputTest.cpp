@@ -1,6 +1,6 @@
 #include "actions/BaseRenameAction.h"
 #include "actions/CatalogueFixture.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <limits>
 

@@ -1,6 +1,6 @@
 #include "actions/CatalogueFixture.h"
 #include "common/LogRecorder.h"
-#include "support/RegularExpression.h"
+#include "support/text/RegularExpression.h"
 
 namespace tavrin::test {
 

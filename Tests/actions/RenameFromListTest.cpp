@@ -2,7 +2,7 @@
 #include "actions/list/RenameFromListAction.h"
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <filesystem>
 #include <sys/stat.h>

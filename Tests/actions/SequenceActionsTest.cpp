@@ -1,6 +1,6 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/sequence/AlphabeticalListBasedAction.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <random>
 #include <set>

@@ -1,11 +1,11 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/tags/MP3Patterns.h"
 #include "common/TemporaryFolder.h"
-#include "platform/FileManager.h"
-#include "store/FileMO.h"
-#include "store/ItemStore.h"
-#include "store/StoreContext.h"
-#include "support/Text.h"
+#include "platform/metadata/FileManager.h"
+#include "store/contexts/StoreContext.h"
+#include "store/paging/ItemStore.h"
+#include "store/rows/FileMO.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <sys/stat.h>

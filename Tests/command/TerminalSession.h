@@ -1,7 +1,7 @@
 #pragma once
 
 #include "command/Workplace.h"
-#include "platform/Descriptor.h"
+#include "platform/files/Descriptor.h"
 
 #include <string>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "command/Workplace.h"
 
-#include "platform/Descriptor.h"
+#include "platform/files/Descriptor.h"
 
 #include <array>
 #include <cerrno>

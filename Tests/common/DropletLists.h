@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/PropertyValue.h"
+#include "support/values/PropertyValue.h"
 
 namespace tavrin::test {
 

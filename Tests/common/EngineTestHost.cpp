@@ -1,6 +1,6 @@
 #include "common/EngineTestHost.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -5,13 +5,13 @@
 #include "common/ManualRunLoop.h"
 #include "common/ScriptedPrompts.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "engine/EngineHost.h"
-#include "engine/ProgressInfo.h"
-#include "engine/RenameEngine.h"
-#include "platform/UserDefaults.h"
-#include "store/ItemStore.h"
-#include "store/SourceItemManager.h"
-#include "store/StoreContext.h"
+#include "engine/pipeline/EngineHost.h"
+#include "engine/pipeline/ProgressInfo.h"
+#include "engine/pipeline/RenameEngine.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "store/contexts/StoreContext.h"
+#include "store/paging/ItemStore.h"
+#include "store/sources/SourceItemManager.h"
 
 #include <functional>
 #include <map>

@@ -1,6 +1,6 @@
 #include "common/FailingFileSystem.h"
 
-#include "platform/FolderEntries.h"
+#include "platform/files/FolderEntries.h"
 
 #include <cerrno>
 #include <numeric>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/DebugLog.h"
+#include "support/application/DebugLog.h"
 
 #include <algorithm>
 #include <chrono>

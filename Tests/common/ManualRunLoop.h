@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/RunLoop.h"
-#include "platform/TimerSet.h"
+#include "platform/processes/RunLoop.h"
+#include "platform/processes/TimerSet.h"
 
 #include <condition_variable>
 #include <deque>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "engine/UserPrompts.h"
-#include "shell/FrontEnd.h"
+#include "engine/asking/UserPrompts.h"
+#include "shell/asking/FrontEnd.h"
 
 #include <deque>
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/UserPrompts.h"
+#include "engine/asking/UserPrompts.h"
 
 #include <functional>
 #include <string>

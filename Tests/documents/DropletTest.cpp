@@ -7,8 +7,8 @@
 #include "documents/DropletLauncher.h"
 #include "documents/DropletRequest.h"
 #include "documents/DropletScript.h"
-#include "platform/ChildProcess.h"
-#include "platform/PropertyList.h"
+#include "platform/processes/ChildProcess.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <gmock/gmock.h>
 

@@ -5,7 +5,7 @@
 #include "common/TemporaryFolder.h"
 #include "documents/DropletLauncher.h"
 #include "documents/PresetsManager.h"
-#include "platform/PropertyList.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <gmock/gmock.h>
 

@@ -4,7 +4,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
-#include "platform/PropertyList.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <cerrno>
 

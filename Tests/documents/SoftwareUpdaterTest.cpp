@@ -3,7 +3,7 @@
 #include "common/LogRecorder.h"
 #include "common/TemporaryFolder.h"
 #include "documents/UpdateFeed.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

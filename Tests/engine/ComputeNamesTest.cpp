@@ -1,8 +1,8 @@
 #include "StageTest.h"
 #include "common/LogRecorder.h"
-#include "platform/FileSystem.h"
-#include "store/FileMO.h"
-#include "support/Text.h"
+#include "platform/files/FileSystem.h"
+#include "store/rows/FileMO.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <map>

@@ -1,6 +1,6 @@
 #include "StageTest.h"
-#include "engine/ResolveFileNameConflictsStage.h"
-#include "support/Text.h"
+#include "engine/naming/ResolveFileNameConflictsStage.h"
+#include "support/text/Text.h"
 
 #include <map>
 #include <ostream>

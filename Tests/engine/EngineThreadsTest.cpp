@@ -1,7 +1,7 @@
 #include "StageTest.h"
 #include "common/LogRecorder.h"
-#include "engine/AskUser.h"
-#include "engine/RenameEngineUtilities.h"
+#include "engine/asking/AskUser.h"
+#include "engine/renaming/RenameEngineUtilities.h"
 
 #include <atomic>
 #include <map>

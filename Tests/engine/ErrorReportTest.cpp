@@ -1,9 +1,9 @@
 #include "StageTest.h"
 #include "common/LogRecorder.h"
-#include "engine/ErrorReportManager.h"
-#include "engine/RenameEngineUtilities.h"
-#include "platform/SandboxHelper.h"
-#include "store/StoreError.h"
+#include "engine/asking/ErrorReportManager.h"
+#include "engine/renaming/RenameEngineUtilities.h"
+#include "platform/files/SandboxHelper.h"
+#include "store/paging/StoreError.h"
 
 #include <stdexcept>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "RenameBench.h"
-#include "engine/RunHistory.h"
-#include "engine/TakeBack.h"
+#include "engine/history/RunHistory.h"
+#include "engine/history/TakeBack.h"
 
 #include <string>
 #include <vector>

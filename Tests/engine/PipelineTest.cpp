@@ -1,10 +1,10 @@
 #include "StageTest.h"
 #include "common/LogRecorder.h"
-#include "engine/CleanUpStages.h"
-#include "engine/ProcessingErrorsManager.h"
-#include "engine/ProcessingPipeline.h"
-#include "platform/SandboxHelper.h"
-#include "store/StoreError.h"
+#include "engine/asking/ProcessingErrorsManager.h"
+#include "engine/pipeline/ProcessingPipeline.h"
+#include "engine/reading/CleanUpStages.h"
+#include "platform/files/SandboxHelper.h"
+#include "store/paging/StoreError.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,7 +1,7 @@
 #include "common/EngineTestHost.h"
-#include "engine/PrepareForRenamingStage.h"
-#include "store/StoreContext.h"
-#include "support/Text.h"
+#include "engine/planning/PrepareForRenamingStage.h"
+#include "store/contexts/StoreContext.h"
+#include "support/text/Text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

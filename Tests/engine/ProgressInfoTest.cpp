@@ -1,4 +1,4 @@
-#include "engine/ProgressInfo.h"
+#include "engine/pipeline/ProgressInfo.h"
 
 #include "common/LogRecorder.h"
 #include "common/ManualRunLoop.h"

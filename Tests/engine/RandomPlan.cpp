@@ -1,7 +1,7 @@
 #include "RandomPlan.h"
 
-#include "engine/NameOnDisk.h"
-#include "support/Text.h"
+#include "engine/renaming/NameOnDisk.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

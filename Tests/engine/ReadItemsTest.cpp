@@ -1,7 +1,7 @@
 #include "StageTest.h"
 #include "common/FailingFileSystem.h"
-#include "engine/CleanUpStages.h"
-#include "engine/ReadItemsIntoDatabaseStage.h"
+#include "engine/reading/CleanUpStages.h"
+#include "engine/reading/ReadItemsIntoDatabaseStage.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Crc32.h"
+#include "support/values/Crc32.h"
 
 #include <cstddef>
 #include <sstream>

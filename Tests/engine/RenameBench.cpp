@@ -1,10 +1,10 @@
 #include "RenameBench.h"
 
-#include "engine/PerformRenameStage.h"
-#include "engine/PrepareForRenamingStage.h"
-#include "engine/ProcessingPipeline.h"
-#include "engine/ReadItemsIntoDatabaseStage.h"
-#include "support/Text.h"
+#include "engine/pipeline/ProcessingPipeline.h"
+#include "engine/planning/PrepareForRenamingStage.h"
+#include "engine/reading/ReadItemsIntoDatabaseStage.h"
+#include "engine/renaming/PerformRenameStage.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

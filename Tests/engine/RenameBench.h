@@ -2,8 +2,8 @@
 
 #include "common/EngineTestHost.h"
 #include "common/TemporaryFolder.h"
-#include "engine/ProcessingStage.h"
-#include "engine/UserPrompts.h"
+#include "engine/asking/UserPrompts.h"
+#include "engine/pipeline/ProcessingStage.h"
 
 #include <map>
 #include <string>

@@ -1,6 +1,6 @@
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
-#include "support/DebugLog.h"
+#include "support/application/DebugLog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "RecordText.h"
 #include "common/TemporaryFolder.h"
-#include "engine/RunHistory.h"
-#include "engine/RunRecordReader.h"
+#include "engine/history/RunHistory.h"
+#include "engine/history/RunRecordReader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "common/EngineTestHost.h"
 #include "common/LogRecorder.h"
 #include "common/TemporaryFolder.h"
-#include "engine/ComputeProvisionalNamesStage.h"
-#include "support/Text.h"
+#include "engine/naming/ComputeProvisionalNamesStage.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "engine/SortingValues.h"
+#include "engine/naming/SortingValues.h"
 
 #include "common/TemporaryFolder.h"
-#include "platform/FileManager.h"
-#include "support/Text.h"
+#include "platform/metadata/FileManager.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

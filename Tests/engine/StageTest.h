@@ -3,7 +3,7 @@
 #include "common/EngineTestHost.h"
 #include "common/FailingVfs.h"
 #include "common/TemporaryFolder.h"
-#include "engine/ProcessingStage.h"
+#include "engine/pipeline/ProcessingStage.h"
 
 #include <gtest/gtest.h>
 

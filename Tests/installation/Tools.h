@@ -2,7 +2,7 @@
 
 #include "common/TemporaryFolder.h"
 #include "common/Variable.h"
-#include "platform/ChildProcess.h"
+#include "platform/processes/ChildProcess.h"
 
 #include <string>
 #include <vector>

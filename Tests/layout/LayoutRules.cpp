@@ -35,7 +35,7 @@ const std::vector<CallRule>& callRules() {
     static const std::vector<std::string_view> platform = {"Code/App/platform/"};
     // The store's file takes its place by being renamed over the last one.
     static const std::vector<std::string_view> storeToo = {"Code/App/platform/",
-                                                           "Code/App/store/StoreFile.cpp"};
+                                                           "Code/App/store/paging/StoreFile.cpp"};
     static const std::vector<CallRule> rules = {
         {"::rename(", storeToo, "replaces files; go through the file system of platform"},
         {"std::rename(", storeToo, "replaces files; go through the file system of platform"},
@@ -59,7 +59,7 @@ const std::vector<CallRule>& callRules() {
         {"usleep(", {}, "wait for what is to happen"},
         // Nothing tells of what another process is about to do.
         {"sleep_for(",
-         {"Code/App/platform/FileLock.cpp", "Code/App/presentation/start/SocketLink.cpp"},
+         {"Code/App/platform/files/FileLock.cpp", "Code/App/presentation/start/SocketLink.cpp"},
          "wait for what is to happen"},
         {".detach()", {}, "a thread is waited for"},
         {"processEvents(", {}, "no nested event loops"},

@@ -5,16 +5,16 @@
 #include "common/TemporaryFolder.h"
 #include "documents/PresetsManager.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "engine/UserPrompts.h"
-#include "platform/UserDefaults.h"
+#include "engine/asking/UserPrompts.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/Appearance.h"
 #include "presentation/Dialogs.h"
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/preview/PreviewPane.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <QAction>
 #include <QApplication>

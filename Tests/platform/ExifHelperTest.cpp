@@ -1,5 +1,5 @@
 #include "common/TemporaryFolder.h"
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
-#include "platform/FileManagerMenus.h"
+#include "platform/desktop/FileManagerMenus.h"
 
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
 #include "common/Variable.h"
-#include "platform/ChildProcess.h"
-#include "platform/FileManager.h"
-#include "platform/MenuEntries.h"
-#include "platform/ThunarActions.h"
+#include "platform/desktop/MenuEntries.h"
+#include "platform/desktop/ThunarActions.h"
+#include "platform/metadata/FileManager.h"
+#include "platform/processes/ChildProcess.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -1,10 +1,10 @@
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
 
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
-#include "platform/HiddenNames.h"
-#include "support/DecimalNumbers.h"
-#include "support/Text.h"
+#include "platform/metadata/HiddenNames.h"
+#include "support/text/Text.h"
+#include "support/values/DecimalNumbers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "platform/FileSystemAccessManager.h"
+#include "platform/files/FileSystemAccessManager.h"
 
 #include "common/ManualRunLoop.h"
-#include "platform/SandboxHelper.h"
-#include "platform/SecurityBookmarks.h"
-#include "platform/UserDefaults.h"
+#include "platform/files/SandboxHelper.h"
+#include "platform/files/SecurityBookmarks.h"
+#include "platform/propertylists/UserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

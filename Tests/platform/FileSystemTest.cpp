@@ -1,8 +1,8 @@
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
-#include "platform/FolderEntries.h"
-#include "platform/FolderListing.h"
-#include "platform/UnflaggedRename.h"
+#include "platform/files/FolderEntries.h"
+#include "platform/files/FolderListing.h"
+#include "platform/files/UnflaggedRename.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#include "platform/MetadataTool.h"
+#include "platform/metadata/MetadataTool.h"
 
 #include "common/LogRecorder.h"
 #include "common/TemporaryFolder.h"
-#include "platform/Descriptor.h"
-#include "platform/FileManager.h"
-#include "platform/ResourceFolder.h"
-#include "support/Text.h"
+#include "platform/desktop/ResourceFolder.h"
+#include "platform/files/Descriptor.h"
+#include "platform/metadata/FileManager.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/PropertyList.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

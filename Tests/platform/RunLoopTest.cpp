@@ -1,5 +1,5 @@
 #include "common/ManualRunLoop.h"
-#include "platform/QueueRunLoop.h"
+#include "platform/processes/QueueRunLoop.h"
 
 #include <gtest/gtest.h>
 

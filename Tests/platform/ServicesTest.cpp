@@ -1,10 +1,10 @@
 #include "common/TemporaryFolder.h"
 #include "common/Variable.h"
-#include "platform/ChildProcess.h"
-#include "platform/DebugManager.h"
-#include "platform/ResourceFolder.h"
-#include "platform/SandboxHelper.h"
-#include "platform/SystemLog.h"
+#include "platform/desktop/DebugManager.h"
+#include "platform/desktop/ResourceFolder.h"
+#include "platform/desktop/SystemLog.h"
+#include "platform/files/SandboxHelper.h"
+#include "platform/processes/ChildProcess.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
-#include "platform/UpdateFeedReader.h"
+#include "platform/desktop/UpdateFeedReader.h"
 
-#include "platform/SystemVersion.h"
+#include "platform/desktop/SystemVersion.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
-#include "platform/PropertyList.h"
-#include "support/Text.h"
+#include "platform/propertylists/PropertyList.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/PresetsManager.h"
-#include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/PropertyList.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QAction>
 #include <QDialog>

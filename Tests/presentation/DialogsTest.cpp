@@ -4,13 +4,13 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/PresetsManager.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/ActionSearch.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <QAction>
 #include <QApplication>

@@ -3,8 +3,8 @@
 #include "common/TemporaryFolder.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletLauncher.h"
-#include "platform/PropertyList.h"
-#include "support/Text.h"
+#include "platform/propertylists/PropertyList.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

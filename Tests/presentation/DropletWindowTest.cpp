@@ -7,7 +7,7 @@
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,12 +1,12 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 #include "common/Variable.h"
-#include "platform/FileManagerMenus.h"
+#include "platform/desktop/FileManagerMenus.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"

@@ -1,6 +1,6 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
@@ -8,8 +8,8 @@
 #include "presentation/preview/PreviewTableModel.h"
 #include "presentation/preview/PreviewTableView.h"
 #include "presentation/steps/StepsModel.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <QAbstractItemModelTester>
 #include <QAction>

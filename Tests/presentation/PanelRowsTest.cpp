@@ -2,7 +2,7 @@
 
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "actions/BaseRenameAction.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/PanelRows.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>

@@ -1,12 +1,12 @@
 #include "documents/PresetsManager.h"
-#include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/PropertyList.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/AddressFetcher.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/StackedView.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <gmock/gmock.h>
 

@@ -4,8 +4,8 @@
 #include "actions/CompositeRenameAction.h"
 #include "presentation/MainWindow.h"
 #include "presentation/preview/PreviewTableModel.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "shell/DNDArrayController.h"
+#include "shell/preview/DNDArrayController.h"
 
 #include "ShellFixture.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"

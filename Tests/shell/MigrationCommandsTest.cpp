@@ -1,4 +1,4 @@
-#include "platform/PropertyList.h"
+#include "platform/propertylists/PropertyList.h"
 #include "shell/ShellFixture.h"
 
 namespace tavrin::test {

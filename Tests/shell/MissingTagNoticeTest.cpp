@@ -1,4 +1,4 @@
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
 #include "shell/ShellFixture.h"
 
 #include <filesystem>

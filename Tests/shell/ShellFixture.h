@@ -4,9 +4,9 @@
 #include "common/ManualRunLoop.h"
 #include "common/ScriptedFrontEnd.h"
 #include "common/TemporaryFolder.h"
-#include "platform/UserDefaults.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "common/Variable.h"
 #include "documents/DropletBundle.h"
-#include "platform/PropertyList.h"
+#include "platform/propertylists/PropertyList.h"
 #include "shell/ShellFixture.h"
 
 namespace tavrin::test {

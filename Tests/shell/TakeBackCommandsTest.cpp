@@ -1,4 +1,4 @@
-#include "engine/RunHistory.h"
+#include "engine/history/RunHistory.h"
 #include "shell/ShellFixture.h"
 
 #include <filesystem>

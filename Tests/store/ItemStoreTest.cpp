@@ -1,6 +1,6 @@
 #include "common/FailingVfs.h"
-#include "store/StoreContext.h"
 #include "store/StoreTestData.h"
+#include "store/contexts/StoreContext.h"
 
 #include <fmt/core.h>
 #include <gtest/gtest.h>

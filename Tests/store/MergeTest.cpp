@@ -1,5 +1,5 @@
-#include "store/StoreContext.h"
 #include "store/StoreTestData.h"
+#include "store/contexts/StoreContext.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "store/SourceItemManager.h"
+#include "store/sources/SourceItemManager.h"
 
-#include "store/FilterManager.h"
-#include "store/StoreContext.h"
 #include "store/StoreTestData.h"
+#include "store/contexts/StoreContext.h"
+#include "store/queries/FilterManager.h"
 
 #include <gtest/gtest.h>
 

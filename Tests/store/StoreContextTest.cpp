@@ -1,8 +1,8 @@
-#include "store/StoreContext.h"
+#include "store/contexts/StoreContext.h"
 
-#include "store/FileMO.h"
 #include "store/StoreTestData.h"
-#include "support/Text.h"
+#include "store/rows/FileMO.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "store/NodeKey.h"
-#include "store/StoreContext.h"
 #include "store/StoreTestData.h"
-#include "support/KQStringUtilities.h"
-#include "support/Text.h"
+#include "store/contexts/StoreContext.h"
+#include "store/rows/NodeKey.h"
+#include "support/text/KQStringUtilities.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

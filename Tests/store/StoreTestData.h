@@ -1,8 +1,8 @@
 #pragma once
 
 #include "common/TemporaryFolder.h"
-#include "store/ItemStore.h"
-#include "store/StoreContext.h"
+#include "store/contexts/StoreContext.h"
+#include "store/paging/ItemStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "support/CalendarFormat.h"
+#include "support/values/CalendarFormat.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

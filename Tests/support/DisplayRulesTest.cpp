@@ -1,8 +1,8 @@
-#include "support/ApplicationNameSubstitutionManager.h"
-#include "support/ApplicationNameSubstitutionStringFormatter.h"
-#include "support/ListTransformers.h"
-#include "support/MultiStepDrawerTransformer.h"
-#include "support/StackedViewLayout.h"
+#include "support/application/ApplicationNameSubstitutionManager.h"
+#include "support/application/ApplicationNameSubstitutionStringFormatter.h"
+#include "support/application/StackedViewLayout.h"
+#include "support/values/ListTransformers.h"
+#include "support/values/MultiStepDrawerTransformer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

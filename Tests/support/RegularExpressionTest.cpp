@@ -1,6 +1,6 @@
-#include "support/RegularExpression.h"
+#include "support/text/RegularExpression.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "support/TextSearch.h"
+#include "support/text/TextSearch.h"
 
-#include "support/Text.h"
-#include "support/TextSequences.h"
+#include "support/text/Text.h"
+#include "support/text/TextSequences.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "support/TextSequences.h"
+#include "support/text/TextSequences.h"
 
-#include "support/KQStringUtilities.h"
-#include "support/Text.h"
+#include "support/text/KQStringUtilities.h"
+#include "support/text/Text.h"
 
 #include <gtest/gtest.h>
 #include <unicode/ubrk.h>

@@ -1,6 +1,6 @@
-#include "support/DebugLog.h"
-#include "support/KQStringUtilities.h"
-#include "support/PropertyValue.h"
+#include "support/application/DebugLog.h"
+#include "support/text/KQStringUtilities.h"
+#include "support/values/PropertyValue.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "support/VersionComparison.h"
+#include "support/values/VersionComparison.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "tags/TagAccessors.h"
 
-#include "platform/ReferenceDate.h"
-#include "support/Text.h"
+#include "platform/metadata/ReferenceDate.h"
+#include "support/text/Text.h"
 #include "tags/CapitalizedWords.h"
 #include "tags/FakeTaggedFile.h"
 

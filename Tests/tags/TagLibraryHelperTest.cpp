@@ -1,7 +1,7 @@
 #include "tags/TagLibraryHelper.h"
 
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 #include "tags/FakeTaggedFile.h"
 #include "tags/StringToTokenArrayTransformer.h"
 #include "tags/TagArrayController.h"

@@ -1,5 +1,5 @@
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 #include "tags/MixedTokenFieldLogic.h"
 #include "tags/StringToInvisiblesValueTransformer.h"
 #include "tags/TagLibraryHelper.h"

@@ -1,9 +1,9 @@
 #include "actions/ActionList.h"
 
 #include "actions/ActionError.h"
-#include "platform/RunLoop.h"
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/processes/RunLoop.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 

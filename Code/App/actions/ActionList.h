@@ -2,7 +2,7 @@
 
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
-#include "platform/PropertyList.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "actions/ActionList.h"
-#include "platform/ResourceFolder.h"
-#include "support/Text.h"
+#include "platform/desktop/ResourceFolder.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "actions/BaseAction.h"
 
 #include "actions/ActionList.h"
-#include "support/DebugLog.h"
-#include "support/Text.h"
+#include "support/application/DebugLog.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "actions/ActionObserver.h"
 #include "actions/InputContext.h"
 #include "actions/ParameterDescription.h"
-#include "support/PropertyValue.h"
+#include "support/values/PropertyValue.h"
 
 #include <cstdint>
 #include <map>

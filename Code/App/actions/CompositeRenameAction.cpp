@@ -2,8 +2,8 @@
 
 #include "actions/ActionError.h"
 #include "actions/text/AddToBeginningAction.h"
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 

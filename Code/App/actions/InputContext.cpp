@@ -1,6 +1,6 @@
 #include "actions/InputContext.h"
 
-#include "store/FileMO.h"
+#include "store/rows/FileMO.h"
 
 namespace tavrin {
 

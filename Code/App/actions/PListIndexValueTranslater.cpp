@@ -1,7 +1,7 @@
 #include "actions/PListIndexValueTranslater.h"
 
-#include "platform/PropertyList.h"
-#include "platform/ResourceFolder.h"
+#include "platform/desktop/ResourceFolder.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <algorithm>
 #include <utility>

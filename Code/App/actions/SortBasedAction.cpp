@@ -1,7 +1,7 @@
 #include "actions/SortBasedAction.h"
 
 #include "actions/ActionList.h"
-#include "support/DebugLog.h"
+#include "support/application/DebugLog.h"
 
 #include <array>
 

@@ -3,8 +3,8 @@
 #include "actions/BaseRenameAction.h"
 #include "actions/PrecomposedText.h"
 #include "actions/RenameActionHelper.h"
-#include "support/Text.h"
-#include "support/TextSearch.h"
+#include "support/text/Text.h"
+#include "support/text/TextSearch.h"
 
 #include <string>
 #include <string_view>

@@ -1,8 +1,8 @@
 #include "documents/DropletBundle.h"
 
-#include "platform/ContainedFile.h"
-#include "platform/PropertyList.h"
-#include "platform/ResourceFolder.h"
+#include "platform/desktop/ResourceFolder.h"
+#include "platform/files/ContainedFile.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <fmt/format.h>
 

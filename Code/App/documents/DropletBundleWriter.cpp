@@ -2,8 +2,8 @@
 
 #include "documents/DropletLauncher.h"
 #include "documents/DropletScript.h"
-#include "platform/FileSystem.h"
-#include "platform/PropertyList.h"
+#include "platform/files/FileSystem.h"
+#include "platform/propertylists/PropertyList.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 #include "documents/DropletHandOver.h"
 
-#include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/propertylists/PropertyList.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

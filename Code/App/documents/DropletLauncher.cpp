@@ -1,10 +1,10 @@
 #include "documents/DropletLauncher.h"
 
-#include "platform/ChildProcess.h"
-#include "platform/DesktopEntryText.h"
-#include "platform/FileSystem.h"
-#include "support/Text.h"
-#include "support/Utf8.h"
+#include "platform/desktop/DesktopEntryText.h"
+#include "platform/files/FileSystem.h"
+#include "platform/processes/ChildProcess.h"
+#include "support/text/Text.h"
+#include "support/text/Utf8.h"
 
 #include <fmt/format.h>
 

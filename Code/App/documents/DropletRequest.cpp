@@ -1,7 +1,7 @@
 #include "documents/DropletRequest.h"
 
 #include "documents/DropletLauncher.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "documents/DropletBundle.h"
-#include "support/PropertyValue.h"
+#include "support/values/PropertyValue.h"
 
 #include <optional>
 #include <string>

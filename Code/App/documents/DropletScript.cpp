@@ -1,7 +1,7 @@
 #include "documents/DropletScript.h"
 
-#include "platform/FileSystem.h"
-#include "platform/UserFolders.h"
+#include "platform/desktop/UserFolders.h"
+#include "platform/files/FileSystem.h"
 
 #include <fmt/format.h>
 

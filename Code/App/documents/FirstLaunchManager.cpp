@@ -1,8 +1,8 @@
 #include "documents/FirstLaunchManager.h"
 
-#include "platform/FileManager.h"
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/metadata/FileManager.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 

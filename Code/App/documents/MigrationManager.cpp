@@ -3,11 +3,11 @@
 #include "documents/DropletBundle.h"
 #include "documents/DropletLauncher.h"
 #include "documents/PresetsManager.h"
-#include "platform/FileSystem.h"
-#include "platform/FolderEntries.h"
-#include "platform/ItemCopy.h"
-#include "platform/PropertyList.h"
-#include "support/DebugLog.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/FolderEntries.h"
+#include "platform/files/ItemCopy.h"
+#include "platform/propertylists/PropertyList.h"
+#include "support/application/DebugLog.h"
 
 #include <algorithm>
 #include <array>

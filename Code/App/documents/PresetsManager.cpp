@@ -2,10 +2,10 @@
 
 #include "actions/CompositeRenameAction.h"
 #include "documents/RecipeFile.h"
-#include "platform/FileSystem.h"
-#include "platform/FolderEntries.h"
-#include "platform/PropertyList.h"
-#include "support/Text.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/FolderEntries.h"
+#include "platform/propertylists/PropertyList.h"
+#include "support/text/Text.h"
 
 #include <climits>
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #include "documents/RecipeFile.h"
 
 #include "actions/ActionList.h"
-#include "platform/PropertyList.h"
-#include "support/Text.h"
+#include "platform/propertylists/PropertyList.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

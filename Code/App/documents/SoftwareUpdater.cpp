@@ -1,8 +1,8 @@
 #include "documents/SoftwareUpdater.h"
 
-#include "platform/SystemVersion.h"
-#include "support/DebugLog.h"
-#include "support/VersionComparison.h"
+#include "platform/desktop/SystemVersion.h"
+#include "support/application/DebugLog.h"
+#include "support/values/VersionComparison.h"
 
 namespace tavrin {
 

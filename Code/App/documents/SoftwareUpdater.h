@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/UpdateFeedReader.h"
+#include "platform/desktop/UpdateFeedReader.h"
 
 #include <string>
 #include <string_view>

@@ -2,10 +2,10 @@
 
 #include "actions/ActionError.h"
 #include "actions/SortBasedAction.h"
-#include "platform/RunLoop.h"
-#include "platform/UserFolders.h"
-#include "support/MacOSXVersion.h"
-#include "support/Text.h"
+#include "platform/desktop/UserFolders.h"
+#include "platform/processes/RunLoop.h"
+#include "support/application/MacOSXVersion.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

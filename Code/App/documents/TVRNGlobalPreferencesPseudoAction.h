@@ -1,7 +1,7 @@
 #pragma once
 
 #include "actions/BaseAction.h"
-#include "store/FilterManager.h"
+#include "store/queries/FilterManager.h"
 
 #include <cstdint>
 #include <memory>

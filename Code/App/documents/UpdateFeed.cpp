@@ -1,9 +1,9 @@
 #include "documents/UpdateFeed.h"
 
-#include "platform/FileSystem.h"
-#include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/files/FileSystem.h"
+#include "platform/propertylists/PropertyList.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <cerrno>

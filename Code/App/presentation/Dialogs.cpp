@@ -1,13 +1,13 @@
 #include "presentation/Dialogs.h"
 
 #include "documents/DropletBundle.h"
-#include "engine/UserPrompts.h"
+#include "engine/asking/UserPrompts.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AlertPicture.h"
 #include "presentation/dialogs/AnswerOnce.h"
 #include "presentation/dialogs/ConfirmationSheetWindow.h"
 #include "presentation/dialogs/ErrorWindow.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>

@@ -1,7 +1,7 @@
 #include "presentation/MainWindow.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/DroppedFiles.h"
 #include "presentation/MenuButton.h"
 #include "presentation/ProgressPage.h"
@@ -11,7 +11,7 @@
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QAction>
 #include <QApplication>

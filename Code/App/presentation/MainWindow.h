@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine/ProgressInfo.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "presentation/WindowServices.h"
-#include "shell/FrontEnd.h"
+#include "shell/asking/FrontEnd.h"
 
 #include <QMainWindow>
 #include <QTimer>

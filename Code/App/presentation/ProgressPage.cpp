@@ -1,9 +1,9 @@
 #include "presentation/ProgressPage.h"
 
-#include "engine/ProgressInfo.h"
-#include "engine/RenameEngine.h"
+#include "engine/pipeline/ProgressInfo.h"
+#include "engine/pipeline/RenameEngine.h"
 #include "presentation/QtText.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QApplication>
 #include <QLabel>

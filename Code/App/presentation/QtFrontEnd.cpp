@@ -1,7 +1,7 @@
 #include "presentation/QtFrontEnd.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "engine/UserPrompts.h"
+#include "engine/asking/UserPrompts.h"
 #include "presentation/AddressFetcher.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
@@ -13,7 +13,7 @@
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QApplication>
 #include <QDesktopServices>

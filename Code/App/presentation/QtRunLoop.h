@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/RunLoop.h"
+#include "platform/processes/RunLoop.h"
 
 #include <QElapsedTimer>
 #include <deque>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "actions/ActionList.h"
-#include "platform/SystemLog.h"
-#include "platform/UserDefaults.h"
+#include "platform/desktop/SystemLog.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/QtFrontEnd.h"
 #include "presentation/QtRunLoop.h"
 

@@ -3,7 +3,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "documents/UpdateFeed.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
@@ -17,10 +17,10 @@
 #include "presentation/preview/ShownName.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
-#include "shell/MainController.h"
-#include "support/ListTransformers.h"
-#include "support/MultiStepDrawerTransformer.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
+#include "support/values/ListTransformers.h"
+#include "support/values/MultiStepDrawerTransformer.h"
 
 #include <QAction>
 #include <QApplication>

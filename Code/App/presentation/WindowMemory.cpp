@@ -1,6 +1,6 @@
 #include "presentation/WindowMemory.h"
 
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
 
 #include <QHeaderView>

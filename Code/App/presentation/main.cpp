@@ -1,13 +1,13 @@
 #include "documents/DropletScript.h"
-#include "platform/FileManagerMenus.h"
-#include "platform/StandardDescriptors.h"
+#include "platform/desktop/FileManagerMenus.h"
+#include "platform/processes/StandardDescriptors.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/start/ApplicationSetup.h"
 #include "presentation/start/DropletArguments.h"
 #include "presentation/start/DropletStart.h"
 #include "presentation/start/WindowArguments.h"
 #include "presentation/start/WindowLink.h"
-#include "support/DisplayText.h"
+#include "support/text/DisplayText.h"
 
 #include <QApplication>
 #include <cstdio>

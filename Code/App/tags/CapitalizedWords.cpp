@@ -1,7 +1,7 @@
 #include "tags/CapitalizedWords.h"
 
-#include "support/Text.h"
-#include "support/TextUnits.h"
+#include "support/text/Text.h"
+#include "support/text/TextUnits.h"
 
 namespace tavrin {
 

@@ -1,6 +1,6 @@
 #include "tags/MixedTokenFieldLogic.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 #include "tags/TagLibraryHelper.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "tags/StringToInvisiblesValueTransformer.h"
 
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
-#include "support/TextUnits.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
+#include "support/text/TextUnits.h"
 
 namespace tavrin {
 

@@ -1,7 +1,7 @@
 #include "tags/TagArrayController.h"
 
-#include "platform/UserDefaults.h"
-#include "support/Text.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "support/text/Text.h"
 #include "tags/TagLibraryHelper.h"
 
 #include <algorithm>

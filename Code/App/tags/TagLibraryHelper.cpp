@@ -1,6 +1,6 @@
 #include "tags/TagLibraryHelper.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 #include "tags/TagNotice.h"
 #include "tags/TagTable.h"
 #include "tags/TaggedFile.h"

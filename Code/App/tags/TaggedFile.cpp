@@ -1,7 +1,7 @@
 #include "tags/TaggedFile.h"
 
-#include "platform/FileManager.h"
-#include "support/DebugLog.h"
+#include "platform/metadata/FileManager.h"
+#include "support/application/DebugLog.h"
 
 namespace tavrin {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "store/FileMO.h"
-#include "support/PropertyValue.h"
+#include "store/rows/FileMO.h"
+#include "support/values/PropertyValue.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
 #include "actions/cases/UnitCase.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 

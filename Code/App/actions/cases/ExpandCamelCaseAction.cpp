@@ -1,6 +1,6 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <string>
 #include <string_view>

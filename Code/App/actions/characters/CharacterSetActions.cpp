@@ -1,8 +1,8 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
 #include "actions/characters/SequenceFilter.h"
-#include "support/KQStringUtilities.h"
-#include "support/TextSearch.h"
+#include "support/text/KQStringUtilities.h"
+#include "support/text/TextSearch.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TextSearch.h"
+#include "support/text/TextSearch.h"
 
 #include <cstdint>
 #include <optional>

@@ -2,8 +2,8 @@
 #include "actions/PrecomposedText.h"
 #include "actions/RenameActionHelper.h"
 #include "actions/dates/RenameToDateAction.h"
-#include "support/Text.h"
-#include "support/TextSearch.h"
+#include "support/text/Text.h"
+#include "support/text/TextSearch.h"
 
 namespace tavrin {
 

@@ -1,10 +1,10 @@
 #include "actions/dates/DateFormatter.h"
 
-#include "platform/PropertyList.h"
-#include "platform/ReferenceDate.h"
-#include "platform/ResourceFolder.h"
-#include "support/DebugLog.h"
-#include "support/Text.h"
+#include "platform/desktop/ResourceFolder.h"
+#include "platform/metadata/ReferenceDate.h"
+#include "platform/propertylists/PropertyList.h"
+#include "support/application/DebugLog.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "actions/ParameterDescription.h"
-#include "support/CalendarFormat.h"
+#include "support/values/CalendarFormat.h"
 
 #include <cstdint>
 #include <optional>

@@ -2,7 +2,7 @@
 
 #include "actions/PListIndexValueTranslater.h"
 #include "actions/dates/DateFormatter.h"
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
 
 namespace tavrin {
 

@@ -1,7 +1,7 @@
 #include "actions/folders/AddFolderNameAction.h"
 
 #include "actions/folders/PathComponents.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 

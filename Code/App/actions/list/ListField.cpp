@@ -1,6 +1,6 @@
 #include "actions/list/ListField.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 

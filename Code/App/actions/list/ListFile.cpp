@@ -1,8 +1,8 @@
 #include "actions/list/ListFile.h"
 
-#include "platform/FileSystem.h"
-#include "support/Text.h"
-#include "support/Utf8.h"
+#include "platform/files/FileSystem.h"
+#include "support/text/Text.h"
+#include "support/text/Utf8.h"
 
 #include <fmt/format.h>
 

@@ -5,7 +5,7 @@
 #include "actions/list/RenameListLoader.h"
 #include "actions/list/SharedRenameLists.h"
 #include "actions/list/TabDelimitedFileListLoader.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "actions/list/RenameList.h"
-#include "platform/FileStatus.h"
+#include "platform/files/FileStatus.h"
 
 #include <memory>
 #include <optional>

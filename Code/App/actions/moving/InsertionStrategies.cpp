@@ -2,7 +2,7 @@
 
 #include "actions/RenameActionHelper.h"
 #include "actions/moving/ContentBasedAction.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "actions/moving/RenameActionStrategy.h"
-#include "support/TextSearch.h"
+#include "support/text/TextSearch.h"
 
 namespace tavrin {
 

@@ -1,7 +1,7 @@
 #include "actions/ActionFamilies.h"
 #include "actions/moving/ContentBasedAction.h"
 #include "actions/moving/InsertionStrategies.h"
-#include "support/TextSearch.h"
+#include "support/text/TextSearch.h"
 
 namespace tavrin {
 

@@ -1,8 +1,8 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
 #include "actions/PrecomposedText.h"
-#include "support/DebugLog.h"
-#include "support/RegularExpression.h"
+#include "support/application/DebugLog.h"
+#include "support/text/RegularExpression.h"
 
 namespace tavrin {
 

@@ -1,6 +1,6 @@
 #include "actions/sequence/AlphabeticalListBasedAction.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 

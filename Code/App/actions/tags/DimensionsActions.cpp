@@ -1,7 +1,7 @@
 #include "actions/ActionFamilies.h"
 #include "actions/tags/TextOfFile.h"
-#include "platform/FileManager.h"
-#include "support/Text.h"
+#include "platform/metadata/FileManager.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 

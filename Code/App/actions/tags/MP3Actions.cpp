@@ -1,7 +1,7 @@
 #include "actions/ActionFamilies.h"
 #include "actions/tags/MP3Patterns.h"
 #include "actions/tags/TextOfFile.h"
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "actions/tags/MP3Patterns.h"
 
-#include "support/KQStringUtilities.h"
-#include "support/Text.h"
+#include "support/text/KQStringUtilities.h"
+#include "support/text/Text.h"
 #include "tags/CapitalizedWords.h"
 
 #include <algorithm>

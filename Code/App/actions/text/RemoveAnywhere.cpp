@@ -1,7 +1,7 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
 #include "actions/RenameActionHelper.h"
-#include "support/TextSearch.h"
+#include "support/text/TextSearch.h"
 
 #include <array>
 

@@ -2,7 +2,7 @@
 
 #include "actions/ActionFamilies.h"
 #include "actions/RenameActionHelper.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 

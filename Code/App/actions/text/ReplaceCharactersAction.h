@@ -1,7 +1,7 @@
 #pragma once
 
 #include "actions/BaseRenameAction.h"
-#include "support/TextSearch.h"
+#include "support/text/TextSearch.h"
 
 #include <array>
 #include <unordered_map>

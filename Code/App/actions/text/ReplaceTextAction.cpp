@@ -3,7 +3,7 @@
 #include "actions/ActionFamilies.h"
 #include "actions/PrecomposedText.h"
 #include "actions/RenameActionHelper.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <array>
 

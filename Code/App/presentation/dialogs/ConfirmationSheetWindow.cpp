@@ -1,7 +1,7 @@
 #include "presentation/dialogs/ConfirmationSheetWindow.h"
 
-#include "engine/UserPrompts.h"
-#include "platform/PropertyList.h"
+#include "engine/asking/UserPrompts.h"
+#include "platform/propertylists/PropertyList.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
@@ -9,7 +9,7 @@
 #include "presentation/dialogs/MessageText.h"
 #include "presentation/preview/NameDifference.h"
 #include "presentation/preview/ShownName.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>

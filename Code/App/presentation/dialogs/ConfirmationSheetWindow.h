@@ -1,7 +1,7 @@
 #pragma once
 
 #include "presentation/dialogs/AnswerOnce.h"
-#include "shell/FrontEnd.h"
+#include "shell/asking/FrontEnd.h"
 
 #include <QDialog>
 #include <optional>

@@ -3,7 +3,7 @@
 #include "presentation/QtText.h"
 #include "presentation/dialogs/MessageText.h"
 #include "presentation/preview/ShownName.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <QApplication>
 #include <QClipboard>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/FrontEnd.h"
+#include "shell/asking/FrontEnd.h"
 
 #include <QDialog>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "presentation/dialogs/FileManagersPanel.h"
 
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
 #include "presentation/QtText.h"
 
 #include <QGridLayout>

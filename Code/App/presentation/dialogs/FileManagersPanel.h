@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/FileManagerMenus.h"
+#include "platform/desktop/FileManagerMenus.h"
 
 #include <QWidget>
 #include <vector>

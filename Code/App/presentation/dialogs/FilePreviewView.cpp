@@ -1,6 +1,6 @@
 #include "presentation/dialogs/FilePreviewView.h"
 
-#include "platform/FileManager.h"
+#include "platform/metadata/FileManager.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "presentation/preview/TypeIcons.h"
 

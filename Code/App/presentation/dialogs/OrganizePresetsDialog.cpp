@@ -5,9 +5,9 @@
 #include "presentation/FileBrowser.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/PresetDialog.h"
-#include "shell/MainController.h"
-#include "support/ListTransformers.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
+#include "support/values/ListTransformers.h"
 
 #include <fmt/format.h>
 

@@ -2,13 +2,13 @@
 
 #include "actions/SortBasedAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/FileManagersPanel.h"
 #include "presentation/dialogs/UpdatesPanel.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QCheckBox>
 #include <QComboBox>

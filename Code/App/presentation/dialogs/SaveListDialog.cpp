@@ -3,8 +3,8 @@
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AnswerOnce.h"
 #include "presentation/preview/ShownName.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <QCheckBox>
 #include <QDialog>

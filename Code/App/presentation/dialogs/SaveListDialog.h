@@ -1,7 +1,7 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
-#include "shell/FrontEnd.h"
+#include "shell/asking/FrontEnd.h"
 
 #include <functional>
 

@@ -5,7 +5,7 @@
 #include "presentation/dialogs/ErrorWindow.h"
 #include "presentation/dialogs/MessageText.h"
 #include "presentation/preview/ShownName.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>

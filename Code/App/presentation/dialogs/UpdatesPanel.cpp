@@ -1,10 +1,10 @@
 #include "presentation/dialogs/UpdatesPanel.h"
 
 #include "documents/UpdateFeed.h"
-#include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/PropertyList.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/QtText.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QComboBox>
 #include <QFormLayout>

@@ -2,7 +2,7 @@
 
 #include "actions/ActionList.h"
 #include "actions/BaseRenameAction.h"
-#include "platform/ResourceFolder.h"
+#include "platform/desktop/ResourceFolder.h"
 #include "presentation/QtText.h"
 
 #include <QDir>

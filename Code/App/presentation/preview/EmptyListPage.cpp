@@ -7,7 +7,7 @@
 #include "presentation/ToggleButton.h"
 #include "presentation/WindowColours.h"
 #include "presentation/settings/SettingsPane.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QHBoxLayout>
 #include <QIcon>

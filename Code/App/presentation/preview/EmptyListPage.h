@@ -1,7 +1,7 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
-#include "support/PropertyValue.h"
+#include "support/values/PropertyValue.h"
 
 #include <QWidget>
 

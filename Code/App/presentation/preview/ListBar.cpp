@@ -6,7 +6,7 @@
 #include "presentation/ToggleButton.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QAction>
 #include <QActionGroup>

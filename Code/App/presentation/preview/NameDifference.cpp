@@ -1,6 +1,6 @@
 #include "presentation/preview/NameDifference.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "presentation/preview/NameProblems.h"
 
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 

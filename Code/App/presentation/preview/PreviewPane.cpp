@@ -1,7 +1,7 @@
 #include "presentation/preview/PreviewPane.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/DroppedFiles.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
@@ -19,8 +19,8 @@
 #include "presentation/preview/StatusRow.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/MainController.h"
-#include "shell/SlicedWork.h"
+#include "shell/commands/MainController.h"
+#include "shell/preview/SlicedWork.h"
 
 #include <QAction>
 #include <QClipboard>

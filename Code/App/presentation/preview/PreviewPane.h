@@ -1,8 +1,8 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
-#include "shell/FrontEnd.h"
-#include "store/NodeRow.h"
+#include "shell/asking/FrontEnd.h"
+#include "store/rows/NodeRow.h"
 
 #include <QWidget>
 #include <memory>

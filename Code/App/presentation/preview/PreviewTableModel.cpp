@@ -4,8 +4,8 @@
 #include "presentation/preview/NameProblems.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/ThumbnailLoader.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <array>

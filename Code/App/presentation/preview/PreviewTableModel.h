@@ -2,8 +2,8 @@
 
 #include "presentation/WindowServices.h"
 #include "presentation/preview/NameDifference.h"
-#include "shell/FrontEnd.h"
-#include "shell/PreviewList.h"
+#include "shell/asking/FrontEnd.h"
+#include "shell/preview/PreviewList.h"
 
 #include <QAbstractTableModel>
 #include <QIcon>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/DNDArrayController.h"
+#include "shell/preview/DNDArrayController.h"
 
 #include <QTableView>
 #include <functional>

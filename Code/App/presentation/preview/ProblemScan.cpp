@@ -1,10 +1,10 @@
 #include "presentation/preview/ProblemScan.h"
 
-#include "platform/FileSystem.h"
-#include "platform/FolderEntries.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/FolderEntries.h"
 #include "presentation/preview/NameProblems.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,13 +1,13 @@
 #include "presentation/preview/StatusRow.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "engine/ProgressInfo.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
 #include "presentation/ToggleButton.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/FrontEnd.h"
-#include "shell/MainController.h"
+#include "shell/asking/FrontEnd.h"
+#include "shell/commands/MainController.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

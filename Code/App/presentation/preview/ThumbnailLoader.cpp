@@ -1,6 +1,6 @@
 #include "presentation/preview/ThumbnailLoader.h"
 
-#include "platform/ExifHelper.h"
+#include "platform/metadata/ExifHelper.h"
 #include "presentation/preview/TypeIcons.h"
 
 #include <QCryptographicHash>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/PreviewList.h"
+#include "shell/preview/PreviewList.h"
 
 #include <QCache>
 #include <QImage>

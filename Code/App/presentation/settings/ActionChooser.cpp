@@ -6,7 +6,7 @@
 #include "presentation/QtText.h"
 #include "presentation/settings/ActionSearchField.h"
 #include "presentation/settings/WidePopUpBox.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QBoxLayout>
 #include <utility>

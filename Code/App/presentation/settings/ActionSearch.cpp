@@ -2,7 +2,7 @@
 
 #include "actions/ActionList.h"
 #include "actions/BaseRenameAction.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

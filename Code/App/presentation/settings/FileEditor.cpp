@@ -3,7 +3,7 @@
 #include "actions/BaseRenameAction.h"
 #include "actions/list/RenameFromListAction.h"
 #include "presentation/QtText.h"
-#include "support/Text.h"
+#include "support/text/Text.h"
 
 #include <QFileDialog>
 #include <QHBoxLayout>

@@ -5,7 +5,7 @@
 #include "presentation/settings/PanelRows.h"
 #include "presentation/settings/ParameterEditors.h"
 #include "presentation/settings/SectionHead.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QAbstractButton>
 #include <QFormLayout>

@@ -11,8 +11,8 @@
 #include "presentation/settings/SectionHead.h"
 #include "presentation/settings/StackedView.h"
 #include "presentation/tags/TagLibraryView.h"
-#include "shell/MainController.h"
-#include "support/ListTransformers.h"
+#include "shell/commands/MainController.h"
+#include "support/values/ListTransformers.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,6 +1,6 @@
 #include "presentation/settings/StackedView.h"
 
-#include "support/StackedViewLayout.h"
+#include "support/application/StackedViewLayout.h"
 
 #include <QEvent>
 #include <QScrollArea>

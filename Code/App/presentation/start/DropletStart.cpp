@@ -3,8 +3,8 @@
 #include "presentation/Dialogs.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/start/ApplicationSetup.h"
-#include "shell/MainController.h"
-#include "support/DisplayText.h"
+#include "shell/commands/MainController.h"
+#include "support/text/DisplayText.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "presentation/start/WindowArguments.h"
 
-#include "platform/AbsolutePaths.h"
-#include "support/DisplayText.h"
+#include "platform/files/AbsolutePaths.h"
+#include "support/text/DisplayText.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/steps/StepSummary.h"
-#include "shell/MainController.h"
+#include "shell/commands/MainController.h"
 
 #include <QMimeData>
 

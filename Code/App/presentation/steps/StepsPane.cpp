@@ -6,8 +6,8 @@
 #include "presentation/WindowCommands.h"
 #include "presentation/steps/StepDelegate.h"
 #include "presentation/steps/StepsModel.h"
-#include "shell/MainController.h"
-#include "support/ListTransformers.h"
+#include "shell/commands/MainController.h"
+#include "support/values/ListTransformers.h"
 
 #include <QAction>
 #include <QHBoxLayout>

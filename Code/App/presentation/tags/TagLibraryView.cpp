@@ -1,7 +1,7 @@
 #include "presentation/tags/TagLibraryView.h"
 
 #include "actions/ActionList.h"
-#include "platform/UserDefaults.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/MainWindow.h"
 #include "presentation/QtText.h"
@@ -9,8 +9,8 @@
 #include "presentation/preview/ShownName.h"
 #include "presentation/tags/PatternEditor.h"
 #include "presentation/tags/TagValues.h"
-#include "shell/MainController.h"
-#include "support/Text.h"
+#include "shell/commands/MainController.h"
+#include "support/text/Text.h"
 #include "tags/TagArrayController.h"
 #include "tags/TagLibraryHelper.h"
 

@@ -1,0 +1,123 @@
+#include "engine/asking/ErrorReportManager.h"
+
+#include "engine/naming/Latin2.h"
+#include "engine/pipeline/EngineHost.h"
+#include "engine/pipeline/ExceptionText.h"
+#include "engine/pipeline/ProgressInfo.h"
+#include "engine/renaming/RenameEngineUtilities.h"
+#include "platform/desktop/ResourceFolder.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/SandboxHelper.h"
+#include "platform/processes/ChildProcess.h"
+#include "platform/processes/RunLoop.h"
+#include "store/contexts/StoreContext.h"
+
+#include <fmt/chrono.h>
+
+#include <ctime>
+#include <mutex>
+#include <unistd.h>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::string_view productName = "Tavrin 9";
+constexpr std::string_view version = "9.0.0";
+constexpr std::string_view supportAddress = "support@tavrin.example";
+constexpr std::size_t outputLimit = 1 << 20;
+
+std::string titleOfRequestedReport() {
+    return fmt::format(
+        "This report contains information designed to make it easier for us to track down "
+        "problems and make {} an even better product.\n\nWhen you report a problem to us, we may "
+        "ask you to create and send us this report to help us see exactly what happened on your "
+        "Mac and what your configuration is like. This will save you having to laboriously "
+        "assemble the information from different sources.\n\n---------\n\n",
+        productName);
+}
+
+/// The first of the programs that can be run.
+std::string firstExecutable(std::initializer_list<const char*> programs) {
+    for (const char* program : programs) {
+        if (::access(program, X_OK) == 0)
+            return program;
+    }
+    return {};
+}
+
+std::string quoted(const std::string& path) {
+    std::string result = "'";
+    for (const char c : path) {
+        if (c == '\'')
+            result += "'\\''";
+        else
+            result += c;
+    }
+    return result + "'";
+}
+
+std::string surveyOfMachine() {
+    const std::string shell = firstExecutable({"/bin/tcsh", "/bin/csh", "/bin/sh"});
+    return ErrorReportManager::runWithCommand(shell + " < " + quoted(resourcePath("error_reporting.csh")));
+}
+
+} // namespace
+
+std::string ErrorReportManager::titleOfFailureReport() {
+    return fmt::format(
+        "This is an error report that contains information about the problem you just "
+        "encountered.\n\nWe would appreciate it if you could email this file or its contents to "
+        "us at {}.\n\nThe information can help us track down problems and make {} an even better "
+        "product.\n\nOf course, we can only fix problems that we know about...\n\n---------\n\n",
+        supportAddress, productName);
+}
+
+std::string ErrorReportManager::reportPath() {
+    return SandboxHelper::getApplicationSupportFolderPath() + "/TVRN_error_report.txt";
+}
+
+void ErrorReportManager::writeErrorReport() { writeErrorReportWithString({}, titleOfRequestedReport()); }
+
+void ErrorReportManager::writeErrorReportWithException(const std::exception& exception) {
+    writeErrorReportWithString(fmt::format("Exception caught:\n{}: {}\n{}\n\n", nameOfException(exception),
+                                           exception.what(), detailsOfException(exception)),
+                               titleOfFailureReport());
+}
+
+void ErrorReportManager::writeErrorReportWithString(const std::string& body, const std::string& andTitle) {
+    host.progressInfo().updateStageText("Writing error report...");
+    std::string text = andTitle;
+    text += fmt::format("Version: {} Time: {:%Y-%m-%d %H:%M:%S} +0000\n\n", version,
+                        fmt::gmtime(std::time(nullptr)));
+    text += body;
+    const std::string path = reportPath();
+    FileSystem& files = FileSystem::sharedInstance();
+    static_cast<void>(files.makeFolders(SandboxHelper::getApplicationSupportFolderPath()));
+    static_cast<void>(files.removeFile(path));
+    text += databaseDump();
+    text += fmt::format("\n{}\n", surveyOfMachine());
+    static_cast<void>(files.writeFileAtomically(path, text));
+    host.runLoop().performAndWait([this, &path] { host.revealReport(path); });
+}
+
+/// Guarded, because a broken store is what reports are mostly about.
+std::string ErrorReportManager::databaseDump() {
+    try {
+        StoreContext& context = host.managedObjectContext();
+        const std::lock_guard lock(context.mutex());
+        return "----- Database Dump ---------\n\n" +
+               RenameEngineUtilities::contentsOfDatabaseAsString(context) + "\n";
+    } catch (const std::exception&) {
+        return "database dump failed.\n";
+    }
+}
+
+std::string ErrorReportManager::runWithCommand(const std::string& command) {
+    ChildProcess::Request request;
+    request.arguments = {firstExecutable({"/bin/csh", "/bin/sh"}), "-c", command};
+    request.outputLimit = outputLimit;
+    return latin2ToUtf8(ChildProcess::run(request).output);
+}
+
+} // namespace tavrin

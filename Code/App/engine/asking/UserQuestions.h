@@ -1,0 +1,54 @@
+#pragma once
+
+#include "engine/asking/UserPrompts.h"
+
+#include <string>
+
+namespace tavrin {
+
+class ProcessingStage;
+class RenameEngine;
+
+/// Asks the user in the middle of a rename and remembers what the answers mean for the rest of the run. The
+/// worker waits for each answer; a request to stop the engine counts as the answer "stop".
+class UserQuestions {
+  public:
+    /// What is to become of the step that was asked about.
+    enum class Decision { perform, leaveOut, stop };
+
+    /// `errors` takes the failures that are not shown one by one.
+    UserQuestions(RenameEngine& engine, ProcessingStage& errors, bool shouldBeInteractive);
+
+    [[nodiscard]] bool isInteractive() const { return interactive; }
+    /// Whether the run is to stop: by an answer, or because the engine was asked to. Never false again.
+    [[nodiscard]] bool shouldAbort();
+
+    // Asked only while isInteractive; otherwise the step is performed.
+    Decision confirmRename(const RenameQuestion& question);
+    Decision confirmSwap(const SwapQuestion& question);
+    /// Unless it is left out, nobody is asked any more after this.
+    Decision confirmNameCycle(const NameCycleQuestion& question);
+
+    /// Shows a failure, or records it once the user has chosen not to see them one by one, or to stop. `path`
+    /// is the full path in bytes.
+    void displayError(const std::string& title, const std::string& message, const std::string& path);
+
+    /// Whether the run is to begin although it leaves no record; otherwise it stops.
+    bool confirmWithoutRecord(const std::string& reason);
+    /// True for "Continue"; otherwise the run stops.
+    bool showITunesWarningDialog();
+    bool showIPhotoWarningDialog();
+
+  private:
+    template <typename Ask> ConfirmationChoice ask(Ask question);
+    Decision decide(ConfirmationChoice choice);
+    bool continues(ConfirmationChoice choice);
+
+    RenameEngine& engine;
+    ProcessingStage& errors;
+    bool interactive;
+    bool showErrorDialog = true;
+    bool aborting = false;
+};
+
+} // namespace tavrin

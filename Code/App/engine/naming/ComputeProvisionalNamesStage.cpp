@@ -1,0 +1,317 @@
+#include "engine/naming/ComputeProvisionalNamesStage.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "actions/SortBasedAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/pipeline/EngineHost.h"
+#include "engine/pipeline/RenameEngine.h"
+#include "engine/pipeline/StageProgress.h"
+#include "engine/renaming/RenameEngineUtilities.h"
+#include "platform/metadata/FileMetadata.h"
+#include "platform/processes/RunLoop.h"
+#include "store/contexts/StoreContext.h"
+#include "store/queries/FilterManager.h"
+#include "store/rows/FileMO.h"
+#include "support/text/Text.h"
+#include "support/text/TextUnits.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::int32_t rowsPerCommit = 10000;
+constexpr std::size_t unchangedBatchSize = 1000;
+
+std::string stageTextForAction(int index) {
+    static constexpr std::array<std::string_view, 9> ordinals{"first", "second",  "third", "fourth", "fifth",
+                                                              "sixth", "seventh", "eight", "ninth"};
+    if (index < static_cast<int>(ordinals.size()))
+        return fmt::format("Applying {} renaming action...", ordinals[static_cast<std::size_t>(index)]);
+    return fmt::format("Applying {}th renaming action...", index + 1);
+}
+
+/// A unit that is a colon becomes zero, and a zero unit borrows from its highest bit.
+bool hasNoColon(std::u16string_view name) {
+    using namespace text::units;
+    return none(name, [](std::uint64_t word) {
+        const std::uint64_t difference = word ^ everyUnit(u':');
+        return (difference - everyUnit(1)) & ~difference & everyUnit(0x8000);
+    });
+}
+
+/// Names shown never hold the separator of the other side.
+void replaceColons(std::u16string& name) {
+    if (!hasNoColon(name))
+        text::replaceUnit(name, u':', u'/');
+}
+
+std::vector<SortDescriptor> orderOf(const SortBasedAction& action) {
+    std::vector<SortDescriptor> order;
+    for (const std::int32_t mode : {action.getSortingMode(), action.getSortingMode2()}) {
+        if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(mode))
+            order.push_back(*descriptor);
+    }
+    return order;
+}
+
+} // namespace
+
+ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(RenameEngine& owner) : ProcessingStage(owner) {}
+
+ComputeProvisionalNamesStage::~ComputeProvisionalNamesStage() = default;
+
+std::string ComputeProvisionalNamesStage::stageDescription() const { return "Computing new file names..."; }
+
+bool ComputeProvisionalNamesStage::process() {
+    const StageProgress report(progress);
+    isFirstAppliedAction = true;
+    unread = {};
+    report.describe("Preparing..");
+    report.indeterminate(true);
+    report.item(0);
+    report.numberOfItems(context->engineControl().totalNumberOfFiles);
+    report.indeterminate(false);
+    const ItemFilter settings = engine.host().globalSettings().itemFilter();
+    processFiles = settings.shouldProcessFiles;
+    processFolders = settings.shouldProcessFolders;
+    filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings);
+    if (!copyActions())
+        return false;
+    file = std::make_unique<FileMO>(*context);
+    for (int index = 0; index < compositeAction->count() && lostSteps.empty(); ++index) {
+        if (compositeAction->actionAtIndex(index).isActive())
+            processForActionIndex(index);
+    }
+    tellUnreadMetadata();
+    for (const std::string& reason : lostSteps)
+        addError("All names stay as they are, since a step could not be made ready again", reason, "");
+    if (isFirstAppliedAction)
+        copyCurrentToNewName();
+    engine.computeNumberOfFilesThatNeedRenaming(*context);
+    return true;
+}
+
+/// The list belongs to the main thread, which edits it; so it is read there. What the user sees as able to
+/// work may not be so any more, since a file is looked at a second time.
+bool ComputeProvisionalNamesStage::copyActions() {
+    EngineHost& host = engine.host();
+    PropertyDictionary list;
+    std::vector<bool> worked;
+    const bool isCopied = host.runLoop().performAndWait([&] {
+        list = host.compositeAction().getFlatParameterList();
+        for (const auto& step : host.compositeAction().getActionDictionaryList()) {
+            step->prepare();
+            worked.push_back(step->failure().empty());
+        }
+    });
+    if (!isCopied)
+        return false;
+    compositeAction = std::make_unique<CompositeRenameAction>(ActionUse::privateRun);
+    compositeAction->setFlatParameterList(list);
+    lostSteps.clear();
+    for (std::size_t i = 0; i < worked.size(); ++i) {
+        BaseRenameAction& step = compositeAction->actionAtIndex(static_cast<int>(i));
+        step.prepare();
+        if (const std::string reason = step.failure(); worked[i] && step.isActive() && !reason.empty())
+            lostSteps.push_back(fmt::format("{}: {}", step.actionName(), reason));
+    }
+    return true;
+}
+
+void ComputeProvisionalNamesStage::processForActionIndex(int index) {
+    const StageProgress report(progress);
+    report.stage(stageTextForAction(index));
+    action = &compositeAction->actionAtIndex(index);
+    marker = engine.nextStageFlagCounter();
+    count = 0;
+    FetchRequest request{FetchEntity::file, filter.with(Predicate::notMarked(marker)), {}, 0};
+    const auto* sorted = dynamic_cast<const SortBasedAction*>(action);
+    const bool byFolder = sorted && !sorted->shouldUseGlobalSorting();
+    if (sorted)
+        request.order = orderOf(*sorted);
+    for (;;) {
+        if (byFolder) {
+            count = 0;
+            if (!moveToNextFolder(request))
+                break;
+        }
+        const std::vector<RowId> rows = context->fetch(request);
+        if (std::is_sorted(rows.begin(), rows.end()))
+            processInOrder(rows);
+        else
+            processByRank(rows);
+        report.describe("{} provisional names computed. Committing..", count);
+        saveAndRefaultObjects();
+        if (!byFolder && rows.empty())
+            break;
+    }
+    isFirstAppliedAction = false;
+}
+
+bool ComputeProvisionalNamesStage::moveToNextFolder(FetchRequest& request) {
+    const FetchRequest folders{FetchEntity::node,
+                               Predicate::notMarked(marker, NodeKey::secondaryStageFlag)
+                                   .with(Predicate::isTrue(NodeKey::treatAsFolder)),
+                               {},
+                               1};
+    const std::vector<RowId> folder = context->fetch(folders);
+    if (folder.empty())
+        return false;
+    context->setSecondaryStageFlag(folder.front(), marker);
+    // Without the filter: what lies below a listed folder is numbered too, and stays hidden by the filter.
+    request.predicate = Predicate::hasParent(folder.front()).with(Predicate::notMarked(marker));
+    return true;
+}
+
+void ComputeProvisionalNamesStage::processInOrder(const std::vector<RowId>& rows) {
+    for (const RowId id : rows) {
+        processRow(id, count + 1);
+        // Asked of skipped rows too, so that a count that stands at a multiple commits again for each of
+        // them.
+        if (count % rowsPerCommit == 0)
+            commitNames();
+        else if (context->hasWideChanges())
+            saveAndRefaultFiles();
+    }
+}
+
+/// A name depends on its rank, not on when it is made. So the ranks are given out first, and then the rows
+/// are taken as they lie: out of their order each would call for its block, and for its segment of the file,
+/// anew.
+void ComputeProvisionalNamesStage::processByRank(const std::vector<RowId>& rows) {
+    const auto [lowest, highest] = std::minmax_element(rows.begin(), rows.end());
+    const RowId first = *lowest;
+    std::vector<std::int32_t> ranks(*highest - first + 1, 0); // from 1; skipped rows have that of the next
+    std::vector<std::uint32_t> commitsAt(rows.size() / rowsPerCommit + 1, 0); // as many as in order
+    std::int32_t ranked = 0;
+    for (const RowId id : rows) {
+        const bool counts = isProcessed(context->treatAsFolder(id));
+        ranks[id - first] = ranked + 1;
+        ranked += counts ? 1 : 0;
+        if (ranked % rowsPerCommit == 0)
+            ++commitsAt[static_cast<std::size_t>(ranked / rowsPerCommit)];
+    }
+    context->readByIdNow();
+    const auto commitAsOften = [&] {
+        for (auto left = commitsAt[static_cast<std::size_t>(count / rowsPerCommit)]; left > 0; --left)
+            commitNames();
+    };
+    commitAsOften();
+    for (std::size_t i = 0; i < ranks.size(); ++i) {
+        if (ranks[i] == 0)
+            continue;
+        const std::int32_t before = count;
+        processRow(first + static_cast<RowId>(i), ranks[i]);
+        if (count != before && count % rowsPerCommit == 0)
+            commitAsOften();
+        else if (context->hasWideChanges())
+            saveAndRefaultFiles();
+    }
+}
+
+void ComputeProvisionalNamesStage::commitNames() {
+    const StageProgress report(progress);
+    report.describe("{} new names calculated. Committing.", count);
+    saveAndRefaultFiles();
+}
+
+void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
+    const StageProgress report(progress);
+    report.describeItem([&] { return "Processing: " + context->fullPath(id); });
+    if (isFirstAppliedAction)
+        context->name(id, input.currentName);
+    else
+        context->finalName(id, input.currentName);
+    if (isProcessed(context->row(id).treatAsFolder)) {
+        input.rank = rank;
+        runAction(id);
+        report.item(++count);
+    } else {
+        output.newName = input.currentName;
+    }
+    storeNewName(id);
+    context->setStageFlag(id, marker);
+}
+
+void ComputeProvisionalNamesStage::runAction(RowId id) {
+    replaceColons(input.currentName);
+    file->moveTo(id);
+    input.fileMo = file.get();
+    output.regex.reset();
+    output.failure.clear();
+    action->executeWithInputContext(input, output);
+    replaceColons(output.newName);
+    if (output.regex)
+        context->setRegexColumns(id, *output.regex);
+    if (!output.failure.empty())
+        noteUnreadMetadata(id, output.failure);
+}
+
+void ComputeProvisionalNamesStage::noteUnreadMetadata(RowId id, const std::string& reason) {
+    if (id >= unread.rows.size())
+        unread.rows.resize(id + id / 2 + 1024);
+    if (unread.rows[id])
+        return;
+    unread.rows[id] = true;
+    if (++unread.count > 1)
+        return;
+    unread.first = id;
+    unread.reason = reason;
+}
+
+void ComputeProvisionalNamesStage::tellUnreadMetadata() {
+    if (unread.count > 0)
+        addError(unreadMetadataOf(unread.count), unread.reason,
+                 unread.count == 1 ? context->fullPath(unread.first) : "");
+}
+
+void ComputeProvisionalNamesStage::storeNewName(RowId id) {
+    // The first action worked on the name itself, later ones on the result of the one before.
+    const std::u16string* name = &input.currentName;
+    if (!isFirstAppliedAction) {
+        if (text::units::same(output.newName, input.currentName))
+            return; // what the one before has stored still holds
+        context->name(id, nameBuffer);
+        name = &nameBuffer;
+    }
+    const bool isName = text::units::same(output.newName, *name);
+    if (isName)
+        context->setFinalNameToName(id);
+    else
+        context->setFinalName(id, output.newName);
+    const bool differs = !isName && !text::canonicallyEqual(output.newName, *name);
+    setDiff(id, differs);
+}
+
+void ComputeProvisionalNamesStage::setDiff(RowId id, bool differs) {
+    const NodeRow& present = context->row(id);
+    if (present.diff == differs && !present.madeDistinct)
+        return;
+    NodeRow& row = context->change(id);
+    row.diff = differs;
+    row.madeDistinct = false;
+}
+
+void ComputeProvisionalNamesStage::copyCurrentToNewName() {
+    const StageProgress report(progress);
+    report.stage("No renaming action are active...");
+    marker = engine.nextStageFlagCounter();
+    count = 0;
+    const FetchRequest request{
+        FetchEntity::file, filter.with(Predicate::notMarked(marker)), {}, unchangedBatchSize};
+    for (std::vector<RowId> batch; !(batch = context->fetch(request)).empty();) {
+        for (const RowId id : batch) {
+            context->setFinalNameToName(id);
+            setDiff(id, false);
+            context->setStageFlag(id, marker);
+            report.item(++count);
+        }
+        report.describe("{} names left unchanged. Committing..", count);
+        saveAndRefaultObjects();
+    }
+}
+
+} // namespace tavrin

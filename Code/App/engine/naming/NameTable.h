@@ -1,0 +1,71 @@
+#pragma once
+
+#include "store/rows/NodeRow.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace tavrin {
+
+class StoreContext;
+
+/// The final names of a folder's children, apart from case: which of them collide, and which are in use while
+/// the collisions are settled. Holds about 16 bytes per child: the names themselves are looked at in the
+/// rows, and only where their hashes are equal.
+class NameTable {
+  public:
+    /// Children whose names are one apart from case, in reading order.
+    using Group = std::vector<RowId>;
+
+    explicit NameTable(StoreContext& context);
+
+    /// Reads the names of the children. From then on the final names of rows that are in no group must not
+    /// change.
+    void read(const std::vector<RowId>& children);
+    /// Two or more members each, in the order of their first members.
+    [[nodiscard]] std::vector<Group> takeGroups();
+
+    [[nodiscard]] bool isTaken(std::u16string_view name);
+    /// Marks the final name of a row as in use; it must not change any more.
+    void add(RowId id);
+
+  private:
+    static constexpr std::uint32_t none = 0xFFFFFFFF;
+
+    struct Slot {
+        std::uint32_t hash = 0;
+        std::uint32_t entry = none;
+    };
+    struct NamedGroup {
+        std::u16string key; ///< stays in use when its members have moved on
+        Group members;
+    };
+
+    /// The lower-cased final name of a row, valid until the next call.
+    std::u16string_view keyOf(RowId id);
+    [[nodiscard]] std::uint32_t hashOf(std::u16string_view key) const;
+    void readBatch(std::span<const RowId> children);
+    /// The entry with this hash and key, or none. The key is asked for only where the hash is found.
+    template <typename Key> std::uint32_t find(std::uint32_t hash, Key key);
+    [[nodiscard]] bool isKeyOf(std::uint32_t entry, std::u16string_view key);
+    void addEntry(RowId id, std::uint32_t hash);
+    void addMember(std::uint32_t entry, RowId id);
+    void insert(Slot slot);
+    void grow();
+
+    StoreContext& context;
+    const std::uint64_t seed;
+    std::vector<RowId> rows; ///< by entry: the row that bears the name, the first of a group
+    std::vector<Slot> table; ///< open addressing; the size is a power of two
+    std::unordered_map<std::uint32_t, NamedGroup> groups; ///< by entry
+    std::u16string nameBuffer;
+    std::u16string keyBuffer;
+    std::u16string soughtKey;
+};
+
+} // namespace tavrin

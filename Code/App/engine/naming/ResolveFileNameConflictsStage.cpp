@@ -1,0 +1,183 @@
+#include "engine/naming/ResolveFileNameConflictsStage.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/naming/ConflictOrder.h"
+#include "engine/naming/NameTable.h"
+#include "engine/pipeline/EngineHost.h"
+#include "engine/pipeline/RenameEngine.h"
+#include "engine/pipeline/StageProgress.h"
+#include "engine/renaming/RenameEngineUtilities.h"
+#include "store/contexts/StoreContext.h"
+#include "support/text/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tavrin {
+
+namespace {
+
+/// How a scheme writes its running value.
+struct Scheme {
+    bool inParentheses;
+    int digits; ///< 0 for a letter
+    int from;
+};
+
+constexpr std::array<Scheme, 14> schemes{{
+    {true, 1, 1},
+    {true, 1, 0},
+    {true, 0, 0},
+    {true, 2, 1},
+    {true, 2, 0},
+    {true, 3, 1},
+    {true, 3, 0},
+    {false, 1, 1},
+    {false, 1, 0},
+    {false, 0, 0},
+    {false, 2, 1},
+    {false, 2, 0},
+    {false, 3, 1},
+    {false, 3, 0},
+}};
+constexpr std::int32_t defaultScheme = 9;
+
+} // namespace
+
+std::string ResolveFileNameConflictsStage::stageDescription() const { return "Resolving name conflicts..."; }
+
+bool ResolveFileNameConflictsStage::process() {
+    if (!context->engineControl().needToRedoConflictResolution)
+        return true;
+    context->changeEngineControl().needToRedoConflictResolution = false;
+    const StageProgress report(progress);
+    const PassMarker marker = engine.nextStageFlagCounter();
+    counter = 0;
+    report.item(0);
+    report.numberOfItems(context->engineControl().totalNumberOfFiles);
+    report.indeterminate(false);
+    report.describe("Preparing...");
+    takeSettings();
+
+    NameTable names(*context);
+    const FetchRequest request{processSubfolders ? FetchEntity::node : FetchEntity::ghostNode,
+                               Predicate::isTrue(NodeKey::treatAsFolder).with(Predicate::notMarked(marker)),
+                               {},
+                               0};
+    for (std::vector<RowId> folders; !(folders = context->fetch(request)).empty();) {
+        for (const RowId folder : folders) {
+            processFolder(names, folder);
+            context->setStageFlag(folder, marker);
+            report.describeItem([&] { return fmt::format("{} files processed.", counter); });
+            context->commit();
+        }
+    }
+    engine.computeNumberOfFilesThatNeedRenaming(*context);
+    return true;
+}
+
+/// What is not going to be renamed comes first in a group, so that it can keep its name.
+void ResolveFileNameConflictsStage::takeSettings() {
+    const auto& settings = engine.host().globalSettings();
+    const ItemFilter filter = settings.itemFilter();
+    processFiles = filter.shouldProcessFiles;
+    processFolders = filter.shouldProcessFolders;
+    processSubfolders = filter.shouldProcessSubfolders;
+    firstUnchanged = settings.conflictResolutionDontChangeFirst();
+    scheme = settings.conflictResolutionScheme();
+    if (scheme < 0 || scheme >= static_cast<std::int32_t>(schemes.size()))
+        scheme = defaultScheme;
+    sortDescriptors.clear();
+    if (!processFiles)
+        sortDescriptors.push_back({NodeKey::treatAsFolder, true});
+    else if (!processFolders)
+        sortDescriptors.push_back({NodeKey::treatAsFolder, false});
+    for (const std::int32_t mode : {settings.conflictResolutionOrder1(), settings.conflictResolutionOrder2(),
+                                    settings.conflictResolutionOrder3()}) {
+        if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(mode))
+            sortDescriptors.push_back(*descriptor);
+    }
+}
+
+void ResolveFileNameConflictsStage::processFolder(NameTable& names, RowId folder) {
+    const std::vector<RowId> children = context->children(folder);
+    names.read(children);
+    std::size_t resolved = 0;
+    for (NameTable::Group& members : names.takeGroups()) {
+        resolved += members.size();
+        resolveGroup(names, std::move(members));
+    }
+    countItems(children.size() - resolved);
+}
+
+void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<RowId> members) {
+    sortRows(*context, sortDescriptors, members);
+    conflictCounter = 0;
+    bool kept = false;
+    for (const RowId id : members) {
+        const std::u16string base = context->finalName(id);
+        std::u16string candidate = base;
+        const bool mayKeep = !isApplicable(id) || (conflictCounter == 0 && firstUnchanged);
+        if (mayKeep && !kept) {
+            kept = true;
+        } else {
+            while (names.isTaken(candidate))
+                candidate = addDistinguisherToName(base);
+        }
+        storeCandidate(id, candidate);
+        names.add(id);
+        countItems(1);
+    }
+}
+
+bool ResolveFileNameConflictsStage::isApplicable(RowId id) {
+    return context->row(id).treatAsFolder ? processFolders : processFiles;
+}
+
+void ResolveFileNameConflictsStage::storeCandidate(RowId id, const std::u16string& candidate) {
+    if (context->finalName(id) != candidate) {
+        context->setFinalName(id, candidate);
+        context->change(id).madeDistinct = true;
+    }
+    const bool differs = !text::canonicallyEqual(candidate, context->name(id));
+    if (context->row(id).diff != differs)
+        context->change(id).diff = differs;
+}
+
+std::u16string ResolveFileNameConflictsStage::addDistinguisherToName(std::u16string_view name) {
+    std::u16string result(name);
+    const std::size_t dot = result.rfind(u'.');
+    result.insert(std::min(dot, result.size()), text::fromUtf8(nextDistinguisher()));
+    return result;
+}
+
+std::string ResolveFileNameConflictsStage::nextDistinguisher() {
+    const Scheme& row = schemes[static_cast<std::size_t>(scheme)];
+    const std::int32_t value = conflictCounter++ + row.from;
+    std::string text;
+    if (row.digits > 0) {
+        text = fmt::format("{:0{}}", value, row.digits);
+    } else {
+        text = uNumToAlpha(value);
+        std::transform(text.begin(), text.end(), text.begin(),
+                       [](char letter) { return static_cast<char>(letter - 'A' + 'a'); });
+    }
+    return row.inParentheses ? "(" + text + ")" : text;
+}
+
+std::string ResolveFileNameConflictsStage::uNumToAlpha(std::int64_t number) {
+    constexpr std::int64_t base = 26;
+    std::string letters;
+    do {
+        letters.insert(letters.begin(), static_cast<char>('A' + number % base));
+        number /= base;
+    } while (number > 0);
+    return letters;
+}
+
+void ResolveFileNameConflictsStage::countItems(std::size_t number) {
+    counter += static_cast<std::int32_t>(number);
+    StageProgress(progress).item(counter);
+}
+
+} // namespace tavrin

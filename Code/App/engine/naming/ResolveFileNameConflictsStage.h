@@ -1,0 +1,49 @@
+#pragma once
+
+#include "engine/pipeline/ProcessingStage.h"
+#include "store/queries/Predicate.h"
+#include "store/rows/NodeRow.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+class NameTable;
+
+/// Makes the final names of each folder distinct, apart from case, by a running number or letter in front of
+/// the extension. Works once per set of read items.
+class ResolveFileNameConflictsStage final : public ProcessingStage {
+  public:
+    explicit ResolveFileNameConflictsStage(RenameEngine& owner) : ProcessingStage(owner) {}
+
+    bool process() override;
+    [[nodiscard]] std::string className() const override { return "ResolveFileNameConflictsStage"; }
+    [[nodiscard]] std::string stageDescription() const override;
+
+    /// Base 26 with "A" as zero and no leading zero: 25 is "Z", 26 is "BA". Not for negative numbers.
+    static std::string uNumToAlpha(std::int64_t number);
+
+  private:
+    void takeSettings();
+    void processFolder(NameTable& names, RowId folder);
+    void resolveGroup(NameTable& names, std::vector<RowId> members);
+    [[nodiscard]] bool isApplicable(RowId id);
+    [[nodiscard]] std::u16string addDistinguisherToName(std::u16string_view name);
+    [[nodiscard]] std::string nextDistinguisher();
+    void storeCandidate(RowId id, const std::u16string& candidate);
+    void countItems(std::size_t number);
+
+    std::int32_t conflictCounter = 0; ///< within the group in hand
+    std::int32_t scheme = 0;
+    std::int32_t counter = 0;
+    bool firstUnchanged = false;
+    bool processFiles = true;
+    bool processFolders = true;
+    bool processSubfolders = false;
+    std::vector<SortDescriptor> sortDescriptors;
+};
+
+} // namespace tavrin

@@ -1,0 +1,268 @@
+#include "engine/pipeline/RenameEngine.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/history/NamesFromRecordStage.h"
+#include "engine/pipeline/EngineHost.h"
+#include "engine/pipeline/ProcessingPipeline.h"
+#include "engine/pipeline/RenameThreads.h"
+#include "engine/pipeline/ThreadDescription.h"
+#include "engine/planning/PrepareForRenamingStage.h"
+#include "engine/reading/CleanUpStages.h"
+#include "engine/renaming/PerformRenameStage.h"
+#include "platform/processes/RunLoop.h"
+#include "store/contexts/StoreContext.h"
+#include "store/paging/ItemStore.h"
+#include "store/sources/SourceItemManager.h"
+#include "support/application/DebugLog.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+/// Raises a flag for as long as it lives.
+class RaisedFlag {
+  public:
+    explicit RaisedFlag(std::atomic<bool>& raised) : flag(raised) { flag = true; }
+    ~RaisedFlag() { flag = false; }
+    RaisedFlag(const RaisedFlag&) = delete;
+    RaisedFlag& operator=(const RaisedFlag&) = delete;
+
+  private:
+    std::atomic<bool>& flag;
+};
+
+} // namespace
+
+RenameEngine::RenameEngine(EngineHost& host)
+    : application(host),
+      // Wakes whoever waits in the run loop for the engine to be idle.
+      threads(std::make_unique<RenameThreads>([this] { application.runLoop().post([] {}); })) {}
+
+RenameEngine::~RenameEngine() {
+    ending = true;
+    stopRequested = true;
+    threads->joinAll();
+}
+
+bool RenameEngine::isBusy() const { return threads->areBusy(); }
+
+void RenameEngine::processPreviewPipeline(ProgressInfo& progress) {
+    threads->detach([this, &progress, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        internalProcessPreviewThread(progress, *turn);
+    });
+}
+
+void RenameEngine::processRenamingPipelineThenClearList(ProgressInfo& progress) {
+    startRenaming(progress, false, [](EngineHost& host) {
+        host.showCompletionDialog();
+        host.clearList();
+    });
+}
+
+void RenameEngine::processRenamingPipelineThenContinue(ProgressInfo& progress) {
+    startRenaming(progress, true, [](EngineHost& host) {
+        host.reloadPreview();
+        host.showCompletionDialog();
+    });
+}
+
+void RenameEngine::processRenamingPipelineThenQuit(ProgressInfo& progress) {
+    startRenaming(progress, false, [](EngineHost& host) {
+        host.showCompletionDialog();
+        host.terminate();
+    });
+}
+
+void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
+                                 std::function<void(EngineHost&)> completion) {
+    stopRequested = false;
+    onMainThread([](EngineHost& host) { host.startProgressWindow(); });
+    threads->detach([this, &progress, andContinue, completion = std::move(completion),
+                     turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
+        if (ending)
+            return;
+        static_cast<void>(createRenamingPipeline(&progress, andContinue)->process());
+        onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
+        onMainThread(completion);
+    });
+}
+
+void RenameEngine::readHistory(std::function<std::function<void()>(const RunHistory&)> look) {
+    threads->detach([this, look = std::move(look)] {
+        if (const std::function<void()> answer = look(RunHistory(history.folder)); answer && !ending)
+            onMainThread([&](EngineHost&) { answer(); });
+    });
+}
+
+void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest request,
+                                   std::function<void(EngineHost&, const TakeBackResult&)> completion) {
+    stopRequested = false;
+    const bool showsRun = !request.isPreview;
+    if (showsRun)
+        onMainThread([](EngineHost& host) { host.startProgressWindow(); });
+    threads->detach([this, &progress, request = std::move(request), completion = std::move(completion),
+                     showsRun, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
+        if (ending)
+            return;
+        const TakeBackResult result = takeBack(progress, request);
+        if (showsRun)
+            onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
+        onMainThread([&](EngineHost& host) { completion(host, result); });
+    });
+}
+
+TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequest& request) {
+    TakeBackResult result;
+    result.store = std::make_shared<ItemStore>(ItemStore::Options{});
+    const auto purpose = std::make_shared<RunPurpose>();
+    purpose->what = request.chosen.what;
+    purpose->of = request.chosen.run.name;
+    purpose->isStrict = true;
+    purpose->asks = request.asks;
+    ProcessingPipeline pipeline(*this);
+    pipeline.setProgressInfo(&progress);
+    pipeline.setStore(*result.store);
+    pipeline.addStage(std::make_unique<NamesFromRecordStage>(*this, request, purpose));
+    if (!request.isPreview) {
+        pipeline.addStage(std::make_unique<PrepareForRenamingStage>(*this));
+        pipeline.addStage(std::make_unique<PerformRenameStage>(*this, purpose));
+    }
+    static_cast<void>(pipeline.process());
+    StoreContext context(*result.store, StoreContext::MergePolicy::storeWins);
+    result.planned =
+        static_cast<std::int32_t>(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)));
+    result.changed = std::max(0, context.engineControl().numberOfActuallyRenamedFiles);
+    result.failed = purpose->failedBefore + context.engineControl().numberOfItemsNotRenamed;
+    result.errors = context.processingErrors();
+    return result;
+}
+
+void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shouldIncludeOnlyAffectedFiles,
+                                           const std::string& path) {
+    onMainThread([](EngineHost& host) { host.startProgressWindow(); });
+    threads->detach([this, arguments = FileListArguments{format, shouldIncludeOnlyAffectedFiles, path},
+                     turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
+        if (ending)
+            return;
+        std::string reason;
+        FileListArguments ownArguments = arguments;
+        ownArguments.reason = &reason;
+        if (!createSaveToFileListPipeline(ownArguments)->process() && reason.empty())
+            reason = "The list of items could not be read.";
+        onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
+        onMainThread([](EngineHost& host) { host.refreshPreview(); });
+        onMainThread([&](EngineHost& host) {
+            if (reason.empty())
+                host.showFileListSavingCompletionDialog(arguments.format);
+            else
+                host.showFileListNotSaved(arguments.path, reason);
+        });
+    });
+}
+
+/// The rows go first: reading an item again would give it a second row.
+void RenameEngine::forgetWhatWasRead(ProgressInfo& progress) {
+    ProcessingPipeline cleanUp(*this);
+    cleanUp.setProgressInfo(&progress);
+    cleanUp.addStage(std::make_unique<CleanUpFilesStage>(*this));
+    static_cast<void>(cleanUp.process());
+    SourceItemManager::sharedInstance().resetCache();
+}
+
+/// Of all previews that wait, only the last in line runs: it sees the settings of the moment anyway.
+void RenameEngine::internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn) {
+    {
+        const std::lock_guard token(previewPipelinesWaitingToken);
+        ++previewPipelinesWaiting;
+    }
+    debugLog("{} waiting for renameEngine lock (previewPipelinesWaiting = {})", threadDescription(),
+             previewPipelinesWaiting.load());
+    const EngineTurns::Held lock(turn);
+    // Counted down on every way out: a count too high would keep all later previews from running.
+    const std::shared_ptr<void> countDown(nullptr, [this](void*) {
+        const std::lock_guard token(previewPipelinesWaitingToken);
+        --previewPipelinesWaiting;
+    });
+    if (previewPipelinesWaiting == 1 && !ending) {
+        if (rereadRequested.exchange(false))
+            forgetWhatWasRead(progress);
+        static_cast<void>(createPreviewPipelineWith(&progress)->process());
+        onMainThread([](EngineHost& host) { host.refreshPreview(); });
+        onMainThread([](EngineHost& host) { host.showStats(); });
+    }
+}
+
+void RenameEngine::onMainThread(const std::function<void(EngineHost&)>& action) {
+    application.runLoop().performAndWait([this, &action] { action(application); });
+}
+
+PassMarker RenameEngine::nextStageFlagCounter() {
+    constexpr int period = 100;
+    const int next = (stageFlagCounter + 1) % period;
+    stageFlagCounter = next;
+    return static_cast<PassMarker>(next);
+}
+
+bool RenameEngine::migrateToInMemoryStoreOnTheFly(StoreContext& context) {
+    debugLog("migrating to in memory store");
+    ItemStore& store = context.store();
+    {
+        const RaisedFlag noMerges(migrating);
+        if (store.kind() == ItemStore::Kind::memory)
+            return false;
+        debugLog("resetting UI thread context to avoid crash");
+        context.reset();
+        StoreContext& mainContext = application.managedObjectContext();
+        {
+            const std::lock_guard lock(mainContext.mutex());
+            mainContext.reset();
+        }
+        debugLog("current store: {}", store.description());
+        if (!store.migrateToMemory()) {
+            debugLog("migration failed!");
+            return false;
+        }
+    }
+    debugLog("deleting nodes files");
+    CleanUpFilesStage cleanUp(*this);
+    cleanUp.setManagedObjectContext(&context);
+    SourceItemManager::sharedInstance().resetCache();
+    debugLog("{}", cleanUp.process() ? "Clean up succeeded." : "Clean up failed!");
+    debugLog("Migration Complete.");
+    return true;
+}
+
+ItemFilter RenameEngine::itemFilter() const { return application.globalSettings().itemFilter(); }
+
+void RenameEngine::computeTotalNumberOfFilesForContext(StoreContext& context) {
+    const auto count = context.count(FetchEntity::file, FilterManager::currentFilterPredicate(itemFilter()));
+    context.changeEngineControl().totalNumberOfFiles = static_cast<std::int32_t>(count);
+}
+
+void RenameEngine::computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext& context) {
+    const auto count = context.count(FetchEntity::file, Predicate::always());
+    context.changeEngineControl().totalNumberOfFilesSelectedOrNot = static_cast<std::int32_t>(count);
+}
+
+void RenameEngine::computeNumberOfFilesThatNeedRenaming(StoreContext& context) {
+    const auto count = context.count(
+        FetchEntity::file,
+        FilterManager::currentFilterPredicate(itemFilter()).with(Predicate::isTrue(NodeKey::diff)));
+    context.changeEngineControl().numberOfFilesThatNeedRenaming = static_cast<std::int32_t>(count);
+}
+
+void RenameEngine::computeNumberOfFolders(StoreContext& context) {
+    const auto count = context.count(
+        FetchEntity::node,
+        FilterManager::currentFilterPredicate(itemFilter()).with(Predicate::isTrue(NodeKey::treatAsFolder)));
+    context.changeEngineControl().numberOfFolders = static_cast<std::int32_t>(count);
+}
+
+} // namespace tavrin

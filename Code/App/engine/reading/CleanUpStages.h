@@ -1,0 +1,44 @@
+#pragma once
+
+#include "engine/pipeline/ProcessingStage.h"
+
+#include <cstddef>
+#include <string>
+
+namespace tavrin {
+
+/// Deletes all rows of one entity, batch by batch.
+class CleanUpStage : public ProcessingStage {
+  public:
+    bool process() override;
+
+  protected:
+    using ProcessingStage::ProcessingStage;
+    /// Deletes up to `limit` rows; the count deleted.
+    virtual std::size_t deleteRows(std::size_t limit) = 0;
+    [[nodiscard]] virtual std::string batchText(std::size_t count) const = 0;
+};
+
+class CleanUpProcessingErrorsStage final : public CleanUpStage {
+  public:
+    explicit CleanUpProcessingErrorsStage(RenameEngine& owner) : CleanUpStage(owner) {}
+    [[nodiscard]] std::string className() const override { return "CleanUpProcessingErrorsStage"; }
+    [[nodiscard]] std::string stageDescription() const override;
+
+  protected:
+    std::size_t deleteRows(std::size_t limit) override;
+    [[nodiscard]] std::string batchText(std::size_t count) const override;
+};
+
+class CleanUpFilesStage final : public CleanUpStage {
+  public:
+    explicit CleanUpFilesStage(RenameEngine& owner) : CleanUpStage(owner) {}
+    [[nodiscard]] std::string className() const override { return "CleanUpFilesStage"; }
+    [[nodiscard]] std::string stageDescription() const override;
+
+  protected:
+    std::size_t deleteRows(std::size_t limit) override;
+    [[nodiscard]] std::string batchText(std::size_t count) const override;
+};
+
+} // namespace tavrin

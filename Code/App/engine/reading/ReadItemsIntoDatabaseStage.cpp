@@ -1,0 +1,222 @@
+#include "engine/reading/ReadItemsIntoDatabaseStage.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/pipeline/EngineHost.h"
+#include "engine/pipeline/PathParts.h"
+#include "engine/pipeline/RenameEngine.h"
+#include "engine/pipeline/StageProgress.h"
+#include "engine/reading/FolderWalk.h"
+#include "platform/metadata/FileManager.h"
+#include "store/contexts/StoreContext.h"
+#include "store/sources/SourceItemManager.h"
+#include "support/application/DebugLog.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int rowsPerCommit = 5000;
+
+/// Nothing lies at a path.
+bool meansGone(int error) { return error == ENOENT || error == ENOTDIR; }
+
+} // namespace
+
+std::string ReadItemsIntoDatabaseStage::stageDescription() const { return "Adding items to database..."; }
+
+bool ReadItemsIntoDatabaseStage::process() {
+    const StageProgress report(progress);
+    rowsMade = 0;
+    lastParentFolder = {};
+    lastParentFolderPath.clear();
+    aliases.reset();
+    leftOut.clear();
+    report.describe("start processing..");
+    report.indeterminate(true);
+    if (progress)
+        progress->signalQuickSwitchToLongProcessingMode();
+    context->changeEngineControl().needToRedoConflictResolution = true;
+    const std::vector<SourceItem> items = context->sourceItems();
+    if (items.empty()) {
+        debugLog("No source items yet, interrupting pipeline");
+        return false;
+    }
+    shouldProcessSubfolders = engine.host().globalSettings().shouldProcessSubfolders() != 0;
+    for (const SourceItem& item : items) {
+        report.describeItem([&] { return "Processing item: " + item.path; });
+        readSourceItem(item);
+    }
+    folder.reset();
+    aliases.reset();
+    tellWhatWasLeftOut();
+    if (rowsMade > 0)
+        forgetItemsRemovedSince(items);
+    engine.computeTotalNumberOfFilesForContext(*context);
+    engine.computeTotalNumberOfFilesSelectedOrNotForContext(*context);
+    return true;
+}
+
+void ReadItemsIntoDatabaseStage::readSourceItem(const SourceItem& item) {
+    const bool mayHaveContents = item.treatAsFolder && shouldProcessSubfolders && !item.readInSubfolders;
+    if (item.readInRoot && !mayHaveContents)
+        return; // nothing would come of looking at the disk
+    const Kind kind = kindOf(item.path);
+    if (!aliases)
+        aliases.emplace(*context);
+    if (kind.error != 0) {
+        addReadingError(item.treatAsFolder, kind.error, item.path);
+    } else if (!kind.isFileOrBundle) {
+        readFolder(item, kind);
+    } else if (!item.readInRoot && !kind.isInvisible && createRootItem(item.path, false, kind.seen)) {
+        context->setSourceItemRead(item.path, true, item.readInSubfolders);
+    }
+}
+
+void ReadItemsIntoDatabaseStage::addReadingError(bool isFolder, int error, const std::string& path) {
+    addError(isFolder ? "Could not read a folder" : "Could not read an item",
+             std::generic_category().message(error), path);
+}
+
+/// What left the list while it was read could not take along rows that were not in the store yet.
+void ReadItemsIntoDatabaseStage::forgetItemsRemovedSince(const std::vector<SourceItem>& items) {
+    const std::vector<SourceItem> left = context->sourceItems();
+    std::vector<std::string> gone;
+    auto next = left.begin(); // both lists are in the order added
+    for (const SourceItem& item : items) {
+        if (next != left.end() && next->path == item.path)
+            ++next;
+        else
+            gone.push_back(item.path);
+    }
+    if (gone.empty())
+        return;
+    saveAndRefaultObjects();
+    for (const std::string& path : gone) {
+        SourceItemManager::deleteRowsOf(path, *context);
+        context->setSourceItemRead(path, false, false); // where it is on the list again
+    }
+    saveAndRefaultObjects();
+}
+
+void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& kind) {
+    const bool isNew = !kind.isInvisible && !item.readInRoot;
+    const bool mustWalk = shouldProcessSubfolders && !item.readInSubfolders;
+    if (isNew && !createRootItem(item.path, true, kind.seen))
+        return;
+    if (isNew || mustWalk)
+        context->setSourceItemRead(item.path, isNew || item.readInRoot, mustWalk || item.readInSubfolders);
+    if (mustWalk && !FolderWalk(*this, kind.isInvisible).run(item.path))
+        context->setSourceItemRead(item.path, isNew || item.readInRoot, false); // to be tried again
+}
+
+/// One call per item: the folder is held open for its neighbours on the list.
+ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const std::string& path) {
+    const PathParts parts(path);
+    openFolderAt(parts.folder);
+    FileStatus status;
+    const std::string name(parts.name.empty() ? "." : parts.name);
+    Kind kind;
+    kind.error = folder ? folder->status(name, status) : folderError;
+    if (meansGone(kind.error))
+        return {}; // goes through as a file, and fails when it is to be renamed
+    if (kind.error != 0)
+        return kind;
+    kind.seen = {status.identity, status.kind};
+    kind.isInvisible = name.front() == '.' || hiddenNames.contains(name);
+    if (parts.name.empty())
+        kind.isInvisible = true; // the root has no name that could be changed
+    if (status.kind == FileStatus::Kind::link) {
+        const int error = FileSystem::sharedInstance().followedStatus(path, status);
+        kind.error = meansGone(error) || error == ELOOP ? 0 : error;
+        if (error != 0)
+            return kind;
+    }
+    kind.isFileOrBundle =
+        status.kind != FileStatus::Kind::folder || FileManager::instance().isBundleFolder(path);
+    return kind;
+}
+
+void ReadItemsIntoDatabaseStage::openFolderAt(std::string_view path) {
+    if (folder && openPath == path)
+        return;
+    openPath = path;
+    FileStatus status;
+    folderError = FileSystem::sharedInstance().openFolder(openPath, folder);
+    if (folderError == 0)
+        folderError = folder->status(".", status);
+    if (folderError != 0)
+        folder.reset();
+    folderIdentity = status.identity;
+    hiddenNames = folder ? HiddenNames(openPath) : HiddenNames();
+}
+
+RowId ReadItemsIntoDatabaseStage::rowForFolder(std::string_view path, const FileIdentity& identity) {
+    const RowId row = context->nodeWithPath(path);
+    return row != noRow ? row : context->insertGhostNode(path, identity);
+}
+
+ReadItemsIntoDatabaseStage::Place ReadItemsIntoDatabaseStage::placeIn(RowId folderRow,
+                                                                      const FileIdentity& identity) {
+    if (aliases->mayBeShared(folderRow, identity))
+        saveAndRefaultObjects(); // what is only staged would not be found
+    return {folderRow, identity, aliases->enter(folderRow, identity)};
+}
+
+bool ReadItemsIntoDatabaseStage::createRootItem(const std::string& path, bool isFolder,
+                                                const SeenItem& seen) {
+    const PathParts parts(path);
+    if (lastParentFolder.row == noRow || lastParentFolderPath != parts.folder) {
+        lastParentFolder = placeIn(rowForFolder(parts.folder, folderIdentity), folderIdentity);
+        lastParentFolderPath = parts.folder;
+    }
+    return createOneFile(lastParentFolder, parts.folder, parts.name, true, isFolder, seen) != noRow;
+}
+
+RowId ReadItemsIntoDatabaseStage::createOneFile(const Place& place, std::string_view folderPath,
+                                                std::string_view name, bool root, bool isFolder,
+                                                const SeenItem& seen) {
+    const StageProgress report(progress);
+    report.describeItem([&] { return "Processing: " + joinedPath(folderPath, name); });
+    if (place.isShared) {
+        if (const RowId same = aliases->find(place.row, place.identity, name); same != noRow) {
+            leaveOut(folderPath, name, same);
+            return noRow;
+        }
+    }
+    const RowId id = context->insertFile(place.row, name, root, isFolder, engine.nextManualOrder(), seen);
+    if (place.isShared)
+        aliases->add(place.identity, name, id);
+    if (++rowsMade % rowsPerCommit == 0) {
+        report.describe("{} files read. Committing..", rowsMade);
+        saveAndRefaultObjects();
+    }
+    return id;
+}
+
+void ReadItemsIntoDatabaseStage::leaveOut(std::string_view folderPath, std::string_view name,
+                                          RowId sameItem) {
+    LeftOut& here = leftOut[std::string(folderPath)];
+    if (++here.count > 1)
+        return;
+    here.firstName = name;
+    here.otherFolder = context->parentPath(sameItem);
+}
+
+/// One line for a folder, however much it holds.
+void ReadItemsIntoDatabaseStage::tellWhatWasLeftOut() {
+    for (const auto& [path, what] : leftOut) {
+        if (what.count == 1)
+            addError("Left out", "It is the same item as " + joinedPath(what.otherFolder, what.firstName),
+                     joinedPath(path, what.firstName));
+        else
+            addError("Left out",
+                     fmt::format("{} items of this folder are the same as those in {}", what.count,
+                                 what.otherFolder),
+                     path);
+    }
+}
+
+} // namespace tavrin

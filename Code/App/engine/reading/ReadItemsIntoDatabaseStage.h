@@ -1,0 +1,86 @@
+#pragma once
+
+#include "engine/pipeline/ProcessingStage.h"
+#include "engine/reading/FolderAliases.h"
+#include "platform/files/FileSystem.h"
+#include "platform/metadata/HiddenNames.h"
+#include "store/rows/NodeRow.h"
+#include "store/sources/SourceItem.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+/// Turns source items into rows: one for each path on the list and, when subfolders are wanted, one for each
+/// visible thing below. Reads only what has not been read before, and nothing a second time under another
+/// path.
+class ReadItemsIntoDatabaseStage final : public ProcessingStage {
+  public:
+    explicit ReadItemsIntoDatabaseStage(RenameEngine& owner) : ProcessingStage(owner) {}
+
+    /// False when there is nothing on the list.
+    bool process() override;
+    [[nodiscard]] std::string className() const override { return "ReadItemsIntoDatabaseStage"; }
+    [[nodiscard]] std::string stageDescription() const override;
+
+  private:
+    friend class FolderWalk;
+
+    /// What decides how a source item is read.
+    struct Kind {
+        bool isFileOrBundle = true;
+        bool isInvisible = false;
+        SeenItem seen;
+        int error = 0; ///< why nothing of this is known: an errno value
+    };
+    /// A folder whose rows are being made.
+    struct Place {
+        RowId row = noRow;
+        FileIdentity identity;
+        bool isShared = false; ///< with rows that stand for it under other paths
+    };
+
+    void readSourceItem(const SourceItem& item);
+    void forgetItemsRemovedSince(const std::vector<SourceItem>& items);
+    void readFolder(const SourceItem& item, const Kind& kind);
+    Kind kindOf(const std::string& path);
+    void openFolderAt(std::string_view path);
+    /// The row that stands for a folder, made if there is none.
+    RowId rowForFolder(std::string_view path, const FileIdentity& identity);
+    Place placeIn(RowId folderRow, const FileIdentity& identity);
+    /// False if it has a row already, under another path; then there is nothing more to do for it.
+    bool createRootItem(const std::string& path, bool folder, const SeenItem& seen);
+    /// noRow likewise.
+    RowId createOneFile(const Place& place, std::string_view folderPath, std::string_view name, bool root,
+                        bool folder, const SeenItem& seen);
+    void leaveOut(std::string_view folderPath, std::string_view name, RowId sameItem);
+    void tellWhatWasLeftOut();
+    void addReadingError(bool isFolder, int error, const std::string& path);
+
+    bool shouldProcessSubfolders = false;
+    int rowsMade = 0;
+    Place lastParentFolder;
+    std::string lastParentFolderPath;
+    std::optional<FolderAliases> aliases; ///< made when the first item is read
+
+    struct LeftOut {
+        std::size_t count = 0;
+        std::string firstName;
+        std::string otherFolder; ///< the one that holds them under its own path
+    };
+    std::map<std::string, LeftOut> leftOut; ///< by the path of the folder
+
+    /// The folder of the last source item, held open because the next is likely to lie there too.
+    std::string openPath;
+    std::unique_ptr<OpenFolder> folder; ///< null when it can't be opened
+    int folderError = 0;                ///< why, then
+    FileIdentity folderIdentity;
+    HiddenNames hiddenNames; ///< of that folder
+};
+
+} // namespace tavrin

@@ -1,0 +1,75 @@
+#include "engine/renaming/NameOnDisk.h"
+
+#include "support/text/Text.h"
+
+#include <algorithm>
+#include <bitset>
+
+namespace tavrin {
+
+namespace {
+
+constexpr bool isHighHalf(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
+constexpr bool isByteEscape(char16_t unit) { return unit >= 0xDC80 && unit <= 0xDCFF; }
+
+/// The bytes from 0x80 that stand alone in the text, escaped as stray halves.
+std::bitset<128> escapedBytes(std::u16string_view text) {
+    std::bitset<128> bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (isByteEscape(text[i]) && (i == 0 || !isHighHalf(text[i - 1])))
+            bytes.set(text[i] - 0xDC80);
+    }
+    return bytes;
+}
+
+/// Actions count in code units and can tear a character in half; some halves look like an undecodable byte.
+bool hasStrayHalf(std::u16string_view finalName, std::string_view currentName) {
+    const std::bitset<128> wanted = escapedBytes(finalName);
+    return wanted.any() && (wanted & ~escapedBytes(text::fromBytes(currentName))).any();
+}
+
+} // namespace
+
+bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentName, std::string& into,
+                      bool isExact) {
+    if (!text::toBytes(finalName, into) || (!isExact && hasStrayHalf(finalName, currentName)))
+        return false;
+    std::replace(into.begin(), into.end(), '/', ':');
+    return isPossible(into);
+}
+
+std::string_view NameOnDisk::faultOf(std::u16string_view finalName, std::string_view currentName) {
+    std::string bytes;
+    if (finalName.empty())
+        return "The new name is empty";
+    if (!text::toBytes(finalName, bytes) || hasStrayHalf(finalName, currentName))
+        return "It cuts a character in two";
+    return bytes.find('\0') != std::string::npos ? "It holds a character that ends a name"
+                                                 : "This name stands for a folder itself";
+}
+
+bool NameOnDisk::isPossible(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
+           name.find('\0') == std::string_view::npos;
+}
+
+bool NameOnDisk::differsOnlyInCase(std::string_view a, std::string_view b) {
+    const auto isAscii = [](std::string_view name) {
+        return std::all_of(name.begin(), name.end(), [](char c) { return (c & 0x80) == 0; });
+    };
+    if (a == b)
+        return false;
+    if (isAscii(a) && isAscii(b)) {
+        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c; };
+        return std::ranges::equal(a, b, {}, lower, lower);
+    }
+    return text::equalIgnoringCase(text::fromBytes(a), text::fromBytes(b));
+}
+
+std::string NameOnDisk::shown(std::string_view name) {
+    std::string result(name);
+    std::replace(result.begin(), result.end(), ':', '/');
+    return result;
+}
+
+} // namespace tavrin

@@ -1,0 +1,214 @@
+#include "engine/renaming/PerformRenameStage.h"
+
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/asking/LibraryWarnings.h"
+#include "engine/history/RunHistory.h"
+#include "engine/history/RunJournal.h"
+#include "engine/pipeline/EngineHost.h"
+#include "engine/pipeline/RenameEngine.h"
+#include "engine/planning/RenameChain.h"
+#include "engine/renaming/RenameRing.h"
+#include "engine/renaming/RenameRun.h"
+#include "platform/processes/RunLoop.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "store/contexts/StoreContext.h"
+#include "store/queries/FilterManager.h"
+#include "support/application/MacOSXVersion.h"
+
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::size_t itemsPerBatch = 1000;
+constexpr int leopardMode = 2;
+constexpr std::string_view switchedKey = "alreadySwitchedToLionModeOnce";
+
+} // namespace
+
+PerformRenameStage::PerformRenameStage(RenameEngine& owner, std::shared_ptr<const RunPurpose> whatFor)
+    : ProcessingStage(owner), purpose(whatFor ? std::move(whatFor) : std::make_shared<RunPurpose>()) {}
+
+PerformRenameStage::~PerformRenameStage() = default;
+
+bool PerformRenameStage::process() {
+    switchToLionModeOnce();
+    prepare();
+    const FetchRequest request = openItems();
+    if (beginJournal()) {
+        while (!run->questions.shouldAbort() && performBatch(request)) {
+        }
+    }
+    closeJournal(run->questions.shouldAbort());
+    warnings.reset();
+    return true;
+}
+
+bool PerformRenameStage::beginJournal() {
+    const HistoryPlace& place = engine.historyPlace();
+    const bool isKept = engine.host().globalSettings().shouldKeepHistory() && !place.folder.empty();
+    const bool isNeeded =
+        purpose->what != RunKind::rename || context->engineControl().numberOfFilesThatNeedRenaming > 0;
+    if (!isKept || !isNeeded || run->questions.shouldAbort())
+        return true;
+    run->report.describe("Recording..");
+    journal = std::make_unique<RunJournal>(place);
+    const std::string problem = journal->begin(*context, plannedItems(), run->standIns, *purpose);
+    if (!problem.empty()) {
+        journal.reset();
+        return run->questions.confirmWithoutRecord(problem);
+    }
+    run->primitives.onReplaced = [this](RowId row, const FileIdentity& found) { journal->late(row, found); };
+    run->onFlagRefused = [this](std::uint32_t device) { journal->flagRefused(device); };
+    RunHistory(place.folder).prune();
+    return true;
+}
+
+Predicate PerformRenameStage::plannedItems() const {
+    return FilterManager::currentFilterPredicate(run->filter).with(Predicate::isTrue(NodeKey::diff));
+}
+
+void PerformRenameStage::closeJournal(bool wasStopped) {
+    if (journal)
+        journal->close(run->primitives.actuallyRenamedCounter, purpose->failedBefore + run->failedCounter,
+                       wasStopped);
+    journal.reset();
+}
+
+void PerformRenameStage::breakOff(const std::string& reason) {
+    closeJournal(true);
+    const std::int32_t renamed = run ? run->primitives.actuallyRenamedCounter : 0;
+    EngineControl& control = context->changeEngineControl();
+    control.numberOfActuallyRenamedFiles = renamed;
+    control.numberOfItemsNotRenamed = control.numberOfFilesThatNeedRenaming - renamed;
+    if (renamed < control.numberOfFilesThatNeedRenaming || !run)
+        addError("The renaming was broken off",
+                 fmt::format("{}. {} of {} items had been renamed by then, the others were not renamed.",
+                             reason, renamed, control.numberOfFilesThatNeedRenaming),
+                 {});
+    context->commit();
+    // The last batch has not told its paths yet. The rows are gone, so this reads none.
+    if (run)
+        run->sourceItems.apply();
+}
+
+void PerformRenameStage::switchToLionModeOnce() {
+    TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
+    UserDefaults& defaults = UserDefaults::sharedInstance();
+    if (!MacOSXVersion::isLionOrLater() || settings.getRenameMode() != leopardMode ||
+        defaults.boolForKey(switchedKey))
+        return;
+    // Settings are written on the main thread alone.
+    static_cast<void>(engine.host().runLoop().performAndWait([&] { settings.setLionMode(); }));
+    defaults.setObject(switchedKey, true);
+}
+
+void PerformRenameStage::prepare() {
+    const StageProgress report(progress);
+    report.describe("Preparing..");
+    report.indeterminate(true);
+    report.item(0);
+    const TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
+    const bool shouldBeInteractive =
+        purpose->asks.value_or(settings.shouldInteract() && !engine.host().isSilentDroplet());
+    run = std::make_unique<RenameRun>(engine, *this, *context, progress, shouldBeInteractive);
+    // Who takes a run back has been warned before it.
+    const bool warns = !purpose->isStrict;
+    warnings =
+        std::make_unique<LibraryWarnings>(warns && settings.shouldPreventAccidentalITunesLibraryDamage(),
+                                          warns && settings.shouldPreventAccidentalIPhotoLibraryDamage());
+    run->filter = settings.itemFilter();
+    if (purpose->isStrict) {
+        run->filter = {true, true, true};
+        run->primitives.beStrict();
+    }
+    const auto planned = static_cast<std::int32_t>(context->count(FetchEntity::file, plannedItems()));
+    context->changeEngineControl().numberOfFilesThatNeedRenaming = planned;
+    report.numberOfItems(planned);
+    report.indeterminate(false);
+    setCounters();
+}
+
+FetchRequest PerformRenameStage::openItems() const {
+    return {FetchEntity::file,
+            plannedItems().with(Predicate::notMarked(run->marker)),
+            {{NodeKey::depth, false},
+             {NodeKey::mustBeSwapped, false},
+             {NodeKey::canBeRenamedIndependently, false},
+             {NodeKey::name, true}},
+            itemsPerBatch};
+}
+
+bool PerformRenameStage::performBatch(const FetchRequest& request) {
+    const std::vector<RowId> items = context->fetch(request);
+    if (items.empty())
+        return false;
+    const TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
+    run->primitives.takeSettings(settings.getRenameMode(), settings.shouldCopyFileComments() != 0);
+    for (const RowId item : items) {
+        if (run->questions.shouldAbort())
+            break;
+        performItem(item);
+    }
+    run->report.describe("Renamed {} files. Committing..", run->primitives.actuallyRenamedCounter);
+    setCounters();
+    saveAndRefaultObjects();
+    run->report.describe("Updating source items..");
+    run->sourceItems.apply();
+    return true;
+}
+
+void PerformRenameStage::performItem(RowId id) {
+    run->item.moveTo(id);
+    if (!warnings->check(run->item.folder(), run->item.component(), run->questions))
+        return;
+    if (context->stageFlag(id) == run->marker)
+        return;
+    const NodeRow row = context->row(id);
+    const RowId partner = row.mustBeRenamedBefore;
+    if (row.mustBeSwapped && partner != noRow)
+        RenameRing(*run, {id, partner}).resolve();
+    else if (row.canBeRenamedIndependently)
+        RenameChain(*run).walk(id);
+    else
+        performWaitingItem(id);
+}
+
+/// What waits for a name and was reached by no chain: members of a ring, and items that wait in vain.
+void PerformRenameStage::performWaitingItem(RowId id) {
+    std::vector<RowId> way;
+    RowSet seen;
+    RowId next = id;
+    while (next != noRow && seen.insert(next)) {
+        way.push_back(next);
+        next = holderOfWantedName(next);
+    }
+    if (next != noRow) {
+        const auto first = std::find(way.begin(), way.end(), next);
+        RenameRing(*run, {first, way.end()}).resolve();
+        way.erase(first, way.end());
+    }
+    // The last one first: if its name is free all the same, the others can follow.
+    for (; !way.empty() && !run->questions.shouldAbort(); way.pop_back()) {
+        if (context->stageFlag(way.back()) != run->marker)
+            RenameChain(*run).walk(way.back());
+    }
+}
+
+RowId PerformRenameStage::holderOfWantedName(RowId id) {
+    const RowId holder = context->row(id).cannotBeRenamedBefore;
+    if (holder == noRow || context->stageFlag(holder) == run->marker || !context->exists(holder))
+        return noRow;
+    const NodeRow row = context->row(holder);
+    // What takes no part keeps its name.
+    const bool takesPart = row.diff && !row.canBeRenamedIndependently && run->filter.admits(row);
+    return takesPart ? holder : noRow;
+}
+
+void PerformRenameStage::setCounters() {
+    context->changeEngineControl().numberOfActuallyRenamedFiles = run->primitives.actuallyRenamedCounter;
+    context->changeEngineControl().numberOfItemsNotRenamed = run->failedCounter;
+}
+
+} // namespace tavrin

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "engine/history/RunPurpose.h"
+#include "engine/pipeline/ProcessingStage.h"
+#include "store/queries/Predicate.h"
+#include "store/rows/NodeRow.h"
+
+#include <memory>
+#include <string>
+
+namespace tavrin {
+
+class LibraryWarnings;
+class RunJournal;
+struct RenameRun;
+
+/// The stage that touches the disk: carries out the plan in the rows, deepest items first, and asks the user
+/// on the way when the run is interactive. Before the first rename the whole plan is written into the
+/// history.
+class PerformRenameStage final : public ProcessingStage {
+  public:
+    explicit PerformRenameStage(RenameEngine& owner, std::shared_ptr<const RunPurpose> whatFor = nullptr);
+    ~PerformRenameStage() override;
+
+    bool process() override;
+    void breakOff(const std::string& reason) override;
+    [[nodiscard]] std::string className() const override { return "PerformRenameStage"; }
+    [[nodiscard]] std::string stageDescription() const override { return "Performing renames..."; }
+
+  private:
+    /// False when the run is not to begin.
+    bool beginJournal();
+    void closeJournal(bool wasStopped);
+    /// The rows that are to get another name.
+    [[nodiscard]] Predicate plannedItems() const;
+    void switchToLionModeOnce();
+    void prepare();
+    [[nodiscard]] FetchRequest openItems() const;
+    bool performBatch(const FetchRequest& request);
+    void performItem(RowId id);
+    void performWaitingItem(RowId id);
+    /// The sibling whose name this item waits for, if it will still leave it.
+    [[nodiscard]] RowId holderOfWantedName(RowId id);
+    void setCounters();
+
+    std::shared_ptr<const RunPurpose> purpose;
+    std::unique_ptr<RunJournal> journal; ///< null where none is kept
+    std::unique_ptr<RenameRun> run;      ///< the state of `process`, kept for breakOff
+    std::unique_ptr<LibraryWarnings> warnings;
+};
+
+} // namespace tavrin

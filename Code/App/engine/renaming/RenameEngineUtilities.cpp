@@ -1,0 +1,86 @@
+#include "engine/renaming/RenameEngineUtilities.h"
+
+#include "store/contexts/StoreContext.h"
+#include "support/application/DebugLog.h"
+
+#include <array>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::array<SortDescriptor, 14> sortModes{{
+    {NodeKey::name, true},
+    {NodeKey::name, false},
+    {NodeKey::modDate, true},
+    {NodeKey::modDate, false},
+    {NodeKey::crDate, true},
+    {NodeKey::crDate, false},
+    {NodeKey::size, true},
+    {NodeKey::size, false},
+    {NodeKey::exif, true},
+    {NodeKey::exif, false},
+    {NodeKey::smartName, true},
+    {NodeKey::smartName, false},
+    {NodeKey::random, false},
+    {NodeKey::manualOrder, true},
+}};
+
+std::string_view entityName(NodeEntity entity) {
+    switch (entity) {
+    case NodeEntity::file:
+        return "File";
+    case NodeEntity::ghostNode:
+        return "GhostNode";
+    case NodeEntity::none:
+        break;
+    }
+    return "Node";
+}
+
+} // namespace
+
+std::optional<SortDescriptor> RenameEngineUtilities::sortDescriptorForMode(int mode) {
+    if (mode < 0 || mode >= static_cast<int>(sortModes.size()))
+        return std::nullopt;
+    return sortModes[static_cast<std::size_t>(mode)];
+}
+
+std::string RenameEngineUtilities::contentsOfDatabaseAsString(StoreContext& context) {
+    std::string text = fmt::format("EngineControl: {}\n", context.engineControl().totalNumberOfNodes);
+    text += "sourceItems:\n";
+    for (const SourceItem& item : context.sourceItems())
+        text.append(item.path) += '\n';
+    text += "\nNodes:\n";
+    std::string path;
+    for (const RowId id : context.fetch({FetchEntity::node, Predicate::always(), {}, 0})) {
+        context.fullPath(id, path);
+        text.append(entityName(context.row(id).entity)).append(" at ").append(path) += '\n';
+    }
+    debugLog("{}", text);
+    return text;
+}
+
+void RenameEngineUtilities::printContentsOfDatabase(StoreContext& context) {
+    static_cast<void>(contentsOfDatabaseAsString(context));
+}
+
+void RenameEngineUtilities::printNodeHierarchy(StoreContext& context) {
+    for (const SourceItem& item : context.sourceItems()) {
+        const RowId id = context.nodeWithPath(item.path);
+        if (id == noRow)
+            continue;
+        debugLog("Node Hierarchy:");
+        if (const RowId parent = context.row(id).parent; parent != noRow)
+            printOneNodeHierarchyTree(context, parent, 0);
+    }
+}
+
+void RenameEngineUtilities::printOneNodeHierarchyTree(StoreContext& context, RowId startingFrom, int depth) {
+    const NodeEntity entity = context.row(startingFrom).entity;
+    debugLog("{}: {} at {}", depth, entityName(entity), context.fullPath(startingFrom));
+    for (const RowId child : context.children(startingFrom))
+        printOneNodeHierarchyTree(context, child, depth + 1);
+}
+
+} // namespace tavrin

@@ -1,0 +1,201 @@
+#include "engine/renaming/RenamePrimitives.h"
+
+#include "engine/pipeline/PathParts.h"
+#include "engine/renaming/NameOnDisk.h"
+#include "platform/desktop/SystemLog.h"
+#include "platform/metadata/FileManager.h"
+#include "support/application/DebugLog.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::string_view defaultReason =
+    "You may not have sufficient access privileges to rename the file, the file may be on a read-only "
+    "medium, "
+    "an incompatible external drive or unsupported remote file system or it may be locked.";
+constexpr std::string_view nameTakenReason = "Another file with this name already exists in this folder.";
+constexpr std::string_view linkReason =
+    "This file is a symbolic link and for safety reasons, Tavrin will not rename symbolic links.";
+constexpr std::string_view gone = "No such file: it has been removed or renamed since the list was read";
+constexpr int modeCount = 3;
+
+std::string_view nameOf(FileStatus::Kind kind) {
+    constexpr std::array<std::string_view, 4> names{"a file", "a folder", "a link", "a special file"};
+    return names.at(static_cast<std::size_t>(kind));
+}
+
+} // namespace
+
+void RenamePrimitives::takeSettings(int renameMode, bool shouldCopyFileComments) {
+    mode = renameMode;
+    copiesComments = shouldCopyFileComments && !FileManager::commentsTravelWithFiles();
+}
+
+bool RenamePrimitives::hasRoutes() const { return mode >= 0 && mode < modeCount; }
+
+RunFolders::Place& RenamePrimitives::place(const RenameItem& item) {
+    return parts.folders.at(item.parentRow(), item.folder(), item.folderAsRead());
+}
+
+bool RenamePrimitives::check(RenameItem& item) {
+    lastLook = {};
+    const RunFolders::Place& found = place(item);
+    const int error = found.folder ? found.folder->status(item.component(), lastLook) : found.error;
+    if (error != 0)
+        return refuse(error == ENOENT ? std::string(gone) : systemReason(error, item.component(), {}, found));
+    const SeenItem& seen = item.seen();
+    const bool isLink = lastLook.kind == FileStatus::Kind::link;
+    const bool hasChangedKind = seen.identity.isKnown() && lastLook.kind != seen.kind;
+    if (isLink || hasChangedKind) {
+        sentence = isLink ? linkReason : defaultReason;
+        detail = hasChangedKind ? fmt::format("It was {} when the list was read, and is {} now",
+                                              nameOf(seen.kind), nameOf(lastLook.kind))
+                                : std::string();
+        return false;
+    }
+    if (seen.identity.isKnown() && lastLook.identity.inode != seen.identity.inode) {
+        if (strict)
+            return refuse("Another file has its name now");
+        parts.report.item(actuallyRenamedCounter);
+        onReplaced(item.id(), lastLook.identity);
+    }
+    return true;
+}
+
+bool RenamePrimitives::renameItem(RenameItem& item, bool treatAsRoot) {
+    const std::string& from = item.component();
+    const std::string& to = item.newComponent();
+    if (debugLogIsOn())
+        debugLog("renameCurrentName: {} atPath: {} toNewName: {}", NameOnDisk::shown(from), item.fullPath(),
+                 NameOnDisk::shown(to));
+    if (!NameOnDisk::isPossible(to))
+        return refuse(item.faultOfNewName());
+    if (!check(item))
+        return false;
+    std::optional<std::string> comment;
+    if (copiesComments)
+        comment = FileManager::instance().finderCommentForFileURL(item.fullPath());
+
+    const NameMover::StandInName standIn = [this, &item]() -> const std::string& {
+        return parts.standIns.nameFor(item);
+    };
+    parts.mover.begin();
+    Attempt attempt{place(item), item.folder(), from, to, standIn};
+    const bool worked = tryRoutes(attempt);
+    if (worked) {
+        ++actuallyRenamedCounter;
+        if (comment && !comment->empty())
+            static_cast<void>(
+                FileManager::instance().changeFinderComment(*comment, joinedPath(item.folder(), to)));
+        if (treatAsRoot)
+            parts.sourceItems.change(item.fullPath(), joinedPath(item.folder(), to));
+    } else if (attempt.error == EEXIST) {
+        sentence = nameTakenReason;
+        detail.clear();
+    } else {
+        if (!parts.mover.leftUnder().empty())
+            ++actuallyRenamedCounter; // its name is another one, though not the planned
+        const bool isGone = attempt.error == ENOENT && !isStillThere(attempt);
+        refuse((isGone ? std::string(gone) : systemReason(attempt.error, from, to, attempt.place)) +
+               whereItLies());
+    }
+    parts.report.item(actuallyRenamedCounter);
+    return worked;
+}
+
+bool RenamePrimitives::refuse(std::string_view reason) {
+    sentence = defaultReason;
+    detail = reason;
+    parts.report.item(actuallyRenamedCounter);
+    return false;
+}
+
+std::string RenamePrimitives::failureReasonString() const {
+    return detail.empty() ? std::string(sentence) : fmt::format("{} ({})", sentence, detail);
+}
+
+std::string RenamePrimitives::systemReason(int error, std::string_view from, std::string_view to,
+                                           const RunFolders::Place& place) {
+    switch (error) {
+    case 0:
+        return "No rename was made";
+    case ESTALE:
+        return "The folder has been replaced by another since the list was read";
+    case EBUSY:
+        return "It was replaced by another file at this moment";
+    case ENAMETOOLONG: {
+        const std::size_t length = std::max(from.size(), to.size());
+        const std::string text = std::generic_category().message(error);
+        const std::size_t limit = place.volume().nameLimit;
+        return length > limit ? fmt::format("{}: {} of {} bytes", text, length, limit)
+                              : fmt::format("{}: {} bytes", text, length);
+    }
+    default:
+        return std::generic_category().message(error);
+    }
+}
+
+bool RenamePrimitives::tryRoutes(Attempt& attempt) {
+    using enum Route;
+    constexpr std::array<std::array<Route, 4>, modeCount> orders{{{lion, fileManager, finder, leopard},
+                                                                  {fileManager, lion, finder, leopard},
+                                                                  {leopard, lion, finder, fileManager}}};
+    if (hasRoutes() && tryRoute(orders[static_cast<std::size_t>(mode)][0], attempt))
+        return true;
+    if (debugLogIsOn())
+        debugLog("failed to rename file using default mode: {}", joinedPath(attempt.folder, attempt.to));
+    bool worked = false;
+    // What is taken for one route is taken for all.
+    for (std::size_t i = 1; hasRoutes() && !worked && i < orders[0].size() && attempt.error != EEXIST; ++i) {
+        if (!parts.mover.leftovers().empty() || !isStillThere(attempt))
+            break;
+        worked = tryRoute(orders[static_cast<std::size_t>(mode)][i], attempt);
+    }
+    debugLog("success after trying alternative methods: {:d}", worked);
+    return worked || hasMovedAllTheSame(attempt);
+}
+
+bool RenamePrimitives::tryRoute(Route route, Attempt& attempt) {
+    attempt.error = parts.mover.move(attempt.place, attempt.from, attempt.to, attempt.standIn);
+    const bool worked = attempt.error == 0;
+    if (route == Route::lion && attempt.error != EEXIST && SystemLog::sharedInstance().isActive())
+        SystemLog::sharedInstance().write(fmt::format("moveItemAtPath: {} to {}",
+                                                      joinedPath(attempt.folder, attempt.from),
+                                                      joinedPath(attempt.folder, attempt.to)));
+    if (route != Route::finder || !worked)
+        return worked;
+    // By the file browser's route only a move after which nothing is found counts. A move that does not count
+    // is taken back, unless that fails: then the item has its new name, whoever counts it.
+    FileStatus found;
+    if (attempt.place.folder->status(attempt.to, found) != 0)
+        return true;
+    return parts.mover.move(attempt.place, attempt.to, attempt.from, attempt.standIn) != 0;
+}
+
+bool RenamePrimitives::isStillThere(const Attempt& attempt) const {
+    FileStatus found;
+    return attempt.place.folder->status(attempt.from, found) == 0 && found.identity == lastLook.identity;
+}
+
+/// A call can fail and have worked: its answer was lost on the way.
+bool RenamePrimitives::hasMovedAllTheSame(const Attempt& attempt) const {
+    FileStatus found;
+    return attempt.error != EEXIST && attempt.place.folder->status(attempt.from, found) == ENOENT &&
+           attempt.place.folder->status(attempt.to, found) == 0 && found.identity == lastLook.identity;
+}
+
+std::string RenamePrimitives::whereItLies() const {
+    const std::string& left = parts.mover.leftUnder();
+    return left.empty() ? parts.mover.leftovers()
+                        : fmt::format(". It lies under the name \"{}\" now{}", NameOnDisk::shown(left),
+                                      parts.mover.leftovers());
+}
+
+} // namespace tavrin

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "engine/asking/UserQuestions.h"
+#include "engine/pipeline/StageProgress.h"
+#include "engine/planning/RenameItem.h"
+#include "engine/reading/SourceItemChanges.h"
+#include "engine/renaming/NameMover.h"
+#include "engine/renaming/RenamePrimitives.h"
+#include "engine/renaming/RunFolders.h"
+#include "engine/renaming/StandIns.h"
+#include "store/queries/FilterManager.h"
+
+#include <cstdint>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+/// A set of rows, a bit for each.
+class RowSet {
+  public:
+    /// False when it was in the set already.
+    bool insert(RowId id) {
+        if (contains(id))
+            return false;
+        if (id >= bits.size())
+            bits.resize(id + id / 2 + 1024);
+        bits[id] = true;
+        return true;
+    }
+    [[nodiscard]] bool contains(RowId id) const { return id < bits.size() && bits[id]; }
+
+  private:
+    std::vector<bool> bits;
+};
+
+/// What the units of one run share. Worker thread only.
+struct RenameRun {
+    RenameRun(RenameEngine& engine, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
+              bool shouldBeInteractive);
+    RenameRun(const RenameRun&) = delete;
+    RenameRun& operator=(const RenameRun&) = delete;
+
+    /// Whether the item still lies where its row says: what this run has moved is no longer there, and what
+    /// lies there now is not to be touched.
+    [[nodiscard]] bool isInPlace(RowId id) const { return !moved.contains(id); }
+    /// Notes that an item has left its place.
+    void noteMoved(RowId id) { moved.insert(id); }
+    /// Notes that the item in hand has got the name that another one was to leave free. If that one has not
+    /// moved, it has vanished, and its place is taken now.
+    void noteTakenPlace(RowId formerHolder);
+
+    /// Reports a failure that has left so many items without their new names.
+    void fail(const std::string& title, const std::string& message, const std::string& path,
+              std::int32_t items = 1);
+
+    StoreContext& context;
+    RenameItem item; ///< the one in hand
+    StageProgress report;
+    SourceItemChanges sourceItems;
+    RunFolders folders;
+    StandIns standIns;
+    /// Called once for each device whose file system can't refuse a taken name, before a rename there does
+    /// without.
+    std::function<void(std::uint32_t device)> onFlagRefused = [](std::uint32_t) {};
+    NameMover mover;
+    RenamePrimitives primitives;
+    UserQuestions questions;
+    PassMarker marker;
+    ItemFilter filter;              ///< which rows take part
+    std::int32_t failedCounter = 0; ///< items without the names that they were to get
+
+  private:
+    [[nodiscard]] VolumeEvents volumeEvents();
+    void tellUnguarded(const RunFolders::Place& place);
+
+    RenameEngine& engine;
+    RowSet moved;
+    std::set<std::uint32_t> unflagged; ///< devices
+    std::set<std::uint32_t> unguarded;
+};
+
+} // namespace tavrin

@@ -1,0 +1,68 @@
+#include "platform/files/AbsolutePaths.h"
+
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+
+namespace tavrin {
+
+namespace {
+
+std::optional<std::string> resolved(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? std::optional<std::string>(real.get()) : std::nullopt;
+}
+
+/// Without slashes and "." at the end, where something is left in front of them.
+std::string_view trimmed(std::string_view path) {
+    while (path.size() > 1) {
+        if (path.back() == '/')
+            path.remove_suffix(1);
+        else if (path.ends_with("/."))
+            path.remove_suffix(1);
+        else
+            break;
+    }
+    return path;
+}
+
+class PathResolver {
+  public:
+    std::string absolute(const std::string& given) {
+        const std::string_view path = trimmed(given);
+        const std::size_t slash = path.rfind('/');
+        const std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
+        if (name == "." || name == ".." || name.empty())
+            return given.empty() ? given : resolved(std::string(path)).value_or(given);
+        const std::string_view folder = slash == std::string_view::npos ? "." : path.substr(0, slash + 1);
+        const std::optional<std::string>& place = resolvedFolder(std::string(folder));
+        if (!place)
+            return given;
+        return (*place == "/" ? "" : *place) + '/' + std::string(name);
+    }
+
+  private:
+    const std::optional<std::string>& resolvedFolder(std::string folder) {
+        const auto [known, isNew] = folders.try_emplace(std::move(folder));
+        if (isNew)
+            known->second = resolved(known->first);
+        return known->second;
+    }
+
+    std::unordered_map<std::string, std::optional<std::string>> folders;
+};
+
+} // namespace
+
+std::vector<std::string> absolutePaths(const std::vector<std::string>& given) {
+    PathResolver resolver;
+    std::vector<std::string> paths;
+    paths.reserve(given.size());
+    for (const std::string& path : given)
+        paths.push_back(resolver.absolute(path));
+    return paths;
+}
+
+} // namespace tavrin

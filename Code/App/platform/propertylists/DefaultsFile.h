@@ -1,0 +1,42 @@
+#pragma once
+
+#include "support/values/PropertyValue.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace tavrin {
+
+/// The property list file behind the user defaults. A damaged file is never overwritten: it is moved aside
+/// under another name. A link stays one: what it leads to is read and written. Not locked against other
+/// threads.
+class DefaultsFile {
+  public:
+    explicit DefaultsFile(std::string path);
+
+    /// What the file holds; absent when it is missing, damaged (then it has been moved aside, if that was
+    /// possible) or unreadable.
+    std::optional<PropertyDictionary> load();
+    /// Whether the file may be replaced: false after a load that found one which could neither be read nor
+    /// moved aside.
+    [[nodiscard]] bool mayBeReplaced() const { return replaceable; }
+    bool store(const PropertyDictionary& values);
+    /// Copies the file as it is to its name with ".saved-" and `label` behind it, or with a number behind
+    /// that where something else has this name. The path of the copy, empty where there is nothing to copy;
+    /// or an errno value.
+    [[nodiscard]] std::variant<std::string, int> copyAside(std::string_view label) const;
+    /// The path of the lock file beside it.
+    [[nodiscard]] std::string lockPath() const { return path + ".lock"; }
+    /// Makes the folder of the file.
+    bool makeFolder();
+
+  private:
+    bool moveAside() const;
+
+    const std::string path;
+    bool replaceable = true;
+};
+
+} // namespace tavrin

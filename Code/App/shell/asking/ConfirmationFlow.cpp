@@ -1,0 +1,279 @@
+#include "shell/asking/ConfirmationFlow.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "actions/SortBasedAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/history/TakeBack.h"
+#include "engine/pipeline/ProgressInfo.h"
+#include "engine/pipeline/RenameEngine.h"
+#include "shell/commands/ActionListCommands.h"
+#include "shell/commands/DropletCommands.h"
+#include "shell/preview/PreviewControl.h"
+#include "shell/start/StoreOwner.h"
+#include "store/sources/SourceItemManager.h"
+#include "support/application/DebugLog.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <mutex>
+
+namespace tavrin {
+
+ConfirmationFlow::ConfirmationFlow(ShellServices& shared, Units otherUnits, std::function<void()> terminate)
+    : services(shared), units(otherUnits), terminateNow(std::move(terminate)),
+      self(std::make_shared<ConfirmationFlow*>(this)) {}
+
+ConfirmationFlow::~ConfirmationFlow() { *self = nullptr; }
+
+// ---- starting a run
+
+void ConfirmationFlow::ok() {
+    units.preview.firePendingPreview();
+    executeRenameAndQuit(services.settings.shouldQuitAfterRename() != 0);
+}
+
+void ConfirmationFlow::executeRenameAndQuit(bool quit) {
+    units.commands.updateAll();
+    if (services.mode != OperationMode::dropletEdit) {
+        applyCurrentSettings(quit);
+        return;
+    }
+    if (const auto error = units.droplets.saveDropletSettings(dropletSettingsPath))
+        services.frontEnd.presentError("The droplet could not be saved. " + *error);
+    else
+        terminateNow();
+}
+
+void ConfirmationFlow::applyCurrentSettings(bool quit, std::function<void(bool)> then) {
+    if (services.sourceItems.isEmpty()) {
+        units.notices.showNoFilesSelectedDialog([then](int) { then(false); });
+        return;
+    }
+    if (!units.commands.validateActionList()) {
+        then(false);
+        return;
+    }
+    if (!services.settings.shouldProcessFiles() && !services.settings.shouldProcessFolders()) {
+        units.notices.showInconsistentSettingsDialog(
+            [this, then](int choice) { settingsAreInconsistent(choice, then); });
+        return;
+    }
+    startRun(quit);
+    then(true);
+}
+
+void ConfirmationFlow::settingsAreInconsistent(int choice, const std::function<void(bool)>& then) {
+    if (choice == NoticeAnswer::help) {
+        then(true);
+        return;
+    }
+    services.settings.setShouldProcessFiles(1);
+    services.settings.setShouldProcessFolders(1);
+    then(false);
+}
+
+void ConfirmationFlow::startRun(bool quit) {
+    if (quit)
+        services.engine.processRenamingPipelineThenQuit(services.progress);
+    else if (services.settings.shouldContinueAfterRename())
+        services.engine.processRenamingPipelineThenContinue(services.progress);
+    else
+        services.engine.processRenamingPipelineThenClearList(services.progress);
+}
+
+void ConfirmationFlow::createFileList() {
+    if (!units.commands.validateActionList())
+        return;
+    services.frontEnd.askForFileListFormat([this](FileListChoice choice) {
+        if (choice.choice == NoticeAnswer::help)
+            services.frontEnd.showHelp("helpTopic29");
+        if (choice.choice != NoticeAnswer::ok)
+            return;
+        services.frontEnd.askForSavePath("Save File List", [this, choice](std::optional<std::string> path) {
+            if (path)
+                services.engine.processFileListPipeline(services.progress, choice.format,
+                                                        choice.shouldIncludeOnlyAffectedFiles, *path);
+        });
+    });
+}
+
+// ---- the progress view
+
+void ConfirmationFlow::startProgressWindow() {
+    debugLog("--- startProgressWindow");
+    isReportDue = true;
+    setCurrentlyShowingProgressTab(true);
+    services.frontEnd.selectMainTab(MainTab::progress);
+}
+
+void ConfirmationFlow::stopProgressWindow() {
+    debugLog("--- stopProgressWindow");
+    setCurrentlyShowingProgressTab(false);
+    services.frontEnd.selectMainTab(MainTab::interface);
+    if (services.settings.shouldContinueAfterRename()) {
+        services.frontEnd.selectPreviewTab(PreviewTab::progressBar);
+        services.progress.forceUpdate();
+    } else {
+        services.frontEnd.selectPreviewTab(PreviewTab::status);
+    }
+}
+
+void ConfirmationFlow::interruptProgressWindow() {
+    debugLog("--- interruptProgressWindow");
+    setCurrentlyShowingProgressTab(false);
+    services.frontEnd.selectMainTab(MainTab::interface);
+}
+
+void ConfirmationFlow::setCurrentlyShowingProgressTab(bool isShowing) {
+    const bool before = std::exchange(isShowingProgress, isShowing);
+    services.frontEnd.runStateChanged(isShowing);
+    units.preview.observeValueForKeyPath("currentlyShowingProgressTab", nullptr, before, isShowing);
+}
+
+// ---- the end of a run
+
+struct ConfirmationFlow::RunResult {
+    std::vector<ProcessingError> errors;
+    std::int32_t planned = 0;
+    std::int32_t renamed = 0;
+    std::size_t notRenamed = 0;
+
+    [[nodiscard]] std::string summary() const {
+        return renamed == 0   ? "No file names were changed."
+               : renamed == 1 ? "1 file name was changed."
+                              : fmt::format("{} file names were changed.", renamed);
+    }
+};
+
+ConfirmationFlow::RunResult ConfirmationFlow::resultOfRun() {
+    StoreContext& context = units.store.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    const EngineControl& control = context.engineControl();
+    RunResult result{context.processingErrors(), control.numberOfFilesThatNeedRenaming,
+                     std::max(0, control.numberOfActuallyRenamedFiles), 0};
+    result.notRenamed = std::max(result.errors.size(),
+                                 static_cast<std::size_t>(std::max(0, control.numberOfItemsNotRenamed)));
+    return result;
+}
+
+void ConfirmationFlow::showCompletionDialog() { tellEnd(resultOfRun()); }
+
+void ConfirmationFlow::tellEndOfTakeBack(const TakeBackResult& result) {
+    tellEnd({result.errors, result.planned, result.changed,
+             std::max(result.errors.size(), static_cast<std::size_t>(result.failed))});
+}
+
+void ConfirmationFlow::tellEnd(const RunResult& result) {
+    isReportDue = false;
+    const bool wasCut = (isWindowClosed || tellInstead) && result.renamed < result.planned;
+    std::string details;
+    if (wasCut)
+        details = fmt::format("The rename was stopped: {} of {} items have got their new names.",
+                              result.renamed, result.planned);
+    if (const auto tell = std::exchange(tellInstead, nullptr)) {
+        tell(fmt::format("{}{}{}{}", result.summary(), wasCut ? " " : "", details,
+                         result.notRenamed > 0 ? fmt::format(" {}", notRenamedText(result.notRenamed)) : ""));
+        return;
+    }
+    if (services.mode == OperationMode::dropletRun && services.settings.shouldCreateSilentDroplets())
+        return;
+    if (!result.errors.empty()) {
+        const std::string done = wasCut ? result.summary() + " " + details : result.summary();
+        services.frontEnd.showProcessingErrors({result.errors, result.notRenamed, done}, reportIsOpen());
+    } else if (services.settings.shouldShowSummary() || isWindowClosed) {
+        if (result.notRenamed > 0)
+            details += (details.empty() ? "" : " ") + notRenamedText(result.notRenamed);
+        services.frontEnd.showAlert({.kind = AlertKind::summary,
+                                     .style = AlertStyle::informational,
+                                     .title = result.summary(),
+                                     .text = details,
+                                     .buttons = {"OK"}},
+                                    [closed = reportIsOpen()](AlertAnswer) { closed(); });
+    }
+    if (isWindowClosed)
+        terminateWhenReportIsClosed();
+}
+
+void ConfirmationFlow::showFileListSavingCompletionDialog(int format) {
+    isReportDue = false;
+    const char* const saved = "The file list was successfully saved.";
+    if (const auto tell = std::exchange(tellInstead, nullptr)) {
+        tell(saved);
+        return;
+    }
+    const bool isSortBased =
+        dynamic_cast<const SortBasedAction*>(&services.composite.getCurrentAction()) != nullptr;
+    if (format == 1 && !isSortBased && !isWindowClosed) {
+        units.notices.showSimpleTemplateInformation();
+        return;
+    }
+    services.frontEnd.showAlert({.kind = AlertKind::fileListSaved,
+                                 .style = AlertStyle::informational,
+                                 .title = saved,
+                                 .text = "",
+                                 .buttons = {"OK"}},
+                                [closed = reportIsOpen()](AlertAnswer) { closed(); });
+    if (isWindowClosed)
+        terminateWhenReportIsClosed();
+}
+
+void ConfirmationFlow::showFileListNotSaved(const std::string& path, const std::string& reason) {
+    isReportDue = false;
+    const std::string report =
+        fmt::format("The file list could not be saved. \"{}\" could not be written: {}", path, reason);
+    if (const auto tell = std::exchange(tellInstead, nullptr)) {
+        tell(report);
+        return;
+    }
+    isWindowClosed = false; // so that it can be saved elsewhere
+    services.frontEnd.presentError(report);
+}
+
+void ConfirmationFlow::closeWindow() {
+    if (!isReportDue) {
+        terminateWhenReportIsClosed();
+        return;
+    }
+    isWindowClosed = true;
+    stopNow();
+}
+
+bool ConfirmationFlow::stopRun(std::function<void(const std::string&)> tell) {
+    if (!isReportDue)
+        return false;
+    tellInstead = std::move(tell);
+    stopNow();
+    return true;
+}
+
+void ConfirmationFlow::stopNow() {
+    services.engine.requestStop();
+    services.frontEnd.withdrawQuestions();
+}
+
+std::function<void()> ConfirmationFlow::reportIsOpen() {
+    struct Closing {
+        std::shared_ptr<ConfirmationFlow*> flow;
+        void close() {
+            const auto owner = std::exchange(flow, nullptr);
+            if (!owner || !*owner)
+                return;
+            --(*owner)->openReports;
+            if ((*owner)->isTerminationDue)
+                (*owner)->terminateWhenReportIsClosed();
+        }
+        ~Closing() { close(); }
+    };
+    ++openReports;
+    const auto closing = std::shared_ptr<Closing>(new Closing{self});
+    return [closing] { closing->close(); };
+}
+
+void ConfirmationFlow::terminateWhenReportIsClosed() {
+    isTerminationDue = openReports > 0;
+    if (!isTerminationDue)
+        terminateNow();
+}
+
+} // namespace tavrin

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "engine/asking/UserPrompts.h"
+#include "shell/asking/NoticeDialogs.h"
+#include "shell/commands/ShellServices.h"
+#include "support/values/PropertyValue.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tavrin {
+
+struct TakeBackResult;
+
+class ActionListCommands;
+class DropletCommands;
+class PreviewControl;
+class StoreOwner;
+
+/// What stands between the click on the rename button and the end of the run: the checks before it, the
+/// questions during it, the report after it. Main thread.
+class ConfirmationFlow : public UserPrompts {
+  public:
+    struct Units {
+        StoreOwner& store;
+        ActionListCommands& commands;
+        PreviewControl& preview;
+        NoticeDialogs& notices;
+        DropletCommands& droplets;
+    };
+    /// `terminate` ends the application at once.
+    ConfirmationFlow(ShellServices& shared, Units otherUnits, std::function<void()> terminate);
+    ~ConfirmationFlow() override;
+
+    void setDropletSettingsPath(std::string path) { dropletSettingsPath = std::move(path); }
+
+    // --- Starting a run ---
+    void ok();
+    void applyAndQuit() { executeRenameAndQuit(true); }
+    void applyButDontQuit() { executeRenameAndQuit(false); }
+    void executeRenameAndQuit(bool quit);
+    /// Checks, asks where needed, and starts the run. `then` gets false when there is something to mend
+    /// first; true also when the user has chosen that nothing is to happen.
+    void applyCurrentSettings(
+        bool quit, std::function<void(bool)> then = [](bool) {});
+    void createFileList();
+
+    // --- The progress view ---
+    void startProgressWindow();
+    void stopProgressWindow();
+    void interruptProgressWindow();
+    [[nodiscard]] bool currentlyShowingProgressTab() const { return isShowingProgress; }
+
+    // --- Questions of a run ---
+    void confirmRename(const RenameQuestion& question, ConfirmationAnswerPointer answer) override;
+    void confirmSwap(const SwapQuestion& question, ConfirmationAnswerPointer answer) override;
+    void confirmNameCycle(const NameCycleQuestion& question, ConfirmationAnswerPointer answer) override;
+    void reportProblem(const ProblemReport& report, ConfirmationAnswerPointer answer) override;
+    void showITunesWarning(ConfirmationAnswerPointer answer) override;
+    void showIPhotoWarning(ConfirmationAnswerPointer answer) override;
+    void confirmWithoutRecord(const std::string& reason, ConfirmationAnswerPointer answer) override;
+    void showPipelineFailed(const std::string& title, const std::string& text,
+                            ConfirmationAnswerPointer answer) override;
+    /// What the sheets display: written per question, old keys stay until they are overwritten.
+    [[nodiscard]] const PropertyDictionary& confirmationDialogContext() const { return dialogContext; }
+    /// The user's answer to the last question, as a number of ConfirmationChoice.
+    [[nodiscard]] int confirmationDialogChoice() const { return dialogChoice; }
+
+    // --- The end of a run ---
+    void showCompletionDialog();
+    /// The same for an undo or a redo.
+    void tellEndOfTakeBack(const TakeBackResult& result);
+    void showFileListSavingCompletionDialog(int format);
+    void showFileListNotSaved(const std::string& path, const std::string& reason);
+    /// Ends the application, after the report of a run if one is open.
+    void terminateWhenReportIsClosed();
+    /// The user closes the window: a run that is under way stops after the item in hand and is reported,
+    /// whatever the settings say; the application ends when that is read.
+    void closeWindow();
+    /// For an end that can't wait for the user: stops a run in the same way; `tell` gets the report as one
+    /// line when it has ended. False, and nothing happens, where no run is under way.
+    bool stopRun(std::function<void(const std::string& report)> tell);
+
+  private:
+    using SharedAnswer = std::shared_ptr<ConfirmationAnswer>;
+
+    struct RunResult;
+    [[nodiscard]] RunResult resultOfRun();
+    void tellEnd(const RunResult& result);
+    void startRun(bool quit);
+    void stopNow();
+    void settingsAreInconsistent(int choice, const std::function<void(bool)>& then);
+    void setCurrentlyShowingProgressTab(bool isShowing);
+    void showSheet(ConfirmationSheet sheet, const std::optional<std::string>& previewPath,
+                   ConfirmationAnswerPointer answer);
+    void showLibraryWarning(bool shouldWarn, AlertKind kind, ConfirmationAnswerPointer answer);
+    void giveAnswer(const SharedAnswer& answer, ConfirmationChoice choice);
+    /// Something that tells, once, that a report is closed: when called or when dropped.
+    std::function<void()> reportIsOpen();
+
+    ShellServices& services;
+    Units units;
+    std::function<void()> terminateNow;
+    std::string dropletSettingsPath;
+    bool isShowingProgress = false;
+    bool isReportDue = false; ///< a run is under way, or has ended and is not reported yet
+    bool isWindowClosed = false;
+    std::function<void(const std::string&)> tellInstead; ///< takes the place of the report
+    PropertyDictionary dialogContext;
+    int dialogChoice = 0;
+    int openReports = 0;
+    bool isTerminationDue = false;
+    std::shared_ptr<ConfirmationFlow*> self; ///< emptied at the end, for handlers that outlive this
+};
+
+} // namespace tavrin

@@ -1,0 +1,232 @@
+#pragma once
+
+#include "engine/asking/UserPrompts.h"
+#include "store/contexts/ProcessingError.h"
+#include "support/values/PropertyValue.h"
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+class BaseRenameAction;
+
+/// What an alert is about, for front ends that answer some by a rule of their own.
+enum class AlertKind {
+    noActiveActions,
+    filesNotAdded,
+    itemsNotRemoved,
+    manualSorting,
+    iTunesWarning,
+    iPhotoWarning,
+    noRecord,
+    interruptedRun,
+    nothingToTakeBack,
+    summary,
+    fileListSaved,
+    pipelineFailed,
+    dropletLocked,
+    dropletNotCreated,
+    dropletIsSilent,
+    dropletUpgrade,
+    presetDeletion,
+    exifSortingOff,
+    tagNotPresent,
+    presetMigration,
+    dropletMigration,
+    updateAvailable,
+    noUpdate,
+    settingsSetAside,
+};
+
+enum class AlertStyle { warning, informational, critical };
+
+struct Alert {
+    AlertKind kind;
+    AlertStyle style = AlertStyle::warning;
+    std::string title;
+    std::string text;
+    std::vector<std::string> buttons; ///< the first is the default
+    bool hasSuppressionBox = false;
+    std::string helpAnchor = {}; ///< the page that a help button opens; empty: there is no such button
+};
+
+struct AlertAnswer {
+    std::size_t button = 0; ///< counted as in `buttons`
+    bool suppress = false;  ///< the box was ticked
+};
+
+/// Explaining dialogs with a check box "do not show again". Their wording is the front end's.
+enum class NoticeDialog {
+    noFilesSelected,
+    inconsistentSettings,
+    dropletInformation,
+    dropletEditMode,
+    simpleTemplateFileList,
+};
+
+struct NoticeAnswer {
+    static constexpr int ok = 1;
+    static constexpr int cancel = 2;
+    static constexpr int help = 3;
+    int choice = ok; ///< 4 and 5 are further buttons
+    bool doNotShowAgain = false;
+};
+
+/// The questions of a running rename.
+enum class ConfirmationSheet { rename, swap, nameCycle, problem };
+
+/// The answers that a question allows, the one that a front end proposes first; no front end offers another.
+/// After a failure there is nothing to leave out.
+[[nodiscard]] std::span<const ConfirmationChoice> allowedAnswers(ConfirmationSheet sheet);
+
+/// What to tell at the end of a run in which items kept their names against the plan.
+struct FailureReport {
+    std::vector<ProcessingError> errors; ///< those that have not been told during the run
+    std::size_t notRenamed = 0;          ///< all such items, told or not
+    std::string done;                    ///< what was done, in a sentence or two
+};
+[[nodiscard]] std::string notRenamedText(std::size_t count);
+
+struct FilesToAdd {
+    std::vector<std::string> paths; ///< absolute, in bytes
+    std::string folder;             ///< the one that the panel shows in the end
+};
+
+/// The answer of the save-list dialog.
+struct FileListChoice {
+    int choice = NoticeAnswer::ok; ///< ok, cancel or help
+    int format = 0;                ///< 0 to 2
+    bool shouldIncludeOnlyAffectedFiles = false;
+};
+
+/// What an undo or redo would do.
+struct TakeBackQuestion {
+    struct Row {
+        std::string folder;
+        std::u16string name;
+        std::u16string newName;
+    };
+    std::string title;
+    std::string verb;                      ///< its first word: "Undo", "Redo" or "Finish"
+    std::size_t count = 0;                 ///< of items that would get another name
+    std::vector<Row> rows;                 ///< the first of them
+    std::vector<ProcessingError> problems; ///< items that can't
+};
+
+/// What to ask the user for, in the words of a panel.
+struct LocatePanel {
+    std::string title;
+    std::string message;
+    std::string prompt; ///< of the button that accepts
+};
+
+/// What came from an address: its bytes, or why nothing did, as a part of a sentence.
+struct FetchedAddress {
+    std::optional<std::string> bytes;
+    std::string error = {};
+};
+
+enum class MainTab { interface = 0, progress = 1 };
+enum class PreviewTab { progressBar = 0, status = 1 };
+enum class PreviewColumn { path, currentName, newName, regex1, regex2, regex3, regex4, regex5, regex6 };
+
+/// All that the application needs of whatever stands in front of it: to show, and to ask. Texts are UTF-8,
+/// paths are bytes. Called on the main thread only; every call returns at once, no call waits in an event
+/// loop of its own.
+///
+/// A question is answered by calling its handler on the main thread, at once or later, at most once. A
+/// handler that is dropped uncalled stands for a window that was closed. No handler may be called when the
+/// controller is gone.
+class FrontEnd {
+  public:
+    virtual ~FrontEnd() = default;
+
+    // --- Asking ---
+    virtual void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) = 0;
+    virtual void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) = 0;
+    /// `context` holds what the sheet displays, under the keys of the question; `previewPath` is the file to
+    /// picture, if any.
+    virtual void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
+                                       const std::optional<std::string>& previewPath,
+                                       std::function<void(ConfirmationChoice)> answer) = 0;
+    virtual void showProcessingErrors(const FailureReport& report, std::function<void()> closed) = 0;
+    /// Closes the questions of a run that are open, as answered with "stop".
+    virtual void withdrawQuestions() {}
+    /// Called with nothing when the user cancels, as below.
+    virtual void askForFilesToAdd(const std::string& startFolder,
+                                  std::function<void(std::optional<FilesToAdd>)> answer) = 0;
+    virtual void askForFileListFormat(std::function<void(FileListChoice)> answer) = 0;
+    virtual void askForSavePath(const std::string& title,
+                                std::function<void(std::optional<std::string>)> answer) = 0;
+    /// The place of a droplet as the user has named it, with any extension or none. Asks whether a droplet
+    /// of that name is to be replaced. The default of this and the next ones is to cancel.
+    virtual void askForDropletPath(const std::string& /*title*/, const std::string& /*startFolder*/,
+                                   std::function<void(std::optional<std::string>)> answer) {
+        answer(std::nullopt);
+    }
+
+    /// Whether an undo or redo is to be done. The default is that it is not.
+    virtual void askToTakeBack(const TakeBackQuestion&, std::function<void(bool)> answer) { answer(false); }
+    /// For one or more droplets: their bundle folders, or the launchers that stand for them.
+    virtual void askForDroplets(const LocatePanel&,
+                                std::function<void(std::optional<std::vector<std::string>>)> answer) {
+        answer(std::nullopt);
+    }
+    virtual void askForFolder(const LocatePanel&, std::function<void(std::optional<std::string>)> answer) {
+        answer(std::nullopt);
+    }
+    /// Loads what lies at a web address, `limit` bytes at most. Nothing of it is kept or run.
+    virtual void fetchAddress(const std::string& /*address*/, std::size_t /*limit*/,
+                              std::function<void(FetchedAddress)> answer) {
+        answer({std::nullopt, "there is no way to the network"});
+    }
+
+    // --- Showing: a front end does what it has the means for ---
+    virtual void presentError(const std::string& message) = 0;
+    /// Tells something that the user should know, though nothing has failed by it.
+    virtual void presentNotice(const std::string& text) = 0;
+    /// The application has ended its work: leave the event loop.
+    virtual void terminate() = 0;
+    virtual void selectMainTab(MainTab) {}
+    virtual void selectPreviewTab(PreviewTab) {}
+    virtual void setColumnWidth(PreviewColumn, int /*minimum*/, int /*maximum*/, int /*width*/) {}
+    virtual void setColumnHidden(PreviewColumn, bool /*hidden*/) {}
+    virtual void sizeColumnsToFit() {}
+    /// The rows of the list, or which there are, may have changed; so may whether the rename button is on.
+    virtual void previewListChanged() {}
+    /// What the list shows is out of date: a preview is due, or has been asked for.
+    virtual void previewRequested() {}
+    /// A preview has ended: its result is in the list and in the status line.
+    virtual void previewFinished() {}
+    /// A run has begun or ended; commands are off during a run.
+    virtual void runStateChanged(bool /*isRunning*/) {}
+    virtual void fillActionMenus(const std::vector<std::u16string>& /*actions*/,
+                                 const std::vector<std::u16string>& /*categories*/) {}
+    virtual void fillPresetMenu(const std::vector<std::u16string>& /*titles*/) {}
+    /// The steps of the chain, or which is current, may have changed.
+    virtual void actionListChanged() {}
+    /// Brings the panel of an action up and gives it the input focus. The action lives as long as its step.
+    virtual void showActionPanel(BaseRenameAction&) {}
+    virtual void buildSplitView() {}
+    /// Where the list of steps ends, in points from the left; 0 hides it.
+    virtual void setDividerPosition(double) {}
+    virtual void allowFullScreen() {}
+    virtual void centreWindow() {}
+    virtual void showWindow() {}
+    virtual void hideWindow() {}
+    virtual void enterDropletEditMode() {}
+    virtual void showHelp(std::string_view /*anchor*/) {}
+    /// Shows a file in the file browser and opens it.
+    virtual void revealPath(const std::string&) {}
+    /// Shows a page of the web in the browser.
+    virtual void openAddress(const std::string& /*address*/) {}
+    virtual void beep() {}
+};
+
+} // namespace tavrin

@@ -1,0 +1,110 @@
+#include "shell/commands/ActionListCommands.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "actions/SortBasedAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "shell/asking/FrontEnd.h"
+
+namespace tavrin {
+
+namespace {
+
+const Alert noActiveActions{
+    .kind = AlertKind::noActiveActions,
+    .title = "There are no active renaming actions.",
+    .text =
+        "You appear to have un-ticked the 'Active' checkbox in the left column of all renaming actions in "
+        "the multi-step interface pane.\n\nThis checkbox allows you to temporarily disable renaming "
+        "steps, this is especially useful when you want to preview the effect of individual rename "
+        "actions in isolation.\n\nYou do, however, need to leave at least one of the checkboxes ticked, "
+        "because otherwise all file names will remain unchanged.",
+    .buttons = {"OK"}};
+
+} // namespace
+
+void ActionListCommands::activateView() {
+    BaseRenameAction& action = services.composite.getCurrentAction();
+    services.frontEnd.showActionPanel(action);
+    if (services.settings.automaticSorting())
+        return;
+    if (auto* sortBased = dynamic_cast<SortBasedAction*>(&action))
+        sortBased->activateManualSorting();
+}
+
+bool ActionListCommands::validateActionList() {
+    for (const auto& step : services.composite.getActionDictionaryList()) {
+        if (step->isActive())
+            return true;
+    }
+    services.frontEnd.showAlert(noActiveActions, [](AlertAnswer) {});
+    return false;
+}
+
+void ActionListCommands::updateAll() { services.composite.getCurrentAction().validateNow(); }
+
+void ActionListCommands::addAction() {
+    const BaseRenameAction& current = services.composite.getCurrentAction();
+    services.actionList.saveActionParametersToPreferences(current);
+    const std::int32_t place = services.composite.getCurrentActionIndexAsInt() + 1;
+    services.composite.insertActionAtIndex(services.actionList.newActionForName(current.actionName()), place);
+    services.composite.setCurrentActionIndex(place);
+}
+
+void ActionListCommands::removeAction() {
+    CompositeRenameAction& composite = services.composite;
+    if (composite.count() == 1)
+        return;
+    const std::int32_t index = composite.getCurrentActionIndexAsInt();
+    if (index == composite.count() - 1)
+        composite.setCurrentActionIndex(index - 1);
+    // Lives until the interface has moved on to another step.
+    const auto removed = composite.removeActionAtIndex(index);
+    composite.setCurrentActionIndex(index < 2 ? 0 : index - 1);
+}
+
+void ActionListCommands::clearActions() {
+    CompositeRenameAction& composite = services.composite;
+    const BaseRenameAction* kept = &composite.getCurrentAction();
+    composite.setCurrentActionIndex(0);
+    CompositeRenameAction::Steps removed;
+    for (std::int32_t index = composite.count() - 1; index >= 0; --index) {
+        if (&composite.actionAtIndex(index) != kept)
+            removed.push_back(composite.removeActionAtIndex(index));
+    }
+    composite.setCurrentActionIndex(0);
+}
+
+void ActionListCommands::nudgeActionUp() {
+    if (services.composite.getCurrentActionIndexAsInt() == 0)
+        services.frontEnd.beep();
+    else
+        services.composite.nudgeUp();
+}
+
+void ActionListCommands::nudgeActionDown() {
+    if (services.composite.getCurrentActionIndexAsInt() == services.composite.count() - 1)
+        services.frontEnd.beep();
+    else
+        services.composite.nudgeDown();
+}
+
+void ActionListCommands::moveAction(std::int32_t from, std::int32_t to) {
+    CompositeRenameAction& composite = services.composite;
+    const std::int32_t last = composite.count() - 1;
+    if (from < 0 || from > last || to < 0 || to > last || from == to)
+        return;
+    auto moved = composite.removeActionAtIndex(from);
+    composite.insertActionAtIndex(std::move(moved), to);
+    composite.setCurrentActionIndex(to);
+}
+
+void ActionListCommands::chooseAction(std::int32_t menuIndex) {
+    services.composite.setTransientActionIndex(menuIndex);
+}
+
+void ActionListCommands::resetToDefaults() {
+    BaseRenameAction& action = services.composite.getCurrentAction();
+    action.setParameterList(action.defaultParameters());
+}
+
+} // namespace tavrin

@@ -1,0 +1,183 @@
+#include "shell/commands/SourceCommands.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/pipeline/RenameEngine.h"
+#include "shell/asking/FrontEnd.h"
+#include "shell/preview/PreviewControl.h"
+#include "shell/start/StoreOwner.h"
+#include "store/paging/StoreError.h"
+#include "store/sources/SourceItemManager.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+
+namespace tavrin {
+
+namespace {
+
+std::string_view parentOf(std::string_view path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string_view::npos)
+        return {};
+    return slash == 0 ? path.substr(0, 1) : path.substr(0, slash);
+}
+
+/// Paths of one folder, as places in the list given.
+struct Group {
+    std::string folder;
+    std::vector<std::size_t> places;
+};
+
+/// By folder, in the order in which the folders come up.
+std::vector<Group> groupedByFolder(const std::vector<std::string>& paths) {
+    std::vector<Group> groups;
+    std::unordered_map<std::string_view, std::size_t> groupOf;
+    std::size_t last = 0;
+    for (std::size_t place = 0; place < paths.size(); ++place) {
+        const std::string_view folder = parentOf(paths[place]);
+        if (groups.empty() || groups[last].folder != folder) {
+            const auto [entry, isNew] = groupOf.try_emplace(folder, groups.size());
+            if (isNew)
+                groups.push_back({std::string(folder), {}});
+            last = entry->second;
+        }
+        groups[last].places.push_back(place);
+    }
+    return groups;
+}
+
+/// Paths that are added one by one, folder by folder.
+struct Adding {
+    explicit Adding(const std::vector<std::string>& given) : paths(given), groups(groupedByFolder(paths)) {}
+
+    /// False when none is left.
+    bool addNext(SourceItemManager& items) {
+        while (group < groups.size() && place == groups[group].places.size()) {
+            ++group;
+            place = 0;
+        }
+        if (group == groups.size())
+            return false;
+        const Group& current = groups[group];
+        if (place == 0)
+            isValid = items.checkPathValidity(current.folder);
+        if (!isValid || !items.addSourceItem(paths[current.places[place]]))
+            someWereRefused = true;
+        ++place;
+        ++count;
+        return true;
+    }
+
+    std::vector<std::string> paths;
+    std::vector<Group> groups;
+    std::size_t group = 0;
+    std::size_t place = 0;
+    std::size_t count = 0;
+    bool isValid = false;
+    bool someWereRefused = false;
+};
+
+constexpr std::size_t itemsPerDelay = 5000;
+
+const Alert someFilesNotAdded{
+    .kind = AlertKind::filesNotAdded,
+    .title = "Some files could not be added.",
+    .text = "You cannot add files that are located in folders that are already in the list. This would "
+            "compromise the \"Process subfolders and their contents\" feature.",
+    .buttons = {"OK"}};
+
+} // namespace
+
+std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>& paths) {
+    std::vector<std::size_t> refused;
+    for (const Group& group : groupedByFolder(paths)) {
+        const bool isValid = services.sourceItems.checkPathValidity(group.folder);
+        for (const std::size_t place : group.places) {
+            if (!isValid || !services.sourceItems.addSourceItem(paths[place]))
+                refused.push_back(place);
+        }
+    }
+    std::sort(refused.begin(), refused.end());
+    std::vector<std::string> result;
+    result.reserve(refused.size());
+    for (const std::size_t place : refused)
+        result.push_back(paths[place]);
+    return result;
+}
+
+bool SourceCommands::addFilePaths(const std::vector<std::string>& paths, bool interactive) {
+    preview.initiateDelayedPreviewUpdate();
+    work.begin([this, interactive, adding = std::make_shared<Adding>(paths)] {
+        if (adding->addNext(services.sourceItems)) {
+            // The preview waits for the last.
+            if (adding->count % itemsPerDelay == 0)
+                preview.initiateDelayedPreviewUpdate();
+            return true;
+        }
+        if (adding->someWereRefused && interactive)
+            services.frontEnd.showAlert(someFilesNotAdded, [](AlertAnswer) {});
+        preview.initiateDelayedPreviewUpdate();
+        return false;
+    });
+    return true;
+}
+
+void SourceCommands::showFileDialog() {
+    services.frontEnd.askForFilesToAdd(services.settings.lastAddDirectory(),
+                                       [this](const std::optional<FilesToAdd>& files) {
+                                           if (files) {
+                                               addFilePaths(files->paths, true);
+                                               services.settings.setLastAddDirectory(files->folder);
+                                           }
+                                           preview.initiateDelayedPreviewUpdate();
+                                       });
+}
+
+void SourceCommands::removeFile(const std::vector<RowId>& selection) {
+    preview.initiateDelayedPreviewUpdate();
+    work.begin([this, selection, next = std::size_t{0}]() mutable {
+        if (next < selection.size() && removeRow(selection[next])) {
+            if (++next % itemsPerDelay == 0)
+                preview.initiateDelayedPreviewUpdate();
+            return true;
+        }
+        preview.initiateDelayedPreviewUpdate();
+        return false;
+    });
+}
+
+/// False when the store fails: the preview that follows meets the same failure and moves it into memory.
+bool SourceCommands::removeRow(RowId id) {
+    try {
+        if (const std::optional<std::string> path = preview.nodeController().pathOf(id))
+            services.sourceItems.removeItem(*path);
+        return true;
+    } catch (const StoreError& error) {
+        services.frontEnd.presentError(error.what());
+        return false;
+    }
+}
+
+bool SourceCommands::canRemove(const std::vector<RowId>& selection) {
+    return preview.nodeController().isAnyRoot(selection);
+}
+
+void SourceCommands::clearList() {
+    work.drop();
+    services.frontEnd.selectPreviewTab(PreviewTab::status);
+    store.drop();
+    if (!services.engine.isBusy())
+        store.releaseRetired();
+    services.frontEnd.previewListChanged();
+    services.composite.getCurrentAction().validateNow();
+    preview.initiateDelayedPreviewUpdate();
+}
+
+void SourceCommands::reloadPreview() {
+    services.sourceItems.resetCache();
+    preview.initiateDelayedPreviewUpdate();
+}
+
+} // namespace tavrin

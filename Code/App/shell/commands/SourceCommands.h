@@ -1,0 +1,47 @@
+#pragma once
+
+#include "shell/commands/ShellServices.h"
+#include "shell/preview/SlicedWork.h"
+#include "store/rows/NodeRow.h"
+
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+class PreviewControl;
+class StoreOwner;
+
+/// The commands on the list of added paths. Paths are absolute and in bytes. Main thread.
+class SourceCommands {
+  public:
+    SourceCommands(ShellServices& shared, StoreOwner& storeOwner, PreviewControl& previewControl)
+        : services(shared), store(storeOwner), preview(previewControl), work(shared.runLoop) {}
+
+    /// Adds what can be added; those that were refused, in the order given. Asks for no preview.
+    std::vector<std::string> addPaths(const std::vector<std::string>& paths);
+    /// The way in for all additions of the user; always true. One alert speaks for all refusals. Of many
+    /// paths the last may be added later, between other events.
+    bool addFilePaths(const std::vector<std::string>& paths, bool interactive);
+    void showFileDialog();
+    /// Removes the selected rows of the preview list that are source items; of many, the last may go later.
+    void removeFile(const std::vector<RowId>& selection);
+    /// Whether removeFile would remove anything.
+    [[nodiscard]] bool canRemove(const std::vector<RowId>& selection);
+    /// Forgets all items, with the store that holds them.
+    void clearList();
+    /// Has everything read anew.
+    void reloadPreview();
+    /// Does at once what is left to add and to remove.
+    void finishWork() { work.finish(); }
+
+  private:
+    bool removeRow(RowId id);
+
+    ShellServices& services;
+    StoreOwner& store;
+    PreviewControl& preview;
+    SlicedWork work;
+};
+
+} // namespace tavrin

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "shell/commands/ShellServices.h"
+#include "store/rows/NodeRow.h"
+
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+class PreviewControl;
+class SourceCommands;
+class StoreOwner;
+
+/// What dragging in the preview list does: rows dragged within it get an order made by hand, rows dragged out
+/// of it leave it, files dropped on it are added. Rows are told by their ids: what is on show may be a part
+/// of the list. Main thread.
+class DNDArrayController {
+  public:
+    /// Where rows are put: in front of a row or right behind it; without a row, at the end.
+    struct Place {
+        RowId row = noRow;
+        bool isBehind = false;
+    };
+
+    struct Units {
+        StoreOwner& store;
+        PreviewControl& preview;
+        SourceCommands& sources;
+    };
+    DNDArrayController(ShellServices& shared, Units otherUnits) : services(shared), units(otherUnits) {}
+
+    /// A drag of rows begins; false when there is nothing to drag.
+    bool writeRows(std::vector<RowId> rows);
+    /// Whether a drop is taken: rows of this list only between rows, files anywhere (they go to the end).
+    [[nodiscard]] bool validateDrop(bool isFromThisList, bool isBetweenRows) const;
+    /// Files were dropped.
+    void acceptFiles(const std::vector<std::string>& paths);
+    /// The rows being dragged were dropped there.
+    void acceptRows(Place place);
+    /// Renumbers all rows, also those that are not on show, the moved ones at their new place in the order
+    /// that they had, and switches automatic sorting off. Does nothing when the row of the place is gone.
+    void insertRows(const std::vector<RowId>& moved, Place place);
+    /// A drag that began here has ended: rows that were dropped nowhere leave the list. Whether any did.
+    bool deleteRowsIfAppropriate();
+    /// The drag was given up: nothing happens at its end.
+    void cancelDrag();
+    /// Those that may be removed by themselves.
+    [[nodiscard]] std::vector<RowId> filterOutInappropriateRows(const std::vector<RowId>& rows);
+
+  private:
+    void logOrder(const char* title);
+
+    ShellServices& services;
+    Units units;
+    bool shouldDeleteRows = false;
+    std::vector<RowId> draggedRows;
+};
+
+} // namespace tavrin

@@ -1,0 +1,292 @@
+#include "shell/preview/PreviewControl.h"
+
+#include "actions/CompositeRenameAction.h"
+#include "actions/SortBasedAction.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/pipeline/ProgressInfo.h"
+#include "engine/pipeline/RenameEngine.h"
+#include "engine/renaming/RenameEngineUtilities.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "shell/asking/FrontEnd.h"
+#include "shell/commands/ActionListCommands.h"
+#include "shell/start/StoreOwner.h"
+#include "store/queries/FilterManager.h"
+#include "support/application/DebugLog.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::chrono::milliseconds previewDelay(300);
+
+/// What a change of a value asks for.
+enum class Reaction { preview, newOrder, showStep, automaticSorting, nothing };
+
+struct ReactionRow {
+    std::string_view keyPath;
+    Reaction reaction;
+};
+
+constexpr std::array reactions{
+    ReactionRow{"sortingMode", Reaction::newOrder},
+    ReactionRow{"sortingMode2", Reaction::newOrder},
+    ReactionRow{"sortEachFolderSeparately", Reaction::newOrder},
+    ReactionRow{"currentActionIndex", Reaction::showStep},
+    ReactionRow{"transientActionIndex", Reaction::showStep},
+    ReactionRow{"lastAddDirectory", Reaction::nothing},
+    ReactionRow{"automaticSorting", Reaction::automaticSorting},
+};
+
+Reaction reactionTo(std::string_view keyPath) {
+    const auto row = std::find_if(reactions.begin(), reactions.end(),
+                                  [&](const ReactionRow& each) { return each.keyPath == keyPath; });
+    return row == reactions.end() ? Reaction::preview : row->reaction;
+}
+
+const std::string manualSortingText =
+    "You have activated manual sorting. You can now re-arrange the order of the files and folders in the "
+    "preview list by using drag & drop.\n\nYou can switch back to automatic sorting by clicking on the "
+    "\"Auto\" button at the bottom right of the preview list.";
+const std::string manualSortingActionText =
+    "\n\nThe sorting mode for the current action will automatically be set to use the manual ordering.";
+
+constexpr std::array regexColumns{PreviewColumn::regex1, PreviewColumn::regex2, PreviewColumn::regex3,
+                                  PreviewColumn::regex4, PreviewColumn::regex5, PreviewColumn::regex6};
+
+/// The one action that reports what its pattern captured.
+constexpr std::string_view capturingAction = "Reg Ex Substitution";
+
+} // namespace
+
+PreviewControl::PreviewControl(ShellServices& shared, StoreOwner& storeOwner,
+                               ActionListCommands& listCommands)
+    : services(shared), store(storeOwner), commands(listCommands), list(storeOwner) {}
+
+// ---- the delay
+
+void PreviewControl::initiateDelayedPreviewUpdate() {
+    if (!followsChanges)
+        return;
+    previewTimer = services.runLoop.startTimer(previewDelay, false, [this] { delayedPreviewUpdate(); });
+    services.frontEnd.previewRequested();
+}
+
+void PreviewControl::firePendingPreview() {
+    if (isPreviewPending())
+        previewTimer->fire();
+}
+
+void PreviewControl::delayedPreviewUpdate() {
+    // The timer is the caller: it goes when it has run to its end, or when the next one takes its place.
+    if (!services.engine.isBusy())
+        store.releaseRetired();
+    updatePreview();
+}
+
+void PreviewControl::updatePreview() {
+    commands.updateAll();
+    showPreview();
+}
+
+void PreviewControl::showPreview() {
+    services.frontEnd.previewRequested();
+    services.engine.processPreviewPipeline(services.progress);
+    showOrHideColumns();
+    debugLog("--- previewTable sizetofit");
+    services.frontEnd.sizeColumnsToFit();
+}
+
+void PreviewControl::showOrHideColumns() {
+    FrontEnd& frontEnd = services.frontEnd;
+    frontEnd.setColumnHidden(PreviewColumn::path, services.settings.shouldShowPath() == 0);
+    frontEnd.setColumnHidden(PreviewColumn::currentName, services.settings.shouldShowCurrentName() == 0);
+    const bool captures = services.composite.getCurrentAction().actionName() == capturingAction;
+    for (const PreviewColumn column : regexColumns)
+        frontEnd.setColumnHidden(column, !captures);
+}
+
+// ---- the list
+
+void PreviewControl::refreshPreview() {
+    debugLog("automatic sorting: {:d}", services.settings.automaticSorting());
+    debugLog("--------------------------------------------------------");
+    services.frontEnd.selectPreviewTab(PreviewTab::status);
+    list.setFetchPredicate(FilterManager::currentFilterPredicate(services.settings.itemFilter()));
+    const BaseRenameAction& current = services.composite.getCurrentAction();
+    forgetPreviewedActionIfGone();
+    setSortOrder(current);
+    const bool isSortBased = dynamic_cast<const SortBasedAction*>(&current) != nullptr;
+    lastActionThatWasPreviewed = PreviewedAction{&current, isSortBased};
+    lastCurrentStep = &current;
+    list.fetch();
+    services.frontEnd.previewListChanged();
+}
+
+void PreviewControl::setSortOrder(const BaseRenameAction& current) {
+    const std::optional<PreviewedAction>& last = lastActionThatWasPreviewed;
+    if (!services.settings.automaticSorting()) {
+        list.setSortDescriptors({{NodeKey::manualOrder, true}});
+    } else if (last && last->identity == &current) {
+        return;
+    } else if (const auto* sortBased = dynamic_cast<const SortBasedAction*>(&current)) {
+        std::vector<SortDescriptor> order;
+        for (const std::int32_t sortMode : {sortBased->getSortingMode(), sortBased->getSortingMode2()}) {
+            if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(sortMode))
+                order.push_back(*descriptor);
+        }
+        list.setSortDescriptors(std::move(order));
+    } else if (!last || last->isSortBased) {
+        list.setSortDescriptors({{NodeKey::smartName, true}});
+    }
+}
+
+void PreviewControl::sortByCurrentName() {
+    constexpr std::int32_t ascending = 10;
+    constexpr std::int32_t descending = 11;
+    if (auto* sortBased = dynamic_cast<SortBasedAction*>(&services.composite.getCurrentAction())) {
+        const bool isAscending = sortBased->getSortingMode() == ascending;
+        sortBased->setValue(isAscending ? descending : ascending, "sortingMode");
+        return;
+    }
+    if (!services.settings.automaticSorting())
+        return;
+    const bool isAscending =
+        list.sortDescriptors() == std::vector<SortDescriptor>{{NodeKey::smartName, true}};
+    list.setSortDescriptors({{NodeKey::smartName, !isAscending}});
+    list.fetch();
+    services.frontEnd.previewListChanged();
+}
+
+void PreviewControl::forgetPreviewedActionIfGone() {
+    if (!lastActionThatWasPreviewed)
+        return;
+    const auto& steps = services.composite.getActionDictionaryList();
+    const bool isThere = std::any_of(steps.begin(), steps.end(), [this](const auto& step) {
+        return step.get() == lastActionThatWasPreviewed->identity;
+    });
+    if (!isThere)
+        lastActionThatWasPreviewed->identity = nullptr;
+}
+
+// ---- the status line
+
+void PreviewControl::showStats() {
+    try {
+        const std::string failures = failureText();
+        services.progress.updateStageText(statusText() + (failures.empty() ? "" : " " + failures));
+        // Of a droplet no status line is seen.
+        if (!failures.empty() && services.mode == OperationMode::dropletRun &&
+            services.settings.shouldCreateSilentDroplets() == 0)
+            services.frontEnd.presentError(failures);
+    } catch (const std::exception& failure) {
+        debugLog("no counts to show: {}", failure.what());
+    }
+    services.frontEnd.previewFinished();
+    if (const auto action = std::exchange(whenFinished, nullptr))
+        action();
+}
+
+std::string PreviewControl::statusText() {
+    StoreContext& context = store.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    if (context.sourceItemCount() == 0)
+        return services.mode == OperationMode::dropletEdit
+                   ? "Drag file you want to preview into the preview table above."
+                   : "Please add files to be renamed to preview table above.";
+    const EngineControl& control = context.engineControl();
+    if (control.totalNumberOfFiles == 0)
+        return "No files selected.";
+    return fmt::format("{} out of {} items need{} renaming.", control.numberOfFilesThatNeedRenaming,
+                       control.totalNumberOfFiles, control.numberOfFilesThatNeedRenaming == 1 ? "s" : "");
+}
+
+std::string PreviewControl::failureText() {
+    StoreContext& context = store.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    const std::vector<ProcessingError> errors = context.processingErrors();
+    if (errors.empty())
+        return {};
+    const ProcessingError& first = errors.front();
+    return fmt::format("{}: {}{}{}{}", first.title, first.message, first.path.empty() ? "" : ": ", first.path,
+                       errors.size() == 1 ? "" : fmt::format(" (and {} more)", errors.size() - 1));
+}
+
+// ---- the funnel
+
+void PreviewControl::observeValueForKeyPath(const std::string& keyPath, const BaseAction* object,
+                                            const std::optional<PropertyValue>& oldValue,
+                                            const std::optional<PropertyValue>& newValue) {
+    services.actionList.setAutomaticSorting(services.settings.automaticSorting());
+    forgetPreviewedActionIfGone();
+    if (object == &services.composite && keyPath == "fragmentSelection") {
+        compositeFragmentChanged();
+        return;
+    }
+    switch (reactionTo(keyPath)) {
+    case Reaction::preview:
+        if (object == &services.composite)
+            services.frontEnd.actionListChanged();
+        initiateDelayedPreviewUpdate();
+        break;
+    case Reaction::newOrder:
+        lastActionThatWasPreviewed.reset();
+        initiateDelayedPreviewUpdate();
+        break;
+    case Reaction::showStep:
+        services.frontEnd.actionListChanged();
+        commands.switchAction();
+        break;
+    case Reaction::automaticSorting:
+        automaticSortingChanged(oldValue && boolValue(*oldValue), newValue && boolValue(*newValue));
+        break;
+    case Reaction::nothing:
+        break;
+    }
+}
+
+/// The composite answers for its current step, so the value also counts as changed when the user merely
+/// moves to another step, and that asks for no preview.
+void PreviewControl::compositeFragmentChanged() {
+    const BaseRenameAction* current = &services.composite.getCurrentAction();
+    if (current == lastCurrentStep)
+        initiateDelayedPreviewUpdate();
+    lastCurrentStep = current;
+}
+
+void PreviewControl::automaticSortingChanged(bool before, bool now) {
+    auto* sortBased = dynamic_cast<SortBasedAction*>(&services.composite.getCurrentAction());
+    if (before && !now) {
+        askAboutManualSorting(sortBased != nullptr);
+        if (sortBased)
+            sortBased->activateManualSorting();
+    } else if (!before && now && sortBased) {
+        sortBased->deactivateManualSortingIfNecessary();
+    }
+    lastActionThatWasPreviewed.reset();
+    initiateDelayedPreviewUpdate();
+}
+
+void PreviewControl::askAboutManualSorting(bool isSortBased) {
+    const std::string key = isSortBased ? "showManualSortingSortBasedActionAlert" : "showManualSortingAlert";
+    if (!services.defaults.boolForKey(key))
+        return;
+    const Alert alert{.kind = AlertKind::manualSorting,
+                      .style = AlertStyle::informational,
+                      .title = "Manual sorting activated.",
+                      .text = manualSortingText + (isSortBased ? manualSortingActionText : ""),
+                      .buttons = {"OK"},
+                      .hasSuppressionBox = true};
+    services.frontEnd.showAlert(alert, [&defaults = services.defaults, key](AlertAnswer answer) {
+        if (answer.suppress)
+            defaults.setObject(key, false);
+    });
+}
+
+} // namespace tavrin

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/processes/RunLoop.h"
+#include "shell/commands/ShellServices.h"
+#include "shell/preview/PreviewList.h"
+#include "support/values/PropertyValue.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+class ActionListCommands;
+class BaseAction;
+class BaseRenameAction;
+class StoreOwner;
+
+/// The machine behind the preview: every change leads, after a short delay, to one request; at the end of the
+/// run the list is refetched in its order and the status line is written. Main thread.
+class PreviewControl {
+  public:
+    PreviewControl(ShellServices& shared, StoreOwner& store, ActionListCommands& commands);
+
+    /// A preview 0.3 seconds after the last of a series of calls.
+    void initiateDelayedPreviewUpdate();
+    /// Starts a preview that is waiting for its moment at once.
+    void firePendingPreview();
+    [[nodiscard]] bool isPreviewPending() const { return previewTimer && previewTimer->isPending(); }
+    /// Off: changes ask for no preview, whoever runs the application asks by showPreview.
+    void setFollowsChanges(bool follows) { followsChanges = follows; }
+    /// Runs the action at the end of the next preview.
+    void afterNextPreview(std::function<void()> action) { whenFinished = std::move(action); }
+
+    void updatePreview();
+    /// Asks the engine for a preview and sets the columns.
+    void showPreview();
+    /// Refetches the list.
+    void refreshPreview();
+    /// Writes the status line.
+    void showStats();
+    /// Puts the list into the natural order of the current names, or the reverse of it where it is in that
+    /// order. An action that works in an order takes it as its own; else it holds until another action is
+    /// current. A list in manual order keeps that.
+    void sortByCurrentName();
+
+    /// What the change of an observed value leads to. `object` is null for what is no parameter of an action.
+    void observeValueForKeyPath(const std::string& keyPath, const BaseAction* object,
+                                const std::optional<PropertyValue>& oldValue,
+                                const std::optional<PropertyValue>& newValue);
+
+    [[nodiscard]] PreviewList& nodeController() { return list; }
+    [[nodiscard]] bool isPreviewEmpty() { return list.isEmpty(); }
+
+  private:
+    /// The action of the last refetch. It may be gone, then no action is the same.
+    struct PreviewedAction {
+        const BaseRenameAction* identity;
+        bool isSortBased;
+    };
+
+    void delayedPreviewUpdate();
+    void automaticSortingChanged(bool before, bool now);
+    void askAboutManualSorting(bool isSortBased);
+    void compositeFragmentChanged();
+    void forgetPreviewedActionIfGone();
+    void setSortOrder(const BaseRenameAction& current);
+    [[nodiscard]] std::string statusText();
+    /// What the preview could not do, with its first reason; empty where all went well.
+    [[nodiscard]] std::string failureText();
+    void showOrHideColumns();
+
+    ShellServices& services;
+    StoreOwner& store;
+    ActionListCommands& commands;
+    PreviewList list;
+    std::function<void()> whenFinished;
+    bool followsChanges = true;
+    std::unique_ptr<Timer> previewTimer;
+    std::optional<PreviewedAction> lastActionThatWasPreviewed;
+    const BaseRenameAction* lastCurrentStep = nullptr; ///< compared only, never followed
+};
+
+} // namespace tavrin

@@ -1,0 +1,151 @@
+#pragma once
+
+#include "store/contexts/EngineControl.h"
+#include "store/contexts/ProcessingError.h"
+#include "store/queries/Predicate.h"
+#include "store/rows/NodeRow.h"
+#include "store/sources/SourceItem.h"
+#include "support/values/PropertyValue.h"
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+class ItemStore;
+struct StoreChanges;
+
+/// The store could not be read or a stored thing is broken: the one failure that ends a pipeline's attempt.
+class StoreError;
+
+/// A view of the store with changes of its own. Reads see what the store holds, overlaid by the changes that
+/// are staged here; `commit` makes these visible to all at once, `reset` drops them. A context belongs to one
+/// thread. The main context is the exception: whoever uses it holds its `mutex()` meanwhile.
+/// References into rows and views of texts are valid until the next call that reads another row, inserts,
+/// commits, refaults or resets. Row operations throw StoreError when the store cannot be read; a row that
+/// does not exist (any more) reads as an empty one, and writing to it changes nothing.
+class StoreContext {
+  public:
+    /// What wins when a row was changed both here and in the store meanwhile.
+    enum class MergePolicy { storeWins, contextWins };
+
+    StoreContext(ItemStore& store, MergePolicy policy);
+    ~StoreContext();
+    StoreContext(const StoreContext&) = delete;
+    StoreContext& operator=(const StoreContext&) = delete;
+
+    [[nodiscard]] ItemStore& store() const;
+    [[nodiscard]] std::recursive_mutex& mutex() const;
+
+    // --- Fetching ---
+    /// The matching rows, at most `limit`. A fetch with a limit is a cursor: asked again with the same
+    /// conditions it goes on where it stopped, and wraps round once before it yields nothing; so it is meant
+    /// for passes that mark what they have handled.
+    std::vector<RowId> fetch(const FetchRequest& request);
+    std::size_t count(FetchEntity entity, const Predicate& predicate);
+    /// For rows that were fetched in a sort order and will be read by ascending id all the same: nothing is
+    /// gathered ahead along the order.
+    void readByIdNow();
+    /// The row with this absolute path, folders and ghosts first; staged inserts included.
+    RowId nodeWithPath(std::string_view path);
+    /// The `File` row with this absolute path.
+    RowId fileWithPath(std::string_view path);
+    /// The rows whose `parent` is this one, in reading order.
+    std::vector<RowId> children(RowId folder);
+    std::size_t childCount(RowId folder);
+
+    // --- Rows ---
+    [[nodiscard]] bool exists(RowId id);
+    const NodeRow& row(RowId id);
+    /// The attribute of that name, from what is always in memory.
+    [[nodiscard]] bool treatAsFolder(RowId id);
+    /// The row for writing fixed attributes (not the texts, markers, parent or siblings).
+    NodeRow& change(RowId id);
+    /// The last path component as the file system gives it.
+    std::string_view component(RowId id);
+    /// The attribute `name`: the component as text with every ":" a "/".
+    void name(RowId id, std::u16string& into);
+    std::u16string name(RowId id);
+    /// The attribute `name` in the bytes of the file system.
+    void nameBytes(RowId id, std::string& into);
+    void finalName(RowId id, std::u16string& into);
+    std::u16string finalName(RowId id);
+    void setFinalName(RowId id, std::u16string_view text);
+    /// Makes finalName equal name, at no cost.
+    void setFinalNameToName(RowId id);
+    /// Absolute path in bytes.
+    std::string fullPath(RowId id);
+    void fullPath(RowId id, std::string& into);
+    /// The path of the containing folder.
+    std::string parentPath(RowId id);
+    PassMarker stageFlag(RowId id);
+    void setStageFlag(RowId id, PassMarker marker);
+    PassMarker secondaryStageFlag(RowId id);
+    void setSecondaryStageFlag(RowId id, PassMarker marker);
+    using RegexColumns = std::array<std::u16string, 6>;
+    [[nodiscard]] std::optional<RegexColumns> regexColumns(RowId id);
+    void setRegexColumns(RowId id, const RegexColumns& columns);
+    [[nodiscard]] std::optional<PropertyData> tagData(RowId id);
+    void setTagData(RowId id, PropertyData data);
+
+    /// Any attribute by key, for bindings, dumps and tests; absent where the row has none. Rows come as
+    /// integers.
+    std::optional<PropertyValue> valueForKey(RowId id, NodeKey key);
+
+    /// A new `File` row with the given parent; `finalName` is its name.
+    RowId insertFile(RowId parent, std::string_view component, bool root, bool treatAsFolder,
+                     std::int32_t manualOrder, const SeenItem& seen = {});
+    /// A new `GhostNode` for the folder at `path`.
+    RowId insertGhostNode(std::string_view path, const FileIdentity& identity = {});
+    /// Deletes the row and, by cascade, all below it.
+    void deleteRow(RowId id);
+    /// Deletes up to `limit` rows of any kind, from the front; the count deleted.
+    std::size_t deleteNodes(std::size_t limit);
+
+    // --- The small entities ---
+    /// The one row of counters, for writing; only what differs from what was read is committed.
+    EngineControl& changeEngineControl();
+    const EngineControl& engineControl();
+    /// In the order added.
+    std::vector<SourceItem> sourceItems();
+    std::size_t sourceItemCount();
+    std::optional<SourceItem> sourceItemWithPath(std::string_view path);
+    /// How many lie below the folder, that is, begin with its path and a "/".
+    std::size_t sourceItemCountBelow(std::string_view folder);
+    void insertSourceItem(std::string path, bool treatAsFolder);
+    void deleteSourceItem(std::string_view path);
+    void setSourceItemRead(std::string_view path, bool readInRoot, bool readInSubfolders);
+    void insertProcessingError(ProcessingError error);
+    std::vector<ProcessingError> processingErrors();
+    std::size_t deleteProcessingErrors(std::size_t limit);
+
+    // --- Changes ---
+    [[nodiscard]] bool hasChanges() const;
+    /// Whether what is staged is so much, or spread over so many rows, that committing it now saves memory.
+    [[nodiscard]] bool hasWideChanges() const;
+    /// Makes all staged changes part of the store. Throws StoreError when what they change cannot be read;
+    /// everything is still staged then.
+    void commit();
+    /// Commits what needs no reading: counters, source items, failures. What is staged in rows is dropped.
+    void commitWithoutRows();
+    /// Drops the values of all unchanged rows; they are read anew when asked for.
+    void refault();
+    /// Drops staged changes and values. Cursors go on, since batches of a pass are cut by resets.
+    void reset();
+    /// Takes over what another context has committed. Called under `mutex()`, on the committing thread.
+    void merge(const StoreChanges& changes);
+    /// Goes up whenever inserts, deletions or changed sort or filter columns void ordered lists.
+    [[nodiscard]] std::uint64_t listVersion() const;
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace tavrin

@@ -1,0 +1,126 @@
+#pragma once
+
+#include "store/contexts/StagedChanges.h"
+#include "store/contexts/StoreContext.h"
+#include "store/paging/ItemStoreImpl.h"
+#include "store/paging/RowImages.h"
+#include "store/queries/RowMatcher.h"
+#include "store/rows/RowBlock.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace tavrin {
+
+/// The inside of a context: blocks of rows read so far, changes staged in them, cursors and sorted lists.
+struct StoreContext::Impl {
+    Impl(ItemStore& newStore, MergePolicy newPolicy)
+        : itemStore(newStore), store(newStore.implementation()), policy(newPolicy) {}
+
+    // --- Blocks ---
+    RowBlock& blockOf(RowId id);
+    RowBlock& blockWithNames(RowId id);
+    RowBlock& blockWithFinals(RowId id);
+    /// The copy of a row that is in no block, gathered along the sorted list being walked; null when the row
+    /// is better read with its neighbours.
+    RowImages::Image* image(RowId id);
+    void forgetStaleImages();
+    PassMarker storedStageFlag(RowId id);
+    /// Absent while the final name is the name.
+    std::optional<TextRegion::Text> finalText(RowId id);
+    /// The block if it is here already.
+    RowBlock* presentBlock(RowId id);
+    void note(RowBlock& block, RowId id, RowBlock::Change change);
+    RowId insert(const NodeRow& row, std::string_view component);
+    void dropCleanBlocks();
+    void dropAllBlocks();
+    /// Makes deleted rows read as empty ones; the blocks stay, since a list is emptied row by row.
+    void forgetDeletedRows(const StoreChanges& changes);
+    /// Reads the rows of a block anew in which nothing is staged.
+    void refreshUnchangedRows(RowBlock& block);
+
+    // --- Reading through the staged changes ---
+    std::uint8_t summary(RowId id);
+    [[nodiscard]] bool hasStagedRows() const { return !staged.blocks.empty() || !staged.marks.empty(); }
+    [[nodiscard]] SourceItemTable sourceItemsWithStaged() const;
+    /// The path of a row that can have children; empty when it is gone.
+    const std::string& folderPath(RowId folder);
+
+    // --- Fetching ---
+    bool matches(const RowMatcher& matcher, RowId id);
+    bool passesOtherTests(const std::vector<Predicate::Test>& tests, RowId id);
+    std::vector<RowId> scan(const RowMatcher& matcher, RowId from, RowId to, std::size_t limit, RowId& next);
+    std::vector<RowId> fetchByCursor(const FetchRequest& request, const RowMatcher& matcher);
+    std::vector<RowId> fetchSorted(const FetchRequest& request, const RowMatcher& matcher);
+    std::vector<RowId> fetchChildren(const FetchRequest& request, const RowMatcher& matcher);
+    template <typename Visit> void forEachRow(const std::vector<RowId>& rows, Visit visit);
+    std::vector<RowId> sortRows(const std::vector<RowId>& rows, const std::vector<SortDescriptor>& order);
+
+    ItemStore& itemStore;
+    ItemStore::Impl& store;
+    const MergePolicy policy;
+    std::recursive_mutex mutex;
+    StoreContext* self = nullptr; // for what is derived through the public operations
+
+    StagedChanges staged;
+    std::unordered_set<std::uint32_t> stagedSegments; // those of the staged blocks
+    EngineControl controlForReading;
+
+    std::unordered_map<std::uint32_t, std::unique_ptr<RowBlock>> blocks;
+    std::vector<std::unique_ptr<RowBlock>> spareBlocks;
+    RowBlock* lastBlock = nullptr;
+    std::uint64_t clock = 0;
+    RowId nextReserved = noRow; // ids for inserts: from here to the end of the block
+    RowId endReserved = noRow;
+
+    std::unordered_map<std::string, RowId> stagedFolders; // by path
+    RowId lastFolder = noRow;
+    std::string lastFolderPath;
+    std::string scratch;
+    RowId firstDeletable = noRow; // where the next bulk deletion goes on
+
+    struct Cursor {
+        FetchEntity entity;
+        Predicate predicate;
+        RowId next;
+    };
+    std::vector<Cursor> cursors;
+
+    struct SortedList {
+        FetchEntity entity;
+        Predicate predicate; // without markers
+        std::vector<SortDescriptor> order;
+        std::vector<RowId> rows;
+        std::size_t next = 0;
+        std::uint64_t versions = 0;
+        bool isInIdOrder = true;
+    };
+    std::vector<std::unique_ptr<SortedList>> sortedLists;
+    SortedList& sortedList(const FetchRequest& request, const RowMatcher& matcher);
+    std::uint64_t versionsOf(const Predicate& predicate, const std::vector<SortDescriptor>& order);
+
+    struct NameIndex {
+        std::vector<std::pair<std::uint64_t, RowId>> rows; // by hash of the component
+    };
+    std::unordered_map<RowId, NameIndex> nameIndexes; // by folder, for looking files up by path
+    std::uint64_t nameIndexVersion = 0;
+    RowId childNamed(RowId folder, std::string_view component);
+
+    RowImages images;
+    std::uint64_t imagesRowVersion = 0;
+    std::uint64_t imagesDeletionVersion = 0;
+    SortedList* walked = nullptr; // the list out of id order that rows were last fetched from
+    std::size_t walkPosition = 0;
+
+  private:
+    bool gatherImages(RowId id);
+    RowBlock& loadBlock(std::uint32_t number);
+    void makeRoomForBlock();
+};
+
+} // namespace tavrin

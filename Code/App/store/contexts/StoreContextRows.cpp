@@ -1,0 +1,441 @@
+#include "store/contexts/StoreContext.h"
+#include "store/contexts/StoreContextImpl.h"
+#include "store/queries/SortKeys.h"
+#include "store/rows/RowSummary.h"
+#include "support/text/KQStringUtilities.h"
+#include "support/text/Text.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+// The rows of a context: attributes, texts, inserts, deletions.
+
+namespace tavrin {
+
+namespace {
+
+std::string_view lastComponent(std::string_view path) {
+    const std::size_t slash = path.find_last_of('/');
+    const std::string_view last = slash == std::string_view::npos ? path : path.substr(slash + 1);
+    return last.empty() ? std::string_view("/") : last;
+}
+
+std::string joined(std::string_view folder, std::string_view component) {
+    std::string path(folder);
+    if (path.empty() || path.back() != '/')
+        path += '/';
+    if (component != "/")
+        path += component;
+    return path;
+}
+
+std::u16string unitsOf(std::string_view bytes) {
+    std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
+    std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(units.data()));
+    return units;
+}
+
+std::string_view bytesOf(std::u16string_view units) {
+    return {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t)};
+}
+
+/// Whether the text, as bytes, is the name that the component shows.
+bool isShownAs(std::string_view text, std::string_view component) {
+    return text.size() == component.size() &&
+           std::equal(text.begin(), text.end(), component.begin(),
+                      [](char shown, char stored) { return shown == (stored == ':' ? '/' : stored); });
+}
+
+} // namespace
+
+bool StoreContext::exists(RowId id) { return id != noRow && impl->summary(id) != rowSummary::none; }
+
+const NodeRow& StoreContext::row(RowId id) {
+    if (const RowBlock* block = impl->presentBlock(id))
+        return block->rows[RowBlock::index(id)];
+    if (const RowImages::Image* image = impl->image(id))
+        return image->row;
+    return impl->blockOf(id).rows[RowBlock::index(id)];
+}
+
+bool StoreContext::treatAsFolder(RowId id) { return (impl->summary(id) & rowSummary::treatAsFolder) != 0; }
+
+NodeRow& StoreContext::change(RowId id) {
+    RowBlock& block = impl->blockOf(id);
+    const std::size_t index = RowBlock::index(id);
+    NodeRow& row = block.rows[index];
+    if ((block.changes[index] & (RowBlock::attributes | RowBlock::inserted)) == 0)
+        block.originals.emplace_back(static_cast<std::uint8_t>(index), row);
+    impl->note(block, id, RowBlock::attributes);
+    return row;
+}
+
+std::string_view StoreContext::component(RowId id) {
+    if (impl->presentBlock(id) == nullptr) {
+        if (const RowImages::Image* image = impl->image(id))
+            return impl->images.component(*image);
+    }
+    return impl->blockWithNames(id).names.get(RowBlock::index(id)).bytes;
+}
+
+void StoreContext::name(RowId id, std::u16string& into) {
+    text::fromBytes(component(id), into);
+    text::replaceUnit(into, u':', u'/');
+}
+
+std::u16string StoreContext::name(RowId id) {
+    std::u16string result;
+    name(id, result);
+    return result;
+}
+
+void StoreContext::nameBytes(RowId id, std::string& into) {
+    into = component(id);
+    std::replace(into.begin(), into.end(), ':', '/');
+}
+
+void StoreContext::finalName(RowId id, std::u16string& into) {
+    const auto present = impl->finalText(id);
+    if (!present)
+        return name(id, into);
+    const TextRegion::Text text = *present;
+    if (text.isWide)
+        into = unitsOf(text.bytes);
+    else
+        text::fromBytes(text.bytes, into);
+}
+
+std::u16string StoreContext::finalName(RowId id) {
+    std::u16string result;
+    finalName(id, result);
+    return result;
+}
+
+void StoreContext::setFinalName(RowId id, std::u16string_view text) {
+    impl->blockWithNames(id);
+    RowBlock& block = impl->blockWithFinals(id);
+    const std::size_t index = RowBlock::index(id);
+    std::string& bytes = impl->scratch;
+    if (!text::toBytes(text, bytes)) {
+        block.finals.set(index, {bytesOf(text), true});
+    } else if (isShownAs(bytes, block.names.get(index).bytes)) {
+        return setFinalNameToName(id);
+    } else {
+        const TextRegion::Text present = block.finals.get(index);
+        if (block.finals.has(index) && !present.isWide && present.bytes == bytes)
+            return;
+        block.finals.set(index, {bytes, false});
+    }
+    impl->note(block, id, RowBlock::finalName);
+}
+
+void StoreContext::setFinalNameToName(RowId id) {
+    RowBlock& block = impl->blockWithFinals(id);
+    const std::size_t index = RowBlock::index(id);
+    if (!block.finals.has(index))
+        return;
+    block.finals.clear(index);
+    impl->note(block, id, RowBlock::finalName);
+}
+
+std::string StoreContext::fullPath(RowId id) {
+    std::string path;
+    fullPath(id, path);
+    return path;
+}
+
+void StoreContext::fullPath(RowId id, std::string& into) {
+    const NodeRow& read = row(id);
+    if (read.entity == NodeEntity::none) {
+        into.clear();
+        return;
+    }
+    if (read.parent == noRow) {
+        into = impl->folderPath(id);
+        return;
+    }
+    const std::string& folder = impl->folderPath(read.parent);
+    const std::string_view last = component(id);
+    into.assign(folder);
+    if (into.empty() || into.back() != '/')
+        into += '/';
+    if (last != "/")
+        into += last;
+}
+
+std::string StoreContext::parentPath(RowId id) {
+    const RowId parent = row(id).parent;
+    return parent == noRow ? std::string() : impl->folderPath(parent);
+}
+
+PassMarker StoreContext::stageFlag(RowId id) {
+    if (!impl->staged.marks.empty()) {
+        if (const auto mark = impl->staged.marks.find(id); mark != impl->staged.marks.end())
+            return mark->second;
+    }
+    if (impl->presentBlock(id) == nullptr) {
+        if (impl->image(id) != nullptr)
+            return impl->storedStageFlag(id);
+    }
+    return impl->blockOf(id).stageFlags[RowBlock::index(id)];
+}
+
+PassMarker StoreContext::Impl::storedStageFlag(RowId id) {
+    std::scoped_lock lock(store.mutex);
+    return store.stageFlags[id];
+}
+
+std::optional<TextRegion::Text> StoreContext::Impl::finalText(RowId id) {
+    if (presentBlock(id) == nullptr) {
+        if (const RowImages::Image* found = image(id))
+            return found->hasFinal ? std::optional(images.finalName(*found)) : std::nullopt;
+    }
+    const RowBlock& block = blockWithFinals(id);
+    const std::size_t index = RowBlock::index(id);
+    return block.finals.has(index) ? std::optional(block.finals.get(index)) : std::nullopt;
+}
+
+void StoreContext::setStageFlag(RowId id, PassMarker marker) {
+    if (impl->presentBlock(id) == nullptr && impl->image(id) != nullptr) {
+        impl->staged.marks[id] = marker;
+        return;
+    }
+    impl->staged.marks.erase(id);
+    RowBlock& block = impl->blockOf(id);
+    block.stageFlags[RowBlock::index(id)] = marker;
+    impl->note(block, id, RowBlock::stageFlag);
+}
+
+PassMarker StoreContext::secondaryStageFlag(RowId id) {
+    return impl->blockOf(id).secondaryStageFlags[RowBlock::index(id)];
+}
+
+void StoreContext::setSecondaryStageFlag(RowId id, PassMarker marker) {
+    RowBlock& block = impl->blockOf(id);
+    block.secondaryStageFlags[RowBlock::index(id)] = marker;
+    impl->note(block, id, RowBlock::secondaryStageFlag);
+}
+
+namespace {
+
+/// Each column as its length and its code units.
+std::string encoded(const StoreContext::RegexColumns& columns) {
+    std::string bytes;
+    for (const std::u16string& column : columns) {
+        const auto length = static_cast<std::uint32_t>(column.size());
+        bytes.append(reinterpret_cast<const char*>(&length), sizeof length).append(bytesOf(column));
+    }
+    return bytes;
+}
+
+StoreContext::RegexColumns decoded(std::string_view bytes) {
+    StoreContext::RegexColumns columns;
+    for (std::u16string& column : columns) {
+        std::uint32_t length = 0;
+        if (bytes.size() < sizeof length)
+            break;
+        std::memcpy(&length, bytes.data(), sizeof length);
+        bytes.remove_prefix(sizeof length);
+        column = unitsOf(bytes.substr(0, length * sizeof(char16_t)));
+        bytes.remove_prefix(std::min(bytes.size(), length * sizeof(char16_t)));
+    }
+    return columns;
+}
+
+} // namespace
+
+std::optional<StoreContext::RegexColumns> StoreContext::regexColumns(RowId id) {
+    if (const auto found = impl->staged.regexColumns.find(id); found != impl->staged.regexColumns.end())
+        return decoded(found->second);
+    std::string_view columns;
+    std::unique_lock lock(impl->store.mutex, std::defer_lock);
+    if (const RowImages::Image* image = impl->image(id)) {
+        columns = impl->images.regex(*image);
+    } else {
+        lock.lock();
+        if (impl->store.segments.hasRegex(Segment::number(id)))
+            columns = impl->store.segments.use(Segment::number(id)).regexAt(Segment::index(id));
+    }
+    return columns.empty() ? std::nullopt : std::optional(decoded(columns));
+}
+
+void StoreContext::setRegexColumns(RowId id, const RegexColumns& columns) {
+    impl->staged.regexColumns.insert_or_assign(id, encoded(columns));
+    impl->note(impl->blockWithFinals(id), id, RowBlock::finalName);
+}
+
+std::optional<PropertyData> StoreContext::tagData(RowId id) {
+    if (const auto found = impl->staged.tagData.find(id); found != impl->staged.tagData.end())
+        return found->second;
+    std::scoped_lock lock(impl->store.mutex);
+    return impl->store.tags.get(id);
+}
+
+void StoreContext::setTagData(RowId id, PropertyData data) {
+    impl->staged.tagBytes += data.bytes.size();
+    impl->staged.tagData.insert_or_assign(id, std::move(data));
+}
+
+std::optional<PropertyValue> StoreContext::valueForKey(RowId id, NodeKey key) {
+    if (!exists(id))
+        return std::nullopt;
+    const NodeRow read = row(id);
+    if (attribute(key).ofFileOnly && read.entity != NodeEntity::file)
+        return std::nullopt;
+    const auto marker = [](PassMarker value) -> std::optional<PropertyValue> {
+        if (value == unmarked)
+            return std::nullopt;
+        return text::fromUtf8(fmt::format("{:02}", value));
+    };
+    const auto reference = [](RowId other) -> std::optional<PropertyValue> {
+        if (other == noRow)
+            return std::nullopt;
+        return PropertyValue(std::int64_t{other});
+    };
+    switch (key) {
+    case NodeKey::fullPath:
+        return text::fromBytes(fullPath(id));
+    case NodeKey::name:
+        return name(id);
+    case NodeKey::treatAsFolder:
+        return read.treatAsFolder;
+    case NodeKey::stageFlag:
+        return marker(stageFlag(id));
+    case NodeKey::secondaryStageFlag:
+        return marker(secondaryStageFlag(id));
+    case NodeKey::depth:
+        return read.depth;
+    case NodeKey::parent:
+        return reference(read.parent);
+    case NodeKey::children: {
+        PropertyArray rows;
+        for (const RowId child : children(id))
+            rows.emplace_back(std::int64_t{child});
+        return rows;
+    }
+    case NodeKey::finalName:
+        return finalName(id);
+    case NodeKey::diff:
+        return read.diff;
+    case NodeKey::root:
+        return read.root;
+    case NodeKey::parentPath:
+        return text::fromBytes(parentPath(id));
+    case NodeKey::manualOrder:
+        return read.manualOrder;
+    case NodeKey::modDate:
+        return read.modDate;
+    case NodeKey::crDate:
+        return read.crDate;
+    case NodeKey::exif:
+        return read.exif;
+    case NodeKey::size:
+        return text::fromUtf8(fmt::format("{:016}", read.size));
+    case NodeKey::smartName:
+        return KQStringUtilities::expandNumberBlocks(text::fromBytes(component(id)));
+    case NodeKey::random:
+        return text::fromUtf8(randomUuid(impl->store.secret, id));
+    case NodeKey::sortingInformationLoaded:
+        return read.sortingInformationLoaded;
+    case NodeKey::tagData:
+        if (auto data = tagData(id))
+            return *data;
+        return std::nullopt;
+    case NodeKey::regex1:
+    case NodeKey::regex2:
+    case NodeKey::regex3:
+    case NodeKey::regex4:
+    case NodeKey::regex5:
+    case NodeKey::regex6:
+        if (const auto columns = regexColumns(id))
+            return (*columns)[static_cast<std::size_t>(key) - static_cast<std::size_t>(NodeKey::regex1)];
+        return std::nullopt;
+    case NodeKey::canBeRenamedIndependently:
+        return read.canBeRenamedIndependently;
+    case NodeKey::mustBeSwapped:
+        return read.mustBeSwapped;
+    case NodeKey::cannotBeRenamedBefore:
+        return reference(read.cannotBeRenamedBefore);
+    case NodeKey::mustBeRenamedBefore:
+        return reference(read.mustBeRenamedBefore);
+    }
+    return std::nullopt;
+}
+
+RowId StoreContext::Impl::insert(const NodeRow& row, std::string_view component) {
+    if (nextReserved == endReserved) {
+        std::scoped_lock lock(store.mutex);
+        nextReserved = store.reserveBlock();
+        endReserved = nextReserved + static_cast<RowId>(RowBlock::capacity);
+        if (nextReserved == noRow)
+            ++nextReserved;
+    }
+    const RowId id = nextReserved++;
+    blockWithNames(id);
+    RowBlock& block = blockWithFinals(id);
+    const std::size_t index = RowBlock::index(id);
+    block.rows[index] = row;
+    block.names.set(index, {component, false});
+    note(block, id, RowBlock::inserted);
+    return id;
+}
+
+RowId StoreContext::insertFile(RowId parent, std::string_view component, bool root, bool treatAsFolder,
+                               std::int32_t manualOrder, const SeenItem& seen) {
+    NodeRow row;
+    row.entity = NodeEntity::file;
+    row.parent = parent;
+    row.root = root;
+    row.treatAsFolder = treatAsFolder;
+    row.manualOrder = manualOrder;
+    row.setIdentity(seen.identity);
+    row.kind = seen.kind;
+    const RowId id = impl->insert(row, component);
+    if (treatAsFolder) {
+        std::string path = joined(impl->folderPath(parent), component);
+        impl->stagedFolders.try_emplace(path, id);
+        impl->staged.folderPaths.emplace(id, std::move(path));
+    }
+    return id;
+}
+
+RowId StoreContext::insertGhostNode(std::string_view path, const FileIdentity& identity) {
+    NodeRow row;
+    row.entity = NodeEntity::ghostNode;
+    row.treatAsFolder = true;
+    row.setIdentity(identity);
+    row.kind = FileStatus::Kind::folder;
+    const RowId id = impl->insert(row, lastComponent(path));
+    impl->stagedFolders.try_emplace(std::string(path), id);
+    impl->staged.folderPaths.emplace(id, path);
+    return id;
+}
+
+void StoreContext::deleteRow(RowId id) {
+    if (!exists(id))
+        return;
+    RowBlock& block = impl->blockOf(id);
+    impl->note(block, id, RowBlock::deleted);
+    impl->staged.deletedTrees.push_back(id);
+}
+
+std::size_t StoreContext::deleteNodes(std::size_t limit) {
+    RowId next = impl->staged.deletedNodes.empty() ? noRow : impl->staged.deletedNodes.back() + 1;
+    std::size_t count = 0;
+    std::scoped_lock lock(impl->store.mutex);
+    if (next == noRow)
+        next = impl->firstDeletable;
+    for (; next < impl->store.summaries.size() && count < limit; ++next) {
+        if (impl->store.summaries[next] == rowSummary::none)
+            continue;
+        impl->staged.deletedNodes.push_back(next);
+        ++count;
+    }
+    impl->firstDeletable = count == 0 ? noRow : next;
+    return count;
+}
+
+} // namespace tavrin

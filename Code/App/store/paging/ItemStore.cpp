@@ -1,0 +1,82 @@
+#include "store/paging/ItemStore.h"
+
+#include "store/paging/ItemStoreImpl.h"
+
+#include <fmt/core.h>
+
+#include <random>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+std::optional<std::string> obstacle(const ItemStore::Options& options) {
+    return options.kind == ItemStore::Kind::file ? StoreFile::obstacleIn(options.folder) : std::nullopt;
+}
+
+std::uint64_t freshSecret() {
+    std::random_device random;
+    return (std::uint64_t{random()} << 32) | random();
+}
+
+} // namespace
+
+ItemStore::Impl::Impl(Options options)
+    : openError(obstacle(options)), kind(openError ? Kind::memory : options.kind),
+      file(kind == Kind::file
+               ? std::make_unique<StoreFile>(options.folder, options.vfs, std::move(options.fileRefused))
+               : nullptr),
+      segments(file.get(), options.residentBudget), tags(file.get(), options.residentBudget / 4),
+      secret(freshSecret()) {
+    if (file)
+        StoreFile::sweepLeftovers(options.folder);
+}
+
+RowId ItemStore::Impl::reserveBlock() {
+    const std::size_t used = summaries.size();
+    const std::size_t firstFree = (used + RowBlock::capacity - 1) / RowBlock::capacity * RowBlock::capacity;
+    const std::size_t end = firstFree + RowBlock::capacity;
+    summaries.resize(end, 0);
+    stageFlags.resize(end, 0xFF);
+    secondaryStageFlags.resize(end, 0xFF);
+    return static_cast<RowId>(firstFree);
+}
+
+bool ItemStore::Impl::migrateToMemory() {
+    if (kind == Kind::memory)
+        return false;
+    segments.leaveFile();
+    tags.leaveFile();
+    file.reset();
+    kind = Kind::memory;
+    return true;
+}
+
+ItemStore::ItemStore(Options options) : impl(std::make_unique<Impl>(std::move(options))) {}
+
+ItemStore::~ItemStore() = default;
+
+ItemStore::Kind ItemStore::kind() const { return impl->kind; }
+
+std::string ItemStore::type() const { return kind() == Kind::file ? "SQLite" : "InMemory"; }
+
+std::string ItemStore::description() const {
+    std::scoped_lock lock(impl->mutex);
+    const auto path = impl->file ? impl->file->path() : std::nullopt;
+    return path ? fmt::format("{} at {}", type(), *path) : type();
+}
+
+const std::optional<std::string>& ItemStore::openError() const { return impl->openError; }
+
+bool ItemStore::migrateToMemory() {
+    std::scoped_lock lock(impl->mutex);
+    return impl->migrateToMemory();
+}
+
+void ItemStore::setDidSaveHandler(std::function<void(const StoreChanges&)> handler) {
+    std::scoped_lock lock(impl->mutex);
+    impl->didSave = std::move(handler);
+}
+
+} // namespace tavrin

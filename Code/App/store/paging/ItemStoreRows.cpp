@@ -1,0 +1,299 @@
+#include "store/paging/ItemStoreImpl.h"
+#include "store/paging/StoreError.h"
+#include "store/rows/NodeKey.h"
+#include "store/rows/RowSummary.h"
+
+#include <algorithm>
+#include <utility>
+
+// How the store hands rows to contexts and takes their changes over.
+
+namespace tavrin {
+
+void ItemStore::Impl::loadRows(RowBlock& block) {
+    const std::uint32_t number = Segment::number(block.first);
+    if (!segments.exists(number)) {
+        block.rows.fill(NodeRow{});
+        block.stageFlags.fill(0xFF);
+        block.secondaryStageFlags.fill(0xFF);
+        return;
+    }
+    const Segment& segment = segments.use(number);
+    const std::size_t offset = Segment::index(block.first);
+    for (std::size_t i = 0; i < RowBlock::capacity; ++i) {
+        const std::size_t id = block.first + i;
+        const bool isLive = id < summaries.size() && summaries[id] != rowSummary::none;
+        block.rows[i] = isLive ? segment.rows[offset + i] : NodeRow{};
+        block.stageFlags[i] = isLive ? stageFlags[id] : 0xFF;
+        block.secondaryStageFlags[i] = isLive ? secondaryStageFlags[id] : 0xFF;
+    }
+}
+
+void ItemStore::Impl::loadNames(RowBlock& block) {
+    const std::uint32_t number = Segment::number(block.first);
+    block.names = segments.exists(number)
+                      ? segments.use(number).names.slice(Segment::index(block.first), RowBlock::capacity)
+                      : TextRegion(RowBlock::capacity);
+    block.hasNames = true;
+}
+
+void ItemStore::Impl::loadFinals(RowBlock& block) {
+    const std::uint32_t number = Segment::number(block.first);
+    block.finals = segments.exists(number)
+                       ? segments.use(number).finals.slice(Segment::index(block.first), RowBlock::capacity)
+                       : TextRegion(RowBlock::capacity);
+    block.hasFinals = true;
+}
+
+std::vector<RowId> ItemStore::Impl::children(RowId row) {
+    std::vector<RowId> rows;
+    const FolderTable::Folder* folder = folders.ofRow(row);
+    if (folder == nullptr)
+        return rows;
+    rows.reserve(folder->childCount);
+    for (RowId child = folder->lastChild; child != noRow && segments.exists(Segment::number(child));) {
+        if (summaries[child] != rowSummary::none)
+            rows.push_back(child);
+        child = segments.use(Segment::number(child)).rows[Segment::index(child)].previousSibling;
+    }
+    std::reverse(rows.begin(), rows.end());
+    return rows;
+}
+
+void ItemStore::Impl::apply(StagedChanges& staged, StoreChanges& into) {
+    segments.makeRoom();
+    SegmentTable::Hold hold(segments);
+    touchSegments(staged);
+    std::vector<RowId> doomed;
+    for (const RowId row : staged.deletedTrees)
+        collectTree(row, doomed);
+
+    for (RowBlock* block : staged.blocks)
+        applyBlock(*block, staged, into);
+    for (const auto& [row, marker] : staged.marks) {
+        if (summaries[row] == rowSummary::none)
+            continue;
+        stageFlags[row] = marker;
+        into.updated.push_back(row);
+    }
+    for (const auto& [row, columns] : staged.regexColumns) {
+        if (summaries[row] != rowSummary::none)
+            segments.use(Segment::number(row)).setRegex(Segment::index(row), columns);
+    }
+    for (auto& [row, data] : staged.tagData) {
+        if (summaries[row] != rowSummary::none)
+            tags.set(row, std::move(data));
+    }
+    for (const RowId row : doomed)
+        removeRow(row);
+    for (const RowId row : staged.deletedNodes)
+        removeRow(row);
+    into.rowsDeleted = !doomed.empty() || !staged.deletedNodes.empty();
+    constexpr std::size_t tellingCount = 256;
+    if (staged.deletedNodes.empty() && doomed.size() <= tellingCount)
+        into.deletedRows = std::move(doomed);
+    if (!staged.deletedNodes.empty())
+        dropEmptySegments();
+    applySmallEntities(staged, into);
+
+    if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::sort))
+        ++sortVersion;
+    if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::filter))
+        ++filterVersion;
+    if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::naming))
+        ++namingVersion;
+    if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::plan))
+        ++planVersion;
+    insertVersion += into.rowsInserted ? 1 : 0;
+    deletionVersion += into.rowsDeleted ? 1 : 0;
+    constexpr auto voiding =
+        static_cast<std::uint8_t>(ColumnClass::sort) | static_cast<std::uint8_t>(ColumnClass::filter);
+    if (into.rowsInserted || into.rowsDeleted || (into.columnClasses & voiding))
+        ++listVersion;
+}
+
+void ItemStore::Impl::touchSegments(const StagedChanges& staged) {
+    constexpr std::uint8_t ofSegment = RowBlock::attributes | RowBlock::finalName | RowBlock::inserted;
+    for (const RowBlock* block : staged.blocks) {
+        const bool isTouched = std::any_of(block->changes.begin(), block->changes.end(),
+                                           [](std::uint8_t change) { return (change & ofSegment) != 0; });
+        if (!isTouched)
+            continue;
+        const std::uint32_t number = Segment::number(block->first);
+        segments.create(number);
+        segments.use(number);
+    }
+}
+
+void ItemStore::Impl::applyBlock(RowBlock& block, StagedChanges& staged, StoreChanges& into) {
+    constexpr std::uint8_t ofSegment = RowBlock::attributes | RowBlock::finalName | RowBlock::inserted;
+    Segment* segment = nullptr;
+    const auto byIndex = [](const auto& a, const auto& b) { return a.first < b.first; };
+    if (!std::is_sorted(block.originals.begin(), block.originals.end(), byIndex))
+        std::stable_sort(block.originals.begin(), block.originals.end(), byIndex);
+    auto original = block.originals.begin();
+    for (std::size_t i = 0; i < RowBlock::capacity; ++i) {
+        const std::uint8_t changes = block.changes[i];
+        if (changes == 0)
+            continue;
+        const RowId id = block.first + static_cast<RowId>(i);
+        const NodeRow* wasRead = nullptr; // the last one counts, a change may have been rolled back
+        for (; original != block.originals.end() && original->first <= i; ++original)
+            wasRead = original->first == i ? &original->second : nullptr;
+        if (segment == nullptr && (changes & ofSegment))
+            segment = &segments.use(Segment::number(block.first));
+        if (changes & RowBlock::inserted) {
+            if (changes & RowBlock::deleted)
+                continue;
+            insertRow(block, i, staged);
+            into.rowsInserted = true;
+        } else if (summaries[id] == rowSummary::none) {
+            continue;
+        } else {
+            into.updated.push_back(id);
+            if ((changes & RowBlock::attributes) && wasRead) {
+                NodeRow& row = segment->rows[Segment::index(id)];
+                into.columnClasses |= updateAttributes(row, block.rows[i], *wasRead);
+                ++rowVersion;
+                segment->dirty[Segment::rowPart] = true;
+                summaries[id] = rowSummary::of(row);
+            }
+        }
+        if (changes & RowBlock::finalName) {
+            if (block.finals.has(i))
+                segment->finals.set(Segment::index(id), block.finals.get(i));
+            else
+                segment->finals.clear(Segment::index(id));
+            segment->dirty[Segment::finalPart] = true;
+            ++rowVersion;
+            into.columnClasses |= static_cast<std::uint8_t>(ColumnClass::naming);
+        }
+        if (changes & RowBlock::stageFlag)
+            stageFlags[id] = block.stageFlags[i];
+        if (changes & RowBlock::secondaryStageFlag)
+            secondaryStageFlags[id] = block.secondaryStageFlags[i];
+    }
+}
+
+void ItemStore::Impl::insertRow(RowBlock& block, std::size_t index, StagedChanges& staged) {
+    const RowId id = block.first + static_cast<RowId>(index);
+    NodeRow row = block.rows[index];
+    FolderTable::Folder* parent = folders.ofRow(row.parent);
+    if (parent == nullptr && row.parent != noRow)
+        return; // the folder was deleted while this row was on its way
+    if (parent != nullptr) {
+        row.previousSibling = parent->lastChild;
+        parent->lastChild = id;
+        ++parent->childCount;
+    }
+    if (const auto path = staged.folderPaths.find(id); path != staged.folderPaths.end())
+        row.folder = folders.add(id, path->second);
+    Segment& segment = segments.use(Segment::number(id));
+    segment.rows[Segment::index(id)] = row;
+    segment.names.set(Segment::index(id), block.names.get(index));
+    ++rowVersion;
+    segment.dirty[Segment::rowPart] = segment.dirty[Segment::namePart] = true;
+    summaries[id] = rowSummary::of(row);
+}
+
+std::uint8_t ItemStore::Impl::updateAttributes(NodeRow& row, const NodeRow& changed,
+                                               const NodeRow& original) {
+    std::uint8_t classes = 0;
+    const auto take = [&](auto NodeRow::*member, ColumnClass columnClass) {
+        if (changed.*member == original.*member || row.*member == changed.*member)
+            return;
+        row.*member = changed.*member;
+        classes |= static_cast<std::uint8_t>(columnClass);
+    };
+    take(&NodeRow::diff, ColumnClass::naming);
+    take(&NodeRow::modDate, ColumnClass::sort);
+    take(&NodeRow::crDate, ColumnClass::sort);
+    take(&NodeRow::exif, ColumnClass::sort);
+    take(&NodeRow::size, ColumnClass::sort);
+    take(&NodeRow::manualOrder, ColumnClass::sort);
+    take(&NodeRow::treatAsFolder, ColumnClass::filter);
+    take(&NodeRow::root, ColumnClass::filter);
+    take(&NodeRow::sortingInformationLoaded, ColumnClass::none);
+    take(&NodeRow::inode, ColumnClass::none);
+    take(&NodeRow::device, ColumnClass::none);
+    take(&NodeRow::depth, ColumnClass::plan);
+    take(&NodeRow::canBeRenamedIndependently, ColumnClass::plan);
+    take(&NodeRow::mustBeSwapped, ColumnClass::plan);
+    take(&NodeRow::madeDistinct, ColumnClass::naming);
+    take(&NodeRow::cannotBeRenamedBefore, ColumnClass::plan);
+    take(&NodeRow::mustBeRenamedBefore, ColumnClass::plan);
+    return classes;
+}
+
+void ItemStore::Impl::collectTree(RowId row, std::vector<RowId>& into) {
+    std::size_t next = into.size();
+    into.push_back(row);
+    for (; next < into.size(); ++next) {
+        const std::vector<RowId> below = children(into[next]);
+        into.insert(into.end(), below.begin(), below.end());
+    }
+    // The parent loses a child; what lies below goes with its folder.
+    if (row < summaries.size() && summaries[row] != rowSummary::none) {
+        const RowId parent = segments.use(Segment::number(row)).rows[Segment::index(row)].parent;
+        if (FolderTable::Folder* folder = folders.ofRow(parent))
+            --folder->childCount;
+    }
+}
+
+void ItemStore::Impl::removeRow(RowId row) {
+    if (row >= summaries.size() || summaries[row] == rowSummary::none)
+        return;
+    summaries[row] = rowSummary::none;
+    tags.forget(row);
+    if (const std::uint32_t number = folders.numberOfRow(row))
+        folders.remove(number);
+}
+
+void ItemStore::Impl::dropEmptySegments() {
+    const std::size_t count = (summaries.size() + Segment::capacity - 1) / Segment::capacity;
+    for (std::uint32_t number = 0; number < count; ++number) {
+        if (!segments.exists(number))
+            continue;
+        const auto begin = summaries.begin() + std::ptrdiff_t{number} * std::ptrdiff_t{Segment::capacity};
+        const auto end =
+            summaries.begin() +
+            static_cast<std::ptrdiff_t>(std::min((number + 1) * Segment::capacity, summaries.size()));
+        if (std::all_of(begin, end, [](std::uint8_t summary) { return summary == rowSummary::none; }))
+            segments.drop(number);
+    }
+}
+
+void ItemStore::Impl::applySmallEntities(StagedChanges& staged, StoreChanges& into) {
+    if (staged.control && *staged.control != staged.controlAsRead) {
+        const EngineControl& changed = *staged.control;
+        const EngineControl& original = staged.controlAsRead;
+        const auto take = [&](auto EngineControl::*member) {
+            if (changed.*member != original.*member)
+                control.*member = changed.*member;
+        };
+        take(&EngineControl::totalNumberOfFiles);
+        take(&EngineControl::totalNumberOfFilesSelectedOrNot);
+        take(&EngineControl::numberOfFilesThatNeedRenaming);
+        take(&EngineControl::numberOfFolders);
+        take(&EngineControl::numberOfActuallyRenamedFiles);
+        take(&EngineControl::numberOfItemsNotRenamed);
+        take(&EngineControl::totalNumberOfNodes);
+        take(&EngineControl::needToRedoConflictResolution);
+        into.engineControl = true;
+    }
+    for (const SourceItemChange& change : staged.sourceItems) {
+        sourceItems.apply(change);
+        into.sourceItems = true;
+    }
+    if (staged.deletedErrors > 0) {
+        const std::size_t count = std::min(staged.deletedErrors, errors.size());
+        errors.erase(errors.begin(), errors.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+    for (ProcessingError& error : staged.insertedErrors)
+        errors.push_back(std::move(error));
+    if (staged.deletedErrors > 0 || !staged.insertedErrors.empty()) {
+        into.processingErrors = true;
+    }
+}
+
+} // namespace tavrin

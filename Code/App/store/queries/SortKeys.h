@@ -1,0 +1,57 @@
+#pragma once
+
+#include "store/queries/Predicate.h"
+#include "store/rows/NodeKey.h"
+#include "store/rows/NodeRow.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+/// Collects one key per row and sorts the rows by it. A key is a string of bytes whose byte order is the
+/// order asked for, so that any order of any number of attributes is one comparison of memory.
+class SortKeys {
+  public:
+    /// `secret` is that of the store's random keys.
+    SortKeys(std::vector<SortDescriptor> newOrder, std::uint64_t newSecret)
+        : order(std::move(newOrder)), secret(newSecret) {}
+
+    /// Rows are added by ascending id. While they also come in order nothing is kept but their ids; false
+    /// from the first one on that does not: then the rows must be added again, with every key kept.
+    [[nodiscard]] bool addInOrder(RowId id, const NodeRow& row, std::string_view component);
+    /// Starts over, with every key kept; the bytes of memory that it takes.
+    std::size_t keepAll(std::size_t rows, std::size_t bytesOfNames);
+    void add(RowId id, const NodeRow& row, std::string_view component);
+    /// The rows in order; the keys are spent.
+    [[nodiscard]] std::vector<RowId> sorted();
+
+  private:
+    struct Entry {
+        std::uint64_t prefix;
+        std::uint32_t place; // of the key in the arena, in words; its length stands before it
+        RowId id;
+    };
+    [[nodiscard]] std::string_view keyAt(const Entry& entry) const;
+    [[nodiscard]] std::size_t bytesBesideTexts() const;
+    void appendKey(RowId id, const NodeRow& row, std::string_view component);
+    void append(const SortDescriptor& descriptor, RowId id, const NodeRow& row, std::string_view component);
+    void appendNumber(std::uint64_t value, unsigned bytes);
+    void appendText(std::string_view text);
+    void appendNaturalText(std::string_view text);
+    [[nodiscard]] std::size_t commonPrefix() const;
+
+    std::vector<SortDescriptor> order;
+    std::uint64_t secret;
+    std::string arena;
+    std::string previous;
+    std::vector<RowId> inOrder;
+    std::vector<Entry> entries;
+};
+
+/// The `random` attribute of a row: a version-4 UUID (RFC 4122) that follows from the store's secret.
+std::string randomUuid(std::uint64_t secret, RowId id);
+
+} // namespace tavrin

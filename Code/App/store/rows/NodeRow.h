@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/files/FileStatus.h"
+
+#include <cstdint>
+
+namespace tavrin {
+
+/// Identity of a `Node` row: given in reading order, never reused within a store.
+using RowId = std::uint32_t;
+inline constexpr RowId noRow = 0;
+
+/// The sub-entity of a row; `none` is a row that is deleted or not yet made.
+enum class NodeEntity : std::uint8_t { none, file, ghostNode };
+
+/// What reading saw of an item.
+struct SeenItem {
+    FileIdentity identity;
+    FileStatus::Kind kind = FileStatus::Kind::file;
+};
+
+/// The fixed part of a `Node` row. Names lie beside it; `fullPath`, `parentPath`, `smartName` and `random`
+/// are derived when read. The pass markers are kept by the store apart from the rows.
+struct NodeRow {
+    double modDate = 0; ///< seconds since 2001-01-01 00:00:00 UTC, like the two below
+    double crDate = 0;
+    double exif = 0;
+    std::uint64_t size = 0;  ///< bytes; the attribute's text form is derived
+    std::uint64_t inode = 0; ///< of the item when it was read, 0 if it was not seen
+    RowId parent = noRow;
+    RowId previousSibling =
+        noRow; ///< a list from the folder's last child backwards, through deleted rows too
+    RowId cannotBeRenamedBefore = noRow;
+    RowId mustBeRenamedBefore = noRow;
+    std::uint32_t device = 0; ///< beside the inode
+    std::uint32_t folder = 0; ///< number in the store's table of folders, 0 for what can have no children
+    std::int32_t manualOrder = 0;
+    std::int32_t depth = 0;
+    NodeEntity entity : 3 = NodeEntity::none;
+    bool hasExactName : 1 = false; ///< its final name has been a name on the disk; told with the insertion
+    FileStatus::Kind kind : 4 = FileStatus::Kind::file; ///< when it was read, if it was seen
+    bool treatAsFolder = false;
+    bool root = false;
+    bool diff = false;
+    bool madeDistinct = false; ///< the final name was changed so that no other item has it
+    bool sortingInformationLoaded = false;
+    bool canBeRenamedIndependently = true;
+    bool mustBeSwapped = false;
+
+    /// Of the item when it was read; of a folder whose contents were read: that of what holds them, beyond a
+    /// link.
+    [[nodiscard]] FileIdentity identity() const { return {inode, device}; }
+    void setIdentity(const FileIdentity& seen) {
+        inode = seen.inode;
+        device = seen.device;
+    }
+};
+
+} // namespace tavrin

@@ -1,0 +1,117 @@
+#include "store/sources/SourceItemManager.h"
+
+#include "platform/files/FileSystem.h"
+#include "platform/metadata/FileManager.h"
+#include "store/contexts/StoreContext.h"
+#include "support/application/DebugLog.h"
+
+#include <mutex>
+#include <stdexcept>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+SourceItemManager* registeredInstance = nullptr;
+
+/// The path without its last component; "/" has none.
+std::string withoutLastComponent(const std::string& path) {
+    const std::size_t slash = path.find_last_of('/');
+    if (slash == std::string::npos)
+        return {};
+    return path.substr(0, slash == 0 ? 1 : slash);
+}
+
+} // namespace
+
+SourceItemManager::SourceItemManager(std::function<StoreContext&()> newMainContext)
+    : mainContext(std::move(newMainContext)) {
+    registeredInstance = this;
+}
+
+SourceItemManager::~SourceItemManager() {
+    if (registeredInstance == this)
+        registeredInstance = nullptr;
+}
+
+SourceItemManager& SourceItemManager::sharedInstance() {
+    if (registeredInstance == nullptr)
+        throw std::logic_error("no SourceItemManager is registered");
+    return *registeredInstance;
+}
+
+bool SourceItemManager::addSourceItem(const std::string& path) {
+    debugLog("addSourceItem: {}", path);
+    FileStatus status;
+    if (FileSystem::sharedInstance().followedStatus(path, status) != 0)
+        return false;
+    const bool isDirectory = status.kind == FileStatus::Kind::folder;
+
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    if (context.sourceItemWithPath(path))
+        return false;
+    if (isDirectory && context.sourceItemCountBelow(path == "/" ? "" : path) > 0)
+        return false;
+    context.insertSourceItem(path, isDirectory && !FileManager::instance().isBundle(path));
+    context.commit();
+    return true;
+}
+
+void SourceItemManager::removeItem(const std::string& path) {
+    debugLog("removeItem: {}", path);
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    if (!context.sourceItemWithPath(path)) {
+        debugLog("could not find the source item!!");
+        return;
+    }
+    context.deleteSourceItem(path);
+    deleteRowsOf(path, context);
+    context.commit();
+}
+
+void SourceItemManager::deleteRowsOf(const std::string& path, StoreContext& context) {
+    const RowId row = context.fileWithPath(path);
+    if (row == noRow)
+        return; // no preview has read it yet
+    const RowId parent = context.row(row).parent;
+    const bool isOnlyChild = parent != noRow && context.childCount(parent) == 1;
+    context.deleteRow(isOnlyChild ? parent : row);
+}
+
+bool SourceItemManager::changeTo(const std::string& oldPath, const std::string& newPath) {
+    debugLog("change: {} to: {}", oldPath, newPath);
+    removeItem(oldPath);
+    addSourceItem(newPath);
+    return true;
+}
+
+bool SourceItemManager::checkPathValidity(const std::string& folder) {
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    for (std::string path = folder; !path.empty(); path = withoutLastComponent(path)) {
+        if (context.sourceItemWithPath(path))
+            return false;
+        if (path == "/")
+            break;
+    }
+    return true;
+}
+
+bool SourceItemManager::isEmpty() {
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    return context.sourceItemCount() == 0;
+}
+
+void SourceItemManager::resetCache() {
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    for (const SourceItem& item : context.sourceItems())
+        context.setSourceItemRead(item.path, false, false);
+    context.commit();
+}
+
+} // namespace tavrin
