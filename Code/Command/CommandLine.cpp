@@ -2,6 +2,7 @@
 
 #include "ExitStatus.h"
 #include "HelpTexts.h"
+#include "support/application/Version.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -17,8 +18,6 @@
 namespace tavrin {
 
 namespace {
-
-constexpr const char* version = "tvrn (Tavrin) 9.0.0\n";
 
 CommandLineEnd usageError(std::string_view command, std::string_view what) {
     const std::string name = command.empty() ? "tvrn" : fmt::format("tvrn {}", command);
@@ -287,7 +286,7 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
     if (command == "--help" || command == "-h")
         return CommandLineEnd{0, help::overview};
     if (command == "--version")
-        return CommandLineEnd{0, version};
+        return CommandLineEnd{0, fmt::format("tvrn (Tavrin) {}\n", programVersion)};
     return usageError("", fmt::format("there is no command \"{}\"", command));
 }
 

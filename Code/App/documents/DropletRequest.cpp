@@ -1,21 +1,17 @@
 #include "documents/DropletRequest.h"
 
 #include "documents/DropletLauncher.h"
+#include "platform/files/FileSystem.h"
+#include "support/application/Version.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <sys/stat.h>
 
 namespace tavrin {
 
 namespace {
-
-bool isThere(const std::string& path) {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
-}
 
 bool isSilent(const Recipe& recipe) {
     const PropertyValue* value =
@@ -68,7 +64,7 @@ std::variant<DropletRequest::Start, DropletRequest::Failure> DropletRequest::sta
     start.isSilent = isSilent(recipe);
     PropertyArray list;
     for (const std::string& file : files) {
-        if (isThere(file))
+        if (FileStatus status; FileSystem::sharedInstance().status(file, status) == 0)
             list.emplace_back(text::fromBytes(file));
         else
             start.missingFiles.push_back(file);
@@ -78,7 +74,7 @@ std::variant<DropletRequest::Start, DropletRequest::Failure> DropletRequest::sta
                        start.isSilent};
     start.record = {{"composite action", std::move(recipe.flatParameterList)},
                     {"settings plist path", text::fromBytes(droplet->settingsPath())},
-                    {"Version", u"9.0.0"}};
+                    {"Version", text::fromUtf8(programVersion)}};
     if (recipe.globalSettings)
         start.record.emplace("global settings", std::move(*recipe.globalSettings));
     if (!list.empty())

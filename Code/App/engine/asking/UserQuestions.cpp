@@ -1,9 +1,9 @@
 #include "engine/asking/UserQuestions.h"
 
 #include "engine/asking/AskUser.h"
-#include "engine/pipeline/PathParts.h"
 #include "engine/pipeline/ProcessingStage.h"
 #include "engine/pipeline/RenameEngine.h"
+#include "support/text/PathParts.h"
 
 #include <utility>
 

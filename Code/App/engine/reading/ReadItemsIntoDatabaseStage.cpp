@@ -2,7 +2,6 @@
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/PathParts.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/pipeline/StageProgress.h"
 #include "engine/reading/FolderWalk.h"
@@ -10,6 +9,7 @@
 #include "store/contexts/StoreContext.h"
 #include "store/sources/SourceItemManager.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 
 #include <cerrno>
 #include <system_error>

@@ -1,5 +1,7 @@
 #include "platform/files/AbsolutePaths.h"
 
+#include "support/text/PathParts.h"
+
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -32,15 +34,14 @@ class PathResolver {
   public:
     std::string absolute(const std::string& given) {
         const std::string_view path = trimmed(given);
-        const std::size_t slash = path.rfind('/');
-        const std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
+        const std::string_view name = lastComponent(path);
         if (name == "." || name == ".." || name.empty())
             return given.empty() ? given : resolved(std::string(path)).value_or(given);
-        const std::string_view folder = slash == std::string_view::npos ? "." : path.substr(0, slash + 1);
-        const std::optional<std::string>& place = resolvedFolder(std::string(folder));
+        const std::string_view folder = folderPrefix(path);
+        const std::optional<std::string>& place = resolvedFolder(std::string(folder.empty() ? "." : folder));
         if (!place)
             return given;
-        return (*place == "/" ? "" : *place) + '/' + std::string(name);
+        return joinedPath(*place, name);
     }
 
   private:

@@ -77,6 +77,12 @@ class FileSystem {
     /// Makes a file for the user's eyes alone; EEXIST where the name is taken.
     virtual int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) = 0;
     virtual int readFile(const std::string& path, std::string& into, std::size_t limit) = 0;
+    /// Whether something is there that can be looked at; a link counts as what it leads to.
+    [[nodiscard]] bool exists(const std::string& path);
+    /// Whether nothing has this name. What can't be looked at may be there.
+    [[nodiscard]] bool isAbsent(const std::string& path);
+    /// Writes a file that is there only when it is whole; EEXIST when the name is taken.
+    [[nodiscard]] int writeNewFile(const std::string& path, std::string_view content);
     /// Renames an item within its folder without ever replacing another: EEXIST when the name is taken. Both
     /// are paths; EXDEV when they are not in one folder.
     int renameNoReplace(std::string from, std::string to);

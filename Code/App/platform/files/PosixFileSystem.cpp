@@ -4,6 +4,7 @@
 #include "platform/files/FolderListing.h"
 #include "platform/files/UnflaggedRename.h"
 #include "platform/metadata/ReferenceDate.h"
+#include "support/text/PathParts.h"
 
 #include <atomic>
 #include <cerrno>
@@ -158,7 +159,7 @@ class PosixAppendFile : public AppendFile {
         if (std::exchange(nameIsSafe, true))
             return 0;
         const Descriptor folder(
-            ::open(place.substr(0, place.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            ::open(std::string(folderPrefix(place)).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         return folder && ::fsync(folder.get()) == 0 ? 0 : errno;
     }
 
@@ -179,9 +180,8 @@ int writeAndSync(Descriptor file, std::string_view content) {
 /// A name in the target's folder that no one else of this system uses.
 std::string temporaryNameFor(const std::string& path) {
     static std::atomic<unsigned> counter = 0;
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
-    return folder + ".tavrin-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".tmp";
+    return std::string(folderPrefix(path)) + ".tavrin-" + std::to_string(::getpid()) + "-" +
+           std::to_string(counter++) + ".tmp";
 }
 
 int readAll(int file, std::string& into, std::size_t limit) {
@@ -224,18 +224,38 @@ void FileSystem::setSharedInstance(FileSystem* instance) {
     replacement.store(instance, std::memory_order_release);
 }
 
+bool FileSystem::exists(const std::string& path) {
+    FileStatus status;
+    return followedStatus(path, status) == 0;
+}
+
+bool FileSystem::isAbsent(const std::string& path) {
+    FileStatus found;
+    const int error = status(path, found);
+    return error == ENOENT || error == ENOTDIR;
+}
+
+int FileSystem::writeNewFile(const std::string& path, std::string_view content) {
+    const std::string beside = temporaryNameFor(path);
+    if (const int error = writeFileAtomically(beside, content))
+        return error;
+    const int error = renameNoReplace(beside, path);
+    if (error != 0)
+        static_cast<void>(removeFile(beside));
+    return error;
+}
+
 namespace {
 
 /// Opens the folder that holds both items, and gives their names in it; EXDEV when it is not the same.
 int openCommonFolder(FileSystem& system, std::string& first, std::string& second,
                      std::unique_ptr<OpenFolder>& into) {
-    const std::size_t name = first.rfind('/') + 1;
-    if (name != second.rfind('/') + 1 || first.compare(0, name, second, 0, name) != 0)
+    const std::string folder(folderPrefix(first));
+    if (folder != folderPrefix(second))
         return EXDEV;
-    const int error = system.openFolder(name == 0 ? "." : first.substr(0, name), into);
-    first.erase(0, name);
-    second.erase(0, name);
-    return error;
+    first.erase(0, folder.size());
+    second.erase(0, folder.size());
+    return system.openFolder(folder.empty() ? "." : folder, into);
 }
 
 int renameWithin(OpenFolder& folder, const std::string& from, const std::string& to) {

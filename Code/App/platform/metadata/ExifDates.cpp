@@ -1,5 +1,6 @@
 #include "platform/metadata/ExifHelper.h"
 #include "platform/metadata/ReferenceDate.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 #include <array>
@@ -49,11 +50,7 @@ class FieldScanner {
 } // namespace
 
 bool ExifHelper::isImageName(std::string_view name) {
-    name.remove_prefix(name.rfind('/') + 1); // none: from the start
-    const std::size_t dot = name.rfind('.');
-    if (dot == std::string_view::npos || dot == 0)
-        return false;
-    std::string extension(name.substr(dot + 1));
+    std::string extension(extensionOf(name));
     for (char& c : extension)
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     return std::binary_search(imageFileTypes.begin(), imageFileTypes.end(), extension);

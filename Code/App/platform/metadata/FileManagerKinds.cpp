@@ -1,5 +1,6 @@
 #include "platform/files/FolderEntries.h"
 #include "platform/metadata/FileManager.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <algorithm>
@@ -14,15 +15,12 @@ constexpr std::array<std::string_view, 6> bundleSuffixes = {".app",  ".bundle", 
 
 bool hasBundleSuffix(std::string_view path) {
     std::string lowered;
-    text::lowercaseBytes(path.substr(path.rfind('/') + 1), lowered); // without a slash the whole
+    text::lowercaseBytes(lastComponent(path), lowered);
     return std::any_of(bundleSuffixes.begin(), bundleSuffixes.end(),
                        [&lowered](std::string_view suffix) { return lowered.ends_with(suffix); });
 }
 
-bool exists(const std::string& path) {
-    FileStatus status;
-    return FileSystem::sharedInstance().followedStatus(path, status) == 0;
-}
+bool exists(const std::string& path) { return FileSystem::sharedInstance().exists(path); }
 
 bool isFolderOnDisk(const std::string& path) {
     FileStatus status;

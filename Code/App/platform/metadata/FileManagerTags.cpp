@@ -1,5 +1,6 @@
 #include "platform/metadata/FileManager.h"
 #include "platform/metadata/MetadataTool.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 #include <array>
@@ -24,11 +25,7 @@ bool isMusic(std::string_view path) {
 
 /// Exactly these, so that "XML" is asked about.
 bool isNeverAskedAbout(std::string_view path) {
-    const std::string_view name = path.substr(path.rfind('/') + 1);
-    const std::size_t dot = name.rfind('.');
-    if (dot == std::string_view::npos || dot == 0)
-        return false;
-    const std::string_view extension = name.substr(dot + 1);
+    const std::string_view extension = extensionOf(path);
     return extension == "xml" || extension == "jar";
 }
 

@@ -2,10 +2,10 @@
 
 #include "platform/files/FileSystem.h"
 #include "platform/files/LinkTarget.h"
-#include "platform/files/NewFile.h"
 #include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/PropertyListScalars.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 
 #include <cerrno>
 #include <utility>
@@ -62,7 +62,7 @@ std::variant<std::string, int> DefaultsFile::copyAside(std::string_view label) c
     }
     for (int number = 1; number <= mostNames; ++number) {
         std::string copy = numbered(path + ".saved-" + std::string(label), number);
-        const int error = writeNewFile(copy, bytes);
+        const int error = files.writeNewFile(copy, bytes);
         std::string found;
         if (error == 0 ||
             (error == EEXIST && files.readFile(copy, found, plist::sizeLimit) == 0 && found == bytes))
@@ -83,9 +83,8 @@ bool DefaultsFile::store(const PropertyDictionary& values) {
 }
 
 bool DefaultsFile::makeFolder() {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos || slash == 0 ||
-           FileSystem::sharedInstance().makeFolders(path.substr(0, slash)) == 0;
+    const std::string folder(PathParts(path).folder);
+    return folder.empty() || FileSystem::sharedInstance().makeFolders(folder) == 0;
 }
 
 } // namespace tavrin

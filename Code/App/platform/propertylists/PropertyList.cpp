@@ -1,7 +1,6 @@
 #include "platform/propertylists/PropertyList.h"
 
 #include "platform/files/FileSystem.h"
-#include "platform/files/NewFile.h"
 #include "platform/propertylists/PropertyListBinaryReader.h"
 #include "platform/propertylists/PropertyListScalars.h"
 #include "platform/propertylists/PropertyListXmlReader.h"
@@ -61,7 +60,9 @@ PropertyList::Written PropertyList::writeAtomically(const PropertyValue& value, 
 }
 
 PropertyList::Written PropertyList::writeNew(const PropertyValue& value, const std::string& path) {
-    return writeBy(value, [&](const std::string& content) { return writeNewFile(path, content); });
+    return writeBy(value, [&](const std::string& content) {
+        return FileSystem::sharedInstance().writeNewFile(path, content);
+    });
 }
 
 std::optional<std::u16string> textOrData(const PropertyValue& value) {

@@ -1,8 +1,15 @@
-#include "platform/desktop/DesktopEntryText.h"
+#include "platform/desktop/Quoting.h"
 
 namespace tavrin {
 
-std::string DesktopEntryText::escaped(std::string_view value) {
+std::string quotedForShell(std::string_view word) {
+    std::string result = "'";
+    for (const char c : word)
+        result += c == '\'' ? "'\\''" : std::string(1, c);
+    return result + '\'';
+}
+
+std::string desktopEntry::escaped(std::string_view value) {
     std::string result;
     for (const char c : value) {
         switch (c) {
@@ -29,7 +36,7 @@ std::string DesktopEntryText::escaped(std::string_view value) {
     return result;
 }
 
-std::string DesktopEntryText::unescaped(std::string_view value) {
+std::string desktopEntry::unescaped(std::string_view value) {
     std::string result;
     for (std::size_t i = 0; i < value.size(); ++i) {
         if (value[i] != '\\' || i + 1 == value.size()) {
@@ -42,7 +49,7 @@ std::string DesktopEntryText::unescaped(std::string_view value) {
     return result;
 }
 
-std::string DesktopEntryText::quotedArgument(std::string_view argument) {
+std::string desktopEntry::quotedArgument(std::string_view argument) {
     std::string result = "\"";
     for (const char c : argument) {
         if (c == '"' || c == '`' || c == '$' || c == '\\')
