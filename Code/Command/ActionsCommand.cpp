@@ -1,6 +1,5 @@
-#include "ActionsCommand.h"
-
 #include "Catalogue.h"
+#include "Commands.h"
 #include "Terminal.h"
 #include "actions/ActionList.h"
 #include "platform/desktop/Quoting.h"

@@ -44,7 +44,7 @@ CLI::Option* addRepeatable(CLI::App& app, const std::string& name) {
 /// The parser of one subcommand. Each is a parser of its own, so that no path is taken for a subcommand.
 class Parser {
   public:
-    Parser(std::string command, const char* help) : name(std::move(command)), helpText(help) {
+    Parser(std::string command, const std::string& help) : name(std::move(command)), helpText(help) {
         app.allow_windows_style_options(false);
         app.set_help_flag();
         app.add_flag("-h,--help", helpWanted);
@@ -156,7 +156,7 @@ class Parser {
     }
 
     std::string name;
-    const char* helpText;
+    const std::string& helpText;
     bool helpWanted = false;
     CLI::Option* recipe = nullptr;
     CLI::Option* preset = nullptr;

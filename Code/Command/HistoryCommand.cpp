@@ -1,5 +1,4 @@
-#include "HistoryCommand.h"
-
+#include "Commands.h"
 #include "Terminal.h"
 #include "engine/history/JournalPlaces.h"
 #include "engine/history/RenamedAgain.h"

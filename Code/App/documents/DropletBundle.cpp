@@ -1,7 +1,7 @@
 #include "documents/DropletBundle.h"
 
 #include "platform/desktop/ResourceFolder.h"
-#include "platform/files/ContainedFile.h"
+#include "platform/files/FileSystem.h"
 #include "platform/propertylists/PropertyList.h"
 #include "support/text/PathParts.h"
 
@@ -52,6 +52,7 @@ std::string reasonFor(int error) {
     case ELOOP:
     case ENOTDIR:
     case EINVAL:
+    case EISDIR:
         return "it is not a file of the droplet itself";
     default:
         return fmt::format("the file cannot be read: {}", std::generic_category().message(error));

@@ -4,7 +4,6 @@
 #include "platform/files/FileSystem.h"
 #include "platform/processes/ChildProcess.h"
 #include "support/text/Text.h"
-#include "support/text/Utf8.h"
 
 #include <fmt/format.h>
 

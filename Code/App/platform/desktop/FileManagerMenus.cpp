@@ -7,7 +7,6 @@
 #include "support/application/DebugLog.h"
 #include "support/text/PathParts.h"
 #include "support/text/Text.h"
-#include "support/text/Utf8.h"
 
 #include <fmt/format.h>
 

@@ -3,6 +3,7 @@
 #include "support/text/PathParts.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -64,6 +65,19 @@ std::vector<std::string> absolutePaths(const std::vector<std::string>& given) {
     for (const std::string& path : given)
         paths.push_back(resolver.absolute(path));
     return paths;
+}
+
+std::string linkTarget(const std::string& path) {
+    constexpr int mostLinks = 40; // as many as the kernel follows
+    std::filesystem::path target = path;
+    for (int links = 0; links < mostLinks; ++links) {
+        std::error_code error;
+        const std::filesystem::path next = std::filesystem::read_symlink(target, error);
+        if (error)
+            return target.string();
+        target = next.is_absolute() ? next : target.parent_path() / next;
+    }
+    return path;
 }
 
 } // namespace tavrin

@@ -92,4 +92,14 @@ class FileSystem {
     int exchangeNames(std::string first, std::string second);
 };
 
+/// Reads a regular file that lies inside a folder: no component below the folder may be a link, so that what
+/// is read cannot lie anywhere else. Returns 0 or an errno value: ELOOP or ENOTDIR for a link on the way,
+/// EISDIR for a folder, EINVAL for what is no regular file either, EFBIG beyond `limit` bytes.
+[[nodiscard]] int readContainedFile(const std::string& folder, std::string_view relativePath,
+                                    std::string& into, std::size_t limit);
+
+/// Makes the folder, and what is missing above it, for the user's eyes alone. What is there stays as it is.
+/// Returns 0 or an errno value. Any thread.
+int makePrivateFolder(const std::string& path);
+
 } // namespace tavrin

@@ -3,7 +3,6 @@
 #include "platform/files/Descriptor.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/FolderEntries.h"
-#include "platform/files/FolderListing.h"
 #include "support/text/PathParts.h"
 
 #include <climits>

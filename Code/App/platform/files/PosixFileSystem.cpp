@@ -1,9 +1,8 @@
-#include "platform/files/PosixFileSystem.h"
-
 #include "platform/files/Descriptor.h"
-#include "platform/files/FolderListing.h"
+#include "platform/files/FileStatus.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/FolderEntries.h"
 #include "platform/files/UnflaggedRename.h"
-#include "platform/metadata/ReferenceDate.h"
 #include "support/text/PathParts.h"
 
 #include <atomic>
@@ -184,6 +183,10 @@ std::string temporaryNameFor(const std::string& path) {
            std::to_string(counter++) + ".tmp";
 }
 
+/// Without O_NONBLOCK the opening of a pipe would wait for a writer.
+constexpr int readingFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+/// Of a regular file.
 int readAll(int file, std::string& into, std::size_t limit) {
     constexpr std::size_t step = 64 * 1024;
     struct stat status {};
@@ -209,6 +212,38 @@ int readAll(int file, std::string& into, std::size_t limit) {
             return EFBIG;
     }
 }
+
+int makeFoldersOfMode(const std::string& path, mode_t mode) {
+    if (hasNul(path))
+        return EINVAL;
+    for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
+        const std::string part = path.substr(0, slash);
+        if (::mkdir(part.c_str(), mode) != 0) {
+            const int error = errno;
+            struct stat found {};
+            if (::stat(part.c_str(), &found) != 0)
+                return error;
+            if (!S_ISDIR(found.st_mode))
+                return ENOTDIR;
+        }
+        if (slash == std::string::npos)
+            return 0;
+    }
+}
+
+/// The file system of the running system. Stateless. A path or name that holds a NUL is refused with EINVAL.
+class PosixFileSystem : public FileSystem {
+  public:
+    int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) override;
+    int status(const std::string& path, FileStatus& into) override;
+    int followedStatus(const std::string& path, FileStatus& into) override;
+    int removeFile(const std::string& path) override;
+    int makeFolders(const std::string& path) override;
+    int writeFileAtomically(const std::string& path, std::string_view content) override;
+    int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;
+    /// Regular files only: EISDIR for a folder, EINVAL for anything else, EFBIG beyond the limit.
+    int readFile(const std::string& path, std::string& into, std::size_t limit) override;
+};
 
 std::atomic<FileSystem*> replacement = nullptr;
 
@@ -312,23 +347,7 @@ int PosixFileSystem::removeFile(const std::string& path) {
     return ::unlink(path.c_str()) == 0 ? 0 : errno;
 }
 
-int PosixFileSystem::makeFolders(const std::string& path) {
-    if (hasNul(path))
-        return EINVAL;
-    for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-        const std::string part = path.substr(0, slash);
-        struct stat status {};
-        if (::mkdir(part.c_str(), 0755) != 0) {
-            const int error = errno;
-            if (::stat(part.c_str(), &status) != 0)
-                return error;
-            if (!S_ISDIR(status.st_mode))
-                return ENOTDIR;
-        }
-        if (slash == std::string::npos)
-            return 0;
-    }
-}
+int PosixFileSystem::makeFolders(const std::string& path) { return makeFoldersOfMode(path, 0755); }
 
 int PosixFileSystem::writeFileAtomically(const std::string& path, std::string_view content) {
     if (hasNul(path))
@@ -361,9 +380,29 @@ int PosixFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<App
 int PosixFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {
     if (hasNul(path))
         return EINVAL;
-    // Without O_NONBLOCK the opening of a pipe would wait for a writer.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file(::open(path.c_str(), readingFlags));
     return file ? readAll(file.get(), into, limit) : errno;
 }
+
+int readContainedFile(const std::string& folder, std::string_view relativePath, std::string& into,
+                      std::size_t limit) {
+    constexpr int folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    Descriptor place(::open(folder.c_str(), folderFlags));
+    if (!place)
+        return errno;
+    for (std::size_t slash; (slash = relativePath.find('/')) != std::string_view::npos;
+         relativePath.remove_prefix(slash + 1)) {
+        const std::string component(relativePath.substr(0, slash));
+        Descriptor next(::openat(place.get(), component.c_str(), folderFlags | O_NOFOLLOW));
+        if (!next)
+            return errno;
+        place = std::move(next);
+    }
+    const Descriptor file(
+        ::openat(place.get(), std::string(relativePath).c_str(), readingFlags | O_NOFOLLOW));
+    return file ? readAll(file.get(), into, limit) : errno;
+}
+
+int makePrivateFolder(const std::string& path) { return makeFoldersOfMode(path, 0700); }
 
 } // namespace tavrin

@@ -1,6 +1,5 @@
 #include "platform/processes/ToolProcess.h"
 
-#include "platform/processes/DescriptorWait.h"
 #include "platform/processes/SpawnSettings.h"
 #include "support/text/PathParts.h"
 

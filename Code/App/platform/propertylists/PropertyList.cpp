@@ -1,10 +1,8 @@
 #include "platform/propertylists/PropertyList.h"
 
 #include "platform/files/FileSystem.h"
-#include "platform/propertylists/PropertyListBinaryReader.h"
+#include "platform/propertylists/PropertyListFormats.h"
 #include "platform/propertylists/PropertyListScalars.h"
-#include "platform/propertylists/PropertyListXmlReader.h"
-#include "platform/propertylists/PropertyListXmlWriter.h"
 
 #include <fmt/format.h>
 

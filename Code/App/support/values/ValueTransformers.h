@@ -23,4 +23,11 @@ struct MoreThanOneObjectInTableTransformer {
     static constexpr bool transformedValue(std::optional<std::size_t> count) { return count && *count > 1; }
 };
 
+/// The title of the command that shows or hides the list of steps; absent counts as hidden. One way only.
+struct MultiStepDrawerTransformer {
+    static constexpr const char* transformedValue(std::optional<bool> isShown) {
+        return isShown.value_or(false) ? "Hide Multi-Step Drawer" : "Show Multi-Step Drawer";
+    }
+};
+
 } // namespace tavrin
