@@ -13,6 +13,7 @@
 #include <QSpinBox>
 #include <QTest>
 #include <QTextEdit>
+#include <QTreeWidget>
 
 namespace tavrin::test {
 
@@ -131,6 +132,19 @@ TEST_F(Panels, RecognizeTagsWhileTyping) {
     QTest::keyClick(edit, Qt::Key_Backspace);
     QTest::keyClick(edit, Qt::Key_Backspace);
     EXPECT_EQ(currentAction().getParamString("pattern"), u"a");
+}
+
+TEST_F(Panels, PutATagIntoThePatternByKeyAndMouse) {
+    start();
+    chooseAction("Rename from tag");
+    type("patternField", "a");
+    auto* list = find<QTreeWidget>("tagList");
+    list->setCurrentItem(list->topLevelItem(0));
+    const QString tag = list->currentItem()->data(0, Qt::UserRole).toString();
+    QTest::keyClick(list, Qt::Key_Return);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {},
+                       list->visualItemRect(list->currentItem()).center());
+    EXPECT_EQ(currentAction().getParamString("pattern"), ("a" + tag + tag).toStdU16String());
 }
 
 } // namespace

@@ -80,7 +80,7 @@ TEST(Thumbnail, IsReadFromPlainPicturesAlone) {
         {folder.path("device.jpg"), none},
         {folder.path("folder.jpg"), none},
         {folder.path("nothing.jpg"), none}};
-    const ThumbnailLoader loader([](RowId) {}); // sets the limits
+    const ThumbnailLoader loader; // sets the limits
     for (const auto& [path, size] : cases) {
         const QImage image = ThumbnailLoader::read(path, 28);
         EXPECT_EQ(image.width(), size.width()) << path;
@@ -94,7 +94,8 @@ TEST(Thumbnail, IsNotReadWhileTheListScrolls) {
     row.id = 7;
     row.fullPath = folder.write("a.jpg", picture("JPG").toStdString());
     std::vector<RowId> changed;
-    ThumbnailLoader loader([&](RowId id) { changed.push_back(id); });
+    ThumbnailLoader loader;
+    QObject::connect(&loader, &ThumbnailLoader::changed, [&](RowId id) { changed.push_back(id); });
     loader.setPaused(true);
     EXPECT_EQ(loader.imageFor(row, true).typeId(), QMetaType::QIcon);
     EXPECT_FALSE(loader.isReading());

@@ -2,7 +2,6 @@
 
 #include "platform/metadata/FileManager.h"
 #include "presentation/preview/ThumbnailLoader.h"
-#include "presentation/preview/TypeIcons.h"
 
 #include <QApplication>
 #include <QPainter>

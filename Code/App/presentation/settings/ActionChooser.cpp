@@ -5,7 +5,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/ActionSearchField.h"
-#include "presentation/settings/WidePopUpBox.h"
+#include "presentation/settings/ParameterEditors.h"
 #include "shell/commands/MainController.h"
 
 #include <QBoxLayout>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr int spacing = 8;
 
-QComboBox* makeBox(const char* name, const char* accessibleName) {
+QComboBox* makeBox(const char* name, const QString& accessibleName) {
     auto* box = new WidePopUpBox;
     box->setObjectName(name);
     box->setAccessibleName(accessibleName);
@@ -29,10 +29,10 @@ QComboBox* makeBox(const char* name, const char* accessibleName) {
 
 } // namespace
 
-ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
-    : QWidget(parent), services(shared), search(new ActionSearchField(services.actionList)),
-      categoryPopUpButton(makeBox("categoryPopUpButton", "Category")),
-      actionPopUpButton(makeBox("actionPopUpButton", "Action")),
+ActionChooser::ActionChooser(const WindowServices& shared)
+    : services(shared), search(new ActionSearchField(services.actionList)),
+      categoryPopUpButton(makeBox("categoryPopUpButton", tr("Category"))),
+      actionPopUpButton(makeBox("actionPopUpButton", tr("Action"))),
       all(new QBoxLayout(QBoxLayout::TopToBottom, this)), boxes(new QBoxLayout(QBoxLayout::LeftToRight)) {
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(spacing);
@@ -41,7 +41,7 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
     boxes->addWidget(categoryPopUpButton, 2);
     boxes->addWidget(actionPopUpButton, 3);
     all->addLayout(boxes, 5);
-    search->setFoundHandler([this](std::int32_t menuIndex) {
+    connect(search, &ActionSearchField::found, this, [this](std::int32_t menuIndex) {
         wasFoundBySearch = true;
         choose(menuIndex);
     });
@@ -61,8 +61,6 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
     connect(actionPopUpButton, &QComboBox::activated, this,
             [this](int row) { choose(actionPopUpButton->itemData(row).toInt()); });
 }
-
-ActionChooser::~ActionChooser() = default;
 
 /// All in one row in a wide and low pane, the boxes below each other where their labels would be cut.
 void ActionChooser::arrange() {
