@@ -144,9 +144,9 @@ std::vector<std::string> violations(const std::string& path, const std::string& 
 }
 
 TEST(Layout, TheSourcesKeepTheRulesOfTheHouse) {
-    const std::string project = TAVRIN_SOURCE_FOLDER "/";
+    constexpr std::string_view project = TAVRIN_SOURCE_FOLDER "/";
     std::size_t count = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(project + "Code")) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(TAVRIN_SOURCE_FOLDER "/Code")) {
         const std::string path = entry.path().string();
         if (!path.ends_with(".h") && !path.ends_with(".cpp"))
             continue;
