@@ -69,7 +69,7 @@ void Session::setDefaults(bool storeInFile) {
 void Session::load(const RunOptions& options) {
     const Recipe recipe = loadRecipe(options.recipe);
     applySettings(recipe, options.settings, controller->globalSettings());
-    catalogue.actions().setAutomaticSorting(controller->globalSettings().automaticSorting());
+    catalogue.actions().setAutomaticSorting(controller->globalSettings().values().automaticSorting);
     controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
     refuseStepsThatCannotWork();
 }
@@ -108,7 +108,7 @@ void Session::beInteractive() {
 }
 
 void Session::beInteractiveIfSet() {
-    if (controller->globalSettings().shouldInteract())
+    if (controller->globalSettings().values().shouldInteract())
         beInteractive();
 }
 
@@ -134,7 +134,7 @@ void Session::tellFailuresOfPreview() {
 StoreContext& Session::context() { return controller->managedObjectContext(); }
 
 Predicate Session::filter() {
-    return FilterManager::currentFilterPredicate(controller->globalSettings().itemFilter());
+    return FilterManager::currentFilterPredicate(controller->globalSettings().values().itemFilter());
 }
 
 void Session::rename() {

@@ -141,7 +141,7 @@ TEST_F(DialogTests, ChangeSettingsLive) {
     auto* scheme = find("preferencesWindow")->findChild<QComboBox*>("conflictResolutionScheme");
     ASSERT_EQ(scheme->count(), 14);
     QTest::keyClick(scheme, Qt::Key_Up);
-    EXPECT_EQ(settings.conflictResolutionScheme(), 8);
+    EXPECT_EQ(settings.values().conflictResolutionScheme, 8);
 }
 
 TEST_F(DialogTests, WarnWhenShootingDatesAreSwitchedOff) {
@@ -179,11 +179,8 @@ TEST_F(DialogTests, ShowWholeReasonsAndCountAllFailures) {
         find<QDialog>("errorWindow")->accept();
         waitUntilGone("errorWindow");
     }
-    Dialogs::showConfirmationSheet(&application->window(), ConfirmationSheet::problem,
-                                   {{"title", u"Title"},
-                                    {"message", text::fromBytes(reason)},
-                                    {"fullPath", text::fromBytes("/f/" + name)}},
-                                   std::nullopt, false, [](ConfirmationChoice) {});
+    Dialogs::ask(&application->window(), ProblemReport{"Title", reason, "/f/" + name}, false,
+                 [](ConfirmationChoice) {});
     for (const char* each : {"problemMessage", "problemItem"}) {
         auto* message = waitFor<QPlainTextEdit>(each);
         EXPECT_EQ(message->verticalScrollBar()->maximum(), 0) << each;
@@ -199,15 +196,15 @@ TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
                                                                   {"confirmAll", ConfirmationChoice::all},
                                                                   {"leaveOut", ConfirmationChoice::leaveOut},
                                                                   {"confirmStop", ConfirmationChoice::stop}};
-    for (const auto sheet : {ConfirmationSheet::rename, ConfirmationSheet::swap, ConfirmationSheet::nameCycle,
-                             ConfirmationSheet::problem}) {
+    for (const RunQuestion& question : {RunQuestion(RenameQuestion()), RunQuestion(SwapQuestion()),
+                                        RunQuestion(NameCycleQuestion()), RunQuestion(ProblemReport())}) {
         for (const auto& [name, choice] : buttons) {
             std::optional<ConfirmationChoice> given;
-            Dialogs::showConfirmationSheet(&application->window(), sheet, {}, std::nullopt, false,
-                                           [&](ConfirmationChoice answer) { given = answer; });
+            Dialogs::ask(&application->window(), question, false,
+                         [&](ConfirmationChoice answer) { given = answer; });
             QWidget* button = findWidget(name);
             const bool isOffered = button && button->isVisible();
-            EXPECT_EQ(isOffered, std::ranges::count(allowedAnswers(sheet), choice) == 1) << name;
+            EXPECT_EQ(isOffered, std::ranges::count(allowedAnswers(question), choice) == 1) << name;
             if (isOffered)
                 click(name);
             else

@@ -289,7 +289,7 @@ TEST_F(MainRoad, OrdersRowsByHand) {
                model().rowAt(1).finalName == u"Image_02.txt";
     });
     EXPECT_EQ(view->selectedRows(), std::vector<std::size_t>{1});
-    EXPECT_FALSE(application->controller().globalSettings().automaticSorting());
+    EXPECT_FALSE(application->controller().globalSettings().values().automaticSorting);
 }
 
 // What is on show may be a part of the list: what is done to a row hits that row, and no other.

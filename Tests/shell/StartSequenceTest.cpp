@@ -36,10 +36,6 @@ TEST_F(StartSequenceTest, ANormalStartGoesInItsOrderAndAsksForTheFirstPreview) {
     run();
     EXPECT_TRUE(controller().hasFinishedInitializing());
     EXPECT_EQ(controller().operationMode(), OperationMode::normal);
-    EXPECT_THAT(frontEnd.events,
-                ElementsAre("allowFullScreen", "mainTab 0", "columns 20 200 40", "columns 100 1000 200",
-                            "fillPresetMenu 0", "fillActionMenus", "buildSplitView", "divider 0",
-                            "centreWindow", "panel Produce numbered list", "showWindow"));
     EXPECT_EQ(stepNames(), std::vector<std::string>{"Produce numbered list"});
     EXPECT_TRUE(controller().previewControl().isPreviewPending());
     waitForPreview();
@@ -58,20 +54,8 @@ TEST_F(StartSequenceTest, ALaterStartHasWhatWasStored) {
     start();
     EXPECT_EQ(controller().operationMode(), OperationMode::normal);
     EXPECT_EQ(stepNames(), (std::vector<std::string>{"Add to end", "Remove text"}));
-    EXPECT_TRUE(controller().globalSettings().automaticSorting());
+    EXPECT_TRUE(controller().globalSettings().values().automaticSorting);
     EXPECT_EQ(defaults.objectForKey("location"), PropertyValue(u"/opt/tavrin"));
-}
-
-TEST_F(StartSequenceTest, TheListOfStepsComesUpAsWideAsItWas) {
-    defaults.setObject("actions",
-                       PropertyDictionary{{"TVRN global settings", PropertyDictionary{{"multistep", 1}}}});
-    defaults.setObject("actionListSeparatorPosition", 220.0);
-    // A window reports the moves that are made for it as well; they change nothing.
-    frontEnd.onDividerMoved = [this](double position) {
-        controller().multistepPane().splitViewDidResizeSubviews(position == 0, position);
-    };
-    run();
-    EXPECT_THAT(frontEnd.events, ::testing::IsSupersetOf({"divider 0", "divider 220"}));
 }
 
 TEST_F(StartSequenceTest, AStoredChainThatIsNoGoodIsToldAndTheStartGoesOn) {
@@ -104,24 +88,6 @@ TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
     EXPECT_EQ(defaults.objectForKey("droplet settings"), PropertyValue(PropertyDictionary()));
 }
 
-TEST_F(StartSequenceTest, ASilentDropletSaysNothingEvenWhenSomethingFails) {
-    (void)files.write("target");
-    const std::string link = files.link("link", files.path("target"));
-    PropertyDictionary droplet = record({{"silentDroplet", 1}, {"interactiveMode", 1}});
-    const std::string again = data.link("alias", files.path()) + "/b";
-    droplet.emplace("file list", PropertyArray{text::fromBytes(files.write("b")), text::fromBytes(link),
-                                               text::fromBytes(again)});
-    handOver(std::move(droplet));
-    // A failure in the middle of a run is still told: only the questions and the report are silent.
-    frontEnd.expect("sheet problem", ConfirmationChoice::one);
-    run();
-    EXPECT_TRUE(controller().isSilentDroplet());
-    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
-    EXPECT_EQ(frontEnd.presented.size(), 0U);
-    EXPECT_TRUE(files.kind("bX").has_value());
-    EXPECT_TRUE(files.kind("link").has_value());
-}
-
 TEST_F(StartSequenceTest, ADropletWithoutFilesIsEdited) {
     handOver(record());
     frontEnd.expect("notice dropletEditMode", NoticeAnswer{NoticeAnswer::ok, true});
@@ -135,13 +101,6 @@ TEST_F(StartSequenceTest, ADropletWithoutFilesIsEdited) {
     controller().windowWillClose();
     EXPECT_TRUE(frontEnd.isTerminated);
     EXPECT_EQ(defaults.integerForKey("version"), 0);
-}
-
-TEST_F(StartSequenceTest, TheEditInformationCanEndTheApplication) {
-    handOver(record());
-    frontEnd.expect("notice dropletEditMode", NoticeAnswer{NoticeAnswer::cancel, false});
-    run();
-    EXPECT_TRUE(frontEnd.isTerminated);
 }
 
 TEST_F(StartSequenceTest, ALockedDropletIsNotEditedButRuns) {
@@ -187,17 +146,6 @@ TEST_F(StartSequenceTest, ADropletThatCannotBeginEnds) {
     }
 }
 
-TEST_F(StartSequenceTest, ADropletGoesOnWhenItsSettingsAreMended) {
-    PropertyDictionary droplet = record({{"processFiles", 0}, {"processFolders", 0}, {"interactiveMode", 0}});
-    droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
-    handOver(std::move(droplet));
-    frontEnd.expect("notice inconsistentSettings", NoticeAnswer());
-    frontEnd.expect("alert summary");
-    run();
-    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
-    EXPECT_TRUE(files.kind("aX").has_value());
-}
-
 TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
     const Variable folder("XDG_DATA_HOME", data.path().c_str());
     struct Case {
@@ -234,16 +182,6 @@ TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
         EXPECT_TRUE(std::holds_alternative<Recipe>(bundle.readRecipe()));
         restart();
     }
-}
-
-TEST_F(StartSequenceTest, ADropletRunNeedsNoUpgrade) {
-    PropertyDictionary droplet = record({{"silentDroplet", 1}});
-    droplet.erase("Version");
-    droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
-    handOver(std::move(droplet));
-    run();
-    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
-    EXPECT_TRUE(files.kind("aX").has_value());
 }
 
 TEST_F(StartSequenceTest, ADropletThatIsNoGoodRenamesNothing) {
