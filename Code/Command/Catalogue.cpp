@@ -2,6 +2,7 @@
 
 #include "ExitStatus.h"
 #include "platform/desktop/ResourceFolder.h"
+#include "support/text/PathParts.h"
 
 #include <fmt/format.h>
 
@@ -11,7 +12,7 @@ namespace {
 
 ActionList::Resources menus() {
     const std::string path = resourcePath("popUpIndexToNameMapping.plist");
-    auto resources = ActionList::readResources(path.substr(0, path.rfind('/')));
+    auto resources = ActionList::readResources(std::string(PathParts(path).folder));
     if (const auto* error = std::get_if<PropertyListError>(&resources))
         throw UsageError(fmt::format("the program's own files cannot be read: {}", error->message));
     return std::move(std::get<ActionList::Resources>(resources));

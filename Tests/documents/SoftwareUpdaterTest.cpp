@@ -8,8 +8,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 
 namespace tavrin::test {
 namespace {
@@ -61,12 +59,6 @@ TEST(SoftwareUpdaterTest, KnowsWhatIsNewerThanItself) {
         {"9.1b2", "9.1b1", false}, {"9.1", "", false},       {"9.1", "x", true}};
     for (const auto& [running, offered, isNewer] : cases)
         EXPECT_EQ(SoftwareUpdater(running, "1").isNewer(item(offered)), isNewer) << running << ' ' << offered;
-}
-
-TEST(SoftwareUpdaterTest, IsOfTheVersionThatIsBuilt) {
-    std::ifstream file(TAVRIN_SOURCE_FOLDER "/CMakeLists.txt");
-    const std::string build{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_THAT(build, ::testing::HasSubstr("VERSION " + std::string(programVersion) + " "));
 }
 
 TEST(UpdateFeedTest, KnowsPathsAndAddresses) {

@@ -2,7 +2,6 @@
 
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
-#include "platform/metadata/HiddenNames.h"
 #include "support/text/Text.h"
 #include "support/values/DecimalNumbers.h"
 

@@ -1,8 +1,6 @@
-#include "support/application/ApplicationNameSubstitutionManager.h"
-#include "support/application/ApplicationNameSubstitutionStringFormatter.h"
+#include "support/application/ApplicationNameSubstitution.h"
 #include "support/application/StackedViewLayout.h"
-#include "support/values/ListTransformers.h"
-#include "support/values/MultiStepDrawerTransformer.h"
+#include "support/values/ValueTransformers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

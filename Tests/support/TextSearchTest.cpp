@@ -1,7 +1,6 @@
 #include "support/text/TextSearch.h"
 
 #include "support/text/Text.h"
-#include "support/text/TextSequences.h"
 
 #include <gtest/gtest.h>
 

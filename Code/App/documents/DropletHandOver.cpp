@@ -2,14 +2,15 @@
 
 #include "documents/DropletLauncher.h"
 #include "documents/Settings.h"
+#include "platform/files/FileSystem.h"
 #include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/UserDefaults.h"
+#include "support/application/Version.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <sys/stat.h>
 
 namespace tavrin {
 
@@ -36,11 +37,6 @@ std::optional<RecipeError> readFileList(const PropertyDictionary& record, std::v
         into.push_back(std::move(*path));
     }
     return std::nullopt;
-}
-
-bool isThere(const std::string& path) {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
 }
 
 bool isSilent(const Recipe& recipe) {
@@ -137,7 +133,7 @@ std::variant<DropletRequest::Start, DropletRequest::Failure> DropletRequest::sta
     start.isSilent = isSilent(recipe);
     PropertyArray list;
     for (const std::string& file : files) {
-        if (isThere(file))
+        if (FileStatus status; FileSystem::sharedInstance().status(file, status) == 0)
             list.emplace_back(text::fromBytes(file));
         else
             start.missingFiles.push_back(file);
@@ -147,7 +143,7 @@ std::variant<DropletRequest::Start, DropletRequest::Failure> DropletRequest::sta
                        start.isSilent};
     start.record = {{dropletKey::chain, std::move(recipe.flatParameterList)},
                     {dropletKey::settingsPath, text::fromBytes(droplet->settingsPath())},
-                    {dropletKey::version, u"9.0.0"}};
+                    {dropletKey::version, text::fromUtf8(programVersion)}};
     if (recipe.globalSettings)
         start.record.emplace(dropletKey::globalSettings, std::move(*recipe.globalSettings));
     if (!list.empty())

@@ -8,6 +8,7 @@
 #include "platform/files/ItemCopy.h"
 #include "platform/propertylists/PropertyList.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 #include <array>
@@ -84,12 +85,11 @@ void replaceIcon(const DropletBundle& bundle, const std::string& oldIcon) {
 
 std::vector<PresetMigration> MigrationManager::migratePresets(PresetsManager& presets,
                                                               const std::string& dataFolder) {
-    const std::string siblings = dataFolder.substr(0, dataFolder.rfind('/') + 1);
+    const std::string siblings(folderPrefix(dataFolder));
     std::vector<PresetMigration> results;
     for (const std::string_view name : previousFolders) {
         const std::string folder = siblings + std::string(name);
-        FileStatus status;
-        if (files().followedStatus(folder, status) == 0)
+        if (files().exists(folder))
             results.push_back(migratePresetsFolderAt(folder, presets));
     }
     return results;

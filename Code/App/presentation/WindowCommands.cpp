@@ -19,8 +19,7 @@
 #include "presentation/steps/StepsPane.h"
 #include "shell/commands/MainController.h"
 #include "support/text/Text.h"
-#include "support/values/ListTransformers.h"
-#include "support/values/MultiStepDrawerTransformer.h"
+#include "support/values/ValueTransformers.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "tags/TagAccessors.h"
 
-#include "platform/metadata/ReferenceDate.h"
+#include "platform/files/FileStatus.h"
 #include "support/text/Text.h"
 #include "tags/TaggedFile.h"
 

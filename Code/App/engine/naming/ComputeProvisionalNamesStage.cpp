@@ -6,7 +6,7 @@
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/pipeline/StageProgress.h"
 #include "engine/renaming/RenameEngineUtilities.h"
-#include "platform/metadata/FileMetadata.h"
+#include "platform/metadata/MetadataTool.h"
 #include "platform/processes/RunLoop.h"
 #include "store/contexts/StoreContext.h"
 #include "store/queries/FilterManager.h"

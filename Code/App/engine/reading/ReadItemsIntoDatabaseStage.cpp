@@ -1,7 +1,6 @@
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/PathParts.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/pipeline/StageProgress.h"
 #include "engine/reading/FolderWalk.h"
@@ -9,6 +8,7 @@
 #include "store/contexts/StoreContext.h"
 #include "store/sources/SourceItemManager.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 
 #include <cerrno>
 #include <system_error>

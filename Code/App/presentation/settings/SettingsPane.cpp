@@ -12,7 +12,7 @@
 #include "presentation/settings/StackedView.h"
 #include "presentation/tags/TagLibraryView.h"
 #include "shell/commands/MainController.h"
-#include "support/values/ListTransformers.h"
+#include "support/values/ValueTransformers.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
