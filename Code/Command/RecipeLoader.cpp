@@ -139,11 +139,11 @@ void applySettings(const Recipe& recipe, const std::vector<KeyAndValue>& given,
         }
         values.emplace_back(key, typedValue(*present, setting));
     }
-    settings.setValue(0, "interactiveMode");
+    settings.setValue(0, settingKey::interactiveMode);
     if (recipe.globalSettings)
         settings.setParameterList(*recipe.globalSettings);
     if (settings.values().shouldCreateSilentDroplets != 0)
-        settings.setValue(0, "interactiveMode"); // a silent droplet asks nothing
+        settings.setValue(0, settingKey::interactiveMode); // a silent droplet asks nothing
     for (const auto& [key, value] : values)
         settings.setValue(value, key);
 }

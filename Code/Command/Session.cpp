@@ -39,7 +39,7 @@ Session::Session(bool storeInFile)
 }
 
 Session::Session() : Session(false) {
-    controller->globalSettings().setValue(0, "interactiveMode");
+    controller->globalSettings().setValue(0, settingKey::interactiveMode);
     openStore(false);
 }
 
@@ -103,7 +103,7 @@ void Session::beInteractive() {
     if (!connectedTerminal.canAsk())
         throw UsageError("there is no terminal to ask on; without --interactive, and with the setting "
                          "interactiveMode=0, nothing is asked");
-    controller->globalSettings().setValue(1, "interactiveMode");
+    controller->globalSettings().setValue(1, settingKey::interactiveMode);
     frontEnd.setInteractive(true);
 }
 
@@ -176,7 +176,9 @@ TakeBackResult Session::takeBack(TakeBackRequest request) {
 
 RunHistory Session::history() const { return RunHistory(controller->renameEngine().historyPlace().folder); }
 
-void Session::keepHistory(bool keep) { controller->globalSettings().setValue(keep ? 1 : 0, "keepHistory"); }
+void Session::keepHistory(bool keep) {
+    controller->globalSettings().setValue(keep ? 1 : 0, settingKey::keepHistory);
+}
 
 void Session::requireHistory() {
     keepHistory(true);

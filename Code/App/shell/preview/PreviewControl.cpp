@@ -39,8 +39,8 @@ constexpr std::array reactions{
     ReactionRow{"sortEachFolderSeparately", Reaction::newOrder},
     ReactionRow{"currentActionIndex", Reaction::showStep},
     ReactionRow{"transientActionIndex", Reaction::showStep},
-    ReactionRow{"lastAddDirectory", Reaction::nothing},
-    ReactionRow{"automaticSorting", Reaction::automaticSorting},
+    ReactionRow{settingKey::lastAddDirectory, Reaction::nothing},
+    ReactionRow{settingKey::automaticSorting, Reaction::automaticSorting},
 };
 
 Reaction reactionTo(std::string_view keyPath) {
