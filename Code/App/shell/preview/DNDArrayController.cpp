@@ -24,7 +24,7 @@ const Alert someItemsNotRemoved{.kind = AlertKind::itemsNotRemoved,
                                 .text = "Items in subfolders cannot be removed individually.",
                                 .buttons = {"OK"}};
 
-constexpr std::size_t idsAtOnce = 2000;
+constexpr std::size_t idsAtOnce = 10000;
 
 /// A mark for each row that may be in a list, so that long lists are walked just once.
 std::vector<bool> marksOf(const std::vector<RowId>& ids) {
