@@ -1,15 +1,15 @@
 #include "engine/asking/UserQuestions.h"
 
 #include "engine/asking/AskUser.h"
+#include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProcessingStage.h"
-#include "engine/pipeline/RenameEngine.h"
 #include "support/text/PathParts.h"
 
 #include <utility>
 
 namespace tavrin {
 
-UserQuestions::UserQuestions(RenameEngine& newEngine, ProcessingStage& newErrors, bool shouldBeInteractive)
+UserQuestions::UserQuestions(EngineState& newEngine, ProcessingStage& newErrors, bool shouldBeInteractive)
     : engine(newEngine), errors(newErrors), interactive(shouldBeInteractive) {}
 
 bool UserQuestions::shouldAbort() {

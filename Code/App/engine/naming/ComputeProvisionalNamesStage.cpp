@@ -4,8 +4,8 @@
 #include "actions/SortBasedAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/RenameEngineUtilities.h"
 #include "platform/metadata/MetadataTool.h"
 #include "platform/processes/RunLoop.h"
@@ -59,7 +59,7 @@ std::vector<SortDescriptor> orderOf(const SortBasedAction& action) {
 
 } // namespace
 
-ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(RenameEngine& owner) : ProcessingStage(owner) {}
+ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(EngineState& owner) : ProcessingStage(owner) {}
 
 ComputeProvisionalNamesStage::~ComputeProvisionalNamesStage() = default;
 
@@ -174,7 +174,7 @@ void ComputeProvisionalNamesStage::processInOrder(const std::vector<RowId>& rows
         if (count % rowsPerCommit == 0)
             commitNames();
         else if (context->hasWideChanges())
-            saveAndRefaultFiles();
+            saveAndRefaultObjects();
     }
 }
 
@@ -208,14 +208,14 @@ void ComputeProvisionalNamesStage::processByRank(const std::vector<RowId>& rows)
         if (count != before && count % rowsPerCommit == 0)
             commitAsOften();
         else if (context->hasWideChanges())
-            saveAndRefaultFiles();
+            saveAndRefaultObjects();
     }
 }
 
 void ComputeProvisionalNamesStage::commitNames() {
     const StageProgress report(progress);
     report.describe("{} new names calculated. Committing.", count);
-    saveAndRefaultFiles();
+    saveAndRefaultObjects();
 }
 
 void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {

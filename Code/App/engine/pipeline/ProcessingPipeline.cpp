@@ -3,9 +3,8 @@
 #include "engine/asking/AskUser.h"
 #include "engine/asking/ErrorReportManager.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/ExceptionText.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "platform/processes/RunLoop.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "store/contexts/StoreContext.h"
@@ -36,7 +35,7 @@ class Stopwatch {
 
 } // namespace
 
-ProcessingPipeline::ProcessingPipeline(RenameEngine& owner) : ProcessingStage(owner) {}
+ProcessingPipeline::ProcessingPipeline(EngineState& owner) : ProcessingStage(owner) {}
 
 ProcessingPipeline::~ProcessingPipeline() = default;
 

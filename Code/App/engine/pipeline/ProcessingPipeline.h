@@ -16,7 +16,7 @@ class ItemStore;
 /// Runs on a worker thread, under the engine's lock.
 class ProcessingPipeline : public ProcessingStage {
   public:
-    explicit ProcessingPipeline(RenameEngine& owner);
+    explicit ProcessingPipeline(EngineState& owner);
     ~ProcessingPipeline() override;
 
     /// Works on this store instead of the host's; not owned.

@@ -1,7 +1,7 @@
 #include "engine/planning/PrepareForRenamingStage.h"
 
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"
@@ -134,7 +134,7 @@ void PrepareForRenamingStage::setDepth(RowId id, std::int32_t depth) {
 void PrepareForRenamingStage::commitNowAndThen() {
     if (++changedRows < rowsPerCommit && !context->hasWideChanges())
         return;
-    saveAndRefaultFiles();
+    saveAndRefaultObjects();
     changedRows = 0;
 }
 
