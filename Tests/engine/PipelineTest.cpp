@@ -114,10 +114,10 @@ TEST_F(PipelineTest, AFailureInMemoryIsFinal) {
     host.add({folder.write("a")});
     host.preview();
     int told = 0;
-    host.prompts.onPipelineFailed = [&](const std::string& title, const std::string& text) {
+    host.prompts.onPipelineFailed = [&](const PipelineFailure& failure) {
         ++told;
-        EXPECT_EQ(title, "Processing Pipeline Failed.");
-        EXPECT_TRUE(text.starts_with("There was an unrecoverable error during processing."));
+        EXPECT_EQ(failure.title, "Processing Pipeline Failed.");
+        EXPECT_TRUE(failure.text.starts_with("There was an unrecoverable error during processing."));
         return ConfirmationChoice::one;
     };
     int runs = 0;

@@ -70,7 +70,7 @@ TEST(TakeBackLaws, WhatIsCutOffAtAnyCallIsTakenBackOrFinished) {
     const auto cutAt = [](std::size_t k, const Volume& volume, unsigned seed, bool cutsUndo, RunKind then) {
         const RandomPlan plan(seed);
         HistoryBench bench(RenameBench::inMemory());
-        bench.host.prompts.onNoRecord = [] { return ConfirmationChoice::stop; };
+        bench.host.prompts.onNoRecord = [](const NoRecordQuestion&) { return ConfirmationChoice::stop; };
         plan.setUp(bench);
         FailingFileSystem disk;
         volume.refuse(disk);
@@ -234,7 +234,7 @@ TEST(RunJournal, ARunThatCantBeRecordedIsAskedAbout) {
         for (const FileCall call : {FileCall::makeFolders, FileCall::write, FileCall::sync}) {
             for (std::size_t number = 1; number <= 2; ++number) {
                 HistoryBench bench;
-                bench.host.prompts.onNoRecord = [&] {
+                bench.host.prompts.onNoRecord = [&](const NoRecordQuestion&) {
                     return goesOn ? ConfirmationChoice::one : ConfirmationChoice::stop;
                 };
                 bench.makeAndRead({"a"});

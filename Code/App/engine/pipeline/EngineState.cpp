@@ -1,6 +1,5 @@
 #include "engine/pipeline/EngineState.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStore.h"
@@ -15,6 +14,13 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t rowsPerCommit = 2000;
+
+/// Rows that the filter admits and the predicate tells.
+std::int32_t admitted(StoreContext& context, FetchEntity entity, const ItemFilter& filter,
+                      const Predicate& which) {
+    return static_cast<std::int32_t>(
+        context.count(entity, FilterManager::currentFilterPredicate(filter).with(which)));
+}
 
 } // namespace
 
@@ -60,14 +66,8 @@ bool EngineState::moveRowsIntoMemory(StoreContext& context) {
     return hasMoved;
 }
 
-std::int32_t EngineState::admitted(StoreContext& context, FetchEntity entity, const Predicate& which) const {
-    const ItemFilter filter = application.globalSettings().itemFilter();
-    return static_cast<std::int32_t>(
-        context.count(entity, FilterManager::currentFilterPredicate(filter).with(which)));
-}
-
-void EngineState::computeTotalNumberOfFilesForContext(StoreContext& context) {
-    const std::int32_t count = admitted(context, FetchEntity::file, Predicate::always());
+void EngineState::computeTotalNumberOfFilesForContext(StoreContext& context, const ItemFilter& filter) {
+    const std::int32_t count = admitted(context, FetchEntity::file, filter, Predicate::always());
     context.changeEngineControl().totalNumberOfFiles = count;
 }
 
@@ -76,14 +76,14 @@ void EngineState::computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext&
     context.changeEngineControl().totalNumberOfFilesSelectedOrNot = static_cast<std::int32_t>(count);
 }
 
-void EngineState::computeNumberOfFilesThatNeedRenaming(StoreContext& context) {
-    const std::int32_t count = admitted(context, FetchEntity::file, Predicate::isTrue(NodeKey::diff));
+void EngineState::computeNumberOfFilesThatNeedRenaming(StoreContext& context, const ItemFilter& filter) {
+    const std::int32_t count = admitted(context, FetchEntity::file, filter, Predicate::isTrue(NodeKey::diff));
     context.changeEngineControl().numberOfFilesThatNeedRenaming = count;
 }
 
-void EngineState::computeNumberOfFolders(StoreContext& context) {
+void EngineState::computeNumberOfFolders(StoreContext& context, const ItemFilter& filter) {
     const std::int32_t count =
-        admitted(context, FetchEntity::node, Predicate::isTrue(NodeKey::treatAsFolder));
+        admitted(context, FetchEntity::node, filter, Predicate::isTrue(NodeKey::treatAsFolder));
     context.changeEngineControl().numberOfFolders = count;
 }
 

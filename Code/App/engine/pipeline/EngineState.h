@@ -44,10 +44,10 @@ class EngineState {
     [[nodiscard]] bool busyMigratingStore() const { return migrating; }
 
     // Counters of the EngineControl row of the given context.
-    void computeTotalNumberOfFilesForContext(StoreContext& context);
+    void computeTotalNumberOfFilesForContext(StoreContext& context, const ItemFilter& filter);
     void computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext& context);
-    void computeNumberOfFilesThatNeedRenaming(StoreContext& context);
-    void computeNumberOfFolders(StoreContext& context);
+    void computeNumberOfFilesThatNeedRenaming(StoreContext& context, const ItemFilter& filter);
+    void computeNumberOfFolders(StoreContext& context, const ItemFilter& filter);
 
   protected:
     ~EngineState() = default;
@@ -58,10 +58,6 @@ class EngineState {
 
   private:
     bool moveRowsIntoMemory(StoreContext& context);
-    /// Rows of the kind that the settings admit and the predicate tells.
-    [[nodiscard]] std::int32_t admitted(StoreContext& context, FetchEntity entity,
-                                        const Predicate& which) const;
-
     std::atomic<int> stageFlagCounter{1};
     std::atomic<bool> migrating{false};
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only

@@ -1,6 +1,5 @@
 #include "engine/pipeline/RenameEngine.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/history/NamesFromRecordStage.h"
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
@@ -206,7 +205,7 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
     pipeline->addStage(std::make_unique<ReadItemsIntoDatabaseStage>(*this));
     pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
     pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
-    if (application.globalSettings().shouldPreviewConflictResolution())
+    if (pipeline->settingsOfRun().shouldPreviewConflictResolution)
         pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
     return pipeline;
 }
