@@ -1,8 +1,8 @@
-#include "ActionsCommand.h"
-
 #include "Catalogue.h"
+#include "Commands.h"
 #include "Terminal.h"
 #include "actions/ActionList.h"
+#include "platform/desktop/Quoting.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
@@ -134,17 +134,10 @@ std::string shownParameter(const ParameterDescription& parameter) {
     return text;
 }
 
-std::string shellQuoted(const std::string& text) {
-    std::string quoted = "'";
-    for (const char c : text)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + '\'';
-}
-
 std::string shownExample(const ActionEntry& entry, const ActionExample& example) {
-    std::string text = "  --action " + shellQuoted(std::string(entry.name));
+    std::string text = "  --action " + quotedForShell(std::string(entry.name));
     for (const auto& [key, value] : example.parameters)
-        text += " --set " + shellQuoted(key + "=" + text::toUtf8(textValue(value)));
+        text += " --set " + quotedForShell(key + "=" + text::toUtf8(textValue(value)));
     const std::vector<std::string> circumstances = circumstancesOf(example);
     const std::string about =
         circumstances.empty() ? "" : fmt::format("    ({})", fmt::join(circumstances, ", "));

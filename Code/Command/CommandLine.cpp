@@ -2,6 +2,8 @@
 
 #include "ExitStatus.h"
 #include "HelpTexts.h"
+#include "documents/Settings.h"
+#include "support/application/Version.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -17,8 +19,6 @@
 namespace tavrin {
 
 namespace {
-
-constexpr const char* version = "tvrn (Tavrin) 9.0.0\n";
 
 CommandLineEnd usageError(std::string_view command, std::string_view what) {
     const std::string name = command.empty() ? "tvrn" : fmt::format("tvrn {}", command);
@@ -45,7 +45,7 @@ CLI::Option* addRepeatable(CLI::App& app, const std::string& name) {
 /// The parser of one subcommand. Each is a parser of its own, so that no path is taken for a subcommand.
 class Parser {
   public:
-    Parser(std::string command, const char* help) : name(std::move(command)), helpText(help) {
+    Parser(std::string command, const std::string& help) : name(std::move(command)), helpText(help) {
         app.allow_windows_style_options(false);
         app.set_help_flag();
         app.add_flag("-h,--help", helpWanted);
@@ -92,7 +92,7 @@ class Parser {
             else if (option == setting)
                 options.settings.push_back(keyAndValue("--setting", next()));
             else if (option == recursive)
-                options.settings.emplace_back("processSubfolders", "1");
+                options.settings.emplace_back(settingKey::processSubfolders, "1");
             else if (option == parameter) {
                 if (steps.empty())
                     throw UsageError(fmt::format("--set {}: there is no --action before it", next()));
@@ -157,7 +157,7 @@ class Parser {
     }
 
     std::string name;
-    const char* helpText;
+    const std::string& helpText;
     bool helpWanted = false;
     CLI::Option* recipe = nullptr;
     CLI::Option* preset = nullptr;
@@ -287,7 +287,7 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
     if (command == "--help" || command == "-h")
         return CommandLineEnd{0, help::overview};
     if (command == "--version")
-        return CommandLineEnd{0, version};
+        return CommandLineEnd{0, fmt::format("tvrn (Tavrin) {}\n", programVersion)};
     return usageError("", fmt::format("there is no command \"{}\"", command));
 }
 

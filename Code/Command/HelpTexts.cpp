@@ -2,7 +2,32 @@
 
 namespace tavrin::help {
 
-const char* const overview = R"(tvrn renames many files and folders at once.
+namespace {
+
+/// Of preview and rename.
+constexpr const char* runOptions = R"(RECIPE, one of
+  --recipe FILE        a preset, a list of steps, or a droplet
+  --preset NAME        a saved preset, see "tvrn presets"
+  --action NAME        a step, see "tvrn actions"; repeat it for more steps
+    --set KEY=VALUE    a parameter of the step before it; repeatable
+SETTINGS
+  --setting KEY=VALUE  a global setting; repeatable
+  --recursive          also what folders hold (processSubfolders=1)
+  --store memory|file  where the list is kept; file for millions of items
+)";
+
+/// Of undo and redo.
+constexpr const char* takeBackOptions = R"(  --preview      show what would be done; touch nothing
+  --json         with --preview: one object per line
+  --replaced     also what lies in the place of an item that is gone itself, as
+                 where an editor has saved by replacing
+  --interactive  ask on the terminal before each rename and at problems
+  --quiet        say nothing but what fails
+)";
+
+} // namespace
+
+const std::string overview = R"(tvrn renames many files and folders at once.
 
 Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
        tvrn rename  [RECIPE] [SETTINGS] [OPTIONS] PATH...
@@ -28,18 +53,9 @@ Examples:
   tvrn actions "Replace text"
 )";
 
-const char* const preview = R"(tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
+const std::string preview = std::string(R"(tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
 Shows what a rename would do, and touches nothing.
-RECIPE, one of
-  --recipe FILE        a preset, a list of steps, or a droplet
-  --preset NAME        a saved preset, see "tvrn presets"
-  --action NAME        a step, see "tvrn actions"; repeat it for more steps
-    --set KEY=VALUE    a parameter of the step before it; repeatable
-SETTINGS
-  --setting KEY=VALUE  a global setting; repeatable
-  --recursive          also what folders hold (processSubfolders=1)
-  --store memory|file  where the list is kept; file for millions of items
-OUTPUT, sorted by current name
+)") + runOptions + R"(OUTPUT, sorted by current name
   --format 0|1|2       0: name TAB new name, 1: new name, 2: path TAB new name
   --json               one object per line
   --affected           only what changes
@@ -50,18 +66,9 @@ Examples:
   tvrn preview --affected --action "Make uppercase" --set fragmentSelection=2 .
 )";
 
-const char* const rename = R"(tvrn rename [RECIPE] [SETTINGS] [OPTIONS] PATH...
+const std::string rename = std::string(R"(tvrn rename [RECIPE] [SETTINGS] [OPTIONS] PATH...
 Renames the items, and says how many names it changed.
-RECIPE, one of
-  --recipe FILE        a preset, a list of steps, or a droplet
-  --preset NAME        a saved preset, see "tvrn presets"
-  --action NAME        a step, see "tvrn actions"; repeat it for more steps
-    --set KEY=VALUE    a parameter of the step before it; repeatable
-SETTINGS
-  --setting KEY=VALUE  a global setting; repeatable
-  --recursive          also what folders hold (processSubfolders=1)
-  --store memory|file  where the list is kept; file for millions of items
-OPTIONS
+)") + runOptions + R"(OPTIONS
   --interactive        ask on the terminal before each rename and at problems
   --quiet              say nothing but what fails
   --no-history         keep no record to undo it by (keepHistory=0)
@@ -72,7 +79,7 @@ Examples:
   mkdir -p e/f; tvrn rename --recursive --action "Make uppercase" e
 )";
 
-const char* const history = R"(tvrn history [--json] [RUN]
+const std::string history = R"(tvrn history [--json] [RUN]
 tvrn history --forget RUN | --clear
 Lists the past runs, newest first: run, time, who, what, state, items, folder.
 With RUN its items: folder, old name, new name, where it is now, name now.
@@ -88,43 +95,31 @@ Examples:
   tvrn history | head -n 1
 )";
 
-const char* const undo = R"(tvrn undo [OPTIONS] [RUN]
+const std::string undo = std::string(R"(tvrn undo [OPTIONS] [RUN]
 Gives the items of a run their former names again, wherever that is possible
 without touching anything else. Without RUN it is the newest that is not undone
 yet; RUN is as in "tvrn history". An undo is a run itself: redo takes it back.
 
-  --preview      show what would be done; touch nothing
-  --json         with --preview: one object per line
-  --replaced     also what lies in the place of an item that is gone itself, as
-                 where an editor has saved by replacing
-  --interactive  ask on the terminal before each rename and at problems
-  --quiet        say nothing but what fails
-
+)") + takeBackOptions + R"(
 Examples:
   touch A.TXT; tvrn rename --action "Make lowercase" A.TXT; tvrn undo
   touch B; tvrn rename --action "Make lowercase" B; tvrn undo --preview
   touch C; tvrn rename --action "Make lowercase" C; tvrn undo --quiet
 )";
 
-const char* const redo = R"(tvrn redo [OPTIONS] [RUN]
+const std::string redo = std::string(R"(tvrn redo [OPTIONS] [RUN]
 Takes an undo back. Of a run that was stopped or interrupted it does what is
 left of its plan. Without RUN it is the newest that can be redone; RUN is as in
 "tvrn history".
 
-  --preview      show what would be done; touch nothing
-  --json         with --preview: one object per line
-  --replaced     also what lies in the place of an item that is gone itself, as
-                 where an editor has saved by replacing
-  --interactive  ask on the terminal before each rename and at problems
-  --quiet        say nothing but what fails
-
+)") + takeBackOptions + R"(
 Examples:
   touch A; tvrn rename --action "Make lowercase" A; tvrn undo; tvrn redo
   touch B; tvrn rename --action "Make lowercase" B; tvrn undo; tvrn redo
   touch C; tvrn rename --action "Make lowercase" C; tvrn undo -h; tvrn history
 )";
 
-const char* const actions = R"(tvrn actions [--json] [NAME]
+const std::string actions = R"(tvrn actions [--json] [NAME]
 Lists the actions by category, or tells what one action does: its parameters for
 "--set" with their defaults and choices, and an example.
 
@@ -136,7 +131,7 @@ Examples:
   tvrn actions --json "Replace text"
 )";
 
-const char* const tags = R"(tvrn tags [--json] FILE...
+const std::string tags = R"(tvrn tags [--json] FILE...
 Shows all tags that a pattern of "Rename from tag" and its siblings can hold,
 each with its value for the file; "-" where the file has none. Dates and times
 are local.
@@ -149,7 +144,7 @@ Examples:
   tvrn tags a.txt | grep ModDate4DigitYear
 )";
 
-const char* const presets = R"(tvrn presets [--json]
+const std::string presets = R"(tvrn presets [--json]
 Lists the saved presets: name, description, file.
 
   --json    one object per line

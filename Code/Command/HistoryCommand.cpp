@@ -1,12 +1,11 @@
-#include "HistoryCommand.h"
-
+#include "Commands.h"
 #include "Terminal.h"
 #include "engine/history/JournalPlaces.h"
 #include "engine/history/RenamedAgain.h"
 #include "engine/history/RunHistory.h"
-#include "engine/pipeline/PathParts.h"
 #include "platform/desktop/UserFolders.h"
 #include "support/text/DisplayText.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,4 @@
-#include "PresetsCommand.h"
-
+#include "Commands.h"
 #include "SavedPresets.h"
 #include "Terminal.h"
 #include "support/text/DisplayText.h"

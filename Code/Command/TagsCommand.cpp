@@ -1,8 +1,7 @@
-#include "TagsCommand.h"
-
+#include "Commands.h"
 #include "Terminal.h"
 #include "platform/files/AbsolutePaths.h"
-#include "platform/metadata/FileMetadata.h"
+#include "platform/metadata/MetadataTool.h"
 #include "support/text/DisplayText.h"
 #include "support/text/Text.h"
 #include "tags/TagLibraryHelper.h"

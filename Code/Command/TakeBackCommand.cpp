@@ -1,6 +1,5 @@
-#include "TakeBackCommand.h"
 
-#include "RenameCommand.h"
+#include "Commands.h"
 #include "RowPrinter.h"
 #include "Session.h"
 #include "store/contexts/StoreContext.h"

@@ -1,14 +1,8 @@
-#include "ActionsCommand.h"
 #include "CommandLine.h"
+#include "Commands.h"
 #include "ExitStatus.h"
-#include "HistoryCommand.h"
-#include "PresetsCommand.h"
-#include "PreviewCommand.h"
-#include "RenameCommand.h"
-#include "TagsCommand.h"
-#include "TakeBackCommand.h"
 #include "Terminal.h"
-#include "platform/processes/StandardDescriptors.h"
+#include "platform/files/Descriptor.h"
 
 #include <csignal>
 #include <exception>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/processes/QueueRunLoop.h"
 #include "platform/processes/RunLoop.h"
-#include "platform/processes/TimerSet.h"
 
 #include <condition_variable>
 #include <deque>

@@ -1,15 +1,11 @@
 #include "documents/SoftwareUpdater.h"
 
-#include "common/LogRecorder.h"
 #include "common/TemporaryFolder.h"
 #include "documents/UpdateFeed.h"
 #include "platform/propertylists/UserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
 
 namespace tavrin::test {
 namespace {
@@ -47,12 +43,6 @@ TEST(SoftwareUpdaterTest, ChoosesTheNewestThatTheSystemCanRun) {
     }
 }
 
-TEST(SoftwareUpdaterTest, LogsWhatItLooksAt) {
-    LogRecorder log;
-    (void)SoftwareUpdater("9.0", "6.1").bestValidUpdateInAppcast({item("9.1", "5"), item("9.2", "7")});
-    EXPECT_THAT(log.lines(), ::testing::ElementsAre("version 9.1 minimum 5", "version 9.2 minimum 7"));
-}
-
 TEST(SoftwareUpdaterTest, KnowsWhatIsNewerThanItself) {
     const std::vector<std::tuple<const char*, const char*, bool>> cases{
         {"9.1", "9.2", true},      {"9.1", "10.0", true},    {"9.1", "9.1", false},
@@ -61,12 +51,6 @@ TEST(SoftwareUpdaterTest, KnowsWhatIsNewerThanItself) {
         {"9.1b2", "9.1b1", false}, {"9.1", "", false},       {"9.1", "x", true}};
     for (const auto& [running, offered, isNewer] : cases)
         EXPECT_EQ(SoftwareUpdater(running, "1").isNewer(item(offered)), isNewer) << running << ' ' << offered;
-}
-
-TEST(SoftwareUpdaterTest, IsOfTheVersionThatIsBuilt) {
-    std::ifstream file(TAVRIN_SOURCE_FOLDER "/CMakeLists.txt");
-    const std::string build{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_THAT(build, ::testing::HasSubstr("VERSION " + std::string(programVersion) + " "));
 }
 
 TEST(UpdateFeedTest, KnowsPathsAndAddresses) {

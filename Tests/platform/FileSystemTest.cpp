@@ -1,7 +1,6 @@
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
 #include "platform/files/FolderEntries.h"
-#include "platform/files/FolderListing.h"
 #include "platform/files/UnflaggedRename.h"
 
 #include <gtest/gtest.h>

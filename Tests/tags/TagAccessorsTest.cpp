@@ -1,4 +1,4 @@
-#include "platform/metadata/ReferenceDate.h"
+#include "platform/files/FileStatus.h"
 #include "support/text/Text.h"
 #include "tags/FakeTaggedFile.h"
 #include "tags/TagForms.h"

@@ -95,6 +95,7 @@ void BaseAction::setValue(const std::optional<PropertyValue>& value, const std::
     willChangeValueForKey(key);
     willChangeValueForKey("userDescription");
     setUndefinedValue(value, key);
+    valuesHaveChanged();
     didChangeValueForKey("userDescription");
     didChangeValueForKey(key);
 }
@@ -119,6 +120,7 @@ void BaseAction::setParameterList(const PropertyDictionary& list) {
         willChangeValueForKey(key);
     for (const auto& [key, value] : cleaned)
         store(value, key);
+    valuesHaveChanged();
     for (const auto& [key, value] : PropertyDictionary(dic))
         didChangeValueForKey(key);
 }

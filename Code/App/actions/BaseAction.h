@@ -65,8 +65,6 @@ class BaseAction {
             refreshCaches();
     }
 
-    virtual void validateNow() {}
-
     /// The menu text of the action.
     [[nodiscard]] std::u16string userDescription() const;
     [[nodiscard]] std::string description() const;
@@ -103,6 +101,9 @@ class BaseAction {
     virtual void prepareParameters();
     /// The first composed character sequence of the text under the key, written back if it was longer.
     std::u16string limitTextFieldInputTo1Character(const std::string& key);
+
+    /// Called when new values are in place, before any observer is told.
+    virtual void valuesHaveChanged() {}
 
     /// The keys on which the observable value `key` depends.
     [[nodiscard]] virtual std::vector<std::string_view>

@@ -2,6 +2,7 @@
 
 #include "actions/ActionError.h"
 #include "platform/propertylists/UserDefaults.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <algorithm>
@@ -259,10 +260,8 @@ void CompositeRenameAction::executeWithInputContext(InputContext& input, OutputC
 
 void CompositeRenameAction::addPreviewDataFor(const std::string& path, PropertyDictionary& toDictionary,
                                               InputContext& context) {
-    const auto slash = path.rfind('/');
-    const auto folder = slash == std::string::npos ? "" : path.substr(0, std::max<std::size_t>(slash, 1));
     toDictionary.insert_or_assign("oldName", context.currentName);
-    toDictionary.insert_or_assign("path", text::fromBytes(folder));
+    toDictionary.insert_or_assign("path", text::fromBytes(PathParts(path).folder));
     OutputContext output;
     executeWithInputContext(context, output);
     for (std::size_t i = 0; output.regex && i < output.regex->size(); ++i)

@@ -1,8 +1,9 @@
 #include "documents/DropletBundle.h"
 
 #include "platform/desktop/ResourceFolder.h"
-#include "platform/files/ContainedFile.h"
+#include "platform/files/FileSystem.h"
 #include "platform/propertylists/PropertyList.h"
+#include "support/text/PathParts.h"
 
 #include <fmt/format.h>
 
@@ -51,6 +52,7 @@ std::string reasonFor(int error) {
     case ELOOP:
     case ENOTDIR:
     case EINVAL:
+    case EISDIR:
         return "it is not a file of the droplet itself";
     default:
         return fmt::format("the file cannot be read: {}", std::generic_category().message(error));
@@ -70,10 +72,7 @@ DropletBundle::DropletBundle(std::string bundlePath) : folder(std::move(bundlePa
 }
 
 DropletBundle DropletBundle::forChosenPath(const std::string& path) {
-    const std::size_t name = path.rfind('/') + 1; // 0 without a slash
-    const std::size_t dot = path.rfind('.');
-    const bool hasExtension = dot != std::string::npos && dot > name;
-    return DropletBundle((hasExtension ? path.substr(0, dot) : path) + std::string(suffix));
+    return DropletBundle(std::string(withoutExtension(path)) + std::string(suffix));
 }
 
 std::optional<DropletBundle> DropletBundle::ofSettings(const std::string& settingsPath) {
@@ -86,23 +85,21 @@ std::optional<DropletBundle> DropletBundle::ofSettings(const std::string& settin
 }
 
 std::string DropletBundle::name() const {
-    std::string name = folder.substr(folder.rfind('/') + 1);
+    std::string name(lastComponent(folder));
     if (name.ends_with(suffix))
         name.resize(name.size() - suffix.size());
     return name;
 }
 
 std::string DropletBundle::enclosingFolder() const {
-    const std::size_t slash = folder.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : folder.substr(0, slash);
+    const std::string_view enclosing = PathParts(folder).folder;
+    return std::string(enclosing.empty() ? "." : enclosing);
 }
 
 std::string DropletBundle::settingsPath() const { return fmt::format("{}/{}", folder, settingsPlace); }
 std::string DropletBundle::iconPath() const { return fmt::format("{}/{}", folder, iconPlace); }
 std::string DropletBundle::launcherPath() const {
-    return fmt::format("{}{}.desktop", folder.substr(0, folder.rfind('/') + 1), name());
+    return fmt::format("{}{}.desktop", folderPrefix(folder), name());
 }
 
 bool DropletBundle::isFolder() const {
@@ -131,11 +128,11 @@ RecipeFile::Result DropletBundle::readRecipe() const {
     if (const auto* error = std::get_if<RecipeError>(&settings))
         return *error;
     const auto& root = std::get<PropertyDictionary>(settings);
-    if (!find(root, "Host Application Settings"))
+    if (!find(root, dropletKey::host))
         return RecipeError{fmt::format("{}: there is no \"Host Application Settings\"", settingsPlace)};
     // A droplet is read as one, whatever else its file may hold.
     return RecipeFile::fromPropertyList(
-        PropertyDictionary{{"Host Application Settings", *find(root, "Host Application Settings")}});
+        PropertyDictionary{{dropletKey::host, *find(root, dropletKey::host)}});
 }
 
 bool DropletBundle::isDroplet() const {
@@ -144,8 +141,7 @@ bool DropletBundle::isDroplet() const {
         return false;
     const std::variant<PropertyDictionary, RecipeError> settings = readSettings();
     const auto* root = std::get_if<PropertyDictionary>(&settings);
-    return root && isDictionary(*root, "Droplet Settings") &&
-           isDictionary(*root, "Host Application Settings");
+    return root && isDictionary(*root, dropletKey::launcher) && isDictionary(*root, dropletKey::host);
 }
 
 bool DropletBundle::holdsOnlyItsOwn() const {

@@ -67,15 +67,10 @@ Error fill(const std::string& path, const PropertyDictionary& settings) {
     return DropletBundleWriter::saveDropletSettings(settings, DropletBundle(path).settingsPath());
 }
 
-bool isThere(const std::string& path) {
-    std::error_code error;
-    return std::filesystem::symlink_status(path, error).type() != std::filesystem::file_type::not_found;
-}
-
 /// A path of a program that has been replaced while it ran.
 std::string presentProgram(std::string path) {
     constexpr std::string_view mark = " (deleted)";
-    if (path.ends_with(mark) && !isThere(path))
+    if (path.ends_with(mark) && FileSystem::sharedInstance().isAbsent(path))
         path.resize(path.size() - mark.size());
     return path;
 }
@@ -97,7 +92,7 @@ std::optional<std::string> DropletBundleWriter::writeDropletWithDictionary(const
 
 Error DropletBundleWriter::writeBundle(const PropertyDictionary& settings,
                                        const DropletBundle& bundle) const {
-    const bool replaces = isThere(bundle.path());
+    const bool replaces = !FileSystem::sharedInstance().isAbsent(bundle.path());
     if (replaces && !(bundle.isDroplet() && bundle.holdsOnlyItsOwn()))
         return failure(bundle.path(), "what is there is no droplet, or holds other files too");
     TemporaryBundle temporary(bundle.enclosingFolder());

@@ -1,10 +1,9 @@
 #include "documents/DropletLauncher.h"
 
-#include "platform/desktop/DesktopEntryText.h"
+#include "platform/desktop/Quoting.h"
 #include "platform/files/FileSystem.h"
 #include "platform/processes/ChildProcess.h"
 #include "support/text/Text.h"
-#include "support/text/Utf8.h"
 
 #include <fmt/format.h>
 
@@ -48,7 +47,7 @@ std::optional<std::string> markOf(const std::string& path) {
     while (!rest.empty()) {
         const std::string_view line = rest.substr(0, rest.find('\n'));
         if (line.starts_with(markKey))
-            return DesktopEntryText::unescaped(line.substr(markKey.size()));
+            return desktopEntry::unescaped(line.substr(markKey.size()));
         rest.remove_prefix(std::min(rest.size(), line.size() + 1));
     }
     return std::nullopt;
@@ -98,15 +97,15 @@ std::string DropletLauncher::text() const {
     // Desktop entries are UTF-8 from end to end.
     const bool canNameBundle = text::isUtf8(bundle.path());
     const bool canNameProgram = text::isUtf8(program);
-    std::string command = DesktopEntryText::quotedArgument(canNameProgram ? program : "tavrin");
+    std::string command = desktopEntry::quotedArgument(canNameProgram ? program : "tavrin");
     // Where the path can't be told, the place of the launcher has to do.
     if (canNameBundle)
-        command += " --droplet " + DesktopEntryText::quotedArgument(bundle.path());
+        command += " --droplet " + desktopEntry::quotedArgument(bundle.path());
     command += " --launcher=%k %F";
 
     std::string result = "[Desktop Entry]\nType=Application\n";
     const auto add = [&result](std::string_view key, std::string_view value) {
-        result += fmt::format("{}={}\n", key, DesktopEntryText::escaped(value));
+        result += fmt::format("{}={}\n", key, desktopEntry::escaped(value));
     };
     add("Name", shownName(bundle.name()));
     add("Comment", "Drop files here to rename them");
@@ -117,7 +116,7 @@ std::string DropletLauncher::text() const {
     add("Terminal", "false");
     add("StartupNotify", "true");
     add("Categories", "Utility;");
-    result += fmt::format("{}{}\n", markKey, canNameBundle ? DesktopEntryText::escaped(bundle.path()) : "");
+    result += fmt::format("{}{}\n", markKey, canNameBundle ? desktopEntry::escaped(bundle.path()) : "");
     return result;
 }
 

@@ -1,5 +1,6 @@
 #include "documents/DropletScript.h"
 
+#include "platform/desktop/Quoting.h"
 #include "platform/desktop/UserFolders.h"
 #include "platform/files/FileSystem.h"
 
@@ -20,14 +21,6 @@ namespace {
 constexpr std::string_view start = "#!/bin/sh\n# X-Tavrin-Droplet=";
 constexpr std::size_t longestScript = 64 * 1024;
 constexpr int mostNumbers = 100;
-
-/// The shell takes all but the quote itself as it stands.
-std::string quotedForShell(std::string_view word) {
-    std::string result = "'";
-    for (const char c : word)
-        result += c == '\'' ? "'\\''" : std::string(1, c);
-    return result + "'";
-}
 
 /// In one line, whatever the path holds.
 std::string inHexadecimal(std::string_view bytes) {
@@ -60,10 +53,7 @@ std::optional<std::string> bundleOf(const std::string& script) {
     return fromHexadecimal(mark.substr(0, mark.find('\n')));
 }
 
-bool isThere(const std::string& path) {
-    std::error_code error;
-    return std::filesystem::symlink_status(path, error).type() != std::filesystem::file_type::not_found;
-}
+bool isThere(const std::string& path) { return !FileSystem::sharedInstance().isAbsent(path); }
 
 bool mayBeOnAbsentMedium(const std::string& path) {
     constexpr std::array<std::string_view, 3> places{"/media/", "/run/media/", "/mnt/"};

@@ -5,6 +5,7 @@
 #include "platform/files/FileSystem.h"
 #include "platform/files/FolderEntries.h"
 #include "platform/propertylists/PropertyList.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <climits>
@@ -22,16 +23,6 @@ constexpr std::string_view suffix = ".tvrn8preset.plist";
 constexpr std::array<std::string_view, 2> acceptedSuffixes{suffix, ".mv8preset.plist"};
 
 PresetsManager* registered = nullptr;
-
-std::string_view lastComponent(std::string_view path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string_view::npos ? path : path.substr(slash + 1);
-}
-
-std::string_view withoutExtension(std::string_view name) {
-    const std::size_t dot = name.rfind('.');
-    return dot == std::string_view::npos || dot == 0 ? name : name.substr(0, dot);
-}
 
 std::u16string titleOf(std::string_view path) {
     return text::fromBytes(withoutExtension(withoutExtension(lastComponent(path))));
@@ -168,8 +159,7 @@ std::optional<std::string> PresetsManager::computePathForName(std::u16string_vie
 
 bool PresetsManager::isNameIsStillAvailable(const std::optional<std::u16string>& name) const {
     const std::optional<std::string> path = name ? computePathForName(*name) : std::nullopt;
-    FileStatus status;
-    return path && FileSystem::sharedInstance().followedStatus(*path, status) != 0;
+    return path && !FileSystem::sharedInstance().exists(*path);
 }
 
 PresetOutcome

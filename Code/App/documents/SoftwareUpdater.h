@@ -8,9 +8,6 @@
 
 namespace tavrin {
 
-/// Of the running program.
-inline constexpr const char* programVersion = "9.0.0";
-
 /// Chooses from a feed of updates what to offer. Neither loads nor runs anything.
 class SoftwareUpdater {
   public:

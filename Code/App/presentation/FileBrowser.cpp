@@ -1,5 +1,7 @@
 #include "presentation/FileBrowser.h"
 
+#include "support/text/PathParts.h"
+
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -26,7 +28,7 @@ void openAddress(const QUrl& address) {
 } // namespace
 
 void FileBrowser::reveal(const std::string& path) {
-    const std::string folder = path.substr(0, std::max<std::size_t>(1, path.rfind('/')));
+    const std::string folder(PathParts(path).folder);
     QDBusMessage call =
         QDBusMessage::createMethodCall("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
                                        "org.freedesktop.FileManager1", "ShowItems");

@@ -1,6 +1,6 @@
 #include "documents/DropletScript.h"
 #include "platform/desktop/FileManagerMenus.h"
-#include "platform/processes/StandardDescriptors.h"
+#include "platform/files/Descriptor.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/start/ApplicationSetup.h"
 #include "presentation/start/DropletArguments.h"

@@ -1,6 +1,6 @@
 #include "tags/TagTable.h"
 
-#include "platform/metadata/ReferenceDate.h"
+#include "platform/files/FileStatus.h"
 #include "support/text/Text.h"
 #include "support/values/CalendarFormat.h"
 #include "tags/TagForms.h"

@@ -1,7 +1,7 @@
 #include "actions/dates/DateFormatter.h"
 
 #include "platform/desktop/ResourceFolder.h"
-#include "platform/metadata/ReferenceDate.h"
+#include "platform/files/FileStatus.h"
 #include "platform/propertylists/PropertyList.h"
 #include "support/application/DebugLog.h"
 #include "support/text/Text.h"

@@ -2,7 +2,6 @@
 
 #include "platform/files/FileSystem.h"
 #include "support/text/Text.h"
-#include "support/text/Utf8.h"
 
 #include <fmt/format.h>
 

@@ -2,6 +2,7 @@
 
 #include "actions/ActionFamilies.h"
 #include "actions/list/SharedRenameLists.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
@@ -136,7 +137,7 @@ std::optional<std::u16string_view> RenameFromListAction::listedName(const InputC
     std::string file = input.inputPath();
     if (list->usesFullPosixPath())
         return list->newNameFor(key.normalized(file, ignoresCase));
-    file.erase(0, file.rfind('/') + 1);
+    file.erase(0, folderPrefix(file).size());
     auto found = list->newNameFor(key.normalized(file, ignoresCase));
     if (!found && file.find(':') != std::string::npos) {
         std::replace(file.begin(), file.end(), ':', '/');

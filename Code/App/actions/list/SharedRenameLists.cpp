@@ -1,7 +1,7 @@
 #include "actions/list/SharedRenameLists.h"
 
+#include "platform/files/FileStatus.h"
 #include "platform/files/FileSystem.h"
-#include "platform/metadata/ReferenceDate.h"
 
 #include <algorithm>
 #include <chrono>

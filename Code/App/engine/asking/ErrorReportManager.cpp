@@ -5,12 +5,14 @@
 #include "engine/pipeline/ExceptionText.h"
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/RenameEngineUtilities.h"
+#include "platform/desktop/Quoting.h"
 #include "platform/desktop/ResourceFolder.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/SandboxHelper.h"
 #include "platform/processes/ChildProcess.h"
 #include "platform/processes/RunLoop.h"
 #include "store/contexts/StoreContext.h"
+#include "support/application/Version.h"
 
 #include <fmt/chrono.h>
 
@@ -23,7 +25,6 @@ namespace tavrin {
 namespace {
 
 constexpr std::string_view productName = "Tavrin 9";
-constexpr std::string_view version = "9.0.0";
 constexpr std::string_view supportAddress = "support@tavrin.example";
 constexpr std::size_t outputLimit = 1 << 20;
 
@@ -46,20 +47,10 @@ std::string firstExecutable(std::initializer_list<const char*> programs) {
     return {};
 }
 
-std::string quoted(const std::string& path) {
-    std::string result = "'";
-    for (const char c : path) {
-        if (c == '\'')
-            result += "'\\''";
-        else
-            result += c;
-    }
-    return result + "'";
-}
-
 std::string surveyOfMachine() {
     const std::string shell = firstExecutable({"/bin/tcsh", "/bin/csh", "/bin/sh"});
-    return ErrorReportManager::runWithCommand(shell + " < " + quoted(resourcePath("error_reporting.csh")));
+    return ErrorReportManager::runWithCommand(shell + " < " +
+                                              quotedForShell(resourcePath("error_reporting.csh")));
 }
 
 } // namespace
@@ -88,7 +79,7 @@ void ErrorReportManager::writeErrorReportWithException(const std::exception& exc
 void ErrorReportManager::writeErrorReportWithString(const std::string& body, const std::string& andTitle) {
     host.progressInfo().updateStageText("Writing error report...");
     std::string text = andTitle;
-    text += fmt::format("Version: {} Time: {:%Y-%m-%d %H:%M:%S} +0000\n\n", version,
+    text += fmt::format("Version: {} Time: {:%Y-%m-%d %H:%M:%S} +0000\n\n", programVersion,
                         fmt::gmtime(std::time(nullptr)));
     text += body;
     const std::string path = reportPath();

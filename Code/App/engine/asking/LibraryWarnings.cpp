@@ -1,7 +1,7 @@
 #include "engine/asking/LibraryWarnings.h"
 
 #include "engine/asking/UserQuestions.h"
-#include "engine/pipeline/PathParts.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 namespace tavrin {

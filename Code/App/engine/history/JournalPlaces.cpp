@@ -1,7 +1,7 @@
 #include "engine/history/JournalPlaces.h"
 
-#include "engine/pipeline/PathParts.h"
 #include "engine/renaming/NameOnDisk.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,11 @@
 #include "engine/history/NamesFromRecordStage.h"
 
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/PathParts.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/pipeline/StageProgress.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>

@@ -2,7 +2,7 @@
 
 #include "engine/history/RunHistory.h"
 #include "engine/history/RunRecordReader.h"
-#include "engine/pipeline/PathParts.h"
+#include "support/text/PathParts.h"
 
 namespace tavrin {
 

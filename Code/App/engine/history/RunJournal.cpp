@@ -3,7 +3,7 @@
 #include "engine/history/RunHistory.h"
 #include "engine/planning/RenameItem.h"
 #include "engine/renaming/StandIns.h"
-#include "platform/files/PrivateFolder.h"
+#include "platform/files/FileSystem.h"
 #include "store/contexts/StoreContext.h"
 #include "support/values/Crc32.h"
 

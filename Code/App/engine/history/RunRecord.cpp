@@ -1,7 +1,7 @@
 #include "engine/history/RunRecord.h"
 
 #include "engine/renaming/NameOnDisk.h"
-#include "platform/metadata/ReferenceDate.h"
+#include "platform/files/FileStatus.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>

@@ -1,5 +1,6 @@
 #include "engine/history/RunRecordReader.h"
 
+#include "support/text/PathParts.h"
 #include "support/values/Crc32.h"
 
 #include <algorithm>
@@ -133,7 +134,7 @@ std::string RunRecordReader::commonFolder() const {
     std::string common = recordedFolders.front().path;
     for (const RecordedFolder& folder : recordedFolders) {
         while (common.size() > 1 && folder.path != common && !folder.path.starts_with(common + "/"))
-            common.resize(std::max<std::size_t>(common.rfind('/'), 1));
+            common.resize(PathParts(common).folder.size());
     }
     return common;
 }

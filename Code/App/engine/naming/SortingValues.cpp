@@ -1,8 +1,8 @@
 #include "engine/naming/SortingValues.h"
 
-#include "engine/pipeline/PathParts.h"
 #include "platform/metadata/FileManager.h"
 #include "support/text/KQStringUtilities.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <fmt/core.h>

@@ -1,8 +1,8 @@
 #include "engine/planning/RenameItem.h"
 
-#include "engine/pipeline/PathParts.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 namespace tavrin {

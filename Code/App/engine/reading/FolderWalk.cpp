@@ -1,8 +1,8 @@
 #include "engine/reading/FolderWalk.h"
 
-#include "engine/pipeline/PathParts.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 #include <cerrno>

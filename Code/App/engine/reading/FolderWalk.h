@@ -2,7 +2,7 @@
 
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 #include "platform/files/FolderEntries.h"
-#include "platform/metadata/HiddenNames.h"
+#include "platform/metadata/FileManager.h"
 #include "store/rows/NodeRow.h"
 
 #include <cstddef>

@@ -3,7 +3,7 @@
 #include "engine/pipeline/ProcessingStage.h"
 #include "engine/reading/FolderAliases.h"
 #include "platform/files/FileSystem.h"
-#include "platform/metadata/HiddenNames.h"
+#include "platform/metadata/FileManager.h"
 #include "store/rows/NodeRow.h"
 #include "store/sources/SourceItem.h"
 

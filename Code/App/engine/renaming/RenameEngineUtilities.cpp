@@ -1,5 +1,6 @@
 #include "engine/renaming/RenameEngineUtilities.h"
 
+#include "actions/SortBasedAction.h"
 #include "store/contexts/StoreContext.h"
 #include "support/application/DebugLog.h"
 
@@ -44,6 +45,15 @@ std::optional<SortDescriptor> RenameEngineUtilities::sortDescriptorForMode(int m
     if (mode < 0 || mode >= static_cast<int>(sortModes.size()))
         return std::nullopt;
     return sortModes[static_cast<std::size_t>(mode)];
+}
+
+std::vector<SortDescriptor> RenameEngineUtilities::sortDescriptorsOf(const SortBasedAction& action) {
+    std::vector<SortDescriptor> order;
+    for (const std::int32_t mode : {action.getSortingMode(), action.getSortingMode2()}) {
+        if (const auto descriptor = sortDescriptorForMode(mode))
+            order.push_back(*descriptor);
+    }
+    return order;
 }
 
 std::string RenameEngineUtilities::contentsOfDatabaseAsString(StoreContext& context) {

@@ -1,10 +1,10 @@
 #include "engine/renaming/RenamePrimitives.h"
 
-#include "engine/pipeline/PathParts.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "platform/desktop/SystemLog.h"
 #include "platform/metadata/FileManager.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 
 #include <fmt/format.h>
 

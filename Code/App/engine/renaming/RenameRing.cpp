@@ -1,9 +1,9 @@
 #include "engine/renaming/RenameRing.h"
 
-#include "engine/pipeline/PathParts.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "engine/renaming/RunFolders.h"
 
-#include "platform/files/DescriptorLimit.h"
+#include "platform/files/Descriptor.h"
 
 #include <cerrno>
 

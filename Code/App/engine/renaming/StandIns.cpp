@@ -1,9 +1,9 @@
 #include "engine/renaming/StandIns.h"
 
-#include "engine/pipeline/PathParts.h"
 #include "engine/planning/RenameItem.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
+#include "support/text/PathParts.h"
 
 #include <cerrno>
 

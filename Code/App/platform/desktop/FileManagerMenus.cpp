@@ -5,8 +5,8 @@
 #include "platform/desktop/UserFolders.h"
 #include "platform/files/FileSystem.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
-#include "support/text/Utf8.h"
 
 #include <fmt/format.h>
 
@@ -44,11 +44,6 @@ std::vector<Bytes> foldersOf(const char* variable, const Bytes& otherwise) {
     return folders;
 }
 
-bool isThere(const Bytes& path) {
-    FileStatus status;
-    return FileSystem::sharedInstance().followedStatus(path, status) == 0;
-}
-
 /// Below the user's data folder or a shared one.
 Bytes placeIn(FileManagerKind kind) {
     switch (kind) {
@@ -72,8 +67,9 @@ Bytes pathOf(FileManagerKind kind) {
 bool isSystemWide(FileManagerKind kind) {
     if (kind != FileManagerKind::dolphin && kind != FileManagerKind::nemo)
         return false;
-    return std::ranges::any_of(foldersOf("XDG_DATA_DIRS", "/usr/local/share:/usr/share"),
-                               [kind](const Bytes& folder) { return isThere(folder + placeIn(kind)); });
+    return std::ranges::any_of(
+        foldersOf("XDG_DATA_DIRS", "/usr/local/share:/usr/share"),
+        [kind](const Bytes& folder) { return FileSystem::sharedInstance().exists(folder + placeIn(kind)); });
 }
 
 MenuOutcome failed(const Bytes& path, int error) {
@@ -86,7 +82,7 @@ MenuOutcome foreign(const Bytes& path, std::string_view reason) {
 
 MenuOutcome write(const Bytes& path, std::string_view content, mode_t mode) {
     FileSystem& files = FileSystem::sharedInstance();
-    int error = files.makeFolders(path.substr(0, path.rfind('/')));
+    int error = files.makeFolders(std::string(PathParts(path).folder));
     if (error == 0)
         error = files.writeFileAtomically(path, content);
     if (error == 0 && ::chmod(path.c_str(), mode) != 0)

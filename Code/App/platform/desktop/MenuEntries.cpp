@@ -1,6 +1,6 @@
 #include "platform/desktop/MenuEntries.h"
 
-#include "platform/desktop/DesktopEntryText.h"
+#include "platform/desktop/Quoting.h"
 
 #include <fmt/format.h>
 
@@ -10,13 +10,9 @@ namespace {
 
 constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._+-";
 
-std::string quotedForShell(std::string_view program) {
-    if (program.find_first_not_of(plain) == std::string_view::npos)
-        return std::string(program);
-    std::string result = "'";
-    for (const char c : program)
-        result += c == '\'' ? std::string(R"('\'')") : std::string(1, c);
-    return result + '\'';
+/// Without quotes where the user's own list can be read more easily so.
+std::string programWord(const std::string& program) {
+    return program.find_first_not_of(plain) == std::string::npos ? program : quotedForShell(program);
 }
 
 } // namespace
@@ -27,7 +23,7 @@ std::string MenuEntries::dolphin(const std::string& program) {
                        "Actions=renameWithTavrin;\n\n"
                        "[Desktop Action renameWithTavrin]\nName=Rename with Tavrin…\n"
                        "Icon=net.calderwick.tavrin\nExec={} %F\n",
-                       mark, DesktopEntryText::escaped(DesktopEntryText::quotedArgument(program)));
+                       mark, desktopEntry::escaped(desktopEntry::quotedArgument(program)));
 }
 
 std::string MenuEntries::nemo(const std::string& program) {
@@ -35,7 +31,7 @@ std::string MenuEntries::nemo(const std::string& program) {
                        "[Nemo Action]\nActive=true\nName=Rename with Tavrin…\n"
                        "Comment=Rename the selected files and folders at once\nExec={} %F\n"
                        "Icon-Name=net.calderwick.tavrin\nSelection=notnone\nExtensions=any;\nQuote=double\n",
-                       mark, DesktopEntryText::escaped(quotedForShell(program)));
+                       mark, desktopEntry::escaped(programWord(program)));
 }
 
 std::string MenuEntries::nautilus(const std::string& program) {
@@ -63,11 +59,11 @@ if [ -n "$elsewhere" ] && [ -n "$selection" ]; then
 fi
 exec "$program" -- "$@"
 )",
-                       mark, quotedForShell(program));
+                       mark, programWord(program));
 }
 
 std::string MenuEntries::thunarCommand(const std::string& program) {
-    std::string command = quotedForShell(program);
+    std::string command = programWord(program);
     for (std::size_t at = command.find('%'); at != std::string::npos; at = command.find('%', at + 2))
         command.insert(at, 1, '%');
     return command + " %F";

@@ -1,6 +1,7 @@
 #include "platform/desktop/ResourceFolder.h"
 
 #include "platform/files/FileSystem.h"
+#include "support/text/PathParts.h"
 
 #include <array>
 #include <cstdlib>
@@ -18,7 +19,7 @@ std::string programFolder() {
     if (length <= 0)
         return {};
     const std::string program(buffer.data(), static_cast<std::size_t>(length));
-    return program.substr(0, program.rfind('/'));
+    return std::string(PathParts(program).folder);
 }
 
 } // namespace
@@ -39,8 +40,7 @@ std::string resourcePath(std::string_view name) {
     std::string path;
     for (const std::string& folder : ResourceFolder::candidates()) {
         path = folder + "/" + std::string(name);
-        FileStatus status;
-        if (FileSystem::sharedInstance().followedStatus(path, status) == 0)
+        if (FileSystem::sharedInstance().exists(path))
             return path;
     }
     return path;

@@ -1,6 +1,9 @@
 #include "platform/files/AbsolutePaths.h"
 
+#include "support/text/PathParts.h"
+
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -32,15 +35,14 @@ class PathResolver {
   public:
     std::string absolute(const std::string& given) {
         const std::string_view path = trimmed(given);
-        const std::size_t slash = path.rfind('/');
-        const std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
+        const std::string_view name = lastComponent(path);
         if (name == "." || name == ".." || name.empty())
             return given.empty() ? given : resolved(std::string(path)).value_or(given);
-        const std::string_view folder = slash == std::string_view::npos ? "." : path.substr(0, slash + 1);
-        const std::optional<std::string>& place = resolvedFolder(std::string(folder));
+        const std::string_view folder = folderPrefix(path);
+        const std::optional<std::string>& place = resolvedFolder(std::string(folder.empty() ? "." : folder));
         if (!place)
             return given;
-        return (*place == "/" ? "" : *place) + '/' + std::string(name);
+        return joinedPath(*place, name);
     }
 
   private:
@@ -63,6 +65,19 @@ std::vector<std::string> absolutePaths(const std::vector<std::string>& given) {
     for (const std::string& path : given)
         paths.push_back(resolver.absolute(path));
     return paths;
+}
+
+std::string linkTarget(const std::string& path) {
+    constexpr int mostLinks = 40; // as many as the kernel follows
+    std::filesystem::path target = path;
+    for (int links = 0; links < mostLinks; ++links) {
+        std::error_code error;
+        const std::filesystem::path next = std::filesystem::read_symlink(target, error);
+        if (error)
+            return target.string();
+        target = next.is_absolute() ? next : target.parent_path() / next;
+    }
+    return path;
 }
 
 } // namespace tavrin

@@ -9,4 +9,8 @@ namespace tavrin {
 /// stands, so that a link is not followed. One that leads nowhere stays as it is. All in bytes.
 [[nodiscard]] std::vector<std::string> absolutePaths(const std::vector<std::string>& given);
 
+/// The path that a path stands for: links at its end are followed, also one whose target is not there. A
+/// path that is no link, or leads round in a circle, stands for itself. Bytes; any thread.
+std::string linkTarget(const std::string& path);
+
 } // namespace tavrin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <unistd.h>
 #include <utility>
 
@@ -28,5 +29,14 @@ class Descriptor {
   private:
     int number = -1;
 };
+
+/// Raises the number of descriptors that the process may hold to this, or as far as the system allows; the
+/// number that it may hold now. Any thread.
+std::size_t raiseDescriptorLimit(std::size_t wanted);
+
+/// Opens those of the descriptors 0, 1 and 2 that the caller of the program has closed on /dev/null, so that
+/// nothing opened later gets their number and is taken for standard output. To be called before anything else
+/// opens a descriptor.
+void openStandardDescriptors();
 
 } // namespace tavrin

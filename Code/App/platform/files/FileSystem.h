@@ -77,6 +77,12 @@ class FileSystem {
     /// Makes a file for the user's eyes alone; EEXIST where the name is taken.
     virtual int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) = 0;
     virtual int readFile(const std::string& path, std::string& into, std::size_t limit) = 0;
+    /// Whether something is there that can be looked at; a link counts as what it leads to.
+    [[nodiscard]] bool exists(const std::string& path);
+    /// Whether nothing has this name. What can't be looked at may be there.
+    [[nodiscard]] bool isAbsent(const std::string& path);
+    /// Writes a file that is there only when it is whole; EEXIST when the name is taken.
+    [[nodiscard]] int writeNewFile(const std::string& path, std::string_view content);
     /// Renames an item within its folder without ever replacing another: EEXIST when the name is taken. Both
     /// are paths; EXDEV when they are not in one folder.
     int renameNoReplace(std::string from, std::string to);
@@ -85,5 +91,15 @@ class FileSystem {
     /// there.
     int exchangeNames(std::string first, std::string second);
 };
+
+/// Reads a regular file that lies inside a folder: no component below the folder may be a link, so that what
+/// is read cannot lie anywhere else. Returns 0 or an errno value: ELOOP or ENOTDIR for a link on the way,
+/// EISDIR for a folder, EINVAL for what is no regular file either, EFBIG beyond `limit` bytes.
+[[nodiscard]] int readContainedFile(const std::string& folder, std::string_view relativePath,
+                                    std::string& into, std::size_t limit);
+
+/// Makes the folder, and what is missing above it, for the user's eyes alone. What is there stays as it is.
+/// Returns 0 or an errno value. Any thread.
+int makePrivateFolder(const std::string& path);
 
 } // namespace tavrin

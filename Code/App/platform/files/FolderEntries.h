@@ -71,4 +71,8 @@ class FolderEntries {
     std::vector<Place> places;
 };
 
+/// Reads all entries of the folder behind a readable descriptor, from its start, sorted by the bytes of their
+/// names. Returns 0 or an errno value.
+int readFolder(int folder, FolderEntries& into);
+
 } // namespace tavrin

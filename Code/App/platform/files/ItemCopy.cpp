@@ -3,7 +3,7 @@
 #include "platform/files/Descriptor.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/FolderEntries.h"
-#include "platform/files/FolderListing.h"
+#include "support/text/PathParts.h"
 
 #include <climits>
 
@@ -166,11 +166,11 @@ std::string temporaryName() {
 } // namespace
 
 int copyItem(const std::string& from, const std::string& to) {
-    const std::size_t slash = to.rfind('/');
-    if (slash == std::string::npos || slash + 1 == to.size() || (from + to).find('\0') != std::string::npos)
+    const std::string place(folderPrefix(to));
+    const std::string name(lastComponent(to));
+    if (place.empty() || name.empty() || (from + to).find('\0') != std::string::npos)
         return EINVAL;
-    const std::string name = to.substr(slash + 1);
-    const Descriptor folder(::open(to.substr(0, slash + 1).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor folder(::open(place.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!folder)
         return errno;
     struct stat taken {};
@@ -179,7 +179,7 @@ int copyItem(const std::string& from, const std::string& to) {
     const std::string temporary = temporaryName();
     int error = Copier(folder.get()).copy({AT_FDCWD, from.c_str()}, {folder.get(), temporary.c_str()});
     if (error == 0)
-        error = FileSystem::sharedInstance().renameNoReplace(to.substr(0, slash + 1) + temporary, to);
+        error = FileSystem::sharedInstance().renameNoReplace(place + temporary, to);
     if (error != 0)
         discard({folder.get(), temporary.c_str()});
     return error;

@@ -1,9 +1,9 @@
-#include "platform/files/PosixFileSystem.h"
-
 #include "platform/files/Descriptor.h"
-#include "platform/files/FolderListing.h"
+#include "platform/files/FileStatus.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/FolderEntries.h"
 #include "platform/files/UnflaggedRename.h"
-#include "platform/metadata/ReferenceDate.h"
+#include "support/text/PathParts.h"
 
 #include <atomic>
 #include <cerrno>
@@ -158,7 +158,7 @@ class PosixAppendFile : public AppendFile {
         if (std::exchange(nameIsSafe, true))
             return 0;
         const Descriptor folder(
-            ::open(place.substr(0, place.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            ::open(std::string(folderPrefix(place)).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         return folder && ::fsync(folder.get()) == 0 ? 0 : errno;
     }
 
@@ -179,11 +179,14 @@ int writeAndSync(Descriptor file, std::string_view content) {
 /// A name in the target's folder that no one else of this system uses.
 std::string temporaryNameFor(const std::string& path) {
     static std::atomic<unsigned> counter = 0;
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
-    return folder + ".tavrin-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".tmp";
+    return std::string(folderPrefix(path)) + ".tavrin-" + std::to_string(::getpid()) + "-" +
+           std::to_string(counter++) + ".tmp";
 }
 
+/// Without O_NONBLOCK the opening of a pipe would wait for a writer.
+constexpr int readingFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+/// Of a regular file.
 int readAll(int file, std::string& into, std::size_t limit) {
     constexpr std::size_t step = 64 * 1024;
     struct stat status {};
@@ -210,6 +213,38 @@ int readAll(int file, std::string& into, std::size_t limit) {
     }
 }
 
+int makeFoldersOfMode(const std::string& path, mode_t mode) {
+    if (hasNul(path))
+        return EINVAL;
+    for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
+        const std::string part = path.substr(0, slash);
+        if (::mkdir(part.c_str(), mode) != 0) {
+            const int error = errno;
+            struct stat found {};
+            if (::stat(part.c_str(), &found) != 0)
+                return error;
+            if (!S_ISDIR(found.st_mode))
+                return ENOTDIR;
+        }
+        if (slash == std::string::npos)
+            return 0;
+    }
+}
+
+/// The file system of the running system. Stateless. A path or name that holds a NUL is refused with EINVAL.
+class PosixFileSystem : public FileSystem {
+  public:
+    int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) override;
+    int status(const std::string& path, FileStatus& into) override;
+    int followedStatus(const std::string& path, FileStatus& into) override;
+    int removeFile(const std::string& path) override;
+    int makeFolders(const std::string& path) override;
+    int writeFileAtomically(const std::string& path, std::string_view content) override;
+    int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;
+    /// Regular files only: EISDIR for a folder, EINVAL for anything else, EFBIG beyond the limit.
+    int readFile(const std::string& path, std::string& into, std::size_t limit) override;
+};
+
 std::atomic<FileSystem*> replacement = nullptr;
 
 } // namespace
@@ -224,18 +259,38 @@ void FileSystem::setSharedInstance(FileSystem* instance) {
     replacement.store(instance, std::memory_order_release);
 }
 
+bool FileSystem::exists(const std::string& path) {
+    FileStatus status;
+    return followedStatus(path, status) == 0;
+}
+
+bool FileSystem::isAbsent(const std::string& path) {
+    FileStatus found;
+    const int error = status(path, found);
+    return error == ENOENT || error == ENOTDIR;
+}
+
+int FileSystem::writeNewFile(const std::string& path, std::string_view content) {
+    const std::string beside = temporaryNameFor(path);
+    if (const int error = writeFileAtomically(beside, content))
+        return error;
+    const int error = renameNoReplace(beside, path);
+    if (error != 0)
+        static_cast<void>(removeFile(beside));
+    return error;
+}
+
 namespace {
 
 /// Opens the folder that holds both items, and gives their names in it; EXDEV when it is not the same.
 int openCommonFolder(FileSystem& system, std::string& first, std::string& second,
                      std::unique_ptr<OpenFolder>& into) {
-    const std::size_t name = first.rfind('/') + 1;
-    if (name != second.rfind('/') + 1 || first.compare(0, name, second, 0, name) != 0)
+    const std::string folder(folderPrefix(first));
+    if (folder != folderPrefix(second))
         return EXDEV;
-    const int error = system.openFolder(name == 0 ? "." : first.substr(0, name), into);
-    first.erase(0, name);
-    second.erase(0, name);
-    return error;
+    first.erase(0, folder.size());
+    second.erase(0, folder.size());
+    return system.openFolder(folder.empty() ? "." : folder, into);
 }
 
 int renameWithin(OpenFolder& folder, const std::string& from, const std::string& to) {
@@ -292,23 +347,7 @@ int PosixFileSystem::removeFile(const std::string& path) {
     return ::unlink(path.c_str()) == 0 ? 0 : errno;
 }
 
-int PosixFileSystem::makeFolders(const std::string& path) {
-    if (hasNul(path))
-        return EINVAL;
-    for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-        const std::string part = path.substr(0, slash);
-        struct stat status {};
-        if (::mkdir(part.c_str(), 0755) != 0) {
-            const int error = errno;
-            if (::stat(part.c_str(), &status) != 0)
-                return error;
-            if (!S_ISDIR(status.st_mode))
-                return ENOTDIR;
-        }
-        if (slash == std::string::npos)
-            return 0;
-    }
-}
+int PosixFileSystem::makeFolders(const std::string& path) { return makeFoldersOfMode(path, 0755); }
 
 int PosixFileSystem::writeFileAtomically(const std::string& path, std::string_view content) {
     if (hasNul(path))
@@ -341,9 +380,29 @@ int PosixFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<App
 int PosixFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {
     if (hasNul(path))
         return EINVAL;
-    // Without O_NONBLOCK the opening of a pipe would wait for a writer.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file(::open(path.c_str(), readingFlags));
     return file ? readAll(file.get(), into, limit) : errno;
 }
+
+int readContainedFile(const std::string& folder, std::string_view relativePath, std::string& into,
+                      std::size_t limit) {
+    constexpr int folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    Descriptor place(::open(folder.c_str(), folderFlags));
+    if (!place)
+        return errno;
+    for (std::size_t slash; (slash = relativePath.find('/')) != std::string_view::npos;
+         relativePath.remove_prefix(slash + 1)) {
+        const std::string component(relativePath.substr(0, slash));
+        Descriptor next(::openat(place.get(), component.c_str(), folderFlags | O_NOFOLLOW));
+        if (!next)
+            return errno;
+        place = std::move(next);
+    }
+    const Descriptor file(
+        ::openat(place.get(), std::string(relativePath).c_str(), readingFlags | O_NOFOLLOW));
+    return file ? readAll(file.get(), into, limit) : errno;
+}
+
+int makePrivateFolder(const std::string& path) { return makeFoldersOfMode(path, 0700); }
 
 } // namespace tavrin

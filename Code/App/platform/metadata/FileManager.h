@@ -1,8 +1,7 @@
 #pragma once
 
 #include "platform/files/FileSystem.h"
-#include "platform/metadata/ExifHelper.h"
-#include "platform/metadata/FileMetadata.h"
+#include "platform/metadata/MetadataTool.h"
 #include "support/values/PropertyValue.h"
 
 #include <cstdint>
@@ -11,10 +10,23 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace tavrin {
 
-class MetadataTool;
+/// The names that a folder's ".hidden" file lists, one a line, as they were when this object was made.
+class HiddenNames {
+  public:
+    HiddenNames() = default;
+    /// A list that is missing, unreadable or larger than 1 MiB counts as empty.
+    explicit HiddenNames(const std::string& folder);
+
+    [[nodiscard]] bool contains(std::string_view name) const;
+    [[nodiscard]] bool empty() const { return names.empty(); }
+
+  private:
+    std::vector<std::string> names; ///< sorted
+};
 
 /// Small file queries that the whole program shares. Paths are absolute and in bytes as the file system
 /// gives them. A path that cannot be reached gives the neutral value (false, 0, absent). Any thread.
@@ -65,10 +77,6 @@ class FileManager {
     std::optional<std::string> getTypeCode(const std::string& path) const;
     /// The four characters between the quotes of a quoted file code; absent for any other length.
     static std::optional<std::string> extractCodeString(std::string_view quoted);
-    /// Between texts and numbers in the decimal style of the user's locale: absent for a text that is no
-    /// number, empty for no number.
-    static std::optional<double> convertStringToNumber(std::u16string_view text);
-    static std::u16string convertNumberToString(std::optional<double> number);
     /// Renews the entries in the menus of file managers, where the application has registered them.
     void updateServicesMenu() const;
 
@@ -91,10 +99,6 @@ class FileManager {
     [[nodiscard]] FileMetadata allTagsFor(const std::string& path) const;
     /// The same for audio and video files by their extension, absent for all others.
     [[nodiscard]] std::optional<FileMetadata> mp3TagsFor(const std::string& path) const;
-    /// Adds n and m of a value "n of m" or "n/m" under these keys, n alone of any other; what is no number as
-    /// empty text.
-    static void extractNOfMValuesFrom(std::u16string_view value, std::string_view firstTag,
-                                      std::string_view secondTag, PropertyDictionary& addTo);
 
     /// 0001-01-01 00:00:00 UTC in seconds since 2001.
     static constexpr double distantPast = -63114076800.0;
@@ -103,11 +107,19 @@ class FileManager {
     [[nodiscard]] double now() const { return nowDate; }
 
   private:
-    struct HiddenCache;
+    /// The list of the folder that was asked for last.
+    struct HiddenCache {
+        bool contains(const std::string& inFolder, std::string_view name);
+
+        std::mutex mutex; ///< guards what follows
+        std::string folder;
+        HiddenNames names;
+        std::chrono::steady_clock::time_point readAt;
+    };
 
     double nowDate;
-    std::unique_ptr<MetadataTool> metadataTool;
-    std::unique_ptr<HiddenCache> hiddenCache;
+    mutable MetadataTool metadataTool;
+    mutable HiddenCache hiddenCache;
 };
 
 } // namespace tavrin

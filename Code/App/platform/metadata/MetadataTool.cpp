@@ -1,9 +1,11 @@
 #include "platform/metadata/MetadataTool.h"
 
-#include "platform/metadata/FileManager.h"
 #include "platform/processes/ToolProcess.h"
 #include "support/application/DebugLog.h"
 #include "support/text/Text.h"
+#include "support/values/DecimalNumbers.h"
+
+#include <fmt/format.h>
 
 #include <filesystem>
 #include <optional>
@@ -33,6 +35,45 @@ std::u16string_view trimmed(std::u16string_view text) {
     while (!text.empty() && text::isWhitespaceOrNewline(text.back()))
         text.remove_suffix(1);
     return text;
+}
+
+/// Made at first use: opening the locale's data takes time that most runs need not spend.
+const DecimalNumbers& integerFormatter() {
+    static const DecimalNumbers formatter(DecimalNumbers::userLocale());
+    return formatter;
+}
+
+std::optional<double> convertStringToNumber(std::u16string_view text) {
+    return integerFormatter().numberFrom(text);
+}
+
+std::u16string convertNumberToString(std::optional<double> number) {
+    return number ? integerFormatter().textOf(*number) : std::u16string();
+}
+
+/// What stands before and behind the first of a separator, up to the second.
+std::optional<std::pair<std::u16string_view, std::u16string_view>> splitAt(std::u16string_view text,
+                                                                           std::u16string_view separator) {
+    const std::size_t at = text.find(separator);
+    if (at == std::u16string_view::npos)
+        return std::nullopt;
+    const std::u16string_view rest = text.substr(at + separator.size());
+    return std::pair(text.substr(0, at), rest.substr(0, rest.find(separator)));
+}
+
+/// Adds n and m of a value "n of m" or "n/m" under these keys, n alone of any other; what is no number as
+/// empty text.
+void extractNOfMValuesFrom(std::u16string_view value, std::string_view firstTag, std::string_view secondTag,
+                           PropertyDictionary& addTo) {
+    const auto normalized = [](std::u16string_view text) {
+        return convertNumberToString(convertStringToNumber(text));
+    };
+    auto parts = splitAt(value, u" of ");
+    if (!parts)
+        parts = splitAt(value, u"/");
+    addTo.insert_or_assign(std::string(firstTag), normalized(parts ? parts->first : value));
+    if (parts)
+        addTo.insert_or_assign(std::string(secondTag), normalized(parts->second));
 }
 
 /// Reads the lines of an answer. A value is stored when the next key comes: the last key's is left out.
@@ -68,9 +109,9 @@ class AnswerReader {
 
     void store() {
         if (*key == "TrackNumber" || *key == "Track")
-            FileManager::extractNOfMValuesFrom(value, "track", "numTrack", dictionary);
+            extractNOfMValuesFrom(value, "track", "numTrack", dictionary);
         else if (*key == "DiskNumber" || *key == "PartOfSet")
-            FileManager::extractNOfMValuesFrom(value, "cd", "numCds", dictionary);
+            extractNOfMValuesFrom(value, "cd", "numCds", dictionary);
         else
             dictionary.insert_or_assign(*key, value);
     }
@@ -165,6 +206,10 @@ PropertyDictionary MetadataTool::parseAnswer(const std::string& bytes) {
             return std::move(reader.dictionary);
         rest.remove_prefix(end + 1);
     }
+}
+
+std::string unreadMetadataOf(std::size_t files) {
+    return fmt::format("The metadata of {} {} could not be read", files, files == 1 ? "file" : "files");
 }
 
 } // namespace tavrin

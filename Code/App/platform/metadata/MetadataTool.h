@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/metadata/FileMetadata.h"
+#include "support/values/PropertyValue.h"
 
 #include <array>
 #include <chrono>
@@ -10,6 +10,15 @@
 #include <string>
 
 namespace tavrin {
+
+/// What came of asking for the metadata of a file.
+struct FileMetadata {
+    PropertyDictionary tags = {}; ///< texts by key; empty for a file that has none, too
+    std::string failure = {};     ///< why they could not be read, as a part of a sentence; else empty
+};
+
+/// "The metadata of 2 files could not be read", for a reason to follow.
+[[nodiscard]] std::string unreadMetadataOf(std::size_t files);
 
 class ToolProcess;
 

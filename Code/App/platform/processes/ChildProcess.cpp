@@ -1,7 +1,6 @@
 #include "platform/processes/ChildProcess.h"
 
 #include "platform/files/Descriptor.h"
-#include "platform/processes/DescriptorWait.h"
 #include "platform/processes/SpawnSettings.h"
 
 #include <algorithm>

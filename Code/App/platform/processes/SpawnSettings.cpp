@@ -1,6 +1,11 @@
 #include "platform/processes/SpawnSettings.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <limits>
+#include <poll.h>
 #include <unistd.h>
 
 namespace tavrin {
@@ -54,6 +59,18 @@ int SpawnSettings::spawn(pid_t& child, const std::vector<std::string>& arguments
     const auto argumentPointers = pointersTo(arguments);
     return posix_spawnp(&child, argumentPointers[0], &actions, &attributes, argumentPointers.data(),
                         pointersTo(environment).data());
+}
+
+bool waitFor(int descriptor, short events, std::chrono::steady_clock::time_point end) {
+    for (;;) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        const auto pause = std::clamp<std::int64_t>(left.count(), 0, std::numeric_limits<int>::max());
+        pollfd waiting{descriptor, events, 0};
+        const int news = ::poll(&waiting, 1, static_cast<int>(pause));
+        if (news >= 0 || errno != EINTR)
+            return news > 0;
+    }
 }
 
 } // namespace tavrin

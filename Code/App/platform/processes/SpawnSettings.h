@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <spawn.h>
 #include <string>
 #include <sys/types.h>
@@ -29,5 +30,9 @@ class SpawnSettings {
     posix_spawn_file_actions_t actions{};
     posix_spawnattr_t attributes{};
 };
+
+/// Waits until one of these poll events, or an error, is there for the descriptor; false when the end is
+/// past.
+[[nodiscard]] bool waitFor(int descriptor, short events, std::chrono::steady_clock::time_point end);
 
 } // namespace tavrin

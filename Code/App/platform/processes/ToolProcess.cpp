@@ -1,7 +1,7 @@
 #include "platform/processes/ToolProcess.h"
 
-#include "platform/processes/DescriptorWait.h"
 #include "platform/processes/SpawnSettings.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 #include <array>
@@ -80,7 +80,7 @@ std::unique_ptr<ToolProcess> ToolProcess::start(const std::string& program, Prot
     SpawnSettings settings;
     settings.use(childInput.get(), STDIN_FILENO);
     settings.use(childOutput.get(), STDOUT_FILENO);
-    settings.startIn(program.substr(0, program.rfind('/') + 1));
+    settings.startIn(std::string(folderPrefix(program)));
     pid_t child = 0;
     error = settings.spawn(child, {program}, cleanEnvironment());
     if (error != 0)

@@ -1,13 +1,16 @@
 #include "platform/propertylists/DefaultsFile.h"
 
+#include "platform/files/AbsolutePaths.h"
 #include "platform/files/FileSystem.h"
-#include "platform/files/LinkTarget.h"
-#include "platform/files/NewFile.h"
 #include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/PropertyListScalars.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 
 #include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <thread>
 #include <utility>
 
 namespace tavrin {
@@ -62,7 +65,7 @@ std::variant<std::string, int> DefaultsFile::copyAside(std::string_view label) c
     }
     for (int number = 1; number <= mostNames; ++number) {
         std::string copy = numbered(path + ".saved-" + std::string(label), number);
-        const int error = writeNewFile(copy, bytes);
+        const int error = files.writeNewFile(copy, bytes);
         std::string found;
         if (error == 0 ||
             (error == EEXIST && files.readFile(copy, found, plist::sizeLimit) == 0 && found == bytes))
@@ -83,9 +86,26 @@ bool DefaultsFile::store(const PropertyDictionary& values) {
 }
 
 bool DefaultsFile::makeFolder() {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos || slash == 0 ||
-           FileSystem::sharedInstance().makeFolders(path.substr(0, slash)) == 0;
+    const std::string folder(PathParts(path).folder);
+    return folder.empty() || FileSystem::sharedInstance().makeFolders(folder) == 0;
+}
+
+std::optional<FileLock> FileLock::take(const std::string& path, std::chrono::milliseconds patience) {
+    constexpr std::chrono::milliseconds pause(5);
+    Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
+    if (!file)
+        return std::nullopt;
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR)
+            continue;
+        if (errno != EWOULDBLOCK)
+            break;
+        if (std::chrono::steady_clock::now() >= end)
+            return std::nullopt;
+        std::this_thread::sleep_for(pause);
+    }
+    return FileLock(std::move(file));
 }
 
 } // namespace tavrin

@@ -1,11 +1,8 @@
 #include "platform/propertylists/PropertyList.h"
 
 #include "platform/files/FileSystem.h"
-#include "platform/files/NewFile.h"
-#include "platform/propertylists/PropertyListBinaryReader.h"
+#include "platform/propertylists/PropertyListFormats.h"
 #include "platform/propertylists/PropertyListScalars.h"
-#include "platform/propertylists/PropertyListXmlReader.h"
-#include "platform/propertylists/PropertyListXmlWriter.h"
 
 #include <fmt/format.h>
 
@@ -61,7 +58,9 @@ PropertyList::Written PropertyList::writeAtomically(const PropertyValue& value, 
 }
 
 PropertyList::Written PropertyList::writeNew(const PropertyValue& value, const std::string& path) {
-    return writeBy(value, [&](const std::string& content) { return writeNewFile(path, content); });
+    return writeBy(value, [&](const std::string& content) {
+        return FileSystem::sharedInstance().writeNewFile(path, content);
+    });
 }
 
 std::optional<std::u16string> textOrData(const PropertyValue& value) {

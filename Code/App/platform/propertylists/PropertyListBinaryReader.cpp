@@ -1,5 +1,4 @@
-#include "platform/propertylists/PropertyListBinaryReader.h"
-
+#include "platform/propertylists/PropertyListFormats.h"
 #include "platform/propertylists/PropertyListScalars.h"
 #include "support/text/Text.h"
 

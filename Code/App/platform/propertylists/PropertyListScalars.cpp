@@ -1,6 +1,6 @@
 #include "platform/propertylists/PropertyListScalars.h"
 
-#include "platform/metadata/ReferenceDate.h"
+#include "platform/files/FileStatus.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,4 @@
-#include "platform/propertylists/PropertyListXmlReader.h"
-
+#include "platform/propertylists/PropertyListFormats.h"
 #include "platform/propertylists/PropertyListScalars.h"
 #include "platform/propertylists/XmlParser.h"
 #include "support/text/Text.h"

@@ -1,7 +1,6 @@
 #include "platform/propertylists/UserDefaults.h"
 
 #include "platform/desktop/UserFolders.h"
-#include "platform/files/FileLock.h"
 #include "platform/propertylists/DefaultsFile.h"
 #include "support/text/Text.h"
 

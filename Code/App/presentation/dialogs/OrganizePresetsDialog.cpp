@@ -7,7 +7,7 @@
 #include "presentation/dialogs/PresetDialog.h"
 #include "shell/commands/MainController.h"
 #include "support/text/Text.h"
-#include "support/values/ListTransformers.h"
+#include "support/values/ValueTransformers.h"
 
 #include <fmt/format.h>
 

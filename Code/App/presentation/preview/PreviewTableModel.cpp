@@ -5,6 +5,7 @@
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "shell/commands/MainController.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <algorithm>
@@ -178,8 +179,7 @@ QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) cons
     case state:
         return QString::fromUtf8(stateSymbols[static_cast<std::size_t>(stateOf(row))]);
     case folder:
-        return shownName(
-            text::fromBytes(row.fullPath.substr(0, std::max<std::size_t>(1, row.fullPath.rfind('/')))));
+        return shownName(text::fromBytes(PathParts(row.fullPath).folder));
     default:
         if (column >= regex1 && column <= regex6 && row.regex)
             return shownName((*row.regex)[static_cast<std::size_t>(column - regex1)]);

@@ -4,6 +4,7 @@
 #include "platform/files/FolderEntries.h"
 #include "presentation/preview/NameProblems.h"
 #include "shell/commands/MainController.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <algorithm>
@@ -100,8 +101,7 @@ void ProblemScan::takeRow(const PreviewList::Row& row) {
         return;
     }
     if (auto name = bytesOf(row.finalName))
-        wishes[row.fullPath.substr(0, std::max<std::size_t>(1, row.fullPath.rfind('/')))].push_back(
-            {row.id, std::move(*name)});
+        wishes[std::string(PathParts(row.fullPath).folder)].push_back({row.id, std::move(*name)});
 }
 
 ProblemScan::Comparison ProblemScan::compare(const Folders& folders, const std::atomic<bool>& isStopped) {

@@ -1,6 +1,7 @@
 #include "presentation/preview/TypeIcons.h"
 
 #include "presentation/GlyphIcon.h"
+#include "support/text/PathParts.h"
 
 #include <QHash>
 #include <QMimeDatabase>
@@ -23,12 +24,9 @@ QIcon lookedUp(const QString& extension, bool isFolder) {
 
 QIcon TypeIcons::iconFor(const std::string& path, bool isFolder) {
     static QHash<QString, QIcon> known;
-    const std::size_t dot = path.rfind('.');
-    const std::size_t slash = path.rfind('/');
-    const bool hasExtension = dot != path.npos && (slash == path.npos || dot > slash + 1);
-    const QString extension = isFolder       ? QString("/")
-                              : hasExtension ? QString::fromUtf8(path.c_str() + dot + 1).toLower()
-                                             : QString();
+    const std::string_view ending = extensionOf(path);
+    const QString extension =
+        isFolder ? QString("/") : QString::fromUtf8(ending.data(), std::ssize(ending)).toLower();
     auto found = known.find(extension);
     if (found == known.end())
         found = known.insert(extension, lookedUp(extension, isFolder));

@@ -1,6 +1,7 @@
 #include "presentation/start/WindowArguments.h"
 
 #include "platform/files/AbsolutePaths.h"
+#include "support/application/Version.h"
 #include "support/text/DisplayText.h"
 
 #include <algorithm>
@@ -21,7 +22,6 @@ const char* const usage =
     "Opens the window with these files and folders in its list. Where it is open already, "
     "they are added\nthere. \"--\" ends the options. The command for the terminal is tvrn.\n"
     "A droplet renames these files and ends; without files it is opened for editing.\n";
-const char* const version = "tavrin (Tavrin) 9.0.0\n";
 
 /// Options of Qt that it also takes with two dashes.
 constexpr std::array<std::string_view, 4> qtOptions{"--platform", "--style", "--session", "--platformtheme"};
@@ -44,7 +44,7 @@ std::variant<WindowArguments::End, WindowArguments> WindowArguments::take(int& c
         if (argument == "--help" || argument == "-h")
             return End{0, usage};
         if (argument == "--version")
-            return End{0, version};
+            return End{0, std::string("tavrin (Tavrin) ") + programVersion + "\n"};
         if (argument == "--") {
             result.behindDashes.assign(arguments + i + 1, arguments + count);
             count = i;

@@ -7,7 +7,7 @@
 #include "presentation/steps/StepDelegate.h"
 #include "presentation/steps/StepsModel.h"
 #include "shell/commands/MainController.h"
-#include "support/values/ListTransformers.h"
+#include "support/values/ValueTransformers.h"
 
 #include <QAction>
 #include <QHBoxLayout>

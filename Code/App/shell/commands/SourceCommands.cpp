@@ -1,6 +1,5 @@
 #include "shell/commands/SourceCommands.h"
 
-#include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "shell/asking/FrontEnd.h"
@@ -8,6 +7,7 @@
 #include "shell/start/StoreOwner.h"
 #include "store/paging/StoreError.h"
 #include "store/sources/SourceItemManager.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 #include <string_view>
@@ -16,13 +16,6 @@
 namespace tavrin {
 
 namespace {
-
-std::string_view parentOf(std::string_view path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string_view::npos)
-        return {};
-    return slash == 0 ? path.substr(0, 1) : path.substr(0, slash);
-}
 
 /// Paths of one folder, as places in the list given.
 struct Group {
@@ -36,7 +29,7 @@ std::vector<Group> groupedByFolder(const std::vector<std::string>& paths) {
     std::unordered_map<std::string_view, std::size_t> groupOf;
     std::size_t last = 0;
     for (std::size_t place = 0; place < paths.size(); ++place) {
-        const std::string_view folder = parentOf(paths[place]);
+        const std::string_view folder = PathParts(paths[place]).folder;
         if (groups.empty() || groups[last].folder != folder) {
             const auto [entry, isNew] = groupOf.try_emplace(folder, groups.size());
             if (isNew)
@@ -171,7 +164,6 @@ void SourceCommands::clearList() {
     if (!services.engine.isBusy())
         store.releaseRetired();
     services.frontEnd.previewListChanged();
-    services.composite.getCurrentAction().validateNow();
     preview.initiateDelayedPreviewUpdate();
 }
 

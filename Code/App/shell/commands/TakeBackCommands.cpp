@@ -6,6 +6,7 @@
 #include "shell/preview/PreviewControl.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStore.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
@@ -37,8 +38,7 @@ std::string descriptionOf(const ChosenRun& chosen) {
         return text;
     if (run.end && !finishes)
         text += " of " + countOf(run.end->changed);
-    const std::string folder = run.folder.substr(run.folder.rfind('/') + 1);
-    if (!folder.empty())
+    if (const std::string_view folder = lastComponent(run.folder); !folder.empty())
         text += " in " + text::toUtf8(text::fromBytes(folder));
     return text;
 }

@@ -2,6 +2,7 @@
 
 #include "documents/SoftwareUpdater.h"
 #include "shell/commands/ShellServices.h"
+#include "support/application/Version.h"
 
 #include <functional>
 #include <memory>

@@ -2,6 +2,7 @@
 #include "store/contexts/StoreContextImpl.h"
 #include "store/queries/SortKeys.h"
 #include "store/rows/RowSummary.h"
+#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <algorithm>
@@ -17,19 +18,6 @@ namespace {
 
 constexpr std::size_t keptCursors = 8;
 constexpr std::size_t keptSortedLists = 4;
-
-std::string_view folderOf(std::string_view path) {
-    const std::size_t slash = path.find_last_of('/');
-    if (slash == std::string_view::npos)
-        return {};
-    return path.substr(0, slash == 0 ? 1 : slash);
-}
-
-std::string_view componentOf(std::string_view path) {
-    const std::size_t slash = path.find_last_of('/');
-    const std::string_view last = slash == std::string_view::npos ? path : path.substr(slash + 1);
-    return last.empty() ? std::string_view("/") : last;
-}
 
 std::uint64_t hashOf(std::string_view text) { return std::hash<std::string_view>{}(text); }
 
@@ -355,7 +343,7 @@ RowId StoreContext::fileWithPath(std::string_view path) {
         const FolderTable::Folder* own = impl->store.folders.withPath(path);
         if (own != nullptr && (impl->store.summaries[own->row] & rowSummary::isFile))
             return own->row;
-        const FolderTable::Folder* parent = impl->store.folders.withPath(folderOf(path));
+        const FolderTable::Folder* parent = impl->store.folders.withPath(PathParts(path).folder);
         if (parent == nullptr)
             return noRow;
         folder = parent->row;

@@ -6,6 +6,7 @@
 #include "store/paging/RowImages.h"
 #include "store/queries/RowMatcher.h"
 #include "store/rows/RowBlock.h"
+#include "support/text/PathParts.h"
 
 #include <cstdint>
 #include <memory>
@@ -16,6 +17,12 @@
 #include <vector>
 
 namespace tavrin {
+
+/// The last component of a path as rows have it: the root's is "/".
+inline std::string_view componentOf(std::string_view path) {
+    const std::string_view last = lastComponent(path);
+    return last.empty() ? "/" : last;
+}
 
 /// The inside of a context: blocks of rows read so far, changes staged in them, cursors and sorted lists.
 struct StoreContext::Impl {

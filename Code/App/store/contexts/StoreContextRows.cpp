@@ -17,12 +17,6 @@ namespace tavrin {
 
 namespace {
 
-std::string_view lastComponent(std::string_view path) {
-    const std::size_t slash = path.find_last_of('/');
-    const std::string_view last = slash == std::string_view::npos ? path : path.substr(slash + 1);
-    return last.empty() ? std::string_view("/") : last;
-}
-
 std::string joined(std::string_view folder, std::string_view component) {
     std::string path(folder);
     if (path.empty() || path.back() != '/')
@@ -408,7 +402,7 @@ RowId StoreContext::insertGhostNode(std::string_view path, const FileIdentity& i
     row.treatAsFolder = true;
     row.setIdentity(identity);
     row.kind = FileStatus::Kind::folder;
-    const RowId id = impl->insert(row, lastComponent(path));
+    const RowId id = impl->insert(row, componentOf(path));
     impl->stagedFolders.try_emplace(std::string(path), id);
     impl->staged.folderPaths.emplace(id, path);
     return id;

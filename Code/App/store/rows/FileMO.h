@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/metadata/FileMetadata.h"
+#include "platform/metadata/MetadataTool.h"
 #include "store/rows/NodeRow.h"
 #include "support/values/PropertyValue.h"
 

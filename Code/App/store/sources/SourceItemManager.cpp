@@ -4,6 +4,7 @@
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
 #include "support/application/DebugLog.h"
+#include "support/text/PathParts.h"
 
 #include <mutex>
 #include <stdexcept>
@@ -14,14 +15,6 @@ namespace tavrin {
 namespace {
 
 SourceItemManager* registeredInstance = nullptr;
-
-/// The path without its last component; "/" has none.
-std::string withoutLastComponent(const std::string& path) {
-    const std::size_t slash = path.find_last_of('/');
-    if (slash == std::string::npos)
-        return {};
-    return path.substr(0, slash == 0 ? 1 : slash);
-}
 
 } // namespace
 
@@ -91,7 +84,7 @@ bool SourceItemManager::changeTo(const std::string& oldPath, const std::string& 
 bool SourceItemManager::checkPathValidity(const std::string& folder) {
     StoreContext& context = mainContext();
     std::scoped_lock lock(context.mutex());
-    for (std::string path = folder; !path.empty(); path = withoutLastComponent(path)) {
+    for (std::string path = folder; !path.empty(); path = PathParts(std::string(path)).folder) {
         if (context.sourceItemWithPath(path))
             return false;
         if (path == "/")

@@ -82,4 +82,15 @@ std::int32_t intValue(std::u16string_view text);
 /// Literals of code for messages: ASCII or UTF-8 source text.
 std::u16string fromUtf8(std::string_view utf8);
 
+/// Whether bytes are well-formed UTF-8 (RFC 3629).
+[[nodiscard]] bool isUtf8(std::string_view bytes);
+
+/// Whether a text made from bytes holds an escape for one that could not be decoded: a low surrogate that is
+/// no half of a pair.
+[[nodiscard]] bool hasEscape(std::u16string_view text);
+
+/// The edges of all composed character sequences of a text, 0 and the length included, into a reused
+/// buffer. An empty text has the one edge 0.
+void sequenceEdges(std::u16string_view text, std::vector<std::size_t>& edges);
+
 } // namespace tavrin::text

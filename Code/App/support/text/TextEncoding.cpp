@@ -1,9 +1,15 @@
 #include "support/text/Text.h"
 #include "support/text/TextUnits.h"
 
+#include <unicode/ucnv.h>
+#include <unicode/ustring.h>
+
 #include <algorithm>
+#include <memory>
+#include <string>
 
 namespace tavrin::text {
+
 namespace {
 
 constexpr char16_t escapeBase = 0xDC00;
@@ -191,6 +197,75 @@ int compareByCodePoint(std::u16string_view a, std::u16string_view b) {
         return c > 0xFFFF ? 0x10000u + text[at] : c;
     };
     return rank(a) < rank(b) ? -1 : 1;
+}
+
+namespace {
+
+std::optional<std::u16string> decodedUtf8(std::string_view bytes) {
+    std::u16string text(bytes.size(), u'\0');
+    UErrorCode status = U_ZERO_ERROR;
+    std::int32_t length = 0;
+    u_strFromUTF8(text.data(), static_cast<std::int32_t>(text.size()), &length, bytes.data(),
+                  static_cast<std::int32_t>(bytes.size()), &status);
+    if (U_FAILURE(status))
+        return std::nullopt;
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+std::u16string decodedMacRoman(std::string_view bytes) {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open("macintosh", &status),
+                                                                       &ucnv_close);
+    std::u16string text(bytes.size(), u'\0');
+    const std::int32_t length =
+        ucnv_toUChars(converter.get(), text.data(), static_cast<std::int32_t>(text.size()), bytes.data(),
+                      static_cast<std::int32_t>(bytes.size()), &status);
+    text.resize(U_FAILURE(status) ? 0 : static_cast<std::size_t>(length));
+    return text;
+}
+
+} // namespace
+
+std::u16string fromUtf8OrMacRoman(std::string_view bytes) {
+    std::optional<std::u16string> text = decodedUtf8(bytes);
+    return text ? std::move(*text) : decodedMacRoman(bytes);
+}
+
+namespace {
+
+bool isAsciiByte(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+
+/// The end of the stretch of ASCII that begins at `at`.
+std::size_t asciiEnd(std::string_view bytes, std::size_t at) {
+    while (at + 8 <= bytes.size() && (units::load(bytes.data() + at) & 0x8080808080808080ULL) == 0)
+        at += 8;
+    while (at < bytes.size() && isAsciiByte(bytes[at]))
+        ++at;
+    return at;
+}
+
+} // namespace
+
+bool hasEscape(std::u16string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (units::isLowSurrogate(text[i]) && (i == 0 || !units::isHighSurrogate(text[i - 1])))
+            return true;
+    return false;
+}
+
+/// Long stretches of ASCII are passed over, and no more is decoded at once than stands between two of them.
+bool isUtf8(std::string_view bytes) {
+    std::u16string decoded;
+    for (std::size_t at = asciiEnd(bytes, 0); at < bytes.size();) {
+        const auto* const end = std::find_if(bytes.begin() + at, bytes.end(), isAsciiByte);
+        const auto length = static_cast<std::size_t>(end - (bytes.begin() + at));
+        fromBytes(bytes.substr(at, length), decoded);
+        if (hasEscape(decoded))
+            return false;
+        at = asciiEnd(bytes, at + length);
+    }
+    return true;
 }
 
 } // namespace tavrin::text

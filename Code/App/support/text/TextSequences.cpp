@@ -1,4 +1,3 @@
-#include "support/text/TextSequences.h"
 
 #include "support/text/Text.h"
 #include "support/text/TextIcu.h"

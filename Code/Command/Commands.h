@@ -1,0 +1,38 @@
+#pragma once
+
+#include "CommandLine.h"
+#include "ExitStatus.h"
+
+#include <cstdint>
+#include <string>
+
+// What main runs, a function for each command. All throw UsageError.
+
+namespace tavrin {
+
+/// `tvrn preview`: prints what a rename would do, and touches nothing.
+ExitStatus runPreviewCommand(const PreviewOptions& options);
+
+/// `tvrn rename`: renames, and says how many names it changed.
+ExitStatus runRenameCommand(const RenameOptions& options);
+
+/// `tvrn history`: lists past runs or the items of one, or forgets some.
+ExitStatus runHistoryCommand(const HistoryOptions& options);
+
+/// `tvrn undo` and `tvrn redo`.
+ExitStatus runTakeBackCommand(const TakeBackOptions& options);
+
+/// `tvrn actions`: tells the catalogue, or one action of it, on standard output.
+ExitStatus runActionsCommand(const ActionsOptions& options);
+
+/// `tvrn tags`: tells all tags of the tag library with their values for each file on standard output; nothing
+/// when there is a file that cannot be read.
+ExitStatus runTagsCommand(const TagsOptions& options);
+
+/// `tvrn presets`: lists the saved presets on standard output.
+ExitStatus runPresetsCommand(const PresetsOptions& options);
+
+/// How many names were changed, as a line.
+[[nodiscard]] std::string summaryOf(std::int32_t count);
+
+} // namespace tavrin

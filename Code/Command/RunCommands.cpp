@@ -1,0 +1,50 @@
+#include "Commands.h"
+#include "RowPrinter.h"
+#include "Session.h"
+#include "store/contexts/StoreContext.h"
+
+#include <fmt/format.h>
+
+#include <mutex>
+
+namespace tavrin {
+
+ExitStatus runPreviewCommand(const PreviewOptions& options) {
+    Session session(options.run);
+    session.preview();
+    if (!session.wasInterrupted()) {
+        StoreContext& context = session.context();
+        const std::lock_guard lock(context.mutex());
+        RowPrinter(options, session.terminal().output(), session.terminal().outputIsTerminal())
+            .print(context, session.filter());
+    }
+    return session.finish();
+}
+
+std::string summaryOf(std::int32_t count) {
+    if (count == 0)
+        return "No file names were changed.\n";
+    return count == 1 ? "1 file name was changed.\n" : fmt::format("{} file names were changed.\n", count);
+}
+
+ExitStatus runRenameCommand(const RenameOptions& options) {
+    Session session(options.run);
+    if (options.noHistory)
+        session.keepHistory(false);
+    if (options.requireHistory)
+        session.requireHistory();
+    if (options.interactive)
+        session.beInteractive();
+    else
+        session.beInteractiveIfSet();
+    if (options.quiet)
+        session.showNoProgress();
+    session.preview();
+    if (!session.wasInterrupted())
+        session.rename();
+    if (!options.quiet && (session.hasRun() || session.wasInterrupted()))
+        session.terminal().output().append(summaryOf(session.renamedCount()));
+    return session.finish();
+}
+
+} // namespace tavrin
