@@ -57,9 +57,7 @@ class SilentFrontEnd : public FrontEnd {
   public:
     void showAlert(const Alert&, std::function<void(AlertAnswer)>) override {}
     void showNotice(NoticeDialog, std::function<void(NoticeAnswer)>) override {}
-    void showConfirmationSheet(ConfirmationSheet, const PropertyDictionary&,
-                               const std::optional<std::string>&,
-                               std::function<void(ConfirmationChoice)>) override {}
+    void ask(const RunQuestion&, std::function<void(ConfirmationChoice)>) override {}
     void showProcessingErrors(const FailureReport&, std::function<void()>) override {}
     void askForFilesToAdd(const std::string&, std::function<void(std::optional<FilesToAdd>)>) override {}
     void askForFileListFormat(std::function<void(FileListChoice)>) override {}
@@ -79,9 +77,7 @@ class Application {
         UserDefaults::setSharedInstance(&defaults);
         defaults.setObject("store", 1);
         defaults.setObject("loggerIsOn", false);
-        const std::string menus = resourcePath("popUpIndexToNameMapping.plist");
-        actions = std::make_unique<ActionList>(
-            std::get<ActionList::Resources>(ActionList::readResources(menus.substr(0, menus.rfind('/')))));
+        actions = std::make_unique<ActionList>();
         ActionList::setSharedActionList(actions.get());
         MainController::Options options = MainController::Options::standard();
         options.usesUserFolders = false;

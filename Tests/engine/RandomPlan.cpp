@@ -27,6 +27,12 @@ std::vector<std::string> components(const std::string& path) {
 
 } // namespace
 
+const std::vector<Volume> volumes{
+    {"all", {}},
+    {"no exchange", {FileCall::exchange}},
+    {"no flag", {FileCall::exchange, FileCall::rename}},
+    {"no flag, no link", {FileCall::exchange, FileCall::rename, FileCall::link}}};
+
 RandomPlan::RandomPlan(unsigned seed) : random(seed) { addItem("box", upTo(1) ? "box" : "Box", "", true, 0); }
 
 void RandomPlan::addItem(const std::string& before, const std::string& finalName,
@@ -160,8 +166,8 @@ bool RandomPlan::isReported(const RenameBench& bench, const std::string& path) {
     const std::string folder = full.substr(0, full.rfind('/'));
     return std::any_of(bench.reports.begin(), bench.reports.end(), [&](const ProblemReport& report) {
         return report.fullPath == full ||
-               (report.path == folder && report.title.starts_with("Could not swap") &&
-                report.title.find(name) != std::string::npos);
+               (report.fullPath.substr(0, report.fullPath.rfind('/')) == folder &&
+                report.title.starts_with("Could not swap") && report.title.find(name) != std::string::npos);
     });
 }
 

@@ -140,7 +140,7 @@ TEST_F(DialogTests, ChangeSettingsLive) {
     auto* scheme = find("preferencesWindow")->findChild<QComboBox*>("conflictResolutionScheme");
     ASSERT_EQ(scheme->count(), 14);
     QTest::keyClick(scheme, Qt::Key_Up);
-    EXPECT_EQ(settings.conflictResolutionScheme(), 8);
+    EXPECT_EQ(settings.values().conflictResolutionScheme, 8);
 }
 
 // Reasons can be longer than any line, and are there to be read whole and copied.
@@ -174,15 +174,15 @@ TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
                                                                   {"confirmAll", ConfirmationChoice::all},
                                                                   {"leaveOut", ConfirmationChoice::leaveOut},
                                                                   {"confirmStop", ConfirmationChoice::stop}};
-    for (const auto sheet : {ConfirmationSheet::rename, ConfirmationSheet::swap, ConfirmationSheet::nameCycle,
-                             ConfirmationSheet::problem}) {
+    for (const RunQuestion& question : {RunQuestion(RenameQuestion()), RunQuestion(SwapQuestion()),
+                                        RunQuestion(NameCycleQuestion()), RunQuestion(ProblemReport())}) {
         for (const auto& [name, choice] : buttons) {
             std::optional<ConfirmationChoice> given;
-            Dialogs::showConfirmationSheet(&application->window(), sheet, {}, std::nullopt, false,
-                                           [&](ConfirmationChoice answer) { given = answer; });
+            Dialogs::ask(&application->window(), question, false,
+                         [&](ConfirmationChoice answer) { given = answer; });
             QWidget* button = findWidget(name);
             const bool isOffered = button && button->isVisible();
-            EXPECT_EQ(isOffered, std::ranges::count(allowedAnswers(sheet), choice) == 1) << name;
+            EXPECT_EQ(isOffered, std::ranges::count(allowedAnswers(question), choice) == 1) << name;
             if (isOffered)
                 click(name);
             else

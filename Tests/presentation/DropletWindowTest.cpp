@@ -2,7 +2,7 @@
 #include "common/DropletLists.h"
 #include "common/Variable.h"
 #include "documents/DropletBundleWriter.h"
-#include "documents/DropletRequest.h"
+#include "documents/DropletHandOver.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"

@@ -200,7 +200,7 @@ void WindowCommands::addStepsMenu() {
     addAction = add(menu, "addAction", tr("&Add Step"), QKeySequence("Ctrl+N"), [this, &commands] {
         commands.addAction();
         // From the second step on the list of steps is worth its place.
-        if (!services.controller.globalSettings().shouldShowMultistepDrawer())
+        if (!services.controller.globalSettings().values().shouldShowMultistepDrawer)
             services.controller.showMultistepDrawer();
     });
     removeAction =
@@ -331,7 +331,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
     const bool hasRows = !controller.previewControl().isPreviewEmpty();
     const bool canRename = controller.isRenameButtonEnabled();
     const bool hasSeveralSteps = MoreThanOneObjectInTableTransformer::transformedValue(chain.count());
-    const bool isDrawerShown = controller.globalSettings().shouldShowMultistepDrawer() != 0;
+    const bool isDrawerShown = controller.globalSettings().values().shouldShowMultistepDrawer != 0;
     const auto isOn = [&](const QAction* action) {
         if (action == removeFile)
             return controller.sourceCommands().canRemove(selection);
@@ -355,7 +355,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
     showMultistepDrawer->setText(MultiStepDrawerTransformer::transformedValue(isDrawerShown));
     stepActive->setChecked(chain.getCurrentAction().getParamInt("active", 0) == 1);
     showInvisibles->setChecked(services.defaults.boolForKey("showInvisibles"));
-    manualOrder->setChecked(!controller.globalSettings().automaticSorting());
+    manualOrder->setChecked(!controller.globalSettings().values().automaticSorting);
 }
 
 void WindowCommands::enterDropletEditMode() {

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "engine/asking/UserPrompts.h"
+#include "engine/asking/RunQuestion.h"
 
 #include <string>
 
 namespace tavrin {
 
 class ProcessingStage;
-class RenameEngine;
+class EngineState;
 
 /// Asks the user in the middle of a rename and remembers what the answers mean for the rest of the run. The
 /// worker waits for each answer; a request to stop the engine counts as the answer "stop".
@@ -17,15 +17,15 @@ class UserQuestions {
     enum class Decision { perform, leaveOut, stop };
 
     /// `errors` takes the failures that are not shown one by one.
-    UserQuestions(RenameEngine& engine, ProcessingStage& errors, bool shouldBeInteractive);
+    UserQuestions(EngineState& engine, ProcessingStage& errors, bool shouldBeInteractive);
 
     [[nodiscard]] bool isInteractive() const { return interactive; }
     /// Whether the run is to stop: by an answer, or because the engine was asked to. Never false again.
     [[nodiscard]] bool shouldAbort();
 
-    // Asked only while isInteractive; otherwise the step is performed.
-    Decision confirmRename(const RenameQuestion& question);
-    Decision confirmSwap(const SwapQuestion& question);
+    // To be asked only while isInteractive.
+    Decision confirmRename(const RenameQuestion& question) { return decide(question); }
+    Decision confirmSwap(const SwapQuestion& question) { return decide(question); }
     /// Unless it is left out, nobody is asked any more after this.
     Decision confirmNameCycle(const NameCycleQuestion& question);
 
@@ -34,17 +34,16 @@ class UserQuestions {
     void displayError(const std::string& title, const std::string& message, const std::string& path);
 
     /// Whether the run is to begin although it leaves no record; otherwise it stops.
-    bool confirmWithoutRecord(const std::string& reason);
+    bool confirmWithoutRecord(const std::string& reason) { return continues(NoRecordQuestion{reason}); }
     /// True for "Continue"; otherwise the run stops.
-    bool showITunesWarningDialog();
-    bool showIPhotoWarningDialog();
+    bool showITunesWarningDialog() { return continues(LibraryWarning{LibraryWarning::Library::iTunes}); }
+    bool showIPhotoWarningDialog() { return continues(LibraryWarning{LibraryWarning::Library::iPhoto}); }
 
   private:
-    template <typename Ask> ConfirmationChoice ask(Ask question);
-    Decision decide(ConfirmationChoice choice);
-    bool continues(ConfirmationChoice choice);
+    Decision decide(const RunQuestion& question);
+    bool continues(const RunQuestion& question);
 
-    RenameEngine& engine;
+    EngineState& engine;
     ProcessingStage& errors;
     bool interactive;
     bool showErrorDialog = true;

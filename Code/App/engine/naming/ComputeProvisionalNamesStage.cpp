@@ -2,10 +2,9 @@
 
 #include "actions/CompositeRenameAction.h"
 #include "actions/SortBasedAction.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/RenameEngineUtilities.h"
 #include "platform/metadata/MetadataTool.h"
 #include "platform/processes/RunLoop.h"
@@ -48,18 +47,9 @@ void replaceColons(std::u16string& name) {
         text::replaceUnit(name, u':', u'/');
 }
 
-std::vector<SortDescriptor> orderOf(const SortBasedAction& action) {
-    std::vector<SortDescriptor> order;
-    for (const std::int32_t mode : {action.getSortingMode(), action.getSortingMode2()}) {
-        if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(mode))
-            order.push_back(*descriptor);
-    }
-    return order;
-}
-
 } // namespace
 
-ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(RenameEngine& owner) : ProcessingStage(owner) {}
+ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(EngineState& owner) : ProcessingStage(owner) {}
 
 ComputeProvisionalNamesStage::~ComputeProvisionalNamesStage() = default;
 
@@ -74,10 +64,9 @@ bool ComputeProvisionalNamesStage::process() {
     report.item(0);
     report.numberOfItems(context->engineControl().totalNumberOfFiles);
     report.indeterminate(false);
-    const ItemFilter settings = engine.host().globalSettings().itemFilter();
-    processFiles = settings.shouldProcessFiles;
-    processFolders = settings.shouldProcessFolders;
-    filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings);
+    processFiles = settings.shouldProcessFiles != 0;
+    processFolders = settings.shouldProcessFolders != 0;
+    filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings.itemFilter());
     if (!copyActions())
         return false;
     file = std::make_unique<FileMO>(*context);
@@ -90,7 +79,7 @@ bool ComputeProvisionalNamesStage::process() {
         addError("All names stay as they are, since a step could not be made ready again", reason, "");
     if (isFirstAppliedAction)
         copyCurrentToNewName();
-    engine.computeNumberOfFilesThatNeedRenaming(*context);
+    engine.computeNumberOfFilesThatNeedRenaming(*context, settings.itemFilter());
     return true;
 }
 
@@ -131,7 +120,7 @@ void ComputeProvisionalNamesStage::processForActionIndex(int index) {
     const auto* sorted = dynamic_cast<const SortBasedAction*>(action);
     const bool byFolder = sorted && !sorted->shouldUseGlobalSorting();
     if (sorted)
-        request.order = orderOf(*sorted);
+        request.order = RenameEngineUtilities::sortDescriptorsOf(*sorted);
     for (;;) {
         if (byFolder) {
             count = 0;
@@ -174,7 +163,7 @@ void ComputeProvisionalNamesStage::processInOrder(const std::vector<RowId>& rows
         if (count % rowsPerCommit == 0)
             commitNames();
         else if (context->hasWideChanges())
-            saveAndRefaultFiles();
+            saveAndRefaultObjects();
     }
 }
 
@@ -208,14 +197,14 @@ void ComputeProvisionalNamesStage::processByRank(const std::vector<RowId>& rows)
         if (count != before && count % rowsPerCommit == 0)
             commitAsOften();
         else if (context->hasWideChanges())
-            saveAndRefaultFiles();
+            saveAndRefaultObjects();
     }
 }
 
 void ComputeProvisionalNamesStage::commitNames() {
     const StageProgress report(progress);
     report.describe("{} new names calculated. Committing.", count);
-    saveAndRefaultFiles();
+    saveAndRefaultObjects();
 }
 
 void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "documents/Settings.h"
+
 #include <string>
 #include <string_view>
 
@@ -7,7 +9,7 @@ namespace tavrin {
 
 class EngineHost;
 class ProgressInfo;
-class RenameEngine;
+class EngineState;
 class StoreContext;
 
 /// One step of a pipeline. Runs on the pipeline's worker thread against the pipeline's context; holds no
@@ -29,6 +31,8 @@ class ProcessingStage {
 
     /// Not owned; null means that all reports of progress do nothing.
     virtual void setProgressInfo(ProgressInfo* info) { progress = info; }
+    /// The settings that the whole run goes by.
+    void setSettings(const Settings& ofRun) { settings = ofRun; }
     /// Not owned; set by the pipeline right before `process`.
     void setManagedObjectContext(StoreContext* newContext) { context = newContext; }
 
@@ -36,14 +40,13 @@ class ProcessingStage {
     void addError(std::string_view title, std::string_view message, std::string_view path);
 
   protected:
-    explicit ProcessingStage(RenameEngine& owner) : engine(owner) {}
+    explicit ProcessingStage(EngineState& owner) : engine(owner) {}
 
     /// Commits and drops the values of all rows, which are read anew when asked for.
     void saveAndRefaultObjects();
-    /// The same inside a running enumeration.
-    void saveAndRefaultFiles() { saveAndRefaultObjects(); }
 
-    RenameEngine& engine;
+    EngineState& engine;
+    Settings settings;
     ProgressInfo* progress = nullptr;
     StoreContext* context = nullptr;
 };

@@ -1,7 +1,7 @@
 #include "engine/planning/PrepareForRenamingStage.h"
 
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"
@@ -21,7 +21,7 @@ constexpr std::size_t rowsPerCommit = 10000;
 
 bool PrepareForRenamingStage::process() {
     const StageProgress report(progress);
-    engine.computeNumberOfFolders(*context);
+    engine.computeNumberOfFolders(*context, settings.itemFilter());
     report.numberOfItems(context->engineControl().numberOfFolders);
     report.describe("Preparing..");
     report.indeterminate(true);
@@ -134,7 +134,7 @@ void PrepareForRenamingStage::setDepth(RowId id, std::int32_t depth) {
 void PrepareForRenamingStage::commitNowAndThen() {
     if (++changedRows < rowsPerCommit && !context->hasWideChanges())
         return;
-    saveAndRefaultFiles();
+    saveAndRefaultObjects();
     changedRows = 0;
 }
 

@@ -1,9 +1,8 @@
 #include "engine/reading/AddFileSortingDataStage.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "platform/metadata/ExifHelper.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
@@ -23,9 +22,8 @@ bool AddFileSortingDataStage::process() {
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
-    const auto& settings = engine.host().globalSettings();
-    retrieveEXIFData = settings.shouldRetrieveEXIFInformation();
-    sumFolders = settings.shouldCalculateAccurateFolderSize() != 0;
+    retrieveEXIFData = settings.shouldRetrieveEXIFInformation;
+    sumFolders = settings.shouldCalculateAccurateFolderSize != 0;
     const Predicate unread = Predicate::isFalse(NodeKey::sortingInformationLoaded);
     report.numberOfItems(static_cast<std::int32_t>(context->count(FetchEntity::file, unread)));
     report.indeterminate(false);

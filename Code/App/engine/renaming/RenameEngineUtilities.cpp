@@ -1,5 +1,6 @@
 #include "engine/renaming/RenameEngineUtilities.h"
 
+#include "actions/SortBasedAction.h"
 #include "store/contexts/StoreContext.h"
 #include "support/application/DebugLog.h"
 
@@ -46,6 +47,15 @@ std::optional<SortDescriptor> RenameEngineUtilities::sortDescriptorForMode(int m
     return sortModes[static_cast<std::size_t>(mode)];
 }
 
+std::vector<SortDescriptor> RenameEngineUtilities::sortDescriptorsOf(const SortBasedAction& action) {
+    std::vector<SortDescriptor> order;
+    for (const std::int32_t mode : {action.getSortingMode(), action.getSortingMode2()}) {
+        if (const auto descriptor = sortDescriptorForMode(mode))
+            order.push_back(*descriptor);
+    }
+    return order;
+}
+
 std::string RenameEngineUtilities::contentsOfDatabaseAsString(StoreContext& context) {
     std::string text = fmt::format("EngineControl: {}\n", context.engineControl().totalNumberOfNodes);
     text += "sourceItems:\n";
@@ -59,28 +69,6 @@ std::string RenameEngineUtilities::contentsOfDatabaseAsString(StoreContext& cont
     }
     debugLog("{}", text);
     return text;
-}
-
-void RenameEngineUtilities::printContentsOfDatabase(StoreContext& context) {
-    static_cast<void>(contentsOfDatabaseAsString(context));
-}
-
-void RenameEngineUtilities::printNodeHierarchy(StoreContext& context) {
-    for (const SourceItem& item : context.sourceItems()) {
-        const RowId id = context.nodeWithPath(item.path);
-        if (id == noRow)
-            continue;
-        debugLog("Node Hierarchy:");
-        if (const RowId parent = context.row(id).parent; parent != noRow)
-            printOneNodeHierarchyTree(context, parent, 0);
-    }
-}
-
-void RenameEngineUtilities::printOneNodeHierarchyTree(StoreContext& context, RowId startingFrom, int depth) {
-    const NodeEntity entity = context.row(startingFrom).entity;
-    debugLog("{}: {} at {}", depth, entityName(entity), context.fullPath(startingFrom));
-    for (const RowId child : context.children(startingFrom))
-        printOneNodeHierarchyTree(context, child, depth + 1);
 }
 
 } // namespace tavrin

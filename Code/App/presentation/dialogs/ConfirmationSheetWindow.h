@@ -4,8 +4,6 @@
 #include "shell/asking/FrontEnd.h"
 
 #include <QDialog>
-#include <optional>
-#include <string>
 
 class QVBoxLayout;
 
@@ -15,9 +13,11 @@ namespace tavrin {
 /// has opened it is deaf, so that a key held down does not answer one question after the other. Its object
 /// name is that of the question ("confirmRenameWindow" …).
 class ConfirmationSheetWindow final : public QDialog {
+    Q_OBJECT
+
   public:
-    ConfirmationSheetWindow(QWidget* parent, ConfirmationSheet sheet, const PropertyDictionary& context,
-                            const std::optional<std::string>& previewPath, bool thumbnails,
+    /// `thumbnails`: the item is pictured by its content.
+    ConfirmationSheetWindow(QWidget* parent, const RunQuestion& question, bool thumbnails,
                             std::function<void(ConfirmationChoice)> answer);
 
   protected:
@@ -26,8 +26,8 @@ class ConfirmationSheetWindow final : public QDialog {
     void done(int result) override;
 
   private:
-    void addTexts(ConfirmationSheet sheet, const PropertyDictionary& context, QVBoxLayout& column);
-    void addButtons(ConfirmationSheet sheet, QVBoxLayout& column);
+    void addTexts(const RunQuestion& question, QVBoxLayout& column);
+    void addButtons(const RunQuestion& question, QVBoxLayout& column);
     void give(ConfirmationChoice choice);
 
     AnswerOnce<ConfirmationChoice> answer;

@@ -18,7 +18,7 @@ constexpr int sourceSize = 256;
 
 FilePreviewView::FilePreviewView() {
     setObjectName("filePreview");
-    setAccessibleName("Picture of the item");
+    setAccessibleName(tr("Picture of the item"));
     setFixedSize(sizeHint());
 }
 

@@ -205,7 +205,7 @@ void PreviewPane::listenToSettings() {
 }
 
 void PreviewPane::applyRowHeight() {
-    const bool hasThumbnails = controller.globalSettings().shouldShowQuickLookThumbnail();
+    const bool hasThumbnails = controller.globalSettings().values().shouldShowQuickLookThumbnail;
     const int plain = view->fontMetrics().height() + 8;
     view->verticalHeader()->setDefaultSectionSize(hasThumbnails ? std::max(plain, thumbnailRowHeight)
                                                                 : plain);

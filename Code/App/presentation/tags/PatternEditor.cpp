@@ -3,7 +3,6 @@
 #include "actions/BaseRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
-#include "tags/StringToTokenArrayTransformer.h"
 #include "tags/TagLibraryHelper.h"
 
 #include <QApplication>
