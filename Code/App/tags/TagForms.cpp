@@ -1,5 +1,6 @@
-#include "tags/CapitalizedWords.h"
+#include "tags/TagForms.h"
 
+#include "support/text/KQStringUtilities.h"
 #include "support/text/Text.h"
 #include "support/text/TextUnits.h"
 
@@ -35,6 +36,14 @@ std::u16string capitalized(std::u16string_view text) {
     }
     appendCapitalizedWord(text.substr(start), result);
     return result;
+}
+
+std::u16string sentenceCased(std::u16string_view text) {
+    return *KQStringUtilities::sentenceCase(std::u16string(text));
+}
+
+std::u16string zeroPadded(std::u16string_view number) {
+    return (number.size() == 1 ? u"0" : u"") + std::u16string(number);
 }
 
 } // namespace tavrin
