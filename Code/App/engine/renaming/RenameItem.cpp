@@ -1,4 +1,4 @@
-#include "engine/planning/RenameItem.h"
+#include "engine/renaming/RenameItem.h"
 
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"

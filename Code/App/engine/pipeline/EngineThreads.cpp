@@ -1,11 +1,33 @@
-#include "engine/pipeline/RenameThreads.h"
+#include "engine/pipeline/EngineThreads.h"
 
 #include "support/application/DebugLog.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
 namespace tavrin {
+
+EngineTurns::Turn::Turn(EngineTurns& line) : turns(line) {
+    const std::lock_guard lock(turns.mutex);
+    turns.line.push_back(this);
+}
+
+void EngineTurns::Turn::await() {
+    std::unique_lock lock(turns.mutex);
+    turns.changed.wait(lock, [this] { return turns.line.front() == this; });
+}
+
+void EngineTurns::Turn::end() {
+    {
+        const std::lock_guard lock(turns.mutex);
+        if (!isInLine)
+            return;
+        isInLine = false;
+        turns.line.erase(std::find(turns.line.begin(), turns.line.end(), this));
+    }
+    turns.changed.notify_all();
+}
 
 void RenameThreads::detach(std::function<void()> work) {
     const std::lock_guard lock(mutex);
