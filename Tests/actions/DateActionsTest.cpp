@@ -1,9 +1,9 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/dates/DateFormatter.h"
-#include "actions/dates/RenameToDateAction.h"
 #include "common/FileTimes.h"
 #include "common/TemporaryFolder.h"
 #include "platform/metadata/FileManager.h"
+#include "platform/propertylists/PropertyList.h"
 #include "support/text/Text.h"
 
 #include <chrono>
@@ -49,6 +49,26 @@ TEST_F(DateActions, PutTheTimeAloneInLowerCase) {
     EXPECT_EQ(formatter.formatDate(june, 12, 8, 3, false), u"14 Jun 2024_07-31-05 am");
     EXPECT_EQ(formatter.formatDate(june, 12, 8, 9, true), u"07-31-05 AM_14 Jun 2024");
     EXPECT_EQ(formatter.formatDate(1e300, 1, 1), std::nullopt);
+}
+
+TEST_F(DateActions, FindTheSamePatternInAnotherTable) {
+    const TemporaryFolder folder;
+    folder.write("old.plist", PropertyList::toXml(PropertyArray{u"a", u"b", u"gone"}));
+    folder.write("new.plist", PropertyList::toXml(PropertyArray{u"b", u"x", u"a"}));
+    ::setenv("TAVRIN_RESOURCES", folder.path().c_str(), 1);
+    struct Case {
+        std::int32_t index;
+        std::string to;
+        std::int32_t expected;
+    };
+    for (const Case& one : {Case{0, "new", 2},
+                            {1, "new", 0},
+                            {2, "new", -1},
+                            {3, "new", -1},
+                            {-1, "new", -1},
+                            {0, "missing", -1}})
+        EXPECT_EQ(translateIndex(one.index, "old", one.to), one.expected);
+    ::unsetenv("TAVRIN_RESOURCES");
 }
 
 TEST_F(DateActions, TranslateIndexesOfListsWithoutVersionOnly) {

@@ -27,6 +27,12 @@ std::vector<std::string> components(const std::string& path) {
 
 } // namespace
 
+const std::vector<Volume> volumes{
+    {"all", {}},
+    {"no exchange", {FileCall::exchange}},
+    {"no flag", {FileCall::exchange, FileCall::rename}},
+    {"no flag, no link", {FileCall::exchange, FileCall::rename, FileCall::link}}};
+
 RandomPlan::RandomPlan(unsigned seed) : random(seed) { addItem("box", upTo(1) ? "box" : "Box", "", true, 0); }
 
 void RandomPlan::addItem(const std::string& before, const std::string& finalName,

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "RenameBench.h"
+#include "common/FailingFileSystem.h"
 
 #include <array>
+#include <cerrno>
 #include <map>
 #include <random>
 #include <string>
@@ -11,6 +13,17 @@
 #include <vector>
 
 namespace tavrin::test {
+
+/// What file systems refuse: nothing; to exchange names; also to rename without replacing; also links.
+struct Volume {
+    const char* title;
+    std::vector<FileCall> refused;
+    void refuse(FailingFileSystem& disk) const {
+        for (const FileCall call : refused)
+            disk.failKind(call, EOPNOTSUPP);
+    }
+};
+extern const std::vector<Volume> volumes;
 
 /// A random tree of files and folders in a folder "box", and random names that its items are to have: names
 /// of siblings in any permutation, new names, changes of case. Final names are distinct in each folder apart

@@ -8,14 +8,22 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 namespace tavrin::test {
 
-RenameBench::RenameBench(ItemStore::Options options) : host(std::move(options)) {
+RenameBench::RenameBench(ItemStore::Options options, const std::string& place)
+    : disk(place), host(std::move(options)) {
     host.set("processSubfolders", 1);
     host.prompts.onProblem = [this](const ProblemReport& report) {
         reports.push_back(report);
         return ConfirmationChoice::one;
     };
+}
+
+std::string RenameBench::inMemory() {
+    const char* const place = "/dev/shm";
+    return ::access(place, W_OK) == 0 ? place : "";
 }
 
 void RenameBench::make(const std::vector<std::string>& names) {

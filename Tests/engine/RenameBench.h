@@ -19,7 +19,10 @@ class RenameBench {
     /// What became of the files: content (the name before) by the name after.
     using Tree = std::map<std::string, std::string>;
 
-    explicit RenameBench(ItemStore::Options options = {});
+    explicit RenameBench(ItemStore::Options options = {}, const std::string& place = "");
+
+    /// A place for folders that costs no disk, for laws that make thousands of them.
+    static std::string inMemory();
 
     TemporaryFolder disk;
     EngineTestHost host;

@@ -1,5 +1,7 @@
 #include "actions/BaseRenameAction.h"
 
+#include "store/rows/FileMO.h"
+
 #include <array>
 
 namespace tavrin {
@@ -15,16 +17,25 @@ constexpr std::array<ParameterChoice, 4> fragmentChoices{{
 
 } // namespace
 
+std::string InputContext::inputPath() const { return fileMo ? fileMo->fullPath() : path; }
+
 BaseRenameAction::BaseRenameAction() {
     // It has a selector of its own.
-    addParameter(choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1, 0).hidden(),
+    addParameter(choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1).hidden(),
                  paramFragmentSelectionMode);
 }
 
-std::vector<ActionExample> BaseRenameAction::examples() const { return {}; }
+void BaseRenameAction::introduce(std::string_view name, std::u16string_view explanation) {
+    setActionName(name);
+    ownExplanation = explanation;
+}
 
-void BaseRenameAction::processName(std::u16string_view, const InputContext&, OutputContext&,
+void BaseRenameAction::processName(std::u16string_view fragment, const InputContext&, OutputContext&,
                                    std::u16string& result) {
+    edit(fragment, result);
+}
+
+void BaseRenameAction::edit(std::u16string_view, std::u16string& result) {
     result += u"not yet implemented.";
 }
 

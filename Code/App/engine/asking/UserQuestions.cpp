@@ -1,11 +1,11 @@
 #include "engine/asking/UserQuestions.h"
 
+#include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProcessingStage.h"
-#include "engine/pipeline/RenameEngine.h"
 
 namespace tavrin {
 
-UserQuestions::UserQuestions(RenameEngine& newEngine, ProcessingStage& newErrors, bool shouldBeInteractive)
+UserQuestions::UserQuestions(EngineState& newEngine, ProcessingStage& newErrors, bool shouldBeInteractive)
     : engine(newEngine), errors(newErrors), interactive(shouldBeInteractive) {}
 
 bool UserQuestions::shouldAbort() {

@@ -7,7 +7,7 @@
 namespace tavrin {
 
 class ProcessingStage;
-class RenameEngine;
+class EngineState;
 
 /// Asks the user in the middle of a rename and remembers what the answers mean for the rest of the run. The
 /// worker waits for each answer; a request to stop the engine counts as the answer "stop".
@@ -17,7 +17,7 @@ class UserQuestions {
     enum class Decision { perform, leaveOut, stop };
 
     /// `errors` takes the failures that are not shown one by one.
-    UserQuestions(RenameEngine& engine, ProcessingStage& errors, bool shouldBeInteractive);
+    UserQuestions(EngineState& engine, ProcessingStage& errors, bool shouldBeInteractive);
 
     [[nodiscard]] bool isInteractive() const { return interactive; }
     /// Whether the run is to stop: by an answer, or because the engine was asked to. Never false again.
@@ -43,7 +43,7 @@ class UserQuestions {
     Decision decide(const RunQuestion& question);
     bool continues(const RunQuestion& question);
 
-    RenameEngine& engine;
+    EngineState& engine;
     ProcessingStage& errors;
     bool interactive;
     bool showErrorDialog = true;

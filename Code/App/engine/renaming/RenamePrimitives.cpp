@@ -69,7 +69,7 @@ bool RenamePrimitives::check(RenameItem& item) {
     return true;
 }
 
-bool RenamePrimitives::renameItem(RenameItem& item, bool treatAsRoot) {
+bool RenamePrimitives::renameItem(RenameItem& item) {
     const std::string& from = item.component();
     const std::string& to = item.newComponent();
     if (debugLogIsOn())
@@ -94,8 +94,6 @@ bool RenamePrimitives::renameItem(RenameItem& item, bool treatAsRoot) {
         if (comment && !comment->empty())
             static_cast<void>(
                 FileManager::instance().changeFinderComment(*comment, joinedPath(item.folder(), to)));
-        if (treatAsRoot)
-            parts.sourceItems.change(item.fullPath(), joinedPath(item.folder(), to));
     } else if (attempt.error == EEXIST) {
         sentence = nameTakenReason;
         detail.clear();

@@ -41,7 +41,7 @@ QString actionSection(ActionList& list, std::int32_t index) {
             parameter.kind != ParameterKind::status)
             rows += parameterRow(parameter);
     html += "<ul>" + rows + "</ul>";
-    for (const ActionExample& example : action->examples())
+    for (const ActionExample& example : list.entryForName(name)->examples)
         html += exampleRow(example);
     const QString anchor = toQString(action->helpAnchor());
     if (!anchor.isEmpty())

@@ -1,7 +1,6 @@
 #include "presentation/settings/ActionChooser.h"
 
 #include "actions/ActionList.h"
-#include "actions/CategoryManager.h"
 #include "actions/CompositeRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/ActionSearchField.h"
@@ -53,8 +52,8 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
             categoryPopUpButton->addItem(toQString(title), category++);
     }
     connect(categoryPopUpButton, &QComboBox::activated, this, [this](int row) {
-        const auto first =
-            CategoryManager::defaultActionForCategory(categoryPopUpButton->itemData(row).toInt());
+        const auto first = services.actionList.getFirstActionIndexForCategoryIndex(
+            categoryPopUpButton->itemData(row).toInt());
         if (first)
             choose(*first);
     });
@@ -97,7 +96,8 @@ void ActionChooser::choose(std::int32_t menuIndex) {
 
 void ActionChooser::refresh() {
     const auto index = services.controller.compositeAction().transientActionIndex();
-    const auto category = CategoryManager::categoryForAction(index);
+    const auto category =
+        index ? services.actionList.translateActionIndexToCategoryIndex(*index) : std::nullopt;
     if (!index || !category) {
         categoryPopUpButton->setCurrentIndex(-1);
         actionPopUpButton->setCurrentIndex(-1);

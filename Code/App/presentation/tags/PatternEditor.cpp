@@ -5,7 +5,6 @@
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/tags/TokenObject.h"
 #include "tags/MixedTokenFieldLogic.h"
-#include "tags/StringToTokenArrayTransformer.h"
 #include "tags/TagLibraryHelper.h"
 
 #include <QKeyEvent>
