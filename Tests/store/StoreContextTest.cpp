@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 namespace tavrin::test {
@@ -17,6 +19,22 @@ class StoreContextTest : public testing::TestWithParam<Backing> {
     ItemStore store{optionsFor(GetParam(), folder.path())};
     StoreContext context{store, StoreContext::MergePolicy::contextWins};
     StoreContext other{store, StoreContext::MergePolicy::contextWins};
+
+    /// Marks what the request yields, batch by batch, until nothing is left; the number of rows.
+    std::size_t markAll(
+        const FetchRequest& request, PassMarker marker, const std::function<void()>& afterBatch = [] {}) {
+        std::size_t seen = 0;
+        for (std::vector<RowId> batch; !(batch = context.fetch(request)).empty(); seen += batch.size()) {
+            for (const RowId row : batch) {
+                EXPECT_NE(context.stageFlag(row), marker);
+                context.setStageFlag(row, marker);
+            }
+            context.commit();
+            context.reset();
+            afterBatch();
+        }
+        return seen;
+    }
 };
 
 INSTANTIATE_TEST_SUITE_P(Backings, StoreContextTest,
@@ -96,15 +114,16 @@ TEST_P(StoreContextTest, ShowsChangesToOthersOnlyAfterTheCommit) {
 }
 
 TEST_P(StoreContextTest, CommitsOnlyWhatAContextHasChanged) {
-    const RowId ghost = fillFolder(context, 2);
-    const RowId row = context.children(ghost).front();
+    const RowId row = context.children(fillFolder(context, 2)).front();
     context.change(row).depth = 5;
+    context.change(row).root = true;
     other.change(row).manualOrder = 99;
     other.commit();
     context.commit();
     context.reset();
     EXPECT_EQ(context.row(row).depth, 5);
     EXPECT_EQ(context.row(row).manualOrder, 99);
+    EXPECT_EQ(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::root)), 1u);
 }
 
 TEST_P(StoreContextTest, WritingToADeletedRowChangesNothing) {
@@ -156,50 +175,38 @@ TEST_P(StoreContextTest, BulkDeletionEmptiesTheStoreInBatches) {
 
 TEST_P(StoreContextTest, APassByMarkerSeesEveryRowOnceWhateverIsInsertedMeanwhile) {
     const RowId ghost = fillFolder(context, 9500);
-    const Predicate open = Predicate::notMarked(7);
-    std::size_t seen = 0;
     bool hasInserted = false;
-    for (;;) {
-        const std::vector<RowId> batch = context.fetch({FetchEntity::file, open, {}, 1000});
-        if (batch.empty())
-            break;
-        for (const RowId row : batch) {
-            EXPECT_NE(context.stageFlag(row), 7);
-            context.setStageFlag(row, 7);
-        }
-        seen += batch.size();
-        context.commit();
-        context.reset();
-        if (!hasInserted) {
+    const auto insertOne = [&] {
+        if (!std::exchange(hasInserted, true))
             other.insertFile(ghost, "late", false, false, 0);
-            other.commit();
-            hasInserted = true;
-        }
-    }
-    EXPECT_EQ(seen, 9501u);
+        other.commit();
+    };
+    EXPECT_EQ(markAll({FetchEntity::file, Predicate::notMarked(7), {}, 1000}, 7, insertOne), 9501u);
 }
 
-TEST_P(StoreContextTest, ASortedPassGoesOnWhereItStoppedAndWrapsRound) {
-    const RowId ghost = fillFolder(context, 3000);
-    const FetchRequest request{FetchEntity::file, Predicate::notMarked(9), {{NodeKey::name, false}}, 1000};
-    std::vector<RowId> first = context.fetch(request);
-    ASSERT_EQ(first.size(), 1000u);
-    EXPECT_EQ(context.name(first.front()), u"file 999.txt");
-    // Only half of the batch is marked: the rest must come again after all others.
-    for (std::size_t i = 0; i < 500; ++i)
-        context.setStageFlag(first[i], 9);
-    context.commit();
-    context.reset();
-    std::size_t seen = 500;
-    for (std::vector<RowId> batch = context.fetch(request); !batch.empty(); batch = context.fetch(request)) {
-        for (const RowId row : batch)
-            context.setStageFlag(row, 9);
-        seen += batch.size();
+TEST_P(StoreContextTest, PassesGoOnWhereTheyStoppedAndWrapRound) {
+    fillFolder(context, 3000);
+    struct Case {
+        std::vector<SortDescriptor> order;
+        std::u16string first, second;
+        PassMarker marker;
+    };
+    for (const Case& one : {Case{{}, u"file 1.txt", u"file 1001.txt", 8},
+                            Case{{{NodeKey::name, false}}, u"file 999.txt", u"file 1899.txt", 9}}) {
+        const FetchRequest request{FetchEntity::file, Predicate::notMarked(one.marker), one.order, 1000};
+        const std::vector<RowId> first = context.fetch(request);
+        ASSERT_EQ(first.size(), 1000u);
+        EXPECT_EQ(context.name(first.front()), one.first);
+        // Only half of the batch is marked: the rest must come again after all others.
+        for (std::size_t i = 0; i < 500; ++i)
+            context.setStageFlag(first[i], one.marker);
         context.commit();
         context.reset();
+        const std::vector<RowId> second = context.fetch(request);
+        ASSERT_EQ(second.size(), 1000u);
+        EXPECT_EQ(context.name(second.front()), one.second);
+        EXPECT_EQ(markAll(request, one.marker), 2500u);
     }
-    EXPECT_EQ(seen, 3000u);
-    EXPECT_EQ(context.childCount(ghost), 3000u);
 }
 
 TEST_P(StoreContextTest, AWalkOutOfIdOrderSeesMarksChangesAndDeletions) {
@@ -232,30 +239,21 @@ TEST_P(StoreContextTest, AWalkOutOfIdOrderSeesMarksChangesAndDeletions) {
     EXPECT_EQ(context.regexColumns(batch[1]), std::nullopt);
     EXPECT_EQ(context.fullPath(batch[3]), "");
 
-    std::size_t seen = 0;
-    std::string last;
-    for (batch = context.fetch(request); !batch.empty(); batch = context.fetch(request)) {
-        for (const RowId row : batch) {
-            ++seen;
-            context.setStageFlag(row, 5);
-        }
-        EXPECT_EQ(context.count(FetchEntity::file, Predicate::notMarked(5)), count - 1 - seen);
-        context.commit();
-        context.refault();
-    }
-    EXPECT_EQ(seen, std::size_t{count - 1});
+    EXPECT_EQ(markAll(request, 5), std::size_t{count - 1});
 }
 
-TEST_P(StoreContextTest, SaysWhenStagedRowsLieFarApart) {
+TEST_P(StoreContextTest, RowsStagedFarApartAreCommittedOnTheWayWhereTheyWouldPage) {
     const RowId ghost = fillFolder(context, 120000);
     const std::vector<RowId> rows = context.children(ghost);
     std::size_t changed = 0;
-    for (std::size_t i = 0; i < rows.size() && !context.hasWideChanges(); i += 300, ++changed)
+    bool hasCommitted = false;
+    for (std::size_t i = 0; i < rows.size() && !hasCommitted; i += 300, ++changed) {
         context.change(rows[i]).depth = 1;
-    EXPECT_EQ(context.hasWideChanges(), GetParam() != Backing::memory);
-    EXPECT_LE(changed, 400u);
-    context.commit();
-    EXPECT_FALSE(context.hasWideChanges());
+        hasCommitted = context.commitIfMuchIsStaged();
+    }
+    EXPECT_EQ(hasCommitted, GetParam() != Backing::memory);
+    EXPECT_EQ(context.hasChanges(), !hasCommitted);
+    EXPECT_EQ(other.row(rows[0]).depth, hasCommitted ? 1 : 0);
 }
 
 TEST_P(StoreContextTest, ReadsMetadataOnceAlsoWhenThereIsNone) {

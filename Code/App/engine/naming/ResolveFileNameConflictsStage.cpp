@@ -1,7 +1,6 @@
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "engine/naming/ConflictOrder.h"
 #include "engine/naming/NameTable.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/RenameEngine.h"
@@ -92,11 +91,10 @@ void ResolveFileNameConflictsStage::takeSettings() {
         sortDescriptors.push_back({NodeKey::treatAsFolder, true});
     else if (!processFolders)
         sortDescriptors.push_back({NodeKey::treatAsFolder, false});
-    for (const std::int32_t mode : {settings.conflictResolutionOrder1(), settings.conflictResolutionOrder2(),
-                                    settings.conflictResolutionOrder3()}) {
-        if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(mode))
-            sortDescriptors.push_back(*descriptor);
-    }
+    const std::vector<SortDescriptor> byModes = RenameEngineUtilities::orderOfModes(
+        {settings.conflictResolutionOrder1(), settings.conflictResolutionOrder2(),
+         settings.conflictResolutionOrder3()});
+    sortDescriptors.insert(sortDescriptors.end(), byModes.begin(), byModes.end());
 }
 
 void ResolveFileNameConflictsStage::processFolder(NameTable& names, RowId folder) {
@@ -111,7 +109,7 @@ void ResolveFileNameConflictsStage::processFolder(NameTable& names, RowId folder
 }
 
 void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<RowId> members) {
-    sortRows(*context, sortDescriptors, members);
+    context->sort(members, sortDescriptors);
     conflictCounter = 0;
     bool kept = false;
     for (const RowId id : members) {

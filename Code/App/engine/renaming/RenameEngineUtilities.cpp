@@ -46,6 +46,15 @@ std::optional<SortDescriptor> RenameEngineUtilities::sortDescriptorForMode(int m
     return sortModes[static_cast<std::size_t>(mode)];
 }
 
+std::vector<SortDescriptor> RenameEngineUtilities::orderOfModes(std::initializer_list<std::int32_t> modes) {
+    std::vector<SortDescriptor> order;
+    for (const std::int32_t mode : modes) {
+        if (const auto descriptor = sortDescriptorForMode(mode))
+            order.push_back(*descriptor);
+    }
+    return order;
+}
+
 std::string RenameEngineUtilities::contentsOfDatabaseAsString(StoreContext& context) {
     std::string text = fmt::format("EngineControl: {}\n", context.engineControl().totalNumberOfNodes);
     text += "sourceItems:\n";

@@ -2,8 +2,11 @@
 
 #include "store/queries/Predicate.h"
 
+#include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -13,6 +16,8 @@ class StoreContext;
 struct RenameEngineUtilities {
     /// The sort order of a sorting mode, 0 to 13; absent for any other.
     static std::optional<SortDescriptor> sortDescriptorForMode(int mode);
+    /// Those of several modes, the first one counting most.
+    static std::vector<SortDescriptor> orderOfModes(std::initializer_list<std::int32_t> modes);
 
     /// The counters, the source items and all rows with their paths, in bytes; also written to the log.
     static std::string contentsOfDatabaseAsString(StoreContext& context);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/asking/UserPrompts.h"
-#include "store/contexts/ProcessingError.h"
+#include "store/contexts/SmallEntities.h"
 #include "support/values/PropertyValue.h"
 
 #include <cstddef>

@@ -136,12 +136,8 @@ void PreviewControl::setSortOrder(const BaseRenameAction& current) {
     } else if (last && last->identity == &current) {
         return;
     } else if (const auto* sortBased = dynamic_cast<const SortBasedAction*>(&current)) {
-        std::vector<SortDescriptor> order;
-        for (const std::int32_t sortMode : {sortBased->getSortingMode(), sortBased->getSortingMode2()}) {
-            if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(sortMode))
-                order.push_back(*descriptor);
-        }
-        list.setSortDescriptors(std::move(order));
+        list.setSortDescriptors(
+            RenameEngineUtilities::orderOfModes({sortBased->getSortingMode(), sortBased->getSortingMode2()}));
     } else if (!last || last->isSortBased) {
         list.setSortDescriptors({{NodeKey::smartName, true}});
     }
