@@ -57,9 +57,7 @@ class SilentFrontEnd : public FrontEnd {
   public:
     void showAlert(const Alert&, std::function<void(AlertAnswer)>) override {}
     void showNotice(NoticeDialog, std::function<void(NoticeAnswer)>) override {}
-    void showConfirmationSheet(ConfirmationSheet, const PropertyDictionary&,
-                               const std::optional<std::string>&,
-                               std::function<void(ConfirmationChoice)>) override {}
+    void ask(const RunQuestion&, std::function<void(ConfirmationChoice)>) override {}
     void showProcessingErrors(const FailureReport&, std::function<void()>) override {}
     void askForFilesToAdd(const std::string&, std::function<void(std::optional<FilesToAdd>)>) override {}
     void askForFileListFormat(std::function<void(FileListChoice)>) override {}

@@ -2,6 +2,7 @@
 
 #include "ExitStatus.h"
 #include "HelpTexts.h"
+#include "documents/Settings.h"
 #include "support/application/Version.h"
 
 #include <CLI/App.hpp>
@@ -91,7 +92,7 @@ class Parser {
             else if (option == setting)
                 options.settings.push_back(keyAndValue("--setting", next()));
             else if (option == recursive)
-                options.settings.emplace_back("processSubfolders", "1");
+                options.settings.emplace_back(settingKey::processSubfolders, "1");
             else if (option == parameter) {
                 if (steps.empty())
                     throw UsageError(fmt::format("--set {}: there is no --action before it", next()));

@@ -76,7 +76,7 @@ Recipe recipeFromSteps(const std::vector<RecipeStep>& steps) {
 /// Under their present keys or those of early versions.
 void checkSettings(const PropertyDictionary& settings, const std::string& path) {
     for (const auto& [key, value] : BaseAction::cleanUpPotentiallyOldParameterList(settings)) {
-        const std::string problem = TVRNGlobalPreferencesPseudoAction::problemOf(key, value);
+        const std::string problem = Settings::problemOf(key, value);
         if (!problem.empty())
             throw UsageError(fmt::format("{}: global settings.{}: {}", path, key, problem));
     }
@@ -123,7 +123,7 @@ Recipe loadRecipe(const RecipeSource& source) {
 
 void applySettings(const Recipe& recipe, const std::vector<KeyAndValue>& given,
                    TVRNGlobalPreferencesPseudoAction& settings) {
-    const PropertyDictionary known = TVRNGlobalPreferencesPseudoAction::knownSettings();
+    const PropertyDictionary known = Settings::knownSettings();
     std::vector<std::pair<std::string, PropertyValue>> values;
     for (const KeyAndValue& setting : given) {
         const PropertyValue* present = find(known, setting.first);
@@ -133,18 +133,17 @@ void applySettings(const Recipe& recipe, const std::vector<KeyAndValue>& given,
         }
         const auto& [key, text] = setting;
         if (!present->asText()) {
-            const std::string problem =
-                TVRNGlobalPreferencesPseudoAction::problemOf(key, wholeNumber(text, key));
+            const std::string problem = Settings::problemOf(key, wholeNumber(text, key));
             if (!problem.empty())
                 throw UsageError(fmt::format("{}={}: {}", key, text, problem));
         }
         values.emplace_back(key, typedValue(*present, setting));
     }
-    settings.setValue(0, "interactiveMode");
+    settings.setValue(0, settingKey::interactiveMode);
     if (recipe.globalSettings)
         settings.setParameterList(*recipe.globalSettings);
-    if (settings.shouldCreateSilentDroplets() != 0)
-        settings.setValue(0, "interactiveMode"); // a silent droplet asks nothing
+    if (settings.values().shouldCreateSilentDroplets != 0)
+        settings.setValue(0, settingKey::interactiveMode); // a silent droplet asks nothing
     for (const auto& [key, value] : values)
         settings.setValue(value, key);
 }

@@ -39,7 +39,7 @@ Session::Session(bool storeInFile)
 }
 
 Session::Session() : Session(false) {
-    controller->globalSettings().setValue(0, "interactiveMode");
+    controller->globalSettings().setValue(0, settingKey::interactiveMode);
     openStore(false);
 }
 
@@ -69,7 +69,7 @@ void Session::setDefaults(bool storeInFile) {
 void Session::load(const RunOptions& options) {
     const Recipe recipe = loadRecipe(options.recipe);
     applySettings(recipe, options.settings, controller->globalSettings());
-    catalogue.actions().setAutomaticSorting(controller->globalSettings().automaticSorting());
+    catalogue.actions().setAutomaticSorting(controller->globalSettings().values().automaticSorting);
     controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
     refuseStepsThatCannotWork();
 }
@@ -103,12 +103,12 @@ void Session::beInteractive() {
     if (!connectedTerminal.canAsk())
         throw UsageError("there is no terminal to ask on; without --interactive, and with the setting "
                          "interactiveMode=0, nothing is asked");
-    controller->globalSettings().setValue(1, "interactiveMode");
+    controller->globalSettings().setValue(1, settingKey::interactiveMode);
     frontEnd.setInteractive(true);
 }
 
 void Session::beInteractiveIfSet() {
-    if (controller->globalSettings().shouldInteract())
+    if (controller->globalSettings().values().shouldInteract())
         beInteractive();
 }
 
@@ -134,7 +134,7 @@ void Session::tellFailuresOfPreview() {
 StoreContext& Session::context() { return controller->managedObjectContext(); }
 
 Predicate Session::filter() {
-    return FilterManager::currentFilterPredicate(controller->globalSettings().itemFilter());
+    return FilterManager::currentFilterPredicate(controller->globalSettings().values().itemFilter());
 }
 
 void Session::rename() {
@@ -176,7 +176,9 @@ TakeBackResult Session::takeBack(TakeBackRequest request) {
 
 RunHistory Session::history() const { return RunHistory(controller->renameEngine().historyPlace().folder); }
 
-void Session::keepHistory(bool keep) { controller->globalSettings().setValue(keep ? 1 : 0, "keepHistory"); }
+void Session::keepHistory(bool keep) {
+    controller->globalSettings().setValue(keep ? 1 : 0, settingKey::keepHistory);
+}
 
 void Session::requireHistory() {
     keepHistory(true);

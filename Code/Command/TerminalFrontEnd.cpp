@@ -2,46 +2,15 @@
 
 #include "InterruptHandler.h"
 #include "Terminal.h"
-#include "engine/asking/UserPrompts.h"
 #include "platform/processes/QueueRunLoop.h"
-#include "support/text/Text.h"
 
 #include <fmt/format.h>
 
 #include <cctype>
-#include <charconv>
 
 namespace tavrin {
 
 namespace {
-
-constexpr std::size_t abortButton = 1;
-
-/// A text of a question's context, in bytes.
-std::string entry(const PropertyDictionary& context, std::string_view key) {
-    const PropertyValue* value = find(context, key);
-    if (!value)
-        return {};
-    const std::u16string text = textValue(*value);
-    return text::toBytes(text).value_or(text::toUtf8(text));
-}
-
-/// A path out of the form that it has in a URL.
-std::string withoutPercentEscapes(std::string_view escaped) {
-    std::string path;
-    for (std::size_t i = 0; i < escaped.size(); ++i) {
-        unsigned byte = 0;
-        const char* const digits = escaped.data() + i + 1;
-        if (escaped[i] == '%' && i + 2 < escaped.size() &&
-            std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2) {
-            path += static_cast<char>(byte);
-            i += 2;
-        } else {
-            path += escaped[i];
-        }
-    }
-    return path;
-}
 
 /// An answer with the letter in brackets that stands for it.
 std::string_view wordsOf(ConfirmationChoice choice) {
@@ -79,7 +48,6 @@ void TerminalFrontEnd::tellFailures(const std::vector<ProcessingError>& errors) 
 }
 
 void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) {
-    AlertAnswer reply;
     switch (alert.kind) {
     case AlertKind::summary:
     case AlertKind::fileListSaved:
@@ -92,19 +60,10 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::updateAvailable:
     case AlertKind::noUpdate:
     case AlertKind::settingsSetAside:
+    case AlertKind::runQuestion:
         break; // the command offers nothing that leads here
     case AlertKind::tagNotPresent:
         terminal.complain(fmt::format("tvrn: {}", alert.title));
-        break;
-    case AlertKind::iTunesWarning:
-    case AlertKind::iPhotoWarning:
-        reply = answerToLibraryWarning(alert);
-        break;
-    case AlertKind::noRecord:
-        terminal.complain(fmt::format("tvrn: {} {}", alert.title, asOneLine(alert.text)));
-        refused = needsRecord;
-        if (needsRecord)
-            reply.button = abortButton;
         break;
     case AlertKind::noActiveActions:
     case AlertKind::filesNotAdded:
@@ -116,30 +75,14 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::presetDeletion:
     case AlertKind::exifSortingOff:
         refused = true;
-        terminal.complain(fmt::format("tvrn: {} {}", alert.title, asOneLine(alert.text)));
-        break;
-    case AlertKind::pipelineFailed:
-        failures = true;
-        terminal.complain(fmt::format("tvrn: {} {}", alert.title, asOneLine(alert.text)));
+        tellAlert(alert);
         break;
     }
-    answer(reply);
+    answer({});
 }
 
-AlertAnswer TerminalFrontEnd::answerToLibraryWarning(const Alert& alert) {
+void TerminalFrontEnd::tellAlert(const Alert& alert) {
     terminal.complain(fmt::format("tvrn: {} {}", alert.title, asOneLine(alert.text)));
-    AlertAnswer answer{abortButton, false};
-    if (!interactive) {
-        refused = true;
-        return answer;
-    }
-    const std::optional<std::string> line =
-        terminal.ask("Continue all the same? [y]es, [s]top: ", interrupts.descriptor());
-    if (line && (line->starts_with('y') || line->starts_with('Y')))
-        answer.button = 0;
-    else
-        stopped = true;
-    return answer;
 }
 
 void TerminalFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
@@ -163,34 +106,65 @@ void TerminalFrontEnd::showNotice(NoticeDialog dialog, std::function<void(Notice
     answer(reply);
 }
 
-void TerminalFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
-                                             const std::optional<std::string>&,
-                                             std::function<void(ConfirmationChoice)> answer) {
-    const auto shown = [&](std::string_view key) { return entry(context, key); };
-    std::string question;
-    switch (sheet) {
-    case ConfirmationSheet::rename:
-        question = fmt::format("Rename \"{}\" to \"{}\" in {}?", shown("oldName"), shown("newName"),
-                               withoutPercentEscapes(entry(context, "path")));
-        break;
-    case ConfirmationSheet::swap:
-        question =
-            fmt::format("Swap the names of {} and {}?", shown("fullPathFirst"), shown("fullPathSecond"));
-        break;
-    case ConfirmationSheet::nameCycle:
-        question = fmt::format("Names in {} depend on each other in a circle. Rename these items together?",
-                               shown("fullPath"));
-        break;
-    case ConfirmationSheet::problem:
-        tellFailure(entry(context, "title"), entry(context, "message"), entry(context, "fullPath"));
-        question = "Go on?";
-        break;
+// ---- the questions of a run
+
+void TerminalFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
+    answer(std::visit([this](const auto& each) { return answerTo(each); }, question));
+}
+
+ConfirmationChoice TerminalFrontEnd::answerTo(const RenameQuestion& question) {
+    return choose(
+        fmt::format("Rename \"{}\" to \"{}\" in {}?", question.oldName, question.newName, question.path),
+        allowedAnswers(question));
+}
+
+ConfirmationChoice TerminalFrontEnd::answerTo(const SwapQuestion& question) {
+    return choose(
+        fmt::format("Swap the names of {} and {}?", question.fullPathFirst, question.fullPathSecond),
+        allowedAnswers(question));
+}
+
+ConfirmationChoice TerminalFrontEnd::answerTo(const NameCycleQuestion& question) {
+    return choose(fmt::format("Names in {} depend on each other in a circle. Rename these items together?",
+                              question.fullPath),
+                  allowedAnswers(question));
+}
+
+ConfirmationChoice TerminalFrontEnd::answerTo(const ProblemReport& report) {
+    tellFailure(report.title, report.message, report.fullPath);
+    return choose("Go on?", allowedAnswers(report));
+}
+
+/// Where nobody can be asked it ends the run.
+ConfirmationChoice TerminalFrontEnd::answerTo(const LibraryWarning& warning) {
+    tellAlert(*alertOf(warning));
+    if (!interactive) {
+        refused = true;
+        return ConfirmationChoice::stop;
     }
-    answer(interactive ? choose(question, allowedAnswers(sheet)) : ConfirmationChoice::one);
+    const std::optional<std::string> line =
+        terminal.ask("Continue all the same? [y]es, [s]top: ", interrupts.descriptor());
+    const bool goesOn = line && (line->starts_with('y') || line->starts_with('Y'));
+    stopped |= !goesOn;
+    return goesOn ? ConfirmationChoice::one : ConfirmationChoice::stop;
+}
+
+ConfirmationChoice TerminalFrontEnd::answerTo(const NoRecordQuestion& question) {
+    tellAlert(*alertOf(question));
+    refused = needsRecord;
+    return needsRecord ? ConfirmationChoice::stop : ConfirmationChoice::one;
+}
+
+ConfirmationChoice TerminalFrontEnd::answerTo(const PipelineFailure& failure) {
+    failures = true;
+    tellAlert(*alertOf(failure));
+    return ConfirmationChoice::one;
 }
 
 ConfirmationChoice TerminalFrontEnd::choose(const std::string& question,
                                             std::span<const ConfirmationChoice> allowed) {
+    if (!interactive)
+        return ConfirmationChoice::one;
     std::string prompt = question;
     for (const ConfirmationChoice choice : allowed)
         prompt += fmt::format("{} {}", choice == allowed.front() ? "" : ",", wordsOf(choice));

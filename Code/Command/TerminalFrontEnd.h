@@ -38,9 +38,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
-    void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
-                               const std::optional<std::string>& previewPath,
-                               std::function<void(ConfirmationChoice)> answer) override;
+    void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
@@ -54,7 +52,14 @@ class TerminalFrontEnd : public FrontEnd {
 
   private:
     void tellFailure(const std::string& title, const std::string& message, const std::string& path);
-    AlertAnswer answerToLibraryWarning(const Alert& alert);
+    void tellAlert(const Alert& alert);
+    ConfirmationChoice answerTo(const RenameQuestion& question);
+    ConfirmationChoice answerTo(const SwapQuestion& question);
+    ConfirmationChoice answerTo(const NameCycleQuestion& question);
+    ConfirmationChoice answerTo(const ProblemReport& report);
+    ConfirmationChoice answerTo(const LibraryWarning& warning);
+    ConfirmationChoice answerTo(const NoRecordQuestion& question);
+    ConfirmationChoice answerTo(const PipelineFailure& failure);
     ConfirmationChoice choose(const std::string& question, std::span<const ConfirmationChoice> allowed);
 
     Terminal& terminal;

@@ -1,4 +1,4 @@
-#include "command/TerminalSession.h"
+#include "command/Workplace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

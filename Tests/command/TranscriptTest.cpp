@@ -1,15 +1,69 @@
-#include "command/Transcript.h"
-
 #include "command/Workplace.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
+#include <fnmatch.h>
+#include <fstream>
+#include <ostream>
+#include <stdexcept>
 
 namespace tavrin::test {
+
+/// A line of shell and what it is to show: lines of standard output, then those of standard error behind "!
+/// ", then the exit status in brackets unless it is 0.
+struct TranscriptStep {
+    std::string line;
+    std::vector<std::string> expected;
+};
+
+/// Steps in one fresh folder, under a title that tells what they are about.
+struct Transcript {
+    std::string file;
+    std::string title;
+    std::vector<TranscriptStep> steps;
+};
+
+/// How the test framework names one.
+void PrintTo(const Transcript& transcript, std::ostream* stream) {
+    *stream << transcript.file << ": " << transcript.title;
+}
+
 namespace {
+
+/// Reads transcripts: "== title" begins one, "$ " a step; what follows is expected. A line that begins with
+/// "~ " is a pattern of the shell's kind for the rest of the line. Empty lines and "# " lines are passed
+/// over.
+std::vector<Transcript> readTranscripts(const std::string& path) {
+    std::ifstream file(path);
+    if (!file)
+        throw std::runtime_error("cannot read " + path);
+    std::vector<Transcript> transcripts;
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line.starts_with("# "))
+            continue;
+        if (line.starts_with("== "))
+            transcripts.push_back({path.substr(path.rfind('/') + 1), line.substr(3), {}});
+        else if (line.starts_with("$ "))
+            transcripts.back().steps.push_back({line.substr(2), {}});
+        else
+            transcripts.back().steps.back().expected.push_back(line);
+    }
+    return transcripts;
+}
+
+/// Whether the lines are as expected.
+bool matches(const std::vector<std::string>& expected, const std::vector<std::string>& lines) {
+    return std::ranges::equal(expected, lines, [](const std::string& wanted, const std::string& line) {
+        if (wanted.starts_with("~ "))
+            return ::fnmatch(wanted.c_str() + 2, line.c_str(), 0) == 0;
+        return wanted == line;
+    });
+}
 
 void appendLines(const std::string& text, const std::string& mark, std::vector<std::string>& into) {
     for (std::size_t start = 0; start < text.size();) {
@@ -64,6 +118,31 @@ std::string nameOf(const testing::TestParamInfo<Transcript>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, TranscriptTest, testing::ValuesIn(allTranscripts()), nameOf);
+
+class Help : public testing::TestWithParam<std::string> {};
+
+TEST_P(Help, FitsAScreenAndEndsWithThreeExamplesThatWork) {
+    const Workplace workplace;
+    const ProgramResult help = workplace.run("tvrn " + GetParam() + " --help");
+    ASSERT_EQ(help.status, 0) << help.error;
+    std::vector<std::string> lines;
+    appendLines(help.output, "", lines);
+    EXPECT_LE(lines.size(), 24u);
+    for (const std::string& line : lines)
+        EXPECT_LE(line.size(), 80u) << line;
+    ASSERT_GT(lines.size(), 4u);
+    EXPECT_EQ(lines[lines.size() - 4], "Examples:");
+    for (std::size_t i = lines.size() - 3; i < lines.size(); ++i) {
+        const ProgramResult example = workplace.run(lines[i]);
+        EXPECT_EQ(example.status, 0) << lines[i] << "\n" << example.error;
+        EXPECT_THAT(example.error, testing::IsEmpty()) << lines[i];
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Help,
+                         testing::Values("", "preview", "rename", "history", "undo", "redo", "actions",
+                                         "tags", "presets"),
+                         [](const auto& test) { return test.param.empty() ? "overview" : test.param; });
 
 } // namespace
 } // namespace tavrin::test

@@ -1,128 +1,118 @@
 #include "command/Workplace.h"
 
-#include "platform/files/Descriptor.h"
+#include "platform/desktop/Quoting.h"
+#include "platform/processes/ChildProcess.h"
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
+#include <pty.h>
 #include <stdexcept>
 #include <sys/wait.h>
-#include <system_error>
-#include <vector>
 
 namespace tavrin::test {
-
-namespace {
-
-void check(int error, const char* what) {
-    if (error != 0)
-        throw std::system_error(error, std::generic_category(), what);
-}
-
-struct Pipe {
-    Pipe() {
-        std::array<int, 2> ends;
-        check(::pipe2(ends.data(), O_CLOEXEC) == 0 ? 0 : errno, "pipe2");
-        reading = Descriptor(ends[0]);
-        writing = Descriptor(ends[1]);
-    }
-    Descriptor reading;
-    Descriptor writing;
-};
-
-/// Reads both to their ends, whichever has something.
-void drain(const Pipe& first, std::string& firstText, const Pipe& second, std::string& secondText) {
-    std::array<pollfd, 2> sources{{{first.reading.get(), POLLIN, 0}, {second.reading.get(), POLLIN, 0}}};
-    const std::array<std::string*, 2> texts{&firstText, &secondText};
-    while (sources[0].fd >= 0 || sources[1].fd >= 0) {
-        ::poll(sources.data(), sources.size(), -1);
-        for (std::size_t i = 0; i < sources.size(); ++i) {
-            if (sources[i].fd < 0 || sources[i].revents == 0)
-                continue;
-            std::array<char, 65536> buffer;
-            const ssize_t length = ::read(sources[i].fd, buffer.data(), buffer.size());
-            if (length > 0)
-                texts[i]->append(buffer.data(), static_cast<std::size_t>(length));
-            else if (length == 0 || errno != EINTR)
-                sources[i].fd = -1;
-        }
-    }
-}
-
-} // namespace
 
 Workplace::Workplace() {
     home.makeFolder("bin");
     home.link("bin/tvrn", TVRN_PROGRAM);
 }
 
-pid_t Workplace::spawn(const std::string& line, int input, int output, int error, bool inSession) const {
-    std::vector<std::string> environment = {"PATH=" + home.path("bin") + ":/usr/bin:/bin",
-                                            "HOME=" + home.path(),
-                                            "XDG_DATA_HOME=" + home.path("data"),
-                                            "XDG_STATE_HOME=" + home.path("state"),
-                                            "XDG_CONFIG_HOME=" + home.path("config"),
-                                            "LC_ALL=C.UTF-8",
-                                            "TERM=dumb",
-                                            "DATA=" + dataFolder(),
-                                            "TEST_DATA=" TAVRIN_TEST_DATA};
-    for (const char* sanitizerOptions : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
+std::vector<std::string> Workplace::arguments(const std::string& line) const {
+    std::vector<std::string> result = {"/usr/bin/env",
+                                       "-i",
+                                       "PATH=" + home.path("bin") + ":/usr/bin:/bin",
+                                       "HOME=" + home.path(),
+                                       "XDG_DATA_HOME=" + home.path("data"),
+                                       "XDG_STATE_HOME=" + home.path("state"),
+                                       "XDG_CONFIG_HOME=" + home.path("config"),
+                                       "LC_ALL=C.UTF-8",
+                                       "TERM=dumb",
+                                       "DATA=" + home.path("data/Tavrin 9"),
+                                       "TEST_DATA=" TAVRIN_TEST_DATA};
+    for (const char* sanitizerOptions : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"})
         if (const char* value = std::getenv(sanitizerOptions))
-            environment.push_back(std::string(sanitizerOptions) + "=" + value);
-    }
-    std::vector<char*> variables;
-    for (std::string& variable : environment)
-        variables.push_back(variable.data());
-    variables.push_back(nullptr);
-
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addchdir_np(&files, work.path().c_str());
-    posix_spawn_file_actions_adddup2(&files, input, 0);
-    posix_spawn_file_actions_adddup2(&files, output, 1);
-    posix_spawn_file_actions_adddup2(&files, error, 2);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    if (inSession)
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-    std::string shell = "bash", option = "-c", text = line;
-    std::array<char*, 4> arguments{shell.data(), option.data(), text.data(), nullptr};
-    pid_t process = 0;
-    const int failure =
-        ::posix_spawn(&process, "/bin/bash", &files, &attributes, arguments.data(), variables.data());
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&files);
-    check(failure, "posix_spawn");
-    return process;
-}
-
-ProgramResult Workplace::run(const std::string& line) const {
-    Pipe output;
-    Pipe error;
-    const Descriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
-    const pid_t process = spawn(line, nothing.get(), output.writing.get(), error.writing.get(), false);
-    output.writing.reset();
-    error.writing.reset();
-    ProgramResult result;
-    drain(output, result.output, error, result.error);
-    result.status = waitForStatus(process);
+            result.push_back(std::string(sanitizerOptions) + "=" + value);
+    const std::vector<std::string> shell = {"/bin/bash", "-c",
+                                            "cd " + quotedForShell(work.path()) + "; " + line};
+    result.insert(result.end(), shell.begin(), shell.end());
     return result;
 }
 
-pid_t Workplace::start(const std::string& line, int terminal) const {
-    return spawn(line, terminal, terminal, terminal, true);
+ProgramResult Workplace::run(const std::string& line) const {
+    ChildProcess::Request request;
+    request.arguments = arguments("exec 2>" + quotedForShell(home.path("errors")) + "; " + line);
+    request.timeout = std::chrono::minutes(10);
+    const ChildProcess::Result result = ChildProcess::run(request);
+    return {result.exitStatus, result.output, home.read("errors")};
 }
 
-int waitForStatus(pid_t process) {
-    int status = 0;
-    while (::waitpid(process, &status, 0) < 0) {
-        if (errno != EINTR)
-            throw std::system_error(errno, std::generic_category(), "waitpid");
+TerminalSession::TerminalSession(const Workplace& workplace, const std::string& line) {
+    std::vector<std::string> arguments = workplace.arguments("exec " + line);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    int master = -1;
+    process = ::forkpty(&master, nullptr, nullptr, nullptr);
+    if (process == 0) {
+        ::execv(pointers.front(), pointers.data());
+        ::_exit(127);
     }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    if (process < 0)
+        throw std::runtime_error("no terminal to be had");
+    terminal = Descriptor(master);
+    ::fcntl(master, F_SETFD, FD_CLOEXEC);
+}
+
+TerminalSession::~TerminalSession() {
+    if (process != 0)
+        end();
+}
+
+bool TerminalSession::readMore() {
+    constexpr int longTime = 60'000; // milliseconds
+    pollfd source{terminal.get(), POLLIN, 0};
+    if (::poll(&source, 1, longTime) <= 0)
+        return false;
+    std::array<char, 4096> buffer;
+    const ssize_t length = ::read(terminal.get(), buffer.data(), buffer.size());
+    if (length <= 0)
+        return false; // the other side has been closed
+    shown.append(buffer.data(), static_cast<std::size_t>(length));
+    return true;
+}
+
+bool TerminalSession::await(std::string_view text) {
+    std::size_t found = shown.find(text, awaited);
+    while (found == std::string::npos) {
+        if (!readMore())
+            return false;
+        found = shown.find(text, awaited);
+    }
+    awaited = found + text.size();
+    return true;
+}
+
+void TerminalSession::type(std::string_view text) const {
+    if (::write(terminal.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+        throw std::runtime_error("the terminal takes no input");
+}
+
+void TerminalSession::interrupt() const { ::kill(process, SIGINT); }
+
+int TerminalSession::end() {
+    while (readMore())
+        continue;
+    // Still there after a long silence: its status then tells so.
+    ::kill(process, SIGKILL);
+    const pid_t ended = std::exchange(process, 0);
+    int status = 0;
+    while (::waitpid(ended, &status, 0) < 0 && errno == EINTR)
+        continue;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 } // namespace tavrin::test

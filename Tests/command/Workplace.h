@@ -1,14 +1,16 @@
 #pragma once
 
 #include "common/TemporaryFolder.h"
+#include "platform/files/Descriptor.h"
 
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+#include <vector>
 
 namespace tavrin::test {
 
-/// What became of a program: 128 + the number where a signal ended it.
+/// What became of a line of shell.
 struct ProgramResult {
     int status = 0;
     std::string output;
@@ -22,26 +24,41 @@ class Workplace {
     Workplace();
 
     [[nodiscard]] const TemporaryFolder& folder() const { return work; }
-    /// Where the program keeps its data.
-    [[nodiscard]] std::string dataFolder() const { return home.path("data/Tavrin 9"); }
-
-    /// Where it keeps the records of its runs.
-    [[nodiscard]] std::string recordsFolder() const { return home.path("state/tavrin/runs"); }
-
     /// Runs a line of shell in the folder, with nothing on standard input.
     [[nodiscard]] ProgramResult run(const std::string& line) const;
-    /// Starts it and leaves the rest to the caller; standard input and output are `terminal`.
-    [[nodiscard]] pid_t start(const std::string& line, int terminal) const;
+    /// What a process is started with to run the line there.
+    [[nodiscard]] std::vector<std::string> arguments(const std::string& line) const;
 
   private:
-    [[nodiscard]] pid_t spawn(const std::string& line, int input, int output, int error,
-                              bool inSession) const;
-
     TemporaryFolder work;
     TemporaryFolder home;
 };
 
-/// The exit status of a process that is waited for.
-int waitForStatus(pid_t process);
+/// A program that runs in a workplace with a terminal of its own, and somebody who reads and types.
+class TerminalSession {
+  public:
+    TerminalSession(const Workplace& workplace, const std::string& line);
+    ~TerminalSession();
+    TerminalSession(const TerminalSession&) = delete;
+    TerminalSession& operator=(const TerminalSession&) = delete;
+
+    /// Waits until the text has come up, behind what was awaited before; false when the program ends first,
+    /// or says nothing for a long time.
+    [[nodiscard]] bool await(std::string_view text);
+    void type(std::string_view text) const;
+    void interrupt() const;
+    /// Waits for the end; the exit status, or -1 where a signal ended it.
+    int end();
+    /// All that has been shown.
+    [[nodiscard]] const std::string& screen() const { return shown; }
+
+  private:
+    bool readMore();
+
+    Descriptor terminal;
+    pid_t process = 0;
+    std::string shown;
+    std::size_t awaited = 0;
+};
 
 } // namespace tavrin::test

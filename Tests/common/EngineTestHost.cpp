@@ -1,5 +1,6 @@
 #include "common/EngineTestHost.h"
 
+#include "common/ScriptedFrontEnd.h"
 #include "support/text/Text.h"
 
 #include <gtest/gtest.h>
@@ -148,6 +149,28 @@ std::vector<std::string> EngineTestHost::errors() {
     for (const ProcessingError& error : mainContext->processingErrors())
         lines.push_back(error.title + " | " + error.message + " | " + error.path);
     return lines;
+}
+
+void EngineTestHost::ask(const RunQuestion& question, const ConfirmationAnswerPointer& answer) {
+    prompts.asked.push_back(inWords(question));
+    const auto give = [&](const auto& script, const auto& each) {
+        if (script)
+            answer->give(script(each));
+        else
+            ADD_FAILURE() << "unexpected question: " << prompts.asked.back();
+    };
+    struct Dispatch {
+        const ScriptedAnswers& scripts;
+        decltype(give)& then;
+        void operator()(const RenameQuestion& q) const { then(scripts.onRename, q); }
+        void operator()(const SwapQuestion& q) const { then(scripts.onSwap, q); }
+        void operator()(const NameCycleQuestion& q) const { then(scripts.onNameCycle, q); }
+        void operator()(const ProblemReport& q) const { then(scripts.onProblem, q); }
+        void operator()(const LibraryWarning& q) const { then(scripts.onLibraryWarning, q); }
+        void operator()(const NoRecordQuestion& q) const { then(scripts.onNoRecord, q); }
+        void operator()(const PipelineFailure& q) const { then(scripts.onPipelineFailed, q); }
+    };
+    std::visit(Dispatch{prompts, give}, question);
 }
 
 void EngineTestHost::updatePreview() {

@@ -3,7 +3,6 @@
 #include "actions/ActionList.h"
 #include "actions/CompositeRenameAction.h"
 #include "common/ManualRunLoop.h"
-#include "common/ScriptedPrompts.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/ProgressInfo.h"
@@ -21,6 +20,21 @@
 #include <vector>
 
 namespace tavrin::test {
+
+/// A user whose answers the test scripts, by the kind of question. One without a script is a failure of the
+/// test, and is answered with "stop".
+struct ScriptedAnswers {
+    template <typename Question> using Script = std::function<ConfirmationChoice(const Question&)>;
+    Script<RenameQuestion> onRename;
+    Script<SwapQuestion> onSwap;
+    Script<NameCycleQuestion> onNameCycle;
+    Script<ProblemReport> onProblem;
+    Script<LibraryWarning> onLibraryWarning;
+    Script<NoRecordQuestion> onNoRecord;
+    Script<PipelineFailure> onPipelineFailed;
+
+    std::vector<std::string> asked; ///< every question, in order, in words
+};
 
 /// An application around one engine: real store, settings, actions and source items, a run loop driven by the
 /// test's thread, and a scripted user. New settings ask nothing and process files and folders.
@@ -44,7 +58,7 @@ class EngineTestHost : public EngineHost {
     TVRNGlobalPreferencesPseudoAction settings;
     CompositeRenameAction composite;
     ProgressInfo progress;
-    ScriptedPrompts prompts;
+    ScriptedAnswers prompts;
     /// The calls of the engine that end on the main thread, in order; a list save with its format.
     std::vector<std::string> events;
     /// Called with each of them as it happens.
@@ -91,7 +105,7 @@ class EngineTestHost : public EngineHost {
     CompositeRenameAction& compositeAction() override { return composite; }
     ProgressInfo& progressInfo() override { return progress; }
     RunLoop& runLoop() override { return loop; }
-    UserPrompts& userPrompts() override { return prompts; }
+    void ask(const RunQuestion& question, const ConfirmationAnswerPointer& answer) override;
     bool isSilentDroplet() override { return isSilent; }
     void updatePreview() override;
     void startProgressWindow() override { note("startProgressWindow"); }

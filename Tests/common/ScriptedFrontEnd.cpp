@@ -5,95 +5,40 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace tavrin::test {
 
 namespace {
 
-std::string nameOf(AlertKind kind) {
-    switch (kind) {
-    case AlertKind::noActiveActions:
-        return "noActiveActions";
-    case AlertKind::filesNotAdded:
-        return "filesNotAdded";
-    case AlertKind::itemsNotRemoved:
-        return "itemsNotRemoved";
-    case AlertKind::manualSorting:
-        return "manualSorting";
-    case AlertKind::iTunesWarning:
-        return "iTunesWarning";
-    case AlertKind::iPhotoWarning:
-        return "iPhotoWarning";
-    case AlertKind::noRecord:
-        return "noRecord";
-    case AlertKind::interruptedRun:
-        return "interruptedRun";
-    case AlertKind::nothingToTakeBack:
-        return "nothingToTakeBack";
-    case AlertKind::summary:
-        return "summary";
-    case AlertKind::fileListSaved:
-        return "fileListSaved";
-    case AlertKind::pipelineFailed:
-        return "pipelineFailed";
-    case AlertKind::dropletLocked:
-        return "dropletLocked";
-    case AlertKind::dropletNotCreated:
-        return "dropletNotCreated";
-    case AlertKind::dropletIsSilent:
-        return "dropletIsSilent";
-    case AlertKind::dropletUpgrade:
-        return "dropletUpgrade";
-    case AlertKind::presetDeletion:
-        return "presetDeletion";
-    case AlertKind::exifSortingOff:
-        return "exifSortingOff";
-    case AlertKind::tagNotPresent:
-        return "tagNotPresent";
-    case AlertKind::presetMigration:
-        return "presetMigration";
-    case AlertKind::dropletMigration:
-        return "dropletMigration";
-    case AlertKind::updateAvailable:
-        return "updateAvailable";
-    case AlertKind::noUpdate:
-        return "noUpdate";
-    case AlertKind::settingsSetAside:
-        return "settingsSetAside";
-    }
-    return "?";
-}
+/// In the order of AlertKind.
+constexpr std::array alertNames{"noActiveActions", "filesNotAdded",    "itemsNotRemoved",   "manualSorting",
+                                "runQuestion",     "interruptedRun",   "nothingToTakeBack", "summary",
+                                "fileListSaved",   "dropletLocked",    "dropletNotCreated", "dropletIsSilent",
+                                "dropletUpgrade",  "presetDeletion",   "exifSortingOff",    "tagNotPresent",
+                                "presetMigration", "dropletMigration", "updateAvailable",   "noUpdate",
+                                "settingsSetAside"};
+/// In the order of NoticeDialog.
+constexpr std::array noticeNames{"noFilesSelected", "inconsistentSettings", "dropletInformation",
+                                 "dropletEditMode", "simpleTemplateFileList"};
 
-std::string nameOf(NoticeDialog dialog) {
-    switch (dialog) {
-    case NoticeDialog::noFilesSelected:
-        return "noFilesSelected";
-    case NoticeDialog::inconsistentSettings:
-        return "inconsistentSettings";
-    case NoticeDialog::dropletInformation:
-        return "dropletInformation";
-    case NoticeDialog::dropletEditMode:
-        return "dropletEditMode";
-    case NoticeDialog::simpleTemplateFileList:
-        return "simpleTemplateFileList";
+struct InWords {
+    std::string operator()(const RenameQuestion& q) const {
+        return "rename " + q.oldName + " -> " + q.newName;
     }
-    return "?";
-}
-
-std::string nameOf(ConfirmationSheet sheet) {
-    switch (sheet) {
-    case ConfirmationSheet::rename:
-        return "rename";
-    case ConfirmationSheet::swap:
-        return "swap";
-    case ConfirmationSheet::nameCycle:
-        return "nameCycle";
-    case ConfirmationSheet::problem:
-        return "problem";
+    std::string operator()(const SwapQuestion& q) const { return "swap " + q.oldName + " -> " + q.newName; }
+    std::string operator()(const NameCycleQuestion& q) const { return "cycle " + q.fullPath; }
+    std::string operator()(const ProblemReport& q) const { return "problem " + q.title + ": " + q.fullPath; }
+    std::string operator()(const LibraryWarning& q) const {
+        return q.library == LibraryWarning::Library::iTunes ? "iTunes" : "iPhoto";
     }
-    return "?";
-}
+    std::string operator()(const NoRecordQuestion& q) const { return "no record: " + q.reason; }
+    std::string operator()(const PipelineFailure& q) const { return "failed " + q.title; }
+};
 
 } // namespace
+
+std::string inWords(const RunQuestion& question) { return std::visit(InWords(), question); }
 
 ScriptedFrontEnd::~ScriptedFrontEnd() {
     for (const Expectation& expectation : script)
@@ -110,16 +55,7 @@ void ScriptedFrontEnd::answerHeld(const Answer& answer) {
 }
 
 template <typename Given>
-ScriptedFrontEnd::Giver ScriptedFrontEnd::giverOf(std::function<void(Given)> handler) {
-    return [handler = std::move(handler)](const Answer& answer) {
-        if (const auto* given = std::get_if<Given>(&answer))
-            handler(*given);
-        else if (!std::holds_alternative<Closed>(answer))
-            ADD_FAILURE() << "the script has an answer of another kind";
-    };
-}
-
-void ScriptedFrontEnd::ask(const std::string& question, Giver giver) {
+void ScriptedFrontEnd::askFor(const std::string& question, const std::function<void(Given)>& handler) {
     if (script.empty() || script.front().question != question) {
         ADD_FAILURE() << "unexpected question: " << question
                       << ", expected: " << (script.empty() ? "none" : script.front().question);
@@ -128,87 +64,92 @@ void ScriptedFrontEnd::ask(const std::string& question, Giver giver) {
     note("asked " + question);
     const Answer answer = std::move(script.front().answer);
     script.pop_front();
+    const Giver give = [handler](const Answer& chosen) {
+        if (const auto* given = std::get_if<Given>(&chosen))
+            handler(*given);
+        else if (!std::holds_alternative<Closed>(chosen))
+            ADD_FAILURE() << "the script has an answer of another kind";
+    };
     if (std::holds_alternative<Held>(answer))
-        held = std::move(giver);
+        held = give;
     else
-        giver(answer);
+        give(answer);
 }
 
 void ScriptedFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) {
     alerts.push_back(alert);
-    ask("alert " + nameOf(alert.kind), giverOf(std::move(answer)));
+    askFor(fmt::format("alert {}", alertNames.at(static_cast<std::size_t>(alert.kind))), answer);
 }
 
 void ScriptedFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
-    ask(fmt::format("notice {}", nameOf(dialog)), giverOf(std::move(answer)));
+    askFor(fmt::format("notice {}", noticeNames.at(static_cast<std::size_t>(dialog))), answer);
 }
 
-void ScriptedFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
-                                             const std::optional<std::string>& previewPath,
-                                             std::function<void(ConfirmationChoice)> answer) {
-    sheets.push_back({sheet, context, previewPath});
-    ask("sheet " + nameOf(sheet), giverOf(std::move(answer)));
+void ScriptedFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
+    runQuestions.push_back(question);
+    const std::string words = inWords(question);
+    askFor(words.substr(0, words.find(' ')), answer);
 }
 
 void ScriptedFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
     failures = report;
-    ask("errors", [closed = std::move(closed)](const Answer& answer) {
-        if (!std::holds_alternative<Closed>(answer))
-            closed();
-    });
+    askFor<AlertAnswer>("errors", [closed](const AlertAnswer&) { closed(); });
+}
+
+void ScriptedFrontEnd::withdrawQuestions() {
+    note("withdrawQuestions");
+    held = nullptr;
 }
 
 void ScriptedFrontEnd::askForFilesToAdd(const std::string& startFolder,
                                         std::function<void(std::optional<FilesToAdd>)> answer) {
     note("panel starts at " + startFolder);
-    ask("files to add", giverOf(std::move(answer)));
+    askFor("files to add", answer);
 }
 
 void ScriptedFrontEnd::askForFileListFormat(std::function<void(FileListChoice)> answer) {
-    ask("list format", giverOf(std::move(answer)));
+    askFor("list format", answer);
 }
 
 void ScriptedFrontEnd::askForSavePath(const std::string& title,
                                       std::function<void(std::optional<std::string>)> answer) {
     note("panel titled " + title);
-    ask("save path", giverOf(std::move(answer)));
+    askFor("save path", answer);
 }
 
 void ScriptedFrontEnd::askForDropletPath(const std::string& title, const std::string& startFolder,
                                          std::function<void(std::optional<std::string>)> answer) {
     note(fmt::format("panel titled {} starts at {}", title, startFolder));
-    ask("droplet path", giverOf(std::move(answer)));
+    askFor("droplet path", answer);
 }
 
 void ScriptedFrontEnd::askForDroplets(const LocatePanel& panel,
                                       std::function<void(std::optional<std::vector<std::string>>)> answer) {
     note("panel titled " + panel.title + ", " + panel.message + ", " + panel.prompt);
-    ask("droplets", giverOf(std::move(answer)));
+    askFor("droplets", answer);
 }
 
 void ScriptedFrontEnd::askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) {
     takeBack = question;
-    ask("take back " + question.title,
-        giverOf<AlertAnswer>([answer](const AlertAnswer& given) { answer(given.button == 0); }));
+    askFor("take back " + question.title, answer);
 }
 
 void ScriptedFrontEnd::askForFolder(const LocatePanel& panel,
                                     std::function<void(std::optional<std::string>)> answer) {
     note("panel titled " + panel.title);
-    ask("folder", giverOf(std::move(answer)));
+    askFor("folder", answer);
 }
 
 void ScriptedFrontEnd::fetchAddress(const std::string& address, std::size_t,
                                     std::function<void(FetchedAddress)> answer) {
-    ask("fetch " + address, giverOf(std::move(answer)));
+    askFor("fetch " + address, answer);
 }
 
 void ScriptedFrontEnd::terminate() {
     EXPECT_FALSE(isTerminated);
     isTerminated = true;
     note("terminate");
-    if (onProgress)
-        onProgress();
+    onProgress();
 }
 
 void ScriptedFrontEnd::selectMainTab(MainTab tab) { note(fmt::format("mainTab {}", static_cast<int>(tab))); }
@@ -217,20 +158,9 @@ void ScriptedFrontEnd::selectPreviewTab(PreviewTab tab) {
     note(fmt::format("previewTab {}", static_cast<int>(tab)));
 }
 
-void ScriptedFrontEnd::setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) {
-    if (column == PreviewColumn::regex6 || column == PreviewColumn::path)
-        note(fmt::format("columns {} {} {}", minimum, maximum, width));
-}
-
 void ScriptedFrontEnd::previewFinished() {
     ++finishedPreviews;
-    if (onProgress)
-        onProgress();
-}
-
-void ScriptedFrontEnd::fillActionMenus(const std::vector<std::u16string>& actions,
-                                       const std::vector<std::u16string>& categories) {
-    note(actions.empty() || categories.empty() ? "empty menus" : "fillActionMenus");
+    onProgress();
 }
 
 void ScriptedFrontEnd::fillPresetMenu(const std::vector<std::u16string>& titles) {
@@ -241,8 +171,7 @@ void ScriptedFrontEnd::showActionPanel(BaseRenameAction& action) { note("panel "
 
 void ScriptedFrontEnd::setDividerPosition(double position) {
     note(fmt::format("divider {}", position));
-    if (onDividerMoved)
-        onDividerMoved(position);
+    onDividerMoved(position);
 }
 
 } // namespace tavrin::test

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/asking/UserPrompts.h"
+#include "engine/asking/RunQuestion.h"
 #include "shell/asking/FrontEnd.h"
 
 #include <deque>
@@ -14,10 +14,15 @@
 
 namespace tavrin::test {
 
+/// A question of a run in a few words: "rename old -> new", "swap old -> new", "cycle path",
+/// "problem title: path", "iTunes", "iPhoto", "no record: reason", "failed title".
+[[nodiscard]] std::string inWords(const RunQuestion& question);
+
 /// A front end whose user follows a script: each question must be the next one expected, and gets its
 /// answer. Any other question fails the test and is dropped unanswered; so does an expectation that is left
-/// at the end. Questions are named "alert summary", "notice noFilesSelected", "sheet rename", "errors",
-/// "files to add", "list format", "save path", "droplet path", "droplets", "folder", "fetch ADDRESS".
+/// at the end. Questions are named "alert summary", "notice noFilesSelected", by the first word of a run's
+/// question, "errors", "files to add", "list format", "save path", "droplet path", "droplets", "folder",
+/// "take back TITLE", "fetch ADDRESS".
 class ScriptedFrontEnd : public FrontEnd {
   public:
     /// The question goes unanswered, as when the window is closed.
@@ -26,7 +31,7 @@ class ScriptedFrontEnd : public FrontEnd {
     struct Held {};
     using Answer = std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice,
                                 std::optional<FilesToAdd>, FileListChoice, std::optional<std::string>,
-                                std::optional<std::vector<std::string>>, FetchedAddress>;
+                                std::optional<std::vector<std::string>>, FetchedAddress, bool>;
 
     ~ScriptedFrontEnd() override;
 
@@ -40,12 +45,7 @@ class ScriptedFrontEnd : public FrontEnd {
     // What was shown.
     std::vector<std::string> events; ///< in order, in the words of the operations below
     std::vector<Alert> alerts;
-    struct Sheet {
-        ConfirmationSheet sheet;
-        PropertyDictionary context;
-        std::optional<std::string> previewPath;
-    };
-    std::vector<Sheet> sheets;
+    std::vector<RunQuestion> runQuestions;
     FailureReport failures;
     std::optional<TakeBackQuestion> takeBack; ///< the last one
     std::vector<std::string> presented;
@@ -53,18 +53,15 @@ class ScriptedFrontEnd : public FrontEnd {
     int finishedPreviews = 0;
     bool isTerminated = false;
     /// Called at the end of each preview, and when the application ends.
-    std::function<void()> onProgress;
+    std::function<void()> onProgress = [] {};
+    /// Told of every divider position, as a window that reports its own moves would be.
+    std::function<void(double)> onDividerMoved = [](double) {};
 
     void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
-    void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
-                               const std::optional<std::string>& previewPath,
-                               std::function<void(ConfirmationChoice)> answer) override;
+    void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
-    void withdrawQuestions() override {
-        note("withdrawQuestions");
-        held = nullptr;
-    }
+    void withdrawQuestions() override;
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
     void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
@@ -72,8 +69,6 @@ class ScriptedFrontEnd : public FrontEnd {
                         std::function<void(std::optional<std::string>)> answer) override;
     void askForDropletPath(const std::string& title, const std::string& startFolder,
                            std::function<void(std::optional<std::string>)> answer) override;
-
-    /// "take back" and the title; any button but the first says no.
     void askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) override;
     void askForDroplets(const LocatePanel& panel,
                         std::function<void(std::optional<std::vector<std::string>>)> answer) override;
@@ -87,28 +82,19 @@ class ScriptedFrontEnd : public FrontEnd {
     void terminate() override;
     void selectMainTab(MainTab tab) override;
     void selectPreviewTab(PreviewTab tab) override;
-    void setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) override;
     void setColumnHidden(PreviewColumn column, bool isHidden) override { hiddenColumns[column] = isHidden; }
     void previewFinished() override;
     void runStateChanged(bool isRunning) override { note(isRunning ? "run begins" : "run ends"); }
-    void fillActionMenus(const std::vector<std::u16string>& actions,
-                         const std::vector<std::u16string>& categories) override;
     void fillPresetMenu(const std::vector<std::u16string>& titles) override;
     void showActionPanel(BaseRenameAction& action) override;
-    void buildSplitView() override { note("buildSplitView"); }
     void setDividerPosition(double position) override;
-    void allowFullScreen() override { note("allowFullScreen"); }
     void centreWindow() override { note("centreWindow"); }
     void showWindow() override { note("showWindow"); }
     void hideWindow() override { note("hideWindow"); }
     void enterDropletEditMode() override { note("enterDropletEditMode"); }
     void showHelp(std::string_view anchor) override { note("help " + std::string(anchor)); }
-    void revealPath(const std::string& path) override { note("reveal " + path); }
     void openAddress(const std::string& address) override { note("open " + address); }
     void beep() override { note("beep"); }
-
-    /// Told of every divider position, as a window that reports its own moves would be.
-    std::function<void(double)> onDividerMoved;
 
   private:
     struct Expectation {
@@ -118,8 +104,8 @@ class ScriptedFrontEnd : public FrontEnd {
     using Giver = std::function<void(const Answer&)>;
 
     void note(std::string_view event) { events.emplace_back(event); }
-    void ask(const std::string& question, Giver giver);
-    template <typename Given> static Giver giverOf(std::function<void(Given)> handler);
+    template <typename Given>
+    void askFor(const std::string& question, const std::function<void(Given)>& handler);
 
     std::deque<Expectation> script;
     Giver held;

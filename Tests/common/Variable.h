@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <ctime>
 #include <optional>
 #include <string>
 
@@ -22,6 +23,24 @@ class Variable {
     void set(const char* value) { value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name); }
     const char* name;
     std::optional<std::string> former;
+};
+
+/// Local time is that of this zone for one test; told by rules, so that no table of zones is needed.
+class LocalTime {
+  public:
+    explicit LocalTime(const char* zone = "CET-1CEST,M3.5.0,M10.5.0/3") {
+        variable.emplace("TZ", zone);
+        ::tzset();
+    }
+    ~LocalTime() {
+        variable.reset();
+        ::tzset();
+    }
+    LocalTime(const LocalTime&) = delete;
+    LocalTime& operator=(const LocalTime&) = delete;
+
+  private:
+    std::optional<Variable> variable;
 };
 
 } // namespace tavrin::test

@@ -5,7 +5,6 @@
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletHandOver.h"
 #include "documents/DropletLauncher.h"
-#include "documents/DropletRequest.h"
 #include "documents/DropletScript.h"
 #include "platform/processes/ChildProcess.h"
 #include "platform/propertylists/PropertyList.h"

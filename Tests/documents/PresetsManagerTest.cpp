@@ -103,8 +103,6 @@ TEST_F(PresetsManagerTest, AppliesAPreset) {
 
 TEST_F(PresetsManagerTest, ABadPresetIsListedAndChangesNothing) {
     const std::vector<std::pair<PropertyValue, std::string>> cases{
-        {PropertyArray(), "compositeAction: expected a dictionary"},
-        {PropertyDictionary{{"description", u"x"}}, "compositeAction: expected a dictionary"},
         {PropertyDictionary{{"compositeAction", 1}}, "compositeAction: expected a dictionary"},
         {PropertyDictionary{{"compositeAction", chain({u"Add to end", u"Fly"})}},
          "compositeAction.composite actions array[1].action name: there is no action \"Fly\""},
@@ -132,15 +130,6 @@ TEST_F(PresetsManagerTest, ANewNameMovesToTheTopAndToTheMainSuffix) {
     EXPECT_EQ(manager.count(), 1u);
     EXPECT_EQ(manager.descriptionAtIndex(0), u"new");
     EXPECT_TRUE(manager.applyPresetAtIndex(0));
-}
-
-TEST_F(PresetsManagerTest, ADescriptionStaysAtItsPath) {
-    write("sub/x.tvrn8preset.plist",
-          PropertyDictionary{{"compositeAction", chain({u"Remove text"})}, {"own", 1}});
-    ASSERT_TRUE(manager.changeDescription(u"d", manager.pathAtIndex(0)));
-    EXPECT_EQ(manager.enclosureAtIndex(0),
-              (PropertyDictionary{
-                  {"compositeAction", chain({u"Remove text"})}, {"own", 1}, {"description", u"d"}}));
 }
 
 /// Whichever call fails, the recipe is there, whole, under the old or the new name, and what is said is true.

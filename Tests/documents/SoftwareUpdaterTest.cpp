@@ -1,13 +1,11 @@
 #include "documents/SoftwareUpdater.h"
 
-#include "common/LogRecorder.h"
 #include "common/TemporaryFolder.h"
 #include "documents/UpdateFeed.h"
 #include "platform/propertylists/UserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 
 namespace tavrin::test {
 namespace {
@@ -43,12 +41,6 @@ TEST(SoftwareUpdaterTest, ChoosesTheNewestThatTheSystemCanRun) {
         const UpdateFeedItem* best = updater.bestValidUpdateInAppcast(cases[i].items);
         EXPECT_EQ(best ? best - cases[i].items.data() : -1, cases[i].best) << "case " << i;
     }
-}
-
-TEST(SoftwareUpdaterTest, LogsWhatItLooksAt) {
-    LogRecorder log;
-    (void)SoftwareUpdater("9.0", "6.1").bestValidUpdateInAppcast({item("9.1", "5"), item("9.2", "7")});
-    EXPECT_THAT(log.lines(), ::testing::ElementsAre("version 9.1 minimum 5", "version 9.2 minimum 7"));
 }
 
 TEST(SoftwareUpdaterTest, KnowsWhatIsNewerThanItself) {

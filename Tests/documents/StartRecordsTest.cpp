@@ -133,10 +133,6 @@ TEST_F(DropletHandOverTest, AbsentPartsAreAbsentAndWrongOnesAreErrors) {
     EXPECT_EQ(errorOf(PropertyDictionary{{"composite action", chain(u"Fly")}}),
               "droplet settings.composite action.composite actions array[0].action name: there is no action "
               "\"Fly\"");
-    EXPECT_EQ(errorOf(PropertyDictionary{{"global settings", 1}}),
-              "droplet settings.global settings: expected a dictionary");
-    EXPECT_EQ(errorOf(PropertyDictionary{{"file list", u"/a"}}),
-              "droplet settings.file list: expected an array");
     EXPECT_EQ(errorOf(PropertyDictionary{{"file list", PropertyArray{u"/a", 2}}}),
               "droplet settings.file list[1]: expected a path");
 }

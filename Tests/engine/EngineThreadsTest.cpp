@@ -1,6 +1,6 @@
 #include "StageTest.h"
 #include "common/LogRecorder.h"
-#include "engine/asking/AskUser.h"
+#include "engine/asking/RunQuestion.h"
 #include "engine/renaming/RenameEngineUtilities.h"
 
 #include <atomic>
@@ -176,29 +176,25 @@ TEST(EngineEndTest, AWorkerThatWaitsForTheMainThreadIsFreed) {
 }
 
 /// Ways in which a question ends, and what the worker hears.
-TEST_F(EngineThreadsTest, AQuestionIsAlwaysAnswered) {
-    const auto ask = [&](std::function<void(UserPrompts&, ConfirmationAnswerPointer)> question) {
-        ConfirmationChoice heard = ConfirmationChoice::leaveOut;
-        host.onWorker([&] { heard = askUser(host, std::move(question)); });
-        return heard;
-    };
-    EXPECT_EQ(
-        ask([](UserPrompts&, ConfirmationAnswerPointer answer) { answer->give(ConfirmationChoice::all); }),
-        ConfirmationChoice::all);
-    EXPECT_EQ(ask([](UserPrompts&, ConfirmationAnswerPointer answer) {
-                  answer->give(ConfirmationChoice::one);
-                  answer->give(ConfirmationChoice::all);
-              }),
-              ConfirmationChoice::one);
-    EXPECT_EQ(ask([](UserPrompts&, ConfirmationAnswerPointer) {}), ConfirmationChoice::stop);
-
-    host.loop.close();
+TEST(QuestionTest, IsAlwaysAnswered) {
+    struct Host : EngineTestHost {
+        void ask(const RunQuestion&, const ConfirmationAnswerPointer& answer) override { respond(answer); }
+        std::function<void(const ConfirmationAnswerPointer&)> respond;
+    } host;
     ConfirmationChoice heard = ConfirmationChoice::leaveOut;
-    std::thread([&] {
-        heard = askUser(host, [](UserPrompts&, ConfirmationAnswerPointer answer) {
-            answer->give(ConfirmationChoice::all);
-        });
-    }).join();
+    const auto ask = [&] { heard = askUser(host, NameCycleQuestion{"/f"}); };
+    host.respond = [](const auto& answer) {
+        answer->give(ConfirmationChoice::all);
+        answer->give(ConfirmationChoice::one);
+    };
+    host.onWorker(ask);
+    EXPECT_EQ(heard, ConfirmationChoice::all) << "the first answer counts";
+    host.respond = [](const auto&) {};
+    host.onWorker(ask);
+    EXPECT_EQ(heard, ConfirmationChoice::stop) << "nobody answers";
+    host.respond = [](const auto& answer) { answer->give(ConfirmationChoice::all); };
+    host.loop.close();
+    std::thread(ask).join();
     EXPECT_EQ(heard, ConfirmationChoice::stop) << "the loop has ended";
 }
 

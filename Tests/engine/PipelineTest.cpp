@@ -1,6 +1,5 @@
 #include "StageTest.h"
 #include "common/LogRecorder.h"
-#include "engine/asking/ProcessingErrorsManager.h"
 #include "engine/pipeline/ProcessingPipeline.h"
 #include "engine/reading/CleanUpStages.h"
 #include "platform/files/SandboxHelper.h"
@@ -99,7 +98,7 @@ TEST_F(PipelineTest, EachStageIsCommittedAndTimed) {
     EXPECT_EQ(log.count("pipeline contains 3 stages"), 1U);
     EXPECT_EQ(log.count("--> Stage 3: LambdaStage took "), 1U);
     EXPECT_EQ(log.count("InMemory"), 1U);
-    EXPECT_TRUE(ProcessingErrorsManager::areThereErrors(host));
+    EXPECT_FALSE(host.errors().empty());
 }
 
 /// A stage fails on a store in a file: everything is run again in memory.
@@ -150,8 +149,8 @@ INSTANTIATE_TEST_SUITE_P(AtStage, FailoverTest, ::testing::Values(1, 2, 3));
 
 TEST_F(PipelineTest, AFailureInMemoryIsFinal) {
     std::vector<std::string> seen;
-    host.prompts.onPipelineFailed = [&](const std::string& title, const std::string& text) {
-        seen = {title, text};
+    host.prompts.onPipelineFailed = [&](const PipelineFailure& failure) {
+        seen = {failure.title, failure.text};
         EXPECT_FALSE(std::filesystem::exists(folder.path("data/TVRN_error_report.txt")));
         return ConfirmationChoice::one;
     };
@@ -195,7 +194,7 @@ TEST_F(PipelineTest, CleaningUpDeletesInBatches) {
     EXPECT_EQ(log.count("4500 errors cleaned up. Committing.."), 1U);
     EXPECT_EQ(log.count("4501 files cleaned up. Committing.."), 1U);
     EXPECT_TRUE(host.finalNames().empty());
-    EXPECT_FALSE(ProcessingErrorsManager::areThereErrors(host));
+    EXPECT_TRUE(host.errors().empty());
 }
 
 } // namespace

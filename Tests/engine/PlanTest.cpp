@@ -16,6 +16,7 @@ class Plan : public testing::Test {
     void prepare() {
         context.commit();
         PrepareForRenamingStage stage(host.engine);
+        stage.setSettings(host.settings.values());
         stage.setManagedObjectContext(&context);
         EXPECT_TRUE(stage.process());
         EXPECT_FALSE(context.hasChanges());

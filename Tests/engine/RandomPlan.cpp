@@ -160,8 +160,8 @@ bool RandomPlan::isReported(const RenameBench& bench, const std::string& path) {
     const std::string folder = full.substr(0, full.rfind('/'));
     return std::any_of(bench.reports.begin(), bench.reports.end(), [&](const ProblemReport& report) {
         return report.fullPath == full ||
-               (report.path == folder && report.title.starts_with("Could not swap") &&
-                report.title.find(name) != std::string::npos);
+               (report.fullPath.substr(0, report.fullPath.rfind('/')) == folder &&
+                report.title.starts_with("Could not swap") && report.title.find(name) != std::string::npos);
     });
 }
 

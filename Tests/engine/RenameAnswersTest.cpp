@@ -236,8 +236,9 @@ TEST(RenameWarnings, LibrariesAreWarnedOfOncePerRunAndWherePathsHoldTheirName) {
         bench.read({one.files.front()});
         for (std::size_t i = 1; i < one.files.size(); ++i)
             bench.setFinalName(one.files[i], u"new " + std::u16string(1, static_cast<char16_t>(u'a' + i)));
-        bench.host.prompts.onIPhotoWarning = [&] { return one.iPhoto; };
-        bench.host.prompts.onITunesWarning = [&] { return one.iTunes; };
+        bench.host.prompts.onLibraryWarning = [&](const LibraryWarning& warning) {
+            return warning.library == LibraryWarning::Library::iPhoto ? one.iPhoto : one.iTunes;
+        };
         bench.rename();
         EXPECT_EQ(bench.host.prompts.asked, one.asked);
         EXPECT_EQ(bench.renamed(), one.renamed);

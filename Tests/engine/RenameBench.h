@@ -2,7 +2,7 @@
 
 #include "common/EngineTestHost.h"
 #include "common/TemporaryFolder.h"
-#include "engine/asking/UserPrompts.h"
+#include "engine/asking/RunQuestion.h"
 #include "engine/pipeline/ProcessingStage.h"
 
 #include <map>

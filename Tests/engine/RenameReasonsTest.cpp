@@ -267,10 +267,10 @@ TEST(RenameMode, IsSwitchedToTheNewestOnceOnly) {
     bench.host.set("renameMode", 2);
     bench.makeAndRead({"a"});
     bench.rename();
-    EXPECT_EQ(bench.host.settings.getRenameMode(), 0);
+    EXPECT_EQ(bench.host.settings.values().renameMode, 0);
     bench.host.set("renameMode", 2);
     bench.rename();
-    EXPECT_EQ(bench.host.settings.getRenameMode(), 2);
+    EXPECT_EQ(bench.host.settings.values().renameMode, 2);
 }
 
 } // namespace tavrin::test

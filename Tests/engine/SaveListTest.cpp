@@ -87,16 +87,6 @@ TEST_F(SaveListTest, ALinkStaysOne) {
     EXPECT_EQ(folder.read("real.txt"), "a\n");
 }
 
-TEST_F(SaveListTest, HasNoProgress) {
-    host.add({folder.write("a")});
-    host.preview();
-    host.progress.forceUpdate();
-    const std::string before = host.progress.currentActionDescription();
-    save(0, false);
-    host.progress.forceUpdate();
-    EXPECT_EQ(host.progress.currentActionDescription(), before);
-}
-
 TEST_F(SaveListTest, WithoutItemsTheListIsEmpty) { EXPECT_EQ(save(0, false), ""); }
 
 } // namespace

@@ -63,6 +63,7 @@ class SortedRanksTest : public ::testing::TestWithParam<std::size_t> {
                          {"padding", 1}}}});
         ComputeProvisionalNamesStage stage(host.engine);
         stage.setProgressInfo(&host.progress);
+        stage.setSettings(host.settings.values());
         stage.setManagedObjectContext(&context);
         ASSERT_TRUE(stage.process());
         context.commit();

@@ -37,6 +37,7 @@ class StageTest : public ::testing::Test {
     /// Runs the stage against a context of its own and commits.
     bool run(ProcessingStage& stage) {
         StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
+        stage.setSettings(host.settings.values());
         stage.setManagedObjectContext(&context);
         const bool goesOn = stage.process();
         context.commit();

@@ -67,7 +67,9 @@ TEST(TakeBackLaws, WhatIsCutOffAtAnyCallIsTakenBackOrFinished) {
                                  (then == RunKind::undo ? "undo" : "redo"));
                     const RandomPlan plan(seed);
                     HistoryBench bench;
-                    bench.host.prompts.onNoRecord = [] { return ConfirmationChoice::stop; };
+                    bench.host.prompts.onNoRecord = [](const NoRecordQuestion&) {
+                        return ConfirmationChoice::stop;
+                    };
                     plan.setUp(bench);
                     FailingFileSystem failing;
                     for (const FileCall call : refused)
@@ -261,7 +263,7 @@ TEST(RunJournal, ARunThatCantBeRecordedIsAskedAbout) {
     for (const bool goesOn : {true, false}) {
         HistoryBench bench;
         bench.host.engine.setHistoryPlace({bench.records.write("file"), "test"});
-        bench.host.prompts.onNoRecord = [&] {
+        bench.host.prompts.onNoRecord = [&](const NoRecordQuestion&) {
             return goesOn ? ConfirmationChoice::one : ConfirmationChoice::stop;
         };
         bench.makeAndRead({"a"});
@@ -276,7 +278,7 @@ TEST(RunJournal, AFailureLeavesNoHalfRecord) {
     for (const FileCall call : {FileCall::write, FileCall::sync}) {
         for (std::size_t number = 1; number <= 2; ++number) {
             HistoryBench bench;
-            bench.host.prompts.onNoRecord = [] { return ConfirmationChoice::stop; };
+            bench.host.prompts.onNoRecord = [](const NoRecordQuestion&) { return ConfirmationChoice::stop; };
             bench.makeAndRead({"a"});
             bench.setFinalName("a", u"b");
             FailingFileSystem failing;

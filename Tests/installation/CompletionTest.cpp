@@ -19,12 +19,12 @@ using testing::IsEmpty;
 std::vector<std::string> offered(const std::vector<std::string>& words) {
     std::string list;
     for (const std::string& word : words)
-        list += quoted(word) + ' ';
+        list += quotedForShell(word) + ' ';
     const std::string script = fmt::format(
         "PATH={}:$PATH; compopt() {{ :; }}; source {}/Resources/completions/{}.bash; COMP_WORDS=({}); "
         "COMP_CWORD={}; _{}; printf '%s\\n' \"${{COMPREPLY[@]}}\"",
-        quoted(programFolder()), quoted(TAVRIN_SOURCE_FOLDER), words.front(), list, words.size() - 1,
-        words.front());
+        quotedForShell(programFolder()), quotedForShell(TAVRIN_SOURCE_FOLDER), words.front(), list,
+        words.size() - 1, words.front());
     return linesOf(outputOf({"bash", "-c", script}));
 }
 

@@ -83,7 +83,7 @@ TEST(Readme, RecipesDoWhatTheySay) {
         recipe.prepare(folder);
         (void)outputOf({"bash", "-ec",
                         fmt::format("PATH={}:$PATH; editor() {{ sed -i s/two$/zwei/ \"$1\"; }}; cd {}\n{}",
-                                    quoted(programFolder()), quoted(work), blocks[i])});
+                                    quotedForShell(programFolder()), quotedForShell(work), blocks[i])});
         std::vector<std::string> names;
         for (const auto& [name, content] : folder.tree()) {
             if (name.starts_with("work/") && name != "work/")

@@ -1,5 +1,7 @@
 #include "installation/Tools.h"
 
+#include "support/text/PathParts.h"
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <gtest/gtest.h>
@@ -30,21 +32,11 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-std::string quoted(const std::string& text) {
-    std::string result = "'";
-    for (const char c : text)
-        result += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return result + '\'';
-}
-
 bool isThere(const std::string& program) {
-    return run({"sh", "-c", "command -v " + quoted(program)}).exitStatus == 0;
+    return run({"sh", "-c", "command -v " + quotedForShell(program)}).exitStatus == 0;
 }
 
-std::string programFolder() {
-    const std::string program = TVRN_PROGRAM;
-    return program.substr(0, program.rfind('/'));
-}
+std::string programFolder() { return std::string(PathParts(TVRN_PROGRAM).folder); }
 
 std::string sourcePath(const std::string& name) { return std::string(TAVRIN_SOURCE_FOLDER "/") + name; }
 

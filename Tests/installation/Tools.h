@@ -2,6 +2,7 @@
 
 #include "common/TemporaryFolder.h"
 #include "common/Variable.h"
+#include "platform/desktop/Quoting.h"
 #include "platform/processes/ChildProcess.h"
 
 #include <string>
@@ -14,8 +15,6 @@ ChildProcess::Result run(const std::vector<std::string>& arguments);
 /// The output alone; fails the test where the program fails.
 std::string outputOf(const std::vector<std::string>& arguments);
 std::vector<std::string> linesOf(const std::string& text);
-/// For sh.
-std::string quoted(const std::string& text);
 bool isThere(const std::string& program);
 
 /// Where tvrn was built.

@@ -2,16 +2,14 @@
 
 #include "common/FailingFileSystem.h"
 #include "common/TemporaryFolder.h"
+#include "common/Variable.h"
 #include "support/text/Text.h"
 #include "support/values/DecimalNumbers.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace tavrin {
@@ -19,65 +17,31 @@ namespace {
 
 using test::TemporaryFolder;
 
-/// Sets the time zone of the process for one test.
-class TimeZone {
-  public:
-    explicit TimeZone(const char* name) {
-        if (const char* value = std::getenv("TZ"))
-            former = value;
-        ::setenv("TZ", name, 1);
-        ::tzset();
-    }
-    ~TimeZone() {
-        former ? ::setenv("TZ", former->c_str(), 1) : ::unsetenv("TZ");
-        ::tzset();
-    }
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
-
-  private:
-    std::optional<std::string> former;
-};
-
 TEST(FileManager, TellsFilesFoldersAndBundlesApart) {
     const TemporaryFolder folder;
-    folder.write("file");
-    folder.write("file.app");
-    folder.write("folder/inside");
-    folder.makeFolder("Suffix.APP");
-    folder.makeFolder("text.rtfd");
-    folder.makeFolder("x.application");
-    folder.write("by list/Contents/Info.plist");
-    folder.write("contents only/Contents/other");
-    folder.write("app folder/AppRun");
-    folder.write("app folder/program.desktop");
-    folder.write("no launcher/AppRun");
-    folder.write("no program/program.desktop");
+    for (const char* file :
+         {"file", "file.app", "folder/inside", "Suffix.APP/x", "text.rtfd/x", "x.application/x",
+          "by list/Contents/Info.plist", "contents only/Contents/other", "app folder/AppRun",
+          "app folder/program.desktop", "no launcher/AppRun", "no program/program.desktop"})
+        folder.write(file);
     folder.link("link to file", "file");
     folder.link("link to folder", "folder");
     folder.link("dangling", "nowhere");
-    struct Case {
-        const char* name;
-        bool isFile, isFolder, isBundle, isLikely;
-    };
-    const Case cases[] = {
-        {"file", true, false, false, false},           {"file.app", true, false, false, true},
-        {"folder", false, true, false, false},         {"folder/", false, true, false, false},
-        {"Suffix.APP", false, false, true, true},      {"Suffix.APP/", false, false, true, false},
-        {"text.rtfd", false, false, true, true},       {"x.application", false, true, false, false},
-        {"by list", false, false, true, true},         {"contents only", false, true, false, false},
-        {"app folder", false, false, true, false},     {"no launcher", false, true, false, false},
-        {"no program", false, true, false, false},     {"link to file", true, false, false, false},
-        {"link to folder", false, true, false, false}, {"dangling", true, false, true, false},
-        {"missing", true, false, true, false},         {"missing.app", true, false, true, true},
+    // F for a file, D for a folder, B for a bundle, L for what is likely to be one.
+    const std::pair<const char*, const char*> cases[] = {
+        {"file", "F"},        {"file.app", "FL"},     {"folder", "D"},         {"folder/", "D"},
+        {"Suffix.APP", "BL"}, {"Suffix.APP/", "B"},   {"text.rtfd", "BL"},     {"x.application", "D"},
+        {"by list", "BL"},    {"contents only", "D"}, {"app folder", "B"},     {"no launcher", "D"},
+        {"no program", "D"},  {"link to file", "F"},  {"link to folder", "D"}, {"dangling", "FB"},
+        {"missing", "FB"},    {"missing.app", "FBL"},
     };
     const FileManager manager;
-    for (const Case& c : cases) {
-        const std::string path = folder.path(c.name);
-        EXPECT_EQ(manager.isFile(path), c.isFile) << c.name;
-        EXPECT_EQ(manager.isFolder(path), c.isFolder) << c.name;
-        EXPECT_EQ(manager.isBundle(path), c.isBundle) << c.name;
-        EXPECT_EQ(manager.folderIsLikelyToBeABundle(path), c.isLikely) << c.name;
+    for (const auto& [name, expected] : cases) {
+        const std::string path = folder.path(name);
+        const std::string found = std::string(manager.isFile(path) ? "F" : "") +
+                                  (manager.isFolder(path) ? "D" : "") + (manager.isBundle(path) ? "B" : "") +
+                                  (manager.folderIsLikelyToBeABundle(path) ? "L" : "");
+        EXPECT_EQ(found, expected) << name;
     }
 }
 
@@ -121,30 +85,20 @@ TEST(FileManager, SumsSizes) {
     folder.write("a/one", std::string(1000, 'x'));
     folder.write("a/.two", std::string(200, 'x'));
     folder.write("a/deep/er/three", std::string(30, 'x'));
-    folder.write("outside", std::string(5000, 'x'));
     folder.link("a/link", "12345");
     folder.link("to a", "a");
     ASSERT_EQ(::link(folder.path("a/one").c_str(), folder.path("a/deep/one again").c_str()), 0);
     const FileManager manager;
-    EXPECT_EQ(manager.sizeForPath(folder.path("a/one"), false), 1000U);
-    EXPECT_EQ(manager.sizeForPath(folder.path("a/one"), true), 1000U);
-    EXPECT_EQ(manager.sizeForPath(folder.path("a"), false), 0U);
-    EXPECT_EQ(manager.sizeForPath(folder.path("a"), true), 2235U); // the link by its own five bytes
-    EXPECT_EQ(manager.sizeForPath(folder.path("to a"), true), 2235U);
-    EXPECT_EQ(manager.sizeForPath(folder.path("missing"), true), 0U);
-    struct stat status {};
-    ASSERT_EQ(::stat(folder.path("outside").c_str(), &status), 0);
-    EXPECT_EQ(manager.physicalSizeForPath(folder.path("outside"), false),
-              std::uint64_t(status.st_blocks) * 512);
-    EXPECT_EQ(manager.physicalSizeForPath(folder.path("a"), false), 0U);
-    EXPECT_EQ(manager.fileLength(folder.path("outside")), 5000);
-    EXPECT_EQ(manager.fileLength(folder.path("missing")), 0);
-    ASSERT_EQ(::truncate(folder.write("huge").c_str(), off_t{5} << 30), 0);
-    EXPECT_EQ(manager.fileLength(folder.path("huge")), 2147483647);
+    const std::tuple<const char*, bool, std::uint64_t> cases[] = {
+        {"a/one", false, 1000}, {"a/one", true, 1000},
+        {"a", false, 0},        {"a", true, 2235}, // the link by its own five bytes
+        {"to a", true, 2235},   {"missing", true, 0}};
+    for (const auto& [name, recurses, size] : cases)
+        EXPECT_EQ(manager.sizeForPath(folder.path(name), recurses), size) << name;
 }
 
 TEST(FileManager, TellsDatesAsTextInLocalTime) {
-    const TimeZone zone("XYZ-2");
+    const test::LocalTime zone("XYZ-2");
     const TemporaryFolder folder;
     const std::string path = folder.write("file");
     const timespec times[2] = {{0, 0}, {978307200 + 4 * 86400 - 1, 0}};
@@ -176,27 +130,6 @@ TEST(FileManager, KeepsCommentsWithTheFile) {
     EXPECT_FALSE(manager.changeFinderComment("x", path));
 }
 
-TEST(FileManager, LocksFilesWhereItMay) {
-    const TemporaryFolder folder;
-    const std::string path = folder.write("file");
-    const FileManager manager;
-    EXPECT_EQ(manager.lockedFor(path), "Not Locked");
-    EXPECT_EQ(manager.lockedFor(folder.path("missing")), "Not Locked");
-    EXPECT_FALSE(manager.lockFile(folder.path("missing")));
-    if (!manager.lockFile(path))
-        GTEST_SKIP() << "only a privileged user may lock";
-    EXPECT_EQ(manager.lockedFor(path), "Locked");
-    EXPECT_NE(FileSystem::sharedInstance().renameNoReplace(path, folder.path("b")), 0);
-    EXPECT_TRUE(manager.unlockFile(path));
-    EXPECT_EQ(manager.lockedFor(path), "Not Locked");
-}
-
-TEST(FileManager, TakesCodesFromTheirQuotes) {
-    EXPECT_EQ(FileManager::extractCodeString("'TEXT'"), "TEXT");
-    EXPECT_EQ(FileManager::extractCodeString("'TEX'"), std::nullopt);
-    EXPECT_EQ(FileManager::extractCodeString(""), std::nullopt);
-}
-
 TEST(DecimalNumbers, FollowTheLocale) {
     struct Case {
         const char* locale;
@@ -222,18 +155,6 @@ TEST(DecimalNumbers, FollowTheLocale) {
         EXPECT_EQ(number, c.number) << c.locale << " " << text::toUtf8(c.text);
         EXPECT_EQ(number ? numbers.textOf(*number) : std::u16string(), c.back) << c.locale;
     }
-    EXPECT_EQ(FileManager::convertNumberToString(FileManager::convertStringToNumber(u"03")), u"3");
-    EXPECT_EQ(FileManager::convertNumberToString(std::nullopt), u"");
-}
-
-TEST(FileManager, InstanceIsTheRegisteredOne) {
-    FileManager* const unregistered = &FileManager::instance();
-    {
-        FileManager own;
-        FileManager::setInstance(&own);
-        EXPECT_EQ(&FileManager::instance(), &own);
-    }
-    EXPECT_EQ(&FileManager::instance(), unregistered);
 }
 
 } // namespace

@@ -27,24 +27,18 @@ using Client = MetadataTool::Client;
 
 const std::string samples = TAVRIN_SOURCE_FOLDER "/Tests/samples/";
 
-std::string flat(const PropertyDictionary& dictionary) {
-    std::string result;
-    for (const auto& [key, value] : dictionary)
+std::string flat(const FileMetadata& metadata) {
+    std::string result = metadata.failure.empty() ? "" : "failed";
+    for (const auto& [key, value] : metadata.tags)
         result += (result.empty() ? "" : "; ") + key + "=" + text::toUtf8(*value.asText());
     return result;
 }
 
-std::string valueOf(const PropertyDictionary& dictionary, const std::string& key) {
-    const PropertyValue* const value = find(dictionary, key);
-    return value == nullptr ? "(none)" : text::toUtf8(*value->asText());
-}
-
-std::string flat(const FileMetadata& metadata) {
-    return metadata.failure.empty() ? flat(metadata.tags) : "failed";
-}
-
 std::string valueOf(const FileMetadata& metadata, const std::string& key) {
-    return metadata.failure.empty() ? valueOf(metadata.tags, key) : "failed";
+    const PropertyValue* const value = find(metadata.tags, key);
+    return !metadata.failure.empty() ? "failed"
+           : value == nullptr        ? "(none)"
+                                     : text::toUtf8(*value->asText());
 }
 
 std::string contentOf(const std::string& path) {
@@ -91,7 +85,7 @@ TEST(MetadataToolTest, readsAnswers) {
         {"@Name\n\xc3\xa9t\x8e" + end, "Name=√©té"},
     };
     for (const auto& [answer, expected] : cases)
-        EXPECT_EQ(flat(MetadataTool::parseAnswer(withMarkers(answer))), expected) << answer;
+        EXPECT_EQ(flat(FileMetadata{MetadataTool::parseAnswer(withMarkers(answer)), {}}), expected) << answer;
 }
 
 class FakeMetadataTool : public testing::Test {

@@ -1,8 +1,11 @@
+#include "common/LogRecorder.h"
+#include "common/ManualRunLoop.h"
 #include "common/TemporaryFolder.h"
 #include "common/Variable.h"
 #include "platform/desktop/DebugManager.h"
 #include "platform/desktop/ResourceFolder.h"
 #include "platform/desktop/SystemLog.h"
+#include "platform/files/FileSystemAccessManager.h"
 #include "platform/files/SandboxHelper.h"
 #include "platform/processes/ChildProcess.h"
 
@@ -57,15 +60,16 @@ TEST(ChildProcess, PassesArgumentsAndEnvironmentAsTheyAre) {
 }
 
 TEST(ChildProcess, ReportsWhatCannotBeStarted) {
-    const auto errorOf = [](std::vector<std::string> arguments) {
+    const std::pair<std::vector<std::string>, int> cases[] = {
+        {{"/nowhere/program"}, ENOENT},
+        {{"/"}, EACCES},
+        {{}, EINVAL},
+        {{"/bin/echo", std::string("a\0b", 3)}, EINVAL}};
+    for (const auto& [arguments, error] : cases) {
         ChildProcess::Request request;
-        request.arguments = std::move(arguments);
-        return ChildProcess::run(request).error;
-    };
-    EXPECT_EQ(errorOf({"/nowhere/program"}), ENOENT);
-    EXPECT_EQ(errorOf({"/"}), EACCES);
-    EXPECT_EQ(errorOf({}), EINVAL);
-    EXPECT_EQ(errorOf({"/bin/echo", std::string("a\0b", 3)}), EINVAL);
+        request.arguments = arguments;
+        EXPECT_EQ(ChildProcess::run(request).error, error);
+    }
 }
 
 TEST(ChildProcess, BoundsTheOutput) {
@@ -131,41 +135,21 @@ class LogDaemon {
     int socket;
 };
 
-TEST(SystemLog, SendsGatheredLines) {
+TEST(SystemLog, SendsGatheredLinesAndFindsADaemonThatHasBeenStartedAnew) {
     const TemporaryFolder folder;
-    const LogDaemon daemon(folder.path("log"));
+    auto daemon = std::make_unique<LogDaemon>(folder.path("log"));
     SystemLog log(folder.path("log"));
     ASSERT_TRUE(log.isActive());
     log.write("first caf\xC3\xA9");
     log.write(std::string("second\0line", 11));
+    EXPECT_TRUE(daemon->received().empty());
     log.flush();
     EXPECT_THAT(
-        daemon.received(),
+        daemon->received(),
         ElementsAre(MatchesRegex("<13>[A-Z][a-z][a-z] [ 0-9][0-9] [0-9:]+ tavrin.[0-9]+.: first caf\xC3\xA9"),
                     HasSubstr(": second line")));
     log.flush();
-    EXPECT_TRUE(daemon.received().empty());
-}
-
-TEST(SystemLog, NeverWaitsForADaemonThatDoesNotKeepUp) {
-    const TemporaryFolder folder;
-    const LogDaemon daemon(folder.path("log"));
-    SystemLog log(folder.path("log"));
-    for (int i = 0; i < 5000; ++i) // far more than the socket holds
-        log.write("line");
-    log.flush();
-    const std::size_t count = daemon.received().size();
-    EXPECT_GT(count, 0U);
-    EXPECT_LT(count, 5000U);
-    log.write("later");
-    log.flush();
-    EXPECT_THAT(daemon.received(), ElementsAre(HasSubstr(": later")));
-}
-
-TEST(SystemLog, FindsADaemonThatHasBeenStartedAnew) {
-    const TemporaryFolder folder;
-    auto daemon = std::make_unique<LogDaemon>(folder.path("log"));
-    SystemLog log(folder.path("log"));
+    EXPECT_TRUE(daemon->received().empty());
     daemon.reset();
     log.write("lost");
     log.flush();
@@ -176,48 +160,36 @@ TEST(SystemLog, FindsADaemonThatHasBeenStartedAnew) {
     EXPECT_THAT(daemon->received(), ElementsAre(HasSubstr(": found")));
 }
 
-TEST(SystemLog, TakesLinesFromManyThreadsAndNothingWithoutATarget) {
+TEST(SystemLog, NeverWaitsForADaemonThatDoesNotKeepUpAndTakesLinesFromManyThreads) {
     const TemporaryFolder folder;
-    SystemLog inactive(folder.path("missing"));
-    EXPECT_FALSE(inactive.isActive());
-    inactive.write("nowhere");
-    EXPECT_FALSE(SystemLog::sharedInstance().isActive());
+    EXPECT_FALSE(SystemLog(folder.path("missing")).isActive());
     const LogDaemon daemon(folder.path("log"));
-    std::size_t received = 0;
     {
         SystemLog log(folder.path("log"));
         SystemLog::setSharedInstance(&log);
+        for (int i = 0; i < 5000; ++i) // far more than the socket holds
+            log.write("line");
+        log.flush();
+        const std::size_t count = daemon.received().size();
+        EXPECT_GT(count, 0U);
+        EXPECT_LT(count, 5000U);
         std::vector<std::thread> threads;
         for (int i = 0; i < 4; ++i)
-            threads.emplace_back([] { SystemLog::sharedInstance().write("line"); });
+            threads.emplace_back([] { SystemLog::sharedInstance().write("later"); });
         for (std::thread& thread : threads)
             thread.join();
     }
-    received = daemon.received().size();
-    EXPECT_EQ(received, 4U);
+    EXPECT_EQ(daemon.received().size(), 4U);
     EXPECT_FALSE(SystemLog::sharedInstance().isActive());
 }
 
-/// Keeps what the debug log writes.
-class Lines : public LogSink {
-  public:
-    Lines() : former(setDebugLogSink(this)) {}
-    ~Lines() override { setDebugLogSink(former); }
-    void write(std::string_view line) override { lines.emplace_back(line); }
-    std::vector<std::string> lines;
-
-  private:
-    LogSink* former;
-};
-
 TEST(DebugManager, KeepsTheSwitchEqualToTheUserDefault) {
-    const Lines lines;
+    const test::LogRecorder heard;
+    setDebugLogIsOn(false);
     UserDefaults defaults;
     defaults.registerDefaults({{"loggerIsOn", true}});
-    EXPECT_FALSE(debugLogIsOn());
     {
         DebugManager manager(defaults);
-        EXPECT_EQ(DebugManager::sharedDebugManager(), nullptr);
         manager.awakeFromNib();
         EXPECT_EQ(DebugManager::sharedDebugManager(), &manager);
         EXPECT_TRUE(debugLogIsOn());
@@ -231,21 +203,6 @@ TEST(DebugManager, KeepsTheSwitchEqualToTheUserDefault) {
     EXPECT_FALSE(debugLogIsOn());
     defaults.setObject("loggerIsOn", true);
     EXPECT_FALSE(debugLogIsOn());
-}
-
-TEST(DebugUtilities, NamesTheFirstPartThatIsMissing) {
-    const TemporaryFolder folder;
-    folder.write("a/file");
-    Lines lines;
-    setDebugLogIsOn(true);
-    DebugUtilities::identifyIncorrectPathComponent(folder.path("a/file"));
-    EXPECT_THAT(lines.lines, ElementsAre(" "));
-    lines.lines.clear();
-    DebugUtilities::identifyIncorrectPathComponent(folder.path("a/b/c"));
-    setDebugLogIsOn(false);
-    EXPECT_THAT(lines.lines, ElementsAre("*****************************************************",
-                                         "Checking path: " + folder.path("a/b/c"),
-                                         "ERROR on last path component: " + folder.path("a/b"), " "));
 }
 
 TEST(UserFolders, FollowTheEnvironment) {
@@ -272,6 +229,24 @@ TEST(ResourceFolder, PrefersTheNamedFolder) {
     EXPECT_EQ(resourcePath("missing.plist"), folder.path("missing.plist"));
     const Variable unnamed("TAVRIN_RESOURCES", nullptr);
     EXPECT_EQ(ResourceFolder::candidates().back(), TAVRIN_SOURCE_FOLDER "/Resources");
+}
+
+TEST(FolderAccess, IsAskedForUntilTheFolderOrOneAroundItIsGranted) {
+    UserDefaults defaults;
+    test::ManualRunLoop loop;
+    std::vector<std::string> requests;
+    FileSystemAccessManager manager(defaults, loop,
+                                    [&](const std::string& path) { requests.push_back(path); });
+    manager.storeAccessToPath("/home/ann/");
+    for (const char* path :
+         {"/home/ann", "/home/ann///", "/home/ann/a/b", "/home/anna", "/home", "/", "relative"})
+        manager.obtainAccessToPath(path);
+    EXPECT_THAT(requests, ElementsAre("/home/anna", "/home", "/", "relative"));
+    manager.storeAccessToPath("/");
+    EXPECT_TRUE(manager.wasAccessAlreadyObtainedForPath("/anything"));
+    defaults.setObject("permamentAccessListArray", PropertyArray{1});
+    manager.revokeAllSecurityBookmarks();
+    EXPECT_TRUE(defaults.objectForKey("permamentAccessListArray")->asArray()->empty());
 }
 
 } // namespace

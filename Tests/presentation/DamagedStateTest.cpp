@@ -83,21 +83,6 @@ TEST_F(DamagedState, KeepsAChainOfANewerVersionUntilThereIsAnother) {
     EXPECT_EQ(currentAction().actionName(), "Make uppercase");
 }
 
-TEST_F(DamagedState, SetsTheSettingsOfANewerVersionAsideAndSaysWhere) {
-    const std::string settings = PropertyList::toXml(
-        PropertyDictionary{{"firstLaunchVersion", 90000}, {"composite action", u"of another kind"}});
-    data.write("defaults.plist", settings);
-    start();
-    auto* alert = waitFor<QMessageBox>("alert");
-    const std::string copy = data.path("defaults.plist.saved-90000");
-    EXPECT_EQ(alert->text().toStdString(), "The settings of a newer version were found.");
-    EXPECT_NE(alert->informativeText().toStdString().find("copied to \"" + copy + "\""), std::string::npos);
-    EXPECT_EQ(data.read("defaults.plist.saved-90000"), settings);
-    alert->accept();
-    restart();
-    EXPECT_EQ(findWidget("alert"), nullptr);
-}
-
 TEST_F(DamagedState, WorksWithoutAFolderForItsData) {
     const std::string file = data.write("occupied", "x");
     TavrinApplication::Options options;

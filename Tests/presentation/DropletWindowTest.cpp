@@ -2,7 +2,7 @@
 #include "common/DropletLists.h"
 #include "common/Variable.h"
 #include "documents/DropletBundleWriter.h"
-#include "documents/DropletRequest.h"
+#include "documents/DropletHandOver.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
@@ -82,15 +82,6 @@ TEST_F(DropletWindow, EditsADropletAndSavesItBack) {
     EXPECT_EQ(currentAction().getParamString("string"), u"edited");
 }
 
-TEST_F(DropletWindow, ALockedDropletIsOnlyToldOf) {
-    startDroplet({{"lockedDroplet", true}});
-    auto* alert = waitFor<QMessageBox>("alert");
-    EXPECT_EQ(alert->text(), "This droplet has been locked by its author.");
-    EXPECT_FALSE(application->window().isVisible());
-    QTimer::singleShot(0, alert, &QWidget::close);
-    EXPECT_TRUE(endsByItself());
-}
-
 TEST_F(DropletWindow, AsksAndTellsWithoutTheWindowAndEndsWithTheLast) {
     startDroplet({{"interactiveMode", 1}, {"showSummary", 1}}, {makeFile("a"), makeFile("b")});
     std::string summary;
@@ -133,23 +124,6 @@ TEST_F(DropletWindow, StopsWhenTheWindowOfItsProgressIsClosed) {
     EXPECT_EQ(summary,
               "No file names were changed.|The rename was stopped: 0 of 2 items have got their new names.");
     EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"a", "b"}));
-}
-
-TEST_F(DropletWindow, WaitsForTheUserToReadWhyItCannotRun) {
-    startDroplet({{"processFiles", 1}}, {makeFile("a")});
-    application->controller().compositeAction().getCurrentAction().setValue(0, "active");
-    QTimer user;
-    int times = 0;
-    QObject::connect(&user, &QTimer::timeout, qApp, [&] {
-        auto* alert = dynamic_cast<QMessageBox*>(findWidget("alert"));
-        // It stays for as long as it is not closed.
-        if (alert && alert->isVisible() && ++times == 5)
-            alert->close();
-    });
-    user.start(20);
-    EXPECT_TRUE(endsByItself());
-    EXPECT_EQ(times, 5);
-    EXPECT_EQ(filesOnDisk(), std::vector<std::string>{"a"});
 }
 
 TEST_F(DropletWindow, CreatesADropletAndAsksBeforeReplacingIt) {

@@ -20,14 +20,6 @@ class CommandsTest : public ShellFixture {
 
 const std::vector<std::string> three{"Add to end", "Replace text", "Remove text"};
 
-TEST_F(CommandsTest, AnAddedStepIsACopyOfTheCurrentOne) {
-    startWith({{"Add to end", {{"string", u"X"}}}, {"Remove text", {}}}, 0);
-    commands().addAction();
-    EXPECT_THAT(stepNames(), ElementsAre("Add to end", "Add to end", "Remove text"));
-    EXPECT_EQ(currentIndex(), 1);
-    EXPECT_EQ(controller().compositeAction().getCurrentAction().getParamString("string"), u"X");
-}
-
 TEST_F(CommandsTest, RemovingMovesToTheStepInFront) {
     const std::vector<std::tuple<int, std::vector<std::string>, int>> cases{
         {0, {three[1], three[2]}, 0}, {1, {three[0], three[2]}, 0}, {2, {three[0], three[1]}, 1}};
@@ -45,14 +37,6 @@ TEST_F(CommandsTest, RemovingMovesToTheStepInFront) {
     EXPECT_EQ(stepNames(), std::vector<std::string>{three[0]});
 }
 
-TEST_F(CommandsTest, ClearingKeepsTheCurrentStep) {
-    startWith({{three[0], {}}, {three[1], {{"searchTerm", u"q"}}}, {three[2], {}}}, 1);
-    commands().clearActions();
-    EXPECT_THAT(stepNames(), ElementsAre(three[1]));
-    EXPECT_EQ(currentIndex(), 0);
-    EXPECT_EQ(controller().compositeAction().getCurrentAction().getParamString("searchTerm"), u"q");
-}
-
 TEST_F(CommandsTest, OneActiveStepIsEnough) {
     startWith({{three[0], {{"active", 0}}}, {three[1], {{"active", 1}}}}, 0);
     EXPECT_TRUE(commands().validateActionList());
@@ -62,34 +46,26 @@ TEST_F(CommandsTest, OneActiveStepIsEnough) {
     EXPECT_EQ(frontEnd.alerts.back().title, "There are no active renaming actions.");
 }
 
-TEST_F(CommandsTest, DefaultsComeBackForTheCurrentStepAlone) {
-    startWith({{three[0], {{"string", u"X"}}}, {three[0], {{"string", u"Y"}, {"fragmentSelection", 2}}}}, 1);
-    commands().resetToDefaults();
-    EXPECT_EQ(controller().compositeAction().actionAtIndex(1).getParamString("string"), u"");
-    EXPECT_EQ(controller().compositeAction().actionAtIndex(1).getParamInt("fragmentSelection", -1), 1);
-    EXPECT_EQ(controller().compositeAction().actionAtIndex(0).getParamString("string"), u"X");
-}
-
 TEST_F(CommandsTest, TheListOfStepsShowsHidesAndKeepsItsWidth) {
     startWith({{three[0], {}}}, 0);
-    MultistepPane& pane = controller().multistepPane();
+    ActionListCommands& pane = commands();
     // A window reports the moves that are made for it as well.
     frontEnd.onDividerMoved = [&](double position) {
         pane.splitViewDidResizeSubviews(position == 0, position);
     };
     controller().showMultistepDrawer();
     EXPECT_THAT(frontEnd.events, ElementsAre("divider 150"));
-    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 1);
+    EXPECT_EQ(controller().globalSettings().values().shouldShowMultistepDrawer, 1);
     pane.splitViewDidResizeSubviews(false, 90);
     EXPECT_EQ(defaults.floatForKey("actionListSeparatorPosition"), 150);
     pane.splitViewDidResizeSubviews(false, 230);
     pane.splitViewDidResizeSubviews(true, 0);
-    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 0);
+    EXPECT_EQ(controller().globalSettings().values().shouldShowMultistepDrawer, 0);
     controller().showMultistepDrawer();
     EXPECT_EQ(frontEnd.events.back(), "divider 230");
     controller().showMultistepDrawer();
     EXPECT_EQ(frontEnd.events.back(), "divider 0");
-    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 0);
+    EXPECT_EQ(controller().globalSettings().values().shouldShowMultistepDrawer, 0);
     EXPECT_EQ(defaults.floatForKey("actionListSeparatorPosition"), 230);
     EXPECT_TRUE(pane.canCollapse());
     commands().addAction();
@@ -109,10 +85,10 @@ TEST_F(CommandsTest, APresetOfTheMenuShowsItsSteps) {
     controller().applyPreset(1);
     ASSERT_EQ(frontEnd.presented.size(), 1u);
     EXPECT_THAT(stepNames(), ElementsAre(three[0]));
-    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 0);
+    EXPECT_EQ(controller().globalSettings().values().shouldShowMultistepDrawer, 0);
     controller().applyPreset(0);
     EXPECT_THAT(stepNames(), ElementsAre(three[1], three[2]));
-    EXPECT_EQ(controller().globalSettings().shouldShowMultistepDrawer(), 1);
+    EXPECT_EQ(controller().globalSettings().values().shouldShowMultistepDrawer, 1);
     EXPECT_TRUE(controller().previewControl().isPreviewPending());
 }
 

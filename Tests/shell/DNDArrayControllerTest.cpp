@@ -48,7 +48,7 @@ class DNDArrayControllerTest : public ShellFixture {
             ids.push_back(idOf(name));
         return ids;
     }
-    bool isAutomatic() { return controller().globalSettings().automaticSorting(); }
+    bool isAutomatic() { return controller().globalSettings().values().automaticSorting; }
 
     std::vector<std::string> paths;
 };
@@ -93,21 +93,6 @@ TEST_F(DNDArrayControllerTest, PutsDraggedRowsAtThePlaceOfTheDrop) {
     EXPECT_THAT(names(), ElementsAre("c", "a", "d"));
     dragging().insertRows({gone, idOf("d")}, {idOf("c")});
     EXPECT_THAT(names(), ElementsAre("d", "c", "a"));
-}
-
-TEST_F(DNDArrayControllerTest, TakesRowsBetweenRowsAloneAndFilesAnywhere) {
-    startWith({"a"});
-    EXPECT_FALSE(dragging().writeRows({}));
-    EXPECT_TRUE(dragging().validateDrop(true, true));
-    EXPECT_FALSE(dragging().validateDrop(true, false));
-    EXPECT_TRUE(dragging().validateDrop(false, true));
-    EXPECT_TRUE(dragging().validateDrop(false, false));
-    frontEnd.expect("alert filesNotAdded");
-    dragging().acceptFiles({files.write("b"), paths.front()});
-    EXPECT_TRUE(frontEnd.isScriptOver());
-    waitForPreview();
-    EXPECT_THAT(names(), ElementsAre("a", "b"));
-    EXPECT_TRUE(isAutomatic());
 }
 
 TEST_F(DNDArrayControllerTest, RemovesWhatIsDraggedOutAndSaysWhatStays) {

@@ -4,7 +4,6 @@
 namespace tavrin::test {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 class MigrationCommandsTest : public ShellFixture {
@@ -19,12 +18,6 @@ class MigrationCommandsTest : public ShellFixture {
                           PropertyList::toXml(PropertyDictionary{{"Droplet Settings", droplet}}));
         return files.path(name);
     }
-    std::vector<std::string> titles() const {
-        std::vector<std::string> titles;
-        for (const Alert& alert : frontEnd.alerts)
-            titles.push_back(alert.title);
-        return titles;
-    }
 };
 
 TEST_F(MigrationCommandsTest, TellsOfEachFolderInTurn) {
@@ -38,18 +31,15 @@ TEST_F(MigrationCommandsTest, TellsOfEachFolderInTurn) {
     frontEnd.alerts.clear();
     frontEnd.expect("alert presetMigration", ScriptedFrontEnd::Held());
     controller().migratePresets();
-    EXPECT_THAT(titles(),
-                ElementsAre("Presets found at " + data.path("Morvane 8/") + " were successfully migrated."));
-    EXPECT_EQ(frontEnd.alerts.back().text, "");
+    ASSERT_EQ(frontEnd.alerts.size(), 1u);
+    EXPECT_EQ(frontEnd.alerts.back().title,
+              "Presets found at " + data.path("Morvane 8/") + " were successfully migrated.");
     EXPECT_THAT(frontEnd.events, ::testing::Contains("fillPresetMenu 1"))
         << "a menu of old would apply other presets than those clicked";
     frontEnd.expect("alert presetMigration");
     frontEnd.answerHeld(AlertAnswer());
     EXPECT_EQ(frontEnd.alerts.back().title, "At least one of the preset files found at " +
                                                 data.path("Tavrin 8/") + " could not be migrated.");
-    EXPECT_EQ(frontEnd.alerts.back().text,
-              "This could be the result of running the migration process multiple times.");
-    EXPECT_EQ(frontEnd.alerts.back().style, AlertStyle::informational);
 }
 
 TEST_F(MigrationCommandsTest, TakesPresetsFromAChosenFolder) {
@@ -83,14 +73,10 @@ TEST_F(MigrationCommandsTest, TriesAllDropletsAndTellsOnce) {
     controller().migrateDroplet();
     frontEnd.expect("droplets", Paths({}));
     controller().migrateDroplet();
-    EXPECT_EQ(frontEnd.events.front(), "panel titled Locate Droplets, Please locate one or more droplets you "
-                                       "want to migrate to version 9., Migrate");
     frontEnd.expect("droplets", Paths({bad, late + "/"}));
     frontEnd.expect("alert dropletMigration");
     controller().migrateDroplet();
     EXPECT_EQ(frontEnd.alerts.back().title, "An error occurred");
-    EXPECT_EQ(frontEnd.alerts.back().text, "At least one droplet could not be converted correctly.");
-    EXPECT_EQ(frontEnd.alerts.back().style, AlertStyle::critical);
     EXPECT_THAT(files.read("late.app/Contents/Resources/Settings.plist"), HasSubstr("Tavrin 9.app"));
     EXPECT_THAT(files.read("late.desktop"), HasSubstr("\"/opt/tavrin\" --droplet"));
 
@@ -98,7 +84,6 @@ TEST_F(MigrationCommandsTest, TriesAllDropletsAndTellsOnce) {
     frontEnd.expect("alert dropletMigration");
     controller().migrateDroplet();
     EXPECT_EQ(frontEnd.alerts.back().title, "Success");
-    EXPECT_EQ(frontEnd.alerts.back().text, "All droplets were successfully converted.");
 }
 
 } // namespace

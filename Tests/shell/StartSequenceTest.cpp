@@ -36,10 +36,6 @@ TEST_F(StartSequenceTest, ANormalStartGoesInItsOrderAndAsksForTheFirstPreview) {
     run();
     EXPECT_TRUE(controller().hasFinishedInitializing());
     EXPECT_EQ(controller().operationMode(), OperationMode::normal);
-    EXPECT_THAT(frontEnd.events,
-                ElementsAre("allowFullScreen", "mainTab 0", "columns 20 200 40", "columns 100 1000 200",
-                            "fillPresetMenu 0", "fillActionMenus", "buildSplitView", "divider 0",
-                            "centreWindow", "panel Produce numbered list", "showWindow"));
     EXPECT_EQ(stepNames(), std::vector<std::string>{"Produce numbered list"});
     EXPECT_TRUE(controller().previewControl().isPreviewPending());
     waitForPreview();
@@ -58,20 +54,8 @@ TEST_F(StartSequenceTest, ALaterStartHasWhatWasStored) {
     start();
     EXPECT_EQ(controller().operationMode(), OperationMode::normal);
     EXPECT_EQ(stepNames(), (std::vector<std::string>{"Add to end", "Remove text"}));
-    EXPECT_TRUE(controller().globalSettings().automaticSorting());
+    EXPECT_TRUE(controller().globalSettings().values().automaticSorting);
     EXPECT_EQ(defaults.objectForKey("location"), PropertyValue(u"/opt/tavrin"));
-}
-
-TEST_F(StartSequenceTest, TheListOfStepsComesUpAsWideAsItWas) {
-    defaults.setObject("actions",
-                       PropertyDictionary{{"TVRN global settings", PropertyDictionary{{"multistep", 1}}}});
-    defaults.setObject("actionListSeparatorPosition", 220.0);
-    // A window reports the moves that are made for it as well; they change nothing.
-    frontEnd.onDividerMoved = [this](double position) {
-        controller().multistepPane().splitViewDidResizeSubviews(position == 0, position);
-    };
-    run();
-    EXPECT_THAT(frontEnd.events, ::testing::IsSupersetOf({"divider 0", "divider 220"}));
 }
 
 TEST_F(StartSequenceTest, AStoredChainThatIsNoGoodIsToldAndTheStartGoesOn) {
@@ -104,146 +88,48 @@ TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
     EXPECT_EQ(defaults.objectForKey("droplet settings"), PropertyValue(PropertyDictionary()));
 }
 
-TEST_F(StartSequenceTest, ASilentDropletSaysNothingEvenWhenSomethingFails) {
-    (void)files.write("target");
-    const std::string link = files.link("link", files.path("target"));
-    PropertyDictionary droplet = record({{"silentDroplet", 1}, {"interactiveMode", 1}});
-    const std::string again = data.link("alias", files.path()) + "/b";
-    droplet.emplace("file list", PropertyArray{text::fromBytes(files.write("b")), text::fromBytes(link),
-                                               text::fromBytes(again)});
-    handOver(std::move(droplet));
-    // A failure in the middle of a run is still told: only the questions and the report are silent.
-    frontEnd.expect("sheet problem", ConfirmationChoice::one);
-    run();
-    EXPECT_TRUE(controller().isSilentDroplet());
-    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
-    EXPECT_EQ(frontEnd.presented.size(), 0U);
-    EXPECT_TRUE(files.kind("bX").has_value());
-    EXPECT_TRUE(files.kind("link").has_value());
-}
-
-TEST_F(StartSequenceTest, ADropletWithoutFilesIsEdited) {
-    handOver(record());
-    frontEnd.expect("notice dropletEditMode", NoticeAnswer{NoticeAnswer::ok, true});
-    run();
-    EXPECT_EQ(controller().operationMode(), OperationMode::dropletEdit);
-    EXPECT_TRUE(controller().isRenameButtonEnabled());
-    EXPECT_THAT(frontEnd.events, ::testing::IsSupersetOf({"enterDropletEditMode", "showWindow"}));
-    EXPECT_TRUE(defaults.boolForKey("don't show droplet edit information again"));
-    waitForPreview();
-    EXPECT_EQ(status(), "Drag file you want to preview into the preview table above.");
-    controller().windowWillClose();
-    EXPECT_TRUE(frontEnd.isTerminated);
-    EXPECT_EQ(defaults.integerForKey("version"), 0);
-}
-
-TEST_F(StartSequenceTest, TheEditInformationCanEndTheApplication) {
-    handOver(record());
-    frontEnd.expect("notice dropletEditMode", NoticeAnswer{NoticeAnswer::cancel, false});
-    run();
-    EXPECT_TRUE(frontEnd.isTerminated);
-}
-
-TEST_F(StartSequenceTest, ALockedDropletIsNotEditedButRuns) {
-    handOver(record({{"lockedDroplet", true}}));
-    frontEnd.expect("alert dropletLocked", ScriptedFrontEnd::Held());
-    run();
-    EXPECT_FALSE(controller().hasFinishedInitializing());
-    EXPECT_FALSE(frontEnd.isTerminated);
-    EXPECT_EQ(frontEnd.alerts.back().style, AlertStyle::critical);
-    frontEnd.answerHeld(AlertAnswer());
-    EXPECT_TRUE(frontEnd.isTerminated);
-}
-
-TEST_F(StartSequenceTest, ADropletThatCannotBeginEnds) {
-    struct Case {
-        const char* what;
-        PropertyDictionary settings;
-        PropertyDictionary parameters;
-        const char* question; ///< of a droplet that is not silent
-    };
-    for (const Case& c : {Case{"no active step", {}, {{"active", 0}}, "alert noActiveActions"},
-                          Case{"nothing takes part",
-                               {{"processFiles", 0}, {"processFolders", 0}},
-                               {},
-                               "notice inconsistentSettings"}}) {
-        for (const bool isSilent : {true, false}) {
-            PropertyDictionary droplet = record(c.settings);
-            droplet.insert_or_assign("composite action", chain({{"Add to end", c.parameters}}));
-            droplet.at("global settings").asDictionary()->emplace("silentDroplet", isSilent ? 1 : 0);
-            droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
-            handOver(std::move(droplet));
-            if (!isSilent)
-                frontEnd.expect(c.question,
-                                c.settings.empty()
-                                    ? ScriptedFrontEnd::Answer(AlertAnswer())
-                                    : ScriptedFrontEnd::Answer(NoticeAnswer{NoticeAnswer::help, false}));
-            run();
-            EXPECT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; })) << c.what;
-            EXPECT_TRUE(frontEnd.isScriptOver()) << c.what;
-            EXPECT_TRUE(files.kind("a").has_value());
-            restart();
-        }
-    }
-}
-
-TEST_F(StartSequenceTest, ADropletGoesOnWhenItsSettingsAreMended) {
-    PropertyDictionary droplet = record({{"processFiles", 0}, {"processFolders", 0}, {"interactiveMode", 0}});
-    droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
-    handOver(std::move(droplet));
-    frontEnd.expect("notice inconsistentSettings", NoticeAnswer());
-    frontEnd.expect("alert summary");
-    run();
-    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
-    EXPECT_TRUE(files.kind("aX").has_value());
-}
-
-TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
-    const Variable folder("XDG_DATA_HOME", data.path().c_str());
-    struct Case {
-        std::string settingsPath;
-        const char* title;
-    };
-    const DropletBundle bundle(files.path("Old.app"));
-    for (const Case& c : {Case{bundle.settingsPath(), "Your droplet has been successfully upgraded."},
-                          Case{files.path("x/y/z/Settings.plist"), "Your droplet could not be upgraded."},
-                          Case{"", "Your droplet could not be upgraded."}}) {
-        (void)files.write("Old.app/Contents/MacOS/stub");
-        (void)files.write("x/y/z/Settings.plist", "mine");
-        PropertyDictionary droplet = record();
-        droplet.erase("Version");
-        droplet.insert_or_assign("settings plist path", text::fromBytes(c.settingsPath));
-        const auto written = PropertyList::writeAtomically(
-            PropertyDictionary{{"Droplet Settings", PropertyDictionary()},
-                               {"Host Application Settings",
-                                PropertyDictionary{{"composite action", droplet.at("composite action")}}}},
-            (files.makeFolder("Old.app/Contents/Resources"), bundle.settingsPath()));
-        ASSERT_TRUE(std::holds_alternative<std::monostate>(written));
-        defaults.setObject("droplet settings", droplet);
-        frontEnd.expect("alert dropletUpgrade");
-        frontEnd.expect("alert dropletUpgrade", ScriptedFrontEnd::Held());
+TEST_F(StartSequenceTest, ASilentDropletThatCannotBeginEndsWithoutAWord) {
+    const PropertyDictionary off{{"processFiles", 0}, {"processFolders", 0}, {"silentDroplet", 1}};
+    for (const bool hasSteps : {true, false}) {
+        PropertyDictionary droplet = record(hasSteps ? off : PropertyDictionary{{"silentDroplet", 1}});
+        droplet.insert_or_assign("composite action", chain({{"Add to end", {{"active", hasSteps ? 1 : 0}}}}));
+        droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
+        handOver(std::move(droplet));
         run();
-        EXPECT_EQ(frontEnd.alerts.back().title, c.title);
-        EXPECT_FALSE(frontEnd.isTerminated);
-        frontEnd.answerHeld(AlertAnswer());
-        EXPECT_TRUE(frontEnd.isTerminated);
-        EXPECT_EQ(defaults.objectForKey("droplet settings"), std::nullopt);
-        EXPECT_EQ(files.kind("Old.app/Contents/MacOS/stub").has_value(),
-                  c.settingsPath != bundle.settingsPath());
-        EXPECT_EQ(files.read("x/y/z/Settings.plist"), "mine");
-        EXPECT_TRUE(std::holds_alternative<Recipe>(bundle.readRecipe()));
+        EXPECT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
+        EXPECT_TRUE(files.kind("a").has_value());
         restart();
     }
 }
 
-TEST_F(StartSequenceTest, ADropletRunNeedsNoUpgrade) {
-    PropertyDictionary droplet = record({{"silentDroplet", 1}});
-    droplet.erase("Version");
-    droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
-    handOver(std::move(droplet));
-    run();
-    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
-    EXPECT_TRUE(files.kind("aX").has_value());
+TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
+    const Variable folder("XDG_DATA_HOME", data.path().c_str());
+    const DropletBundle bundle(files.path("Old.app"));
+    const std::pair<std::string, const char*> cases[] = {
+        {bundle.settingsPath(), "Your droplet has been successfully upgraded."},
+        {files.path("x/y/z/Settings.plist"), "Your droplet could not be upgraded."}};
+    (void)files.write("x/y/z/Settings.plist", "mine");
+    (void)files.write("Old.app/Contents/Resources/Settings.plist",
+                      PropertyList::toXml(PropertyDictionary{
+                          {"Droplet Settings", PropertyDictionary()},
+                          {"Host Application Settings",
+                           PropertyDictionary{{"composite action", chain({{"Add to end", {}}})}}}}));
+    for (const auto& [settingsPath, title] : cases) {
+        PropertyDictionary droplet = record();
+        droplet.erase("Version");
+        droplet.insert_or_assign("settings plist path", text::fromBytes(settingsPath));
+        defaults.setObject("droplet settings", droplet);
+        frontEnd.expect("alert dropletUpgrade");
+        frontEnd.expect("alert dropletUpgrade", ScriptedFrontEnd::Held());
+        run();
+        EXPECT_EQ(frontEnd.alerts.back().title, title);
+        EXPECT_FALSE(frontEnd.isTerminated);
+        frontEnd.answerHeld(AlertAnswer());
+        EXPECT_TRUE(frontEnd.isTerminated);
+        EXPECT_EQ(defaults.objectForKey("droplet settings"), std::nullopt);
+        restart();
+    }
+    EXPECT_EQ(files.read("x/y/z/Settings.plist"), "mine");
 }
 
 TEST_F(StartSequenceTest, ADropletThatIsNoGoodRenamesNothing) {

@@ -34,7 +34,7 @@ TEST_F(TakeBackCommandsTest, ShowsWhatGoesBackDoesItAndTheListFollows) {
     EXPECT_EQ(commands().description(RunKind::undo), "Undo Rename of 2 Items in box");
     EXPECT_EQ(commands().description(RunKind::redo), "");
     // Asked first, and nothing happens without a yes.
-    frontEnd.expect("take back Undo Rename of 2 Items in box?", AlertAnswer{1});
+    frontEnd.expect("take back Undo Rename of 2 Items in box?", false);
     commands().takeBack(RunKind::undo);
     commands().takeBack(RunKind::undo); // a question at a time
     waitUntilIdle();
@@ -43,7 +43,7 @@ TEST_F(TakeBackCommandsTest, ShowsWhatGoesBackDoesItAndTheListFollows) {
     EXPECT_EQ(frontEnd.takeBack->rows.size(), 2U);
     EXPECT_EQ(frontEnd.takeBack->rows.front().newName, u"a");
     EXPECT_TRUE(files.kind("box/A"));
-    frontEnd.expect("take back Undo Rename of 2 Items in box?");
+    frontEnd.expect("take back Undo Rename of 2 Items in box?", true);
     frontEnd.expect("alert summary");
     commands().takeBack(RunKind::undo);
     waitUntilIdle();
@@ -68,7 +68,7 @@ TEST_F(TakeBackCommandsTest, AnInterruptedRunIsToldAtTheStart) {
     data.write(record, text.substr(0, text.rfind("done\t")));
     std::filesystem::rename(files.path("box/B"), files.path("box/b"));
     frontEnd.expect("alert interruptedRun", AlertAnswer{1});
-    frontEnd.expect("take back Finish Rename in box?");
+    frontEnd.expect("take back Finish Rename in box?", true);
     frontEnd.expect("alert summary");
     commands().tellInterruptedRun();
     waitUntilIdle();

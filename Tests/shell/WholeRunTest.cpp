@@ -1,7 +1,5 @@
-#include "common/FailingVfs.h"
 #include "shell/ShellFixture.h"
 
-#include <filesystem>
 #include <thread>
 
 namespace tavrin::test {
@@ -31,47 +29,10 @@ class WholeRunTest : public ShellFixture {
     }
 };
 
-TEST_F(WholeRunTest, EachAnswerDoesWhatItSays) {
-    struct Case {
-        std::vector<ConfirmationChoice> answers;
-        std::vector<std::string> left;
-        const char* summary;
-    };
-    using enum ConfirmationChoice;
-    const std::vector<Case> cases{
-        {{one, one, one}, {"b1", "b2", "b3"}, "3 file names were changed."},
-        {{one, leaveOut, one}, {"a2", "b1", "b3"}, "2 file names were changed."},
-        {{all}, {"b1", "b2", "b3"}, "3 file names were changed."},
-        {{one, stop}, {"a2", "a3", "b1"}, "1 file name was changed."},
-        {{stop}, {"a1", "a2", "a3"}, "No file names were changed."},
-    };
-    startReplacing(u"a", u"b");
-    for (const Case& each : cases) {
-        add({"a1", "a2", "a3"});
-        for (const ConfirmationChoice answer : each.answers)
-            frontEnd.expect("sheet rename", answer);
-        frontEnd.expect("alert summary");
-        controller().ok();
-        waitUntilIdle();
-        EXPECT_TRUE(frontEnd.isScriptOver());
-        EXPECT_EQ(names(), each.left);
-        EXPECT_EQ(frontEnd.alerts.back().title, each.summary);
-        // The list goes on with what the items are called now.
-        waitForPreview();
-        std::vector<std::string> listed;
-        for (const std::string& name : each.left)
-            listed.push_back(name + " > b" + name.substr(1));
-        EXPECT_EQ(table(), listed);
-        controller().clearPreview();
-        for (const std::string& name : each.left)
-            files.remove(name);
-    }
-}
-
 TEST_F(WholeRunTest, AWorkerThatAsksKeepsTheMainThreadFree) {
     startReplacing(u"a", u"b");
     add({"a1"});
-    frontEnd.expect("sheet rename", ScriptedFrontEnd::Held());
+    frontEnd.expect("rename", ScriptedFrontEnd::Held());
     controller().ok();
     ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isHolding(); }));
     EXPECT_TRUE(controller().renameEngine().isBusy());
@@ -89,8 +50,8 @@ TEST_F(WholeRunTest, AClosedApplicationFreesTheWorkerAndLeavesTheRest) {
     startReplacing(u"a", u"b");
     add({"a1", "a2"});
     for (const bool isWindowClosed : {true, false}) {
-        frontEnd.expect("sheet rename", ConfirmationChoice::leaveOut);
-        frontEnd.expect("sheet rename", ScriptedFrontEnd::Held());
+        frontEnd.expect("rename", ConfirmationChoice::leaveOut);
+        frontEnd.expect("rename", ScriptedFrontEnd::Held());
         controller().ok();
         ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isHolding(); }));
         if (isWindowClosed) {
@@ -144,24 +105,6 @@ TEST_F(WholeRunTest, TheListIsClearedOrTheApplicationEndsWhenSoWished) {
     EXPECT_EQ(names(), (std::vector<std::string>{"b1", "b2"}));
 }
 
-TEST_F(WholeRunTest, FailuresAreListedAtTheEnd) {
-    startReplacing(u"a", u"b");
-    set("interactiveMode", 0);
-    (void)files.write("target");
-    std::vector<std::string> links;
-    for (const char* name : {"a1", "a2"})
-        links.push_back(files.link(name, files.path("target")));
-    controller().addFilePaths(links, true);
-    waitForPreview();
-    frontEnd.expect("sheet problem", ConfirmationChoice::all);
-    frontEnd.expect("errors");
-    controller().ok();
-    waitUntilIdle();
-    ASSERT_EQ(frontEnd.failures.errors.size(), 1u);
-    EXPECT_EQ(frontEnd.failures.errors.front().path, links.back());
-    EXPECT_EQ(names(), (std::vector<std::string>{"a1", "a2", "target"}));
-}
-
 TEST_F(WholeRunTest, AListIsSaved) {
     startReplacing(u"a", u"b");
     add({"a1", "x"});
@@ -173,8 +116,6 @@ TEST_F(WholeRunTest, AListIsSaved) {
     EXPECT_EQ(data.read("list.txt"), "a1\tb1\n");
     EXPECT_THAT(frontEnd.events, ::testing::Contains("panel titled Save File List"));
 
-    frontEnd.expect("list format", FileListChoice{NoticeAnswer::cancel, 0, false});
-    controller().createFileList();
     frontEnd.expect("list format", FileListChoice{NoticeAnswer::help, 0, false});
     controller().createFileList();
     EXPECT_EQ(frontEnd.events.back(), "help helpTopic29");
@@ -187,7 +128,7 @@ TEST_F(WholeRunTest, AListIsSaved) {
 TEST_F(WholeRunTest, ClearingDuringARunLeavesTheRunItsStore) {
     startReplacing(u"a", u"b");
     add({"a1", "a2", "a3"});
-    frontEnd.expect("sheet rename", ScriptedFrontEnd::Held());
+    frontEnd.expect("rename", ScriptedFrontEnd::Held());
     controller().ok();
     ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isHolding(); }));
     controller().clearPreview();
@@ -232,56 +173,6 @@ TEST_F(WholeRunTest, AStoreWithoutAFileMovesIntoMemoryAndTheWorkGoesOn) {
                 ElementsAre(::testing::StartsWith("The list of items can't be kept in a file")));
     EXPECT_THAT(table(), ElementsAre("a1 > b1"));
     EXPECT_EQ(defaults.integerForKey("store"), 1);
-    frontEnd.expect("alert summary");
-    controller().ok();
-    waitUntilIdle();
-    EXPECT_THAT(files.tree(), ElementsAre(Pair("b1", "a1")));
-}
-
-TEST_F(WholeRunTest, AStoreThatFailsOnTheWayMovesIntoMemoryAndNothingIsLost) {
-    FailingVfs vfs;
-    defaults.setObject("store", 0);
-    options.store.vfs = vfs.name();
-    options.store.residentBudget = 1; // a few segments stay, whatever is asked
-    startReplacing(u"a", u"b");
-    constexpr int count = 5000;
-    // One file under many names: making thousands of files takes long where many have just been deleted.
-    const std::string first = files.write("folder/a0");
-    for (int i = 1; i < count; ++i)
-        std::filesystem::create_hard_link(first, files.path("folder/a" + std::to_string(i)));
-    controller().globalSettings().setShouldProcessFolders(0);
-    set("processSubfolders", 1);
-    controller().addFilePaths({files.path("folder")}, true);
-    waitForPreview();
-    PreviewList& list = controller().nodeController();
-    ASSERT_EQ(list.count(), std::size_t{count});
-    ASSERT_GT(vfs.reads(), 0);
-    ASSERT_EQ(defaults.integerForKey("store"), 0);
-
-    // The failure is met on the main thread first, which survives it.
-    vfs.failRead(1, true);
-    EXPECT_NO_THROW(controller().removeFile({list.arrangedObjects().front()}));
-    waitForPreview();
-    waitForPreview();
-    EXPECT_EQ(defaults.integerForKey("store"), 1);
-    EXPECT_EQ(list.count(), std::size_t{count});
-    EXPECT_EQ(status(), "5000 out of 5000 items need renaming.");
-    endController();
-}
-
-TEST_F(WholeRunTest, AStoreInAFileDoesTheSameAndSweepsOldFiles) {
-    defaults.setObject("store", 0);
-    options.usesUserFolders = false;
-    startReplacing(u"a", u"b");
-    set("interactiveMode", 0);
-    add({"a1"});
-    EXPECT_THAT(table(), ElementsAre("a1 > b1"));
-    (void)data.write("Data/tvrn9.db", "of a run that crashed");
-    controller().clearPreview();
-    add({"a1"});
-    EXPECT_THAT(data.tree(), ElementsAre(Pair("Data/", "")));
-    EXPECT_THAT(table(), ElementsAre("a1 > b1"));
-    EXPECT_EQ(frontEnd.presented, std::vector<std::string>());
     frontEnd.expect("alert summary");
     controller().ok();
     waitUntilIdle();

@@ -1,5 +1,6 @@
 #include "support/values/CalendarFormat.h"
 
+#include "common/Variable.h"
 #include "support/text/Text.h"
 
 #include <gtest/gtest.h>
@@ -13,16 +14,8 @@ namespace {
 /// A zone told by rules, so that no table of zones is needed, and messages in a language of their own.
 class CalendarFormats : public ::testing::Test {
   protected:
-    CalendarFormats() {
-        ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
-        ::tzset();
-        ::setenv("LC_ALL", "fi_FI.UTF-8", 1);
-    }
-    ~CalendarFormats() override {
-        ::unsetenv("LC_ALL");
-        ::unsetenv("TZ");
-        ::tzset();
-    }
+    LocalTime zone;
+    Variable language{"LC_ALL", "fi_FI.UTF-8"};
 
     static std::string formatted(std::u16string_view pattern, double seconds, const std::string& locale) {
         const auto names = CalendarNames::of(locale);

@@ -92,21 +92,9 @@ TEST(TextEncoding, TextsThatAreNoFileNameAreRefusedButShown) {
 }
 
 TEST(TextEncoding, OrderIsThatOfTheCodePoints) {
-    const std::u16string_view ascending[] = {u"",
-                                             u"A",
-                                             u"AA",
-                                             u"a",
-                                             u"é",
-                                             u"\xD83D",
-                                             u"\xDCE9",
-                                             u"\xDCE9"
-                                             u"b",
-                                             u"\uFFFD",
-                                             u"\uFFFDa",
-                                             u"😀",
-                                             u"😀a",
-                                             u"😁",
-                                             u"\U0010FFFF"};
+    const std::u16string_view ascending[] = {u"",       u"A",      u"AA",        u"a",       u"é",
+                                             u"\xD83D", u"\xDCE9", u"\uFFFD",    u"\uFFFDa", u"😀",
+                                             u"😀a",     u"😁",      u"\U0010FFFF"};
     const std::size_t count = std::size(ascending);
     for (std::size_t i = 0; i < count; ++i)
         for (std::size_t j = 0; j < count; ++j) {

@@ -94,26 +94,24 @@ TEST(TextCase, ResultsThatOutgrowTheTextAreWhole) {
 }
 
 TEST(TextCase, BytesLowerLikeTheirText) {
-    const std::string_view cases[] = {
-        "",
-        "ABCxyz@[.TXT",
-        "\xC3\x80\xC3\x96\xC3\x97\xC3\x9E\xC3\x9F\xC3\xB7 \xC2\xAA",
-        "CAF\xC9.TXT",
-        "A\xC3",
-        "A\xC3Z",
-        "\xC3\xC3\x80",
-        "\x80\xBF\xC2Z",
-        "\xCE\xA3\xCE\x91\xCE\xA3",
-        "\xC4\xB0X\xFF",
-        "\xE2\x84\xAA",
-        "\xEA\x99\x80Z",
-        "\xCD\xB0Z",
-        "E\xCC\x81\xCD\x85Z",
-        "\xE6\xBC\xA2Z\xED\x95\x9C",
-        "\xE6Z\xC3",
-        "\xED\xA0\x80\xC3\x89",
-        "A LONGER NAME WITHOUT AN ACCENT.JPEG",
-    };
+    const std::string_view cases[] = {"",
+                                      "ABCxyz@[.TXT",
+                                      "\xC3\x80\xC3\x96\xC3\x97\xC3\x9E\xC3\x9F\xC3\xB7 \xC2\xAA",
+                                      "CAF\xC9.TXT",
+                                      "A\xC3",
+                                      "A\xC3Z",
+                                      "\xC3\xC3\x80",
+                                      "\x80\xBF\xC2Z",
+                                      "\xCE\xA3\xCE\x91\xCE\xA3",
+                                      "\xC4\xB0X\xFF",
+                                      "\xE2\x84\xAA",
+                                      "\xEA\x99\x80Z",
+                                      "\xCD\xB0Z",
+                                      "E\xCC\x81\xCD\x85Z",
+                                      "\xE6\xBC\xA2Z\xED\x95\x9C",
+                                      "\xE6Z\xC3",
+                                      "\xED\xA0\x80\xC3\x89",
+                                      "A LONGER NAME WITHOUT AN ACCENT.JPEG"};
     std::string lowered = "former content that is long enough to be in the way";
     for (const std::string_view bytes : cases) {
         lowercaseBytes(bytes, lowered);
@@ -161,33 +159,25 @@ TEST(TextIntValue, ReadsTheStartOfAText) {
     const struct {
         std::u16string_view text;
         std::int32_t value;
-    } cases[] = {
-        {u"", 0},
-        {u"12", 12},
-        {u" \t\n\u00A0+7x", 7},
-        {u"-3.9", -3},
-        {u"--3", 0},
-        {u"+ 3", 0},
-        {u"x5", 0},
-        {u"1e9", 1},
-        {u"-", 0},
-        {u"00000000000010", 10},
-        {u"٣", 0},
-        {u"2147483647", 2147483647},
-        {u"2147483648", 2147483647},
-        {u"-2147483648", -2147483647 - 1},
-        {u"-2147483649", -2147483647 - 1},
-        {u"99999999999999999999999", 2147483647},
-        {u"-99999999999999999999999", -2147483647 - 1},
-    };
+    } cases[] = {{u"", 0},
+                 {u"12", 12},
+                 {u" \t\n\u00A0+7x", 7},
+                 {u"-3.9", -3},
+                 {u"--3", 0},
+                 {u"+ 3", 0},
+                 {u"x5", 0},
+                 {u"1e9", 1},
+                 {u"-", 0},
+                 {u"00000000000010", 10},
+                 {u"٣", 0},
+                 {u"2147483647", 2147483647},
+                 {u"2147483648", 2147483647},
+                 {u"-2147483648", -2147483647 - 1},
+                 {u"-2147483649", -2147483647 - 1},
+                 {u"99999999999999999999999", 2147483647},
+                 {u"-99999999999999999999999", -2147483647 - 1}};
     for (const auto& [text, value] : cases)
         EXPECT_EQ(value, intValue(text)) << toUtf8(text);
-}
-
-TEST(TextUnitReplacement, ReplacesEveryUnit) {
-    std::u16string text = u":a:/b\xDC3A:";
-    replaceUnit(text, u':', u'/');
-    EXPECT_EQ(u"/a//b\xDC3A/", text);
 }
 
 } // namespace

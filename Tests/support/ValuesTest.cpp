@@ -1,3 +1,4 @@
+#include "common/LogRecorder.h"
 #include "support/application/DebugLog.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/values/PropertyValue.h"
@@ -18,32 +19,30 @@ TEST(PropertyValue, LooseConversions) {
         std::int32_t integer;
         bool truth;
         std::u16string text;
-    } cases[] = {
-        {true, 1, true, u"1"},
-        {false, 0, false, u"0"},
-        {42, 42, true, u"42"},
-        {std::int64_t{-5'000'000'000}, least, true, u"-5000000000"},
-        {std::int64_t{5'000'000'000}, most, true, u"5000000000"},
-        {0, 0, false, u"0"},
-        {-2.9, -2, true, u"-2.9"},
-        {0.1, 0, true, u"0.1"},
-        {3.0, 3, true, u"3"},
-        {0.0, 0, false, u"0"},
-        {1e300, most, true, u"1e+300"},
-        {-INFINITY, least, true, u"-inf"},
-        {std::nan(""), 0, true, u"nan"},
-        {u" 12 apes", 12, true, u" 12 apes"},
-        {u"0", 0, false, u"0"},
-        {u"", 0, false, u""},
-        {u" \n", 0, false, u" \n"},
-        {u" yes", 0, true, u" yes"},
-        {u"Tern", 0, true, u"Tern"},
-        {u"no", 0, false, u"no"},
-        {PropertyDate{5}, 0, false, u""},
-        {PropertyData{{1}}, 0, false, u""},
-        {PropertyArray{1}, 0, false, u""},
-        {PropertyDictionary{{"a", 1}}, 0, false, u""},
-    };
+    } cases[] = {{true, 1, true, u"1"},
+                 {false, 0, false, u"0"},
+                 {42, 42, true, u"42"},
+                 {std::int64_t{-5'000'000'000}, least, true, u"-5000000000"},
+                 {std::int64_t{5'000'000'000}, most, true, u"5000000000"},
+                 {0, 0, false, u"0"},
+                 {-2.9, -2, true, u"-2.9"},
+                 {0.1, 0, true, u"0.1"},
+                 {3.0, 3, true, u"3"},
+                 {0.0, 0, false, u"0"},
+                 {1e300, most, true, u"1e+300"},
+                 {-INFINITY, least, true, u"-inf"},
+                 {std::nan(""), 0, true, u"nan"},
+                 {u" 12 apes", 12, true, u" 12 apes"},
+                 {u"0", 0, false, u"0"},
+                 {u"", 0, false, u""},
+                 {u" \n", 0, false, u" \n"},
+                 {u" yes", 0, true, u" yes"},
+                 {u"Tern", 0, true, u"Tern"},
+                 {u"no", 0, false, u"no"},
+                 {PropertyDate{5}, 0, false, u""},
+                 {PropertyData{{1}}, 0, false, u""},
+                 {PropertyArray{1}, 0, false, u""},
+                 {PropertyDictionary{{"a", 1}}, 0, false, u""}};
     for (const auto& [value, integer, truth, text] : cases) {
         EXPECT_EQ(integer, intValue(value)) << description(value);
         EXPECT_EQ(truth, boolValue(value)) << description(value);
@@ -75,25 +74,10 @@ TEST(PropertyValue, IsFoundByKeyAndDescribed) {
               description(dictionary));
 }
 
-class Lines : public LogSink {
-  public:
-    Lines() : former(setDebugLogSink(this)) {}
-    ~Lines() override {
-        setDebugLogIsOn(false);
-        setDebugLogSink(former);
-    }
-    void write(std::string_view line) override { all.emplace_back(line); }
-
-    std::vector<std::string> all;
-
-  private:
-    LogSink* former;
-};
-
 TEST(DebugLog, WritesOnlyWhileOnAndHeard) {
     debugLog("before any sink");
-    Lines lines;
-    EXPECT_FALSE(debugLogIsOn());
+    test::LogRecorder lines;
+    setDebugLogIsOn(false);
     debugLog("off {}", 1);
     setDebugLogIsOn(true);
     EXPECT_TRUE(debugLogIsOn());
@@ -104,7 +88,7 @@ TEST(DebugLog, WritesOnlyWhileOnAndHeard) {
     setDebugLogSink(&lines);
     setDebugLogIsOn(false);
     debugLog("off again");
-    EXPECT_EQ(std::vector<std::string>{"on 2 x"}, lines.all);
+    EXPECT_EQ(std::vector<std::string>{"on 2 x"}, lines.lines());
 }
 
 TEST(KQStringUtilities, ExpandNumberBlocks) {
@@ -141,13 +125,8 @@ TEST(KQStringUtilities, SmallMappings) {
     EXPECT_EQ(u"", Utilities::sentenceCase(u""));
     EXPECT_EQ(std::nullopt, Utilities::sentenceCase(std::nullopt));
     EXPECT_EQ(u"\U00010400x", Utilities::sentenceCase(u"\U00010400X")) << "a half of a pair has no case";
-    EXPECT_EQ(std::nullopt, Utilities::romanNumeral(4));
-    EXPECT_EQ(u"", Utilities::replaceNilWithEmptyString(std::nullopt));
-    EXPECT_EQ(u"x", Utilities::replaceNilWithEmptyString(u"x"));
     EXPECT_EQ(u"a/b/c", Utilities::replaceColonWithForwardSlash(u"a:b/c"));
     EXPECT_EQ(u"a:b:c", Utilities::replaceForwardSlashWithColon(u"a:b/c"));
-    const std::vector<std::u16string> units = {u"a", u"\xD83D", u"\xDE00", u"\u0301"};
-    EXPECT_EQ(units, Utilities::characterArrayFrom(u"a😀\u0301"));
 }
 
 } // namespace

@@ -99,6 +99,7 @@ void BaseAction::setValue(const std::optional<PropertyValue>& value, const std::
     willChangeValueForKey(key);
     willChangeValueForKey("userDescription");
     setUndefinedValue(value, key);
+    valuesHaveChanged();
     didChangeValueForKey("userDescription");
     didChangeValueForKey(key);
 }
@@ -123,6 +124,7 @@ void BaseAction::setParameterList(const PropertyDictionary& list) {
         willChangeValueForKey(key);
     for (const auto& [key, value] : cleaned)
         store(value, key);
+    valuesHaveChanged();
     for (const auto& [key, value] : PropertyDictionary(dic))
         didChangeValueForKey(key);
 }
@@ -178,14 +180,7 @@ PropertyDictionary BaseAction::cleanUpPotentiallyOldParameterList(const Property
 
 // ---- execution
 
-void BaseAction::executeWithInputContext(InputContext& input, OutputContext& output) {
-    prepare();
-    perform(input.inputPath(), output);
-}
-
-void BaseAction::perform(const std::string&) {}
-
-void BaseAction::perform(const std::string& path, OutputContext&) { perform(path); }
+void BaseAction::executeWithInputContext(InputContext&, OutputContext&) { prepare(); }
 
 std::u16string BaseAction::userDescription() const {
     return ActionList::sharedActionList().popUpMenuItemStringForName(actionName());

@@ -66,10 +66,6 @@ class BaseAction {
     }
 
     virtual void executeWithInputContext(InputContext& input, OutputContext& output);
-    virtual void perform(const std::string& path);
-    virtual void perform(const std::string& path, OutputContext& output);
-    virtual void update() {}
-    virtual void validateNow() {}
 
     /// The menu text of the action.
     [[nodiscard]] std::u16string userDescription() const;
@@ -104,6 +100,9 @@ class BaseAction {
     virtual void prepareParameters();
     /// The first composed character sequence of the text under the key, written back if it was longer.
     std::u16string limitTextFieldInputTo1Character(const std::string& key);
+
+    /// Called when new values are in place, before any observer is told.
+    virtual void valuesHaveChanged() {}
 
     /// The keys on which the observable value `key` depends.
     [[nodiscard]] virtual std::vector<std::string_view>

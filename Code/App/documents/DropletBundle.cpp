@@ -128,11 +128,11 @@ RecipeFile::Result DropletBundle::readRecipe() const {
     if (const auto* error = std::get_if<RecipeError>(&settings))
         return *error;
     const auto& root = std::get<PropertyDictionary>(settings);
-    if (!find(root, "Host Application Settings"))
+    if (!find(root, dropletKey::host))
         return RecipeError{fmt::format("{}: there is no \"Host Application Settings\"", settingsPlace)};
     // A droplet is read as one, whatever else its file may hold.
     return RecipeFile::fromPropertyList(
-        PropertyDictionary{{"Host Application Settings", *find(root, "Host Application Settings")}});
+        PropertyDictionary{{dropletKey::host, *find(root, dropletKey::host)}});
 }
 
 bool DropletBundle::isDroplet() const {
@@ -141,8 +141,7 @@ bool DropletBundle::isDroplet() const {
         return false;
     const std::variant<PropertyDictionary, RecipeError> settings = readSettings();
     const auto* root = std::get_if<PropertyDictionary>(&settings);
-    return root && isDictionary(*root, "Droplet Settings") &&
-           isDictionary(*root, "Host Application Settings");
+    return root && isDictionary(*root, dropletKey::launcher) && isDictionary(*root, dropletKey::host);
 }
 
 bool DropletBundle::holdsOnlyItsOwn() const {

@@ -52,7 +52,7 @@ std::optional<std::string> resourcesOf(const std::string& bundle) {
 }
 
 bool namesAnEdition(const PropertyDictionary& dropletSettings) {
-    const PropertyValue* location = find(dropletSettings, "default location");
+    const PropertyValue* location = find(dropletSettings, dropletKey::defaultLocation);
     const std::optional<std::u16string> path = location ? textOrData(*location) : std::nullopt;
     return path && std::ranges::any_of(editionNames, [&](std::u16string_view name) {
                return path->find(name) != std::u16string::npos;
@@ -63,14 +63,14 @@ bool namesAnEdition(const PropertyDictionary& dropletSettings) {
 std::optional<PropertyDictionary> repointedSettings(const DropletBundle& bundle) {
     std::variant<PropertyDictionary, RecipeError> settings = bundle.readSettings();
     auto* root = std::get_if<PropertyDictionary>(&settings);
-    const auto found = root ? root->find("Droplet Settings") : PropertyDictionary::iterator();
+    const auto found = root ? root->find(dropletKey::launcher) : PropertyDictionary::iterator();
     if (!root || found == root->end())
         return std::nullopt;
     PropertyDictionary* dropletSettings = found->second.asDictionary();
     if (!dropletSettings || !namesAnEdition(*dropletSettings))
         return std::nullopt;
-    dropletSettings->insert_or_assign("default location", u"/Applications/Tavrin 9.app");
-    dropletSettings->insert_or_assign("location key", u"net.calderwick.tvrn9");
+    dropletSettings->insert_or_assign(dropletKey::defaultLocation, u"/Applications/Tavrin 9.app");
+    dropletSettings->insert_or_assign(dropletKey::locationKey, u"net.calderwick.tvrn9");
     return std::move(*root);
 }
 

@@ -76,15 +76,15 @@ RecipeFile::Result recipeFromDroplet(const PropertyValue& settings, const std::s
     const PropertyDictionary* content = settings.asDictionary();
     if (!content)
         return expected(path, "a dictionary");
-    const PropertyValue* chain = find(*content, "composite action");
+    const PropertyValue* chain = find(*content, dropletKey::chain);
     if (!chain)
-        return expected(joined(path, "composite action"), "a dictionary");
-    RecipeFile::Result result = recipeFrom(*chain, joined(path, "composite action"));
-    const PropertyValue* global = find(*content, "global settings");
+        return expected(joined(path, dropletKey::chain), "a dictionary");
+    RecipeFile::Result result = recipeFrom(*chain, joined(path, dropletKey::chain));
+    const PropertyValue* global = find(*content, dropletKey::globalSettings);
     if (!global || !std::holds_alternative<Recipe>(result))
         return result;
     RecipeFile::CheckedList checked =
-        RecipeFile::checkedParameterList(*global, joined(path, "global settings"));
+        RecipeFile::checkedParameterList(*global, joined(path, dropletKey::globalSettings));
     if (auto* error = std::get_if<RecipeError>(&checked))
         return *error;
     std::get<Recipe>(result).globalSettings = std::move(std::get<PropertyDictionary>(checked));
@@ -144,8 +144,8 @@ RecipeFile::Result RecipeFile::fromPropertyList(const PropertyValue& root) {
         return recipeFrom(*list, "compositeAction");
     if (find(*content, stepsKey))
         return recipeFrom(root, "");
-    if (const PropertyValue* settings = find(*content, "Host Application Settings"))
-        return recipeFromDroplet(*settings, "Host Application Settings");
+    if (const PropertyValue* settings = find(*content, dropletKey::host))
+        return recipeFromDroplet(*settings, dropletKey::host);
     return RecipeError{"there is no recipe in it: expected \"compositeAction\", \"composite actions array\" "
                        "or \"Host Application Settings\" at the root"};
 }

@@ -9,6 +9,24 @@
 
 namespace tavrin {
 
+/// The keys of a droplet's settings file, and of the record that a droplet hands over.
+namespace dropletKey {
+inline constexpr const char* record = "droplet settings"; ///< of the user defaults
+// The file: what starts the program, and what the program is to do.
+inline constexpr const char* launcher = "Droplet Settings";
+inline constexpr const char* defaultLocation = "default location";
+inline constexpr const char* locationKey = "location key";
+inline constexpr const char* temporaryKey = "temporary settings key";
+inline constexpr const char* host = "Host Application Settings";
+// In both.
+inline constexpr const char* chain = "composite action";
+inline constexpr const char* globalSettings = "global settings";
+// The record.
+inline constexpr const char* settingsPath = "settings plist path";
+inline constexpr const char* fileList = "file list";
+inline constexpr const char* version = "Version";
+} // namespace dropletKey
+
 /// A chain of steps as a file holds it, with the global settings that come with it, if any.
 struct Recipe {
     PropertyDictionary flatParameterList;

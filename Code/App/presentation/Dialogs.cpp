@@ -1,7 +1,6 @@
 #include "presentation/Dialogs.h"
 
 #include "documents/DropletBundle.h"
-#include "engine/asking/UserPrompts.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AlertPicture.h"
 #include "presentation/dialogs/AnswerOnce.h"
@@ -204,12 +203,9 @@ void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<voi
     box->open();
 }
 
-void Dialogs::showConfirmationSheet(QWidget* parent, ConfirmationSheet sheet,
-                                    const PropertyDictionary& context,
-                                    const std::optional<std::string>& previewPath, bool thumbnails,
-                                    std::function<void(ConfirmationChoice)> answer) {
-    auto* window =
-        new ConfirmationSheetWindow(parent, sheet, context, previewPath, thumbnails, std::move(answer));
+void Dialogs::ask(QWidget* parent, const RunQuestion& question, bool thumbnails,
+                  std::function<void(ConfirmationChoice)> answer) {
+    auto* window = new ConfirmationSheetWindow(parent, question, thumbnails, std::move(answer));
     window->open();
 }
 

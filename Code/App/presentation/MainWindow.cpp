@@ -85,8 +85,8 @@ QWidget* MainWindow::buildWorkPage() {
     outerSplitter->setStretchFactor(0, 0);
     outerSplitter->setStretchFactor(1, 1);
     outerSplitter->setCollapsible(1, false);
-    steps->setMinimumWidth(static_cast<int>(MultistepPane::minimumWidth));
-    steps->setMaximumWidth(static_cast<int>(MultistepPane::maximumWidth));
+    steps->setMinimumWidth(static_cast<int>(ActionListCommands::minimumWidth));
+    steps->setMaximumWidth(static_cast<int>(ActionListCommands::maximumWidth));
     connect(outerSplitter, &QSplitter::splitterMoved, this, [this] { dividerMoved(); });
     connect(innerSplitter, &QSplitter::splitterMoved, this, [this] {
         if (innerSplitter->orientation() == Qt::Horizontal)
@@ -159,11 +159,11 @@ void MainWindow::dividerMoved() {
     if (isMovingDivider)
         return;
     const int width = outerSplitter->sizes().front();
-    if (width == 0 && !shared.controller.multistepPane().canCollapse()) {
-        setDividerPosition(MultistepPane::minimumWidth);
+    if (width == 0 && !shared.controller.actionListCommands().canCollapse()) {
+        setDividerPosition(ActionListCommands::minimumWidth);
         return;
     }
-    shared.controller.multistepPane().splitViewDidResizeSubviews(width == 0, width);
+    shared.controller.actionListCommands().splitViewDidResizeSubviews(width == 0, width);
 }
 
 void MainWindow::fillPresetMenu(const std::vector<std::u16string>& titles) {

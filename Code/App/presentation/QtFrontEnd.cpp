@@ -1,7 +1,5 @@
 #include "presentation/QtFrontEnd.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "engine/asking/UserPrompts.h"
 #include "presentation/AddressFetcher.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
@@ -52,12 +50,15 @@ void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer
     whenShown([this, dialog, answer = std::move(answer)] { Dialogs::showNotice(window, dialog, answer); });
 }
 
-void QtFrontEnd::showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
-                                       const std::optional<std::string>& previewPath,
-                                       std::function<void(ConfirmationChoice)> answer) {
+void QtFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
+    if (const std::optional<Alert> alert = alertOf(question)) {
+        showAlert(*alert, [choices = allowedAnswers(question),
+                           answer = std::move(answer)](AlertAnswer given) { answer(choices[given.button]); });
+        return;
+    }
     const bool thumbnails =
-        !window || window->services().controller.globalSettings().shouldShowQuickLookThumbnail();
-    Dialogs::showConfirmationSheet(window, sheet, context, previewPath, thumbnails, std::move(answer));
+        !window || window->services().controller.globalSettings().values().shouldShowQuickLookThumbnail;
+    Dialogs::ask(window, question, thumbnails, std::move(answer));
 }
 
 void QtFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
@@ -210,11 +211,6 @@ void QtFrontEnd::runStateChanged(bool isRunning) {
         window->setRunning(isRunning);
 }
 
-void QtFrontEnd::fillActionMenus(const std::vector<std::u16string>&, const std::vector<std::u16string>&) {
-    // The chooser reads the catalogue itself, category by category.
-    actionListChanged();
-}
-
 void QtFrontEnd::fillPresetMenu(const std::vector<std::u16string>& titles) {
     if (window)
         window->fillPresetMenu(titles);
@@ -234,17 +230,9 @@ void QtFrontEnd::showActionPanel(BaseRenameAction& action) {
     actionListChanged();
 }
 
-void QtFrontEnd::buildSplitView() {
-    // The window is made with its panes in place.
-}
-
 void QtFrontEnd::setDividerPosition(double position) {
     if (window)
         window->setDividerPosition(position);
-}
-
-void QtFrontEnd::allowFullScreen() {
-    // Windows of a desktop may always fill the screen.
 }
 
 void QtFrontEnd::centreWindow() {

@@ -23,9 +23,7 @@ class QtFrontEnd final : public FrontEnd {
 
     void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
-    void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
-                               const std::optional<std::string>& previewPath,
-                               std::function<void(ConfirmationChoice)> answer) override;
+    void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
     void withdrawQuestions() override;
     void askForFilesToAdd(const std::string& startFolder,
@@ -58,14 +56,10 @@ class QtFrontEnd final : public FrontEnd {
     void previewRequested() override;
     void previewFinished() override;
     void runStateChanged(bool isRunning) override;
-    void fillActionMenus(const std::vector<std::u16string>& actions,
-                         const std::vector<std::u16string>& categories) override;
     void fillPresetMenu(const std::vector<std::u16string>& titles) override;
     void actionListChanged() override;
     void showActionPanel(BaseRenameAction& action) override;
-    void buildSplitView() override;
     void setDividerPosition(double position) override;
-    void allowFullScreen() override;
     void centreWindow() override;
     void showWindow() override;
     void hideWindow() override;

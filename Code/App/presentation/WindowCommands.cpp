@@ -198,7 +198,7 @@ void WindowCommands::Parts::addStepsMenu() {
     add(menu, "addAction", "&Add Step", QKeySequence("Ctrl+N"), [this, &commands] {
         commands.addAction();
         // From the second step on the list of steps is worth its place.
-        if (!controller.globalSettings().shouldShowMultistepDrawer())
+        if (!controller.globalSettings().values().shouldShowMultistepDrawer)
             controller.showMultistepDrawer();
     });
     add(menu, "removeAction", "&Remove Step", {}, [&commands] { commands.removeAction(); });
@@ -363,7 +363,7 @@ void WindowCommands::refresh() {
     enable("createFileList", hasRows);
     for (const char* name : {"ok", "applyAndQuit", "applyButDontQuit"})
         enable(name, controller.isRenameButtonEnabled());
-    const bool isDrawerShown = controller.globalSettings().shouldShowMultistepDrawer() != 0;
+    const bool isDrawerShown = controller.globalSettings().values().shouldShowMultistepDrawer != 0;
     parts->actions.at("showMultistepDrawer")
         ->setText(MultiStepDrawerTransformer::transformedValue(isDrawerShown));
     enable("showMultistepDrawer", !isDrawerShown || composite.canClose());
@@ -373,7 +373,7 @@ void WindowCommands::refresh() {
     for (const std::string& key : parts->settings)
         parts->actions.at(key)->setChecked(isOn(controller.globalSettings(), key.c_str()));
     parts->actions.at("showInvisibles")->setChecked(parts->services.defaults.boolForKey("showInvisibles"));
-    parts->actions.at("manualOrder")->setChecked(!controller.globalSettings().automaticSorting());
+    parts->actions.at("manualOrder")->setChecked(!controller.globalSettings().values().automaticSorting);
 }
 
 void WindowCommands::setRunning(bool isRunning) {

@@ -1,11 +1,7 @@
 #include "engine/asking/UserQuestions.h"
 
-#include "engine/asking/AskUser.h"
 #include "engine/pipeline/ProcessingStage.h"
 #include "engine/pipeline/RenameEngine.h"
-#include "support/text/PathParts.h"
-
-#include <utility>
 
 namespace tavrin {
 
@@ -17,12 +13,8 @@ bool UserQuestions::shouldAbort() {
     return aborting;
 }
 
-template <typename Ask> ConfirmationChoice UserQuestions::ask(Ask question) {
-    return askUser(engine.host(), std::move(question));
-}
-
-UserQuestions::Decision UserQuestions::decide(ConfirmationChoice choice) {
-    switch (choice) {
+UserQuestions::Decision UserQuestions::decide(const RunQuestion& question) {
+    switch (askUser(engine.host(), question)) {
     case ConfirmationChoice::all:
         interactive = false;
         return Decision::perform;
@@ -37,24 +29,8 @@ UserQuestions::Decision UserQuestions::decide(ConfirmationChoice choice) {
     return Decision::leaveOut;
 }
 
-UserQuestions::Decision UserQuestions::confirmRename(const RenameQuestion& question) {
-    return decide(ask([question](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
-        prompts.confirmRename(question, std::move(answer));
-    }));
-}
-
-UserQuestions::Decision UserQuestions::confirmSwap(const SwapQuestion& question) {
-    return decide(ask([question](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
-        prompts.confirmSwap(question, std::move(answer));
-    }));
-}
-
 UserQuestions::Decision UserQuestions::confirmNameCycle(const NameCycleQuestion& question) {
-    Decision decision = Decision::perform;
-    if (interactive)
-        decision = decide(ask([question](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
-            prompts.confirmNameCycle(question, std::move(answer));
-        }));
+    const Decision decision = interactive ? decide(question) : Decision::perform;
     if (decision != Decision::leaveOut)
         interactive = false;
     return decision;
@@ -64,38 +40,17 @@ void UserQuestions::displayError(const std::string& title, const std::string& me
                                  const std::string& path) {
     if (!showErrorDialog || aborting)
         return errors.addError(title, message, path);
-    const ProblemReport report{title, message, path, std::string(PathParts(path).folder)};
-    const auto choice = ask([report](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
-        prompts.reportProblem(report, std::move(answer));
-    });
+    const ConfirmationChoice choice = askUser(engine.host(), ProblemReport{title, message, path});
     if (choice == ConfirmationChoice::all)
         showErrorDialog = false;
     if (choice == ConfirmationChoice::stop)
         aborting = true;
 }
 
-bool UserQuestions::continues(ConfirmationChoice choice) {
-    if (choice != ConfirmationChoice::one)
-        aborting = true;
-    return choice == ConfirmationChoice::one;
-}
-
-bool UserQuestions::confirmWithoutRecord(const std::string& reason) {
-    return continues(ask([reason](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
-        prompts.confirmWithoutRecord(reason, std::move(answer));
-    }));
-}
-
-bool UserQuestions::showITunesWarningDialog() {
-    return continues(ask([](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
-        prompts.showITunesWarning(std::move(answer));
-    }));
-}
-
-bool UserQuestions::showIPhotoWarningDialog() {
-    return continues(ask([](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
-        prompts.showIPhotoWarning(std::move(answer));
-    }));
+bool UserQuestions::continues(const RunQuestion& question) {
+    const bool goesOn = askUser(engine.host(), question) == ConfirmationChoice::one;
+    aborting |= !goesOn;
+    return goesOn;
 }
 
 } // namespace tavrin

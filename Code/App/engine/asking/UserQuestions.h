@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/asking/UserPrompts.h"
+#include "engine/asking/RunQuestion.h"
 
 #include <string>
 
@@ -23,9 +23,9 @@ class UserQuestions {
     /// Whether the run is to stop: by an answer, or because the engine was asked to. Never false again.
     [[nodiscard]] bool shouldAbort();
 
-    // Asked only while isInteractive; otherwise the step is performed.
-    Decision confirmRename(const RenameQuestion& question);
-    Decision confirmSwap(const SwapQuestion& question);
+    // To be asked only while isInteractive.
+    Decision confirmRename(const RenameQuestion& question) { return decide(question); }
+    Decision confirmSwap(const SwapQuestion& question) { return decide(question); }
     /// Unless it is left out, nobody is asked any more after this.
     Decision confirmNameCycle(const NameCycleQuestion& question);
 
@@ -34,15 +34,14 @@ class UserQuestions {
     void displayError(const std::string& title, const std::string& message, const std::string& path);
 
     /// Whether the run is to begin although it leaves no record; otherwise it stops.
-    bool confirmWithoutRecord(const std::string& reason);
+    bool confirmWithoutRecord(const std::string& reason) { return continues(NoRecordQuestion{reason}); }
     /// True for "Continue"; otherwise the run stops.
-    bool showITunesWarningDialog();
-    bool showIPhotoWarningDialog();
+    bool showITunesWarningDialog() { return continues(LibraryWarning{LibraryWarning::Library::iTunes}); }
+    bool showIPhotoWarningDialog() { return continues(LibraryWarning{LibraryWarning::Library::iPhoto}); }
 
   private:
-    template <typename Ask> ConfirmationChoice ask(Ask question);
-    Decision decide(ConfirmationChoice choice);
-    bool continues(ConfirmationChoice choice);
+    Decision decide(const RunQuestion& question);
+    bool continues(const RunQuestion& question);
 
     RenameEngine& engine;
     ProcessingStage& errors;

@@ -2,7 +2,6 @@
 
 #include "actions/CompositeRenameAction.h"
 #include "actions/SortBasedAction.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/pipeline/StageProgress.h"
@@ -65,10 +64,9 @@ bool ComputeProvisionalNamesStage::process() {
     report.item(0);
     report.numberOfItems(context->engineControl().totalNumberOfFiles);
     report.indeterminate(false);
-    const ItemFilter settings = engine.host().globalSettings().itemFilter();
-    processFiles = settings.shouldProcessFiles;
-    processFolders = settings.shouldProcessFolders;
-    filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings);
+    processFiles = settings.shouldProcessFiles != 0;
+    processFolders = settings.shouldProcessFolders != 0;
+    filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings.itemFilter());
     if (!copyActions())
         return false;
     file = std::make_unique<FileMO>(*context);
@@ -81,7 +79,7 @@ bool ComputeProvisionalNamesStage::process() {
         addError("All names stay as they are, since a step could not be made ready again", reason, "");
     if (isFirstAppliedAction)
         copyCurrentToNewName();
-    engine.computeNumberOfFilesThatNeedRenaming(*context);
+    engine.computeNumberOfFilesThatNeedRenaming(*context, settings.itemFilter());
     return true;
 }
 
@@ -122,8 +120,7 @@ void ComputeProvisionalNamesStage::processForActionIndex(int index) {
     const auto* sorted = dynamic_cast<const SortBasedAction*>(action);
     const bool byFolder = sorted && !sorted->shouldUseGlobalSorting();
     if (sorted)
-        request.order =
-            RenameEngineUtilities::orderOfModes({sorted->getSortingMode(), sorted->getSortingMode2()});
+        request.order = RenameEngineUtilities::sortDescriptorsOf(*sorted);
     for (;;) {
         if (byFolder) {
             count = 0;
@@ -197,7 +194,7 @@ void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
     context->setStageFlag(id, marker);
     if (counts && count % rowsPerCommit == 0) {
         report.describe("{} new names calculated. Committing.", count);
-        saveAndRefaultFiles();
+        saveAndRefaultObjects();
     } else {
         context->commitIfMuchIsStaged();
     }

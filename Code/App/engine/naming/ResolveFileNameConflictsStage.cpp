@@ -1,6 +1,5 @@
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/naming/NameTable.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/RenameEngine.h"
@@ -71,19 +70,18 @@ bool ResolveFileNameConflictsStage::process() {
             context->commit();
         }
     }
-    engine.computeNumberOfFilesThatNeedRenaming(*context);
+    engine.computeNumberOfFilesThatNeedRenaming(*context, settings.itemFilter());
     return true;
 }
 
 /// What is not going to be renamed comes first in a group, so that it can keep its name.
 void ResolveFileNameConflictsStage::takeSettings() {
-    const auto& settings = engine.host().globalSettings();
     const ItemFilter filter = settings.itemFilter();
     processFiles = filter.shouldProcessFiles;
     processFolders = filter.shouldProcessFolders;
     processSubfolders = filter.shouldProcessSubfolders;
-    firstUnchanged = settings.conflictResolutionDontChangeFirst();
-    scheme = settings.conflictResolutionScheme();
+    firstUnchanged = settings.conflictResolutionDontChangeFirst;
+    scheme = settings.conflictResolutionScheme;
     if (scheme < 0 || scheme >= static_cast<std::int32_t>(schemes.size()))
         scheme = defaultScheme;
     sortDescriptors.clear();
@@ -91,10 +89,11 @@ void ResolveFileNameConflictsStage::takeSettings() {
         sortDescriptors.push_back({NodeKey::treatAsFolder, true});
     else if (!processFolders)
         sortDescriptors.push_back({NodeKey::treatAsFolder, false});
-    const std::vector<SortDescriptor> byModes = RenameEngineUtilities::orderOfModes(
-        {settings.conflictResolutionOrder1(), settings.conflictResolutionOrder2(),
-         settings.conflictResolutionOrder3()});
-    sortDescriptors.insert(sortDescriptors.end(), byModes.begin(), byModes.end());
+    for (const std::int32_t mode : {settings.conflictResolutionOrder1, settings.conflictResolutionOrder2,
+                                    settings.conflictResolutionOrder3}) {
+        if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(mode))
+            sortDescriptors.push_back(*descriptor);
+    }
 }
 
 void ResolveFileNameConflictsStage::processFolder(NameTable& names, RowId folder) {

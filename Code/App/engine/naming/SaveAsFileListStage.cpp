@@ -1,6 +1,5 @@
 #include "engine/naming/SaveAsFileListStage.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/pipeline/StageProgress.h"
@@ -36,10 +35,9 @@ bool SaveAsFileListStage::process() {
     const PassMarker marker = engine.nextStageFlagCounter();
     text.clear();
     text.reserve(startingCapacity);
-    const ItemFilter settings = engine.host().globalSettings().itemFilter();
     const FetchRequest request{
         FetchEntity::file,
-        FilterManager::currentFilterPredicate(settings).with(Predicate::notMarked(marker)),
+        FilterManager::currentFilterPredicate(settings.itemFilter()).with(Predicate::notMarked(marker)),
         {{NodeKey::name, true}},
         batchSize};
     std::int32_t count = 0;

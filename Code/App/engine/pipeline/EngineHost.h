@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/asking/RunQuestion.h"
+
 #include <string>
 
 namespace tavrin {
@@ -10,7 +12,6 @@ class ProgressInfo;
 class RunLoop;
 class StoreContext;
 class TVRNGlobalPreferencesPseudoAction;
-class UserPrompts;
 
 /// What the engine needs of the application that runs it. The first group may be called from any thread, the
 /// second is called on the main thread only.
@@ -22,15 +23,17 @@ class EngineHost {
     virtual ItemStore* persistentStoreCoordinator() = 0;
     /// The main context, made on first demand; hold its mutex while using it.
     virtual StoreContext& managedObjectContext() = 0;
+    /// Any thread reads `values` alone.
     virtual TVRNGlobalPreferencesPseudoAction& globalSettings() = 0;
     virtual CompositeRenameAction& compositeAction() = 0;
     virtual ProgressInfo& progressInfo() = 0;
     virtual RunLoop& runLoop() = 0;
-    virtual UserPrompts& userPrompts() = 0;
     virtual bool isSilentDroplet() = 0;
     /// Asks for a new preview; after a switch of store, from the worker.
     virtual void updatePreview() = 0;
 
+    /// Puts a question of a run to the user and returns at once; the worker waits for the answer.
+    virtual void ask(const RunQuestion& question, const ConfirmationAnswerPointer& answer) = 0;
     /// Tells the user something that is neither a failure nor a question.
     virtual void presentNotice(const std::string& text) = 0;
     virtual void startProgressWindow() = 0;

@@ -1,7 +1,8 @@
 #include "engine/pipeline/ProcessingPipeline.h"
 
-#include "engine/asking/AskUser.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/asking/ErrorReportManager.h"
+#include "engine/asking/RunQuestion.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/ExceptionText.h"
 #include "engine/pipeline/RenameEngine.h"
@@ -36,12 +37,15 @@ class Stopwatch {
 
 } // namespace
 
-ProcessingPipeline::ProcessingPipeline(RenameEngine& owner) : ProcessingStage(owner) {}
+ProcessingPipeline::ProcessingPipeline(RenameEngine& owner) : ProcessingStage(owner) {
+    settings = owner.host().globalSettings().values();
+}
 
 ProcessingPipeline::~ProcessingPipeline() = default;
 
 void ProcessingPipeline::addStage(std::unique_ptr<ProcessingStage> stage) {
     stage->setProgressInfo(progress);
+    stage->setSettings(settings);
     stages.push_back(std::move(stage));
 }
 
@@ -159,12 +163,10 @@ bool ProcessingPipeline::moveStoreIntoMemory() {
 
 void ProcessingPipeline::giveUp() {
     EngineHost& host = engine.host();
-    static_cast<void>(askUser(host, [](UserPrompts& prompts, ConfirmationAnswerPointer answer) {
-        prompts.showPipelineFailed("Processing Pipeline Failed.",
-                                   "There was an unrecoverable error during processing.\n\nRestarting the "
-                                   "application will usually resolve such problems.",
-                                   std::move(answer));
-    }));
+    static_cast<void>(
+        askUser(host, PipelineFailure{"Processing Pipeline Failed.",
+                                      "There was an unrecoverable error during processing.\n\nRestarting the "
+                                      "application will usually resolve such problems."}));
     const std::string body =
         fmt::format("Exception caught in the {} stage of ProcessingPipeline:\n{}: {}\n{}\n\n", failure.stage,
                     failure.name, failure.reason, failure.details);

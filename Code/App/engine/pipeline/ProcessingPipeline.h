@@ -16,6 +16,7 @@ class ItemStore;
 /// Runs on a worker thread, under the engine's lock.
 class ProcessingPipeline : public ProcessingStage {
   public:
+    /// Takes the settings of the moment for the whole run.
     explicit ProcessingPipeline(RenameEngine& owner);
     ~ProcessingPipeline() override;
 
@@ -28,6 +29,7 @@ class ProcessingPipeline : public ProcessingStage {
     /// False when a stage interrupted the run or there is no store.
     bool process() override;
     [[nodiscard]] std::string className() const override { return "ProcessingPipeline"; }
+    [[nodiscard]] const Settings& settingsOfRun() const { return settings; }
     [[nodiscard]] const std::vector<std::unique_ptr<ProcessingStage>>& allStages() const { return stages; }
 
     /// Notes in the user defaults that the store failed, and that the next one is to be in memory.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "documents/Settings.h"
+
 #include <string>
 #include <string_view>
 
@@ -29,6 +31,8 @@ class ProcessingStage {
 
     /// Not owned; null means that all reports of progress do nothing.
     virtual void setProgressInfo(ProgressInfo* info) { progress = info; }
+    /// The settings that the whole run goes by.
+    void setSettings(const Settings& ofRun) { settings = ofRun; }
     /// Not owned; set by the pipeline right before `process`.
     void setManagedObjectContext(StoreContext* newContext) { context = newContext; }
 
@@ -40,10 +44,9 @@ class ProcessingStage {
 
     /// Commits and drops the values of all rows, which are read anew when asked for.
     void saveAndRefaultObjects();
-    /// The same inside a running enumeration.
-    void saveAndRefaultFiles() { saveAndRefaultObjects(); }
 
     RenameEngine& engine;
+    Settings settings;
     ProgressInfo* progress = nullptr;
     StoreContext* context = nullptr;
 };

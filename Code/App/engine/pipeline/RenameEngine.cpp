@@ -1,6 +1,5 @@
 #include "engine/pipeline/RenameEngine.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/history/NamesFromRecordStage.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/ProcessingPipeline.h"
@@ -239,10 +238,8 @@ bool RenameEngine::migrateToInMemoryStoreOnTheFly(StoreContext& context) {
     return true;
 }
 
-ItemFilter RenameEngine::itemFilter() const { return application.globalSettings().itemFilter(); }
-
-void RenameEngine::computeTotalNumberOfFilesForContext(StoreContext& context) {
-    const auto count = context.count(FetchEntity::file, FilterManager::currentFilterPredicate(itemFilter()));
+void RenameEngine::computeTotalNumberOfFilesForContext(StoreContext& context, const ItemFilter& filter) {
+    const auto count = context.count(FetchEntity::file, FilterManager::currentFilterPredicate(filter));
     context.changeEngineControl().totalNumberOfFiles = static_cast<std::int32_t>(count);
 }
 
@@ -251,17 +248,16 @@ void RenameEngine::computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext
     context.changeEngineControl().totalNumberOfFilesSelectedOrNot = static_cast<std::int32_t>(count);
 }
 
-void RenameEngine::computeNumberOfFilesThatNeedRenaming(StoreContext& context) {
-    const auto count = context.count(
-        FetchEntity::file,
-        FilterManager::currentFilterPredicate(itemFilter()).with(Predicate::isTrue(NodeKey::diff)));
+void RenameEngine::computeNumberOfFilesThatNeedRenaming(StoreContext& context, const ItemFilter& filter) {
+    const auto count =
+        context.count(FetchEntity::file,
+                      FilterManager::currentFilterPredicate(filter).with(Predicate::isTrue(NodeKey::diff)));
     context.changeEngineControl().numberOfFilesThatNeedRenaming = static_cast<std::int32_t>(count);
 }
 
-void RenameEngine::computeNumberOfFolders(StoreContext& context) {
-    const auto count = context.count(
-        FetchEntity::node,
-        FilterManager::currentFilterPredicate(itemFilter()).with(Predicate::isTrue(NodeKey::treatAsFolder)));
+void RenameEngine::computeNumberOfFolders(StoreContext& context, const ItemFilter& filter) {
+    const auto count = context.count(FetchEntity::node, FilterManager::currentFilterPredicate(filter).with(
+                                                            Predicate::isTrue(NodeKey::treatAsFolder)));
     context.changeEngineControl().numberOfFolders = static_cast<std::int32_t>(count);
 }
 

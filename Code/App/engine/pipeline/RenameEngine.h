@@ -90,10 +90,10 @@ class RenameEngine {
     [[nodiscard]] bool isStopRequested() const { return stopRequested; }
 
     // Counters of the EngineControl row of the given context.
-    void computeTotalNumberOfFilesForContext(StoreContext& context);
+    void computeTotalNumberOfFilesForContext(StoreContext& context, const ItemFilter& filter);
     void computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext& context);
-    void computeNumberOfFilesThatNeedRenaming(StoreContext& context);
-    void computeNumberOfFolders(StoreContext& context);
+    void computeNumberOfFilesThatNeedRenaming(StoreContext& context, const ItemFilter& filter);
+    void computeNumberOfFolders(StoreContext& context, const ItemFilter& filter);
 
   private:
     void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
@@ -102,7 +102,6 @@ class RenameEngine {
     void internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn);
     /// Runs the action on the main thread and waits for it.
     void onMainThread(const std::function<void(EngineHost&)>& action);
-    [[nodiscard]] ItemFilter itemFilter() const;
 
     EngineHost& application;
     HistoryPlace history;

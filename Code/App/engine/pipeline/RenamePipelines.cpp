@@ -1,8 +1,6 @@
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 #include "engine/naming/SaveAsFileListStage.h"
-#include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/ProcessingPipeline.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/planning/PrepareForRenamingStage.h"
@@ -20,7 +18,7 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
     pipeline->addStage(std::make_unique<ReadItemsIntoDatabaseStage>(*this));
     pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
     pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
-    if (application.globalSettings().shouldPreviewConflictResolution())
+    if (pipeline->settingsOfRun().shouldPreviewConflictResolution)
         pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
     return pipeline;
 }

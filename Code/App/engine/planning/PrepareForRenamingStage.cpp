@@ -21,7 +21,7 @@ constexpr std::size_t rowsPerCommit = 10000;
 
 bool PrepareForRenamingStage::process() {
     const StageProgress report(progress);
-    engine.computeNumberOfFolders(*context);
+    engine.computeNumberOfFolders(*context, settings.itemFilter());
     report.numberOfItems(context->engineControl().numberOfFolders);
     report.describe("Preparing..");
     report.indeterminate(true);
@@ -133,7 +133,7 @@ void PrepareForRenamingStage::setDepth(RowId id, std::int32_t depth) {
 
 void PrepareForRenamingStage::commitNowAndThen() {
     if (++changedRows == rowsPerCommit)
-        saveAndRefaultFiles();
+        saveAndRefaultObjects();
     else if (!context->commitIfMuchIsStaged())
         return;
     changedRows = 0;

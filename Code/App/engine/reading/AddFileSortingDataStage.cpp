@@ -1,6 +1,5 @@
 #include "engine/reading/AddFileSortingDataStage.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/pipeline/StageProgress.h"
@@ -30,9 +29,8 @@ bool AddFileSortingDataStage::process() {
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
-    const auto& settings = engine.host().globalSettings();
-    retrieveEXIFData = settings.shouldRetrieveEXIFInformation();
-    sumFolders = settings.shouldCalculateAccurateFolderSize() != 0;
+    retrieveEXIFData = settings.shouldRetrieveEXIFInformation;
+    sumFolders = settings.shouldCalculateAccurateFolderSize != 0;
     const Predicate unread = Predicate::isFalse(NodeKey::sortingInformationLoaded);
     report.numberOfItems(static_cast<std::int32_t>(context->count(FetchEntity::file, unread)));
     report.indeterminate(false);

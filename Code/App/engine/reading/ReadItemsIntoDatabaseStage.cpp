@@ -1,6 +1,5 @@
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/pipeline/StageProgress.h"
@@ -44,7 +43,7 @@ bool ReadItemsIntoDatabaseStage::process() {
         debugLog("No source items yet, interrupting pipeline");
         return false;
     }
-    shouldProcessSubfolders = engine.host().globalSettings().shouldProcessSubfolders() != 0;
+    shouldProcessSubfolders = settings.shouldProcessSubfolders != 0;
     for (const SourceItem& item : items) {
         report.describeItem([&] { return "Processing item: " + item.path; });
         readSourceItem(item);
@@ -54,7 +53,7 @@ bool ReadItemsIntoDatabaseStage::process() {
     tellWhatWasLeftOut();
     if (rowsMade > 0)
         forgetItemsRemovedSince(items);
-    engine.computeTotalNumberOfFilesForContext(*context);
+    engine.computeTotalNumberOfFilesForContext(*context, settings.itemFilter());
     engine.computeTotalNumberOfFilesSelectedOrNotForContext(*context);
     return true;
 }

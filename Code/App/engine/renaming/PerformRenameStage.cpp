@@ -22,6 +22,7 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t itemsPerBatch = 1000;
+constexpr int lionMode = 0;
 constexpr int leopardMode = 2;
 constexpr std::string_view switchedKey = "alreadySwitchedToLionModeOnce";
 
@@ -47,7 +48,7 @@ bool PerformRenameStage::process() {
 
 bool PerformRenameStage::beginJournal() {
     const HistoryPlace& place = engine.historyPlace();
-    const bool isKept = engine.host().globalSettings().shouldKeepHistory() && !place.folder.empty();
+    const bool isKept = settings.shouldKeepHistory() && !place.folder.empty();
     const bool isNeeded =
         purpose->what != RunKind::rename || context->engineControl().numberOfFilesThatNeedRenaming > 0;
     if (!isKept || !isNeeded || run->questions.shouldAbort())
@@ -94,13 +95,14 @@ void PerformRenameStage::breakOff(const std::string& reason) {
 }
 
 void PerformRenameStage::switchToLionModeOnce() {
-    TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
     UserDefaults& defaults = UserDefaults::sharedInstance();
-    if (!MacOSXVersion::isLionOrLater() || settings.getRenameMode() != leopardMode ||
+    if (!MacOSXVersion::isLionOrLater() || settings.renameMode != leopardMode ||
         defaults.boolForKey(switchedKey))
         return;
     // Settings are written on the main thread alone.
-    static_cast<void>(engine.host().runLoop().performAndWait([&] { settings.setLionMode(); }));
+    static_cast<void>(
+        engine.host().runLoop().performAndWait([&] { engine.host().globalSettings().setLionMode(); }));
+    settings.renameMode = lionMode;
     defaults.setObject(switchedKey, true);
 }
 
@@ -109,15 +111,14 @@ void PerformRenameStage::prepare() {
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
-    const TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
     const bool shouldBeInteractive =
         purpose->asks.value_or(settings.shouldInteract() && !engine.host().isSilentDroplet());
     run = std::make_unique<RenameRun>(engine, *this, *context, progress, shouldBeInteractive);
     // Who takes a run back has been warned before it.
     const bool warns = !purpose->isStrict;
     warnings =
-        std::make_unique<LibraryWarnings>(warns && settings.shouldPreventAccidentalITunesLibraryDamage(),
-                                          warns && settings.shouldPreventAccidentalIPhotoLibraryDamage());
+        std::make_unique<LibraryWarnings>(warns && settings.shouldPreventAccidentalITunesLibraryDamage,
+                                          warns && settings.shouldPreventAccidentalIPhotoLibraryDamage);
     run->filter = settings.itemFilter();
     if (purpose->isStrict) {
         run->filter = {true, true, true};
@@ -144,8 +145,7 @@ bool PerformRenameStage::performBatch(const FetchRequest& request) {
     const std::vector<RowId> items = context->fetch(request);
     if (items.empty())
         return false;
-    const TVRNGlobalPreferencesPseudoAction& settings = engine.host().globalSettings();
-    run->primitives.takeSettings(settings.getRenameMode(), settings.shouldCopyFileComments() != 0);
+    run->primitives.takeSettings(settings.renameMode, settings.shouldCopyFileComments != 0);
     for (const RowId item : items) {
         if (run->questions.shouldAbort())
             break;

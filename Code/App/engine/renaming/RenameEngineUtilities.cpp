@@ -1,5 +1,6 @@
 #include "engine/renaming/RenameEngineUtilities.h"
 
+#include "actions/SortBasedAction.h"
 #include "store/contexts/StoreContext.h"
 #include "support/application/DebugLog.h"
 
@@ -46,9 +47,9 @@ std::optional<SortDescriptor> RenameEngineUtilities::sortDescriptorForMode(int m
     return sortModes[static_cast<std::size_t>(mode)];
 }
 
-std::vector<SortDescriptor> RenameEngineUtilities::orderOfModes(std::initializer_list<std::int32_t> modes) {
+std::vector<SortDescriptor> RenameEngineUtilities::sortDescriptorsOf(const SortBasedAction& action) {
     std::vector<SortDescriptor> order;
-    for (const std::int32_t mode : modes) {
+    for (const std::int32_t mode : {action.getSortingMode(), action.getSortingMode2()}) {
         if (const auto descriptor = sortDescriptorForMode(mode))
             order.push_back(*descriptor);
     }

@@ -1,7 +1,5 @@
 #include "presentation/dialogs/ConfirmationSheetWindow.h"
 
-#include "engine/asking/UserPrompts.h"
-#include "platform/propertylists/PropertyList.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
@@ -28,6 +26,7 @@ namespace {
 constexpr int sheetWidth = 600;
 constexpr int deafMilliseconds = 300;
 
+/// The questions that have sheets, in the order in which they are told apart.
 struct Words {
     const char* name;
     const char* head;
@@ -36,7 +35,7 @@ struct Words {
     const char* leaveOut;
 };
 
-const Words& wordsOf(ConfirmationSheet sheet) {
+const Words& wordsOf(const RunQuestion& question) {
     static constexpr std::array words{
         Words{"confirmRenameWindow", "Rename this item?", "Rename &All Without Asking", "&Rename This One",
               "S&kip This One"},
@@ -46,12 +45,19 @@ const Words& wordsOf(ConfirmationSheet sheet) {
               "Rename &All Without Asking", "&Rename These", "S&kip These"},
         Words{"reportProblemWindow", "", "Continue Without &Further Reports", "&Continue", ""},
     };
-    return words[static_cast<std::size_t>(sheet)];
+    return words.at(question.index());
 }
 
-std::u16string textUnder(const PropertyDictionary& context, std::string_view key) {
-    const PropertyValue* value = find(context, key);
-    return value ? textOrData(*value).value_or(textValue(*value)) : std::u16string();
+std::u16string displayed(const std::string& bytes) { return text::fromBytes(bytes); }
+
+/// The item that a question is about; empty where it is about several.
+std::string itemOf(const RunQuestion& question) {
+    if (const auto* rename = std::get_if<RenameQuestion>(&question))
+        return rename->fullPath.value_or("");
+    if (const auto* cycle = std::get_if<NameCycleQuestion>(&question))
+        return cycle->fullPath;
+    const auto* report = std::get_if<ProblemReport>(&question);
+    return report ? report->fullPath : "";
 }
 
 /// A name with its changed parts tinted, as rich text.
@@ -87,41 +93,72 @@ MessageText* messageText(const char* name, const QString& text) {
     return message;
 }
 
-/// The folder of a path as a link that shows it in the file manager.
-QLabel* folderLink(const std::u16string& path) {
-    const std::u16string folder = path.substr(0, std::max<std::size_t>(1, path.rfind(u'/')));
-    QLabel* label =
-        textLabel("<a href='folder'>" + ShownName::of(folder, false).toHtmlEscaped() + "</a>", Qt::RichText);
+/// A folder as a link that shows it in the file manager.
+QLabel* folderLink(const std::string& folder) {
+    QLabel* label = textLabel(
+        "<a href='folder'>" + ShownName::of(displayed(folder), false).toHtmlEscaped() + "</a>", Qt::RichText);
     label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-    QObject::connect(label, &QLabel::linkActivated, label, [folder] {
-        if (const auto bytes = text::toBytes(folder))
-            FileBrowser::open(*bytes);
-    });
+    QObject::connect(label, &QLabel::linkActivated, label, [folder] { FileBrowser::open(folder); });
     return label;
 }
 
+/// What a sheet tells of its question, from the head down.
+struct Texts {
+    QVBoxLayout& column;
+    QFormLayout& form;
+    const WindowColours& colours;
+
+    void operator()(const RenameQuestion& question) const {
+        const std::u16string before = displayed(question.oldName);
+        const std::u16string after = displayed(question.newName);
+        const NameDifference difference = NameDifference::between(before, after);
+        form.addRow("From:",
+                    textLabel(tinted(before, difference.removed, colours.removedTint, colours.removedText),
+                              Qt::RichText));
+        form.addRow("To:", textLabel(tinted(after, difference.added, colours.addedTint, colours.addedText),
+                                     Qt::RichText));
+        form.addRow("In folder:", folderLink(question.path));
+    }
+    void operator()(const SwapQuestion& question) const {
+        column.addWidget(textLabel(ShownName::of(displayed(question.oldName), false) + "\n⇄\n" +
+                                       ShownName::of(displayed(question.newName), false),
+                                   Qt::PlainText));
+        column.addWidget(textLabel("Each takes the other’s name.", Qt::PlainText));
+        form.addRow("In folder:", folderLink(question.path));
+    }
+    void operator()(const NameCycleQuestion& question) const {
+        form.addRow("In folder:", folderLink(question.fullPath));
+        column.addWidget(textLabel(
+            "Each of these items takes the name of the next. They are renamed together or not at all.",
+            Qt::PlainText));
+    }
+    void operator()(const ProblemReport& report) const {
+        column.addWidget(messageText("problemMessage", toQString(displayed(report.message))));
+        form.addRow("Item:", messageText("problemItem", ShownName::of(displayed(report.fullPath), false)));
+    }
+    void operator()(const auto&) const {}
+};
+
 } // namespace
 
-ConfirmationSheetWindow::ConfirmationSheetWindow(QWidget* parent, ConfirmationSheet sheet,
-                                                 const PropertyDictionary& context,
-                                                 const std::optional<std::string>& previewPath,
+ConfirmationSheetWindow::ConfirmationSheetWindow(QWidget* parent, const RunQuestion& question,
                                                  bool thumbnails,
                                                  std::function<void(ConfirmationChoice)> handler)
     : QDialog(parent), answer(std::move(handler)) {
-    setObjectName(wordsOf(sheet).name);
+    setObjectName(wordsOf(question).name);
     setWindowTitle("Tavrin");
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::WindowModal);
     setFixedWidth(sheetWidth);
     auto* row = new QHBoxLayout;
-    if (previewPath) {
+    if (const std::string item = itemOf(question); !item.empty()) {
         auto* picture = new FilePreviewView;
-        picture->setPath(*previewPath, thumbnails);
+        picture->setPath(item, thumbnails);
         row->addWidget(picture, 0, Qt::AlignTop);
     }
     auto* texts = new QVBoxLayout;
     texts->setSpacing(8);
-    addTexts(sheet, context, *texts);
+    addTexts(question, *texts);
     texts->addStretch(1);
     row->addLayout(texts, 1);
     auto* column = new QVBoxLayout(this);
@@ -129,14 +166,13 @@ ConfirmationSheetWindow::ConfirmationSheetWindow(QWidget* parent, ConfirmationSh
     column->setSpacing(16);
     row->setSpacing(16);
     column->addLayout(row, 1);
-    addButtons(sheet, *column);
+    addButtons(question, *column);
 }
 
-void ConfirmationSheetWindow::addTexts(ConfirmationSheet sheet, const PropertyDictionary& context,
-                                       QVBoxLayout& column) {
-    const bool isProblem = sheet == ConfirmationSheet::problem;
+void ConfirmationSheetWindow::addTexts(const RunQuestion& question, QVBoxLayout& column) {
+    const auto* report = std::get_if<ProblemReport>(&question);
     QLabel* head =
-        textLabel(isProblem ? toQString(textUnder(context, "title")) : QString::fromUtf8(wordsOf(sheet).head),
+        textLabel(report ? toQString(displayed(report->title)) : QString::fromUtf8(wordsOf(question).head),
                   Qt::PlainText);
     QFont large = head->font();
     large.setPointSizeF(large.pointSizeF() * 1.2);
@@ -144,44 +180,12 @@ void ConfirmationSheetWindow::addTexts(ConfirmationSheet sheet, const PropertyDi
     head->setFont(large);
     column.addWidget(head);
     auto* form = new QFormLayout;
-    const std::u16string before = textUnder(context, "oldName");
-    const std::u16string after = textUnder(context, "newName");
-    const WindowColours& colours = WindowColours::of(palette());
-    switch (sheet) {
-    case ConfirmationSheet::rename: {
-        const NameDifference difference = NameDifference::between(before, after);
-        form->addRow("From:",
-                     textLabel(tinted(before, difference.removed, colours.removedTint, colours.removedText),
-                               Qt::RichText));
-        form->addRow("To:", textLabel(tinted(after, difference.added, colours.addedTint, colours.addedText),
-                                      Qt::RichText));
-        if (const std::u16string path = textUnder(context, "fullPath"); !path.empty())
-            form->addRow("In folder:", folderLink(path));
-        break;
-    }
-    case ConfirmationSheet::swap:
-        column.addWidget(
-            textLabel(ShownName::of(before, false) + "\n⇄\n" + ShownName::of(after, false), Qt::PlainText));
-        column.addWidget(textLabel("Each takes the other’s name.", Qt::PlainText));
-        form->addRow("In folder:", folderLink(textUnder(context, "fullPathFirst")));
-        break;
-    case ConfirmationSheet::nameCycle:
-        form->addRow("In folder:", folderLink(textUnder(context, "fullPath")));
-        column.addWidget(textLabel(
-            "Each of these items takes the name of the next. They are renamed together or not at all.",
-            Qt::PlainText));
-        break;
-    case ConfirmationSheet::problem:
-        column.addWidget(messageText("problemMessage", toQString(textUnder(context, "message"))));
-        form->addRow("Item:",
-                     messageText("problemItem", ShownName::of(textUnder(context, "fullPath"), false)));
-        break;
-    }
+    std::visit(Texts{column, *form, WindowColours::of(palette())}, question);
     column.addLayout(form);
 }
 
-void ConfirmationSheetWindow::addButtons(ConfirmationSheet sheet, QVBoxLayout& column) {
-    const Words& words = wordsOf(sheet);
+void ConfirmationSheetWindow::addButtons(const RunQuestion& question, QVBoxLayout& column) {
+    const Words& words = wordsOf(question);
     auto* row = new QHBoxLayout;
     column.addLayout(row);
     const auto addButton = [&](const char* name, const char* text, ConfirmationChoice choice) {
@@ -195,7 +199,7 @@ void ConfirmationSheetWindow::addButtons(ConfirmationSheet sheet, QVBoxLayout& c
     addButton("confirmStop", "Stop", ConfirmationChoice::stop);
     row->addStretch(1);
     const auto offer = [&](const char* name, const char* text, ConfirmationChoice choice) {
-        const auto allowed = allowedAnswers(sheet);
+        const auto allowed = allowedAnswers(question);
         return std::ranges::find(allowed, choice) == allowed.end() ? nullptr : addButton(name, text, choice);
     };
     offer("leaveOut", words.leaveOut, ConfirmationChoice::leaveOut);

@@ -4,8 +4,6 @@
 #include "shell/asking/FrontEnd.h"
 
 #include <QDialog>
-#include <optional>
-#include <string>
 
 class QVBoxLayout;
 
@@ -16,8 +14,8 @@ namespace tavrin {
 /// name is that of the question ("confirmRenameWindow" …).
 class ConfirmationSheetWindow final : public QDialog {
   public:
-    ConfirmationSheetWindow(QWidget* parent, ConfirmationSheet sheet, const PropertyDictionary& context,
-                            const std::optional<std::string>& previewPath, bool thumbnails,
+    /// `thumbnails`: the item is pictured by its content.
+    ConfirmationSheetWindow(QWidget* parent, const RunQuestion& question, bool thumbnails,
                             std::function<void(ConfirmationChoice)> answer);
 
   protected:
@@ -26,8 +24,8 @@ class ConfirmationSheetWindow final : public QDialog {
     void done(int result) override;
 
   private:
-    void addTexts(ConfirmationSheet sheet, const PropertyDictionary& context, QVBoxLayout& column);
-    void addButtons(ConfirmationSheet sheet, QVBoxLayout& column);
+    void addTexts(const RunQuestion& question, QVBoxLayout& column);
+    void addButtons(const RunQuestion& question, QVBoxLayout& column);
     void give(ConfirmationChoice choice);
 
     AnswerOnce<ConfirmationChoice> answer;

@@ -163,7 +163,7 @@ void PreviewPane::Parts::listenToSettings() {
 }
 
 void PreviewPane::Parts::applyRowHeight() {
-    const bool hasThumbnails = controller.globalSettings().shouldShowQuickLookThumbnail();
+    const bool hasThumbnails = controller.globalSettings().values().shouldShowQuickLookThumbnail;
     const int plain = view->fontMetrics().height() + 8;
     view->verticalHeader()->setDefaultSectionSize(hasThumbnails ? std::max(plain, thumbnailRowHeight)
                                                                 : plain);

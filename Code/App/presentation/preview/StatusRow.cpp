@@ -74,7 +74,7 @@ void StatusRow::addOrderButtons() {
         button->setAutoExclusive(true);
         layout()->addWidget(button);
         connect(button, &QToolButton::clicked, this, [&settings, isAutomatic] {
-            if (settings.automaticSorting() != isAutomatic)
+            if (settings.values().automaticSorting != isAutomatic)
                 settings.setAutomaticSorting(isAutomatic);
         });
         return button;

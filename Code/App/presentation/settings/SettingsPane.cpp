@@ -105,7 +105,7 @@ QWidget* SettingsPane::Parts::makeHeadRow() {
     ActionListCommands& commands = services.controller.actionListCommands();
     QObject::connect(addStepButton, &QToolButton::clicked, row, [this, &commands] {
         commands.addAction();
-        if (!services.controller.globalSettings().shouldShowMultistepDrawer())
+        if (!services.controller.globalSettings().values().shouldShowMultistepDrawer)
             services.controller.showMultistepDrawer();
     });
     QObject::connect(reset, &QToolButton::clicked, row, [&commands] { commands.resetToDefaults(); });

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "documents/DropletRequest.h"
+#include "documents/DropletHandOver.h"
 
 #include <optional>
 

@@ -2,7 +2,6 @@
 
 #include "actions/CompositeRenameAction.h"
 #include "actions/SortBasedAction.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/history/TakeBack.h"
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/pipeline/RenameEngine.h"
@@ -30,11 +29,10 @@ ConfirmationFlow::~ConfirmationFlow() { *self = nullptr; }
 
 void ConfirmationFlow::ok() {
     units.preview.firePendingPreview();
-    executeRenameAndQuit(services.settings.shouldQuitAfterRename() != 0);
+    executeRenameAndQuit(services.settings.values().shouldQuitAfterRename != 0);
 }
 
 void ConfirmationFlow::executeRenameAndQuit(bool quit) {
-    units.commands.updateAll();
     if (services.mode != OperationMode::dropletEdit) {
         applyCurrentSettings(quit);
         return;
@@ -54,7 +52,7 @@ void ConfirmationFlow::applyCurrentSettings(bool quit, std::function<void(bool)>
         then(false);
         return;
     }
-    if (!services.settings.shouldProcessFiles() && !services.settings.shouldProcessFolders()) {
+    if (!services.settings.values().shouldProcessFiles && !services.settings.values().shouldProcessFolders) {
         units.notices.showInconsistentSettingsDialog(
             [this, then](int choice) { settingsAreInconsistent(choice, then); });
         return;
@@ -76,7 +74,7 @@ void ConfirmationFlow::settingsAreInconsistent(int choice, const std::function<v
 void ConfirmationFlow::startRun(bool quit) {
     if (quit)
         services.engine.processRenamingPipelineThenQuit(services.progress);
-    else if (services.settings.shouldContinueAfterRename())
+    else if (services.settings.values().shouldContinueAfterRename)
         services.engine.processRenamingPipelineThenContinue(services.progress);
     else
         services.engine.processRenamingPipelineThenClearList(services.progress);
@@ -111,7 +109,7 @@ void ConfirmationFlow::stopProgressWindow() {
     debugLog("--- stopProgressWindow");
     setCurrentlyShowingProgressTab(false);
     services.frontEnd.selectMainTab(MainTab::interface);
-    if (services.settings.shouldContinueAfterRename()) {
+    if (services.settings.values().shouldContinueAfterRename) {
         services.frontEnd.selectPreviewTab(PreviewTab::progressBar);
         services.progress.forceUpdate();
     } else {
@@ -129,6 +127,35 @@ void ConfirmationFlow::setCurrentlyShowingProgressTab(bool isShowing) {
     const bool before = std::exchange(isShowingProgress, isShowing);
     services.frontEnd.runStateChanged(isShowing);
     units.preview.observeValueForKeyPath("currentlyShowingProgressTab", nullptr, before, isShowing);
+}
+
+// ---- the questions of a run
+
+void ConfirmationFlow::ask(const RunQuestion& question, const ConfirmationAnswerPointer& answer) {
+    if (const auto choice = answerWithoutUser(question))
+        answer->give(*choice);
+    else
+        services.frontEnd.ask(question, [answer](ConfirmationChoice given) { answer->give(given); });
+}
+
+std::optional<ConfirmationChoice> ConfirmationFlow::answerWithoutUser(const RunQuestion& question) const {
+    using enum ConfirmationChoice;
+    if (std::holds_alternative<PipelineFailure>(question))
+        return std::nullopt;
+    if (std::holds_alternative<NoRecordQuestion>(question)) // nobody sits before a silent droplet
+        return services.isSilentDroplet() ? std::optional(one) : std::nullopt;
+    // A run that is being stopped asks nothing more, but tells what fails; unless nobody is left to be told.
+    if (services.engine.isStopRequested() &&
+        (!std::holds_alternative<ProblemReport>(question) || tellInstead))
+        return stop;
+    if (const auto* warning = std::get_if<LibraryWarning>(&question)) {
+        const Settings settings = services.settings.values();
+        const bool isWarned = warning->library == LibraryWarning::Library::iTunes
+                                  ? settings.shouldPreventAccidentalITunesLibraryDamage
+                                  : settings.shouldPreventAccidentalIPhotoLibraryDamage;
+        return isWarned ? std::nullopt : std::optional(one);
+    }
+    return std::nullopt;
 }
 
 // ---- the end of a run
@@ -176,12 +203,12 @@ void ConfirmationFlow::tellEnd(const RunResult& result) {
                          result.notRenamed > 0 ? fmt::format(" {}", notRenamedText(result.notRenamed)) : ""));
         return;
     }
-    if (services.mode == OperationMode::dropletRun && services.settings.shouldCreateSilentDroplets())
+    if (services.isSilentDroplet())
         return;
     if (!result.errors.empty()) {
         const std::string done = wasCut ? result.summary() + " " + details : result.summary();
         services.frontEnd.showProcessingErrors({result.errors, result.notRenamed, done}, reportIsOpen());
-    } else if (services.settings.shouldShowSummary() || isWindowClosed) {
+    } else if (services.settings.values().shouldShowSummary() || isWindowClosed) {
         if (result.notRenamed > 0)
             details += (details.empty() ? "" : " ") + notRenamedText(result.notRenamed);
         services.frontEnd.showAlert({.kind = AlertKind::summary,

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "engine/asking/UserPrompts.h"
+#include "engine/asking/RunQuestion.h"
 #include "shell/asking/NoticeDialogs.h"
 #include "shell/commands/ShellServices.h"
-#include "support/values/PropertyValue.h"
 
 #include <functional>
 #include <memory>
@@ -21,7 +20,7 @@ class StoreOwner;
 
 /// What stands between the click on the rename button and the end of the run: the checks before it, the
 /// questions during it, the report after it. Main thread.
-class ConfirmationFlow : public UserPrompts {
+class ConfirmationFlow {
   public:
     struct Units {
         StoreOwner& store;
@@ -32,7 +31,9 @@ class ConfirmationFlow : public UserPrompts {
     };
     /// `terminate` ends the application at once.
     ConfirmationFlow(ShellServices& shared, Units otherUnits, std::function<void()> terminate);
-    ~ConfirmationFlow() override;
+    ~ConfirmationFlow();
+    ConfirmationFlow(const ConfirmationFlow&) = delete;
+    ConfirmationFlow& operator=(const ConfirmationFlow&) = delete;
 
     void setDropletSettingsPath(std::string path) { dropletSettingsPath = std::move(path); }
 
@@ -53,20 +54,8 @@ class ConfirmationFlow : public UserPrompts {
     void interruptProgressWindow();
     [[nodiscard]] bool currentlyShowingProgressTab() const { return isShowingProgress; }
 
-    // --- Questions of a run ---
-    void confirmRename(const RenameQuestion& question, ConfirmationAnswerPointer answer) override;
-    void confirmSwap(const SwapQuestion& question, ConfirmationAnswerPointer answer) override;
-    void confirmNameCycle(const NameCycleQuestion& question, ConfirmationAnswerPointer answer) override;
-    void reportProblem(const ProblemReport& report, ConfirmationAnswerPointer answer) override;
-    void showITunesWarning(ConfirmationAnswerPointer answer) override;
-    void showIPhotoWarning(ConfirmationAnswerPointer answer) override;
-    void confirmWithoutRecord(const std::string& reason, ConfirmationAnswerPointer answer) override;
-    void showPipelineFailed(const std::string& title, const std::string& text,
-                            ConfirmationAnswerPointer answer) override;
-    /// What the sheets display: written per question, old keys stay until they are overwritten.
-    [[nodiscard]] const PropertyDictionary& confirmationDialogContext() const { return dialogContext; }
-    /// The user's answer to the last question, as a number of ConfirmationChoice.
-    [[nodiscard]] int confirmationDialogChoice() const { return dialogChoice; }
+    /// Puts a question of the run to the user, or answers it where nobody is to be asked.
+    void ask(const RunQuestion& question, const ConfirmationAnswerPointer& answer);
 
     // --- The end of a run ---
     void showCompletionDialog();
@@ -84,8 +73,6 @@ class ConfirmationFlow : public UserPrompts {
     bool stopRun(std::function<void(const std::string& report)> tell);
 
   private:
-    using SharedAnswer = std::shared_ptr<ConfirmationAnswer>;
-
     struct RunResult;
     [[nodiscard]] RunResult resultOfRun();
     void tellEnd(const RunResult& result);
@@ -93,10 +80,7 @@ class ConfirmationFlow : public UserPrompts {
     void stopNow();
     void settingsAreInconsistent(int choice, const std::function<void(bool)>& then);
     void setCurrentlyShowingProgressTab(bool isShowing);
-    void showSheet(ConfirmationSheet sheet, const std::optional<std::string>& previewPath,
-                   ConfirmationAnswerPointer answer);
-    void showLibraryWarning(bool shouldWarn, AlertKind kind, ConfirmationAnswerPointer answer);
-    void giveAnswer(const SharedAnswer& answer, ConfirmationChoice choice);
+    [[nodiscard]] std::optional<ConfirmationChoice> answerWithoutUser(const RunQuestion& question) const;
     /// Something that tells, once, that a report is closed: when called or when dropped.
     std::function<void()> reportIsOpen();
 
@@ -108,8 +92,6 @@ class ConfirmationFlow : public UserPrompts {
     bool isReportDue = false; ///< a run is under way, or has ended and is not reported yet
     bool isWindowClosed = false;
     std::function<void(const std::string&)> tellInstead; ///< takes the place of the report
-    PropertyDictionary dialogContext;
-    int dialogChoice = 0;
     int openReports = 0;
     bool isTerminationDue = false;
     std::shared_ptr<ConfirmationFlow*> self; ///< emptied at the end, for handlers that outlive this

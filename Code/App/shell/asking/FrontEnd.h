@@ -1,13 +1,11 @@
 #pragma once
 
-#include "engine/asking/UserPrompts.h"
+#include "engine/asking/RunQuestion.h"
 #include "store/contexts/SmallEntities.h"
-#include "support/values/PropertyValue.h"
 
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,14 +20,11 @@ enum class AlertKind {
     filesNotAdded,
     itemsNotRemoved,
     manualSorting,
-    iTunesWarning,
-    iPhotoWarning,
-    noRecord,
+    runQuestion,
     interruptedRun,
     nothingToTakeBack,
     summary,
     fileListSaved,
-    pipelineFailed,
     dropletLocked,
     dropletNotCreated,
     dropletIsSilent,
@@ -78,12 +73,9 @@ struct NoticeAnswer {
     bool doNotShowAgain = false;
 };
 
-/// The questions of a running rename.
-enum class ConfirmationSheet { rename, swap, nameCycle, problem };
-
-/// The answers that a question allows, the one that a front end proposes first; no front end offers another.
-/// After a failure there is nothing to leave out.
-[[nodiscard]] std::span<const ConfirmationChoice> allowedAnswers(ConfirmationSheet sheet);
+/// A question of a run in the words of an alert, whose buttons stand for the answers that it allows, in their
+/// order; absent for those that a front end words itself.
+[[nodiscard]] std::optional<Alert> alertOf(const RunQuestion& question);
 
 /// What to tell at the end of a run in which items kept their names against the plan.
 struct FailureReport {
@@ -150,11 +142,8 @@ class FrontEnd {
     // --- Asking ---
     virtual void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) = 0;
     virtual void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) = 0;
-    /// `context` holds what the sheet displays, under the keys of the question; `previewPath` is the file to
-    /// picture, if any.
-    virtual void showConfirmationSheet(ConfirmationSheet sheet, const PropertyDictionary& context,
-                                       const std::optional<std::string>& previewPath,
-                                       std::function<void(ConfirmationChoice)> answer) = 0;
+    /// A question of a run. The answer is one that it allows; a handler that is dropped stands for "stop".
+    virtual void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) = 0;
     virtual void showProcessingErrors(const FailureReport& report, std::function<void()> closed) = 0;
     /// Closes the questions of a run that are open, as answered with "stop".
     virtual void withdrawQuestions() {}
@@ -206,17 +195,13 @@ class FrontEnd {
     virtual void previewFinished() {}
     /// A run has begun or ended; commands are off during a run.
     virtual void runStateChanged(bool /*isRunning*/) {}
-    virtual void fillActionMenus(const std::vector<std::u16string>& /*actions*/,
-                                 const std::vector<std::u16string>& /*categories*/) {}
     virtual void fillPresetMenu(const std::vector<std::u16string>& /*titles*/) {}
     /// The steps of the chain, or which is current, may have changed.
     virtual void actionListChanged() {}
     /// Brings the panel of an action up and gives it the input focus. The action lives as long as its step.
     virtual void showActionPanel(BaseRenameAction&) {}
-    virtual void buildSplitView() {}
     /// Where the list of steps ends, in points from the left; 0 hides it.
     virtual void setDividerPosition(double) {}
-    virtual void allowFullScreen() {}
     virtual void centreWindow() {}
     virtual void showWindow() {}
     virtual void hideWindow() {}

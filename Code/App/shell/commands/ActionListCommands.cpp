@@ -2,12 +2,16 @@
 
 #include "actions/CompositeRenameAction.h"
 #include "actions/SortBasedAction.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "shell/asking/FrontEnd.h"
+
+#include <algorithm>
 
 namespace tavrin {
 
 namespace {
+
+constexpr const char* positionKey = "actionListSeparatorPosition";
 
 const Alert noActiveActions{
     .kind = AlertKind::noActiveActions,
@@ -25,7 +29,7 @@ const Alert noActiveActions{
 void ActionListCommands::activateView() {
     BaseRenameAction& action = services.composite.getCurrentAction();
     services.frontEnd.showActionPanel(action);
-    if (services.settings.automaticSorting())
+    if (services.settings.values().automaticSorting)
         return;
     if (auto* sortBased = dynamic_cast<SortBasedAction*>(&action))
         sortBased->activateManualSorting();
@@ -39,8 +43,6 @@ bool ActionListCommands::validateActionList() {
     services.frontEnd.showAlert(noActiveActions, [](AlertAnswer) {});
     return false;
 }
-
-void ActionListCommands::updateAll() { services.composite.getCurrentAction().validateNow(); }
 
 void ActionListCommands::addAction() {
     const BaseRenameAction& current = services.composite.getCurrentAction();
@@ -106,5 +108,39 @@ void ActionListCommands::resetToDefaults() {
     BaseRenameAction& action = services.composite.getCurrentAction();
     action.setParameterList(action.defaultParameters());
 }
+
+// ---- the list at the left
+
+void ActionListCommands::restoreMultistepDrawer() {
+    moveDivider(0);
+    if (services.settings.values().shouldShowMultistepDrawer)
+        moveDivider(storedPosition());
+}
+
+void ActionListCommands::showMultistepDrawer() {
+    const bool isShown = services.settings.values().shouldShowMultistepDrawer != 0;
+    moveDivider(isShown ? 0 : storedPosition());
+    services.settings.setShowMultistepDrawer(isShown ? 0 : 1);
+}
+
+bool ActionListCommands::canCollapse() const { return services.composite.count() == 1; }
+
+void ActionListCommands::splitViewDidResizeSubviews(bool isCollapsed, double width) {
+    if (flagSuspendSplitViewPositionSaving)
+        return;
+    const bool isShown = services.settings.values().shouldShowMultistepDrawer != 0;
+    if (isShown == isCollapsed)
+        services.settings.setShowMultistepDrawer(isCollapsed ? 0 : 1);
+    if (!isCollapsed)
+        services.defaults.setObject(positionKey, std::max(width, minimumWidth));
+}
+
+void ActionListCommands::moveDivider(double position) {
+    flagSuspendSplitViewPositionSaving = true;
+    services.frontEnd.setDividerPosition(position);
+    flagSuspendSplitViewPositionSaving = false;
+}
+
+double ActionListCommands::storedPosition() const { return services.defaults.floatForKey(positionKey); }
 
 } // namespace tavrin

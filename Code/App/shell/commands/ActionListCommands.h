@@ -16,8 +16,6 @@ class ActionListCommands {
     void activateView();
     /// Whether any step takes part in a run; says so to the user when none does.
     bool validateActionList();
-    /// Validates what is being typed.
-    void updateAll();
 
     /// A copy of the current step behind it, which becomes the current one.
     void addAction();
@@ -33,10 +31,27 @@ class ActionListCommands {
     void chooseAction(std::int32_t menuIndex);
     void resetToDefaults();
     /// Kept for interfaces that ask for it; whether files can be removed is asked elsewhere.
-    [[nodiscard]] bool canRemoveAction() const { return false; }
+    [[nodiscard]] static bool canRemoveAction() { return false; }
+
+    // The list of steps at the left: whether it shows, and how wide. Widths are in points.
+    static constexpr double minimumWidth = 150;
+    static constexpr double maximumWidth = 300;
+    /// At the start: hidden, or as wide as it was last.
+    void restoreMultistepDrawer();
+    /// Hides the list if it shows, and the reverse.
+    void showMultistepDrawer();
+    /// Hiding the list is offered only while there is a single step.
+    [[nodiscard]] bool canCollapse() const;
+    /// The user has moved the divider (or the front end tells of a move that came from here: that is
+    /// ignored).
+    void splitViewDidResizeSubviews(bool isCollapsed, double width);
 
   private:
+    void moveDivider(double position);
+    [[nodiscard]] double storedPosition() const;
+
     ShellServices& services;
+    bool flagSuspendSplitViewPositionSaving = false;
 };
 
 } // namespace tavrin

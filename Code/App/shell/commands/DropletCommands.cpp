@@ -63,12 +63,13 @@ DropletCommands::DropletCommands(ShellServices& shared, Units otherUnits, const 
     : services(shared), units(otherUnits), writer(location) {}
 
 PropertyDictionary DropletCommands::createDropletPropertyList() const {
-    return {{"Droplet Settings", PropertyDictionary{{"default location", u"/Applications/Tavrin 9.app"},
-                                                    {"location key", u"net.calderwick.tvrn9"},
-                                                    {"temporary settings key", u"droplet settings"}}},
-            {"Host Application Settings",
-             PropertyDictionary{{"composite action", services.composite.getFlatParameterList()},
-                                {"global settings", services.settings.parameterList()}}}};
+    return {{dropletKey::launcher,
+             PropertyDictionary{{dropletKey::defaultLocation, u"/Applications/Tavrin 9.app"},
+                                {dropletKey::locationKey, u"net.calderwick.tvrn9"},
+                                {dropletKey::temporaryKey, u"droplet settings"}}},
+            {dropletKey::host,
+             PropertyDictionary{{dropletKey::chain, services.composite.getFlatParameterList()},
+                                {dropletKey::globalSettings, services.settings.parameterList()}}}};
 }
 
 void DropletCommands::createDroplet() {
@@ -89,13 +90,12 @@ void DropletCommands::askForPlace() {
 }
 
 void DropletCommands::createDropletAt(const std::string& chosenPath) {
-    units.commands.updateAll();
     const auto error = writer.writeDropletWithDictionary(createDropletPropertyList(),
                                                          DropletBundle::forChosenPath(chosenPath).path());
     if (error) {
         debugLog("no droplet: {}", *error);
         services.frontEnd.showAlert(notCreatedAlert, [](AlertAnswer) {});
-    } else if (services.settings.shouldCreateSilentDroplets() != 0) {
+    } else if (services.settings.values().shouldCreateSilentDroplets != 0) {
         services.frontEnd.showAlert(isSilentAlert, [](AlertAnswer) {});
     }
 }

@@ -76,8 +76,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
       missingTagNotice(
           environment.runLoop,
           [this](std::function<void()> gone) { notices.showTagNotPresentDialog(std::move(gone)); }),
-      tagLibrary(&missingTagNotice), pane(services), longRunCheck(services),
-      droplets(services, {listCommands, notices}, options.location),
+      tagLibrary(&missingTagNotice), droplets(services, {listCommands, notices}, options.location),
       confirmation(services, {store, listCommands, preview, notices, droplets}, [this] { terminateNow(); }),
       takeBacks(services, {preview, confirmation}),
       migration(services, presets,
@@ -85,8 +84,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
       updates(services, {.mayInterrupt = [this] { return validateUserInterfaceItem() && !engine.isBusy(); },
                          .now = secondsSince2001}),
       startSequence(services,
-                    {presets, listCommands, preview, sources, notices, confirmation, pane, longRunCheck,
-                     droplets, mode, *this},
+                    {presets, listCommands, preview, sources, notices, confirmation, droplets, mode, *this},
                     {options.location, options.usesUserFolders, [this] { terminate(); }}),
       engine(*this) {
     registered = this;
@@ -94,7 +92,6 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
     debugManager.awakeFromNib();
     logStart();
     engine.setHistoryPlace(options.history);
-    settings.setRunLoop(&environment.runLoop);
     environment.actionList.setRunLoop(&environment.runLoop);
     environment.actionList.setObserver(this);
     preview.setFollowsChanges(options.followsChanges);
@@ -134,7 +131,6 @@ void MainController::applicationDidFinishLaunching() {
 bool MainController::applicationShouldTerminate() {
     debugLog("Terminating.");
     debugLog("++++++++++++++++++++++++++++++");
-    listCommands.updateAll();
     // Before the start is over there is nothing of the user's to save, and what is stored would be lost.
     if (mode == OperationMode::normal && hasFinishedInitializing())
         saveUserDefaults();
@@ -151,7 +147,6 @@ void MainController::terminateNow() {
 void MainController::cancel() {
     if (!listCommands.validateActionList())
         return;
-    listCommands.updateAll();
     terminate();
 }
 
@@ -179,10 +174,6 @@ void MainController::revealReport(const std::string& path) { environment.frontEn
 void MainController::showHelpAnchor(std::string_view anchor) { environment.frontEnd.showHelp(anchor); }
 
 // ---- modes and states
-
-bool MainController::isSilentDroplet() {
-    return mode == OperationMode::dropletRun && settings.shouldCreateSilentDroplets() != 0;
-}
 
 bool MainController::isRenameButtonEnabled() { return isInDropletEditMode() || !preview.isPreviewEmpty(); }
 
@@ -217,8 +208,8 @@ void MainController::applyPreset(std::size_t index) {
     if (const PresetOutcome outcome = presets.applyPresetAtIndex(index); !outcome)
         presentError("The preset can't be used. " + *outcome.error);
     environment.frontEnd.actionListChanged();
-    if (composite.count() >= 2 && !settings.shouldShowMultistepDrawer())
-        pane.showMultistepDrawer();
+    if (composite.count() >= 2 && !settings.values().shouldShowMultistepDrawer)
+        listCommands.showMultistepDrawer();
 }
 
 void MainController::updatePresetsMenu() { environment.frontEnd.fillPresetMenu(presets.getPresetTitles()); }

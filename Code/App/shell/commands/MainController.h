@@ -18,11 +18,8 @@
 #include "shell/commands/SourceCommands.h"
 #include "shell/commands/TakeBackCommands.h"
 #include "shell/preview/DNDArrayController.h"
-#include "shell/preview/LongRunCheck.h"
 #include "shell/preview/PreviewControl.h"
 #include "shell/start/MigrationCommands.h"
-#include "shell/start/MultistepPane.h"
-#include "shell/start/OperationMode.h"
 #include "shell/start/StartSequence.h"
 #include "shell/start/StoreOwner.h"
 #include "shell/start/UpdateCheck.h"
@@ -113,7 +110,7 @@ class MainController : public EngineHost, public ActionObserver {
     /// Applies a preset of the menu. A preset that is no good is told to the user and changes nothing.
     void applyPreset(std::size_t index);
     void updatePresetsMenu();
-    void showMultistepDrawer() { pane.showMultistepDrawer(); }
+    void showMultistepDrawer() { listCommands.showMultistepDrawer(); }
     void showHelpAnchor(std::string_view anchor);
 
     void migratePresets() { migration.migratePresets(); }
@@ -131,7 +128,6 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] SourceCommands& sourceCommands() { return sources; }
     [[nodiscard]] DNDArrayController& dndArrayController() { return dragging; }
     [[nodiscard]] ConfirmationFlow& confirmationFlow() { return confirmation; }
-    [[nodiscard]] MultistepPane& multistepPane() { return pane; }
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
     [[nodiscard]] StoreOwner& storeOwner() { return store; }
     [[nodiscard]] UpdateCheck& updateCheck() { return updates; }
@@ -144,8 +140,10 @@ class MainController : public EngineHost, public ActionObserver {
     CompositeRenameAction& compositeAction() override { return composite; }
     ProgressInfo& progressInfo() override { return progress; }
     RunLoop& runLoop() override { return environment.runLoop; }
-    UserPrompts& userPrompts() override { return confirmation; }
-    bool isSilentDroplet() override;
+    bool isSilentDroplet() override { return services.isSilentDroplet(); }
+    void ask(const RunQuestion& question, const ConfirmationAnswerPointer& answer) override {
+        confirmation.ask(question, answer);
+    }
     void updatePreview() override;
     void startProgressWindow() override { confirmation.startProgressWindow(); }
     void stopProgressWindow() override { confirmation.stopProgressWindow(); }
@@ -199,8 +197,6 @@ class MainController : public EngineHost, public ActionObserver {
     NoticeDialogs notices;
     MissingTagNotice missingTagNotice;
     TagLibraryHelper tagLibrary;
-    MultistepPane pane;
-    LongRunCheck longRunCheck;
     DropletCommands droplets;
     ConfirmationFlow confirmation;
     TakeBackCommands takeBacks;

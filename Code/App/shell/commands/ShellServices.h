@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/start/OperationMode.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 
 #include <atomic>
 
@@ -13,8 +13,14 @@ class ProgressInfo;
 class RenameEngine;
 class RunLoop;
 class SourceItemManager;
-class TVRNGlobalPreferencesPseudoAction;
 class UserDefaults;
+
+/// How this process runs; decided once at the start.
+enum class OperationMode : int {
+    normal = 0,
+    dropletRun = 1,  ///< a droplet was given files: rename and quit, without a window
+    dropletEdit = 2, ///< a droplet was opened: the settings go back into it
+};
 
 /// What the units of the shell work with; all of it outlives them.
 struct ShellServices {
@@ -28,6 +34,11 @@ struct ShellServices {
     RenameEngine& engine;
     SourceItemManager& sourceItems;
     const std::atomic<OperationMode>& mode; ///< decided during the start
+
+    /// Whether a droplet runs before which nobody sits.
+    [[nodiscard]] bool isSilentDroplet() const {
+        return mode == OperationMode::dropletRun && settings.values().shouldCreateSilentDroplets != 0;
+    }
 };
 
 } // namespace tavrin

@@ -1,6 +1,5 @@
 #include "shell/commands/SourceCommands.h"
 
-#include "actions/CompositeRenameAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "shell/asking/FrontEnd.h"
@@ -165,7 +164,6 @@ void SourceCommands::clearList() {
     if (!services.engine.isBusy())
         store.releaseRetired();
     services.frontEnd.previewListChanged();
-    services.composite.getCurrentAction().validateNow();
     preview.initiateDelayedPreviewUpdate();
 }
 

@@ -5,6 +5,7 @@
 #include "store/rows/NodeRow.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -32,7 +33,9 @@ class SourceCommands {
     void clearList();
     /// Has everything read anew.
     void reloadPreview();
-    /// Does at once what is left to add and to remove.
+    /// Begins other work on the rows, which is done in its turn.
+    void begin(SlicedWork::Step step) { work.begin(std::move(step)); }
+    /// Does at once what is left to do.
     void finishWork() { work.finish(); }
 
   private:

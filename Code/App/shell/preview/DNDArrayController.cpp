@@ -1,6 +1,5 @@
 #include "shell/preview/DNDArrayController.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/commands/SourceCommands.h"
 #include "shell/preview/PreviewControl.h"
@@ -8,14 +7,11 @@
 #include "store/contexts/StoreContext.h"
 #include "store/paging/StoreError.h"
 #include "support/application/DebugLog.h"
-#include "support/text/Text.h"
-
-#include <fmt/ranges.h>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <mutex>
-#include <unordered_set>
 #include <utility>
 
 namespace tavrin {
@@ -28,41 +24,35 @@ const Alert someItemsNotRemoved{.kind = AlertKind::itemsNotRemoved,
                                 .text = "Items in subfolders cannot be removed individually.",
                                 .buttons = {"OK"}};
 
-/// Indexes of the rows among these in ascending order, those that are gone left out.
-std::vector<std::size_t> indexesOf(const std::vector<RowId>& wanted, const std::vector<RowId>& rows) {
-    const std::unordered_set<RowId> isWanted(wanted.begin(), wanted.end());
-    std::vector<std::size_t> indexes;
-    for (std::size_t index = 0; index < rows.size(); ++index)
-        if (isWanted.contains(rows[index]))
-            indexes.push_back(index);
-    return indexes;
+constexpr std::size_t idsAtOnce = 10000;
+
+/// A mark for each row that may be in a list, so that long lists are walked just once.
+std::vector<bool> marksOf(const std::vector<RowId>& ids) {
+    std::vector<bool> marks(ids.empty() ? 0 : std::size_t{std::ranges::max(ids)} + 1);
+    for (const RowId id : ids)
+        marks[id] = true;
+    return marks;
 }
 
 /// The rows in their new order: those in front of the place, the moved ones, and those behind.
-std::vector<RowId> rearranged(const std::vector<RowId>& rows, const std::vector<std::size_t>& moved,
+std::vector<RowId> rearranged(const std::vector<RowId>& rows, const std::vector<RowId>& moved,
                               std::size_t place) {
+    const std::vector<bool> marks = marksOf(moved);
+    const auto isMoved = [&](RowId id) { return id < marks.size() && marks[id]; };
+    const auto middle = rows.begin() + static_cast<std::ptrdiff_t>(place);
     std::vector<RowId> result;
     result.reserve(rows.size());
-    const auto isMoved = [&](std::size_t index) { return std::ranges::binary_search(moved, index); };
-    const auto append = [&](std::size_t from, std::size_t to) {
-        for (std::size_t index = from; index < to; ++index)
-            if (!isMoved(index))
-                result.push_back(rows[index]);
-    };
-    append(0, place);
-    for (const std::size_t index : moved)
-        result.push_back(rows[index]);
-    append(place, rows.size());
+    std::copy_if(rows.begin(), middle, std::back_inserter(result), std::not_fn(isMoved));
+    std::ranges::copy_if(rows, std::back_inserter(result), isMoved);
+    std::copy_if(middle, rows.end(), std::back_inserter(result), std::not_fn(isMoved));
     return result;
 }
 
-/// Each row with its place, in ascending order of the ids, which is the quickest to write them in.
-std::vector<std::pair<RowId, std::int32_t>> placesById(const std::vector<RowId>& order) {
-    std::vector<std::pair<RowId, std::int32_t>> places;
-    places.reserve(order.size());
-    for (const RowId id : order)
-        places.emplace_back(id, static_cast<std::int32_t>(places.size()));
-    std::ranges::sort(places);
+/// By id, the place of each row; -1 where there is none.
+std::vector<std::int32_t> placesById(const std::vector<RowId>& order) {
+    std::vector<std::int32_t> places(order.empty() ? 0 : std::size_t{std::ranges::max(order)} + 1, -1);
+    for (std::size_t place = 0; place < order.size(); ++place)
+        places[order[place]] = static_cast<std::int32_t>(place);
     return places;
 }
 
@@ -98,29 +88,43 @@ void DNDArrayController::cancelDrag() {
 }
 
 void DNDArrayController::insertRows(const std::vector<RowId>& moved, Place place) {
+    if (!renumbering.expired())
+        units.sources.finishWork();
     const std::vector<RowId>& rows = units.preview.nodeController().arrangedObjects();
     const auto found = std::ranges::find(rows, place.row);
     if (place.row != noRow && found == rows.end())
         return;
     const auto index =
         static_cast<std::size_t>(found - rows.begin()) + (found != rows.end() && place.isBehind);
-    const std::vector<std::size_t> indexes = indexesOf(moved, rows);
-    debugLog("index set: {}", fmt::join(indexes, " "));
-    logOrder("BEFORE Insertion:");
-    const std::vector<RowId> order = rearranged(rows, indexes, index);
+    debugLog("index set: {} of {} rows to {}", moved.size(), rows.size(), index);
+    const auto token = std::make_shared<char>();
+    renumbering = token;
+    units.sources.begin(
+        [this, token, places = placesById(rearranged(rows, moved, index)), next = RowId{0}]() mutable {
+            if (next < places.size() && renumber(places, next))
+                return true;
+            services.settings.setAutomaticSorting(false);
+            units.preview.refreshPreview();
+            return false;
+        });
+}
+
+/// Some rows, from the next id on: in this order they are the quickest to write. False when the store fails.
+bool DNDArrayController::renumber(const std::vector<std::int32_t>& places, RowId& next) {
     try {
         StoreContext& context = units.store.managedObjectContext();
         const std::lock_guard lock(context.mutex());
-        for (const auto& [id, number] : placesById(order))
-            if (context.exists(id) && context.row(id).manualOrder != number)
-                context.change(id).manualOrder = number;
+        const std::size_t end = std::min(next + idsAtOnce, places.size());
+        for (; next < end; ++next)
+            if (const std::int32_t place = places[next];
+                place >= 0 && context.exists(next) && context.row(next).manualOrder != place)
+                context.change(next).manualOrder = place;
         context.commit();
+        return true;
     } catch (const StoreError& error) {
         services.frontEnd.presentError(error.what());
+        return false;
     }
-    logOrder("AFTER Insertion:");
-    services.settings.setAutomaticSorting(false);
-    units.preview.refreshPreview();
 }
 
 bool DNDArrayController::deleteRowsIfAppropriate() {
@@ -143,18 +147,6 @@ std::vector<RowId> DNDArrayController::filterOutInappropriateRows(const std::vec
         return row && row->root;
     });
     return removable;
-}
-
-void DNDArrayController::logOrder(const char* title) {
-    if (!debugLogIsOn())
-        return;
-    debugLog("{}", title);
-    StoreContext& context = units.store.managedObjectContext();
-    for (const RowId id : units.preview.nodeController().arrangedObjects()) {
-        const std::lock_guard lock(context.mutex());
-        if (context.exists(id))
-            debugLog("{} ({})", text::toUtf8(context.name(id)), context.row(id).manualOrder);
-    }
 }
 
 } // namespace tavrin

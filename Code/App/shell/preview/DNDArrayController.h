@@ -3,6 +3,8 @@
 #include "shell/commands/ShellServices.h"
 #include "store/rows/NodeRow.h"
 
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -39,7 +41,8 @@ class DNDArrayController {
     /// The rows being dragged were dropped there.
     void acceptRows(Place place);
     /// Renumbers all rows, also those that are not on show, the moved ones at their new place in the order
-    /// that they had, and switches automatic sorting off. Does nothing when the row of the place is gone.
+    /// that they had, and switches automatic sorting off; of many rows, the last later, between other events.
+    /// Does nothing when the row of the place is gone.
     void insertRows(const std::vector<RowId>& moved, Place place);
     /// A drag that began here has ended: rows that were dropped nowhere leave the list. Whether any did.
     bool deleteRowsIfAppropriate();
@@ -49,12 +52,13 @@ class DNDArrayController {
     [[nodiscard]] std::vector<RowId> filterOutInappropriateRows(const std::vector<RowId>& rows);
 
   private:
-    void logOrder(const char* title);
+    bool renumber(const std::vector<std::int32_t>& places, RowId& next);
 
     ShellServices& services;
     Units units;
     bool shouldDeleteRows = false;
     std::vector<RowId> draggedRows;
+    std::weak_ptr<void> renumbering; ///< lives while rows are being renumbered
 };
 
 } // namespace tavrin

@@ -2,7 +2,6 @@
 
 #include "actions/CompositeRenameAction.h"
 #include "actions/SortBasedAction.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "engine/renaming/RenameEngineUtilities.h"
@@ -40,8 +39,8 @@ constexpr std::array reactions{
     ReactionRow{"sortEachFolderSeparately", Reaction::newOrder},
     ReactionRow{"currentActionIndex", Reaction::showStep},
     ReactionRow{"transientActionIndex", Reaction::showStep},
-    ReactionRow{"lastAddDirectory", Reaction::nothing},
-    ReactionRow{"automaticSorting", Reaction::automaticSorting},
+    ReactionRow{settingKey::lastAddDirectory, Reaction::nothing},
+    ReactionRow{settingKey::automaticSorting, Reaction::automaticSorting},
 };
 
 Reaction reactionTo(std::string_view keyPath) {
@@ -87,11 +86,6 @@ void PreviewControl::delayedPreviewUpdate() {
     // The timer is the caller: it goes when it has run to its end, or when the next one takes its place.
     if (!services.engine.isBusy())
         store.releaseRetired();
-    updatePreview();
-}
-
-void PreviewControl::updatePreview() {
-    commands.updateAll();
     showPreview();
 }
 
@@ -105,20 +99,28 @@ void PreviewControl::showPreview() {
 
 void PreviewControl::showOrHideColumns() {
     FrontEnd& frontEnd = services.frontEnd;
-    frontEnd.setColumnHidden(PreviewColumn::path, services.settings.shouldShowPath() == 0);
-    frontEnd.setColumnHidden(PreviewColumn::currentName, services.settings.shouldShowCurrentName() == 0);
+    frontEnd.setColumnHidden(PreviewColumn::path, services.settings.values().shouldShowPath == 0);
+    frontEnd.setColumnHidden(PreviewColumn::currentName,
+                             services.settings.values().shouldShowCurrentName == 0);
     const bool captures = services.composite.getCurrentAction().actionName() == capturingAction;
     for (const PreviewColumn column : regexColumns)
         frontEnd.setColumnHidden(column, !captures);
 }
 
+void PreviewControl::checkUpOnLongProcessingTimer() {
+    longProcessingCheckTimer = services.runLoop.startTimer(std::chrono::seconds(1), false,
+                                                           [this] { checkUpOnLongProcessingTimer(); });
+    if (services.progress.isLong())
+        services.frontEnd.selectPreviewTab(PreviewTab::progressBar);
+}
+
 // ---- the list
 
 void PreviewControl::refreshPreview() {
-    debugLog("automatic sorting: {:d}", services.settings.automaticSorting());
+    debugLog("automatic sorting: {:d}", services.settings.values().automaticSorting);
     debugLog("--------------------------------------------------------");
     services.frontEnd.selectPreviewTab(PreviewTab::status);
-    list.setFetchPredicate(FilterManager::currentFilterPredicate(services.settings.itemFilter()));
+    list.setFetchPredicate(FilterManager::currentFilterPredicate(services.settings.values().itemFilter()));
     const BaseRenameAction& current = services.composite.getCurrentAction();
     forgetPreviewedActionIfGone();
     setSortOrder(current);
@@ -131,13 +133,12 @@ void PreviewControl::refreshPreview() {
 
 void PreviewControl::setSortOrder(const BaseRenameAction& current) {
     const std::optional<PreviewedAction>& last = lastActionThatWasPreviewed;
-    if (!services.settings.automaticSorting()) {
+    if (!services.settings.values().automaticSorting) {
         list.setSortDescriptors({{NodeKey::manualOrder, true}});
     } else if (last && last->identity == &current) {
         return;
     } else if (const auto* sortBased = dynamic_cast<const SortBasedAction*>(&current)) {
-        list.setSortDescriptors(
-            RenameEngineUtilities::orderOfModes({sortBased->getSortingMode(), sortBased->getSortingMode2()}));
+        list.setSortDescriptors(RenameEngineUtilities::sortDescriptorsOf(*sortBased));
     } else if (!last || last->isSortBased) {
         list.setSortDescriptors({{NodeKey::smartName, true}});
     }
@@ -151,7 +152,7 @@ void PreviewControl::sortByCurrentName() {
         sortBased->setValue(isAscending ? descending : ascending, "sortingMode");
         return;
     }
-    if (!services.settings.automaticSorting())
+    if (!services.settings.values().automaticSorting)
         return;
     const bool isAscending =
         list.sortDescriptors() == std::vector<SortDescriptor>{{NodeKey::smartName, true}};
@@ -178,8 +179,7 @@ void PreviewControl::showStats() {
         const std::string failures = failureText();
         services.progress.updateStageText(statusText() + (failures.empty() ? "" : " " + failures));
         // Of a droplet no status line is seen.
-        if (!failures.empty() && services.mode == OperationMode::dropletRun &&
-            services.settings.shouldCreateSilentDroplets() == 0)
+        if (!failures.empty() && services.mode == OperationMode::dropletRun && !services.isSilentDroplet())
             services.frontEnd.presentError(failures);
     } catch (const std::exception& failure) {
         debugLog("no counts to show: {}", failure.what());
@@ -219,7 +219,7 @@ std::string PreviewControl::failureText() {
 void PreviewControl::observeValueForKeyPath(const std::string& keyPath, const BaseAction* object,
                                             const std::optional<PropertyValue>& oldValue,
                                             const std::optional<PropertyValue>& newValue) {
-    services.actionList.setAutomaticSorting(services.settings.automaticSorting());
+    services.actionList.setAutomaticSorting(services.settings.values().automaticSorting);
     forgetPreviewedActionIfGone();
     if (object == &services.composite && keyPath == "fragmentSelection") {
         compositeFragmentChanged();

@@ -25,6 +25,10 @@ class PreviewControl {
   public:
     PreviewControl(ShellServices& shared, StoreOwner& store, ActionListCommands& commands);
 
+    /// Looks once a second whether a run counts as long, and then brings the progress bar up. The first call
+    /// starts the check.
+    void checkUpOnLongProcessingTimer();
+
     /// A preview 0.3 seconds after the last of a series of calls.
     void initiateDelayedPreviewUpdate();
     /// Starts a preview that is waiting for its moment at once.
@@ -35,8 +39,8 @@ class PreviewControl {
     /// Runs the action at the end of the next preview.
     void afterNextPreview(std::function<void()> action) { whenFinished = std::move(action); }
 
-    void updatePreview();
     /// Asks the engine for a preview and sets the columns.
+    void updatePreview() { showPreview(); }
     void showPreview();
     /// Refetches the list.
     void refreshPreview();
@@ -80,6 +84,7 @@ class PreviewControl {
     std::function<void()> whenFinished;
     bool followsChanges = true;
     std::unique_ptr<Timer> previewTimer;
+    std::unique_ptr<Timer> longProcessingCheckTimer;
     std::optional<PreviewedAction> lastActionThatWasPreviewed;
     const BaseRenameAction* lastCurrentStep = nullptr; ///< compared only, never followed
 };

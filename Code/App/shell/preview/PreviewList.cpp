@@ -99,12 +99,15 @@ std::optional<std::string> PreviewList::pathOf(RowId id) {
     });
 }
 
+/// The roots are found without reading a row, so that no selection takes long.
 bool PreviewList::isAnyRoot(std::span<const RowId> ids) {
-    return read([&](StoreContext& context) {
-               return std::optional(std::ranges::any_of(
-                   ids, [&](RowId id) { return context.exists(id) && context.row(id).root; }));
-           })
-        .value_or(false);
+    if (ids.empty())
+        return false;
+    const FetchRequest request{FetchEntity::file, Predicate::isTrue(NodeKey::root), {}, 0};
+    const std::vector<RowId> roots = read([&](StoreContext& context) {
+                                         return std::optional(context.fetch(request));
+                                     }).value_or(std::vector<RowId>());
+    return std::ranges::any_of(ids, [&](RowId id) { return std::ranges::binary_search(roots, id); });
 }
 
 RowId PreviewList::rowWithPath(const std::string& path) {

@@ -5,7 +5,6 @@
 #include "documents/FirstLaunchManager.h"
 #include "documents/PresetsManager.h"
 #include "documents/RecipeFile.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "platform/processes/RunLoop.h"
 #include "platform/propertylists/UserDefaults.h"
@@ -15,9 +14,7 @@
 #include "shell/commands/ActionListCommands.h"
 #include "shell/commands/DropletCommands.h"
 #include "shell/commands/SourceCommands.h"
-#include "shell/preview/LongRunCheck.h"
 #include "shell/preview/PreviewControl.h"
-#include "shell/start/MultistepPane.h"
 #include "store/sources/SourceItemManager.h"
 #include "support/application/MacOSXVersion.h"
 
@@ -50,8 +47,6 @@ StartSequence::~StartSequence() = default;
 
 void StartSequence::applicationDidFinishLaunching() {
     FrontEnd& frontEnd = services.frontEnd;
-    if (MacOSXVersion::isLionOrLater())
-        frontEnd.allowFullScreen();
     frontEnd.selectMainTab(MainTab::interface);
     firstLaunch();
     prepareColumns();
@@ -64,22 +59,19 @@ void StartSequence::applicationDidFinishLaunching() {
         return;
     }
     loadChain();
-    frontEnd.fillActionMenus(services.actionList.popUpMenuItems(),
-                             services.actionList.categoryPopUpMenuItems());
+    frontEnd.actionListChanged();
     connectObservers();
     if (services.mode == OperationMode::dropletEdit && !enterDropletEditMode())
         return;
-    frontEnd.buildSplitView();
-    units.pane.restore();
+    units.commands.restoreMultistepDrawer();
     isFinished = true;
-    units.commands.updateAll();
     if (isFirstLaunch)
         frontEnd.centreWindow();
     if (services.mode == OperationMode::dropletRun)
         startDropletRun();
     else
         showInterface();
-    units.longRunCheck.checkUpOnLongProcessingTimer();
+    units.preview.checkUpOnLongProcessingTimer();
 }
 
 void StartSequence::firstLaunch() {
@@ -132,7 +124,7 @@ void StartSequence::prepareColumns() {
 
 void StartSequence::loadSettings() {
     services.actionList.loadActionParametersFromPreferences(services.settings);
-    services.actionList.setAutomaticSorting(services.settings.automaticSorting());
+    services.actionList.setAutomaticSorting(services.settings.values().automaticSorting);
 }
 
 void StartSequence::loadPresets() {
@@ -167,7 +159,7 @@ void StartSequence::readSettingsFromDroplet() {
     }
     units.mode = OperationMode::dropletRun;
     services.engine.setHistoryPlace({services.engine.historyPlace().folder, "droplet"});
-    units.sources.addFilePaths(handOver.fileList, !isSilentDroplet());
+    units.sources.addFilePaths(handOver.fileList, !services.isSilentDroplet());
     units.sources.finishWork();
 }
 
@@ -190,7 +182,7 @@ bool StartSequence::isStoredChainToBeKept() const {
 
 void StartSequence::connectObservers() {
     ActionObserver& observer = units.observer;
-    services.actionList.setAutomaticSorting(services.settings.automaticSorting());
+    services.actionList.setAutomaticSorting(services.settings.values().automaticSorting);
     observations.push_back(services.settings.registerObserverForAllValues(observer));
     observations.push_back(services.composite.registerObserverForAllValues(observer));
     for (const char* key : {"actionList", "transientActionIndex"})
@@ -208,7 +200,7 @@ void StartSequence::connectObservers() {
 }
 
 bool StartSequence::enterDropletEditMode() {
-    if (services.settings.shouldPreventDropletEditing()) {
+    if (services.settings.values().shouldPreventDropletEditing) {
         services.frontEnd.showAlert(
             {.kind = AlertKind::dropletLocked,
              .style = AlertStyle::critical,
@@ -243,19 +235,16 @@ void StartSequence::startDropletRun() {
     services.engine.processPreviewPipeline(services.progress);
 }
 
-bool StartSequence::isSilentDroplet() const {
-    return services.mode == OperationMode::dropletRun && services.settings.shouldCreateSilentDroplets() != 0;
-}
-
 void StartSequence::renameDroppedFiles() {
     const auto areSettingsConsistent = [this] {
-        return services.settings.shouldProcessFiles() || services.settings.shouldProcessFolders();
+        return services.settings.values().shouldProcessFiles ||
+               services.settings.values().shouldProcessFolders;
     };
     const bool wereConsistent = areSettingsConsistent();
     const auto& steps = services.composite.getActionDictionaryList();
     const bool hasActiveStep = std::ranges::any_of(steps, [](const auto& step) { return step->isActive(); });
     // Nobody sits before a silent droplet who could answer why there is nothing to do.
-    if (isSilentDroplet() && (!wereConsistent || !hasActiveStep || services.sourceItems.isEmpty())) {
+    if (services.isSilentDroplet() && (!wereConsistent || !hasActiveStep || services.sourceItems.isEmpty())) {
         options.terminate();
         return;
     }

@@ -3,7 +3,6 @@
 #include "actions/ActionObserver.h"
 #include "documents/FirstLaunchManager.h"
 #include "shell/commands/ShellServices.h"
-#include "shell/start/OperationMode.h"
 #include "support/values/PropertyValue.h"
 
 #include <atomic>
@@ -18,8 +17,6 @@ namespace tavrin {
 class ActionListCommands;
 class ConfirmationFlow;
 class DropletCommands;
-class LongRunCheck;
-class MultistepPane;
 class NoticeDialogs;
 class PresetsManager;
 class PreviewControl;
@@ -35,8 +32,6 @@ class StartSequence {
         SourceCommands& sources;
         NoticeDialogs& notices;
         ConfirmationFlow& confirmation;
-        MultistepPane& pane;
-        LongRunCheck& longRunCheck;
         DropletCommands& droplets;
         std::atomic<OperationMode>& mode;
         ActionObserver& observer;
@@ -64,7 +59,6 @@ class StartSequence {
     void loadSettings();
     void loadPresets();
     void readSettingsFromDroplet();
-    [[nodiscard]] bool isSilentDroplet() const;
     void loadChain();
     void connectObservers();
     /// False when the application is to end instead.

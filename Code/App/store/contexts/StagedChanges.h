@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -78,8 +79,10 @@ using SourceItemChange = std::variant<SourceItemInsertion, SourceItemDeletion, S
 /// Everything that a context has changed and not yet committed.
 struct StagedChanges {
     std::vector<RowBlock*> blocks; ///< those with changed rows, in ascending order; owned by the context
+    std::unordered_set<std::uint32_t> segments;         ///< those of the blocks
     std::unordered_map<RowId, PassMarker> marks;        ///< stage flags of rows that are in no block
     std::unordered_map<RowId, std::string> folderPaths; ///< of inserted rows that can have children
+    std::unordered_map<std::string, RowId> foldersByPath;
     std::vector<RowId> deletedTrees;
     std::vector<RowId> deletedNodes;                     ///< of a bulk deletion, in ascending order
     std::unordered_map<RowId, std::string> regexColumns; ///< as the segments hold them

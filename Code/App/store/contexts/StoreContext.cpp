@@ -18,9 +18,7 @@ constexpr std::size_t droppedBlocks = 48;
 } // namespace
 
 StoreContext::StoreContext(ItemStore& store, MergePolicy policy)
-    : impl(std::make_unique<Impl>(store, policy)) {
-    impl->self = this;
-}
+    : impl(std::make_unique<Impl>(store, policy)) {}
 
 StoreContext::~StoreContext() = default;
 
@@ -114,7 +112,7 @@ void StoreContext::Impl::note(RowBlock& block, RowId id, RowBlock::Change change
     block.note(RowBlock::index(id), change);
     if (isFirstInBlock) {
         staged.blocks.push_back(&block);
-        stagedSegments.insert(Segment::number(id));
+        staged.segments.insert(Segment::number(id));
     }
 }
 
@@ -262,7 +260,7 @@ bool StoreContext::commitIfMuchIsStaged() {
     constexpr std::size_t manyBytes = 4u << 20;
     const bool isMuch =
         impl->staged.blocks.size() >= manyBlocks || impl->staged.tagBytes >= manyBytes ||
-        (impl->store.kind() == ItemStore::Kind::file && impl->stagedSegments.size() >= manySegments);
+        (impl->store.kind() == ItemStore::Kind::file && impl->staged.segments.size() >= manySegments);
     if (isMuch) {
         commit();
         refault();
@@ -286,9 +284,11 @@ void StoreContext::commit() {
     }
     for (RowBlock* block : self.staged.blocks)
         block->forgetChanges();
+    for (const auto& [id, marker] : self.staged.marks) {
+        if (RowBlock* block = self.presentBlock(id)) // read after the mark was set
+            block->stageFlags[RowBlock::index(id)] = marker;
+    }
     self.staged = StagedChanges{};
-    self.stagedSegments.clear();
-    self.stagedFolders.clear();
     self.forgetStaleImages();
     if (changes.rowsDeleted)
         self.forgetDeletedRows(changes);
@@ -317,8 +317,6 @@ void StoreContext::reset() {
     Impl& self = *impl;
     self.dropAllBlocks();
     self.staged = StagedChanges{};
-    self.stagedSegments.clear();
-    self.stagedFolders.clear();
     self.nextReserved = self.endReserved = noRow;
     self.forgetStaleImages();
     self.lastFolder = noRow;

@@ -81,7 +81,6 @@ class StoreContext {
     std::string parentPath(RowId id);
     PassMarker stageFlag(RowId id);
     void setStageFlag(RowId id, PassMarker marker);
-    PassMarker secondaryStageFlag(RowId id);
     void setSecondaryStageFlag(RowId id, PassMarker marker);
     using RegexColumns = std::array<std::u16string, 6>;
     [[nodiscard]] std::optional<RegexColumns> regexColumns(RowId id);

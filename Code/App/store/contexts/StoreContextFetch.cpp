@@ -221,7 +221,7 @@ std::vector<RowId> StoreContext::Impl::fetchSorted(const FetchRequest& request) 
 }
 
 std::vector<RowId> StoreContext::Impl::fetchChildren(const FetchRequest& request) {
-    std::vector<RowId> rows = self->children(*request.predicate.parent());
+    std::vector<RowId> rows = store.access()->children(*request.predicate.parent());
     std::erase_if(rows, [&](RowId id) { return !matches(request, id); });
     if (!request.order.empty())
         sortRows(rows, request.order);
@@ -239,7 +239,8 @@ std::size_t StoreContext::childCount(RowId folder) {
 }
 
 RowId StoreContext::nodeWithPath(std::string_view path) {
-    if (const auto found = impl->stagedFolders.find(std::string(path)); found != impl->stagedFolders.end())
+    if (const auto found = impl->staged.foldersByPath.find(std::string(path));
+        found != impl->staged.foldersByPath.end())
         return found->second;
     {
         const ItemStore::Access inside = impl->store.access();

@@ -11,7 +11,6 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -69,10 +68,8 @@ struct StoreContext::Impl {
     ItemStore& store;
     const MergePolicy policy;
     std::recursive_mutex mutex;
-    StoreContext* self = nullptr; // for what is derived through the public operations
 
     StagedChanges staged;
-    std::unordered_set<std::uint32_t> stagedSegments; // those of the staged blocks
     EngineControl controlForReading;
 
     std::unordered_map<std::uint32_t, std::unique_ptr<RowBlock>> blocks;
@@ -82,7 +79,6 @@ struct StoreContext::Impl {
     RowId nextReserved = noRow; // ids for inserts: from here to the end of the block
     RowId endReserved = noRow;
 
-    std::unordered_map<std::string, RowId> stagedFolders; // by path
     RowId lastFolder = noRow;
     std::string lastFolderPath;
     std::string scratch;

@@ -190,10 +190,6 @@ void StoreContext::setStageFlag(RowId id, PassMarker marker) {
     impl->note(block, id, RowBlock::stageFlag);
 }
 
-PassMarker StoreContext::secondaryStageFlag(RowId id) {
-    return impl->blockOf(id).secondaryStageFlags[RowBlock::index(id)];
-}
-
 void StoreContext::setSecondaryStageFlag(RowId id, PassMarker marker) {
     RowBlock& block = impl->blockOf(id);
     block.secondaryStageFlags[RowBlock::index(id)] = marker;
@@ -289,7 +285,7 @@ RowId StoreContext::insertFile(RowId parent, std::string_view component, bool ro
     const RowId id = impl->insert(row, component);
     if (treatAsFolder) {
         std::string path = joined(impl->folderPath(parent), component);
-        impl->stagedFolders.try_emplace(path, id);
+        impl->staged.foldersByPath.try_emplace(path, id);
         impl->staged.folderPaths.emplace(id, std::move(path));
     }
     return id;
@@ -302,7 +298,7 @@ RowId StoreContext::insertGhostNode(std::string_view path, const FileIdentity& i
     row.setIdentity(identity);
     row.kind = FileStatus::Kind::folder;
     const RowId id = impl->insert(row, componentOf(path));
-    impl->stagedFolders.try_emplace(std::string(path), id);
+    impl->staged.foldersByPath.try_emplace(std::string(path), id);
     impl->staged.folderPaths.emplace(id, path);
     return id;
 }

@@ -5,7 +5,6 @@
 #include "common/TemporaryFolder.h"
 #include "documents/PresetsManager.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "engine/asking/UserPrompts.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/Appearance.h"
 #include "presentation/Dialogs.h"
@@ -187,25 +186,20 @@ class Pictures {
     void questions() {
         MainWindow* window = &application->window();
         const std::string photo = files->path("IMG_4021.JPG");
-        const auto ask = [&](ConfirmationSheet sheet, const char* name) {
-            Dialogs::showConfirmationSheet(
-                window, sheet,
-                {{"oldName", u"IMG_4021.JPG"},
-                 {"newName", u"Lofoten 4021.jpg"},
-                 {"fullPath", u"/home/ann/Pictures/Lofoten/IMG_4021.JPG"},
-                 {"fullPathFirst", u"/home/ann/Pictures/Lofoten/IMG_4021.JPG"},
-                 {"title", u"This item could not be renamed."},
-                 {"message", u"You may not have sufficient access privileges to change the name of this "
-                             u"item. (Operation not permitted: it is immutable, chattr -i "
-                             u"allows changes again)"}},
-                sheet == ConfirmationSheet::swap ? std::nullopt : std::optional(photo), true,
-                [](ConfirmationChoice) {});
+        const auto ask = [&](const RunQuestion& question, const char* name) {
+            Dialogs::ask(window, question, true, [](ConfirmationChoice) {});
             saveDialog(name);
         };
-        ask(ConfirmationSheet::rename, "confirm-rename");
-        ask(ConfirmationSheet::swap, "confirm-swap");
-        ask(ConfirmationSheet::nameCycle, "confirm-cycle");
-        ask(ConfirmationSheet::problem, "report-problem");
+        const std::string folder = "/home/ann/Pictures/Lofoten";
+        const std::string item = folder + "/IMG_4021.JPG";
+        ask(RenameQuestion{folder, photo, "IMG_4021.JPG", "Lofoten 4021.jpg"}, "confirm-rename");
+        ask(SwapQuestion{folder, item, item, "IMG_4021.JPG", "Lofoten 4021.jpg"}, "confirm-swap");
+        ask(NameCycleQuestion{folder}, "confirm-cycle");
+        ask(ProblemReport{"This item could not be renamed.",
+                          "You may not have sufficient access privileges to change the name of this item. "
+                          "(Operation not permitted: it is immutable, chattr -i allows changes again)",
+                          photo},
+            "report-problem");
         Dialogs::showProcessingErrors(
             window,
             {{{"Could not rename", "Another file has this name.", photo},
