@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <unistd.h>
 
 namespace tavrin::test {
@@ -59,6 +60,25 @@ void RenameBench::setFinalName(const std::string& name, std::u16string_view fina
     context.commit();
 }
 
+void RenameBench::plan(std::string_view words) {
+    std::vector<std::string> top;
+    for (const std::string& word : split(words)) {
+        const std::string name = word.substr(0, word.find('>'));
+        make({name});
+        if (std::ranges::find(top, name.substr(0, name.find('/'))) == top.end())
+            top.push_back(name.substr(0, name.find('/')));
+    }
+    read(top);
+    for (const std::string& word : split(words)) {
+        const std::size_t arrow = word.find('>');
+        if (arrow == std::string::npos)
+            continue;
+        std::u16string wanted = text::fromBytes(word.substr(arrow + 1));
+        text::replaceUnit(wanted, u':', u'/');
+        setFinalName(word.substr(0, arrow - (word[arrow - 1] == '/' ? 1 : 0)), wanted);
+    }
+}
+
 void RenameBench::rename() {
     reports.clear();
     host.onWorker([this] { renameOnThisThread(); });
@@ -94,11 +114,22 @@ std::vector<std::string> RenameBench::problems() const {
     return problems;
 }
 
-RenameBench::Tree untouched(const std::vector<std::string>& names) {
+std::vector<std::string> split(std::string_view words, char separator) {
+    std::vector<std::string> found;
+    while (!words.empty()) {
+        const std::size_t end = std::min(words.find(separator), words.size());
+        found.emplace_back(words.substr(0, end));
+        std::ranges::replace(found.back(), '~', ' ');
+        words.remove_prefix(std::min(end + 1, words.size()));
+    }
+    return found;
+}
+
+RenameBench::Tree tree(std::string_view words) {
     RenameBench::Tree files;
-    for (const std::string& name : names) {
-        if (name.back() != '/')
-            files.emplace(name, name);
+    for (const std::string& word : split(words)) {
+        const std::size_t equals = word.find('=');
+        files.emplace(word.substr(0, equals), equals == std::string::npos ? word : word.substr(equals + 1));
     }
     return files;
 }

@@ -18,11 +18,9 @@ namespace {
 
 /// Files "a" and "b" that are to be "A1" and "B1", in a folder "box" that stays.
 void renameTwo(HistoryBench& bench) {
-    bench.makeAndRead({"box/", "box/a", "box/b"});
-    bench.setFinalName("box/a", u"A1");
-    bench.setFinalName("box/b", u"B1");
+    bench.plan("box/a>A1 box/b>B1");
     bench.rename();
-    ASSERT_EQ(bench.files(), (RenameBench::Tree{{"box/A1", "box/a"}, {"box/B1", "box/b"}}));
+    ASSERT_EQ(bench.files(), tree("box/A1=box/a box/B1=box/b"));
 }
 
 /// Puts a file that was written anew in the place of another, as editors do.
@@ -50,7 +48,7 @@ TEST(TakeBackLaws, UndoGivesTheTreeBeforeAndRedoTheTreeAfter) {
     for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
         const RandomPlan plan(seed);
-        HistoryBench bench;
+        HistoryBench bench(seed % 4 == 0 ? "" : RenameBench::inMemory());
         plan.setUp(bench);
         bench.rename();
         for (int i = 0; i < 2; ++i) {
@@ -140,40 +138,40 @@ TEST(TakeBack, LeavesAloneWhatIsNotTheItem) {
     const std::string unlike = "Another item lies in its place";
     const std::string leftover = "More than one item looks like it";
     const std::vector<Case> cases = {
-        {"gone", [](HistoryBench& b) { b.disk.remove("box/A1"); }, {gone}, {{"box/b", "box/b"}}},
+        {"gone", [](HistoryBench& b) { b.disk.remove("box/A1"); }, {gone}, tree("box/b")},
         {"replaced by saving",
          [](HistoryBench& b) { saveAnew(b, "box/A1"); },
          {unlike},
-         {{"box/A1", "new"}, {"box/b", "box/b"}}},
+         tree("box/A1=new box/b")},
         {"replaced by saving, and taken for it",
          [](HistoryBench& b) { saveAnew(b, "box/A1"); },
          {},
-         {{"box/a", "new"}, {"box/b", "box/b"}},
+         tree("box/a=new box/b"),
          true},
         {"old name taken",
          [](HistoryBench& b) { b.disk.write("box/a", "intruder"); },
          {"Another file with this name"},
-         {{"box/A1", "box/a"}, {"box/a", "intruder"}, {"box/b", "box/b"}}},
+         tree("box/A1=box/a box/a=intruder box/b")},
         {"moved elsewhere",
          [](HistoryBench& b) { b.move("box/A1", "elsewhere"); },
          {gone},
-         {{"elsewhere", "box/a"}, {"box/b", "box/b"}}},
+         tree("elsewhere=box/a box/b")},
         {"renamed by a later run",
          renameAgain,
          {gone + ": it has been removed, moved or renamed. The run 99990101T000000.000000-1 has renamed it "
                  "again."},
-         {{"box/again", "box/a"}, {"box/b", "box/b"}}},
+         tree("box/again=box/a box/b")},
         {"folder moved",
          [](HistoryBench& b) { b.move("box", "other"); },
          {"Its folder is not to be found.", "Its folder is not to be found."},
-         {{"other/A1", "box/a"}, {"other/B1", "box/b"}}},
+         tree("other/A1=box/a other/B1=box/b")},
         {"folder replaced",
          [](HistoryBench& b) {
              b.move("box", "other");
              b.disk.write("box/A1", "theirs");
          },
          {"Its folder is another one", "Its folder is another one"},
-         {{"other/A1", "box/a"}, {"other/B1", "box/b"}, {"box/A1", "theirs"}}},
+         tree("other/A1=box/a other/B1=box/b box/A1=theirs")},
         {"exchanged: each is known under the other's name",
          [](HistoryBench& b) {
              b.move("box/A1", "box/t");
@@ -181,7 +179,7 @@ TEST(TakeBack, LeavesAloneWhatIsNotTheItem) {
              b.move("box/t", "box/B1");
          },
          {unlike, unlike},
-         {{"box/A1", "box/b"}, {"box/B1", "box/a"}}},
+         tree("box/A1=box/b box/B1=box/a")},
         // Where the kernel's flag is refused, a killed run leaves one step half done, and only that is
         // cleared.
         half(
@@ -189,19 +187,18 @@ TEST(TakeBack, LeavesAloneWhatIsNotTheItem) {
             [](HistoryBench& b) {
                 std::filesystem::create_hard_link(b.disk.path("box/A1"), b.disk.path("box/a"));
             },
-            {}, untouched({"box/a", "box/b"})),
-        half("an empty reservation", true, reserve(""), {}, untouched({"box/a", "box/b"})),
-        half("the same where the flag is known", false, reserve(""), {},
-             {{"box/a", "box/a"}, {"box/A1", ""}, {"box/b", "box/b"}}),
-        half("something in it", true, reserve("x"), {},
-             {{"box/a", "box/a"}, {"box/A1", "x"}, {"box/b", "box/b"}}),
-        half("more than one", true,
-             [&](HistoryBench& b) {
-                 reserve("")(b);
-                 b.move("box/B1", "box/b");
-                 b.disk.write("box/B1", "");
-             },
-             {leftover, leftover}, {{"box/a", "box/a"}, {"box/A1", ""}, {"box/b", "box/b"}, {"box/B1", ""}}),
+            {}, tree("box/a box/b")),
+        half("an empty reservation", true, reserve(""), {}, tree("box/a box/b")),
+        half("the same where the flag is known", false, reserve(""), {}, tree("box/a box/A1= box/b")),
+        half("something in it", true, reserve("x"), {}, tree("box/a box/A1=x box/b")),
+        half(
+            "more than one", true,
+            [&](HistoryBench& b) {
+                reserve("")(b);
+                b.move("box/B1", "box/b");
+                b.disk.write("box/B1", "");
+            },
+            {leftover, leftover}, tree("box/a box/A1= box/b box/B1=")),
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -219,13 +216,12 @@ TEST(TakeBack, LeavesAloneWhatIsNotTheItem) {
 
 TEST(TakeBack, KnowsWhatWasSavedAnewBeforeTheRun) {
     HistoryBench bench;
-    bench.makeAndRead({"box/", "box/a"});
+    bench.plan("box/a>A1");
     saveAnew(bench, "box/a");
-    bench.setFinalName("box/a", u"A1");
     bench.rename();
-    ASSERT_EQ(bench.files(), (RenameBench::Tree{{"box/A1", "new"}}));
+    ASSERT_EQ(bench.files(), tree("box/A1=new"));
     EXPECT_EQ(bench.takeBack(RunKind::undo), 1);
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"box/a", "new"}}));
+    EXPECT_EQ(bench.files(), tree("box/a=new"));
 }
 
 /// Whatever call fails while the plan is written, no half record is left behind, and the user decides.
@@ -237,15 +233,14 @@ TEST(RunJournal, ARunThatCantBeRecordedIsAskedAbout) {
                 bench.host.prompts.onNoRecord = [&](const NoRecordQuestion&) {
                     return goesOn ? ConfirmationChoice::one : ConfirmationChoice::stop;
                 };
-                bench.makeAndRead({"a"});
-                bench.setFinalName("a", u"b");
+                bench.plan("a>b");
                 if (call == FileCall::makeFolders)
                     bench.host.engine.setHistoryPlace({bench.records.write("file"), "test"});
                 FailingFileSystem failing;
                 failing.failKind(call, ENOSPC, number);
                 bench.rename();
                 const bool hasFailed = failing.failureCount() > 0 || call == FileCall::makeFolders;
-                EXPECT_EQ(bench.files(), (RenameBench::Tree{{goesOn || !hasFailed ? "b" : "a", "a"}}));
+                EXPECT_EQ(bench.files(), tree(goesOn || !hasFailed ? "b=a" : "a"));
                 EXPECT_EQ(bench.states().size(), hasFailed ? 0U : 1U);
             }
         }
