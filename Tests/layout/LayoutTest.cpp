@@ -46,9 +46,7 @@ const std::vector<Rule>& rules() {
         {"system(", {}, "starts a shell"},
         {"popen(", {}, "starts a shell"},
         // Qt sets the locale of the user; the numbers are taken back out of it.
-        {"setlocale(",
-         {"Code/App/presentation/start/ApplicationSetup.cpp"},
-         "numbers are free of the locale"},
+        {"setlocale(", {"Code/App/presentation/Appearance.cpp"}, "numbers are free of the locale"},
         {"sprintf(", {}, "writes past its buffer"},
         {"strcpy(", {}, "writes past its buffer"},
         {"strcat(", {}, "writes past its buffer"},

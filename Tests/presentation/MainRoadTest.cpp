@@ -311,6 +311,32 @@ TEST_F(MainRoad, BuildsAChainOfSteps) {
     EXPECT_EQ(currentAction().actionName(), "Produce numbered list");
 }
 
+TEST_F(MainRoad, TurnsButtonsOnWithTheirCommands) {
+    const char* const buttons[][2] = {{"removeButton", "removeFile"},
+                                      {"createFileListButton", "createFileList"},
+                                      {"okButton", "ok"},
+                                      {"removeStep", "removeAction"},
+                                      {"moveStepUp", "nudgeActionUp"}};
+    const auto areOn = [&] {
+        std::string result;
+        for (const auto& [button, name] : buttons) {
+            EXPECT_EQ(find(button)->isEnabled(), command(name).isEnabled()) << button;
+            result += command(name).isEnabled() ? '1' : '0';
+        }
+        return result;
+    };
+    start();
+    EXPECT_EQ(areOn(), "00000");
+    click("addStepButton");
+    EXPECT_EQ(areOn(), "00011");
+    application->open({makeFile("a.txt")});
+    waitUntil("the list has a row", [this] { return model().rowCount() == 1; });
+    waitForPreview();
+    EXPECT_EQ(areOn(), "01111");
+    find<PreviewTableView>("previewTableView")->selectRow(0);
+    EXPECT_EQ(areOn(), "11111");
+}
+
 } // namespace
 
 } // namespace tavrin::test

@@ -58,6 +58,7 @@ MainWindow::MainWindow(const WindowServices& services)
     mainTabView->addWidget(progress);
     connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
     connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
+    connect(steps, &StepsPane::changed, this, &MainWindow::refreshCommands);
     connect(preview, &PreviewPane::selectionChanged, this, &MainWindow::refreshCommands);
     connect(preview, &PreviewPane::begun, this, [this] {
         settings->focusFirstField();

@@ -97,11 +97,12 @@ void TavrinApplication::open(const std::vector<std::string>& paths) {
     frontEnd.showWindow();
     if (paths.empty())
         return;
+    if (mainController->validateUserInterfaceItem() && !waiting.isActive()) {
+        mainController->applicationOpenFiles(paths);
+        return;
+    }
     waitingPaths.insert(waitingPaths.end(), paths.begin(), paths.end());
-    if (mainController->validateUserInterfaceItem() && !waiting.isActive())
-        addWaitingPaths();
-    else
-        waiting.start(betweenQuestions);
+    waiting.start(betweenQuestions);
 }
 
 /// At the end of a run its list is emptied, so what is added must come behind that.

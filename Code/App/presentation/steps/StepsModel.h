@@ -3,7 +3,6 @@
 #include "presentation/WindowServices.h"
 
 #include <QAbstractListModel>
-#include <QString>
 
 namespace tavrin {
 
@@ -36,11 +35,5 @@ class StepsModel final : public QAbstractListModel {
     const WindowServices services;
     int rows;
 };
-
-class BaseRenameAction;
-
-/// What an action is set to, in a few words: the values that differ from those of a new one, or all texts
-/// where nothing differs.
-[[nodiscard]] QString stepSummaryOf(const BaseRenameAction& action);
 
 } // namespace tavrin

@@ -111,6 +111,7 @@ void StepsPane::stepsChanged() {
     }
     view->setCurrentIndex(model->index(services.controller.compositeAction().getCurrentActionIndexAsInt()));
     view->viewport()->update();
+    emit changed();
 }
 
 } // namespace tavrin

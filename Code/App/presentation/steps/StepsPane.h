@@ -21,6 +21,10 @@ class StepsPane final : public QWidget {
     /// The steps or the current one have changed.
     void stepsChanged();
 
+  signals:
+    /// What commands can do with the steps may have changed.
+    void changed();
+
   protected:
     /// Of the list, whose Delete key removes the step.
     bool eventFilter(QObject* watched, QEvent* event) override;
