@@ -7,19 +7,23 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 namespace tavrin {
 
+/// The slow way of forEachSequence, apart so that its loop over plain names stays small.
+template <typename Visit>
+[[gnu::noinline]] void forEachJoinedSequence(std::u16string_view text, const Visit& visit) {
+    for (const auto sequence : text::composedSequences(text))
+        visit(sequence);
+}
+
 /// Calls `visit` with each composed character sequence of a text, in order.
-template <typename Visit> void forEachSequence(std::u16string_view text, Visit visit) {
+template <typename Visit> void forEachSequence(std::u16string_view text, const Visit& visit) {
     // Without combining marks each unit is a sequence, but for CR LF.
-    const bool isPlain = text::units::allBelowFirstCombining(text) && text.find(u'\r') == text.npos;
-    const auto others = isPlain ? std::vector<std::u16string_view>() : text::composedSequences(text);
-    const auto count = isPlain ? text.size() : others.size();
-    // In one loop, so that what is visited is compiled into it.
-    for (std::size_t i = 0; i < count; ++i)
-        visit(isPlain ? std::u16string_view(text.data() + i, 1) : others[i]);
+    if (!text::units::allBelowFirstCombining(text) || text.find(u'\r') != text.npos)
+        return forEachJoinedSequence(text, visit);
+    for (std::size_t i = 0; i < text.size(); ++i)
+        visit(std::u16string_view(text.data() + i, 1));
 }
 
 /// Remembers a value for each composed character sequence: of ASCII all, of others a bounded number.

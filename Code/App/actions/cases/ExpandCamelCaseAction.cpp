@@ -41,7 +41,7 @@ class ExpandCamelCaseAction final : public BaseRenameAction {
         paramSeparator = limitTextFieldInputTo1Character("separator");
     }
 
-    void processName(std::u16string_view fragment, std::u16string& result) override {
+    [[gnu::flatten]] void processName(std::u16string_view fragment, std::u16string& result) override {
         bool followsSmallLetter = false;
         forEachSequence(fragment, [&](std::u16string_view sequence) {
             const auto kind = letterCase(sequence);
