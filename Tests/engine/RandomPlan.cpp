@@ -113,7 +113,7 @@ namespace {
 
 /// Whether a message about something in this folder gives the name.
 bool isTold(const RenameBench& bench, const std::string& name) {
-    const std::string shown = NameOnDisk::shown(name);
+    const std::string shown = nameOnDisk::shown(name);
     return std::any_of(bench.reports.begin(), bench.reports.end(), [&](const ProblemReport& report) {
         return report.message.find("\"" + shown + "\"") != std::string::npos;
     });
@@ -168,7 +168,7 @@ void RandomPlan::expectNothingLost(RenameBench& bench) const {
 
 bool RandomPlan::isReported(const RenameBench& bench, const std::string& path) {
     const std::string full = bench.disk.path(path);
-    const std::string name = "'" + NameOnDisk::shown(components(path).back()) + "'";
+    const std::string name = "'" + nameOnDisk::shown(components(path).back()) + "'";
     const std::string folder = full.substr(0, full.rfind('/'));
     return std::any_of(bench.reports.begin(), bench.reports.end(), [&](const ProblemReport& report) {
         return report.fullPath == full ||

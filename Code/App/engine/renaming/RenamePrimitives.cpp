@@ -74,9 +74,9 @@ bool RenamePrimitives::renameItem(RenameItem& item) {
     const std::string& from = item.component();
     const std::string& to = item.newComponent();
     if (debugLogIsOn())
-        debugLog("renameCurrentName: {} atPath: {} toNewName: {}", NameOnDisk::shown(from), item.fullPath(),
-                 NameOnDisk::shown(to));
-    if (!NameOnDisk::isPossible(to))
+        debugLog("renameCurrentName: {} atPath: {} toNewName: {}", nameOnDisk::shown(from), item.fullPath(),
+                 nameOnDisk::shown(to));
+    if (!nameOnDisk::isPossible(to))
         return refuse(item.faultOfNewName());
     if (!check(item))
         return false;
@@ -201,7 +201,7 @@ bool RenamePrimitives::hasMovedAllTheSame(const Attempt& attempt) const {
 std::string RenamePrimitives::whereItLies() const {
     const std::string& left = parts.mover.leftUnder();
     return left.empty() ? parts.mover.leftovers()
-                        : fmt::format(". It lies under the name \"{}\" now{}", NameOnDisk::shown(left),
+                        : fmt::format(". It lies under the name \"{}\" now{}", nameOnDisk::shown(left),
                                       parts.mover.leftovers());
 }
 
