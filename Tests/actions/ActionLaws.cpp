@@ -62,7 +62,8 @@ void expectLawsOfRow(const BaseRenameAction& action, const ParameterDescription&
     // What decides whether it counts can have that value.
     for (const auto& [key, value] :
          {std::pair(row.shownWhenKey, row.shownWhenValue), std::pair(row.offWhenKey, row.offWhenValue)}) {
-        if (const auto other = std::ranges::find(rows, key, &ParameterDescription::key); other != rows.end()) {
+        if (const auto other = std::ranges::find(rows, key, &ParameterDescription::key);
+            other != rows.end()) {
             EXPECT_EQ(std::ranges::count(other->choices, value, &ParameterChoice::value), 1);
         }
     }

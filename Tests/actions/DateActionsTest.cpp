@@ -3,7 +3,6 @@
 #include "common/FileTimes.h"
 #include "common/TemporaryFolder.h"
 #include "platform/metadata/FileManager.h"
-#include "platform/propertylists/PropertyList.h"
 #include "support/text/Text.h"
 
 #include <chrono>
@@ -51,26 +50,6 @@ TEST_F(DateActions, PutTheTimeAloneInLowerCase) {
     EXPECT_EQ(formatter.formatDate(1e300, 1, 1), std::nullopt);
 }
 
-TEST_F(DateActions, FindTheSamePatternInAnotherTable) {
-    const TemporaryFolder folder;
-    folder.write("old.plist", PropertyList::toXml(PropertyArray{u"a", u"b", u"gone"}));
-    folder.write("new.plist", PropertyList::toXml(PropertyArray{u"b", u"x", u"a"}));
-    ::setenv("TAVRIN_RESOURCES", folder.path().c_str(), 1);
-    struct Case {
-        std::int32_t index;
-        std::string to;
-        std::int32_t expected;
-    };
-    for (const Case& one : {Case{0, "new", 2},
-                            {1, "new", 0},
-                            {2, "new", -1},
-                            {3, "new", -1},
-                            {-1, "new", -1},
-                            {0, "missing", -1}})
-        EXPECT_EQ(translateIndex(one.index, "old", one.to), one.expected);
-    ::unsetenv("TAVRIN_RESOURCES");
-}
-
 TEST_F(DateActions, TranslateIndexesOfListsWithoutVersionOnly) {
     auto action = catalogue.newActionForName("Add date to end");
     const auto indexes = [&action] {
@@ -90,6 +69,12 @@ TEST_F(DateActions, TranslateIndexesOfListsWithoutVersionOnly) {
     withVersion.emplace("version", 0);
     action->setParameterList(withVersion);
     EXPECT_EQ(indexes(), std::pair(8, 11));
+    // What no table has, or no longer has, is no pattern.
+    for (const std::int32_t outside : {-1, 100, 7}) {
+        action->setParameterList({{"timePatternIndex", outside}});
+        EXPECT_EQ(action->getParamInt("timePatternIndex", 0) == -1, outside != 7) << outside;
+    }
+    action->setValue(11, "timePatternIndex");
     // Keys of early versions are as old; what a list does not tell is kept.
     action->setParameterList({{"date pattern index", 10}});
     EXPECT_EQ(indexes(), std::pair(2, 11));

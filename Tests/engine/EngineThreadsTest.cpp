@@ -1,6 +1,6 @@
 #include "StageTest.h"
 #include "common/LogRecorder.h"
-#include "engine/asking/RunQuestion.h"
+#include "engine/asking/UserQuestions.h"
 
 #include <atomic>
 #include <map>

@@ -1,6 +1,5 @@
 #include "StageTest.h"
 #include "common/FailingFileSystem.h"
-#include "common/LogRecorder.h"
 
 #include <cerrno>
 
@@ -86,18 +85,6 @@ TEST_F(SaveListTest, ALinkStaysOne) {
     (void)folder.link("list.txt", "real.txt");
     EXPECT_EQ(save(1, false), "a\n");
     EXPECT_EQ(folder.read("real.txt"), "a\n");
-}
-
-TEST_F(SaveListTest, HasNoProgress) {
-    host.add({folder.write("a")});
-    host.preview();
-    host.progress.forceUpdate();
-    const std::string before = host.progress.currentActionDescription();
-    LogRecorder log;
-    save(0, false);
-    host.progress.forceUpdate();
-    EXPECT_EQ(host.progress.currentActionDescription(), before);
-    EXPECT_EQ(log.count("Saving "), 0U);
 }
 
 TEST_F(SaveListTest, WithoutItemsTheListIsEmpty) { EXPECT_EQ(save(0, false), ""); }

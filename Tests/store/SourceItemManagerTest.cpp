@@ -95,29 +95,25 @@ TEST_F(SourceItemManagerTest, AChangedItemGoesToTheEndAndIsUnread) {
     EXPECT_FALSE(context.sourceItems()[0].readInRoot);
 }
 
-TEST_F(SourceItemManagerTest, TheFilterIsATableOfThreeSettings) {
+TEST_F(SourceItemManagerTest, TheFilterIsThreeSettings) {
     const RowId ghost = context.insertGhostNode("/g");
     context.insertFile(ghost, "file", true, false, 0);
     const RowId sub = context.insertFile(ghost, "folder", true, true, 1);
-    context.insertFile(sub, "inner", false, false, 2);
+    const RowId inner = context.insertFile(sub, "inner", false, false, 2);
     context.insertFile(sub, "inner folder", false, true, 3);
     context.commit();
-    struct Case {
-        ItemFilter filter;
-        std::size_t shown;
-        std::size_t all;
-    };
-    const std::vector<Case> cases = {
-        {{true, true, true}, 4, 4},   {{true, true, false}, 2, 2},   {{true, false, true}, 2, 4},
-        {{true, false, false}, 1, 2}, {{false, true, true}, 2, 4},   {{false, true, false}, 1, 2},
-        {{false, false, true}, 0, 4}, {{false, false, false}, 0, 2},
-    };
-    for (const Case& one : cases) {
-        EXPECT_EQ(context.count(FetchEntity::file, FilterManager::currentFilterPredicate(one.filter)),
-                  one.shown);
-        EXPECT_EQ(context.count(FetchEntity::file,
-                                FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(one.filter)),
-                  one.all);
+    for (const unsigned bits : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U}) {
+        const ItemFilter filter{(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0};
+        const auto countOf = [&](const Predicate& one) { return context.count(FetchEntity::file, one); };
+        const std::size_t ofEachKind = filter.shouldProcessSubfolders ? 2 : 1;
+        EXPECT_EQ(countOf(FilterManager::currentFilterPredicate(filter)),
+                  (filter.shouldProcessFiles ? ofEachKind : 0) +
+                      (filter.shouldProcessFolders ? ofEachKind : 0));
+        EXPECT_EQ(countOf(FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(filter)),
+                  2 * ofEachKind);
+        EXPECT_EQ(filter.admits(context.row(sub)), filter.shouldProcessFolders);
+        EXPECT_EQ(filter.admits(context.row(inner)),
+                  filter.shouldProcessFiles && filter.shouldProcessSubfolders);
     }
 }
 

@@ -52,7 +52,9 @@ TavrinApplication::TavrinApplication(Options options)
         if (mainController->validateUserInterfaceItem() && !mainController->renameEngine().isBusy())
             addWaitingPaths();
     });
-    sessionEnd = std::make_unique<SessionEnd>([this] { saveState(); }, [this] { endNow(); });
+    sessionEnd = std::make_unique<SessionEnd>();
+    QObject::connect(sessionEnd.get(), &SessionEnd::mayEnd, mainWindow.get(), [this] { saveState(); });
+    QObject::connect(sessionEnd.get(), &SessionEnd::ends, mainWindow.get(), [this] { endNow(); });
 }
 
 TavrinApplication::~TavrinApplication() {

@@ -41,7 +41,7 @@ class KeepOnlySpecificCharactersAction final : public BaseRenameAction {
         isKept.refill([this](std::u16string_view sequence) { return isContained(sequence); });
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto start = result.size();
         forEachSequence(fragment, [&](std::u16string_view sequence) {
             if (isKept.valueFor(sequence, [this](std::u16string_view other) { return isContained(other); }))

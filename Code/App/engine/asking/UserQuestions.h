@@ -6,8 +6,13 @@
 
 namespace tavrin {
 
+class EngineHost;
 class ProcessingStage;
 class EngineState;
+
+/// Puts a question to the user on the main thread and waits for the answer. When the run loop has ended, or
+/// the question is dropped unanswered, the answer is "stop". Worker threads only.
+ConfirmationChoice askUser(EngineHost& host, RunQuestion question);
 
 /// Asks the user in the middle of a rename and remembers what the answers mean for the rest of the run. The
 /// worker waits for each answer; a request to stop the engine counts as the answer "stop".

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/history/RunHistory.h"
-#include "store/contexts/ProcessingError.h"
+#include "store/contexts/SmallEntities.h"
 #include "store/rows/NodeRow.h"
 
 #include <cstdint>

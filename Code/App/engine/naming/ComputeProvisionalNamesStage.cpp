@@ -116,7 +116,7 @@ void ComputeProvisionalNamesStage::processForActionIndex(int index) {
     action = &compositeAction->actionAtIndex(index);
     marker = engine.nextStageFlagCounter();
     count = 0;
-    FetchRequest request{FetchEntity::file, filter.with(Predicate::notMarked(marker)), {}, 0};
+    FetchRequest request{FetchEntity::file, filter.with(Predicate::notMarked(marker)), {}, 0, true};
     const auto* sorted = dynamic_cast<const SortBasedAction*>(action);
     const bool byFolder = sorted && !sorted->shouldUseGlobalSorting();
     if (sorted)
@@ -128,10 +128,12 @@ void ComputeProvisionalNamesStage::processForActionIndex(int index) {
                 break;
         }
         const std::vector<RowId> rows = context->fetch(request);
-        if (std::is_sorted(rows.begin(), rows.end()))
-            processInOrder(rows);
-        else
+        if (std::is_sorted(rows.begin(), rows.end())) {
+            for (const RowId id : rows)
+                processRow(id, count + 1);
+        } else {
             processByRank(rows);
+        }
         report.describe("{} provisional names computed. Committing..", count);
         saveAndRefaultObjects();
         if (!byFolder && rows.empty())
@@ -141,11 +143,11 @@ void ComputeProvisionalNamesStage::processForActionIndex(int index) {
 }
 
 bool ComputeProvisionalNamesStage::moveToNextFolder(FetchRequest& request) {
-    const FetchRequest folders{FetchEntity::node,
-                               Predicate::notMarked(marker, NodeKey::secondaryStageFlag)
-                                   .with(Predicate::isTrue(NodeKey::treatAsFolder)),
-                               {},
-                               1};
+    const FetchRequest folders{
+        FetchEntity::node,
+        Predicate::notSecondaryMarked(marker).with(Predicate::isTrue(NodeKey::treatAsFolder)),
+        {},
+        1};
     const std::vector<RowId> folder = context->fetch(folders);
     if (folder.empty())
         return false;
@@ -155,18 +157,6 @@ bool ComputeProvisionalNamesStage::moveToNextFolder(FetchRequest& request) {
     return true;
 }
 
-void ComputeProvisionalNamesStage::processInOrder(const std::vector<RowId>& rows) {
-    for (const RowId id : rows) {
-        processRow(id, count + 1);
-        // Asked of skipped rows too, so that a count that stands at a multiple commits again for each of
-        // them.
-        if (count % rowsPerCommit == 0)
-            commitNames();
-        else if (context->hasWideChanges())
-            saveAndRefaultObjects();
-    }
-}
-
 /// A name depends on its rank, not on when it is made. So the ranks are given out first, and then the rows
 /// are taken as they lie: out of their order each would call for its block, and for its segment of the file,
 /// anew.
@@ -174,37 +164,15 @@ void ComputeProvisionalNamesStage::processByRank(const std::vector<RowId>& rows)
     const auto [lowest, highest] = std::minmax_element(rows.begin(), rows.end());
     const RowId first = *lowest;
     std::vector<std::int32_t> ranks(*highest - first + 1, 0); // from 1; skipped rows have that of the next
-    std::vector<std::uint32_t> commitsAt(rows.size() / rowsPerCommit + 1, 0); // as many as in order
-    std::int32_t ranked = 0;
+    std::int32_t rank = 1;
     for (const RowId id : rows) {
-        const bool counts = isProcessed(context->treatAsFolder(id));
-        ranks[id - first] = ranked + 1;
-        ranked += counts ? 1 : 0;
-        if (ranked % rowsPerCommit == 0)
-            ++commitsAt[static_cast<std::size_t>(ranked / rowsPerCommit)];
+        ranks[id - first] = rank;
+        rank += isProcessed(context->treatAsFolder(id)) ? 1 : 0;
     }
-    context->readByIdNow();
-    const auto commitAsOften = [&] {
-        for (auto left = commitsAt[static_cast<std::size_t>(count / rowsPerCommit)]; left > 0; --left)
-            commitNames();
-    };
-    commitAsOften();
     for (std::size_t i = 0; i < ranks.size(); ++i) {
-        if (ranks[i] == 0)
-            continue;
-        const std::int32_t before = count;
-        processRow(first + static_cast<RowId>(i), ranks[i]);
-        if (count != before && count % rowsPerCommit == 0)
-            commitAsOften();
-        else if (context->hasWideChanges())
-            saveAndRefaultObjects();
+        if (ranks[i] != 0)
+            processRow(first + static_cast<RowId>(i), ranks[i]);
     }
-}
-
-void ComputeProvisionalNamesStage::commitNames() {
-    const StageProgress report(progress);
-    report.describe("{} new names calculated. Committing.", count);
-    saveAndRefaultObjects();
 }
 
 void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
@@ -214,7 +182,8 @@ void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
         context->name(id, input.currentName);
     else
         context->finalName(id, input.currentName);
-    if (isProcessed(context->row(id).treatAsFolder)) {
+    const bool counts = isProcessed(context->row(id).treatAsFolder);
+    if (counts) {
         input.rank = rank;
         runAction(id);
         report.item(++count);
@@ -223,6 +192,12 @@ void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
     }
     storeNewName(id);
     context->setStageFlag(id, marker);
+    if (counts && count % rowsPerCommit == 0) {
+        report.describe("{} new names calculated. Committing.", count);
+        saveAndRefaultObjects();
+    } else {
+        context->commitIfMuchIsStaged();
+    }
 }
 
 void ComputeProvisionalNamesStage::runAction(RowId id) {

@@ -34,9 +34,7 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     void processForActionIndex(int index);
     /// Points the request at the next folder; false when all folders are done.
     bool moveToNextFolder(FetchRequest& request);
-    void processInOrder(const std::vector<RowId>& rows);
     void processByRank(const std::vector<RowId>& rows);
-    void commitNames();
     [[nodiscard]] bool isProcessed(bool isFolder) const { return isFolder ? processFolders : processFiles; }
     /// Skipped rows have no use for the rank.
     void processRow(RowId id, std::int32_t rank);

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "store/rows/NameSlots.h"
 #include "store/rows/NodeRow.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -22,7 +22,7 @@ class NameTable {
     /// Children whose names are one apart from case, in reading order.
     using Group = std::vector<RowId>;
 
-    explicit NameTable(StoreContext& context);
+    explicit NameTable(StoreContext& storeContext) : context(storeContext) {}
 
     /// Reads the names of the children. From then on the final names of rows that are in no group must not
     /// change.
@@ -35,12 +35,6 @@ class NameTable {
     void add(RowId id);
 
   private:
-    static constexpr std::uint32_t none = 0xFFFFFFFF;
-
-    struct Slot {
-        std::uint32_t hash = 0;
-        std::uint32_t entry = none;
-    };
     struct NamedGroup {
         std::u16string key; ///< stays in use when its members have moved on
         Group members;
@@ -48,20 +42,16 @@ class NameTable {
 
     /// The lower-cased final name of a row, valid until the next call.
     std::u16string_view keyOf(RowId id);
-    [[nodiscard]] std::uint32_t hashOf(std::u16string_view key) const;
     void readBatch(std::span<const RowId> children);
-    /// The entry with this hash and key, or none. The key is asked for only where the hash is found.
+    /// The entry with this hash and key, or 0. The key is asked for only where the hash is found.
     template <typename Key> std::uint32_t find(std::uint32_t hash, Key key);
     [[nodiscard]] bool isKeyOf(std::uint32_t entry, std::u16string_view key);
     void addEntry(RowId id, std::uint32_t hash);
     void addMember(std::uint32_t entry, RowId id);
-    void insert(Slot slot);
-    void grow();
 
     StoreContext& context;
-    const std::uint64_t seed;
-    std::vector<RowId> rows; ///< by entry: the row that bears the name, the first of a group
-    std::vector<Slot> table; ///< open addressing; the size is a power of two
+    std::vector<RowId> rows; ///< by entry, from 1: the row that bears the name, the first of a group
+    NameSlots entries;
     std::unordered_map<std::uint32_t, NamedGroup> groups; ///< by entry
     std::u16string nameBuffer;
     std::u16string keyBuffer;

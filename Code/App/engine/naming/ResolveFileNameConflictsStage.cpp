@@ -1,6 +1,5 @@
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 
-#include "engine/naming/ConflictOrder.h"
 #include "engine/naming/NameTable.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/EngineState.h"
@@ -109,7 +108,7 @@ void ResolveFileNameConflictsStage::processFolder(NameTable& names, RowId folder
 }
 
 void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<RowId> members) {
-    sortRows(*context, sortDescriptors, members);
+    context->sort(members, sortDescriptors);
     conflictCounter = 0;
     bool kept = false;
     for (const RowId id : members) {

@@ -3,79 +3,50 @@
 #include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"
 
-#include <bit>
-#include <functional>
-
 namespace tavrin {
-
-namespace {
-
-std::uint32_t hashOf(std::string_view name) {
-    return static_cast<std::uint32_t>(std::hash<std::string_view>{}(name));
-}
-
-/// The slot of the first row that has this hash and passes the test, or the free one where it would go.
-template <typename Table, typename Test> auto& slotFor(Table& table, std::uint32_t hash, Test isWanted) {
-    const std::size_t mask = table.size() - 1;
-    std::size_t at = hash & mask;
-    while (table[at].row != noRow && !(table[at].hash == hash && isWanted(table[at].row)))
-        at = (at + 1) & mask;
-    return table[at];
-}
-
-} // namespace
 
 void SiblingNames::build(StoreContext& from, const std::vector<RowId>& children) {
     context = &from;
-    namesDifferInCaseAlone = false;
-    lowerCased.assign(std::bit_ceil(2 * children.size() + 1), {});
-    for (const RowId child : children)
-        addLowerCased(child);
-    if (namesDifferInCaseAlone)
-        addVeryNames(children);
-}
-
-void SiblingNames::addLowerCased(RowId child) {
-    text::lowercaseBytes(context->component(child), key);
-    const std::uint32_t hash = hashOf(key);
-    Slot& slot = slotFor(lowerCased, hash, [&](RowId row) { return isLowerCasedNameOf(row, key); });
-    namesDifferInCaseAlone |= slot.row != noRow;
-    slot = {hash, child};
-}
-
-void SiblingNames::addVeryNames(const std::vector<RowId>& children) {
-    veryNames.assign(lowerCased.size(), {});
+    lowerCased.reset(children.size());
+    veryNames.clear();
+    bool namesDifferInCaseAlone = false;
     for (const RowId child : children) {
-        const std::uint32_t hash = hashOf(context->component(child));
-        slotFor(veryNames, hash, [](RowId) { return false; }) = {hash, child};
+        text::lowercaseBytes(context->component(child), key);
+        const std::uint32_t hash = lowerCased.hashOf(std::string_view(key));
+        if (RowId* const present = findLowerCased(hash)) {
+            *present = child;
+            namesDifferInCaseAlone = true;
+        } else {
+            lowerCased.add(hash, child);
+        }
     }
+    if (!namesDifferInCaseAlone)
+        return;
+    veryNames.reset(children.size());
+    for (const RowId child : children)
+        veryNames.add(veryNames.hashOf(context->component(child)), child);
 }
 
-bool SiblingNames::isLowerCasedNameOf(RowId child, std::string_view wanted) {
-    text::lowercaseBytes(context->component(child), other);
-    return other == wanted;
+RowId* SiblingNames::findLowerCased(std::uint32_t hash) {
+    return lowerCased.find(hash, [this](RowId row) {
+        text::lowercaseBytes(context->component(row), other);
+        return other == key;
+    });
 }
 
 RowId SiblingNames::find(std::string_view name) {
-    if (lowerCased.empty())
-        return noRow;
-    if (namesDifferInCaseAlone) {
-        const Slot& slot =
-            slotFor(veryNames, hashOf(name), [&](RowId row) { return context->component(row) == name; });
-        if (slot.row != noRow)
-            return slot.row;
+    const RowId* found =
+        veryNames.find(veryNames.hashOf(name), [&](RowId row) { return context->component(row) == name; });
+    if (found == nullptr) {
+        text::lowercaseBytes(name, key);
+        found = findLowerCased(lowerCased.hashOf(std::string_view(key)));
     }
-    text::lowercaseBytes(name, key);
-    return slotFor(lowerCased, hashOf(key), [&](RowId row) { return isLowerCasedNameOf(row, key); }).row;
+    return found == nullptr ? noRow : *found;
 }
 
 void SiblingNames::clear() {
-    constexpr std::size_t worthKeeping = 4096;
-    for (Table* table : {&lowerCased, &veryNames}) {
-        table->clear();
-        if (table->capacity() > worthKeeping)
-            table->shrink_to_fit();
-    }
+    lowerCased.clear();
+    veryNames.clear();
 }
 
 } // namespace tavrin

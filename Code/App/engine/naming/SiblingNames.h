@@ -1,9 +1,8 @@
 #pragma once
 
+#include "store/rows/NameSlots.h"
 #include "store/rows/NodeRow.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,8 +11,7 @@ namespace tavrin {
 
 class StoreContext;
 
-/// The children of one folder by their current names. Eight bytes a slot and no text of its own, so that a
-/// folder of a million children fits; names are compared in the rows.
+/// The children of one folder by their current names, for the search for who holds a wanted name.
 class SiblingNames {
   public:
     /// Takes the names of these rows.
@@ -24,20 +22,12 @@ class SiblingNames {
     void clear();
 
   private:
-    struct Slot {
-        std::uint32_t hash = 0;
-        RowId row = noRow;
-    };
-    using Table = std::vector<Slot>; ///< open addressing, a power of two in size
-
-    void addLowerCased(RowId child);
-    void addVeryNames(const std::vector<RowId>& children);
-    bool isLowerCasedNameOf(RowId child, std::string_view wanted);
+    /// The last child whose lower-cased name is `key`; null for none.
+    RowId* findLowerCased(std::uint32_t hash);
 
     StoreContext* context = nullptr;
-    Table lowerCased;
-    Table veryNames; ///< only made when children differ in case alone
-    bool namesDifferInCaseAlone = false;
+    NameSlots lowerCased;
+    NameSlots veryNames; ///< only filled when children differ in case alone
     std::string key;
     std::string other;
 };

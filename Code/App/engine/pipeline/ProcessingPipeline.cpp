@@ -2,7 +2,7 @@
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/asking/ErrorReportManager.h"
-#include "engine/asking/RunQuestion.h"
+#include "engine/asking/UserQuestions.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"

@@ -132,9 +132,10 @@ void PrepareForRenamingStage::setDepth(RowId id, std::int32_t depth) {
 }
 
 void PrepareForRenamingStage::commitNowAndThen() {
-    if (++changedRows < rowsPerCommit && !context->hasWideChanges())
+    if (++changedRows == rowsPerCommit)
+        saveAndRefaultObjects();
+    else if (!context->commitIfMuchIsStaged())
         return;
-    saveAndRefaultObjects();
     changedRows = 0;
 }
 

@@ -6,6 +6,13 @@
 #include "platform/metadata/ExifHelper.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
+#include "support/text/KQStringUtilities.h"
+#include "support/text/PathParts.h"
+#include "support/text/Text.h"
+
+#include <fmt/core.h>
+
+#include <random>
 
 namespace tavrin {
 
@@ -77,5 +84,37 @@ FileStatus AddFileSortingDataStage::statusOf(RowId parent, const std::string& na
         status = {};
     return status;
 }
+
+PropertyValue AddFileSortingDataStage::getSortingValueForPath(const std::string& path, int andSetting) const {
+    const FileManager& files = FileManager::instance();
+    const std::u16string name = text::fromBytes(PathParts(path).name);
+    switch (andSetting < 0 || andSetting > 12 ? -1 : andSetting / 2) {
+    case 0:
+        return name;
+    case 1:
+        return files.fileModificationDate(path).value_or(0.0);
+    case 2:
+        return files.fileCreationDate(path).value_or(0.0);
+    case 3:
+        return text::fromUtf8(fmt::format("{:016}", files.sizeForPath(path, sumFolders)));
+    case 4:
+        return retrieveEXIFData ? files.fileEXIFDate(path) : 0.0;
+    case 5:
+        return KQStringUtilities::expandNumberBlocks(name);
+    case 6:
+        return text::fromUtf8(createUUID());
+    default:
+        return u"cheers";
+    }
+}
+
+std::string AddFileSortingDataStage::createUUID() {
+    std::random_device random;
+    const auto part = [&random](unsigned bits) { return random() & ((std::uint64_t{1} << bits) - 1); };
+    return fmt::format("{:08X}-{:04X}-4{:03X}-{:04X}-{:08X}{:04X}", part(32), part(16), part(12),
+                       part(14) | 0x8000, part(32), part(16));
+}
+
+std::string AddFileSortingDataStage::formatDate(double date) { return fmt::format("{:020.4f}", date); }
 
 } // namespace tavrin

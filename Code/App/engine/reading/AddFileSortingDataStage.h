@@ -3,6 +3,7 @@
 #include "engine/pipeline/ProcessingStage.h"
 #include "platform/files/FileSystem.h"
 #include "store/rows/NodeRow.h"
+#include "support/values/PropertyValue.h"
 
 #include <memory>
 #include <string>
@@ -17,6 +18,15 @@ class AddFileSortingDataStage final : public ProcessingStage {
     bool process() override;
     [[nodiscard]] std::string className() const override { return "AddFileSortingDataStage"; }
     [[nodiscard]] std::string stageDescription() const override;
+
+    /// The value that a sort setting goes by: a text (name, size, natural name, random) or a number of
+    /// seconds since 2001-01-01 UTC. Settings come in pairs, ascending and descending, with one value;
+    /// "cheers" for one outside 0 to 12. Follows the settings of the last `process`.
+    [[nodiscard]] PropertyValue getSortingValueForPath(const std::string& path, int andSetting) const;
+    /// A new random UUID (RFC 4122, version 4) in its usual text form.
+    static std::string createUUID();
+    /// Seconds since 2001 as "%020.4lf".
+    static std::string formatDate(double date);
 
   private:
     void addSortingData(RowId id);

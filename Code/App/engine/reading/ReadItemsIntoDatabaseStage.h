@@ -4,8 +4,8 @@
 #include "engine/reading/FolderAliases.h"
 #include "platform/files/FileSystem.h"
 #include "platform/metadata/FileManager.h"
+#include "store/contexts/SmallEntities.h"
 #include "store/rows/NodeRow.h"
-#include "store/sources/SourceItem.h"
 
 #include <map>
 #include <memory>

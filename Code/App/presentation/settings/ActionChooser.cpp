@@ -4,7 +4,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/ActionSearchField.h"
-#include "presentation/settings/WidePopUpBox.h"
+#include "presentation/settings/ParameterEditors.h"
 #include "shell/commands/MainController.h"
 
 #include <QBoxLayout>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr int spacing = 8;
 
-QComboBox* makeBox(const char* name, const char* accessibleName) {
+QComboBox* makeBox(const char* name, const QString& accessibleName) {
     auto* box = new WidePopUpBox;
     box->setObjectName(name);
     box->setAccessibleName(accessibleName);
@@ -28,10 +28,10 @@ QComboBox* makeBox(const char* name, const char* accessibleName) {
 
 } // namespace
 
-ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
-    : QWidget(parent), services(shared), search(new ActionSearchField(services.actionList)),
-      categoryPopUpButton(makeBox("categoryPopUpButton", "Category")),
-      actionPopUpButton(makeBox("actionPopUpButton", "Action")),
+ActionChooser::ActionChooser(const WindowServices& shared)
+    : services(shared), search(new ActionSearchField(services.actionList)),
+      categoryPopUpButton(makeBox("categoryPopUpButton", tr("Category"))),
+      actionPopUpButton(makeBox("actionPopUpButton", tr("Action"))),
       all(new QBoxLayout(QBoxLayout::TopToBottom, this)), boxes(new QBoxLayout(QBoxLayout::LeftToRight)) {
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(spacing);
@@ -40,7 +40,7 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
     boxes->addWidget(categoryPopUpButton, 2);
     boxes->addWidget(actionPopUpButton, 3);
     all->addLayout(boxes, 5);
-    search->setFoundHandler([this](std::int32_t menuIndex) {
+    connect(search, &ActionSearchField::found, this, [this](std::int32_t menuIndex) {
         wasFoundBySearch = true;
         choose(menuIndex);
     });
@@ -60,8 +60,6 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
     connect(actionPopUpButton, &QComboBox::activated, this,
             [this](int row) { choose(actionPopUpButton->itemData(row).toInt()); });
 }
-
-ActionChooser::~ActionChooser() = default;
 
 /// All in one row in a wide and low pane, the boxes below each other where their labels would be cut.
 void ActionChooser::arrange() {

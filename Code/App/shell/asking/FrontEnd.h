@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/asking/RunQuestion.h"
-#include "store/contexts/ProcessingError.h"
+#include "store/contexts/SmallEntities.h"
 
 #include <cstddef>
 #include <functional>

@@ -1,7 +1,6 @@
 #include "store/contexts/StoreContext.h"
 
 #include "store/contexts/StoreContextImpl.h"
-#include "store/rows/RowSummary.h"
 
 #include <algorithm>
 #include <utility>
@@ -19,17 +18,15 @@ constexpr std::size_t droppedBlocks = 48;
 } // namespace
 
 StoreContext::StoreContext(ItemStore& store, MergePolicy policy)
-    : impl(std::make_unique<Impl>(store, policy)) {
-    impl->self = this;
-}
+    : impl(std::make_unique<Impl>(store, policy)) {}
 
 StoreContext::~StoreContext() = default;
 
-ItemStore& StoreContext::store() const { return impl->itemStore; }
+ItemStore& StoreContext::store() const { return impl->store; }
 
 std::recursive_mutex& StoreContext::mutex() const { return impl->mutex; }
 
-std::uint64_t StoreContext::listVersion() const { return impl->store.listVersion; }
+std::uint64_t StoreContext::listVersion() const { return impl->store.listVersion(); }
 
 // --- Blocks ---
 
@@ -65,8 +62,8 @@ RowBlock& StoreContext::Impl::loadBlock(std::uint32_t number) {
     block->forgetChanges();
     block->lastUse = ++clock;
     {
-        std::scoped_lock lock(store.mutex);
-        store.loadRows(*block);
+        const ItemStore::Access inside = store.access();
+        inside->loadRows(*block);
     }
     lastBlock = block.get();
     blocks[number] = std::move(block);
@@ -95,8 +92,8 @@ void StoreContext::Impl::makeRoomForBlock() {
 RowBlock& StoreContext::Impl::blockWithNames(RowId id) {
     RowBlock& block = blockOf(id);
     if (!block.hasNames) {
-        std::scoped_lock lock(store.mutex);
-        store.loadNames(block);
+        const ItemStore::Access inside = store.access();
+        inside->loadNames(block);
     }
     return block;
 }
@@ -104,8 +101,8 @@ RowBlock& StoreContext::Impl::blockWithNames(RowId id) {
 RowBlock& StoreContext::Impl::blockWithFinals(RowId id) {
     RowBlock& block = blockOf(id);
     if (!block.hasFinals) {
-        std::scoped_lock lock(store.mutex);
-        store.loadFinals(block);
+        const ItemStore::Access inside = store.access();
+        inside->loadFinals(block);
     }
     return block;
 }
@@ -115,7 +112,7 @@ void StoreContext::Impl::note(RowBlock& block, RowId id, RowBlock::Change change
     block.note(RowBlock::index(id), change);
     if (isFirstInBlock) {
         staged.blocks.push_back(&block);
-        stagedSegments.insert(Segment::number(id));
+        staged.segments.insert(Segment::number(id));
     }
 }
 
@@ -143,9 +140,9 @@ void StoreContext::Impl::refreshUnchangedRows(RowBlock& block) {
     const auto fresh = std::make_unique<RowBlock>();
     fresh->first = block.first;
     {
-        std::scoped_lock lock(store.mutex);
-        store.loadRows(*fresh);
-        store.loadFinals(*fresh);
+        const ItemStore::Access inside = store.access();
+        inside->loadRows(*fresh);
+        inside->loadFinals(*fresh);
     }
     for (std::size_t i = 0; i < RowBlock::capacity; ++i) {
         if (block.changes[i] != 0)
@@ -186,14 +183,14 @@ std::uint8_t StoreContext::Impl::summary(RowId id) {
             if (changes & RowBlock::inserted)
                 return rowSummary::of(block->rows[RowBlock::index(id)]);
             if (changes != 0) {
-                std::scoped_lock lock(store.mutex);
-                const bool isLive = store.summaries[id] != rowSummary::none;
-                return isLive ? rowSummary::of(block->rows[RowBlock::index(id)]) : rowSummary::none;
+                const ItemStore::Access inside = store.access();
+                return inside->exists(id) ? rowSummary::of(block->rows[RowBlock::index(id)])
+                                          : rowSummary::none;
             }
         }
     }
-    std::scoped_lock lock(store.mutex);
-    return id < store.summaries.size() ? store.summaries[id] : rowSummary::none;
+    const ItemStore::Access inside = store.access();
+    return id < inside->summaries.size() ? inside->summaries[id] : rowSummary::none;
 }
 
 const std::string& StoreContext::Impl::folderPath(RowId folder) {
@@ -204,8 +201,8 @@ const std::string& StoreContext::Impl::folderPath(RowId folder) {
         lastFolderPath = found->second;
         return lastFolderPath;
     }
-    std::scoped_lock lock(store.mutex);
-    const FolderTable::Folder* record = store.folders.ofRow(folder);
+    const ItemStore::Access inside = store.access();
+    const FolderTable::Folder* record = inside->folders.ofRow(folder);
     lastFolderPath = record ? record->path : std::string();
     return lastFolderPath;
 }
@@ -216,10 +213,10 @@ RowImages::Image* StoreContext::Impl::image(RowId id) {
     RowImages::Image* found = images.find(id);
     if (found == nullptr && gatherImages(id))
         found = images.find(id);
-    if (found == nullptr || imagesDeletionVersion == store.deletionVersion)
+    if (found == nullptr || imagesDeletionVersion == store.deletionVersion())
         return found;
-    std::scoped_lock lock(store.mutex);
-    return store.summaries[id] == rowSummary::none ? nullptr : found;
+    const ItemStore::Access inside = store.access();
+    return inside->exists(id) ? found : nullptr;
 }
 
 /// Gathers the rows that the walk comes to next, if this row is among them.
@@ -237,19 +234,19 @@ bool StoreContext::Impl::gatherImages(RowId id) {
     const std::size_t count = std::min(RowImages::capacity, walked->rows.size() - walkPosition);
     std::vector<RowId> ids(place, place + static_cast<std::ptrdiff_t>(count));
     walkPosition += count;
-    std::scoped_lock lock(store.mutex);
-    std::erase_if(ids, [this](RowId row) { return store.summaries[row] == rowSummary::none; });
-    images.gather(std::move(ids), store.segments);
-    imagesRowVersion = store.rowVersion;
-    imagesDeletionVersion = store.deletionVersion;
+    const ItemStore::Access inside = store.access();
+    std::erase_if(ids, [&](RowId row) { return !inside->exists(row); });
+    images.gather(std::move(ids), inside->segments);
+    imagesRowVersion = inside->rowVersion;
+    imagesDeletionVersion = inside->deletionVersion;
     return true;
 }
 
 void StoreContext::Impl::forgetStaleImages() {
     if (images.isEmpty())
         return;
-    std::scoped_lock lock(store.mutex);
-    if (imagesRowVersion != store.rowVersion)
+    const ItemStore::Access inside = store.access();
+    if (imagesRowVersion != inside->rowVersion)
         images.clear();
 }
 
@@ -257,12 +254,18 @@ void StoreContext::Impl::forgetStaleImages() {
 
 bool StoreContext::hasChanges() const { return !impl->staged.isEmpty(); }
 
-bool StoreContext::hasWideChanges() const {
+bool StoreContext::commitIfMuchIsStaged() {
     constexpr std::size_t manyBlocks = 1024;
     constexpr std::size_t manySegments = 24;
     constexpr std::size_t manyBytes = 4u << 20;
-    return impl->staged.blocks.size() >= manyBlocks || impl->staged.tagBytes >= manyBytes ||
-           (impl->itemStore.kind() == ItemStore::Kind::file && impl->stagedSegments.size() >= manySegments);
+    const bool isMuch =
+        impl->staged.blocks.size() >= manyBlocks || impl->staged.tagBytes >= manyBytes ||
+        (impl->store.kind() == ItemStore::Kind::file && impl->staged.segments.size() >= manySegments);
+    if (isMuch) {
+        commit();
+        refault();
+    }
+    return isMuch;
 }
 
 void StoreContext::commit() {
@@ -275,15 +278,17 @@ void StoreContext::commit() {
     changes.committer = this;
     std::function<void(const StoreChanges&)> didSave;
     {
-        std::scoped_lock lock(self.store.mutex);
-        self.store.apply(self.staged, changes);
-        didSave = self.store.didSave;
+        const ItemStore::Access inside = self.store.access();
+        inside->apply(self.staged, changes);
+        didSave = inside->didSave;
     }
     for (RowBlock* block : self.staged.blocks)
         block->forgetChanges();
+    for (const auto& [id, marker] : self.staged.marks) {
+        if (RowBlock* block = self.presentBlock(id)) // read after the mark was set
+            block->stageFlags[RowBlock::index(id)] = marker;
+    }
     self.staged = StagedChanges{};
-    self.stagedSegments.clear();
-    self.stagedFolders.clear();
     self.forgetStaleImages();
     if (changes.rowsDeleted)
         self.forgetDeletedRows(changes);
@@ -312,8 +317,6 @@ void StoreContext::reset() {
     Impl& self = *impl;
     self.dropAllBlocks();
     self.staged = StagedChanges{};
-    self.stagedSegments.clear();
-    self.stagedFolders.clear();
     self.nextReserved = self.endReserved = noRow;
     self.forgetStaleImages();
     self.lastFolder = noRow;

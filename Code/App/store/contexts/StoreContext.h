@@ -1,10 +1,8 @@
 #pragma once
 
-#include "store/contexts/EngineControl.h"
-#include "store/contexts/ProcessingError.h"
+#include "store/contexts/SmallEntities.h"
 #include "store/queries/Predicate.h"
 #include "store/rows/NodeRow.h"
-#include "store/sources/SourceItem.h"
 #include "support/values/PropertyValue.h"
 
 #include <array>
@@ -49,9 +47,8 @@ class StoreContext {
     /// for passes that mark what they have handled.
     std::vector<RowId> fetch(const FetchRequest& request);
     std::size_t count(FetchEntity entity, const Predicate& predicate);
-    /// For rows that were fetched in a sort order and will be read by ascending id all the same: nothing is
-    /// gathered ahead along the order.
-    void readByIdNow();
+    /// Puts committed rows, which come by ascending id, into the order that a fetch would give them.
+    void sort(std::vector<RowId>& rows, const std::vector<SortDescriptor>& order);
     /// The row with this absolute path, folders and ghosts first; staged inserts included.
     RowId nodeWithPath(std::string_view path);
     /// The `File` row with this absolute path.
@@ -72,8 +69,6 @@ class StoreContext {
     /// The attribute `name`: the component as text with every ":" a "/".
     void name(RowId id, std::u16string& into);
     std::u16string name(RowId id);
-    /// The attribute `name` in the bytes of the file system.
-    void nameBytes(RowId id, std::string& into);
     void finalName(RowId id, std::u16string& into);
     std::u16string finalName(RowId id);
     void setFinalName(RowId id, std::u16string_view text);
@@ -86,17 +81,12 @@ class StoreContext {
     std::string parentPath(RowId id);
     PassMarker stageFlag(RowId id);
     void setStageFlag(RowId id, PassMarker marker);
-    PassMarker secondaryStageFlag(RowId id);
     void setSecondaryStageFlag(RowId id, PassMarker marker);
     using RegexColumns = std::array<std::u16string, 6>;
     [[nodiscard]] std::optional<RegexColumns> regexColumns(RowId id);
     void setRegexColumns(RowId id, const RegexColumns& columns);
     [[nodiscard]] std::optional<PropertyData> tagData(RowId id);
     void setTagData(RowId id, PropertyData data);
-
-    /// Any attribute by key, for bindings, dumps and tests; absent where the row has none. Rows come as
-    /// integers.
-    std::optional<PropertyValue> valueForKey(RowId id, NodeKey key);
 
     /// A new `File` row with the given parent; `finalName` is its name.
     RowId insertFile(RowId parent, std::string_view component, bool root, bool treatAsFolder,
@@ -127,8 +117,6 @@ class StoreContext {
 
     // --- Changes ---
     [[nodiscard]] bool hasChanges() const;
-    /// Whether what is staged is so much, or spread over so many rows, that committing it now saves memory.
-    [[nodiscard]] bool hasWideChanges() const;
     /// Makes all staged changes part of the store. Throws StoreError when what they change cannot be read;
     /// everything is still staged then.
     void commit();
@@ -136,6 +124,9 @@ class StoreContext {
     void commitWithoutRows();
     /// Drops the values of all unchanged rows; they are read anew when asked for.
     void refault();
+    /// Commits and refaults where holding what is staged would take more than that: to be called between two
+    /// rows of a pass. Whether it did.
+    bool commitIfMuchIsStaged();
     /// Drops staged changes and values. Cursors go on, since batches of a pass are cut by resets.
     void reset();
     /// Takes over what another context has committed. Called under `mutex()`, on the committing thread.

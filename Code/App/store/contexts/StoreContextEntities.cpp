@@ -10,9 +10,8 @@ namespace tavrin {
 
 EngineControl& StoreContext::changeEngineControl() {
     if (!impl->staged.control) {
-        std::scoped_lock lock(impl->store.mutex);
-        impl->staged.control = impl->store.control;
-        impl->staged.controlAsRead = impl->store.control;
+        impl->staged.controlAsRead = impl->store.access()->control;
+        impl->staged.control = impl->staged.controlAsRead;
     }
     return *impl->staged.control;
 }
@@ -20,45 +19,35 @@ EngineControl& StoreContext::changeEngineControl() {
 const EngineControl& StoreContext::engineControl() {
     if (impl->staged.control && *impl->staged.control != impl->staged.controlAsRead)
         return *impl->staged.control;
-    std::scoped_lock lock(impl->store.mutex);
-    impl->controlForReading = impl->store.control;
+    impl->controlForReading = impl->store.access()->control;
     return impl->controlForReading;
 }
 
+// Staged changes are committed one by one in practice, so the copy is rarely made.
+template <typename Ask> auto StoreContext::Impl::askSourceItems(Ask ask) {
+    const ItemStore::Access inside = store.access();
+    if (staged.sourceItems.empty())
+        return ask(inside->sourceItems);
+    SourceItemTable table = inside->sourceItems;
+    for (const SourceItemChange& change : staged.sourceItems)
+        table.apply(change);
+    return ask(table);
+}
+
 std::vector<SourceItem> StoreContext::sourceItems() {
-    std::scoped_lock lock(impl->store.mutex);
-    if (impl->staged.sourceItems.empty())
-        return impl->store.sourceItems.inOrderAdded();
-    return impl->sourceItemsWithStaged().inOrderAdded();
+    return impl->askSourceItems([](const SourceItemTable& items) { return items.inOrderAdded(); });
 }
 
 std::size_t StoreContext::sourceItemCount() {
-    std::scoped_lock lock(impl->store.mutex);
-    if (impl->staged.sourceItems.empty())
-        return impl->store.sourceItems.count();
-    return impl->sourceItemsWithStaged().count();
+    return impl->askSourceItems([](const SourceItemTable& items) { return items.count(); });
 }
 
 std::optional<SourceItem> StoreContext::sourceItemWithPath(std::string_view path) {
-    std::scoped_lock lock(impl->store.mutex);
-    if (impl->staged.sourceItems.empty())
-        return impl->store.sourceItems.find(path);
-    return impl->sourceItemsWithStaged().find(path);
+    return impl->askSourceItems([path](const SourceItemTable& items) { return items.find(path); });
 }
 
 std::size_t StoreContext::sourceItemCountBelow(std::string_view folder) {
-    std::scoped_lock lock(impl->store.mutex);
-    if (impl->staged.sourceItems.empty())
-        return impl->store.sourceItems.countBelow(folder);
-    return impl->sourceItemsWithStaged().countBelow(folder);
-}
-
-// Staged changes are committed one by one in practice, so the copy is rarely made.
-SourceItemTable StoreContext::Impl::sourceItemsWithStaged() const {
-    SourceItemTable table = store.sourceItems;
-    for (const SourceItemChange& change : staged.sourceItems)
-        table.apply(change);
-    return table;
+    return impl->askSourceItems([folder](const SourceItemTable& items) { return items.countBelow(folder); });
 }
 
 void StoreContext::insertSourceItem(std::string path, bool treatAsFolder) {
@@ -79,8 +68,8 @@ void StoreContext::insertProcessingError(ProcessingError error) {
 }
 
 std::vector<ProcessingError> StoreContext::processingErrors() {
-    std::scoped_lock lock(impl->store.mutex);
-    const auto& kept = impl->store.errors;
+    const ItemStore::Access inside = impl->store.access();
+    const auto& kept = inside->errors;
     const std::size_t skipped = std::min(impl->staged.deletedErrors, kept.size());
     std::vector<ProcessingError> errors(kept.begin() + static_cast<std::ptrdiff_t>(skipped), kept.end());
     errors.insert(errors.end(), impl->staged.insertedErrors.begin(), impl->staged.insertedErrors.end());
@@ -88,9 +77,9 @@ std::vector<ProcessingError> StoreContext::processingErrors() {
 }
 
 std::size_t StoreContext::deleteProcessingErrors(std::size_t limit) {
-    std::scoped_lock lock(impl->store.mutex);
+    const ItemStore::Access inside = impl->store.access();
     const std::size_t left =
-        impl->store.errors.size() - std::min(impl->staged.deletedErrors, impl->store.errors.size());
+        inside->errors.size() - std::min(impl->staged.deletedErrors, inside->errors.size());
     const std::size_t count = std::min(limit, left);
     impl->staged.deletedErrors += count;
     return count;

@@ -4,15 +4,13 @@
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStoreImpl.h"
 #include "store/paging/RowImages.h"
-#include "store/queries/RowMatcher.h"
-#include "store/rows/RowBlock.h"
+#include "store/rows/NameSlots.h"
 #include "support/text/PathParts.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -26,8 +24,7 @@ inline std::string_view componentOf(std::string_view path) {
 
 /// The inside of a context: blocks of rows read so far, changes staged in them, cursors and sorted lists.
 struct StoreContext::Impl {
-    Impl(ItemStore& newStore, MergePolicy newPolicy)
-        : itemStore(newStore), store(newStore.implementation()), policy(newPolicy) {}
+    Impl(ItemStore& newStore, MergePolicy newPolicy) : store(newStore), policy(newPolicy) {}
 
     // --- Blocks ---
     RowBlock& blockOf(RowId id);
@@ -54,28 +51,25 @@ struct StoreContext::Impl {
     // --- Reading through the staged changes ---
     std::uint8_t summary(RowId id);
     [[nodiscard]] bool hasStagedRows() const { return !staged.blocks.empty() || !staged.marks.empty(); }
-    [[nodiscard]] SourceItemTable sourceItemsWithStaged() const;
+    template <typename Ask> auto askSourceItems(Ask ask);
     /// The path of a row that can have children; empty when it is gone.
     const std::string& folderPath(RowId folder);
 
     // --- Fetching ---
-    bool matches(const RowMatcher& matcher, RowId id);
-    bool passesOtherTests(const std::vector<Predicate::Test>& tests, RowId id);
-    std::vector<RowId> scan(const RowMatcher& matcher, RowId from, RowId to, std::size_t limit, RowId& next);
-    std::vector<RowId> fetchByCursor(const FetchRequest& request, const RowMatcher& matcher);
-    std::vector<RowId> fetchSorted(const FetchRequest& request, const RowMatcher& matcher);
-    std::vector<RowId> fetchChildren(const FetchRequest& request, const RowMatcher& matcher);
+    bool matches(const FetchRequest& request, RowId id);
+    /// Adds matching rows until there are as many as the limit; where to go on.
+    RowId scan(const FetchRequest& request, RowId from, RowId to, std::vector<RowId>& into);
+    std::vector<RowId> fetchByCursor(const FetchRequest& request);
+    std::vector<RowId> fetchSorted(const FetchRequest& request);
+    std::vector<RowId> fetchChildren(const FetchRequest& request);
     template <typename Visit> void forEachRow(const std::vector<RowId>& rows, Visit visit);
-    std::vector<RowId> sortRows(const std::vector<RowId>& rows, const std::vector<SortDescriptor>& order);
+    void sortRows(std::vector<RowId>& rows, const std::vector<SortDescriptor>& order);
 
-    ItemStore& itemStore;
-    ItemStore::Impl& store;
+    ItemStore& store;
     const MergePolicy policy;
     std::recursive_mutex mutex;
-    StoreContext* self = nullptr; // for what is derived through the public operations
 
     StagedChanges staged;
-    std::unordered_set<std::uint32_t> stagedSegments; // those of the staged blocks
     EngineControl controlForReading;
 
     std::unordered_map<std::uint32_t, std::unique_ptr<RowBlock>> blocks;
@@ -85,7 +79,6 @@ struct StoreContext::Impl {
     RowId nextReserved = noRow; // ids for inserts: from here to the end of the block
     RowId endReserved = noRow;
 
-    std::unordered_map<std::string, RowId> stagedFolders; // by path
     RowId lastFolder = noRow;
     std::string lastFolderPath;
     std::string scratch;
@@ -108,15 +101,12 @@ struct StoreContext::Impl {
         bool isInIdOrder = true;
     };
     std::vector<std::unique_ptr<SortedList>> sortedLists;
-    SortedList& sortedList(const FetchRequest& request, const RowMatcher& matcher);
-    std::uint64_t versionsOf(const Predicate& predicate, const std::vector<SortDescriptor>& order);
+    SortedList& sortedList(const FetchRequest& request);
+    std::uint64_t versionsOf(const FetchRequest& request);
 
-    struct NameIndex {
-        std::vector<std::pair<std::uint64_t, RowId>> rows; // by hash of the component
-    };
-    std::unordered_map<RowId, NameIndex> nameIndexes; // by folder, for looking files up by path
+    std::unordered_map<RowId, NameSlots> nameIndexes; // by folder, for looking files up by path
     std::uint64_t nameIndexVersion = 0;
-    RowId childNamed(RowId folder, std::string_view component);
+    RowId childNamed(const ItemStore::Access& inside, RowId folder, std::string_view component);
 
     RowImages images;
     std::uint64_t imagesRowVersion = 0;

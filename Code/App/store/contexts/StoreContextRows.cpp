@@ -1,11 +1,6 @@
 #include "store/contexts/StoreContext.h"
 #include "store/contexts/StoreContextImpl.h"
-#include "store/queries/SortKeys.h"
-#include "store/rows/RowSummary.h"
-#include "support/text/KQStringUtilities.h"
 #include "support/text/Text.h"
-
-#include <fmt/core.h>
 
 #include <algorithm>
 #include <cstring>
@@ -84,11 +79,6 @@ std::u16string StoreContext::name(RowId id) {
     std::u16string result;
     name(id, result);
     return result;
-}
-
-void StoreContext::nameBytes(RowId id, std::string& into) {
-    into = component(id);
-    std::replace(into.begin(), into.end(), ':', '/');
 }
 
 void StoreContext::finalName(RowId id, std::u16string& into) {
@@ -177,10 +167,7 @@ PassMarker StoreContext::stageFlag(RowId id) {
     return impl->blockOf(id).stageFlags[RowBlock::index(id)];
 }
 
-PassMarker StoreContext::Impl::storedStageFlag(RowId id) {
-    std::scoped_lock lock(store.mutex);
-    return store.stageFlags[id];
-}
+PassMarker StoreContext::Impl::storedStageFlag(RowId id) { return store.access()->stageFlags[id]; }
 
 std::optional<TextRegion::Text> StoreContext::Impl::finalText(RowId id) {
     if (presentBlock(id) == nullptr) {
@@ -201,10 +188,6 @@ void StoreContext::setStageFlag(RowId id, PassMarker marker) {
     RowBlock& block = impl->blockOf(id);
     block.stageFlags[RowBlock::index(id)] = marker;
     impl->note(block, id, RowBlock::stageFlag);
-}
-
-PassMarker StoreContext::secondaryStageFlag(RowId id) {
-    return impl->blockOf(id).secondaryStageFlags[RowBlock::index(id)];
 }
 
 void StoreContext::setSecondaryStageFlag(RowId id, PassMarker marker) {
@@ -244,16 +227,16 @@ StoreContext::RegexColumns decoded(std::string_view bytes) {
 std::optional<StoreContext::RegexColumns> StoreContext::regexColumns(RowId id) {
     if (const auto found = impl->staged.regexColumns.find(id); found != impl->staged.regexColumns.end())
         return decoded(found->second);
-    std::string_view columns;
-    std::unique_lock lock(impl->store.mutex, std::defer_lock);
-    if (const RowImages::Image* image = impl->image(id)) {
-        columns = impl->images.regex(*image);
-    } else {
-        lock.lock();
-        if (impl->store.segments.hasRegex(Segment::number(id)))
-            columns = impl->store.segments.use(Segment::number(id)).regexAt(Segment::index(id));
-    }
-    return columns.empty() ? std::nullopt : std::optional(decoded(columns));
+    const auto columnsOf = [](std::string_view columns) {
+        return columns.empty() ? std::nullopt : std::optional(decoded(columns));
+    };
+    if (const RowImages::Image* image = impl->image(id))
+        return columnsOf(impl->images.regex(*image));
+    const ItemStore::Access inside = impl->store.access();
+    SegmentTable& segments = inside->segments;
+    if (!segments.hasRegex(Segment::number(id)))
+        return std::nullopt;
+    return columnsOf(segments.use(Segment::number(id)).regexAt(Segment::index(id)));
 }
 
 void StoreContext::setRegexColumns(RowId id, const RegexColumns& columns) {
@@ -264,8 +247,7 @@ void StoreContext::setRegexColumns(RowId id, const RegexColumns& columns) {
 std::optional<PropertyData> StoreContext::tagData(RowId id) {
     if (const auto found = impl->staged.tagData.find(id); found != impl->staged.tagData.end())
         return found->second;
-    std::scoped_lock lock(impl->store.mutex);
-    return impl->store.tags.get(id);
+    return impl->store.access()->tags.get(id);
 }
 
 void StoreContext::setTagData(RowId id, PropertyData data) {
@@ -273,96 +255,9 @@ void StoreContext::setTagData(RowId id, PropertyData data) {
     impl->staged.tagData.insert_or_assign(id, std::move(data));
 }
 
-std::optional<PropertyValue> StoreContext::valueForKey(RowId id, NodeKey key) {
-    if (!exists(id))
-        return std::nullopt;
-    const NodeRow read = row(id);
-    if (attribute(key).ofFileOnly && read.entity != NodeEntity::file)
-        return std::nullopt;
-    const auto marker = [](PassMarker value) -> std::optional<PropertyValue> {
-        if (value == unmarked)
-            return std::nullopt;
-        return text::fromUtf8(fmt::format("{:02}", value));
-    };
-    const auto reference = [](RowId other) -> std::optional<PropertyValue> {
-        if (other == noRow)
-            return std::nullopt;
-        return PropertyValue(std::int64_t{other});
-    };
-    switch (key) {
-    case NodeKey::fullPath:
-        return text::fromBytes(fullPath(id));
-    case NodeKey::name:
-        return name(id);
-    case NodeKey::treatAsFolder:
-        return read.treatAsFolder;
-    case NodeKey::stageFlag:
-        return marker(stageFlag(id));
-    case NodeKey::secondaryStageFlag:
-        return marker(secondaryStageFlag(id));
-    case NodeKey::depth:
-        return read.depth;
-    case NodeKey::parent:
-        return reference(read.parent);
-    case NodeKey::children: {
-        PropertyArray rows;
-        for (const RowId child : children(id))
-            rows.emplace_back(std::int64_t{child});
-        return rows;
-    }
-    case NodeKey::finalName:
-        return finalName(id);
-    case NodeKey::diff:
-        return read.diff;
-    case NodeKey::root:
-        return read.root;
-    case NodeKey::parentPath:
-        return text::fromBytes(parentPath(id));
-    case NodeKey::manualOrder:
-        return read.manualOrder;
-    case NodeKey::modDate:
-        return read.modDate;
-    case NodeKey::crDate:
-        return read.crDate;
-    case NodeKey::exif:
-        return read.exif;
-    case NodeKey::size:
-        return text::fromUtf8(fmt::format("{:016}", read.size));
-    case NodeKey::smartName:
-        return KQStringUtilities::expandNumberBlocks(text::fromBytes(component(id)));
-    case NodeKey::random:
-        return text::fromUtf8(randomUuid(impl->store.secret, id));
-    case NodeKey::sortingInformationLoaded:
-        return read.sortingInformationLoaded;
-    case NodeKey::tagData:
-        if (auto data = tagData(id))
-            return *data;
-        return std::nullopt;
-    case NodeKey::regex1:
-    case NodeKey::regex2:
-    case NodeKey::regex3:
-    case NodeKey::regex4:
-    case NodeKey::regex5:
-    case NodeKey::regex6:
-        if (const auto columns = regexColumns(id))
-            return (*columns)[static_cast<std::size_t>(key) - static_cast<std::size_t>(NodeKey::regex1)];
-        return std::nullopt;
-    case NodeKey::canBeRenamedIndependently:
-        return read.canBeRenamedIndependently;
-    case NodeKey::mustBeSwapped:
-        return read.mustBeSwapped;
-    case NodeKey::cannotBeRenamedBefore:
-        return reference(read.cannotBeRenamedBefore);
-    case NodeKey::mustBeRenamedBefore:
-        return reference(read.mustBeRenamedBefore);
-    }
-    return std::nullopt;
-}
-
 RowId StoreContext::Impl::insert(const NodeRow& row, std::string_view component) {
     if (nextReserved == endReserved) {
-        std::scoped_lock lock(store.mutex);
-        nextReserved = store.reserveBlock();
+        nextReserved = store.access()->reserveBlock();
         endReserved = nextReserved + static_cast<RowId>(RowBlock::capacity);
         if (nextReserved == noRow)
             ++nextReserved;
@@ -390,7 +285,7 @@ RowId StoreContext::insertFile(RowId parent, std::string_view component, bool ro
     const RowId id = impl->insert(row, component);
     if (treatAsFolder) {
         std::string path = joined(impl->folderPath(parent), component);
-        impl->stagedFolders.try_emplace(path, id);
+        impl->staged.foldersByPath.try_emplace(path, id);
         impl->staged.folderPaths.emplace(id, std::move(path));
     }
     return id;
@@ -403,7 +298,7 @@ RowId StoreContext::insertGhostNode(std::string_view path, const FileIdentity& i
     row.setIdentity(identity);
     row.kind = FileStatus::Kind::folder;
     const RowId id = impl->insert(row, componentOf(path));
-    impl->stagedFolders.try_emplace(std::string(path), id);
+    impl->staged.foldersByPath.try_emplace(std::string(path), id);
     impl->staged.folderPaths.emplace(id, path);
     return id;
 }
@@ -419,11 +314,11 @@ void StoreContext::deleteRow(RowId id) {
 std::size_t StoreContext::deleteNodes(std::size_t limit) {
     RowId next = impl->staged.deletedNodes.empty() ? noRow : impl->staged.deletedNodes.back() + 1;
     std::size_t count = 0;
-    std::scoped_lock lock(impl->store.mutex);
+    const ItemStore::Access inside = impl->store.access();
     if (next == noRow)
         next = impl->firstDeletable;
-    for (; next < impl->store.summaries.size() && count < limit; ++next) {
-        if (impl->store.summaries[next] == rowSummary::none)
+    for (; next < inside->summaries.size() && count < limit; ++next) {
+        if (!inside->exists(next))
             continue;
         impl->staged.deletedNodes.push_back(next);
         ++count;

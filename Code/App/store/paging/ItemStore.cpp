@@ -37,9 +37,9 @@ RowId ItemStore::Impl::reserveBlock() {
     const std::size_t used = summaries.size();
     const std::size_t firstFree = (used + RowBlock::capacity - 1) / RowBlock::capacity * RowBlock::capacity;
     const std::size_t end = firstFree + RowBlock::capacity;
-    summaries.resize(end, 0);
-    stageFlags.resize(end, 0xFF);
-    secondaryStageFlags.resize(end, 0xFF);
+    summaries.resize(end, rowSummary::none);
+    stageFlags.resize(end, unmarked);
+    secondaryStageFlags.resize(end, unmarked);
     return static_cast<RowId>(firstFree);
 }
 
@@ -62,21 +62,21 @@ ItemStore::Kind ItemStore::kind() const { return impl->kind; }
 std::string ItemStore::type() const { return kind() == Kind::file ? "SQLite" : "InMemory"; }
 
 std::string ItemStore::description() const {
-    std::scoped_lock lock(impl->mutex);
-    const auto path = impl->file ? impl->file->path() : std::nullopt;
+    const Access inside = access();
+    const auto path = inside->file ? inside->file->path() : std::nullopt;
     return path ? fmt::format("{} at {}", type(), *path) : type();
 }
 
 const std::optional<std::string>& ItemStore::openError() const { return impl->openError; }
 
-bool ItemStore::migrateToMemory() {
-    std::scoped_lock lock(impl->mutex);
-    return impl->migrateToMemory();
-}
+std::uint64_t ItemStore::listVersion() const { return impl->listVersion; }
+
+std::uint64_t ItemStore::deletionVersion() const { return impl->deletionVersion; }
+
+bool ItemStore::migrateToMemory() { return access()->migrateToMemory(); }
 
 void ItemStore::setDidSaveHandler(std::function<void(const StoreChanges&)> handler) {
-    std::scoped_lock lock(impl->mutex);
-    impl->didSave = std::move(handler);
+    access()->didSave = std::move(handler);
 }
 
 } // namespace tavrin

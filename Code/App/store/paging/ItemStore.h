@@ -24,8 +24,6 @@ struct StoreChanges {
     bool rowsDeleted = false;
     std::vector<RowId> deletedRows; ///< left empty where very many were deleted
     bool engineControl = false;
-    bool sourceItems = false;
-    bool processingErrors = false;
 };
 
 /// The store of items: rows in segments of consecutive ids, with SQLite as the pager behind them ("store" 0),
@@ -66,8 +64,15 @@ class ItemStore {
     /// Called after every commit on the committing thread, no lock of the store held. One handler.
     void setDidSaveHandler(std::function<void(const StoreChanges&)> handler);
 
-    struct Impl; // shared with contexts only
-    [[nodiscard]] Impl& implementation() const { return *impl; }
+    /// Goes up whenever inserts, deletions or changed sort or filter columns void ordered lists.
+    [[nodiscard]] std::uint64_t listVersion() const;
+    /// Goes up with each commit that deletes rows.
+    [[nodiscard]] std::uint64_t deletionVersion() const;
+
+    /// The rows and all else, for contexts: reached through an `Access` alone, which holds the lock.
+    struct Impl;
+    class Access;
+    [[nodiscard]] Access access() const;
 
   private:
     std::unique_ptr<Impl> impl;

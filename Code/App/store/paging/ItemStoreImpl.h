@@ -1,16 +1,15 @@
 #pragma once
 
-#include "store/contexts/EngineControl.h"
-#include "store/contexts/ProcessingError.h"
+#include "store/contexts/SmallEntities.h"
 #include "store/contexts/StagedChanges.h"
 #include "store/paging/ItemStore.h"
 #include "store/paging/SegmentTable.h"
 #include "store/paging/StoreFile.h"
 #include "store/rows/FolderTable.h"
-#include "store/rows/RowBlock.h"
 #include "store/rows/TagTable.h"
 #include "store/sources/SourceItemTable.h"
 
+#include <array>
 #include <atomic>
 #include <deque>
 #include <memory>
@@ -20,7 +19,7 @@
 
 namespace tavrin {
 
-/// The inside of a store. Everything but the atomics is guarded by `mutex`.
+/// The inside of a store. Everything but what is atomic or const is guarded by `mutex`.
 struct ItemStore::Impl {
     explicit Impl(Options options);
 
@@ -33,12 +32,22 @@ struct ItemStore::Impl {
     /// The rows below a folder, in reading order.
     std::vector<RowId> children(RowId folder);
 
+    [[nodiscard]] bool exists(RowId row) const {
+        return row < summaries.size() && summaries[row] != rowSummary::none;
+    }
+
+    /// Behind the last id that was given.
+    [[nodiscard]] RowId endOfRows() const { return static_cast<RowId>(summaries.size()); }
+    [[nodiscard]] bool matches(const FetchRequest& request, RowId row) const {
+        return request.predicate.matchesSummary(request.entity, summaries[row]) &&
+               request.predicate.matchesMarkers(stageFlags[row], secondaryStageFlags[row]);
+    }
+
     /// Takes the changes over, all or nothing. Throws StoreError when what is changed cannot be read. Fills
     /// in what contexts must know.
     void apply(StagedChanges& staged, StoreChanges& into);
     bool migrateToMemory();
 
-    std::mutex mutex;
     const std::optional<std::string> openError;
     std::atomic<Kind> kind;
     std::unique_ptr<StoreFile> file;
@@ -56,25 +65,37 @@ struct ItemStore::Impl {
 
     /// Versions by what a list can depend on.
     std::uint64_t insertVersion = 1;
-    std::uint64_t sortVersion = 1;
-    std::uint64_t filterVersion = 1;
-    std::uint64_t namingVersion = 1;
-    std::uint64_t planVersion = 1;
-    std::uint64_t rowVersion = 1; ///< any value of any row, its markers apart
+    std::array<std::uint64_t, 4> classVersions{1, 1, 1, 1}; ///< by bit of ColumnClass
+    std::uint64_t rowVersion = 1;                           ///< any value of any row, its markers apart
     std::atomic<std::uint64_t> deletionVersion{1};
     std::atomic<std::uint64_t> listVersion{1};
 
     std::function<void(const StoreChanges&)> didSave;
 
   private:
+    friend class Access;
+    std::mutex mutex;
+
     void touchSegments(const StagedChanges& staged);
     void applyBlock(RowBlock& block, StagedChanges& staged, StoreChanges& into);
     void insertRow(RowBlock& block, std::size_t index, StagedChanges& staged);
-    std::uint8_t updateAttributes(NodeRow& row, const NodeRow& changed, const NodeRow& original);
     void collectTree(RowId row, std::vector<RowId>& into);
     void removeRow(RowId row);
     void dropEmptySegments();
     void applySmallEntities(StagedChanges& staged, StoreChanges& into);
 };
+
+/// The inside of a store under its lock. Not to be held while the handler of commits is called.
+class ItemStore::Access {
+  public:
+    explicit Access(Impl& newInside) : lock(newInside.mutex), inside(newInside) {}
+    Impl* operator->() const { return &inside; }
+
+  private:
+    std::scoped_lock<std::mutex> lock;
+    Impl& inside;
+};
+
+inline ItemStore::Access ItemStore::access() const { return Access(*impl); }
 
 } // namespace tavrin

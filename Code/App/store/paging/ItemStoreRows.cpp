@@ -1,7 +1,6 @@
 #include "store/paging/ItemStoreImpl.h"
 #include "store/paging/StoreError.h"
 #include "store/rows/NodeKey.h"
-#include "store/rows/RowSummary.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,22 +9,43 @@
 
 namespace tavrin {
 
+namespace {
+
+/// The changes that need the row's segment.
+constexpr std::uint8_t ofSegment = RowBlock::attributes | RowBlock::finalName | RowBlock::inserted;
+
+constexpr std::uint8_t bit(ColumnClass one) { return static_cast<std::uint8_t>(one); }
+
+/// Takes over what was changed since the row was read; the classes of what is another value now.
+std::uint8_t updateAttributes(NodeRow& row, const NodeRow& changed, const NodeRow& original) {
+    std::uint8_t classes = 0;
+    forEachMember([&](auto member, ColumnClass columnClass) {
+        if (changed.*member == original.*member || row.*member == changed.*member)
+            return;
+        row.*member = changed.*member;
+        classes |= bit(columnClass);
+    });
+    return classes;
+}
+
+} // namespace
+
 void ItemStore::Impl::loadRows(RowBlock& block) {
     const std::uint32_t number = Segment::number(block.first);
     if (!segments.exists(number)) {
         block.rows.fill(NodeRow{});
-        block.stageFlags.fill(0xFF);
-        block.secondaryStageFlags.fill(0xFF);
+        block.stageFlags.fill(unmarked);
+        block.secondaryStageFlags.fill(unmarked);
         return;
     }
     const Segment& segment = segments.use(number);
     const std::size_t offset = Segment::index(block.first);
     for (std::size_t i = 0; i < RowBlock::capacity; ++i) {
-        const std::size_t id = block.first + i;
-        const bool isLive = id < summaries.size() && summaries[id] != rowSummary::none;
+        const RowId id = block.first + static_cast<RowId>(i);
+        const bool isLive = exists(id);
         block.rows[i] = isLive ? segment.rows[offset + i] : NodeRow{};
-        block.stageFlags[i] = isLive ? stageFlags[id] : 0xFF;
-        block.secondaryStageFlags[i] = isLive ? secondaryStageFlags[id] : 0xFF;
+        block.stageFlags[i] = isLive ? stageFlags[id] : unmarked;
+        block.secondaryStageFlags[i] = isLive ? secondaryStageFlags[id] : unmarked;
     }
 }
 
@@ -52,7 +72,7 @@ std::vector<RowId> ItemStore::Impl::children(RowId row) {
         return rows;
     rows.reserve(folder->childCount);
     for (RowId child = folder->lastChild; child != noRow && segments.exists(Segment::number(child));) {
-        if (summaries[child] != rowSummary::none)
+        if (exists(child))
             rows.push_back(child);
         child = segments.use(Segment::number(child)).rows[Segment::index(child)].previousSibling;
     }
@@ -71,17 +91,17 @@ void ItemStore::Impl::apply(StagedChanges& staged, StoreChanges& into) {
     for (RowBlock* block : staged.blocks)
         applyBlock(*block, staged, into);
     for (const auto& [row, marker] : staged.marks) {
-        if (summaries[row] == rowSummary::none)
+        if (!exists(row))
             continue;
         stageFlags[row] = marker;
         into.updated.push_back(row);
     }
     for (const auto& [row, columns] : staged.regexColumns) {
-        if (summaries[row] != rowSummary::none)
+        if (exists(row))
             segments.use(Segment::number(row)).setRegex(Segment::index(row), columns);
     }
     for (auto& [row, data] : staged.tagData) {
-        if (summaries[row] != rowSummary::none)
+        if (exists(row))
             tags.set(row, std::move(data));
     }
     for (const RowId row : doomed)
@@ -96,24 +116,16 @@ void ItemStore::Impl::apply(StagedChanges& staged, StoreChanges& into) {
         dropEmptySegments();
     applySmallEntities(staged, into);
 
-    if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::sort))
-        ++sortVersion;
-    if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::filter))
-        ++filterVersion;
-    if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::naming))
-        ++namingVersion;
-    if (into.columnClasses & static_cast<std::uint8_t>(ColumnClass::plan))
-        ++planVersion;
+    for (std::size_t at = 0; at < classVersions.size(); ++at)
+        classVersions[at] += (into.columnClasses >> at) & 1u;
     insertVersion += into.rowsInserted ? 1 : 0;
     deletionVersion += into.rowsDeleted ? 1 : 0;
-    constexpr auto voiding =
-        static_cast<std::uint8_t>(ColumnClass::sort) | static_cast<std::uint8_t>(ColumnClass::filter);
+    constexpr std::uint8_t voiding = bit(ColumnClass::sort) | bit(ColumnClass::filter);
     if (into.rowsInserted || into.rowsDeleted || (into.columnClasses & voiding))
         ++listVersion;
 }
 
 void ItemStore::Impl::touchSegments(const StagedChanges& staged) {
-    constexpr std::uint8_t ofSegment = RowBlock::attributes | RowBlock::finalName | RowBlock::inserted;
     for (const RowBlock* block : staged.blocks) {
         const bool isTouched = std::any_of(block->changes.begin(), block->changes.end(),
                                            [](std::uint8_t change) { return (change & ofSegment) != 0; });
@@ -126,7 +138,6 @@ void ItemStore::Impl::touchSegments(const StagedChanges& staged) {
 }
 
 void ItemStore::Impl::applyBlock(RowBlock& block, StagedChanges& staged, StoreChanges& into) {
-    constexpr std::uint8_t ofSegment = RowBlock::attributes | RowBlock::finalName | RowBlock::inserted;
     Segment* segment = nullptr;
     const auto byIndex = [](const auto& a, const auto& b) { return a.first < b.first; };
     if (!std::is_sorted(block.originals.begin(), block.originals.end(), byIndex))
@@ -147,7 +158,7 @@ void ItemStore::Impl::applyBlock(RowBlock& block, StagedChanges& staged, StoreCh
                 continue;
             insertRow(block, i, staged);
             into.rowsInserted = true;
-        } else if (summaries[id] == rowSummary::none) {
+        } else if (!exists(id)) {
             continue;
         } else {
             into.updated.push_back(id);
@@ -166,7 +177,7 @@ void ItemStore::Impl::applyBlock(RowBlock& block, StagedChanges& staged, StoreCh
                 segment->finals.clear(Segment::index(id));
             segment->dirty[Segment::finalPart] = true;
             ++rowVersion;
-            into.columnClasses |= static_cast<std::uint8_t>(ColumnClass::naming);
+            into.columnClasses |= bit(ColumnClass::naming);
         }
         if (changes & RowBlock::stageFlag)
             stageFlags[id] = block.stageFlags[i];
@@ -187,42 +198,13 @@ void ItemStore::Impl::insertRow(RowBlock& block, std::size_t index, StagedChange
         ++parent->childCount;
     }
     if (const auto path = staged.folderPaths.find(id); path != staged.folderPaths.end())
-        row.folder = folders.add(id, path->second);
+        folders.add(id, path->second);
     Segment& segment = segments.use(Segment::number(id));
     segment.rows[Segment::index(id)] = row;
     segment.names.set(Segment::index(id), block.names.get(index));
     ++rowVersion;
     segment.dirty[Segment::rowPart] = segment.dirty[Segment::namePart] = true;
     summaries[id] = rowSummary::of(row);
-}
-
-std::uint8_t ItemStore::Impl::updateAttributes(NodeRow& row, const NodeRow& changed,
-                                               const NodeRow& original) {
-    std::uint8_t classes = 0;
-    const auto take = [&](auto NodeRow::*member, ColumnClass columnClass) {
-        if (changed.*member == original.*member || row.*member == changed.*member)
-            return;
-        row.*member = changed.*member;
-        classes |= static_cast<std::uint8_t>(columnClass);
-    };
-    take(&NodeRow::diff, ColumnClass::naming);
-    take(&NodeRow::modDate, ColumnClass::sort);
-    take(&NodeRow::crDate, ColumnClass::sort);
-    take(&NodeRow::exif, ColumnClass::sort);
-    take(&NodeRow::size, ColumnClass::sort);
-    take(&NodeRow::manualOrder, ColumnClass::sort);
-    take(&NodeRow::treatAsFolder, ColumnClass::filter);
-    take(&NodeRow::root, ColumnClass::filter);
-    take(&NodeRow::sortingInformationLoaded, ColumnClass::none);
-    take(&NodeRow::inode, ColumnClass::none);
-    take(&NodeRow::device, ColumnClass::none);
-    take(&NodeRow::depth, ColumnClass::plan);
-    take(&NodeRow::canBeRenamedIndependently, ColumnClass::plan);
-    take(&NodeRow::mustBeSwapped, ColumnClass::plan);
-    take(&NodeRow::madeDistinct, ColumnClass::naming);
-    take(&NodeRow::cannotBeRenamedBefore, ColumnClass::plan);
-    take(&NodeRow::mustBeRenamedBefore, ColumnClass::plan);
-    return classes;
 }
 
 void ItemStore::Impl::collectTree(RowId row, std::vector<RowId>& into) {
@@ -233,7 +215,7 @@ void ItemStore::Impl::collectTree(RowId row, std::vector<RowId>& into) {
         into.insert(into.end(), below.begin(), below.end());
     }
     // The parent loses a child; what lies below goes with its folder.
-    if (row < summaries.size() && summaries[row] != rowSummary::none) {
+    if (exists(row)) {
         const RowId parent = segments.use(Segment::number(row)).rows[Segment::index(row)].parent;
         if (FolderTable::Folder* folder = folders.ofRow(parent))
             --folder->childCount;
@@ -241,12 +223,11 @@ void ItemStore::Impl::collectTree(RowId row, std::vector<RowId>& into) {
 }
 
 void ItemStore::Impl::removeRow(RowId row) {
-    if (row >= summaries.size() || summaries[row] == rowSummary::none)
+    if (!exists(row))
         return;
     summaries[row] = rowSummary::none;
     tags.forget(row);
-    if (const std::uint32_t number = folders.numberOfRow(row))
-        folders.remove(number);
+    folders.remove(row);
 }
 
 void ItemStore::Impl::dropEmptySegments() {
@@ -281,19 +262,12 @@ void ItemStore::Impl::applySmallEntities(StagedChanges& staged, StoreChanges& in
         take(&EngineControl::needToRedoConflictResolution);
         into.engineControl = true;
     }
-    for (const SourceItemChange& change : staged.sourceItems) {
+    for (const SourceItemChange& change : staged.sourceItems)
         sourceItems.apply(change);
-        into.sourceItems = true;
-    }
-    if (staged.deletedErrors > 0) {
-        const std::size_t count = std::min(staged.deletedErrors, errors.size());
-        errors.erase(errors.begin(), errors.begin() + static_cast<std::ptrdiff_t>(count));
-    }
+    const std::size_t gone = std::min(staged.deletedErrors, errors.size());
+    errors.erase(errors.begin(), errors.begin() + static_cast<std::ptrdiff_t>(gone));
     for (ProcessingError& error : staged.insertedErrors)
         errors.push_back(std::move(error));
-    if (staged.deletedErrors > 0 || !staged.insertedErrors.empty()) {
-        into.processingErrors = true;
-    }
 }
 
 } // namespace tavrin

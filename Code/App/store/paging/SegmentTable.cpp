@@ -6,7 +6,10 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cstring>
+#include <malloc.h>
 #include <span>
+#include <type_traits>
 #include <utility>
 
 namespace tavrin {
@@ -23,7 +26,45 @@ std::int64_t blobNumber(std::uint32_t number, Segment::Part part) {
     return std::int64_t{number} * std::int64_t{Segment::partCount} + part;
 }
 
+static_assert(std::is_trivially_copyable_v<NodeRow>, "rows are paged as plain bytes");
+
 } // namespace
+
+std::string_view Segment::blob(Part part, std::string& scratch) const {
+    if (part == rowPart)
+        return {reinterpret_cast<const char*>(rows.data()), rows.size() * sizeof(NodeRow)};
+    scratch.clear();
+    (part == namePart ? names : part == finalPart ? finals : regex).appendBlob(scratch);
+    return scratch;
+}
+
+void Segment::clear() {
+    rows.assign(capacity, NodeRow{});
+    names.clearAll();
+    finals.clearAll();
+    regex = TextRegion();
+    dirty = {};
+}
+
+bool Segment::readBlob(Part part, std::string_view bytes) {
+    if (part != rowPart)
+        return (part == namePart ? names : part == finalPart ? finals : regex).readBlob(bytes, capacity);
+    if (bytes.size() != capacity * sizeof(NodeRow))
+        return false;
+    std::memcpy(static_cast<void*>(rows.data()), bytes.data(), bytes.size());
+    return true;
+}
+
+std::size_t Segment::footprint() const {
+    return rows.capacity() * sizeof(NodeRow) + names.footprint() + finals.footprint() + regex.footprint();
+}
+
+void Segment::setRegex(std::size_t index, std::string_view columns) {
+    if (!hasRegex())
+        regex = TextRegion(capacity);
+    regex.set(index, {columns, false});
+    dirty[regexPart] = true;
+}
 
 bool SegmentTable::exists(std::uint32_t number) const {
     return number < entries.size() && entries[number].exists;
@@ -134,6 +175,15 @@ void SegmentTable::makeRoom() {
         entries[number].hasRegex = entries[number].resident->hasRegex();
         keepSpare(std::move(entries[number].resident));
     }
+}
+
+void SegmentTable::setReserve(std::size_t bytes) {
+    reserve = bytes;
+    if (bytes == 0)
+        return;
+    makeRoom();
+    if (file != nullptr)
+        malloc_trim(0); // segments leave holes that only this gives back
 }
 
 bool SegmentTable::write(const std::vector<std::uint32_t>& numbers) {

@@ -18,11 +18,23 @@ struct ItemFilter {
 };
 
 /// The predicates that the filter settings stand for.
-struct FilterManager {
-    /// What the user sees and what counts.
-    static Predicate currentFilterPredicate(const ItemFilter& filter);
-    /// For passes that carry every type through.
-    static Predicate currentFilterPredicateIncludingAllFilesAndFolders(const ItemFilter& filter);
-};
+namespace FilterManager {
+
+/// For passes that carry every type through.
+inline Predicate currentFilterPredicateIncludingAllFilesAndFolders(const ItemFilter& filter) {
+    return filter.shouldProcessSubfolders ? Predicate::always() : Predicate::isTrue(NodeKey::root);
+}
+
+/// What the user sees and what counts.
+inline Predicate currentFilterPredicate(const ItemFilter& filter) {
+    const Predicate within = currentFilterPredicateIncludingAllFilesAndFolders(filter);
+    if (!filter.shouldProcessFiles && !filter.shouldProcessFolders)
+        return Predicate::never();
+    if (!filter.shouldProcessFolders)
+        return within.with(Predicate::isFalse(NodeKey::treatAsFolder));
+    return filter.shouldProcessFiles ? within : within.with(Predicate::isTrue(NodeKey::treatAsFolder));
+}
+
+} // namespace FilterManager
 
 } // namespace tavrin

@@ -3,9 +3,9 @@
 #include "store/rows/NodeKey.h"
 #include "store/rows/NodeRow.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
-#include <variant>
+#include <optional>
 #include <vector>
 
 namespace tavrin {
@@ -14,44 +14,101 @@ namespace tavrin {
 using PassMarker = std::uint8_t;
 inline constexpr PassMarker unmarked = 255;
 
-/// The conditions of a fetch: a conjunction of tests on attributes, evaluated on rows. "differs" includes
-/// "was never set". A small value; compares equal when it asks the same.
+/// Which rows a fetch yields: `node` means those of both sub-entities.
+enum class FetchEntity : std::uint8_t {
+    file = rowSummary::isFile,
+    ghostNode = rowSummary::isGhostNode,
+    node = file | ghostNode,
+};
+
+/// The conditions of a fetch, all of which must hold: bits of the row's summary, its pass markers, its
+/// folder. A small value; compares equal when it asks the same.
 class Predicate {
   public:
-    enum class Operation : std::uint8_t { equals, differs, beginsWith };
-    /// Booleans, markers and numbers as integer, rows by id, texts as the bytes of the file system.
-    using Operand = std::variant<bool, std::int64_t, RowId, std::string>;
-    struct Test {
-        NodeKey key;
-        Operation operation;
-        Operand operand;
-        bool operator==(const Test&) const = default;
-    };
-
-    static Predicate always() { return {}; }
-    static Predicate never();
-    static Predicate isTrue(NodeKey key) { return test({key, Operation::equals, true}); }
-    static Predicate isFalse(NodeKey key) { return test({key, Operation::equals, false}); }
-    static Predicate equals(NodeKey key, Operand operand) {
-        return test({key, Operation::equals, std::move(operand)});
+    static constexpr Predicate always() { return {}; }
+    static constexpr Predicate never() {
+        Predicate predicate;
+        predicate.impossible = true;
+        return predicate;
     }
-    /// "stageFlag != marker" (or the secondary marker).
-    static Predicate notMarked(PassMarker marker, NodeKey key = NodeKey::stageFlag) {
-        return test({key, Operation::differs, std::int64_t{marker}});
+    /// Only for keys with a bit in the summary; others do not compile.
+    static consteval Predicate isTrue(NodeKey key) { return ofBit(key, true); }
+    static consteval Predicate isFalse(NodeKey key) { return ofBit(key, false); }
+    /// Rows whose `stageFlag` is another one, or was never set.
+    static constexpr Predicate notMarked(PassMarker marker) {
+        Predicate predicate;
+        predicate.notStageFlag = marker;
+        return predicate;
     }
-    static Predicate hasParent(RowId row) { return test({NodeKey::parent, Operation::equals, row}); }
-    static Predicate test(Test test);
+    /// The same of `secondaryStageFlag`.
+    static constexpr Predicate notSecondaryMarked(PassMarker marker) {
+        Predicate predicate;
+        predicate.notSecondaryStageFlag = marker;
+        return predicate;
+    }
+    /// The children of a folder, of which a fetch takes what is committed.
+    static constexpr Predicate hasParent(RowId row) {
+        Predicate predicate;
+        predicate.wantedParent = row;
+        return predicate;
+    }
 
-    /// Both conditions together.
-    [[nodiscard]] Predicate with(const Predicate& other) const;
+    /// Both conditions together; of two markers or two folders the other's.
+    [[nodiscard]] constexpr Predicate with(const Predicate& other) const {
+        Predicate both = *this;
+        both.impossible |= other.impossible || (mask & other.mask & (wanted ^ other.wanted)) != 0;
+        both.mask |= other.mask;
+        both.wanted |= other.wanted;
+        if (other.notStageFlag)
+            both.notStageFlag = other.notStageFlag;
+        if (other.notSecondaryStageFlag)
+            both.notSecondaryStageFlag = other.notSecondaryStageFlag;
+        if (other.wantedParent)
+            both.wantedParent = other.wantedParent;
+        return both;
+    }
+    /// The same for lists that outlive a pass.
+    [[nodiscard]] constexpr Predicate withoutMarkers() const {
+        Predicate predicate = *this;
+        predicate.notStageFlag = predicate.notSecondaryStageFlag = std::nullopt;
+        return predicate;
+    }
 
-    [[nodiscard]] const std::vector<Test>& tests() const { return conditions; }
-    [[nodiscard]] bool matchesNothing() const { return impossible; }
+    [[nodiscard]] constexpr bool matchesNothing() const { return impossible; }
+    [[nodiscard]] constexpr bool matchesSummary(FetchEntity entity, std::uint8_t summary) const {
+        return (summary & static_cast<std::uint8_t>(entity)) != 0 && (summary & mask) == wanted;
+    }
+    [[nodiscard]] constexpr bool matchesMarkers(PassMarker stageFlag, PassMarker secondaryStageFlag) const {
+        return (!notStageFlag || stageFlag != *notStageFlag) &&
+               (!notSecondaryStageFlag || secondaryStageFlag != *notSecondaryStageFlag);
+    }
+    [[nodiscard]] constexpr std::optional<RowId> parent() const { return wantedParent; }
+    /// What a change can make other rows match: a union of ColumnClass.
+    [[nodiscard]] constexpr std::uint8_t columnClasses() const {
+        std::uint8_t classes = 0;
+        for (const NodeAttribute& attribute : nodeAttributes) {
+            if ((attribute.summaryBit & mask) != 0)
+                classes |= static_cast<std::uint8_t>(attribute.columnClass);
+        }
+        return classes;
+    }
     bool operator==(const Predicate&) const = default;
 
   private:
-    std::vector<Test> conditions;
+    static consteval Predicate ofBit(NodeKey key, bool isSet) {
+        Predicate predicate;
+        predicate.mask = attribute(key).summaryBit;
+        predicate.wanted = isSet ? predicate.mask : 0;
+        if (predicate.mask == 0)
+            throw "rows are not filtered by this key";
+        return predicate;
+    }
+
+    std::uint8_t mask = 0;
+    std::uint8_t wanted = 0;
     bool impossible = false;
+    std::optional<PassMarker> notStageFlag, notSecondaryStageFlag;
+    std::optional<RowId> wantedParent;
 };
 
 /// One key of a sort order.
@@ -61,9 +118,6 @@ struct SortDescriptor {
     bool operator==(const SortDescriptor&) const = default;
 };
 
-/// Which rows a fetch yields: `node` means those of both sub-entities.
-enum class FetchEntity : std::uint8_t { node, file, ghostNode };
-
 /// A fetch from the rows. Without a sort order rows come by id, that is, in reading order; behind every sort
 /// order the last key is `manualOrder`. Limit 0 means all.
 struct FetchRequest {
@@ -71,6 +125,7 @@ struct FetchRequest {
     Predicate predicate;
     std::vector<SortDescriptor> order;
     std::size_t limit = 0;
+    bool readById = false; ///< the rows are going to be read by ascending id, whatever their order here
 };
 
 } // namespace tavrin

@@ -1,10 +1,12 @@
 #include "store/queries/SortKeys.h"
 
-#include <fmt/core.h>
-
 #include <algorithm>
 #include <bit>
+#include <concepts>
 #include <cstring>
+#include <type_traits>
+#include <utility>
+#include <variant>
 
 namespace tavrin {
 
@@ -26,7 +28,9 @@ std::uint64_t ordered(double value) {
     return (bits & sign) != 0 ? ~bits : bits | sign;
 }
 
-std::uint32_t ordered(std::int32_t value) { return static_cast<std::uint32_t>(value) ^ 0x80000000u; }
+std::uint64_t ordered(std::int32_t value) { return static_cast<std::uint32_t>(value) ^ 0x80000000u; }
+
+template <std::unsigned_integral Number> std::uint64_t ordered(Number value) { return value; }
 
 /// SplitMix64, a bijection that scatters consecutive numbers.
 std::uint64_t scatter(std::uint64_t value) {
@@ -36,10 +40,9 @@ std::uint64_t scatter(std::uint64_t value) {
     return value ^ (value >> 31);
 }
 
-/// The bits before the variant, less the four that the version takes.
-std::uint64_t randomHigh(std::uint64_t secret, RowId id) {
-    return scatter(secret ^ scatter(id)) & ~std::uint64_t{0xF000};
-}
+/// Of the key's bytes. What has no member counts as a wide number; the bytes of names come on top.
+constexpr std::size_t widthOf(std::monostate /*derived*/) { return sizeof(std::uint64_t); }
+template <typename Value> constexpr std::size_t widthOf(Value NodeRow::* /*member*/) { return sizeof(Value); }
 
 std::uint64_t bigEndian(const char* bytes, std::size_t length) {
     std::uint64_t value = 0;
@@ -50,25 +53,16 @@ std::uint64_t bigEndian(const char* bytes, std::size_t length) {
 
 } // namespace
 
-std::string randomUuid(std::uint64_t secret, RowId id) {
-    const std::uint64_t high = randomHigh(secret, id);
-    const std::uint64_t low = scatter(high ^ secret);
-    return fmt::format("{:08X}-{:04X}-4{:03X}-{:04X}-{:012X}", high >> 32, (high >> 16) & 0xFFFF,
-                       high & 0xFFF, ((low >> 48) & 0x3FFF) | 0x8000, low & 0xFFFFFFFFFFFFu);
-}
-
 bool SortKeys::addInOrder(RowId id, const NodeRow& row, std::string_view component) {
     arena.clear();
     appendKey(id, row, component);
-    if (!inOrder.empty() && arena < previous)
+    if (!std::exchange(isFirst, false) && arena < previous)
         return false;
     previous.swap(arena);
-    inOrder.push_back(id);
     return true;
 }
 
 std::size_t SortKeys::keepAll(std::size_t rows, std::size_t bytesOfNames) {
-    inOrder = {};
     const auto texts = static_cast<std::size_t>(std::count_if(order.begin(), order.end(), isText));
     const std::size_t bytes = bytesOfNames * texts + rows * (bytesBesideTexts() + wordSize / 2);
     arena.clear();
@@ -81,9 +75,7 @@ std::size_t SortKeys::bytesBesideTexts() const {
     std::size_t bytes = lengthSize + sizeof(NodeRow::manualOrder);
     for (const SortDescriptor& descriptor : order) {
         // Numbers inside names take a few bytes more than their digits.
-        const bool isWide = attribute(descriptor.key).type == AttributeType::real ||
-                            attribute(descriptor.key).type == AttributeType::string;
-        bytes += isWide ? 8 : 4;
+        bytes += std::visit([](auto member) { return widthOf(member); }, attribute(descriptor.key).member);
     }
     return bytes;
 }
@@ -108,70 +100,35 @@ std::string_view SortKeys::keyAt(const Entry& entry) const {
 void SortKeys::appendKey(RowId id, const NodeRow& row, std::string_view component) {
     for (const SortDescriptor& descriptor : order) {
         const std::size_t begin = arena.size();
-        append(descriptor, id, row, component);
+        append(descriptor.key, id, row, component);
         if (!descriptor.ascending) {
             for (std::size_t i = begin; i < arena.size(); ++i)
                 arena[i] = static_cast<char>(~arena[i]);
         }
     }
-    appendNumber(ordered(row.manualOrder), 4);
+    appendNumber(ordered(row.manualOrder), sizeof row.manualOrder);
 }
 
-void SortKeys::append(const SortDescriptor& descriptor, RowId id, const NodeRow& row,
-                      std::string_view component) {
-    switch (descriptor.key) {
+void SortKeys::append(NodeKey key, RowId id, const NodeRow& row, std::string_view component) {
+    switch (key) {
     case NodeKey::name:
         return appendText(component);
     case NodeKey::smartName:
         return appendNaturalText(component);
-    case NodeKey::modDate:
-        return appendNumber(ordered(row.modDate), 8);
-    case NodeKey::crDate:
-        return appendNumber(ordered(row.crDate), 8);
-    case NodeKey::exif:
-        return appendNumber(ordered(row.exif), 8);
-    case NodeKey::size:
-        return appendNumber(row.size, 8);
     case NodeKey::random:
-        return appendNumber(randomHigh(secret, id), 8);
-    case NodeKey::manualOrder:
-        return appendNumber(ordered(row.manualOrder), 4);
-    case NodeKey::depth:
-        return appendNumber(ordered(row.depth), 4);
-    case NodeKey::treatAsFolder:
-        return appendNumber(row.treatAsFolder, 1);
-    case NodeKey::root:
-        return appendNumber(row.root, 1);
-    case NodeKey::diff:
-        return appendNumber(row.diff, 1);
-    case NodeKey::mustBeSwapped:
-        return appendNumber(row.mustBeSwapped, 1);
-    case NodeKey::canBeRenamedIndependently:
-        return appendNumber(row.canBeRenamedIndependently, 1);
-    case NodeKey::sortingInformationLoaded:
-        return appendNumber(row.sortingInformationLoaded, 1);
-    case NodeKey::fullPath:
-    case NodeKey::stageFlag:
-    case NodeKey::secondaryStageFlag:
-    case NodeKey::parent:
-    case NodeKey::children:
-    case NodeKey::finalName:
-    case NodeKey::parentPath:
-    case NodeKey::tagData:
-    case NodeKey::regex1:
-    case NodeKey::regex2:
-    case NodeKey::regex3:
-    case NodeKey::regex4:
-    case NodeKey::regex5:
-    case NodeKey::regex6:
-    case NodeKey::cannotBeRenamedBefore:
-    case NodeKey::mustBeRenamedBefore:
-        return; // no order is made of these
+        return appendNumber(scatter(secret ^ scatter(id)), sizeof secret);
+    default:
+        return std::visit(
+            [&](auto member) {
+                if constexpr (!std::is_same_v<decltype(member), std::monostate>)
+                    appendNumber(ordered(row.*member), widthOf(member));
+            },
+            attribute(key).member);
     }
 }
 
-void SortKeys::appendNumber(std::uint64_t value, unsigned bytes) {
-    for (unsigned i = bytes; i-- > 0;)
+void SortKeys::appendNumber(std::uint64_t value, std::size_t bytes) {
+    for (std::size_t i = bytes; i-- > 0;)
         arena.push_back(static_cast<char>(value >> (8 * i)));
 }
 
@@ -211,9 +168,7 @@ std::size_t SortKeys::commonPrefix() const {
     return common;
 }
 
-std::vector<RowId> SortKeys::sorted() {
-    if (entries.empty())
-        return std::move(inOrder);
+void SortKeys::takeSorted(std::vector<RowId>& rows) {
     const std::size_t skip = commonPrefix();
     for (Entry& entry : entries) {
         const std::string_view key = keyAt(entry);
@@ -226,12 +181,8 @@ std::vector<RowId> SortKeys::sorted() {
         return difference != 0 ? difference < 0 : a.id < b.id;
     });
     arena = {};
-    std::vector<RowId> ids;
-    ids.reserve(entries.size());
-    for (const Entry& entry : entries)
-        ids.push_back(entry.id);
+    std::transform(entries.begin(), entries.end(), rows.begin(), [](const Entry& entry) { return entry.id; });
     entries = {};
-    return ids;
 }
 
 } // namespace tavrin

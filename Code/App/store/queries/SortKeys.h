@@ -19,14 +19,14 @@ class SortKeys {
     SortKeys(std::vector<SortDescriptor> newOrder, std::uint64_t newSecret)
         : order(std::move(newOrder)), secret(newSecret) {}
 
-    /// Rows are added by ascending id. While they also come in order nothing is kept but their ids; false
-    /// from the first one on that does not: then the rows must be added again, with every key kept.
+    /// Rows are added by ascending id. While they also come in order nothing is kept; false from the first
+    /// one on that does not: then the rows must be added again, with every key kept.
     [[nodiscard]] bool addInOrder(RowId id, const NodeRow& row, std::string_view component);
     /// Starts over, with every key kept; the bytes of memory that it takes.
     std::size_t keepAll(std::size_t rows, std::size_t bytesOfNames);
     void add(RowId id, const NodeRow& row, std::string_view component);
-    /// The rows in order; the keys are spent.
-    [[nodiscard]] std::vector<RowId> sorted();
+    /// Puts the rows that were added in order; the keys are spent.
+    void takeSorted(std::vector<RowId>& rows);
 
   private:
     struct Entry {
@@ -37,8 +37,8 @@ class SortKeys {
     [[nodiscard]] std::string_view keyAt(const Entry& entry) const;
     [[nodiscard]] std::size_t bytesBesideTexts() const;
     void appendKey(RowId id, const NodeRow& row, std::string_view component);
-    void append(const SortDescriptor& descriptor, RowId id, const NodeRow& row, std::string_view component);
-    void appendNumber(std::uint64_t value, unsigned bytes);
+    void append(NodeKey key, RowId id, const NodeRow& row, std::string_view component);
+    void appendNumber(std::uint64_t value, std::size_t bytes);
     void appendText(std::string_view text);
     void appendNaturalText(std::string_view text);
     [[nodiscard]] std::size_t commonPrefix() const;
@@ -47,11 +47,8 @@ class SortKeys {
     std::uint64_t secret;
     std::string arena;
     std::string previous;
-    std::vector<RowId> inOrder;
+    bool isFirst = true;
     std::vector<Entry> entries;
 };
-
-/// The `random` attribute of a row: a version-4 UUID (RFC 4122) that follows from the store's secret.
-std::string randomUuid(std::uint64_t secret, RowId id);
 
 } // namespace tavrin

@@ -4,52 +4,31 @@
 
 namespace tavrin {
 
-std::uint32_t FolderTable::add(RowId row, std::string path) {
-    std::uint32_t number;
-    if (unused.empty()) {
-        folders.emplace_back();
-        number = static_cast<std::uint32_t>(folders.size());
-    } else {
-        number = unused.back();
-        unused.pop_back();
-    }
-    Folder& folder = at(number);
+void FolderTable::add(RowId row, std::string path) {
+    Folder& folder = folders[row];
     folder.row = row;
     folder.path = std::move(path);
-    numbers.emplace(row, number);
-    byPath.emplace(folder.path, number);
-    return number;
+    byPath.emplace(folder.path, &folder);
 }
 
-void FolderTable::remove(std::uint32_t number) {
-    Folder& folder = at(number);
-    numbers.erase(folder.row);
-    if (const auto found = byPath.find(folder.path); found != byPath.end() && found->second == number)
+void FolderTable::remove(RowId row) {
+    const auto folder = folders.find(row);
+    if (folder == folders.end())
+        return;
+    if (const auto found = byPath.find(folder->second.path);
+        found != byPath.end() && found->second == &folder->second)
         byPath.erase(found);
-    folder = Folder{};
-    unused.push_back(number);
-}
-
-void FolderTable::clear() {
-    byPath.clear();
-    numbers.clear();
-    unused.clear();
-    folders.clear();
-}
-
-std::uint32_t FolderTable::numberOfRow(RowId row) const {
-    const auto found = numbers.find(row);
-    return found == numbers.end() ? 0 : found->second;
+    folders.erase(folder);
 }
 
 FolderTable::Folder* FolderTable::ofRow(RowId row) {
-    const std::uint32_t number = numberOfRow(row);
-    return number == 0 ? nullptr : &at(number);
+    const auto found = folders.find(row);
+    return found == folders.end() ? nullptr : &found->second;
 }
 
 FolderTable::Folder* FolderTable::withPath(std::string_view path) {
     const auto found = byPath.find(path);
-    return found == byPath.end() ? nullptr : &at(found->second);
+    return found == byPath.end() ? nullptr : found->second;
 }
 
 } // namespace tavrin

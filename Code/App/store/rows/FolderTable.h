@@ -3,11 +3,9 @@
 #include "store/rows/NodeRow.h"
 
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 namespace tavrin {
 
@@ -22,22 +20,18 @@ class FolderTable {
         std::string path;
     };
 
-    /// The number of the new folder, from 1. Of two rows with one path the first stays findable by it.
-    std::uint32_t add(RowId row, std::string path);
-    void remove(std::uint32_t number);
-    void clear();
+    /// Of two rows with one path the first stays findable by it.
+    void add(RowId row, std::string path);
+    /// Nothing for a row that is no folder.
+    void remove(RowId row);
 
-    [[nodiscard]] Folder& at(std::uint32_t number) { return folders[number - 1]; }
-    /// The number of the folder whose row this is, 0 for none.
-    [[nodiscard]] std::uint32_t numberOfRow(RowId row) const;
+    /// Null for none; valid until the folder is removed.
     [[nodiscard]] Folder* ofRow(RowId row);
     [[nodiscard]] Folder* withPath(std::string_view path);
 
   private:
-    std::deque<Folder> folders; // stable, since the paths are the keys of the map
-    std::vector<std::uint32_t> unused;
-    std::unordered_map<RowId, std::uint32_t> numbers;
-    std::unordered_map<std::string_view, std::uint32_t> byPath;
+    std::unordered_map<RowId, Folder> folders; // whose paths are the keys of the other
+    std::unordered_map<std::string_view, Folder*> byPath;
 };
 
 } // namespace tavrin

@@ -1,110 +1,93 @@
 #pragma once
 
+#include "store/rows/NodeRow.h"
+
 #include <array>
+#include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string_view>
+#include <utility>
+#include <variant>
 
 namespace tavrin {
 
-/// The attributes and relationships of `Node` and `File` rows, by which predicates and sort orders name them.
+/// The attributes of rows that sort orders, predicates and commits name.
 enum class NodeKey : std::uint8_t {
-    fullPath,
     name,
-    treatAsFolder,
-    stageFlag,
-    secondaryStageFlag,
-    depth,
-    parent,
-    children,
-    finalName,
-    diff,
-    root,
-    parentPath,
-    manualOrder,
+    smartName,
+    random,
     modDate,
     crDate,
     exif,
     size,
-    smartName,
-    random,
+    manualOrder,
+    treatAsFolder,
+    root,
+    diff,
     sortingInformationLoaded,
-    tagData,
-    regex1,
-    regex2,
-    regex3,
-    regex4,
-    regex5,
-    regex6,
+    depth,
     canBeRenamedIndependently,
     mustBeSwapped,
     cannotBeRenamedBefore,
     mustBeRenamedBefore,
+    madeDistinct,
+    inode,
+    device,
 };
-
-/// Types of attributes as key-value access sees them.
-enum class AttributeType : std::uint8_t { string, boolean, integer, real, data, row, rows };
 
 /// What a change of an attribute can void: an order, a filtered list, names on show, or the rename plan.
 enum class ColumnClass : std::uint8_t { none = 0, sort = 1, filter = 2, naming = 4, plan = 8 };
 
-/// One row of the schema: everything generic reads this table, code that knows the entity uses members.
+/// Where an attribute lies in the row; nowhere for what is derived from the name and the id.
+using NodeMember = std::variant<std::monostate, bool NodeRow::*, std::int32_t NodeRow::*,
+                                std::uint32_t NodeRow::*, std::uint64_t NodeRow::*, double NodeRow::*>;
+
+/// All that is known of an attribute: sorting, filtering and committing read this table.
 struct NodeAttribute {
     NodeKey key;
-    std::string_view name;
-    AttributeType type;
     ColumnClass columnClass;
-    bool ofFileOnly;
+    NodeMember member = {};
+    std::uint8_t summaryBit = 0; ///< predicates can only ask for what has one
 };
 
-inline constexpr std::array<NodeAttribute, 31> nodeAttributes{{
-    {NodeKey::fullPath, "fullPath", AttributeType::string, ColumnClass::none, false},
-    {NodeKey::name, "name", AttributeType::string, ColumnClass::sort, false},
-    {NodeKey::treatAsFolder, "treatAsFolder", AttributeType::boolean, ColumnClass::filter, false},
-    {NodeKey::stageFlag, "stageFlag", AttributeType::string, ColumnClass::none, false},
-    {NodeKey::secondaryStageFlag, "secondaryStageFlag", AttributeType::string, ColumnClass::none, false},
-    {NodeKey::depth, "depth", AttributeType::integer, ColumnClass::plan, false},
-    {NodeKey::parent, "parent", AttributeType::row, ColumnClass::none, false},
-    {NodeKey::children, "children", AttributeType::rows, ColumnClass::none, false},
-    {NodeKey::finalName, "finalName", AttributeType::string, ColumnClass::naming, true},
-    {NodeKey::diff, "diff", AttributeType::boolean, ColumnClass::naming, true},
-    {NodeKey::root, "root", AttributeType::boolean, ColumnClass::filter, true},
-    {NodeKey::parentPath, "parentPath", AttributeType::string, ColumnClass::none, true},
-    {NodeKey::manualOrder, "manualOrder", AttributeType::integer, ColumnClass::sort, true},
-    {NodeKey::modDate, "modDate", AttributeType::real, ColumnClass::sort, true},
-    {NodeKey::crDate, "crDate", AttributeType::real, ColumnClass::sort, true},
-    {NodeKey::exif, "exif", AttributeType::real, ColumnClass::sort, true},
-    {NodeKey::size, "size", AttributeType::string, ColumnClass::sort, true},
-    {NodeKey::smartName, "smartName", AttributeType::string, ColumnClass::sort, true},
-    {NodeKey::random, "random", AttributeType::string, ColumnClass::sort, true},
-    {NodeKey::sortingInformationLoaded, "sortingInformationLoaded", AttributeType::boolean, ColumnClass::none,
-     true},
-    {NodeKey::tagData, "tagData", AttributeType::data, ColumnClass::none, true},
-    {NodeKey::regex1, "regex1", AttributeType::string, ColumnClass::naming, true},
-    {NodeKey::regex2, "regex2", AttributeType::string, ColumnClass::naming, true},
-    {NodeKey::regex3, "regex3", AttributeType::string, ColumnClass::naming, true},
-    {NodeKey::regex4, "regex4", AttributeType::string, ColumnClass::naming, true},
-    {NodeKey::regex5, "regex5", AttributeType::string, ColumnClass::naming, true},
-    {NodeKey::regex6, "regex6", AttributeType::string, ColumnClass::naming, true},
-    {NodeKey::canBeRenamedIndependently, "canBeRenamedIndependently", AttributeType::boolean,
-     ColumnClass::plan, true},
-    {NodeKey::mustBeSwapped, "mustBeSwapped", AttributeType::boolean, ColumnClass::plan, true},
-    {NodeKey::cannotBeRenamedBefore, "cannotBeRenamedBefore", AttributeType::row, ColumnClass::plan, true},
-    {NodeKey::mustBeRenamedBefore, "mustBeRenamedBefore", AttributeType::row, ColumnClass::plan, true},
-}};
+inline constexpr std::array nodeAttributes{
+    NodeAttribute{NodeKey::name, ColumnClass::sort},
+    NodeAttribute{NodeKey::smartName, ColumnClass::sort},
+    NodeAttribute{NodeKey::random, ColumnClass::sort},
+    NodeAttribute{NodeKey::modDate, ColumnClass::sort, &NodeRow::modDate},
+    NodeAttribute{NodeKey::crDate, ColumnClass::sort, &NodeRow::crDate},
+    NodeAttribute{NodeKey::exif, ColumnClass::sort, &NodeRow::exif},
+    NodeAttribute{NodeKey::size, ColumnClass::sort, &NodeRow::size},
+    NodeAttribute{NodeKey::manualOrder, ColumnClass::sort, &NodeRow::manualOrder},
+    NodeAttribute{NodeKey::treatAsFolder, ColumnClass::filter, &NodeRow::treatAsFolder,
+                  rowSummary::treatAsFolder},
+    NodeAttribute{NodeKey::root, ColumnClass::filter, &NodeRow::root, rowSummary::root},
+    NodeAttribute{NodeKey::diff, ColumnClass::naming, &NodeRow::diff, rowSummary::diff},
+    NodeAttribute{NodeKey::sortingInformationLoaded, ColumnClass::none, &NodeRow::sortingInformationLoaded,
+                  rowSummary::sortingInformationLoaded},
+    NodeAttribute{NodeKey::depth, ColumnClass::plan, &NodeRow::depth},
+    NodeAttribute{NodeKey::canBeRenamedIndependently, ColumnClass::plan, &NodeRow::canBeRenamedIndependently},
+    NodeAttribute{NodeKey::mustBeSwapped, ColumnClass::plan, &NodeRow::mustBeSwapped},
+    NodeAttribute{NodeKey::cannotBeRenamedBefore, ColumnClass::plan, &NodeRow::cannotBeRenamedBefore},
+    NodeAttribute{NodeKey::mustBeRenamedBefore, ColumnClass::plan, &NodeRow::mustBeRenamedBefore},
+    NodeAttribute{NodeKey::madeDistinct, ColumnClass::naming, &NodeRow::madeDistinct},
+    NodeAttribute{NodeKey::inode, ColumnClass::none, &NodeRow::inode},
+    NodeAttribute{NodeKey::device, ColumnClass::none, &NodeRow::device},
+};
 
-/// The schema row of a key.
 constexpr const NodeAttribute& attribute(NodeKey key) {
     return nodeAttributes[static_cast<std::size_t>(key)];
 }
 
-/// The key that bears this name, if any.
-constexpr std::optional<NodeKey> nodeKeyNamed(std::string_view name) {
-    for (const NodeAttribute& row : nodeAttributes) {
-        if (row.name == name)
-            return row.key;
-    }
-    return std::nullopt;
+/// Calls `visit` with each member that a context can change and its column class.
+template <typename Visit> constexpr void forEachMember(Visit visit) {
+    const auto visitAt = [&]<std::size_t at>() {
+        constexpr const NodeAttribute& one = nodeAttributes[at];
+        static_assert(one.key == NodeKey{at}, "the table is in the order of the keys");
+        if constexpr (one.member.index() != 0)
+            visit(std::get<one.member.index()>(one.member), one.columnClass);
+    };
+    [&]<std::size_t... at>(std::index_sequence<at...>) { (visitAt.template operator()<at>(), ...); }
+    (std::make_index_sequence<nodeAttributes.size()>());
 }
 
 } // namespace tavrin

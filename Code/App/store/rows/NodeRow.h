@@ -33,7 +33,6 @@ struct NodeRow {
     RowId cannotBeRenamedBefore = noRow;
     RowId mustBeRenamedBefore = noRow;
     std::uint32_t device = 0; ///< beside the inode
-    std::uint32_t folder = 0; ///< number in the store's table of folders, 0 for what can have no children
     std::int32_t manualOrder = 0;
     std::int32_t depth = 0;
     NodeEntity entity : 3 = NodeEntity::none;
@@ -55,5 +54,26 @@ struct NodeRow {
         device = seen.device;
     }
 };
+
+/// The part of a row that filters ask for, one byte a row and always in memory, so that counting and
+/// filtering never page. It alone tells whether a row exists.
+namespace rowSummary {
+inline constexpr std::uint8_t none = 0;
+inline constexpr std::uint8_t isFile = 1;
+inline constexpr std::uint8_t isGhostNode = 2;
+inline constexpr std::uint8_t treatAsFolder = 4;
+inline constexpr std::uint8_t root = 8;
+inline constexpr std::uint8_t diff = 16;
+inline constexpr std::uint8_t sortingInformationLoaded = 32;
+
+constexpr std::uint8_t of(const NodeRow& row) {
+    if (row.entity == NodeEntity::none)
+        return none;
+    return static_cast<std::uint8_t>((row.entity == NodeEntity::file ? isFile : isGhostNode) |
+                                     (row.treatAsFolder ? treatAsFolder : 0) | (row.root ? root : 0) |
+                                     (row.diff ? diff : 0) |
+                                     (row.sortingInformationLoaded ? sortingInformationLoaded : 0));
+}
+} // namespace rowSummary
 
 } // namespace tavrin

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "store/contexts/StagedChanges.h"
-#include "store/sources/SourceItem.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,8 +1,11 @@
-#include "presentation/ToggleButton.h"
+#include "presentation/Buttons.h"
 
 #include "presentation/GlyphIcon.h"
 #include "presentation/WindowColours.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QEvent>
 #include <QPainter>
 #include <QStyle>
 #include <algorithm>
@@ -16,6 +19,48 @@ constexpr int gap = 5;
 constexpr double radius = 4;
 
 } // namespace
+
+void performs(QAbstractButton& button, QAction& command) {
+    QObject::connect(&button, &QAbstractButton::clicked, &command, &QAction::trigger);
+    QObject::connect(&command, &QAction::enabledChanged, &button, &QWidget::setEnabled);
+    button.setEnabled(command.isEnabled());
+}
+
+QToolButton* makeToolButton(const QString& objectName, Glyph glyph, const QString& tip) {
+    auto* button = new QToolButton;
+    button->setObjectName(objectName);
+    button->setIcon(GlyphIcon::of(glyph));
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    button->setAutoRaise(true);
+    return button;
+}
+
+void MenuButton::initStyleOption(QStyleOptionToolButton* option) const {
+    QToolButton::initStyleOption(option);
+    option->features.setFlag(QStyleOptionToolButton::HasMenu, false);
+}
+
+ProminentButton::ProminentButton(const QString& label) : QPushButton(label) { applyColours(); }
+
+void ProminentButton::changeEvent(QEvent* event) {
+    QPushButton::changeEvent(event);
+    // Colours set here are told as a change too.
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        applyColours();
+}
+
+void ProminentButton::applyColours() {
+    const QPalette common = QApplication::palette();
+    QPalette own;
+    if (WindowColours::isOwn(common)) {
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            own.setColor(group, QPalette::Button, common.color(QPalette::Highlight));
+            own.setColor(group, QPalette::ButtonText, common.color(QPalette::HighlightedText));
+        }
+    }
+    setPalette(own);
+}
 
 ToggleButton::ToggleButton(const QString& label, Glyph glyph) {
     setText(label);

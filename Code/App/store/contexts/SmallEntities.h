@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace tavrin {
 
@@ -15,6 +16,22 @@ struct EngineControl {
     std::int32_t totalNumberOfNodes = 0;      ///< nothing writes it; the dump prints it
     bool needToRedoConflictResolution = false;
     bool operator==(const EngineControl&) const = default;
+};
+
+/// A path that the user put on the list.
+struct SourceItem {
+    std::string path; ///< absolute, in bytes, as added; unique
+    bool treatAsFolder = false;
+    bool readInRoot = false;       ///< the row for the path itself has been made
+    bool readInSubfolders = false; ///< the tree below the path has been walked
+};
+
+/// A failure to show at the end of a run. Title and message are UTF-8, the path is in bytes.
+struct ProcessingError {
+    std::string title;
+    std::string message;
+    std::string path;
+    bool operator==(const ProcessingError&) const = default;
 };
 
 } // namespace tavrin

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
@@ -91,55 +92,42 @@ double secondsOf(const char* local) {
 }
 
 TEST_F(TagDates, AreWrittenInLocalTime) {
+    constexpr const char* moments[] = {"2005-03-07 00:30:05", "0987-11-12 09:07:06", "2000-03-17 12:59:15",
+                                       "2019-12-31 23:59:59"};
     const struct {
-        const char* date;
-        const char* suffix;
-        const char* expected;
+        const char* tag;
+        std::array<const char*, std::size(moments)> expected;
     } cases[] = {
-        {"2005-03-07 00:30:05", "Day", "7"},
-        {"2005-03-07 00:30:05", "0Day", "07"},
-        {"2005-03-07 00:30:05", "Month", "3"},
-        {"2005-03-07 00:30:05", "0Month", "03"},
-        {"2005-03-07 00:30:05", "2DigitYear", "05"},
-        {"2005-03-07 00:30:05", "4DigitYear", "2005"},
-        {"0987-03-07 00:30:05", "4DigitYear", "0987"},
-        {"2000-03-07 00:30:05", "2DigitYear", "00"},
-        {"2005-03-07 00:30:05", "Hour24", "0"},
-        {"2005-03-07 00:30:05", "0Hour24", "00"},
-        {"2005-03-07 00:30:05", "Hour12", "12"},
-        {"2005-03-07 09:30:05", "0Hour12", "09"},
-        {"2005-03-07 12:59:05", "Hour12", "12"},
-        {"2005-03-07 13:30:05", "Hour12", "1"},
-        {"2005-03-07 13:30:05", "0Hour12", "01"},
-        {"2005-03-07 13:30:05", "0Hour24", "13"},
-        {"2005-03-07 13:07:05", "Minute", "7"},
-        {"2005-03-07 13:07:05", "0Minute", "07"},
-        {"2005-03-07 13:07:05", "Second", "5"},
-        {"2005-03-07 13:07:05", "0Second", "05"},
-        {"2005-03-07 00:30:05", "_am_pm", "am"},
-        {"2005-03-07 12:59:05", "_am_pm", "pm"},
-        {"2005-03-07 11:59:05", "_AM_PM", "AM"},
-        {"2005-03-07 23:59:05", "_AM_PM", "PM"},
-        {"2005-03-07 00:30:05", "_am_pm_noon_midnight", "midnight"},
-        {"2005-03-07 01:00:00", "_am_pm_noon_midnight", "am"},
-        {"2005-03-07 12:59:05", "_am_pm_noon_midnight", "noon"},
-        {"2005-03-07 13:00:00", "_am_pm_noon_midnight", "pm"},
-        {"2005-03-07 00:30:05", "_AM_PM_NOON_MIDNIGHT", "MIDNIGHT"},
-        {"2005-03-07 11:59:59", "_AM_PM_NOON_MIDNIGHT", "AM"},
-        {"2005-03-07 12:00:00", "_AM_PM_NOON_MIDNIGHT", "NOON"},
-        {"2005-03-07 23:00:00", "_AM_PM_NOON_MIDNIGHT", "PM"},
+        {"Day", {"7", "12", "17", "31"}},
+        {"0Day", {"07", "12", "17", "31"}},
+        {"Month", {"3", "11", "3", "12"}},
+        {"0Month", {"03", "11", "03", "12"}},
+        {"2DigitYear", {"05", "87", "00", "19"}},
+        {"4DigitYear", {"2005", "0987", "2000", "2019"}},
+        {"Hour24", {"0", "9", "12", "23"}},
+        {"0Hour24", {"00", "09", "12", "23"}},
+        {"Hour12", {"12", "9", "12", "11"}},
+        {"0Hour12", {"12", "09", "12", "11"}},
+        {"Minute", {"30", "7", "59", "59"}},
+        {"0Minute", {"30", "07", "59", "59"}},
+        {"Second", {"5", "6", "15", "59"}},
+        {"0Second", {"05", "06", "15", "59"}},
+        {"_am_pm", {"am", "am", "pm", "pm"}},
+        {"_AM_PM", {"AM", "AM", "PM", "PM"}},
+        {"_am_pm_noon_midnight", {"midnight", "am", "noon", "pm"}},
+        {"_AM_PM_NOON_MIDNIGHT", {"MIDNIGHT", "AM", "NOON", "PM"}},
     };
     using enum TaggedFile::Date;
     for (const auto& [prefix, date] :
-         {std::pair{"ShootingDate", shooting}, std::pair{"CreationDate", creation},
-          std::pair{"ModDate", modification}}) {
+         {std::pair{"ShootingDate", shooting}, {"CreationDate", creation}, {"ModDate", modification}}) {
         for (const auto& each : cases) {
+            const std::string tag = std::string(prefix) + each.tag;
             FakeTaggedFile file;
-            file.dates[date] = secondsOf(each.date);
-            const std::string tag = std::string(prefix) + each.suffix;
-            EXPECT_EQ(textOf(tag, file), each.expected) << tag << " of " << each.date;
-            FakeTaggedFile dateless;
-            EXPECT_EQ(textOf(tag, dateless), "nothing") << tag;
+            EXPECT_EQ(textOf(tag, file), "nothing") << tag;
+            for (std::size_t i = 0; i < std::size(moments); ++i) {
+                file.dates[date] = secondsOf(moments[i]);
+                EXPECT_EQ(textOf(tag, file), each.expected[i]) << tag << " of " << moments[i];
+            }
             EXPECT_EQ(file.dictionaryReads, 0) << "a date must not start the metadata tool";
         }
     }
@@ -158,7 +146,7 @@ TEST_F(TagDates, TakeAnyNumberOfSeconds) {
     }
 }
 
-TEST(CapitalizedWords, BeginWithACapital) {
+TEST(TagForms, CapitalizeWords) {
     const std::pair<const char16_t*, const char*> cases[] = {
         {u"", ""},
         {u"the BLUE hour (live)", "The Blue Hour (Live)"},
