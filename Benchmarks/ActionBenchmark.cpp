@@ -58,7 +58,7 @@ void runAction(benchmark::State& state, const ActionEntry& entry, bool isMixed) 
     const auto names = makeNames(isMixed);
     UserDefaults defaults;
     UserDefaults::setSharedInstance(&defaults);
-    ActionList catalogue({});
+    ActionList catalogue;
     ActionList::setSharedActionList(&catalogue);
     auto action = entry.make();
     action->setParameterList(parametersForAll());

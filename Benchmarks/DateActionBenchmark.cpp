@@ -16,7 +16,7 @@ void runDateAction(benchmark::State& state, const ActionEntry& entry, std::int32
     constexpr std::int64_t nameCount = 100000;
     UserDefaults defaults;
     UserDefaults::setSharedInstance(&defaults);
-    ActionList catalogue({});
+    ActionList catalogue;
     ActionList::setSharedActionList(&catalogue);
     const auto action = entry.make();
     action->setParameterList({{"mode", mode}, {"searchTerm", u"m"}});

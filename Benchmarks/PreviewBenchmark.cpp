@@ -77,9 +77,7 @@ class Application {
         UserDefaults::setSharedInstance(&defaults);
         defaults.setObject("store", 1);
         defaults.setObject("loggerIsOn", false);
-        const std::string menus = resourcePath("popUpIndexToNameMapping.plist");
-        actions = std::make_unique<ActionList>(
-            std::get<ActionList::Resources>(ActionList::readResources(menus.substr(0, menus.rfind('/')))));
+        actions = std::make_unique<ActionList>();
         ActionList::setSharedActionList(actions.get());
         MainController::Options options = MainController::Options::standard();
         options.usesUserFolders = false;

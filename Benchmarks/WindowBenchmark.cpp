@@ -9,7 +9,6 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
-#include "presentation/WindowCommands.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/commands/MainController.h"
@@ -146,7 +145,7 @@ class WindowBenchmark {
     PreviewPane& pane() { return application->window().previewPane(); }
     BaseRenameAction& current() { return controller().compositeAction().getCurrentAction(); }
     int rowCount() { return table->model()->rowCount(); }
-    void command(const char* name) { application->window().commands().command(name)->trigger(); }
+    void command(const char* name) { application->window().findChild<QAction*>(name)->trigger(); }
 
     void selectEach(int distance) {
         QItemSelection rows;

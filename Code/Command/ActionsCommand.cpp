@@ -16,22 +16,15 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// An action with its place in the menus.
-struct Entry {
+/// An action of the catalogue, made.
+struct MadeAction {
+    const ActionEntry& entry;
     std::unique_ptr<BaseRenameAction> action;
-    std::string label;
-    std::string category;
 };
 
-Entry entryAt(const ActionList& list, std::int32_t index) {
-    const auto category = list.translateActionIndexToCategoryIndex(index).value_or(0);
-    std::vector<std::u16string> categories = list.categoryPopUpMenuItems();
-    std::erase(categories, u"");
-    const auto place = static_cast<std::size_t>(category);
-    return {
-        ActionList::sharedActionList().newActionForName(list.nameForPopUpIndex(index), ActionUse::privateRun),
-        text::toUtf8(list.popUpMenuItems().at(static_cast<std::size_t>(index))),
-        place < categories.size() ? text::toUtf8(categories[place]) : std::string()};
+MadeAction actionAt(ActionList& list, std::int32_t index) {
+    const std::string name = list.nameForPopUpIndex(index);
+    return {*list.entryForName(name), list.newActionForName(name, ActionUse::privateRun)};
 }
 
 // --- For programs ---
@@ -70,7 +63,7 @@ Json jsonParameter(const ParameterDescription& parameter) {
               {"type", parameter.isText() ? "text" : "number"},
               {"control", controlName(parameter.kind)},
               {"default", jsonValue(propertyValue(parameter.whenNew))},
-              {"defaultWhenAbsent", jsonValue(propertyValue(parameter.whenAbsent))}};
+              {"defaultWhenAbsent", jsonValue(propertyValue(parameter.whenNew))}};
     for (const ParameterChoice& choice : parameter.choices)
         json["choices"].push_back({{"value", choice.value}, {"label", choice.label}});
     if (parameter.kind == ParameterKind::number) {
@@ -110,15 +103,15 @@ Json jsonExample(const ActionExample& example) {
     return json;
 }
 
-std::string object(const Entry& entry) {
-    Json json{{"name", entry.action->actionName()},
-              {"label", entry.label},
-              {"category", entry.category},
+std::string object(const MadeAction& made) {
+    Json json{{"name", made.entry.name},
+              {"label", made.entry.label},
+              {"category", categoryLabel(made.entry.category)},
               {"parameters", Json::array()},
               {"examples", Json::array()}};
-    for (const ParameterDescription& parameter : entry.action->parameters())
+    for (const ParameterDescription& parameter : made.action->parameters())
         json["parameters"].push_back(jsonParameter(parameter));
-    for (const ActionExample& example : entry.action->examples())
+    for (const ActionExample& example : made.entry.examples)
         json["examples"].push_back(jsonExample(example));
     return json.dump() + '\n';
 }
@@ -141,8 +134,8 @@ std::string shownParameter(const ParameterDescription& parameter) {
     return text;
 }
 
-std::string shownExample(const Entry& entry, const ActionExample& example) {
-    std::string text = "  --action " + quotedForShell(entry.action->actionName());
+std::string shownExample(const ActionEntry& entry, const ActionExample& example) {
+    std::string text = "  --action " + quotedForShell(std::string(entry.name));
     for (const auto& [key, value] : example.parameters)
         text += " --set " + quotedForShell(key + "=" + text::toUtf8(textValue(value)));
     const std::vector<std::string> circumstances = circumstancesOf(example);
@@ -152,60 +145,60 @@ std::string shownExample(const Entry& entry, const ActionExample& example) {
                               text::toUtf8(example.after));
 }
 
-std::string description(const Entry& entry) {
-    std::string text = fmt::format("{}\n{}: {}\n\nParameters, with their defaults:\n",
-                                   entry.action->actionName(), entry.category, entry.label);
-    for (const ParameterDescription& parameter : entry.action->parameters())
+std::string description(const MadeAction& made) {
+    const ActionEntry& entry = made.entry;
+    std::string text = fmt::format("{}\n{}: {}\n\nParameters, with their defaults:\n", entry.name,
+                                   categoryLabel(entry.category), entry.label);
+    for (const ParameterDescription& parameter : made.action->parameters())
         text += shownParameter(parameter);
-    const std::vector<ActionExample> examples = entry.action->examples();
-    if (!examples.empty())
+    if (!entry.examples.empty())
         text += "\nExamples:\n";
-    for (const ActionExample& example : examples)
+    for (const ActionExample& example : entry.examples)
         text += shownExample(entry, example);
     return text;
 }
 
-std::string overview(const std::vector<Entry>& entries) {
+std::string overview(ActionList& list) {
     std::string text;
-    std::string category;
-    for (const Entry& entry : entries) {
-        if (entry.category != category)
-            text += fmt::format("{}{}\n", text.empty() ? "" : "\n", entry.category);
-        category = entry.category;
-        text += fmt::format("  {:<42} {}\n", entry.action->actionName(), entry.label);
+    for (const auto& indexes : list.categoryToActionMapping()) {
+        for (const std::int32_t index : indexes) {
+            const ActionEntry& entry = *list.entryForName(list.nameForPopUpIndex(index));
+            if (index == indexes.front())
+                text += fmt::format("{}{}\n", text.empty() ? "" : "\n", categoryLabel(entry.category));
+            text += fmt::format("  {:<42} {}\n", entry.name, entry.label);
+        }
     }
     return text;
 }
 
-std::string catalogue(const ActionList& list, bool json) {
-    std::vector<Entry> entries;
-    for (std::int32_t index = 0; index < list.count(); ++index) {
-        if (!list.nameForPopUpIndex(index).empty())
-            entries.push_back(entryAt(list, index));
-    }
-    if (!json)
-        return overview(entries);
+std::string objects(ActionList& list) {
     std::string lines;
-    for (const Entry& entry : entries)
-        lines += object(entry);
+    for (const auto& indexes : list.categoryToActionMapping())
+        for (const std::int32_t index : indexes)
+            lines += object(actionAt(list, index));
     return lines;
 }
 
-std::string oneAction(const ActionList& list, const ActionsOptions& options) {
+std::string oneAction(ActionList& list, const ActionsOptions& options) {
     const std::optional<std::int32_t> index = list.popUpMenuIndexForName(options.name);
     if (!index)
         throw UsageError(fmt::format("there is no action \"{}\"; \"tvrn actions\" lists them", options.name));
-    const Entry entry = entryAt(list, *index);
-    return options.json ? object(entry) : description(entry);
+    const MadeAction made = actionAt(list, *index);
+    return options.json ? object(made) : description(made);
+}
+
+std::string answer(ActionList& list, const ActionsOptions& options) {
+    if (!options.name.empty())
+        return oneAction(list, options);
+    return options.json ? objects(list) : overview(list);
 }
 
 } // namespace
 
 ExitStatus runActionsCommand(const ActionsOptions& options) {
-    const Catalogue catalogueOfActions;
-    const ActionList& list = catalogueOfActions.actions();
+    Catalogue catalogueOfActions;
     Terminal terminal;
-    terminal.output().append(options.name.empty() ? catalogue(list, options.json) : oneAction(list, options));
+    terminal.output().append(answer(catalogueOfActions.actions(), options));
     return terminal.finish();
 }
 

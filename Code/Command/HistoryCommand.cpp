@@ -1,7 +1,6 @@
 #include "Commands.h"
 #include "Terminal.h"
 #include "engine/history/JournalPlaces.h"
-#include "engine/history/RenamedAgain.h"
 #include "engine/history/RunHistory.h"
 #include "platform/desktop/UserFolders.h"
 #include "support/text/DisplayText.h"

@@ -1,9 +1,5 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/SortBasedAction.h"
-#include "actions/sequence/SortNumberBasedAction.h"
-#include "actions/text/AddToBeginningAction.h"
-#include "actions/text/ReplaceCharactersAction.h"
-#include "actions/text/ReplaceTextAction.h"
 #include "support/text/Text.h"
 
 namespace tavrin::test {
@@ -31,71 +27,71 @@ TEST_F(Actions, TranslateOldKeys) {
 }
 
 TEST_F(Actions, LoadParametersOverPresentOnes) {
-    AddToBeginningAction action;
-    action.setValue(u"kept", "string");
-    action.setParameterList({{"fragment selection", 2}, {"unknown", 7}});
-    EXPECT_EQ(action.parameterList(), (PropertyDictionary{{"active", 1},
-                                                          {"string", u"kept"},
-                                                          {"fragmentSelection", 2},
-                                                          {"fragment selection", 2},
-                                                          {"unknown", 7}}));
-    action.setParameterList({{"fragment selection", 3}, {"fragmentSelection", 0}});
-    EXPECT_EQ(action.getParamInt("fragmentSelection", 9), 0);
+    const auto action = catalogue.newActionForName("Add to front");
+    action->setValue(u"kept", "string");
+    action->setParameterList({{"fragment selection", 2}, {"unknown", 7}});
+    EXPECT_EQ(action->parameterList(), (PropertyDictionary{{"active", 1},
+                                                           {"string", u"kept"},
+                                                           {"fragmentSelection", 2},
+                                                           {"fragment selection", 2},
+                                                           {"unknown", 7}}));
+    action->setParameterList({{"fragment selection", 3}, {"fragmentSelection", 0}});
+    EXPECT_EQ(action->getParamInt("fragmentSelection", 9), 0);
 }
 
 TEST_F(Actions, ReadValuesLoosely) {
-    AddToBeginningAction action;
-    action.setParameterList({{"string", 12}, {"number", u" -7x"}});
-    EXPECT_EQ(action.getParamString("string"), u"12");
-    EXPECT_EQ(action.getParamInt("number", 0), -7);
-    EXPECT_EQ(action.getParamString("absent"), u"");
-    EXPECT_EQ(action.getParamInt("absent", 5), 5);
-    EXPECT_EQ(run(action, u"a.txt"), u"12a.txt");
+    const auto action = catalogue.newActionForName("Add to front");
+    action->setParameterList({{"string", 12}, {"number", u" -7x"}});
+    EXPECT_EQ(action->getParamString("string"), u"12");
+    EXPECT_EQ(action->getParamInt("number", 0), -7);
+    EXPECT_EQ(action->getParamString("absent"), u"");
+    EXPECT_EQ(action->getParamInt("absent", 5), 5);
+    EXPECT_EQ(run(*action, u"a.txt"), u"12a.txt");
     // A text that XML cannot hold comes back from a property list as data.
-    action.setParameterList({{"string", u"\x0001"}});
-    const auto xml = PropertyList::toXml(PropertyValue(action.parameterList()));
+    action->setParameterList({{"string", u"\x0001"}});
+    const auto xml = PropertyList::toXml(PropertyValue(action->parameterList()));
     const auto read = PropertyList::fromBytes(xml);
     ASSERT_TRUE(std::holds_alternative<PropertyValue>(read));
-    AddToBeginningAction loaded;
-    loaded.setParameterList(*std::get<PropertyValue>(read).asDictionary());
-    EXPECT_EQ(run(loaded, u"a"), u"\x0001"
-                                 u"a");
+    const auto loaded = catalogue.newActionForName("Add to front");
+    loaded->setParameterList(*std::get<PropertyValue>(read).asDictionary());
+    EXPECT_EQ(run(*loaded, u"a"), u"\x0001"
+                                  u"a");
 }
 
 TEST_F(Actions, KeepTheTypeOfAValueThatIsEmptied) {
-    AddToBeginningAction action;
-    action.setValue(u"text", "string");
-    action.setParameterList({{"list", PropertyArray{1}}});
-    action.setValue(std::nullopt, "string");
-    action.setValue(std::nullopt, "fragmentSelection");
-    action.setValue(std::nullopt, "absent");
-    action.setValue(std::nullopt, "list");
-    EXPECT_EQ(action.valueForKey("string"), PropertyValue(u""));
-    EXPECT_EQ(action.valueForKey("fragmentSelection"), PropertyValue(0));
-    EXPECT_EQ(action.valueForKey("absent"), std::nullopt);
-    EXPECT_EQ(action.valueForKey("list"), PropertyValue(PropertyArray{1}));
+    const auto action = catalogue.newActionForName("Add to front");
+    action->setValue(u"text", "string");
+    action->setParameterList({{"list", PropertyArray{1}}});
+    action->setValue(std::nullopt, "string");
+    action->setValue(std::nullopt, "fragmentSelection");
+    action->setValue(std::nullopt, "absent");
+    action->setValue(std::nullopt, "list");
+    EXPECT_EQ(action->valueForKey("string"), PropertyValue(u""));
+    EXPECT_EQ(action->valueForKey("fragmentSelection"), PropertyValue(0));
+    EXPECT_EQ(action->valueForKey("absent"), std::nullopt);
+    EXPECT_EQ(action->valueForKey("list"), PropertyValue(PropertyArray{1}));
 }
 
 TEST_F(Actions, TellObserversOfEveryValueTheyHad) {
-    AddToBeginningAction action;
+    const auto action = catalogue.newActionForName("Add to front");
     RecordingObserver observer;
-    auto observation = action.registerObserverForAllValues(observer);
-    action.setValue(u"a", "string");
-    action.setValue(1, "entersLater");
+    auto observation = action->registerObserverForAllValues(observer);
+    action->setValue(u"a", "string");
+    action->setValue(1, "entersLater");
     EXPECT_EQ(observer.changes, (std::vector<Change>{{"string", u"", u"a"}}));
 
     observer.changes.clear();
-    action.setParameterList({{"string", u"b"}});
+    action->setParameterList({{"string", u"b"}});
     EXPECT_EQ(observer.changes,
               (std::vector<Change>{{"active", 1, 1}, {"fragmentSelection", 1, 1}, {"string", u"a", u"b"}}));
     observer.changes.clear();
     observation.reset();
-    action.setValue(u"c", "string");
+    action->setValue(u"c", "string");
     EXPECT_TRUE(observer.changes.empty());
 }
 
 TEST_F(Actions, SurviveAnObserverThatStopsWhileToldOfAChange) {
-    AddToBeginningAction action;
+    const auto action = catalogue.newActionForName("Add to front");
     struct Leaving : ActionObserver {
         void observeValueForKeyPath(const std::string&, BaseAction&, const std::optional<PropertyValue>&,
                                     const std::optional<PropertyValue>&) override {
@@ -107,28 +103,28 @@ TEST_F(Actions, SurviveAnObserverThatStopsWhileToldOfAChange) {
         int count = 0;
     } leaving;
     RecordingObserver other;
-    leaving.own = action.registerObserverForAllValues(leaving);
-    leaving.others = action.registerObserverForAllValues(other);
-    action.setValue(u"a", "string");
-    action.setValue(u"b", "string");
+    leaving.own = action->registerObserverForAllValues(leaving);
+    leaving.others = action->registerObserverForAllValues(other);
+    action->setValue(u"a", "string");
+    action->setValue(u"b", "string");
     EXPECT_EQ(leaving.count, 1);
     EXPECT_TRUE(other.changes.empty());
 }
 
 TEST_F(Actions, RefreshTheirCachesAfterEachChange) {
-    ReplaceTextAction action;
-    action.setParameterList({{"searchTerm", u"a"}, {"replacementTerm", u"o"}});
-    EXPECT_EQ(run(action, u"aA"), u"oo");
-    action.setValue(0, "ignoreCase");
-    EXPECT_EQ(run(action, u"aA"), u"oA");
-    action.setValue(u"A", "searchTerm");
-    EXPECT_EQ(run(action, u"aA"), u"ao");
+    const auto action = catalogue.newActionForName("Replace text");
+    action->setParameterList({{"searchTerm", u"a"}, {"replacementTerm", u"o"}});
+    EXPECT_EQ(run(*action, u"aA"), u"oo");
+    action->setValue(0, "ignoreCase");
+    EXPECT_EQ(run(*action, u"aA"), u"oA");
+    action->setValue(u"A", "searchTerm");
+    EXPECT_EQ(run(*action, u"aA"), u"ao");
 
-    ReplaceCharactersAction characters;
-    characters.setParameterList({{"replaceCharacters0", u"\u00e9"}, {"with0", u"e"}});
-    EXPECT_EQ(run(characters, u"\u00e9t\u00e9"), u"ete");
-    characters.setValue(u"x", "replaceCharacters0");
-    EXPECT_EQ(run(characters, u"\u00e9t\u00e9"), u"\u00e9t\u00e9");
+    const auto characters = catalogue.newActionForName("Replace characters");
+    characters->setParameterList({{"replaceCharacters0", u"\u00e9"}, {"with0", u"e"}});
+    EXPECT_EQ(run(*characters, u"\u00e9t\u00e9"), u"ete");
+    characters->setValue(u"x", "replaceCharacters0");
+    EXPECT_EQ(run(*characters, u"\u00e9t\u00e9"), u"\u00e9t\u00e9");
 }
 
 TEST_F(Actions, CutACharacterParameterInTheParametersToo) {
@@ -143,26 +139,26 @@ TEST_F(Actions, CutACharacterParameterInTheParametersToo) {
 }
 
 TEST_F(Actions, CheckTypedReplacementsOnly) {
-    const ReplaceCharactersAction action;
-    EXPECT_EQ(action.validatedValue(u"abc", "with0"), PropertyValue(u"a"));
-    EXPECT_EQ(action.validatedValue(u"e\u0301x", "with3"), PropertyValue(u"e\u0301"));
-    EXPECT_EQ(action.validatedValue(u"\xD83D\xDE00", "with1"), PropertyValue(u"\xD83D\xDE00"));
-    EXPECT_EQ(action.validatedValue(u"", "with2"), PropertyValue(u""));
-    EXPECT_EQ(action.validatedValue(12, "with0"), PropertyValue(12));
-    EXPECT_EQ(action.validatedValue(u"abc", "replaceCharacters0"), PropertyValue(u"abc"));
+    const auto action = catalogue.newActionForName("Replace characters");
+    EXPECT_EQ(action->validatedValue(u"abc", "with0"), PropertyValue(u"a"));
+    EXPECT_EQ(action->validatedValue(u"e\u0301x", "with3"), PropertyValue(u"e\u0301"));
+    EXPECT_EQ(action->validatedValue(u"\xD83D\xDE00", "with1"), PropertyValue(u"\xD83D\xDE00"));
+    EXPECT_EQ(action->validatedValue(u"", "with2"), PropertyValue(u""));
+    EXPECT_EQ(action->validatedValue(12, "with0"), PropertyValue(12));
+    EXPECT_EQ(action->validatedValue(u"abc", "replaceCharacters0"), PropertyValue(u"abc"));
 }
 
-TEST_F(Actions, DescribeThemselves) {
-    ReplaceTextAction action;
-    EXPECT_EQ(action.userDescriptionOccurence(), "all occurences of ");
-    EXPECT_EQ(action.userDescriptionIgnore(), " while ignoring case.");
-    action.setParameterList({{"replacementMode", 10}, {"ignoreCase", 2}});
-    EXPECT_EQ(action.userDescriptionOccurence(), "only the forth to last occurence of ");
-    EXPECT_EQ(action.userDescriptionIgnore(), ".");
-    action.setParameterList({{"replacementMode", 13}});
-    EXPECT_EQ(action.userDescriptionOccurence(), "");
-    EXPECT_EQ(action.userDescription(), u"Replace text");
-    EXPECT_TRUE(action.description().starts_with("Action: Replace text param: "));
+TEST_F(Actions, TellWhatTheyDo) {
+    const auto action = catalogue.newActionForName("Replace text");
+    EXPECT_EQ(action->explanation(), u"");
+    action->setParameterList({{"searchTerm", u"a"}});
+    EXPECT_EQ(text::toUtf8(action->explanation()), "Replace all occurences of “a” while ignoring case.");
+    action->setParameterList({{"replacementMode", 10}, {"ignoreCase", 2}});
+    EXPECT_EQ(text::toUtf8(action->explanation()), "Replace only the forth to last occurence of “a”.");
+    action->setParameterList({{"replacementMode", 13}});
+    EXPECT_EQ(text::toUtf8(action->explanation()), "Replace “a”.");
+    EXPECT_EQ(catalogue.newActionForName("Remove vowels")->explanation(), u"Removes a, e, i, o, u and y.");
+    EXPECT_TRUE(action->description().starts_with("Action: Replace text param: "));
 }
 
 // ---- the order of items
@@ -199,17 +195,6 @@ TEST_F(Actions, CountEachFolderByItselfOnlyForOne) {
         made->setValue(value, "sortEachFolderSeparately");
         EXPECT_EQ(action.shouldUseGlobalSorting(), isGlobal) << value;
     }
-}
-
-TEST_F(Actions, WriteRomanNumerals) {
-    const struct {
-        std::int32_t number;
-        std::optional<std::u16string> numeral;
-    } numerals[] = {{1994, u"MCMXCIV"}, {3888, u"MMMDCCCLXXXVIII"},
-                    {4000, u"MMMM"},    {4001, std::nullopt},
-                    {0, u""},           {-5, u""}};
-    for (const auto& each : numerals)
-        EXPECT_EQ(SortNumberBasedAction::romanNumeral(each.number), each.numeral) << each.number;
 }
 
 } // namespace

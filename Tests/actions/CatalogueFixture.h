@@ -1,46 +1,40 @@
 #pragma once
 
 #include "actions/ActionList.h"
+#include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/UserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace tavrin::test {
 
+/// The new name that an action gives to one.
+inline std::u16string run(BaseRenameAction& action, std::u16string name, std::int32_t rank = 1,
+                          const std::string& path = "/photos/trip/a.jpg") {
+    InputContext input;
+    input.path = path;
+    input.currentName = std::move(name);
+    input.rank = rank;
+    OutputContext output;
+    action.executeWithInputContext(input, output);
+    return output.newName;
+}
+
 /// The catalogue with the menus of the program, and user defaults that nobody else has.
 class CatalogueFixture : public ::testing::Test {
   protected:
-    CatalogueFixture() : catalogue(resources()) {
+    CatalogueFixture() {
         UserDefaults::setSharedInstance(&defaults);
         ActionList::setSharedActionList(&catalogue);
     }
     ~CatalogueFixture() override {
         ActionList::setSharedActionList(nullptr);
         UserDefaults::setSharedInstance(nullptr);
-    }
-
-    static ActionList::Resources resources() {
-        auto read = ActionList::readResources(TAVRIN_SOURCE_FOLDER "/Resources");
-        if (const auto* error = std::get_if<PropertyListError>(&read))
-            throw std::runtime_error(error->message);
-        return std::get<ActionList::Resources>(std::move(read));
-    }
-
-    static std::u16string run(BaseAction& action, std::u16string name, std::int32_t rank = 1,
-                              const std::string& path = "/photos/trip/a.jpg") {
-        InputContext input;
-        input.path = path;
-        input.currentName = std::move(name);
-        input.rank = rank;
-        OutputContext output;
-        action.executeWithInputContext(input, output);
-        return output.newName;
     }
 
     UserDefaults defaults;

@@ -209,39 +209,30 @@ TEST_F(Composite, RunsItsActiveStepsInOrder) {
     for (std::int32_t i = 0; i < composite.count(); ++i)
         composite.actionAtIndex(i).setValue(2, "active"); // only 1 is active
     EXPECT_EQ(run(composite, u"banana.txt"), u"banana.txt");
-
-    makeThree(0);
-    PropertyDictionary preview;
-    InputContext input;
-    input.currentName = u"a.txt";
-    composite.addPreviewDataFor("/folder/a:b", preview, input);
-    EXPECT_EQ(preview,
-              (PropertyDictionary{{"oldName", u"a.txt"}, {"newName", u"b1.txt"}, {"path", u"/folder"}}));
 }
 
-TEST_F(Composite, MarksThePreviewOfTheCurrentStep) {
+TEST_F(Composite, PreviewsOneItem) {
     struct Probe : BaseRenameAction {
-        void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                         std::u16string& result) override {
-            seen.push_back(input.preview);
-            if (seen.size() == 1)
-                output.regex.emplace()[5] = u"six";
-            result += fragment;
+        void processName(std::u16string_view fragment, std::u16string& result) override {
+            if (item().preview)
+                answer().regex.emplace()[5] = u"six"; // columns of any step stay
+            result.append(fragment).append(u"!");
         }
-        std::vector<bool> seen;
     };
-    auto first = std::make_unique<Probe>();
-    auto& probe = *first;
-    composite.insertActionAtIndex(std::move(first), 0);
-    composite.insertActionAtIndex(std::make_unique<Probe>(), 0);
-    composite.setCurrentActionIndex(1);
-    InputContext input;
-    PropertyDictionary preview;
-    composite.addPreviewDataFor("/a", preview, input);
-    EXPECT_EQ(probe.seen, std::vector<bool>{true});
-    EXPECT_FALSE(input.preview);
-    EXPECT_EQ(preview.at("regex6"), PropertyValue(u"six")); // columns of any step stay
-    EXPECT_EQ(preview.at("path"), PropertyValue(u"/"));
+    for (const auto& [path, folder] : {std::pair("/folder/a:b", u"/folder"), {"/a", u"/"}}) {
+        makeThree(0);
+        composite.insertActionAtIndex(std::make_unique<Probe>(), 1);
+        composite.setCurrentActionIndex(1);
+        InputContext input;
+        input.currentName = u"a.txt";
+        PropertyDictionary preview;
+        composite.addPreviewDataFor(path, preview, input);
+        EXPECT_EQ(preview.at("oldName"), PropertyValue(u"a.txt"));
+        EXPECT_EQ(preview.at("newName"), PropertyValue(u"b1!.txt"));
+        EXPECT_EQ(preview.at("path"), PropertyValue(folder));
+        EXPECT_EQ(preview.at("regex6"), PropertyValue(u"six"));
+        EXPECT_FALSE(input.preview);
+    }
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/dates/DateFormatter.h"
-#include "actions/dates/RenameToDateAction.h"
 #include "common/FileTimes.h"
 #include "common/TemporaryFolder.h"
 #include "platform/metadata/FileManager.h"
@@ -70,6 +69,12 @@ TEST_F(DateActions, TranslateIndexesOfListsWithoutVersionOnly) {
     withVersion.emplace("version", 0);
     action->setParameterList(withVersion);
     EXPECT_EQ(indexes(), std::pair(8, 11));
+    // What no table has, or no longer has, is no pattern.
+    for (const std::int32_t outside : {-1, 100, 7}) {
+        action->setParameterList({{"timePatternIndex", outside}});
+        EXPECT_EQ(action->getParamInt("timePatternIndex", 0) == -1, outside != 7) << outside;
+    }
+    action->setValue(11, "timePatternIndex");
     // Keys of early versions are as old; what a list does not tell is kept.
     action->setParameterList({{"date pattern index", 10}});
     EXPECT_EQ(indexes(), std::pair(2, 11));

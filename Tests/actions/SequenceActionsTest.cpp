@@ -1,5 +1,4 @@
 #include "actions/CatalogueFixture.h"
-#include "actions/sequence/AlphabeticalListBasedAction.h"
 #include "support/text/Text.h"
 
 #include <random>
@@ -11,14 +10,19 @@ namespace {
 
 using SequenceActions = CatalogueFixture;
 
-TEST_F(SequenceActions, CountInLetters) {
-    using Letters = AlphabeticalListBasedAction;
+// One step of -1 leads back, from any start, by any number of items.
+TEST_F(SequenceActions, CountInLettersThereAndBack) {
+    const auto action = catalogue.newActionForName("Produce alphabetical list");
     std::mt19937_64 random(5);
-    for (int i = 0; i < 10000; ++i) {
-        const auto value = static_cast<std::int64_t>(random() >> (1 + random() % 63));
-        const auto letters = Letters::uNumToAlpha(value);
-        EXPECT_EQ(Letters::uAlphaToNum(letters), value);
-        EXPECT_EQ(Letters::uAlphaToNum(u"AAA" + text::lowercased(letters)), value);
+    for (int i = 0; i < 2000; ++i) {
+        std::u16string start(1, static_cast<char16_t>(u'B' + random() % 25));
+        for (auto length = random() % 12; length > 0; --length)
+            start += static_cast<char16_t>(u'A' + random() % 26);
+        const auto rank = 1 + static_cast<std::int32_t>(random() % 100000);
+        action->setParameterList({{"startValue", u"aa" + text::lowercased(start)}, {"stepValue", 1}});
+        const auto reached = run(*action, u"", rank);
+        action->setParameterList({{"startValue", reached}, {"stepValue", -1}});
+        EXPECT_EQ(run(*action, u"", rank), start) << text::toUtf8(reached);
     }
 }
 

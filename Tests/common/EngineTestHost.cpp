@@ -12,20 +12,8 @@
 
 namespace tavrin::test {
 
-namespace {
-
-ActionList::Resources menus() {
-    auto resources = ActionList::readResources();
-    if (const auto* error = std::get_if<PropertyListError>(&resources))
-        throw std::runtime_error(error->message);
-    return std::get<ActionList::Resources>(std::move(resources));
-}
-
-} // namespace
-
 EngineTestHost::EngineTestHost(ItemStore::Options options)
-    : actionList(menus()), progress(loop), sourceItems([this]() -> StoreContext& { return *mainContext; }),
-      engine(*this) {
+    : progress(loop), sourceItems([this]() -> StoreContext& { return *mainContext; }), engine(*this) {
     UserDefaults::setSharedInstance(&defaults);
     ActionList::setSharedActionList(&actionList);
     actionList.setRunLoop(&loop);

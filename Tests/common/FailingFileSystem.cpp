@@ -20,8 +20,8 @@ class FailingOpenFolder : public OpenFolder {
         : system(counter), path(std::move(folderPath)), real(std::move(realFolder)) {}
 
     int status(const std::string& name, FileStatus& into) override {
-        const int error = system.admit({FileCall::status, path, name, {}});
-        return error != 0 ? error : real->status(known(name), into);
+        return system.pass({FileCall::status, path, name, {}},
+                           [&] { return real->status(known(name), into); });
     }
     int renameNoReplace(const std::string& from, const std::string& to) override {
         if (const int error = system.admit({FileCall::rename, path, from, to}))
@@ -32,28 +32,27 @@ class FailingOpenFolder : public OpenFolder {
         return real->renameNoReplace(known(from), to);
     }
     int exchange(const std::string& a, const std::string& b) override {
-        const int error = system.admit({FileCall::exchange, path, a, b});
-        return error != 0 ? error : real->exchange(known(a), known(b));
+        return system.pass({FileCall::exchange, path, a, b},
+                           [&] { return real->exchange(known(a), known(b)); });
     }
     int renameReplacing(const std::string& from, const std::string& to) override {
-        const int error = system.admit({FileCall::replace, path, from, to});
-        return error != 0 ? error : real->renameReplacing(known(from), known(to));
+        return system.pass({FileCall::replace, path, from, to},
+                           [&] { return real->renameReplacing(known(from), known(to)); });
     }
     int link(const std::string& from, const std::string& to) override {
-        const int error = system.admit({FileCall::link, path, from, to});
-        return error != 0 ? error : real->link(known(from), known(to));
+        return system.pass({FileCall::link, path, from, to},
+                           [&] { return real->link(known(from), known(to)); });
     }
     int reserve(const std::string& name, FileStatus::Kind kind) override {
-        const int error = system.admit({FileCall::reserve, path, name, {}});
-        return error != 0 ? error : real->reserve(known(name), kind);
+        return system.pass({FileCall::reserve, path, name, {}},
+                           [&] { return real->reserve(known(name), kind); });
     }
     int remove(const std::string& name, FileStatus::Kind kind) override {
-        const int error = system.admit({FileCall::remove, path, name, {}});
-        return error != 0 ? error : real->remove(known(name), kind);
+        return system.pass({FileCall::remove, path, name, {}},
+                           [&] { return real->remove(known(name), kind); });
     }
     int entries(FolderEntries& into) override {
-        const int error = system.admit({FileCall::entries, path, {}, {}});
-        return error != 0 ? error : real->entries(into);
+        return system.pass({FileCall::entries, path, {}, {}}, [&] { return real->entries(into); });
     }
     int volume(VolumeFacts& into) override { return real->volume(into); }
     bool liesAt(const std::string& place) override { return real->liesAt(place); }
@@ -82,12 +81,10 @@ class FailingAppendFile : public AppendFile {
         : system(counter), path(std::move(filePath)), real(std::move(realFile)) {}
 
     int append(std::string_view bytes) override {
-        const int error = system.admit({FileCall::write, path, {}, {}});
-        return error != 0 ? error : real->append(bytes);
+        return system.pass({FileCall::write, path, {}, {}}, [&] { return real->append(bytes); });
     }
     int sync() override {
-        const int error = system.admit({FileCall::sync, path, {}, {}});
-        return error; // nothing of a test is to outlive the machine
+        return system.admit({FileCall::sync, path, {}, {}}); // nothing of a test is to outlive the machine
     }
 
   private:
@@ -173,28 +170,23 @@ int FailingFileSystem::openFolder(const std::string& path, std::unique_ptr<OpenF
 }
 
 int FailingFileSystem::status(const std::string& path, FileStatus& into) {
-    const int error = admit({FileCall::status, path, {}, {}});
-    return error != 0 ? error : real.status(path, into);
+    return pass({FileCall::status, path, {}, {}}, [&] { return real.status(path, into); });
 }
 
 int FailingFileSystem::followedStatus(const std::string& path, FileStatus& into) {
-    const int error = admit({FileCall::status, path, {}, {}});
-    return error != 0 ? error : real.followedStatus(path, into);
+    return pass({FileCall::status, path, {}, {}}, [&] { return real.followedStatus(path, into); });
 }
 
 int FailingFileSystem::removeFile(const std::string& path) {
-    const int error = admit({FileCall::removeFile, path, {}, {}});
-    return error != 0 ? error : real.removeFile(path);
+    return pass({FileCall::removeFile, path, {}, {}}, [&] { return real.removeFile(path); });
 }
 
 int FailingFileSystem::makeFolders(const std::string& path) {
-    const int error = admit({FileCall::makeFolders, path, {}, {}});
-    return error != 0 ? error : real.makeFolders(path);
+    return pass({FileCall::makeFolders, path, {}, {}}, [&] { return real.makeFolders(path); });
 }
 
 int FailingFileSystem::writeFileAtomically(const std::string& path, std::string_view content) {
-    const int error = admit({FileCall::write, path, {}, {}});
-    return error != 0 ? error : real.writeFileAtomically(path, content);
+    return pass({FileCall::write, path, {}, {}}, [&] { return real.writeFileAtomically(path, content); });
 }
 
 int FailingFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) {
@@ -208,8 +200,7 @@ int FailingFileSystem::makeAppendFile(const std::string& path, std::unique_ptr<A
 }
 
 int FailingFileSystem::readFile(const std::string& path, std::string& into, std::size_t limit) {
-    const int error = admit({FileCall::read, path, {}, {}});
-    return error != 0 ? error : real.readFile(path, into, limit);
+    return pass({FileCall::read, path, {}, {}}, [&] { return real.readFile(path, into, limit); });
 }
 
 } // namespace tavrin::test

@@ -38,6 +38,8 @@ struct FileEvent {
     std::string name;
     std::string to;
     [[nodiscard]] bool changesNames() const { return call >= FileCall::rename; }
+    /// Whether the disk is another one after it.
+    [[nodiscard]] bool changesDisk() const { return call >= FileCall::makeFolders && call != FileCall::read; }
 };
 
 /// Stands before another file system, counts its calls, those of open folders among them, tells of each
@@ -79,6 +81,11 @@ class FailingFileSystem : public FileSystem {
 
     /// Counts a call; the error that it is to fail with, or 0.
     int admit(const FileEvent& event);
+    /// Counts a call and makes it, unless it is to fail.
+    template <typename Call> int pass(const FileEvent& event, Call call) {
+        const int error = admit(event);
+        return error != 0 ? error : call();
+    }
 
   private:
     static constexpr std::size_t kinds = static_cast<std::size_t>(FileCall::remove) + 1;

@@ -32,8 +32,10 @@ void openUp(const fs::path& folder) {
 
 } // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = fs::canonical(fs::temp_directory_path()).string() + "/tavrin-test-XXXXXX";
+TemporaryFolder::TemporaryFolder(const std::string& place) {
+    std::string pattern =
+        fs::canonical(place.empty() ? fs::temp_directory_path() : fs::path(place)).string() +
+        "/tavrin-test-XXXXXX";
     if (::mkdtemp(pattern.data()) == nullptr)
         throw std::runtime_error("cannot make a temporary folder");
     folder = pattern;

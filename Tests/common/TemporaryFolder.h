@@ -13,7 +13,9 @@ namespace tavrin::test {
 /// folders on the way to a file are made. What cannot be done throws std::runtime_error.
 class TemporaryFolder {
   public:
-    TemporaryFolder();
+    TemporaryFolder() : TemporaryFolder("") {}
+    /// In this folder, which exists; empty: where temporary files go.
+    explicit TemporaryFolder(const std::string& place);
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

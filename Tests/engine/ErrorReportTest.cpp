@@ -1,7 +1,5 @@
 #include "StageTest.h"
-#include "common/LogRecorder.h"
 #include "engine/asking/ErrorReportManager.h"
-#include "engine/renaming/RenameEngineUtilities.h"
 #include "platform/files/SandboxHelper.h"
 #include "store/paging/StoreError.h"
 
@@ -73,20 +71,6 @@ TEST_F(ErrorReportTest, CommandsAreReadInTheirOldEncoding) {
     for (const Case& test : cases)
         EXPECT_EQ(ErrorReportManager::runWithCommand(test.command), test.output) << test.command;
     EXPECT_EQ(ErrorReportManager::runWithCommand("head -c 3000000 /dev/zero | tr '\\0' x").size(), 1U << 20);
-}
-
-TEST_F(ErrorReportTest, TheHierarchyIsLogged) {
-    folder.write("t/d/x");
-    host.add({folder.path("t")});
-    host.set("processSubfolders", 1);
-    host.preview();
-    StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::storeWins);
-    LogRecorder log;
-    RenameEngineUtilities::printNodeHierarchy(context);
-    EXPECT_EQ(log.lines(),
-              (std::vector<std::string>{"Node Hierarchy:", "0: GhostNode at " + folder.path(),
-                                        "1: File at " + folder.path("t"), "2: File at " + folder.path("t/d"),
-                                        "3: File at " + folder.path("t/d/x")}));
 }
 
 } // namespace

@@ -6,20 +6,22 @@
 
 namespace tavrin::test {
 
-HistoryBench::HistoryBench() { host.engine.setHistoryPlace({records.path(), "test"}); }
+HistoryBench::HistoryBench(const std::string& place) : RenameBench({}, place), records(place) {
+    host.engine.setHistoryPlace({records.path(), "test"});
+}
 
 int HistoryBench::takeBack(RunKind what, bool takesReplaced) {
     failures.clear();
     refusal.clear();
     reports.clear();
-    const auto chosen = RunHistory(records.path()).choose(what, "");
-    if (const auto* reason = std::get_if<std::string>(&chosen)) {
+    const auto run = RunHistory(records.path()).choose(what, chosen);
+    if (const auto* reason = std::get_if<std::string>(&run)) {
         refusal = *reason;
         return 0;
     }
     TakeBackResult result;
     host.engine.processTakeBack(host.progress,
-                                {.chosen = std::get<ChosenRun>(chosen), .takesReplaced = takesReplaced},
+                                {.chosen = std::get<ChosenRun>(run), .takesReplaced = takesReplaced},
                                 [&](EngineHost&, const TakeBackResult& found) { result = found; });
     host.waitUntilIdle();
     for (const ProcessingError& error : result.errors)

@@ -12,7 +12,7 @@ namespace tavrin::test {
 /// A bench whose runs leave records, in a folder of their own.
 class HistoryBench : public RenameBench {
   public:
-    HistoryBench();
+    explicit HistoryBench(const std::string& place = "");
 
     TemporaryFolder records;
     /// What the last undo or redo could not do, "message: name" by names relative to the folder.
@@ -20,7 +20,10 @@ class HistoryBench : public RenameBench {
     /// Why it did not begin; empty where it did.
     std::string refusal;
 
-    /// Undoes or redoes what is next, as a program started anew would; the number of changed names.
+    /// The run to undo or redo; empty: what is next.
+    std::string chosen;
+
+    /// Undoes or redoes it, as a program started anew would; the number of changed names.
     int takeBack(RunKind what, bool takesReplaced = false);
     /// The state of each run, newest first.
     [[nodiscard]] std::vector<std::string> states() const;

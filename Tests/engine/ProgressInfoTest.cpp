@@ -1,6 +1,5 @@
 #include "engine/pipeline/ProgressInfo.h"
 
-#include "common/LogRecorder.h"
 #include "common/ManualRunLoop.h"
 
 #include <gtest/gtest.h>
@@ -45,14 +44,9 @@ TEST_F(ProgressInfoTest, ShowsTheLastTextOfATickOnly) {
                                                  "itemText"}));
     loop.advance(milliseconds(1000));
     EXPECT_EQ(changes.size(), 4U) << "an idle tick announces nothing";
-}
-
-TEST_F(ProgressInfoTest, AnEqualTextSetAnewIsAnnouncedAgain) {
-    progress.updateStageText("same");
+    progress.updateStageText("stage 25");
     progress.forceUpdate();
-    progress.updateStageText("same");
-    progress.forceUpdate();
-    EXPECT_EQ(changes, (std::vector<std::string>{"stageText", "stageText"}));
+    EXPECT_EQ(changes.back(), "stageText") << "an equal text is announced again";
 }
 
 TEST_F(ProgressInfoTest, ForceUpdateShowsTheNumberAtOnce) {
@@ -107,14 +101,6 @@ TEST_F(ProgressInfoTest, TextsPerItemAreWantedOncePerTick) {
     loop.advance(milliseconds(100));
     EXPECT_TRUE(progress.wantsItemDescription());
     EXPECT_FALSE(progress.wantsItemDescription());
-}
-
-TEST_F(ProgressInfoTest, LogsAllTextsThatItIsGiven) {
-    LogRecorder log;
-    progress.updateStageText("one");
-    progress.updateCurrentActionDescription("two");
-    progress.updateCurrentActionDescription("three");
-    EXPECT_EQ(log.lines(), (std::vector<std::string>{"one", "two", "three"}));
 }
 
 TEST_F(ProgressInfoTest, AnnouncementsOnTheirWayOutliveTheRecord) {

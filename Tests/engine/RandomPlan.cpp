@@ -27,7 +27,16 @@ std::vector<std::string> components(const std::string& path) {
 
 } // namespace
 
-RandomPlan::RandomPlan(unsigned seed) : random(seed) { addItem("box", upTo(1) ? "box" : "Box", "", true, 0); }
+const std::vector<Volume> volumes{
+    {"all", {}},
+    {"no exchange", {FileCall::exchange}},
+    {"no flag", {FileCall::exchange, FileCall::rename}},
+    {"no flag, no link", {FileCall::exchange, FileCall::rename, FileCall::link}},
+    {"ignores case", {FileCall::exchange}, true}};
+
+RandomPlan::RandomPlan(unsigned seed, bool ignoresCase) : random(seed), caseIsIgnored(ignoresCase) {
+    addItem("box", upTo(1) ? "box" : "Box", "", true, 0);
+}
 
 void RandomPlan::addItem(const std::string& before, const std::string& finalName,
                          const std::string& folderAfter, bool isFolder, int depth) {
@@ -46,6 +55,9 @@ void RandomPlan::fill(const std::string& before, const std::string& after, int d
     std::vector<std::string> names{"a", "A",      "b",      "B.txt", "b.TXT", "c",
                                    "d", "\u00E9", "\u00C9", "e f",   "p:q"};
     std::shuffle(names.begin(), names.end(), random);
+    std::set<std::string> seen;
+    if (caseIsIgnored)
+        std::erase_if(names, [&](const std::string& name) { return !seen.insert(lowered(name)).second; });
     names.resize(1 + upTo(6));
     const std::vector<std::string> wanted = finalNames(names);
     for (std::size_t i = 0; i < names.size(); ++i)

@@ -1,259 +1,195 @@
 #include "RenameBench.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <deque>
+#include <algorithm>
+#include <map>
 #include <thread>
 
 namespace tavrin::test {
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using enum ConfirmationChoice;
 
-/// Gives the scripted answers in turn; one too many questions is a failure.
-template <typename... Question> auto answering(std::deque<ConfirmationChoice> answers) {
-    return [answers = std::move(answers)](const Question&...) mutable {
-        if (answers.empty()) {
-            ADD_FAILURE() << "one question too many";
-            return stop;
-        }
-        const ConfirmationChoice next = answers.front();
-        answers.pop_front();
-        return next;
-    };
-}
+const std::map<std::string, ConfirmationChoice> answers{
+    {"one", one}, {"all", all}, {"leave out", leaveOut}, {"stop", stop}};
+const std::string failed = "problem Could not change a file name: ";
+const std::string ringFailed =
+    "problem Could not perform a temporary rename while resolving a dependency chain.: ";
 
-class RenameAnswers : public testing::Test {
-  protected:
-    RenameAnswers() { bench.host.set("interactiveMode", 1); }
-
-    void makeRow(const std::vector<std::string>& names) {
-        bench.makeAndRead(names);
-        for (const std::string& name : names)
-            bench.setFinalName(name, u"new " + std::u16string(name.begin(), name.end()));
-    }
-
-    RenameBench bench;
+/// A plan, all that the user is asked during its run with what he answers, and what comes of it.
+struct Case {
+    const char* title;
+    const char* plan;
+    std::vector<std::string> dialogue; ///< "answer: question"
+    const char* after;
+    const char* gone = ""; ///< since reading
+    std::map<std::string, PropertyValue> settings = {};
+    std::size_t recorded = 0; ///< failures that are told at the end
+    bool isSilent = false;
 };
+
+const std::map<std::string, PropertyValue> silently{{"interactiveMode", 0}};
+constexpr const char* cycles = "f/a>b f/b>c f/c>a g/a>b g/b>c g/c>a";
+
+const std::vector<Case> cases{
+    {"all: no more questions",
+     "a>A1 b>B1 c>C1 d>D1",
+     {"one: rename a -> A1 (a)", "leave out: rename b -> B1 (b)", "all: rename c -> C1 (c)"},
+     "A1=a b C1=c D1=d"},
+    {"stop keeps what is done",
+     "a>A1 b>B1 c>C1",
+     {"one: rename a -> A1 (a)", "stop: rename b -> B1 (b)"},
+     "A1=a b c"},
+    {"a chain is asked item by item and goes on after one is left out, whose name is still taken",
+     "a>b b>c c>d",
+     {"one: rename c -> d (c)", "leave out: rename b -> c", "one: rename a -> b", "one: " + failed + "a"},
+     "d=c b a"},
+    {"a swap is one question",
+     "a>b b>a c>d",
+     {"one: swap a -> b (a, b)", "leave out: rename c -> d (c)"},
+     "a=b b=a c"},
+    {"all, at a swap", "a>b b>a c>d", {"all: swap a -> b (a, b)"}, "a=b b=a d=c"},
+    {"a swap is left out",
+     "a>b b>a c>d",
+     {"leave out: swap a -> b (a, b)", "leave out: rename c -> d (c)"},
+     "a b c"},
+    {"stop, at a swap", "a>b b>a c>d", {"stop: swap a -> b (a, b)"}, "a b c"},
+    {"a cycle is asked about by folder, and is the last question",
+     cycles,
+     {"one: cycle f"},
+     "f/b=f/a f/c=f/b f/a=f/c g/b=g/a g/c=g/b g/a=g/c"},
+    {"unless it is left out",
+     cycles,
+     {"leave out: cycle f", "leave out: cycle g"},
+     "f/a f/b f/c g/a g/b g/c"},
+    {"stop, at a cycle", cycles, {"stop: cycle f"}, "f/a f/b f/c g/a g/b g/c"},
+    {"all, at a failure: the later ones are recorded",
+     "a>A1 b>B1 c>C1 d>D1",
+     {"leave out: " + failed + "a", "all: " + failed + "b"},
+     "D1=d",
+     "a b c",
+     silently,
+     1},
+    {"a ring without a member stays as it is, and a stop is asked once",
+     "a>b b>c c>a d",
+     {"stop: " + ringFailed + "a"},
+     "a c d",
+     "b",
+     silently,
+     2},
+    {"a silent droplet does not ask, but tells of failures",
+     "a>A1 b>B1",
+     {"one: " + failed + "a"},
+     "B1=b",
+     "a",
+     {},
+     0,
+     true},
+    {"no library", "x/iTune>b x/myiTunes", {}, "x/b=x/iTune x/myiTunes", "", silently},
+    {"a library's name in the last component, whatever the case, is warned of once",
+     "x/ITUNES.txt>b x/iTunes2>c",
+     {"one: iTunes"},
+     "x/b=x/ITUNES.txt x/c=x/iTunes2",
+     "",
+     silently},
+    {"and in the folder",
+     "iphoto~LIBRARY/a>c",
+     {"one: iPhoto"},
+     "iphoto~LIBRARY/c=iphoto~LIBRARY/a",
+     "",
+     silently},
+    {"refused", "iTunes/a>c iTunes/b>d", {"stop: iTunes"}, "iTunes/a iTunes/b", "", silently},
+    {"both, the second even after the first was refused",
+     "iPhoto~Library/iTunes>b",
+     {"stop: iPhoto", "one: iTunes"},
+     "iPhoto~Library/iTunes",
+     "",
+     silently},
+    {"no warning where the settings say so",
+     "iTunes>b",
+     {},
+     "b=iTunes",
+     "",
+     {{"interactiveMode", 0},
+      {"preventAccidentalITunesLibraryDamage", false},
+      {"preventAccidentalIPhotoLibraryDamage", false}}},
+};
+
+/// The question with the paths that it names besides, relative to the folder.
+std::string wordsOf(const RunQuestion& question, const RenameBench& bench) {
+    const std::string& folder = bench.disk.path();
+    std::string words = bench.host.prompts.asked.back();
+    if (const auto* swapped = std::get_if<SwapQuestion>(&question)) {
+        EXPECT_EQ(swapped->path, folder);
+        words += " (" + swapped->fullPathFirst + ", " + swapped->fullPathSecond + ")";
+    } else if (const auto* renamed = std::get_if<RenameQuestion>(&question)) {
+        EXPECT_EQ(renamed->path, folder);
+        words += renamed->fullPath ? " (" + *renamed->fullPath + ")" : "";
+    }
+    for (std::size_t at; (at = words.find(folder + "/")) != std::string::npos;)
+        words.erase(at, folder.size() + 1);
+    return words;
+}
 
 } // namespace
 
-TEST_F(RenameAnswers, OneLeaveOutAllThenNoMoreQuestions) {
-    makeRow({"a", "b", "c", "d"});
-    bench.host.prompts.onRename = answering<RenameQuestion>({one, leaveOut, all});
-    bench.rename();
-    EXPECT_THAT(bench.host.prompts.asked,
-                ElementsAre("rename a -> new a", "rename b -> new b", "rename c -> new c"));
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"new a", "a"}, {"b", "b"}, {"new c", "c"}, {"new d", "d"}}));
-    EXPECT_EQ(bench.renamed(), 3);
-}
-
-TEST_F(RenameAnswers, StopAtTheSecondKeepsTheFirst) {
-    makeRow({"a", "b", "c"});
-    bench.host.prompts.onRename = answering<RenameQuestion>({one, stop});
-    bench.rename();
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"new a", "a"}, {"b", "b"}, {"c", "c"}}));
-    EXPECT_EQ(bench.renamed(), 1);
-    EXPECT_THAT(bench.sourcePaths(), ElementsAre("b", "c", "new a"));
-}
-
-TEST_F(RenameAnswers, AChainIsAskedItemByItemAndGoesOnAfterOneIsLeftOut) {
-    bench.makeAndRead({"a", "b", "c"});
-    bench.setFinalName("a", u"b");
-    bench.setFinalName("b", u"c");
-    bench.setFinalName("c", u"d");
-    std::vector<RenameQuestion> questions;
-    bench.host.prompts.onRename = [&](const RenameQuestion& question) {
-        questions.push_back(question);
-        return question.oldName == "b" ? leaveOut : one;
-    };
-    bench.rename();
-    ASSERT_EQ(questions.size(), 3U);
-    EXPECT_EQ(questions[0].oldName, "c");
-    EXPECT_EQ(questions[0].fullPath, bench.disk.path("c"));
-    for (const RenameQuestion& question : questions) {
-        EXPECT_EQ(question.path, bench.disk.path());
-        EXPECT_EQ(question.fullPath.has_value(), question.oldName == "c");
-    }
-    // The last one's name is still taken.
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"d", "c"}, {"b", "b"}, {"a", "a"}}));
-    EXPECT_THAT(bench.problems(), ElementsAre("Could not change a file name: a"));
-    EXPECT_EQ(bench.reports[0].message, "Another file with this name already exists in this folder.");
-}
-
-TEST_F(RenameAnswers, ASwapIsOneQuestion) {
-    struct Case {
-        ConfirmationChoice answer;
-        RenameBench::Tree after;
-    };
-    const RenameBench::Tree same{{"a", "a"}, {"b", "b"}, {"c", "c"}};
-    for (const Case& one :
-         {Case{ConfirmationChoice::one, {{"a", "b"}, {"b", "a"}, {"c", "c"}}},
-          Case{all, {{"a", "b"}, {"b", "a"}, {"new", "c"}}}, Case{leaveOut, same}, Case{stop, same}}) {
-        RenameBench swap;
-        swap.host.set("interactiveMode", 1);
-        swap.makeAndRead({"a", "b", "c"});
-        swap.setFinalName("a", u"b");
-        swap.setFinalName("b", u"a");
-        swap.setFinalName("c", u"new");
-        swap.host.prompts.onSwap = [&](const SwapQuestion& question) {
-            EXPECT_EQ(question.path, swap.disk.path());
-            EXPECT_EQ(question.fullPathFirst, swap.disk.path("a"));
-            EXPECT_EQ(question.fullPathSecond, swap.disk.path("b"));
-            return one.answer;
-        };
-        if (one.answer != stop && one.answer != all)
-            swap.host.prompts.onRename = answering<RenameQuestion>({leaveOut});
-        swap.rename();
-        EXPECT_EQ(swap.host.prompts.asked.front(), "swap a -> b");
-        EXPECT_EQ(swap.files(), one.after);
-    }
-}
-
-TEST_F(RenameAnswers, ACycleIsAskedAboutByFolderAndIsTheLastQuestionUnlessItIsLeftOut) {
-    for (const ConfirmationChoice answer : {one, leaveOut, stop}) {
-        RenameBench cycles;
-        cycles.host.set("interactiveMode", 1);
-        cycles.make({"f/a", "f/b", "f/c", "g/a", "g/b", "g/c"});
-        cycles.read({"f", "g"});
-        for (const std::string folder : {"f/", "g/"}) {
-            cycles.setFinalName(folder + "a", u"b");
-            cycles.setFinalName(folder + "b", u"c");
-            cycles.setFinalName(folder + "c", u"a");
-        }
-        cycles.host.prompts.onNameCycle = answering<NameCycleQuestion>({answer, answer});
-        cycles.rename();
-        std::vector<std::string> asked{"cycle " + cycles.disk.path("f")};
-        if (answer == leaveOut)
-            asked.push_back("cycle " + cycles.disk.path("g"));
-        EXPECT_EQ(cycles.host.prompts.asked, asked);
-        EXPECT_EQ(cycles.renamed(), answer == one ? 6 : 0);
-        EXPECT_EQ(cycles.files().at("g/b"), answer == one ? "g/a" : "g/b");
-    }
-}
-
-TEST_F(RenameAnswers, AtAFailureAllMeansToRecordTheLaterOnes) {
-    bench.host.set("interactiveMode", 0);
-    makeRow({"a", "b", "c", "d"});
-    for (const char* name : {"a", "b", "c"})
-        bench.disk.remove(name);
-    bench.host.prompts.onProblem = answering<ProblemReport>({leaveOut, all});
-    bench.rename();
-    EXPECT_EQ(bench.host.prompts.asked.size(), 2U);
-    const auto errors = bench.host.errors();
-    ASSERT_EQ(errors.size(), 1U);
-    EXPECT_TRUE(errors[0].starts_with("Could not change a file name | You may not have sufficient access"));
-    EXPECT_TRUE(errors[0].ends_with("| " + bench.disk.path("c")));
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"new d", "d"}}));
-}
-
-TEST_F(RenameAnswers, ARingWithoutAMemberStaysAsItIsAndAStopIsAskedOnce) {
-    bench.host.set("interactiveMode", 0);
-    bench.makeAndRead({"a", "b", "c", "d"});
-    bench.setFinalName("a", u"b");
-    bench.setFinalName("b", u"c");
-    bench.setFinalName("c", u"a");
-    bench.disk.remove("b");
-    bench.host.prompts.onProblem = answering<ProblemReport>({stop});
-    bench.rename();
-    EXPECT_EQ(bench.files(), untouched({"a", "c", "d"}));
-    EXPECT_EQ(bench.renamed(), 0);
-    EXPECT_EQ(bench.host.errors().size(), 2U);
-}
-
-TEST_F(RenameAnswers, ASilentDropletIsNotAskedButToldOfFailures) {
-    makeRow({"a", "b"});
-    bench.disk.remove("a");
-    bench.host.isSilent = true;
-    bench.rename();
-    EXPECT_THAT(bench.problems(), ElementsAre("Could not change a file name: a"));
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"new b", "b"}}));
-}
-
-TEST_F(RenameAnswers, ARequestToStopIsTakenBetweenItems) {
-    makeRow({"a", "b", "c"});
-    bench.host.prompts.onRename = [&](const RenameQuestion& question) {
-        if (question.oldName == "b")
-            bench.host.engine.requestStop();
-        return one;
-    };
-    bench.rename();
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"new a", "a"}, {"new b", "b"}, {"c", "c"}}));
-    EXPECT_THAT(bench.reports, IsEmpty());
-}
-
-TEST_F(RenameAnswers, AClosedLoopAnswersStop) {
-    makeRow({"a", "b"});
-    bench.host.prompts.onRename = [&](const RenameQuestion&) {
-        bench.host.loop.close();
-        return one;
-    };
-    std::thread worker([this] { bench.renameOnThisThread(); });
-    bench.host.loop.runUntil([this] { return !bench.host.prompts.asked.empty(); });
-    worker.join();
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"new a", "a"}, {"b", "b"}}));
-}
-
-TEST(RenameWarnings, LibrariesAreWarnedOfOncePerRunAndWherePathsHoldTheirName) {
-    struct Case {
-        const char* title;
-        std::vector<std::string> files;
-        ConfirmationChoice iPhoto;
-        ConfirmationChoice iTunes;
-        std::vector<std::string> asked;
-        int renamed;
-    };
-    const std::vector<Case> cases{
-        {"neither", {"x/", "x/iTune", "x/my iTunes"}, stop, stop, {}, 2},
-        {"in the last component, whatever the case",
-         {"x/", "x/ITUNES.txt", "x/iTunes 2"},
-         stop,
-         one,
-         {"iTunes"},
-         2},
-        {"in the folder",
-         {"iphoto LIBRARY 2/", "iphoto LIBRARY 2/a", "iphoto LIBRARY 2/b"},
-         one,
-         stop,
-         {"iPhoto"},
-         2},
-        {"refused", {"iTunes/", "iTunes/a", "iTunes/b"}, stop, stop, {"iTunes"}, 0},
-        {"both, the second even after the first was refused",
-         {"iPhoto Library/", "iPhoto Library/iTunes a"},
-         stop,
-         one,
-         {"iPhoto", "iTunes"},
-         0},
-    };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.title);
+TEST(RenameAnswers, DecideWhatIsDone) {
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.title);
         RenameBench bench;
-        bench.make(one.files);
-        bench.read({one.files.front()});
-        for (std::size_t i = 1; i < one.files.size(); ++i)
-            bench.setFinalName(one.files[i], u"new " + std::u16string(1, static_cast<char16_t>(u'a' + i)));
-        bench.host.prompts.onLibraryWarning = [&](const LibraryWarning& warning) {
-            return warning.library == LibraryWarning::Library::iPhoto ? one.iPhoto : one.iTunes;
+        bench.host.set("interactiveMode", 1);
+        for (const auto& [key, value] : c.settings)
+            bench.host.set(key, value);
+        bench.host.isSilent = c.isSilent;
+        bench.plan(c.plan);
+        for (const std::string& name : split(c.gone))
+            bench.disk.remove(name);
+        std::vector<std::string> dialogue;
+        const auto answer = [&](const auto& question) {
+            const std::string words = wordsOf(question, bench);
+            const std::string line =
+                dialogue.size() < c.dialogue.size() ? c.dialogue[dialogue.size()] : "stop: ";
+            const std::string given = line.substr(0, line.find(": "));
+            dialogue.push_back(given + ": " + words);
+            return answers.at(given);
         };
+        auto& user = bench.host.prompts;
+        user.onRename = answer;
+        user.onSwap = answer;
+        user.onNameCycle = answer;
+        user.onProblem = answer;
+        user.onLibraryWarning = answer;
         bench.rename();
-        EXPECT_EQ(bench.host.prompts.asked, one.asked);
-        EXPECT_EQ(bench.renamed(), one.renamed);
+        EXPECT_EQ(dialogue, c.dialogue);
+        const RenameBench::Tree after = tree(c.after);
+        EXPECT_EQ(bench.files(), after);
+        EXPECT_EQ(bench.renamed(),
+                  std::ranges::count_if(after, [](const auto& file) { return file.first != file.second; }));
+        EXPECT_EQ(bench.host.errors().size(), c.recorded);
     }
 }
 
-TEST(RenameWarnings, SettingsSwitchThemOff) {
-    RenameBench bench;
-    bench.host.set("preventAccidentalITunesLibraryDamage", false);
-    bench.host.set("preventAccidentalIPhotoLibraryDamage", false);
-    bench.makeAndRead({"iTunes"});
-    bench.setFinalName("iTunes", u"iPhoto Library");
-    bench.rename();
-    EXPECT_THAT(bench.host.prompts.asked, IsEmpty());
-    EXPECT_EQ(bench.renamed(), 1);
+/// By a request, which is taken between items, or because nobody runs the loop any more.
+TEST(RenameAnswers, AnEndFromOutsideStopsTheRun) {
+    for (const bool byRequest : {true, false}) {
+        RenameBench bench;
+        bench.host.set("interactiveMode", 1);
+        bench.plan("a>A1 b>B1");
+        bench.host.prompts.onRename = [&](const RenameQuestion&) {
+            if (byRequest)
+                bench.host.engine.requestStop();
+            else
+                bench.host.loop.close();
+            return one;
+        };
+        std::thread worker([&] { bench.renameOnThisThread(); });
+        bench.host.loop.runUntil([&] { return !bench.host.prompts.asked.empty(); });
+        worker.join();
+        EXPECT_EQ(bench.files(), tree("A1=a b"));
+        EXPECT_TRUE(bench.reports.empty());
+    }
 }
 
 } // namespace tavrin::test

@@ -8,14 +8,25 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <tuple>
+#include <unistd.h>
+
 namespace tavrin::test {
 
-RenameBench::RenameBench(ItemStore::Options options) : host(std::move(options)) {
+RenameBench::RenameBench(ItemStore::Options options, const std::string& place)
+    : disk(place), host(std::move(options)) {
     host.set("processSubfolders", 1);
     host.prompts.onProblem = [this](const ProblemReport& report) {
         reports.push_back(report);
         return ConfirmationChoice::one;
     };
+}
+
+std::string RenameBench::inMemory() {
+    const char* const place = "/dev/shm";
+    return ::access(place, W_OK) == 0 ? place : "";
 }
 
 void RenameBench::make(const std::vector<std::string>& names) {
@@ -49,6 +60,49 @@ void RenameBench::setFinalName(const std::string& name, std::u16string_view fina
     context.setFinalName(row, finalName);
     context.change(row).diff = !text::canonicallyEqual(context.name(row), finalName);
     context.commit();
+}
+
+void RenameBench::plan(std::string_view words) {
+    std::vector<std::string> top;
+    for (const std::string& word : split(words)) {
+        const std::string name = word.substr(0, word.find('>'));
+        make({name});
+        if (std::ranges::find(top, name.substr(0, name.find('/'))) == top.end())
+            top.push_back(name.substr(0, name.find('/')));
+    }
+    read(top);
+    for (const std::string& word : split(words)) {
+        const std::size_t arrow = word.find('>');
+        if (arrow == std::string::npos)
+            continue;
+        std::u16string wanted = text::fromBytes(word.substr(arrow + 1));
+        text::replaceUnit(wanted, u':', u'/');
+        setFinalName(word.substr(0, arrow - (word[arrow - 1] == '/' ? 1 : 0)), wanted);
+    }
+}
+
+void RenameBench::happens(std::string_view steps) const {
+    for (const std::string& step : split(steps, ',')) {
+        std::vector<std::string> words = split(step.substr(step.find_first_not_of(' ')));
+        words.resize(3);
+        const auto& [what, name, other] = std::tie(words[0], words[1], words[2]);
+        if (what == "remove")
+            std::filesystem::remove_all(disk.path(name));
+        else if (what == "move")
+            std::filesystem::rename(disk.path(name), disk.path(other));
+        else if (what == "write")
+            disk.write(name, other);
+        else if (what == "link")
+            disk.link(name, other);
+        else if (what == "second")
+            std::filesystem::create_hard_link(disk.path(name), disk.path(other));
+        else if (what == "folder")
+            disk.makeFolder(name);
+        else if (what == "save")
+            std::filesystem::rename(disk.write(name + ".saved", "new"), disk.path(name));
+        else
+            ADD_FAILURE() << what;
+    }
 }
 
 void RenameBench::rename() {
@@ -86,11 +140,23 @@ std::vector<std::string> RenameBench::problems() const {
     return problems;
 }
 
-RenameBench::Tree untouched(const std::vector<std::string>& names) {
+std::vector<std::string> split(std::string_view words, char separator) {
+    std::vector<std::string> found;
+    while (!words.empty()) {
+        const std::size_t end = std::min(words.find(separator), words.size());
+        found.emplace_back(words.substr(0, end));
+        if (separator == ' ')
+            std::ranges::replace(found.back(), '~', ' ');
+        words.remove_prefix(std::min(end + 1, words.size()));
+    }
+    return found;
+}
+
+RenameBench::Tree tree(std::string_view words) {
     RenameBench::Tree files;
-    for (const std::string& name : names) {
-        if (name.back() != '/')
-            files.emplace(name, name);
+    for (const std::string& word : split(words)) {
+        const std::size_t equals = word.find('=');
+        files.emplace(word.substr(0, equals), equals == std::string::npos ? word : word.substr(equals + 1));
     }
     return files;
 }

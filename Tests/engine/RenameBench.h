@@ -19,7 +19,10 @@ class RenameBench {
     /// What became of the files: content (the name before) by the name after.
     using Tree = std::map<std::string, std::string>;
 
-    explicit RenameBench(ItemStore::Options options = {});
+    explicit RenameBench(ItemStore::Options options = {}, const std::string& place = "");
+
+    /// A place for folders that costs no disk, for laws that make thousands of them.
+    static std::string inMemory();
 
     TemporaryFolder disk;
     EngineTestHost host;
@@ -32,6 +35,12 @@ class RenameBench {
     void read(const std::vector<std::string>& names);
     void makeAndRead(const std::vector<std::string>& names);
     void setFinalName(const std::string& name, std::u16string_view finalName);
+    /// All three: "a>b f/>g f/x" makes the file "a", which is to be "b", the folder "f", which is to be "g",
+    /// and a file in it that is to stay. "~" is a space.
+    void plan(std::string_view words);
+    /// What somebody else does, in steps: "remove a, move a b, write a text, link a target, second a b (a
+    /// hard link), folder a, save a" (which puts a new file in its place, as editors do).
+    void happens(std::string_view steps) const;
     /// Plans and performs, on a worker.
     void rename();
     /// The same on the calling thread, which the questions of the run must not wait for.
@@ -46,7 +55,8 @@ class RenameBench {
     [[nodiscard]] std::vector<std::string> problems() const;
 };
 
-/// The files as they were made: each under its own name.
-RenameBench::Tree untouched(const std::vector<std::string>& names);
+/// Files by their names, each with its content if that is another: "b=a c".
+RenameBench::Tree tree(std::string_view words);
+std::vector<std::string> split(std::string_view words, char separator = ' ');
 
 } // namespace tavrin::test

@@ -13,17 +13,6 @@ namespace tavrin::test {
 
 namespace {
 
-/// What file systems refuse: nothing; to exchange names; also to rename without replacing; also links.
-struct Volume {
-    const char* title;
-    std::vector<FileCall> refused;
-};
-const std::vector<Volume> volumes{
-    {"all", {}},
-    {"no exchange", {FileCall::exchange}},
-    {"no flag", {FileCall::exchange, FileCall::rename}},
-    {"no flag, no link", {FileCall::exchange, FileCall::rename, FileCall::link}}};
-
 /// What happens to a call that changes names, before it reaches the disk: 0 or an error. Call 0 is the first
 /// one meant.
 using Mishap = std::function<int(const FileEvent&, std::size_t number)>;
@@ -33,16 +22,15 @@ using Mishap = std::function<int(const FileEvent&, std::size_t number)>;
 void expectNothingLostWhen(const Mishap& mishap, const std::function<void(RenameBench&)>& afterEachRun) {
     for (const Volume& volume : volumes) {
         for (const unsigned seed : RandomPlan::eventful) {
-            const RandomPlan plan(seed);
+            const RandomPlan plan(seed, volume.ignoresCase);
             bool wasReached = true;
             for (std::size_t k = 1; wasReached; ++k) {
                 SCOPED_TRACE(volume.title + std::string(", plan ") + std::to_string(seed) + ", call " +
                              std::to_string(k));
-                RenameBench bench;
+                RenameBench bench({}, RenameBench::inMemory());
                 plan.setUp(bench);
                 FailingFileSystem disk;
-                for (const FileCall call : volume.refused)
-                    disk.failKind(call, EOPNOTSUPP);
+                volume.setUp(disk);
                 std::size_t seen = 0;
                 disk.before = [&](const FileEvent& event) {
                     return !event.changesNames() || ++seen < k ? 0 : mishap(event, seen - k);
@@ -63,12 +51,11 @@ TEST(RenameLaws, RandomPlansComeOutAsWanted) {
     for (unsigned seed = 0; seed < 80; ++seed) {
         for (const Volume& volume : volumes) {
             SCOPED_TRACE(volume.title + std::string(", plan ") + std::to_string(seed));
-            const RandomPlan plan(seed);
-            RenameBench bench;
+            const RandomPlan plan(seed, volume.ignoresCase);
+            RenameBench bench({}, RenameBench::inMemory());
             plan.setUp(bench);
             FailingFileSystem disk;
-            for (const FileCall call : volume.refused)
-                disk.failKind(call, EOPNOTSUPP);
+            volume.setUp(disk);
             bench.rename();
             ASSERT_EQ(bench.files(), plan.after());
             EXPECT_TRUE(bench.reports.empty());
@@ -80,27 +67,31 @@ TEST(RenameLaws, RandomPlansComeOutAsWanted) {
 /// Whatever single call fails, looks included, another route serves or the failure is reported; and so when
 /// nothing works any more from there on.
 TEST(RenameLaws, EachCallFailingLosesNothing) {
-    for (const bool andAllAfter : {false, true}) {
-        for (const unsigned seed : RandomPlan::eventful) {
-            const RandomPlan plan(seed);
-            bool hasFailed = true;
-            for (std::size_t k = 1; hasFailed; ++k) {
-                SCOPED_TRACE("plan " + std::to_string(seed) + ", call " + std::to_string(k));
-                RenameBench bench;
-                plan.setUp(bench);
-                FailingFileSystem failing;
-                failing.failCall(k, EIO, andAllAfter);
-                bench.rename();
-                hasFailed = failing.failureCount() > 0;
-                EXPECT_TRUE(hasFailed || k > 6) << "hardly anything was called";
-                plan.expectNothingLost(bench);
+    for (const Volume& volume : volumes) {
+        for (const bool andAllAfter : {false, true}) {
+            for (const unsigned seed : RandomPlan::eventful) {
+                const RandomPlan plan(seed, volume.ignoresCase);
+                bool hasFailed = true;
+                for (std::size_t k = 1; hasFailed; ++k) {
+                    SCOPED_TRACE(volume.title + std::string(", plan ") + std::to_string(seed) + ", call " +
+                                 std::to_string(k));
+                    RenameBench bench({}, RenameBench::inMemory());
+                    plan.setUp(bench);
+                    FailingFileSystem disk;
+                    volume.setUp(disk);
+                    disk.failCall(k, EIO, andAllAfter);
+                    bench.rename();
+                    hasFailed = disk.callCount() >= k;
+                    EXPECT_TRUE(hasFailed || k > 6) << "hardly anything was called";
+                    plan.expectNothingLost(bench);
+                }
             }
         }
     }
 }
 
 TEST(RenameLaws, EachRunOfFailingCallsLosesNothing) {
-    for (const std::size_t length : {1, 2, 3, 4, 100000}) {
+    for (const std::size_t length : {2, 3, 4}) {
         SCOPED_TRACE(std::to_string(length) + " in a row");
         expectNothingLostWhen(
             [length](const FileEvent&, std::size_t number) { return number < length ? EACCES : 0; },

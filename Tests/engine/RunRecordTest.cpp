@@ -1,11 +1,14 @@
 #include "RecordText.h"
+#include "RenameBench.h"
 #include "common/TemporaryFolder.h"
 #include "engine/history/RunHistory.h"
 #include "engine/history/RunRecordReader.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 #include <unistd.h>
 
 namespace tavrin::test {
@@ -73,7 +76,7 @@ std::vector<std::string> itemLines(const RecordText& text) {
 /// Whatever happens to a record, what is read from it was written: whole blocks from its front. And a loss
 /// that no cut-off can explain is told.
 TEST(RunRecord, OnlyWholeBlocksCountHoweverItIsCutOrSpoiled) {
-    const TemporaryFolder folder;
+    const TemporaryFolder folder(RenameBench::inMemory());
     RecordText text = threeBlocks();
     const std::vector<std::string> all = itemLines(text);
     const std::string plan = text.withChecksums();
@@ -125,85 +128,69 @@ TEST(RunRecord, WhatIsNoRecordOfOursIsTold) {
         ASSERT_EQ(::chown(folder.path("6-1.run").c_str(), 4711, 4711), 0);
     else
         std::filesystem::permissions(folder.path("6-1.run"), std::filesystem::perms::none);
-    const auto runs = RunHistory(folder.path()).runs();
-    ASSERT_EQ(runs.size(), 6U);
-    EXPECT_TRUE(runs[0].problem.starts_with(isRoot ? "It belongs" : "It can't be read")) << runs[0].problem;
-    EXPECT_EQ(runs[1].problem, "It is no record of a run.");
-    EXPECT_EQ(runs[2].problem, "It is no file.");
-    EXPECT_EQ(runs[3].problem, "It is a link.");
-    EXPECT_EQ(runs[4].problem, "It was written by a newer version of Tavrin.");
-    EXPECT_EQ(runs[5].problem, "");
-    const auto chosen = RunHistory(folder.path()).choose(RunKind::undo, "");
-    EXPECT_TRUE(std::get<std::string>(chosen).ends_with("The next older one is 1-1."))
-        << std::get<0>(chosen).run.name;
-    EXPECT_EQ(std::get<ChosenRun>(RunHistory(folder.path()).choose(RunKind::undo, "1-1")).run.name, "1-1");
-    EXPECT_TRUE(std::holds_alternative<std::string>(RunHistory(folder.path()).choose(RunKind::undo, "-1")));
+    const RunHistory history(folder.path());
+    std::vector<std::string> problems;
+    for (const PastRun& run : history.runs())
+        problems.push_back(run.problem);
+    EXPECT_THAT(problems,
+                testing::ElementsAre(testing::StartsWith(isRoot ? "It belongs" : "It can't be read"),
+                                     "It is no record of a run.", "It is no file.", "It is a link.",
+                                     "It was written by a newer version of Tavrin.", ""));
+    const auto chosen = history.choose(RunKind::undo, "");
+    EXPECT_TRUE(std::get<std::string>(chosen).ends_with("The next older one is 1-1."));
+    EXPECT_EQ(std::get<ChosenRun>(history.choose(RunKind::undo, "1-1")).run.name, "1-1");
+    EXPECT_TRUE(std::holds_alternative<std::string>(history.choose(RunKind::undo, "-1")));
 }
 
 /// Which run is next, after runs that ended, were stopped, or were cut off.
 TEST(RunHistory, ChoosesWhatIsNext) {
-    struct Run {
-        std::string what;
-        std::string of;
-        std::string end; ///< "3 0 ended" changed, failed, how; empty: interrupted
-    };
     struct Case {
-        std::vector<Run> runs; ///< "1", "2", ... in order
-        std::string undo;      ///< "1 old", "2 new", or empty
+        /// In order: "rename", "undo" or "redo" with the number of the run it is of, and how it ended: "all",
+        /// "none" and "some" of its items changed, "stopped", "cut".
+        std::vector<std::string> runs;
+        std::string undo; ///< "1 old", "2 new", or empty
         std::string redo;
         std::string states; ///< oldest first
     };
-    const std::string ended = "3\t0\tended";
-    const std::string stopped = "3\t0\tstopped";
     const std::vector<Case> cases = {
         {{}, "", "", ""},
-        {{{"rename", "", ended}}, "1 old", "", "whole"},
-        {{{"rename", "", "0\t3\tended"}}, "", "", "whole"},
-        {{{"rename", "", ended}, {"rename", "", ended}}, "2 old", "", "whole whole"},
-        {{{"rename", "", ended}, {"undo", "1", ended}}, "", "2 old", "undone whole"},
-        {{{"rename", "", ended}, {"rename", "", ended}, {"undo", "2", ended}},
-         "1 old",
-         "3 old",
-         "whole undone whole"},
-        {{{"rename", "", ended}, {"undo", "1", ended}, {"redo", "2", ended}},
-         "3 old",
-         "",
-         "whole undone whole"},
-        {{{"rename", "", ended}, {"undo", "1", ended}, {"redo", "2", ended}, {"undo", "3", ended}},
-         "",
-         "4 old",
-         "undone whole undone whole"},
+        {{"rename all"}, "1 old", "", "whole"},
+        {{"rename none"}, "", "", "whole"},
+        {{"rename all", "rename all"}, "2 old", "", "whole whole"},
+        {{"rename all", "undo1 all"}, "", "2 old", "undone whole"},
+        {{"rename all", "rename all", "undo2 all"}, "1 old", "3 old", "whole undone whole"},
+        {{"rename all", "undo1 all", "redo2 all"}, "3 old", "", "whole undone whole"},
+        {{"rename all", "undo1 all", "redo2 all", "undo3 all"}, "", "4 old", "undone whole undone whole"},
         // cut off or stopped: back, or to the end
-        {{{"rename", "", ""}}, "1 old", "1 new", "interrupted"},
-        {{{"rename", "", stopped}}, "1 old", "1 new", "stopped"},
-        {{{"rename", "", ""}, {"redo", "1", ended}}, "1 old", "", "whole whole"},
-        {{{"rename", "", ""}, {"undo", "1", ended}}, "", "1 new", "undone whole"},
-        {{{"rename", "", stopped}, {"undo", "1", ""}, {"redo", "1", ""}},
-         "1 old",
-         "1 new",
-         "stopped interrupted interrupted"},
-        {{{"rename", "", ended}, {"undo", "1", ""}}, "2 new", "2 old", "whole interrupted"},
-        {{{"rename", "", ended}, {"undo", "1", ""}, {"undo", "2", ended}}, "", "2 old", "undone whole whole"},
-        {{{"rename", "", ended}, {"undo", "1", stopped}, {"redo", "2", ended}},
-         "2 new",
-         "",
-         "whole undone whole"},
+        {{"rename cut"}, "1 old", "1 new", "interrupted"},
+        {{"rename stopped"}, "1 old", "1 new", "stopped"},
+        {{"rename cut", "redo1 all"}, "1 old", "", "whole whole"},
+        {{"rename cut", "undo1 all"}, "", "1 new", "undone whole"},
+        {{"rename stopped", "undo1 cut", "redo1 cut"}, "1 old", "1 new", "stopped interrupted interrupted"},
+        {{"rename all", "undo1 cut"}, "2 new", "2 old", "whole interrupted"},
+        {{"rename all", "undo1 cut", "undo2 all"}, "", "2 old", "undone whole whole"},
+        {{"rename all", "undo1 stopped", "redo2 all"}, "2 new", "", "whole undone whole"},
         // nothing could be brought back: it stays the next
-        {{{"rename", "", ended}, {"undo", "1", "0\t3\tended"}}, "1 old", "", "whole whole"},
-        {{{"rename", "", ended}, {"undo", "1", "2\t1\tended"}}, "", "2 old", "undone whole"},
+        {{"rename all", "undo1 none"}, "1 old", "", "whole whole"},
+        {{"rename all", "undo1 some"}, "", "2 old", "undone whole"},
     };
-    for (std::size_t number = 0; number < cases.size(); ++number) {
-        SCOPED_TRACE("case " + std::to_string(number));
-        const Case& c = cases[number];
+    const std::map<std::string, std::string> ends{{"all", "3\t0\tended"},
+                                                  {"none", "0\t3\tended"},
+                                                  {"some", "2\t1\tended"},
+                                                  {"stopped", "3\t0\tstopped"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.runs));
         const TemporaryFolder folder;
         for (std::size_t i = 0; i < c.runs.size(); ++i) {
+            const std::size_t space = c.runs[i].find(' ');
+            const std::string what = c.runs[i].substr(0, space);
+            const std::size_t of = what.find_first_of("0123456789");
             RecordText text = threeBlocks();
-            text.lines[1] =
-                "run\t2026-11-21T14:22:33+01:00\t1\tb\ttvrn\t" + c.runs[i].what + "\t" + c.runs[i].of;
-            const std::string& end = c.runs[i].end;
-            if (!end.empty())
-                text.lines.push_back("done\t" + end.substr(0, 4) + "2026-11-21T14:22:34+01:00" +
-                                     end.substr(3));
+            text.lines[1] = "run\t2026-11-21T14:22:33+01:00\t1\tb\ttvrn\t" + what.substr(0, of) + "\t" +
+                            (of == std::string::npos ? "" : what.substr(of));
+            if (const auto end = ends.find(c.runs[i].substr(space + 1)); end != ends.end())
+                text.lines.push_back("done\t" + end->second.substr(0, 4) + "2026-11-21T14:22:34+01:00" +
+                                     end->second.substr(3));
             folder.write(std::to_string(i + 1) + ".run", text.withChecksums());
         }
         const RunHistory history(folder.path());

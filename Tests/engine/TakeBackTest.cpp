@@ -7,24 +7,32 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <unistd.h>
 
 namespace tavrin::test {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
 
 /// Files "a" and "b" that are to be "A1" and "B1", in a folder "box" that stays.
 void renameTwo(HistoryBench& bench) {
-    bench.makeAndRead({"box/", "box/a", "box/b"});
-    bench.setFinalName("box/a", u"A1");
-    bench.setFinalName("box/b", u"B1");
+    bench.plan("box/a>A1 box/b>B1");
     bench.rename();
-    ASSERT_EQ(bench.files(), (RenameBench::Tree{{"box/A1", "box/a"}, {"box/B1", "box/b"}}));
+    ASSERT_EQ(bench.files(), tree("box/A1=box/a box/B1=box/b"));
+}
+
+/// A later run that gave "A1" the name "again".
+void renameAgain(HistoryBench& bench) {
+    RecordText later(bench.records.read(bench.newestRecord()));
+    std::erase_if(later.lines, [](const std::string& line) { return line.ends_with("\tb\tB1\t"); });
+    for (std::string& line : later.lines) {
+        if (const std::size_t at = line.find("\ta\tA1\t"); at != std::string::npos)
+            line.replace(at, 6, "\tA1\tagain\t");
+    }
+    bench.chosen = RunHistory(bench.records.path()).runs().back().name;
+    bench.records.write("99990101T000000.000000-1.run", later.withChecksums());
+    bench.happens("move box/A1 box/again");
 }
 
 } // namespace
@@ -33,7 +41,7 @@ TEST(TakeBackLaws, UndoGivesTheTreeBeforeAndRedoTheTreeAfter) {
     for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
         const RandomPlan plan(seed);
-        HistoryBench bench;
+        HistoryBench bench(seed % 4 == 0 ? "" : RenameBench::inMemory());
         plan.setUp(bench);
         bench.rename();
         for (int i = 0; i < 2; ++i) {
@@ -47,246 +55,165 @@ TEST(TakeBackLaws, UndoGivesTheTreeBeforeAndRedoTheTreeAfter) {
     }
 }
 
-/// From each call on nothing works any more, in the run or in the undo of it, as if the program had been
-/// killed there. What is left is taken back, or finished.
+/// From each call on that would change the disk nothing works any more, in the run or in the undo of it, as
+/// if the program had been killed there. What is left is taken back, or finished.
 TEST(TakeBackLaws, WhatIsCutOffAtAnyCallIsTakenBackOrFinished) {
-    using enum FileCall;
-    const std::vector<std::vector<FileCall>> volumes{
-        {}, {exchange}, {exchange, FileCall::rename}, {exchange, FileCall::rename, FileCall::link}};
-    for (const std::vector<FileCall>& refused : volumes) {
-        for (const bool cutsUndo : {false, true}) {
-            for (const RunKind then : {RunKind::undo, RunKind::redo}) {
-                bool wasCut = true;
-                std::size_t number = 0;
-                for (std::size_t k = 1; wasCut || ++number < RandomPlan::eventful.size();
-                     k = wasCut ? k + 1 : 1) {
-                    const unsigned seed = RandomPlan::eventful.at(number);
-                    SCOPED_TRACE("plan " + std::to_string(seed) + ", " + std::to_string(refused.size()) +
-                                 " refused, call " + std::to_string(k) +
-                                 (cutsUndo ? " of the undo, then " : ", then ") +
-                                 (then == RunKind::undo ? "undo" : "redo"));
-                    const RandomPlan plan(seed);
-                    HistoryBench bench;
-                    bench.host.prompts.onNoRecord = [](const NoRecordQuestion&) {
-                        return ConfirmationChoice::stop;
-                    };
-                    plan.setUp(bench);
-                    FailingFileSystem failing;
-                    for (const FileCall call : refused)
-                        failing.failKind(call, EOPNOTSUPP);
-                    const auto cut = [&](const std::function<void()>& run) {
-                        const std::size_t before = failing.callCount();
-                        failing.failCall(k, EIO, true);
-                        run();
-                        wasCut = failing.callCount() - before >= k;
-                        failing.failCall(0, 0);
-                    };
-                    if (cutsUndo) {
-                        bench.rename();
-                        cut([&] { bench.takeBack(RunKind::undo); });
-                    } else {
-                        cut([&] { bench.rename(); });
+    const auto cutAt = [](std::size_t k, const Volume& volume, unsigned seed, bool cutsUndo, RunKind then) {
+        const RandomPlan plan(seed, volume.ignoresCase);
+        HistoryBench bench(RenameBench::inMemory());
+        bench.host.prompts.onNoRecord = [](const NoRecordQuestion&) { return ConfirmationChoice::stop; };
+        plan.setUp(bench);
+        FailingFileSystem disk;
+        volume.setUp(disk);
+        if (cutsUndo)
+            bench.rename();
+        std::size_t changes = 0;
+        disk.before = [&](const FileEvent& event) {
+            changes += event.changesDisk() ? 1 : 0;
+            return changes >= k ? EIO : 0;
+        };
+        if (cutsUndo)
+            bench.takeBack(RunKind::undo);
+        else
+            bench.rename();
+        disk.before = [](const FileEvent&) { return 0; };
+        bench.takeBack(then);
+        // Where there is nothing to finish, nothing was begun, or all was done.
+        const bool isBefore =
+            then == RunKind::undo || (!bench.refusal.empty() && bench.files() == plan.before());
+        EXPECT_EQ(bench.files(), isBefore ? plan.before() : plan.after())
+            << bench.refusal << testing::PrintToString(bench.failures);
+        return changes >= k;
+    };
+    for (const Volume& volume : volumes) {
+        for (const unsigned seed : RandomPlan::eventful) {
+            for (const bool cutsUndo : {false, true}) {
+                for (const RunKind then : {RunKind::undo, RunKind::redo}) {
+                    std::size_t k = 1;
+                    for (bool wasCut = true; wasCut; ++k) {
+                        SCOPED_TRACE(volume.title + std::string(", plan ") + std::to_string(seed) +
+                                     ", change " + std::to_string(k) + (cutsUndo ? " of the undo" : "") +
+                                     (then == RunKind::undo ? ", then undo" : ", then redo"));
+                        wasCut = cutAt(k, volume, seed, cutsUndo, then);
                     }
-                    bench.takeBack(then);
-                    // Where there is nothing to finish, nothing was begun, or all was done.
-                    const bool isBefore =
-                        then == RunKind::undo || (!bench.refusal.empty() && bench.files() == plan.before());
-                    ASSERT_EQ(bench.files(), isBefore ? plan.before() : plan.after())
-                        << bench.refusal << testing::PrintToString(bench.failures);
+                    EXPECT_GT(k, 6U) << "hardly anything was changed";
                 }
             }
         }
     }
 }
 
+/// What somebody does between a run and its undo, what is said of it, and what is left.
 TEST(TakeBack, LeavesAloneWhatIsNotTheItem) {
+    enum class Run { whole, cut, cutWhereTheFlagIsRefused, renamedAgain, takingReplaced };
+    using enum Run;
     struct Case {
         const char* what;
-        std::function<void(const TemporaryFolder&)> happens;
-        std::string reason;
-        RenameBench::Tree left;
+        const char* happens;
+        std::vector<std::string> reasons; ///< parts of them
+        const char* left;
+        Run run = whole;
     };
+    const std::string gone = "It is not to be found";
+    const std::string unlike = "Another item lies in its place";
+    const std::string unclear = "More than one item looks like it";
     const std::vector<Case> cases = {
-        {"gone",
-         [](const auto& disk) { disk.remove("box/A1"); },
-         "It is not to be found",
-         {{"box/b", "box/b"}}},
-        {"replaced by saving",
-         [](const auto& disk) {
-             disk.write("box/new", "new");
-             std::filesystem::rename(disk.path("box/new"), disk.path("box/A1"));
-         },
-         "Another item lies in its place",
-         {{"box/A1", "new"}, {"box/b", "box/b"}}},
+        {"gone", "remove box/A1", {gone}, "box/b"},
+        {"replaced by saving", "save box/A1", {unlike}, "box/A1=new box/b"},
+        {"replaced by saving, and taken for it", "save box/A1", {}, "box/a=new box/b", takingReplaced},
         {"old name taken",
-         [](const auto& disk) { disk.write("box/a", "intruder"); },
-         "Another file with this name",
-         {{"box/A1", "box/a"}, {"box/a", "intruder"}, {"box/b", "box/b"}}},
-        {"moved elsewhere",
-         [](const auto& disk) { std::filesystem::rename(disk.path("box/A1"), disk.path("elsewhere")); },
-         "It is not to be found",
-         {{"elsewhere", "box/a"}, {"box/b", "box/b"}}},
+         "write box/a intruder",
+         {"Another file with this name"},
+         "box/A1=box/a box/a=intruder box/b"},
+        {"moved elsewhere", "move box/A1 elsewhere", {gone}, "elsewhere=box/a box/b"},
+        {"renamed by a later run",
+         "",
+         {gone + ": it has been removed, moved or renamed. The run 99990101T000000.000000-1 has renamed it "
+                 "again."},
+         "box/again=box/a box/b",
+         renamedAgain},
         {"folder moved",
-         [](const auto& disk) { std::filesystem::rename(disk.path("box"), disk.path("other")); },
-         "Its folder is not to be found.",
-         {{"other/A1", "box/a"}, {"other/B1", "box/b"}}},
+         "move box other",
+         {"Its folder is not to be found.", "Its folder is not to be found."},
+         "other/A1=box/a other/B1=box/b"},
         {"folder replaced",
-         [](const auto& disk) {
-             std::filesystem::rename(disk.path("box"), disk.path("other"));
-             disk.write("box/A1", "theirs");
-         },
-         "Its folder is another one",
-         {{"other/A1", "box/a"}, {"other/B1", "box/b"}, {"box/A1", "theirs"}}},
+         "move box other, write box/A1 theirs",
+         {"Its folder is another one", "Its folder is another one"},
+         "other/A1=box/a other/B1=box/b box/A1=theirs"},
+        {"exchanged: each is known under the other's name",
+         "move box/A1 box/t, move box/B1 box/A1, move box/t box/B1",
+         {unlike, unlike},
+         "box/A1=box/b box/B1=box/a"},
+        // Where the kernel's flag is refused, a killed run leaves one step half done; only that is cleared.
+        {"a second name", "second box/A1 box/a", {}, "box/a box/b", cutWhereTheFlagIsRefused},
+        {"an empty reservation",
+         "move box/A1 box/a, write box/A1",
+         {},
+         "box/a box/b",
+         cutWhereTheFlagIsRefused},
+        {"the same where the flag is known",
+         "move box/A1 box/a, write box/A1",
+         {},
+         "box/a box/A1= box/b",
+         cut},
+        {"something in it",
+         "move box/A1 box/a, write box/A1 x",
+         {},
+         "box/a box/A1=x box/b",
+         cutWhereTheFlagIsRefused},
+        {"more than one",
+         "move box/A1 box/a, write box/A1, move box/B1 box/b, write box/B1",
+         {unclear, unclear},
+         "box/a box/A1= box/b box/B1=",
+         cutWhereTheFlagIsRefused},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         HistoryBench bench;
         renameTwo(bench);
-        c.happens(bench.disk);
-        bench.takeBack(RunKind::undo);
-        ASSERT_FALSE(bench.failures.empty()) << bench.refusal;
-        EXPECT_THAT(bench.failures.front(), HasSubstr(c.reason));
-        EXPECT_EQ(bench.files(), c.left);
+        if (c.run == cut || c.run == cutWhereTheFlagIsRefused)
+            bench.interruptNewest(c.run == cutWhereTheFlagIsRefused);
+        if (c.run == renamedAgain)
+            renameAgain(bench);
+        bench.happens(c.happens);
+        bench.takeBack(RunKind::undo, c.run == takingReplaced);
+        std::vector<testing::Matcher<std::string>> reasons;
+        for (const std::string& reason : c.reasons)
+            reasons.push_back(testing::HasSubstr(reason));
+        EXPECT_THAT(bench.failures, testing::ElementsAreArray(reasons)) << bench.refusal;
+        EXPECT_EQ(bench.files(), tree(c.left));
     }
-    // A neighbour has exchanged the two: each is known under the other's name.
-    HistoryBench bench;
-    renameTwo(bench);
-    std::filesystem::rename(bench.disk.path("box/A1"), bench.disk.path("box/t"));
-    std::filesystem::rename(bench.disk.path("box/B1"), bench.disk.path("box/A1"));
-    std::filesystem::rename(bench.disk.path("box/t"), bench.disk.path("box/B1"));
-    EXPECT_EQ(bench.takeBack(RunKind::undo), 0);
-    EXPECT_EQ(bench.failures.size(), 2U);
-}
-
-TEST(TakeBack, TakesWhatWasSavedAnewWhenToldTo) {
-    HistoryBench bench;
-    renameTwo(bench);
-    bench.disk.write("box/new", "new");
-    std::filesystem::rename(bench.disk.path("box/new"), bench.disk.path("box/A1"));
-    EXPECT_EQ(bench.takeBack(RunKind::undo, true), 2);
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"box/a", "new"}, {"box/b", "box/b"}}));
 }
 
 TEST(TakeBack, KnowsWhatWasSavedAnewBeforeTheRun) {
     HistoryBench bench;
-    bench.makeAndRead({"box/", "box/a"});
-    bench.disk.write("box/new", "new");
-    std::filesystem::rename(bench.disk.path("box/new"), bench.disk.path("box/a"));
-    bench.setFinalName("box/a", u"A1");
+    bench.plan("box/a>A1");
+    bench.happens("save box/a");
     bench.rename();
-    ASSERT_EQ(bench.files(), (RenameBench::Tree{{"box/A1", "new"}}));
+    ASSERT_EQ(bench.files(), tree("box/A1=new"));
     EXPECT_EQ(bench.takeBack(RunKind::undo), 1);
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"box/a", "new"}}));
+    EXPECT_EQ(bench.files(), tree("box/a=new"));
 }
 
-TEST(TakeBack, NamesTheLaterRunThatRenamedAgain) {
-    HistoryBench bench;
-    renameTwo(bench);
-    RecordText later(bench.records.read(bench.newestRecord()));
-    std::erase_if(later.lines, [](const std::string& line) { return line.ends_with("\tb\tB1\t"); });
-    for (std::string& line : later.lines) {
-        if (const std::size_t at = line.find("\ta\tA1\t"); at != std::string::npos)
-            line.replace(at, 6, "\tA1\tagain\t");
-    }
-    bench.records.write("99990101T000000.000000-1.run", later.withChecksums());
-    std::filesystem::rename(bench.disk.path("box/A1"), bench.disk.path("box/again"));
-    const std::string first = RunHistory(bench.records.path()).runs().back().name;
-    TakeBackResult result;
-    bench.host.engine.processTakeBack(
-        bench.host.progress,
-        {.chosen = std::get<ChosenRun>(RunHistory(bench.records.path()).choose(RunKind::undo, first))},
-        [&](EngineHost&, const TakeBackResult& found) { result = found; });
-    bench.host.waitUntilIdle();
-    ASSERT_EQ(result.errors.size(), 1U);
-    EXPECT_THAT(result.errors.front().message,
-                HasSubstr("The run 99990101T000000.000000-1 has renamed it again."));
-    EXPECT_EQ(bench.files(), (RenameBench::Tree{{"box/again", "box/a"}, {"box/b", "box/b"}}));
-}
-
-/// Where the kernel's flag is refused, a killed run leaves one step half done, and only that is cleared.
-TEST(TakeBack, ClearsTheOneStepThatWasCutInHalf) {
-    struct Case {
-        const char* what;
-        std::function<void(const TemporaryFolder&)> happens;
-        bool hasNoFlag = true;
-        RenameBench::Tree afterUndo;
-    };
-    const auto putBack = [](const TemporaryFolder& disk, const char* now, const char* before) {
-        std::filesystem::rename(disk.path(now), disk.path(before));
-    };
-    const std::vector<Case> cases = {
-        {"a second name",
-         [](const auto& disk) { std::filesystem::create_hard_link(disk.path("box/A1"), disk.path("box/a")); },
-         true, untouched({"box/a", "box/b"})},
-        {"an empty reservation",
-         [&](const auto& disk) {
-             putBack(disk, "box/A1", "box/a");
-             disk.write("box/A1", "");
-         },
-         true, untouched({"box/a", "box/b"})},
-        {"the same where the flag is known",
-         [&](const auto& disk) {
-             putBack(disk, "box/A1", "box/a");
-             disk.write("box/A1", "");
-         },
-         false,
-         {{"box/a", "box/a"}, {"box/A1", ""}, {"box/b", "box/b"}}},
-        {"something in it",
-         [&](const auto& disk) {
-             putBack(disk, "box/A1", "box/a");
-             disk.write("box/A1", "x");
-         },
-         true,
-         {{"box/a", "box/a"}, {"box/A1", "x"}, {"box/b", "box/b"}}},
-        {"more than one",
-         [&](const auto& disk) {
-             putBack(disk, "box/A1", "box/a");
-             putBack(disk, "box/B1", "box/b");
-             disk.write("box/A1", "");
-             disk.write("box/B1", "");
-         },
-         true,
-         {{"box/a", "box/a"}, {"box/A1", ""}, {"box/b", "box/b"}, {"box/B1", ""}}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        HistoryBench bench;
-        renameTwo(bench);
-        bench.interruptNewest(c.hasNoFlag);
-        c.happens(bench.disk);
-        bench.takeBack(RunKind::undo);
-        EXPECT_EQ(bench.files(), c.afterUndo) << bench.refusal;
-    }
-}
-
+/// Whatever call fails while the plan is written, no half record is left behind, and the user decides.
 TEST(RunJournal, ARunThatCantBeRecordedIsAskedAbout) {
     for (const bool goesOn : {true, false}) {
-        HistoryBench bench;
-        bench.host.engine.setHistoryPlace({bench.records.write("file"), "test"});
-        bench.host.prompts.onNoRecord = [&](const NoRecordQuestion&) {
-            return goesOn ? ConfirmationChoice::one : ConfirmationChoice::stop;
-        };
-        bench.makeAndRead({"a"});
-        bench.setFinalName("a", u"b");
-        bench.rename();
-        EXPECT_EQ(bench.files(), (RenameBench::Tree{{goesOn ? "b" : "a", "a"}}));
-    }
-}
-
-/// Whatever call fails while the plan is written: no record is left behind that says more than was done.
-TEST(RunJournal, AFailureLeavesNoHalfRecord) {
-    for (const FileCall call : {FileCall::write, FileCall::sync}) {
-        for (std::size_t number = 1; number <= 2; ++number) {
-            HistoryBench bench;
-            bench.host.prompts.onNoRecord = [](const NoRecordQuestion&) { return ConfirmationChoice::stop; };
-            bench.makeAndRead({"a"});
-            bench.setFinalName("a", u"b");
-            FailingFileSystem failing;
-            failing.failKind(call, ENOSPC, number);
-            bench.rename();
-            const bool hasFailed = failing.failureCount() > 0;
-            EXPECT_EQ(bench.files().begin()->first, hasFailed ? "a" : "b");
-            EXPECT_EQ(bench.states().size(), hasFailed ? 0U : 1U);
+        for (const FileCall call : {FileCall::makeFolders, FileCall::write, FileCall::sync}) {
+            for (std::size_t number = 1; number <= 2; ++number) {
+                HistoryBench bench;
+                bench.host.prompts.onNoRecord = [&](const NoRecordQuestion&) {
+                    return goesOn ? ConfirmationChoice::one : ConfirmationChoice::stop;
+                };
+                bench.plan("a>b");
+                if (call == FileCall::makeFolders)
+                    bench.host.engine.setHistoryPlace({bench.records.write("file"), "test"});
+                FailingFileSystem failing;
+                failing.failKind(call, ENOSPC, number);
+                bench.rename();
+                const bool hasFailed = failing.failureCount() > 0 || call == FileCall::makeFolders;
+                EXPECT_EQ(bench.files(), tree(goesOn || !hasFailed ? "b=a" : "a"));
+                EXPECT_EQ(bench.states().size(), hasFailed ? 0U : 1U);
+            }
         }
     }
 }

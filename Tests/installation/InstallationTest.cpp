@@ -41,10 +41,11 @@ TEST(Installation, PutsEverythingInItsPlaceAndStillWorksWhenMoved) {
 #endif
     // Its own resources, not those of the sources.
     std::filesystem::rename(folder.path("first"), folder.path("second"));
-    std::string menu = folder.read("second/share/tavrin/actionPopUpMenuItems.plist");
-    menu.replace(menu.find("<string>Replace text<"), 21, "<string>Exchange it!<");
-    folder.write("second/share/tavrin/actionPopUpMenuItems.plist", menu);
-    EXPECT_THAT(outputOf({folder.path("second/bin/tvrn"), "actions"}), HasSubstr("Exchange it!"));
+    std::string menu = folder.read("second/share/tavrin/datePatterns menu.plist");
+    menu.replace(menu.find("<string>2024-06-14<"), 19, "<string>The day itself<");
+    folder.write("second/share/tavrin/datePatterns menu.plist", menu);
+    EXPECT_THAT(outputOf({folder.path("second/bin/tvrn"), "actions", "Rename to date"}),
+                HasSubstr("The day itself"));
 }
 
 /// A file that a tool of its kind judges.

@@ -1,6 +1,7 @@
+#include "platform/metadata/ExifHelper.h"
+
 #include "common/TemporaryFolder.h"
 #include "common/Variable.h"
-#include "platform/metadata/ExifHelper.h"
 #include "platform/metadata/FileManager.h"
 
 #include <gtest/gtest.h>

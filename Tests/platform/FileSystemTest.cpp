@@ -233,7 +233,12 @@ TEST(FileSystem, WritesReadsAndRemoves) {
     EXPECT_EQ(files().removeFile(folder.path("pipe")), 0);
     EXPECT_EQ(folder.tree(),
               (Tree{{"deep/", ""}, {"deep/er/", ""}, {"deep/er/file", std::string("a\0b", 3)}}));
-    EXPECT_EQ(files().removeFile(path), 0);
+    std::unique_ptr<OpenFolder> opened;
+    ASSERT_EQ(files().openFolder(folder.path("deep/er"), opened), 0);
+    EXPECT_EQ(opened->reserve("taken", FileStatus::Kind::file), 0);
+    EXPECT_EQ(opened->renameReplacing("file", "taken"), 0);
+    EXPECT_EQ(folder.read("deep/er/taken"), std::string("a\0b", 3));
+    EXPECT_EQ(files().removeFile(folder.path("deep/er/taken")), 0);
     EXPECT_EQ(files().removeFile(path), ENOENT);
 }
 

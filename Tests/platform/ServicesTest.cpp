@@ -3,6 +3,7 @@
 #include "common/TemporaryFolder.h"
 #include "common/Variable.h"
 #include "platform/desktop/DebugManager.h"
+#include "platform/desktop/Quoting.h"
 #include "platform/desktop/ResourceFolder.h"
 #include "platform/desktop/SystemLog.h"
 #include "platform/files/FileSystemAccessManager.h"
@@ -203,6 +204,18 @@ TEST(DebugManager, KeepsTheSwitchEqualToTheUserDefault) {
     EXPECT_FALSE(debugLogIsOn());
     defaults.setObject("loggerIsOn", true);
     EXPECT_FALSE(debugLogIsOn());
+}
+
+TEST(Quoting, TextsComeBackFromShellsAndDesktopEntries) {
+    for (const std::string& text :
+         {std::string(), std::string("it's 'so'"), std::string(" \t\r\\n\\ $x `y` \"z\" *"),
+          std::string("caf\xE9\nb\\s ")}) {
+        EXPECT_EQ(runShell("printf %s " + quotedForShell(text)).output, text);
+        EXPECT_EQ(desktopEntry::unescaped(desktopEntry::escaped(text)), text);
+        EXPECT_EQ(desktopEntry::escaped(text).find('\n'), std::string::npos);
+    }
+    EXPECT_EQ(desktopEntry::escaped(" a"), "\\sa");
+    EXPECT_EQ(desktopEntry::quotedArgument("a$`\"\\%"), "\"a\\$\\`\\\"\\\\%%\"");
 }
 
 TEST(UserFolders, FollowTheEnvironment) {

@@ -3,7 +3,6 @@
 #include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
-#include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "shell/commands/MainController.h"
 
@@ -94,7 +93,7 @@ TEST_F(DamagedState, WorksWithoutAFolderForItsData) {
     find<QDialog>("noticeAlert")->accept();
     waitUntilGone("noticeAlert");
     waitForNames({"Image_01.txt"});
-    application->window().commands().command("createNewPresetWithCurrentSettings")->trigger();
+    command("createNewPresetWithCurrentSettings").trigger();
     find<QDialog>("newPresetWindow")->accept();
     EXPECT_TRUE(errorText().starts_with("The preset can't be saved as \"" + options.dataFolder))
         << errorText();

@@ -6,7 +6,6 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
-#include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/ActionSearch.h"
 #include "shell/commands/MainController.h"
@@ -40,7 +39,7 @@ namespace {
 
 class DialogTests : public WindowFixture {
   protected:
-    void trigger(const char* command) { application->window().commands().command(command)->trigger(); }
+    void trigger(const char* name) { command(name).trigger(); }
 
     /// The text of the paragraph that bears an anchor of the help, if it is in sight.
     std::string textInSightAt(const std::string& anchor) {
@@ -64,10 +63,10 @@ TEST_F(DialogTests, ShowsWhatAnUndoWouldDoAndDoesItOnAYesAlone) {
     waitForNames({"A", "B"});
     trigger("ok");
     waitUntil("renamed", [this] { return filesOnDisk() == std::vector<std::string>{"A", "B"}; });
-    QAction* undo = application->window().commands().command("undoRename");
+    QAction& undo = command("undoRename");
     for (const bool agrees : {false, true}) {
-        waitUntil("the command is on", [undo] { return undo->isEnabled(); });
-        undo->trigger();
+        waitUntil("the command is on", [&undo] { return undo.isEnabled(); });
+        undo.trigger();
         auto* dialog = waitFor<QDialog>("takeBackDialog");
         EXPECT_TRUE(find<QPushButton>("takeBackButton")->isDefault());
         EXPECT_EQ(find<QTreeWidget>("takeBackList")->topLevelItem(0)->text(1), "a");

@@ -1,19 +1,14 @@
 #include "actions/ActionList.h"
 #include "common/DropletLists.h"
-#include "common/TemporaryFolder.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletLauncher.h"
 #include "platform/propertylists/PropertyList.h"
+#include "presentation/UsersProgram.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QProcess>
-#include <QTest>
-#include <chrono>
-#include <cstdlib>
 #include <filesystem>
 
 namespace tavrin::test {
@@ -24,21 +19,9 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-constexpr int patience = 20000; // milliseconds
-
 /// Droplets as processes of the real program, for a user of their own.
-class DropletStart : public ::testing::Test {
+class DropletStart : public ::testing::Test, protected UsersProgram {
   protected:
-    DropletStart() {
-        std::filesystem::permissions(home.makeFolder("run"), std::filesystem::perms::owner_all);
-    }
-    ~DropletStart() override {
-        for (const auto& process : processes) {
-            process->kill();
-            process->waitForFinished(patience);
-        }
-    }
-
     /// A droplet on the desktop that adds `text` to names.
     std::string makeDroplet(const std::string& name, const std::string& text,
                             PropertyDictionary settings = {{"silentDroplet", 1}}) {
@@ -48,31 +31,6 @@ class DropletStart : public ::testing::Test {
         EXPECT_EQ(DropletBundleWriter(TAVRIN_PROGRAM, false).writeDropletWithDictionary(list, path),
                   std::nullopt);
         return path;
-    }
-    QProcess& start(const std::vector<std::string>& arguments, const std::string& platform = "offscreen") {
-        auto process = std::make_unique<QProcess>();
-        QProcessEnvironment environment;
-        for (const char* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "PATH"})
-            if (const char* value = std::getenv(name))
-                environment.insert(name, value);
-        environment.insert("QT_QPA_PLATFORM", QString::fromStdString(platform));
-        environment.insert("QT_LOGGING_RULES", "*=false");
-        environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus");
-        environment.insert("XDG_RUNTIME_DIR", QString::fromStdString(home.path("run")));
-        for (const char* name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"})
-            environment.insert(name, QString::fromStdString(home.path()));
-        process->setProcessEnvironment(environment);
-        QStringList list;
-        for (const std::string& argument : arguments)
-            list.append(QFile::decodeName(argument.c_str()));
-        process->start(TAVRIN_PROGRAM, list);
-        EXPECT_TRUE(process->waitForStarted(patience));
-        processes.push_back(std::move(process));
-        return *processes.back();
-    }
-    static int statusOf(QProcess& process) {
-        EXPECT_TRUE(process.waitForFinished(patience));
-        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
     /// The names in a folder, sorted.
     std::vector<std::string> names(const std::string& folder) const {
@@ -89,9 +47,6 @@ class DropletStart : public ::testing::Test {
             root && root->asDictionary() ? find(*root->asDictionary(), key) : nullptr;
         return value ? std::optional(*value) : std::nullopt;
     }
-
-    TemporaryFolder home;
-    std::vector<std::unique_ptr<QProcess>> processes;
 };
 
 TEST_F(DropletStart, RenamesWhatIsDroppedAndEnds) {
@@ -142,13 +97,11 @@ TEST_F(DropletStart, TellsWhatKeepsItFromRunning) {
         QProcess& process = start(c.arguments);
         std::string told;
         // Its message stays open until the user closes it.
-        EXPECT_TRUE(QTest::qWaitFor(
-            [&] {
-                return (told += process.readAllStandardError().toStdString()).find(c.message) !=
-                       std::string::npos;
-            },
-            patience))
-            << c.message << ": " << told;
+        EXPECT_TRUE(waitFor([&] {
+            return (told += process.readAllStandardError().toStdString()).find(c.message) !=
+                   std::string::npos;
+        })) << c.message
+            << ": " << told;
         EXPECT_EQ(process.state(), QProcess::Running) << c.message;
         process.terminate();
         EXPECT_TRUE(process.waitForFinished(patience));
@@ -162,31 +115,30 @@ TEST_F(DropletStart, TellsWhatKeepsItFromRunning) {
     EXPECT_THAT(names("in"), ElementsAre("a"));
 }
 
-TEST_F(DropletStart, ASilentDropletPassesOverFilesThatAreGone) {
-    const std::string droplet = makeDroplet("A", "X");
-    QProcess& nothingLeft = start({"--droplet", droplet, "--launcher=", home.path("in/gone")});
+TEST_F(DropletStart, PassesOverFilesThatAreGoneAndTellsOfThem) {
+    const std::string silent = makeDroplet("A", "X");
+    QProcess& nothingLeft = start({"--droplet", silent, "--launcher=", home.path("in/gone")});
     EXPECT_EQ(statusOf(nothingLeft), 2);
     EXPECT_THAT(nothingLeft.readAllStandardError().toStdString(),
                 HasSubstr("The dropped files are not there."));
-    QProcess& process = start({"--droplet", droplet, home.path("in/gone"), home.write("in/a")});
-    EXPECT_EQ(statusOf(process), 0);
-    EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("in/gone"));
-    EXPECT_THAT(names("in"), ElementsAre("aX"));
-}
-
-TEST_F(DropletStart, ToldFilesThatAreGoneStayOnTheScreenAfterTheRun) {
-    const std::string droplet = makeDroplet("A", "X", {{"interactiveMode", 0}, {"showSummary", 0}});
-    QProcess& process = start({"--droplet", droplet, home.path("in/gone"), home.write("in/a")});
-    EXPECT_TRUE(QTest::qWaitFor([&] { return home.kind("in/aX").has_value(); }, patience));
-    EXPECT_FALSE(process.waitForFinished(300));
-    process.terminate();
-    EXPECT_EQ(statusOf(process), 0);
-    EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("in/gone"));
+    const std::string telling = makeDroplet("B", "Y", {{"interactiveMode", 0}, {"showSummary", 0}});
+    for (const std::string& droplet : {silent, telling}) {
+        QProcess& process = start({"--droplet", droplet, home.path("in/gone"), home.write("in/a")});
+        if (droplet == telling) {
+            // What it tells stays on the screen after the run.
+            EXPECT_TRUE(waitFor([&] { return home.kind("in/aY").has_value(); }));
+            EXPECT_FALSE(process.waitForFinished(300));
+            process.terminate();
+        }
+        EXPECT_EQ(statusOf(process), 0);
+        EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("in/gone"));
+    }
+    EXPECT_THAT(names("in"), ElementsAre("aX", "aY"));
 }
 
 TEST_F(DropletStart, RunsBesideTheWindowAndOtherDroplets) {
     QProcess& window = start({});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return stored("firstLaunchVersion").has_value(); }, patience));
+    ASSERT_TRUE(waitFor([&] { return stored("firstLaunchVersion").has_value(); }));
     const std::string x = makeDroplet("X", "X");
     const std::string y = makeDroplet("Y", "Y");
     QProcess& edited = start({"--droplet", x});

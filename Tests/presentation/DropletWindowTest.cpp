@@ -5,7 +5,6 @@
 #include "documents/DropletHandOver.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "presentation/MainWindow.h"
-#include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "shell/commands/MainController.h"
 
@@ -47,7 +46,6 @@ class DropletWindow : public WindowFixture {
         QTimer::singleShot(10000, qApp, [] { QCoreApplication::exit(1); });
         return QApplication::exec() == 0;
     }
-    QAction& command(const char* name) { return *application->window().commands().command(name); }
 
     TemporaryFolder desktop;
     Variable dataHome{"XDG_DATA_HOME", data.path().c_str()};

@@ -2,7 +2,6 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
-#include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
@@ -35,7 +34,7 @@ struct Way {
 
 const Way ways[] = {
     {"window", [](TavrinApplication& tavrin) { tavrin.window().close(); }, false},
-    {"command", [](TavrinApplication& tavrin) { tavrin.window().commands().command("cancel")->trigger(); },
+    {"command", [](TavrinApplication& tavrin) { tavrin.window().findChild<QAction*>("cancel")->trigger(); },
      true},
     {"session",
      [](TavrinApplication&) {
@@ -112,7 +111,7 @@ TEST_F(Ending, StopsAQuestionInEachWay) {
         application->controller().globalSettings().setValue(1, "interactiveMode");
         click("okButton");
         waitFor("confirmRenameWindow");
-        EXPECT_FALSE(application->window().commands().command("cancel")->isEnabled());
+        EXPECT_FALSE(command("cancel").isEnabled());
         ::testing::internal::CaptureStderr();
         const std::string onScreen = endBy(way);
         const std::string told = ::testing::internal::GetCapturedStderr();

@@ -1,7 +1,6 @@
 #include "common/Variable.h"
 #include "platform/desktop/FileManagerMenus.h"
 #include "presentation/MainWindow.h"
-#include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 
 #include <gmock/gmock.h>
@@ -25,7 +24,7 @@ class FileManagersPanelTest : public WindowFixture {
     void openPreferences() {
         FileManagerMenus::setSharedInstance(&menus);
         start();
-        application->window().commands().command("showPreferencesDialog")->trigger();
+        command("showPreferencesDialog").trigger();
         (void)waitFor("preferencesWindow");
     }
     std::string state(const char* name) { return find<QLabel>(name)->text().toStdString(); }

@@ -1,6 +1,5 @@
 #include "presentation/preview/NameDifference.h"
 
-#include "presentation/preview/NameProblems.h"
 #include "presentation/preview/ShownName.h"
 
 #include <gtest/gtest.h>

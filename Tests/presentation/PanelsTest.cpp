@@ -13,10 +13,18 @@
 #include <QSpinBox>
 #include <QTest>
 #include <QTextEdit>
+#include <QTreeWidget>
+#include <algorithm>
+#include <set>
 
 namespace tavrin::test {
 
 namespace {
+
+std::unique_ptr<BaseRenameAction> makeAction(std::string_view name) {
+    const auto entries = allActions();
+    return std::ranges::find(entries, name, &ActionEntry::name)->make();
+}
 
 class Panels : public WindowFixture {
   protected:
@@ -131,6 +139,56 @@ TEST_F(Panels, RecognizeTagsWhileTyping) {
     QTest::keyClick(edit, Qt::Key_Backspace);
     QTest::keyClick(edit, Qt::Key_Backspace);
     EXPECT_EQ(currentAction().getParamString("pattern"), u"a");
+}
+
+TEST_F(Panels, PutATagIntoThePatternByKeyAndMouse) {
+    start();
+    chooseAction("Rename from tag");
+    type("patternField", "a");
+    auto* list = find<QTreeWidget>("tagList");
+    list->setCurrentItem(list->topLevelItem(0));
+    const QString tag = list->currentItem()->data(0, Qt::UserRole).toString();
+    QTest::keyClick(list, Qt::Key_Return);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {},
+                       list->visualItemRect(list->currentItem()).center());
+    EXPECT_EQ(currentAction().getParamString("pattern"), ("a" + tag + tag).toStdU16String());
+}
+
+// A parameter whose row was misspelt is seen here.
+TEST(PanelRows, ShowEveryParameterOnce) {
+    for (const ActionEntry& entry : allActions()) {
+        const auto action = entry.make();
+        std::multiset<std::string_view> shown;
+        for (const PanelRow& row : panelRowsOf(*action)) {
+            for (const ParameterDescription* parameter : row.parameters)
+                shown.insert(parameter->key);
+            EXPECT_TRUE(row.first().besideKey.empty()) << entry.name << ": " << row.first().key;
+        }
+        for (const ParameterDescription& parameter : action->parameters())
+            EXPECT_EQ(shown.count(parameter.key), parameter.isHidden ? 0U : 1U)
+                << entry.name << ": " << parameter.key;
+    }
+}
+
+TEST(PanelRows, HaveWordsForWhatTheyMean) {
+    const auto numbers = makeAction("Add number to end");
+    numbers->setParameterList({{"startValue", 9}, {"stepValue", -1}, {"padding", 3}});
+    numbers->prepare();
+    EXPECT_EQ(numbers->firstValues(), (std::vector<std::u16string>{u"009", u"008", u"007"}));
+    const auto letters = makeAction("Add alphabetical sequence to end");
+    letters->setParameterList({{"startValue", u"Y"}});
+    letters->prepare();
+    EXPECT_EQ(letters->firstValues(), (std::vector<std::u16string>{u"Y", u"Z", u"BA"}));
+    const auto removal = makeAction("Remove text");
+    EXPECT_EQ(removal->explanation(), u"");
+    removal->setParameterList({{"searchTerm", u"x"}, {"replacementMode", 8}, {"ignoreCase", 0}});
+    EXPECT_EQ(removal->explanation(), u"Remove only the second to last occurence of “x”.");
+    const auto expression = makeAction("Reg Ex Replacement");
+    for (const auto& [pattern, fails] : {std::pair{u"", false}, {u"(a", true}, {u"(a)", false}}) {
+        expression->setParameterList({{"searchPattern", std::u16string(pattern)}});
+        expression->prepare();
+        EXPECT_EQ(!expression->failure().empty(), fails) << text::toUtf8(pattern);
+    }
 }
 
 } // namespace

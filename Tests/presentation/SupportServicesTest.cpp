@@ -3,7 +3,6 @@
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/AddressFetcher.h"
 #include "presentation/MainWindow.h"
-#include "presentation/WindowCommands.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/StackedView.h"
 #include "shell/commands/MainController.h"
@@ -31,7 +30,6 @@ using ::testing::HasSubstr;
 
 class SupportServicesTest : public WindowFixture {
   protected:
-    QAction* command(const char* name) { return application->window().commands().command(name); }
     std::string alertTitle() {
         auto* box = waitFor<QMessageBox>("alert");
         const std::string title = box->text().toStdString();
@@ -48,7 +46,7 @@ class SupportServicesTest : public WindowFixture {
 TEST_F(SupportServicesTest, PresetsComeFromAChosenFolder) {
     start();
     (void)folder.write("old/Presets/Holiday.mv8preset.plist");
-    command("migratePresetsFromFolder")->trigger();
+    command("migratePresetsFromFolder").trigger();
     auto* dialog = waitFor<QFileDialog>("locateFolderDialog");
     EXPECT_TRUE(find<QLabel>("locateMessage")->isVisible());
     dialog->setDirectory(QString::fromStdString(folder.path("old")));
@@ -68,7 +66,7 @@ TEST_F(SupportServicesTest, DropletsAreChosenAsBundlesAndAsLaunchers) {
     }
     (void)folder.write("two.desktop", "[Desktop Entry]\nX-Tavrin-Droplet=/gone/two.app\n");
     for (const char* name : {"one.app", "two.desktop"}) {
-        command("migrateDroplets")->trigger();
+        command("migrateDroplets").trigger();
         auto* dialog = waitFor<QFileDialog>("locateDropletsDialog");
         EXPECT_EQ(dialog->windowTitle(), "Locate Droplets");
         EXPECT_EQ(dialog->labelText(QFileDialog::Accept), "Migrate");
@@ -89,8 +87,8 @@ TEST_F(SupportServicesTest, DropletsAreChosenAsBundlesAndAsLaunchers) {
 
 TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     start();
-    EXPECT_FALSE(command("checkForUpdates")->isVisible());
-    command("showPreferencesDialog")->trigger();
+    EXPECT_FALSE(command("checkForUpdates").isVisible());
+    command("showPreferencesDialog").trigger();
     auto* contents = find<QListWidget>("preferencesContents");
     contents->setCurrentItem(contents->findItems("Updates", Qt::MatchExactly).value(0));
     EXPECT_FALSE(find<QPushButton>("checkForUpdatesNow")->isEnabled());
@@ -102,7 +100,7 @@ TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     type("SUFeedURL", QString::fromStdString(folder.write("feed.xml", feed("9.9"))));
     find<QLineEdit>("SUFeedURL")->editingFinished();
     EXPECT_TRUE(find("feedProblem")->isHidden());
-    EXPECT_TRUE(command("checkForUpdates")->isVisible());
+    EXPECT_TRUE(command("checkForUpdates").isVisible());
     find<QPushButton>("checkForUpdatesNow")->click();
     EXPECT_EQ(alertTitle(), "Tavrin 9.9 is available.");
 
@@ -117,7 +115,7 @@ TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     find<QDialog>("preferencesWindow")->reject();
     waitUntilGone("preferencesWindow");
     EXPECT_FALSE(UserDefaults::sharedInstance().objectForKey("SUFeedURL"));
-    EXPECT_FALSE(command("checkForUpdates")->isVisible());
+    EXPECT_FALSE(command("checkForUpdates").isVisible());
 }
 
 /// Answers each request with what stands under its path; one without an answer is left hanging.
@@ -174,18 +172,15 @@ TEST_F(SupportServicesTest, FetchesNoMoreThanItShould) {
 }
 
 TEST_F(SupportServicesTest, AStackFillsItsScrollAreaAndFollowsItsViews) {
-    const auto makeView = [](int height) {
-        auto* view = new QWidget;
-        view->setFixedHeight(height);
-        return view;
-    };
     QScrollArea area;
     area.setFrameShape(QFrame::NoFrame);
     area.setWidgetResizable(true);
     auto* stack = new StackedView;
-    QWidget* top = makeView(40);
+    auto* top = new QWidget;
     auto* flexible = new QWidget;
-    QWidget* bottom = makeView(60);
+    auto* bottom = new QWidget;
+    top->setFixedHeight(40);
+    bottom->setFixedHeight(60);
     stack->addViewAtBottom(top);
     stack->addFlexiView(flexible, 100);
     stack->addViewAtBottom(bottom);
@@ -203,10 +198,6 @@ TEST_F(SupportServicesTest, AStackFillsItsScrollAreaAndFollowsItsViews) {
     waitUntil("the space of the removed view", [&] { return flexible->height() == 142; });
     EXPECT_EQ(bottom->parent(), nullptr);
     delete bottom;
-    stack->removeAllViews();
-    EXPECT_TRUE(stack->views().empty());
-    delete top;
-    delete flexible;
 }
 
 } // namespace

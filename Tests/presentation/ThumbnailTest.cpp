@@ -1,5 +1,6 @@
 #include "common/TemporaryFolder.h"
 #include "presentation/preview/ThumbnailLoader.h"
+#include "support/values/Crc32.h"
 
 #include <gtest/gtest.h>
 
@@ -20,17 +21,6 @@ QByteArray picture(const char* format, int width = 400, int height = 200) {
     return bytes;
 }
 
-/// The checksum that each part of a PNG ends with.
-quint32 checksum(const QByteArray& bytes) {
-    quint32 sum = 0xFFFFFFFF;
-    for (const char byte : bytes) {
-        sum ^= static_cast<unsigned char>(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            sum = (sum >> 1) ^ (sum & 1 ? 0xEDB88320 : 0);
-    }
-    return ~sum;
-}
-
 QByteArray bigEndian(quint32 number) {
     QByteArray bytes;
     for (int shift = 24; shift >= 0; shift -= 8)
@@ -41,7 +31,7 @@ QByteArray bigEndian(quint32 number) {
 QByteArray lyingPng(quint32 side) {
     QByteArray bytes = picture("PNG");
     bytes.replace(16, 8, bigEndian(side) + bigEndian(side));
-    bytes.replace(29, 4, bigEndian(checksum(bytes.mid(12, 17))));
+    bytes.replace(29, 4, bigEndian(crc32(std::string_view(bytes.constData() + 12, 17))));
     return bytes;
 }
 
@@ -80,7 +70,7 @@ TEST(Thumbnail, IsReadFromPlainPicturesAlone) {
         {folder.path("device.jpg"), none},
         {folder.path("folder.jpg"), none},
         {folder.path("nothing.jpg"), none}};
-    const ThumbnailLoader loader([](RowId) {}); // sets the limits
+    const ThumbnailLoader loader; // sets the limits
     for (const auto& [path, size] : cases) {
         const QImage image = ThumbnailLoader::read(path, 28);
         EXPECT_EQ(image.width(), size.width()) << path;
@@ -94,7 +84,8 @@ TEST(Thumbnail, IsNotReadWhileTheListScrolls) {
     row.id = 7;
     row.fullPath = folder.write("a.jpg", picture("JPG").toStdString());
     std::vector<RowId> changed;
-    ThumbnailLoader loader([&](RowId id) { changed.push_back(id); });
+    ThumbnailLoader loader;
+    QObject::connect(&loader, &ThumbnailLoader::changed, [&](RowId id) { changed.push_back(id); });
     loader.setPaused(true);
     EXPECT_EQ(loader.imageFor(row, true).typeId(), QMetaType::QIcon);
     EXPECT_FALSE(loader.isReading());

@@ -8,6 +8,7 @@
 #include "support/text/Text.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QLineEdit>
 #include <QTableView>
@@ -75,6 +76,13 @@ void WindowFixture::type(const char* name, const QString& text) {
     QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(field, Qt::Key_Delete);
     QTest::keyClicks(field, text);
+}
+
+QAction& WindowFixture::command(const char* name) {
+    auto* action = application->window().findChild<QAction*>(name);
+    if (!action)
+        throw std::runtime_error(std::string("no command ") + name);
+    return *action;
 }
 
 void WindowFixture::chooseAction(const std::string& name) {

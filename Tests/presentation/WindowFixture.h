@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+class QAction;
+
 namespace tavrin {
 class BaseRenameAction;
 class PreviewTableModel;
@@ -47,6 +49,8 @@ class WindowFixture : public ::testing::Test {
     /// Replaces the text of a line by real key strokes.
     void type(const char* name, const QString& text);
 
+    /// A command of the window by the operation that it stands for.
+    [[nodiscard]] QAction& command(const char* name);
     void chooseAction(const std::string& name);
     [[nodiscard]] BaseRenameAction& currentAction();
     [[nodiscard]] PreviewTableModel& model();

@@ -9,7 +9,6 @@ using ::testing::ElementsAre;
 class CommandsTest : public ShellFixture {
   protected:
     ActionListCommands& commands() { return controller().actionListCommands(); }
-    int currentIndex() { return controller().compositeAction().getCurrentActionIndexAsInt(); }
     void startWith(const std::vector<Step>& steps, int index) {
         start();
         setSteps(steps);
@@ -20,30 +19,30 @@ class CommandsTest : public ShellFixture {
 
 const std::vector<std::string> three{"Add to end", "Replace text", "Remove text"};
 
-TEST_F(CommandsTest, RemovingMovesToTheStepInFront) {
-    const std::vector<std::tuple<int, std::vector<std::string>, int>> cases{
-        {0, {three[1], three[2]}, 0}, {1, {three[0], three[2]}, 0}, {2, {three[0], three[1]}, 1}};
-    start();
-    for (const auto& [index, left, current] : cases) {
-        setSteps({{three[0], {}}, {three[1], {}}, {three[2], {}}});
-        controller().compositeAction().setCurrentActionIndex(index);
-        commands().removeAction();
-        EXPECT_EQ(stepNames(), left) << index;
-        EXPECT_EQ(currentIndex(), current) << index;
-    }
+TEST_F(CommandsTest, StepsComeAndGoAndTheCurrentOneIsTheNearest) {
+    startWith({{three[0], {{"string", u"X"}}}, {three[1], {}}, {three[2], {}}}, 0);
+    const auto left = [this] {
+        std::string all = std::to_string(controller().compositeAction().getCurrentActionIndexAsInt());
+        for (const std::string& name : stepNames())
+            all += ", " + name;
+        return all;
+    };
+    commands().addAction();
+    EXPECT_EQ(left(), "1, Add to end, Add to end, Replace text, Remove text");
+    EXPECT_EQ(controller().compositeAction().getCurrentAction().getParamString("string"), u"X");
+    commands().moveAction(1, 3);
+    EXPECT_EQ(left(), "3, Add to end, Replace text, Remove text, Add to end");
+    commands().resetToDefaults();
+    EXPECT_EQ(controller().compositeAction().actionAtIndex(0).getParamString("string"), u"X");
+    EXPECT_EQ(controller().compositeAction().actionAtIndex(3).getParamString("string"), u"");
     commands().removeAction();
-    EXPECT_EQ(stepNames(), std::vector<std::string>{three[0]});
+    EXPECT_EQ(left(), "2, Add to end, Replace text, Remove text");
+    controller().compositeAction().setCurrentActionIndex(0);
     commands().removeAction();
-    EXPECT_EQ(stepNames(), std::vector<std::string>{three[0]});
-}
-
-TEST_F(CommandsTest, OneActiveStepIsEnough) {
-    startWith({{three[0], {{"active", 0}}}, {three[1], {{"active", 1}}}}, 0);
-    EXPECT_TRUE(commands().validateActionList());
-    setSteps({{three[0], {{"active", 0}}}, {three[1], {{"active", 2}}}});
-    frontEnd.expect("alert noActiveActions");
-    EXPECT_FALSE(commands().validateActionList());
-    EXPECT_EQ(frontEnd.alerts.back().title, "There are no active renaming actions.");
+    EXPECT_EQ(left(), "0, Replace text, Remove text");
+    commands().clearActions();
+    commands().removeAction();
+    EXPECT_EQ(left(), "0, Replace text");
 }
 
 TEST_F(CommandsTest, TheListOfStepsShowsHidesAndKeepsItsWidth) {

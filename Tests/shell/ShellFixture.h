@@ -22,7 +22,7 @@ namespace tavrin::test {
 /// a run loop whose time the test moves, and a scripted user.
 class ShellFixture : public ::testing::Test {
   protected:
-    ShellFixture() : catalogue(resources()) {
+    ShellFixture() {
         UserDefaults::setSharedInstance(&defaults);
         ActionList::setSharedActionList(&catalogue);
         options.store.dataFolder = data.path("Data");
@@ -38,13 +38,6 @@ class ShellFixture : public ::testing::Test {
         endController();
         ActionList::setSharedActionList(nullptr);
         UserDefaults::setSharedInstance(nullptr);
-    }
-
-    static ActionList::Resources resources() {
-        auto read = ActionList::readResources(TAVRIN_SOURCE_FOLDER "/Resources");
-        if (const auto* error = std::get_if<PropertyListError>(&read))
-            throw std::runtime_error(error->message);
-        return std::get<ActionList::Resources>(std::move(read));
     }
 
     /// Makes the controller; it has not started yet.

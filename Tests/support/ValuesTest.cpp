@@ -1,6 +1,7 @@
 #include "common/LogRecorder.h"
 #include "support/application/DebugLog.h"
 #include "support/text/KQStringUtilities.h"
+#include "support/text/PathParts.h"
 #include "support/values/PropertyValue.h"
 
 #include <gtest/gtest.h>
@@ -89,6 +90,30 @@ TEST(DebugLog, WritesOnlyWhileOnAndHeard) {
     setDebugLogIsOn(false);
     debugLog("off again");
     EXPECT_EQ(std::vector<std::string>{"on 2 x"}, lines.lines());
+}
+
+TEST(PathParts, CutPathsAndJoinThemAgain) {
+    const struct {
+        std::string_view path, prefix, folder, name, stem, extension;
+    } cases[] = {
+        {"/a/b.c.txt", "/a/", "/a", "b.c.txt", "/a/b.c", "txt"},
+        {"/b", "/", "/", "b", "/b", ""},
+        {"/", "/", "/", "", "/", ""},
+        {"b.x", "", "", "b.x", "b", "x"},
+        {"/a.d/b", "/a.d/", "/a.d", "b", "/a.d/b", ""},
+        {"/a/.b", "/a/", "/a", ".b", "/a/.b", ""},
+        {"/a/b.", "/a/", "/a", "b.", "/a/b", ""},
+        {"", "", "", "", "", ""},
+    };
+    for (const auto& [path, prefix, folder, name, stem, extension] : cases) {
+        const PathParts parts(path);
+        EXPECT_EQ(std::tuple(folder, name), std::tuple(parts.folder, parts.name)) << path;
+        EXPECT_EQ(std::tuple(prefix, name), std::tuple(folderPrefix(path), lastComponent(path))) << path;
+        EXPECT_EQ(std::tuple(stem, extension), std::tuple(withoutExtension(path), extensionOf(path))) << path;
+        if (path.starts_with('/')) {
+            EXPECT_EQ(path, joinedPath(parts.folder, parts.name));
+        }
+    }
 }
 
 TEST(KQStringUtilities, ExpandNumberBlocks) {

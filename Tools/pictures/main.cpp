@@ -10,7 +10,6 @@
 #include "presentation/Dialogs.h"
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
-#include "presentation/WindowCommands.h"
 #include "presentation/preview/PreviewPane.h"
 #include "shell/commands/MainController.h"
 #include "support/text/Text.h"
@@ -104,6 +103,8 @@ class Pictures {
         settle();
     }
 
+    void trigger(const char* command) { application->window().findChild<QAction*>(command)->trigger(); }
+
     void save(const char* name, QWidget* widget = nullptr) {
         (widget ? widget : &application->window())
             ->grab()
@@ -137,10 +138,9 @@ class Pictures {
     void replaceInSteps() {
         open(12);
         choose("Replace text", {{"searchTerm", u"IMG_"}, {"replacementTerm", u"Lofoten "}});
-        auto& commands = application->window().commands();
-        commands.command("addAction")->trigger();
+        trigger("addAction");
         choose("Make lowercase", {{"fragmentSelection", 2}});
-        commands.command("addAction")->trigger();
+        trigger("addAction");
         choose("Add date to end", {{"mode", 1}});
         application->controller().compositeAction().getCurrentAction().setValue(0, "active");
         application->controller().compositeAction().setCurrentActionIndex(0);
@@ -250,8 +250,7 @@ class Pictures {
     }
 
     void preferences() {
-        auto& commands = application->window().commands();
-        commands.command("showPreferencesDialog")->trigger();
+        trigger("showPreferencesDialog");
         auto* window = application->window().findChild<QDialog*>("preferencesWindow");
         auto* contents = window->findChild<QListWidget*>("preferencesContents");
         for (int page = 0; page < contents->count(); ++page) {
@@ -264,24 +263,24 @@ class Pictures {
         auto& presets = application->controller().presetsManager();
         for (const char16_t* name : {u"Holiday photos", u"Make web safe", u"Music: artist first"})
             (void)presets.createPresetFromCurrentActionsWithName(name, u"What it is good for");
-        commands.command("createNewPresetWithCurrentSettings")->trigger();
+        trigger("createNewPresetWithCurrentSettings");
         application->window().findChild<QLineEdit*>("presetName")->setText("Holiday photos");
         saveDialog("preset");
-        commands.command("organizePresets")->trigger();
+        trigger("organizePresets");
         saveDialog("organize-presets");
-        commands.command("migrateDroplets")->trigger();
+        trigger("migrateDroplets");
         saveDialog("locate-droplets");
-        commands.command("migratePresetsFromFolder")->trigger();
+        trigger("migratePresetsFromFolder");
         saveDialog("locate-presets");
         const std::string feed =
             files->write("feed.xml", "<rss xmlns:s='urn:feed'><channel><item><link>https://example.org</link>"
                                      "<enclosure s:version='9.1'/></item></channel></rss>");
         UserDefaults::sharedInstance().setObject("SUFeedURL", text::fromUtf8(feed));
-        commands.command("checkForUpdates")->trigger();
+        trigger("checkForUpdates");
         saveDialog("update");
-        commands.command("showShortcuts")->trigger();
+        trigger("showShortcuts");
         saveDialog("shortcuts");
-        commands.command("about")->trigger();
+        trigger("about");
         saveDialog("about");
     }
 
@@ -316,7 +315,7 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(QIcon(":/icons/net.calderwick.tavrin.svg"));
     std::filesystem::create_directories(argv[1]);
     for (const bool isDark : {false, true}) {
-        tavrin::Appearance::applyOwnPalette(isDark);
+        tavrin::appearance::applyOwnPalette(isDark);
         tavrin::Pictures(argv[1], isDark).take();
     }
     return 0;

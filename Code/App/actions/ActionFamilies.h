@@ -1,7 +1,10 @@
 #pragma once
 
+#include "support/values/PropertyValue.h"
+
+#include <cstdint>
 #include <memory>
-#include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -9,45 +12,91 @@ namespace tavrin {
 
 class BaseRenameAction;
 
-/// How an action of the catalogue is made. The object has its default parameters.
-struct ActionEntry {
-    std::string_view name;
-    std::unique_ptr<BaseRenameAction> (*make)();
+/// The categories of the menus, in their order; categoryLabel has their names.
+enum class ActionCategory : std::uint8_t {
+    replace,
+    remove,
+    text,
+    move,
+    letterCase,
+    number,
+    letters,
+    romanNumerals,
+    date,
+    tags,
+    imageSize,
+    music,
+    folderName,
+    folderPath,
+    listFile,
+    lengthAndSystems,
+};
+inline constexpr std::size_t actionCategoryCount = 16;
+[[nodiscard]] std::string_view categoryLabel(ActionCategory category);
+
+/// The file of an example, for actions that look at more than a name. Empty members do not matter.
+struct ExampleFile {
+    std::string_view folder;   ///< the folder that the file is in, a path
+    std::string_view modified; ///< when it was last changed, local time, as "2024-06-14 07:31:05"
+    std::string_view sample;   ///< what it holds: the name of one of the sample files of the tests
+    std::string_view note;     ///< says of a sample what an example needs, for the user
+    std::u16string_view list;  ///< the lines of the list file that the parameter "listFilePath" is to name
 };
 
-/// The entry of a class that tells its name as a constant.
-template <typename Action> constexpr ActionEntry entryFor() {
-    return {Action::name, [] { return std::unique_ptr<BaseRenameAction>(std::make_unique<Action>()); }};
+/// What an action does, shown by a case: parameters beside the defaults, a name, and what becomes of it.
+struct ActionExample {
+    PropertyDictionary parameters;
+    std::u16string before;
+    std::u16string after;
+    ExampleFile file = {};
+};
+
+/// One action of the catalogue. In the menu of its category it stands where its family, and it in its family,
+/// stand in allActions(). All texts are constants of the program.
+struct ActionEntry {
+    std::string_view name;  ///< its identity in stored lists and commands, which never changes
+    std::string_view label; ///< its name in the menus
+    ActionCategory category;
+    std::unique_ptr<BaseRenameAction> (*create)(); ///< see newAction; use make()
+    std::vector<ActionExample> examples;           ///< cases for the user, run as tests too
+    /// A sentence for the user; empty where the parameters speak for themselves.
+    std::u16string_view explanation = {};
+
+    /// A new action of that name with its default parameters.
+    [[nodiscard]] std::unique_ptr<BaseRenameAction> make() const;
+};
+
+/// What an entry creates: an object of a class, made with these arguments.
+template <typename Action, auto... arguments> std::unique_ptr<BaseRenameAction> newAction() {
+    return std::make_unique<Action>(arguments...);
 }
 
-/// The families, one line each in ActionFamilies.cpp.
-[[nodiscard]] std::span<const ActionEntry> replaceTextActions();
-[[nodiscard]] std::span<const ActionEntry> replaceCharactersActions();
-[[nodiscard]] std::span<const ActionEntry> replaceAtEndsActions();
-[[nodiscard]] std::span<const ActionEntry> removeAtEndsActions();
-[[nodiscard]] std::span<const ActionEntry> insertTextActions();
-[[nodiscard]] std::span<const ActionEntry> moveTextActions();
-[[nodiscard]] std::span<const ActionEntry> caseActions();
-[[nodiscard]] std::span<const ActionEntry> properCaseActions();
-[[nodiscard]] std::span<const ActionEntry> camelCaseActions();
-[[nodiscard]] std::span<const ActionEntry> numberActions();
-[[nodiscard]] std::span<const ActionEntry> removeAnywhereActions();
-[[nodiscard]] std::span<const ActionEntry> truncateActions();
-[[nodiscard]] std::span<const ActionEntry> convertToNTFSActions();
-[[nodiscard]] std::span<const ActionEntry> characterSetActions();
-[[nodiscard]] std::span<const ActionEntry> numberBlockActions();
-[[nodiscard]] std::span<const ActionEntry> romanNumeralActions();
-[[nodiscard]] std::span<const ActionEntry> alphabeticalSequenceActions();
-[[nodiscard]] std::span<const ActionEntry> dateActions();
-[[nodiscard]] std::span<const ActionEntry> regularExpressionActions();
-[[nodiscard]] std::span<const ActionEntry> renameFromListActions();
-[[nodiscard]] std::span<const ActionEntry> folderNameActions();
-[[nodiscard]] std::span<const ActionEntry> pathComponentsActions();
-[[nodiscard]] std::span<const ActionEntry> tagActions();
-[[nodiscard]] std::span<const ActionEntry> mp3Actions();
-[[nodiscard]] std::span<const ActionEntry> dimensionsActions();
+/// The families. A new one takes a line here and one in ActionFamilies.cpp, a new action of a family none.
+[[nodiscard]] std::vector<ActionEntry> replaceTextActions();
+[[nodiscard]] std::vector<ActionEntry> replaceCharactersActions();
+[[nodiscard]] std::vector<ActionEntry> replaceAtEndsActions();
+[[nodiscard]] std::vector<ActionEntry> regularExpressionActions();
+[[nodiscard]] std::vector<ActionEntry> removeAtEndsActions();
+[[nodiscard]] std::vector<ActionEntry> removeAnywhereActions();
+[[nodiscard]] std::vector<ActionEntry> insertTextActions();
+[[nodiscard]] std::vector<ActionEntry> moveTextActions();
+[[nodiscard]] std::vector<ActionEntry> caseActions();
+[[nodiscard]] std::vector<ActionEntry> camelCaseActions();
+[[nodiscard]] std::vector<ActionEntry> numberActions();
+[[nodiscard]] std::vector<ActionEntry> numberBlockActions();
+[[nodiscard]] std::vector<ActionEntry> characterSetActions();
+[[nodiscard]] std::vector<ActionEntry> alphabeticalSequenceActions();
+[[nodiscard]] std::vector<ActionEntry> dateActions();
+[[nodiscard]] std::vector<ActionEntry> tagActions();
+[[nodiscard]] std::vector<ActionEntry> dimensionsActions();
+[[nodiscard]] std::vector<ActionEntry> mp3Actions();
+[[nodiscard]] std::vector<ActionEntry> folderNameActions();
+[[nodiscard]] std::vector<ActionEntry> pathComponentsActions();
+[[nodiscard]] std::vector<ActionEntry> renameFromListActions();
+[[nodiscard]] std::vector<ActionEntry> truncateActions();
+[[nodiscard]] std::vector<ActionEntry> convertToNTFSActions();
 
-/// All actions that exist, family by family.
-[[nodiscard]] std::vector<ActionEntry> allActions();
+/// All actions that exist, family by family; made at the first call. Any thread.
+[[nodiscard]] const std::vector<ActionEntry>& allActions();
 
 } // namespace tavrin

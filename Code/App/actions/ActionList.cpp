@@ -20,11 +20,13 @@ template <typename Items> const typename Items::value_type* at(const Items& item
 
 } // namespace
 
-ActionList::ActionList(Resources resources, std::vector<ActionEntry> entries) {
-    for (const auto& entry : entries)
-        factories.emplace(entry.name, entry.make);
-    keepKnownActions(std::move(resources));
-    prepareMappings();
+ActionList::ActionList(std::vector<ActionEntry> allEntries) : entries(std::move(allEntries)) {
+    std::ranges::stable_sort(entries, {}, &ActionEntry::category);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (i == 0 || entries[i].category != entries[i - 1].category)
+            openCategory(entries[i].category);
+        addToMenus(entries[i]);
+    }
 }
 
 ActionList::~ActionList() {
@@ -47,30 +49,30 @@ void ActionList::setObserver(ActionObserver* newObserver) {
 
 // ---- menus
 
-void ActionList::prepareMappings() {
-    std::vector<std::int32_t> indexes;
-    std::vector<std::u16string> categoryLabels;
-    const auto closeCategory = [&] {
-        categoryToAction.push_back(std::move(indexes));
-        categoryToActionNames.push_back(std::move(categoryLabels));
-        indexes.clear();
-        categoryLabels.clear();
-    };
-    for (std::int32_t index = 0; index < count(); ++index) {
-        const auto& name = *at(names, index);
-        actionToCategory.push_back(static_cast<std::int32_t>(categoryToAction.size()));
-        if (name.empty()) {
-            closeCategory();
-        } else {
-            indexes.push_back(index);
-            categoryLabels.push_back(popUpMenuItemStringForName(name));
-        }
+void ActionList::openCategory(ActionCategory category) {
+    if (!categories.empty()) { // a separator, of the category in front of it
+        names.emplace_back();
+        labels.emplace_back();
+        actionToCategory.push_back(actionToCategory.back());
     }
-    if (!names.empty())
-        closeCategory();
+    categories.push_back(text::fromUtf8(categoryLabel(category)));
+    categoryToAction.emplace_back();
+    categoryToActionNames.emplace_back();
 }
 
-bool ActionList::hasAction(std::string_view name) const { return factories.contains(name); }
+void ActionList::addToMenus(const ActionEntry& entry) {
+    entriesByName.emplace(entry.name, &entry);
+    categoryToAction.back().push_back(count());
+    categoryToActionNames.back().push_back(text::fromUtf8(entry.label));
+    actionToCategory.push_back(static_cast<std::int32_t>(categories.size()) - 1);
+    names.emplace_back(entry.name);
+    labels.push_back(categoryToActionNames.back().back());
+}
+
+const ActionEntry* ActionList::entryForName(std::string_view name) const {
+    const auto place = entriesByName.find(name);
+    return place == entriesByName.end() ? nullptr : place->second;
+}
 
 std::u16string ActionList::popUpMenuItemStringForName(std::string_view name) const {
     const auto index = popUpMenuIndexForName(name);
@@ -122,23 +124,20 @@ std::unique_ptr<BaseRenameAction> ActionList::newActionForName(const std::string
 
 std::unique_ptr<BaseRenameAction> ActionList::internalNewActionForName(const std::string& name,
                                                                        ActionUse use) const {
-    const auto place = factories.find(name);
-    if (place == factories.end()) {
+    const auto* entry = entryForName(name);
+    if (!entry) {
         std::string known;
-        for (const auto& [each, factory] : factories)
-            known += (known.empty() ? "\"" : ", \"") + each + '"';
+        for (const auto& [each, itsEntry] : entriesByName)
+            known += std::string(known.empty() ? "\"" : ", \"").append(each) + '"';
         throw UnknownActionError("!!!!Couldn't load new action '" + name +
                                  "' from nib with nameToNibMapping: " + known);
     }
-    auto action = place->second();
+    auto action = entry->make();
     loadActionParametersFromPreferences(*action);
     // Actions of a run are made by its thread when the main loop has ended: that must not look at the
     // observer.
     if (use == ActionUse::edited && observer)
         action->registerObserverForAllValues(*observer, observerLifetime);
-    if (const auto found = action->actionName(); found != name)
-        throw ActionError("action in nib file different from promised action name. Found " + found +
-                          ". Were promised: " + name);
     return action;
 }
 

@@ -2,7 +2,6 @@
 
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
-#include "platform/propertylists/PropertyList.h"
 
 #include <atomic>
 #include <cstdint>
@@ -10,10 +9,8 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 namespace tavrin {
@@ -31,19 +28,8 @@ enum class ActionUse {
 /// and place are counted from 0. The tables never change once made, so reading them is safe from any thread.
 class ActionList {
   public:
-    /// The content of the property lists popUpIndexToNameMapping, actionPopUpMenuItems (parallel to it, both
-    /// with an empty text between two categories) and categoryPopUpMenuItems.
-    struct Resources {
-        std::vector<std::string> names;
-        std::vector<std::u16string> labels;
-        std::vector<std::u16string> categories;
-    };
-
-    /// Reads the three property lists of a folder (path in bytes), or without one the program's own.
-    static std::variant<Resources, PropertyListError> readResources(const std::string& folder = {});
-
-    /// Names that `entries` cannot make are left out of the menus, and so is a category that this empties.
-    explicit ActionList(Resources resources, std::vector<ActionEntry> entries = allActions());
+    /// With menus of these entries: category by category, in their order within each.
+    explicit ActionList(std::vector<ActionEntry> entries = allActions());
     ~ActionList();
     ActionList(const ActionList&) = delete;
     ActionList& operator=(const ActionList&) = delete;
@@ -66,7 +52,9 @@ class ActionList {
     [[nodiscard]] const std::vector<std::u16string>& categoryPopUpMenuItems() const { return categories; }
     /// Entries of nameArray, separators included.
     [[nodiscard]] std::int32_t count() const { return static_cast<std::int32_t>(names.size()); }
-    [[nodiscard]] bool hasAction(std::string_view name) const;
+    [[nodiscard]] bool hasAction(std::string_view name) const { return entryForName(name) != nullptr; }
+    /// Null for a name that there is not.
+    [[nodiscard]] const ActionEntry* entryForName(std::string_view name) const;
 
     /// "Error" for a name that is in no menu.
     [[nodiscard]] std::u16string popUpMenuItemStringForName(std::string_view name) const;
@@ -95,17 +83,16 @@ class ActionList {
     void loadActionParametersFromPreferences(BaseAction& action) const;
 
   private:
-    using Factory = std::unique_ptr<BaseRenameAction> (*)();
-
-    void keepKnownActions(Resources resources);
-    void prepareMappings();
+    void openCategory(ActionCategory category);
+    void addToMenus(const ActionEntry& entry);
     [[nodiscard]] std::unique_ptr<BaseRenameAction> internalNewActionForName(const std::string& name,
                                                                              ActionUse use) const;
 
+    std::vector<ActionEntry> entries; ///< in the order of the menus
+    std::map<std::string_view, const ActionEntry*> entriesByName;
     std::vector<std::string> names;
     std::vector<std::u16string> labels;
     std::vector<std::u16string> categories;
-    std::map<std::string, Factory, std::less<>> factories;
     std::vector<std::int32_t> actionToCategory;
     std::vector<std::vector<std::int32_t>> categoryToAction;
     std::vector<std::vector<std::u16string>> categoryToActionNames;

@@ -1,6 +1,7 @@
 #include "actions/BaseAction.h"
 
 #include "actions/ActionList.h"
+#include "platform/propertylists/PropertyList.h"
 #include "support/application/DebugLog.h"
 #include "support/text/Text.h"
 
@@ -8,11 +9,9 @@
 
 namespace tavrin {
 
-BaseAction::BaseAction() { addParameter(checkboxParameter("active", "Active", 1, 0).hidden()); }
+BaseAction::BaseAction() { addParameter(checkboxParameter("active", "Active", 1).hidden()); }
 
 BaseAction::~BaseAction() = default;
-
-std::string BaseAction::actionName() const { return {}; }
 
 std::span<const ParameterDescription> BaseAction::parameters() const { return rows; }
 
@@ -63,13 +62,10 @@ void BaseAction::refreshCaches() {
 
 void BaseAction::prepareParameters() {
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        const auto& row = rows[i];
-        if (auto* number = std::get_if<std::int32_t*>(&fields[i])) {
-            **number = getParamInt(row.key, std::get<std::int32_t>(row.whenAbsent));
-        } else if (auto* text = std::get_if<std::u16string*>(&fields[i])) {
-            **text = dic.contains(row.key) ? getParamString(row.key)
-                                           : std::u16string(std::get<std::u16string_view>(row.whenAbsent));
-        }
+        if (auto* number = std::get_if<std::int32_t*>(&fields[i]))
+            **number = getParamInt(rows[i].key, 0);
+        else if (auto* text = std::get_if<std::u16string*>(&fields[i]))
+            **text = getParamString(rows[i].key);
     }
 }
 
@@ -177,10 +173,6 @@ PropertyDictionary BaseAction::cleanUpPotentiallyOldParameterList(const Property
             cleaned.insert_or_assign(std::move(present), value);
     return cleaned;
 }
-
-// ---- execution
-
-void BaseAction::executeWithInputContext(InputContext&, OutputContext&) { prepare(); }
 
 std::u16string BaseAction::userDescription() const {
     return ActionList::sharedActionList().popUpMenuItemStringForName(actionName());

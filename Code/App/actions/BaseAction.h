@@ -30,8 +30,8 @@ class BaseAction {
     BaseAction(const BaseAction&) = delete;
     BaseAction& operator=(const BaseAction&) = delete;
 
-    /// The stable identifier, under which parameters are stored; empty in abstract classes.
-    [[nodiscard]] virtual std::string actionName() const;
+    /// The stable identifier, under which parameters are stored; empty for what is in no catalogue.
+    [[nodiscard]] virtual std::string actionName() const { return std::string(identity); }
     /// The parameter table, those of the bases first.
     [[nodiscard]] virtual std::span<const ParameterDescription> parameters() const;
     [[nodiscard]] virtual PropertyDictionary defaultParameters() const;
@@ -65,8 +65,6 @@ class BaseAction {
             refreshCaches();
     }
 
-    virtual void executeWithInputContext(InputContext& input, OutputContext& output);
-
     /// The menu text of the action.
     [[nodiscard]] std::u16string userDescription() const;
     [[nodiscard]] std::string description() const;
@@ -84,12 +82,15 @@ class BaseAction {
     [[nodiscard]] static PropertyDictionary
     cleanUpPotentiallyOldParameterList(const PropertyDictionary& list);
 
-  protected:
     /// Adds a row with its value for a new action; a row of the same key is replaced. The field must live as
-    /// long as the action.
+    /// long as the action. For constructors, and for parts of an action that have fields of their own.
     void addParameter(const ParameterDescription& row);
     void addParameter(const ParameterDescription& row, std::int32_t& field);
     void addParameter(const ParameterDescription& row, std::u16string& field);
+
+  protected:
+    /// A constant of the program.
+    void setActionName(std::string_view constant) { identity = constant; }
     /// Another default for a new action than that of the row added by the base.
     void setDefault(std::string_view key, ParameterDefault whenNew);
     /// Takes the row of a parameter of the base, which is of no use here, out of the panel.
@@ -127,6 +128,7 @@ class BaseAction {
     void setUndefinedValue(const std::optional<PropertyValue>& value, const std::string& key);
     [[nodiscard]] std::vector<std::string> observedKeysChangingWith(const std::string& key) const;
 
+    std::string_view identity; ///< the action name
     PropertyDictionary dic;
     std::vector<ParameterDescription> rows;
     std::vector<Field> fields; ///< parallel to `rows`

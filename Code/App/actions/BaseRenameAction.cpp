@@ -1,5 +1,7 @@
 #include "actions/BaseRenameAction.h"
 
+#include "store/rows/FileMO.h"
+
 #include <array>
 
 namespace tavrin {
@@ -15,21 +17,27 @@ constexpr std::array<ParameterChoice, 4> fragmentChoices{{
 
 } // namespace
 
+std::string InputContext::inputPath() const { return fileMo ? fileMo->fullPath() : path; }
+
 BaseRenameAction::BaseRenameAction() {
     // It has a selector of its own.
-    addParameter(choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1, 0).hidden(),
+    addParameter(choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1).hidden(),
                  paramFragmentSelectionMode);
 }
 
-std::vector<ActionExample> BaseRenameAction::examples() const { return {}; }
+void BaseRenameAction::introduce(std::string_view name, std::u16string_view explanation) {
+    setActionName(name);
+    ownExplanation = explanation;
+}
 
-void BaseRenameAction::processName(std::u16string_view, const InputContext&, OutputContext&,
-                                   std::u16string& result) {
+void BaseRenameAction::processName(std::u16string_view, std::u16string& result) {
     result += u"not yet implemented.";
 }
 
 void BaseRenameAction::executeWithInputContext(InputContext& input, OutputContext& output) {
     prepare();
+    itemInHand = &input;
+    answerInHand = &output;
     const std::u16string_view name = input.currentName;
     auto& result = output.newName;
     std::size_t begin = 0;
@@ -50,9 +58,13 @@ void BaseRenameAction::executeWithInputContext(InputContext& input, OutputContex
             end = dot;
     }
 
-    result.assign(name, 0, begin);
-    processName(name.substr(begin, end - begin), input, output, result);
-    result.append(name, end);
+    // Most often there is nothing in front, and the time of this counts for each name.
+    result.clear();
+    if (begin != 0)
+        result.append(name, 0, begin);
+    processName(name.substr(begin, end - begin), result);
+    if (end != name.size())
+        result.append(name, end);
 }
 
 } // namespace tavrin

@@ -9,23 +9,6 @@
 
 namespace tavrin {
 
-/// The file of an example, for actions that look at more than a name. Empty members do not matter.
-struct ExampleFile {
-    std::string_view folder;   ///< the folder that the file is in, a path
-    std::string_view modified; ///< when it was last changed, local time, as "2024-06-14 07:31:05"
-    std::string_view sample;   ///< what it holds: the name of one of the sample files of the tests
-    std::string_view note;     ///< says of a sample what an example needs, for the user
-    std::u16string_view list;  ///< the lines of the list file that the parameter "listFilePath" is to name
-};
-
-/// What an action does, shown by a case: parameters beside the defaults, a name, and what becomes of it.
-struct ActionExample {
-    PropertyDictionary parameters;
-    std::u16string before;
-    std::u16string after;
-    ExampleFile file = {};
-};
-
 /// The part of a name that an action works on; the values are those of the parameter `fragmentSelection`.
 enum class FragmentSelection : std::int32_t {
     wholeName = 0,
@@ -35,14 +18,17 @@ enum class FragmentSelection : std::int32_t {
 };
 
 /// An action that gives an item a new name: cuts the name into the fragment that it may touch and the rest,
-/// runs the subclass on the fragment, and glues the result back.
+/// runs the subclass on the fragment, and glues the result back. A subclass overrides `edit`, or
+/// `processName` where it needs to know more than the fragment.
 class BaseRenameAction : public BaseAction {
   public:
     BaseRenameAction();
 
-    void executeWithInputContext(InputContext& input, OutputContext& output) override;
-    /// Cases for the user, run as tests too.
-    [[nodiscard]] virtual std::vector<ActionExample> examples() const;
+    /// Called by the entry of the catalogue that makes the action; constants of the program.
+    void introduce(std::string_view name, std::u16string_view explanation);
+
+    /// Makes the new name of one item.
+    virtual void executeWithInputContext(InputContext& input, OutputContext& output);
 
     [[nodiscard]] virtual bool isFragmentSelectionSupported() const { return true; }
     /// Together with usesMiniButtons: which of three sizes the fragment selector has.
@@ -53,7 +39,7 @@ class BaseRenameAction : public BaseAction {
     [[nodiscard]] virtual std::string_view helpAnchor() const { return {}; }
     /// A sentence for the user about what the action does with its present parameters; empty where they speak
     /// for themselves.
-    [[nodiscard]] virtual std::u16string explanation() const { return {}; }
+    [[nodiscard]] virtual std::u16string explanation() const { return std::u16string(ownExplanation); }
     /// The first values of the sequence that the action counts through; empty for others. The caches are
     /// fresh.
     [[nodiscard]] virtual std::vector<std::u16string> firstValues() const { return {}; }
@@ -73,15 +59,29 @@ class BaseRenameAction : public BaseAction {
 
   protected:
     /// Appends the new form of the fragment to `result`. A fragment that can't be worked on is appended as it
-    /// came. The caches are fresh. `input` is not to be changed.
-    virtual void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                             std::u16string& result);
+    /// came. The caches are fresh.
+    virtual void processName(std::u16string_view fragment, std::u16string& result);
+    /// The item in hand, and what else is told of it; both only within processName.
+    [[nodiscard]] const InputContext& item() const { return *itemInHand; }
+    [[nodiscard]] OutputContext& answer() const { return *answerInHand; }
 
     /// For actions that know no fragments, in prepareParameters: the whole name counts, whatever is stored.
     void workOnTheWholeName() { paramFragmentSelectionMode = 0; }
 
   private:
     std::int32_t paramFragmentSelectionMode = 1;
+    const InputContext* itemInHand = nullptr;
+    OutputContext* answerInHand = nullptr;
+    std::u16string_view ownExplanation;
+};
+
+/// An action without parameters of its own, told by the function that appends the new form of a fragment.
+template <void (*append)(std::u16string_view fragment, std::u16string& result)>
+class PlainAction final : public BaseRenameAction {
+  protected:
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        append(fragment, result);
+    }
 };
 
 } // namespace tavrin

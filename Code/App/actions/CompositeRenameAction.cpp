@@ -1,7 +1,6 @@
 #include "actions/CompositeRenameAction.h"
 
 #include "actions/ActionError.h"
-#include "actions/text/AddToBeginningAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "support/text/PathParts.h"
 #include "support/text/Text.h"
@@ -22,8 +21,9 @@ std::unique_ptr<BaseRenameAction> newAction(const std::string& name, ActionUse u
 } // namespace
 
 CompositeRenameAction::CompositeRenameAction(ActionUse stepUse) : use(stepUse) {
-    addParameter(numberParameter(currentIndexKey, "Current step", 0, 0));
-    steps.push_back(std::make_unique<AddToBeginningAction>());
+    setActionName("Composite rename action");
+    addParameter(numberParameter(currentIndexKey, "Current step", 0));
+    steps.push_back(insertTextActions().front().make()); // "Add to front"
 }
 
 CompositeRenameAction::~CompositeRenameAction() = default;

@@ -25,7 +25,6 @@ class CompositeRenameAction : public BaseRenameAction {
     explicit CompositeRenameAction(ActionUse use = ActionUse::edited);
     ~CompositeRenameAction() override;
 
-    [[nodiscard]] std::string actionName() const override { return "Composite rename action"; }
     /// Whoever edits the list; kept for the interface only.
     void setOwner(ActionObserver* newOwner) { owner = newOwner; }
 

@@ -36,33 +36,30 @@ PropertyValue propertyValue(const ParameterDefault& value) {
 
 ParameterDescription textParameter(std::string_view key, std::string_view label,
                                    std::u16string_view whenNew) {
-    return {key, label, ParameterKind::text, whenNew, std::u16string_view{}};
+    return {key, label, ParameterKind::text, whenNew};
 }
 
 ParameterDescription characterParameter(std::string_view key, std::string_view label,
                                         std::u16string_view whenNew) {
-    return {key, label, ParameterKind::character, whenNew, std::u16string_view{}};
+    return {key, label, ParameterKind::character, whenNew};
 }
 
-ParameterDescription numberParameter(std::string_view key, std::string_view label, std::int32_t whenNew,
-                                     std::int32_t whenAbsent) {
-    return {key, label, ParameterKind::number, whenNew, whenAbsent};
+ParameterDescription numberParameter(std::string_view key, std::string_view label, std::int32_t whenNew) {
+    return {key, label, ParameterKind::number, whenNew};
 }
 
-ParameterDescription checkboxParameter(std::string_view key, std::string_view label, std::int32_t whenNew,
-                                       std::int32_t whenAbsent) {
-    return {key, label, ParameterKind::checkbox, whenNew, whenAbsent, checkboxStates};
+ParameterDescription checkboxParameter(std::string_view key, std::string_view label, std::int32_t whenNew) {
+    return {key, label, ParameterKind::checkbox, whenNew, checkboxStates};
 }
 
 ParameterDescription choiceParameter(std::string_view key, std::string_view label,
-                                     std::span<const ParameterChoice> choices, std::int32_t whenNew,
-                                     std::int32_t whenAbsent) {
-    return {key, label, ParameterKind::choice, whenNew, whenAbsent, choices};
+                                     std::span<const ParameterChoice> choices, std::int32_t whenNew) {
+    return {key, label, ParameterKind::choice, whenNew, choices};
 }
 
 ParameterDescription patternParameter(std::string_view key, std::string_view label,
                                       std::u16string_view whenNew) {
-    return {key, label, ParameterKind::pattern, whenNew, std::u16string_view{}};
+    return {key, label, ParameterKind::pattern, whenNew};
 }
 
 ParameterDescription ParameterDescription::shownWhen(std::string_view otherKey, std::int32_t value) const {

@@ -45,8 +45,7 @@ struct ParameterDescription {
     std::string_view key;
     std::string_view label;
     ParameterKind kind = ParameterKind::text;
-    ParameterDefault whenNew;    ///< the value that a new action has
-    ParameterDefault whenAbsent; ///< the value that counts when the key is missing
+    ParameterDefault whenNew; ///< the value that a new action has; a stored list without the key leaves it
     std::span<const ParameterChoice> choices = {};
     std::int32_t minimum = std::numeric_limits<std::int32_t>::min();
     std::int32_t maximum = std::numeric_limits<std::int32_t>::max();
@@ -78,19 +77,18 @@ struct ParameterDescription {
 /// The value that a default stands for.
 [[nodiscard]] PropertyValue propertyValue(const ParameterDefault& value);
 
-/// Short forms for the tables. Where the defaults for new and absent differ, both are told.
+/// Short forms for the tables.
 [[nodiscard]] ParameterDescription textParameter(std::string_view key, std::string_view label,
                                                  std::u16string_view whenNew = u"");
 [[nodiscard]] ParameterDescription characterParameter(std::string_view key, std::string_view label,
                                                       std::u16string_view whenNew);
 [[nodiscard]] ParameterDescription numberParameter(std::string_view key, std::string_view label,
-                                                   std::int32_t whenNew, std::int32_t whenAbsent);
+                                                   std::int32_t whenNew);
 [[nodiscard]] ParameterDescription checkboxParameter(std::string_view key, std::string_view label,
-                                                     std::int32_t whenNew, std::int32_t whenAbsent);
+                                                     std::int32_t whenNew);
 [[nodiscard]] ParameterDescription choiceParameter(std::string_view key, std::string_view label,
                                                    std::span<const ParameterChoice> choices,
-                                                   std::int32_t whenNew, std::int32_t whenAbsent);
-
+                                                   std::int32_t whenNew);
 [[nodiscard]] ParameterDescription patternParameter(std::string_view key, std::string_view label,
                                                     std::u16string_view whenNew);
 

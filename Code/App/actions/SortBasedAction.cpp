@@ -34,15 +34,15 @@ constexpr std::span<const ParameterChoice> secondSortingModes(sortingModes.data(
 std::span<const ParameterChoice> sortingModeChoices() { return sortingModes; }
 
 SortBasedAction::SortBasedAction() {
-    addParameter(choiceParameter("sortingMode", "First", sortingModes, smartNameSorting, 0)
+    addParameter(choiceParameter("sortingMode", "First", sortingModes, smartNameSorting)
                      .in(PanelSection::order)
                      .under("Order"),
                  paramSortingOrder);
-    addParameter(choiceParameter("sortingMode2", "Then", secondSortingModes, 0, 0)
+    addParameter(choiceParameter("sortingMode2", "Then", secondSortingModes, 0)
                      .in(PanelSection::order)
                      .offWhen("sortingMode", manualSorting),
                  paramSortingOrder2);
-    addParameter(checkboxParameter("sortEachFolderSeparately", "Start again in each folder", 0, 0)
+    addParameter(checkboxParameter("sortEachFolderSeparately", "Start again in each folder", 0)
                      .in(PanelSection::order),
                  paramSortEachFolderSeparately);
 }

@@ -2,7 +2,6 @@
 
 #include "presentation/dialogs/AnswerOnce.h"
 
-#include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QTimer>
@@ -40,26 +39,17 @@ FetchedAddress resultOf(QNetworkReply& reply) {
 
 } // namespace
 
-struct AddressFetcher::Impl {
-    explicit Impl(std::chrono::milliseconds time) : longestTime(time) {}
-    std::chrono::milliseconds longestTime;
-    QNetworkAccessManager manager;
-};
-
-AddressFetcher::AddressFetcher(std::chrono::milliseconds longestTime)
-    : impl(std::make_unique<Impl>(longestTime)) {}
-
-AddressFetcher::~AddressFetcher() = default;
+AddressFetcher::AddressFetcher(std::chrono::milliseconds time) : longestTime(time) {}
 
 void AddressFetcher::fetch(const std::string& address, std::size_t limit,
                            std::function<void(FetchedAddress)> answer) {
-    QNetworkReply* reply = impl->manager.get(requestFor(address));
+    QNetworkReply* reply = manager.get(requestFor(address));
     const AnswerOnce<FetchedAddress> once(std::move(answer));
     const auto giveUp = [reply, once](const char* reason) {
         once({std::nullopt, reason});
         reply->abort();
     };
-    QTimer::singleShot(impl->longestTime, reply, [giveUp] { giveUp("there was no answer in time"); });
+    QTimer::singleShot(longestTime, reply, [giveUp] { giveUp("there was no answer in time"); });
     QObject::connect(reply, &QNetworkReply::downloadProgress, reply,
                      [giveUp, limit](qint64 received, qint64 total) {
                          if (std::max(received, total) > static_cast<qint64>(limit))

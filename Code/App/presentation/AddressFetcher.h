@@ -2,9 +2,9 @@
 
 #include "shell/asking/FrontEnd.h"
 
+#include <QNetworkAccessManager>
 #include <chrono>
 #include <functional>
-#include <memory>
 #include <string>
 
 namespace tavrin {
@@ -15,13 +15,12 @@ namespace tavrin {
 class AddressFetcher {
   public:
     explicit AddressFetcher(std::chrono::milliseconds longestTime = std::chrono::seconds(20));
-    ~AddressFetcher();
 
     void fetch(const std::string& address, std::size_t limit, std::function<void(FetchedAddress)> answer);
 
   private:
-    struct Impl;
-    std::unique_ptr<Impl> impl;
+    std::chrono::milliseconds longestTime;
+    QNetworkAccessManager manager;
 };
 
 } // namespace tavrin

@@ -1,12 +1,12 @@
 #pragma once
 
-namespace tavrin {
+/// What every start of the program sets up once the QApplication is there, and how the program looks where
+/// the desktop brings no style of its own: our palettes, light or dark as the desktop's settings say.
+/// Elsewhere the desktop's look stays. Main thread.
+namespace tavrin::appearance {
 
-/// How the program looks where the desktop brings no style of its own: our palettes, light or dark as the
-/// desktop's settings say. Elsewhere the desktop's look stays.
-struct Appearance {
-    static void apply();
-    static void applyOwnPalette(bool dark);
-};
+void setUpNames();
+void setUpLooks();
+void applyOwnPalette(bool dark);
 
-} // namespace tavrin
+} // namespace tavrin::appearance

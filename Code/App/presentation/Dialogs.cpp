@@ -64,7 +64,7 @@ std::optional<std::string> chosenPath(const QFileDialog& dialog) {
 }
 
 QCheckBox* addSuppressionBox(QMessageBox& box) {
-    auto* check = new QCheckBox("Don’t show this &again");
+    auto* check = new QCheckBox(Dialogs::tr("Don’t show this &again"));
     check->setObjectName("suppressionBox");
     box.setCheckBox(check);
     return check;
@@ -94,49 +94,57 @@ struct NoticeText {
 };
 
 const NoticeText& textOf(NoticeDialog dialog) {
-    static const NoticeText noFiles{"noFilesSelectedDialog",
-                                    "There is nothing to rename yet.",
-                                    "Drag files or folders into the list, or use Add.",
-                                    true,
-                                    {{{"OK", NoticeAnswer::ok, QMessageBox::AcceptRole},
-                                      {"Help", NoticeAnswer::help, QMessageBox::HelpRole},
-                                      {}}},
-                                    NoticeAnswer::ok};
+    static const NoticeText noFiles{
+        "noFilesSelectedDialog",
+        QT_TRANSLATE_NOOP("tavrin::Dialogs", "There is nothing to rename yet."),
+        QT_TRANSLATE_NOOP("tavrin::Dialogs", "Drag files or folders into the list, or use Add."),
+        true,
+        {{{QT_TRANSLATE_NOOP("tavrin::Dialogs", "OK"), NoticeAnswer::ok, QMessageBox::AcceptRole},
+          {QT_TRANSLATE_NOOP("tavrin::Dialogs", "Help"), NoticeAnswer::help, QMessageBox::HelpRole},
+          {}}},
+        NoticeAnswer::ok};
     static const NoticeText inconsistent{
         "inconsistentSettingsDialog",
-        "Files and folders are both switched off, so nothing can be renamed.",
-        "Switch both on, look at the new preview, and click Rename again.",
+        QT_TRANSLATE_NOOP("tavrin::Dialogs",
+                          "Files and folders are both switched off, so nothing can be renamed."),
+        QT_TRANSLATE_NOOP("tavrin::Dialogs",
+                          "Switch both on, look at the new preview, and click Rename again."),
         true,
-        {{{"Switch Both On", NoticeAnswer::ok, QMessageBox::AcceptRole},
-          {"Leave Off", NoticeAnswer::help, QMessageBox::RejectRole},
+        {{{QT_TRANSLATE_NOOP("tavrin::Dialogs", "Switch Both On"), NoticeAnswer::ok, QMessageBox::AcceptRole},
+          {QT_TRANSLATE_NOOP("tavrin::Dialogs", "Leave Off"), NoticeAnswer::help, QMessageBox::RejectRole},
           {}}},
         NoticeAnswer::help};
-    static const NoticeText information{"dropletInformationDialog",
-                                        "A droplet keeps the present steps and options.",
-                                        "Drop files on it to rename them; open it to change it.",
-                                        true,
-                                        {{{"Create Droplet…", NoticeAnswer::ok, QMessageBox::AcceptRole},
-                                          {"Cancel", NoticeAnswer::cancel, QMessageBox::RejectRole},
-                                          {"Help", NoticeAnswer::help, QMessageBox::HelpRole}}},
-                                        NoticeAnswer::cancel};
-    static const NoticeText droplet{"dropletEditModeDialog",
-                                    "You are editing a droplet.",
-                                    "Change the steps, then click Save. Files you add only show the effect.",
-                                    true,
-                                    {{{"Continue", NoticeAnswer::ok, QMessageBox::AcceptRole},
-                                      {"Quit", NoticeAnswer::cancel, QMessageBox::RejectRole},
-                                      {"Help", NoticeAnswer::help, QMessageBox::HelpRole}}},
-                                    NoticeAnswer::ok};
-    static const NoticeText simpleList{"simpleTemplateFileListDialog",
-                                       "The file list was successfully saved.",
-                                       "This list holds new names only, in the order of the current names. "
-                                       "To read it back with New names from a "
-                                       "list, sort by name.",
-                                       false,
-                                       {{{"OK", NoticeAnswer::ok, QMessageBox::AcceptRole},
-                                         {"Help", NoticeAnswer::help, QMessageBox::HelpRole},
-                                         {}}},
-                                       NoticeAnswer::ok};
+    static const NoticeText information{
+        "dropletInformationDialog",
+        QT_TRANSLATE_NOOP("tavrin::Dialogs", "A droplet keeps the present steps and options."),
+        QT_TRANSLATE_NOOP("tavrin::Dialogs", "Drop files on it to rename them; open it to change it."),
+        true,
+        {{{QT_TRANSLATE_NOOP("tavrin::Dialogs", "Create Droplet…"), NoticeAnswer::ok,
+           QMessageBox::AcceptRole},
+          {QT_TRANSLATE_NOOP("tavrin::Dialogs", "Cancel"), NoticeAnswer::cancel, QMessageBox::RejectRole},
+          {QT_TRANSLATE_NOOP("tavrin::Dialogs", "Help"), NoticeAnswer::help, QMessageBox::HelpRole}}},
+        NoticeAnswer::cancel};
+    static const NoticeText droplet{
+        "dropletEditModeDialog",
+        QT_TRANSLATE_NOOP("tavrin::Dialogs", "You are editing a droplet."),
+        QT_TRANSLATE_NOOP("tavrin::Dialogs",
+                          "Change the steps, then click Save. Files you add only show the effect."),
+        true,
+        {{{QT_TRANSLATE_NOOP("tavrin::Dialogs", "Continue"), NoticeAnswer::ok, QMessageBox::AcceptRole},
+          {QT_TRANSLATE_NOOP("tavrin::Dialogs", "Quit"), NoticeAnswer::cancel, QMessageBox::RejectRole},
+          {QT_TRANSLATE_NOOP("tavrin::Dialogs", "Help"), NoticeAnswer::help, QMessageBox::HelpRole}}},
+        NoticeAnswer::ok};
+    static const NoticeText simpleList{
+        "simpleTemplateFileListDialog",
+        QT_TRANSLATE_NOOP("tavrin::Dialogs", "The file list was successfully saved."),
+        QT_TRANSLATE_NOOP("tavrin::Dialogs",
+                          "This list holds new names only, in the order of the current names. To read it "
+                          "back with New names from a list, sort by name."),
+        false,
+        {{{QT_TRANSLATE_NOOP("tavrin::Dialogs", "OK"), NoticeAnswer::ok, QMessageBox::AcceptRole},
+          {QT_TRANSLATE_NOOP("tavrin::Dialogs", "Help"), NoticeAnswer::help, QMessageBox::HelpRole},
+          {}}},
+        NoticeAnswer::ok};
     switch (dialog) {
     case NoticeDialog::noFilesSelected:
         return noFiles;
@@ -181,14 +189,14 @@ void Dialogs::showAlert(QWidget* parent, const Alert& alert, std::function<void(
 
 void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
     const NoticeText& text = textOf(dialog);
-    QMessageBox* box = makeBox(parent, AlertStyle::informational, QString::fromUtf8(text.title),
-                               QString::fromUtf8(text.text));
+    QMessageBox* box =
+        makeBox(parent, AlertStyle::informational, Dialogs::tr(text.title), Dialogs::tr(text.text));
     box->setObjectName(text.name);
     QCheckBox* check = text.canBeSwitchedOff ? addSuppressionBox(*box) : nullptr;
     std::vector<std::pair<QAbstractButton*, int>> buttons;
     for (const NoticeButton& button : text.buttons)
         if (button.label)
-            buttons.emplace_back(box->addButton(QString::fromUtf8(button.label), button.role), button.choice);
+            buttons.emplace_back(box->addButton(Dialogs::tr(button.label), button.role), button.choice);
     box->setDefaultButton(qobject_cast<QPushButton*>(buttons.front().first));
     // Without one the message could not be closed but by its buttons.
     const auto whenClosed =
@@ -219,13 +227,13 @@ void Dialogs::showProcessingErrors(QWidget* parent, const FailureReport& report,
 
 void Dialogs::askForFilesToAdd(QWidget* parent, const std::string& startFolder, bool folders,
                                std::function<void(std::optional<FilesToAdd>)> answer) {
-    auto* dialog = new QFileDialog(parent, "Add");
+    auto* dialog = new QFileDialog(parent, tr("Add"));
     dialog->setObjectName("addFilesDialog");
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setDirectory(QFile::decodeName(startFolder.c_str()));
     dialog->setFileMode(folders ? QFileDialog::Directory : QFileDialog::ExistingFiles);
     dialog->setOption(QFileDialog::ShowDirsOnly, folders);
-    dialog->setLabelText(QFileDialog::Accept, "Add");
+    dialog->setLabelText(QFileDialog::Accept, tr("Add"));
     const AnswerOnce<std::optional<FilesToAdd>> once(std::move(answer));
     QObject::connect(dialog, &QFileDialog::finished, dialog, [dialog, once](int result) {
         if (result != QDialog::Accepted) {
@@ -281,10 +289,10 @@ void Dialogs::askForDropletPath(QWidget* parent, const std::string& title, const
         }
         QMessageBox* box =
             makeBox(dialog->parentWidget(), AlertStyle::warning,
-                    QString("“%1” is there already.").arg(QFile::decodeName(bundle.name().c_str())),
-                    "Do you want to replace it? A folder that is no droplet stays as it is.");
+                    tr("“%1” is there already.").arg(QFile::decodeName(bundle.name().c_str())),
+                    tr("Do you want to replace it? A folder that is no droplet stays as it is."));
         box->setObjectName("replaceDropletAlert");
-        QAbstractButton* replace = box->addButton("&Replace", QMessageBox::AcceptRole);
+        QAbstractButton* replace = box->addButton(tr("&Replace"), QMessageBox::AcceptRole);
         box->setDefaultButton(box->addButton(QMessageBox::Cancel));
         QObject::connect(box, &QMessageBox::finished, dialog, [box, dialog, replace, end, path] {
             if (box->clickedButton() == replace)

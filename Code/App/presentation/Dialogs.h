@@ -2,6 +2,7 @@
 
 #include "shell/asking/FrontEnd.h"
 
+#include <QCoreApplication>
 #include <functional>
 #include <optional>
 #include <string>
@@ -16,6 +17,9 @@ namespace tavrin {
 /// when it is closed, and gives its answer once; one that is closed with its window drops the answer
 /// uncalled.
 struct Dialogs {
+    Q_DECLARE_TR_FUNCTIONS(tavrin::Dialogs)
+
+  public:
     static void showAlert(QWidget* parent, const Alert& alert, std::function<void(AlertAnswer)> answer);
     static void showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer);
     /// A question of a run that has a sheet of its own; `thumbnails`: files are pictured by their content.

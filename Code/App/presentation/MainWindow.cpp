@@ -2,14 +2,14 @@
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
-#include "presentation/DroppedFiles.h"
-#include "presentation/MenuButton.h"
+#include "presentation/Buttons.h"
 #include "presentation/ProgressPage.h"
-#include "presentation/ProminentButton.h"
+#include "presentation/QtText.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/help/HelpWindow.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
+#include "presentation/start/FileAddress.h"
 #include "presentation/steps/StepsPane.h"
 #include "shell/commands/MainController.h"
 
@@ -44,7 +44,9 @@ constexpr std::chrono::milliseconds patienceWithoutProgress(700);
 
 } // namespace
 
-MainWindow::MainWindow(WindowServices services) : shared(services), help(std::make_unique<HelpWindow>()) {
+MainWindow::MainWindow(const WindowServices& services)
+    : shared(services), windowCommands(std::make_unique<WindowCommands>(*this, services)),
+      help(std::make_unique<HelpWindow>()) {
     setObjectName("mainWindow");
     setWindowTitle("Tavrin");
     setAcceptDrops(true);
@@ -54,9 +56,14 @@ MainWindow::MainWindow(WindowServices services) : shared(services), help(std::ma
     mainTabView->addWidget(buildWorkPage());
     progress = new ProgressPage(shared, this);
     mainTabView->addWidget(progress);
-    windowCommands = std::make_unique<WindowCommands>(*this, shared);
-    okMenuButton->addAction(windowCommands->command("applyAndQuit"));
-    okMenuButton->addAction(windowCommands->command("applyButDontQuit"));
+    connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
+    connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
+    connect(preview, &PreviewPane::selectionChanged, this, &MainWindow::refreshCommands);
+    connect(preview, &PreviewPane::begun, this, [this] {
+        settings->focusFirstField();
+        if (shared.controller.previewControl().isPreviewEmpty())
+            addByDialog(false);
+    });
     setMinimumSize(640, 520);
     resize(1180, 760);
     shared.controller.progressInfo().setObserver(this);
@@ -65,9 +72,9 @@ MainWindow::MainWindow(WindowServices services) : shared(services), help(std::ma
 MainWindow::~MainWindow() { shared.controller.progressInfo().setObserver(nullptr); }
 
 QWidget* MainWindow::buildWorkPage() {
-    steps = new StepsPane(shared, this);
-    settings = new SettingsPane(shared, this);
-    preview = new PreviewPane(shared, this);
+    steps = new StepsPane(shared, *windowCommands);
+    preview = new PreviewPane(shared, *windowCommands);
+    settings = new SettingsPane(shared, *windowCommands, *preview);
     settings->setMinimumWidth(leastSettingsWidth);
     preview->setMinimumWidth(leastPreviewWidth);
     innerSplitter = new QSplitter(Qt::Horizontal);
@@ -111,16 +118,16 @@ QWidget* MainWindow::buildBottomRow() {
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(paneMargin, 8, paneMargin, 8);
-    createDropletButton = new QPushButton("Create &Droplet…");
+    createDropletButton = new QPushButton(tr("Create &Droplet…"));
     createDropletButton->setObjectName("createDropletButton");
-    createFileListButton = new QPushButton("Save &List…");
+    createFileListButton = new QPushButton(tr("Save &List…"));
     createFileListButton->setObjectName("createFileListButton");
-    okButton = new ProminentButton("&Rename");
+    okButton = new ProminentButton(tr("&Rename"));
     okButton->setObjectName("okButton");
     okButton->setDefault(true);
     okMenuButton = new MenuButton;
     okMenuButton->setObjectName("okMenuButton");
-    okMenuButton->setAccessibleName("More ways to rename");
+    okMenuButton->setAccessibleName(tr("More ways to rename"));
     okMenuButton->setPopupMode(QToolButton::InstantPopup);
     okMenuButton->setArrowType(Qt::DownArrow);
     layout->addWidget(createDropletButton);
@@ -128,11 +135,11 @@ QWidget* MainWindow::buildBottomRow() {
     layout->addStretch(1);
     layout->addWidget(okButton);
     layout->addWidget(okMenuButton);
-    connect(createFileListButton, &QPushButton::clicked, this,
-            [this] { windowCommands->command("createFileList")->trigger(); });
-    connect(createDropletButton, &QPushButton::clicked, this,
-            [this] { windowCommands->command("createDroplet")->trigger(); });
-    connect(okButton, &QPushButton::clicked, this, [this] { windowCommands->command("ok")->trigger(); });
+    performs(*createDropletButton, *windowCommands->createDroplet);
+    performs(*createFileListButton, *windowCommands->createFileList);
+    performs(*okButton, *windowCommands->ok);
+    okMenuButton->addActions({windowCommands->applyAndQuit, windowCommands->applyButDontQuit});
+    connect(windowCommands->ok, &QAction::enabledChanged, okMenuButton, &QWidget::setEnabled);
     return row;
 }
 
@@ -172,7 +179,7 @@ void MainWindow::fillPresetMenu(const std::vector<std::u16string>& titles) {
 
 void MainWindow::enterDropletEditMode() {
     isInDropletEditMode = true;
-    setWindowTitle("Editing Rename Droplet");
+    setWindowTitle(tr("Editing Rename Droplet"));
     createDropletButton->hide();
     createFileListButton->hide();
     windowCommands->enterDropletEditMode();
@@ -186,27 +193,30 @@ bool MainWindow::isAsking() const {
     return std::ranges::any_of(dialogs, [](const QDialog* dialog) { return dialog->isVisible(); });
 }
 
+void MainWindow::buildProgressWindow() {
+    // No button to close it: the run has one to stop it.
+    progressWindow = new QWidget(this, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                           Qt::WindowMinimizeButtonHint);
+    progressWindow->setObjectName("progressWindow");
+    progressWindow->installEventFilter(this);
+    auto* layout = new QVBoxLayout(progressWindow);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(progress);
+    progress->show();
+    progressWindow->resize(520, 300);
+    progressWindow->setAttribute(Qt::WA_ShowWithoutActivating);
+    connect(&progressDelay, &QTimer::timeout, this, [this] {
+        // A question must not be covered.
+        if (isAsking())
+            return;
+        progressDelay.stop();
+        progressWindow->show();
+    });
+}
+
 void MainWindow::showProgressAlone(bool isRunning) {
-    if (!progressWindow) {
-        // No button to close it: the run has one to stop it.
-        progressWindow = new QWidget(this, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                                               Qt::WindowMinimizeButtonHint);
-        progressWindow->setObjectName("progressWindow");
-        progressWindow->installEventFilter(this);
-        auto* layout = new QVBoxLayout(progressWindow);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(progress);
-        progress->show();
-        progressWindow->resize(520, 300);
-        progressWindow->setAttribute(Qt::WA_ShowWithoutActivating);
-        connect(&progressDelay, &QTimer::timeout, this, [this] {
-            // A question must not be covered.
-            if (isAsking())
-                return;
-            progressDelay.stop();
-            progressWindow->show();
-        });
-    }
+    if (!progressWindow)
+        buildProgressWindow();
     if (isRunning) {
         progressDelay.start(patienceWithoutProgress);
         return;
@@ -229,17 +239,18 @@ void MainWindow::showHelp(std::string_view anchor) {
 
 void MainWindow::refreshRenameButton() {
     const std::int32_t count = preview->itemsToRename();
-    QString label = isInDropletEditMode ? "&Save" : "&Rename";
-    if (!isInDropletEditMode && !isPreviewDue && count > 0)
-        label = count == 1 ? QString("&Rename 1 Item") : QString("&Rename %L1 Items").arg(count);
-    okButton->setText(label);
-    const bool isOn =
-        shared.controller.isRenameButtonEnabled() && shared.controller.validateUserInterfaceItem();
-    okButton->setEnabled(isOn);
-    okMenuButton->setEnabled(isOn);
+    if (isInDropletEditMode)
+        okButton->setText(tr("&Save"));
+    else if (isPreviewDue || count <= 0)
+        okButton->setText(tr("&Rename"));
+    else
+        okButton->setText(
+            counted(static_cast<std::size_t>(count), tr("&Rename 1 Item"), tr("&Rename %L1 Items")));
     okMenuButton->setVisible(!isInDropletEditMode);
-    windowCommands->refresh();
+    refreshCommands();
 }
+
+void MainWindow::refreshCommands() { windowCommands->refresh(preview->selection()); }
 
 void MainWindow::setPreviewDue(bool isDue) {
     isPreviewDue = isDue;

@@ -28,16 +28,16 @@ class WindowCommands;
 /// The one window: steps, settings and list side by side, and the progress page that takes their place during
 /// a run. It arranges its panes and passes on what the application says; what they show is theirs.
 class MainWindow final : public QMainWindow, private ProgressObserver {
+    Q_OBJECT
+
   public:
-    explicit MainWindow(WindowServices shared);
+    explicit MainWindow(const WindowServices& shared);
     ~MainWindow() override;
 
     [[nodiscard]] const WindowServices& services() const { return shared; }
     [[nodiscard]] SettingsPane& settingsPane() { return *settings; }
     [[nodiscard]] StepsPane& stepsPane() { return *steps; }
     [[nodiscard]] PreviewPane& previewPane() { return *preview; }
-    [[nodiscard]] ProgressPage& progressPage() { return *progress; }
-    [[nodiscard]] WindowCommands& commands() { return *windowCommands; }
 
     void selectMainTab(MainTab tab);
     void setRunning(bool isRunning);
@@ -53,9 +53,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void refreshRenameButton();
     /// Whether what the list shows is out of date; the rename button then counts nothing.
     void setPreviewDue(bool isDue);
-    /// Adds files or folders through a dialog.
-    void addByDialog(bool folders);
-    /// Which of both the dialog under way is for.
+    /// Whether the dialog under way that adds something is for folders.
     [[nodiscard]] bool isAskingForFolders() const { return asksForFolders; }
 
   protected:
@@ -70,6 +68,9 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void progressChanged(std::string_view key) override;
     [[nodiscard]] QWidget* buildWorkPage();
     [[nodiscard]] QWidget* buildBottomRow();
+    void addByDialog(bool folders);
+    void refreshCommands();
+    void buildProgressWindow();
     void arrangeForWidth();
     /// Whether a dialog of this window is open.
     [[nodiscard]] bool isAsking() const;

@@ -24,7 +24,7 @@ ProgressPage::ProgressPage(WindowServices shared, QWidget* parent) : QWidget(par
     stage->setFont(large);
     bar = new QProgressBar;
     bar->setObjectName("progressBar");
-    bar->setAccessibleName("Progress");
+    bar->setAccessibleName(tr("Progress"));
     bar->setTextVisible(false);
     bar->setFixedWidth(480);
     items = new QLabel;
@@ -32,7 +32,7 @@ ProgressPage::ProgressPage(WindowServices shared, QWidget* parent) : QWidget(par
     description = new QLabel;
     description->setObjectName("currentActionDescription");
     description->setForegroundRole(QPalette::PlaceholderText);
-    stopButton = new QPushButton("&Stop After This Item");
+    stopButton = new QPushButton(tr("&Stop After This Item"));
     stopButton->setObjectName("stopButton");
     auto* layout = new QVBoxLayout(this);
     layout->addStretch(2);

@@ -12,6 +12,8 @@ namespace tavrin {
 
 /// What a run is doing: stage, bar, count and item. Object name "progressPage".
 class ProgressPage final : public QWidget {
+    Q_OBJECT
+
   public:
     ProgressPage(WindowServices services, QWidget* parent);
 

@@ -16,4 +16,10 @@ namespace tavrin {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+/// A text about a number of things, in the form for one or in that for all others, where "%L1" stands for the
+/// number. The programs that translate Qt's "%n" would have to run for English as well.
+[[nodiscard]] inline QString counted(std::size_t count, const QString& one, const QString& many) {
+    return count == 1 ? one : many.arg(count);
+}
+
 } // namespace tavrin

@@ -46,15 +46,15 @@ void setHandler(void (*handler)(int)) {
 
 } // namespace
 
-SessionEnd::SessionEnd(std::function<void()> save, std::function<void()> end) : endHandler(std::move(end)) {
-    connect(qApp, &QGuiApplication::commitDataRequest, this, [save = std::move(save)] { save(); });
+SessionEnd::SessionEnd() {
+    connect(qApp, &QGuiApplication::commitDataRequest, this, &SessionEnd::mayEnd);
     qApp->installEventFilter(this);
     static const SignalPipe signalPipe;
     if (signalPipe.ends[0] < 0)
         return;
     writeEnd = signalPipe.ends[1];
     notifier = std::make_unique<QSocketNotifier>(signalPipe.ends[0], QSocketNotifier::Read);
-    connect(notifier.get(), &QSocketNotifier::activated, this, [this] { signalArrived(); });
+    connect(notifier.get(), &QSocketNotifier::activated, this, &SessionEnd::signalArrived);
     setHandler(passOn);
 }
 
@@ -64,14 +64,14 @@ void SessionEnd::signalArrived() {
     char marks[16];
     while (read(static_cast<int>(notifier->socket()), marks, sizeof marks) > 0) {
     }
-    endHandler();
+    emit ends();
 }
 
 bool SessionEnd::eventFilter(QObject* watched, QEvent* event) {
     if (watched != qApp || event->type() != QEvent::Quit)
         return QObject::eventFilter(watched, event);
     // The windows are not asked: one that shows a question would hold up the end of the session.
-    endHandler();
+    emit ends();
     return true;
 }
 

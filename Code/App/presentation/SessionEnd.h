@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <functional>
 #include <memory>
 
 class QSocketNotifier;
@@ -11,11 +10,17 @@ namespace tavrin {
 /// Tells when the session, the system or the user's terminal wants the program to end. One at a time, on the
 /// main thread, after the QApplication.
 class SessionEnd final : public QObject {
+    Q_OBJECT
+
   public:
-    /// `save` is called when the session is about to end but may yet go on; `end` when the program must end,
-    /// whatever is open (also by SIGTERM, SIGINT, SIGHUP).
-    SessionEnd(std::function<void()> save, std::function<void()> end);
+    SessionEnd();
     ~SessionEnd() override;
+
+  signals:
+    /// The session is about to end but may yet go on.
+    void mayEnd();
+    /// The program must end, whatever is open (also by SIGTERM, SIGINT, SIGHUP).
+    void ends();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -23,7 +28,6 @@ class SessionEnd final : public QObject {
   private:
     void signalArrived();
 
-    std::function<void()> endHandler;
     std::unique_ptr<QSocketNotifier> notifier;
 };
 

@@ -20,13 +20,6 @@ constexpr int runWasStopped = 3;                           // exit status, as th
 constexpr std::chrono::milliseconds betweenQuestions(200); // whether the run has ended
 constexpr std::chrono::seconds longestInLog(1);            // that a line waits for others, all being quiet
 
-ActionList::Resources resources() {
-    auto read = ActionList::readResources();
-    if (const auto* error = std::get_if<PropertyListError>(&read))
-        throw std::runtime_error(error->message);
-    return std::get<ActionList::Resources>(std::move(read));
-}
-
 MainController::Options controllerOptions(const TavrinApplication::Options& options) {
     MainController::Options result = MainController::Options::standard();
     if (options.dataFolder.empty())
@@ -41,8 +34,7 @@ MainController::Options controllerOptions(const TavrinApplication::Options& opti
 } // namespace
 
 TavrinApplication::TavrinApplication(Options options)
-    : defaults(options.defaultsPath.empty() ? UserDefaults() : UserDefaults(options.defaultsPath)),
-      actionList(resources()) {
+    : defaults(options.defaultsPath.empty() ? UserDefaults() : UserDefaults(options.defaultsPath)) {
     SystemLog::setSharedInstance(&systemLog);
     if (systemLog.isActive()) {
         setDebugLogSink(&systemLog);
@@ -60,7 +52,9 @@ TavrinApplication::TavrinApplication(Options options)
         if (mainController->validateUserInterfaceItem() && !mainController->renameEngine().isBusy())
             addWaitingPaths();
     });
-    sessionEnd = std::make_unique<SessionEnd>([this] { saveState(); }, [this] { endNow(); });
+    sessionEnd = std::make_unique<SessionEnd>();
+    QObject::connect(sessionEnd.get(), &SessionEnd::mayEnd, mainWindow.get(), [this] { saveState(); });
+    QObject::connect(sessionEnd.get(), &SessionEnd::ends, mainWindow.get(), [this] { endNow(); });
 }
 
 TavrinApplication::~TavrinApplication() {

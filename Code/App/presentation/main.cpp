@@ -1,9 +1,8 @@
 #include "documents/DropletScript.h"
 #include "platform/desktop/FileManagerMenus.h"
 #include "platform/files/Descriptor.h"
+#include "presentation/Appearance.h"
 #include "presentation/TavrinApplication.h"
-#include "presentation/start/ApplicationSetup.h"
-#include "presentation/start/DropletArguments.h"
 #include "presentation/start/DropletStart.h"
 #include "presentation/start/WindowArguments.h"
 #include "presentation/start/WindowLink.h"
@@ -25,7 +24,7 @@ int endWith(const WindowArguments::End& end) {
 
 /// The window until it is closed.
 int show(WindowLink* link, const std::vector<std::string>& paths) {
-    tavrin::ApplicationSetup::looks();
+    tavrin::appearance::setUpLooks();
     tavrin::DropletScript::removeOrphans();
     tavrin::FileManagerMenus menus(tavrin::FileManagerMenus::runningProgram());
     tavrin::FileManagerMenus::setSharedInstance(&menus);
@@ -40,13 +39,13 @@ int show(WindowLink* link, const std::vector<std::string>& paths) {
 }
 
 int start(int argc, char** argv) {
-    if (const auto droplet = tavrin::DropletArguments::of(argc, argv))
-        return tavrin::DropletStart::run(*droplet, argv[0]);
+    if (const auto droplet = tavrin::dropletRequestOf(argc, argv))
+        return tavrin::runDroplet(*droplet, argv[0]);
     auto taken = WindowArguments::take(argc, argv);
     if (const auto* end = std::get_if<WindowArguments::End>(&taken))
         return endWith(*end);
     const QApplication application(argc, argv);
-    tavrin::ApplicationSetup::names();
+    tavrin::appearance::setUpNames();
     const auto given = std::get<WindowArguments>(taken).paths(argc, argv);
     if (const auto* end = std::get_if<WindowArguments::End>(&given))
         return endWith(*end);

@@ -99,4 +99,22 @@ MixedTokenFieldLogic::Tokens MixedTokenFieldLogic::recognised(std::u16string_vie
     return std::move(entries).finished();
 }
 
+// ---- the pattern
+
+std::optional<std::vector<std::u16string>>
+StringToTokenArrayTransformer::transformedValue(const std::optional<std::u16string>& pattern) {
+    if (!pattern || pattern->empty())
+        return std::nullopt;
+    return TagLibraryHelper::decomposeStringIntoTokenArray(*pattern);
+}
+
+std::u16string StringToTokenArrayTransformer::reverseTransformedValue(
+    const std::optional<std::vector<std::u16string>>& tokens) {
+    std::u16string pattern;
+    if (tokens)
+        for (const std::u16string& token : *tokens)
+            pattern += token;
+    return pattern;
+}
+
 } // namespace tavrin

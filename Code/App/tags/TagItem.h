@@ -1,11 +1,17 @@
 #pragma once
 
-#include "tags/TagAccessors.h"
-
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace tavrin {
+
+class TaggedFile;
+
+/// The text of one piece of metadata of a file; absent when the file lacks it.
+using TagText = std::optional<std::u16string>;
+using TagAccessor = std::function<TagText(TaggedFile&)>;
 
 /// One row of the tag library.
 struct TagItem {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "tags/TagItem.h"
-#include "tags/TagPattern.h"
 
 #include <atomic>
 #include <map>
@@ -12,6 +11,17 @@
 namespace tavrin {
 
 class TagNotice;
+
+/// A pattern of tags and text, cut so that it need not be read again for each file. Made by
+/// TagLibraryHelper, and usable without it.
+struct TagPattern {
+    /// A text as it stands, or a tag.
+    struct Piece {
+        std::u16string text;
+        TagAccessor tag; ///< null for a text
+    };
+    std::vector<Piece> pieces;
+};
 
 /// The vocabulary of tags, and the interpreter of patterns. A tag is a run from a "<" to the next ">", both
 /// included; patterns are walked by composed character sequences. Any thread.

@@ -1,61 +1,53 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
-#include "actions/cases/UnitCase.h"
 #include "support/text/Text.h"
+#include "support/text/TextUnits.h"
+
+#include <array>
 
 namespace tavrin {
 
 namespace {
 
-class UppercaseAction final : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Make uppercase";
+void appendUppercase(std::u16string_view fragment, std::u16string& result) {
+    result += text::uppercased(fragment);
+}
 
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"straße.txt", u"STRASSE.txt"}};
-    }
+void appendLowercase(std::u16string_view fragment, std::u16string& result) {
+    result += text::lowercased(fragment);
+}
 
-  protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        result += text::uppercased(fragment);
-    }
-};
+void appendWithoutAccents(std::u16string_view fragment, std::u16string& result) {
+    result += text::withoutDiacritics(fragment);
+}
 
-class LowercaseAction final : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Make lowercase";
+// One code unit by itself: full mapping, so one unit may become several; half a surrogate pair stays.
 
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"fragmentSelection", 0}}, u"IMG_4021.JPG", u"img_4021.jpg"}};
-    }
+inline void appendUppercasedUnit(char16_t unit, std::u16string& result) {
+    if (unit < 0x80)
+        result += text::units::asciiUpper(unit);
+    else
+        result += text::uppercased(std::u16string_view(&unit, 1));
+}
 
-  protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        result += text::lowercased(fragment);
-    }
-};
+inline void appendLowercasedUnit(char16_t unit, std::u16string& result) {
+    if (unit < 0x80)
+        result += text::units::asciiLower(unit);
+    else
+        result += text::lowercased(std::u16string_view(&unit, 1));
+}
+
+ParameterDescription forceToLowercase() {
+    return checkboxParameter("forceToLowercase", "Make the other letters small", 1);
+}
 
 /// Capitalizes the very first code unit, whatever it is.
 class SentenceCaseAction final : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Make sentencecase";
-
-    SentenceCaseAction() {
-        addParameter(checkboxParameter("forceToLowercase", "Make the other letters small", 1, 0),
-                     paramForceToLowerCase);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"HELLO WORLD.txt", u"Hello world.txt"}};
-    }
+    SentenceCaseAction() { addParameter(forceToLowercase(), paramForceToLowerCase); }
 
   protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         if (fragment.empty())
             return;
         appendUppercasedUnit(fragment.front(), result);
@@ -71,35 +63,120 @@ class SentenceCaseAction final : public BaseRenameAction {
     std::int32_t paramForceToLowerCase = 0;
 };
 
-/// Removes accents and other nonspacing marks.
-class FoldStringAction final : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Fold String";
+/// What starts a new word; the values are those of the parameter.
+enum class MatchingMode : std::int32_t { blanks = 0, blanksAndPunctuation = 1, anythingButLetters = 2 };
 
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"Crème Brûlée.txt", u"Creme Brulee.txt"}};
-    }
-    [[nodiscard]] std::u16string explanation() const override {
-        return u"Removes accents and other marks from letters.";
+constexpr std::array<ParameterChoice, 3> matchingModes{{
+    {0, "blanks"},
+    {1, "blanks and punctuation"},
+    {2, "anything but letters"},
+}};
+
+enum class UnitKind : std::uint8_t {
+    letter,
+    wordBoundary,
+    digit, ///< begins a word like a letter: "2nd"
+    other, ///< says nothing about words
+};
+
+/// Capitalizes the first letter of each word, code unit by code unit.
+class ProperCaseAction final : public BaseRenameAction {
+  public:
+    ProperCaseAction() {
+        addParameter(choiceParameter("matchingMode", "A word begins after", matchingModes, 0),
+                     paramMatchingMode);
+        addParameter(forceToLowercase(), paramForceToLowerCase);
     }
 
   protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        result += text::withoutDiacritics(fragment);
+    void prepareParameters() override {
+        BaseRenameAction::prepareParameters();
+        for (std::size_t unit = 0; unit < kindOfAscii.size(); ++unit)
+            kindOfAscii[unit] = classify(static_cast<char16_t>(unit));
     }
-};
 
-constexpr ActionEntry entries[]{
-    entryFor<LowercaseAction>(),
-    entryFor<UppercaseAction>(),
-    entryFor<SentenceCaseAction>(),
-    entryFor<FoldStringAction>(),
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        bool startsWord = true;
+        for (const char16_t unit : fragment) {
+            const auto kind = unit < kindOfAscii.size() ? kindOfAscii[unit] : classify(unit);
+            if (kind == UnitKind::letter)
+                appendLetter(unit, startsWord, result);
+            else
+                result += unit;
+            if (kind != UnitKind::other)
+                startsWord = kind == UnitKind::wordBoundary;
+        }
+    }
+
+  private:
+    void appendLetter(char16_t unit, bool startsWord, std::u16string& result) const {
+        if (startsWord)
+            appendUppercasedUnit(unit, result);
+        else if (paramForceToLowerCase == 1)
+            appendLowercasedUnit(unit, result);
+        else
+            result += unit;
+    }
+
+    [[nodiscard]] UnitKind classify(char16_t unit) const {
+        if (text::isLetter(unit))
+            return UnitKind::letter;
+        if (isWordBoundary(unit))
+            return UnitKind::wordBoundary;
+        return text::isDecimalDigit(unit) ? UnitKind::digit : UnitKind::other;
+    }
+
+    /// For a unit that is no letter.
+    [[nodiscard]] bool isWordBoundary(char16_t unit) const {
+        switch (static_cast<MatchingMode>(paramMatchingMode)) {
+        case MatchingMode::blanks:
+            return text::isWhitespaceOrNewline(unit);
+        case MatchingMode::blanksAndPunctuation:
+            return text::isWhitespaceOrNewline(unit) || text::isPunctuation(unit);
+        case MatchingMode::anythingButLetters:
+            return true;
+        }
+        return false;
+    }
+
+    std::int32_t paramMatchingMode = 0;
+    std::int32_t paramForceToLowerCase = 0;
+    std::array<UnitKind, 128> kindOfAscii{};
 };
 
 } // namespace
 
-std::span<const ActionEntry> caseActions() { return entries; }
+std::vector<ActionEntry> caseActions() {
+    constexpr auto category = ActionCategory::letterCase;
+    return {
+        {"Make lowercase",
+         "Make lowercase",
+         category,
+         newAction<PlainAction<appendLowercase>>,
+         {{{{"fragmentSelection", 0}}, u"IMG_4021.JPG", u"img_4021.jpg"}}},
+        {"Make uppercase",
+         "Make uppercase",
+         category,
+         newAction<PlainAction<appendUppercase>>,
+         {{{}, u"straße.txt", u"STRASSE.txt"}}},
+        {"Fold String",
+         "Remove accents",
+         category,
+         newAction<PlainAction<appendWithoutAccents>>,
+         {{{}, u"Crème Brûlée.txt", u"Creme Brulee.txt"}},
+         u"Removes accents and other marks from letters."},
+        {"Make sentencecase",
+         "Sentence case",
+         category,
+         newAction<SentenceCaseAction>,
+         {{{}, u"HELLO WORLD.txt", u"Hello world.txt"}}},
+        {"Make propercase",
+         "Title case",
+         category,
+         newAction<ProperCaseAction>,
+         {{{}, u"it's a 2nd try.txt", u"It's A 2nd Try.txt"},
+          {{{"matchingMode", 1}}, u"rock-and-roll.mp3", u"Rock-And-Roll.mp3"}}},
+    };
+}
 
 } // namespace tavrin

@@ -1,12 +1,11 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
-#include "actions/characters/SequenceFilter.h"
+#include "actions/Sequences.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/text/TextSearch.h"
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
 
 namespace tavrin {
 
@@ -27,17 +26,10 @@ constexpr std::array<std::string_view, 6> patternTitles{"",         "All printab
 /// Keeps what a text contains, but never empties a name.
 class KeepOnlySpecificCharactersAction final : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Keep only specific characters";
-
     KeepOnlySpecificCharactersAction() {
         addParameter(textParameter("string", "Keep",
                                    u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-&+"),
                      paramString);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"my photo (2)!.jpg", u"myphoto2.jpg"},
-                {{{"string", u"0123456789"}}, u"IMG_4021.JPG", u"4021.JPG"}};
     }
     [[nodiscard]] std::span<const std::string_view> patternMenu() const override { return patternTitles; }
     [[nodiscard]] std::string_view patternMenuTitle() const override { return "Add"; }
@@ -46,15 +38,15 @@ class KeepOnlySpecificCharactersAction final : public BaseRenameAction {
   protected:
     void prepareParameters() override {
         BaseRenameAction::prepareParameters();
-        for (std::size_t unit = 0; unit < isAsciiKept.size(); ++unit)
-            isAsciiKept[unit] = isContained(std::u16string(1, static_cast<char16_t>(unit)));
-        othersKept.clear();
+        isKept.refill([this](std::u16string_view sequence) { return isContained(sequence); });
     }
 
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto start = result.size();
-        appendSequences(fragment, result, [this](std::u16string_view sequence) { return isKept(sequence); });
+        forEachSequence(fragment, [&](std::u16string_view sequence) {
+            if (isKept.valueFor(sequence, [this](std::u16string_view other) { return isContained(other); }))
+                result += sequence;
+        });
         if (result.size() == start)
             result += fragment;
     }
@@ -64,21 +56,8 @@ class KeepOnlySpecificCharactersAction final : public BaseRenameAction {
         return contains(paramString, sequence, CaseSensitivity::sensitive);
     }
 
-    [[nodiscard]] bool isKept(std::u16string_view sequence) {
-        if (sequence.size() == 1 && sequence.front() < isAsciiKept.size())
-            return isAsciiKept[sequence.front()];
-        constexpr std::size_t mostRemembered = 4096;
-        const std::u16string key(sequence);
-        if (const auto known = othersKept.find(key); known != othersKept.end())
-            return known->second;
-        if (othersKept.size() >= mostRemembered)
-            othersKept.clear();
-        return othersKept.emplace(key, isContained(sequence)).first->second;
-    }
-
     std::u16string paramString;
-    std::array<bool, 128> isAsciiKept{};
-    std::unordered_map<std::u16string, bool> othersKept; ///< bounded memory of isContained
+    SequenceMemory<bool> isKept;
 };
 
 /// The characters of the pattern come last, each once.
@@ -97,51 +76,43 @@ void KeepOnlySpecificCharactersAction::selectPattern(std::int32_t index) {
 }
 
 /// Drops what begins with a vowel, so an accented one goes only where it is decomposed.
-class RemoveVowelsAction final : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Remove vowels";
+void appendWithoutVowels(std::u16string_view fragment, std::u16string& result) {
+    constexpr std::u16string_view vowels = u"aeiouyAEIOUY";
+    forEachSequence(fragment, [&](std::u16string_view sequence) {
+        if (vowels.find(sequence.front()) == vowels.npos)
+            result += sequence;
+    });
+}
 
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"Yellow Submarine.mp3", u"llw Sbmrn.mp3"}};
-    }
-    [[nodiscard]] std::u16string explanation() const override { return u"Removes a, e, i, o, u and y."; }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        constexpr std::u16string_view vowels = u"aeiouyAEIOUY";
-        appendSequences(fragment, result, [&](std::u16string_view sequence) {
-            return vowels.find(sequence.front()) == vowels.npos;
-        });
-    }
-};
-
-class RemoveTrailingSpacesAction final : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Remove trailing spaces";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"letter  .txt", u"letter.txt"}};
-    }
-    [[nodiscard]] std::u16string explanation() const override {
-        return u"Removes blanks at the end of the name.";
-    }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        // Of blanks only, nothing is left: no last other character is npos, whose successor is 0.
-        result += fragment.substr(0, fragment.find_last_not_of(u' ') + 1);
-    }
-};
-
-constexpr ActionEntry entries[]{entryFor<KeepOnlySpecificCharactersAction>(), entryFor<RemoveVowelsAction>(),
-                                entryFor<RemoveTrailingSpacesAction>()};
+void appendWithoutTrailingSpaces(std::u16string_view fragment, std::u16string& result) {
+    // Of blanks only, nothing is left: no last other character is npos, whose successor is 0.
+    result += fragment.substr(0, fragment.find_last_not_of(u' ') + 1);
+}
 
 } // namespace
 
-std::span<const ActionEntry> characterSetActions() { return entries; }
+std::vector<ActionEntry> characterSetActions() {
+    constexpr auto category = ActionCategory::remove;
+    return {
+        {"Remove vowels",
+         "Remove vowels",
+         category,
+         newAction<PlainAction<appendWithoutVowels>>,
+         {{{}, u"Yellow Submarine.mp3", u"llw Sbmrn.mp3"}},
+         u"Removes a, e, i, o, u and y."},
+        {"Remove trailing spaces",
+         "Remove trailing spaces",
+         category,
+         newAction<PlainAction<appendWithoutTrailingSpaces>>,
+         {{{}, u"letter  .txt", u"letter.txt"}},
+         u"Removes blanks at the end of the name."},
+        {"Keep only specific characters",
+         "Keep only some characters",
+         category,
+         newAction<KeepOnlySpecificCharactersAction>,
+         {{{}, u"my photo (2)!.jpg", u"myphoto2.jpg"},
+          {{{"string", u"0123456789"}}, u"IMG_4021.JPG", u"4021.JPG"}}},
+    };
+}
 
 } // namespace tavrin

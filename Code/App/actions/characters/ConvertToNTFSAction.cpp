@@ -26,8 +26,6 @@ bool hasBlankAtAnEdge(std::u16string_view text) { return text.starts_with(u' ') 
 /// the end and the names of devices. What it has made fit, it leaves as it is.
 class ConvertToNTFSAction final : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Convert to NTFS";
-
     ConvertToNTFSAction() {
         setDefault("fragmentSelection", 0);
         addParameter(characterParameter("fillerCharacter", "Replace forbidden characters by", u"_"));
@@ -36,18 +34,12 @@ class ConvertToNTFSAction final : public BaseRenameAction {
         for (const char16_t unit : illegalCharacters)
             isIllegalAscii[unit] = true;
     }
-    [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] bool isFragmentSelectionSupported() const override { return false; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"Why? Part 1: begin.txt", u"Why_ Part 1_ begin.txt"},
-                {{{"fillerCharacter", u"-"}}, u"aux", u"aux-"}};
-    }
 
   protected:
     void prepareParameters() override;
 
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto start = result.size();
         for (const char16_t unit : fragment) {
             if (isIllegal(unit))
@@ -134,10 +126,17 @@ bool ConvertToNTFSAction::replaceLeadingSpaces(std::u16string& text, std::size_t
     return end > start;
 }
 
-constexpr ActionEntry entries[]{entryFor<ConvertToNTFSAction>()};
-
 } // namespace
 
-std::span<const ActionEntry> convertToNTFSActions() { return entries; }
+std::vector<ActionEntry> convertToNTFSActions() {
+    return {
+        {"Convert to NTFS",
+         "Windows-safe names",
+         ActionCategory::lengthAndSystems,
+         newAction<ConvertToNTFSAction>,
+         {{{}, u"Why? Part 1: begin.txt", u"Why_ Part 1_ begin.txt"},
+          {{{"fillerCharacter", u"-"}}, u"aux", u"aux-"}}},
+    };
+}
 
 } // namespace tavrin

@@ -1,11 +1,12 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
 #include "actions/PaddedNumber.h"
-#include "actions/characters/NumberTokenizer.h"
-#include "actions/characters/SequenceFilter.h"
+#include "actions/Sequences.h"
+#include "support/text/TextSearch.h"
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace tavrin {
 
@@ -24,31 +25,38 @@ std::span<const ParameterChoice> removableBlocks() {
     return choices;
 }
 
-std::optional<TextRange> findBlock(std::u16string_view fragment, std::int32_t mode) {
-    const NumberTokenizer tokenizer(fragment);
-    return mode < firstModeFromRight ? tokenizer.getNumberTokenRangeFromLeft(mode)
-                                     : tokenizer.getNumberTokenRangeFromRight(mode - firstModeFromRight);
+/// Only "0" to "9" count, no digits of other scripts.
+bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+
+/// The block of digits that a mode stands for, absent where there is none.
+std::optional<TextRange> findBlock(std::u16string_view text, std::int64_t mode) {
+    std::vector<TextRange> blocks;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto start = at;
+        while (at < text.size() && isDigit(text[at]))
+            ++at;
+        if (at > start)
+            blocks.push_back({start, at - start});
+    }
+    const auto count = static_cast<std::int64_t>(blocks.size());
+    const auto index = mode < firstModeFromRight ? mode : count - 1 - (mode - firstModeFromRight);
+    if (index < 0 || index >= count)
+        return std::nullopt;
+    return blocks[static_cast<std::size_t>(index)];
 }
 
 class RemoveNumbersAction final : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Remove numbers";
-
     RemoveNumbersAction() {
-        addParameter(choiceParameter("blockMode", "Which number", removableBlocks(), 6, 6), paramBlockMode);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"trip2 photo 0042.jpg", u"trip2 photo .jpg"},
-                {{{"blockMode", 12}}, u"a1b22c.txt", u"abc.txt"}};
+        addParameter(choiceParameter("blockMode", "Which number", removableBlocks(), 6), paramBlockMode);
     }
 
   protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         if (paramBlockMode == allDigits) {
-            appendSequences(fragment, result, [](std::u16string_view sequence) {
-                return sequence.size() > 1 || !NumberTokenizer::isDigit(sequence.front());
+            forEachSequence(fragment, [&](std::u16string_view sequence) {
+                if (sequence.size() > 1 || !isDigit(sequence.front()))
+                    result += sequence;
             });
         } else if (const auto block = findBlock(fragment, paramBlockMode)) {
             result.append(fragment, 0, block->location);
@@ -75,23 +83,15 @@ constexpr std::array<ParameterChoice, 2> operations{{{0, "Add"}, {1, "Subtract"}
 
 class ChangeNumbersAction final : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Change numbers";
-
     ChangeNumbersAction() {
-        addParameter(choiceParameter("blockMode", "Which number", occurrenceChoices(), 6, 6), paramBlockMode);
-        addParameter(choiceParameter("operationMode", "Change", operations, 0, 0), paramOperationMode);
-        addParameter(numberParameter("operand", "By", 0, 0).beside("operationMode"), paramOperand);
-        addParameter(numberParameter("padding", "Digits", 1, 1).between(0, 20), paramPadding);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"operand", 100}, {"padding", 4}}, u"IMG_0042.jpg", u"IMG_0142.jpg"},
-                {{{"operand", 1}, {"operationMode", 1}, {"padding", 2}}, u"x10.txt", u"x09.txt"}};
+        addParameter(choiceParameter("blockMode", "Which number", occurrenceChoices(), 6), paramBlockMode);
+        addParameter(choiceParameter("operationMode", "Change", operations, 0), paramOperationMode);
+        addParameter(numberParameter("operand", "By", 0).beside("operationMode"), paramOperand);
+        addParameter(numberParameter("padding", "Digits", 1).between(0, 20), paramPadding);
     }
 
   protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto block = findBlock(fragment, paramBlockMode);
         if (!block) {
             result += fragment;
@@ -117,10 +117,23 @@ class ChangeNumbersAction final : public BaseRenameAction {
     std::int32_t paramBlockMode = 6;
 };
 
-constexpr ActionEntry entries[]{entryFor<RemoveNumbersAction>(), entryFor<ChangeNumbersAction>()};
-
 } // namespace
 
-std::span<const ActionEntry> numberBlockActions() { return entries; }
+std::vector<ActionEntry> numberBlockActions() {
+    return {
+        {"Remove numbers",
+         "Remove digits",
+         ActionCategory::remove,
+         newAction<RemoveNumbersAction>,
+         {{{}, u"trip2 photo 0042.jpg", u"trip2 photo .jpg"},
+          {{{"blockMode", 12}}, u"a1b22c.txt", u"abc.txt"}}},
+        {"Change numbers",
+         "Change a number",
+         ActionCategory::number,
+         newAction<ChangeNumbersAction>,
+         {{{{"operand", 100}, {"padding", 4}}, u"IMG_0042.jpg", u"IMG_0142.jpg"},
+          {{{"operand", 1}, {"operationMode", 1}, {"padding", 2}}, u"x10.txt", u"x09.txt"}}},
+    };
+}
 
 } // namespace tavrin

@@ -10,22 +10,14 @@ namespace {
 /// Cuts a fragment to a length, at its end or at the end of what lies in front of its first dot.
 class TruncateAction : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Truncate";
-
     TruncateAction() {
-        addParameter(numberParameter("numberOfCharacters", "To characters", 8, 0).between(1, 255),
+        addParameter(numberParameter("numberOfCharacters", "To characters", 8).between(1, 255),
                      paramNumberOfCharacters);
-        addParameter(checkboxParameter("smart", "Keep the extension", 0, 0), paramSmart);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"numberOfCharacters", 7}}, u"holiday photos.jpeg", u"holiday.jpeg"},
-                {{{"smart", 1}, {"fragmentSelection", 0}}, u"longname.txt", u"long.txt"}};
+        addParameter(checkboxParameter("smart", "Keep the extension", 0), paramSmart);
     }
 
   protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const std::size_t most = static_cast<std::uint32_t>(paramNumberOfCharacters);
         if (fragment.size() <= most) { // always so for a negative number
             result += fragment;
@@ -44,45 +36,21 @@ class TruncateAction : public BaseRenameAction {
 };
 
 /// Eight units and, from the last dot on, four.
-class TruncateToDOSAction final : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Truncate to DOS";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"fragmentSelection", 0}}, u"longfilename.jpeg", u"longfile.jpe"}};
-    }
-    [[nodiscard]] std::u16string explanation() const override {
-        return u"Shortens names to 8 characters, a dot and 3 characters.";
-    }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        constexpr std::size_t mostOfBase = 8;
-        constexpr std::size_t mostOfExtension = 4;
-        const auto dot = std::min(fragment.rfind(u'.'), fragment.size());
-        result.append(fragment, 0, std::min(dot, mostOfBase)).append(fragment, dot, mostOfExtension);
-    }
-};
+void appendTruncatedToDOS(std::u16string_view fragment, std::u16string& result) {
+    constexpr std::size_t mostOfBase = 8;
+    constexpr std::size_t mostOfExtension = 4;
+    const auto dot = std::min(fragment.rfind(u'.'), fragment.size());
+    result.append(fragment, 0, std::min(dot, mostOfBase)).append(fragment, dot, mostOfExtension);
+}
 
 class ConvertToMacOS9Action final : public TruncateAction {
   public:
-    static constexpr const char* name = "Convert to Mac OS 9";
-
     ConvertToMacOS9Action() {
         setDefault("fragmentSelection", 0);
         hideParameter("numberOfCharacters");
         hideParameter("smart");
     }
-    [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] bool isFragmentSelectionSupported() const override { return false; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"minutes of the meeting in spring.txt", u"minutes of the meeting in s.txt"}};
-    }
-    [[nodiscard]] std::u16string explanation() const override {
-        return u"Shortens names to 31 characters. The extension is kept.";
-    }
 
   protected:
     void prepareParameters() override {
@@ -93,11 +61,30 @@ class ConvertToMacOS9Action final : public TruncateAction {
     }
 };
 
-constexpr ActionEntry entries[]{entryFor<TruncateAction>(), entryFor<TruncateToDOSAction>(),
-                                entryFor<ConvertToMacOS9Action>()};
-
 } // namespace
 
-std::span<const ActionEntry> truncateActions() { return entries; }
+std::vector<ActionEntry> truncateActions() {
+    constexpr auto category = ActionCategory::lengthAndSystems;
+    return {
+        {"Truncate",
+         "Shorten",
+         category,
+         newAction<TruncateAction>,
+         {{{{"numberOfCharacters", 7}}, u"holiday photos.jpeg", u"holiday.jpeg"},
+          {{{"smart", 1}, {"fragmentSelection", 0}}, u"longname.txt", u"long.txt"}}},
+        {"Truncate to DOS",
+         "8.3 names",
+         category,
+         newAction<PlainAction<appendTruncatedToDOS>>,
+         {{{{"fragmentSelection", 0}}, u"longfilename.jpeg", u"longfile.jpe"}},
+         u"Shortens names to 8 characters, a dot and 3 characters."},
+        {"Convert to Mac OS 9",
+         "Old Mac names, 31 characters",
+         category,
+         newAction<ConvertToMacOS9Action>,
+         {{{}, u"minutes of the meeting in spring.txt", u"minutes of the meeting in s.txt"}},
+         u"Shortens names to 31 characters. The extension is kept."},
+    };
+}
 
 } // namespace tavrin

@@ -1,168 +1,173 @@
 #include "actions/ActionFamilies.h"
+#include "actions/BaseRenameAction.h"
 #include "actions/PrecomposedText.h"
-#include "actions/RenameActionHelper.h"
-#include "actions/dates/RenameToDateAction.h"
-#include "support/text/Text.h"
-#include "support/text/TextSearch.h"
+#include "actions/TextPlacement.h"
+#include "actions/dates/DateFormatter.h"
+#include "platform/metadata/FileManager.h"
 
 namespace tavrin {
 
 namespace {
 
-constexpr ExampleFile exampleFile{"", "2024-06-14 07:31:05", "", "", u""};
+constexpr ParameterChoice modeChoices[]{{0, "Created"}, {1, "Modified"}, {2, "Taken (EXIF)"}, {3, "Now"}};
 
-class AddDateToFrontAction final : public RenameToDateAction {
-  public:
-    static constexpr const char* name = "Add date to front";
-
-    AddDateToFrontAction() {
-        addParameter(checkboxParameter("trailingSpace", "Space between", 1, 1), paramTrailingSpace);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"mode", 1}, {"timePatternIndex", 0}}, u"plan.txt", u"2024-06-14 plan.txt", exampleFile}};
-    }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        if (const auto text = dateText(fragment, input); text && *text != fragment)
-            result.append(*text).append(paramTrailingSpace != 0 ? u" " : u"");
-        result += fragment;
-    }
-
-  private:
-    std::int32_t paramTrailingSpace = 1;
+constexpr ParameterChoice separatorChoices[]{
+    {0, "Date first, blank between"}, {1, "Date first, nothing between"}, {2, "Date first, - between"},
+    {3, "Date first, _ between"},     {4, "Date first, / between"},       {5, "Date first, . between"},
+    {6, "Time first, blank between"}, {7, "Time first, nothing between"}, {8, "Time first, - between"},
+    {9, "Time first, _ between"},     {10, "Time first, / between"},      {11, "Time first, . between"},
 };
 
-class AddDateToEndAction final : public RenameToDateAction {
+void translate(PropertyDictionary& list, const std::string& key, const std::string& from,
+               const std::string& to) {
+    if (const auto found = list.find(key); found != list.end())
+        found->second = translateIndex(intValue(found->second), from, to);
+}
+
+/// Puts one of the dates of a file, or the present moment, into its name. Beside an existing text it works
+/// on, and returns, form C.
+class RenameToDateAction final : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Add date to end";
-
-    AddDateToEndAction() {
-        addParameter(checkboxParameter("leadingSpace", "Space between", 1, 1), paramLeadingSpace);
+    explicit RenameToDateAction(Place place) : placement(place) {
+        const auto& formatter = DateFormatter::instance();
+        addParameter(choiceParameter("mode", "Date", modeChoices, 0), paramMode);
+        addParameter(choiceParameter("datePatternIndex", "Date as", formatter.dateChoices(), 1),
+                     paramDatePatternIndex);
+        addParameter(choiceParameter("timePatternIndex", "Time as", formatter.timeChoices(), 1),
+                     paramTimePatternIndex);
+        addParameter(choiceParameter("separatorMode", "Order", separatorChoices, 0), paramSeparatorMode);
+        addParameter(checkboxParameter("uppercaseAmPm", "AM/PM in capitals", 1), paramUppercase);
+        addParameter(numberParameter("version", "Version of the patterns", 1).between(1, 1).hidden());
+        if (place == Place::start)
+            addParameter(checkboxParameter("trailingSpace", "Space between", 1), paramSpace);
+        if (place == Place::end)
+            addParameter(checkboxParameter("leadingSpace", "Space between", 1), paramSpace);
+        placement.addParametersTo(*this, "mode2");
     }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"mode", 1}, {"timePatternIndex", 0}}, u"plan.txt", u"plan 2024-06-14.txt", exampleFile}};
-    }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        result += fragment;
-        if (const auto text = dateText(fragment, input); text && *text != fragment)
-            result.append(paramLeadingSpace != 0 ? u" " : u"").append(*text);
-    }
-
-  private:
-    std::int32_t paramLeadingSpace = 1;
-};
-
-/// Like the two that follow it inserts the fragment into itself where an image has no shooting date.
-class AddDateAtPositionAction final : public RenameToDateAction {
-  public:
-    static constexpr const char* name = "Add date at position";
-
-    AddDateAtPositionAction() {
-        addParameter(numberParameter("position", "At", 0, 0).between(0, 9999).in(PanelSection::placement),
-                     paramPosition);
-        addParameter(choiceParameter("mode2", "Counted", positionModeChoices(), 0, 0).beside("position"),
-                     paramPositionMode);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"mode", 1}, {"datePatternIndex", 2}, {"timePatternIndex", 0}, {"position", 4}},
-                 u"IMG_42.jpg",
-                 u"IMG_2024061442.jpg",
-                 exampleFile}};
-    }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        RenameActionHelper::insertAtPosition(dateText(fragment, input), fragment, paramPosition,
-                                             paramPositionMode, result);
-    }
-
-  private:
-    std::int32_t paramPosition = 0;
-    std::int32_t paramPositionMode = 0;
-};
-
-/// Inserts beside an occurrence of a text. Works on, and returns, form C.
-class AddDateInFrontOfExistingTextAction : public RenameToDateAction {
-  public:
-    static constexpr const char* name = "Add date in front of existing text";
-
-    AddDateInFrontOfExistingTextAction() {
-        addParameter(textParameter("searchTerm", "Text to find"), paramSearchTerm);
-        addParameter(choiceParameter("mode2", "Which one", occurrenceChoices(), 0, 0), paramOccurrence);
-        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1, 1), paramIgnoreCase);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"mode", 1}, {"timePatternIndex", 0}, {"searchTerm", u" plan"}},
-                 u"The plan.txt",
-                 u"The2024-06-14 plan.txt",
-                 exampleFile}};
+    [[nodiscard]] bool hasLongParameterList() const override { return true; }
+    /// A list without "version" has the indexes of older tables of patterns, which are brought to those of
+    /// today. Values set by key are taken as they are.
+    void setParameterList(const PropertyDictionary& list) override {
+        auto present = cleanUpPotentiallyOldParameterList(list);
+        if (!present.contains("version")) {
+            translate(present, "datePatternIndex", "datePatterns0", "datePatterns");
+            translate(present, "timePatternIndex", "timePatterns0", "timePatterns");
+        }
+        BaseRenameAction::setParameterList(present);
     }
 
   protected:
     void prepareParameters() override {
-        RenameToDateAction::prepareParameters();
-        search =
-            TextSearch(text::precomposed(paramSearchTerm), RenameActionHelper::sensitivity(paramIgnoreCase));
+        BaseRenameAction::prepareParameters();
+        placement.prepareParameters();
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        insert(dateText(fragment, input), PrecomposedText(fragment).view(), result);
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        auto text = dateText(fragment, item());
+        if (placement.isBesideText()) {
+            placement.putIfAny(text, PrecomposedText(fragment).view(), result);
+            return;
+        }
+        const bool isAtStart = placement.where() == Place::start;
+        if (text && (isAtStart || placement.where() == Place::end)) {
+            if (*text == fragment)
+                text.reset();
+            else if (paramSpace != 0)
+                text->insert(isAtStart ? text->end() : text->begin(), u' ');
+        }
+        placement.putIfAny(text, fragment, result);
     }
-
-    virtual void insert(const std::optional<std::u16string>& text, std::u16string_view into,
-                        std::u16string& result) const {
-        RenameActionHelper::insertInFrontOfExistingText(text, into, search, paramOccurrence, result);
-    }
-
-    std::int32_t paramOccurrence = 0;
-    TextSearch search;
 
   private:
-    std::u16string paramSearchTerm;
-    std::int32_t paramIgnoreCase = 1;
-};
-
-class AddDateAfterExistingTextAction final : public AddDateInFrontOfExistingTextAction {
-  public:
-    static constexpr const char* name = "Add date after existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"mode", 1}, {"timePatternIndex", 0}, {"searchTerm", u"the "}},
-                 u"The plan.txt",
-                 u"The 2024-06-14plan.txt",
-                 exampleFile}};
+    [[nodiscard]] std::optional<double> date(const InputContext& input) const {
+        const auto& files = FileManager::instance();
+        switch (paramMode) {
+        case 0:
+            return files.fileCreationDate(input.inputPath());
+        case 1:
+            return files.fileModificationDate(input.inputPath());
+        case 2:
+            return files.fileEXIFDate(input.inputPath());
+        case 3:
+            return files.now();
+        }
+        return std::nullopt;
     }
 
-  protected:
-    void insert(const std::optional<std::u16string>& text, std::u16string_view into,
-                std::u16string& result) const override {
-        RenameActionHelper::insertAfterExistingText(text, into, search, paramOccurrence, result);
+    /// The fragment itself where the image has no shooting date, which members that insert put into itself;
+    /// absent where there is no text: the file is gone, a mode is none of the known ones.
+    [[nodiscard]] std::optional<std::u16string> dateText(std::u16string_view fragment,
+                                                         const InputContext& input) const {
+        const auto chosen = date(input);
+        if (!chosen)
+            return std::nullopt;
+        if (*chosen == FileManager::distantPast)
+            return std::u16string(fragment);
+        return DateFormatter::instance().formatDate(*chosen, paramDatePatternIndex, paramTimePatternIndex,
+                                                    paramSeparatorMode, paramUppercase != 0);
     }
+
+    std::int32_t paramDatePatternIndex = 1;
+    std::int32_t paramTimePatternIndex = 1;
+    std::int32_t paramUppercase = 1;
+    std::int32_t paramMode = 0;
+    std::int32_t paramSeparatorMode = 0;
+    std::int32_t paramSpace = 1; ///< between date and name
+    TextPlacement placement;
 };
 
-constexpr ActionEntry entries[]{
-    entryFor<RenameToDateAction>(),
-    entryFor<AddDateToFrontAction>(),
-    entryFor<AddDateToEndAction>(),
-    entryFor<AddDateAtPositionAction>(),
-    entryFor<AddDateInFrontOfExistingTextAction>(),
-    entryFor<AddDateAfterExistingTextAction>(),
-};
+constexpr ExampleFile changed{"", "2024-06-14 07:31:05", "", "", u""};
+constexpr ExampleFile taken{"", "", "photo.jpg", "a photograph taken 2024-06-14 07:31:05", u""};
 
 } // namespace
 
-std::span<const ActionEntry> dateActions() { return entries; }
+std::vector<ActionEntry> dateActions() {
+    constexpr auto category = ActionCategory::date;
+    return {
+        {"Rename to date",
+         "Date as new name",
+         category,
+         newAction<RenameToDateAction, Place::wholeName>,
+         {{{{"mode", 2}}, u"DSC_0042.jpg", u"2024-06-14 07-31-05.jpg", taken},
+          {{{"mode", 1}, {"datePatternIndex", 2}, {"timePatternIndex", 2}, {"separatorMode", 3}},
+           u"scan.pdf",
+           u"20240614_073105.pdf",
+           changed}}},
+        {"Add date to front",
+         "Add date to start",
+         category,
+         newAction<RenameToDateAction, Place::start>,
+         {{{{"mode", 1}, {"timePatternIndex", 0}}, u"plan.txt", u"2024-06-14 plan.txt", changed}}},
+        {"Add date to end",
+         "Add date to end",
+         category,
+         newAction<RenameToDateAction, Place::end>,
+         {{{{"mode", 1}, {"timePatternIndex", 0}}, u"plan.txt", u"plan 2024-06-14.txt", changed}}},
+        {"Add date at position",
+         "Insert date at position",
+         category,
+         newAction<RenameToDateAction, Place::position>,
+         {{{{"mode", 1}, {"datePatternIndex", 2}, {"timePatternIndex", 0}, {"position", 4}},
+           u"IMG_42.jpg",
+           u"IMG_2024061442.jpg",
+           changed}}},
+        {"Add date in front of existing text",
+         "Insert date before text",
+         category,
+         newAction<RenameToDateAction, Place::beforeText>,
+         {{{{"mode", 1}, {"timePatternIndex", 0}, {"searchTerm", u" plan"}},
+           u"The plan.txt",
+           u"The2024-06-14 plan.txt",
+           changed}}},
+        {"Add date after existing text",
+         "Insert date after text",
+         category,
+         newAction<RenameToDateAction, Place::afterText>,
+         {{{{"mode", 1}, {"timePatternIndex", 0}, {"searchTerm", u"the "}},
+           u"The plan.txt",
+           u"The 2024-06-14plan.txt",
+           changed}}},
+    };
+}
 
 } // namespace tavrin

@@ -31,6 +31,15 @@ std::vector<std::u16string> readTexts(const std::string& name) {
 
 } // namespace
 
+std::int32_t translateIndex(std::int32_t index, const std::string& fromPList, const std::string& toPList) {
+    const auto from = readTexts(fromPList);
+    if (index < 0 || static_cast<std::size_t>(index) >= from.size())
+        return -1;
+    const auto to = readTexts(toPList);
+    const auto found = std::find(to.begin(), to.end(), from[static_cast<std::size_t>(index)]);
+    return found == to.end() ? -1 : static_cast<std::int32_t>(found - to.begin());
+}
+
 DateFormatter::Table::Table(const std::string& patterns, const std::string& menu,
                             const CalendarNames& names) {
     for (const auto& pattern : readTexts(patterns))

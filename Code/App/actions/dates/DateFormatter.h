@@ -11,6 +11,12 @@
 
 namespace tavrin {
 
+/// Moves a stored menu index between two versions of a list: looks it up in the first property list of the
+/// resources (names without ".plist") and gives the index of the same entry in the second; -1 when there is
+/// no such entry or list.
+[[nodiscard]] std::int32_t translateIndex(std::int32_t index, const std::string& fromPList,
+                                          const std::string& toPList);
+
 /// Dates as texts, by patterns that the user chooses from two tables of the resources. Read-only once made,
 /// so safe from any thread.
 class DateFormatter {

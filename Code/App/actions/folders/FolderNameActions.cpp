@@ -1,88 +1,94 @@
 #include "actions/ActionFamilies.h"
-#include "actions/TextPlacements.h"
-#include "actions/folders/AddFolderNameAction.h"
+#include "actions/BaseRenameAction.h"
+#include "actions/TextPlacement.h"
+#include "actions/folders/PathComponents.h"
+#include "support/text/Text.h"
 
 namespace tavrin {
 
 namespace {
 
-constexpr ExampleFile photos{"/Users/me/Photos", "", "", "", u""};
-constexpr ExampleFile taxes{"/home/me/Taxes", "", "", "", u""};
+/// Puts the name of the folder which holds the item into the name.
+class AddFolderNameAction final : public BaseRenameAction {
+  public:
+    explicit AddFolderNameAction(Place place) : placement(place) {
+        addParameter(checkboxParameter("leadingSpace", "Space in front", 0), paramLeadingSpace);
+        addParameter(checkboxParameter("trailingSpace", "Space behind", 0), paramTrailingSpace);
+        placement.addParametersTo(*this);
+    }
 
-/// The members that insert put the blanks around the text once more, on purpose: two in front, two behind.
-class InsertFolderNameAction : public AddFolderNameAction {
   protected:
-    [[nodiscard]] std::optional<std::u16string_view> textToPlace(const InputContext& input) {
-        spaced = AddFolderNameAction::textToPlace(input).value_or(std::u16string_view());
-        addSpaces(spaced);
-        return spaced;
+    void prepareParameters() override {
+        BaseRenameAction::prepareParameters();
+        placement.prepareParameters();
+    }
+
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        takeFolderOf(item().inputPath());
+        addSpaces();
+        // The members that insert put the blanks around it once more, on purpose: two in front, two behind.
+        if (placement.where() != Place::start && placement.where() != Place::end)
+            addSpaces();
+        placement.put(folder, fragment, result);
     }
 
   private:
-    std::u16string spaced;
-};
-
-class AddFolderNameAtFront final : public placement::AtStart<AddFolderNameAction> {
-  public:
-    static constexpr const char* name = "Add folder name to front";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"trailingSpace", 1}}, u"a.jpg", u"Photos a.jpg", photos}};
+    /// The name of the folder, "/" in the root of the disk.
+    void takeFolderOf(const std::string& path) {
+        PathComponents components(path);
+        const auto last = components.previous();
+        const auto holder = last ? components.previous() : std::nullopt;
+        text::fromBytes(holder.value_or(std::string_view()), folder);
+        text::replaceUnit(folder, u':', u'/');
     }
-};
 
-class AddFolderNameToEnd final : public placement::AtEnd<AddFolderNameAction> {
-  public:
-    static constexpr const char* name = "Add folder name to end";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"leadingSpace", 1}}, u"a.jpg", u"a Photos.jpg", photos}};
+    void addSpaces() {
+        if (paramLeadingSpace == 1)
+            folder.insert(folder.begin(), u' ');
+        if (paramTrailingSpace == 1)
+            folder += u' ';
     }
+
+    std::int32_t paramLeadingSpace = 0;
+    std::int32_t paramTrailingSpace = 0;
+    std::u16string folder; ///< of the item in hand, with its blanks
+    TextPlacement placement;
 };
 
-class InsertFolderNameInFrontOfExistingTextAction final
-    : public placement::InFrontOfText<InsertFolderNameAction> {
-  public:
-    static constexpr const char* name = "Insert folder name in front of existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchTerm", u"-"}}, u"scan-7.pdf", u"scanTaxes-7.pdf", taxes}};
-    }
-};
-
-class InsertFolderNameAtPositionAction final : public placement::AtPosition<InsertFolderNameAction> {
-  public:
-    static constexpr const char* name = "Insert folder name at position";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"position", 5}}, u"scan-7.pdf", u"scan-Taxes7.pdf", taxes}};
-    }
-};
-
-class InsertFolderNameAfterExistingTextAction final : public placement::AfterText<InsertFolderNameAction> {
-  public:
-    static constexpr const char* name = "Insert folder name after existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchTerm", u"-"}}, u"scan-7.pdf", u"scan-Taxes7.pdf", taxes}};
-    }
-};
-
-constexpr ActionEntry entries[]{
-    entryFor<AddFolderNameAtFront>(),
-    entryFor<AddFolderNameToEnd>(),
-    entryFor<InsertFolderNameInFrontOfExistingTextAction>(),
-    entryFor<InsertFolderNameAtPositionAction>(),
-    entryFor<InsertFolderNameAfterExistingTextAction>(),
-};
+constexpr ExampleFile photos{"/Users/me/Photos", "", "", "", u""};
+constexpr ExampleFile taxes{"/home/me/Taxes", "", "", "", u""};
 
 } // namespace
 
-std::span<const ActionEntry> folderNameActions() { return entries; }
+std::vector<ActionEntry> folderNameActions() {
+    constexpr auto category = ActionCategory::folderName;
+    return {
+        {"Add folder name to front",
+         "Add folder name to start",
+         category,
+         newAction<AddFolderNameAction, Place::start>,
+         {{{{"trailingSpace", 1}}, u"a.jpg", u"Photos a.jpg", photos}}},
+        {"Add folder name to end",
+         "Add folder name to end",
+         category,
+         newAction<AddFolderNameAction, Place::end>,
+         {{{{"leadingSpace", 1}}, u"a.jpg", u"a Photos.jpg", photos}}},
+        {"Insert folder name at position",
+         "Insert folder name at position",
+         category,
+         newAction<AddFolderNameAction, Place::position>,
+         {{{{"position", 5}}, u"scan-7.pdf", u"scan-Taxes7.pdf", taxes}}},
+        {"Insert folder name in front of existing text",
+         "Insert folder name before text",
+         category,
+         newAction<AddFolderNameAction, Place::beforeText>,
+         {{{{"searchTerm", u"-"}}, u"scan-7.pdf", u"scanTaxes-7.pdf", taxes}}},
+        {"Insert folder name after existing text",
+         "Insert folder name after text",
+         category,
+         newAction<AddFolderNameAction, Place::afterText>,
+         {{{{"searchTerm", u"-"}}, u"scan-7.pdf", u"scan-Taxes7.pdf", taxes}}},
+    };
+}
 
 } // namespace tavrin

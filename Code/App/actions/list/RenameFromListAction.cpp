@@ -1,10 +1,7 @@
 #include "actions/list/RenameFromListAction.h"
 
 #include "actions/ActionFamilies.h"
-#include "actions/list/ListFile.h"
-#include "actions/list/RenameListLoader.h"
 #include "actions/list/SharedRenameLists.h"
-#include "actions/list/TabDelimitedFileListLoader.h"
 #include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
@@ -32,14 +29,7 @@ RenameFromListAction::RenameFromListAction() {
                  paramListFilePath);
     addParameter(ofKind(ParameterKind::status, textParameter("status", "Status", u"Nothing loaded."))
                      .beside("listFilePath"));
-    addParameter(checkboxParameter("ignoreCase", "Ignore case of current names", 1, 1), paramIgnoreCase);
-}
-
-std::vector<ActionExample> RenameFromListAction::examples() const {
-    const ExampleFile pairs{"", "", "", "", u"IMG_1.JPG\tHarbour\nIMG_2.JPG\tLighthouse\n"};
-    const ExampleFile names{"", "", "", "", u"Harbour.png\nLighthouse.png\n"};
-    return {{{}, u"img_1.jpg", u"Harbour.jpg", pairs},
-            {{{"fragmentSelection", 0}}, u"img_1.jpg", u"Harbour.png", names}};
+    addParameter(checkboxParameter("ignoreCase", "Ignore case of current names", 1), paramIgnoreCase);
 }
 
 void RenameFromListAction::setParameterList(const PropertyDictionary& parameters) {
@@ -133,9 +123,8 @@ std::string RenameFromListAction::summary() const {
 
 // ---- execution
 
-void RenameFromListAction::processName(std::u16string_view fragment, const InputContext& input,
-                                       OutputContext&, std::u16string& result) {
-    result += listedName(input).value_or(fragment);
+void RenameFromListAction::processName(std::u16string_view fragment, std::u16string& result) {
+    result += listedName(item()).value_or(fragment);
 }
 
 std::optional<std::u16string_view> RenameFromListAction::listedName(const InputContext& input) {
@@ -156,12 +145,17 @@ std::optional<std::u16string_view> RenameFromListAction::listedName(const InputC
     return found;
 }
 
-namespace {
-
-constexpr ActionEntry entries[]{entryFor<RenameFromListAction>()};
-
-} // namespace
-
-std::span<const ActionEntry> renameFromListActions() { return entries; }
+std::vector<ActionEntry> renameFromListActions() {
+    const ExampleFile pairs{"", "", "", "", u"IMG_1.JPG\tHarbour\nIMG_2.JPG\tLighthouse\n"};
+    const ExampleFile names{"", "", "", "", u"Harbour.png\nLighthouse.png\n"};
+    return {
+        {"Rename from list",
+         "New names from a list",
+         ActionCategory::listFile,
+         newAction<RenameFromListAction>,
+         {{{}, u"img_1.jpg", u"Harbour.jpg", pairs},
+          {{{"fragmentSelection", 0}}, u"img_1.jpg", u"Harbour.png", names}}},
+    };
+}
 
 } // namespace tavrin

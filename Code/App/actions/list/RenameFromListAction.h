@@ -1,7 +1,6 @@
 #pragma once
 
 #include "actions/SortBasedAction.h"
-#include "actions/list/ListField.h"
 #include "actions/list/RenameList.h"
 
 #include <memory>
@@ -14,14 +13,10 @@ namespace tavrin {
 /// parameter `status` what came of it.
 class RenameFromListAction final : public SortBasedAction {
   public:
-    static constexpr const char* name = "Rename from list";
-
     RenameFromListAction();
 
-    [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic32"; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override;
 
     /// As in the base, then loads the file of the parameters.
     void setParameterList(const PropertyDictionary& list) override;
@@ -36,8 +31,7 @@ class RenameFromListAction final : public SortBasedAction {
 
   protected:
     void prepareParameters() override;
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                     std::u16string& result) override;
+    void processName(std::u16string_view fragment, std::u16string& result) override;
 
   private:
     enum class Freshness { mayBeShared, fromFile };

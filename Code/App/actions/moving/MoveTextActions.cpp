@@ -1,34 +1,44 @@
 #include "actions/ActionFamilies.h"
-#include "actions/moving/ContentBasedAction.h"
-#include "actions/moving/InsertionStrategies.h"
+#include "actions/BaseRenameAction.h"
+#include "actions/TextPlacement.h"
 #include "support/text/TextSearch.h"
 
 namespace tavrin {
 
 namespace {
 
-/// Cuts the first occurrence of a text out of the name, in the spelling that it has there.
-class MoveTextContentStrategy final : public ContentStrategy {
+/// Moves the first occurrence of a text to another place, in the spelling that it has in the name.
+class MoveTextAction final : public BaseRenameAction {
   public:
-    void addParametersTo(ContentBasedAction& action) override {
-        action.addParameter(textParameter("text", "Text to move"), text);
-        action.addParameter(checkboxParameter("ignoreCase", "Ignore case", 1, 1), ignoreCase);
+    explicit MoveTextAction(Place place) : placement(place) {
+        addParameter(textParameter("text", "Text to move"), text);
+        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1), ignoreCase);
+        placement.addParametersTo(*this, "mode", "ignoreCaseOfInsertionStrategy");
     }
 
+  protected:
     void prepareParameters() override {
+        BaseRenameAction::prepareParameters();
+        placement.prepareParameters();
         search =
             TextSearch(text, ignoreCase != 0 ? CaseSensitivity::insensitive : CaseSensitivity::sensitive);
     }
 
-    [[nodiscard]] std::optional<std::u16string_view> processName(std::u16string_view name,
-                                                                 StrategyContext& context) override {
-        const auto match = search.first(name);
-        if (!match)
-            return std::nullopt;
-        rest.assign(name, 0, match->location).append(name, match->end());
-        context.textAsFound = name.substr(match->location, match->length);
-        context.nameMinusText = rest;
-        return rest;
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        const auto match = search.first(fragment);
+        if (!match) {
+            result += fragment;
+            return;
+        }
+        const auto start = result.size();
+        rest.assign(fragment, 0, match->location).append(fragment, match->end());
+        placement.put(fragment.substr(match->location, match->length), rest, result);
+        // A move keeps the length of the name. Another length means that there is no such place and that the
+        // text would get lost; with a position that is what is asked for.
+        if (placement.isBesideText() && result.size() - start != fragment.size()) {
+            result.resize(start);
+            result += fragment;
+        }
     }
 
   private:
@@ -36,100 +46,40 @@ class MoveTextContentStrategy final : public ContentStrategy {
     std::int32_t ignoreCase = 1;
     TextSearch search;
     std::u16string rest; ///< the name in hand without the text
-};
-
-class MoveTextAction : public ContentBasedAction {
-  protected:
-    explicit MoveTextAction(std::unique_ptr<InsertionStrategy> insertion)
-        : ContentBasedAction(std::make_unique<MoveTextContentStrategy>(),
-                             std::make_unique<TranspositionInsertionStrategyAdapter>(std::move(insertion))) {}
-};
-
-class MoveTextToFrontAction final : public MoveTextAction {
-  public:
-    static constexpr const char* name = "Move text to front";
-
-    MoveTextToFrontAction() : MoveTextAction(std::make_unique<AddAtFrontInsertionStrategy>()) {}
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"text", u"2024-"}}, u"report 2024-06.txt", u"2024-report 06.txt"}};
-    }
-};
-
-class MoveTextToEndAction final : public MoveTextAction {
-  public:
-    static constexpr const char* name = "Move text to end";
-
-    MoveTextToEndAction() : MoveTextAction(std::make_unique<AddToEndInsertionStrategy>()) {}
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"text", u"draft"}}, u"Draft plan.txt", u" planDraft.txt"}};
-    }
-};
-
-class MoveTextToPositionAction final : public MoveTextAction {
-  public:
-    static constexpr const char* name = "Move text to position";
-
-    MoveTextToPositionAction() : MoveTextAction(std::make_unique<PositionInsertionStrategy>()) {}
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"text", u"-b"}, {"position", 1}}, u"ac-b.txt", u"a-bc.txt"}};
-    }
-};
-
-constexpr const char* ignoreCaseOfPlace = "ignoreCaseOfInsertionStrategy";
-
-/// A move keeps the length of the name. Another length means that the place was not found and that the moved
-/// text would get lost: then the name stays.
-class MoveBesideTextAction : public MoveTextAction {
-  protected:
-    using MoveTextAction::MoveTextAction;
-
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                     std::u16string& result) override {
-        const auto start = result.size();
-        MoveTextAction::processName(fragment, input, output, result);
-        if (result.size() - start != fragment.size()) {
-            result.resize(start);
-            result += fragment;
-        }
-    }
-};
-
-class MoveTextInFrontOfExistingTextAction final : public MoveBesideTextAction {
-  public:
-    static constexpr const char* name = "Move text in front of existing text";
-
-    MoveTextInFrontOfExistingTextAction()
-        : MoveBesideTextAction(std::make_unique<InFrontOfExistingTextInsertionStrategy>(ignoreCaseOfPlace)) {}
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {
-            {{{"text", u"2024 "}, {"searchTerm", u"plan"}}, u"the plan 2024 x.txt", u"the 2024 plan x.txt"}};
-    }
-};
-
-class MoveTextAfterExistingTextAction final : public MoveBesideTextAction {
-  public:
-    static constexpr const char* name = "Move text after existing text";
-
-    MoveTextAfterExistingTextAction()
-        : MoveBesideTextAction(std::make_unique<AfterExistingTextInsertionStrategy>(ignoreCaseOfPlace)) {}
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"text", u"2024 "}, {"searchTerm", u"plan "}}, u"2024 plan x.txt", u"plan 2024 x.txt"}};
-    }
-};
-
-constexpr ActionEntry entries[]{
-    entryFor<MoveTextToFrontAction>(),           entryFor<MoveTextToEndAction>(),
-    entryFor<MoveTextToPositionAction>(),        entryFor<MoveTextInFrontOfExistingTextAction>(),
-    entryFor<MoveTextAfterExistingTextAction>(),
+    TextPlacement placement;
 };
 
 } // namespace
 
-std::span<const ActionEntry> moveTextActions() { return entries; }
+std::vector<ActionEntry> moveTextActions() {
+    constexpr auto category = ActionCategory::move;
+    return {
+        {"Move text to front",
+         "Move text to start",
+         category,
+         newAction<MoveTextAction, Place::start>,
+         {{{{"text", u"2024-"}}, u"report 2024-06.txt", u"2024-report 06.txt"}}},
+        {"Move text to end",
+         "Move text to end",
+         category,
+         newAction<MoveTextAction, Place::end>,
+         {{{{"text", u"draft"}}, u"Draft plan.txt", u" planDraft.txt"}}},
+        {"Move text to position",
+         "Move text to position",
+         category,
+         newAction<MoveTextAction, Place::position>,
+         {{{{"text", u"-b"}, {"position", 1}}, u"ac-b.txt", u"a-bc.txt"}}},
+        {"Move text in front of existing text",
+         "Move text before text",
+         category,
+         newAction<MoveTextAction, Place::beforeText>,
+         {{{{"text", u"2024 "}, {"searchTerm", u"plan"}}, u"the plan 2024 x.txt", u"the 2024 plan x.txt"}}},
+        {"Move text after existing text",
+         "Move text after text",
+         category,
+         newAction<MoveTextAction, Place::afterText>,
+         {{{{"text", u"2024 "}, {"searchTerm", u"plan "}}, u"2024 plan x.txt", u"plan 2024 x.txt"}}},
+    };
+}
 
 } // namespace tavrin

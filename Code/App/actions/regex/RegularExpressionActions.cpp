@@ -20,7 +20,7 @@ class ExpressionAction : public BaseRenameAction {
     explicit ExpressionAction(std::string_view labelOfReplacement) {
         addParameter(textParameter("searchPattern", "Pattern"), paramSearchPattern);
         addParameter(textParameter("replacementTerm", labelOfReplacement), paramReplacementTerm);
-        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1, 1), paramIgnoreCase);
+        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1), paramIgnoreCase);
     }
 
     void prepareParameters() override {
@@ -70,19 +70,8 @@ bool replaceEverywhere(std::u16string& text, std::u16string_view part, std::u16s
 /// Builds the whole new fragment out of a template with the groups of the first match.
 class RegExAction final : public ExpressionAction {
   public:
-    static constexpr const char* name = "Reg Ex Substitution";
-
     RegExAction() : ExpressionAction("New name") {}
-    [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic61"; }
-    [[nodiscard]] std::u16string explanation() const override {
-        return u"$1 to $8 stand for groups; text outside the match is dropped. The list shows groups 1 to 6.";
-    }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchPattern", u"(\\d+)-(\\d+)"}, {"replacementTerm", u"$2_$1"}},
-                 u"x12-34y.txt",
-                 u"34_12.txt"}};
-    }
 
   protected:
     void prepareParameters() override {
@@ -98,11 +87,10 @@ class RegExAction final : public ExpressionAction {
         }
     }
 
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext& output,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const PrecomposedText composed(fragment);
         const auto groups = expression.captureComponentsMatched(composed.view());
-        publish(groups, output);
+        publish(groups, answer());
         logFailureIfAny();
         if (!groups.empty() && !groups[0].empty() && fillTemplate(groups) && !filled.empty())
             result += filled;
@@ -140,23 +128,11 @@ class RegExAction final : public ExpressionAction {
 /// Replaces all matches in place; never gives an empty fragment.
 class RegExReplacementAction final : public ExpressionAction {
   public:
-    static constexpr const char* name = "Reg Ex Replacement";
-
     RegExReplacementAction() : ExpressionAction("Replace with") {}
-    [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic60"; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchPattern", u"[ _]+"}, {"replacementTerm", u"-"}},
-                 u"my holiday__photo.jpg",
-                 u"my-holiday-photo.jpg"},
-                {{{"searchPattern", u"(\\d{4})(\\d\\d)"}, {"replacementTerm", u"$2.$1"}},
-                 u"scan 202406.pdf",
-                 u"scan 06.2024.pdf"}};
-    }
 
   protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto start = result.size();
         const PrecomposedText composed(fragment);
         if (!expression.replaceOccurrences(composed.view(), replacement, result)) {
@@ -168,10 +144,30 @@ class RegExReplacementAction final : public ExpressionAction {
     }
 };
 
-constexpr ActionEntry entries[]{entryFor<RegExAction>(), entryFor<RegExReplacementAction>()};
-
 } // namespace
 
-std::span<const ActionEntry> regularExpressionActions() { return entries; }
+std::vector<ActionEntry> regularExpressionActions() {
+    constexpr auto category = ActionCategory::replace;
+    return {
+        {"Reg Ex Replacement",
+         "Regular expression: replace matches",
+         category,
+         newAction<RegExReplacementAction>,
+         {{{{"searchPattern", u"[ _]+"}, {"replacementTerm", u"-"}},
+           u"my holiday__photo.jpg",
+           u"my-holiday-photo.jpg"},
+          {{{"searchPattern", u"(\\d{4})(\\d\\d)"}, {"replacementTerm", u"$2.$1"}},
+           u"scan 202406.pdf",
+           u"scan 06.2024.pdf"}}},
+        {"Reg Ex Substitution",
+         "Regular expression: build new name",
+         category,
+         newAction<RegExAction>,
+         {{{{"searchPattern", u"(\\d+)-(\\d+)"}, {"replacementTerm", u"$2_$1"}},
+           u"x12-34y.txt",
+           u"34_12.txt"}},
+         u"$1 to $8 stand for groups; text outside the match is dropped. The list shows groups 1 to 6."},
+    };
+}
 
 } // namespace tavrin

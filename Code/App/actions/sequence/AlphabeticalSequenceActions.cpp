@@ -1,90 +1,131 @@
 #include "actions/ActionFamilies.h"
-#include "actions/TextPlacements.h"
-#include "actions/sequence/AlphabeticalListBasedAction.h"
+#include "actions/sequence/SequenceAction.h"
+#include "support/text/Text.h"
+
+#include <algorithm>
 
 namespace tavrin {
 
 namespace {
 
-class ProduceAlphabeticalListAction final : public placement::WholeName<AlphabeticalListBasedAction> {
+constexpr std::int64_t base = 26;
+constexpr std::int32_t widest = 1024;
+constexpr std::size_t longestStartValue = 6;
+
+/// Small letters count as capitals, other characters as "A" or "Z"; an empty text is 0.
+std::int64_t uAlphaToNum(std::u16string_view letters) {
+    std::uint64_t value = 0;
+    for (const char16_t unit : text::uppercased(letters))
+        value = value * base + static_cast<std::uint64_t>(std::clamp(unit - u'A', 0, 25));
+    return static_cast<std::int64_t>(value);
+}
+
+/// Puts in the letters of a value, with "A"s on the left up to the width; "A" for negative ones.
+void uNumToAlpha(std::int64_t value, std::size_t width, std::u16string& letters) {
+    letters.clear();
+    value = std::max<std::int64_t>(value, 0);
+    do {
+        letters += static_cast<char16_t>(u'A' + value % base);
+        value /= base;
+    } while (value > 0);
+    letters.resize(std::max(letters.size(), width), u'A');
+    std::reverse(letters.begin(), letters.end());
+}
+
+/// Gives an item letters by its place in the run: numbers with base 26 whose digit zero is "A", so that "BA"
+/// follows "Z". The arithmetic wraps round at 64 bits.
+class AlphabeticalListBasedAction final : public SequenceAction {
   public:
-    static constexpr const char* name = "Produce alphabetical list";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"prefix", u"Appendix "}, {"startValue", u"C"}}, u"tables.pdf", u"Appendix C.pdf"}};
+    explicit AlphabeticalListBasedAction(Place place) : SequenceAction(place) {
+        addParameter(textParameter("startValue", "Start at", u"A"), paramStartValue);
+        addParameter(numberParameter("stepValue", "Step", 1), paramStepValue);
+        addParameter(numberParameter("padding", "Letters", 1).between(0, 20), paramPadding);
+        addPlacementParameters();
     }
-};
-
-class AddAlphabeticalSequenceToStartAction final : public placement::AtStart<AlphabeticalListBasedAction> {
-  public:
-    static constexpr const char* name = "Add alphabetical sequence to start";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"padding", 2}}, u" plan.txt", u"AA plan.txt"}};
+    [[nodiscard]] std::vector<std::u16string> firstValues() const override {
+        std::vector<std::u16string> values(3);
+        for (std::size_t i = 0; i < values.size(); ++i)
+            setLettersAfter(static_cast<std::int64_t>(i), values[i]);
+        return values;
     }
-};
-
-class AddAlphabeticalSequenceToEndAction final : public placement::AtEnd<AlphabeticalListBasedAction> {
-  public:
-    static constexpr const char* name = "Add alphabetical sequence to end";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"startValue", u"BA"}}, u"plan-.txt", u"plan-BA.txt"}};
+    /// A start value comes back in its normal form: capital letters, of the first six code units, without
+    /// leading "A"s.
+    [[nodiscard]] PropertyValue validatedValue(const PropertyValue& value,
+                                               std::string_view key) const override {
+        return key == "startValue" ? validateStartValue(textValue(value))
+                                   : SequenceAction::validatedValue(value, key);
     }
-};
 
-class InsertAlphabeticalSequenceAtPositionAction final
-    : public placement::AtPosition<AlphabeticalListBasedAction> {
-  public:
-    static constexpr const char* name = "Insert alphabetical sequence at position";
-
-    InsertAlphabeticalSequenceAtPositionAction() {
-        // Kept for stored lists, which have them.
-        addParameter(textParameter("prefix", "Not used").hidden());
-        addParameter(textParameter("suffix", "Not used").hidden());
+  protected:
+    void prepareParameters() override {
+        SequenceAction::prepareParameters();
+        paramPadding = std::clamp(paramPadding, 0, widest);
+        startNumber = uAlphaToNum(paramStartValue);
     }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"position", 2}}, u"12 plan.txt", u"12A plan.txt"}};
+
+    [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {
+        setLettersAfter(std::int64_t{getSortIndex(input)} - 1, formatted);
+        return &formatted;
     }
-};
 
-class InsertAlphabeticalSequenceInFrontOfExistingTextAction final
-    : public placement::OnPrecomposedName<placement::InFrontOfText<AlphabeticalListBasedAction>> {
-  public:
-    static constexpr const char* name = "Insert alphabetical sequence in front of existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchTerm", u" plan"}}, u"12 plan.txt", u"12A plan.txt"}};
+  private:
+    /// Puts in the letters of the item that comes after so many others.
+    void setLettersAfter(std::int64_t steps, std::u16string& letters) const {
+        const std::int64_t distance = steps * paramStepValue;
+        const auto sum = static_cast<std::uint64_t>(startNumber) + static_cast<std::uint64_t>(distance);
+        uNumToAlpha(static_cast<std::int64_t>(sum), static_cast<std::size_t>(paramPadding), letters);
     }
-};
 
-class InsertAlphabeticalSequenceAfterExistingTextAction final
-    : public placement::OnPrecomposedName<placement::AfterText<AlphabeticalListBasedAction>> {
-  public:
-    static constexpr const char* name = "Insert alphabetical sequence after existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchTerm", u"Plan"}}, u"plan 12.txt", u"planA 12.txt"}};
+    /// Checks the start value before it is stored.
+    [[nodiscard]] static std::u16string validateStartValue(std::u16string_view proposed) {
+        std::u16string letters;
+        uNumToAlpha(uAlphaToNum(text::uppercased(proposed).substr(0, longestStartValue)), 0, letters);
+        return letters;
     }
-};
 
-constexpr ActionEntry entries[]{
-    entryFor<ProduceAlphabeticalListAction>(),
-    entryFor<AddAlphabeticalSequenceToStartAction>(),
-    entryFor<AddAlphabeticalSequenceToEndAction>(),
-    entryFor<InsertAlphabeticalSequenceAtPositionAction>(),
-    entryFor<InsertAlphabeticalSequenceInFrontOfExistingTextAction>(),
-    entryFor<InsertAlphabeticalSequenceAfterExistingTextAction>(),
+    std::u16string paramStartValue;
+    std::int32_t paramStepValue = 0;
+    std::int32_t paramPadding = 0;
+    std::int64_t startNumber = 0; ///< what `paramStartValue` stands for
+    std::u16string formatted;
 };
 
 } // namespace
 
-std::span<const ActionEntry> alphabeticalSequenceActions() { return entries; }
+std::vector<ActionEntry> alphabeticalSequenceActions() {
+    constexpr auto category = ActionCategory::letters;
+    return {
+        {"Produce alphabetical list",
+         "Letters as new name",
+         category,
+         newAction<AlphabeticalListBasedAction, Place::wholeName>,
+         {{{{"prefix", u"Appendix "}, {"startValue", u"C"}}, u"tables.pdf", u"Appendix C.pdf"}}},
+        {"Add alphabetical sequence to start",
+         "Add letters to start",
+         category,
+         newAction<AlphabeticalListBasedAction, Place::start>,
+         {{{{"padding", 2}}, u" plan.txt", u"AA plan.txt"}}},
+        {"Add alphabetical sequence to end",
+         "Add letters to end",
+         category,
+         newAction<AlphabeticalListBasedAction, Place::end>,
+         {{{{"startValue", u"BA"}}, u"plan-.txt", u"plan-BA.txt"}}},
+        {"Insert alphabetical sequence at position",
+         "Insert letters at position",
+         category,
+         newAction<AlphabeticalListBasedAction, Place::position>,
+         {{{{"position", 2}}, u"12 plan.txt", u"12A plan.txt"}}},
+        {"Insert alphabetical sequence in front of existing text",
+         "Insert letters before text",
+         category,
+         newAction<AlphabeticalListBasedAction, Place::beforeText>,
+         {{{{"searchTerm", u" plan"}}, u"12 plan.txt", u"12A plan.txt"}}},
+        {"Insert alphabetical sequence after existing text",
+         "Insert letters after text",
+         category,
+         newAction<AlphabeticalListBasedAction, Place::afterText>,
+         {{{{"searchTerm", u"Plan"}}, u"plan 12.txt", u"planA 12.txt"}}},
+    };
+}
 
 } // namespace tavrin

@@ -1,92 +1,181 @@
 #include "actions/ActionFamilies.h"
-#include "actions/TextPlacements.h"
-#include "actions/sequence/SortNumberBasedAction.h"
+#include "actions/PaddedNumber.h"
+#include "actions/sequence/SequenceAction.h"
+
+#include <array>
+#include <utility>
 
 namespace tavrin {
 
 namespace {
 
-class ProduceNumberedListAction final : public placement::WholeName<SortNumberBasedAction> {
+/// Gives an item a number by its place in the run, with zeros on the left up to the padding, the sign within
+/// it, or blanks on the right for a negative padding. The arithmetic wraps round at 32 bits.
+class SortNumberBasedAction : public SequenceAction {
   public:
-    static constexpr const char* name = "Produce numbered list";
-
-    ProduceNumberedListAction() { setDefault("prefix", u"Image_"); }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {
-            {{}, u"DSC_0042.jpg", u"Image_01.jpg"},
-            {{{"prefix", u"Trip "}, {"padding", 3}, {"startValue", 10}}, u"DSC_0042.jpg", u"Trip 010.jpg"}};
+    explicit SortNumberBasedAction(Place place) : SequenceAction(place) {
+        addParameter(numberParameter("startValue", "Start at", 1), paramStartValue);
+        addParameter(numberParameter("stepValue", "Step", 1), paramStepValue);
+        addParameter(numberParameter("padding", "Digits", 2).between(0, 20), paramPadding);
+        addPlacementParameters(u"Image_");
     }
+    [[nodiscard]] std::vector<std::u16string> firstValues() const override {
+        std::vector<std::u16string> values(3);
+        for (std::uint32_t i = 0; i < values.size(); ++i)
+            appendPaddedNumber(valueAfter(i), paramPadding, values[i]);
+        return values;
+    }
+
+  protected:
+    [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {
+        formatted.clear();
+        appendPaddedNumber(value(input), paramPadding, formatted);
+        return &formatted;
+    }
+
+    /// The number of the item.
+    [[nodiscard]] std::int32_t value(const InputContext& input) const {
+        return valueAfter(static_cast<std::uint32_t>(getSortIndex(input)) - 1U);
+    }
+    std::u16string formatted;
+
+  private:
+    /// The number of the item that comes after so many others.
+    [[nodiscard]] std::int32_t valueAfter(std::uint32_t steps) const {
+        return static_cast<std::int32_t>(steps * static_cast<std::uint32_t>(paramStepValue) +
+                                         static_cast<std::uint32_t>(paramStartValue));
+    }
+
+    std::int32_t paramStartValue = 1;
+    std::int32_t paramStepValue = 1;
+    std::int32_t paramPadding = 1;
 };
 
-class AddNumberToStartAction final : public placement::AtStart<SortNumberBasedAction> {
+constexpr std::int32_t largestRomanNumeral = 4000;
+
+constexpr std::array<std::pair<std::int32_t, std::u16string_view>, 13> romanNumerals{{
+    {1000, u"M"},
+    {900, u"CM"},
+    {500, u"D"},
+    {400, u"CD"},
+    {100, u"C"},
+    {90, u"XC"},
+    {50, u"L"},
+    {40, u"XL"},
+    {10, u"X"},
+    {9, u"IX"},
+    {5, u"V"},
+    {4, u"IV"},
+    {1, u"I"},
+}};
+
+/// The same in roman numerals: none from 4001 on, empty for zero and negative numbers.
+class RomanNumeralBasedAction final : public SortNumberBasedAction {
   public:
-    static constexpr const char* name = "Add number to start";
+    explicit RomanNumeralBasedAction(Place place) : SortNumberBasedAction(place) {
+        addParameter(numberParameter("padding", "Not used", 2).hidden());
+    }
+    [[nodiscard]] std::vector<std::u16string> firstValues() const override { return {}; }
 
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"padding", 3}}, u"photo.jpg", u"001photo.jpg"}};
+  protected:
+    [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {
+        return romanNumeral(value(input));
+    }
+
+  private:
+    const std::u16string* romanNumeral(std::int32_t number) {
+        if (number > largestRomanNumeral)
+            return nullptr;
+        formatted.clear();
+        for (const auto& [value, text] : romanNumerals)
+            for (; number >= value; number -= value)
+                formatted += text;
+        return &formatted;
     }
 };
 
-class AddNumberToEndAction final : public placement::AtEnd<SortNumberBasedAction> {
-  public:
-    static constexpr const char* name = "Add number to end";
+std::vector<ActionEntry> arabicNumberActions() {
+    constexpr auto category = ActionCategory::number;
+    return {
+        {"Produce numbered list",
+         "Number as new name",
+         category,
+         newAction<SortNumberBasedAction, Place::wholeName>,
+         {{{}, u"DSC_0042.jpg", u"Image_01.jpg"},
+          {{{"prefix", u"Trip "}, {"padding", 3}, {"startValue", 10}}, u"DSC_0042.jpg", u"Trip 010.jpg"}}},
+        {"Add number to start",
+         "Add number to start",
+         category,
+         newAction<SortNumberBasedAction, Place::start>,
+         {{{{"padding", 3}}, u"photo.jpg", u"001photo.jpg"}}},
+        {"Add number to end",
+         "Add number to end",
+         category,
+         newAction<SortNumberBasedAction, Place::end>,
+         {{{}, u"photo.jpg", u"photo01.jpg"}}},
+        {"Insert number at position",
+         "Insert number at position",
+         category,
+         newAction<SortNumberBasedAction, Place::position>,
+         {{{{"position", 4}}, u"scan page.pdf", u"scan01 page.pdf"}}},
+        {"Insert number in front of existing text",
+         "Insert number before text",
+         category,
+         newAction<SortNumberBasedAction, Place::beforeText>,
+         {{{{"searchTerm", u" of"}}, u"page of report.pdf", u"page01 of report.pdf"}}},
+        {"Insert number after existing text",
+         "Insert number after text",
+         category,
+         newAction<SortNumberBasedAction, Place::afterText>,
+         {{{{"searchTerm", u"Page "}}, u"page of report.pdf", u"page 01of report.pdf"}}},
+    };
+}
 
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"photo.jpg", u"photo01.jpg"}};
-    }
-};
-
-class InsertNumberAtPositionAction final : public placement::AtPosition<SortNumberBasedAction> {
-  public:
-    static constexpr const char* name = "Insert number at position";
-
-    InsertNumberAtPositionAction() {
-        // Kept for stored lists, which have them.
-        addParameter(textParameter("prefix", "Not used").hidden());
-        addParameter(textParameter("suffix", "Not used").hidden());
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"position", 4}}, u"scan page.pdf", u"scan01 page.pdf"}};
-    }
-};
-
-class InsertNumberInFrontOfExistingTextAction final
-    : public placement::OnPrecomposedName<placement::InFrontOfText<SortNumberBasedAction>> {
-  public:
-    static constexpr const char* name = "Insert number in front of existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchTerm", u" of"}}, u"page of report.pdf", u"page01 of report.pdf"}};
-    }
-};
-
-class InsertNumberAfterExistingTextAction final
-    : public placement::OnPrecomposedName<placement::AfterText<SortNumberBasedAction>> {
-  public:
-    static constexpr const char* name = "Insert number after existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchTerm", u"Page "}}, u"page of report.pdf", u"page 01of report.pdf"}};
-    }
-};
-
-constexpr ActionEntry entries[]{
-    entryFor<ProduceNumberedListAction>(),
-    entryFor<AddNumberToStartAction>(),
-    entryFor<AddNumberToEndAction>(),
-    entryFor<InsertNumberAtPositionAction>(),
-    entryFor<InsertNumberInFrontOfExistingTextAction>(),
-    entryFor<InsertNumberAfterExistingTextAction>(),
-};
+std::vector<ActionEntry> romanNumeralActions() {
+    constexpr auto category = ActionCategory::romanNumerals;
+    return {
+        {"Produce roman numeral list",
+         "Roman numeral as new name",
+         category,
+         newAction<RomanNumeralBasedAction, Place::wholeName>,
+         {{{{"prefix", u"Chapter "}, {"startValue", 14}}, u"draft.txt", u"Chapter XIV.txt"}}},
+        {"Add roman numeral to start",
+         "Add roman numeral to start",
+         category,
+         newAction<RomanNumeralBasedAction, Place::start>,
+         {{{{"startValue", 4}}, u" Allegro.flac", u"IV Allegro.flac"}}},
+        {"Add roman numeral to end",
+         "Add roman numeral to end",
+         category,
+         newAction<RomanNumeralBasedAction, Place::end>,
+         {{{{"startValue", 2}}, u"Part .txt", u"Part II.txt"}}},
+        {"Insert roman numeral at position",
+         "Insert roman numeral at position",
+         category,
+         newAction<RomanNumeralBasedAction, Place::position>,
+         {{{{"position", 4}, {"startValue", 9}}, u"act - end.txt", u"act IX- end.txt"}}},
+        {"Insert roman numeral in front of existing text",
+         "Insert roman numeral before text",
+         category,
+         newAction<RomanNumeralBasedAction, Place::beforeText>,
+         {{{{"searchTerm", u". "}, {"startValue", 3}}, u"Act. The end.txt", u"ActIII. The end.txt"}}},
+        {"Insert roman numeral after existing text",
+         "Insert roman numeral after text",
+         category,
+         newAction<RomanNumeralBasedAction, Place::afterText>,
+         {{{{"searchTerm", u"Louis "}, {"startValue", 14}},
+           u"Louis of France.txt",
+           u"Louis XIVof France.txt"}}},
+    };
+}
 
 } // namespace
 
-std::span<const ActionEntry> numberActions() { return entries; }
+std::vector<ActionEntry> numberActions() {
+    auto all = arabicNumberActions();
+    for (auto& entry : romanNumeralActions())
+        all.push_back(std::move(entry));
+    return all;
+}
 
 } // namespace tavrin

@@ -1,6 +1,8 @@
 #include "actions/ActionFamilies.h"
+#include "actions/BaseRenameAction.h"
+#include "actions/PrecomposedText.h"
+#include "actions/TextPlacement.h"
 #include "actions/tags/MP3Patterns.h"
-#include "actions/tags/TextOfFile.h"
 #include "platform/metadata/FileManager.h"
 
 #include <algorithm>
@@ -47,15 +49,15 @@ constexpr std::array<std::string_view, patternSets.size()> patternSetNames{
 
 /// Makes a text of the first pattern for which a piece of music has all values. The tool is asked for each
 /// name.
-class MP3Action : public BaseRenameAction {
+class MP3Action final : public BaseRenameAction {
   public:
-    MP3Action() {
+    explicit MP3Action(Place place) : placement(place) {
         for (std::size_t i = 0; i < patternCount; ++i)
             addParameter(textParameter(patternParameters[i].key, patternParameters[i].label,
                                        patternParameters[i].whenNew),
                          paramPatterns[i]);
+        placement.addParametersTo(*this);
     }
-    [[nodiscard]] std::string actionName() const override { return "MP3 rename"; }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
     [[nodiscard]] bool usesMiniButtons() const override { return true; }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic41"; }
@@ -74,122 +76,84 @@ class MP3Action : public BaseRenameAction {
     }
 
   protected:
-    static constexpr ExampleFile song{"", "", "song.mp3",
-                                      "a song of Ann, \"Blue Hour\", track 3 of 12 of \"Best\"", u""};
-
-    /// None for a file without metadata; the name itself where no pattern fits.
-    void takeText(std::u16string_view fragment, const InputContext& input, OutputContext& output) {
-        const std::optional<FileMetadata> metadata = FileManager::instance().mp3TagsFor(input.inputPath());
-        textInHand.reset();
-        if (!metadata || metadata->tags.empty()) {
-            output.failure = metadata ? metadata->failure : "";
-            return;
-        }
-        const PropertyDictionary& tags = metadata->tags;
-        const auto pattern = std::ranges::find_if(paramPatterns, [&](const std::u16string& each) {
-            return MP3Patterns::allDataForPattern(each, tags);
-        });
-        textInHand =
-            pattern == paramPatterns.end() ? std::u16string(fragment) : MP3Patterns::filled(*pattern, tags);
+    void prepareParameters() override {
+        BaseRenameAction::prepareParameters();
+        placement.prepareParameters();
     }
-    [[nodiscard]] std::optional<std::u16string_view> textToPlace(const InputContext&) const {
-        return textInHand;
+
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        const PrecomposedText composed(placement.isBesideText() ? fragment : u"");
+        const bool readsComposed = placement.where() == Place::beforeText;
+        const auto text = textFor(readsComposed ? composed.view() : fragment);
+        placement.putIfAny(text, text && placement.isBesideText() ? composed.view() : fragment, result);
     }
 
   private:
+    /// None for a file without metadata; the name itself where no pattern fits.
+    [[nodiscard]] std::optional<std::u16string> textFor(std::u16string_view name) const {
+        const std::optional<FileMetadata> metadata = FileManager::instance().mp3TagsFor(item().inputPath());
+        if (!metadata || metadata->tags.empty()) {
+            answer().failure = metadata ? metadata->failure : "";
+            return std::nullopt;
+        }
+        const PropertyDictionary& tags = metadata->tags;
+        const auto pattern = std::ranges::find_if(
+            paramPatterns, [&](const std::u16string& each) { return allDataForPattern(each, tags); });
+        return pattern == paramPatterns.end() ? std::u16string(name) : filledPattern(*pattern, tags);
+    }
+
     std::array<std::u16string, patternCount> paramPatterns;
-    std::optional<std::u16string> textInHand; ///< of the file in hand
+    TextPlacement placement;
 };
 
-class MP3RenameAction final : public MP3Action {
-  public:
-    static constexpr const char* name = "MP3 rename";
-
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{}, u"track03.mp3", u"Ann - Best - Blue Hour.mp3", song}};
-    }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                     std::u16string& result) override {
-        takeText(fragment, input, output);
-        result += textToPlace(input).value_or(fragment);
-    }
-};
-
-class AddMP3ToStartAction final
-    : public PlacedTextOfFile<placement::AtStart<MP3Action>, NameComposed::never> {
-  public:
-    static constexpr const char* name = "Add MP3 to start";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"pattern", u"<0TrackNum> "}}, u"Blue Hour.mp3", u"03 Blue Hour.mp3", song}};
-    }
-};
-
-class AddMP3ToEndAction final : public PlacedTextOfFile<placement::AtEnd<MP3Action>, NameComposed::never> {
-  public:
-    static constexpr const char* name = "Add MP3 to end";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"pattern", u" (<Artist>)"}}, u"Blue Hour.mp3", u"Blue Hour (Ann).mp3", song}};
-    }
-};
-
-class InsertMP3AtPositionAction final : public TextAtPosition<MP3Action> {
-  public:
-    static constexpr const char* name = "Add MP3 at position";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"pattern", u" of <NumTracks>"}, {"position", 2}},
-                 u"03 Blue Hour.mp3",
-                 u"03 of 12 Blue Hour.mp3",
-                 song}};
-    }
-};
-
-class InsertMP3InFrontOfExistingTextAction final
-    : public PlacedTextOfFile<placement::InFrontOfText<MP3Action>, NameComposed::beforeText> {
-  public:
-    static constexpr const char* name = "Add MP3 in front of existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"pattern", u"<Artist> - "}, {"searchTerm", u"blue"}},
-                 u"03 Blue Hour.mp3",
-                 u"03 Ann - Blue Hour.mp3",
-                 song}};
-    }
-};
-
-class InsertMP3AfterExistingTextAction final
-    : public PlacedTextOfFile<placement::AfterText<MP3Action>, NameComposed::afterText> {
-  public:
-    static constexpr const char* name = "Add MP3 to end of existing text";
-
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"pattern", u" (<Year>)"}, {"searchTerm", u"hour"}},
-                 u"Blue Hour live.mp3",
-                 u"Blue Hour (1999) live.mp3",
-                 song}};
-    }
-};
-
-constexpr ActionEntry entries[]{
-    entryFor<MP3RenameAction>(),
-    entryFor<AddMP3ToStartAction>(),
-    entryFor<AddMP3ToEndAction>(),
-    entryFor<InsertMP3AtPositionAction>(),
-    entryFor<InsertMP3InFrontOfExistingTextAction>(),
-    entryFor<InsertMP3AfterExistingTextAction>(),
-};
+constexpr ExampleFile song{"", "", "song.mp3", "a song of Ann, \"Blue Hour\", track 3 of 12 of \"Best\"",
+                           u""};
 
 } // namespace
 
-std::span<const ActionEntry> mp3Actions() { return entries; }
+std::vector<ActionEntry> mp3Actions() {
+    constexpr auto category = ActionCategory::music;
+    return {
+        {"MP3 rename",
+         "Music tags as new name",
+         category,
+         newAction<MP3Action, Place::wholeName>,
+         {{{}, u"track03.mp3", u"Ann - Best - Blue Hour.mp3", song}}},
+        {"Add MP3 to start",
+         "Add music tags to start",
+         category,
+         newAction<MP3Action, Place::start>,
+         {{{{"pattern", u"<0TrackNum> "}}, u"Blue Hour.mp3", u"03 Blue Hour.mp3", song}}},
+        {"Add MP3 to end",
+         "Add music tags to end",
+         category,
+         newAction<MP3Action, Place::end>,
+         {{{{"pattern", u" (<Artist>)"}}, u"Blue Hour.mp3", u"Blue Hour (Ann).mp3", song}}},
+        {"Add MP3 at position",
+         "Insert music tags at position",
+         category,
+         newAction<MP3Action, Place::position>,
+         {{{{"pattern", u" of <NumTracks>"}, {"position", 2}},
+           u"03 Blue Hour.mp3",
+           u"03 of 12 Blue Hour.mp3",
+           song}}},
+        {"Add MP3 in front of existing text",
+         "Insert music tags before text",
+         category,
+         newAction<MP3Action, Place::beforeText>,
+         {{{{"pattern", u"<Artist> - "}, {"searchTerm", u"blue"}},
+           u"03 Blue Hour.mp3",
+           u"03 Ann - Blue Hour.mp3",
+           song}}},
+        {"Add MP3 to end of existing text",
+         "Insert music tags after text",
+         category,
+         newAction<MP3Action, Place::afterText>,
+         {{{{"pattern", u" (<Year>)"}, {"searchTerm", u"hour"}},
+           u"Blue Hour live.mp3",
+           u"Blue Hour (1999) live.mp3",
+           song}}},
+    };
+}
 
 } // namespace tavrin

@@ -1,8 +1,7 @@
 #include "actions/tags/MP3Patterns.h"
 
-#include "support/text/KQStringUtilities.h"
 #include "support/text/Text.h"
-#include "tags/CapitalizedWords.h"
+#include "tags/TagForms.h"
 
 #include <algorithm>
 
@@ -14,10 +13,6 @@ namespace {
 constexpr std::size_t longest = 32768;
 
 std::u16string asItIs(std::u16string_view text) { return std::u16string(text); }
-
-std::u16string zeroPadded(std::u16string_view text) {
-    return (text.size() == 1 ? u"0" : u"") + std::u16string(text);
-}
 
 struct Substitution {
     std::string_view key;
@@ -32,17 +27,17 @@ constexpr Substitution substitutions[]{
     {"Artist", u"<Artist>", asItIs},
     {"Artist", u"<artist>", text::lowercased},
     {"Artist", u"<ARTIST>", text::uppercased},
-    {"Artist", u"<Artist_sentence_case>", MP3Patterns::sentenceCase},
+    {"Artist", u"<Artist_sentence_case>", sentenceCased},
     {"Artist", u"<Artist_Capitalized>", capitalized},
     {"Album", u"<Album>", asItIs},
     {"Album", u"<album>", text::lowercased},
     {"Album", u"<ALBUM>", text::uppercased},
-    {"Album", u"<Album_sentence_case>", MP3Patterns::sentenceCase},
+    {"Album", u"<Album_sentence_case>", sentenceCased},
     {"Album", u"<Album_Capitalized>", capitalized},
     {"Title", u"<Song>", asItIs},
     {"Title", u"<song>", text::lowercased},
     {"Title", u"<SONG>", text::uppercased},
-    {"Title", u"<Song_sentence_case>", MP3Patterns::sentenceCase},
+    {"Title", u"<Song_sentence_case>", sentenceCased},
     {"Title", u"<Song_Capitalized>", capitalized},
     {"numTrack", u"<NumTracks>", asItIs},
     {"track", u"<TrackNum>", asItIs},
@@ -67,17 +62,13 @@ std::u16string replaced(std::u16string_view text, std::u16string_view tag, std::
 
 } // namespace
 
-std::u16string MP3Patterns::sentenceCase(std::u16string_view text) {
-    return *KQStringUtilities::sentenceCase(std::u16string(text));
-}
-
-bool MP3Patterns::allDataForPattern(std::u16string_view pattern, const PropertyDictionary& tags) {
+bool allDataForPattern(std::u16string_view pattern, const PropertyDictionary& tags) {
     return !pattern.empty() && std::ranges::none_of(substitutions, [&](const Substitution& each) {
         return pattern.find(each.sought) != pattern.npos && !find(tags, each.key);
     });
 }
 
-std::u16string MP3Patterns::filled(std::u16string pattern, const PropertyDictionary& tags) {
+std::u16string filledPattern(std::u16string pattern, const PropertyDictionary& tags) {
     for (const Substitution& each : substitutions) {
         if (pattern.find(each.tag) == pattern.npos)
             continue;

@@ -1,162 +1,89 @@
 #include "actions/ActionFamilies.h"
+#include "actions/BaseRenameAction.h"
 #include "actions/PrecomposedText.h"
-#include "actions/RenameActionHelper.h"
-#include "actions/text/AddToBeginningAction.h"
-#include "support/text/Text.h"
-#include "support/text/TextSearch.h"
+#include "actions/TextPlacement.h"
 
 namespace tavrin {
 
-AddToBeginningAction::AddToBeginningAction() { addParameter(textParameter("string", "Text"), paramString); }
-
-std::vector<ActionExample> AddToBeginningAction::examples() const {
-    return {{{{"string", u"2024 "}}, u"report.txt", u"2024 report.txt"}};
-}
-
-void AddToBeginningAction::processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                                       std::u16string& result) {
-    result.append(paramString).append(fragment);
-}
-
 namespace {
 
-class AddToEndAction final : public BaseRenameAction {
+/// Puts a text of the user into the name. Beside an existing text it works on, and returns, form C.
+class InsertTextAction final : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Add to end";
-
-    AddToEndAction() { addParameter(textParameter("string", "Text"), paramString); }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"string", u" (old)"}}, u"report.txt", u"report (old).txt"}};
-    }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        result.append(fragment).append(paramString);
-    }
-
-  private:
-    std::u16string paramString;
-};
-
-/// Gives every fragment the same text.
-class CompletelyReplaceAction final : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Completely rename";
-
-    CompletelyReplaceAction() { addParameter(textParameter("newName", "New name"), paramNewName); }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"newName", u"Holiday"}}, u"IMG_4021.JPG", u"Holiday.JPG"}};
-    }
-    [[nodiscard]] std::u16string explanation() const override {
-        return u"Equal names are made distinct as set in Preferences.";
-    }
-
-  protected:
-    void processName(std::u16string_view, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        result += paramNewName;
-    }
-
-  private:
-    std::u16string paramNewName;
-};
-
-class InsertAtPosition final : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Insert at position";
-
-    InsertAtPosition() {
-        addParameter(textParameter("text", "Text"), paramText);
-        addParameter(numberParameter("position", "At", 0, 0).between(0, 9999), paramPosition);
-        addParameter(choiceParameter("mode", "Counted", positionModeChoices(), 0, 0).beside("position"),
-                     paramMode);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"text", u"-"}, {"position", 4}}, u"20240614.jpg", u"2024-0614.jpg"},
-                {{{"text", u"-"}, {"position", 2}, {"mode", 1}}, u"20240614.jpg", u"202406-14.jpg"}};
-    }
-
-  protected:
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        RenameActionHelper::insertAtPosition(paramText, fragment, paramPosition, paramMode, result);
-    }
-
-  private:
-    std::u16string paramText;
-    std::int32_t paramPosition = 0;
-    std::int32_t paramMode = 0;
-};
-
-/// Inserts beside an occurrence of a text. Works on, and returns, form C.
-class InsertInFrontOfTextAction : public BaseRenameAction {
-  public:
-    static constexpr const char* name = "Insert in front of text";
-
-    InsertInFrontOfTextAction() {
-        addParameter(textParameter("text", "Text"), paramText);
-        addParameter(textParameter("searchTerm", "Text to find"), paramSearchTerm);
-        addParameter(choiceParameter("mode", "Which one", occurrenceChoices(), 0, 0), paramMode);
-        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1, 1), paramIgnoreCase);
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"text", u"new "}, {"searchTerm", u"plan"}}, u"my plan.txt", u"my new plan.txt"}};
+    InsertTextAction(Place place, const char* key, const char* label) : placement(place) {
+        addParameter(textParameter(key, label), text);
+        placement.addParametersTo(*this);
     }
 
   protected:
     void prepareParameters() override {
         BaseRenameAction::prepareParameters();
-        search =
-            TextSearch(text::precomposed(paramSearchTerm), RenameActionHelper::sensitivity(paramIgnoreCase));
+        placement.prepareParameters();
     }
 
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        insert(PrecomposedText(fragment).view(), result);
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        if (placement.isBesideText())
+            placement.put(text, PrecomposedText(fragment).view(), result);
+        else
+            placement.put(text, fragment, result);
     }
-
-    virtual void insert(std::u16string_view into, std::u16string& result) const {
-        RenameActionHelper::insertInFrontOfExistingText(paramText, into, search, paramMode, result);
-    }
-
-    std::u16string paramText;
-    std::int32_t paramMode = 0;
-    TextSearch search;
 
   private:
-    std::u16string paramSearchTerm;
-    std::int32_t paramIgnoreCase = 1;
+    std::u16string text;
+    TextPlacement placement;
 };
 
-/// Despite its name it inserts behind the found text.
-class InsertAtEndOfTextAction final : public InsertInFrontOfTextAction {
-  public:
-    static constexpr const char* name = "Insert at end of text";
+template <Place place> std::unique_ptr<BaseRenameAction> addition() {
+    return std::make_unique<InsertTextAction>(place, "string", "Text");
+}
 
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"text", u"X"}, {"searchTerm", u"b"}, {"mode", 6}}, u"abcabc.txt", u"abcabXc.txt"}};
-    }
+template <Place place> std::unique_ptr<BaseRenameAction> insertion() {
+    return std::make_unique<InsertTextAction>(place, "text", "Text");
+}
 
-  protected:
-    void insert(std::u16string_view into, std::u16string& result) const override {
-        RenameActionHelper::insertAfterExistingText(paramText, into, search, paramMode, result);
-    }
-};
-
-constexpr ActionEntry entries[]{
-    entryFor<AddToBeginningAction>(),      entryFor<AddToEndAction>(),
-    entryFor<CompletelyReplaceAction>(),   entryFor<InsertAtPosition>(),
-    entryFor<InsertInFrontOfTextAction>(), entryFor<InsertAtEndOfTextAction>(),
-};
+std::unique_ptr<BaseRenameAction> replacement() {
+    return std::make_unique<InsertTextAction>(Place::wholeName, "newName", "New name");
+}
 
 } // namespace
 
-std::span<const ActionEntry> insertTextActions() { return entries; }
+std::vector<ActionEntry> insertTextActions() {
+    constexpr auto category = ActionCategory::text;
+    return {
+        {"Add to front",
+         "Add text to start",
+         category,
+         addition<Place::start>,
+         {{{{"string", u"2024 "}}, u"report.txt", u"2024 report.txt"}}},
+        {"Add to end",
+         "Add text to end",
+         category,
+         addition<Place::end>,
+         {{{{"string", u" (old)"}}, u"report.txt", u"report (old).txt"}}},
+        {"Insert at position",
+         "Insert text at position",
+         category,
+         insertion<Place::position>,
+         {{{{"text", u"-"}, {"position", 4}}, u"20240614.jpg", u"2024-0614.jpg"},
+          {{{"text", u"-"}, {"position", 2}, {"mode", 1}}, u"20240614.jpg", u"202406-14.jpg"}}},
+        {"Insert in front of text",
+         "Insert text before text",
+         category,
+         insertion<Place::beforeText>,
+         {{{{"text", u"new "}, {"searchTerm", u"plan"}}, u"my plan.txt", u"my new plan.txt"}}},
+        // Despite its name it inserts behind the found text.
+        {"Insert at end of text",
+         "Insert text after text",
+         category,
+         insertion<Place::afterText>,
+         {{{{"text", u"X"}, {"searchTerm", u"b"}, {"mode", 6}}, u"abcabc.txt", u"abcabXc.txt"}}},
+        {"Completely rename",
+         "Same name for all",
+         category,
+         replacement,
+         {{{{"newName", u"Holiday"}}, u"IMG_4021.JPG", u"Holiday.JPG"}},
+         u"Equal names are made distinct as set in Preferences."},
+    };
+}
 
 } // namespace tavrin

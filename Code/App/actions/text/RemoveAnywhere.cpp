@@ -1,6 +1,6 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
-#include "actions/RenameActionHelper.h"
+#include "actions/TextPlacement.h"
 #include "support/text/TextSearch.h"
 
 #include <array>
@@ -16,46 +16,126 @@ constexpr std::array<ParameterChoice, 2> sidesOfText{{{0, "before it"}, {1, "aft
 constexpr std::array<ParameterChoice, 2> directions{{{0, "towards the end"}, {1, "towards the start"}}};
 constexpr std::int32_t widestPosition = 9999;
 
-enum class EndMode : std::int32_t { position = 0, occurence = 1, numberOfCharacters = 2 };
+/// The keys of the parameters of an end, and how they are called where the two ends differ.
+struct EndTable {
+    std::string_view heading, label, sideLabel;
+    std::span<const ParameterChoice> modes;
+    std::string_view mode, position, whichEnd, searchTerm, occurrence, side, ignoreCase;
+    /// Behind a text that isn't found lies the position one short of its length: meant to be so for the end.
+    bool takesMissingText;
+};
+
+constexpr EndTable startTable{"From",
+                              "Start at",
+                              "Begin",
+                              startModes,
+                              "fromMode",
+                              "fromPosition",
+                              "fromWhichEndOfPosition",
+                              "fromSearchTerm",
+                              "fromWhichOccurence",
+                              "fromWhichEndOfOccurence",
+                              "fromIgnoreCase",
+                              false};
+constexpr EndTable endTable{"To",
+                            "End at",
+                            "End",
+                            endModes,
+                            "toMode",
+                            "toPositionNumber",
+                            "toWhichEndOfPosition",
+                            "toSearchTerm",
+                            "toOccurenceNumber",
+                            "toWhichEndOfOccurence",
+                            "toIgnoreCase",
+                            true};
+
+/// One end of the stretch: a position, or a side of a text.
+class StretchEnd {
+  public:
+    static constexpr std::int32_t atPosition = 0;
+    static constexpr std::int32_t atText = 1;
+
+    explicit StretchEnd(const EndTable& keysAndLabels) : table(keysAndLabels) {}
+
+    void addParametersTo(BaseAction& action) {
+        action.addParameter(choiceParameter(table.mode, table.label, table.modes, 0).under(table.heading),
+                            mode);
+        const auto forPosition = [&](const ParameterDescription& row, std::int32_t& field) {
+            action.addParameter(row.shownWhen(table.mode, atPosition), field);
+        };
+        forPosition(numberParameter(table.position, "Position", 0).between(0, widestPosition), number);
+        forPosition(
+            choiceParameter(table.whichEnd, "Counted", positionModeChoices(), 0).beside(table.position),
+            whichEnd);
+        const auto forText = [&](const ParameterDescription& row, auto& field) {
+            action.addParameter(row.shownWhen(table.mode, atText), field);
+        };
+        forText(textParameter(table.searchTerm, "Text"), searchTerm);
+        forText(choiceParameter(table.occurrence, "Which one", occurrenceChoices(), 0), occurrence);
+        forText(choiceParameter(table.side, table.sideLabel, sidesOfText, 0), side);
+        forText(checkboxParameter(table.ignoreCase, "Ignore case", 1), ignoreCase);
+    }
+
+    void prepareParameters() { search = TextSearch(searchTerm, caseSensitivity(ignoreCase)); }
+
+    [[nodiscard]] std::int32_t modeInUse() const { return mode; }
+
+    /// Where it lies, negative for nowhere. Positions have 64 bits, so that sums of the 32 bits of parameters
+    /// stay what they are: out of range.
+    [[nodiscard]] std::int64_t locationIn(std::u16string_view text) const {
+        if (mode == atPosition)
+            return whichEnd == 0 ? number : static_cast<std::int64_t>(text.size()) - number;
+        if (mode != atText)
+            return -1;
+        const std::int64_t location = findInsertionPointIn(text, search, occurrence);
+        if (side == 0 || (location < 0 && !table.takesMissingText))
+            return location;
+        return location + static_cast<std::int64_t>(searchTerm.size());
+    }
+
+  private:
+    const EndTable& table;
+    std::int32_t mode = 0;
+    std::int32_t number = 0;
+    std::int32_t whichEnd = 0;
+    std::u16string searchTerm;
+    std::int32_t occurrence = 0;
+    std::int32_t side = 0;
+    std::int32_t ignoreCase = 1;
+    TextSearch search;
+};
 
 /// Cuts one stretch out of the name, whose two ends are told separately. What can't be resolved leaves the
 /// name as it is; nothing is clamped.
 class RemoveAnywhere final : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Remove anywhere";
-
     RemoveAnywhere() {
-        addParametersOfStart();
-        addParametersOfEnd();
+        from.addParametersTo(*this);
+        to.addParametersTo(*this);
+        addParameter(numberParameter("removeNumberOfCharacters", "Characters", 0)
+                         .between(0, widestPosition)
+                         .shownWhen(endTable.mode, byLength),
+                     length);
+        addParameter(choiceParameter("removeNumberOfCharactersFromWhichEnd", "Direction", directions, 0)
+                         .beside("removeNumberOfCharacters")
+                         .shownWhen(endTable.mode, byLength),
+                     direction);
     }
-    [[nodiscard]] std::string actionName() const override { return name; }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"fromPosition", 4}, {"toMode", 2}, {"removeNumberOfCharacters", 1}},
-                 u"2024-06-14.jpg",
-                 u"202406-14.jpg"},
-                {{{"fromMode", 1},
-                  {"fromSearchTerm", u" ("},
-                  {"toMode", 1},
-                  {"toSearchTerm", u")"},
-                  {"toWhichEndOfOccurence", 1}},
-                 u"letter (copy).txt",
-                 u"letter.txt"}};
-    }
 
   protected:
     void prepareParameters() override {
         BaseRenameAction::prepareParameters();
-        fromSearch = TextSearch(paramFromSearchTerm, RenameActionHelper::sensitivity(paramFromOccurenceMask));
-        toSearch = TextSearch(paramToSearchTerm, RenameActionHelper::sensitivity(paramToOccurenceMask));
+        from.prepareParameters();
+        to.prepareParameters();
     }
 
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
-        auto start = findFromPosition(fragment);
-        auto end = findToPosition(fragment, start);
-        if (start > end && toMode() == EndMode::numberOfCharacters &&
-            paramRemoveNumberOfCharactersFromWhichEnd == 1)
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        const bool hasLength = to.modeInUse() == byLength;
+        auto start = from.locationIn(fragment);
+        auto end = !hasLength ? to.locationIn(fragment) : direction == 0 ? start + length : start - length;
+        if (start > end && hasLength && direction == 1)
             std::swap(start, end);
         if (start < 0 || start > end || end > static_cast<std::int64_t>(fragment.size()))
             result += fragment;
@@ -65,121 +145,33 @@ class RemoveAnywhere final : public BaseRenameAction {
     }
 
   private:
-    void addParametersOfStart();
-    void addParametersOfEnd();
+    static constexpr std::int32_t byLength = 2; ///< the mode of the end that counts from the start
 
-    [[nodiscard]] EndMode toMode() const { return static_cast<EndMode>(paramToMode); }
-
-    // Positions have 64 bits, so that sums of the 32 bits of parameters stay what they are: out of range.
-
-    [[nodiscard]] static std::int64_t position(std::u16string_view text, std::int32_t number,
-                                               std::int32_t whichEnd) {
-        return whichEnd == 0 ? number : static_cast<std::int64_t>(text.size()) - number;
-    }
-
-    [[nodiscard]] std::int64_t findFromPosition(std::u16string_view text) const {
-        if (paramFromMode == 0)
-            return position(text, paramFromPositionNumber, paramFromWhichEndOfPosition);
-        if (paramFromMode != 1)
-            return -1;
-        const auto location =
-            RenameActionHelper::findInsertionPointIn(text, fromSearch, paramFromWhichOccurence);
-        if (location < 0 || paramFromWhichEndOfOccurence == 0)
-            return location;
-        return location + static_cast<std::int64_t>(paramFromSearchTerm.size());
-    }
-
-    [[nodiscard]] std::int64_t findToPosition(std::u16string_view text, std::int64_t from) const {
-        switch (toMode()) {
-        case EndMode::position:
-            return position(text, paramToPositionNumber, paramToWhichEndOfPosition);
-        case EndMode::occurence: {
-            const auto location =
-                RenameActionHelper::findInsertionPointIn(text, toSearch, paramToOccurenceNumber);
-            // Behind a text that isn't found lies the position one short of its length: meant to be so.
-            return paramToWhichEndOfOccurence == 0
-                       ? location
-                       : location + static_cast<std::int64_t>(paramToSearchTerm.size());
-        }
-        case EndMode::numberOfCharacters:
-            return paramRemoveNumberOfCharactersFromWhichEnd == 0 ? from + paramRemoveNumberOfCharacters
-                                                                  : from - paramRemoveNumberOfCharacters;
-        }
-        return -1;
-    }
-
-    std::int32_t paramFromMode = 0;
-    std::int32_t paramFromPositionNumber = 0;
-    std::int32_t paramFromWhichEndOfPosition = 0;
-    std::int32_t paramFromWhichOccurence = 0;
-    std::int32_t paramFromWhichEndOfOccurence = 0;
-    std::int32_t paramFromOccurenceMask = 1;
-    std::u16string paramFromSearchTerm;
-    std::int32_t paramToMode = 0;
-    std::int32_t paramToPositionNumber = 0;
-    std::int32_t paramToWhichEndOfPosition = 0;
-    std::int32_t paramToOccurenceNumber = 0;
-    std::int32_t paramToWhichEndOfOccurence = 0;
-    std::int32_t paramToOccurenceMask = 1;
-    std::u16string paramToSearchTerm;
-    std::int32_t paramRemoveNumberOfCharacters = 0;
-    std::int32_t paramRemoveNumberOfCharactersFromWhichEnd = 0;
-    TextSearch fromSearch;
-    TextSearch toSearch;
+    StretchEnd from{startTable};
+    StretchEnd to{endTable};
+    std::int32_t length = 0;
+    std::int32_t direction = 0;
 };
-
-void RemoveAnywhere::addParametersOfStart() {
-    addParameter(choiceParameter("fromMode", "Start at", startModes, 0, 0).under("From"), paramFromMode);
-    addParameter(
-        numberParameter("fromPosition", "Position", 0, 0).between(0, widestPosition).shownWhen("fromMode", 0),
-        paramFromPositionNumber);
-    addParameter(choiceParameter("fromWhichEndOfPosition", "Counted", positionModeChoices(), 0, 0)
-                     .beside("fromPosition")
-                     .shownWhen("fromMode", 0),
-                 paramFromWhichEndOfPosition);
-    addParameter(textParameter("fromSearchTerm", "Text").shownWhen("fromMode", 1), paramFromSearchTerm);
-    addParameter(choiceParameter("fromWhichOccurence", "Which one", occurrenceChoices(), 0, 0)
-                     .shownWhen("fromMode", 1),
-                 paramFromWhichOccurence);
-    addParameter(
-        choiceParameter("fromWhichEndOfOccurence", "Begin", sidesOfText, 0, 0).shownWhen("fromMode", 1),
-        paramFromWhichEndOfOccurence);
-    addParameter(checkboxParameter("fromIgnoreCase", "Ignore case", 1, 1).shownWhen("fromMode", 1),
-                 paramFromOccurenceMask);
-}
-
-void RemoveAnywhere::addParametersOfEnd() {
-    addParameter(choiceParameter("toMode", "End at", endModes, 0, 0).under("To"), paramToMode);
-    addParameter(numberParameter("toPositionNumber", "Position", 0, 0)
-                     .between(0, widestPosition)
-                     .shownWhen("toMode", 0),
-                 paramToPositionNumber);
-    addParameter(choiceParameter("toWhichEndOfPosition", "Counted", positionModeChoices(), 0, 0)
-                     .beside("toPositionNumber")
-                     .shownWhen("toMode", 0),
-                 paramToWhichEndOfPosition);
-    addParameter(textParameter("toSearchTerm", "Text").shownWhen("toMode", 1), paramToSearchTerm);
-    addParameter(
-        choiceParameter("toOccurenceNumber", "Which one", occurrenceChoices(), 0, 0).shownWhen("toMode", 1),
-        paramToOccurenceNumber);
-    addParameter(choiceParameter("toWhichEndOfOccurence", "End", sidesOfText, 0, 0).shownWhen("toMode", 1),
-                 paramToWhichEndOfOccurence);
-    addParameter(checkboxParameter("toIgnoreCase", "Ignore case", 1, 1).shownWhen("toMode", 1),
-                 paramToOccurenceMask);
-    addParameter(numberParameter("removeNumberOfCharacters", "Characters", 0, 0)
-                     .between(0, widestPosition)
-                     .shownWhen("toMode", 2),
-                 paramRemoveNumberOfCharacters);
-    addParameter(choiceParameter("removeNumberOfCharactersFromWhichEnd", "Direction", directions, 0, 0)
-                     .beside("removeNumberOfCharacters")
-                     .shownWhen("toMode", 2),
-                 paramRemoveNumberOfCharactersFromWhichEnd);
-}
-
-constexpr ActionEntry entries[]{entryFor<RemoveAnywhere>()};
 
 } // namespace
 
-std::span<const ActionEntry> removeAnywhereActions() { return entries; }
+std::vector<ActionEntry> removeAnywhereActions() {
+    return {
+        {"Remove anywhere",
+         "Remove a stretch",
+         ActionCategory::remove,
+         newAction<RemoveAnywhere>,
+         {{{{"fromPosition", 4}, {"toMode", 2}, {"removeNumberOfCharacters", 1}},
+           u"2024-06-14.jpg",
+           u"202406-14.jpg"},
+          {{{"fromMode", 1},
+            {"fromSearchTerm", u" ("},
+            {"toMode", 1},
+            {"toSearchTerm", u")"},
+            {"toWhichEndOfOccurence", 1}},
+           u"letter (copy).txt",
+           u"letter.txt"}}},
+    };
+}
 
 } // namespace tavrin

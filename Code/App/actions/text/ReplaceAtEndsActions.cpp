@@ -1,7 +1,7 @@
 #include "actions/ActionFamilies.h"
 #include "actions/BaseRenameAction.h"
 #include "actions/PrecomposedText.h"
-#include "actions/RenameActionHelper.h"
+#include "actions/TextPlacement.h"
 #include "support/text/Text.h"
 #include "support/text/TextSearch.h"
 
@@ -13,29 +13,19 @@ namespace {
 /// long as the text sought, and goes as a whole where the text is found in it.
 class ReplaceAtFrontAction : public BaseRenameAction {
   public:
-    static constexpr const char* name = "Replace at front";
-
-    ReplaceAtFrontAction() : ReplaceAtFrontAction("If the name starts with") {}
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"replace", u"dsc"}, {"with", u"Photo "}}, u"DSC042.jpg", u"Photo 042.jpg"}};
+    explicit ReplaceAtFrontAction(std::string_view label = "If the name starts with") {
+        addParameter(textParameter("replace", label), paramReplace);
+        addParameter(textParameter("with", "Replace it by"), paramWith);
+        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1), paramIgnoreCase);
     }
 
   protected:
-    explicit ReplaceAtFrontAction(std::string_view label) {
-        addParameter(textParameter("replace", label), paramReplace);
-        addParameter(textParameter("with", "Replace it by"), paramWith);
-        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1, 1), paramIgnoreCase);
-    }
-
     void prepareParameters() override {
         BaseRenameAction::prepareParameters();
-        search =
-            TextSearch(text::precomposed(paramReplace), RenameActionHelper::sensitivity(paramIgnoreCase));
+        search = TextSearch(text::precomposed(paramReplace), caseSensitivity(paramIgnoreCase));
     }
 
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const PrecomposedText composed(fragment);
         const auto text = composed.view();
         const auto length = search.text().size();
@@ -61,33 +51,12 @@ class ReplaceAtFrontAction : public BaseRenameAction {
     std::int32_t paramIgnoreCase = 1;
 };
 
-class RemoveTextAtFrontAction final : public ReplaceAtFrontAction {
-  public:
-    static constexpr const char* name = "Remove text at front";
-
-    RemoveTextAtFrontAction() : ReplaceAtFrontAction("Text") {
-        setDefault("with", u"");
-        hideParameter("with");
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"replace", u"Copy of "}}, u"Copy of letter.txt", u"letter.txt"}};
-    }
-};
-
 class ReplaceAtEndAction : public ReplaceAtFrontAction {
   public:
-    static constexpr const char* name = "Replace at end";
-
-    ReplaceAtEndAction() : ReplaceAtEndAction("If the name ends with") {}
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"replace", u"draft"}, {"with", u"final"}}, u"plan draft.txt", u"plan final.txt"}};
-    }
+    explicit ReplaceAtEndAction(std::string_view label = "If the name ends with")
+        : ReplaceAtFrontAction(label) {}
 
   protected:
-    explicit ReplaceAtEndAction(std::string_view label) : ReplaceAtFrontAction(label) {}
-
     [[nodiscard]] bool replaceIn(std::u16string_view text, std::size_t length,
                                  std::u16string& result) const override {
         const auto start = text.size() - length;
@@ -98,29 +67,37 @@ class ReplaceAtEndAction : public ReplaceAtFrontAction {
     }
 };
 
-class RemoveTextAtEndAction final : public ReplaceAtEndAction {
+/// The same with nothing to put in.
+template <typename Replacing> class RemoveTextAtAnEndAction final : public Replacing {
   public:
-    static constexpr const char* name = "Remove text at end";
-
-    RemoveTextAtEndAction() : ReplaceAtEndAction("Text") {
-        setDefault("with", u"");
-        hideParameter("with");
-    }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"replace", u" copy"}}, u"letter copy.txt", u"letter.txt"}};
-    }
-};
-
-constexpr ActionEntry entries[]{
-    entryFor<ReplaceAtFrontAction>(),
-    entryFor<ReplaceAtEndAction>(),
-    entryFor<RemoveTextAtFrontAction>(),
-    entryFor<RemoveTextAtEndAction>(),
+    RemoveTextAtAnEndAction() : Replacing("Text") { this->hideParameter("with"); }
 };
 
 } // namespace
 
-std::span<const ActionEntry> replaceAtEndsActions() { return entries; }
+std::vector<ActionEntry> replaceAtEndsActions() {
+    return {
+        {"Replace at front",
+         "Replace at start",
+         ActionCategory::replace,
+         newAction<ReplaceAtFrontAction>,
+         {{{{"replace", u"dsc"}, {"with", u"Photo "}}, u"DSC042.jpg", u"Photo 042.jpg"}}},
+        {"Replace at end",
+         "Replace at end",
+         ActionCategory::replace,
+         newAction<ReplaceAtEndAction>,
+         {{{{"replace", u"draft"}, {"with", u"final"}}, u"plan draft.txt", u"plan final.txt"}}},
+        {"Remove text at front",
+         "Remove text at start",
+         ActionCategory::remove,
+         newAction<RemoveTextAtAnEndAction<ReplaceAtFrontAction>>,
+         {{{{"replace", u"Copy of "}}, u"Copy of letter.txt", u"letter.txt"}}},
+        {"Remove text at end",
+         "Remove text at end",
+         ActionCategory::remove,
+         newAction<RemoveTextAtAnEndAction<ReplaceAtEndAction>>,
+         {{{{"replace", u" copy"}}, u"letter copy.txt", u"letter.txt"}}},
+    };
+}
 
 } // namespace tavrin

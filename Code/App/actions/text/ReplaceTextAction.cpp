@@ -1,9 +1,9 @@
-#include "actions/text/ReplaceTextAction.h"
-
 #include "actions/ActionFamilies.h"
+#include "actions/BaseRenameAction.h"
 #include "actions/PrecomposedText.h"
-#include "actions/RenameActionHelper.h"
+#include "actions/TextPlacement.h"
 #include "support/text/Text.h"
+#include "support/text/TextSearch.h"
 
 #include <array>
 
@@ -27,7 +27,7 @@ constexpr std::array<ParameterChoice, 13> replacementModes{{
     {12, "Sixth to last"},
 }};
 
-constexpr std::array<const char*, 13> occurencePhrases{
+constexpr std::array<std::string_view, 13> occurencePhrases{
     "all occurences of ",
     "only the first occurence of ",
     "only the second occurence of ",
@@ -43,53 +43,58 @@ constexpr std::array<const char*, 13> occurencePhrases{
     "only the sixth to last occurence of ",
 };
 
-} // namespace
+/// Replaces some or all occurrences of a text. Works on, and returns, form C.
+class ReplaceTextAction : public BaseRenameAction {
+  public:
+    ReplaceTextAction() {
+        addParameter(textParameter("searchTerm", "Find"), paramSearchTerm);
+        addParameter(textParameter("replacementTerm", "Replace with"), paramReplacementTerm);
+        addParameter(choiceParameter("replacementMode", "Occurrences", replacementModes, 0),
+                     paramReplacementMode);
+        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1), paramIgnoreCase);
+    }
+    [[nodiscard]] std::u16string explanation() const override { return sentence(u"Replace "); }
 
-ReplaceTextAction::ReplaceTextAction() {
-    addParameter(textParameter("searchTerm", "Find"), paramSearchTerm);
-    addParameter(textParameter("replacementTerm", "Replace with"), paramReplacementTerm);
-    addParameter(choiceParameter("replacementMode", "Occurrences", replacementModes, 0, 0),
-                 paramReplacementMode);
-    addParameter(checkboxParameter("ignoreCase", "Ignore case", 1, 1), paramIgnoreCase);
-}
+  protected:
+    /// A sentence about the parameters; empty while there is no text to look for.
+    [[nodiscard]] std::u16string sentence(std::u16string_view verb) const {
+        const std::u16string term = getParamString("searchTerm");
+        if (term.empty())
+            return {};
+        return std::u16string(verb) + text::fromUtf8(userDescriptionOccurence()) + u'\u201C' + term +
+               u'\u201D' + text::fromUtf8(userDescriptionIgnore());
+    }
 
-std::vector<ActionExample> ReplaceTextAction::examples() const {
-    return {
-        {{{"searchTerm", u"IMG_"}, {"replacementTerm", u"Lofoten "}}, u"IMG_4021.JPG", u"Lofoten 4021.JPG"},
-        {{{"searchTerm", u"a"}, {"replacementTerm", u"o"}, {"replacementMode", 8}},
-         u"banana.txt",
-         u"banona.txt"}};
-}
+    void prepareParameters() override {
+        BaseRenameAction::prepareParameters();
+        search = TextSearch(text::precomposed(paramSearchTerm), caseSensitivity(paramIgnoreCase));
+    }
 
-std::string ReplaceTextAction::userDescriptionOccurence() const {
-    const auto mode = getParamInt("replacementMode", 0);
-    const bool isKnown = mode >= 0 && mode < static_cast<std::int32_t>(occurencePhrases.size());
-    return isKnown ? occurencePhrases[static_cast<std::size_t>(mode)] : "";
-}
+    void processName(std::u16string_view fragment, std::u16string& result) override;
 
-std::string ReplaceTextAction::userDescriptionIgnore() const {
-    return getParamInt("ignoreCase", 1) == 1 ? " while ignoring case." : ".";
-}
+  private:
+    [[nodiscard]] std::string_view userDescriptionOccurence() const {
+        const auto mode = static_cast<std::size_t>(getParamInt("replacementMode", 0));
+        return mode < occurencePhrases.size() ? occurencePhrases[mode] : "";
+    }
+    [[nodiscard]] std::string_view userDescriptionIgnore() const {
+        return getParamInt("ignoreCase", 1) == 1 ? " while ignoring case." : ".";
+    }
+    [[nodiscard]] bool shouldReplaceCurrentOccurence(std::int64_t index, std::int64_t outOf) const {
+        const std::int64_t mode = paramReplacementMode;
+        if (mode == 0)
+            return true;
+        return mode <= 6 ? index == mode - 1 : index == outOf + 6 - mode;
+    }
+    void collectMatches(std::u16string_view text);
 
-std::u16string ReplaceTextAction::sentence(std::u16string_view verb) const {
-    const std::u16string term = getParamString("searchTerm");
-    if (term.empty())
-        return {};
-    return std::u16string(verb) + text::fromUtf8(userDescriptionOccurence()) + u'\u201C' + term + u'\u201D' +
-           text::fromUtf8(userDescriptionIgnore());
-}
-
-void ReplaceTextAction::prepareParameters() {
-    BaseRenameAction::prepareParameters();
-    search = TextSearch(text::precomposed(paramSearchTerm), RenameActionHelper::sensitivity(paramIgnoreCase));
-}
-
-bool ReplaceTextAction::shouldReplaceCurrentOccurence(std::int64_t index, std::int64_t outOf) const {
-    const std::int64_t mode = paramReplacementMode;
-    if (mode == 0)
-        return true;
-    return mode <= 6 ? index == mode - 1 : index == outOf + 6 - mode;
-}
+    std::u16string paramSearchTerm;
+    std::u16string paramReplacementTerm;
+    std::int32_t paramReplacementMode = 0;
+    std::int32_t paramIgnoreCase = 1;
+    TextSearch search;
+    std::vector<TextRange> matches; ///< of the name in hand
+};
 
 void ReplaceTextAction::collectMatches(std::u16string_view text) {
     matches.clear();
@@ -103,8 +108,7 @@ void ReplaceTextAction::collectMatches(std::u16string_view text) {
     }
 }
 
-void ReplaceTextAction::processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                                    std::u16string& result) {
+void ReplaceTextAction::processName(std::u16string_view fragment, std::u16string& result) {
     const PrecomposedText composed(fragment);
     const auto text = composed.view();
     collectMatches(text);
@@ -120,27 +124,30 @@ void ReplaceTextAction::processName(std::u16string_view fragment, const InputCon
     result.append(text, done);
 }
 
-namespace {
-
 class RemoveTextAction final : public ReplaceTextAction {
   public:
-    static constexpr const char* name = "Remove text";
-
-    RemoveTextAction() {
-        setDefault("replacementTerm", u"");
-        hideParameter("replacementTerm");
-    }
+    RemoveTextAction() { hideParameter("replacementTerm"); }
     [[nodiscard]] std::u16string explanation() const override { return sentence(u"Remove "); }
-    [[nodiscard]] std::string actionName() const override { return name; }
-    [[nodiscard]] std::vector<ActionExample> examples() const override {
-        return {{{{"searchTerm", u" copy"}}, u"letter copy.txt", u"letter.txt"}};
-    }
 };
-
-constexpr ActionEntry entries[]{entryFor<ReplaceTextAction>(), entryFor<RemoveTextAction>()};
 
 } // namespace
 
-std::span<const ActionEntry> replaceTextActions() { return entries; }
+std::vector<ActionEntry> replaceTextActions() {
+    return {
+        {"Replace text",
+         "Replace text",
+         ActionCategory::replace,
+         newAction<ReplaceTextAction>,
+         {{{{"searchTerm", u"IMG_"}, {"replacementTerm", u"Lofoten "}}, u"IMG_4021.JPG", u"Lofoten 4021.JPG"},
+          {{{"searchTerm", u"a"}, {"replacementTerm", u"o"}, {"replacementMode", 8}},
+           u"banana.txt",
+           u"banona.txt"}}},
+        {"Remove text",
+         "Remove text",
+         ActionCategory::remove,
+         newAction<RemoveTextAction>,
+         {{{{"searchTerm", u" copy"}}, u"letter copy.txt", u"letter.txt"}}},
+    };
+}
 
 } // namespace tavrin

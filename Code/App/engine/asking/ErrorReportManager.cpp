@@ -1,7 +1,6 @@
 #include "engine/asking/ErrorReportManager.h"
 
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/ExceptionText.h"
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/RenameEngineUtilities.h"
 #include "platform/desktop/Quoting.h"
@@ -17,8 +16,12 @@
 #include <fmt/chrono.h>
 
 #include <array>
+#include <cstdlib>
 #include <ctime>
+#include <cxxabi.h>
+#include <memory>
 #include <mutex>
+#include <typeinfo>
 #include <unistd.h>
 
 namespace tavrin {
@@ -78,6 +81,26 @@ std::string latin2ToUtf8(std::string_view bytes) {
 }
 
 } // namespace
+
+std::string nameOfException(const std::exception& exception) {
+    int status = 0;
+    const std::unique_ptr<char, void (*)(void*)> readable(
+        abi::__cxa_demangle(typeid(exception).name(), nullptr, nullptr, &status), std::free);
+    const std::string name = status == 0 ? readable.get() : typeid(exception).name();
+    const std::size_t scope = name.rfind("::");
+    return scope == std::string::npos ? name : name.substr(scope + 2);
+}
+
+std::string detailsOfException(const std::exception& exception) {
+    try {
+        std::rethrow_if_nested(exception);
+    } catch (const std::exception& inner) {
+        return fmt::format("{}: {}", nameOfException(inner), inner.what());
+    } catch (...) {
+        return "unknown";
+    }
+    return {};
+}
 
 std::string ErrorReportManager::titleOfFailureReport() {
     return fmt::format(

@@ -8,6 +8,11 @@ namespace tavrin {
 
 class EngineHost;
 
+/// The name of the exception's class, without its namespace.
+std::string nameOfException(const std::exception& exception);
+/// What the exception that it wraps says; empty for a plain one.
+std::string detailsOfException(const std::exception& exception);
+
 /// Gathers what is needed to understand a problem on a user's machine into one text file, and shows it.
 class ErrorReportManager {
   public:

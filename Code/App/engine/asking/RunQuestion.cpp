@@ -1,10 +1,6 @@
 #include "engine/asking/RunQuestion.h"
 
-#include "engine/pipeline/EngineHost.h"
-#include "platform/processes/RunLoop.h"
-
 #include <array>
-#include <future>
 #include <utility>
 
 namespace tavrin {
@@ -43,17 +39,6 @@ ConfirmationAnswer::~ConfirmationAnswer() { give(stop); }
 void ConfirmationAnswer::give(ConfirmationChoice choice) {
     if (const auto receiver = std::exchange(deliver, nullptr))
         receiver(choice);
-}
-
-ConfirmationChoice askUser(EngineHost& host, RunQuestion question) {
-    const auto promise = std::make_shared<std::promise<ConfirmationChoice>>();
-    std::future<ConfirmationChoice> choice = promise->get_future();
-    // The only owner of the answer is what is posted: a loop that drops the action drops the answer with it.
-    host.runLoop().post([&host, question = std::move(question),
-                         answer = std::make_shared<ConfirmationAnswer>([promise](ConfirmationChoice given) {
-                             promise->set_value(given);
-                         })] { host.ask(question, answer); });
-    return choice.get();
 }
 
 } // namespace tavrin

@@ -9,9 +9,7 @@
 
 namespace tavrin {
 
-class EngineHost;
-
-// What a worker asks the user in the middle of a run, and the one way to ask it. Texts are UTF-8, paths
+// What a worker asks the user in the middle of a run; `askUser` is the way to ask it. Texts are UTF-8, paths
 // bytes.
 
 /// Asked before an item is renamed.
@@ -83,9 +81,5 @@ class ConfirmationAnswer {
     std::function<void(ConfirmationChoice)> deliver;
 };
 using ConfirmationAnswerPointer = std::shared_ptr<ConfirmationAnswer>;
-
-/// Puts a question to the user on the main thread and waits for the answer. When the run loop has ended, or
-/// the question is dropped unanswered, the answer is "stop". Worker threads only.
-ConfirmationChoice askUser(EngineHost& host, RunQuestion question);
 
 } // namespace tavrin

@@ -1,11 +1,27 @@
 #include "engine/asking/UserQuestions.h"
 
+#include "engine/pipeline/EngineHost.h"
+#include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProcessingStage.h"
-#include "engine/pipeline/RenameEngine.h"
+#include "platform/processes/RunLoop.h"
+
+#include <future>
+#include <utility>
 
 namespace tavrin {
 
-UserQuestions::UserQuestions(RenameEngine& newEngine, ProcessingStage& newErrors, bool shouldBeInteractive)
+ConfirmationChoice askUser(EngineHost& host, RunQuestion question) {
+    const auto promise = std::make_shared<std::promise<ConfirmationChoice>>();
+    std::future<ConfirmationChoice> choice = promise->get_future();
+    // The only owner of the answer is what is posted: a loop that drops the action drops the answer with it.
+    host.runLoop().post([&host, question = std::move(question),
+                         answer = std::make_shared<ConfirmationAnswer>([promise](ConfirmationChoice given) {
+                             promise->set_value(given);
+                         })] { host.ask(question, answer); });
+    return choice.get();
+}
+
+UserQuestions::UserQuestions(EngineState& newEngine, ProcessingStage& newErrors, bool shouldBeInteractive)
     : engine(newEngine), errors(newErrors), interactive(shouldBeInteractive) {}
 
 bool UserQuestions::shouldAbort() {

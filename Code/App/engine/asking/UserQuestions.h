@@ -6,8 +6,13 @@
 
 namespace tavrin {
 
+class EngineHost;
 class ProcessingStage;
-class RenameEngine;
+class EngineState;
+
+/// Puts a question to the user on the main thread and waits for the answer. When the run loop has ended, or
+/// the question is dropped unanswered, the answer is "stop". Worker threads only.
+ConfirmationChoice askUser(EngineHost& host, RunQuestion question);
 
 /// Asks the user in the middle of a rename and remembers what the answers mean for the rest of the run. The
 /// worker waits for each answer; a request to stop the engine counts as the answer "stop".
@@ -17,7 +22,7 @@ class UserQuestions {
     enum class Decision { perform, leaveOut, stop };
 
     /// `errors` takes the failures that are not shown one by one.
-    UserQuestions(RenameEngine& engine, ProcessingStage& errors, bool shouldBeInteractive);
+    UserQuestions(EngineState& engine, ProcessingStage& errors, bool shouldBeInteractive);
 
     [[nodiscard]] bool isInteractive() const { return interactive; }
     /// Whether the run is to stop: by an answer, or because the engine was asked to. Never false again.
@@ -43,7 +48,7 @@ class UserQuestions {
     Decision decide(const RunQuestion& question);
     bool continues(const RunQuestion& question);
 
-    RenameEngine& engine;
+    EngineState& engine;
     ProcessingStage& errors;
     bool interactive;
     bool showErrorDialog = true;

@@ -1,8 +1,8 @@
 #include "engine/history/NamesFromRecordStage.h"
 
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/PathParts.h"
@@ -24,7 +24,7 @@ std::string folderOfRecord(const std::string& path) { return std::string(PathPar
 
 } // namespace
 
-NamesFromRecordStage::NamesFromRecordStage(RenameEngine& owner, TakeBackRequest whatToDo,
+NamesFromRecordStage::NamesFromRecordStage(EngineState& owner, TakeBackRequest whatToDo,
                                            std::shared_ptr<RunPurpose> whatFor)
     : ProcessingStage(owner), request(std::move(whatToDo)), purpose(std::move(whatFor)),
       renamedAgain(folderOfRecord(request.chosen.run.path), request.chosen.run.name) {}

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "engine/history/JournalPlaces.h"
-#include "engine/history/RenamedAgain.h"
-#include "engine/history/RunPurpose.h"
+#include "engine/history/RunHistory.h"
 #include "engine/history/TakeBack.h"
 #include "engine/pipeline/ProcessingStage.h"
 
@@ -19,7 +18,7 @@ namespace tavrin {
 class NamesFromRecordStage final : public ProcessingStage {
   public:
     /// Adds to `purpose` what the run that follows has to know.
-    NamesFromRecordStage(RenameEngine& owner, TakeBackRequest whatToDo, std::shared_ptr<RunPurpose> whatFor);
+    NamesFromRecordStage(EngineState& owner, TakeBackRequest whatToDo, std::shared_ptr<RunPurpose> whatFor);
 
     bool process() override;
     [[nodiscard]] std::string className() const override { return "NamesFromRecordStage"; }

@@ -3,6 +3,7 @@
 #include "engine/history/RunRecordReader.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/FolderEntries.h"
+#include "support/text/PathParts.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
@@ -25,6 +26,7 @@ constexpr std::string_view suffix = ".run";
 constexpr std::size_t mostRuns = 50;
 constexpr std::uint64_t mostBytes = 256U << 20;
 constexpr std::chrono::days longest(90);
+constexpr std::size_t mostHits = 1'000'000;
 
 using Clock = std::chrono::system_clock;
 
@@ -171,6 +173,10 @@ std::string sentenceOfNewest(const PastRun& run, std::string_view problem, const
     return older == all.end() ? reason : reason + fmt::format(" The next older one is {}.", older->name);
 }
 
+std::string keyOf(std::string_view path, std::uint64_t inode) {
+    return std::to_string(inode).append(1, ' ').append(path);
+}
+
 } // namespace
 
 std::string_view PastRun::state() const {
@@ -312,6 +318,29 @@ std::string RunHistory::nextName() const {
     if (!taken.empty() && taken.front() >= name)
         name = countedUp(taken.front().substr(0, taken.front().rfind('-')));
     return name + process;
+}
+
+const RenamedAgain::Hit* RenamedAgain::find(std::string_view path, std::uint64_t inode) {
+    if (!std::exchange(isRead, true))
+        read();
+    const auto hit = hits.find(keyOf(path, inode));
+    return hit == hits.end() ? nullptr : &hit->second;
+}
+
+void RenamedAgain::read() {
+    for (const PastRun& run : RunHistory(folder).runs()) {
+        if (run.name <= after)
+            return;
+        if (!run.problem.empty() || run.isUndone)
+            continue;
+        RunRecordReader reader(run.path);
+        reader.examine();
+        reader.visitItems([&](const RecordedItem& item, std::size_t) {
+            hits.try_emplace(keyOf(joinedPath(reader.folders()[item.folder].path, item.oldName), item.inode),
+                             Hit{run.name, item.newName});
+            return hits.size() < mostHits;
+        });
+    }
 }
 
 } // namespace tavrin

@@ -6,12 +6,19 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
 namespace tavrin {
 
 class FolderEntries;
+
+/// Where a program keeps the records of its runs, and how it is called in them.
+struct HistoryPlace {
+    std::string folder; ///< a path in bytes; empty: no records are kept
+    std::string who = "tvrn";
+};
 
 /// One record of the history, without its items.
 struct PastRun {
@@ -79,6 +86,31 @@ class RunHistory {
     [[nodiscard]] std::vector<PastRun> runs(bool examines) const;
 
     std::string folder;
+};
+
+/// Tells which later run has given an item yet another name. Reads the records of later runs when it is first
+/// asked.
+class RenamedAgain {
+  public:
+    struct Hit {
+        std::string run;
+        std::string newName;
+    };
+
+    /// `folder` is that of the records; `run` the one that later is meant of.
+    RenamedAgain(std::string historyFolder, std::string runName)
+        : folder(std::move(historyFolder)), after(std::move(runName)) {}
+
+    /// Null where no later run has to do with the item.
+    [[nodiscard]] const Hit* find(std::string_view path, std::uint64_t inode);
+
+  private:
+    void read();
+
+    std::string folder;
+    std::string after;
+    bool isRead = false;
+    std::unordered_map<std::string, Hit> hits; ///< by inode and path
 };
 
 } // namespace tavrin

@@ -1,8 +1,8 @@
 #include "engine/history/RunJournal.h"
 
 #include "engine/history/RunHistory.h"
-#include "engine/planning/RenameItem.h"
-#include "engine/renaming/StandIns.h"
+#include "engine/renaming/RenameItem.h"
+#include "engine/renaming/RunFolders.h"
 #include "platform/files/FileSystem.h"
 #include "store/contexts/StoreContext.h"
 #include "support/values/Crc32.h"
@@ -115,7 +115,7 @@ void RunJournal::writeHeading(const RunPurpose& purpose) {
     runLine::print(RunHeading{runLine::timeNow(), ::getpid(), bootId(), place.who, purpose.what, purpose.of},
                    text);
     endLine();
-    runLine::printRecipe("", text);
+    runLine::print(runLine::Recipe{}, text);
     endLine();
 }
 
@@ -169,7 +169,7 @@ void RunJournal::lookCloser(const Folder& folder, RecordedItem& item) {
 void RunJournal::late(RowId row, const FileIdentity& found) {
     if (!file || row >= numbers.size() || numbers[row] == 0)
         return;
-    runLine::printLate(numbers[row] - 1, found.inode, text);
+    runLine::print(runLine::Late{numbers[row] - 1, found.inode}, text);
     text += '\n';
     flush();
 }
@@ -177,7 +177,7 @@ void RunJournal::late(RowId row, const FileIdentity& found) {
 void RunJournal::flagRefused(std::uint32_t device) {
     if (!file)
         return;
-    runLine::printNoFlag(device, text);
+    runLine::print(runLine::NoFlag{device}, text);
     text += '\n';
     flush();
     if (error == 0)
@@ -206,7 +206,7 @@ void RunJournal::endLine() {
 void RunJournal::endBlock() {
     if (blockLines == 0)
         return;
-    runLine::printBlock(blockLines, checksum, text);
+    runLine::print(runLine::Block{blockLines, checksum}, text);
     text += '\n';
     lineStart = text.size();
     blockLines = 0;

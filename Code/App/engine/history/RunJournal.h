@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/history/RunPurpose.h"
+#include "engine/history/TakeBack.h"
 #include "platform/files/FileSystem.h"
 #include "store/queries/Predicate.h"
 

@@ -1,15 +1,16 @@
 #include "engine/history/RunRecord.h"
 
 #include "engine/renaming/NameOnDisk.h"
-#include "platform/files/FileStatus.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <ctime>
 #include <iterator>
+#include <utility>
 
 namespace tavrin {
 
@@ -29,7 +30,7 @@ namespace {
 constexpr std::array<std::string_view, 4> kindWords = {"f", "d", "l",
                                                        "o"}; // in the order of FileStatus::Kind
 constexpr std::array<std::string_view, 3> kindNames = {"rename", "undo", "redo"};
-constexpr std::string_view noFlagWord = "noflag";
+constexpr std::array<std::string_view, 2> endWords = {"ended", "stopped"};
 
 void appendEscaped(std::string_view bytes, std::string& into) {
     into += '\t';
@@ -43,18 +44,6 @@ void appendEscaped(std::string_view bytes, std::string& into) {
         else
             into += c;
     }
-}
-
-template <typename Number> void appendNumber(Number number, std::string& into) {
-    into += '\t';
-    fmt::format_to(std::back_inserter(into), "{}", number);
-}
-
-void appendTime(const std::optional<double>& time, std::string& into) {
-    if (time)
-        appendNumber(*time, into);
-    else
-        into += '\t';
 }
 
 bool unescape(std::string_view field, std::string& into) {
@@ -73,33 +62,73 @@ bool unescape(std::string_view field, std::string& into) {
     return into.find('\0') == std::string::npos;
 }
 
-/// The fields of a line one after the other; says at the end whether all were what they had to be.
+/// Appends a line, field by field.
+class Printer {
+  public:
+    Printer(std::string_view word, std::string& line) : into(line) { into += word; }
+
+    template <typename Number> void field(Number number) {
+        into += '\t';
+        fmt::format_to(std::back_inserter(into), "{}", number);
+    }
+    void field(const std::string& text) { appendEscaped(text, into); }
+    void field(const std::optional<double>& time) {
+        if (time)
+            field(*time);
+        else
+            into += '\t';
+    }
+    void path(const std::string& path) { appendEscaped(path, into); }
+    void name(const std::string& name) { appendEscaped(name, into); }
+    void nameOrNone(const std::string& name) { appendEscaped(name, into); }
+    template <typename Value, typename Words> void word(Value value, const Words& words) {
+        appendEscaped(words[static_cast<std::size_t>(value)], into);
+    }
+    template <typename Rest, typename Print> void rest(const std::optional<Rest>& fields, Print print) {
+        if (fields)
+            print(*fields);
+    }
+
+  private:
+    std::string& into;
+};
+
+/// Takes the same fields from a line, and says at the end whether all were what they had to be.
 class Fields {
   public:
-    Fields(std::string_view line, std::string_view word) : rest(line) { isGood = next() == word; }
+    Fields(std::string_view word, std::string_view line) : remaining(line) { isGood = next() == word; }
 
-    template <typename Number> void take(Number& into) { isGood = isGood && parse(next(), into); }
-    void take(std::string& into) { isGood = isGood && unescape(next(), into); }
-    void take(std::optional<double>& into) {
-        const std::string_view field = next();
-        if (!field.empty())
-            isGood = isGood && parse(field, into.emplace());
+    template <typename Number> void field(Number& into) { isGood = isGood && parse(next(), into); }
+    void field(std::string& into) { isGood = isGood && unescape(next(), into); }
+    void field(std::optional<double>& into) {
+        const std::string_view text = next();
+        if (!text.empty())
+            isGood = isGood && parse(text, into.emplace());
     }
-    /// One of these words; its place among them.
-    template <typename Words> std::size_t takeWord(const Words& words) {
-        const std::string_view field = next();
-        for (std::size_t i = 0; i < words.size(); ++i) {
-            if (field == words[i])
-                return i;
-        }
-        isGood = false;
-        return 0;
+    void path(std::string& into) {
+        field(into);
+        isGood = isGood && into.starts_with('/');
     }
-    void takeName(std::string& into) {
-        take(into);
+    /// Must name something in a folder.
+    void name(std::string& into) {
+        field(into);
         isGood = isGood && NameOnDisk::isPossible(into);
     }
-    [[nodiscard]] bool hasMore() const { return !isAtEnd; }
+    void nameOrNone(std::string& into) {
+        field(into);
+        isGood = isGood && (into.empty() || NameOnDisk::isPossible(into));
+    }
+    /// One of these words; its place among them.
+    template <typename Value, typename Words> void word(Value& into, const Words& words) {
+        const auto found = std::ranges::find(words, next());
+        isGood = isGood && found != words.end();
+        into = static_cast<Value>(isGood ? found - words.begin() : 0);
+    }
+    /// What a line may end with.
+    template <typename Rest, typename Take> void rest(std::optional<Rest>& into, Take take) {
+        if (!isAtEnd)
+            take(into.emplace());
+    }
     [[nodiscard]] bool areGood() const { return isGood && isAtEnd; }
 
   private:
@@ -108,11 +137,11 @@ class Fields {
             isGood = false;
             return {};
         }
-        const std::size_t tab = rest.find('\t');
-        const std::string_view field = rest.substr(0, tab);
+        const std::size_t tab = remaining.find('\t');
+        const std::string_view field = remaining.substr(0, tab);
         isAtEnd = tab == std::string_view::npos;
         if (!isAtEnd)
-            rest.remove_prefix(tab + 1);
+            remaining.remove_prefix(tab + 1);
         return field;
     }
     template <typename Number> static bool parse(std::string_view field, Number& into) {
@@ -120,9 +149,89 @@ class Fields {
         return error == std::errc() && end == field.data() + field.size();
     }
 
-    std::string_view rest;
+    std::string_view remaining;
     bool isAtEnd = false;
     bool isGood = false;
+};
+
+/// The word that a kind of line begins with, and its fields in their order, for printing and for reading.
+template <typename Kind> struct LineOf;
+
+template <> struct LineOf<RunHeading> {
+    static constexpr std::string_view word = "run";
+    static void fields(auto& line, auto& heading) {
+        line.field(heading.time);
+        line.field(heading.process);
+        line.field(heading.bootId);
+        line.field(heading.who);
+        line.word(heading.what, kindNames);
+        line.field(heading.of);
+    }
+};
+
+template <> struct LineOf<Recipe> {
+    static constexpr std::string_view word = "recipe";
+    static void fields(auto& line, auto& recipe) { line.field(recipe.text); }
+};
+
+template <> struct LineOf<RecordedFolder> {
+    static constexpr std::string_view word = "dir";
+    static void fields(auto& line, auto& folder) {
+        line.field(folder.number);
+        line.field(folder.identity.device);
+        line.field(folder.volume);
+        line.field(folder.identity.inode);
+        line.field(folder.birthTime);
+        line.path(folder.path);
+    }
+};
+
+template <> struct LineOf<RecordedItem> {
+    static constexpr std::string_view word = "item";
+    static void fields(auto& line, auto& item) {
+        line.field(item.folder);
+        line.field(item.inode);
+        line.field(item.birthTime);
+        line.word(item.kind, kindWords);
+        line.name(item.oldName);
+        line.name(item.newName);
+        line.nameOrNone(item.standIn);
+        line.rest(item.look, [&](auto& look) {
+            line.field(look.size);
+            line.field(look.modified);
+        });
+    }
+};
+
+template <> struct LineOf<RunEnd> {
+    static constexpr std::string_view word = "done";
+    static void fields(auto& line, auto& end) {
+        line.field(end.changed);
+        line.field(end.failed);
+        line.field(end.time);
+        line.word(end.wasStopped, endWords);
+    }
+};
+
+template <> struct LineOf<Block> {
+    static constexpr std::string_view word = "block";
+    static void fields(auto& line, auto& block) {
+        line.field(block.lines);
+        line.field(block.checksum);
+    }
+};
+
+template <> struct LineOf<Late> {
+    static constexpr std::string_view word = "late";
+    static void fields(auto& line, auto& late) {
+        line.field(late.item);
+        line.field(late.inode);
+    }
+};
+
+template <> struct LineOf<NoFlag> {
+    static constexpr std::string_view word = "noflag";
+    static void fields(auto& line, auto& noFlag) { line.field(noFlag.device); }
 };
 
 } // namespace
@@ -136,149 +245,33 @@ std::string timeNow() {
     return text;
 }
 
-void print(const RunHeading& heading, std::string& into) {
-    into += "run";
-    appendEscaped(heading.time, into);
-    appendNumber(heading.process, into);
-    appendEscaped(heading.bootId, into);
-    appendEscaped(heading.who, into);
-    appendEscaped(nameOf(heading.what), into);
-    appendEscaped(heading.of, into);
+template <typename Kind> void print(const Kind& what, std::string& into) {
+    Printer line(LineOf<Kind>::word, into);
+    LineOf<Kind>::fields(line, what);
 }
 
-void printRecipe(std::string_view recipe, std::string& into) {
-    into += "recipe";
-    appendEscaped(recipe, into);
+template <typename Kind> std::optional<Kind> read(std::string_view line) {
+    Fields fields(LineOf<Kind>::word, line);
+    Kind what{};
+    LineOf<Kind>::fields(fields, what);
+    return fields.areGood() ? std::optional(std::move(what)) : std::nullopt;
 }
 
-void print(const RecordedFolder& folder, std::string& into) {
-    into += "dir";
-    appendNumber(folder.number, into);
-    appendNumber(folder.identity.device, into);
-    appendNumber(folder.volume, into);
-    appendNumber(folder.identity.inode, into);
-    appendTime(folder.birthTime, into);
-    appendEscaped(folder.path, into);
-}
-
-void print(const RecordedItem& item, std::string& into) {
-    into += "item";
-    appendNumber(item.folder, into);
-    appendNumber(item.inode, into);
-    appendTime(item.birthTime, into);
-    appendEscaped(kindWords[static_cast<std::size_t>(item.kind)], into);
-    appendEscaped(item.oldName, into);
-    appendEscaped(item.newName, into);
-    appendEscaped(item.standIn, into);
-    if (item.look) {
-        appendNumber(item.look->size, into);
-        appendNumber(item.look->modified, into);
-    }
-}
-
-void print(const RunEnd& end, std::string& into) {
-    into += "done";
-    appendNumber(end.changed, into);
-    appendNumber(end.failed, into);
-    appendEscaped(end.time, into);
-    appendEscaped(end.wasStopped ? "stopped" : "ended", into);
-}
-
-void printBlock(std::size_t lines, std::uint32_t checksum, std::string& into) {
-    into += "block";
-    appendNumber(lines, into);
-    appendNumber(checksum, into);
-}
-
-void printNoFlag(std::uint32_t device, std::string& into) {
-    into += noFlagWord;
-    appendNumber(device, into);
-}
-
-void printLate(std::size_t item, std::uint64_t inode, std::string& into) {
-    into += "late";
-    appendNumber(item, into);
-    appendNumber(inode, into);
-}
-
-std::optional<RunHeading> heading(std::string_view line) {
-    Fields fields(line, "run");
-    RunHeading heading;
-    fields.take(heading.time);
-    fields.take(heading.process);
-    fields.take(heading.bootId);
-    fields.take(heading.who);
-    heading.what = static_cast<RunKind>(fields.takeWord(kindNames));
-    fields.take(heading.of);
-    return fields.areGood() ? std::optional(heading) : std::nullopt;
-}
-
-std::optional<RecordedFolder> folder(std::string_view line) {
-    Fields fields(line, "dir");
-    RecordedFolder folder;
-    fields.take(folder.number);
-    fields.take(folder.identity.device);
-    fields.take(folder.volume);
-    fields.take(folder.identity.inode);
-    fields.take(folder.birthTime);
-    fields.take(folder.path);
-    if (!folder.path.starts_with('/'))
-        return std::nullopt;
-    return fields.areGood() ? std::optional(std::move(folder)) : std::nullopt;
-}
-
-std::optional<RecordedItem> item(std::string_view line) {
-    Fields fields(line, "item");
-    RecordedItem item;
-    fields.take(item.folder);
-    fields.take(item.inode);
-    fields.take(item.birthTime);
-    item.kind = static_cast<FileStatus::Kind>(fields.takeWord(kindWords));
-    fields.takeName(item.oldName);
-    fields.takeName(item.newName);
-    fields.take(item.standIn);
-    if (!item.standIn.empty() && !NameOnDisk::isPossible(item.standIn))
-        return std::nullopt;
-    if (fields.hasMore()) {
-        RecordedItem::Look& look = item.look.emplace();
-        fields.take(look.size);
-        fields.take(look.modified);
-    }
-    return fields.areGood() ? std::optional(std::move(item)) : std::nullopt;
-}
-
-std::optional<RunEnd> end(std::string_view line) {
-    Fields fields(line, "done");
-    RunEnd end;
-    fields.take(end.changed);
-    fields.take(end.failed);
-    fields.take(end.time);
-    end.wasStopped = fields.takeWord(std::array<std::string_view, 2>{"ended", "stopped"}) == 1;
-    return fields.areGood() ? std::optional(end) : std::nullopt;
-}
-
-std::optional<Block> block(std::string_view line) {
-    Fields fields(line, "block");
-    Block block{};
-    fields.take(block.lines);
-    fields.take(block.checksum);
-    return fields.areGood() ? std::optional(block) : std::nullopt;
-}
-
-std::optional<Late> late(std::string_view line) {
-    Fields fields(line, "late");
-    Late late{};
-    fields.take(late.item);
-    fields.take(late.inode);
-    return fields.areGood() ? std::optional(late) : std::nullopt;
-}
-
-std::optional<std::uint32_t> noFlag(std::string_view line) {
-    Fields fields(line, noFlagWord);
-    std::uint32_t device = 0;
-    fields.take(device);
-    return fields.areGood() ? std::optional(device) : std::nullopt;
-}
+template void print(const RunHeading&, std::string&);
+template void print(const Recipe&, std::string&);
+template void print(const RecordedFolder&, std::string&);
+template void print(const RecordedItem&, std::string&);
+template void print(const RunEnd&, std::string&);
+template void print(const Block&, std::string&);
+template void print(const Late&, std::string&);
+template void print(const NoFlag&, std::string&);
+template std::optional<RunHeading> read(std::string_view);
+template std::optional<RecordedFolder> read(std::string_view);
+template std::optional<RecordedItem> read(std::string_view);
+template std::optional<RunEnd> read(std::string_view);
+template std::optional<Block> read(std::string_view);
+template std::optional<Late> read(std::string_view);
+template std::optional<NoFlag> read(std::string_view);
 
 } // namespace runLine
 

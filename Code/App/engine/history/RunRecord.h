@@ -67,31 +67,27 @@ namespace runLine {
 inline constexpr std::string_view firstLine = "tavrin run 1";
 inline constexpr std::string_view anyFirstLine = "tavrin run ";
 
-void print(const RunHeading& heading, std::string& into);
-void print(const RecordedFolder& folder, std::string& into);
-void print(const RecordedItem& item, std::string& into);
-void print(const RunEnd& end, std::string& into);
-void printRecipe(std::string_view recipe, std::string& into);
-void printBlock(std::size_t lines, std::uint32_t checksum, std::string& into);
-void printNoFlag(std::uint32_t device, std::string& into);
-void printLate(std::size_t item, std::uint64_t inode, std::string& into);
-
+struct Recipe {
+    std::string text;
+};
+/// Stands behind so many lines, with their checksum.
 struct Block {
-    std::size_t lines;
-    std::uint32_t checksum;
+    std::size_t lines = 0;
+    std::uint32_t checksum = 0;
 };
+/// The run itself has found another inode than its plan had.
 struct Late {
-    std::size_t item; ///< counted from 0
-    std::uint64_t inode;
+    std::size_t item = 0; ///< counted from 0
+    std::uint64_t inode = 0;
 };
-[[nodiscard]] std::optional<RunHeading> heading(std::string_view line);
-[[nodiscard]] std::optional<RecordedFolder> folder(std::string_view line);
-[[nodiscard]] std::optional<RecordedItem> item(std::string_view line);
-[[nodiscard]] std::optional<RunEnd> end(std::string_view line);
-[[nodiscard]] std::optional<Block> block(std::string_view line);
-[[nodiscard]] std::optional<Late> late(std::string_view line);
-/// The device of which a "noflag" line tells.
-[[nodiscard]] std::optional<std::uint32_t> noFlag(std::string_view line);
+/// A device whose file system can't refuse a taken name.
+struct NoFlag {
+    std::uint32_t device = 0;
+};
+
+// Of RunHeading, Recipe, RecordedFolder, RecordedItem, RunEnd, Block, Late and NoFlag.
+template <typename Kind> void print(const Kind& what, std::string& into);
+template <typename Kind> [[nodiscard]] std::optional<Kind> read(std::string_view line);
 
 /// The name of a kind of run in records and in what is shown.
 [[nodiscard]] std::string_view nameOf(RunKind kind);

@@ -38,7 +38,7 @@ RunRecordReader::RunRecordReader(const std::string& path) {
     if (tail.empty() || tail.back() != '\n')
         return;
     tail.pop_back();
-    runEnd = runLine::end(std::string_view(tail).substr(tail.rfind('\n') + 1));
+    runEnd = runLine::read<RunEnd>(std::string_view(tail).substr(tail.rfind('\n') + 1));
 }
 
 void RunRecordReader::readHeading() {
@@ -50,7 +50,7 @@ void RunRecordReader::readHeading() {
         return;
     }
     const bool isRecord = hasFirstLine && line == runLine::firstLine && file.next(line);
-    const std::optional<RunHeading> found = isRecord ? runLine::heading(line) : std::nullopt;
+    const std::optional<RunHeading> found = isRecord ? runLine::read<RunHeading>(line) : std::nullopt;
     if (!found) {
         failure = "It is no record of a run.";
         return;
@@ -58,7 +58,7 @@ void RunRecordReader::readHeading() {
     runHeading = *found;
     static_cast<void>(file.next(line)); // the recipe
     if (file.next(line)) {
-        if (const auto folder = runLine::folder(line))
+        if (const auto folder = runLine::read<RecordedFolder>(line))
             topFolder = folder->path;
     }
 }
@@ -83,20 +83,20 @@ void RunRecordReader::examine() {
     OpenBlock open;
     bool hasBrokenBlock = false;
     for (std::string_view line; file.next(line);) {
-        if (const auto block = runLine::block(line)) {
+        if (const auto block = runLine::read<runLine::Block>(line)) {
             const bool counts =
                 open.isSound && block->lines == open.lines && block->checksum == open.checksum;
             if (counts && !hasBrokenBlock)
                 take(open);
             hasBrokenBlock |= !counts;
             open = {};
-        } else if (const auto late = runLine::late(line)) {
+        } else if (const auto late = runLine::read<runLine::Late>(line)) {
             lateInodes[late->item] = late->inode;
             hasDamage |= open.lines > 0;
-        } else if (const auto device = runLine::noFlag(line)) {
-            unflaggedDevices.insert(*device);
+        } else if (const auto noFlag = runLine::read<runLine::NoFlag>(line)) {
+            unflaggedDevices.insert(noFlag->device);
             hasDamage |= open.lines > 0;
-        } else if (runLine::end(line)) {
+        } else if (runLine::read<RunEnd>(line)) {
             hasDamage |= open.lines > 0;
         } else {
             add(line, open);
@@ -109,11 +109,11 @@ void RunRecordReader::examine() {
 void RunRecordReader::add(std::string_view line, OpenBlock& block) const {
     const std::size_t known = recordedFolders.size() + block.folders.size();
     if (line.starts_with("item\t")) {
-        const auto item = runLine::item(line);
+        const auto item = runLine::read<RecordedItem>(line);
         block.isSound = block.isSound && item && item->folder < known;
         ++block.items;
     } else if (line.starts_with("dir\t")) {
-        auto folder = runLine::folder(line);
+        auto folder = runLine::read<RecordedFolder>(line);
         block.isSound = block.isSound && folder && folder->number == known;
         if (block.isSound)
             block.folders.push_back(*std::move(folder));
@@ -143,7 +143,7 @@ void RunRecordReader::visitItems(const std::function<bool(const RecordedItem&, s
     file.rewind();
     std::size_t number = 0;
     for (std::string_view line; file.position() < intactEnd && file.next(line);) {
-        std::optional<RecordedItem> item = runLine::item(line);
+        std::optional<RecordedItem> item = runLine::read<RecordedItem>(line);
         if (!item)
             continue;
         if (const auto late = lateInodes.find(number); late != lateInodes.end())

@@ -3,8 +3,8 @@
 #include "actions/CompositeRenameAction.h"
 #include "actions/SortBasedAction.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/RenameEngineUtilities.h"
 #include "platform/metadata/MetadataTool.h"
 #include "platform/processes/RunLoop.h"
@@ -49,7 +49,7 @@ void replaceColons(std::u16string& name) {
 
 } // namespace
 
-ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(RenameEngine& owner) : ProcessingStage(owner) {}
+ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(EngineState& owner) : ProcessingStage(owner) {}
 
 ComputeProvisionalNamesStage::~ComputeProvisionalNamesStage() = default;
 

@@ -21,7 +21,7 @@ class FileMO;
 /// copy of the list, so that the user may go on editing.
 class ComputeProvisionalNamesStage final : public ProcessingStage {
   public:
-    explicit ComputeProvisionalNamesStage(RenameEngine& owner);
+    explicit ComputeProvisionalNamesStage(EngineState& owner);
     ~ComputeProvisionalNamesStage() override;
 
     /// False only when the run loop has ended, so that the list of actions can't be had.

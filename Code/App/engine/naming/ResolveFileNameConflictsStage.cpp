@@ -2,8 +2,8 @@
 
 #include "engine/naming/NameTable.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/RenameEngineUtilities.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"

@@ -17,7 +17,7 @@ class NameTable;
 /// the extension. Works once per set of read items.
 class ResolveFileNameConflictsStage final : public ProcessingStage {
   public:
-    explicit ResolveFileNameConflictsStage(RenameEngine& owner) : ProcessingStage(owner) {}
+    explicit ResolveFileNameConflictsStage(EngineState& owner) : ProcessingStage(owner) {}
 
     bool process() override;
     [[nodiscard]] std::string className() const override { return "ResolveFileNameConflictsStage"; }

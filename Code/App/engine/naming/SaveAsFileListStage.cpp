@@ -1,8 +1,8 @@
 #include "engine/naming/SaveAsFileListStage.h"
 
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "platform/files/AbsolutePaths.h"
 #include "platform/files/FileSystem.h"
 #include "store/contexts/StoreContext.h"

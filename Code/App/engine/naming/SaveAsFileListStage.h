@@ -11,7 +11,7 @@ namespace tavrin {
 /// Writes the old and new names of all shown items to a text file, in UTF-8 and sorted by name.
 class SaveAsFileListStage final : public ProcessingStage {
   public:
-    explicit SaveAsFileListStage(RenameEngine& owner) : ProcessingStage(owner) {}
+    explicit SaveAsFileListStage(EngineState& owner) : ProcessingStage(owner) {}
 
     /// Where to write, in bytes. An existing file is replaced by the whole new one, or stays as it is; where
     /// a link stands, the file that it leads to.

@@ -2,11 +2,10 @@
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/asking/ErrorReportManager.h"
-#include "engine/asking/RunQuestion.h"
+#include "engine/asking/UserQuestions.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/ExceptionText.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "platform/processes/RunLoop.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "store/contexts/StoreContext.h"
@@ -37,7 +36,7 @@ class Stopwatch {
 
 } // namespace
 
-ProcessingPipeline::ProcessingPipeline(RenameEngine& owner) : ProcessingStage(owner) {
+ProcessingPipeline::ProcessingPipeline(EngineState& owner) : ProcessingStage(owner) {
     settings = owner.host().globalSettings().values();
 }
 

@@ -17,7 +17,7 @@ class ItemStore;
 class ProcessingPipeline : public ProcessingStage {
   public:
     /// Takes the settings of the moment for the whole run.
-    explicit ProcessingPipeline(RenameEngine& owner);
+    explicit ProcessingPipeline(EngineState& owner);
     ~ProcessingPipeline() override;
 
     /// Works on this store instead of the host's; not owned.

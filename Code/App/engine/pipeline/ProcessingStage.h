@@ -9,7 +9,7 @@ namespace tavrin {
 
 class EngineHost;
 class ProgressInfo;
-class RenameEngine;
+class EngineState;
 class StoreContext;
 
 /// One step of a pipeline. Runs on the pipeline's worker thread against the pipeline's context; holds no
@@ -40,12 +40,12 @@ class ProcessingStage {
     void addError(std::string_view title, std::string_view message, std::string_view path);
 
   protected:
-    explicit ProcessingStage(RenameEngine& owner) : engine(owner) {}
+    explicit ProcessingStage(EngineState& owner) : engine(owner) {}
 
     /// Commits and drops the values of all rows, which are read anew when asked for.
     void saveAndRefaultObjects();
 
-    RenameEngine& engine;
+    EngineState& engine;
     Settings settings;
     ProgressInfo* progress = nullptr;
     StoreContext* context = nullptr;

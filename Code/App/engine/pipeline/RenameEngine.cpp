@@ -1,12 +1,15 @@
 #include "engine/pipeline/RenameEngine.h"
 
 #include "engine/history/NamesFromRecordStage.h"
+#include "engine/naming/ComputeProvisionalNamesStage.h"
+#include "engine/naming/ResolveFileNameConflictsStage.h"
+#include "engine/naming/SaveAsFileListStage.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/ProcessingPipeline.h"
-#include "engine/pipeline/RenameThreads.h"
-#include "engine/pipeline/ThreadDescription.h"
 #include "engine/planning/PrepareForRenamingStage.h"
+#include "engine/reading/AddFileSortingDataStage.h"
 #include "engine/reading/CleanUpStages.h"
+#include "engine/reading/ReadItemsIntoDatabaseStage.h"
 #include "engine/renaming/PerformRenameStage.h"
 #include "platform/processes/RunLoop.h"
 #include "store/contexts/StoreContext.h"
@@ -15,42 +18,35 @@
 #include "support/application/DebugLog.h"
 
 #include <algorithm>
-#include <exception>
+#include <thread>
 #include <utility>
 
 namespace tavrin {
 
 namespace {
 
-/// Raises a flag for as long as it lives.
-class RaisedFlag {
-  public:
-    explicit RaisedFlag(std::atomic<bool>& raised) : flag(raised) { flag = true; }
-    ~RaisedFlag() { flag = false; }
-    RaisedFlag(const RaisedFlag&) = delete;
-    RaisedFlag& operator=(const RaisedFlag&) = delete;
-
-  private:
-    std::atomic<bool>& flag;
-};
+/// The calling thread, as log lines name it.
+std::string threadDescription() {
+    return fmt::format("<thread {:x}>", std::hash<std::thread::id>()(std::this_thread::get_id()));
+}
 
 } // namespace
 
 RenameEngine::RenameEngine(EngineHost& host)
-    : application(host),
+    : EngineState(host),
       // Wakes whoever waits in the run loop for the engine to be idle.
-      threads(std::make_unique<RenameThreads>([this] { application.runLoop().post([] {}); })) {}
+      threads([this] { application.runLoop().post([] {}); }) {}
 
 RenameEngine::~RenameEngine() {
     ending = true;
     stopRequested = true;
-    threads->joinAll();
+    threads.joinAll();
 }
 
-bool RenameEngine::isBusy() const { return threads->areBusy(); }
+bool RenameEngine::isBusy() const { return threads.areBusy(); }
 
 void RenameEngine::processPreviewPipeline(ProgressInfo& progress) {
-    threads->detach([this, &progress, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+    threads.detach([this, &progress, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
         internalProcessPreviewThread(progress, *turn);
     });
 }
@@ -80,8 +76,8 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
                                  std::function<void(EngineHost&)> completion) {
     stopRequested = false;
     onMainThread([](EngineHost& host) { host.startProgressWindow(); });
-    threads->detach([this, &progress, andContinue, completion = std::move(completion),
-                     turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+    threads.detach([this, &progress, andContinue, completion = std::move(completion),
+                    turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
         const EngineTurns::Held lock(*turn);
         if (ending)
             return;
@@ -92,7 +88,7 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
 }
 
 void RenameEngine::readHistory(std::function<std::function<void()>(const RunHistory&)> look) {
-    threads->detach([this, look = std::move(look)] {
+    threads.detach([this, look = std::move(look)] {
         if (const std::function<void()> answer = look(RunHistory(history.folder)); answer && !ending)
             onMainThread([&](EngineHost&) { answer(); });
     });
@@ -104,8 +100,8 @@ void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest reque
     const bool showsRun = !request.isPreview;
     if (showsRun)
         onMainThread([](EngineHost& host) { host.startProgressWindow(); });
-    threads->detach([this, &progress, request = std::move(request), completion = std::move(completion),
-                     showsRun, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+    threads.detach([this, &progress, request = std::move(request), completion = std::move(completion),
+                    showsRun, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
         const EngineTurns::Held lock(*turn);
         if (ending)
             return;
@@ -145,8 +141,8 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
 void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shouldIncludeOnlyAffectedFiles,
                                            const std::string& path) {
     onMainThread([](EngineHost& host) { host.startProgressWindow(); });
-    threads->detach([this, arguments = FileListArguments{format, shouldIncludeOnlyAffectedFiles, path},
-                     turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+    threads.detach([this, arguments = FileListArguments{format, shouldIncludeOnlyAffectedFiles, path},
+                    turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
         const EngineTurns::Held lock(*turn);
         if (ending)
             return;
@@ -202,63 +198,44 @@ void RenameEngine::onMainThread(const std::function<void(EngineHost&)>& action) 
     application.runLoop().performAndWait([this, &action] { action(application); });
 }
 
-PassMarker RenameEngine::nextStageFlagCounter() {
-    constexpr int period = 100;
-    const int next = (stageFlagCounter + 1) % period;
-    stageFlagCounter = next;
-    return static_cast<PassMarker>(next);
+std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(ProgressInfo* progress) {
+    auto pipeline = std::make_unique<ProcessingPipeline>(*this);
+    pipeline->setProgressInfo(progress);
+    pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
+    pipeline->addStage(std::make_unique<ReadItemsIntoDatabaseStage>(*this));
+    pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
+    pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
+    if (pipeline->settingsOfRun().shouldPreviewConflictResolution)
+        pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    return pipeline;
 }
 
-bool RenameEngine::migrateToInMemoryStoreOnTheFly(StoreContext& context) {
-    debugLog("migrating to in memory store");
-    ItemStore& store = context.store();
-    {
-        const RaisedFlag noMerges(migrating);
-        if (store.kind() == ItemStore::Kind::memory)
-            return false;
-        debugLog("resetting UI thread context to avoid crash");
-        context.reset();
-        StoreContext& mainContext = application.managedObjectContext();
-        {
-            const std::lock_guard lock(mainContext.mutex());
-            mainContext.reset();
-        }
-        debugLog("current store: {}", store.description());
-        if (!store.migrateToMemory()) {
-            debugLog("migration failed!");
-            return false;
-        }
-    }
-    debugLog("deleting nodes files");
-    CleanUpFilesStage cleanUp(*this);
-    cleanUp.setManagedObjectContext(&context);
-    SourceItemManager::sharedInstance().resetCache();
-    debugLog("{}", cleanUp.process() ? "Clean up succeeded." : "Clean up failed!");
-    debugLog("Migration Complete.");
-    return true;
+std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(ProgressInfo* progress,
+                                                                         bool andContinue) {
+    auto pipeline = std::make_unique<ProcessingPipeline>(*this);
+    pipeline->needRows();
+    pipeline->setProgressInfo(progress);
+    pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
+    pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    pipeline->addStage(std::make_unique<PrepareForRenamingStage>(*this));
+    pipeline->addStage(std::make_unique<PerformRenameStage>(*this));
+    if (andContinue)
+        pipeline->addStage(std::make_unique<CleanUpFilesStage>(*this));
+    return pipeline;
 }
 
-void RenameEngine::computeTotalNumberOfFilesForContext(StoreContext& context, const ItemFilter& filter) {
-    const auto count = context.count(FetchEntity::file, FilterManager::currentFilterPredicate(filter));
-    context.changeEngineControl().totalNumberOfFiles = static_cast<std::int32_t>(count);
-}
-
-void RenameEngine::computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext& context) {
-    const auto count = context.count(FetchEntity::file, Predicate::always());
-    context.changeEngineControl().totalNumberOfFilesSelectedOrNot = static_cast<std::int32_t>(count);
-}
-
-void RenameEngine::computeNumberOfFilesThatNeedRenaming(StoreContext& context, const ItemFilter& filter) {
-    const auto count =
-        context.count(FetchEntity::file,
-                      FilterManager::currentFilterPredicate(filter).with(Predicate::isTrue(NodeKey::diff)));
-    context.changeEngineControl().numberOfFilesThatNeedRenaming = static_cast<std::int32_t>(count);
-}
-
-void RenameEngine::computeNumberOfFolders(StoreContext& context, const ItemFilter& filter) {
-    const auto count = context.count(FetchEntity::node, FilterManager::currentFilterPredicate(filter).with(
-                                                            Predicate::isTrue(NodeKey::treatAsFolder)));
-    context.changeEngineControl().numberOfFolders = static_cast<std::int32_t>(count);
+std::unique_ptr<ProcessingPipeline>
+RenameEngine::createSaveToFileListPipeline(const FileListArguments& arguments) {
+    auto pipeline = std::make_unique<ProcessingPipeline>(*this);
+    pipeline->needRows();
+    pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    auto save = std::make_unique<SaveAsFileListStage>(*this);
+    save->setShouldIncludeOnlyAffectedFiles(arguments.shouldIncludeOnlyAffectedFiles);
+    save->setFormat(arguments.format);
+    save->setPath(arguments.path);
+    save->setReason(arguments.reason);
+    pipeline->addStage(std::move(save));
+    return pipeline;
 }
 
 } // namespace tavrin

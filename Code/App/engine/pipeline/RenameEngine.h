@@ -1,13 +1,10 @@
 #pragma once
 
-#include "engine/history/RunPurpose.h"
 #include "engine/history/TakeBack.h"
-#include "engine/pipeline/EngineTurns.h"
-#include "store/queries/FilterManager.h"
-#include "store/queries/Predicate.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/EngineThreads.h"
 
 #include <atomic>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -18,19 +15,15 @@ namespace tavrin {
 class EngineHost;
 class ProcessingPipeline;
 class ProgressInfo;
-class RenameThreads;
-class StoreContext;
 
 /// Decides which pipelines exist and how they reach a thread: each request gets a thread of its own, one
 /// pipeline runs at a time under the engine's lock, and of waiting previews only the last in line runs.
-class RenameEngine {
+class RenameEngine : public EngineState {
   public:
     explicit RenameEngine(EngineHost& host);
     /// Asks a running rename to stop and waits for all threads. These may be waiting for the main thread, so
     /// the run loop must have been closed or be running on another thread.
     ~RenameEngine();
-    RenameEngine(const RenameEngine&) = delete;
-    RenameEngine& operator=(const RenameEngine&) = delete;
 
     // Main thread; each returns at once.
     void processPreviewPipeline(ProgressInfo& progress);
@@ -68,33 +61,6 @@ class RenameEngine {
     [[nodiscard]] std::unique_ptr<ProcessingPipeline>
     createSaveToFileListPipeline(const FileListArguments& arguments);
 
-    /// Where runs are recorded; nowhere at first. Set before the first request.
-    void setHistoryPlace(HistoryPlace newPlace) { history = std::move(newPlace); }
-    [[nodiscard]] const HistoryPlace& historyPlace() const { return history; }
-
-    /// The next pass marker; the first is 2, after 99 comes 0.
-    PassMarker nextStageFlagCounter();
-
-    /// Switches the failing pipeline's store into memory; false when it is there already. Worker thread.
-    bool migrateToInMemoryStoreOnTheFly(StoreContext& context);
-    [[nodiscard]] bool busyMigratingStore() const { return migrating; }
-
-    /// The value that `manualOrder` of the next row gets; goes up for the life of the engine.
-    std::int32_t nextManualOrder() { return manualOrderCounter++; }
-
-    [[nodiscard]] EngineHost& host() const { return application; }
-
-    /// Asks the running rename to stop after the step in hand, as if the user had answered "stop". Any
-    /// thread, also a signal's helper thread. Starting a rename takes it back.
-    void requestStop() { stopRequested = true; }
-    [[nodiscard]] bool isStopRequested() const { return stopRequested; }
-
-    // Counters of the EngineControl row of the given context.
-    void computeTotalNumberOfFilesForContext(StoreContext& context, const ItemFilter& filter);
-    void computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext& context);
-    void computeNumberOfFilesThatNeedRenaming(StoreContext& context, const ItemFilter& filter);
-    void computeNumberOfFolders(StoreContext& context, const ItemFilter& filter);
-
   private:
     void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
     TakeBackResult takeBack(ProgressInfo& progress, const TakeBackRequest& request);
@@ -103,18 +69,12 @@ class RenameEngine {
     /// Runs the action on the main thread and waits for it.
     void onMainThread(const std::function<void(EngineHost&)>& action);
 
-    EngineHost& application;
-    HistoryPlace history;
     EngineTurns engineLock;
     std::mutex previewPipelinesWaitingToken;
     std::atomic<int> previewPipelinesWaiting{0};
-    std::atomic<int> stageFlagCounter{1};
-    std::atomic<bool> migrating{false};
-    std::atomic<bool> stopRequested{false};
     std::atomic<bool> ending{false};
     std::atomic<bool> rereadRequested{false};
-    std::int32_t manualOrderCounter = 0; // touched under the engine's lock only
-    std::unique_ptr<RenameThreads> threads;
+    RenameThreads threads;
 };
 
 } // namespace tavrin

@@ -1,7 +1,7 @@
 #include "engine/planning/PrepareForRenamingStage.h"
 
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"

@@ -15,7 +15,7 @@ namespace tavrin {
 /// holds, and how deep each item lies. Touches no file; what it finds stands in the rows.
 class PrepareForRenamingStage final : public ProcessingStage {
   public:
-    explicit PrepareForRenamingStage(RenameEngine& owner) : ProcessingStage(owner) {}
+    explicit PrepareForRenamingStage(EngineState& owner) : ProcessingStage(owner) {}
 
     bool process() override;
     [[nodiscard]] std::string className() const override { return "PrepareForRenamingStage"; }

@@ -1,8 +1,8 @@
 #include "engine/reading/AddFileSortingDataStage.h"
 
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/EngineState.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "platform/metadata/ExifHelper.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"

@@ -13,7 +13,7 @@ namespace tavrin {
 /// Gives each new row the values that the sort orders go by: dates, size, shooting date. Once per row.
 class AddFileSortingDataStage final : public ProcessingStage {
   public:
-    explicit AddFileSortingDataStage(RenameEngine& owner) : ProcessingStage(owner) {}
+    explicit AddFileSortingDataStage(EngineState& owner) : ProcessingStage(owner) {}
 
     bool process() override;
     [[nodiscard]] std::string className() const override { return "AddFileSortingDataStage"; }

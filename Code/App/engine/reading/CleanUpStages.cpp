@@ -1,6 +1,6 @@
 #include "engine/reading/CleanUpStages.h"
 
-#include "engine/pipeline/StageProgress.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "store/contexts/StoreContext.h"
 
 namespace tavrin {

@@ -21,7 +21,7 @@ class CleanUpStage : public ProcessingStage {
 
 class CleanUpProcessingErrorsStage final : public CleanUpStage {
   public:
-    explicit CleanUpProcessingErrorsStage(RenameEngine& owner) : CleanUpStage(owner) {}
+    explicit CleanUpProcessingErrorsStage(EngineState& owner) : CleanUpStage(owner) {}
     [[nodiscard]] std::string className() const override { return "CleanUpProcessingErrorsStage"; }
     [[nodiscard]] std::string stageDescription() const override;
 
@@ -32,7 +32,7 @@ class CleanUpProcessingErrorsStage final : public CleanUpStage {
 
 class CleanUpFilesStage final : public CleanUpStage {
   public:
-    explicit CleanUpFilesStage(RenameEngine& owner) : CleanUpStage(owner) {}
+    explicit CleanUpFilesStage(EngineState& owner) : CleanUpStage(owner) {}
     [[nodiscard]] std::string className() const override { return "CleanUpFilesStage"; }
     [[nodiscard]] std::string stageDescription() const override;
 

@@ -21,7 +21,7 @@ namespace tavrin {
 /// path.
 class ReadItemsIntoDatabaseStage final : public ProcessingStage {
   public:
-    explicit ReadItemsIntoDatabaseStage(RenameEngine& owner) : ProcessingStage(owner) {}
+    explicit ReadItemsIntoDatabaseStage(EngineState& owner) : ProcessingStage(owner) {}
 
     /// False when there is nothing on the list.
     bool process() override;
@@ -29,7 +29,7 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     [[nodiscard]] std::string stageDescription() const override;
 
   private:
-    friend class FolderWalk;
+    class FolderWalk;
 
     /// What decides how a source item is read.
     struct Kind {

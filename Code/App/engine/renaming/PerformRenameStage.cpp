@@ -5,15 +5,16 @@
 #include "engine/history/RunHistory.h"
 #include "engine/history/RunJournal.h"
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
-#include "engine/planning/RenameChain.h"
+#include "engine/pipeline/EngineState.h"
 #include "engine/renaming/RenameRing.h"
 #include "engine/renaming/RenameRun.h"
 #include "platform/processes/RunLoop.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "store/contexts/StoreContext.h"
 #include "store/queries/FilterManager.h"
+#include "support/application/DebugLog.h"
 #include "support/application/MacOSXVersion.h"
+#include "support/text/PathParts.h"
 
 #include <algorithm>
 
@@ -28,7 +29,7 @@ constexpr std::string_view switchedKey = "alreadySwitchedToLionModeOnce";
 
 } // namespace
 
-PerformRenameStage::PerformRenameStage(RenameEngine& owner, std::shared_ptr<const RunPurpose> whatFor)
+PerformRenameStage::PerformRenameStage(EngineState& owner, std::shared_ptr<const RunPurpose> whatFor)
     : ProcessingStage(owner), purpose(whatFor ? std::move(whatFor) : std::make_shared<RunPurpose>()) {}
 
 PerformRenameStage::~PerformRenameStage() = default;
@@ -170,9 +171,64 @@ void PerformRenameStage::performItem(RowId id) {
     if (row.mustBeSwapped && partner != noRow)
         RenameRing(*run, {id, partner}).resolve();
     else if (row.canBeRenamedIndependently)
-        RenameChain(*run).walk(id);
+        walkChain(id);
     else
         performWaitingItem(id);
+}
+
+void PerformRenameStage::walkChain(RowId head) {
+    run->item.moveTo(head);
+    // The head decides for all.
+    const bool treatAsRoot = run->item.isRoot();
+    for (RowId id = head; id != noRow;) {
+        if (!performInChain(id == head, treatAsRoot))
+            return;
+        id = context->row(id).mustBeRenamedBefore;
+        // Links of a sound plan never lead back; those of a broken one must not lead round for ever.
+        if (id == noRow || context->stageFlag(id) == run->marker || !context->exists(id))
+            return;
+        debugLog("****** dependency chain resolved ");
+        run->item.moveTo(id);
+    }
+}
+
+bool PerformRenameStage::performInChain(bool isHead, bool treatAsRoot) {
+    if (run->questions.shouldAbort())
+        return false;
+    const UserQuestions::Decision decision = ask(isHead);
+    if (decision == UserQuestions::Decision::stop)
+        return false;
+    if (decision == UserQuestions::Decision::perform)
+        renameItem(treatAsRoot);
+    context->setStageFlag(run->item.id(), run->marker);
+    return true;
+}
+
+UserQuestions::Decision PerformRenameStage::ask(bool isHead) {
+    RenameItem& item = run->item;
+    if (!run->questions.isInteractive())
+        return UserQuestions::Decision::perform;
+    RenameQuestion question{item.folder(), std::nullopt, item.shownName(), item.shownFinalName()};
+    if (isHead)
+        question.fullPath = item.fullPath();
+    return run->questions.confirmRename(question);
+}
+
+void PerformRenameStage::renameItem(bool treatAsRoot) {
+    RenameItem& item = run->item;
+    RenamePrimitives& primitives = run->primitives;
+    const bool worked = run->isInPlace(item.id()) ? primitives.renameItem(item)
+                                                  : primitives.refuse("It has been renamed already");
+    if (worked) {
+        if (treatAsRoot)
+            run->sourceItems.change(item.fullPath(), joinedPath(item.folder(), item.newComponent()));
+        run->noteMoved(item.id());
+        run->noteTakenPlace(context->row(item.id()).cannotBeRenamedBefore);
+    } else {
+        run->fail("Could not change a file name", primitives.failureReasonString(), item.fullPath());
+    }
+    run->report.describeItem(
+        [&] { return fmt::format("Renaming {} to {}", item.fullPath(), item.shownFinalName()); });
 }
 
 /// What waits for a name and was reached by no chain: members of a ring, and items that wait in vain.
@@ -192,7 +248,7 @@ void PerformRenameStage::performWaitingItem(RowId id) {
     // The last one first: if its name is free all the same, the others can follow.
     for (; !way.empty() && !run->questions.shouldAbort(); way.pop_back()) {
         if (context->stageFlag(way.back()) != run->marker)
-            RenameChain(*run).walk(way.back());
+            walkChain(way.back());
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "engine/history/RunPurpose.h"
+#include "engine/asking/UserQuestions.h"
+#include "engine/history/TakeBack.h"
 #include "engine/pipeline/ProcessingStage.h"
 #include "store/queries/Predicate.h"
 #include "store/rows/NodeRow.h"
@@ -19,7 +20,7 @@ struct RenameRun;
 /// history.
 class PerformRenameStage final : public ProcessingStage {
   public:
-    explicit PerformRenameStage(RenameEngine& owner, std::shared_ptr<const RunPurpose> whatFor = nullptr);
+    explicit PerformRenameStage(EngineState& owner, std::shared_ptr<const RunPurpose> whatFor = nullptr);
     ~PerformRenameStage() override;
 
     bool process() override;
@@ -39,6 +40,13 @@ class PerformRenameStage final : public ProcessingStage {
     bool performBatch(const FetchRequest& request);
     void performItem(RowId id);
     void performWaitingItem(RowId id);
+    /// Renames an item whose name to be is free, then the sibling that waits for the name it has left, and so
+    /// on. A member that fails or is left out does not end the walk.
+    void walkChain(RowId head);
+    /// The item in hand; false when the run is to stop.
+    bool performInChain(bool isHead, bool treatAsRoot);
+    UserQuestions::Decision ask(bool isHead);
+    void renameItem(bool treatAsRoot);
     /// The sibling whose name this item waits for, if it will still leave it.
     [[nodiscard]] RowId holderOfWantedName(RowId id);
     void setCounters();

@@ -71,26 +71,4 @@ std::string RenameEngineUtilities::contentsOfDatabaseAsString(StoreContext& cont
     return text;
 }
 
-void RenameEngineUtilities::printContentsOfDatabase(StoreContext& context) {
-    static_cast<void>(contentsOfDatabaseAsString(context));
-}
-
-void RenameEngineUtilities::printNodeHierarchy(StoreContext& context) {
-    for (const SourceItem& item : context.sourceItems()) {
-        const RowId id = context.nodeWithPath(item.path);
-        if (id == noRow)
-            continue;
-        debugLog("Node Hierarchy:");
-        if (const RowId parent = context.row(id).parent; parent != noRow)
-            printOneNodeHierarchyTree(context, parent, 0);
-    }
-}
-
-void RenameEngineUtilities::printOneNodeHierarchyTree(StoreContext& context, RowId startingFrom, int depth) {
-    const NodeEntity entity = context.row(startingFrom).entity;
-    debugLog("{}: {} at {}", depth, entityName(entity), context.fullPath(startingFrom));
-    for (const RowId child : context.children(startingFrom))
-        printOneNodeHierarchyTree(context, child, depth + 1);
-}
-
 } // namespace tavrin

@@ -20,10 +20,6 @@ struct RenameEngineUtilities {
 
     /// The counters, the source items and all rows with their paths, in bytes; also written to the log.
     static std::string contentsOfDatabaseAsString(StoreContext& context);
-    static void printContentsOfDatabase(StoreContext& context);
-    /// Logs the rows around each source item, from its folder down.
-    static void printNodeHierarchy(StoreContext& context);
-    static void printOneNodeHierarchyTree(StoreContext& context, RowId startingFrom, int depth);
 };
 
 } // namespace tavrin

@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
@@ -69,7 +70,7 @@ bool RenamePrimitives::check(RenameItem& item) {
     return true;
 }
 
-bool RenamePrimitives::renameItem(RenameItem& item, bool treatAsRoot) {
+bool RenamePrimitives::renameItem(RenameItem& item) {
     const std::string& from = item.component();
     const std::string& to = item.newComponent();
     if (debugLogIsOn())
@@ -94,20 +95,26 @@ bool RenamePrimitives::renameItem(RenameItem& item, bool treatAsRoot) {
         if (comment && !comment->empty())
             static_cast<void>(
                 FileManager::instance().changeFinderComment(*comment, joinedPath(item.folder(), to)));
-        if (treatAsRoot)
-            parts.sourceItems.change(item.fullPath(), joinedPath(item.folder(), to));
-    } else if (attempt.error == EEXIST) {
-        sentence = nameTakenReason;
-        detail.clear();
     } else {
         if (!parts.mover.leftUnder().empty())
             ++actuallyRenamedCounter; // its name is another one, though not the planned
-        const bool isGone = attempt.error == ENOENT && !isStillThere(attempt);
-        refuse((isGone ? std::string(gone) : systemReason(attempt.error, from, to, attempt.place)) +
-               whereItLies());
+        explain(attempt);
     }
     parts.report.item(actuallyRenamedCounter);
     return worked;
+}
+
+void RenamePrimitives::explain(const Attempt& attempt) {
+    const std::string place = whereItLies();
+    if (attempt.error == EEXIST) {
+        sentence = nameTakenReason;
+        detail = place.substr(std::min(place.size(), std::string_view(". ").size()));
+        return;
+    }
+    const bool isGone = attempt.error == ENOENT && !isStillThere(attempt);
+    refuse(
+        (isGone ? std::string(gone) : systemReason(attempt.error, attempt.from, attempt.to, attempt.place)) +
+        place);
 }
 
 bool RenamePrimitives::refuse(std::string_view reason) {

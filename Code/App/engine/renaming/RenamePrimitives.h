@@ -1,11 +1,9 @@
 #pragma once
 
-#include "engine/pipeline/StageProgress.h"
-#include "engine/planning/RenameItem.h"
-#include "engine/reading/SourceItemChanges.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/NameMover.h"
+#include "engine/renaming/RenameItem.h"
 #include "engine/renaming/RunFolders.h"
-#include "engine/renaming/StandIns.h"
 
 #include <cstdint>
 #include <functional>
@@ -22,7 +20,6 @@ class RenamePrimitives {
         RunFolders& folders;
         StandIns& standIns;
         NameMover& mover;
-        SourceItemChanges& sourceItems;
         StageProgress report;
     };
     explicit RenamePrimitives(const Parts& units) : parts(units) {}
@@ -37,7 +34,7 @@ class RenamePrimitives {
     /// Looks at the item; false with a reason if it must not be renamed.
     bool check(RenameItem& item);
     /// Checks the item and gives it its final name. A name that no file can bear fails like any other.
-    bool renameItem(RenameItem& item, bool treatAsRoot);
+    bool renameItem(RenameItem& item);
     /// A step that is not to be tried at all: fails with the default reason and this detail.
     bool refuse(std::string_view detail);
     /// Whether the mode is one of those that there are; else every rename fails.
@@ -69,6 +66,8 @@ class RenamePrimitives {
         int error = 0;
     };
 
+    /// Leaves the reason of a failed attempt.
+    void explain(const Attempt& attempt);
     bool tryRoutes(Attempt& attempt);
     bool tryRoute(Route route, Attempt& attempt);
     [[nodiscard]] bool isStillThere(const Attempt& attempt) const;

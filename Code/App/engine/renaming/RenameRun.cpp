@@ -1,17 +1,46 @@
 #include "engine/renaming/RenameRun.h"
 
 #include "engine/pipeline/EngineHost.h"
-#include "engine/pipeline/RenameEngine.h"
+#include "engine/pipeline/EngineState.h"
 #include "platform/processes/RunLoop.h"
 #include "store/contexts/StoreContext.h"
+#include "store/sources/SourceItemManager.h"
+#include "support/application/DebugLog.h"
+
+#include <fmt/ranges.h>
+
+#include <utility>
 
 namespace tavrin {
 
-RenameRun::RenameRun(RenameEngine& owner, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
+void SourceItemChanges::change(std::string from, std::string to) {
+    changeFrom.push_back(std::move(from));
+    changeTo.push_back(std::move(to));
+}
+
+void SourceItemChanges::apply() {
+    debugLog("-- finished renaming, now removing old source times, then adding new source items");
+    if (debugLogIsOn()) {
+        debugLog("source item paths to be changed from {} to {}", fmt::join(changeFrom, ", "),
+                 fmt::join(changeTo, ", "));
+        debugLog("source item paths to be removed: {}", fmt::join(toBeRemoved, ", "));
+        debugLog("source item paths to be added: {}", fmt::join(toBeAdded, ", "));
+    }
+    SourceItemManager& manager = SourceItemManager::sharedInstance();
+    for (std::size_t i = 0; i < changeFrom.size(); ++i)
+        manager.changeTo(changeFrom[i], changeTo[i]);
+    for (const std::string& path : toBeRemoved)
+        manager.removeItem(path);
+    for (const std::string& path : toBeAdded)
+        manager.addSourceItem(path);
+    for (auto* paths : {&changeFrom, &changeTo, &toBeRemoved, &toBeAdded})
+        paths->clear();
+}
+
+RenameRun::RenameRun(EngineState& owner, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
                      bool shouldBeInteractive)
     : context(store), item(store), report(progress), folders(FileSystem::sharedInstance()),
-      standIns(store, folders), mover(volumeEvents()),
-      primitives({folders, standIns, mover, sourceItems, report}),
+      standIns(store, folders), mover(volumeEvents()), primitives({folders, standIns, mover, report}),
       questions(owner, stage, shouldBeInteractive), marker(owner.nextStageFlagCounter()), engine(owner) {}
 
 VolumeEvents RenameRun::volumeEvents() {

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "engine/asking/UserQuestions.h"
-#include "engine/pipeline/StageProgress.h"
-#include "engine/planning/RenameItem.h"
-#include "engine/reading/SourceItemChanges.h"
+#include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/NameMover.h"
+#include "engine/renaming/RenameItem.h"
 #include "engine/renaming/RenamePrimitives.h"
 #include "engine/renaming/RunFolders.h"
-#include "engine/renaming/StandIns.h"
 #include "store/queries/FilterManager.h"
 
 #include <cstdint>
@@ -36,9 +34,27 @@ class RowSet {
     std::vector<bool> bits;
 };
 
+/// What the renames of one batch mean for the list of paths that the user added.
+class SourceItemChanges {
+  public:
+    void change(std::string from, std::string to);
+    void remove(std::string path) { toBeRemoved.push_back(std::move(path)); }
+    void add(std::string path) { toBeAdded.push_back(std::move(path)); }
+
+    /// Tells SourceItemManager: changes, then removals, then additions, since a swap removes and adds the
+    /// same two paths. Empties the lists.
+    void apply();
+
+  private:
+    std::vector<std::string> changeFrom;
+    std::vector<std::string> changeTo;
+    std::vector<std::string> toBeRemoved;
+    std::vector<std::string> toBeAdded;
+};
+
 /// What the units of one run share. Worker thread only.
 struct RenameRun {
-    RenameRun(RenameEngine& engine, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
+    RenameRun(EngineState& engine, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
               bool shouldBeInteractive);
     RenameRun(const RenameRun&) = delete;
     RenameRun& operator=(const RenameRun&) = delete;
@@ -76,7 +92,7 @@ struct RenameRun {
     [[nodiscard]] VolumeEvents volumeEvents();
     void tellUnguarded(const RunFolders::Place& place);
 
-    RenameEngine& engine;
+    EngineState& engine;
     RowSet moved;
     std::set<std::uint32_t> unflagged; ///< devices
     std::set<std::uint32_t> unguarded;

@@ -29,21 +29,23 @@ constexpr int deafMilliseconds = 300;
 /// The questions that have sheets, in the order in which they are told apart.
 struct Words {
     const char* name;
-    const char* head;
-    const char* all;
-    const char* one;
-    const char* leaveOut;
+    QString head;
+    QString all;
+    QString one;
+    QString leaveOut;
 };
 
+QString tr(const char* text) { return ConfirmationSheetWindow::tr(text); }
+
 const Words& wordsOf(const RunQuestion& question) {
-    static constexpr std::array words{
-        Words{"confirmRenameWindow", "Rename this item?", "Rename &All Without Asking", "&Rename This One",
-              "S&kip This One"},
-        Words{"confirmSwapWindow", "Swap these two names?", "Swap and Rename &All Without Asking",
-              "&Swap These", "S&kip These"},
-        Words{"confirmNameCycleWindow", "Some names in this folder go round in a circle.",
-              "Rename &All Without Asking", "&Rename These", "S&kip These"},
-        Words{"reportProblemWindow", "", "Continue Without &Further Reports", "&Continue", ""},
+    static const std::array words{
+        Words{"confirmRenameWindow", tr("Rename this item?"), tr("Rename &All Without Asking"),
+              tr("&Rename This One"), tr("S&kip This One")},
+        Words{"confirmSwapWindow", tr("Swap these two names?"), tr("Swap and Rename &All Without Asking"),
+              tr("&Swap These"), tr("S&kip These")},
+        Words{"confirmNameCycleWindow", tr("Some names in this folder go round in a circle."),
+              tr("Rename &All Without Asking"), tr("&Rename These"), tr("S&kip These")},
+        Words{"reportProblemWindow", {}, tr("Continue Without &Further Reports"), tr("&Continue"), {}},
     };
     return words.at(question.index());
 }
@@ -112,29 +114,31 @@ struct Texts {
         const std::u16string before = displayed(question.oldName);
         const std::u16string after = displayed(question.newName);
         const NameDifference difference = NameDifference::between(before, after);
-        form.addRow("From:",
+        form.addRow(tr("From:"),
                     textLabel(tinted(before, difference.removed, colours.removedTint, colours.removedText),
                               Qt::RichText));
-        form.addRow("To:", textLabel(tinted(after, difference.added, colours.addedTint, colours.addedText),
-                                     Qt::RichText));
-        form.addRow("In folder:", folderLink(question.path));
+        form.addRow(
+            tr("To:"),
+            textLabel(tinted(after, difference.added, colours.addedTint, colours.addedText), Qt::RichText));
+        form.addRow(tr("In folder:"), folderLink(question.path));
     }
     void operator()(const SwapQuestion& question) const {
         column.addWidget(textLabel(ShownName::of(displayed(question.oldName), false) + "\n⇄\n" +
                                        ShownName::of(displayed(question.newName), false),
                                    Qt::PlainText));
-        column.addWidget(textLabel("Each takes the other’s name.", Qt::PlainText));
-        form.addRow("In folder:", folderLink(question.path));
+        column.addWidget(textLabel(tr("Each takes the other’s name."), Qt::PlainText));
+        form.addRow(tr("In folder:"), folderLink(question.path));
     }
     void operator()(const NameCycleQuestion& question) const {
-        form.addRow("In folder:", folderLink(question.fullPath));
+        form.addRow(tr("In folder:"), folderLink(question.fullPath));
         column.addWidget(textLabel(
-            "Each of these items takes the name of the next. They are renamed together or not at all.",
+            tr("Each of these items takes the name of the next. They are renamed together or not at all."),
             Qt::PlainText));
     }
     void operator()(const ProblemReport& report) const {
         column.addWidget(messageText("problemMessage", toQString(displayed(report.message))));
-        form.addRow("Item:", messageText("problemItem", ShownName::of(displayed(report.fullPath), false)));
+        form.addRow(tr("Item:"),
+                    messageText("problemItem", ShownName::of(displayed(report.fullPath), false)));
     }
     void operator()(const auto&) const {}
 };
@@ -172,8 +176,7 @@ ConfirmationSheetWindow::ConfirmationSheetWindow(QWidget* parent, const RunQuest
 void ConfirmationSheetWindow::addTexts(const RunQuestion& question, QVBoxLayout& column) {
     const auto* report = std::get_if<ProblemReport>(&question);
     QLabel* head =
-        textLabel(report ? toQString(displayed(report->title)) : QString::fromUtf8(wordsOf(question).head),
-                  Qt::PlainText);
+        textLabel(report ? toQString(displayed(report->title)) : wordsOf(question).head, Qt::PlainText);
     QFont large = head->font();
     large.setPointSizeF(large.pointSizeF() * 1.2);
     large.setWeight(QFont::DemiBold);
@@ -188,17 +191,17 @@ void ConfirmationSheetWindow::addButtons(const RunQuestion& question, QVBoxLayou
     const Words& words = wordsOf(question);
     auto* row = new QHBoxLayout;
     column.addLayout(row);
-    const auto addButton = [&](const char* name, const char* text, ConfirmationChoice choice) {
-        auto* button = new QPushButton(QString::fromUtf8(text));
+    const auto addButton = [&](const char* name, const QString& text, ConfirmationChoice choice) {
+        auto* button = new QPushButton(text);
         button->setObjectName(name);
         button->setAutoDefault(false);
         row->addWidget(button);
         connect(button, &QPushButton::clicked, this, [this, choice] { give(choice); });
         return button;
     };
-    addButton("confirmStop", "Stop", ConfirmationChoice::stop);
+    addButton("confirmStop", tr("Stop"), ConfirmationChoice::stop);
     row->addStretch(1);
-    const auto offer = [&](const char* name, const char* text, ConfirmationChoice choice) {
+    const auto offer = [&](const char* name, const QString& text, ConfirmationChoice choice) {
         const auto allowed = allowedAnswers(question);
         return std::ranges::find(allowed, choice) == allowed.end() ? nullptr : addButton(name, text, choice);
     };

@@ -13,6 +13,8 @@ namespace tavrin {
 /// has opened it is deaf, so that a key held down does not answer one question after the other. Its object
 /// name is that of the question ("confirmRenameWindow" …).
 class ConfirmationSheetWindow final : public QDialog {
+    Q_OBJECT
+
   public:
     /// `thumbnails`: the item is pictured by its content.
     ConfirmationSheetWindow(QWidget* parent, const RunQuestion& question, bool thumbnails,

@@ -26,21 +26,21 @@ QString shownPath(const ProcessingError& error) { return ShownName::of(text::fro
 ErrorWindow::ErrorWindow(QWidget* parent, const FailureReport& report)
     : QDialog(parent), errors(report.errors), list(new QListWidget) {
     setObjectName("errorWindow");
-    setWindowTitle("Some items were not renamed");
+    setWindowTitle(tr("Some items were not renamed"));
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::WindowModal);
     resize(680, 420);
     QString text = toQString(notRenamedText(report.notRenamed));
     if (report.notRenamed > errors.size())
-        text += " Those that you have been told of during the run are not listed again.";
+        text += ' ' + tr("Those that you have been told of during the run are not listed again.");
     auto* head = new QLabel(text + '\n' + toQString(report.done));
     head->setObjectName("errorHead");
     head->setWordWrap(true);
     auto* message = new MessageText(3);
     message->setObjectName("errorMessage");
-    message->setAccessibleName("Reason");
+    message->setAccessibleName(tr("Reason"));
     list->setObjectName("errorList");
-    list->setAccessibleName("Failures");
+    list->setAccessibleName(tr("Failures"));
     list->setUniformItemSizes(true);
     list->setSpacing(2);
     list->setTextElideMode(Qt::ElideMiddle);
@@ -52,7 +52,7 @@ ErrorWindow::ErrorWindow(QWidget* parent, const FailureReport& report)
     });
     list->setCurrentRow(0);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
-    QPushButton* copy = buttons->addButton("&Copy All", QDialogButtonBox::ActionRole);
+    QPushButton* copy = buttons->addButton(tr("&Copy All"), QDialogButtonBox::ActionRole);
     copy->setObjectName("copyErrors");
     connect(copy, &QPushButton::clicked, this, [this] { copyAll(); });
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -12,6 +12,8 @@ namespace tavrin {
 /// The failures of a run, with the message of the selected one, and how many items they concern. Copying
 /// takes all rows, or what is selected of the message. Object name "errorWindow".
 class ErrorWindow final : public QDialog {
+    Q_OBJECT
+
   public:
     ErrorWindow(QWidget* parent, const FailureReport& report);
 

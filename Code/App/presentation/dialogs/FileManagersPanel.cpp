@@ -15,20 +15,20 @@ namespace tavrin {
 
 namespace {
 
-const char* textOf(MenuState state) {
+QString textOf(MenuState state) {
     switch (state) {
     case MenuState::absent:
-        return "no entry";
+        return FileManagersPanel::tr("no entry");
     case MenuState::outdated:
-        return "out of date: another program or version has written the entry";
+        return FileManagersPanel::tr("out of date: another program or version has written the entry");
     case MenuState::present:
-        return "in the menu";
+        return FileManagersPanel::tr("in the menu");
     case MenuState::systemWide:
-        return "in the menu, for all users";
+        return FileManagersPanel::tr("in the menu, for all users");
     case MenuState::foreign:
-        return "not Tavrin's to change";
+        return FileManagersPanel::tr("not Tavrin's to change");
     }
-    return "";
+    return {};
 }
 
 } // namespace
@@ -42,7 +42,7 @@ FileManagersPanel::FileManagersPanel(const FileManagerMenus& fileManagerMenus) :
     grid->setColumnStretch(1, 1);
     addRows(*grid);
     if (rows.empty()) {
-        auto* none = new QLabel("There is no file manager here whose menus Tavrin knows how to extend.");
+        auto* none = new QLabel(tr("There is no file manager here whose menus Tavrin knows how to extend."));
         none->setWordWrap(true);
         grid->addWidget(none, 0, 0, 1, 2);
     }
@@ -74,9 +74,9 @@ void FileManagersPanel::addRows(QGridLayout& grid) {
 }
 
 void FileManagersPanel::addButtons() {
-    addButton = new QPushButton("&Add to File Managers’ Menus");
+    addButton = new QPushButton(tr("&Add to File Managers’ Menus"));
     addButton->setObjectName("forceServicesMenuUpdate");
-    removeButton = new QPushButton("&Remove");
+    removeButton = new QPushButton(tr("&Remove"));
     removeButton->setObjectName("removeFromMenus");
     auto* buttons = new QHBoxLayout;
     for (QPushButton* button : {addButton, removeButton}) {
@@ -109,7 +109,7 @@ void FileManagersPanel::showStates() {
     bool isOneToAdd = false;
     for (const Row& row : rows) {
         const MenuState state = menus.state(row.kind);
-        row.state->setText(QString::fromUtf8(textOf(state)));
+        row.state->setText(textOf(state));
         isOwnThere |= state == MenuState::present || state == MenuState::outdated;
         isOneToAdd |=
             state == MenuState::absent || state == MenuState::outdated || state == MenuState::foreign;

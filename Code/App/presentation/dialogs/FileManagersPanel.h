@@ -14,6 +14,8 @@ namespace tavrin {
 /// The entries in the menus of the file managers that are there: their states, and buttons that add or remove
 /// them all.
 class FileManagersPanel : public QWidget {
+    Q_OBJECT
+
   public:
     explicit FileManagersPanel(const FileManagerMenus& menus);
 

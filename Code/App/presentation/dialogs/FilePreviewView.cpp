@@ -2,7 +2,6 @@
 
 #include "platform/metadata/FileManager.h"
 #include "presentation/preview/ThumbnailLoader.h"
-#include "presentation/preview/TypeIcons.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -19,7 +18,7 @@ constexpr int sourceSize = 256;
 
 FilePreviewView::FilePreviewView() {
     setObjectName("filePreview");
-    setAccessibleName("Picture of the item");
+    setAccessibleName(tr("Picture of the item"));
     setFixedSize(sizeHint());
 }
 

@@ -9,6 +9,8 @@ namespace tavrin {
 
 /// Shows a file by the icon of its type, and by its picture as soon as that has been read on another thread.
 class FilePreviewView final : public QWidget {
+    Q_OBJECT
+
   public:
     FilePreviewView();
 

@@ -3,6 +3,7 @@
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AnswerOnce.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -25,11 +26,13 @@ std::vector<std::string> pathsOf(const QStringList& names) {
 
 /// Takes bundle folders as if they were files. The dialogs of the desktop can't choose both at once.
 class DropletsDialog final : public QFileDialog {
+    Q_DECLARE_TR_FUNCTIONS(LocateDialogs)
+
   public:
     DropletsDialog(QWidget* parent, const LocatePanel& panel) : QFileDialog(parent, toQString(panel.title)) {
         setOption(DontUseNativeDialog);
         setFileMode(ExistingFiles);
-        setNameFilters({"Droplets (*.desktop *.app)", "All files (*)"});
+        setNameFilters({tr("Droplets (*.desktop *.app)"), tr("All files (*)")});
         setDirectory(QDir::homePath());
         // With a folder as the current entry the button says that it opens that.
         connect(

@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
@@ -28,30 +29,32 @@ constexpr std::size_t presetsWorthFiltering = 10;
 constexpr int indexRole = Qt::UserRole;
 
 class OrganizeWindow final : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(OrganizePresetsDialog)
+
   public:
     OrganizeWindow(QWidget* parent, const WindowServices& shared)
         : QDialog(parent), services(shared), manager(shared.controller.presetsManager()) {
         setObjectName("organizePresetsWindow");
-        setWindowTitle("Organize Presets");
+        setWindowTitle(tr("Organize Presets"));
         setAttribute(Qt::WA_DeleteOnClose);
         setWindowModality(Qt::WindowModal);
         resize(560, 380);
         filter->setObjectName("presetFilter");
-        filter->setPlaceholderText("Filter");
+        filter->setPlaceholderText(tr("Filter"));
         filter->setClearButtonEnabled(true);
         list->setObjectName("presetList");
-        list->setAccessibleName("Presets");
-        list->setHeaderLabels({"Name", "Description"});
+        list->setAccessibleName(tr("Presets"));
+        list->setHeaderLabels({tr("Name"), tr("Description")});
         list->setRootIsDecorated(false);
         list->setUniformRowHeights(true);
         list->header()->resizeSection(0, 200);
         auto* row = new QHBoxLayout;
-        editButton = addButton(*row, "editPreset", "&Edit…", [this] { edit(); });
-        deleteButton = addButton(*row, "deletePreset", "&Delete…", [this] { askToDelete(); });
-        addButton(*row, "showPresetFolder", "Show &Folder",
+        editButton = addButton(*row, "editPreset", tr("&Edit…"), [this] { edit(); });
+        deleteButton = addButton(*row, "deletePreset", tr("&Delete…"), [this] { askToDelete(); });
+        addButton(*row, "showPresetFolder", tr("Show &Folder"),
                   [this] { FileBrowser::open(manager.localFolder()); });
         row->addStretch(1);
-        QPushButton* done = addButton(*row, "done", "Done", [this] { accept(); });
+        QPushButton* done = addButton(*row, "done", tr("Done"), [this] { accept(); });
         done->setDefault(true);
         auto* layout = new QVBoxLayout(this);
         layout->addWidget(filter);
@@ -69,8 +72,8 @@ class OrganizeWindow final : public QDialog {
 
   private:
     template <typename Effect>
-    QPushButton* addButton(QHBoxLayout& row, const char* name, const char* text, Effect effect) {
-        auto* button = new QPushButton(QString::fromUtf8(text));
+    QPushButton* addButton(QHBoxLayout& row, const char* name, const QString& text, Effect effect) {
+        auto* button = new QPushButton(text);
         button->setObjectName(name);
         button->setAutoDefault(false);
         row.addWidget(button);

@@ -12,6 +12,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -54,19 +55,22 @@ constexpr std::array schemes{
     "name001, name002",   "name000, name001",
 };
 
-constexpr std::array routes{"Move after a test of the new name", "Rename within the open folder",
-                            "Move by path"};
+constexpr std::array routes{QT_TRANSLATE_NOOP("PreferencesWindow", "Move after a test of the new name"),
+                            QT_TRANSLATE_NOOP("PreferencesWindow", "Rename within the open folder"),
+                            QT_TRANSLATE_NOOP("PreferencesWindow", "Move by path")};
 
 class Window final : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(PreferencesWindow)
+
   public:
     Window(QWidget* parent, const WindowServices& shared)
         : QDialog(parent), services(shared), settings(shared.controller.globalSettings()) {
         setObjectName("preferencesWindow");
-        setWindowTitle("Preferences");
+        setWindowTitle(tr("Preferences"));
         setAttribute(Qt::WA_DeleteOnClose);
         resize(640, 440);
         contents->setObjectName("preferencesContents");
-        contents->setAccessibleName("Pages");
+        contents->setAccessibleName(tr("Pages"));
         contents->setSpacing(3);
         contents->setFixedWidth(fontMetrics().horizontalAdvance("Equal names") + 48);
         addGeneral();
@@ -93,7 +97,7 @@ class Window final : public QDialog {
     }
 
   private:
-    QVBoxLayout& addPage(const char* title) {
+    QVBoxLayout& addPage(const QString& title) {
         contents->addItem(title);
         auto* page = new QWidget;
         auto* layout = new QVBoxLayout(page);
@@ -103,8 +107,8 @@ class Window final : public QDialog {
     }
 
     /// A global setting of 1 or 0.
-    QCheckBox* addSetting(QVBoxLayout& page, const char* key, const char* text) {
-        auto* box = new QCheckBox(QString::fromUtf8(text));
+    QCheckBox* addSetting(QVBoxLayout& page, const char* key, const QString& text) {
+        auto* box = new QCheckBox(text);
         box->setObjectName(key);
         page.addWidget(box);
         bindings.push_back(std::make_unique<ParameterBinding>(
@@ -117,8 +121,8 @@ class Window final : public QDialog {
     }
 
     /// A user default of yes or no.
-    void addDefault(QVBoxLayout& page, const char* key, const char* text) {
-        auto* box = new QCheckBox(QString::fromUtf8(text));
+    void addDefault(QVBoxLayout& page, const char* key, const QString& text) {
+        auto* box = new QCheckBox(text);
         box->setObjectName(key);
         box->setChecked(services.defaults.boolForKey(key));
         page.addWidget(box);
@@ -127,11 +131,11 @@ class Window final : public QDialog {
     }
 
     template <typename Labels>
-    void addChoice(QFormLayout& form, const char* key, const char* label, const Labels& labels) {
+    void addChoice(QFormLayout& form, const char* key, const QString& label, const Labels& labels) {
         auto* box = new QComboBox;
         box->setObjectName(key);
         for (const auto& each : labels)
-            box->addItem(toQString(std::string_view(each)));
+            box->addItem(tr(std::string(each).c_str()));
         form.addRow(label, box);
         bindings.push_back(std::make_unique<ParameterBinding>(
             settings, key, [box](const std::optional<PropertyValue>& value) {
@@ -141,7 +145,7 @@ class Window final : public QDialog {
                 [binding = bindings.back().get()](int row) { binding->write(row); });
     }
 
-    void addHelp(QVBoxLayout& page, const char* text, const char* anchor) {
+    void addHelp(QVBoxLayout& page, const QString& text, const char* anchor) {
         auto* link = new QLabel(QString("<a href='help'>%1</a>").arg(text));
         link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
         connect(link, &QLabel::linkActivated, this,
@@ -150,15 +154,15 @@ class Window final : public QDialog {
     }
 
     void addGeneral() {
-        QVBoxLayout& page = addPage("General");
-        addSetting(page, "quitAfterRename", "&Quit after renaming");
-        addSetting(page, "continueAfterRename", "&Keep the list after renaming");
-        addSetting(page, "interactiveMode", "Show &confirmation dialog before renaming");
-        addSetting(page, "showSummary", "Show s&ummary after renaming is complete");
-        addSetting(page, "copyFileComments", "Keep file co&mments");
-        addDefault(page, "loggerIsOn", "Write a debug &log");
+        QVBoxLayout& page = addPage(tr("General"));
+        addSetting(page, "quitAfterRename", tr("&Quit after renaming"));
+        addSetting(page, "continueAfterRename", tr("&Keep the list after renaming"));
+        addSetting(page, "interactiveMode", tr("Show &confirmation dialog before renaming"));
+        addSetting(page, "showSummary", tr("Show s&ummary after renaming is complete"));
+        addSetting(page, "copyFileComments", tr("Keep file co&mments"));
+        addDefault(page, "loggerIsOn", tr("Write a debug &log"));
         page.addSpacing(8);
-        auto* showAgain = new QPushButton("Show All &Hidden Messages Again");
+        auto* showAgain = new QPushButton(tr("Show All &Hidden Messages Again"));
         showAgain->setObjectName("showHiddenMessages");
         showAgain->setAutoDefault(false);
         page.addWidget(showAgain, 0, Qt::AlignLeft);
@@ -173,85 +177,84 @@ class Window final : public QDialog {
     }
 
     void addReading() {
-        QVBoxLayout& page = addPage("Reading");
-        QCheckBox* exif = addSetting(page, "retrieveEXIFInformation", "Read &EXIF and shooting dates");
+        QVBoxLayout& page = addPage(tr("Reading"));
+        QCheckBox* exif = addSetting(page, "retrieveEXIFInformation", tr("Read &EXIF and shooting dates"));
         connect(exif, &QCheckBox::clicked, this, [this](bool isOn) {
             clearCache = true;
             if (!isOn)
                 Dialogs::showAlert(this, exifIsOff, [](AlertAnswer) {});
         });
-        addSetting(page, "quickLookThumbnail", "&Thumbnails in the list and in questions");
-        addSetting(page, "accurateFolderSize", "Exact sizes of &folders");
+        addSetting(page, "quickLookThumbnail", tr("&Thumbnails in the list and in questions"));
+        addSetting(page, "accurateFolderSize", tr("Exact sizes of &folders"));
         auto* form = new QFormLayout;
         auto* store = new QComboBox;
         store->setObjectName("store");
-        store->addItems({"on disk, for very long lists", "in memory"});
+        store->addItems({tr("on disk, for very long lists"), tr("in memory")});
         store->setCurrentIndex(services.defaults.integerForKey("store") == 1 ? 1 : 0);
         connect(store, &QComboBox::activated, this,
                 [this](int row) { services.defaults.setObject("store", row); });
-        form->addRow("Keep the &list:", store);
+        form->addRow(tr("Keep the &list:"), store);
         page.addLayout(form);
-        auto* note = new QLabel("A change counts from the next start, or when the list is cleared.");
+        auto* note = new QLabel(tr("A change counts from the next start, or when the list is cleared."));
         note->setForegroundRole(QPalette::PlaceholderText);
         page.addWidget(note);
         page.addStretch(1);
     }
 
     void addEqualNames() {
-        QVBoxLayout& page = addPage("Equal names");
+        QVBoxLayout& page = addPage(tr("Equal names"));
         addSetting(page, "previewConflictResolution",
-                   "Show in the &preview how equal names are made distinct");
-        addSetting(page, "conflictResolutionDontChangeFirst", "The &first item keeps its name");
+                   tr("Show in the &preview how equal names are made distinct"));
+        addSetting(page, "conflictResolutionDontChangeFirst", tr("The &first item keeps its name"));
         auto* form = new QFormLayout;
-        addChoice(*form, "conflictResolutionScheme", "&Mark with:", schemes);
+        addChoice(*form, "conflictResolutionScheme", tr("&Mark with:"), schemes);
         std::vector<std::string> orders;
         for (const ParameterChoice& choice : sortingModeChoices())
             orders.emplace_back(choice.label);
-        addChoice(*form, "conflictResolutionOrder1", "Count by, &1st:", orders);
-        addChoice(*form, "conflictResolutionOrder2", "&2nd:", orders);
-        addChoice(*form, "conflictResolutionOrder3", "&3rd:", orders);
+        addChoice(*form, "conflictResolutionOrder1", tr("Count by, &1st:"), orders);
+        addChoice(*form, "conflictResolutionOrder2", tr("&2nd:"), orders);
+        addChoice(*form, "conflictResolutionOrder3", tr("&3rd:"), orders);
         page.addLayout(form);
         page.addStretch(1);
     }
 
     void addSafety() {
-        QVBoxLayout& page = addPage("Safety");
+        QVBoxLayout& page = addPage(tr("Safety"));
         addSetting(page, "preventAccidentalITunesLibraryDamage",
-                   "Warn before files of a &music library are renamed");
+                   tr("Warn before files of a &music library are renamed"));
         addSetting(page, "preventAccidentalIPhotoLibraryDamage",
-                   "Warn before files of a &photo library are renamed");
+                   tr("Warn before files of a &photo library are renamed"));
         auto* form = new QFormLayout;
-        addChoice(*form, "renameMode", "&Rename method:", routes);
+        addChoice(*form, "renameMode", tr("&Rename method:"), routes);
         page.addLayout(form);
-        addHelp(page, "About the rename methods", "helpCategory14");
+        addHelp(page, tr("About the rename methods"), "helpCategory14");
         page.addStretch(1);
     }
 
     void addDroplets() {
-        QVBoxLayout& page = addPage("Droplets");
-        addSetting(page, "silentDroplet", "Create &silent droplets");
-        addHelp(page, "About silent droplets", "helpTopic19");
-        addSetting(page, "lockedDroplet", "&Prevent users from editing droplets");
+        QVBoxLayout& page = addPage(tr("Droplets"));
+        addSetting(page, "silentDroplet", tr("Create &silent droplets"));
+        addHelp(page, tr("About silent droplets"), "helpTopic19");
+        addSetting(page, "lockedDroplet", tr("&Prevent users from editing droplets"));
         page.addStretch(1);
     }
 
     void addDesktop() {
-        QVBoxLayout& page = addPage("Desktop");
-        auto* note =
-            new QLabel("In a file manager, choose “Open With” and Tavrin to add files to the list. An "
-                       "entry “Rename with Tavrin…” in its menu makes this shorter.");
+        QVBoxLayout& page = addPage(tr("Desktop"));
+        auto* note = new QLabel(tr("In a file manager, choose “Open With” and Tavrin to add files to the "
+                                   "list. An entry “Rename with Tavrin…” in its menu makes this shorter."));
         note->setWordWrap(true);
         page.addWidget(note);
         if (const FileManagerMenus* menus = FileManagerMenus::sharedInstance())
             page.addWidget(new FileManagersPanel(*menus));
-        addHelp(page, "About file managers and the terminal", "helpTopic57");
+        addHelp(page, tr("About file managers and the terminal"), "helpTopic57");
         page.addStretch(1);
     }
 
     void addUpdates() {
-        QVBoxLayout& page = addPage("Updates");
+        QVBoxLayout& page = addPage(tr("Updates"));
         page.addWidget(new UpdatesPanel(services));
-        addHelp(page, "About updates", "updates");
+        addHelp(page, tr("About updates"), "updates");
         page.addStretch(1);
     }
 

@@ -5,6 +5,7 @@
 #include "presentation/QtText.h"
 #include "shell/commands/MainController.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -21,6 +22,8 @@ namespace {
 
 /// Name and description. Save is on while the name can be used.
 class PresetWindow final : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(PresetDialog)
+
   public:
     using Save = std::function<void(const std::u16string& name, const std::u16string& description)>;
 
@@ -28,7 +31,7 @@ class PresetWindow final : public QDialog {
                  const std::u16string& description, bool isNew)
         : QDialog(parent), manager(presetsManager), oldName(isNew ? QString() : toQString(name)) {
         setObjectName(isNew ? "newPresetWindow" : "editPresetWindow");
-        setWindowTitle(isNew ? "Save as Preset" : "Edit Preset");
+        setWindowTitle(isNew ? tr("Save as Preset") : tr("Edit Preset"));
         setAttribute(Qt::WA_DeleteOnClose);
         setWindowModality(Qt::WindowModal);
         nameField->setObjectName("presetName");
@@ -42,9 +45,9 @@ class PresetWindow final : public QDialog {
         descriptionField->setFixedHeight(fontMetrics().lineSpacing() * 3 + 16);
         buttons->button(QDialogButtonBox::Save)->setDefault(true);
         auto* form = new QFormLayout;
-        form->addRow("&Name:", nameField);
+        form->addRow(tr("&Name:"), nameField);
         form->addRow(QString(), note);
-        form->addRow("&Description:", descriptionField);
+        form->addRow(tr("&Description:"), descriptionField);
         auto* layout = new QVBoxLayout(this);
         layout->addLayout(form);
         layout->addWidget(buttons);
@@ -69,14 +72,18 @@ class PresetWindow final : public QDialog {
         return name == oldName || manager.isNameIsStillAvailable(fromQString(name));
     }
 
+    [[nodiscard]] QString problem() const {
+        const auto problem = PresetsManager::problemOfName(fromQString(nameField->text()));
+        return problem ? toQString(*problem) : tr("A preset of this name exists.");
+    }
+
     void checkName() {
         const bool isOk = nameIsOk();
         buttons->button(QDialogButtonBox::Save)->setEnabled(isOk);
         if (isOk || nameField->text().trimmed().isEmpty())
             note->clear();
         else
-            note->setText(toQString(PresetsManager::problemOfName(fromQString(nameField->text()))
-                                        .value_or("A preset of this name exists.")));
+            note->setText(problem());
     }
 
     PresetsManager& manager;

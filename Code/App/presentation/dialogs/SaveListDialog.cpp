@@ -7,6 +7,7 @@
 #include "support/text/Text.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
@@ -21,6 +22,8 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t linesShown = 2;
+
+QString translated(const char* text) { return QCoreApplication::translate("SaveListDialog", text); }
 
 QString lineOf(const PreviewList::Row& row, int format) {
     const QString after = ShownName::of(row.finalName, false);
@@ -54,20 +57,21 @@ void SaveListDialog::ask(QWidget* parent, const WindowServices& services,
                          std::function<void(FileListChoice)> answer) {
     auto* dialog = new QDialog(parent);
     dialog->setObjectName("saveListDialog");
-    dialog->setWindowTitle("Save List");
+    dialog->setWindowTitle(translated("Save List"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowModality(Qt::WindowModal);
     dialog->setMinimumWidth(560);
     auto* tabs = new QTabWidget;
     tabs->setObjectName("fileListFormat");
-    constexpr std::array titles{"&Current and New Name", "&New Name", "&Full Path and New Name"};
+    const std::array titles{translated("&Current and New Name"), translated("&New Name"),
+                            translated("&Full Path and New Name")};
     for (std::size_t i = 0; i < titles.size(); ++i)
         tabs->addTab(makeSample(services.controller.nodeController(), static_cast<int>(i)), titles[i]);
-    auto* onlyAffected = new QCheckBox("Only items that will c&hange");
+    auto* onlyAffected = new QCheckBox(translated("Only items that will c&hange"));
     onlyAffected->setObjectName("shouldIncludeOnlyAffectedFiles");
     auto* buttons =
         new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel | QDialogButtonBox::Help);
-    buttons->button(QDialogButtonBox::Save)->setText("&Save…");
+    buttons->button(QDialogButtonBox::Save)->setText(translated("&Save…"));
     auto* layout = new QVBoxLayout(dialog);
     layout->addWidget(tabs);
     layout->addWidget(onlyAffected);

@@ -1,6 +1,7 @@
 #include "presentation/dialogs/ShortcutsDialog.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QHeaderView>
@@ -15,14 +16,16 @@ namespace {
 
 /// Keys that belong to a list and not to a command.
 constexpr std::array<std::pair<const char*, const char*>, 7> otherKeys{{
-    {"Remove the selected items (in the list)", "Del"},
-    {"Move the selected rows (in the list)", "Alt+Up, Alt+Down"},
-    {"Open the current item (in the list)", "Return"},
-    {"Remove the step (in the steps)", "Del"},
-    {"Switch the step on or off (in the steps)", "Space"},
-    {"Answer a question for this item", "Return"},
-    {"Answer a question with stop", "Esc"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Remove the selected items (in the list)"), "Del"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Move the selected rows (in the list)"), "Alt+Up, Alt+Down"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Open the current item (in the list)"), "Return"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Remove the step (in the steps)"), "Del"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Switch the step on or off (in the steps)"), "Space"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Answer a question for this item"), "Return"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Answer a question with stop"), "Esc"},
 }};
+
+QString translated(const char* text) { return QCoreApplication::translate("ShortcutsDialog", text); }
 
 QString plain(QString text) {
     text.replace("&&", "\x01");
@@ -35,11 +38,11 @@ QString plain(QString text) {
 void ShortcutsDialog::open(QWidget* parent) {
     auto* dialog = new QDialog(parent);
     dialog->setObjectName("shortcutsDialog");
-    dialog->setWindowTitle("Keyboard Shortcuts");
+    dialog->setWindowTitle(translated("Keyboard Shortcuts"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->resize(480, 560);
     auto* list = new QTreeWidget;
-    list->setHeaderLabels({"Command", "Keys"});
+    list->setHeaderLabels({translated("Command"), translated("Keys")});
     list->setRootIsDecorated(false);
     list->setAlternatingRowColors(true);
     list->setUniformRowHeights(true);
@@ -49,7 +52,7 @@ void ShortcutsDialog::open(QWidget* parent) {
             new QTreeWidgetItem(list, {plain(action->text()), keys});
     }
     for (const auto& [command, keys] : otherKeys)
-        new QTreeWidgetItem(list, {command, keys});
+        new QTreeWidgetItem(list, {translated(command), keys});
     for (int row = 0; row < list->topLevelItemCount(); ++row)
         list->topLevelItem(row)->setSizeHint(0, {0, list->fontMetrics().height() + 8});
     list->header()->setSectionResizeMode(0, QHeaderView::Stretch);

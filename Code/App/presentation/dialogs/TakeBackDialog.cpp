@@ -25,8 +25,9 @@ constexpr int widestNames = 280;  // at first, so that both columns of names are
 QTreeWidget* listOf(const TakeBackQuestion& question) {
     auto* list = new QTreeWidget;
     list->setObjectName("takeBackList");
-    list->setAccessibleName("What will be renamed");
-    list->setHeaderLabels({"Current Name", "New Name", "Folder"});
+    list->setAccessibleName(TakeBackDialog::tr("What will be renamed"));
+    list->setHeaderLabels(
+        {TakeBackDialog::tr("Current Name"), TakeBackDialog::tr("New Name"), TakeBackDialog::tr("Folder")});
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true);
     list->setTextElideMode(Qt::ElideMiddle);
@@ -39,17 +40,12 @@ QTreeWidget* listOf(const TakeBackQuestion& question) {
     for (const int names : {0, 1})
         list->header()->resizeSection(names, std::min(list->header()->sectionSize(names), widestNames));
     if (question.count > question.rows.size()) {
-        auto* rest =
-            new QTreeWidgetItem({QString("… and %L1 more").arg(question.count - question.rows.size())});
+        auto* rest = new QTreeWidgetItem(
+            {TakeBackDialog::tr("… and %L1 more").arg(question.count - question.rows.size())});
         list->addTopLevelItem(rest);
         rest->setFirstColumnSpanned(true);
     }
     return list;
-}
-
-QString countOf(std::size_t count) {
-    return count == 1 ? QString("1 item gets another name:")
-                      : QString("%L1 items get another name:").arg(count);
 }
 
 } // namespace
@@ -67,19 +63,19 @@ TakeBackDialog::TakeBackDialog(QWidget* parent, const TakeBackQuestion& question
     strong.setWeight(QFont::DemiBold);
     head->setFont(strong);
     layout->addWidget(head);
-    layout->addWidget(new QLabel(countOf(question.count)));
+    layout->addWidget(new QLabel(
+        counted(question.count, tr("1 item gets another name:"), tr("%L1 items get another name:"))));
     layout->addWidget(listOf(question), 1);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
     QPushButton* go = buttons->addButton("&" + toQString(question.verb), QDialogButtonBox::AcceptRole);
     go->setObjectName("takeBackButton");
     if (!question.problems.empty()) {
-        auto* note = new QLabel(
-            question.problems.size() == 1
-                ? QString("1 item can’t be renamed and stays as it is.")
-                : QString("%L1 items can’t be renamed and stay as they are.").arg(question.problems.size()));
+        auto* note =
+            new QLabel(counted(question.problems.size(), tr("1 item can’t be renamed and stays as it is."),
+                               tr("%L1 items can’t be renamed and stay as they are.")));
         note->setObjectName("takeBackProblems");
         layout->addWidget(note);
-        QPushButton* why = buttons->addButton("&Show Them…", QDialogButtonBox::ActionRole);
+        QPushButton* why = buttons->addButton(tr("&Show Them…"), QDialogButtonBox::ActionRole);
         connect(why, &QPushButton::clicked, this, [this, problems = question.problems] {
             (new ErrorWindow(this, {problems, problems.size(), ""}))->open();
         });

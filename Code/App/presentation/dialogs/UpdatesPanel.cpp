@@ -27,7 +27,10 @@ struct Interval {
     int seconds;
 };
 constexpr std::array<Interval, 4> intervals{
-    {{"every day", 86400}, {"every week", 604800}, {"every month", 2592000}, {"never", 0}}};
+    {{QT_TRANSLATE_NOOP("tavrin::UpdatesPanel", "every day"), 86400},
+     {QT_TRANSLATE_NOOP("tavrin::UpdatesPanel", "every week"), 604800},
+     {QT_TRANSLATE_NOOP("tavrin::UpdatesPanel", "every month"), 2592000},
+     {QT_TRANSLATE_NOOP("tavrin::UpdatesPanel", "never"), 0}}};
 
 std::u16string storedAddress(const UserDefaults& defaults) {
     const auto stored = defaults.objectForKey(UpdateFeed::locationKey);
@@ -38,9 +41,9 @@ std::u16string storedAddress(const UserDefaults& defaults) {
 
 UpdatesPanel::UpdatesPanel(const WindowServices& shared)
     : services(shared), address(new QLineEdit), problem(new QLabel), interval(new QComboBox),
-      checkNow(new QPushButton("Check &Now")) {
+      checkNow(new QPushButton(tr("Check &Now"))) {
     address->setObjectName("SUFeedURL");
-    address->setPlaceholderText("https://… or the path of a file");
+    address->setPlaceholderText(tr("https://… or the path of a file"));
     address->setClearButtonEnabled(true);
     address->setText(toQString(storedAddress(services.defaults)));
     problem->setObjectName("feedProblem");
@@ -49,13 +52,14 @@ UpdatesPanel::UpdatesPanel(const WindowServices& shared)
     checkNow->setObjectName("checkForUpdatesNow");
     checkNow->setAutoDefault(false);
     addInterval();
-    auto* note = new QLabel("Tavrin asks nobody for updates unless you name a feed here. A newer version is "
-                            "only told of: nothing is loaded or installed.");
+    auto* note =
+        new QLabel(tr("Tavrin asks nobody for updates unless you name a feed here. A newer version is "
+                      "only told of: nothing is loaded or installed."));
     note->setWordWrap(true);
     auto* form = new QFormLayout;
-    form->addRow("&Feed of updates:", address);
+    form->addRow(tr("&Feed of updates:"), address);
     form->addRow("", problem);
-    form->addRow("C&heck:", interval);
+    form->addRow(tr("C&heck:"), interval);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);
@@ -73,11 +77,11 @@ UpdatesPanel::UpdatesPanel(const WindowServices& shared)
 void UpdatesPanel::addInterval() {
     const double stored = services.defaults.floatForKey(intervalKey);
     for (const Interval& each : intervals)
-        interval->addItem(each.label, each.seconds);
+        interval->addItem(tr(each.label), each.seconds);
     int row = interval->findData(static_cast<int>(std::clamp(stored, 0.0, 1e9)));
     if (row < 0) {
         // Written by hand.
-        interval->addItem(QString("every %1 hours").arg(std::ceil(stored / 3600)), stored);
+        interval->addItem(tr("every %1 hours").arg(std::ceil(stored / 3600)), stored);
         row = interval->count() - 1;
     }
     interval->setCurrentIndex(row);
@@ -103,7 +107,7 @@ void UpdatesPanel::storeAddress() {
 void UpdatesPanel::refresh() {
     const UpdateFeed::Place place = UpdateFeed::ofDefaults(services.defaults).place;
     const bool isUsable = place == UpdateFeed::Place::file || place == UpdateFeed::Place::web;
-    problem->setText("This is neither a web address nor the path of a file.");
+    problem->setText(tr("This is neither a web address nor the path of a file."));
     problem->setVisible(place == UpdateFeed::Place::unknown);
     interval->setEnabled(isUsable);
     checkNow->setEnabled(isUsable);

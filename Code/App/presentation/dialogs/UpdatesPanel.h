@@ -13,6 +13,8 @@ namespace tavrin {
 
 /// The settings of the check for updates: where the feed lies, how often it is asked, and asking it now.
 class UpdatesPanel final : public QWidget {
+    Q_OBJECT
+
   public:
     explicit UpdatesPanel(const WindowServices& shared);
 

@@ -5,6 +5,7 @@
 #include "platform/desktop/ResourceFolder.h"
 #include "presentation/QtText.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
@@ -14,6 +15,8 @@
 namespace tavrin {
 
 namespace {
+
+QString translated(const char* text) { return QCoreApplication::translate("HelpPages", text); }
 
 QString parameterRow(const ParameterDescription& parameter) {
     QStringList choices;
@@ -41,11 +44,11 @@ QString actionSection(ActionList& list, std::int32_t index) {
             parameter.kind != ParameterKind::status)
             rows += parameterRow(parameter);
     html += "<ul>" + rows + "</ul>";
-    for (const ActionExample& example : action->examples())
+    for (const ActionExample& example : list.entryForName(name)->examples)
         html += exampleRow(example);
     const QString anchor = toQString(action->helpAnchor());
     if (!anchor.isEmpty())
-        html += QString("<p><a href=\"#%1\">More about this action</a></p>").arg(anchor);
+        html += QString("<p><a href=\"#%1\">%2</a></p>").arg(anchor, translated("More about this action"));
     return html;
 }
 
@@ -70,7 +73,7 @@ void HelpPages::addPage(const QString& html) {
 
 void HelpPages::addActionReference() {
     ActionList& list = ActionList::sharedActionList();
-    QString html = "<h1>All actions</h1>";
+    QString html = "<h1>" + translated("All actions") + "</h1>";
     std::vector<std::u16string> categories = list.categoryPopUpMenuItems();
     std::erase(categories, u"");
     const auto& mapping = list.categoryToActionMapping();

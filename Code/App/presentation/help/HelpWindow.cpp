@@ -1,7 +1,6 @@
 #include "presentation/help/HelpWindow.h"
 
 #include "presentation/QtText.h"
-#include "presentation/help/HelpPages.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -13,9 +12,7 @@
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QVBoxLayout>
-#include <optional>
 #include <utility>
-#include <vector>
 
 namespace tavrin {
 
@@ -23,41 +20,16 @@ namespace {
 
 constexpr int pageRole = Qt::UserRole;
 
-struct Place {
-    std::size_t page = 0;
-    QString anchor = {};
-    bool operator==(const Place&) const = default;
-};
-
 } // namespace
 
-struct HelpWindow::Parts {
-    HelpPages pages;
-    std::vector<Place> history; ///< the present place is the one at `current`
-    std::size_t current = 0;
-    std::optional<std::size_t> pageShown;
-    QToolButton* backButton = new QToolButton;
-    QToolButton* forwardButton = new QToolButton;
-    QLineEdit* filter = new QLineEdit;
-    QListWidget* contents = new QListWidget;
-    QTextBrowser* browser = new QTextBrowser;
-
-    void applyFilter();
-    void show(const Place& place);
-    /// Shows another place and keeps the way back.
-    void goTo(Place place);
-    void goBy(std::ptrdiff_t steps);
-    QWidget* buildBar(HelpWindow& window);
-};
-
-void HelpWindow::Parts::applyFilter() {
+void HelpWindow::applyFilter() {
     for (int row = 0; row < contents->count(); ++row) {
         const auto page = contents->item(row)->data(pageRole).toULongLong();
         contents->item(row)->setHidden(!pages.contains(page, filter->text()));
     }
 }
 
-void HelpWindow::Parts::show(const Place& place) {
+void HelpWindow::showPlace(const Place& place) {
     if (std::exchange(pageShown, place.page) != place.page)
         browser->setHtml(pages.html(place.page));
     if (place.anchor.isEmpty())
@@ -70,84 +42,59 @@ void HelpWindow::Parts::show(const Place& place) {
     forwardButton->setEnabled(current + 1 < history.size());
 }
 
-void HelpWindow::Parts::goTo(Place place) {
+void HelpWindow::goTo(Place place) {
     if (history.empty() || history[current] != place) {
         if (!history.empty())
             history.resize(++current);
         history.push_back(std::move(place));
     }
-    show(history[current]);
+    showPlace(history[current]);
 }
 
-void HelpWindow::Parts::goBy(std::ptrdiff_t steps) {
+void HelpWindow::goBy(std::ptrdiff_t steps) {
     const auto wanted = static_cast<std::ptrdiff_t>(current) + steps;
     if (wanted < 0 || wanted >= std::ssize(history))
         return;
     current = static_cast<std::size_t>(wanted);
-    show(history[current]);
+    showPlace(history[current]);
 }
 
-QWidget* HelpWindow::Parts::buildBar(HelpWindow& window) {
-    auto* bar = new QWidget;
-    auto* layout = new QHBoxLayout(bar);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(4);
-    const auto prepare = [&](QToolButton* button, const char* name, const char* text, Qt::ArrowType arrow,
-                             QKeySequence::StandardKey keys, int steps) {
-        button->setObjectName(name);
-        button->setArrowType(arrow);
-        button->setAutoRaise(true);
-        button->setAccessibleName(text);
-        button->setToolTip(
-            QString("%1 (%2)").arg(text, QKeySequence(keys).toString(QKeySequence::NativeText)));
-        auto* action = new QAction(&window);
-        action->setShortcuts(keys);
-        window.addAction(action);
-        const auto go = [this, steps] { goBy(steps); };
-        connect(button, &QToolButton::clicked, &window, go);
-        connect(action, &QAction::triggered, &window, go);
-        layout->addWidget(button);
-    };
-    prepare(backButton, "helpBack", "Back", Qt::LeftArrow, QKeySequence::Back, -1);
-    prepare(forwardButton, "helpForward", "Forward", Qt::RightArrow, QKeySequence::Forward, 1);
-    layout->addWidget(filter, 1);
-    return bar;
-}
-
-HelpWindow::HelpWindow() : parts(std::make_unique<Parts>()) {
+HelpWindow::HelpWindow()
+    : backButton(new QToolButton), forwardButton(new QToolButton), filter(new QLineEdit),
+      contents(new QListWidget), browser(new QTextBrowser) {
     setObjectName("helpWindow");
-    setWindowTitle("Tavrin Help");
+    setWindowTitle(tr("Tavrin Help"));
     resize(860, 600);
-    parts->filter->setObjectName("helpFilter");
-    parts->filter->setPlaceholderText("Search");
-    parts->filter->setClearButtonEnabled(true);
-    parts->contents->setObjectName("helpContents");
-    parts->contents->setAccessibleName("Contents");
-    parts->contents->setSpacing(2);
-    parts->contents->setFrameShape(QFrame::NoFrame);
-    parts->browser->setObjectName("helpBrowser");
-    parts->browser->setOpenLinks(false);
-    parts->browser->setFrameShape(QFrame::NoFrame);
-    parts->browser->document()->setDocumentMargin(20);
+    filter->setObjectName("helpFilter");
+    filter->setPlaceholderText(tr("Search"));
+    filter->setClearButtonEnabled(true);
+    contents->setObjectName("helpContents");
+    contents->setAccessibleName(tr("Contents"));
+    contents->setSpacing(2);
+    contents->setFrameShape(QFrame::NoFrame);
+    browser->setObjectName("helpBrowser");
+    browser->setOpenLinks(false);
+    browser->setFrameShape(QFrame::NoFrame);
+    browser->document()->setDocumentMargin(20);
     auto* left = new QWidget;
     auto* leftLayout = new QVBoxLayout(left);
     leftLayout->setContentsMargins(8, 8, 0, 8);
-    leftLayout->addWidget(parts->buildBar(*this));
-    leftLayout->addWidget(parts->contents, 1);
+    leftLayout->addWidget(buildBar());
+    leftLayout->addWidget(contents, 1);
     auto* splitter = new QSplitter;
     splitter->addWidget(left);
-    splitter->addWidget(parts->browser);
+    splitter->addWidget(browser);
     splitter->setSizes({240, 620});
     splitter->setStretchFactor(1, 1);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(splitter);
-    connect(parts->filter, &QLineEdit::textChanged, this, [this] { parts->applyFilter(); });
-    connect(parts->contents, &QListWidget::currentRowChanged, this, [this](int row) {
+    connect(filter, &QLineEdit::textChanged, this, &HelpWindow::applyFilter);
+    connect(contents, &QListWidget::currentRowChanged, this, [this](int row) {
         if (row >= 0)
-            parts->goTo({static_cast<std::size_t>(row)});
+            goTo({static_cast<std::size_t>(row)});
     });
-    connect(parts->browser, &QTextBrowser::anchorClicked, this, [this](const QUrl& link) {
+    connect(browser, &QTextBrowser::anchorClicked, this, [this](const QUrl& link) {
         const std::string anchor = link.fragment().toStdString();
         showAnchor(anchor.empty() ? link.toString().toStdString() : anchor);
     });
@@ -157,18 +104,48 @@ HelpWindow::HelpWindow() : parts(std::make_unique<Parts>()) {
     addAction(close);
 }
 
-HelpWindow::~HelpWindow() = default;
+QWidget* HelpWindow::buildBar() {
+    auto* bar = new QWidget;
+    auto* layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    backButton->setObjectName("helpBack");
+    backButton->setArrowType(Qt::LeftArrow);
+    addWay(backButton, tr("Back"), QKeySequence::Back, -1);
+    forwardButton->setObjectName("helpForward");
+    forwardButton->setArrowType(Qt::RightArrow);
+    addWay(forwardButton, tr("Forward"), QKeySequence::Forward, 1);
+    layout->addWidget(backButton);
+    layout->addWidget(forwardButton);
+    layout->addWidget(filter, 1);
+    return bar;
+}
+
+void HelpWindow::addWay(QToolButton* button, const QString& text, QKeySequence::StandardKey keys, int steps) {
+    button->setAutoRaise(true);
+    button->setAccessibleName(text);
+    button->setToolTip(QString("%1 (%2)").arg(text, QKeySequence(keys).toString(QKeySequence::NativeText)));
+    auto* action = new QAction(this);
+    action->setShortcuts(keys);
+    addAction(action);
+    connect(action, &QAction::triggered, this, [this, steps] { goBy(steps); });
+    connect(button, &QToolButton::clicked, action, &QAction::trigger);
+}
+
+/// When the window is first wanted.
+void HelpWindow::loadPages() {
+    pages.load();
+    for (std::size_t page = 0; page < pages.count(); ++page) {
+        auto* item = new QListWidgetItem(pages.title(page), contents);
+        item->setData(pageRole, static_cast<qulonglong>(page));
+    }
+}
 
 void HelpWindow::showAnchor(std::string_view anchor) {
-    if (parts->contents->count() == 0) {
-        parts->pages.load();
-        for (std::size_t page = 0; page < parts->pages.count(); ++page) {
-            auto* item = new QListWidgetItem(parts->pages.title(page), parts->contents);
-            item->setData(pageRole, static_cast<qulonglong>(page));
-        }
-    }
+    if (contents->count() == 0)
+        loadPages();
     const QString wanted = toQString(anchor);
-    parts->goTo({parts->pages.pageOfAnchor(wanted).value_or(0), wanted});
+    goTo({pages.pageOfAnchor(wanted).value_or(0), wanted});
 }
 
 } // namespace tavrin

@@ -3,10 +3,9 @@
 #include "actions/ActionList.h"
 #include "actions/BaseRenameAction.h"
 #include "actions/CompositeRenameAction.h"
-#include "presentation/MainWindow.h"
-#include "presentation/ToggleButton.h"
+#include "presentation/Buttons.h"
 #include "presentation/WindowColours.h"
-#include "presentation/settings/SettingsPane.h"
+#include "presentation/WindowCommands.h"
 #include "shell/commands/MainController.h"
 
 #include <QHBoxLayout>
@@ -33,15 +32,15 @@ struct Beginning {
 };
 
 constexpr std::array beginnings{
-    Beginning{"beginWithNumber", "Number my photos", "IMG_4021.JPG", "Image_01.JPG", "Produce numbered list",
-              nullptr, 0},
-    Beginning{"beginWithDate", "Name by date taken", "IMG_4021.JPG", "2024-06-14 07-31-05.JPG",
-              "Rename to date", "mode", 2},
-    Beginning{"beginWithReplace", "Find and replace", "report draft.odt", "report final.odt", "Replace text",
-              nullptr, 0},
+    Beginning{"beginWithNumber", QT_TRANSLATE_NOOP("tavrin::EmptyListPage", "Number my photos"),
+              "IMG_4021.JPG", "Image_01.JPG", "Produce numbered list", nullptr, 0},
+    Beginning{"beginWithDate", QT_TRANSLATE_NOOP("tavrin::EmptyListPage", "Name by date taken"),
+              "IMG_4021.JPG", "2024-06-14 07-31-05.JPG", "Rename to date", "mode", 2},
+    Beginning{"beginWithReplace", QT_TRANSLATE_NOOP("tavrin::EmptyListPage", "Find and replace"),
+              "report draft.odt", "report final.odt", "Replace text", nullptr, 0},
 };
 
-QLabel* centred(const char* text) {
+QLabel* centred(const QString& text) {
     auto* label = new QLabel(text);
     label->setAlignment(Qt::AlignHCenter);
     label->setWordWrap(true);
@@ -53,9 +52,9 @@ class Tile final : public QAbstractButton {
   public:
     explicit Tile(const Beginning& shown) : beginning(shown) {
         setObjectName(shown.name);
-        setText(shown.label);
-        setAccessibleName(shown.label);
-        setAccessibleDescription(QString("%1 becomes %2").arg(shown.before, shown.after));
+        setText(EmptyListPage::tr(shown.label));
+        setAccessibleName(text());
+        setAccessibleDescription(EmptyListPage::tr("%1 becomes %2").arg(shown.before, shown.after));
         setFocusPolicy(Qt::StrongFocus);
         setAttribute(Qt::WA_Hover);
         setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -105,11 +104,9 @@ class Tile final : public QAbstractButton {
     const Beginning& beginning;
 };
 
-MainWindow* windowOf(const QWidget* widget) { return dynamic_cast<MainWindow*>(widget->window()); }
-
 } // namespace
 
-EmptyListPage::EmptyListPage(WindowServices shared) : services(shared) {
+EmptyListPage::EmptyListPage(const WindowServices& shared, WindowCommands& commands) : services(shared) {
     setObjectName("emptyListPage");
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
@@ -122,36 +119,43 @@ EmptyListPage::EmptyListPage(WindowServices shared) : services(shared) {
     picture->setPixmap(QIcon(":/icons/drag-here.svg").pixmap(160, 110));
     picture->setAlignment(Qt::AlignHCenter);
     layout->addWidget(picture);
-    QLabel* head = centred("Drag files or folders here");
+    QLabel* head = centred(tr("Drag files or folders here"));
     QFont large = head->font();
     large.setPointSizeF(large.pointSizeF() * 1.4);
     large.setWeight(QFont::DemiBold);
     head->setFont(large);
     layout->addWidget(head);
-    QLabel* promise = centred("Nothing is renamed until you click Rename.");
+    QLabel* promise = centred(tr("Nothing is renamed until you click Rename."));
     promise->setObjectName("emptyListPromise");
     promise->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(promise);
     layout->addSpacing(8);
-
-    auto* add = new QHBoxLayout;
-    add->addStretch(1);
-    for (const bool folders : {false, true}) {
-        auto* button = new QPushButton(folders ? "Add Folder…" : "Add Files…");
-        button->setObjectName(folders ? "emptyAddFolder" : "emptyAddFiles");
-        connect(button, &QPushButton::clicked, this, [this, folders] {
-            if (MainWindow* window = windowOf(this))
-                window->addByDialog(folders);
-        });
-        add->addWidget(button);
-    }
-    add->addStretch(1);
-    layout->addLayout(add);
+    addButtons(*layout, commands);
     layout->addSpacing(20);
 
-    QLabel* or_ = centred("Or begin with what you want to do");
+    QLabel* or_ = centred(tr("Or begin with what you want to do"));
     or_->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(or_);
+    addTiles(*layout);
+    layout->addStretch(3);
+}
+
+void EmptyListPage::addButtons(QBoxLayout& layout, WindowCommands& commands) {
+    auto* addFiles = new QPushButton(tr("Add Files…"));
+    addFiles->setObjectName("emptyAddFiles");
+    performs(*addFiles, *commands.addFiles);
+    auto* addFolder = new QPushButton(tr("Add Folder…"));
+    addFolder->setObjectName("emptyAddFolder");
+    performs(*addFolder, *commands.addFolder);
+    auto* row = new QHBoxLayout;
+    row->addStretch(1);
+    row->addWidget(addFiles);
+    row->addWidget(addFolder);
+    row->addStretch(1);
+    layout.addLayout(row);
+}
+
+void EmptyListPage::addTiles(QBoxLayout& layout) {
     auto* tiles = new QHBoxLayout;
     tiles->setSpacing(8);
     tiles->addStretch(1);
@@ -163,8 +167,7 @@ EmptyListPage::EmptyListPage(WindowServices shared) : services(shared) {
         tiles->addWidget(tile);
     }
     tiles->addStretch(1);
-    layout->addLayout(tiles);
-    layout->addStretch(3);
+    layout.addLayout(tiles);
 }
 
 void EmptyListPage::begin(const char* actionName, const PropertyDictionary& parameters) {
@@ -174,12 +177,7 @@ void EmptyListPage::begin(const char* actionName, const PropertyDictionary& para
     services.controller.actionListCommands().chooseAction(*index);
     for (const auto& [key, value] : parameters)
         services.controller.compositeAction().getCurrentAction().setValue(value, key);
-    MainWindow* window = windowOf(this);
-    if (!window)
-        return;
-    window->settingsPane().focusFirstField();
-    if (services.controller.previewControl().isPreviewEmpty())
-        window->addByDialog(false);
+    emit begun();
 }
 
 } // namespace tavrin

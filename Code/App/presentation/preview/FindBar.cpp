@@ -22,15 +22,15 @@ FindBar::FindBar(QTableView& table, PreviewTableModel& shownModel)
     : view(table), model(shownModel), field(new QLineEdit), result(new QLabel) {
     setObjectName("findBar");
     field->setObjectName("findField");
-    field->setAccessibleName("Find in the list");
-    field->setPlaceholderText("Find in current and new names");
+    field->setAccessibleName(tr("Find in the list"));
+    field->setPlaceholderText(tr("Find in current and new names"));
     field->setClearButtonEnabled(true);
     result->setObjectName("findResult");
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(12, 0, 12, 8);
     layout->addWidget(field, 1);
     layout->addWidget(result);
-    const auto addButton = [&](const char* text, const char* tip, auto&& effect) {
+    const auto addButton = [&](const char* text, const QString& tip, auto&& effect) {
         auto* button = new QToolButton;
         button->setText(QString::fromUtf8(text));
         button->setToolTip(tip);
@@ -38,9 +38,9 @@ FindBar::FindBar(QTableView& table, PreviewTableModel& shownModel)
         connect(button, &QToolButton::clicked, this, effect);
         layout->addWidget(button);
     };
-    addButton("↑", "Previous match", [this] { goToMatch(false, false); });
-    addButton("↓", "Next match", [this] { goToMatch(true, false); });
-    addButton("✕", "Close", [this] { close(); });
+    addButton("↑", tr("Previous match"), [this] { goToMatch(false, false); });
+    addButton("↓", tr("Next match"), [this] { goToMatch(true, false); });
+    addButton("✕", tr("Close"), [this] { close(); });
     connect(field, &QLineEdit::textEdited, this, [this] { goToMatch(true, true); });
     connect(field, &QLineEdit::returnPressed, this, [this] { goToMatch(true, false); });
     slices.setObjectName("find");
@@ -99,7 +99,7 @@ void FindBar::lookOn() {
         return;
     }
     slices.stop();
-    result->setText("Not found");
+    result->setText(tr("Not found"));
 }
 
 void FindBar::goTo(int row) {

@@ -14,6 +14,8 @@ class PreviewTableModel;
 
 /// Jumps from one name that holds a text to the next; it hides nothing. Object name "findBar".
 class FindBar final : public QWidget {
+    Q_OBJECT
+
   public:
     FindBar(QTableView& view, PreviewTableModel& model);
 

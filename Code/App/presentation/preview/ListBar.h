@@ -1,7 +1,7 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
-#include "presentation/preview/PreviewPane.h"
+#include "presentation/preview/PreviewTableModel.h"
 
 #include <QWidget>
 #include <memory>
@@ -13,22 +13,24 @@ class QPushButton;
 namespace tavrin {
 
 class ParameterBinding;
+class WindowCommands;
 enum class Glyph;
 
 /// The row above the list: adding and removing, what takes part, what shows. Object name "listBar".
 class ListBar final : public QWidget {
+    Q_OBJECT
+
   public:
-    ListBar(WindowServices services, PreviewPane& pane);
+    ListBar(const WindowServices& services, WindowCommands& commands);
     ~ListBar() override;
 
-    void setShow(PreviewPane::Show what);
+    void setShow(PreviewTableModel::Show what);
 
   private:
-    void addFilter(const char* key, Glyph glyph, const char* text, const char* tip);
-    void addShowMenu();
+    void addFilter(const char* key, Glyph glyph, const QString& text, const QString& tip);
+    void addShowMenu(WindowCommands& commands);
 
     const WindowServices services;
-    PreviewPane& pane;
     QPushButton* showButton = nullptr;
     QActionGroup* showActions = nullptr;
     std::vector<std::unique_ptr<ParameterBinding>> bindings;

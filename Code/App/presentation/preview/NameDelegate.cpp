@@ -105,7 +105,7 @@ Glyph glyphOf(PreviewTableModel::State state) {
 /// What is said behind the new name.
 QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
     if (state == PreviewTableModel::State::madeDistinct)
-        return "made distinct";
+        return NameDelegate::tr("made distinct");
     return index.data(PreviewTableModel::reasonRole).toString();
 }
 

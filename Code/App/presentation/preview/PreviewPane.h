@@ -1,26 +1,41 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
+#include "presentation/preview/PreviewTableModel.h"
+#include "presentation/preview/ProblemScan.h"
 #include "shell/asking/FrontEnd.h"
-#include "store/rows/NodeRow.h"
+#include "shell/preview/SlicedWork.h"
 
+#include <QItemSelection>
+#include <QTimer>
 #include <QWidget>
+#include <array>
 #include <memory>
 #include <vector>
 
-class QMenu;
+class QStackedWidget;
 
 namespace tavrin {
+
+class FindBar;
+class ListBar;
+class ParameterBinding;
+class PreviewTableView;
+class ProblemBar;
+class StatusRow;
+class ThumbnailLoader;
+class WindowCommands;
 
 /// The list of items with their new names, its filters, the bar of problems and the status line. Object name
 /// "previewPane".
 class PreviewPane final : public QWidget {
-  public:
-    PreviewPane(WindowServices services, QWidget* parent);
-    ~PreviewPane() override;
+    Q_OBJECT
 
-    /// What of the list shows: a view only, all items take part all the same.
-    enum class Show { all, toBeRenamed, problems };
+  public:
+    using Show = PreviewTableModel::Show;
+
+    PreviewPane(const WindowServices& services, WindowCommands& commands);
+    ~PreviewPane() override;
 
     void setColumnWidth(PreviewColumn column, int minimum, int maximum, int width);
     void setColumnHidden(PreviewColumn column, bool hidden);
@@ -36,23 +51,61 @@ class PreviewPane final : public QWidget {
     void enterDropletEditMode();
 
     [[nodiscard]] std::vector<RowId> selection() const;
+    /// Of the selected rows, or of the whole list where none is; absent where that is empty.
+    [[nodiscard]] std::optional<PreviewList::Row> firstRow() const;
     /// How many of the rows shown will change, as of the last preview.
     [[nodiscard]] std::int32_t itemsToRename() const;
+    /// What of the list shows: a view only, all items take part all the same.
     void setShow(Show what);
-    void openFind();
     void goToProblem(bool forward);
-    /// Moves the selected rows by one place, which makes the order one by hand.
-    void moveSelection(bool up);
-    void openSelected();
-    void revealSelected();
     /// "current name, tab, new name" of the selected rows to the clipboard.
     void copySelected();
-    /// Adds the files on the clipboard.
-    void pasteFiles();
+
+  signals:
+    void selectionChanged();
+    /// One of the beginnings that an empty list offers has been chosen.
+    void begun();
 
   private:
-    struct Parts;
-    std::unique_ptr<Parts> parts;
+    void buildTable();
+    void connectTable();
+    void connectCommands();
+    void listenToSettings();
+    void applyRowHeight();
+    void sortByColumn(int column);
+    void takeFindings();
+    void removeSelected();
+    /// Moves the selected rows by one place, which makes the order one by hand.
+    void moveSelection(bool up);
+    void openCurrent();
+    void pasteFiles();
+    void offerCommands(const QPoint& place);
+    void showPage(bool isEmpty);
+    void showListIfDue();
+    [[nodiscard]] RowId idAt(int row) const;
+    [[nodiscard]] std::optional<PreviewList::Row> currentRow() const;
+    /// Where these rows are now.
+    [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
+    void goTo(int row);
+
+    const WindowServices services;
+    MainController& controller;
+    WindowCommands& commands;
+    ThumbnailLoader* thumbnails;
+    PreviewTableModel* model;
+    PreviewTableView* view;
+    ProblemScan* scan;
+    ListBar* listBar;
+    FindBar* findBar;
+    QStackedWidget* pages; ///< the table, or the invitation
+    ProblemBar* problemBar;
+    StatusRow* statusRow;
+    SlicedWork longWork;
+    QTimer scrollRest;
+    bool isListDue = false; ///< the rows have been put in another order, which does not show yet
+    std::unique_ptr<ParameterBinding> thumbnailBinding;
+    std::shared_ptr<void> invisiblesObservation;
+    std::array<std::pair<int, int>, PreviewTableModel::columnCount_> widthLimits{};
 };
 
 } // namespace tavrin

@@ -1,7 +1,6 @@
 #include "presentation/preview/PreviewTableModel.h"
 
 #include "presentation/QtText.h"
-#include "presentation/preview/NameProblems.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "shell/commands/MainController.h"
@@ -19,7 +18,10 @@ constexpr int rowsPerPage = 256;
 constexpr std::size_t mostPages = 64;
 
 const std::array<const char*, 4> stateSymbols{"\u2013", "\u2192", "\u29C9", "\u26A0"};
-const std::array<const char*, 4> stateWords{"unchanged", "will be renamed", "made distinct", "problem"};
+const std::array<const char*, 4> stateWords{QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "unchanged"),
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "will be renamed"),
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "made distinct"),
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "problem")};
 
 } // namespace
 
@@ -151,7 +153,7 @@ PreviewTableModel::State PreviewTableModel::stateOf(const PreviewList::Row& row)
 QString PreviewTableModel::reasonOf(const PreviewList::Row& row) const {
     if (row.diff)
         if (const char* reason = problemOfName(row.finalName))
-            return reason;
+            return ShownName::tr(reason);
     const auto found = foreseen.find(row.id);
     return found == foreseen.end() ? QString() : found->second;
 }
@@ -195,7 +197,7 @@ QString PreviewTableModel::toolTip(const PreviewList::Row& row) const {
     if (!reason.isEmpty())
         text += "<br><b>" + reason.toHtmlEscaped() + "</b>";
     else if (row.madeDistinct)
-        text += "<br>made distinct, since another item has the same name";
+        text += "<br>" + tr("made distinct, since another item has the same name");
     const QString bytes = ShownName::bytesNote(row.name);
     return bytes.isEmpty() ? text : text + "<br>" + bytes.toHtmlEscaped();
 }
@@ -214,9 +216,9 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case Qt::TextAlignmentRole:
         return index.column() == state ? QVariant(Qt::AlignCenter) : QVariant();
     case Qt::AccessibleTextRole:
-        return QString("%1, new name %2, %3")
+        return tr("%1, new name %2, %3")
             .arg(shownName(row.name), shownName(row.finalName),
-                 stateWords[static_cast<std::size_t>(stateOf(row))]);
+                 tr(stateWords[static_cast<std::size_t>(stateOf(row))]));
     case stateRole:
         return static_cast<int>(stateOf(row));
     case reasonRole:
@@ -238,11 +240,11 @@ QVariant PreviewTableModel::headerData(int section, Qt::Orientation orientation,
         return {};
     switch (section) {
     case currentName:
-        return "Current Name";
+        return tr("Current Name");
     case newName:
-        return "New Name";
+        return tr("New Name");
     case folder:
-        return "Folder";
+        return tr("Folder");
     default:
         return section >= regex1 && section <= regex6 ? QString("$%1").arg(section - regex1 + 1) : QString();
     }

@@ -21,6 +21,8 @@ class ThumbnailLoader;
 /// The rows of the preview list as a table. It holds ids alone and reads rows a page at a time when they are
 /// painted; a number of pages is kept.
 class PreviewTableModel final : public QAbstractTableModel {
+    Q_OBJECT
+
   public:
     enum Column { icon, currentName, state, newName, regex1, regex6 = regex1 + 5, folder, columnCount_ };
     enum class State { unchanged, renamed, madeDistinct, problem };

@@ -1,7 +1,7 @@
 #include "presentation/preview/PreviewTableView.h"
 
-#include "presentation/DroppedFiles.h"
 #include "presentation/preview/PreviewTableModel.h"
+#include "presentation/start/FileAddress.h"
 
 #include <QCursor>
 #include <QDrag>
@@ -31,10 +31,7 @@ PreviewTableView::PreviewTableView(PreviewTableModel& shownModel, DNDArrayContro
     setDropIndicatorShown(false);
     setAutoScroll(true);
     setTabKeyNavigation(false);
-    connect(this, &QTableView::doubleClicked, this, [this] {
-        if (openHandler)
-            openHandler();
-    });
+    connect(this, &QTableView::doubleClicked, this, &PreviewTableView::openRequested);
 }
 
 std::vector<std::size_t> PreviewTableView::selectedRows() const {
@@ -47,6 +44,12 @@ std::vector<std::size_t> PreviewTableView::selectedRows() const {
         for (next = std::max(next, range.top()); next <= range.bottom(); ++next)
             rows.push_back(static_cast<std::size_t>(next));
     return rows;
+}
+
+int PreviewTableView::firstSelectedRow() const {
+    const QItemSelection ranges = selectionModel()->selection();
+    const auto first = std::ranges::min_element(ranges, {}, &QItemSelectionRange::top);
+    return first == ranges.end() ? -1 : first->top();
 }
 
 const PreviewTableModel& PreviewTableView::table() const {
@@ -70,13 +73,13 @@ void PreviewTableView::reorder(const std::function<void()>& work) {
 
 void PreviewTableView::keyPressEvent(QKeyEvent* event) {
     const bool hasAlt = event->modifiers().testFlag(Qt::AltModifier);
-    if ((event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) && removeHandler)
-        removeHandler();
-    else if (hasAlt && (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down) && moveHandler)
-        moveHandler(event->key() == Qt::Key_Up);
+    if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
+        emit removeRequested();
+    else if (hasAlt && (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down))
+        emit moveRequested(event->key() == Qt::Key_Up);
     else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
-             event->modifiers() == Qt::NoModifier && openHandler)
-        openHandler();
+             event->modifiers() == Qt::NoModifier)
+        emit openRequested();
     else
         QTableView::keyPressEvent(event);
 }
@@ -93,7 +96,7 @@ void PreviewTableView::startDrag(Qt::DropActions) {
         model()->index(static_cast<int>(selected.front()), PreviewTableModel::currentName);
     QString label = first.data().toString().left(40);
     if (selected.size() > 1)
-        label += QString(" and %L1 more").arg(selected.size() - 1);
+        label += tr(" and %L1 more").arg(selected.size() - 1);
     QPixmap picture(fontMetrics().horizontalAdvance(label) + 16, fontMetrics().height() + 8);
     picture.fill(palette().color(QPalette::Highlight));
     QPainter painter(&picture);
@@ -101,17 +104,15 @@ void PreviewTableView::startDrag(Qt::DropActions) {
     painter.drawText(picture.rect(), Qt::AlignCenter, label);
     painter.end();
     drag->setPixmap(picture);
-    isDragging = true;
     const Qt::DropAction result = drag->exec(Qt::MoveAction | Qt::CopyAction, Qt::MoveAction);
-    isDragging = false;
     showMark(-1);
     // Given up with Escape over the window, or dropped where nothing takes rows: only a drop outside removes.
     const bool isOutside = !window()->geometry().contains(QCursor::pos());
     const bool wasReleased = QGuiApplication::mouseButtons() == Qt::NoButton;
     if (result != Qt::IgnoreAction || !isOutside || !wasReleased)
         dragging.cancelDrag();
-    else if (dragging.deleteRowsIfAppropriate() && rowsRemovedHandler)
-        rowsRemovedHandler();
+    else
+        (void)dragging.deleteRowsIfAppropriate();
 }
 
 int PreviewTableView::rowAtDrop(const QPoint& place) const {
@@ -191,8 +192,8 @@ void PreviewTableView::paintEvent(QPaintEvent* event) {
 
 void PreviewTableView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
-    if (widthHandler && event->size().width() != event->oldSize().width())
-        widthHandler();
+    if (event->size().width() != event->oldSize().width())
+        emit widthChanged();
 }
 
 } // namespace tavrin

@@ -13,6 +13,8 @@ class PreviewTableModel;
 /// The table of the preview list: rows are dragged within it to order them by hand, and out of it to remove
 /// them; files are dropped on it. What a drag means is decided by the DNDArrayController.
 class PreviewTableView final : public QTableView {
+    Q_OBJECT
+
   public:
     PreviewTableView(PreviewTableModel& shownModel, DNDArrayController& controller);
 
@@ -20,16 +22,17 @@ class PreviewTableView final : public QTableView {
     [[nodiscard]] std::vector<std::size_t> selectedRows() const;
     /// The same as ids.
     [[nodiscard]] std::vector<RowId> selectedIds() const;
-    [[nodiscard]] bool isDraggingRows() const { return isDragging; }
+    /// -1 where none is.
+    [[nodiscard]] int firstSelectedRow() const;
     /// Does what puts the rows in another order.
     void reorder(const std::function<void()>& work);
     [[nodiscard]] bool isReordering() const { return reorders; }
 
-    std::function<void()> removeHandler;      ///< Delete was pressed
-    std::function<void(bool up)> moveHandler; ///< Alt+Up or Alt+Down
-    std::function<void()> openHandler;        ///< a double click or Return
-    std::function<void()> rowsRemovedHandler; ///< rows were dragged out
-    std::function<void()> widthHandler;       ///< there is more or less room for the columns
+  signals:
+    void removeRequested();      ///< Delete was pressed
+    void moveRequested(bool up); ///< Alt+Up or Alt+Down
+    void openRequested();        ///< a double click or Return
+    void widthChanged();         ///< there is more or less room for the columns
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -47,7 +50,6 @@ class PreviewTableView final : public QTableView {
     void showMark(int row);
 
     DNDArrayController& dragging;
-    bool isDragging = false;
     bool reorders = false;
     int markedRow = -1; ///< rows would be dropped in front of it
     bool isTakingFiles = false;

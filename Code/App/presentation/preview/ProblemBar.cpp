@@ -1,8 +1,10 @@
 #include "presentation/preview/ProblemBar.h"
 
+#include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
+#include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
-#include "presentation/preview/PreviewPane.h"
+#include "presentation/WindowCommands.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -13,7 +15,7 @@
 
 namespace tavrin {
 
-ProblemBar::ProblemBar(PreviewPane& pane) : symbol(new QLabel), text(new QLabel) {
+ProblemBar::ProblemBar(WindowCommands& commands) : symbol(new QLabel), text(new QLabel) {
     setObjectName("problemBar");
     setAutoFillBackground(true);
     text->setObjectName("problemText");
@@ -23,40 +25,33 @@ ProblemBar::ProblemBar(PreviewPane& pane) : symbol(new QLabel), text(new QLabel)
     symbol->setFixedSize(fontMetrics().height() + 2, fontMetrics().height() + 2);
     layout->addWidget(symbol);
     layout->addWidget(text, 1);
-    addButton("previousProblemButton", GlyphIcon::of(Glyph::up), "", "Previous problem (Shift+F8)",
-              [&pane] { pane.goToProblem(false); });
-    addButton("nextProblemButton", GlyphIcon::of(Glyph::down), "", "Next problem (F8)",
-              [&pane] { pane.goToProblem(true); });
-    addButton("showOnlyProblems", {}, "Show Only These", "Show only the items with problems",
-              [&pane] { pane.setShow(PreviewPane::Show::problems); });
+    addButton(makeToolButton("previousProblemButton", Glyph::up, tr("Previous problem (Shift+F8)")),
+              *commands.previousProblem);
+    addButton(makeToolButton("nextProblemButton", Glyph::down, tr("Next problem (F8)")),
+              *commands.nextProblem);
+    auto* showOnly =
+        makeToolButton("showOnlyProblems", Glyph::problem, tr("Show only the items with problems"));
+    showOnly->setIcon({});
+    showOnly->setText(tr("Show Only These"));
+    addButton(showOnly, *commands.showProblems);
     applyColours();
     hide();
 }
 
-void ProblemBar::addButton(const char* name, const QIcon& icon, const char* label, const char* tip,
-                           std::function<void()> effect) {
-    auto* button = new QToolButton;
-    button->setObjectName(name);
-    button->setIcon(icon);
-    button->setText(label);
-    button->setToolTip(tip);
-    button->setAccessibleName(tip);
-    button->setAutoRaise(true);
-    connect(button, &QToolButton::clicked, this, std::move(effect));
+void ProblemBar::addButton(QAbstractButton* button, QAction& command) {
+    performs(*button, command);
     layout()->addWidget(button);
     buttons.push_back(button);
 }
 
 void ProblemBar::showCounts(std::size_t problems, std::size_t madeDistinct) {
     setVisible(problems > 0 || madeDistinct > 0);
-    if (problems > 0)
-        text->setText(problems == 1 ? QString("1 item cannot be renamed as shown.")
-                                    : QString("%L1 items cannot be renamed as shown.").arg(problems));
-    else
-        text->setText(
-            madeDistinct == 1
-                ? QString("1 name was made distinct: it would have been the same as another.")
-                : QString("%L1 names were made distinct: they would have been the same.").arg(madeDistinct));
+    text->setText(problems > 0
+                      ? counted(problems, tr("1 item cannot be renamed as shown."),
+                                tr("%L1 items cannot be renamed as shown."))
+                      : counted(madeDistinct,
+                                tr("1 name was made distinct: it would have been the same as another."),
+                                tr("%L1 names were made distinct: they would have been the same.")));
     text->setAccessibleName(text->text());
     for (QWidget* button : buttons)
         button->setVisible(problems > 0);

@@ -2,21 +2,23 @@
 
 #include <QFrame>
 #include <cstddef>
-#include <functional>
 #include <vector>
 
+class QAbstractButton;
+class QAction;
 class QLabel;
 
 namespace tavrin {
 
-class PreviewPane;
-enum class Glyph;
+class WindowCommands;
 
 /// Says how many items can't be renamed as shown, and leads to them; else how many names were changed because
 /// they would have been the same. It shows only when needed and stops nothing. Object name "problemBar".
 class ProblemBar final : public QFrame {
+    Q_OBJECT
+
   public:
-    explicit ProblemBar(PreviewPane& pane);
+    explicit ProblemBar(WindowCommands& commands);
 
     /// The numbers of items.
     void showCounts(std::size_t problems, std::size_t madeDistinct);
@@ -25,8 +27,7 @@ class ProblemBar final : public QFrame {
     void changeEvent(QEvent* event) override;
 
   private:
-    void addButton(const char* name, const QIcon& icon, const char* text, const char* tip,
-                   std::function<void()> effect);
+    void addButton(QAbstractButton* button, QAction& command);
     void applyColours();
 
     bool isAboutProblems = true;

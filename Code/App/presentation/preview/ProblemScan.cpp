@@ -2,7 +2,7 @@
 
 #include "platform/files/FileSystem.h"
 #include "platform/files/FolderEntries.h"
-#include "presentation/preview/NameProblems.h"
+#include "presentation/preview/ShownName.h"
 #include "shell/commands/MainController.h"
 #include "support/text/PathParts.h"
 #include "support/text/Text.h"
@@ -55,8 +55,8 @@ void findTaken(const std::string& path, const std::vector<ProblemScan::Wish>& wi
 
 } // namespace
 
-ProblemScan::ProblemScan(WindowServices shared, Found whenFound)
-    : services(shared), found(std::move(whenFound)), isStopped(std::make_shared<std::atomic<bool>>()) {
+ProblemScan::ProblemScan(const WindowServices& shared, QObject* parent)
+    : QObject(parent), services(shared), isStopped(std::make_shared<std::atomic<bool>>()) {
     slices.setObjectName("problemScan");
     slices.setInterval(0);
     connect(&slices, &QTimer::timeout, this, [this] { (this->*current)(); });
@@ -74,6 +74,8 @@ void ProblemScan::start() {
     findings = {};
     proceedWith(&ProblemScan::readSlice);
 }
+
+ProblemScan::Findings ProblemScan::takeFindings() { return std::exchange(findings, {}); }
 
 void ProblemScan::proceedWith(Slice slice) {
     current = slice;
@@ -97,7 +99,7 @@ void ProblemScan::readSlice() {
 void ProblemScan::takeRow(const PreviewList::Row& row) {
     findings.madeDistinct += row.madeDistinct;
     if (const char* reason = problemOfName(row.finalName)) {
-        findings.problems[row.id] = QString::fromUtf8(reason);
+        findings.problems[row.id] = ShownName::tr(reason);
         return;
     }
     if (auto name = bytesOf(row.finalName))
@@ -130,7 +132,7 @@ void ProblemScan::compareOnThread() {
 }
 
 void ProblemScan::compared(Comparison result) {
-    const QString sameAsAnother = "same as another item";
+    const QString sameAsAnother = tr("same as another item");
     for (const RowId row : result.equal)
         findings.problems[row] = sameAsAnother;
     taken = std::move(result.taken);
@@ -139,7 +141,7 @@ void ProblemScan::compared(Comparison result) {
 
 /// A name that an item of the list has is free when its turn comes, or was made distinct.
 void ProblemScan::judgeSlice() {
-    const QString takenByForeignFile = "taken by a file not in the list";
+    const QString takenByForeignFile = tr("taken by a file not in the list");
     PreviewList& list = services.controller.nodeController();
     const std::size_t end = std::min(taken.size(), next + rowsPerSlice);
     for (; next < end; ++next)
@@ -149,7 +151,7 @@ void ProblemScan::judgeSlice() {
         return;
     slices.stop();
     taken.clear();
-    found(std::exchange(findings, {}));
+    emit found();
 }
 
 } // namespace tavrin

@@ -7,7 +7,6 @@
 #include <QObject>
 #include <QTimer>
 #include <atomic>
-#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -20,18 +19,21 @@ namespace tavrin {
 /// events, and compares them with each other and with the folders on a thread of its own, which gets copies
 /// of names alone. Nothing here ever waits for that thread but the destructor. Main thread.
 class ProblemScan final : public QObject {
+    Q_OBJECT
+
   public:
     struct Findings {
         PreviewTableModel::Problems problems;
         std::size_t madeDistinct = 0; ///< names that were changed so that no other item has them
     };
-    using Found = std::function<void(Findings)>;
 
-    ProblemScan(WindowServices services, Found whenFound);
+    ProblemScan(const WindowServices& services, QObject* parent);
     ~ProblemScan() override;
 
     /// Begins anew with the list as it is now.
     void start();
+    /// What has been found out; once.
+    [[nodiscard]] Findings takeFindings();
 
     /// A new name of a row, in the bytes of the file system.
     struct Wish {
@@ -51,6 +53,10 @@ class ProblemScan final : public QObject {
     /// Compares the wishes with each other and with what is in their folders. Any thread.
     [[nodiscard]] static Comparison compare(const Folders& folders, const std::atomic<bool>& isStopped);
 
+  signals:
+    /// The findings are there to be taken.
+    void found();
+
   private:
     using Slice = void (ProblemScan::*)();
 
@@ -62,7 +68,6 @@ class ProblemScan final : public QObject {
     void judgeSlice();
 
     const WindowServices services;
-    Found found;
     QTimer slices;
     Slice current = nullptr;
     std::size_t next = 0;

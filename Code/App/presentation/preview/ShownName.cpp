@@ -1,5 +1,6 @@
 #include "presentation/preview/ShownName.h"
 
+#include "support/text/Text.h"
 #include "tags/StringToInvisiblesValueTransformer.h"
 
 #include <QStringList>
@@ -50,7 +51,30 @@ QString ShownName::bytesNote(const std::u16string& name) {
     for (std::size_t i = 0; i < name.size(); ++i)
         if (isByte(name[i]) && !isPaired(name, i))
             bytes.append(QString("%1").arg(name[i] - 0xDC00, 2, 16, QChar('0')).toUpper());
-    return bytes.isEmpty() ? QString() : "Bytes that are not UTF-8: " + bytes.join(' ');
+    return bytes.isEmpty() ? QString() : tr("Bytes that are not UTF-8: %1").arg(bytes.join(' '));
+}
+
+namespace {
+
+constexpr std::size_t longestName = 255; // bytes, what the file systems of this platform take
+
+} // namespace
+
+const char* problemOfName(const std::u16string& name) {
+    if (name.empty())
+        return QT_TRANSLATE_NOOP("tavrin::ShownName", "the name would be empty");
+    if (name == u"." || name == u"..")
+        return QT_TRANSLATE_NOOP("tavrin::ShownName", "“.” and “..” cannot be names");
+    if (name.find(u'\0') != name.npos)
+        return QT_TRANSLATE_NOOP("tavrin::ShownName", "names cannot hold a NUL character");
+    // A unit is three bytes at most.
+    if (name.size() * 3 <= longestName)
+        return nullptr;
+    const auto bytes = text::toBytes(name);
+    if (!bytes)
+        return QT_TRANSLATE_NOOP("tavrin::ShownName", "the name cannot be written");
+    return bytes->size() > longestName ? QT_TRANSLATE_NOOP("tavrin::ShownName", "longer than 255 bytes")
+                                       : nullptr;
 }
 
 } // namespace tavrin

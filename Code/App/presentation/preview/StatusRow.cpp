@@ -2,9 +2,9 @@
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/ProgressInfo.h"
+#include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
-#include "presentation/ToggleButton.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/commands/MainController.h"
@@ -52,7 +52,7 @@ QWidget* StatusRow::makeProgressPage() {
     auto* row = new QHBoxLayout(page);
     row->setContentsMargins(0, 0, 0, 0);
     progressBar->setObjectName("previewProgressBar");
-    progressBar->setAccessibleName("Progress of the preview");
+    progressBar->setAccessibleName(tr("Progress of the preview"));
     progressBar->setTextVisible(false);
     progressBar->setMaximumWidth(200);
     progressText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -62,15 +62,13 @@ QWidget* StatusRow::makeProgressPage() {
 }
 
 void StatusRow::addOrderButtons() {
-    layout()->addWidget(new QLabel("Order:"));
+    layout()->addWidget(new QLabel(tr("Order:")));
     TVRNGlobalPreferencesPseudoAction& settings = controller.globalSettings();
-    const auto add = [&](const char* name, const char* label, Glyph glyph, const char* tip,
+    const auto add = [&](const char* name, const QString& label, Glyph glyph, const QString& tip,
                          bool isAutomatic) {
         auto* button = new ToggleButton(label, glyph);
         button->setObjectName(name);
-        button->setText(label);
         button->setToolTip(tip);
-        button->setCheckable(true);
         button->setAutoExclusive(true);
         layout()->addWidget(button);
         connect(button, &QToolButton::clicked, this, [&settings, isAutomatic] {
@@ -79,9 +77,10 @@ void StatusRow::addOrderButtons() {
         });
         return button;
     };
-    auto* automatic = add("autoButton", "Auto", Glyph::automatic, "The order that the action asks for", true);
+    auto* automatic =
+        add("autoButton", tr("Auto"), Glyph::automatic, tr("The order that the action asks for"), true);
     auto* manual =
-        add("manualButton", "Manual", Glyph::byHand, "The order made by hand: drag the rows", false);
+        add("manualButton", tr("Manual"), Glyph::byHand, tr("The order made by hand: drag the rows"), false);
     binding = std::make_unique<ParameterBinding>(settings, "automaticSorting", [=](const auto& value) {
         const bool isAutomatic = value && boolValue(*value);
         automatic->setChecked(isAutomatic);

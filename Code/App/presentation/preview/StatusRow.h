@@ -16,6 +16,8 @@ enum class PreviewTab;
 /// The line under the list: what the last preview has found, or how far a long one is, and whether the order
 /// is the action's or one by hand. Object name "statusRow".
 class StatusRow final : public QWidget {
+    Q_OBJECT
+
   public:
     explicit StatusRow(MainController& controller);
     ~StatusRow() override;

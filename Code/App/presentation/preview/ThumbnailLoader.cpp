@@ -1,11 +1,14 @@
 #include "presentation/preview/ThumbnailLoader.h"
 
 #include "platform/metadata/ExifHelper.h"
-#include "presentation/preview/TypeIcons.h"
+#include "presentation/GlyphIcon.h"
+#include "support/text/PathParts.h"
 
 #include <QCryptographicHash>
 #include <QFile>
+#include <QHash>
 #include <QImageReader>
+#include <QMimeDatabase>
 #include <QStandardPaths>
 #include <algorithm>
 #include <array>
@@ -15,6 +18,31 @@
 #include <unistd.h>
 
 namespace tavrin {
+
+namespace {
+
+QIcon lookedUp(const QString& extension, bool isFolder) {
+    if (isFolder)
+        return QIcon::fromTheme("folder", GlyphIcon::of(Glyph::folderItem, QPalette::PlaceholderText));
+    const QMimeDatabase types;
+    const QMimeType type = types.mimeTypeForFile("x." + extension, QMimeDatabase::MatchExtension);
+    const QIcon generic =
+        QIcon::fromTheme(type.genericIconName(), GlyphIcon::of(Glyph::fileItem, QPalette::PlaceholderText));
+    return QIcon::fromTheme(type.iconName(), generic);
+}
+
+} // namespace
+
+QIcon TypeIcons::iconFor(const std::string& path, bool isFolder) {
+    static QHash<QString, QIcon> known;
+    const std::string_view ending = extensionOf(path);
+    const QString extension =
+        isFolder ? QString("/") : QString::fromUtf8(ending.data(), std::ssize(ending)).toLower();
+    auto found = known.find(extension);
+    if (found == known.end())
+        found = known.insert(extension, lookedUp(extension, isFolder));
+    return *found;
+}
 
 namespace {
 
@@ -80,8 +108,7 @@ QImage scaled(const QImage& image, int pixels) {
 
 } // namespace
 
-ThumbnailLoader::ThumbnailLoader(std::function<void(RowId)> whenChanged)
-    : changed(std::move(whenChanged)), images(keptBytes) {
+ThumbnailLoader::ThumbnailLoader(QObject* parent) : QObject(parent), images(keptBytes) {
     threads.setMaxThreadCount(2);
     threads.setThreadPriority(QThread::LowPriority);
     QImageReader::setAllocationLimit(decodingMegabytes);
@@ -139,7 +166,7 @@ void ThumbnailLoader::request(const PreviewList::Row& row) {
         images.insert(QByteArray::fromStdString(path), new QImage(image),
                       entryBytes + static_cast<int>(path.size()) + static_cast<int>(image.sizeInBytes()));
         if (!image.isNull())
-            changed(id);
+            emit changed(id);
     };
     threads.start(
         [this, path = row.fullPath, pixels = size, deliver] {

@@ -3,24 +3,31 @@
 #include "shell/preview/PreviewList.h"
 
 #include <QCache>
+#include <QIcon>
 #include <QImage>
 #include <QObject>
 #include <QThreadPool>
 #include <QVariant>
 #include <cstdint>
-#include <functional>
+#include <string>
 #include <unordered_set>
 
 namespace tavrin {
+
+/// The desktop's icons for types of files, by extension.
+struct TypeIcons {
+    [[nodiscard]] static QIcon iconFor(const std::string& path, bool isFolder);
+};
 
 /// Small pictures of the rows that are seen. Until a picture is there, and for files that are none, the icon
 /// of the file's type stands in its place. Pictures are read on two threads of low priority, what was asked
 /// for last comes first, and 64 MiB of them are kept. Files are taken for hostile: only plain files are
 /// opened, only as pictures made of dots, and none that would take much memory. Main thread.
 class ThumbnailLoader final : public QObject {
+    Q_OBJECT
+
   public:
-    /// `changed` is called when the picture of a row has come.
-    explicit ThumbnailLoader(std::function<void(RowId)> changed);
+    explicit ThumbnailLoader(QObject* parent = nullptr);
     ~ThumbnailLoader() override;
 
     /// In pixels of the screen, of which there are `ratio` to one of the window.
@@ -40,11 +47,14 @@ class ThumbnailLoader final : public QObject {
     /// thumbnails that the desktop shares, else from the file. Any thread.
     [[nodiscard]] static QImage read(const std::string& path, int pixels);
 
+  signals:
+    /// The picture of a row has come.
+    void changed(tavrin::RowId id);
+
   private:
     void request(const PreviewList::Row& row);
     void dropRequests();
 
-    std::function<void(RowId)> changed;
     int size = 32;
     double pixelRatio = 1;
     std::uint64_t round = 0; ///< goes up when requests are dropped, so that what comes late is left out

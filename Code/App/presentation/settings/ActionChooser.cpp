@@ -1,11 +1,10 @@
 #include "presentation/settings/ActionChooser.h"
 
 #include "actions/ActionList.h"
-#include "actions/CategoryManager.h"
 #include "actions/CompositeRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/ActionSearchField.h"
-#include "presentation/settings/WidePopUpBox.h"
+#include "presentation/settings/ParameterEditors.h"
 #include "shell/commands/MainController.h"
 
 #include <QBoxLayout>
@@ -17,7 +16,7 @@ namespace {
 
 constexpr int spacing = 8;
 
-QComboBox* makeBox(const char* name, const char* accessibleName) {
+QComboBox* makeBox(const char* name, const QString& accessibleName) {
     auto* box = new WidePopUpBox;
     box->setObjectName(name);
     box->setAccessibleName(accessibleName);
@@ -29,10 +28,10 @@ QComboBox* makeBox(const char* name, const char* accessibleName) {
 
 } // namespace
 
-ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
-    : QWidget(parent), services(shared), search(new ActionSearchField(services.actionList)),
-      categoryPopUpButton(makeBox("categoryPopUpButton", "Category")),
-      actionPopUpButton(makeBox("actionPopUpButton", "Action")),
+ActionChooser::ActionChooser(const WindowServices& shared)
+    : services(shared), search(new ActionSearchField(services.actionList)),
+      categoryPopUpButton(makeBox("categoryPopUpButton", tr("Category"))),
+      actionPopUpButton(makeBox("actionPopUpButton", tr("Action"))),
       all(new QBoxLayout(QBoxLayout::TopToBottom, this)), boxes(new QBoxLayout(QBoxLayout::LeftToRight)) {
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(spacing);
@@ -41,7 +40,7 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
     boxes->addWidget(categoryPopUpButton, 2);
     boxes->addWidget(actionPopUpButton, 3);
     all->addLayout(boxes, 5);
-    search->setFoundHandler([this](std::int32_t menuIndex) {
+    connect(search, &ActionSearchField::found, this, [this](std::int32_t menuIndex) {
         wasFoundBySearch = true;
         choose(menuIndex);
     });
@@ -53,16 +52,14 @@ ActionChooser::ActionChooser(WindowServices shared, QWidget* parent)
             categoryPopUpButton->addItem(toQString(title), category++);
     }
     connect(categoryPopUpButton, &QComboBox::activated, this, [this](int row) {
-        const auto first =
-            CategoryManager::defaultActionForCategory(categoryPopUpButton->itemData(row).toInt());
+        const auto first = services.actionList.getFirstActionIndexForCategoryIndex(
+            categoryPopUpButton->itemData(row).toInt());
         if (first)
             choose(*first);
     });
     connect(actionPopUpButton, &QComboBox::activated, this,
             [this](int row) { choose(actionPopUpButton->itemData(row).toInt()); });
 }
-
-ActionChooser::~ActionChooser() = default;
 
 /// All in one row in a wide and low pane, the boxes below each other where their labels would be cut.
 void ActionChooser::arrange() {
@@ -97,7 +94,8 @@ void ActionChooser::choose(std::int32_t menuIndex) {
 
 void ActionChooser::refresh() {
     const auto index = services.controller.compositeAction().transientActionIndex();
-    const auto category = CategoryManager::categoryForAction(index);
+    const auto category =
+        index ? services.actionList.translateActionIndexToCategoryIndex(*index) : std::nullopt;
     if (!index || !category) {
         categoryPopUpButton->setCurrentIndex(-1);
         actionPopUpButton->setCurrentIndex(-1);

@@ -4,8 +4,6 @@
 
 #include <QWidget>
 #include <cstdint>
-#include <memory>
-#include <vector>
 
 class QBoxLayout;
 class QComboBox;
@@ -16,9 +14,10 @@ class ActionSearchField;
 
 /// Chooses the action of the current step: by words typed, or by category and place within it.
 class ActionChooser final : public QWidget {
+    Q_OBJECT
+
   public:
-    ActionChooser(WindowServices services, QWidget* parent);
-    ~ActionChooser() override;
+    explicit ActionChooser(const WindowServices& services);
 
     /// Shows the action of the current step.
     void refresh();

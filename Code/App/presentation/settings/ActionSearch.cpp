@@ -70,8 +70,8 @@ bool beginsWord(const std::u16string& text, const std::u16string& part) {
 
 bool contains(const std::u16string& text, const std::u16string& part) { return text.find(part) != text.npos; }
 
-std::u16string exampleOf(const BaseRenameAction& action) {
-    const auto examples = action.examples();
+std::u16string exampleOf(const ActionEntry& entry) {
+    const auto& examples = entry.examples;
     return examples.empty() ? u"" : examples.front().before + u" \u2192 " + examples.front().after;
 }
 
@@ -86,7 +86,7 @@ ActionSearch::ActionSearch(const ActionList& catalogue) {
             continue;
         const auto category = catalogue.translateActionIndexToCategoryIndex(*index).value_or(0);
         const Hit hit{*index, catalogue.popUpMenuItems().at(static_cast<std::size_t>(*index)),
-                      categories.at(static_cast<std::size_t>(category)), exampleOf(*entry.make())};
+                      categories.at(static_cast<std::size_t>(category)), exampleOf(entry)};
         const std::u16string label = folded(hit.label);
         const std::u16string categoryName = folded(hit.category);
         entries.push_back({hit, label, synonymsFor(label + u" " + categoryName), categoryName});

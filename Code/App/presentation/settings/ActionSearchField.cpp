@@ -81,12 +81,12 @@ class HitDelegate final : public QStyledItemDelegate {
 
 ActionSearchField::ActionSearchField(const ActionList& list) : catalogue(list), hits(new QListWidget(this)) {
     setObjectName("findAction");
-    setPlaceholderText("Find an action (Ctrl+K)");
+    setPlaceholderText(tr("Find an action (Ctrl+K)"));
     addAction(GlyphIcon::of(Glyph::search, QPalette::PlaceholderText), QLineEdit::LeadingPosition);
-    setAccessibleName("Find an action");
+    setAccessibleName(tr("Find an action"));
     setClearButtonEnabled(true);
     hits->setObjectName("actionHits");
-    hits->setAccessibleName("Actions found");
+    hits->setAccessibleName(tr("Actions found"));
     hits->setWindowFlags(Qt::ToolTip);
     hits->setFocusPolicy(Qt::NoFocus);
     hits->setFocusProxy(this);
@@ -97,8 +97,6 @@ ActionSearchField::ActionSearchField(const ActionList& list) : catalogue(list), 
     connect(this, &QLineEdit::textEdited, this, [this] { showHits(); });
     connect(hits, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) { take(hits->row(item)); });
 }
-
-ActionSearchField::~ActionSearchField() = default;
 
 void ActionSearchField::focusInEvent(QFocusEvent* event) {
     QLineEdit::focusInEvent(event);
@@ -151,8 +149,8 @@ void ActionSearchField::showHits() {
         item->setData(typedRole, text());
     }
     hits->setCurrentRow(0);
-    setAccessibleDescription(hits->count() == 1 ? QString("1 action found")
-                                                : QString("%1 actions found").arg(hits->count()));
+    setAccessibleDescription(
+        counted(static_cast<std::size_t>(hits->count()), tr("1 action found"), tr("%L1 actions found")));
     if (hits->count() == 0) {
         hideHits();
         return;
@@ -170,8 +168,7 @@ void ActionSearchField::take(int row) {
     const int menuIndex = hits->item(row)->data(menuIndexRole).toInt();
     hideHits();
     clear();
-    if (found)
-        found(menuIndex);
+    emit found(menuIndex);
 }
 
 } // namespace tavrin

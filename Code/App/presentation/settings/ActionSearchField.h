@@ -3,7 +3,6 @@
 #include "presentation/settings/ActionSearch.h"
 
 #include <QLineEdit>
-#include <functional>
 #include <optional>
 
 class QListWidget;
@@ -12,11 +11,13 @@ namespace tavrin {
 
 /// A line to type words for an action into; the hits show in a list below it.
 class ActionSearchField final : public QLineEdit {
+    Q_OBJECT
+
   public:
     explicit ActionSearchField(const ActionList& catalogue);
-    ~ActionSearchField() override;
 
-    void setFoundHandler(std::function<void(std::int32_t menuIndex)> handler) { found = std::move(handler); }
+  signals:
+    void found(std::int32_t menuIndex);
 
   protected:
     void focusInEvent(QFocusEvent* event) override;
@@ -30,8 +31,7 @@ class ActionSearchField final : public QLineEdit {
 
     const ActionList& catalogue;
     std::optional<ActionSearch> search; ///< made when first needed
-    std::function<void(std::int32_t)> found;
-    QListWidget* hits; ///< a window of its own, owned by this
+    QListWidget* hits;                  ///< a window of its own, owned by this
 };
 
 } // namespace tavrin

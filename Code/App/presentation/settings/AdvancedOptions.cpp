@@ -1,6 +1,7 @@
 #include "presentation/settings/AdvancedOptions.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/commands/MainController.h"
@@ -12,10 +13,10 @@
 
 namespace tavrin {
 
-AdvancedOptions::AdvancedOptions(WindowServices shared, QWidget* parent)
-    : QWidget(parent), services(shared), disclosure(new QToolButton), content(new QWidget) {
+AdvancedOptions::AdvancedOptions(const WindowServices& shared)
+    : services(shared), disclosure(new QToolButton), content(new QWidget) {
     disclosure->setObjectName("discloseAdvancedOptions");
-    disclosure->setText("Advanced &Options");
+    disclosure->setText(tr("Advanced &Options"));
     disclosure->setAutoRaise(true);
     disclosure->setCheckable(true);
     disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -26,11 +27,11 @@ AdvancedOptions::AdvancedOptions(WindowServices shared, QWidget* parent)
     layout->addWidget(content);
     auto* rows = new QVBoxLayout(content);
     rows->setContentsMargins(20, 0, 0, 0);
-    addSetting("interactiveMode", "Show &confirmation dialog before renaming");
-    addSetting("showSummary", "Show s&ummary after renaming is complete");
-    addSetting("continueAfterRename", "&Keep the list after renaming");
-    addSetting("quitAfterRename", "&Quit after renaming");
-    addSetting("silentDroplet", "Create s&ilent droplets");
+    addSetting("interactiveMode", tr("Show &confirmation dialog before renaming"));
+    addSetting("showSummary", tr("Show s&ummary after renaming is complete"));
+    addSetting("continueAfterRename", tr("&Keep the list after renaming"));
+    addSetting("quitAfterRename", tr("&Quit after renaming"));
+    addSetting("silentDroplet", tr("Create s&ilent droplets"));
     silentDropletCheckbox = content->findChild<QCheckBox*>("silentDroplet");
     addSilentDropletHelp();
     TVRNGlobalPreferencesPseudoAction& settings = services.controller.globalSettings();
@@ -47,8 +48,8 @@ AdvancedOptions::AdvancedOptions(WindowServices shared, QWidget* parent)
 
 AdvancedOptions::~AdvancedOptions() = default;
 
-void AdvancedOptions::addSetting(const char* key, const char* text) {
-    auto* box = new QCheckBox(QString::fromUtf8(text));
+void AdvancedOptions::addSetting(const char* key, const QString& text) {
+    auto* box = new QCheckBox(text);
     box->setObjectName(key);
     content->layout()->addWidget(box);
     bindings.push_back(std::make_unique<ParameterBinding>(services.controller.globalSettings(), key,
@@ -60,12 +61,7 @@ void AdvancedOptions::addSetting(const char* key, const char* text) {
 }
 
 void AdvancedOptions::addSilentDropletHelp() {
-    auto* help = new QToolButton;
-    help->setObjectName("silentDropletHelpButton");
-    help->setIcon(GlyphIcon::of(Glyph::help));
-    help->setToolTip("Help on silent droplets");
-    help->setAccessibleName("Help on silent droplets");
-    help->setAutoRaise(true);
+    auto* help = makeToolButton("silentDropletHelpButton", Glyph::help, tr("Help on silent droplets"));
     connect(help, &QToolButton::clicked, this, [this] { services.controller.showHelpAnchor("helpTopic19"); });
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
@@ -76,7 +72,7 @@ void AdvancedOptions::addSilentDropletHelp() {
 }
 
 void AdvancedOptions::enterDropletEditMode() {
-    silentDropletCheckbox->setText("Execute as a \"s&ilent\" droplet");
+    silentDropletCheckbox->setText(tr("Execute as a \"s&ilent\" droplet"));
     services.controller.globalSettings().setValue(1, "discloseAdvancedOptions");
 }
 

@@ -15,8 +15,10 @@ class ParameterBinding;
 
 /// The settings of a run, below the panel of the action; folded away at first.
 class AdvancedOptions final : public QWidget {
+    Q_OBJECT
+
   public:
-    AdvancedOptions(WindowServices services, QWidget* parent);
+    explicit AdvancedOptions(const WindowServices& services);
     ~AdvancedOptions() override;
 
     /// A droplet that is being edited: its own words for the silent run.
@@ -24,7 +26,7 @@ class AdvancedOptions final : public QWidget {
 
   private:
     void addSilentDropletHelp();
-    void addSetting(const char* key, const char* text);
+    void addSetting(const char* key, const QString& text);
 
     const WindowServices services;
     QToolButton* disclosure;

@@ -1,7 +1,7 @@
 #include "presentation/settings/FragmentSelector.h"
 
 #include "actions/BaseRenameAction.h"
-#include "presentation/ToggleButton.h"
+#include "presentation/Buttons.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -30,10 +30,14 @@ struct Fragment {
 };
 
 constexpr std::array fragments{
-    Fragment{1, "fragment1", "Name", "Name without extension", "", "photo", ".jpg"},
-    Fragment{0, "fragment0", "Whole name", "Whole name", "", "photo.jpg", ""},
-    Fragment{2, "fragment2", "Extension", "Extension without dot", "photo.", "jpg", ""},
-    Fragment{3, "fragment3", "With dot", "Extension with dot", "photo", ".jpg", ""},
+    Fragment{1, "fragment1", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Name"),
+             QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Name without extension"), "", "photo", ".jpg"},
+    Fragment{0, "fragment0", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Whole name"),
+             QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Whole name"), "", "photo.jpg", ""},
+    Fragment{2, "fragment2", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Extension"),
+             QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Extension without dot"), "photo.", "jpg", ""},
+    Fragment{3, "fragment3", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "With dot"),
+             QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Extension with dot"), "photo", ".jpg", ""},
 };
 
 /// A button with a sample name, a part of which stands on the highlight.
@@ -43,8 +47,8 @@ class FragmentButton final : public QAbstractButton {
         setCheckable(true);
         setAutoExclusive(true);
         setObjectName(fragment.name);
-        setAccessibleName(fragment.spoken);
-        setToolTip(fragment.spoken);
+        setAccessibleName(FragmentSelector::tr(fragment.spoken));
+        setToolTip(accessibleName());
         setFocusPolicy(Qt::TabFocus);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     }
@@ -98,7 +102,7 @@ FragmentSelector::FragmentSelector(BaseRenameAction& action, Size size)
     : binding(action, "fragmentSelection",
               [this](const std::optional<PropertyValue>& value) { show(value ? intValue(*value) : 1); }) {
     setObjectName("fragmentSelection");
-    setAccessibleName("Apply to");
+    setAccessibleName(tr("Apply to"));
     if (size == Size::box)
         addBox();
     else
@@ -115,7 +119,7 @@ void FragmentSelector::addButtons(bool withCaptions) {
         auto* button = new FragmentButton(fragment);
         buttons.push_back(button);
         if (withCaptions) {
-            auto* caption = new QLabel(fragment.caption, this);
+            auto* caption = new QLabel(tr(fragment.caption), this);
             caption->setAlignment(Qt::AlignHCenter);
             QFont small = caption->font();
             small.setPointSizeF(small.pointSizeF() * captionScale);
@@ -169,9 +173,9 @@ void FragmentSelector::addBox() {
     layout->setContentsMargins(0, 0, 0, 0);
     box = new QComboBox;
     box->setObjectName("fragmentSelectionBox");
-    box->setAccessibleName("Apply to");
+    box->setAccessibleName(tr("Apply to"));
     for (const Fragment& fragment : fragments)
-        box->addItem(fragment.spoken, fragment.mode);
+        box->addItem(tr(fragment.spoken), fragment.mode);
     layout->addWidget(box);
     connect(box, &QComboBox::activated, this, [this](int row) { binding.write(box->itemData(row).toInt()); });
     setFocusProxy(box);

@@ -17,6 +17,8 @@ class BaseRenameAction;
 /// Which part of a name the action works on ("Apply to"): one button for each, on which that part of a sample
 /// name is marked.
 class FragmentSelector final : public QWidget {
+    Q_OBJECT
+
   public:
     enum class Size { withCaptions, withoutCaptions, box };
 

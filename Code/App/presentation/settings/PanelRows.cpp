@@ -1,7 +1,11 @@
 #include "presentation/settings/PanelRows.h"
 
 #include "actions/BaseRenameAction.h"
+#include "presentation/QtText.h"
+#include "presentation/WindowColours.h"
 
+#include <QEvent>
+#include <QStringList>
 #include <algorithm>
 
 namespace tavrin {
@@ -29,6 +33,79 @@ std::vector<PanelRow> panelRowsOf(const BaseRenameAction& action) {
     }
     std::ranges::stable_sort(rows, {}, [](const PanelRow& row) { return row.first().section; });
     return rows;
+}
+
+namespace {
+
+PanelNote firstValues(const BaseRenameAction& action) {
+    QStringList values;
+    for (const std::u16string& value : action.firstValues())
+        values.append(toQString(value));
+    return {values.isEmpty() ? QString() : values.join(", ") + " …"};
+}
+
+PanelNote failure(const BaseRenameAction& action) { return {QString::fromStdString(action.failure()), true}; }
+
+PanelNote place(const BaseRenameAction& action, std::string_view positionKey, std::string_view modeKey) {
+    const std::int32_t position = action.getParamInt(positionKey, 0);
+    const bool isFromEnd = action.getParamInt(modeKey, 0) == 1;
+    if (position <= 0)
+        return {isFromEnd ? NoteLabel::tr("at the end") : NoteLabel::tr("at the start")};
+    const auto count = static_cast<std::size_t>(position);
+    return {isFromEnd
+                ? counted(count, NoteLabel::tr("before the last character"),
+                          NoteLabel::tr("before the last %1 characters"))
+                : counted(count, NoteLabel::tr("after 1 character"), NoteLabel::tr("after %1 characters"))};
+}
+
+} // namespace
+
+PanelNote::Maker PanelNote::forRow(const PanelRow& row) {
+    const std::string_view key = row.first().key;
+    if (key == "padding")
+        return firstValues;
+    if (key == "searchPattern")
+        return failure;
+    if (row.parameters.size() == 2 && row.parameters.back()->choices.data() == positionModeChoices().data())
+        return [key, mode = row.parameters.back()->key](const BaseRenameAction& action) {
+            return place(action, key, mode);
+        };
+    return {};
+}
+
+NoteLabel::NoteLabel() {
+    setTextFormat(Qt::PlainText);
+    setWordWrap(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse);
+    setFocusPolicy(Qt::NoFocus);
+    applyColour();
+}
+
+void NoteLabel::showNote(const PanelNote& note) {
+    setText(note.text);
+    if (note.text.isEmpty())
+        hide();
+    else if (parentWidget())
+        setVisible(true);
+    if (note.isProblem == isProblem)
+        return;
+    isProblem = note.isProblem;
+    applyColour();
+}
+
+void NoteLabel::changeEvent(QEvent* event) {
+    QLabel::changeEvent(event);
+    // A colour that is set is told as a change of the palette, but not as one of the application's.
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        applyColour();
+}
+
+void NoteLabel::applyColour() {
+    setForegroundRole(isProblem ? QPalette::WindowText : QPalette::PlaceholderText);
+    QPalette own;
+    if (isProblem)
+        own.setColor(QPalette::WindowText, WindowColours::of(own).errorMark);
+    setPalette(own);
 }
 
 } // namespace tavrin

@@ -1,22 +1,34 @@
 #include "presentation/settings/ParameterEditors.h"
 
 #include "actions/BaseRenameAction.h"
+#include "actions/list/RenameFromListAction.h"
 #include "presentation/QtText.h"
-#include "presentation/settings/FileEditor.h"
-#include "presentation/settings/PanelNotes.h"
+#include "presentation/settings/PanelRows.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "presentation/settings/SeparatorModeEditor.h"
-#include "presentation/settings/WidePopUpBox.h"
 #include "presentation/tags/PatternEditor.h"
+#include "support/text/Text.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QFileDialog>
 #include <QFontDatabase>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPointer>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QStyle>
+#include <QStyleOptionComboBox>
 #include <QStyleOptionFrame>
+#include <QVBoxLayout>
 #include <QWheelEvent>
+#include <QWidget>
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -24,6 +36,8 @@
 namespace tavrin {
 
 namespace {
+
+QString translated(const char* text) { return QCoreApplication::translate("ParameterEditors", text); }
 
 QString textOf(const std::optional<PropertyValue>& value) {
     return value ? toQString(textValue(*value)) : QString();
@@ -219,8 +233,143 @@ class StatusLine : public NoteLabel {
     ParameterBinding binding;
 };
 
-QWidget* makeEditor(const ParameterDescription& parameter, BaseRenameAction& action,
-                    const WindowServices& services) {
+/// The parameter `separatorMode` of a date as two choices: what comes first, and what stands between.
+class SeparatorModeEditor final : public QWidget {
+  public:
+    explicit SeparatorModeEditor(BaseRenameAction& action);
+
+  private:
+    void show(int mode);
+    void write();
+
+    QComboBox* orderBox;
+    QComboBox* betweenBox;
+    ParameterBinding binding;
+};
+
+/// Modes 0 to 5 put the date first, 6 to 11 the time, each with these texts between the two.
+constexpr int textsBetween = 6;
+
+QComboBox* makeBox(const char* name, const QString& accessibleName, const QStringList& rows) {
+    auto* box = new WidePopUpBox;
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    box->setMinimumContentsLength(7);
+    box->setObjectName(name);
+    box->setAccessibleName(accessibleName);
+    box->addItems(rows);
+    return box;
+}
+
+SeparatorModeEditor::SeparatorModeEditor(BaseRenameAction& action)
+    : orderBox(makeBox("separatorModeOrder", translated("Order of date and time"),
+                       {translated("Date first"), translated("Time first")})),
+      betweenBox(
+          makeBox("separatorModeBetween", translated("Between date and time"),
+                  {translated("a blank between"), translated("nothing between"), translated("- between"),
+                   translated("_ between"), translated("/ between"), translated(". between")})),
+      binding(action, "separatorMode",
+              [this](const std::optional<PropertyValue>& value) { show(value ? intValue(*value) : 0); }) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(8);
+    layout->addWidget(orderBox, 2);
+    layout->addWidget(betweenBox, 3);
+    setFocusProxy(orderBox);
+    connect(orderBox, &QComboBox::activated, this, [this] { write(); });
+    connect(betweenBox, &QComboBox::activated, this, [this] { write(); });
+}
+
+void SeparatorModeEditor::show(int mode) {
+    const bool isKnown = mode >= 0 && mode < 2 * textsBetween;
+    orderBox->setCurrentIndex(isKnown ? mode / textsBetween : -1);
+    betweenBox->setCurrentIndex(isKnown ? mode % textsBetween : -1);
+}
+
+void SeparatorModeEditor::write() {
+    binding.write(std::max(0, orderBox->currentIndex()) * textsBetween +
+                  std::max(0, betweenBox->currentIndex()));
+}
+
+/// The file of a list action: its path, and buttons to choose, to read anew and to forget it.
+class FileEditor final : public QWidget {
+  public:
+    explicit FileEditor(BaseRenameAction& action);
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void show(const QString& path);
+    void browse();
+
+    BaseRenameAction& action;
+    QString path;
+    QLabel* pathLabel;
+    ParameterBinding binding;
+};
+
+FileEditor::FileEditor(BaseRenameAction& listAction)
+    : action(listAction), pathLabel(new QLabel),
+      binding(listAction, "listFilePath", [this](const std::optional<PropertyValue>& value) {
+          show(value ? toQString(textValue(*value)) : QString());
+      }) {
+    pathLabel->setObjectName("listFilePathLabel");
+    pathLabel->setTextFormat(Qt::PlainText);
+    pathLabel->setFrameShape(QFrame::StyledPanel);
+    pathLabel->setMargin(4);
+    pathLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    pathLabel->setAccessibleName(translated("List file"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(pathLabel);
+    auto* buttons = new QHBoxLayout;
+    layout->addLayout(buttons);
+    const auto addButton = [&](const char* name, const QString& text, auto&& effect) {
+        auto* button = new QPushButton(text);
+        button->setAutoDefault(false);
+        button->setObjectName(name);
+        buttons->addWidget(button);
+        connect(button, &QPushButton::clicked, this, effect);
+        return button;
+    };
+    setFocusProxy(addButton("browse", translated("Browse…"), [this] { browse(); }));
+    const auto listOf = [this] { return dynamic_cast<RenameFromListAction*>(&action); };
+    addButton("reload", translated("Reload"), [listOf] {
+        if (auto* list = listOf())
+            list->reload();
+    });
+    addButton("clear", translated("Clear"), [listOf] {
+        if (auto* list = listOf())
+            list->clear();
+    });
+    buttons->addStretch(1);
+}
+
+void FileEditor::show(const QString& newPath) {
+    path = newPath;
+    pathLabel->setToolTip(path.toHtmlEscaped());
+    pathLabel->setText(
+        pathLabel->fontMetrics().elidedText(path, Qt::ElideMiddle, std::max(80, pathLabel->width() - 16)));
+}
+
+void FileEditor::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    show(path);
+}
+
+void FileEditor::browse() {
+    auto* dialog = new QFileDialog(window(), translated("Choose a List of Names"));
+    dialog->setObjectName("browseDialog");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& chosen) {
+        if (auto* list = dynamic_cast<RenameFromListAction*>(&action))
+            list->load(fromQString(chosen));
+    });
+    dialog->open();
+}
+
+QWidget* makeEditor(const ParameterDescription& parameter, BaseRenameAction& action) {
     if (parameter.key == "separatorMode")
         return new SeparatorModeEditor(action);
     switch (parameter.kind) {
@@ -234,9 +383,9 @@ QWidget* makeEditor(const ParameterDescription& parameter, BaseRenameAction& act
     case ParameterKind::choice:
         return new ChoiceEditor(parameter, action);
     case ParameterKind::pattern:
-        return new PatternEditor(std::string(parameter.key), action, services);
+        return new PatternEditor(std::string(parameter.key), action);
     case ParameterKind::file:
-        return new FileEditor(action, services);
+        return new FileEditor(action);
     case ParameterKind::status:
         return new StatusLine(parameter, action);
     }
@@ -248,18 +397,54 @@ QString spokenName(const ParameterDescription& parameter) {
     const QString label = toQString(parameter.label);
     const char last = parameter.key.back();
     const bool isNumbered = last >= '0' && last <= '9' && parameter.kind != ParameterKind::choice;
-    return isNumbered ? QString("%1, row %2").arg(label).arg(last - '0' + 1) : label;
+    return isNumbered ? translated("%1, row %2").arg(label).arg(last - '0' + 1) : label;
 }
 
 } // namespace
 
-QWidget* makeParameterEditor(const ParameterDescription& parameter, BaseRenameAction& action,
-                             const WindowServices& services) {
-    QWidget* editor = makeEditor(parameter, action, services);
+QWidget* makeParameterEditor(const ParameterDescription& parameter, BaseRenameAction& action) {
+    QWidget* editor = makeEditor(parameter, action);
     editor->setObjectName(
         QString::fromUtf8(parameter.key.data(), static_cast<qsizetype>(parameter.key.size())));
     editor->setAccessibleName(spokenName(parameter));
     return editor;
+}
+
+void WidePopUpBox::showPopup() {
+    constexpr int scrollBarAndMargins = 28;
+    view()->setMinimumWidth(view()->sizeHintForColumn(0) + scrollBarAndMargins);
+    QComboBox::showPopup();
+}
+
+void WidePopUpBox::initStyleOption(QStyleOptionComboBox* option) const {
+    QComboBox::initStyleOption(option);
+    constexpr int margins = 6;
+    const int room =
+        style()->subControlRect(QStyle::CC_ComboBox, option, QStyle::SC_ComboBoxEditField, this).width();
+    option->currentText = option->fontMetrics.elidedText(option->currentText, Qt::ElideRight, room - margins);
+}
+
+QWidget* makeLine() {
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Plain);
+    line->setForegroundRole(QPalette::Mid);
+    return line;
+}
+
+QWidget* makeSectionHead(const QString& text, bool isFirst) {
+    auto* head = new QWidget;
+    auto* layout = new QVBoxLayout(head);
+    layout->setContentsMargins(0, isFirst ? 0 : 8, 0, 0);
+    layout->setSpacing(8);
+    auto* label = new QLabel(text);
+    QFont bold = label->font();
+    bold.setWeight(QFont::DemiBold);
+    label->setFont(bold);
+    if (!isFirst)
+        layout->addWidget(makeLine());
+    layout->addWidget(label);
+    return head;
 }
 
 } // namespace tavrin

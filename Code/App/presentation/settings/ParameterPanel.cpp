@@ -4,7 +4,6 @@
 #include "presentation/QtText.h"
 #include "presentation/settings/PanelRows.h"
 #include "presentation/settings/ParameterEditors.h"
-#include "presentation/settings/SectionHead.h"
 #include "shell/commands/MainController.h"
 
 #include <QAbstractButton>
@@ -17,6 +16,34 @@
 #include <algorithm>
 
 namespace tavrin {
+
+namespace {
+
+/// Of the menus, the row at the bottom of the window, and the advanced options.
+constexpr QStringView reserved = u"fesvphdlrocukqi";
+
+} // namespace
+
+QString AccessKeys::mark(const QString& label) {
+    const auto isFree = [&](qsizetype place) {
+        const QChar letter = label.at(place).toLower();
+        return letter.unicode() < 0x80 && letter.isLetter() && !reserved.contains(letter) &&
+               !taken.contains(letter);
+    };
+    qsizetype best = -1;
+    for (qsizetype place = label.size() - 1; place >= 0; --place) {
+        const bool beginsWord = place == 0 || label.at(place - 1) == ' ';
+        const bool isBetter = best < 0 || beginsWord || label.at(best - 1) != ' ';
+        if (isFree(place) && isBetter)
+            best = place;
+    }
+    QString marked = label;
+    if (best >= 0) {
+        taken.insert(label.at(best).toLower());
+        marked.insert(best, u'\1');
+    }
+    return marked.replace('&', "&&").replace(u'\1', '&');
+}
 
 /// Widgets that are shown, or on, only while a number has a certain value, or has not.
 struct ParameterPanel::Condition {
@@ -71,7 +98,7 @@ void ParameterPanel::addRow(const PanelRow& row) {
         form->addRow(makeSectionHead(toQString(first.head), form->rowCount() == 0));
     std::vector<QWidget*> editors;
     for (const ParameterDescription* parameter : row.parameters) {
-        editors.push_back(makeParameterEditor(*parameter, action, services));
+        editors.push_back(makeParameterEditor(*parameter, action));
         markButtons(*editors.back(), row.parameters.size() == 1);
     }
     fields.insert(fields.end(), editors.begin(), editors.end());
@@ -172,7 +199,7 @@ void ParameterPanel::addPatternMenu() {
 void ParameterPanel::addExplanation() {
     NoteLabel* note = makeNote([hasNoRows = fields.empty()](const BaseRenameAction& shown) {
         const QString text = toQString(shown.explanation());
-        return PanelNote{text.isEmpty() && hasNoRows ? QString("This action has no settings.") : text};
+        return PanelNote{text.isEmpty() && hasNoRows ? tr("This action has no settings.") : text};
     });
     note->setObjectName("panelRemark");
     form->addRow(note);
@@ -182,9 +209,9 @@ void ParameterPanel::addHelpLink() {
     const std::string anchor(action.helpAnchor());
     if (anchor.empty())
         return;
-    auto* link = new QLabel("<a href='help'>More about this action</a>");
+    auto* link = new QLabel(QString("<a href='help'>%1</a>").arg(tr("More about this action")));
     link->setObjectName("helpLink");
-    link->setAccessibleName("More about this action");
+    link->setAccessibleName(tr("More about this action"));
     link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     connect(link, &QLabel::linkActivated, this,
             [this, anchor] { services.controller.showHelpAnchor(anchor); });

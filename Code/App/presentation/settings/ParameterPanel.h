@@ -2,9 +2,10 @@
 
 #include "actions/ActionObserver.h"
 #include "presentation/WindowServices.h"
-#include "presentation/settings/AccessKeys.h"
-#include "presentation/settings/PanelNotes.h"
+#include "presentation/settings/PanelRows.h"
 
+#include <QSet>
+#include <QString>
 #include <QWidget>
 #include <memory>
 #include <string>
@@ -15,12 +16,24 @@ class QFormLayout;
 
 namespace tavrin {
 
+/// Gives each label of a pane an access key of its own, as far as its letters last.
+class AccessKeys {
+  public:
+    /// The label with its key marked; keys of the menu bar and of the window's buttons are left to them.
+    [[nodiscard]] QString mark(const QString& label);
+
+  private:
+    QSet<QChar> taken;
+};
+
 class BaseRenameAction;
 struct PanelRow;
 
 /// The panel of one action: a row for each of its parameters, made from its parameter table. The action must
 /// live as long as the panel is used.
 class ParameterPanel final : public QWidget, private ActionObserver {
+    Q_OBJECT
+
   public:
     ParameterPanel(BaseRenameAction& shownAction, const WindowServices& services);
     ~ParameterPanel() override;

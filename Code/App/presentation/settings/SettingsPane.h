@@ -2,40 +2,61 @@
 
 #include "presentation/WindowServices.h"
 
+#include <QPointer>
 #include <QWidget>
-#include <memory>
+#include <string>
+
+class QLabel;
+class QScrollArea;
+class QToolButton;
 
 namespace tavrin {
 
 class ActionChooser;
+class AdvancedOptions;
 class BaseRenameAction;
 class ParameterPanel;
+class PreviewPane;
+class WindowCommands;
 
 /// The settings of the current step: which action it is, and its parameters. Object name "settingsPane".
 class SettingsPane final : public QWidget {
+    Q_OBJECT
+
   public:
-    SettingsPane(WindowServices services, QWidget* parent);
-    ~SettingsPane() override;
+    /// `shownList` tells the file whose tags are shown.
+    SettingsPane(const WindowServices& services, WindowCommands& commands, const PreviewPane& shownList);
 
     /// Builds the panel of the action, which lives as long as its step, and gives it the input focus where
     /// the action was found by searching.
     void showAction(BaseRenameAction& action);
     /// The steps or the current one have changed: heading, chooser.
     void stepsChanged();
-    /// Puts the cursor into the search.
-    void findAction();
     /// Puts the cursor into the first field of the panel.
     void focusFirstField();
-    /// Opens the help on the action that is shown.
-    void showHelpOnAction();
     void enterDropletEditMode();
 
   protected:
     void showEvent(QShowEvent* event) override;
 
   private:
-    struct Parts;
-    std::unique_ptr<Parts> parts;
+    QWidget* makeHeadRow(WindowCommands& commands);
+    /// Everything about one action, made anew for each.
+    QWidget* makeColumn(BaseRenameAction& action);
+    void putIntoTabOrder(const QWidget& content) const;
+    void showHelpOnAction();
+
+    const WindowServices services;
+    const PreviewPane& list;
+    QLabel* stepLabel;
+    QToolButton* addStepButton;
+    QToolButton* helpButton; ///< the last of the head
+    ActionChooser* chooser;
+    QScrollArea* column;
+    AdvancedOptions* advanced;
+    QPointer<ParameterPanel> panel;
+    std::string shownAction;
+    bool wasShown = false;
 };
 
 } // namespace tavrin

@@ -1,5 +1,8 @@
 #include "presentation/start/FileAddress.h"
 
+#include <QMimeData>
+#include <QUrl>
+
 namespace tavrin {
 
 QByteArray FileAddress::ofPath(const std::string& path) {
@@ -19,6 +22,20 @@ std::optional<std::string> FileAddress::path(QByteArray address) {
     if (!path.startsWith('/') || path.contains('\0'))
         return std::nullopt;
     return path.toStdString();
+}
+
+bool DroppedFiles::areIn(const QMimeData& data) { return data.hasUrls(); }
+
+std::vector<std::string> DroppedFiles::paths(const QMimeData& data) {
+    std::vector<std::string> paths;
+    // The list of addresses itself, not what Qt makes of it: its texts would lose bytes that are not UTF-8.
+    for (const QByteArray& line : data.data("text/uri-list").split('\n')) {
+        if (line.startsWith('#'))
+            continue;
+        if (auto path = FileAddress::path(line))
+            paths.push_back(std::move(*path));
+    }
+    return paths;
 }
 
 } // namespace tavrin

@@ -3,12 +3,15 @@
 #include "presentation/WindowServices.h"
 
 #include <QAbstractListModel>
+#include <QString>
 
 namespace tavrin {
 
 /// The steps of the chain as rows. The check state is whether a step is active. Dragging a row moves its
 /// step.
 class StepsModel final : public QAbstractListModel {
+    Q_OBJECT
+
   public:
     static constexpr int summaryRole = Qt::UserRole;
     static constexpr int numberRole = Qt::UserRole + 1;
@@ -33,5 +36,11 @@ class StepsModel final : public QAbstractListModel {
     const WindowServices services;
     int rows;
 };
+
+class BaseRenameAction;
+
+/// What an action is set to, in a few words: the values that differ from those of a new one, or all texts
+/// where nothing differs.
+[[nodiscard]] QString stepSummaryOf(const BaseRenameAction& action);
 
 } // namespace tavrin

@@ -1,13 +1,12 @@
 #include "presentation/steps/StepsPane.h"
 
 #include "actions/CompositeRenameAction.h"
+#include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
-#include "presentation/MainWindow.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/steps/StepDelegate.h"
 #include "presentation/steps/StepsModel.h"
 #include "shell/commands/MainController.h"
-#include "support/values/ValueTransformers.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -16,94 +15,31 @@
 #include <QListView>
 #include <QMenu>
 #include <QSignalBlocker>
-#include <QToolButton>
 #include <QVBoxLayout>
-#include <array>
 
 namespace tavrin {
 
-namespace {
-
-/// The list of steps, with its keys.
-class StepsView final : public QListView {
-  public:
-    explicit StepsView(ActionListCommands& listCommands) : commands(listCommands) {}
-
-  protected:
-    void keyPressEvent(QKeyEvent* event) override {
-        if (event->key() == Qt::Key_Delete)
-            commands.removeAction();
-        else
-            QListView::keyPressEvent(event);
-    }
-
-  private:
-    ActionListCommands& commands;
-};
-
-struct Button {
-    const char* name;
-    Glyph glyph;
-    const char* tip;
-    void (ActionListCommands::*command)();
-};
-
-constexpr std::array buttons{
-    Button{"addStep", Glyph::add, "Add a step", &ActionListCommands::addAction},
-    Button{"removeStep", Glyph::remove, "Remove this step", &ActionListCommands::removeAction},
-    Button{"moveStepUp", Glyph::up, "Move this step up", &ActionListCommands::nudgeActionUp},
-    Button{"moveStepDown", Glyph::down, "Move this step down", &ActionListCommands::nudgeActionDown},
-};
-
-} // namespace
-
-struct StepsPane::Parts {
-    explicit Parts(WindowServices shared) : services(shared) {}
-
-    static QWidget* makeHead();
-    QWidget* makeButtons();
-
-    const WindowServices services;
-    StepsModel* model = nullptr;
-    StepsView* view = nullptr;
-    QToolButton* remove = nullptr;
-    QToolButton* up = nullptr;
-    QToolButton* down = nullptr;
-};
-
-QWidget* StepsPane::Parts::makeButtons() {
-    auto* row = new QWidget;
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(8, 4, 8, 4);
-    layout->setSpacing(4);
-    ActionListCommands& commands = services.controller.actionListCommands();
-    for (const Button& each : buttons) {
-        auto* button = new QToolButton;
-        button->setObjectName(each.name);
-        button->setIcon(GlyphIcon::of(each.glyph));
-        button->setAutoRaise(true);
-        button->setToolTip(each.tip);
-        button->setAccessibleName(each.tip);
-        QObject::connect(button, &QToolButton::clicked, row,
-                         [&commands, &each] { (commands.*each.command)(); });
-        layout->addWidget(button);
-    }
-    layout->addStretch(1);
-    remove = row->findChild<QToolButton*>("removeStep");
-    up = row->findChild<QToolButton*>("moveStepUp");
-    down = row->findChild<QToolButton*>("moveStepDown");
-    return row;
+StepsPane::StepsPane(const WindowServices& shared, WindowCommands& windowCommands)
+    : services(shared), commands(windowCommands), model(new StepsModel(shared, this)), view(new QListView) {
+    setObjectName("stepsPane");
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    buildView();
+    layout->addWidget(makeHead());
+    layout->addWidget(view, 1);
+    layout->addWidget(makeButtons());
 }
 
 /// The titles of the boxes and of the rest of the rows.
-QWidget* StepsPane::Parts::makeHead() {
+QWidget* StepsPane::makeHead() {
     auto* head = new QWidget;
     auto* layout = new QHBoxLayout(head);
     layout->setContentsMargins(8, 14, 8, 8);
     layout->setSpacing(8);
-    auto* active = new QLabel("Active");
+    auto* active = new QLabel(tr("Active"));
     active->setForegroundRole(QPalette::PlaceholderText);
-    auto* step = new QLabel("Step");
+    auto* step = new QLabel(tr("Step"));
     QFont bold = step->font();
     bold.setWeight(QFont::DemiBold);
     step->setFont(bold);
@@ -112,61 +48,69 @@ QWidget* StepsPane::Parts::makeHead() {
     return head;
 }
 
-StepsPane::StepsPane(WindowServices services, QWidget* parent)
-    : QWidget(parent), parts(std::make_unique<Parts>(services)) {
-    setObjectName("stepsPane");
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(Parts::makeHead());
-    parts->model = new StepsModel(services, this);
-    parts->view = new StepsView(services.controller.actionListCommands());
-    parts->view->setObjectName("stepsView");
-    parts->view->setAccessibleName("Rename steps");
-    parts->view->setModel(parts->model);
-    parts->view->setItemDelegate(new StepDelegate(parts->view));
-    parts->view->setFrameShape(QFrame::NoFrame);
-    parts->view->viewport()->setBackgroundRole(QPalette::Window);
-    parts->view->setMouseTracking(true);
-    parts->view->setDragDropMode(QAbstractItemView::InternalMove);
-    parts->view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    parts->view->setContextMenuPolicy(Qt::CustomContextMenu);
-    layout->addWidget(parts->view, 1);
-    layout->addWidget(parts->makeButtons());
-    connect(parts->view->selectionModel(), &QItemSelectionModel::currentChanged, this,
+void StepsPane::buildView() {
+    view->setObjectName("stepsView");
+    view->setAccessibleName(tr("Rename steps"));
+    view->setModel(model);
+    view->setItemDelegate(new StepDelegate(view));
+    view->setFrameShape(QFrame::NoFrame);
+    view->viewport()->setBackgroundRole(QPalette::Window);
+    view->setMouseTracking(true);
+    view->setDragDropMode(QAbstractItemView::InternalMove);
+    view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    view->installEventFilter(this);
+    connect(view->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current) {
-                CompositeRenameAction& composite = parts->services.controller.compositeAction();
-                if (current.isValid() && current.row() != composite.getCurrentActionIndexAsInt())
-                    composite.setCurrentActionIndex(current.row());
+                CompositeRenameAction& chain = services.controller.compositeAction();
+                if (current.isValid() && current.row() != chain.getCurrentActionIndexAsInt())
+                    chain.setCurrentActionIndex(current.row());
             });
-    connect(parts->view, &QListView::customContextMenuRequested, this, [this](const QPoint& place) {
-        auto* mainWindow = dynamic_cast<MainWindow*>(window());
-        if (!mainWindow)
-            return;
-        auto* menu = new QMenu(this);
-        menu->setAttribute(Qt::WA_DeleteOnClose);
-        for (const char* name : {"addAction", "removeAction", "clearActions", "nudgeActionUp",
-                                 "nudgeActionDown", "resetToDefaults", "stepActive"})
-            menu->addAction(mainWindow->commands().command(name));
-        menu->popup(parts->view->viewport()->mapToGlobal(place));
-    });
+    connect(view, &QListView::customContextMenuRequested, this, &StepsPane::offerCommands);
 }
 
-StepsPane::~StepsPane() = default;
+QWidget* StepsPane::makeButtons() {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(8, 4, 8, 4);
+    layout->setSpacing(4);
+    const auto add = [&](const char* name, Glyph glyph, const QString& tip, QAction* command) {
+        QToolButton* button = makeToolButton(name, glyph, tip);
+        performs(*button, *command);
+        layout->addWidget(button);
+    };
+    add("addStep", Glyph::add, tr("Add a step"), commands.addAction);
+    add("removeStep", Glyph::remove, tr("Remove this step"), commands.removeAction);
+    add("moveStepUp", Glyph::up, tr("Move this step up"), commands.nudgeActionUp);
+    add("moveStepDown", Glyph::down, tr("Move this step down"), commands.nudgeActionDown);
+    layout->addStretch(1);
+    return row;
+}
+
+void StepsPane::offerCommands(const QPoint& place) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addActions({commands.addAction, commands.removeAction, commands.clearActions,
+                      commands.nudgeActionUp, commands.nudgeActionDown, commands.resetToDefaults,
+                      commands.stepActive});
+    menu->popup(view->viewport()->mapToGlobal(place));
+}
+
+bool StepsPane::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Delete)
+        return QWidget::eventFilter(watched, event);
+    services.controller.actionListCommands().removeAction();
+    return true;
+}
 
 void StepsPane::stepsChanged() {
-    const CompositeRenameAction& composite = parts->services.controller.compositeAction();
-    const int current = composite.getCurrentActionIndexAsInt();
     {
         // What is current is told by the chain here, not by the view.
-        const QSignalBlocker blocker(parts->view->selectionModel());
-        parts->model->stepsChanged();
+        const QSignalBlocker blocker(view->selectionModel());
+        model->stepsChanged();
     }
-    parts->view->setCurrentIndex(parts->model->index(current));
-    parts->view->viewport()->update();
-    const bool hasSeveral = MoreThanOneObjectInTableTransformer::transformedValue(composite.count());
-    for (auto* button : {parts->remove, parts->up, parts->down})
-        button->setEnabled(hasSeveral);
+    view->setCurrentIndex(model->index(services.controller.compositeAction().getCurrentActionIndexAsInt()));
+    view->viewport()->update();
 }
 
 } // namespace tavrin

@@ -2,21 +2,97 @@
 
 #include "actions/BaseRenameAction.h"
 #include "presentation/QtText.h"
-#include "presentation/settings/ParameterBinding.h"
-#include "presentation/tags/TokenObject.h"
-#include "tags/MixedTokenFieldLogic.h"
-#include "tags/StringToTokenArrayTransformer.h"
+#include "presentation/WindowColours.h"
 #include "tags/TagLibraryHelper.h"
 
+#include <QApplication>
+#include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QPainter>
+#include <QPalette>
 #include <QSignalBlocker>
 #include <QTextBlock>
 #include <QTextCursor>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <QVBoxLayout>
+#include <cmath>
 
 namespace tavrin {
+
+namespace {
+
+constexpr int tagProperty = QTextFormat::UserProperty + 1;
+constexpr double padding = 7;
+constexpr double overhang = 1; ///< of a token above and below its text
+
+/// What stands on the token: the tag without its brackets.
+QString labelOf(const QTextFormat& format) {
+    const QString tag = TokenObject::tagOf(format);
+    return tag.mid(1, tag.size() - 2);
+}
+
+} // namespace
+
+QTextCharFormat TokenObject::formatFor(const QString& tag) {
+    QTextCharFormat format;
+    format.setObjectType(type);
+    format.setProperty(tagProperty, tag);
+    format.setVerticalAlignment(QTextCharFormat::AlignMiddle);
+    format.setToolTip(tag.toHtmlEscaped());
+    return format;
+}
+
+QString TokenObject::tagOf(const QTextFormat& format) { return format.property(tagProperty).toString(); }
+
+QString TokenObject::plainText(const QTextCursor& selection) {
+    QString text;
+    const QTextBlock block = selection.document()->begin();
+    for (auto part = block.begin(); !part.atEnd(); ++part) {
+        const QTextFragment fragment = part.fragment();
+        for (int i = 0; i < fragment.length(); ++i) {
+            const int position = fragment.position() + i;
+            if (position < selection.selectionStart() || position >= selection.selectionEnd())
+                continue;
+            text += fragment.charFormat().objectType() == type ? tagOf(fragment.charFormat())
+                                                               : QString(fragment.text().at(i));
+        }
+    }
+    return text;
+}
+
+/// Text documents put the middle of such an object on half the height of small letters.
+double TokenObject::baselineOf(const QRectF& rect, const QTextFormat& format) {
+    const double halfSmallLetter = QFontMetrics(format.toCharFormat().font()).xHeight() / 2.0;
+    return rect.bottom() - (rect.height() - halfSmallLetter) / 2;
+}
+
+QSizeF TokenObject::intrinsicSize(QTextDocument* document, int, const QTextFormat& format) {
+    const QFontMetricsF metrics(document->defaultFont());
+    return {metrics.horizontalAdvance(labelOf(format)) + 2 * padding + 2, metrics.height() + 2 * overhang};
+}
+
+void TokenObject::drawObject(QPainter* painter, const QRectF& rect, QTextDocument* document, int,
+                             const QTextFormat& format) {
+    const QPalette palette = QApplication::palette();
+    const QFontMetricsF metrics(document->defaultFont());
+    const double baseline = baselineOf(rect, format);
+    const QRectF token(rect.left() + 1.5, std::floor(baseline - metrics.ascent() - overhang) + 0.5,
+                       rect.width() - 3, std::ceil(metrics.height()) + 2 * overhang - 1);
+    // The ground of a selection comes with the format.
+    const bool isSelected = format.background().style() != Qt::NoBrush;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(WindowColours::accentOf(palette));
+    painter->setBrush(isSelected ? palette.color(QPalette::Highlight) : WindowColours::chosenGround(palette));
+    painter->drawRoundedRect(token, token.height() / 2, token.height() / 2);
+    painter->setPen(palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text));
+    painter->setFont(document->defaultFont());
+    // On one line with the text beside it.
+    painter->drawText(QPointF(rect.left() + 1 + padding, baseline), labelOf(format));
+    painter->restore();
+}
 
 namespace {
 
@@ -32,7 +108,7 @@ class TokenEdit final : public QTextEdit {
         setLineWrapMode(QTextEdit::WidgetWidth);
         setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
         document()->documentLayout()->registerHandler(TokenObject::type, new TokenObject(this));
-        setPlaceholderText("Type text, and add tags from the list below");
+        setPlaceholderText(PatternEditor::tr("Type text, and add tags from the list below"));
         setFixedHeight(fontMetrics().lineSpacing() * 2 + 24);
     }
 
@@ -64,27 +140,21 @@ class TokenEdit final : public QTextEdit {
 
 } // namespace
 
-struct PatternEditor::Parts {
-    Parts(const std::string& key, BaseRenameAction& action)
-        : library(TagLibraryHelper::sharedInstance()), logic(library),
-          binding(action, key, [this](const std::optional<PropertyValue>& value) {
-              show(value ? textValue(*value) : std::u16string());
-          }) {}
+PatternEditor::PatternEditor(const std::string& key, BaseRenameAction& action)
+    : edit(new TokenEdit), logic(TagLibraryHelper::sharedInstance()),
+      binding(action, key, [this](const std::optional<PropertyValue>& value) {
+          show(value ? textValue(*value) : std::u16string());
+      }) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(edit);
+    edit->setObjectName("patternField");
+    edit->setAccessibleName(tr("Tag pattern"));
+    setFocusProxy(edit);
+    connect(edit, &QTextEdit::textChanged, this, &PatternEditor::textChanged);
+}
 
-    /// The entries of the field, and where the cursor is, a token counting for one.
-    [[nodiscard]] MixedTokenFieldLogic::Tokens value() const;
-    void show(const std::u16string& pattern);
-    void setValue(const MixedTokenFieldLogic::Tokens& tokens, int cursorPosition);
-    void textChanged();
-    void fitHeight();
-
-    TokenEdit* edit = new TokenEdit;
-    TagLibraryHelper& library;
-    MixedTokenFieldLogic logic;
-    ParameterBinding binding;
-};
-
-MixedTokenFieldLogic::Tokens PatternEditor::Parts::value() const {
+MixedTokenFieldLogic::Tokens PatternEditor::value() const {
     MixedTokenFieldLogic::Tokens tokens;
     std::u16string plain;
     const auto flush = [&] {
@@ -107,7 +177,7 @@ MixedTokenFieldLogic::Tokens PatternEditor::Parts::value() const {
     return tokens;
 }
 
-void PatternEditor::Parts::show(const std::u16string& pattern) {
+void PatternEditor::show(const std::u16string& pattern) {
     if (StringToTokenArrayTransformer::reverseTransformedValue(value()) == pattern)
         return;
     setValue(
@@ -115,8 +185,7 @@ void PatternEditor::Parts::show(const std::u16string& pattern) {
         -1);
 }
 
-/// A position of -1 puts the cursor at the end.
-void PatternEditor::Parts::setValue(const MixedTokenFieldLogic::Tokens& tokens, int cursorPosition) {
+void PatternEditor::setValue(const MixedTokenFieldLogic::Tokens& tokens, int cursorPosition) {
     const QSignalBlocker blocker(edit);
     edit->clear();
     QTextCursor cursor(edit->document());
@@ -137,7 +206,7 @@ void PatternEditor::Parts::setValue(const MixedTokenFieldLogic::Tokens& tokens, 
     fitHeight();
 }
 
-void PatternEditor::Parts::textChanged() {
+void PatternEditor::textChanged() {
     const int position = edit->textCursor().position();
     const MixedTokenFieldLogic::Tokens present = value();
     if (const auto changed = logic.controlTextDidChange(present, static_cast<std::size_t>(position))) {
@@ -155,28 +224,15 @@ void PatternEditor::Parts::textChanged() {
     binding.write(StringToTokenArrayTransformer::reverseTransformedValue(value()));
 }
 
-void PatternEditor::Parts::fitHeight() {
+void PatternEditor::fitHeight() {
     const int line = edit->fontMetrics().lineSpacing() + lineDistance + 2;
     const int wanted = static_cast<int>(edit->document()->size().height()) + 2 * edit->frameWidth();
     edit->setFixedHeight(std::clamp(wanted, line + 12, mostLines * line + 12));
 }
 
-PatternEditor::PatternEditor(std::string key, BaseRenameAction& action, const WindowServices&)
-    : parts(std::make_unique<Parts>(key, action)) {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(parts->edit);
-    parts->edit->setObjectName("patternField");
-    parts->edit->setAccessibleName("Tag pattern");
-    setFocusProxy(parts->edit);
-    connect(parts->edit, &QTextEdit::textChanged, this, [this] { parts->textChanged(); });
-}
-
-PatternEditor::~PatternEditor() = default;
-
 void PatternEditor::insert(const QString& text) {
-    parts->edit->textCursor().insertText(text, QTextCharFormat());
-    parts->edit->setFocus();
+    edit->textCursor().insertText(text, QTextCharFormat());
+    edit->setFocus();
 }
 
 } // namespace tavrin

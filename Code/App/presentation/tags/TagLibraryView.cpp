@@ -3,31 +3,63 @@
 #include "actions/ActionList.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/GlyphIcon.h"
-#include "presentation/MainWindow.h"
 #include "presentation/QtText.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/ShownName.h"
-#include "presentation/tags/PatternEditor.h"
-#include "presentation/tags/TagValues.h"
 #include "shell/commands/MainController.h"
 #include "support/text/Text.h"
-#include "tags/TagArrayController.h"
 #include "tags/TagLibraryHelper.h"
+#include "tags/TaggedFile.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPointer>
 #include <QStyledItemDelegate>
 #include <QTabBar>
-#include <QTimer>
+#include <QThreadPool>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <array>
-#include <functional>
 #include <utility>
 
 namespace tavrin {
+
+namespace {
+
+TagValues::Texts textsOf(const std::string& path) {
+    TagValues::Texts texts;
+    TaggedPath file(path);
+    for (const TagItem& tag : TagLibraryHelper::sharedInstance().availableTags())
+        if (auto text = tag.extractStringFromFile(file))
+            texts.insert_or_assign(tag.name, std::move(*text));
+    return texts;
+}
+
+} // namespace
+
+TagValues::~TagValues() = default;
+
+void TagValues::read(const std::string& path, std::function<void(const Texts&)> then) {
+    const std::uint64_t mine = ++asked;
+    if (path.empty()) {
+        then({});
+        return;
+    }
+    const QPointer<TagValues> self(this);
+    QThreadPool::globalInstance()->start([self, mine, path, then = std::move(then)] {
+        Texts texts = textsOf(path);
+        QMetaObject::invokeMethod(
+            qApp,
+            [self, mine, then, texts = std::move(texts)] {
+                if (self && self->asked == mine)
+                    then(texts);
+            },
+            Qt::QueuedConnection);
+    });
+}
 
 namespace {
 
@@ -36,12 +68,14 @@ constexpr double tabScale = 0.9;
 
 /// What stands on the tabs, for which there is little room, and what it means.
 constexpr std::array<std::pair<const char*, const char*>, 6> tabTitles{{
-    {"All", "All"},
-    {"Image", "Image"},
-    {"Camera", "Camera"},
-    {"Shot", "Shooting date"},
-    {"File", "File dates"},
-    {"Music", "Music"},
+    {QT_TRANSLATE_NOOP("tavrin::TagLibraryView", "All"), "All"},
+    {QT_TRANSLATE_NOOP("tavrin::TagLibraryView", "Image"), "Image"},
+    {QT_TRANSLATE_NOOP("tavrin::TagLibraryView", "Camera"), "Camera"},
+    {QT_TRANSLATE_NOOP("tavrin::TagLibraryView", "Shot"),
+     QT_TRANSLATE_NOOP("tavrin::TagLibraryView", "Shooting date")},
+    {QT_TRANSLATE_NOOP("tavrin::TagLibraryView", "File"),
+     QT_TRANSLATE_NOOP("tavrin::TagLibraryView", "File dates")},
+    {QT_TRANSLATE_NOOP("tavrin::TagLibraryView", "Music"), "Music"},
 }};
 
 /// Rows with some air; values stand back, at the far end.
@@ -64,13 +98,17 @@ class TagDelegate final : public QStyledItemDelegate {
     }
 };
 
+} // namespace
+
 /// Offers the tag of the dragged row as text.
 class TagList final : public QTreeWidget {
+    Q_OBJECT
+
   public:
     TagList() {
         setObjectName("tagList");
-        setAccessibleName("Tags");
-        setHeaderLabels({"Tag", "Value"});
+        setAccessibleName(tr("Tags"));
+        setHeaderLabels({tr("Tag"), tr("Value")});
         setHeaderHidden(true);
         setColumnCount(2);
         setRootIsDecorated(false);
@@ -84,7 +122,8 @@ class TagList final : public QTreeWidget {
         header()->setStretchLastSection(true);
     }
 
-    std::function<void(const QString& tag)> takeHandler; ///< called for a tag that is to go into the pattern
+  signals:
+    void taken(const QString& tag);
 
   protected:
     [[nodiscard]] QStringList mimeTypes() const override { return {"text/plain"}; }
@@ -109,33 +148,13 @@ class TagList final : public QTreeWidget {
     }
 
   private:
-    void take(const QTreeWidgetItem* item) const {
-        if (item && takeHandler)
-            takeHandler(item->data(0, tagRole).toString());
+    void take(const QTreeWidgetItem* item) {
+        if (item)
+            emit taken(item->data(0, tagRole).toString());
     }
 };
 
-} // namespace
-
-struct TagLibraryView::Parts {
-    explicit Parts(WindowServices shared)
-        : services(shared), controller(TagLibraryHelper::sharedInstance(), shared.defaults) {}
-
-    void fill();
-    void applyFilter();
-    void showValuesOf(const std::string& path);
-
-    const WindowServices services;
-    TagArrayController controller;
-    QTabBar* tabs = new QTabBar;
-    QLineEdit* filter = new QLineEdit;
-    TagList* list = new TagList;
-    TagValues values;
-    QTimer selectionWatch;
-    std::string shownPath;
-};
-
-void TagLibraryView::Parts::fill() {
+void TagLibraryView::fill() {
     list->clear();
     for (const TagItem* tag : controller.filteredArray()) {
         auto* item = new QTreeWidgetItem(list, {QString::fromStdString(tag->description), QString()});
@@ -146,7 +165,7 @@ void TagLibraryView::Parts::fill() {
     shownPath.clear();
 }
 
-void TagLibraryView::Parts::applyFilter() {
+void TagLibraryView::applyFilter() {
     for (int i = 0; i < list->topLevelItemCount(); ++i) {
         QTreeWidgetItem* item = list->topLevelItem(i);
         const bool matches = item->text(0).contains(filter->text(), Qt::CaseInsensitive) ||
@@ -156,7 +175,7 @@ void TagLibraryView::Parts::applyFilter() {
 }
 
 /// The values come when they have been read; another file or tab in the meantime voids them.
-void TagLibraryView::Parts::showValuesOf(const std::string& path) {
+void TagLibraryView::showValuesOf(const std::string& path) {
     if (path == shownPath)
         return;
     shownPath = path;
@@ -171,58 +190,59 @@ void TagLibraryView::Parts::showValuesOf(const std::string& path) {
     });
 }
 
-TagLibraryView::TagLibraryView(WindowServices services) : parts(std::make_unique<Parts>(services)) {
+TagLibraryView::TagLibraryView(const WindowServices& shared, const PreviewPane& preview)
+    : services(shared), shownList(preview), controller(TagLibraryHelper::sharedInstance(), shared.defaults),
+      tabs(new QTabBar), filter(new QLineEdit), list(new TagList) {
     setObjectName("tagLibraryView");
-    parts->tabs->setObjectName("tagTabs");
-    QFont small = parts->tabs->font();
-    small.setPointSizeF(small.pointSizeF() * tabScale);
-    parts->tabs->setFont(small);
-    parts->tabs->setExpanding(false);
-    parts->tabs->setDrawBase(false);
-    parts->tabs->setUsesScrollButtons(true);
-    parts->tabs->setAccessibleName("Kinds of tags");
-    for (const auto& [title, whole] : tabTitles) {
-        const int tab = parts->tabs->addTab(title);
-        parts->tabs->setTabToolTip(tab, whole);
-        parts->tabs->setAccessibleTabName(tab, whole);
-    }
-    parts->tabs->setCurrentIndex(services.defaults.integerForKey("tagLibraryTabIndex"));
-    parts->filter->setObjectName("tagFilter");
-    parts->filter->setPlaceholderText("Filter tags");
-    parts->filter->setAccessibleName("Filter tags");
-    parts->filter->addAction(GlyphIcon::of(Glyph::search, QPalette::PlaceholderText),
-                             QLineEdit::LeadingPosition);
-    parts->filter->setClearButtonEnabled(true);
+    buildTabs();
+    filter->setObjectName("tagFilter");
+    filter->setPlaceholderText(tr("Filter tags"));
+    filter->setAccessibleName(tr("Filter tags"));
+    filter->addAction(GlyphIcon::of(Glyph::search, QPalette::PlaceholderText), QLineEdit::LeadingPosition);
+    filter->setClearButtonEnabled(true);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(4);
-    layout->addWidget(parts->tabs);
-    layout->addWidget(parts->filter);
-    layout->addWidget(parts->list, 1);
-    connect(parts->tabs, &QTabBar::currentChanged, this, [this](int tab) {
-        parts->services.defaults.setObject("tagLibraryTabIndex", tab);
-        parts->fill();
-    });
-    connect(parts->filter, &QLineEdit::textChanged, this, [this] { parts->applyFilter(); });
-    parts->list->takeHandler = [this](const QString& tag) {
-        if (auto* editor = parentWidget()->findChild<PatternEditor*>())
-            editor->insert(tag);
-    };
-    parts->fill();
+    layout->addWidget(tabs);
+    layout->addWidget(filter);
+    layout->addWidget(list, 1);
+    connect(filter, &QLineEdit::textChanged, this, &TagLibraryView::applyFilter);
+    connect(list, &TagList::taken, this, &TagLibraryView::tagTaken);
+    fill();
     // The values follow the selection of the list at their own pace.
-    parts->selectionWatch.setInterval(250);
-    connect(&parts->selectionWatch, &QTimer::timeout, this, [this] {
-        auto* window = dynamic_cast<MainWindow*>(this->window());
-        if (!window || !isVisible())
-            return;
-        const std::vector<RowId> selection = window->previewPane().selection();
-        PreviewList& list = parts->services.controller.nodeController();
-        const auto row = selection.empty() ? list.rowAt(0) : list.rowWithId(selection.front());
-        parts->showValuesOf(row ? row->fullPath : std::string());
-    });
-    parts->selectionWatch.start();
+    selectionWatch.setInterval(250);
+    connect(&selectionWatch, &QTimer::timeout, this, &TagLibraryView::followSelection);
+    selectionWatch.start();
 }
 
-TagLibraryView::~TagLibraryView() = default;
+void TagLibraryView::buildTabs() {
+    tabs->setObjectName("tagTabs");
+    QFont small = tabs->font();
+    small.setPointSizeF(small.pointSizeF() * tabScale);
+    tabs->setFont(small);
+    tabs->setExpanding(false);
+    tabs->setDrawBase(false);
+    tabs->setUsesScrollButtons(true);
+    tabs->setAccessibleName(tr("Kinds of tags"));
+    for (const auto& [title, whole] : tabTitles) {
+        const int tab = tabs->addTab(tr(title));
+        tabs->setTabToolTip(tab, tr(whole));
+        tabs->setAccessibleTabName(tab, tr(whole));
+    }
+    tabs->setCurrentIndex(services.defaults.integerForKey("tagLibraryTabIndex"));
+    connect(tabs, &QTabBar::currentChanged, this, [this](int tab) {
+        services.defaults.setObject("tagLibraryTabIndex", tab);
+        fill();
+    });
+}
+
+void TagLibraryView::followSelection() {
+    if (!isVisible())
+        return;
+    const auto row = shownList.firstRow();
+    showValuesOf(row ? row->fullPath : std::string());
+}
 
 } // namespace tavrin
+
+#include "TagLibraryView.moc"

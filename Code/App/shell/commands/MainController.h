@@ -10,7 +10,6 @@
 #include "platform/desktop/DebugManager.h"
 #include "platform/files/FileSystemAccessManager.h"
 #include "shell/asking/ConfirmationFlow.h"
-#include "shell/asking/MissingTagNotice.h"
 #include "shell/asking/NoticeDialogs.h"
 #include "shell/commands/ActionListCommands.h"
 #include "shell/commands/DropletCommands.h"

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "engine/history/RunHistory.h"
+#include "store/queries/FilterManager.h"
+#include "store/queries/Predicate.h"
+
+#include <atomic>
+#include <cstdint>
+#include <utility>
+
+namespace tavrin {
+
+class EngineHost;
+class StoreContext;
+
+/// What the runs of one engine share, and all that their stages may ask of it: the application, the counters,
+/// and whether to stop. `RenameEngine` adds the pipelines and their threads.
+class EngineState {
+  public:
+    explicit EngineState(EngineHost& host) : application(host) {}
+    EngineState(const EngineState&) = delete;
+    EngineState& operator=(const EngineState&) = delete;
+
+    [[nodiscard]] EngineHost& host() const { return application; }
+
+    /// Where runs are recorded; nowhere at first. Set before the first request.
+    void setHistoryPlace(HistoryPlace newPlace) { history = std::move(newPlace); }
+    [[nodiscard]] const HistoryPlace& historyPlace() const { return history; }
+
+    /// The next pass marker; the first is 2, after 99 comes 0.
+    PassMarker nextStageFlagCounter();
+
+    /// The value that `manualOrder` of the next row gets; goes up for the life of the engine.
+    std::int32_t nextManualOrder() { return manualOrderCounter++; }
+
+    /// Asks the running rename to stop after the step in hand, as if the user had answered "stop". Any
+    /// thread, also a signal's helper thread. Starting a rename takes it back.
+    void requestStop() { stopRequested = true; }
+    [[nodiscard]] bool isStopRequested() const { return stopRequested; }
+
+    /// Switches the failing pipeline's store into memory, where all rows are gone and the source items count
+    /// as unread; false when it is there already. Worker thread.
+    bool migrateToInMemoryStoreOnTheFly(StoreContext& context);
+    [[nodiscard]] bool busyMigratingStore() const { return migrating; }
+
+    // Counters of the EngineControl row of the given context.
+    void computeTotalNumberOfFilesForContext(StoreContext& context, const ItemFilter& filter);
+    void computeTotalNumberOfFilesSelectedOrNotForContext(StoreContext& context);
+    void computeNumberOfFilesThatNeedRenaming(StoreContext& context, const ItemFilter& filter);
+    void computeNumberOfFolders(StoreContext& context, const ItemFilter& filter);
+
+  protected:
+    ~EngineState() = default;
+
+    EngineHost& application;
+    HistoryPlace history;
+    std::atomic<bool> stopRequested{false};
+
+  private:
+    bool moveRowsIntoMemory(StoreContext& context);
+    std::atomic<int> stageFlagCounter{1};
+    std::atomic<bool> migrating{false};
+    std::int32_t manualOrderCounter = 0; // touched under the engine's lock only
+};
+
+} // namespace tavrin
