@@ -213,10 +213,9 @@ TEST_F(Composite, RunsItsActiveStepsInOrder) {
 
 TEST_F(Composite, PreviewsOneItem) {
     struct Probe : BaseRenameAction {
-        void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                         std::u16string& result) override {
-            if (input.preview)
-                output.regex.emplace()[5] = u"six"; // columns of any step stay
+        void processName(std::u16string_view fragment, std::u16string& result) override {
+            if (item().preview)
+                answer().regex.emplace()[5] = u"six"; // columns of any step stay
             result.append(fragment).append(u"!");
         }
     };

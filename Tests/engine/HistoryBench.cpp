@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 namespace tavrin::test {
 
 HistoryBench::HistoryBench(const std::string& place) : RenameBench({}, place), records(place) {
@@ -38,10 +36,6 @@ std::vector<std::string> HistoryBench::states() const {
     for (const PastRun& run : RunHistory(records.path()).runs())
         found.emplace_back(run.state());
     return found;
-}
-
-void HistoryBench::move(const char* from, const char* to) const {
-    std::filesystem::rename(disk.path(from), disk.path(to));
 }
 
 std::string HistoryBench::newestRecord() const {

@@ -27,8 +27,6 @@ class HistoryBench : public RenameBench {
     int takeBack(RunKind what, bool takesReplaced = false);
     /// The state of each run, newest first.
     [[nodiscard]] std::vector<std::string> states() const;
-    /// What somebody else does to the disk.
-    void move(const char* from, const char* to) const;
     /// The file of the newest record, relative to the folder of records.
     [[nodiscard]] std::string newestRecord() const;
     /// Cuts the last line off the newest record, as if the run had been killed, and marks its folders as ones

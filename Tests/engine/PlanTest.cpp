@@ -3,7 +3,6 @@
 #include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -101,21 +100,6 @@ TEST_F(Plan, LinksOfOneFolder) {
             links.push_back(linksOf(row));
         EXPECT_EQ(links, one.links);
     }
-}
-
-TEST_F(Plan, DepthCountsAncestors) {
-    const RowId ghost = context.insertGhostNode("/x");
-    const RowId folder = insert(ghost, "f", true);
-    const RowId inner = insert(folder, "g", true);
-    const RowId file = insert(inner, "a");
-    const RowId empty = insert(inner, "e", true);
-    prepare();
-    std::vector<int> depths;
-    for (const RowId row : {ghost, folder, inner, file, empty})
-        depths.push_back(context.row(row).depth);
-    EXPECT_THAT(depths, testing::ElementsAre(0, 1, 2, 3, 3));
-    PrepareForRenamingStage stage(host.engine);
-    EXPECT_EQ(stage.getDepthFor(noRow), -1);
 }
 
 /// More than fits into one batch, of siblings and of folders.

@@ -31,9 +31,12 @@ const std::vector<Volume> volumes{
     {"all", {}},
     {"no exchange", {FileCall::exchange}},
     {"no flag", {FileCall::exchange, FileCall::rename}},
-    {"no flag, no link", {FileCall::exchange, FileCall::rename, FileCall::link}}};
+    {"no flag, no link", {FileCall::exchange, FileCall::rename, FileCall::link}},
+    {"ignores case", {FileCall::exchange}, true}};
 
-RandomPlan::RandomPlan(unsigned seed) : random(seed) { addItem("box", upTo(1) ? "box" : "Box", "", true, 0); }
+RandomPlan::RandomPlan(unsigned seed, bool ignoresCase) : random(seed), caseIsIgnored(ignoresCase) {
+    addItem("box", upTo(1) ? "box" : "Box", "", true, 0);
+}
 
 void RandomPlan::addItem(const std::string& before, const std::string& finalName,
                          const std::string& folderAfter, bool isFolder, int depth) {
@@ -52,6 +55,9 @@ void RandomPlan::fill(const std::string& before, const std::string& after, int d
     std::vector<std::string> names{"a", "A",      "b",      "B.txt", "b.TXT", "c",
                                    "d", "\u00E9", "\u00C9", "e f",   "p:q"};
     std::shuffle(names.begin(), names.end(), random);
+    std::set<std::string> seen;
+    if (caseIsIgnored)
+        std::erase_if(names, [&](const std::string& name) { return !seen.insert(lowered(name)).second; });
     names.resize(1 + upTo(6));
     const std::vector<std::string> wanted = finalNames(names);
     for (std::size_t i = 0; i < names.size(); ++i)
@@ -107,7 +113,7 @@ namespace {
 
 /// Whether a message about something in this folder gives the name.
 bool isTold(const RenameBench& bench, const std::string& name) {
-    const std::string shown = NameOnDisk::shown(name);
+    const std::string shown = nameOnDisk::shown(name);
     return std::any_of(bench.reports.begin(), bench.reports.end(), [&](const ProblemReport& report) {
         return report.message.find("\"" + shown + "\"") != std::string::npos;
     });
@@ -162,7 +168,7 @@ void RandomPlan::expectNothingLost(RenameBench& bench) const {
 
 bool RandomPlan::isReported(const RenameBench& bench, const std::string& path) {
     const std::string full = bench.disk.path(path);
-    const std::string name = "'" + NameOnDisk::shown(components(path).back()) + "'";
+    const std::string name = "'" + nameOnDisk::shown(components(path).back()) + "'";
     const std::string folder = full.substr(0, full.rfind('/'));
     return std::any_of(bench.reports.begin(), bench.reports.end(), [&](const ProblemReport& report) {
         return report.fullPath == full ||

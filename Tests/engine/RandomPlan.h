@@ -14,11 +14,14 @@
 
 namespace tavrin::test {
 
-/// What file systems refuse: nothing; to exchange names; also to rename without replacing; also links.
+/// What file systems refuse: nothing; to exchange names; also to rename without replacing; also links. And
+/// one that ignores case.
 struct Volume {
     const char* title;
     std::vector<FileCall> refused;
-    void refuse(FailingFileSystem& disk) const {
+    bool ignoresCase = false;
+    void setUp(FailingFileSystem& disk) const {
+        disk.ignoresCase = ignoresCase;
         for (const FileCall call : refused)
             disk.failKind(call, EOPNOTSUPP);
     }
@@ -30,7 +33,8 @@ extern const std::vector<Volume> volumes;
 /// from case. Each folder holds a file "mark" that stays, so that the folder is known again.
 class RandomPlan {
   public:
-    explicit RandomPlan(unsigned seed);
+    /// Present names are distinct apart from case too where the volume ignores it.
+    explicit RandomPlan(unsigned seed, bool ignoresCase = false);
     /// Seeds of plans that hold rings of three and more, pairs, chains, changes of case and folders.
     static constexpr std::array<unsigned, 3> eventful{9, 32, 95};
 
@@ -55,6 +59,7 @@ class RandomPlan {
     unsigned upTo(unsigned most) { return std::uniform_int_distribution<unsigned>(0, most)(random); }
 
     std::mt19937 random;
+    bool caseIsIgnored;
     std::vector<std::string> made;
     std::map<std::string, std::string> plan; ///< path before to final name
     RenameBench::Tree filesBefore;

@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <tuple>
 #include <unistd.h>
 
 namespace tavrin::test {
@@ -79,6 +81,30 @@ void RenameBench::plan(std::string_view words) {
     }
 }
 
+void RenameBench::happens(std::string_view steps) const {
+    for (const std::string& step : split(steps, ',')) {
+        std::vector<std::string> words = split(step.substr(step.find_first_not_of(' ')));
+        words.resize(3);
+        const auto& [what, name, other] = std::tie(words[0], words[1], words[2]);
+        if (what == "remove")
+            std::filesystem::remove_all(disk.path(name));
+        else if (what == "move")
+            std::filesystem::rename(disk.path(name), disk.path(other));
+        else if (what == "write")
+            disk.write(name, other);
+        else if (what == "link")
+            disk.link(name, other);
+        else if (what == "second")
+            std::filesystem::create_hard_link(disk.path(name), disk.path(other));
+        else if (what == "folder")
+            disk.makeFolder(name);
+        else if (what == "save")
+            std::filesystem::rename(disk.write(name + ".saved", "new"), disk.path(name));
+        else
+            ADD_FAILURE() << what;
+    }
+}
+
 void RenameBench::rename() {
     reports.clear();
     host.onWorker([this] { renameOnThisThread(); });
@@ -119,7 +145,8 @@ std::vector<std::string> split(std::string_view words, char separator) {
     while (!words.empty()) {
         const std::size_t end = std::min(words.find(separator), words.size());
         found.emplace_back(words.substr(0, end));
-        std::ranges::replace(found.back(), '~', ' ');
+        if (separator == ' ')
+            std::ranges::replace(found.back(), '~', ' ');
         words.remove_prefix(std::min(end + 1, words.size()));
     }
     return found;

@@ -38,6 +38,9 @@ class RenameBench {
     /// All three: "a>b f/>g f/x" makes the file "a", which is to be "b", the folder "f", which is to be "g",
     /// and a file in it that is to stay. "~" is a space.
     void plan(std::string_view words);
+    /// What somebody else does, in steps: "remove a, move a b, write a text, link a target, second a b (a
+    /// hard link), folder a, save a" (which puts a new file in its place, as editors do).
+    void happens(std::string_view steps) const;
     /// Plans and performs, on a worker.
     void rename();
     /// The same on the calling thread, which the questions of the run must not wait for.

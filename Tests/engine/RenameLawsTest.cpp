@@ -22,7 +22,7 @@ using Mishap = std::function<int(const FileEvent&, std::size_t number)>;
 void expectNothingLostWhen(const Mishap& mishap, const std::function<void(RenameBench&)>& afterEachRun) {
     for (const Volume& volume : volumes) {
         for (const unsigned seed : RandomPlan::eventful) {
-            const RandomPlan plan(seed);
+            const RandomPlan plan(seed, volume.ignoresCase);
             bool wasReached = true;
             for (std::size_t k = 1; wasReached; ++k) {
                 SCOPED_TRACE(volume.title + std::string(", plan ") + std::to_string(seed) + ", call " +
@@ -30,7 +30,7 @@ void expectNothingLostWhen(const Mishap& mishap, const std::function<void(Rename
                 RenameBench bench({}, RenameBench::inMemory());
                 plan.setUp(bench);
                 FailingFileSystem disk;
-                volume.refuse(disk);
+                volume.setUp(disk);
                 std::size_t seen = 0;
                 disk.before = [&](const FileEvent& event) {
                     return !event.changesNames() || ++seen < k ? 0 : mishap(event, seen - k);
@@ -51,11 +51,11 @@ TEST(RenameLaws, RandomPlansComeOutAsWanted) {
     for (unsigned seed = 0; seed < 80; ++seed) {
         for (const Volume& volume : volumes) {
             SCOPED_TRACE(volume.title + std::string(", plan ") + std::to_string(seed));
-            const RandomPlan plan(seed);
+            const RandomPlan plan(seed, volume.ignoresCase);
             RenameBench bench({}, RenameBench::inMemory());
             plan.setUp(bench);
             FailingFileSystem disk;
-            volume.refuse(disk);
+            volume.setUp(disk);
             bench.rename();
             ASSERT_EQ(bench.files(), plan.after());
             EXPECT_TRUE(bench.reports.empty());
@@ -70,7 +70,7 @@ TEST(RenameLaws, EachCallFailingLosesNothing) {
     for (const Volume& volume : volumes) {
         for (const bool andAllAfter : {false, true}) {
             for (const unsigned seed : RandomPlan::eventful) {
-                const RandomPlan plan(seed);
+                const RandomPlan plan(seed, volume.ignoresCase);
                 bool hasFailed = true;
                 for (std::size_t k = 1; hasFailed; ++k) {
                     SCOPED_TRACE(volume.title + std::string(", plan ") + std::to_string(seed) + ", call " +
@@ -78,7 +78,7 @@ TEST(RenameLaws, EachCallFailingLosesNothing) {
                     RenameBench bench({}, RenameBench::inMemory());
                     plan.setUp(bench);
                     FailingFileSystem disk;
-                    volume.refuse(disk);
+                    volume.setUp(disk);
                     disk.failCall(k, EIO, andAllAfter);
                     bench.rename();
                     hasFailed = disk.callCount() >= k;

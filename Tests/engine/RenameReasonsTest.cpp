@@ -4,14 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <functional>
 
 namespace tavrin::test {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 const std::string defaultReason =
     "You may not have sufficient access privileges to rename the file, the file may be on a read-only "
@@ -27,48 +23,34 @@ struct Case {
     std::string name;
     std::u16string finalName;
     std::string message; ///< empty: it works
-    std::function<void(TemporaryFolder&)> sinceReading = [](TemporaryFolder&) {};
+    const char* sinceReading = "";
 };
 
-void replace(TemporaryFolder& disk, const std::string& name, const std::function<void()>& make) {
-    fs::remove_all(disk.path(name));
-    make();
-}
+std::string detailed(const std::string& detail) { return defaultReason + " (" + detail + ")"; }
 
 const std::vector<Case> cases{
-    {"empty", "a", u"", defaultReason + " (The new name is empty)"},
-    {"the folder itself", "a", u".", defaultReason + " (This name stands for a folder itself)"},
-    {"the folder above", "a", u"..", defaultReason + " (This name stands for a folder itself)"},
-    {"the end of a name", "a", std::u16string(u"b\0c", 3),
-     defaultReason + " (It holds a character that ends a name)"},
+    {"empty", "a", u"", detailed("The new name is empty")},
+    {"the folder itself", "a", u".", detailed("This name stands for a folder itself")},
+    {"the folder above", "a", u"..", detailed("This name stands for a folder itself")},
+    {"the end of a name", "a", std::u16string(u"b\0c", 3), detailed("It holds a character that ends a name")},
     {"too long in bytes", "a", std::u16string(87, u'\u4e00'),
-     defaultReason + " (File name too long: 261 of 255 bytes)"},
+     detailed("File name too long: 261 of 255 bytes")},
     {"just short enough", "a", std::u16string(85, u'\u4e00'), ""},
-    {"a high half", "a\U0001F4A9", u"a\xD83D", defaultReason + " (It cuts a character in two)"},
-    {"a low half that looks like a byte", "a\U0001F480", u"a\xDC80",
-     defaultReason + " (It cuts a character in two)"},
-    {"a byte that the name has not", "a", u"a\xDCE9", defaultReason + " (It cuts a character in two)"},
+    {"a high half", "a\U0001F4A9", u"a\xD83D", detailed("It cuts a character in two")},
+    {"a low half that looks like a byte", "a\U0001F480", u"a\xDC80", detailed("It cuts a character in two")},
+    {"a byte that the name has not", "a", u"a\xDCE9", detailed("It cuts a character in two")},
     {"a byte that the name has", "a \xE9", u"b \xDCE9", ""},
     {"a taken name", "a", u"z", taken},
-    {"a name taken by a dangling link", "a", u"new", taken,
-     [](TemporaryFolder& disk) { disk.link("new", "nowhere"); }},
-    {"a change of case to a name of another", "a", u"A", taken,
-     [](TemporaryFolder& disk) { disk.write("A", "other"); }},
-    {"a change of case to another name of the same file", "a", u"A", taken,
-     [](TemporaryFolder& disk) { fs::create_hard_link(disk.path("a"), disk.path("A")); }},
-    {"gone", "a", u"new",
-     defaultReason + " (No such file: it has been removed or renamed since the list was read)",
-     [](TemporaryFolder& disk) { disk.remove("a"); }},
-    {"saved anew by replacing", "a", u"new", "",
-     [](TemporaryFolder& disk) {
-         disk.write("saved", "a");
-         fs::rename(disk.path("saved"), disk.path("a"));
-     }},
-    {"a folder now", "a", u"new",
-     defaultReason + " (It was a file when the list was read, and is a folder now)",
-     [](TemporaryFolder& disk) { replace(disk, "a", [&] { disk.makeFolder("a"); }); }},
+    {"a name taken by a dangling link", "a", u"new", taken, "link new nowhere"},
+    {"a change of case to a name of another", "a", u"A", taken, "write A other"},
+    {"a change of case to another name of the same file", "a", u"A", taken, "second a A"},
+    {"gone", "a", u"new", detailed("No such file: it has been removed or renamed since the list was read"),
+     "remove a"},
+    {"saved anew by replacing", "a", u"new", "", "save a"},
+    {"a folder now", "a", u"new", detailed("It was a file when the list was read, and is a folder now"),
+     "remove a, folder a"},
     {"a link now", "a", u"new", linkReason + " (It was a file when the list was read, and is a link now)",
-     [](TemporaryFolder& disk) { replace(disk, "a", [&] { disk.link("a", "z"); }); }},
+     "remove a, link a z"},
 };
 
 /// Makes rename, exchange and link answer like file systems that know them not.
@@ -91,7 +73,7 @@ TEST(RenameReasons, AreThoseOfTheSystem) {
                 bench.host.set("renameMode", mode);
                 bench.host.defaults.setObject("alreadySwitchedToLionModeOnce", true);
                 bench.makeAndRead({one.name, "z"});
-                one.sinceReading(bench.disk);
+                bench.happens(one.sinceReading);
                 bench.setFinalName(one.name, one.finalName);
                 const auto before = bench.disk.tree();
                 FailingFileSystem disk;
@@ -115,8 +97,7 @@ TEST(RenameReasons, AreThoseOfTheSystem) {
 
 TEST(RenameReasons, LinksAreRefusedWithoutATry) {
     RenameBench bench;
-    bench.disk.link("f/link", "a");
-    bench.disk.link("f/folder link", "..");
+    bench.happens("link f/link a, link f/folder~link ..");
     bench.read({"f"});
     bench.setFinalName("f/link", u"new link");
     bench.setFinalName("f/folder link", u"new folder link");
@@ -198,11 +179,8 @@ TEST(RenameFolders, AnotherFolderInThePlaceOfTheOneThatWasReadIsNotTouched) {
     for (const bool byLink : {true, false}) {
         RenameBench bench;
         bench.plan("f/sub/a>b f/sub/b>a outside/a outside/b");
-        fs::rename(bench.disk.path("f/sub"), bench.disk.path("elsewhere"));
-        if (byLink)
-            bench.disk.link("f/sub", "../outside");
-        else
-            fs::rename(bench.disk.path("outside"), bench.disk.path("f/sub"));
+        bench.happens("move f/sub elsewhere");
+        bench.happens(byLink ? "link f/sub ../outside" : "move outside f/sub");
         const auto before = bench.disk.tree();
         bench.rename();
         EXPECT_EQ(bench.disk.tree(), before);

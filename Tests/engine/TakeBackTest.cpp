@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <filesystem>
 
 namespace tavrin::test {
 
@@ -23,12 +22,6 @@ void renameTwo(HistoryBench& bench) {
     ASSERT_EQ(bench.files(), tree("box/A1=box/a box/B1=box/b"));
 }
 
-/// Puts a file that was written anew in the place of another, as editors do.
-void saveAnew(const HistoryBench& bench, const char* name) {
-    bench.disk.write("box/saved", "new");
-    bench.move("box/saved", name);
-}
-
 /// A later run that gave "A1" the name "again".
 void renameAgain(HistoryBench& bench) {
     RecordText later(bench.records.read(bench.newestRecord()));
@@ -39,7 +32,7 @@ void renameAgain(HistoryBench& bench) {
     }
     bench.chosen = RunHistory(bench.records.path()).runs().back().name;
     bench.records.write("99990101T000000.000000-1.run", later.withChecksums());
-    bench.move("box/A1", "box/again");
+    bench.happens("move box/A1 box/again");
 }
 
 } // namespace
@@ -66,12 +59,12 @@ TEST(TakeBackLaws, UndoGivesTheTreeBeforeAndRedoTheTreeAfter) {
 /// if the program had been killed there. What is left is taken back, or finished.
 TEST(TakeBackLaws, WhatIsCutOffAtAnyCallIsTakenBackOrFinished) {
     const auto cutAt = [](std::size_t k, const Volume& volume, unsigned seed, bool cutsUndo, RunKind then) {
-        const RandomPlan plan(seed);
+        const RandomPlan plan(seed, volume.ignoresCase);
         HistoryBench bench(RenameBench::inMemory());
         bench.host.prompts.onNoRecord = [](const NoRecordQuestion&) { return ConfirmationChoice::stop; };
         plan.setUp(bench);
         FailingFileSystem disk;
-        volume.refuse(disk);
+        volume.setUp(disk);
         if (cutsUndo)
             bench.rename();
         std::size_t changes = 0;
@@ -112,112 +105,90 @@ TEST(TakeBackLaws, WhatIsCutOffAtAnyCallIsTakenBackOrFinished) {
 
 /// What somebody does between a run and its undo, what is said of it, and what is left.
 TEST(TakeBack, LeavesAloneWhatIsNotTheItem) {
+    enum class Run { whole, cut, cutWhereTheFlagIsRefused, renamedAgain, takingReplaced };
+    using enum Run;
     struct Case {
         const char* what;
-        std::function<void(HistoryBench&)> happens;
+        const char* happens;
         std::vector<std::string> reasons; ///< parts of them
-        RenameBench::Tree left;
-        bool takesReplaced = false;
-    };
-    const auto half = [](const char* what, bool hasNoFlag, const std::function<void(HistoryBench&)>& happens,
-                         const std::vector<std::string>& reasons, const RenameBench::Tree& left) {
-        return Case{what,
-                    [=](HistoryBench& bench) {
-                        bench.interruptNewest(hasNoFlag);
-                        happens(bench);
-                    },
-                    reasons, left};
-    };
-    const auto reserve = [](const char* content) {
-        return [=](HistoryBench& bench) {
-            bench.move("box/A1", "box/a");
-            bench.disk.write("box/A1", content);
-        };
+        const char* left;
+        Run run = whole;
     };
     const std::string gone = "It is not to be found";
     const std::string unlike = "Another item lies in its place";
-    const std::string leftover = "More than one item looks like it";
+    const std::string unclear = "More than one item looks like it";
     const std::vector<Case> cases = {
-        {"gone", [](HistoryBench& b) { b.disk.remove("box/A1"); }, {gone}, tree("box/b")},
-        {"replaced by saving",
-         [](HistoryBench& b) { saveAnew(b, "box/A1"); },
-         {unlike},
-         tree("box/A1=new box/b")},
-        {"replaced by saving, and taken for it",
-         [](HistoryBench& b) { saveAnew(b, "box/A1"); },
-         {},
-         tree("box/a=new box/b"),
-         true},
+        {"gone", "remove box/A1", {gone}, "box/b"},
+        {"replaced by saving", "save box/A1", {unlike}, "box/A1=new box/b"},
+        {"replaced by saving, and taken for it", "save box/A1", {}, "box/a=new box/b", takingReplaced},
         {"old name taken",
-         [](HistoryBench& b) { b.disk.write("box/a", "intruder"); },
+         "write box/a intruder",
          {"Another file with this name"},
-         tree("box/A1=box/a box/a=intruder box/b")},
-        {"moved elsewhere",
-         [](HistoryBench& b) { b.move("box/A1", "elsewhere"); },
-         {gone},
-         tree("elsewhere=box/a box/b")},
+         "box/A1=box/a box/a=intruder box/b"},
+        {"moved elsewhere", "move box/A1 elsewhere", {gone}, "elsewhere=box/a box/b"},
         {"renamed by a later run",
-         renameAgain,
+         "",
          {gone + ": it has been removed, moved or renamed. The run 99990101T000000.000000-1 has renamed it "
                  "again."},
-         tree("box/again=box/a box/b")},
+         "box/again=box/a box/b",
+         renamedAgain},
         {"folder moved",
-         [](HistoryBench& b) { b.move("box", "other"); },
+         "move box other",
          {"Its folder is not to be found.", "Its folder is not to be found."},
-         tree("other/A1=box/a other/B1=box/b")},
+         "other/A1=box/a other/B1=box/b"},
         {"folder replaced",
-         [](HistoryBench& b) {
-             b.move("box", "other");
-             b.disk.write("box/A1", "theirs");
-         },
+         "move box other, write box/A1 theirs",
          {"Its folder is another one", "Its folder is another one"},
-         tree("other/A1=box/a other/B1=box/b box/A1=theirs")},
+         "other/A1=box/a other/B1=box/b box/A1=theirs"},
         {"exchanged: each is known under the other's name",
-         [](HistoryBench& b) {
-             b.move("box/A1", "box/t");
-             b.move("box/B1", "box/A1");
-             b.move("box/t", "box/B1");
-         },
+         "move box/A1 box/t, move box/B1 box/A1, move box/t box/B1",
          {unlike, unlike},
-         tree("box/A1=box/b box/B1=box/a")},
-        // Where the kernel's flag is refused, a killed run leaves one step half done, and only that is
-        // cleared.
-        half(
-            "a second name", true,
-            [](HistoryBench& b) {
-                std::filesystem::create_hard_link(b.disk.path("box/A1"), b.disk.path("box/a"));
-            },
-            {}, tree("box/a box/b")),
-        half("an empty reservation", true, reserve(""), {}, tree("box/a box/b")),
-        half("the same where the flag is known", false, reserve(""), {}, tree("box/a box/A1= box/b")),
-        half("something in it", true, reserve("x"), {}, tree("box/a box/A1=x box/b")),
-        half(
-            "more than one", true,
-            [&](HistoryBench& b) {
-                reserve("")(b);
-                b.move("box/B1", "box/b");
-                b.disk.write("box/B1", "");
-            },
-            {leftover, leftover}, tree("box/a box/A1= box/b box/B1=")),
+         "box/A1=box/b box/B1=box/a"},
+        // Where the kernel's flag is refused, a killed run leaves one step half done; only that is cleared.
+        {"a second name", "second box/A1 box/a", {}, "box/a box/b", cutWhereTheFlagIsRefused},
+        {"an empty reservation",
+         "move box/A1 box/a, write box/A1",
+         {},
+         "box/a box/b",
+         cutWhereTheFlagIsRefused},
+        {"the same where the flag is known",
+         "move box/A1 box/a, write box/A1",
+         {},
+         "box/a box/A1= box/b",
+         cut},
+        {"something in it",
+         "move box/A1 box/a, write box/A1 x",
+         {},
+         "box/a box/A1=x box/b",
+         cutWhereTheFlagIsRefused},
+        {"more than one",
+         "move box/A1 box/a, write box/A1, move box/B1 box/b, write box/B1",
+         {unclear, unclear},
+         "box/a box/A1= box/b box/B1=",
+         cutWhereTheFlagIsRefused},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         HistoryBench bench;
         renameTwo(bench);
-        c.happens(bench);
-        bench.takeBack(RunKind::undo, c.takesReplaced);
+        if (c.run == cut || c.run == cutWhereTheFlagIsRefused)
+            bench.interruptNewest(c.run == cutWhereTheFlagIsRefused);
+        if (c.run == renamedAgain)
+            renameAgain(bench);
+        bench.happens(c.happens);
+        bench.takeBack(RunKind::undo, c.run == takingReplaced);
         std::vector<testing::Matcher<std::string>> reasons;
         for (const std::string& reason : c.reasons)
             reasons.push_back(testing::HasSubstr(reason));
         EXPECT_THAT(bench.failures, testing::ElementsAreArray(reasons)) << bench.refusal;
-        EXPECT_EQ(bench.files(), c.left);
+        EXPECT_EQ(bench.files(), tree(c.left));
     }
 }
 
 TEST(TakeBack, KnowsWhatWasSavedAnewBeforeTheRun) {
     HistoryBench bench;
     bench.plan("box/a>A1");
-    saveAnew(bench, "box/a");
+    bench.happens("save box/a");
     bench.rename();
     ASSERT_EQ(bench.files(), tree("box/A1=new"));
     EXPECT_EQ(bench.takeBack(RunKind::undo), 1);

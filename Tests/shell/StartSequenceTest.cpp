@@ -93,7 +93,8 @@ TEST_F(StartSequenceTest, ASilentDropletThatCannotBeginEndsWithoutAWord) {
     for (const bool hasSteps : {true, false}) {
         PropertyDictionary droplet = record(hasSteps ? off : PropertyDictionary{{"silentDroplet", 1}});
         droplet.insert_or_assign("composite action", chain({{"Add to end", {{"active", hasSteps ? 1 : 0}}}}));
-        droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a"))});
+        droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a")),
+                                                            text::fromBytes(files.path("gone"))});
         handOver(std::move(droplet));
         run();
         EXPECT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));

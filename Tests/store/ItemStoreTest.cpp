@@ -1,6 +1,7 @@
 #include "common/FailingVfs.h"
 #include "store/StoreTestData.h"
 #include "store/contexts/StoreContext.h"
+#include "store/paging/TextRegion.h"
 
 #include <fmt/core.h>
 #include <gtest/gtest.h>
@@ -119,6 +120,22 @@ TEST(ItemStoreTest, AStartSweepsWhatEarlierProcessesLeft) {
     EXPECT_EQ(store.openError(), std::nullopt);
     EXPECT_EQ(folder.tree().size(), 2u);
     EXPECT_EQ(folder.read("tvrn9.db.note"), "the user's own");
+}
+
+TEST(ItemStoreTest, TextsComeBackFromTheirBytesAndCutOnesAreRefused) {
+    TextRegion region(3);
+    region.set(0, {"abc", false});
+    region.set(2, {"de", true});
+    std::string blob;
+    region.appendBlob(blob);
+    TextRegion read;
+    for (std::size_t size = 0; size < blob.size(); ++size)
+        EXPECT_FALSE(read.readBlob(std::string_view(blob).substr(0, size), 3)) << size;
+    ASSERT_TRUE(read.readBlob(blob, 3));
+    EXPECT_EQ(read.get(0).bytes, "abc");
+    EXPECT_FALSE(read.has(1));
+    EXPECT_EQ(read.get(2).bytes, "de");
+    EXPECT_TRUE(read.get(2).isWide);
 }
 
 TEST(ItemStoreTest, AFolderThatTakesNoFileMakesAStoreInMemory) {

@@ -29,14 +29,15 @@ class MergeTest : public testing::Test {
 
 TEST_F(MergeTest, WhatTheStoreHoldsWinsOverThePendingChangeOfTheMainContext) {
     const std::vector<RowId> rows = main.children(ghost);
-    main.change(rows[0]).manualOrder = 500;
-    main.change(rows[1]).manualOrder = 501;
+    main.change(rows[1]).manualOrder = 500;
+    main.change(rows[2]).manualOrder = 501;
     worker.change(rows[0]).depth = 3;
+    worker.change(rows[1]).depth = 3;
     worker.commit();
     main.commit();
-    EXPECT_EQ(main.row(rows[0]).manualOrder, 1) << "its row had moved on";
-    EXPECT_EQ(main.row(rows[0]).depth, 3);
-    EXPECT_EQ(main.row(rows[1]).manualOrder, 501);
+    EXPECT_EQ(main.row(rows[1]).manualOrder, 2) << "its row had moved on";
+    EXPECT_EQ(main.row(rows[1]).depth, 3);
+    EXPECT_EQ(main.row(rows[2]).manualOrder, 501);
 }
 
 TEST_F(MergeTest, OnlyWhatAListDependsOnVoidsIt) {

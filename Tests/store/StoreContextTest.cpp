@@ -125,24 +125,28 @@ TEST_P(StoreContextTest, RowsStagedFarApartAreCommittedOnTheWayWhereTheyWouldPag
 }
 
 TEST_P(StoreContextTest, ReadsMetadataOnceAlsoWhenThereIsNone) {
-    const RowId ghost = fillFolder(context, 1);
-    const RowId row = context.children(ghost).front();
-    int reads = 0;
-    const auto reader = [&reads](const std::string& path) {
-        EXPECT_EQ(path, "/tree/file 1.txt");
-        ++reads;
-        return FileMetadata{};
-    };
-    FileMO failing(context, row);
-    failing.loadTagDictionary([](const std::string&) { return FileMetadata{.failure = "gone"}; });
-    EXPECT_EQ(failing.tagFailure(), "gone");
-    FileMO first(context, row); // a failure is not kept
-    first.loadTagDictionary(reader);
-    first.loadTagDictionary(reader);
-    context.commit();
-    FileMO second(other, row);
-    second.loadTagDictionary(reader);
-    EXPECT_EQ(reads, 1);
+    const RowId ghost = fillFolder(context, 2);
+    const PropertyDictionary some{{"Title", u"Sea"}};
+    for (const PropertyDictionary& tags : {some, PropertyDictionary{}}) {
+        const RowId row = context.children(ghost)[tags.empty() ? 1 : 0];
+        int reads = 0;
+        const auto reader = [&](const std::string& path) {
+            EXPECT_EQ(path, context.fullPath(row));
+            ++reads;
+            return FileMetadata{tags};
+        };
+        FileMO failing(context, row);
+        failing.loadTagDictionary([](const std::string&) { return FileMetadata{.failure = "gone"}; });
+        EXPECT_EQ(failing.tagFailure(), "gone");
+        FileMO first(context, row); // a failure is not kept
+        first.loadTagDictionary(reader);
+        first.loadTagDictionary(reader);
+        context.commit();
+        FileMO second(other, row);
+        second.loadTagDictionary(reader);
+        EXPECT_EQ(second.tagDictionary(), tags);
+        EXPECT_EQ(reads, 1);
+    }
 }
 
 } // namespace

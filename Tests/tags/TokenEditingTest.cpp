@@ -37,6 +37,7 @@ TEST(MixedTokenField, RecognisesTagsWhileTheUserTypes) {
         {{u"<NoSuchTag>"}, 11, "[<NoSuchTag>]"},
         {{u"ab>"}, 3, "[ab]"},
         {{u"a>b>c"}, 5, "[abc]"},
+        {{u"<x>b<y>c"}, 8, "[<x>b<y>c]"},
         {{u">"}, 1, "unchanged"},
         {{u"a<b<Year>c"}, 9, "[a<b][<Year>][c]"},
         {{u"<Year><ISO>"}, 11, "[<Year>][<ISO>]"},

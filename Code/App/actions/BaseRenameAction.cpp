@@ -30,17 +30,14 @@ void BaseRenameAction::introduce(std::string_view name, std::u16string_view expl
     ownExplanation = explanation;
 }
 
-void BaseRenameAction::processName(std::u16string_view fragment, const InputContext&, OutputContext&,
-                                   std::u16string& result) {
-    edit(fragment, result);
-}
-
-void BaseRenameAction::edit(std::u16string_view, std::u16string& result) {
+void BaseRenameAction::processName(std::u16string_view, std::u16string& result) {
     result += u"not yet implemented.";
 }
 
 void BaseRenameAction::executeWithInputContext(InputContext& input, OutputContext& output) {
     prepare();
+    itemInHand = &input;
+    answerInHand = &output;
     const std::u16string_view name = input.currentName;
     auto& result = output.newName;
     std::size_t begin = 0;
@@ -61,9 +58,13 @@ void BaseRenameAction::executeWithInputContext(InputContext& input, OutputContex
             end = dot;
     }
 
-    result.assign(name, 0, begin);
-    processName(name.substr(begin, end - begin), input, output, result);
-    result.append(name, end);
+    // Most often there is nothing in front, and the time of this counts for each name.
+    result.clear();
+    if (begin != 0)
+        result.append(name, 0, begin);
+    processName(name.substr(begin, end - begin), result);
+    if (end != name.size())
+        result.append(name, end);
 }
 
 } // namespace tavrin

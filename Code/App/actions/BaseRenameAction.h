@@ -59,17 +59,19 @@ class BaseRenameAction : public BaseAction {
 
   protected:
     /// Appends the new form of the fragment to `result`. A fragment that can't be worked on is appended as it
-    /// came. The caches are fresh. `input` is not to be changed. In the base it calls `edit`.
-    virtual void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                             std::u16string& result);
-    /// The same for actions to which the fragment is all that counts.
-    virtual void edit(std::u16string_view fragment, std::u16string& result);
+    /// came. The caches are fresh.
+    virtual void processName(std::u16string_view fragment, std::u16string& result);
+    /// The item in hand, and what else is told of it; both only within processName.
+    [[nodiscard]] const InputContext& item() const { return *itemInHand; }
+    [[nodiscard]] OutputContext& answer() const { return *answerInHand; }
 
     /// For actions that know no fragments, in prepareParameters: the whole name counts, whatever is stored.
     void workOnTheWholeName() { paramFragmentSelectionMode = 0; }
 
   private:
     std::int32_t paramFragmentSelectionMode = 1;
+    const InputContext* itemInHand = nullptr;
+    OutputContext* answerInHand = nullptr;
     std::u16string_view ownExplanation;
 };
 
@@ -77,7 +79,9 @@ class BaseRenameAction : public BaseAction {
 template <void (*append)(std::u16string_view fragment, std::u16string& result)>
 class PlainAction final : public BaseRenameAction {
   protected:
-    void edit(std::u16string_view fragment, std::u16string& result) override { append(fragment, result); }
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        append(fragment, result);
+    }
 };
 
 } // namespace tavrin

@@ -78,31 +78,12 @@ std::optional<std::size_t> TextPlacement::indexIn(std::u16string_view name) cons
     return index <= name.size() ? std::optional(index) : std::nullopt;
 }
 
-void TextPlacement::put(std::optional<std::u16string_view> text, std::u16string_view name,
-                        std::u16string& result) const {
-    if (!text) {
+void TextPlacement::putInside(std::u16string_view text, std::u16string_view name,
+                              std::u16string& result) const {
+    if (const auto index = indexIn(name))
+        result.append(name, 0, *index).append(text).append(name, *index);
+    else
         result += name;
-        return;
-    }
-    switch (place) {
-    case Place::wholeName:
-        result += *text;
-        return;
-    case Place::start:
-        result.append(*text).append(name);
-        return;
-    case Place::end:
-        result.append(name).append(*text);
-        return;
-    case Place::position:
-    case Place::beforeText:
-    case Place::afterText:
-        const auto index = indexIn(name);
-        if (index)
-            result.append(name, 0, *index).append(*text).append(name, *index);
-        else
-            result += name;
-    }
 }
 
 } // namespace tavrin

@@ -41,11 +41,29 @@ class TextPlacement {
         return place == Place::beforeText || place == Place::afterText;
     }
 
-    /// Appends the new name to `result`; the name comes unchanged where the text is absent, where the
-    /// occurrence of the text beside which it goes does not exist, and where the position is out of range.
-    void put(std::optional<std::u16string_view> text, std::u16string_view name, std::u16string& result) const;
+    /// Appends the new name to `result`; the name comes unchanged where the occurrence of the text beside
+    /// which it goes does not exist, and where the position is out of range.
+    void put(std::u16string_view text, std::u16string_view name, std::u16string& result) const {
+        if (place == Place::start)
+            result.append(text).append(name);
+        else if (place == Place::end)
+            result.append(name).append(text);
+        else if (place == Place::wholeName)
+            result += text;
+        else
+            putInside(text, name, result);
+    }
+    /// The same with a text that may be absent, which leaves the name as it is.
+    void putIfAny(const std::optional<std::u16string_view>& text, std::u16string_view name,
+                  std::u16string& result) const {
+        if (text)
+            put(*text, name, result);
+        else
+            result += name;
+    }
 
   private:
+    void putInside(std::u16string_view text, std::u16string_view name, std::u16string& result) const;
     /// Absent where there is no such place.
     [[nodiscard]] std::optional<std::size_t> indexIn(std::u16string_view name) const;
 

@@ -23,14 +23,14 @@ void appendWithoutAccents(std::u16string_view fragment, std::u16string& result) 
 
 // One code unit by itself: full mapping, so one unit may become several; half a surrogate pair stays.
 
-void appendUppercasedUnit(char16_t unit, std::u16string& result) {
+inline void appendUppercasedUnit(char16_t unit, std::u16string& result) {
     if (unit < 0x80)
         result += text::units::asciiUpper(unit);
     else
         result += text::uppercased(std::u16string_view(&unit, 1));
 }
 
-void appendLowercasedUnit(char16_t unit, std::u16string& result) {
+inline void appendLowercasedUnit(char16_t unit, std::u16string& result) {
     if (unit < 0x80)
         result += text::units::asciiLower(unit);
     else
@@ -47,7 +47,7 @@ class SentenceCaseAction final : public BaseRenameAction {
     SentenceCaseAction() { addParameter(forceToLowercase(), paramForceToLowerCase); }
 
   protected:
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         if (fragment.empty())
             return;
         appendUppercasedUnit(fragment.front(), result);
@@ -95,7 +95,7 @@ class ProperCaseAction final : public BaseRenameAction {
             kindOfAscii[unit] = classify(static_cast<char16_t>(unit));
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         bool startsWord = true;
         for (const char16_t unit : fragment) {
             const auto kind = unit < kindOfAscii.size() ? kindOfAscii[unit] : classify(unit);

@@ -9,7 +9,7 @@ namespace {
 enum class LetterCase { none, lower, upper };
 
 /// Upper where the sequence has an upper case letter at all.
-LetterCase letterCase(std::u16string_view sequence) {
+inline LetterCase letterCase(std::u16string_view sequence) {
     if (sequence.size() == 1 && sequence.front() < 0x80) {
         const auto unit = sequence.front();
         if (text::units::asciiUpper(unit) != unit)
@@ -41,7 +41,7 @@ class ExpandCamelCaseAction final : public BaseRenameAction {
         paramSeparator = limitTextFieldInputTo1Character("separator");
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    [[gnu::flatten]] void processName(std::u16string_view fragment, std::u16string& result) override {
         bool followsSmallLetter = false;
         forEachSequence(fragment, [&](std::u16string_view sequence) {
             const auto kind = letterCase(sequence);

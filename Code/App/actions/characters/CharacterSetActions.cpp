@@ -41,7 +41,7 @@ class KeepOnlySpecificCharactersAction final : public BaseRenameAction {
         isKept.refill([this](std::u16string_view sequence) { return isContained(sequence); });
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto start = result.size();
         forEachSequence(fragment, [&](std::u16string_view sequence) {
             if (isKept.valueFor(sequence, [this](std::u16string_view other) { return isContained(other); }))
@@ -75,11 +75,23 @@ void KeepOnlySpecificCharactersAction::selectPattern(std::int32_t index) {
     setValue(joined, "string");
 }
 
+bool isVowel(char16_t unit) {
+    switch (text::units::asciiLower(unit)) {
+    case u'a':
+    case u'e':
+    case u'i':
+    case u'o':
+    case u'u':
+    case u'y':
+        return true;
+    }
+    return false;
+}
+
 /// Drops what begins with a vowel, so an accented one goes only where it is decomposed.
 void appendWithoutVowels(std::u16string_view fragment, std::u16string& result) {
-    constexpr std::u16string_view vowels = u"aeiouyAEIOUY";
     forEachSequence(fragment, [&](std::u16string_view sequence) {
-        if (vowels.find(sequence.front()) == vowels.npos)
+        if (!isVowel(sequence.front()))
             result += sequence;
     });
 }

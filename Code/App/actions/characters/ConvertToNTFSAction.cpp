@@ -39,7 +39,7 @@ class ConvertToNTFSAction final : public BaseRenameAction {
   protected:
     void prepareParameters() override;
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto start = result.size();
         for (const char16_t unit : fragment) {
             if (isIllegal(unit))

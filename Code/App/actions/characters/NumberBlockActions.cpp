@@ -52,7 +52,7 @@ class RemoveNumbersAction final : public BaseRenameAction {
     }
 
   protected:
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         if (paramBlockMode == allDigits) {
             forEachSequence(fragment, [&](std::u16string_view sequence) {
                 if (sequence.size() > 1 || !isDigit(sequence.front()))
@@ -91,7 +91,7 @@ class ChangeNumbersAction final : public BaseRenameAction {
     }
 
   protected:
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto block = findBlock(fragment, paramBlockMode);
         if (!block) {
             result += fragment;

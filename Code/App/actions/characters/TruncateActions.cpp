@@ -17,7 +17,7 @@ class TruncateAction : public BaseRenameAction {
     }
 
   protected:
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const std::size_t most = static_cast<std::uint32_t>(paramNumberOfCharacters);
         if (fragment.size() <= most) { // always so for a negative number
             result += fragment;

@@ -62,11 +62,10 @@ class RenameToDateAction final : public BaseRenameAction {
         placement.prepareParameters();
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        auto text = dateText(fragment, input);
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        auto text = dateText(fragment, item());
         if (placement.isBesideText()) {
-            placement.put(text, PrecomposedText(fragment).view(), result);
+            placement.putIfAny(text, PrecomposedText(fragment).view(), result);
             return;
         }
         const bool isAtStart = placement.where() == Place::start;
@@ -76,7 +75,7 @@ class RenameToDateAction final : public BaseRenameAction {
             else if (paramSpace != 0)
                 text->insert(isAtStart ? text->end() : text->begin(), u' ');
         }
-        placement.put(text, fragment, result);
+        placement.putIfAny(text, fragment, result);
     }
 
   private:

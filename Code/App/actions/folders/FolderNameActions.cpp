@@ -23,9 +23,8 @@ class AddFolderNameAction final : public BaseRenameAction {
         placement.prepareParameters();
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        takeFolderOf(input.inputPath());
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        takeFolderOf(item().inputPath());
         addSpaces();
         // The members that insert put the blanks around it once more, on purpose: two in front, two behind.
         if (placement.where() != Place::start && placement.where() != Place::end)
@@ -37,8 +36,8 @@ class AddFolderNameAction final : public BaseRenameAction {
     /// The name of the folder, "/" in the root of the disk.
     void takeFolderOf(const std::string& path) {
         PathComponents components(path);
-        const auto item = components.previous();
-        const auto holder = item ? components.previous() : std::nullopt;
+        const auto last = components.previous();
+        const auto holder = last ? components.previous() : std::nullopt;
         text::fromBytes(holder.value_or(std::string_view()), folder);
         text::replaceUnit(folder, u':', u'/');
     }

@@ -37,10 +37,9 @@ class AddPathComponentsAction final : public BaseRenameAction {
         placement.prepareParameters();
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        const std::string path = input.inputPath();
-        placement.put(chainOf(path), fragment, result);
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        const std::string path = item().inputPath();
+        placement.putIfAny(chainOf(path), fragment, result);
     }
 
   private:

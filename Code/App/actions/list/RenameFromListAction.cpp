@@ -123,9 +123,8 @@ std::string RenameFromListAction::summary() const {
 
 // ---- execution
 
-void RenameFromListAction::processName(std::u16string_view fragment, const InputContext& input,
-                                       OutputContext&, std::u16string& result) {
-    result += listedName(input).value_or(fragment);
+void RenameFromListAction::processName(std::u16string_view fragment, std::u16string& result) {
+    result += listedName(item()).value_or(fragment);
 }
 
 std::optional<std::u16string_view> RenameFromListAction::listedName(const InputContext& input) {

@@ -31,8 +31,7 @@ class RenameFromListAction final : public SortBasedAction {
 
   protected:
     void prepareParameters() override;
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                     std::u16string& result) override;
+    void processName(std::u16string_view fragment, std::u16string& result) override;
 
   private:
     enum class Freshness { mayBeShared, fromFile };

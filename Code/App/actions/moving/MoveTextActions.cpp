@@ -24,7 +24,7 @@ class MoveTextAction final : public BaseRenameAction {
             TextSearch(text, ignoreCase != 0 ? CaseSensitivity::insensitive : CaseSensitivity::sensitive);
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto match = search.first(fragment);
         if (!match) {
             result += fragment;

@@ -87,11 +87,10 @@ class RegExAction final : public ExpressionAction {
         }
     }
 
-    void processName(std::u16string_view fragment, const InputContext&, OutputContext& output,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const PrecomposedText composed(fragment);
         const auto groups = expression.captureComponentsMatched(composed.view());
-        publish(groups, output);
+        publish(groups, answer());
         logFailureIfAny();
         if (!groups.empty() && !groups[0].empty() && fillTemplate(groups) && !filled.empty())
             result += filled;
@@ -133,7 +132,7 @@ class RegExReplacementAction final : public ExpressionAction {
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic60"; }
 
   protected:
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto start = result.size();
         const PrecomposedText composed(fragment);
         if (!expression.replaceOccurrences(composed.view(), replacement, result)) {

@@ -63,9 +63,9 @@ class AlphabeticalListBasedAction final : public SequenceAction {
         startNumber = uAlphaToNum(paramStartValue);
     }
 
-    [[nodiscard]] std::optional<std::u16string_view> textFor(const InputContext& input) override {
+    [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {
         setLettersAfter(std::int64_t{getSortIndex(input)} - 1, formatted);
-        return formatted;
+        return &formatted;
     }
 
   private:

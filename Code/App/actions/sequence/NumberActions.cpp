@@ -27,10 +27,10 @@ class SortNumberBasedAction : public SequenceAction {
     }
 
   protected:
-    [[nodiscard]] std::optional<std::u16string_view> textFor(const InputContext& input) override {
+    [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {
         formatted.clear();
         appendPaddedNumber(value(input), paramPadding, formatted);
-        return formatted;
+        return &formatted;
     }
 
     /// The number of the item.
@@ -78,19 +78,19 @@ class RomanNumeralBasedAction final : public SortNumberBasedAction {
     [[nodiscard]] std::vector<std::u16string> firstValues() const override { return {}; }
 
   protected:
-    [[nodiscard]] std::optional<std::u16string_view> textFor(const InputContext& input) override {
+    [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {
         return romanNumeral(value(input));
     }
 
   private:
-    std::optional<std::u16string_view> romanNumeral(std::int32_t number) {
+    const std::u16string* romanNumeral(std::int32_t number) {
         if (number > largestRomanNumeral)
-            return std::nullopt;
+            return nullptr;
         formatted.clear();
         for (const auto& [value, text] : romanNumerals)
             for (; number >= value; number -= value)
                 formatted += text;
-        return formatted;
+        return &formatted;
     }
 };
 

@@ -21,17 +21,16 @@ void SequenceAction::prepareParameters() {
     placement.prepareParameters();
 }
 
-void SequenceAction::processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                                 std::u16string& result) {
-    const auto text = textFor(input);
-    if (text && placement.isBesideText()) {
-        placement.put(text, PrecomposedText(fragment).view(), result);
-    } else if (text) {
-        result += paramPrefix;
-        placement.put(text, fragment, result);
-        result += paramSuffix;
-    } else {
+void SequenceAction::processName(std::u16string_view fragment, std::u16string& result) {
+    const auto* text = textFor(item());
+    if (!text) {
         result += fragment;
+    } else if (placement.isBesideText()) {
+        placement.put(*text, PrecomposedText(fragment).view(), result);
+    } else {
+        result += paramPrefix;
+        placement.put(*text, fragment, result);
+        result += paramSuffix;
     }
 }
 

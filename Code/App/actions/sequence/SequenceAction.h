@@ -3,7 +3,6 @@
 #include "actions/SortBasedAction.h"
 #include "actions/TextPlacement.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,12 +20,11 @@ class SequenceAction : public SortBasedAction {
     /// which `prefix` is the first.
     void addPlacementParameters(std::u16string_view prefix = u"");
 
-    /// The text of the item, valid until the next call; absent where there is none, so that the name stays.
-    [[nodiscard]] virtual std::optional<std::u16string_view> textFor(const InputContext& input) = 0;
+    /// The text of the item, valid until the next call; null where there is none, so that the name stays.
+    [[nodiscard]] virtual const std::u16string* textFor(const InputContext& input) = 0;
 
     void prepareParameters() override;
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                     std::u16string& result) final;
+    void processName(std::u16string_view fragment, std::u16string& result) final;
 
   private:
     TextPlacement placement;

@@ -39,15 +39,14 @@ class DimensionsAction final : public BaseRenameAction {
         placement.prepareParameters();
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext&,
-                     std::u16string& result) override {
-        auto text = formattedDimensionsString(input.inputPath());
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        auto text = formattedDimensionsString(item().inputPath());
         const PrecomposedText composed(placement.isBesideText() ? fragment : u"");
         const auto name = placement.isBesideText() ? composed.view() : fragment;
         // The members that insert put the name of a file that is no picture into itself.
         if (!text && placement.where() != Place::start && placement.where() != Place::end)
             text = name;
-        placement.put(text, name, result);
+        placement.putIfAny(text, name, result);
     }
 
   private:

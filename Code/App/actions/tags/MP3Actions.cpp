@@ -81,21 +81,19 @@ class MP3Action final : public BaseRenameAction {
         placement.prepareParameters();
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                     std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const PrecomposedText composed(placement.isBesideText() ? fragment : u"");
         const bool readsComposed = placement.where() == Place::beforeText;
-        const auto text = textFor(readsComposed ? composed.view() : fragment, input, output);
-        placement.put(text, text && placement.isBesideText() ? composed.view() : fragment, result);
+        const auto text = textFor(readsComposed ? composed.view() : fragment);
+        placement.putIfAny(text, text && placement.isBesideText() ? composed.view() : fragment, result);
     }
 
   private:
     /// None for a file without metadata; the name itself where no pattern fits.
-    [[nodiscard]] std::optional<std::u16string> textFor(std::u16string_view name, const InputContext& input,
-                                                        OutputContext& output) const {
-        const std::optional<FileMetadata> metadata = FileManager::instance().mp3TagsFor(input.inputPath());
+    [[nodiscard]] std::optional<std::u16string> textFor(std::u16string_view name) const {
+        const std::optional<FileMetadata> metadata = FileManager::instance().mp3TagsFor(item().inputPath());
         if (!metadata || metadata->tags.empty()) {
-            output.failure = metadata ? metadata->failure : "";
+            answer().failure = metadata ? metadata->failure : "";
             return std::nullopt;
         }
         const PropertyDictionary& tags = metadata->tags;

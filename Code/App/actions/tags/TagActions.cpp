@@ -41,9 +41,8 @@ class TagBasedAction final : public BaseRenameAction {
         pattern = TagLibraryHelper::sharedInstance().compile(paramPattern);
     }
 
-    void processName(std::u16string_view fragment, const InputContext& input, OutputContext& output,
-                     std::u16string& result) override {
-        placement.put(resolved(pattern, input, output), fragment, result);
+    void processName(std::u16string_view fragment, std::u16string& result) override {
+        placement.putIfAny(resolved(pattern, item(), answer()), fragment, result);
     }
 
   private:

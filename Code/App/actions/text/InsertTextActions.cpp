@@ -21,7 +21,7 @@ class InsertTextAction final : public BaseRenameAction {
         placement.prepareParameters();
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         if (placement.isBesideText())
             placement.put(text, PrecomposedText(fragment).view(), result);
         else

@@ -131,7 +131,7 @@ class RemoveAnywhere final : public BaseRenameAction {
         to.prepareParameters();
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const bool hasLength = to.modeInUse() == byLength;
         auto start = from.locationIn(fragment);
         auto end = !hasLength ? to.locationIn(fragment) : direction == 0 ? start + length : start - length;

@@ -15,7 +15,7 @@ class RemoveAtFrontAction : public BaseRenameAction {
     }
 
   protected:
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         // A negative count is greater than any length.
         result +=
             fragment.substr(std::min<std::size_t>(static_cast<std::uint32_t>(characters), fragment.size()));
@@ -27,7 +27,7 @@ class RemoveAtFrontAction : public BaseRenameAction {
 class RemoveFromEndAction final : public RemoveAtFrontAction {
   public:
   protected:
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto count = static_cast<std::size_t>(std::max(characters, 0));
         result += fragment.substr(0, fragment.size() - std::min(count, fragment.size()));
     }

@@ -25,7 +25,7 @@ class ReplaceAtFrontAction : public BaseRenameAction {
         search = TextSearch(text::precomposed(paramReplace), caseSensitivity(paramIgnoreCase));
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         const PrecomposedText composed(fragment);
         const auto text = composed.view();
         const auto length = search.text().size();

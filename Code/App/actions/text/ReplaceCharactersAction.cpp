@@ -50,11 +50,14 @@ class ReplaceCharactersAction : public BaseRenameAction {
         rowOf.refill([this](std::u16string_view sequence) { return findRow(sequence); });
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override {
+    void processName(std::u16string_view fragment, std::u16string& result) override {
         forEachSequence(fragment, [&](std::u16string_view sequence) {
             const auto row =
                 rowOf.valueFor(sequence, [this](std::u16string_view other) { return findRow(other); });
-            result += row == noRow ? sequence : rows[static_cast<std::size_t>(row)].with;
+            if (row == noRow)
+                result += sequence;
+            else
+                result += rows[static_cast<std::size_t>(row)].with;
         });
     }
 

@@ -70,7 +70,7 @@ class ReplaceTextAction : public BaseRenameAction {
         search = TextSearch(text::precomposed(paramSearchTerm), caseSensitivity(paramIgnoreCase));
     }
 
-    void edit(std::u16string_view fragment, std::u16string& result) override;
+    void processName(std::u16string_view fragment, std::u16string& result) override;
 
   private:
     [[nodiscard]] std::string_view userDescriptionOccurence() const {
@@ -108,7 +108,7 @@ void ReplaceTextAction::collectMatches(std::u16string_view text) {
     }
 }
 
-void ReplaceTextAction::edit(std::u16string_view fragment, std::u16string& result) {
+void ReplaceTextAction::processName(std::u16string_view fragment, std::u16string& result) {
     const PrecomposedText composed(fragment);
     const auto text = composed.view();
     collectMatches(text);

@@ -166,7 +166,7 @@ void JournalPlaces::placeByLooks(PlacedItem& into) {
     const RecordedItem& item = into.item;
     const Look atNew = lookAt(item.newName, into);
     // What was cut off can leave an item under two of its names; a folder that ignores case always does.
-    const bool isCaseOnly = NameOnDisk::differsOnlyInCase(item.oldName, item.newName);
+    const bool isCaseOnly = nameOnDisk::differsOnlyInCase(item.oldName, item.newName);
     if (atNew.isSame && !wasInterrupted && !isCaseOnly)
         return put(into, ItemPlace::done, item.newName, atNew);
     const Look atOld = lookAt(item.oldName, into);

@@ -112,11 +112,11 @@ class Fields {
     /// Must name something in a folder.
     void name(std::string& into) {
         field(into);
-        isGood = isGood && NameOnDisk::isPossible(into);
+        isGood = isGood && nameOnDisk::isPossible(into);
     }
     void nameOrNone(std::string& into) {
         field(into);
-        isGood = isGood && (into.empty() || NameOnDisk::isPossible(into));
+        isGood = isGood && (into.empty() || nameOnDisk::isPossible(into));
     }
     /// One of these words; its place among them.
     template <typename Value, typename Words> void word(Value& into, const Words& words) {

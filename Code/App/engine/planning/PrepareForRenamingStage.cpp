@@ -99,7 +99,7 @@ bool PrepareForRenamingStage::wantNamesThatDifferInCase(const std::vector<RowId>
         if (!context->row(child).hasExactName || !context->row(child).diff)
             continue;
         context->finalName(child, finalName);
-        if (!NameOnDisk::from(finalName, {}, wantedName, true))
+        if (!nameOnDisk::from(finalName, {}, wantedName, true))
             continue;
         text::lowercaseBytes(wantedName, lowerCased);
         hashes.push_back(std::hash<std::string>{}(lowerCased));
@@ -115,7 +115,7 @@ RowId PrepareForRenamingStage::cannotBeRenamedBefore(RowId item) {
     context->finalName(item, finalName);
     // What no file can be called is nobody's name.
     const bool isExact = context->row(item).hasExactName;
-    if (!NameOnDisk::from(finalName, context->component(item), wantedName, isExact))
+    if (!nameOnDisk::from(finalName, context->component(item), wantedName, isExact))
         return noRow;
     const RowId holder = siblings.find(wantedName);
     if (caseCounts && holder != noRow && context->component(holder) != wantedName)

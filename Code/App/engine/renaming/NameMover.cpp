@@ -14,7 +14,7 @@ int NameMover::move(RunFolders::Place& place, const std::string& from, const std
                     const StandInName& standIn) {
     left.clear();
     const int error = rename(place, from, to);
-    if (error == EEXIST && NameOnDisk::differsOnlyInCase(from, to) && ignoresCase(place, to))
+    if (error == EEXIST && nameOnDisk::differsOnlyInCase(from, to) && ignoresCase(place, to))
         return moveByStandIn(place, from, to, standIn());
     return error;
 }
@@ -29,9 +29,9 @@ int NameMover::rename(RunFolders::Place& place, const std::string& from, const s
     if (unflagged.wasUnguarded())
         events.unguarded(place);
     if (unflagged.leftover() == UnflaggedRename::Leftover::secondName)
-        behind += fmt::format(". It bears the name \"{}\" as well now", NameOnDisk::shown(to));
+        behind += fmt::format(". It bears the name \"{}\" as well now", nameOnDisk::shown(to));
     else if (unflagged.leftover() == UnflaggedRename::Leftover::reservation)
-        behind += fmt::format(". An empty item \"{}\" was left behind", NameOnDisk::shown(to));
+        behind += fmt::format(". An empty item \"{}\" was left behind", nameOnDisk::shown(to));
     return result;
 }
 

@@ -30,7 +30,7 @@ bool hasStrayHalf(std::u16string_view finalName, std::string_view currentName) {
 
 } // namespace
 
-bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentName, std::string& into,
+bool nameOnDisk::from(std::u16string_view finalName, std::string_view currentName, std::string& into,
                       bool isExact) {
     if (!text::toBytes(finalName, into) || (!isExact && hasStrayHalf(finalName, currentName)))
         return false;
@@ -38,7 +38,7 @@ bool NameOnDisk::from(std::u16string_view finalName, std::string_view currentNam
     return isPossible(into);
 }
 
-std::string_view NameOnDisk::faultOf(std::u16string_view finalName, std::string_view currentName) {
+std::string_view nameOnDisk::faultOf(std::u16string_view finalName, std::string_view currentName) {
     std::string bytes;
     if (finalName.empty())
         return "The new name is empty";
@@ -48,12 +48,12 @@ std::string_view NameOnDisk::faultOf(std::u16string_view finalName, std::string_
                                                  : "This name stands for a folder itself";
 }
 
-bool NameOnDisk::isPossible(std::string_view name) {
+bool nameOnDisk::isPossible(std::string_view name) {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
            name.find('\0') == std::string_view::npos;
 }
 
-bool NameOnDisk::differsOnlyInCase(std::string_view a, std::string_view b) {
+bool nameOnDisk::differsOnlyInCase(std::string_view a, std::string_view b) {
     const auto isAscii = [](std::string_view name) {
         return std::all_of(name.begin(), name.end(), [](char c) { return (c & 0x80) == 0; });
     };
@@ -66,7 +66,7 @@ bool NameOnDisk::differsOnlyInCase(std::string_view a, std::string_view b) {
     return text::equalIgnoringCase(text::fromBytes(a), text::fromBytes(b));
 }
 
-std::string NameOnDisk::shown(std::string_view name) {
+std::string nameOnDisk::shown(std::string_view name) {
     std::string result(name);
     std::replace(result.begin(), result.end(), ':', '/');
     return result;

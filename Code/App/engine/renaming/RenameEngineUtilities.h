@@ -12,14 +12,16 @@ class SortBasedAction;
 class StoreContext;
 
 /// Sort orders, and dumps of the store. The context is used as it is: hold the main context's mutex.
-struct RenameEngineUtilities {
-    /// The sort order of a sorting mode, 0 to 13; absent for any other.
-    static std::optional<SortDescriptor> sortDescriptorForMode(int mode);
-    /// The order in which an action wants the rows: by its first mode, then by its second.
-    static std::vector<SortDescriptor> sortDescriptorsOf(const SortBasedAction& action);
+namespace RenameEngineUtilities {
 
-    /// The counters, the source items and all rows with their paths, in bytes; also written to the log.
-    static std::string contentsOfDatabaseAsString(StoreContext& context);
-};
+/// The sort order of a sorting mode, 0 to 13; absent for any other.
+[[nodiscard]] std::optional<SortDescriptor> sortDescriptorForMode(int mode);
+/// The order in which an action wants the rows: by its first mode, then by its second.
+[[nodiscard]] std::vector<SortDescriptor> sortDescriptorsOf(const SortBasedAction& action);
+
+/// The counters, the source items and all rows with their paths, in bytes; also written to the log.
+std::string contentsOfDatabaseAsString(StoreContext& context);
+
+} // namespace RenameEngineUtilities
 
 } // namespace tavrin

@@ -30,16 +30,16 @@ const std::string& RenameItem::newComponent() {
     if (!diff)
         return currentComponent;
     context.finalName(current, finalName);
-    if (!NameOnDisk::from(finalName, currentComponent, wantedComponent, hasExactName))
+    if (!nameOnDisk::from(finalName, currentComponent, wantedComponent, hasExactName))
         wantedComponent.clear();
     return wantedComponent;
 }
 
 std::string_view RenameItem::faultOfNewName() {
-    return NameOnDisk::faultOf(context.finalName(current), currentComponent);
+    return nameOnDisk::faultOf(context.finalName(current), currentComponent);
 }
 
-std::string RenameItem::shownName() const { return NameOnDisk::shown(currentComponent); }
+std::string RenameItem::shownName() const { return nameOnDisk::shown(currentComponent); }
 
 std::string RenameItem::shownFinalName() { return text::toUtf8(context.finalName(current)); }
 

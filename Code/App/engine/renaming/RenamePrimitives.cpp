@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
@@ -73,9 +74,9 @@ bool RenamePrimitives::renameItem(RenameItem& item) {
     const std::string& from = item.component();
     const std::string& to = item.newComponent();
     if (debugLogIsOn())
-        debugLog("renameCurrentName: {} atPath: {} toNewName: {}", NameOnDisk::shown(from), item.fullPath(),
-                 NameOnDisk::shown(to));
-    if (!NameOnDisk::isPossible(to))
+        debugLog("renameCurrentName: {} atPath: {} toNewName: {}", nameOnDisk::shown(from), item.fullPath(),
+                 nameOnDisk::shown(to));
+    if (!nameOnDisk::isPossible(to))
         return refuse(item.faultOfNewName());
     if (!check(item))
         return false;
@@ -94,18 +95,26 @@ bool RenamePrimitives::renameItem(RenameItem& item) {
         if (comment && !comment->empty())
             static_cast<void>(
                 FileManager::instance().changeFinderComment(*comment, joinedPath(item.folder(), to)));
-    } else if (attempt.error == EEXIST) {
-        sentence = nameTakenReason;
-        detail.clear();
     } else {
         if (!parts.mover.leftUnder().empty())
             ++actuallyRenamedCounter; // its name is another one, though not the planned
-        const bool isGone = attempt.error == ENOENT && !isStillThere(attempt);
-        refuse((isGone ? std::string(gone) : systemReason(attempt.error, from, to, attempt.place)) +
-               whereItLies());
+        explain(attempt);
     }
     parts.report.item(actuallyRenamedCounter);
     return worked;
+}
+
+void RenamePrimitives::explain(const Attempt& attempt) {
+    const std::string place = whereItLies();
+    if (attempt.error == EEXIST) {
+        sentence = nameTakenReason;
+        detail = place.substr(std::min(place.size(), std::string_view(". ").size()));
+        return;
+    }
+    const bool isGone = attempt.error == ENOENT && !isStillThere(attempt);
+    refuse(
+        (isGone ? std::string(gone) : systemReason(attempt.error, attempt.from, attempt.to, attempt.place)) +
+        place);
 }
 
 bool RenamePrimitives::refuse(std::string_view reason) {
@@ -192,7 +201,7 @@ bool RenamePrimitives::hasMovedAllTheSame(const Attempt& attempt) const {
 std::string RenamePrimitives::whereItLies() const {
     const std::string& left = parts.mover.leftUnder();
     return left.empty() ? parts.mover.leftovers()
-                        : fmt::format(". It lies under the name \"{}\" now{}", NameOnDisk::shown(left),
+                        : fmt::format(". It lies under the name \"{}\" now{}", nameOnDisk::shown(left),
                                       parts.mover.leftovers());
 }
 

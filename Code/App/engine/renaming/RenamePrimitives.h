@@ -66,6 +66,8 @@ class RenamePrimitives {
         int error = 0;
     };
 
+    /// Leaves the reason of a failed attempt.
+    void explain(const Attempt& attempt);
     bool tryRoutes(Attempt& attempt);
     bool tryRoute(Route route, Attempt& attempt);
     [[nodiscard]] bool isStillThere(const Attempt& attempt) const;

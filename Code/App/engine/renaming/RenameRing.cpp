@@ -77,7 +77,7 @@ bool RenameRing::allCanTakePart() {
             run.primitives.refuse(RenamePrimitives::systemReason(0, {}, {}, {}));
         else if (run.primitives.check(run.item))
             continue;
-        failure = fmt::format("\"{}\": {}", NameOnDisk::shown(member.name), run.primitives.failureDetail());
+        failure = fmt::format("\"{}\": {}", nameOnDisk::shown(member.name), run.primitives.failureDetail());
         return false;
     }
     return true;
@@ -172,7 +172,7 @@ int RenameRing::exchange(std::size_t member, std::size_t other) {
 
 bool RenameRing::note(int error, std::size_t member, std::string_view to) {
     if (error != 0)
-        failure = fmt::format("\"{}\": {}", NameOnDisk::shown(members[member].name),
+        failure = fmt::format("\"{}\": {}", nameOnDisk::shown(members[member].name),
                               RenamePrimitives::systemReason(error, members[member].name, to, *place));
     return error == 0;
 }
@@ -190,7 +190,7 @@ void RenameRing::account() {
                                           [](const Member& member) { return member.lies == member.name; });
     if (isPair() && nothingMoved) {
         run.fail(fmt::format("Could not swap file names '{}' and '{}'. Neither file was renamed.",
-                             NameOnDisk::shown(members[0].name), NameOnDisk::shown(members[1].name)),
+                             nameOnDisk::shown(members[0].name), nameOnDisk::shown(members[1].name)),
                  fmt::format("{} ({})", pairMessage, failure), path(members[0].name), 2);
     } else {
         for (const Member& member : members) {
@@ -218,7 +218,7 @@ void RenameRing::report(const Member& member) {
     const bool isUnchanged = member.lies == member.name;
     std::string detail = failure;
     if (!isUnchanged)
-        detail += fmt::format(". It lies under the name \"{}\" now", NameOnDisk::shown(member.lies));
+        detail += fmt::format(". It lies under the name \"{}\" now", nameOnDisk::shown(member.lies));
     run.primitives.refuse(detail);
     run.fail(isUnchanged ? "Could not perform a temporary rename while resolving a dependency chain."
                          : "Could not undo a temporary rename while resolving a dependency chain.",

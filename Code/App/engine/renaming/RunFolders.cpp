@@ -59,7 +59,7 @@ void RunFolders::open(Place& place, const std::string& path, const FileIdentity&
 
 const std::string& StandIns::nameFor(RenameItem& item) {
     const bool takesTurns = item.takesTurns();
-    if (!takesTurns && !NameOnDisk::differsOnlyInCase(item.component(), item.newComponent()))
+    if (!takesTurns && !nameOnDisk::differsOnlyInCase(item.component(), item.newComponent()))
         return none;
     Names& names = chosen[item.parentRow()];
     std::string& name = takesTurns ? names.inTurn : names.inCase;

@@ -71,11 +71,13 @@ void TakeBackCommands::takeBack(RunKind what, const std::string& run) {
     questionInHand = question;
     services.engine.readHistory([=, this](const RunHistory& history) {
         return [=, this, found = history.choose(what, run)] {
-            if (const auto* chosen = std::get_if<ChosenRun>(&found))
+            if (const auto* chosen = std::get_if<ChosenRun>(&found)) {
                 preview(*chosen, question);
-            else
-                tell(what == RunKind::undo ? "Nothing was undone." : "Nothing was redone.",
-                     asSentence(std::get<std::string>(found)));
+                return;
+            }
+            questionInHand.reset();
+            tell(what == RunKind::undo ? "Nothing was undone." : "Nothing was redone.",
+                 asSentence(std::get<std::string>(found)));
         };
     });
 }
@@ -94,6 +96,7 @@ void TakeBackCommands::ask(const ChosenRun& chosen, const TakeBackResult& previe
         units.preview.showStats();
     }
     if (preview.planned == 0) {
+        questionInHand.reset();
         if (preview.errors.empty())
             perform(chosen); // all is as it was to be; the history shall know it
         else
@@ -101,6 +104,7 @@ void TakeBackCommands::ask(const ChosenRun& chosen, const TakeBackResult& previe
         return;
     }
     services.frontEnd.askToTakeBack(questionOf(chosen, preview), [this, chosen, question](bool agrees) {
+        questionInHand.reset();
         if (agrees)
             perform(chosen);
     });

@@ -37,7 +37,9 @@ class TakeBackCommands {
 
     ShellServices& services;
     Units units;
-    std::weak_ptr<void> questionInHand; ///< lives from the command to the answer
+    /// Lives from the command to the answer, or until what was to lead to one is dropped. The answer lets go
+    /// of it, since a worker may hold its part for a moment longer.
+    std::weak_ptr<void> questionInHand;
 };
 
 } // namespace tavrin
