@@ -43,7 +43,8 @@ std::u16string sentenceCased(std::u16string_view text) {
 }
 
 std::u16string zeroPadded(std::u16string_view number) {
-    return (number.size() == 1 ? u"0" : u"") + std::u16string(number);
+    std::u16string padded(number.size() == 1 ? 1 : 0, u'0');
+    return padded.append(number);
 }
 
 } // namespace tavrin
