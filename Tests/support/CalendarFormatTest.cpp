@@ -17,11 +17,17 @@ class CalendarFormats : public ::testing::Test {
     LocalTime zone;
     Variable language{"LC_ALL", "fi_FI.UTF-8"};
 
-    static std::string formatted(std::u16string_view pattern, double seconds, const std::string& locale) {
-        const auto names = CalendarNames::of(locale);
-        std::u16string result;
-        CalendarFormat(pattern, names).append(LocalMoment::at(seconds).value(), result);
-        return text::toUtf8(result);
+    /// Each case is a locale, a pattern and behind " = " what it gives.
+    static void expectAt(double seconds, const std::vector<std::string>& cases) {
+        for (const std::string& each : cases) {
+            const std::size_t space = each.find(' ');
+            const std::size_t equals = each.find(" = ", space);
+            const auto names = CalendarNames::of(each.substr(0, space));
+            const std::u16string pattern = text::fromUtf8(each.substr(space + 1, equals - space - 1));
+            std::u16string result;
+            CalendarFormat(pattern, names).append(LocalMoment::at(seconds).value(), result);
+            EXPECT_EQ(text::toUtf8(result), each.substr(equals + 3)) << each;
+        }
     }
 };
 
@@ -30,50 +36,29 @@ constexpr double midnight = 1704063600;  // Monday 2024-01-01 00:00:00
 constexpr double longAgo = -62135600400; // Monday 0001-01-01 00:00:00 in the calendar of the system
 
 TEST_F(CalendarFormats, GiveTheFieldsOfADate) {
-    const struct {
-        std::u16string_view pattern;
-        double seconds;
-        const char* locale;
-        const char* expected;
-    } cases[] = {
-        {u"%Y-%m-%d %H:%M:%S.%F %j %y %w", june + 0.25, "C", "2024-06-14 07:31:05.250 166 24 5"},
-        {u"%A, %e %B %Y; %a %b", june, "C.UTF-8", "Friday, 14 June 2024; Fri Jun"},
-        {u"%e|%d|%1m|%1H|%3M|%9Y|%0S|%1j", midnight, "C", "1|01|1|0|000|000002024|0|1"},
-        {u"%I%p %1I", midnight, "C", "12AM 12"},
-        {u"%I%p %1I", midnight + 12 * 3600, "C", "12PM 12"},
-        {u"%I %1I %p", midnight + 13 * 3600, "C", "01 1 PM"},
-        {u"%Z %z", june, "C", "CEST +0200"},
-        {u"%Z %z", midnight, "C", "CET +0100"},
-        {u"%Y %y", longAgo, "C", "0001 01"},
-        {u"%F", midnight + 0.999999, "C", "999"},
-        {u"%S%F", -0.001, "C", "59999"},
-        {u"%F", 1718343065.123, "C", "123"},
-        // What is no field stays, digits too; two signs are one.
-        {u"100%% %Q %3Q %x é% ", june, "C", "100% %Q %3Q %x é% "},
-        {u"%%Y%", june, "C", "%Y%"},
-        {u"%5", june, "C", "%5"},
-        {u"%5A", june, "C", "Friday"},
-        {u"", june, "C", ""},
-        // Words in the user's language, abbreviations without stops, digits and calendar always the same.
-        {u"%a %A %e %b %B", midnight, "de_DE.UTF-8", "Mo Montag 1 Jan Januar"},
-        {u"%b", midnight + 60 * 86400, "de_DE@euro", "März"},
-        {u"%B %p", june, "es_ES", "junio am"},
-        {u"%e %B", june, "ru_RU.UTF-8", "14 июня"},
-        {u"%Y %e %B", june, "fa_IR", "2024 14 ژوئن"},
-        {u"%Y %b", june, "th_TH", "2024 มิย"},
-        {u"%Y %B", june, "xx_nowhere", "2024 June"},
-        {u"%B", june, "", "June"},
-        {u"%B", june, "nn_NO", "juni"},
-        {u"%B", june, "no_NO", "juni"},
-        {u"%B", june, "iw_IL", "יוני"},
-        {u"%B", june, "tl_PH", "Hunyo"},
-        {u"%B", june, "ca_ES@valencia", "de juny"},
-        {u"%B", june, "zh_CN.GB18030", "六月"},
-        {u"%B", june, "pt_BR", "junho"},
-    };
-    for (const auto& each : cases)
-        EXPECT_EQ(formatted(each.pattern, each.seconds, each.locale), each.expected)
-            << text::toUtf8(each.pattern) << " in " << each.locale;
+    expectAt(june + 0.25, {"C %Y-%m-%d %H:%M:%S.%F %j %y %w = 2024-06-14 07:31:05.250 166 24 5"});
+    expectAt(midnight, {"C %e|%d|%1m|%1H|%3M|%9Y|%0S|%1j = 1|01|1|0|000|000002024|0|1",
+                        "C %I%p %1I = 12AM 12", "C %Z %z = CET +0100"});
+    expectAt(midnight + 12 * 3600, {"C %I%p %1I = 12PM 12"});
+    expectAt(midnight + 13 * 3600, {"C %I %1I %p = 01 1 PM"});
+    expectAt(longAgo, {"C %Y %y = 0001 01"});
+    expectAt(midnight + 0.999999, {"C %F = 999"});
+    expectAt(-0.001, {"C %S%F = 59999"});
+    expectAt(1718343065.123, {"C %F = 123"});
+    // What is no field stays, digits too; two signs are one.
+    expectAt(june, {"C 100%% %Q %3Q %x é%  = 100% %Q %3Q %x é% ", "C %%Y% = %Y%", "C %5 = %5",
+                    "C %5A = Friday", "C  = ", "C %Z %z = CEST +0200"});
+}
+
+TEST_F(CalendarFormats, SpeakTheLanguageOfTheLocale) {
+    // Abbreviations without stops, digits and calendar always the same.
+    expectAt(midnight, {"de_DE.UTF-8 %a %A %e %b %B = Mo Montag 1 Jan Januar"});
+    expectAt(midnight + 60 * 86400, {"de_DE@euro %b = März"});
+    expectAt(june, {"C.UTF-8 %A, %e %B %Y; %a %b = Friday, 14 June 2024; Fri Jun", "es_ES %B %p = junio am",
+                    "ru_RU.UTF-8 %e %B = 14 июня", "fa_IR %Y %e %B = 2024 14 ژوئن", "th_TH %Y %b = 2024 มิย",
+                    "xx_nowhere %Y %B = 2024 June", " %B = June", "nn_NO %B = juni", "no_NO %B = juni",
+                    "iw_IL %B = יוני", "tl_PH %B = Hunyo", "ca_ES@valencia %B = de juny",
+                    "zh_CN.GB18030 %B = 六月", "pt_BR %B = junho"});
 }
 
 TEST_F(CalendarFormats, KnowNoMomentBeyondAllCalendars) {
