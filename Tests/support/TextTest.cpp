@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <unicode/ubrk.h>
 
+#include <memory>
 #include <random>
 
 namespace tavrin::text {
@@ -52,10 +53,7 @@ TEST(TextEncoding, TextSurvivesTheWayThroughBytesOrIsRefused) {
 }
 
 TEST(TextEncoding, OnlyWellFormedSequencesAreDecoded) {
-    const struct {
-        std::string_view bytes;
-        std::u16string_view text;
-    } cases[] = {
+    const std::pair<std::string_view, std::u16string_view> cases[] = {
         {"", u""},
         {"a/longer name.txt", u"a/longer name.txt"},
         {"caf\xC3\xA9", u"café"},
@@ -77,10 +75,7 @@ TEST(TextEncoding, OnlyWellFormedSequencesAreDecoded) {
 }
 
 TEST(TextEncoding, TextsThatAreNoFileNameAreRefusedButShown) {
-    const struct {
-        std::u16string_view text;
-        std::string_view shown;
-    } cases[] = {
+    const std::pair<std::u16string_view, std::string_view> cases[] = {
         {u"a\xD83D", "a\xEF\xBF\xBD"}, // the high half of a pair
         {u"\xDE00z", "\xEF\xBF\xBDz"}, // the low half of a pair that stands for no byte
         {u"\xDC7F", "\xEF\xBF\xBD"},
@@ -102,15 +97,12 @@ TEST(TextEncoding, OrderIsThatOfTheCodePoints) {
     for (std::size_t i = 0; i < count; ++i)
         for (std::size_t j = 0; j < count; ++j) {
             const int order = compareByCodePoint(ascending[i], ascending[j]);
-            EXPECT_EQ(i < j, order < 0) << i << " " << j;
-            EXPECT_EQ(i == j, order == 0) << i << " " << j;
+            EXPECT_EQ((i > j) - (i < j), (order > 0) - (order < 0)) << i << " " << j;
         }
 }
 
 TEST(TextNormalization, FormsOfOneText) {
-    const struct {
-        std::u16string_view text, composed, decomposed, bare;
-    } cases[] = {
+    const std::u16string_view cases[][4] = {
         {u"", u"", u"", u""},
         {u"plain name", u"plain name", u"plain name", u"plain name"},
         {u"Crème Brûlée", u"Crème Brûlée", u"Cre\u0300me Bru\u0302le\u0301e", u"Creme Brulee"},
@@ -158,9 +150,7 @@ TEST(TextNormalization, QuickChecksSeeEveryPlace) {
 }
 
 TEST(TextCase, FullMappingsOfTheRootLocale) {
-    const struct {
-        std::u16string_view text, upper, lower, folded;
-    } cases[] = {
+    const std::u16string_view cases[][4] = {
         {u"", u"", u"", u""},
         {u"@Az[`mZ{09", u"@AZ[`MZ{09", u"@az[`mz{09", u"@az[`mz{09"},
         {u"straße", u"STRASSE", u"straße", u"strasse"},
@@ -197,7 +187,6 @@ TEST(TextCase, BytesLowerLikeTheirText) {
           "\xE2\x84\xAA", "\xEA\x99\x80Z", "\xCD\xB0Z", "E\xCC\x81\xCD\x85Z", "\xE6\xBC\xA2Z\xED\x95\x9C",
           "\xE6Z\xC3", "\xED\xA0\x80\xC3\x89", "A LONGER NAME WITHOUT AN ACCENT.JPEG"}) {
         lowercaseBytes(bytes, lowered);
-        EXPECT_EQ(lowercased(fromBytes(bytes)), fromBytes(lowered)) << testing::PrintToString(bytes);
         EXPECT_EQ(toBytes(lowercased(fromBytes(bytes))), lowered) << testing::PrintToString(bytes);
     }
 }
@@ -211,28 +200,26 @@ TEST(TextCase, EqualIgnoringCaseIsCanonical) {
 }
 
 TEST(TextClasses, FollowTheGeneralCategory) {
-    const struct {
-        char32_t c;
-        std::string_view classes; ///< Letter, Upper, lower, Space, Punctuation, Digit
-    } cases[] = {
-        {U'a', "Ll"},     {U'Z', "LU"},     {U'ǅ', "LU"},     {U'漢', "L"},     {U'ª', "L"},
-        {U'\u0301', "L"}, {U'\u0903', "L"}, {U'\u20DD', "L"}, {U'5', "D"},      {U'٣', "D"},
-        {U'Ⅷ', ""},       {U'²', ""},       {U'_', "P"},      {U'-', "P"},      {U'«', "P"},
-        {U'+', ""},       {U'$', ""},       {U' ', "S"},      {U'\t', "S"},     {U'\r', "S"},
-        {U'\x85', "S"},   {U'\u2028', "S"}, {U'\u00A0', "S"}, {U'\u3000', "S"}, {U'\x08', ""},
-        {U'\x0E', ""},    {U'\x1F', ""},    {U'\u200B', ""},  {U'𝒜', "LU"},     {U'😀', ""},
-        {0xD83D, ""},     {0xDCE9, ""},     {0, ""},
+    const std::pair<const char*, std::u32string> cases[] = {
+        {"letter lower", U"a"},
+        {"letter upper", U"Zǅ𝒜"},
+        {"letter", U"漢ª\u0301\u0903\u20DD"},
+        {"digit", U"5٣"},
+        {"punctuation", U"_-«"},
+        {"space", U" \t\r\x85\u2028\u00A0\u3000"},
+        {"", {U'Ⅷ', U'²', U'+', U'$', 8, 0x0E, 0x1F, 0x200B, U'😀', 0xD83D, 0xDCE9, 0}},
     };
-    for (const auto& [c, classes] : cases) {
-        std::string found;
-        found += isLetter(c) ? "L" : "";
-        found += isUppercaseLetter(c) ? "U" : "";
-        found += isLowercaseLetter(c) ? "l" : "";
-        found += isWhitespaceOrNewline(c) ? "S" : "";
-        found += isPunctuation(c) ? "P" : "";
-        found += isDecimalDigit(c) ? "D" : "";
-        EXPECT_EQ(classes, found) << std::hex << static_cast<std::uint32_t>(c);
-    }
+    for (const auto& [classes, characters] : cases)
+        for (const char32_t c : characters) {
+            std::string found;
+            found += isLetter(c) ? " letter" : "";
+            found += isUppercaseLetter(c) ? " upper" : "";
+            found += isLowercaseLetter(c) ? " lower" : "";
+            found += isWhitespaceOrNewline(c) ? " space" : "";
+            found += isPunctuation(c) ? " punctuation" : "";
+            found += isDecimalDigit(c) ? " digit" : "";
+            EXPECT_EQ(classes, found.substr(found.empty() ? 0 : 1)) << std::hex << std::uint32_t{c};
+        }
 }
 
 TEST(TextIntValue, ReadsTheStartOfAText) {
@@ -253,22 +240,15 @@ TEST(TextIntValue, ReadsTheStartOfAText) {
 using Edges = std::vector<std::size_t>;
 
 /// The rules without any shortcut.
-class Oracle {
-  public:
-    ~Oracle() { ubrk_close(iterator); }
-    Edges edges(std::u16string_view text) {
-        ubrk_setText(iterator, text.data(), static_cast<std::int32_t>(text.size()), &status);
-        Edges result = {0};
-        for (auto edge = ubrk_next(iterator); edge != UBRK_DONE; edge = ubrk_next(iterator))
-            result.push_back(static_cast<std::size_t>(edge));
-        EXPECT_TRUE(U_SUCCESS(status));
-        return result;
-    }
-
-  private:
+Edges edgesByTheRules(UBreakIterator* rules, std::u16string_view text) {
     UErrorCode status = U_ZERO_ERROR;
-    UBreakIterator* iterator = ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status);
-};
+    ubrk_setText(rules, text.data(), static_cast<std::int32_t>(text.size()), &status);
+    EXPECT_TRUE(U_SUCCESS(status));
+    Edges result = {0};
+    for (auto edge = ubrk_next(rules); edge != UBRK_DONE; edge = ubrk_next(rules))
+        result.push_back(static_cast<std::size_t>(edge));
+    return result;
+}
 
 Edges edgesStepByStep(std::u16string_view text) {
     Edges result = {0};
@@ -286,47 +266,39 @@ TEST(TextSequences, ShortcutsAgreeWithTheRules) {
         U"\u200B\u200C\u200D\u2028\u20E3\u2764\uFE0F漢\u302E\uFF9E\U0001F1E6\U0001F1F8\U0001F44D\U0001F3FD"
         U"\U0001F469\U0001F4BB\U00011070\U000110BD\U000E0041";
     std::mt19937 random(99);
-    Oracle oracle;
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> rules(
+        ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status), &ubrk_close);
     Edges found;
     for (int round = 0; round < 100'000; ++round) {
         std::u16string text;
         for (auto count = random() % 10; count > 0; --count) {
             const char32_t c = alphabet[random() % alphabet.size()];
-            text += random() % 20 == 0
-                        ? std::u16string(1, random() % 2 ? u'\xDCE9' : u'\xD83D')
-                        : fromUtf8(toUtf8(c < 0x10000
-                                              ? std::u16string(1, static_cast<char16_t>(c))
-                                              : std::u16string{static_cast<char16_t>(0xD7C0 + (c >> 10)),
-                                                               static_cast<char16_t>(0xDC00 + (c & 0x3FF))}));
+            if (random() % 20 == 0)
+                text += random() % 2 ? u'\xDCE9' : u'\xD83D';
+            else if (c < 0x10000)
+                text += static_cast<char16_t>(c);
+            else
+                text.append({U16_LEAD(c), U16_TRAIL(c)});
         }
         sequenceEdges(text, found);
-        ASSERT_EQ(oracle.edges(text), found) << testing::PrintToString(text);
+        ASSERT_EQ(edgesByTheRules(rules.get(), text), found) << testing::PrintToString(text);
         ASSERT_EQ(found, edgesStepByStep(text)) << testing::PrintToString(text);
     }
 }
 
 TEST(TextSequences, AreWhatAReaderCallsACharacter) {
-    const std::vector<std::u16string> cases[] = {
-        {},
-        {u"a", u"b"},
-        {u"e\u0301", u"x"},
-        {u"a\u0323\u0302", u"b"},
-        {u"\r\n", u"\n", u"\r", u"x"},
-        {u"👩\u200D💻", u"👩"},
-        {u"👍\U0001F3FD", u"!"},
-        {u"\U0001F1E9\U0001F1EA", u"\U0001F1EB\U0001F1F7", u"\U0001F1EB"},
-        {u"\u1100\u1161\u11A8", u"\u1100\u1161"},
-        {u"한", u"글"},
-        {u"1\uFE0F\u20E3", u"2"},
-        {u"\u0300", u"a"},
-        {u"\xD83D", u"a", u"\xDCE9", u"\xDCE8"},
-    };
-    for (const auto& sequences : cases) {
-        std::u16string text;
-        for (const std::u16string& sequence : sequences)
-            text += sequence;
-        EXPECT_EQ(sequences, KQStringUtilities::decomposeIntoStringArray(text)) << toUtf8(text);
-        EXPECT_EQ(sequences.empty() ? u"" : sequences.front(), firstComposedSequence(text));
+    for (const std::u16string each :
+         {u"", u"a|b", u"e\u0301|x", u"a\u0323\u0302|b", u"\r\n|\n|\r|x", u"👩\u200D💻|👩", u"👍\U0001F3FD|!",
+          u"🇩🇪|🇫🇷|🇫", u"\u1100\u1161\u11A8|\u1100\u1161", u"한|글", u"1\uFE0F\u20E3|2", u"\u0300|a",
+          u"\xD83D|a|\xDCE9|\xDCE8"}) {
+        std::u16string text = each;
+        std::erase(text, u'|');
+        std::u16string found;
+        for (const std::u16string& sequence : KQStringUtilities::decomposeIntoStringArray(text))
+            found += (found.empty() ? u"" : u"|") + sequence;
+        EXPECT_EQ(each, found);
+        EXPECT_EQ(each.substr(0, each.find(u'|')), firstComposedSequence(text)) << toUtf8(each);
     }
 }
 

@@ -1,12 +1,16 @@
 #include "common/LogRecorder.h"
+#include "common/Variable.h"
 #include "support/application/ApplicationNameSubstitution.h"
 #include "support/application/DebugLog.h"
 #include "support/application/StackedViewLayout.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/text/PathParts.h"
+#include "support/text/Text.h"
+#include "support/values/CalendarFormat.h"
 #include "support/values/PropertyValue.h"
 #include "support/values/VersionComparison.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -53,15 +57,12 @@ TEST(PropertyValue, KindsStayApart) {
     EXPECT_EQ(nullptr, PropertyValue(true).asInteger());
 }
 
-TEST(PropertyValue, IsFoundByKeyAndDescribed) {
+TEST(PropertyValue, IsDescribed) {
     const PropertyDictionary dictionary = {
         {"b", PropertyArray{1, true, 0.5}},
         {"a", u"caf\u00E9 \"x\"\n\xDCE9"},
         {"c", PropertyDictionary{{"date", PropertyDate{1.5}}, {"bytes", PropertyData{{1, 2}}}}},
     };
-    ASSERT_NE(nullptr, find(dictionary, "b"));
-    EXPECT_EQ(3u, find(dictionary, "b")->asArray()->size());
-    EXPECT_EQ(nullptr, find(dictionary, "d"));
     EXPECT_EQ("{\"a\": \"caf\xC3\xA9 \\\"x\\\"\\x0a\xE9\", \"b\": [1, true, 0.5], "
               "\"c\": {\"bytes\": 2 bytes, \"date\": date 1.5}}",
               description(dictionary));
@@ -76,9 +77,7 @@ TEST(DebugLog, WritesOnlyWhileOn) {
 }
 
 TEST(PathParts, CutPathsAndJoinThemAgain) {
-    const struct {
-        std::string_view path, prefix, folder, name, stem, extension;
-    } cases[] = {
+    const std::string_view cases[][6] = {
         {"/a/b.c.txt", "/a/", "/a", "b.c.txt", "/a/b.c", "txt"},
         {"/b", "/", "/", "b", "/b", ""},
         {"/", "/", "/", "", "/", ""},
@@ -138,31 +137,29 @@ TEST(StackedViewLayout, TheFlexibleViewTakesWhatIsFree) {
         std::optional<std::size_t> flexi;
         std::int64_t preferred;
         double visible;
-        double height;      ///< of the stack
-        double flexiHeight; ///< 0 without one
+        const char* expected; ///< the height of the stack, and those of the views
     } cases[] = {
-        {{}, {}, 0, 50, 50, 0},
-        {{20, 30}, {}, 0, 40, 50, 0},
-        {{20, 30}, {}, 0, 90, 90, 0},
-        {{20, 1, 30}, 1, 100, 120, 150, 100},   // no extra
-        {{20, 999, 30}, 1, 100, 150, 150, 100}, // the frame of the flexible view does not count
-        {{20, 1, 30}, 1, 100, 158, 158, 108},   // an extra of 8
-        {{20, 1, 30}, 1, 100, 159, 159, 101},   // of 9
-        {{20, 1, 30}, 1, 100, 250, 250, 192},
-        {{20.9, 1}, 1, 10, 39.8, 39.8, 11}, // 39 less 30: whole points, an extra of 9
-        {{20.2, 1}, 1, 10, 38.9, 38.9, 18}, // 38 less 30
+        {{}, {}, 0, 50, "50:"},
+        {{20, 30}, {}, 0, 40, "50: 20 30"},
+        {{20, 30}, {}, 0, 90, "90: 20 30"},
+        {{20, 1, 30}, 1, 100, 120, "150: 20 100 30"},   // no extra
+        {{20, 999, 30}, 1, 100, 150, "150: 20 100 30"}, // the frame of the flexible view does not count
+        {{20, 1, 30}, 1, 100, 158, "158: 20 108 30"},   // an extra of 8
+        {{20, 1, 30}, 1, 100, 159, "159: 20 101 30"},   // of 9
+        {{20, 1, 30}, 1, 100, 250, "250: 20 192 30"},
+        {{20.9, 1}, 1, 10, 39.8, "39.8: 20.9 11"}, // 39 less 30: whole points, an extra of 9
+        {{20.2, 1}, 1, 10, 38.9, "38.9: 20.2 18"}, // 38 less 30
     };
     for (const auto& each : cases) {
         const auto layout = StackedViewLayout::of(each.heights, each.flexi, each.preferred, each.visible);
-        EXPECT_DOUBLE_EQ(layout.height, each.height) << each.visible;
-        ASSERT_EQ(layout.places.size(), each.heights.size());
+        std::string found = fmt::format("{}:", layout.height);
         double top = 0;
-        for (std::size_t i = 0; i < each.heights.size(); ++i) {
-            EXPECT_DOUBLE_EQ(layout.places[i].top, top) << each.visible;
-            EXPECT_DOUBLE_EQ(layout.places[i].height, each.flexi == i ? each.flexiHeight : each.heights[i])
-                << each.visible;
-            top += layout.places[i].height;
+        for (const auto& place : layout.places) {
+            EXPECT_DOUBLE_EQ(place.top, top) << each.expected;
+            found += fmt::format(" {}", place.height);
+            top += place.height;
         }
+        EXPECT_EQ(found, each.expected);
     }
 }
 
@@ -207,6 +204,61 @@ TEST(VersionComparison, CutsIntoChunksOfOneType) {
             found.append(chunk) += '|';
         EXPECT_EQ(found, chunks);
     }
+}
+
+/// A zone told by rules, so that no table of zones is needed, and messages in a language of their own.
+class CalendarFormats : public testing::Test {
+  protected:
+    test::LocalTime zone;
+    test::Variable language{"LC_ALL", "fi_FI.UTF-8"};
+
+    /// Each case is a locale, a pattern and behind " = " what it gives.
+    static void expectAt(double seconds, const std::vector<std::string>& cases) {
+        for (const std::string& each : cases) {
+            const std::size_t space = each.find(' ');
+            const std::size_t equals = each.find(" = ", space);
+            const auto names = CalendarNames::of(each.substr(0, space));
+            const std::u16string pattern = text::fromUtf8(each.substr(space + 1, equals - space - 1));
+            std::u16string result;
+            CalendarFormat(pattern, names).append(LocalMoment::at(seconds).value(), result);
+            EXPECT_EQ(text::toUtf8(result), each.substr(equals + 3)) << each;
+        }
+    }
+};
+
+constexpr double june = 1718343065;      // Friday 2024-06-14 07:31:05 in summer time
+constexpr double midnight = 1704063600;  // Monday 2024-01-01 00:00:00
+constexpr double longAgo = -62135600400; // Monday 0001-01-01 00:00:00 in the calendar of the system
+
+TEST_F(CalendarFormats, GiveTheFieldsOfADate) {
+    expectAt(june + 0.25, {"C %Y-%m-%d %H:%M:%S.%F %j %y %w = 2024-06-14 07:31:05.250 166 24 5"});
+    expectAt(midnight, {"C %e|%d|%1m|%1H|%3M|%9Y|%0S|%1j = 1|01|1|0|000|000002024|0|1",
+                        "C %I%p %1I = 12AM 12", "C %Z %z = CET +0100"});
+    expectAt(midnight + 12 * 3600, {"C %I%p %1I = 12PM 12"});
+    expectAt(midnight + 13 * 3600, {"C %I %1I %p = 01 1 PM"});
+    expectAt(longAgo, {"C %Y %y = 0001 01"});
+    expectAt(midnight + 0.999999, {"C %F = 999"});
+    expectAt(-0.001, {"C %S%F = 59999"});
+    expectAt(1718343065.123, {"C %F = 123"});
+    // What is no field stays, digits too; two signs are one.
+    expectAt(june, {"C 100%% %Q %3Q %x é%  = 100% %Q %3Q %x é% ", "C %%Y% = %Y%", "C %5 = %5",
+                    "C %5A = Friday", "C  = ", "C %Z %z = CEST +0200"});
+}
+
+TEST_F(CalendarFormats, SpeakTheLanguageOfTheLocale) {
+    // Abbreviations without stops, digits and calendar always the same.
+    expectAt(midnight, {"de_DE.UTF-8 %a %A %e %b %B = Mo Montag 1 Jan Januar"});
+    expectAt(midnight + 60 * 86400, {"de_DE@euro %b = März"});
+    expectAt(june, {"C.UTF-8 %A, %e %B %Y; %a %b = Friday, 14 June 2024; Fri Jun", "es_ES %B %p = junio am",
+                    "ru_RU.UTF-8 %e %B = 14 июня", "fa_IR %Y %e %B = 2024 14 ژوئن", "th_TH %Y %b = 2024 มิย",
+                    "xx_nowhere %Y %B = 2024 June", " %B = June", "nn_NO %B = juni", "no_NO %B = juni",
+                    "iw_IL %B = יוני", "tl_PH %B = Hunyo", "ca_ES@valencia %B = de juny",
+                    "zh_CN.GB18030 %B = 六月", "pt_BR %B = junho"});
+}
+
+TEST_F(CalendarFormats, KnowNoMomentBeyondAllCalendars) {
+    for (const double seconds : {1e17, -1e300, std::strtod("nan", nullptr)})
+        EXPECT_FALSE(LocalMoment::at(seconds)) << seconds;
 }
 
 } // namespace
