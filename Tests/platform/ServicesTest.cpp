@@ -6,6 +6,8 @@
 #include "platform/desktop/Quoting.h"
 #include "platform/desktop/ResourceFolder.h"
 #include "platform/desktop/SystemLog.h"
+#include "platform/desktop/SystemVersion.h"
+#include "platform/desktop/UpdateFeedReader.h"
 #include "platform/files/FileSystemAccessManager.h"
 #include "platform/files/SandboxHelper.h"
 #include "platform/processes/ChildProcess.h"
@@ -17,13 +19,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
-#include <optional>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <thread>
-#include <unistd.h>
 
 namespace tavrin {
 namespace {
@@ -31,8 +30,12 @@ namespace {
 using namespace std::chrono_literals;
 using test::TemporaryFolder;
 using test::Variable;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::Gt;
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Lt;
 using testing::MatchesRegex;
 
 ChildProcess::Result runShell(const std::string& script, ChildProcess::Request request = {}) {
@@ -61,13 +64,12 @@ TEST(ChildProcess, PassesArgumentsAndEnvironmentAsTheyAre) {
 }
 
 TEST(ChildProcess, ReportsWhatCannotBeStarted) {
-    const std::pair<std::vector<std::string>, int> cases[] = {
-        {{"/nowhere/program"}, ENOENT},
-        {{"/"}, EACCES},
-        {{}, EINVAL},
-        {{"/bin/echo", std::string("a\0b", 3)}, EINVAL}};
-    for (const auto& [arguments, error] : cases) {
-        ChildProcess::Request request;
+    ChildProcess::Request request;
+    for (const auto& [arguments, error] : std::initializer_list<std::pair<std::vector<std::string>, int>>{
+             {{"/nowhere/program"}, ENOENT},
+             {{"/"}, EACCES},
+             {{}, EINVAL},
+             {{"/bin/echo", {"a\0b", 3}}, EINVAL}}) {
         request.arguments = arguments;
         EXPECT_EQ(ChildProcess::run(request).error, error);
     }
@@ -83,10 +85,10 @@ TEST(ChildProcess, BoundsTheOutput) {
 }
 
 TEST(ChildProcess, KillsWhatTakesTooLongWithItsChildren) {
+    ChildProcess::Request request;
+    request.timeout = 200ms;
     for (const char* script : {"echo begun; sleep 1000; echo done", "echo begun; sleep 1000 & wait",
                                "echo begun; exec >&-; sleep 1000"}) {
-        ChildProcess::Request request;
-        request.timeout = 200ms;
         const auto result = runShell(script, request);
         EXPECT_TRUE(result.timedOut) << script;
         EXPECT_EQ(result.output, "begun\n") << script;
@@ -96,13 +98,12 @@ TEST(ChildProcess, KillsWhatTakesTooLongWithItsChildren) {
 
 TEST(ChildProcess, InheritsNeitherDescriptorsNorIgnoredSignals) {
     const TemporaryFolder folder;
-    const int open = ::open(folder.write("file").c_str(), O_RDONLY); // without close-on-exec
+    const Descriptor open(::open(folder.write("file").c_str(), O_RDONLY)); // without close-on-exec
     const auto former = std::signal(SIGPIPE, SIG_IGN);
     const auto result = runShell(fmt::format("test -e /proc/self/fd/{} || echo closed; "
                                              "{{ (yes; echo status $? >&3) | true; }} 3>&1",
-                                             open));
+                                             open.get()));
     std::signal(SIGPIPE, former);
-    ::close(open);
     EXPECT_THAT(result.output, HasSubstr("closed"));
     EXPECT_THAT(result.output, HasSubstr("status 141")); // ended by the signal, not by a failed write
 }
@@ -110,52 +111,43 @@ TEST(ChildProcess, InheritsNeitherDescriptorsNorIgnoredSignals) {
 /// Stands in for the log daemon.
 class LogDaemon {
   public:
-    explicit LogDaemon(const std::string& path) : socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+    explicit LogDaemon(const TemporaryFolder& folder) {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        std::memcpy(address.sun_path, path.c_str(), std::min(path.size(), sizeof address.sun_path - 1));
-        if (::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        folder.path("log").copy(address.sun_path, sizeof address.sun_path - 1);
+        if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
             throw std::runtime_error("cannot bind the socket");
     }
-    ~LogDaemon() { ::close(socket); }
-    LogDaemon(const LogDaemon&) = delete;
-    LogDaemon& operator=(const LogDaemon&) = delete;
-
     std::vector<std::string> received() const {
         std::vector<std::string> lines;
         std::string buffer(64 * 1024, '\0');
-        for (;;) {
-            const ssize_t got = ::recv(socket, buffer.data(), buffer.size(), MSG_DONTWAIT);
-            if (got < 0)
-                return lines;
+        for (ssize_t got; (got = ::recv(socket.get(), buffer.data(), buffer.size(), MSG_DONTWAIT)) >= 0;)
             lines.push_back(buffer.substr(0, static_cast<std::size_t>(got)));
-        }
+        return lines;
     }
 
   private:
-    int socket;
+    Descriptor socket{::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
 };
 
 TEST(SystemLog, SendsGatheredLinesAndFindsADaemonThatHasBeenStartedAnew) {
     const TemporaryFolder folder;
-    auto daemon = std::make_unique<LogDaemon>(folder.path("log"));
+    auto daemon = std::make_unique<LogDaemon>(folder);
     SystemLog log(folder.path("log"));
     ASSERT_TRUE(log.isActive());
     log.write("first caf\xC3\xA9");
     log.write(std::string("second\0line", 11));
-    EXPECT_TRUE(daemon->received().empty());
+    EXPECT_THAT(daemon->received(), IsEmpty());
     log.flush();
     EXPECT_THAT(
         daemon->received(),
         ElementsAre(MatchesRegex("<13>[A-Z][a-z][a-z] [ 0-9][0-9] [0-9:]+ tavrin.[0-9]+.: first caf\xC3\xA9"),
                     HasSubstr(": second line")));
-    log.flush();
-    EXPECT_TRUE(daemon->received().empty());
     daemon.reset();
     log.write("lost");
     log.flush();
     folder.remove("log");
-    daemon = std::make_unique<LogDaemon>(folder.path("log"));
+    daemon = std::make_unique<LogDaemon>(folder);
     log.write("found");
     log.flush();
     EXPECT_THAT(daemon->received(), ElementsAre(HasSubstr(": found")));
@@ -164,16 +156,14 @@ TEST(SystemLog, SendsGatheredLinesAndFindsADaemonThatHasBeenStartedAnew) {
 TEST(SystemLog, NeverWaitsForADaemonThatDoesNotKeepUpAndTakesLinesFromManyThreads) {
     const TemporaryFolder folder;
     EXPECT_FALSE(SystemLog(folder.path("missing")).isActive());
-    const LogDaemon daemon(folder.path("log"));
+    const LogDaemon daemon(folder);
     {
         SystemLog log(folder.path("log"));
         SystemLog::setSharedInstance(&log);
         for (int i = 0; i < 5000; ++i) // far more than the socket holds
             log.write("line");
         log.flush();
-        const std::size_t count = daemon.received().size();
-        EXPECT_GT(count, 0U);
-        EXPECT_LT(count, 5000U);
+        EXPECT_THAT(daemon.received().size(), AllOf(Gt(0U), Lt(5000U)));
         std::vector<std::thread> threads;
         for (int i = 0; i < 4; ++i)
             threads.emplace_back([] { SystemLog::sharedInstance().write("later"); });
@@ -192,7 +182,6 @@ TEST(DebugManager, KeepsTheSwitchEqualToTheUserDefault) {
     {
         DebugManager manager(defaults);
         manager.awakeFromNib();
-        EXPECT_EQ(DebugManager::sharedDebugManager(), &manager);
         EXPECT_TRUE(debugLogIsOn());
         defaults.setObject("loggerIsOn", false);
         EXPECT_FALSE(debugLogIsOn());
@@ -201,15 +190,13 @@ TEST(DebugManager, KeepsTheSwitchEqualToTheUserDefault) {
         EXPECT_FALSE(defaults.boolForKey("loggerIsOn"));
     }
     EXPECT_EQ(DebugManager::sharedDebugManager(), nullptr);
-    EXPECT_FALSE(debugLogIsOn());
     defaults.setObject("loggerIsOn", true);
     EXPECT_FALSE(debugLogIsOn());
 }
 
 TEST(Quoting, TextsComeBackFromShellsAndDesktopEntries) {
     for (const std::string& text :
-         {std::string(), std::string("it's 'so'"), std::string(" \t\r\\n\\ $x `y` \"z\" *"),
-          std::string("caf\xE9\nb\\s ")}) {
+         std::initializer_list<std::string>{"", "it's 'so'", " \t\r\\n\\ $x `y` \"z\" *", "caf\xE9\nb\\s "}) {
         EXPECT_EQ(runShell("printf %s " + quotedForShell(text)).output, text);
         EXPECT_EQ(desktopEntry::unescaped(desktopEntry::escaped(text)), text);
         EXPECT_EQ(desktopEntry::escaped(text).find('\n'), std::string::npos);
@@ -224,14 +211,12 @@ TEST(UserFolders, FollowTheEnvironment) {
     const Variable data("XDG_DATA_HOME", "relative");
     EXPECT_EQ(SandboxHelper::getApplicationSupportFolderPath(), "/home/ann/.local/share/Tavrin 9");
     EXPECT_EQ(UserDefaults::defaultPath(), "/home/ann/.config/net.calderwick.tvrn9.plist");
-    {
-        const Variable absolute("XDG_DATA_HOME", "/data");
-        EXPECT_EQ(SandboxHelper::getApplicationSupportFolderPath(), "/data/Tavrin 9");
-    }
+    const Variable absolute("XDG_DATA_HOME", "/data");
+    EXPECT_EQ(SandboxHelper::getApplicationSupportFolderPath(), "/data/Tavrin 9");
     SandboxHelper::setApplicationSupportFolderPath("/elsewhere");
     EXPECT_EQ(SandboxHelper::getApplicationSupportFolderPath(), "/elsewhere");
     SandboxHelper::setApplicationSupportFolderPath(std::nullopt);
-    EXPECT_EQ(SandboxHelper::getApplicationSupportFolderPath(), "/home/ann/.local/share/Tavrin 9");
+    EXPECT_EQ(SandboxHelper::getApplicationSupportFolderPath(), "/data/Tavrin 9");
 }
 
 TEST(ResourceFolder, PrefersTheNamedFolder) {
@@ -260,6 +245,76 @@ TEST(FolderAccess, IsAskedForUntilTheFolderOrOneAroundItIsGranted) {
     defaults.setObject("permamentAccessListArray", PropertyArray{1});
     manager.revokeAllSecurityBookmarks();
     EXPECT_TRUE(defaults.objectForKey("permamentAccessListArray")->asArray()->empty());
+}
+
+using Items = std::vector<UpdateFeedItem>;
+
+std::string feed(const std::string& items) {
+    return "<?xml version='1.0'?>\n<rss version='2.0' xmlns:s='urn:feed'><channel>\n"
+           "<title>All releases</title><link>https://example.org</link>\n" +
+           items + "</channel></rss>";
+}
+
+TEST(UpdateFeedReader, ReadsWhatAReleaseTells) {
+    const auto items = std::get<Items>(UpdateFeedReader::read(
+        feed("<item><title> Tavrin &amp; <![CDATA[friends]]> </title><link>https://example.org/1</link>"
+             "<description><title>within</title><s:version>7</s:version></description>"
+             "<s:minimumSystemVersion>\n 5.10\n</s:minimumSystemVersion>"
+             "<s:releaseNotesLink>https://example.org/notes</s:releaseNotesLink>"
+             "<enclosure url='x' version='8' s:version='9.1' s:shortVersionString='9.1 (fine)'/></item>"
+             "<item><s:version>9.2b1</s:version><s:shortVersionString>9.2</s:shortVersionString></item>"
+             "<item/>")));
+    std::vector<std::string> told;
+    for (const UpdateFeedItem& item : items)
+        told.push_back(fmt::format("{}|{}|{}|{}|{}|{}", item.title, item.version, item.shortVersion,
+                                   item.minimumSystemVersion, item.link, item.releaseNotesLink));
+    EXPECT_THAT(
+        told,
+        ElementsAre("Tavrin & friends|9.1|9.1 (fine)|5.10|https://example.org/1|https://example.org/notes",
+                    "|9.2b1|9.2|||", "|||||"));
+}
+
+TEST(UpdateFeedReader, RefusesWhatIsNoFeedOrTooMuch) {
+    const auto times = [](int count, const std::string& text) {
+        std::string all;
+        while (count-- > 0)
+            all += text;
+        return all;
+    };
+    const std::pair<std::string, const char*> cases[] = {
+        {"", "no element"},
+        {"hello", "line 1"},
+        {"<html/>", "line 1: this is no feed of updates"},
+        {"<f:rss xmlns:f='urn:other'/>", "this is no feed of updates"},
+        {"\n<rss>\n<channel>", "line 3"},
+        {"<!DOCTYPE rss [<!ENTITY a 'aaaa'><!ENTITY b '&a;&a;'>]><rss>&b;</rss>",
+         "line 1: a document type is not allowed"},
+        {"<!DOCTYPE rss SYSTEM 'file:///etc/passwd'><rss/>", "a document type is not allowed"},
+        {feed("<item><title>&unknown;</title></item>"), "line 4"},
+        {feed("<item><x:version>9</x:version></item>"), "line 4"},
+        {feed("<item><title>\xFF</title></item>"), "line 4"},
+        {feed(times(1001, "<item/>")), "too many items"},
+        {feed(times(70, "<a>") + times(70, "</a>")), "nested too deeply"},
+        {feed("<item><title>" + std::string(16385, 'x') + "</title></item>"), "a text is too long"},
+        {feed("<item><enclosure s:version='" + std::string(16385, '9') + "'/></item>"), "a text is too long"},
+        {feed(std::string(UpdateFeedReader::sizeLimit, ' ')), "larger than 4 MiB"},
+    };
+    for (const auto& [bytes, reason] : cases)
+        EXPECT_THAT(std::get<UpdateFeedError>(UpdateFeedReader::read(bytes)).message, HasSubstr(reason));
+    EXPECT_TRUE(std::holds_alternative<Items>(UpdateFeedReader::read(feed(times(1000, "<item/>")))));
+}
+
+TEST(SystemVersion, IsThatOfTheKernelOrOfTheDistribution) {
+    std::string kernels;
+    for (const char* release : {"6.1.0-13-amd64", "5.15", "4", "6.1.5.9", "6.x", "6..1", "generic", ""})
+        kernels += SystemVersion::ofKernelRelease(release) + "|";
+    EXPECT_EQ(kernels, "6.1.0|5.15.0|4.0.0|6.1.5|6.0.0|6.0.0|||");
+    std::string distributions;
+    for (const char* content : {"NAME=x\nVERSION_ID=\"12\"\n", "VERSION_ID='22.04'", "VERSION_ID=3.18\r\n",
+                                "XVERSION_ID=1\n", "VERSION_ID=\n", ""})
+        distributions += SystemVersion::ofDistribution(content) + "|";
+    EXPECT_EQ(distributions, "12|22.04|3.18||||");
+    EXPECT_THAT(SystemVersion::asText(), MatchesRegex("[0-9]+[.][0-9]+[.][0-9]+"));
 }
 
 } // namespace
