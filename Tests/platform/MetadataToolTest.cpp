@@ -194,14 +194,12 @@ TEST_F(FakeMetadataTool, getsNothingOfThisProgramButAPathALine) {
 
 TEST_F(FakeMetadataTool, isAskedByManyThreadsInTurn) {
     MetadataTool tool(make("answer"));
-    std::vector<std::thread> askers;
+    std::vector<std::jthread> askers;
     for (const std::string path : {"/a", "/b", "/c", "/d"})
         askers.emplace_back([&tool, path] {
             for (int i = 0; i < 60; ++i)
                 EXPECT_EQ(valueOf(tool.tagsFor(path, Client::allTags), "Path"), path);
         });
-    for (std::thread& asker : askers)
-        asker.join();
 }
 
 class RealMetadataTool : public testing::Test {

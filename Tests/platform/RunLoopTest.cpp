@@ -66,12 +66,10 @@ TEST(QueueRunLoop, FreesTheCallerWhenItEnds) {
         QueueRunLoop loop;
         if (closeFirst)
             loop.close();
-        std::vector<std::thread> workers;
+        std::vector<std::jthread> workers;
         for (int i = 0; i < 4; ++i)
             workers.emplace_back([&] { EXPECT_FALSE(loop.performAndWait([] { ADD_FAILURE(); })); });
         loop.close();
-        for (std::thread& worker : workers)
-            worker.join();
     }
 }
 

@@ -164,11 +164,9 @@ TEST(SystemLog, NeverWaitsForADaemonThatDoesNotKeepUpAndTakesLinesFromManyThread
             log.write("line");
         log.flush();
         EXPECT_THAT(daemon.received().size(), AllOf(Gt(0U), Lt(5000U)));
-        std::vector<std::thread> threads;
+        std::vector<std::jthread> threads;
         for (int i = 0; i < 4; ++i)
             threads.emplace_back([] { SystemLog::sharedInstance().write("later"); });
-        for (std::thread& thread : threads)
-            thread.join();
     }
     EXPECT_EQ(daemon.received().size(), 4U);
     EXPECT_FALSE(SystemLog::sharedInstance().isActive());

@@ -65,7 +65,7 @@ TEST(UserDefaults, ObserversHearOfTheirKeyUntilTheyEnd) {
 TEST(UserDefaults, CanBeUsedFromManyThreads) {
     UserDefaults defaults;
     std::atomic<int> calls = 0;
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (const char* own : {"a", "b", "c", "d"})
         threads.emplace_back([&defaults, &calls, own] {
             for (int i = 0; i < 200; ++i) {
@@ -75,8 +75,7 @@ TEST(UserDefaults, CanBeUsedFromManyThreads) {
                 EXPECT_EQ(defaults.integerForKey(own), i);
             }
         });
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear(); // which waits for them
     EXPECT_GE(calls, 800);
 }
 
