@@ -26,6 +26,7 @@ namespace {
 using test::LogRecorder;
 using test::TemporaryFolder;
 using Client = MetadataTool::Client;
+using namespace std::string_literals;
 
 const std::string samples = TAVRIN_SOURCE_FOLDER "/Tests/samples/";
 
@@ -120,16 +121,15 @@ TEST_F(FakeMetadataTool, neverGivesAFileWhatIsNotItsOwn) {
         {"isFirst && printf '{extracted-failure}:no @\\n@\\n---finished---\\n' || answer", "failed /b 1"},
         {"exec yes", "failed failed 2"}, // has no end
         {"isFirst && exec printf '%s' \"$(path=wrong; answer; path=worse; answer)\"; answer", "failed /b 1"},
-        {"isFirst && while :; do read -r path; done; answer", "failed /b 1",
-         std::chrono::seconds(1)}, // hangs
+        {"isFirst && while :; do read -r path; done; answer", "failed /b 1", std::chrono::seconds(1)},
     };
     for (const auto& fake : cases) {
         const std::size_t before = log.count("metadata tool");
         MetadataTool tool(make(fake.work), {fake.limit, 100'000});
-        const std::string first = valueOf(tool.tagsFor("/a", Client::allTags), "Path");
-        const std::string second = valueOf(tool.tagsFor("/b", Client::allTags), "Path");
-        EXPECT_EQ(fmt::format("{} {} {}", first, second, log.count("metadata tool") - before), fake.expected)
-            << fake.work;
+        std::string found;
+        for (const char* path : {"/a", "/b"})
+            found += valueOf(tool.tagsFor(path, Client::allTags), "Path") + " ";
+        EXPECT_EQ(found + std::to_string(log.count("metadata tool") - before), fake.expected) << fake.work;
         if (folder.kind("tool.sh.ran"))
             folder.remove("tool.sh.ran");
     }
@@ -142,14 +142,12 @@ TEST_F(FakeMetadataTool, neverGivesAFileWhatIsNotItsOwn) {
 
 TEST_F(FakeMetadataTool, refusesWhatSpeaksBeforeItIsAsked) {
     // The first child answers once more when it is told to, and tells when it has.
-    const std::string go = folder.path("go");
-    const std::string spoken = folder.path("spoken");
-    ASSERT_EQ(::mkfifo(go.c_str(), 0600) | ::mkfifo(spoken.c_str(), 0600), 0);
-    MetadataTool tool(make("answer; isFirst && read word <'" + go +
-                           "' && path=wrong && answer && echo done >'" + spoken + "'"));
+    for (const char* pipe : {"go", "spoken"})
+        ASSERT_EQ(::mkfifo(folder.path(pipe).c_str(), 0600), 0);
+    MetadataTool tool(make("answer; isFirst && read word <go && path=wrong && answer && echo done >spoken"));
     EXPECT_EQ(valueOf(tool.tagsFor("/a", Client::allTags), "Path"), "/a");
-    std::ofstream(go) << "go\n";
-    EXPECT_EQ(contentOf(spoken), "done\n");
+    std::ofstream(folder.path("go")) << "go\n";
+    EXPECT_EQ(folder.read("spoken"), "done\n");
     EXPECT_EQ(flat(tool.tagsFor("/b", Client::allTags)), "failed");
     EXPECT_EQ(valueOf(tool.tagsFor("/c", Client::allTags), "Path"), "/c");
 }
@@ -217,26 +215,23 @@ photo.jpg photo.heic  GPSPosition=48 deg 12' 29.52" N, 16 deg 22' 25.68" E; GPSL
 photo.jpg photo.heic  GPSLatitudeRef=North; GPSLongitude=16 deg 22' 25.68" E; GPSLongitudeRef=East
 photo.jpg photo.heic  GPSAltitude=171 m Above Sea Level; GPSAltitudeRef=Above Sea Level; GPSImgDirection=92.5
 photo.jpg photo.heic  GPSImgDirectionRef=True North
-photo.jpg  ImageWidth=640; ImageHeight=480; ExifImageWidth=640; ExifImageHeight=480; Year=(none)
-photo.jpg  Orientation=Horizontal (normal)
+photo.jpg  ImageWidth=640; ImageHeight=480; ExifImageWidth=640; ExifImageHeight=480; Orientation=Horizontal (normal)
+photo.jpg  Year=(none); cd=(none); FileName=(none); Directory=(none); ColorMode=(none)
 photo.jpg photo.tif  ColorComponents=3
-photo.png photo.tif  ColorMode=RGB
-photo.jpg camera.jpg  ColorMode=(none)
 photo.png photo.tif clip.mp4 clip.mkv  ImageWidth=64
 photo.tif  GPSPosition=33 deg 51' 30.00" S, 70 deg 30' 0.00" W; GPSLongitude=70 deg 30' 0.00" W
-photo.tif photo.png  GPSAltitude=(none)
-camera.jpg  FocusMode=AF-S; ShutterCount=12345
+photo.png photo.tif  GPSAltitude=(none); ColorMode=RGB
+camera.jpg  FocusMode=AF-S; ShutterCount=12345; ColorMode=(none)
 song.mp3 song.m4a song.flac song.ogg song.opus clip.mp4  Artist=Ann; Album=Best; Year=1999; track=3; numTrack=12
 song.mp3 song.m4a song.flac song.ogg song.opus clip.mp4 clip.mkv  Title=Blue Hour
 song.mp3 song.m4a song.flac song.ogg clip.mp4  cd=1; numCds=2
 song.mp3  Duration#=2.664; Genre=Rock
 song.m4a song.flac song.ogg song.opus  Duration#=2.5
 clip.mp4  Duration#=2; BitDepth=24; CompressorID=avc1; CompressorName=Lavc libx264
-clip.mkv  Duration#=2.008; CompressorID=V_MPEG4/ISO/AVC; track=(none)
+clip.mkv  Duration#=2.008; CompressorID=V_MPEG4/ISO/AVC; track=(none); cd=(none)
 clip.mp4 clip.mkv  VideoFrameRate=25
-clip.mkv song.opus photo.jpg  cd=(none)
+song.opus  cd=(none); FileName=(none); Directory=(none)
 song.flac  BitDepth=(none)
-photo.jpg song.ogg  FileName=(none); Directory=(none)
 )");
     std::map<std::string, FileMetadata> tags;
     for (std::string line; std::getline(table, line);) {
@@ -263,9 +258,8 @@ TEST_F(RealMetadataTool, takesHostileNamesAndSkipsWhatIsNoFile) {
         EXPECT_EQ(valueOf(files.allTagsFor(folder.write(name, photo)), "ImageWidth"), "640") << name;
     ASSERT_EQ(::mkfifo(folder.path("fifo").c_str(), 0600), 0);
     folder.link("link", folder.path("fifo"));
-    for (const std::string& path : {folder.path("fifo"), folder.path("link"), folder.path("missing")})
-        EXPECT_EQ(flat(files.allTagsFor(path)), "") << path;
-    for (const char* path : {"/dev/zero", "-", "relative.jpg", ""})
+    for (const std::string& path : {folder.path("fifo"), folder.path("link"), folder.path("missing"),
+                                    "/dev/zero"s, "-"s, "relative.jpg"s, ""s})
         EXPECT_EQ(flat(files.allTagsFor(path)), "") << path;
     EXPECT_EQ(valueOf(files.allTagsFor(folder.path()), "ImageWidth"), "(none)");
     EXPECT_EQ(valueOf(files.allTagsFor(folder.write("empty.jpg")), "ImageWidth"), "(none)");
@@ -290,12 +284,6 @@ TEST_F(RealMetadataTool, givesUpAfterItsTimeAndRunsNoSettings) {
 
 TEST_F(RealMetadataTool, keepsHostileValuesInBounds) {
     const std::string photo = contentOf(samples + "photo.jpg");
-    const auto repeated = [](std::string_view text, int times) {
-        std::string result;
-        while (times-- > 0)
-            result += text;
-        return result;
-    };
     const std::pair<std::string, std::string> cases[] = {
         {"---finished---", "- - finished---"},
         {"-----finished---\n---finished---", "--- - finished---/n- - finished---"},
@@ -303,10 +291,10 @@ TEST_F(RealMetadataTool, keepsHostileValuesInBounds) {
         {"a\r\nb\rc\n\1d\33\177e\xc2\x85\xe2\x80\xa8z", "a/nb/nc/nd e z"},
         {"caf\xe9", "café"},
         {"\xed\xa0\x80z", "\xef\xbf\xbdz"},
-        {repeated("é", 3000), repeated("é", 2048)},
-        {"x" + repeated("é", 30000), "x" + repeated("é", 2047)},
-        {repeated("€", 20000), repeated("€", 1365)},
-        {repeated("x", 60000), repeated("x", 4096)},
+        {fmt::format("{:é>3000}", ""), fmt::format("{:é>2048}", "")},
+        {fmt::format("x{:é>30000}", ""), fmt::format("x{:é>2047}", "")},
+        {fmt::format("{:€>20000}", ""), fmt::format("{:€>1365}", "")},
+        {std::string(60000, 'x'), std::string(4096, 'x')},
     };
     const auto segment = [](const std::string& comment) {
         const std::size_t size = comment.size() + 2;
