@@ -10,7 +10,6 @@
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -20,9 +19,7 @@
 namespace tavrin {
 namespace {
 
-using test::FailingFileSystem;
 using test::FileCall;
-using test::TemporaryFolder;
 using test::Variable;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -43,7 +40,7 @@ class FileManagerMenusTest : public testing::Test {
         return static_cast<unsigned>(std::filesystem::status(folder.path(name)).permissions());
     }
 
-    TemporaryFolder folder;
+    test::TemporaryFolder folder;
     Variable data{"XDG_DATA_HOME", folder.path("data").c_str()};
     Variable configuration{"XDG_CONFIG_HOME", folder.path("config").c_str()};
     Variable sharedData{"XDG_DATA_DIRS", folder.path("shared").c_str()};
@@ -236,7 +233,7 @@ TEST_F(FileManagerMenusTest, AFirstListOfActionsKeepsWhatIsThereForAllUsers) {
 
 TEST_F(FileManagerMenusTest, AListThatCanNotBeReadOrWrittenStays) {
     folder.write(thunarList, "<actions/>");
-    FailingFileSystem files;
+    test::FailingFileSystem files;
     for (const FileCall call : {FileCall::read, FileCall::write}) {
         files.failKind(call, EACCES);
         EXPECT_THAT(menus.add(thunar).message, HasSubstr("Permission denied"));

@@ -1,7 +1,7 @@
 #include "platform/propertylists/PropertyList.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <clocale>
 #include <limits>
@@ -150,11 +150,8 @@ TEST(PropertyListXml, RefusesEveryTruncation) {
         EXPECT_NE(errorOf(whole.substr(0, length)), "read without an error") << length;
 }
 
-std::string times(std::size_t count, std::string_view text) {
-    std::string all;
-    while (count-- > 0)
-        all += text;
-    return all;
+std::string times(std::size_t count, const char* text) {
+    return fmt::format("{}", fmt::join(std::vector<const char*>(count, text), ""));
 }
 
 TEST(PropertyListXml, BoundsDepthSizeAndNumber) {

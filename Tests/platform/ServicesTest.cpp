@@ -4,7 +4,6 @@
 #include "common/Variable.h"
 #include "platform/desktop/DebugManager.h"
 #include "platform/desktop/Quoting.h"
-#include "platform/desktop/ResourceFolder.h"
 #include "platform/desktop/SystemLog.h"
 #include "platform/desktop/SystemVersion.h"
 #include "platform/desktop/UpdateFeedReader.h"
@@ -14,7 +13,6 @@
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <csignal>
@@ -28,6 +26,7 @@ namespace tavrin {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 using test::TemporaryFolder;
 using test::Variable;
 using testing::AllOf;
@@ -38,19 +37,29 @@ using testing::IsEmpty;
 using testing::Lt;
 using testing::MatchesRegex;
 
-ChildProcess::Result runShell(const std::string& script, ChildProcess::Request request = {}) {
+/// What a script of sh prints, up to 20 bytes, and how it ends.
+std::string told(const std::string& script) {
+    ChildProcess::Request request;
     request.arguments = {"/bin/sh", "-c", script};
-    return ChildProcess::run(request);
+    request.outputLimit = 20;
+    request.timeout = script.find("sleep") == std::string::npos ? 60s : 200ms;
+    const auto result = ChildProcess::run(request);
+    return fmt::format("{}|{}{}{}{}", result.output, result.exitStatus, result.succeeded() ? " well" : "",
+                       result.timedOut ? " late" : "", result.outputWasCut ? " cut" : "");
 }
 
-TEST(ChildProcess, GivesOutputAndStatus) {
-    const auto result = runShell("printf 'a\\000b'; echo to nowhere >&2; cat; exit 3");
-    EXPECT_EQ(result.error, 0);
-    EXPECT_EQ(result.output, std::string("a\0b", 3));
-    EXPECT_EQ(result.exitStatus, 3);
-    EXPECT_FALSE(result.succeeded());
-    EXPECT_TRUE(runShell("exit 0").succeeded());
-    EXPECT_EQ(runShell("kill -9 $$").exitStatus, -1);
+TEST(ChildProcess, TellsWhatAProgramPrintsAndHowItEnds) {
+    const std::pair<const char*, std::string> cases[] = {
+        {"printf 'a\\000b'; echo to nowhere >&2; cat; exit 3", "a\0b|3"s},
+        {"exit 0", "|0 well"},
+        {"kill -9 $$", "|-1"},
+        {"yes | head -c 300000; echo $? > /dev/null", "y\ny\ny\ny\ny\ny\ny\ny\ny\ny\n|0 well cut"},
+        {"echo begun; sleep 1000; echo done", "begun\n|-1 late"},
+        {"echo begun; sleep 1000 & wait", "begun\n|-1 late"},
+        {"echo begun; exec >&-; sleep 1000", "begun\n|-1 late"},
+    };
+    for (const auto& [script, expected] : cases)
+        EXPECT_EQ(told(script), expected) << script;
 }
 
 TEST(ChildProcess, PassesArgumentsAndEnvironmentAsTheyAre) {
@@ -61,51 +70,23 @@ TEST(ChildProcess, PassesArgumentsAndEnvironmentAsTheyAre) {
     request.environment = {{"TAVRIN_TEST_PRESENT", "changed"}, {"TAVRIN_TEST_NEW", "a=b"}};
     EXPECT_EQ(ChildProcess::run(request).output, "caf\xE9 *|\"$x|changed|a=b\n");
     EXPECT_STREQ(std::getenv("TAVRIN_TEST_PRESENT"), "old");
-}
-
-TEST(ChildProcess, ReportsWhatCannotBeStarted) {
-    ChildProcess::Request request;
-    for (const auto& [arguments, error] : std::initializer_list<std::pair<std::vector<std::string>, int>>{
-             {{"/nowhere/program"}, ENOENT},
-             {{"/"}, EACCES},
-             {{}, EINVAL},
-             {{"/bin/echo", {"a\0b", 3}}, EINVAL}}) {
+    for (const auto& [arguments, error] :
+         std::initializer_list<std::pair<std::vector<std::string>, int>>{{{"/nowhere/program"}, ENOENT},
+                                                                         {{"/"}, EACCES},
+                                                                         {{}, EINVAL},
+                                                                         {{"/bin/echo", "a\0b"s}, EINVAL}}) {
         request.arguments = arguments;
         EXPECT_EQ(ChildProcess::run(request).error, error);
     }
 }
 
-TEST(ChildProcess, BoundsTheOutput) {
-    ChildProcess::Request request;
-    request.outputLimit = 1000;
-    const auto result = runShell("yes | head -c 300000; echo $? > /dev/null", request);
-    EXPECT_EQ(result.output.size(), 1000U);
-    EXPECT_TRUE(result.outputWasCut);
-    EXPECT_TRUE(result.succeeded());
-}
-
-TEST(ChildProcess, KillsWhatTakesTooLongWithItsChildren) {
-    ChildProcess::Request request;
-    request.timeout = 200ms;
-    for (const char* script : {"echo begun; sleep 1000; echo done", "echo begun; sleep 1000 & wait",
-                               "echo begun; exec >&-; sleep 1000"}) {
-        const auto result = runShell(script, request);
-        EXPECT_TRUE(result.timedOut) << script;
-        EXPECT_EQ(result.output, "begun\n") << script;
-        EXPECT_EQ(result.exitStatus, -1) << script;
-    }
-}
-
 TEST(ChildProcess, InheritsNeitherDescriptorsNorIgnoredSignals) {
-    const TemporaryFolder folder;
-    const Descriptor open(::open(folder.write("file").c_str(), O_RDONLY)); // without close-on-exec
+    const Descriptor leaky(::fcntl(STDERR_FILENO, F_DUPFD, 77)); // without close-on-exec
     const auto former = std::signal(SIGPIPE, SIG_IGN);
-    const auto result = runShell(fmt::format("test -e /proc/self/fd/{} || echo closed; "
-                                             "{{ (yes; echo status $? >&3) | true; }} 3>&1",
-                                             open.get()));
+    EXPECT_EQ(told(fmt::format("test -e /proc/self/fd/{} || echo closed", leaky.get())), "closed\n|0 well");
+    // Ended by the signal, not by a failed write.
+    EXPECT_EQ(told("{ (yes; echo status $? >&3) | true; } 3>&1"), "status 141\n|0 well");
     std::signal(SIGPIPE, former);
-    EXPECT_THAT(result.output, HasSubstr("closed"));
-    EXPECT_THAT(result.output, HasSubstr("status 141")); // ended by the signal, not by a failed write
 }
 
 /// Stands in for the log daemon.
@@ -136,7 +117,7 @@ TEST(SystemLog, SendsGatheredLinesAndFindsADaemonThatHasBeenStartedAnew) {
     SystemLog log(folder.path("log"));
     ASSERT_TRUE(log.isActive());
     log.write("first caf\xC3\xA9");
-    log.write(std::string("second\0line", 11));
+    log.write("second\0line"s);
     EXPECT_THAT(daemon->received(), IsEmpty());
     log.flush();
     EXPECT_THAT(
@@ -194,8 +175,8 @@ TEST(DebugManager, KeepsTheSwitchEqualToTheUserDefault) {
 
 TEST(Quoting, TextsComeBackFromShellsAndDesktopEntries) {
     for (const std::string& text :
-         std::initializer_list<std::string>{"", "it's 'so'", " \t\r\\n\\ $x `y` \"z\" *", "caf\xE9\nb\\s "}) {
-        EXPECT_EQ(runShell("printf %s " + quotedForShell(text)).output, text);
+         std::initializer_list<std::string>{"", "it's 'so'", " \t\r\\n\\ $x `y` \"z\"*", "caf\xE9\nb\\s "}) {
+        EXPECT_EQ(told("printf %s " + quotedForShell(text)), text + "|0 well");
         EXPECT_EQ(desktopEntry::unescaped(desktopEntry::escaped(text)), text);
         EXPECT_EQ(desktopEntry::escaped(text).find('\n'), std::string::npos);
     }
@@ -215,16 +196,6 @@ TEST(UserFolders, FollowTheEnvironment) {
     EXPECT_EQ(SandboxHelper::getApplicationSupportFolderPath(), "/elsewhere");
     SandboxHelper::setApplicationSupportFolderPath(std::nullopt);
     EXPECT_EQ(SandboxHelper::getApplicationSupportFolderPath(), "/data/Tavrin 9");
-}
-
-TEST(ResourceFolder, PrefersTheNamedFolder) {
-    const TemporaryFolder folder;
-    folder.write("menu.plist");
-    const Variable named("TAVRIN_RESOURCES", folder.path().c_str());
-    EXPECT_EQ(resourcePath("menu.plist"), folder.path("menu.plist"));
-    EXPECT_EQ(resourcePath("missing.plist"), folder.path("missing.plist"));
-    const Variable unnamed("TAVRIN_RESOURCES", nullptr);
-    EXPECT_EQ(ResourceFolder::candidates().back(), TAVRIN_SOURCE_FOLDER "/Resources");
 }
 
 TEST(FolderAccess, IsAskedForUntilTheFolderOrOneAroundItIsGranted) {
@@ -273,11 +244,8 @@ TEST(UpdateFeedReader, ReadsWhatAReleaseTells) {
 }
 
 TEST(UpdateFeedReader, RefusesWhatIsNoFeedOrTooMuch) {
-    const auto times = [](int count, const std::string& text) {
-        std::string all;
-        while (count-- > 0)
-            all += text;
-        return all;
+    const auto repeated = [](const char* text, int count) {
+        return fmt::format("{}", fmt::join(std::vector<const char*>(count, text), ""));
     };
     const std::pair<std::string, const char*> cases[] = {
         {"", "no element"},
@@ -291,15 +259,15 @@ TEST(UpdateFeedReader, RefusesWhatIsNoFeedOrTooMuch) {
         {feed("<item><title>&unknown;</title></item>"), "line 4"},
         {feed("<item><x:version>9</x:version></item>"), "line 4"},
         {feed("<item><title>\xFF</title></item>"), "line 4"},
-        {feed(times(1001, "<item/>")), "too many items"},
-        {feed(times(70, "<a>") + times(70, "</a>")), "nested too deeply"},
+        {feed(repeated("<item/>", 1001)), "too many items"},
+        {feed(repeated("<a>", 70) + repeated("</a>", 70)), "nested too deeply"},
         {feed("<item><title>" + std::string(16385, 'x') + "</title></item>"), "a text is too long"},
         {feed("<item><enclosure s:version='" + std::string(16385, '9') + "'/></item>"), "a text is too long"},
         {feed(std::string(UpdateFeedReader::sizeLimit, ' ')), "larger than 4 MiB"},
     };
     for (const auto& [bytes, reason] : cases)
         EXPECT_THAT(std::get<UpdateFeedError>(UpdateFeedReader::read(bytes)).message, HasSubstr(reason));
-    EXPECT_TRUE(std::holds_alternative<Items>(UpdateFeedReader::read(feed(times(1000, "<item/>")))));
+    EXPECT_TRUE(std::holds_alternative<Items>(UpdateFeedReader::read(feed(repeated("<item/>", 1000)))));
 }
 
 TEST(SystemVersion, IsThatOfTheKernelOrOfTheDistribution) {
