@@ -11,23 +11,18 @@
 namespace tavrin::text {
 namespace {
 
-/// Bytes from an alphabet in which broken and whole sequences are both frequent.
-std::string randomBytes(std::mt19937& random) {
+TEST(TextEncoding, BytesSurviveTheWayThroughText) {
+    // Broken and whole sequences are both frequent.
     static constexpr std::string_view alphabet = "aZ.\x7f\x80\x8f\x90\x9f\xa0\xbf\xc0\xc1\xc2\xc3\xdf\xe0\xe2"
                                                  "\xed\xef\xf0\xf1\xf4\xf5\xff";
-    std::string bytes(random() % 40, '\0');
-    const bool isAnyByte = random() % 4 == 0;
-    for (char& byte : bytes)
-        byte = isAnyByte ? static_cast<char>(random()) : alphabet[random() % alphabet.size()];
-    return bytes;
-}
-
-TEST(TextEncoding, BytesSurviveTheWayThroughText) {
     std::mt19937 random(20240607);
     std::u16string text;
     std::string back;
     for (int round = 0; round < 200'000; ++round) {
-        const std::string bytes = randomBytes(random);
+        std::string bytes(random() % 40, '\0');
+        const bool isAnyByte = random() % 4 == 0;
+        for (char& byte : bytes)
+            byte = isAnyByte ? static_cast<char>(random()) : alphabet[random() % alphabet.size()];
         fromBytes(bytes, text);
         ASSERT_TRUE(toBytes(text, back)) << testing::PrintToString(bytes);
         ASSERT_EQ(bytes, back);
@@ -220,21 +215,6 @@ TEST(TextClasses, FollowTheGeneralCategory) {
             found += isDecimalDigit(c) ? " digit" : "";
             EXPECT_EQ(classes, found.substr(found.empty() ? 0 : 1)) << std::hex << std::uint32_t{c};
         }
-}
-
-TEST(TextIntValue, ReadsTheStartOfAText) {
-    const std::pair<std::int32_t, std::vector<std::u16string_view>> cases[] = {
-        {0, {u"", u"--3", u"+ 3", u"x5", u"-", u"٣"}},
-        {7, {u" \t\n\u00A0+7x"}},
-        {-3, {u"-3.9"}},
-        {1, {u"1e9"}},
-        {10, {u"00000000000010"}},
-        {2147483647, {u"2147483647", u"2147483648", u"99999999999999999999999"}},
-        {-2147483647 - 1, {u"-2147483648", u"-2147483649", u"-99999999999999999999999"}},
-    };
-    for (const auto& [value, texts] : cases)
-        for (const std::u16string_view text : texts)
-            EXPECT_EQ(value, intValue(text)) << toUtf8(text);
 }
 
 using Edges = std::vector<std::size_t>;
