@@ -133,9 +133,6 @@ TEST_F(FakeMetadataTool, neverGivesAFileWhatIsNotItsOwn) {
         if (folder.kind("tool.sh.ran"))
             folder.remove("tool.sh.ran");
     }
-    MetadataTool missing(folder.path("no such tool"));
-    EXPECT_EQ(missing.tagsFor("/a", Client::allTags).failure,
-              "the metadata tool cannot be started: No such file or directory");
     ::chmod(make("answer").c_str(), 0644);
     EXPECT_EQ(flat(MetadataTool(folder.path("tool.sh")).tagsFor("/a", Client::allTags)), "failed");
 }
