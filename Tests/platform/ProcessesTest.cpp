@@ -1,9 +1,18 @@
 #include "common/ManualRunLoop.h"
+#include "common/Variable.h"
+#include "platform/desktop/Quoting.h"
+#include "platform/files/Descriptor.h"
+#include "platform/processes/ChildProcess.h"
 #include "platform/processes/QueueRunLoop.h"
 
-#include <gtest/gtest.h>
+#include <fmt/format.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
 #include <stdexcept>
 #include <thread>
 
@@ -11,7 +20,71 @@ namespace tavrin {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 using test::ManualRunLoop;
+
+/// What a script of sh prints, up to 20 bytes, and how it ends.
+std::string told(const std::string& script) {
+    ChildProcess::Request request;
+    request.arguments = {"/bin/sh", "-c", script};
+    request.outputLimit = 20;
+    request.timeout = script.find("sleep") == std::string::npos ? 60s : 200ms;
+    const auto result = ChildProcess::run(request);
+    return fmt::format("{}|{}{}{}{}", result.output, result.exitStatus, result.succeeded() ? " well" : "",
+                       result.timedOut ? " late" : "", result.outputWasCut ? " cut" : "");
+}
+
+TEST(ChildProcess, TellsWhatAProgramPrintsAndHowItEnds) {
+    const std::pair<const char*, std::string> cases[] = {
+        {"printf 'a\\000b'; echo to nowhere >&2; cat; exit 3", "a\0b|3"s},
+        {"exit 0", "|0 well"},
+        {"kill -9 $$", "|-1"},
+        {"yes | head -c 300000; echo $? > /dev/null", "y\ny\ny\ny\ny\ny\ny\ny\ny\ny\n|0 well cut"},
+        {"echo begun; sleep 1000; echo done", "begun\n|-1 late"},
+        {"echo begun; sleep 1000 & wait", "begun\n|-1 late"},
+        {"echo begun; exec >&-; sleep 1000", "begun\n|-1 late"},
+    };
+    for (const auto& [script, expected] : cases)
+        EXPECT_EQ(told(script), expected) << script;
+}
+
+TEST(ChildProcess, PassesArgumentsAndEnvironmentAsTheyAre) {
+    const test::Variable present("TAVRIN_TEST_PRESENT", "old");
+    ChildProcess::Request request;
+    request.arguments = {"sh", "-c", "echo \"$0|$1|$TAVRIN_TEST_PRESENT|$TAVRIN_TEST_NEW\"", "caf\xE9 *",
+                         "\"$x"};
+    request.environment = {{"TAVRIN_TEST_PRESENT", "changed"}, {"TAVRIN_TEST_NEW", "a=b"}};
+    EXPECT_EQ(ChildProcess::run(request).output, "caf\xE9 *|\"$x|changed|a=b\n");
+    EXPECT_STREQ(std::getenv("TAVRIN_TEST_PRESENT"), "old");
+    for (const auto& [arguments, error] :
+         std::initializer_list<std::pair<std::vector<std::string>, int>>{{{"/nowhere/program"}, ENOENT},
+                                                                         {{"/"}, EACCES},
+                                                                         {{}, EINVAL},
+                                                                         {{"/bin/echo", "a\0b"s}, EINVAL}}) {
+        request.arguments = arguments;
+        EXPECT_EQ(ChildProcess::run(request).error, error);
+    }
+}
+
+TEST(ChildProcess, InheritsNeitherDescriptorsNorIgnoredSignals) {
+    const Descriptor leaky(::fcntl(STDERR_FILENO, F_DUPFD, 77)); // without close-on-exec
+    const auto former = std::signal(SIGPIPE, SIG_IGN);
+    EXPECT_EQ(told(fmt::format("test -e /proc/self/fd/{} || echo closed", leaky.get())), "closed\n|0 well");
+    // Ended by the signal, not by a failed write.
+    EXPECT_EQ(told("{ (yes; echo status $? >&3) | true; } 3>&1"), "status 141\n|0 well");
+    std::signal(SIGPIPE, former);
+}
+
+TEST(Quoting, TextsComeBackFromShellsAndDesktopEntries) {
+    for (const std::string& text :
+         std::initializer_list<std::string>{"", "it's 'so'", " \t\r\\n\\ $x `y` \"z\"*", "caf\xE9\nb\\s "}) {
+        EXPECT_EQ(told("printf %s " + quotedForShell(text)), text + "|0 well");
+        EXPECT_EQ(desktopEntry::unescaped(desktopEntry::escaped(text)), text);
+        EXPECT_EQ(desktopEntry::escaped(text).find('\n'), std::string::npos);
+    }
+    EXPECT_EQ(desktopEntry::escaped(" a"), "\\sa");
+    EXPECT_EQ(desktopEntry::quotedArgument("a$`\"\\%"), "\"a\\$\\`\\\"\\\\%%\"");
+}
 
 TEST(QueueRunLoop, RunsActionsOfOthersInOrderOnItsThread) {
     QueueRunLoop loop;

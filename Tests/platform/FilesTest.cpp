@@ -1,14 +1,15 @@
 #include "common/FailingFileSystem.h"
+#include "common/ManualRunLoop.h"
 #include "common/TemporaryFolder.h"
+#include "platform/files/FileSystemAccessManager.h"
 #include "platform/files/FolderEntries.h"
 #include "platform/files/UnflaggedRename.h"
+#include "platform/propertylists/UserDefaults.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <fcntl.h>
-#include <map>
 #include <random>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -187,6 +188,24 @@ TEST(FileSystem, WritesReadsAndRemoves) {
     EXPECT_EQ(folder.tree(), (Tree{{"deep/", ""}, {"deep/er/", ""}, {"deep/er/file", "a\0b"s}}));
     EXPECT_EQ(files().removeFile(path), 0);
     EXPECT_EQ(files().removeFile(path), ENOENT);
+}
+
+TEST(FolderAccess, IsAskedForUntilTheFolderOrOneAroundItIsGranted) {
+    UserDefaults defaults;
+    test::ManualRunLoop loop;
+    std::vector<std::string> requests;
+    FileSystemAccessManager manager(defaults, loop,
+                                    [&](const std::string& path) { requests.push_back(path); });
+    manager.storeAccessToPath("/home/ann/");
+    for (const char* path :
+         {"/home/ann", "/home/ann///", "/home/ann/a/b", "/home/anna", "/home", "/", "relative"})
+        manager.obtainAccessToPath(path);
+    EXPECT_THAT(requests, testing::ElementsAre("/home/anna", "/home", "/", "relative"));
+    manager.storeAccessToPath("/");
+    EXPECT_TRUE(manager.wasAccessAlreadyObtainedForPath("/anything"));
+    defaults.setObject("permamentAccessListArray", PropertyArray{1});
+    manager.revokeAllSecurityBookmarks();
+    EXPECT_TRUE(defaults.objectForKey("permamentAccessListArray")->asArray()->empty());
 }
 
 } // namespace
