@@ -152,6 +152,30 @@ std::vector<std::string> split(std::string_view words, char separator) {
     return found;
 }
 
+void setAll(EngineTestHost& host, std::string_view settings) {
+    for (const auto& [key, value] : tree(settings))
+        host.set(key, std::stoi(value));
+}
+
+void setSteps(EngineTestHost& host, std::string_view steps) {
+    std::vector<EngineTestHost::Step> made;
+    for (const std::string& text : split(steps, ';')) {
+        EngineTestHost::Step& step = made.emplace_back();
+        for (const std::string& word : split(text.substr(text.find_first_not_of(' ')))) {
+            const std::size_t equals = word.find('=');
+            const std::string value = word.substr(equals + 1);
+            if (equals == std::string::npos)
+                step.action += (step.action.empty() ? "" : " ") + word;
+            else if (!value.empty() && value != "-" &&
+                     value.find_first_not_of("-0123456789") == std::string::npos)
+                step.parameters.emplace(word.substr(0, equals), std::stoi(value));
+            else
+                step.parameters.emplace(word.substr(0, equals), text::fromBytes(value));
+        }
+    }
+    host.setSteps(made);
+}
+
 RenameBench::Tree tree(std::string_view words) {
     RenameBench::Tree files;
     for (const std::string& word : split(words)) {

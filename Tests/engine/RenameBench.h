@@ -58,5 +58,9 @@ class RenameBench {
 /// Files by their names, each with its content if that is another: "b=a c".
 RenameBench::Tree tree(std::string_view words);
 std::vector<std::string> split(std::string_view words, char separator = ' ');
+/// Settings that are numbers: "processFolders=0 renameMode=2".
+void setAll(EngineTestHost& host, std::string_view settings);
+/// The steps in words: "Add to end string=x; Make uppercase active=0". What is all digits is a number.
+void setSteps(EngineTestHost& host, std::string_view steps);
 
 } // namespace tavrin::test

@@ -1,7 +1,9 @@
-#include "HistoryBench.h"
+#include "engine/history/TakeBack.h"
+
 #include "RandomPlan.h"
 #include "RecordText.h"
 #include "common/FailingFileSystem.h"
+#include "engine/history/RunHistory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +16,68 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
+
+/// A bench whose runs leave records, in a folder of their own.
+class HistoryBench : public RenameBench {
+  public:
+    explicit HistoryBench(const std::string& place = "") : RenameBench({}, place), records(place) {
+        host.engine.setHistoryPlace({records.path(), "test"});
+    }
+
+    TemporaryFolder records;
+    /// What the last undo or redo could not do, "message: name" by names relative to the folder.
+    std::vector<std::string> failures;
+    std::string refusal; ///< why it did not begin; empty where it did
+    std::string chosen;  ///< the run to undo or redo; empty: what is next
+
+    /// Undoes or redoes it, as a program started anew would; the number of changed names.
+    int takeBack(RunKind what, bool takesReplaced = false) {
+        failures.clear();
+        refusal.clear();
+        reports.clear();
+        const auto run = RunHistory(records.path()).choose(what, chosen);
+        if (const auto* reason = std::get_if<std::string>(&run)) {
+            refusal = *reason;
+            return 0;
+        }
+        TakeBackResult result;
+        host.engine.processTakeBack(host.progress,
+                                    {.chosen = std::get<ChosenRun>(run), .takesReplaced = takesReplaced},
+                                    [&](EngineHost&, const TakeBackResult& found) { result = found; });
+        host.waitUntilIdle();
+        for (const ProcessingError& error : result.errors)
+            failures.push_back(error.message + ": " + error.path.substr(disk.path().size() + 1));
+        for (const ProblemReport& report : reports)
+            failures.push_back(report.message + ": " + report.fullPath.substr(disk.path().size() + 1));
+        return result.changed;
+    }
+
+    /// The state of each run, newest first.
+    [[nodiscard]] std::vector<std::string> states() const {
+        std::vector<std::string> found;
+        for (const PastRun& run : RunHistory(records.path()).runs())
+            found.emplace_back(run.state());
+        return found;
+    }
+
+    /// The file of the newest record, relative to the folder of records.
+    [[nodiscard]] std::string newestRecord() const {
+        return RunHistory(records.path()).runs().at(0).name + ".run";
+    }
+
+    /// Cuts the last line off the newest record, as if the run had been killed, and marks its folders as ones
+    /// that can't refuse a taken name.
+    void interruptNewest(bool hasNoFlag) const {
+        const std::string name = newestRecord();
+        RecordText text(records.read(name));
+        text.lines.pop_back();
+        FileStatus status;
+        EXPECT_EQ(FileSystem::sharedInstance().status(disk.path(), status), 0);
+        if (hasNoFlag)
+            text.lines.push_back("noflag\t" + std::to_string(status.identity.device));
+        records.write(name, text.withChecksums());
+    }
+};
 
 /// Files "a" and "b" that are to be "A1" and "B1", in a folder "box" that stays.
 void renameTwo(HistoryBench& bench) {
