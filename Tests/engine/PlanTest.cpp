@@ -1,6 +1,6 @@
 #include "RenameBench.h"
 #include "StageTest.h"
-#include "engine/planning/PrepareForRenamingStage.h"
+#include "engine/renaming/PrepareForRenamingStage.h"
 #include "support/text/Text.h"
 
 #include <algorithm>
