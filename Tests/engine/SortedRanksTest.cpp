@@ -1,5 +1,4 @@
-#include "common/EngineTestHost.h"
-#include "common/TemporaryFolder.h"
+#include "RenameBench.h"
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/text/Text.h"
@@ -54,54 +53,42 @@ class SortedRanksTest : public ::testing::TestWithParam<std::size_t> {
         context.reset();
     }
 
-    void number(int mode, int mode2, bool byFolder) {
-        host.setSteps({{"Produce numbered list",
-                        {{"sortingMode", mode},
-                         {"sortingMode2", mode2},
-                         {"sortEachFolderSeparately", byFolder ? 1 : 0},
-                         {"prefix", u""},
-                         {"padding", 1}}}});
+    std::vector<std::string> number(int mode, int mode2, bool byFolder) {
+        setSteps(host, fmt::format("Produce numbered list prefix= padding=1 sortingMode={} sortingMode2={} "
+                                   "sortEachFolderSeparately={:d}",
+                                   mode, mode2, byFolder));
         ComputeProvisionalNamesStage stage(host.engine);
-        stage.setProgressInfo(&host.progress);
         stage.setSettings(host.settings.values());
         stage.setManagedObjectContext(&context);
-        ASSERT_TRUE(stage.process());
+        EXPECT_TRUE(stage.process());
         context.commit();
         context.reset();
+        std::vector<std::string> names;
+        for (const RowId id : rows)
+            names.push_back(text::toUtf8(context.finalName(id)));
+        return names;
     }
 
     /// The value that a mode sorts by, and nothing for a mode without an order.
     std::pair<double, std::string> valueFor(int mode, RowId id) {
         const NodeRow row = context.row(id);
-        switch (mode < 0 || mode >= noOrder ? -1 : mode / 2) {
-        case 0:
-            return {0, text::toUtf8(context.name(id))};
-        case 1:
-            return {row.modDate, {}};
-        case 2:
-            return {row.crDate, {}};
-        case 3:
-            return {static_cast<double>(row.size), {}};
-        case 4:
-            return {row.exif, {}};
-        case 5:
-            return {0, text::toUtf8(KQStringUtilities::expandNumberBlocks(context.name(id)))};
-        case 6:
-            return {mode == 12 ? placeAtRandom(id) : row.manualOrder, {}};
-        default:
-            return {};
-        }
-    }
-    double placeAtRandom(RowId id) {
-        if (places.empty()) {
-            for (const RowId row : context.fetch({FetchEntity::file, {}, {{NodeKey::random, true}}, 0}))
-                places.emplace(row, places.size());
-        }
-        return static_cast<double>(places.at(id));
+        const std::u16string name = context.name(id);
+        const std::pair<double, std::string> values[] = {
+            {0, text::toUtf8(name)},
+            {row.modDate, ""},
+            {row.crDate, ""},
+            {row.size, ""},
+            {row.exif, ""},
+            {0, text::toUtf8(KQStringUtilities::expandNumberBlocks(name))},
+            {mode == 12 ? places.at(id) : row.manualOrder, ""},
+        };
+        return mode < 0 || mode >= noOrder ? std::pair(0.0, std::string()) : values[mode / 2];
     }
 
     /// The final names that a plain stable sort would give, by place in `rows`.
     std::vector<std::string> expected(int mode, int mode2, bool byFolder) {
+        for (const RowId row : context.fetch({FetchEntity::file, {}, {{NodeKey::random, true}}, 0}))
+            places.emplace(row, places.size());
         struct Item {
             std::pair<double, std::string> first, second;
             std::size_t place;
@@ -133,19 +120,12 @@ class SortedRanksTest : public ::testing::TestWithParam<std::size_t> {
         return names;
     }
 
-    std::vector<std::string> finalNames() {
-        std::vector<std::string> names;
-        for (const RowId id : rows)
-            names.push_back(text::toUtf8(context.finalName(id)));
-        return names;
-    }
-
     TemporaryFolder folder;
     EngineTestHost host{GetParam() == 0 ? ItemStore::Options{}
                                         : EngineTestHost::inFile(folder.path(), GetParam())};
     StoreContext context{*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins};
     std::vector<RowId> rows;
-    std::map<RowId, std::size_t> places;
+    std::map<RowId, double> places; ///< in the random order
 };
 
 INSTANTIATE_TEST_SUITE_P(Budgets, SortedRanksTest, ::testing::Values(0, 64U << 20, 1U << 20));
@@ -157,8 +137,7 @@ TEST_P(SortedRanksTest, EveryModeAndTieBreakOrdersAsAPlainSortDoes) {
             for (const bool byFolder : {false, true}) {
                 SCOPED_TRACE(std::to_string(mode) + ", " + std::to_string(mode2) +
                              (byFolder ? " by folder" : ""));
-                number(mode, mode2, byFolder);
-                EXPECT_EQ(finalNames(), expected(mode, mode2, byFolder));
+                EXPECT_EQ(number(mode, mode2, byFolder), expected(mode, mode2, byFolder));
             }
         }
     }
@@ -167,10 +146,8 @@ TEST_P(SortedRanksTest, EveryModeAndTieBreakOrdersAsAPlainSortDoes) {
 /// So many rows that a pass commits and pages on its way.
 TEST_P(SortedRanksTest, ALongPassKeepsRanks) {
     makeRows(24000);
-    for (const bool byFolder : {false, true}) {
-        number(12, 0, byFolder);
-        EXPECT_EQ(finalNames(), expected(12, 0, byFolder));
-    }
+    for (const bool byFolder : {false, true})
+        EXPECT_EQ(number(12, 0, byFolder), expected(12, 0, byFolder));
 }
 
 } // namespace
