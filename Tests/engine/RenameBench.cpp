@@ -47,11 +47,6 @@ void RenameBench::read(const std::vector<std::string>& names) {
     host.onWorker([&] { pipeline.process(); });
 }
 
-void RenameBench::makeAndRead(const std::vector<std::string>& names) {
-    make(names);
-    read(names);
-}
-
 void RenameBench::setFinalName(const std::string& name, std::u16string_view finalName) {
     StoreContext& context = host.managedObjectContext();
     const std::lock_guard lock(context.mutex());

@@ -33,7 +33,6 @@ class RenameBench {
     void make(const std::vector<std::string>& names);
     /// Puts these names on the list and reads them with all below.
     void read(const std::vector<std::string>& names);
-    void makeAndRead(const std::vector<std::string>& names);
     void setFinalName(const std::string& name, std::u16string_view finalName);
     /// All three: "a>b f/>g f/x" makes the file "a", which is to be "b", the folder "f", which is to be "g",
     /// and a file in it that is to stay. "~" is a space.

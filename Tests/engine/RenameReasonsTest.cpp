@@ -9,13 +9,15 @@ namespace tavrin::test {
 
 namespace {
 
-const std::string defaultReason =
-    "You may not have sufficient access privileges to rename the file, the file may be on a read-only "
-    "medium, "
-    "an incompatible external drive or unsupported remote file system or it may be locked.";
 const std::string linkReason =
     "This file is a symbolic link and for safety reasons, Tavrin will not rename symbolic links.";
 const std::string taken = "Another file with this name already exists in this folder.";
+
+std::string detailed(const std::string& detail) {
+    return "You may not have sufficient access privileges to rename the file, the file may be on a read-only "
+           "medium, an incompatible external drive or unsupported remote file system or it may be locked. (" +
+           detail + ")";
+}
 
 /// One item that is to get a name, and what the user is told when it does not.
 struct Case {
@@ -26,16 +28,13 @@ struct Case {
     const char* sinceReading = "";
 };
 
-std::string detailed(const std::string& detail) { return defaultReason + " (" + detail + ")"; }
-
-const std::vector<Case> cases{
+const Case cases[] = {
     {"empty", "a", u"", detailed("The new name is empty")},
     {"the folder itself", "a", u".", detailed("This name stands for a folder itself")},
     {"the folder above", "a", u"..", detailed("This name stands for a folder itself")},
-    {"the end of a name", "a", std::u16string(u"b\0c", 3), detailed("It holds a character that ends a name")},
-    {"too long in bytes", "a", std::u16string(87, u'\u4e00'),
-     detailed("File name too long: 261 of 255 bytes")},
-    {"just short enough", "a", std::u16string(85, u'\u4e00'), ""},
+    {"the end of a name", "a", {u'b', 0, u'c'}, detailed("It holds a character that ends a name")},
+    {"too long in bytes", "a", std::u16string(87, u'一'), detailed("File name too long: 261 of 255 bytes")},
+    {"just short enough", "a", std::u16string(85, u'一'), ""},
     {"a high half", "a\U0001F4A9", u"a\xD83D", detailed("It cuts a character in two")},
     {"a low half that looks like a byte", "a\U0001F480", u"a\xDC80", detailed("It cuts a character in two")},
     {"a byte that the name has not", "a", u"a\xDCE9", detailed("It cuts a character in two")},
@@ -64,32 +63,29 @@ int refusing(const FileEvent& event, bool link) {
 
 /// In all modes, and by all ways to refuse a taken name.
 TEST(RenameReasons, AreThoseOfTheSystem) {
-    for (const int mode : {0, 1, 2}) {
-        for (const int way : {0, 1, 2}) {
-            for (const Case& one : cases) {
-                SCOPED_TRACE(one.title + std::string(", mode ") + std::to_string(mode) + ", way " +
-                             std::to_string(way));
-                RenameBench bench;
-                bench.host.set("renameMode", mode);
-                bench.host.defaults.setObject("alreadySwitchedToLionModeOnce", true);
-                bench.makeAndRead({one.name, "z"});
-                bench.happens(one.sinceReading);
-                bench.setFinalName(one.name, one.finalName);
-                const auto before = bench.disk.tree();
-                FailingFileSystem disk;
-                disk.before = [&](const FileEvent& event) {
-                    return way == 0 ? 0 : refusing(event, way == 2);
-                };
-                bench.rename();
-                const bool works = one.message.empty();
-                EXPECT_EQ(bench.renamed(), works ? 1 : 0);
-                EXPECT_EQ(bench.host.counters().numberOfItemsNotRenamed, works ? 0 : 1);
-                EXPECT_EQ(bench.disk.tree() == before, !works);
-                ASSERT_EQ(bench.reports.size(), works ? 0U : 1U);
-                if (!works) {
-                    EXPECT_EQ(bench.reports[0].message, one.message);
-                    EXPECT_EQ(bench.reports[0].title, "Could not change a file name");
-                }
+    for (int modeAndWay = 0; modeAndWay < 9; ++modeAndWay) {
+        const int way = modeAndWay % 3;
+        for (const Case& one : cases) {
+            SCOPED_TRACE(fmt::format("{}, mode {}, way {}", one.title, modeAndWay / 3, way));
+            RenameBench bench;
+            bench.host.set("renameMode", modeAndWay / 3);
+            bench.host.defaults.setObject("alreadySwitchedToLionModeOnce", true);
+            bench.make({one.name, "z"});
+            bench.read({one.name, "z"});
+            bench.happens(one.sinceReading);
+            bench.setFinalName(one.name, one.finalName);
+            const auto before = bench.disk.tree();
+            FailingFileSystem disk;
+            disk.before = [&](const FileEvent& event) { return way == 0 ? 0 : refusing(event, way == 2); };
+            bench.rename();
+            const bool works = one.message.empty();
+            EXPECT_EQ(bench.renamed(), works ? 1 : 0);
+            EXPECT_EQ(bench.host.counters().numberOfItemsNotRenamed, works ? 0 : 1);
+            EXPECT_EQ(bench.disk.tree() == before, !works);
+            ASSERT_EQ(bench.reports.size(), works ? 0U : 1U);
+            if (!works) {
+                EXPECT_EQ(bench.reports[0].message, one.message);
+                EXPECT_EQ(bench.reports[0].title, "Could not change a file name");
             }
         }
     }
@@ -97,10 +93,10 @@ TEST(RenameReasons, AreThoseOfTheSystem) {
 
 TEST(RenameReasons, LinksAreRefusedWithoutATry) {
     RenameBench bench;
-    bench.happens("link f/link a, link f/folder~link ..");
+    bench.happens("link f/link a, link f/folder-link ..");
     bench.read({"f"});
     bench.setFinalName("f/link", u"new link");
-    bench.setFinalName("f/folder link", u"new folder link");
+    bench.setFinalName("f/folder-link", u"new folder link");
     FailingFileSystem disk;
     bench.rename();
     EXPECT_EQ(disk.nameChangeCount(), 0U);
