@@ -128,13 +128,6 @@ std::vector<std::string> RenameBench::sourcePaths() {
     return paths;
 }
 
-std::vector<std::string> RenameBench::problems() const {
-    std::vector<std::string> problems;
-    for (const ProblemReport& report : reports)
-        problems.push_back(report.title + ": " + report.fullPath.substr(disk.path().size() + 1));
-    return problems;
-}
-
 std::vector<std::string> split(std::string_view words, char separator) {
     std::vector<std::string> found;
     while (!words.empty()) {

@@ -50,8 +50,6 @@ class RenameBench {
     /// The source items, relative to the folder, in order.
     [[nodiscard]] std::vector<std::string> sourcePaths();
     [[nodiscard]] int renamed() { return host.counters().numberOfActuallyRenamedFiles; }
-    /// "title: name", with the names as they were, relative to the folder.
-    [[nodiscard]] std::vector<std::string> problems() const;
 };
 
 /// Files by their names, each with its content if that is another: "b=a c".
