@@ -1,29 +1,13 @@
-#include "actions/CompositeRenameAction.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "platform/propertylists/UserDefaults.h"
-#include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/preview/PreviewPane.h"
-#include "presentation/preview/PreviewTableModel.h"
-#include "shell/MainController.h"
 
-#include <gmock/gmock.h>
-
-#include <QAction>
-#include <QApplication>
-#include <QHeaderView>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QSplitter>
-#include <QTableView>
-#include <QTest>
-#include <QTimer>
 #include <csignal>
-#include <set>
 
 namespace tavrin::test {
 
 namespace {
+
+using ::testing::HasSubstr;
 
 /// How the program comes to its end: by the window, a command, the session, a signal.
 struct Way {
@@ -47,34 +31,18 @@ const Way ways[] = {
 
 class Ending : public WindowFixture {
   protected:
-    /// Runs the event loop as the program does, ends it in this way, and takes all down. Gives the report of
-    /// a run that comes up on the way and is then closed.
-    std::string endBy(const Way& way) {
-        std::string report;
-        QTimer reader;
-        QObject::connect(&reader, &QTimer::timeout, [&] {
-            auto* alert = dynamic_cast<QMessageBox*>(findWidget("alert"));
-            if (!alert || !alert->isVisible())
-                return;
-            report = (alert->text() + "|" + alert->informativeText()).toStdString();
-            alert->accept();
-        });
-        reader.start(1);
+    /// Runs the event loop as the program does, ends it in this way, and takes all down. A report of the run
+    /// that comes up on the way is closed.
+    End endBy(const Way& way) {
         QTimer::singleShot(0, qApp, [&] { way.end(*application); });
-        bool isLate = false;
-        QTimer watchdog;
-        QObject::connect(&watchdog, &QTimer::timeout, [&] {
-            isLate = true;
-            QCoreApplication::exit(1);
-        });
-        watchdog.start(5000);
-        status = QApplication::exec();
-        EXPECT_FALSE(isLate) << "the event loop did not end";
+        ::testing::internal::CaptureStderr();
+        const End end = runToTheEnd([] {});
         application.reset(); // workers that wait for an answer are freed, or this never returns
-        return report;
+        errors = ::testing::internal::GetCapturedStderr();
+        return end;
     }
 
-    int status = 0; ///< that the program would end with
+    std::string errors; ///< what the program wrote
 
     void startWithFiles(int count) {
         std::vector<std::string> paths;
@@ -83,8 +51,6 @@ class Ending : public WindowFixture {
         start(paths);
         waitUntil("the names show", [&] { return newNames().size() == static_cast<std::size_t>(count); });
     }
-
-    [[nodiscard]] std::size_t countOfFiles() const { return filesOnDisk().size(); }
 };
 
 TEST_F(Ending, SavesTheRecipeInEachWay) {
@@ -108,19 +74,16 @@ TEST_F(Ending, StopsAQuestionInEachWay) {
             continue;
         SCOPED_TRACE(way.name);
         startWithFiles(3);
-        application->controller().globalSettings().setValue(1, "interactiveMode");
+        set("interactiveMode", 1);
         click("okButton");
         waitFor("confirmRenameWindow");
         EXPECT_FALSE(command("cancel").isEnabled());
-        ::testing::internal::CaptureStderr();
-        const std::string onScreen = endBy(way);
-        const std::string told = ::testing::internal::GetCapturedStderr();
+        const End end = endBy(way);
         const std::string stopped = "The rename was stopped: 0 of 3 items have got their new names.";
         const bool isSeen = std::string(way.name) == "window";
-        EXPECT_EQ(status, isSeen ? 0 : 3);
-        EXPECT_EQ(onScreen, isSeen ? "No file names were changed.|" + stopped : "");
-        EXPECT_THAT(told, ::testing::HasSubstr(
-                              isSeen ? "" : "tavrin: No file names were changed. " + stopped + "\n"));
+        EXPECT_EQ(end.status, isSeen ? 0 : 3);
+        EXPECT_EQ(end.told, isSeen ? "No file names were changed.|" + stopped : "");
+        EXPECT_THAT(errors, HasSubstr(isSeen ? "" : "tavrin: No file names were changed. " + stopped + "\n"));
         EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"0.txt", "1.txt", "2.txt"}));
     }
 }
@@ -134,16 +97,14 @@ TEST_F(Ending, StopsAPreviewAndARunBetweenItems) {
         type("prefix", QString("%1 ").arg(way.name));
         application->controller().previewControl().firePendingPreview();
         endBy(way);
-        EXPECT_EQ(countOfFiles(), 200U);
+        EXPECT_EQ(filesOnDisk().size(), 200U);
         if (way.isCommand)
             continue;
         startWithFiles(200);
-        application->controller().globalSettings().setValue(0, "interactiveMode");
-        application->controller().globalSettings().setValue(0, "showSummary");
+        set("interactiveMode", 0);
+        set("showSummary", 0);
         click("okButton");
-        ::testing::internal::CaptureStderr();
-        std::string report = endBy(way);
-        report += ::testing::internal::GetCapturedStderr();
+        const End end = endBy(way);
         // Some have new names, some the old, none is lost, and the number is told.
         std::set<std::string> contents;
         int renamed = 0;
@@ -152,25 +113,22 @@ TEST_F(Ending, StopsAPreviewAndARunBetweenItems) {
             renamed += name.starts_with(way.name) ? 1 : 0;
         }
         EXPECT_EQ(contents.size(), 200U);
-        EXPECT_THAT(report,
-                    ::testing::HasSubstr(renamed == 0   ? "No file names were changed."
-                                         : renamed == 1 ? "1 file name was changed."
-                                                        : std::to_string(renamed) + " file names were"));
+        EXPECT_THAT(end.told + errors, HasSubstr((renamed ? std::to_string(renamed) : "No") + " file name"));
     }
 }
 
 TEST_F(Ending, RemembersTheShapeOfTheWindow) {
     start({makeFile("a.txt")});
-    MainWindow* window = &application->window();
-    window->resize(1000, 640);
+    application->window().resize(1000, 640);
     auto* splitter = find<QSplitter>("innerSplitter");
     splitter->setSizes({420, 580});
     waitForPreview();
     const int settingsWidth = splitter->sizes().front();
     EXPECT_NE(settingsWidth, 346);
     auto* table = find<QTableView>("previewTableView");
-    table->setColumnWidth(PreviewTableModel::currentName, 3 * table->columnWidth(PreviewTableModel::newName));
-    window->previewPane().sizeColumnsToFit();
+    const int narrow = table->columnWidth(PreviewTableModel::newName);
+    table->setColumnWidth(PreviewTableModel::currentName, 3 * narrow);
+    application->window().previewPane().sizeColumnsToFit();
     const int nameWidth = table->columnWidth(PreviewTableModel::currentName);
     EXPECT_GT(nameWidth, 2 * table->columnWidth(PreviewTableModel::newName));
     endBy(ways[0]);

@@ -1,12 +1,5 @@
 #include "actions/ActionFamilies.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
-#include "shell/MainController.h"
-
-#include <QMap>
-#include <QRegularExpression>
-#include <QStringList>
 
 namespace tavrin::test {
 

@@ -1,24 +1,9 @@
 #include "documents/PresetsManager.h"
 #include "platform/propertylists/PropertyList.h"
-#include "platform/propertylists/UserDefaults.h"
 #include "presentation/AddressFetcher.h"
-#include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/StackedView.h"
-#include "shell/MainController.h"
 
-#include <gmock/gmock.h>
-
-#include <QAction>
-#include <QComboBox>
-#include <QDialog>
-#include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QScrollArea>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -27,82 +12,67 @@ namespace tavrin::test {
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
-class SupportServicesTest : public WindowFixture {
-  protected:
-    std::string alertTitle() {
-        auto* box = waitFor<QMessageBox>("alert");
-        const std::string title = box->text().toStdString();
-        box->defaultButton()->click();
-        waitUntilGone("alert");
-        return title;
-    }
-    static std::string feed(const std::string& version) {
-        return "<rss xmlns:s='urn:feed'><channel><item><enclosure s:version='" + version +
-               "'/></item></channel></rss>";
-    }
-};
+using SupportServicesTest = WindowFixture;
 
-TEST_F(SupportServicesTest, PresetsComeFromAChosenFolder) {
+TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
     start();
-    (void)folder.write("old/Presets/Holiday.mv8preset.plist");
-    command("migratePresetsFromFolder").trigger();
-    auto* dialog = waitFor<QFileDialog>("locateFolderDialog");
-    EXPECT_TRUE(find<QLabel>("locateMessage")->isVisible());
-    dialog->setDirectory(QString::fromStdString(folder.path("old")));
-    dialog->selectFile(QString::fromStdString(folder.path("old")));
-    static_cast<QDialog*>(dialog)->accept();
-    EXPECT_EQ(alertTitle(), "Presets found at " + folder.path("old") + " were successfully migrated.");
-    EXPECT_EQ(application->controller().presetsManager().count(), 1u);
-}
-
-TEST_F(SupportServicesTest, DropletsAreChosenAsBundlesAndAsLaunchers) {
-    start();
-    for (const char* name : {"one.app", "two.app"}) {
-        const PropertyDictionary droplet{{"default location", u"/Applications/Tavrin 8.app"}};
-        (void)folder.write(std::string(name) + "/Contents/Resources/Icon.icns");
-        (void)folder.write(std::string(name) + "/Contents/Resources/Settings.plist",
-                           PropertyList::toXml(PropertyDictionary{{"Droplet Settings", droplet}}));
+    folder.write("old/Presets/Holiday.mv8preset.plist");
+    const PropertyDictionary droplet{{"default location", u"/Applications/Tavrin 8.app"}};
+    for (const std::string name : {"one.app", "two.app"}) {
+        folder.write(name + "/Contents/Resources/Icon.icns");
+        folder.write(name + "/Contents/Resources/Settings.plist",
+                     PropertyList::toXml(PropertyDictionary{{"Droplet Settings", droplet}}));
     }
-    (void)folder.write("two.desktop", "[Desktop Entry]\nX-Tavrin-Droplet=/gone/two.app\n");
-    for (const char* name : {"one.app", "two.desktop"}) {
-        command("migrateDroplets").trigger();
-        auto* dialog = waitFor<QFileDialog>("locateDropletsDialog");
-        EXPECT_EQ(dialog->windowTitle(), "Locate Droplets");
-        EXPECT_EQ(dialog->labelText(QFileDialog::Accept), "Migrate");
-        const QString path = QString::fromStdString(folder.path(name));
+    folder.write("two.desktop", "[Desktop Entry]\nX-Tavrin-Droplet=/gone/two.app\n");
+    const std::string presets = "Presets found at " + folder.path("old") + " were successfully migrated.|";
+    const struct {
+        const char *command, *dialog, *chosen;
+        std::string told;
+    } cases[] = {{"migratePresetsFromFolder", "locateFolderDialog", "old", presets},
+                 {"migrateDroplets", "locateDropletsDialog", "one.app", "Success|"},
+                 {"migrateDroplets", "locateDropletsDialog", "two.desktop", "Success|"}};
+    for (const auto& [command, name, chosen, told] : cases) {
+        trigger(command);
+        auto* dialog = waitFor<QFileDialog>(name);
+        const QString path = QString::fromStdString(folder.path(chosen));
         dialog->setDirectory(QString::fromStdString(folder.path()));
-        waitUntil("the entry to be listed", [dialog, path] {
+        waitUntil("the entry is listed", [dialog, path] {
             dialog->selectFile(path);
             return dialog->selectedFiles().contains(path);
         });
         static_cast<QDialog*>(dialog)->accept();
-        EXPECT_EQ(alertTitle(), "Success") << name;
-        waitUntilGone("locateDropletsDialog");
+        EXPECT_THAT(close("alert"), StartsWith(told));
+        waitUntilGone(name);
     }
-    for (const char* name : {"one", "two"})
-        EXPECT_THAT(folder.read(std::string(name) + ".app/Contents/Resources/Settings.plist"),
-                    HasSubstr("Tavrin 9.app"));
+    EXPECT_EQ(application->controller().presetsManager().count(), 1U);
+    for (const std::string name : {"one", "two"})
+        EXPECT_THAT(folder.read(name + ".app/Contents/Resources/Settings.plist"), HasSubstr("Tavrin 9.app"));
 }
 
 TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
+    const std::string feed =
+        "<rss xmlns:s='urn:feed'><channel><item><enclosure s:version='9.9'/></item></channel>"
+        "</rss>";
     start();
-    EXPECT_FALSE(command("checkForUpdates").isVisible());
-    command("showPreferencesDialog").trigger();
+    QAction& check = command("checkForUpdates");
+    EXPECT_FALSE(check.isVisible());
+    trigger("showPreferencesDialog");
     auto* contents = find<QListWidget>("preferencesContents");
     contents->setCurrentItem(contents->findItems("Updates", Qt::MatchExactly).value(0));
-    EXPECT_FALSE(find<QPushButton>("checkForUpdatesNow")->isEnabled());
-    type("SUFeedURL", "feed.xml");
-    find<QLineEdit>("SUFeedURL")->editingFinished();
-    EXPECT_FALSE(find("feedProblem")->isHidden());
-    EXPECT_FALSE(find<QPushButton>("checkForUpdatesNow")->isEnabled());
-
-    type("SUFeedURL", QString::fromStdString(folder.write("feed.xml", feed("9.9"))));
-    find<QLineEdit>("SUFeedURL")->editingFinished();
-    EXPECT_TRUE(find("feedProblem")->isHidden());
-    EXPECT_TRUE(command("checkForUpdates").isVisible());
-    find<QPushButton>("checkForUpdatesNow")->click();
-    EXPECT_EQ(alertTitle(), "Tavrin 9.9 is available.");
+    const auto* now = find<QPushButton>("checkForUpdatesNow");
+    EXPECT_FALSE(now->isEnabled());
+    auto* address = find<QLineEdit>("SUFeedURL");
+    for (const bool isGood : {false, true}) {
+        type("SUFeedURL", isGood ? QString::fromStdString(folder.write("feed.xml", feed)) : "feed.xml");
+        address->editingFinished();
+        EXPECT_EQ(find("feedProblem")->isHidden(), isGood);
+        EXPECT_EQ(now->isEnabled(), isGood);
+    }
+    EXPECT_TRUE(check.isVisible());
+    click("checkForUpdatesNow");
+    EXPECT_THAT(close("alert"), StartsWith("Tavrin 9.9 is available.|"));
 
     auto* interval = find<QComboBox>("SUScheduledCheckInterval");
     EXPECT_EQ(interval->currentText(), "every day");
@@ -111,11 +81,11 @@ TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     EXPECT_EQ(UserDefaults::sharedInstance().integerForKey("SUScheduledCheckInterval"), 0);
 
     // What is still being typed counts when the window goes.
-    find<QLineEdit>("SUFeedURL")->clear();
+    address->clear();
     find<QDialog>("preferencesWindow")->reject();
     waitUntilGone("preferencesWindow");
     EXPECT_FALSE(UserDefaults::sharedInstance().objectForKey("SUFeedURL"));
-    EXPECT_FALSE(command("checkForUpdates").isVisible());
+    EXPECT_FALSE(check.isVisible());
 }
 
 /// Answers each request with what stands under its path; one without an answer is left hanging.
