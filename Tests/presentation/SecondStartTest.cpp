@@ -3,9 +3,6 @@
 #include "presentation/start/SocketLink.h"
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace tavrin::test {
 
@@ -32,11 +29,10 @@ class SecondStart : public ::testing::TestWithParam<Way>, protected UsersProgram
 
     /// Makes this process the window of the session.
     void becomeWindow() {
-        if (GetParam() == Way::bus)
-            link =
-                std::make_unique<BusLink>(QDBusConnection::connectToBus(QString::fromStdString(bus), "test"));
-        else
-            link = std::make_unique<SocketLink>(home.path("run"));
+        const QString address = QString::fromStdString(bus);
+        link = GetParam() == Way::socket
+                   ? std::unique_ptr<WindowLink>(std::make_unique<SocketLink>(home.path("run")))
+                   : std::make_unique<BusLink>(QDBusConnection::connectToBus(address, "test"));
         ASSERT_EQ(link->join({}), WindowLink::Role::window);
         link->setOpen([this](const std::vector<std::string>& paths) { opened.push_back(paths); });
     }
@@ -52,18 +48,16 @@ TEST_P(SecondStart, HandsOverAllPathsByteForByte) {
                                    "/nowhere/\u202E#?&;=", "--help"};
     for (int i = 0; i < 20000; ++i)
         paths.push_back(fmt::format("/nowhere/a folder/IMG_{:06}.JPG", i));
-    std::vector<std::string> arguments{"."};
-    arguments.push_back("--");
+    std::vector<std::string> arguments{".", "--"};
     arguments.insert(arguments.end(), paths.begin(), paths.end());
     EXPECT_EQ(statusOf(startWithBytes(arguments)), 0);
     const std::string folder = std::filesystem::canonical(std::filesystem::current_path()).string();
     paths.insert(paths.begin(), folder);
     paths[4] = folder + "/--help";
-    ASSERT_EQ(opened.size(), 1U);
-    EXPECT_TRUE(opened.front() == paths) << opened.front().size() << " of " << paths.size();
     EXPECT_EQ(statusOf(start({})), 0);
     ASSERT_EQ(opened.size(), 2U);
-    EXPECT_TRUE(opened.back().empty());
+    EXPECT_TRUE(opened[0] == paths) << opened[0].size() << " of " << paths.size();
+    EXPECT_TRUE(opened[1].empty());
 }
 
 TEST_P(SecondStart, MakesOneWindowOfStartsAtTheSameMoment) {

@@ -2,25 +2,17 @@
 
 #include "common/TemporaryFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <QProcess>
-#include <QTest>
-#include <cstdlib>
+#include <QtTest>
 #include <filesystem>
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace tavrin::test {
 
 /// Starts of the real program, as processes of a user who has nothing yet, in a session without a bus.
 class UsersProgram {
   public:
-    UsersProgram() {
-        std::filesystem::permissions(home.makeFolder("run"), std::filesystem::perms::owner_all);
-    }
+    UsersProgram() { QFile::setPermissions(home.makeFolder("run").c_str(), QFile::Permissions(0x7000)); }
     ~UsersProgram() {
         for (const auto& process : processes) {
             process->kill();

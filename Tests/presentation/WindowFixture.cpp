@@ -11,6 +11,7 @@ void WindowFixture::make(const std::string& dataFolder) {
     TavrinApplication::Options options;
     options.dataFolder = dataFolder.empty() ? data.path() : dataFolder;
     options.defaultsPath = options.dataFolder + "/defaults.plist";
+    application.reset(); // two can't be there at once
     application = std::make_unique<TavrinApplication>(options);
 }
 
@@ -22,7 +23,6 @@ void WindowFixture::start(const std::vector<std::string>& paths) {
 
 void WindowFixture::restart() {
     application->controller().saveUserDefaults();
-    application.reset();
     start();
 }
 
