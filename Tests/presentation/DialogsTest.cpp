@@ -29,7 +29,7 @@ TEST_F(DialogTests, ShowsWhatAnUndoWouldDoAndDoesItOnAYesAlone) {
     currentAction().setValue(0, "fragmentSelection");
     waitForNames({"A", "B"});
     trigger("ok");
-    waitUntil("renamed", [this] { return filesOnDisk() == std::vector<std::string>{"A", "B"}; });
+    waitUntil("renamed", [this] { return filesOnDisk() == Names{"A", "B"}; });
     QAction& undo = command("undoRename");
     for (const bool agrees : {false, true}) {
         waitUntil("the command is on", [&undo] { return undo.isEnabled(); });
@@ -40,9 +40,9 @@ TEST_F(DialogTests, ShowsWhatAnUndoWouldDoAndDoesItOnAYesAlone) {
         EXPECT_EQ(findWidget("takeBackProblems"), nullptr);
         agrees ? dialog->accept() : dialog->reject();
         waitUntilGone("takeBackDialog");
-        EXPECT_TRUE(agrees || filesOnDisk() == (std::vector<std::string>{"A", "B"}));
+        EXPECT_TRUE(agrees || filesOnDisk() == (Names{"A", "B"}));
     }
-    waitUntil("back", [this] { return filesOnDisk() == std::vector<std::string>{"a", "b"}; });
+    waitUntil("back", [this] { return filesOnDisk() == Names{"a", "b"}; });
     waitForPreview();
     waitForNames({"A", "B"});
 }
@@ -68,7 +68,7 @@ TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
     for (const auto& [name, note] : notes) {
         find<QLineEdit>("presetName")->setText(name);
         EXPECT_FALSE(buttons->button(QDialogButtonBox::Save)->isEnabled());
-        EXPECT_EQ(find<QLabel>("presetNote")->text(), note);
+        waitForText("presetNote", note);
     }
     find<QDialog>("newPresetWindow")->reject();
 
@@ -93,17 +93,20 @@ TEST_F(DialogTests, ChangeSettingsLive) {
     trigger("showPreferencesDialog");
     const auto* window = find("preferencesWindow");
     auto& settings = application->controller().globalSettings();
-    for (const char* key : {"quitAfterRename", "continueAfterRename", "interactiveMode", "showSummary",
-                            "copyFileComments", "quickLookThumbnail", "accurateFolderSize", "lockedDroplet",
-                            "previewConflictResolution", "conflictResolutionDontChangeFirst"}) {
+    int count = 0;
+    for (auto* box : window->findChildren<QCheckBox*>()) {
+        const std::string key = box->objectName().toStdString();
         SCOPED_TRACE(key);
-        auto* box = window->findChild<QCheckBox*>(key);
+        if (!settings.valueForKey(key))
+            continue;
         const bool wasOn = box->isChecked();
         box->click();
         EXPECT_EQ(boolValue(*settings.valueForKey(key)), !wasOn);
-        set(key, wasOn ? 1 : 0);
+        set(key.c_str(), wasOn ? 1 : 0);
         EXPECT_EQ(box->isChecked(), wasOn);
+        ++count;
     }
+    EXPECT_EQ(count, 13);
     auto* scheme = window->findChild<QComboBox*>("conflictResolutionScheme");
     ASSERT_EQ(scheme->count(), 14);
     QTest::keyClick(scheme, Qt::Key_Up);
@@ -136,12 +139,11 @@ TEST_F(DialogTests, ShowWholeReasonsAndCountAllFailures) {
 // No question offers an answer that it does not allow, and each offers all that it does.
 TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
     start();
-    const std::pair<const char*, ConfirmationChoice> buttons[] = {{"confirmOne", ConfirmationChoice::one},
-                                                                  {"confirmAll", ConfirmationChoice::all},
-                                                                  {"leaveOut", ConfirmationChoice::leaveOut},
-                                                                  {"confirmStop", ConfirmationChoice::stop}};
-    for (const RunQuestion& question : {RunQuestion(RenameQuestion()), RunQuestion(SwapQuestion()),
-                                        RunQuestion(NameCycleQuestion()), RunQuestion(ProblemReport())}) {
+    using enum ConfirmationChoice;
+    const std::pair<const char*, ConfirmationChoice> buttons[] = {
+        {"confirmOne", one}, {"confirmAll", all}, {"leaveOut", leaveOut}, {"confirmStop", stop}};
+    const RunQuestion questions[] = {RenameQuestion(), SwapQuestion(), NameCycleQuestion(), ProblemReport()};
+    for (const RunQuestion& question : questions)
         for (const auto& [name, choice] : buttons) {
             std::optional<ConfirmationChoice> given;
             Dialogs::ask(&application->window(), question, false,
@@ -153,10 +155,9 @@ TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
                 click(name);
             else
                 find<QDialog>("reportProblemWindow")->reject();
-            EXPECT_EQ(given, isOffered ? choice : ConfirmationChoice::stop);
+            EXPECT_EQ(given, isOffered ? choice : stop);
             waitUntilGone("confirmStop");
         }
-    }
 }
 
 TEST_F(DialogTests, SaveAList) {
@@ -199,19 +200,16 @@ TEST_F(DialogTests, OpenHelpWhereverTheCodePointsTo) {
 
     type("helpFilter", "droplet silent");
     auto* contents = find<QListWidget>("helpContents");
-    int visible = 0;
-    for (int row = 0; row < contents->count(); ++row)
-        visible += contents->item(row)->isHidden() ? 0 : 1;
-    EXPECT_EQ(visible, 1);
+    EXPECT_EQ(
+        std::ranges::count(contents->findItems("*", Qt::MatchWildcard), false, &QListWidgetItem::isHidden),
+        1);
 }
 
 TEST_F(DialogTests, AnswerAlertsByWhicheverWayTheyAreClosed) {
     start();
-    const Alert alert{.kind = AlertKind::summary,
-                      .title = "Title",
-                      .text = "Text",
-                      .buttons = {"First", "Second"},
-                      .helpAnchor = "helpTopic7"};
+    Alert alert;
+    alert.buttons = {"First", "Second"};
+    alert.helpAnchor = "helpTopic7";
     const struct {
         const char* name;
         void (*close)(QMessageBox&);
@@ -234,8 +232,7 @@ TEST_F(DialogTests, AnswerAlertsByWhicheverWayTheyAreClosed) {
         EXPECT_FALSE(given);
         way.close(*box);
         waitUntilGone("alert");
-        ASSERT_TRUE(given);
-        EXPECT_EQ(given->button, way.button);
+        EXPECT_EQ(given.value().button, way.button);
     }
 }
 

@@ -61,7 +61,7 @@ TEST_F(DropletWindow, AsksAndTellsWithoutTheWindowAndEndsWithTheLast) {
     });
     EXPECT_EQ(end.status, 0);
     EXPECT_EQ(end.told, "2 file names were changed.|");
-    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"aX", "bX"}));
+    EXPECT_EQ(filesOnDisk(), (Names{"aX", "bX"}));
 }
 
 TEST_F(DropletWindow, StopsWhenTheWindowOfItsProgressIsClosed) {
@@ -75,7 +75,7 @@ TEST_F(DropletWindow, StopsWhenTheWindowOfItsProgressIsClosed) {
     EXPECT_EQ(end.status, 0);
     EXPECT_EQ(end.told,
               "No file names were changed.|The rename was stopped: 0 of 2 items have got their new names.");
-    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(filesOnDisk(), (Names{"a", "b"}));
 }
 
 TEST_F(DropletWindow, CreatesADropletAndAsksBeforeReplacingIt) {

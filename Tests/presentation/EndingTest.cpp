@@ -1,3 +1,4 @@
+#include "documents/PresetsManager.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/preview/PreviewPane.h"
 
@@ -8,6 +9,7 @@ namespace tavrin::test {
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 /// How the program comes to its end.
 struct Way {
@@ -66,7 +68,7 @@ TEST_F(Ending, StopsAQuestionInEachWay) {
         EXPECT_EQ(end.status, isSeen ? 0 : 3);
         EXPECT_EQ(end.told, isSeen ? "No file names were changed.|" + stopped : "");
         EXPECT_THAT(errors, HasSubstr(isSeen ? "" : "tavrin: No file names were changed. " + stopped + "\n"));
-        EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"0.txt", "1.txt", "2.txt"}));
+        EXPECT_EQ(filesOnDisk(), (Names{"0.txt", "1.txt", "2.txt"}));
     }
 }
 
@@ -120,6 +122,46 @@ TEST_F(Ending, RemembersTheShapeOfTheWindow) {
     EXPECT_EQ(find<QSplitter>("innerSplitter")->sizes().front(), settingsWidth);
     EXPECT_NEAR(find<QTableView>("previewTableView")->columnWidth(PreviewTableModel::currentName), nameWidth,
                 3);
+}
+
+TEST_F(Ending, KeepsAChainOfANewerVersionUntilThereIsAnother) {
+    const PropertyValue chain = PropertyDictionary{
+        {"currentActionIndex", 0},
+        {"composite actions array",
+         PropertyArray{PropertyDictionary{{"action name", u"Fold time"},
+                                          {"action parameter list", PropertyDictionary{}}}}}};
+    start();
+    application.reset();
+    UserDefaults defaults(data.path() + "/defaults.plist");
+    defaults.setObject("composite action", chain);
+    ASSERT_TRUE(defaults.synchronize());
+
+    start({makeFile("a.txt")});
+    EXPECT_THAT(close("errorAlert"), HasSubstr("Fold time"));
+    waitForNames({"Image_01.txt"}); // the rest works
+    application->controller().saveUserDefaults();
+    application.reset();
+    EXPECT_EQ(UserDefaults(data.path() + "/defaults.plist").objectForKey("composite action"), chain);
+
+    start();
+    close("errorAlert");
+    chooseAction("Make uppercase");
+    restart();
+    EXPECT_EQ(currentAction().actionName(), "Make uppercase");
+}
+
+TEST_F(Ending, WorksWithoutAFolderForItsData) {
+    const std::string noFolder = data.write("occupied", "x") + "/data";
+    make(noFolder);
+    application->start({makeFile("a.txt")});
+    EXPECT_THAT(close("noticeAlert"), StartsWith("The list of items can't be kept in a file"));
+    waitForNames({"Image_01.txt"});
+    trigger("createNewPresetWithCurrentSettings");
+    close("newPresetWindow");
+    EXPECT_THAT(close("errorAlert"), HasSubstr("The preset can't be saved as \"" + noFolder));
+    EXPECT_EQ(application->controller().presetsManager().count(), 0U);
+    application->controller().windowWillClose();
+    EXPECT_EQ(data.read("occupied"), "x");
 }
 
 } // namespace

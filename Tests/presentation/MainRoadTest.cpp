@@ -51,7 +51,7 @@ TEST_F(MainRoad, LeadsFromFilesToNewNames) {
     type("prefix", "Trip ");
     // Nothing is counted while the list is out of date.
     EXPECT_EQ(find<QPushButton>("okButton")->text().toStdString(), "&Rename");
-    const std::vector<std::string> trips{"Trip 01.txt", "Trip 02.txt", "Trip 03.txt"};
+    const Names trips{"Trip 01.txt", "Trip 02.txt", "Trip 03.txt"};
     waitForNames(trips);
     waitForText("okButton", "&Rename 3 Items");
     waitForText("statusText", "3 out of 3 items need renaming.");
@@ -84,7 +84,7 @@ TEST_F(MainRoad, IsDeafToKeysForAMomentAfterAQuestionHasOpened) {
         const QWidget* next = findWidget("confirmRenameWindow");
         return next && next != first && next->isVisible();
     });
-    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"Image_01.txt", "b.txt", "c.txt"}));
+    EXPECT_EQ(filesOnDisk(), (Names{"Image_01.txt", "b.txt", "c.txt"}));
     click("confirmStop");
     waitForEndOfRun();
 }
@@ -101,13 +101,11 @@ TEST_F(MainRoad, TellsFailuresAtOnceAndAllOthersAtTheEnd) {
     auto* list = find<QListWidget>("errorList");
     ASSERT_EQ(list->count(), 1); // the one that was told at once is not told again
     EXPECT_TRUE(list->item(0)->text().contains("c.txt"));
-    EXPECT_TRUE(find<QLabel>("errorHead")->text().endsWith("1 file name was changed."));
-    EXPECT_FALSE(find<QPlainTextEdit>("errorMessage")->toPlainText().isEmpty());
     QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(QApplication::clipboard()->text().endsWith("c.txt\n"));
     close("errorWindow");
     waitForEndOfRun();
-    EXPECT_EQ(filesOnDisk(), (std::vector<std::string>{"Image_02.txt"}));
+    EXPECT_EQ(filesOnDisk(), (Names{"Image_02.txt"}));
 }
 
 // What is on show may be a part of the list: what is done to a row hits that row, and no other.
@@ -117,7 +115,6 @@ TEST_F(MainRoad, MovesAndRemovesTheRowsOfAFilteredList) {
     replace("K", "L");
     waitForNames({"a", "bL", "c", "dL", "e"});
     auto* view = find<PreviewTableView>("previewTableView");
-    using Names = std::vector<std::string>;
     show(PreviewPane::Show::toBeRenamed);
     ASSERT_EQ(names(), (Names{"bK", "dK"}));
     view->selectRow(1);
@@ -138,45 +135,39 @@ TEST_F(MainRoad, MovesAndRemovesTheRowsOfAFilteredList) {
     EXPECT_EQ(filesOnDisk().size(), 5U);
 }
 
-TEST_F(MainRoad, TakesDroppedFilesWithAnyName) {
-    start();
-    const char* const names[] = {"caf\xE9 50%.txt", "two\nlines.txt", "\u202Egnp.txt", "#?.txt"};
-    QByteArray addresses = "# a note\r\n";
-    for (const char* name : names)
-        addresses += "file://" + QByteArray::fromStdString(makeFile(name)).toPercentEncoding("/") + "\r\n";
-    drop("text/uri-list", addresses);
-    waitForNames({"Image_01.txt", "Image_02.txt", "Image_03.txt", "Image_04.txt"});
-    for (int row = 0; row < model().rowCount(); ++row) {
-        const QString shown = model().index(row, PreviewTableModel::currentName).data().toString();
-        EXPECT_FALSE(shown.contains('\n') || shown.contains(QChar(0x202E)));
-    }
-    set("interactiveMode", 1);
-    click("okButton");
-    waitFor("confirmRenameWindow");
-    for (const QLabel* label : find("confirmRenameWindow")->findChildren<QLabel*>())
-        EXPECT_FALSE(label->text().contains('\n') || label->text().contains(QChar(0x202E)));
-    click("confirmAll");
-    waitForEndOfRun();
-    EXPECT_EQ(filesOnDisk(),
-              (std::vector<std::string>{"Image_01.txt", "Image_02.txt", "Image_03.txt", "Image_04.txt"}));
-}
-
-TEST_F(MainRoad, TakesNothingThatIsNoFile) {
+TEST_F(MainRoad, TakesDroppedFilesWithAnyNameAndNothingElse) {
     start();
     const std::pair<const char*, QByteArray> contents[] = {
         {"text/plain", "hello"},
         {"text/uri-list", "https://example.org/a.txt\r\nfile:\r\nfile://\r\nfile:relative\r\n%00\r\n"},
         {"text/uri-list", ""}};
     for (const auto& [type, content] : contents) {
-        SCOPED_TRACE(content.toStdString());
         EXPECT_FALSE(drop(type, content));
         waitForPreview();
-        EXPECT_EQ(model().rowCount(), 0);
+        EXPECT_EQ(model().rowCount(), 0) << content.toStdString();
         EXPECT_EQ(findWidget("alert"), nullptr);
     }
-    // A file that is gone when it arrives is told.
     EXPECT_TRUE(drop("text/uri-list", "file:///nowhere/a.txt\r\n"));
     EXPECT_THAT(close("alert"), ::testing::StartsWith("Some files could not be added.|"));
+
+    QByteArray addresses = "# a note\r\n";
+    for (const char* name : {"caf\xE9 50%.txt", "two\nlines.txt", "\u202Egnp.txt", "#?.txt"})
+        addresses += "file://" + QByteArray::fromStdString(makeFile(name)).toPercentEncoding("/") + "\r\n";
+    drop("text/uri-list", addresses);
+    const Names images{"Image_01.txt", "Image_02.txt", "Image_03.txt", "Image_04.txt"};
+    waitForNames(images);
+    const auto isSafe = [](const QString& text) {
+        return !text.contains('\n') && !text.contains(QChar(0x202E));
+    };
+    for (int row = 0; row < model().rowCount(); ++row)
+        EXPECT_TRUE(isSafe(model().index(row, PreviewTableModel::currentName).data().toString()));
+    set("interactiveMode", 1);
+    click("okButton");
+    for (const QLabel* label : waitFor("confirmRenameWindow")->findChildren<QLabel*>())
+        EXPECT_TRUE(isSafe(label->text()));
+    click("confirmAll");
+    waitForEndOfRun();
+    EXPECT_EQ(filesOnDisk(), images);
 }
 
 TEST_F(MainRoad, ForeseesWhatWillFailAndSaysWhatWasMadeDistinct) {
@@ -200,8 +191,8 @@ TEST_F(MainRoad, ForeseesWhatWillFailAndSaysWhatWasMadeDistinct) {
 
 TEST_F(MainRoad, TurnsTheOrderByAClickOnTheNames) {
     start({makeFile("a2.txt"), makeFile("a10.txt"), makeFile("b.txt")});
-    const std::vector<std::string> turned{"b.txt", "a10.txt", "a2.txt"};
-    const std::vector<std::string> natural{"a2.txt", "a10.txt", "b.txt"};
+    const Names turned{"b.txt", "a10.txt", "a2.txt"};
+    const Names natural{"a2.txt", "a10.txt", "b.txt"};
     QHeaderView& header = *find<PreviewTableView>("previewTableView")->horizontalHeader();
     for (const char* action : {"Make uppercase", "Add number to end"}) {
         SCOPED_TRACE(action);
@@ -239,11 +230,11 @@ TEST_F(MainRoad, BuildsAChainOfSteps) {
 }
 
 TEST_F(MainRoad, TurnsButtonsOnWithTheirCommands) {
-    const char* const buttons[][2] = {{"removeButton", "removeFile"},
-                                      {"createFileListButton", "createFileList"},
-                                      {"okButton", "ok"},
-                                      {"removeStep", "removeAction"},
-                                      {"moveStepUp", "nudgeActionUp"}};
+    const std::pair<const char*, const char*> buttons[] = {{"removeButton", "removeFile"},
+                                                           {"createFileListButton", "createFileList"},
+                                                           {"okButton", "ok"},
+                                                           {"removeStep", "removeAction"},
+                                                           {"moveStepUp", "nudgeActionUp"}};
     const auto areOn = [&] {
         std::string result;
         for (const auto& [button, name] : buttons) {

@@ -30,8 +30,8 @@ std::string WindowFixture::makeFile(const std::string& name, const std::string& 
     return folder.write(name, content);
 }
 
-std::vector<std::string> WindowFixture::filesOnDisk() const {
-    std::vector<std::string> names;
+WindowFixture::Names WindowFixture::filesOnDisk() const {
+    Names names;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
         names.push_back(entry.path().filename().string());
     std::ranges::sort(names);
@@ -86,8 +86,8 @@ PreviewTableModel& WindowFixture::model() {
     return dynamic_cast<PreviewTableModel&>(*find<QTableView>("previewTableView")->model());
 }
 
-std::vector<std::string> WindowFixture::listed(std::u16string PreviewList::Row::*name) {
-    std::vector<std::string> result;
+WindowFixture::Names WindowFixture::listed(std::u16string PreviewList::Row::*name) {
+    Names result;
     for (int row = 0; row < model().rowCount(); ++row)
         result.push_back(text::toUtf8(model().rowAt(row).*name));
     return result;
@@ -151,7 +151,7 @@ void WindowFixture::waitForPreview() {
     });
 }
 
-void WindowFixture::waitForNames(const std::vector<std::string>& names) {
+void WindowFixture::waitForNames(const Names& names) {
     application->controller().previewControl().firePendingPreview();
     (void)QTest::qWaitFor([&] { return newNames() == names; }, patience);
     EXPECT_EQ(newNames(), names);

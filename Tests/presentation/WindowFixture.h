@@ -20,6 +20,8 @@ namespace tavrin::test {
 /// are made in a folder of their own.
 class WindowFixture : public ::testing::Test {
   protected:
+    using Names = std::vector<std::string>;
+
     /// The application before its start, with its data in another folder where one is named.
     void make(const std::string& dataFolder = {});
     void start(const std::vector<std::string>& paths = {});
@@ -27,7 +29,7 @@ class WindowFixture : public ::testing::Test {
     void restart();
 
     std::string makeFile(const std::string& name, const std::string& content = "x");
-    [[nodiscard]] std::vector<std::string> filesOnDisk() const;
+    [[nodiscard]] Names filesOnDisk() const;
 
     /// A widget of the window, or of any dialog, by its object name. Where there is none, the test fails and
     /// ends, as in what follows.
@@ -50,8 +52,8 @@ class WindowFixture : public ::testing::Test {
     [[nodiscard]] BaseRenameAction& currentAction();
     [[nodiscard]] PreviewTableModel& model();
     /// The names of the list, top down, and what they become.
-    [[nodiscard]] std::vector<std::string> names() { return listed(&PreviewList::Row::name); }
-    [[nodiscard]] std::vector<std::string> newNames() { return listed(&PreviewList::Row::finalName); }
+    [[nodiscard]] Names names() { return listed(&PreviewList::Row::name); }
+    [[nodiscard]] Names newNames() { return listed(&PreviewList::Row::finalName); }
 
     /// Runs the event loop until the condition holds, for ten seconds at most.
     static void waitUntil(const std::string& what, const std::function<bool()>& condition);
@@ -80,10 +82,10 @@ class WindowFixture : public ::testing::Test {
     /// Until no preview is due or under way any more; one that is due comes at once.
     void waitForPreview();
     /// Until the list shows these new names.
-    void waitForNames(const std::vector<std::string>& names);
+    void waitForNames(const Names& names);
 
   private:
-    std::vector<std::string> listed(std::u16string PreviewList::Row::*name);
+    Names listed(std::u16string PreviewList::Row::*name);
 
   protected:
     TemporaryFolder data;
