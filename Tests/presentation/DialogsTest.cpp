@@ -49,7 +49,7 @@ TEST_F(DialogTests, ShowsWhatAnUndoWouldDoAndDoesItOnAYesAlone) {
 
 TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
     start();
-    PresetsManager& manager = application->controller().presetsManager();
+    PresetsManager& manager = controller().presetsManager();
     chooseAction("Make uppercase");
     trigger("createNewPresetWithCurrentSettings");
     type("presetName", "Loud");
@@ -57,7 +57,7 @@ TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
     ASSERT_EQ(manager.getPresetTitles(), (std::vector<std::u16string>{u"Loud"}));
 
     chooseAction("Make lowercase");
-    application->controller().applyPreset(0);
+    controller().applyPreset(0);
     EXPECT_EQ(currentAction().actionName(), "Make uppercase");
 
     trigger("createNewPresetWithCurrentSettings");
@@ -92,7 +92,7 @@ TEST_F(DialogTests, ChangeSettingsLive) {
     start();
     trigger("showPreferencesDialog");
     const auto* window = find("preferencesWindow");
-    auto& settings = application->controller().globalSettings();
+    auto& settings = controller().globalSettings();
     int count = 0;
     for (auto* box : window->findChildren<QCheckBox*>()) {
         const std::string key = box->objectName().toStdString();
@@ -188,11 +188,11 @@ TEST_F(DialogTests, OpenHelpWhereverTheCodePointsTo) {
     }
     EXPECT_GT(anchors.size(), allActions().size() + 10);
     for (const std::string& anchor : anchors) {
-        application->controller().showHelpAnchor(anchor);
+        controller().showHelpAnchor(anchor);
         EXPECT_TRUE(isInSight(anchor)) << anchor;
     }
-    application->controller().showHelpAnchor("helpTopic67");
-    application->controller().showHelpAnchor("helpCategory14");
+    controller().showHelpAnchor("helpTopic67");
+    controller().showHelpAnchor("helpCategory14");
     click("helpBack");
     EXPECT_TRUE(isInSight("helpTopic67"));
     click("helpForward");
@@ -210,18 +210,13 @@ TEST_F(DialogTests, AnswerAlertsByWhicheverWayTheyAreClosed) {
     Alert alert;
     alert.buttons = {"First", "Second"};
     alert.helpAnchor = "helpTopic7";
-    const struct {
-        const char* name;
-        void (*close)(QMessageBox&);
-        std::size_t button;
-    } ways[] = {
-        {"Return", [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }, 0},
-        {"Escape", [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }, 1},
-        {"the frame", [](QMessageBox& box) { box.close(); }, 1},
-        {"the second button", [](QMessageBox& box) { box.buttons().at(1)->click(); }, 1},
+    const std::pair<void (*)(QMessageBox&), std::size_t> ways[] = {
+        {[](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }, 0},
+        {[](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }, 1},
+        {[](QMessageBox& box) { box.close(); }, 1},
+        {[](QMessageBox& box) { box.buttons().at(1)->click(); }, 1},
     };
-    for (const auto& way : ways) {
-        SCOPED_TRACE(way.name);
+    for (const auto& [close, button] : ways) {
         std::optional<AlertAnswer> given;
         Dialogs::showAlert(&application->window(), alert, [&](AlertAnswer answer) { given = answer; });
         auto* box = find<QMessageBox>("alert");
@@ -230,9 +225,9 @@ TEST_F(DialogTests, AnswerAlertsByWhicheverWayTheyAreClosed) {
         box->button(QMessageBox::Help)->click();
         EXPECT_TRUE(find("helpWindow")->isVisible());
         EXPECT_FALSE(given);
-        way.close(*box);
+        close(*box);
         waitUntilGone("alert");
-        EXPECT_EQ(given.value().button, way.button);
+        EXPECT_EQ(given.value().button, button);
     }
 }
 

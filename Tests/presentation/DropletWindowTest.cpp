@@ -14,9 +14,8 @@ class DropletWindow : public WindowFixture {
     void startDroplet(PropertyDictionary settings, const std::vector<std::string>& files = {}) {
         make();
         const PropertyDictionary list = dropletThatAdds(u"X", std::move(settings));
-        ASSERT_EQ(
-            DropletBundleWriter("/usr/bin/tavrin", false).writeDropletWithDictionary(list, bundle.path()),
-            std::nullopt);
+        DropletBundleWriter writer("/usr/bin/tavrin", false);
+        ASSERT_EQ(writer.writeDropletWithDictionary(list, bundle.path()), std::nullopt);
         auto start = DropletRequest{bundle.path(), "", files}.start();
         ASSERT_TRUE(std::holds_alternative<DropletRequest::Start>(start)) << std::get<1>(start).message;
         application->setDroplet(std::get<DropletRequest::Start>(start).record);
@@ -47,7 +46,7 @@ TEST_F(DropletWindow, EditsADropletAndSavesItBack) {
     ASSERT_TRUE(std::holds_alternative<Recipe>(recipe));
     EXPECT_EQ(*tavrin::find(*std::get<Recipe>(recipe).globalSettings, "silentDroplet"), PropertyValue(1));
     EXPECT_EQ(std::get<Recipe>(recipe).flatParameterList,
-              application->controller().compositeAction().getFlatParameterList());
+              controller().compositeAction().getFlatParameterList());
     EXPECT_EQ(currentAction().getParamString("string"), u"edited");
 }
 
@@ -106,7 +105,7 @@ TEST_F(DropletWindow, CreatesADropletAndAsksBeforeReplacingIt) {
         const auto recipe = written.readRecipe();
         ASSERT_TRUE(std::holds_alternative<Recipe>(recipe));
         EXPECT_EQ(std::get<Recipe>(recipe).flatParameterList,
-                  application->controller().compositeAction().getFlatParameterList());
+                  controller().compositeAction().getFlatParameterList());
     }
     EXPECT_TRUE(std::filesystem::exists(written.launcherPath()));
 }

@@ -38,8 +38,7 @@ class MainRoad : public WindowFixture {
 
     void waitForEndOfRun() {
         waitUntil("the run has ended", [this] {
-            return application->controller().validateUserInterfaceItem() &&
-                   !application->controller().renameEngine().isBusy();
+            return controller().validateUserInterfaceItem() && !controller().renameEngine().isBusy();
         });
     }
 };
@@ -124,7 +123,7 @@ TEST_F(MainRoad, MovesAndRemovesTheRowsOfAFilteredList) {
     EXPECT_EQ(names(), (Names{"a", "dK", "bK", "c", "e"}));
     show(PreviewPane::Show::toBeRenamed);
     view->selectRow(0);
-    auto& dragging = application->controller().dndArrayController();
+    auto& dragging = controller().dndArrayController();
     ASSERT_TRUE(dragging.writeRows(view->selectedIds()));
     EXPECT_TRUE(dragging.deleteRowsIfAppropriate());
     show(PreviewPane::Show::all);
@@ -221,8 +220,8 @@ TEST_F(MainRoad, BuildsAChainOfSteps) {
     steps->setFocus();
     QTest::keyClick(steps, Qt::Key_Space);
     waitForNames({"Image_01.txt", "Image_02.txt", "Image_03.txt"});
-    application->controller().actionListCommands().moveAction(1, 0);
-    EXPECT_EQ(application->controller().compositeAction().actionAtIndex(0).actionName(), "Make uppercase");
+    controller().actionListCommands().moveAction(1, 0);
+    EXPECT_EQ(controller().compositeAction().actionAtIndex(0).actionName(), "Make uppercase");
     EXPECT_EQ(steps->currentIndex().row(), 0);
     click("removeStep");
     EXPECT_EQ(steps->model()->rowCount(), 1);

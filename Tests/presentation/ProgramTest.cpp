@@ -37,15 +37,6 @@ class UsersProgram {
             list.append(QFile::decodeName(argument.c_str()));
         return launch(TAVRIN_PROGRAM, list, platform);
     }
-    /// The same for arguments that are not UTF-8, which Qt can't pass on.
-    QProcess& startWithBytes(const std::vector<std::string>& arguments) {
-        std::string content;
-        for (const std::string& argument : arguments)
-            content.append(argument).append(1, '\0');
-        const std::string file = home.write("arguments", content);
-        return launch("xargs", {"-0", "-x", "-s", "1500000", "-a", file.c_str(), TAVRIN_PROGRAM},
-                      "offscreen");
-    }
     /// Lets this process go on meanwhile; -1 where the program was ended by force, or took too long.
     static int statusOf(const QProcess& process) {
         const bool hasEnded = waitFor([&] { return process.state() == QProcess::NotRunning; });
@@ -59,8 +50,8 @@ class UsersProgram {
     TemporaryFolder home;
     std::string bus = "unix:path=/nowhere/bus";
 
-  private:
-    QProcess& launch(const QString& program, const QStringList& arguments, const char* platform) {
+    QProcess& launch(const QString& program, const QStringList& arguments,
+                     const char* platform = "offscreen") {
         auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment;
         for (const char* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "PATH"})
@@ -79,6 +70,7 @@ class UsersProgram {
         return *processes.back();
     }
 
+  private:
     std::vector<std::unique_ptr<QProcess>> processes;
 };
 
@@ -239,9 +231,13 @@ TEST_P(SecondStart, HandsOverAllPathsByteForByte) {
                                    "/nowhere/\u202E#?&;=", "--help"};
     for (int i = 0; i < 20000; ++i)
         paths.push_back(fmt::format("/nowhere/a folder/IMG_{:06}.JPG", i));
-    std::vector<std::string> arguments{".", "--"};
-    arguments.insert(arguments.end(), paths.begin(), paths.end());
-    EXPECT_EQ(statusOf(startWithBytes(arguments)), 0);
+    // Qt can't pass on what is not UTF-8.
+    std::string arguments(".\0--\0", 5);
+    for (const std::string& path : paths)
+        arguments.append(path).append(1, '\0');
+    const std::string file = home.write("arguments", arguments);
+    EXPECT_EQ(statusOf(launch("xargs", {"-0", "-x", "-s", "1500000", "-a", file.c_str(), TAVRIN_PROGRAM})),
+              0);
     const std::string folder = std::filesystem::canonical(std::filesystem::current_path()).string();
     paths.insert(paths.begin(), folder);
     paths[4] = folder + "/--help";

@@ -49,7 +49,7 @@ TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
         EXPECT_THAT(close("alert"), StartsWith(told));
         waitUntilGone(name);
     }
-    EXPECT_EQ(application->controller().presetsManager().count(), 1U);
+    EXPECT_EQ(controller().presetsManager().count(), 1U);
     for (const std::string name : {"one", "two"})
         EXPECT_THAT(folder.read(name + ".app/Contents/Resources/Settings.plist"), HasSubstr("Tavrin 9.app"));
 }

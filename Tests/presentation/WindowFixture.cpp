@@ -21,11 +21,6 @@ void WindowFixture::start(const std::vector<std::string>& paths) {
     waitForPreview();
 }
 
-void WindowFixture::restart() {
-    application->controller().saveUserDefaults();
-    start();
-}
-
 std::string WindowFixture::makeFile(const std::string& name, const std::string& content) {
     return folder.write(name, content);
 }
@@ -54,7 +49,7 @@ void WindowFixture::click(const char* name) {
 }
 
 void WindowFixture::type(const char* name, const QString& text) {
-    QWidget* field = find(name);
+    auto* field = find(name);
     field->setFocus();
     QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(field, Qt::Key_Delete);
@@ -69,18 +64,16 @@ QAction& WindowFixture::command(const char* name) {
 }
 
 void WindowFixture::set(const char* setting, int value) {
-    application->controller().globalSettings().setValue(value, setting);
+    controller().globalSettings().setValue(value, setting);
 }
 
 void WindowFixture::chooseAction(const std::string& name) {
     const auto index = ActionList::sharedActionList().popUpMenuIndexForName(name);
     ASSERT_TRUE(index) << name;
-    application->controller().actionListCommands().chooseAction(*index);
+    controller().actionListCommands().chooseAction(*index);
 }
 
-BaseRenameAction& WindowFixture::currentAction() {
-    return application->controller().compositeAction().getCurrentAction();
-}
+BaseRenameAction& WindowFixture::currentAction() { return controller().compositeAction().getCurrentAction(); }
 
 PreviewTableModel& WindowFixture::model() {
     return dynamic_cast<PreviewTableModel&>(*find<QTableView>("previewTableView")->model());
@@ -145,14 +138,14 @@ WindowFixture::End WindowFixture::runToTheEnd(const std::function<void()>& user)
 }
 
 void WindowFixture::waitForPreview() {
-    application->controller().previewControl().firePendingPreview();
-    waitUntil("the preview is done", [&controller = application->controller()] {
-        return !controller.previewControl().isPreviewPending() && !controller.renameEngine().isBusy();
+    controller().previewControl().firePendingPreview();
+    waitUntil("the preview is done", [this] {
+        return !controller().previewControl().isPreviewPending() && !controller().renameEngine().isBusy();
     });
 }
 
 void WindowFixture::waitForNames(const Names& names) {
-    application->controller().previewControl().firePendingPreview();
+    controller().previewControl().firePendingPreview();
     (void)QTest::qWaitFor([&] { return newNames() == names; }, patience);
     EXPECT_EQ(newNames(), names);
 }

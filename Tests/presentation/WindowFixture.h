@@ -25,8 +25,7 @@ class WindowFixture : public ::testing::Test {
     /// The application before its start, with its data in another folder where one is named.
     void make(const std::string& dataFolder = {});
     void start(const std::vector<std::string>& paths = {});
-    /// Ends the application and starts it anew over the same folders.
-    void restart();
+    [[nodiscard]] MainController& controller() { return application->controller(); }
 
     std::string makeFile(const std::string& name, const std::string& content = "x");
     [[nodiscard]] Names filesOnDisk() const;
@@ -84,10 +83,8 @@ class WindowFixture : public ::testing::Test {
     /// Until the list shows these new names.
     void waitForNames(const Names& names);
 
-  private:
     Names listed(std::u16string PreviewList::Row::*name);
 
-  protected:
     TemporaryFolder data;
     TemporaryFolder folder;
     std::unique_ptr<TavrinApplication> application;
