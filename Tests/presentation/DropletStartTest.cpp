@@ -1,5 +1,5 @@
 #include "actions/ActionList.h"
-#include "common/DropletLists.h"
+#include "common/Recipes.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletLauncher.h"
 #include "platform/propertylists/PropertyList.h"

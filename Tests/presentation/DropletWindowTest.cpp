@@ -1,5 +1,5 @@
 #include "actions/CompositeRenameAction.h"
-#include "common/DropletLists.h"
+#include "common/Recipes.h"
 #include "common/Variable.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletHandOver.h"

@@ -126,28 +126,5 @@ TEST_F(CommandsTest, TheFilePanelStartsWhereItWasLast) {
     EXPECT_TRUE(controller().previewControl().isPreviewPending());
 }
 
-TEST_F(CommandsTest, OnlyWhatWasAddedCanBeRemoved) {
-    start();
-    setSteps({{"Add to end", {}}});
-    set("processSubfolders", 1);
-    (void)files.write("folder/in");
-    controller().addFilePaths({files.path("folder"), files.write("z")}, true);
-    waitForPreview();
-    ASSERT_THAT(table(), ElementsAre("folder > folder", "in > in", "z > z"));
-    const std::vector<RowId> rows = controller().nodeController().arrangedObjects();
-    SourceCommands& sources = controller().sourceCommands();
-    EXPECT_FALSE(sources.canRemove({rows[1]}));
-    EXPECT_TRUE(sources.canRemove({rows[1], rows[2]}));
-    controller().removeFile({rows[1]});
-    EXPECT_TRUE(controller().previewControl().isPreviewPending());
-    waitForPreview();
-    EXPECT_EQ(table().size(), 3u);
-    controller().removeFile({rows[0], rows[1]});
-    waitForPreview();
-    EXPECT_THAT(table(), ElementsAre("z > z"));
-    EXPECT_FALSE(controller().nodeController().rowWithId(rows[0]));
-    EXPECT_FALSE(sources.canRemove({rows[0]}));
-}
-
 } // namespace
 } // namespace tavrin::test
