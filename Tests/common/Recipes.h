@@ -26,9 +26,10 @@ inline PropertyDictionary chain(const std::vector<Step>& steps) {
 
 /// The settings list of a droplet with this chain.
 inline PropertyDictionary dropletList(PropertyDictionary composite, PropertyDictionary globalSettings) {
-    return {{"Droplet Settings", PropertyDictionary()},
-            {"Host Application Settings", PropertyDictionary{{"composite action", std::move(composite)},
-                                                             {"global settings", std::move(globalSettings)}}}};
+    return {
+        {"Droplet Settings", PropertyDictionary()},
+        {"Host Application Settings", PropertyDictionary{{"composite action", std::move(composite)},
+                                                         {"global settings", std::move(globalSettings)}}}};
 }
 
 /// The one of a droplet that adds a text to names.
