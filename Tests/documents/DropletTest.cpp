@@ -48,24 +48,23 @@ class DropletTest : public CatalogueFixture {
 TEST_F(DropletTest, TakesItsNamesFromItsPath) {
     struct Case {
         const char* chosen;
-        const char* bundle;
-        const char* name;
-        const char* launcher;
+        std::string folder;
+        std::string name;
     };
-    for (const Case& c : {Case{"/d/x", "/d/x.app", "x", "/d/x.desktop"},
-                          {"/d/x.y", "/d/x.app", "x", "/d/x.desktop"},
-                          {"/d/x.app", "/d/x.app", "x", "/d/x.desktop"},
-                          {"/d.e/x", "/d.e/x.app", "x", "/d.e/x.desktop"},
-                          {"/d/a.b.c", "/d/a.b.app", "a.b", "/d/a.b.desktop"},
-                          {"/d/.x", "/d/.x.app", ".x", "/d/.x.desktop"},
-                          {"/x", "/x.app", "x", "/x.desktop"}}) {
+    for (const Case& c : {Case{"/d/x", "/d/", "x"},
+                          {"/d/x.y", "/d/", "x"},
+                          {"/d/x.app", "/d/", "x"},
+                          {"/d.e/x", "/d.e/", "x"},
+                          {"/d/a.b.c", "/d/", "a.b"},
+                          {"/d/.x", "/d/", ".x"},
+                          {"/x", "/", "x"}}) {
         const DropletBundle bundle = DropletBundle::forChosenPath(c.chosen);
-        EXPECT_EQ(bundle.path(), c.bundle);
+        EXPECT_EQ(bundle.path(), c.folder + c.name + ".app");
         EXPECT_EQ(bundle.name(), c.name);
-        EXPECT_EQ(bundle.launcherPath(), c.launcher);
+        EXPECT_EQ(bundle.launcherPath(), c.folder + c.name + ".desktop");
         const auto back = DropletBundle::ofSettings(bundle.settingsPath());
-        ASSERT_TRUE(back) << c.bundle;
-        EXPECT_EQ(back->path(), c.bundle);
+        ASSERT_TRUE(back) << c.chosen;
+        EXPECT_EQ(back->path(), bundle.path());
     }
     for (const char* path :
          {"", "/Contents/Resources/Settings.plist", "/d/x/Contents/Resources/Settings.plist",
@@ -135,20 +134,16 @@ TEST_F(DropletTest, RefusesSettingsThatAreNoGoodOrLieOutside) {
 }
 
 TEST_F(DropletTest, IsNeverRemovedWithSomethingForeignInIt) {
-    struct Case {
-        const char* file;
-        bool isRemoved;
-    };
-    for (const Case& c : {Case{"A.app/photo.jpg", false},
-                          {"A.app/Contents/photo.jpg", false},
-                          {"A.app/Contents/Resources/photo.jpg", false},
-                          {"A.app/Contents/Resources/Icon.png", true},
-                          {"A.app/Contents/MacOS/droplet", true},
-                          {"A.app/.directory", true}}) {
+    for (const auto& [file, isOwn] : {std::pair{"photo.jpg", false},
+                                      {"Contents/photo.jpg", false},
+                                      {"Contents/Resources/photo.jpg", false},
+                                      {"Contents/Resources/Icon.png", true},
+                                      {"Contents/MacOS/droplet", true},
+                                      {".directory", true}}) {
         writeSettings();
-        (void)folder.write(c.file);
-        EXPECT_EQ(droplet().remove(), c.isRemoved) << c.file;
-        EXPECT_EQ(droplet().isFolder(), !c.isRemoved) << c.file;
+        (void)folder.write(std::string("A.app/") + file);
+        EXPECT_EQ(droplet().remove(), isOwn) << file;
+        EXPECT_EQ(droplet().isFolder(), !isOwn) << file;
         removeDroplet();
     }
     // What only looks like a bundle stays as well.
