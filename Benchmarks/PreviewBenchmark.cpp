@@ -2,8 +2,8 @@
 #include "platform/desktop/ResourceFolder.h"
 #include "platform/processes/QueueRunLoop.h"
 #include "platform/propertylists/UserDefaults.h"
+#include "shell/MainController.h"
 #include "shell/asking/FrontEnd.h"
-#include "shell/commands/MainController.h"
 #include "support/text/Text.h"
 
 #include <benchmark/benchmark.h>

@@ -11,7 +11,7 @@
 #include "presentation/TavrinApplication.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAction>
 #include <QApplication>

@@ -4,7 +4,7 @@
 #include "RecipeLoader.h"
 #include "actions/CompositeRenameAction.h"
 #include "platform/files/AbsolutePaths.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStore.h"
 #include "support/text/Text.h"

@@ -1,5 +1,5 @@
 #include "common/EngineTestHost.h"
-#include "engine/planning/PrepareForRenamingStage.h"
+#include "engine/renaming/PrepareForRenamingStage.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"
 

@@ -1,9 +1,9 @@
 #include "RenameBench.h"
 
 #include "engine/pipeline/ProcessingPipeline.h"
-#include "engine/planning/PrepareForRenamingStage.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 #include "engine/renaming/PerformRenameStage.h"
+#include "engine/renaming/PrepareForRenamingStage.h"
 #include "support/text/Text.h"
 
 #include <gtest/gtest.h>

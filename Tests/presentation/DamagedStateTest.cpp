@@ -4,7 +4,7 @@
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAction>
 #include <QDialog>

@@ -8,7 +8,7 @@
 #include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/ActionSearch.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 
 #include <QAction>

@@ -6,7 +6,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAction>
 #include <QApplication>

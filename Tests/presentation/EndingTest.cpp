@@ -5,7 +5,7 @@
 #include "presentation/WindowFixture.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <gmock/gmock.h>
 

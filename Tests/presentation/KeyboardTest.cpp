@@ -2,7 +2,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QMap>
 #include <QRegularExpression>

@@ -7,7 +7,7 @@
 #include "presentation/preview/PreviewTableModel.h"
 #include "presentation/preview/PreviewTableView.h"
 #include "presentation/steps/StepsModel.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 
 #include <QAbstractItemModelTester>

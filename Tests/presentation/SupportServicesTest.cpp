@@ -5,7 +5,7 @@
 #include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/StackedView.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <gmock/gmock.h>
 

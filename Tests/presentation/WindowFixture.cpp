@@ -4,7 +4,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "presentation/MainWindow.h"
 #include "presentation/preview/PreviewTableModel.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 
 #include <QAbstractButton>

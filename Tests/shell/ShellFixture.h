@@ -5,7 +5,7 @@
 #include "common/ScriptedFrontEnd.h"
 #include "common/TemporaryFolder.h"
 #include "platform/propertylists/UserDefaults.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 
 #include <gmock/gmock.h>

@@ -11,7 +11,7 @@
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/preview/PreviewPane.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 
 #include <QAction>

@@ -6,7 +6,7 @@
 #include "presentation/dialogs/AnswerOnce.h"
 #include "presentation/dialogs/ConfirmationSheetWindow.h"
 #include "presentation/dialogs/ErrorWindow.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>

@@ -11,7 +11,7 @@
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/start/FileAddress.h"
 #include "presentation/steps/StepsPane.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAction>
 #include <QApplication>

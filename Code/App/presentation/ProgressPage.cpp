@@ -3,7 +3,7 @@
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/pipeline/RenameEngine.h"
 #include "presentation/QtText.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QApplication>
 #include <QLabel>

@@ -11,7 +11,7 @@
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QApplication>
 #include <QDesktopServices>

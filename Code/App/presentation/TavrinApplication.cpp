@@ -3,7 +3,7 @@
 #include "documents/DropletHandOver.h"
 #include "presentation/MainWindow.h"
 #include "presentation/SessionEnd.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <fmt/format.h>
 

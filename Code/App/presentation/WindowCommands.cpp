@@ -11,7 +11,7 @@
 #include "presentation/dialogs/ShortcutsDialog.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 #include "support/values/ValueTransformers.h"
 

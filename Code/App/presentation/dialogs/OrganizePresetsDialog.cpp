@@ -5,7 +5,7 @@
 #include "presentation/FileBrowser.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/PresetDialog.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 #include "support/values/ValueTransformers.h"
 

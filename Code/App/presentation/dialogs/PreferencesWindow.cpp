@@ -8,7 +8,7 @@
 #include "presentation/dialogs/FileManagersPanel.h"
 #include "presentation/dialogs/UpdatesPanel.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -3,7 +3,7 @@
 #include "documents/PresetsManager.h"
 #include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QCoreApplication>
 #include <QDialog>

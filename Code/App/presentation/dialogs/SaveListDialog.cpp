@@ -3,7 +3,7 @@
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AnswerOnce.h"
 #include "presentation/preview/ShownName.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 
 #include <QCheckBox>

@@ -4,7 +4,7 @@
 #include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/QtText.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QComboBox>
 #include <QFormLayout>

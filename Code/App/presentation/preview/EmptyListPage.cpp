@@ -6,7 +6,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/WindowColours.h"
 #include "presentation/WindowCommands.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QHBoxLayout>
 #include <QIcon>

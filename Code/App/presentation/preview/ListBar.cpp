@@ -5,7 +5,7 @@
 #include "presentation/GlyphIcon.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAction>
 #include <QActionGroup>

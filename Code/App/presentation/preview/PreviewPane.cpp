@@ -16,7 +16,7 @@
 #include "presentation/preview/ThumbnailLoader.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/start/FileAddress.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAction>
 #include <QClipboard>

@@ -3,7 +3,7 @@
 #include "presentation/QtText.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/ThumbnailLoader.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/PathParts.h"
 #include "support/text/Text.h"
 

@@ -3,7 +3,7 @@
 #include "platform/files/FileSystem.h"
 #include "platform/files/FolderEntries.h"
 #include "presentation/preview/ShownName.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/PathParts.h"
 #include "support/text/Text.h"
 

@@ -6,8 +6,8 @@
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/ParameterBinding.h"
+#include "shell/MainController.h"
 #include "shell/asking/FrontEnd.h"
-#include "shell/commands/MainController.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

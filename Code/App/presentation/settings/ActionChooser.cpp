@@ -5,7 +5,7 @@
 #include "presentation/QtText.h"
 #include "presentation/settings/ActionSearchField.h"
 #include "presentation/settings/ParameterEditors.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QBoxLayout>
 #include <utility>

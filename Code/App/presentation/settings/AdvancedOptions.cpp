@@ -4,7 +4,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/settings/ParameterBinding.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

@@ -4,7 +4,7 @@
 #include "presentation/QtText.h"
 #include "presentation/settings/PanelRows.h"
 #include "presentation/settings/ParameterEditors.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAbstractButton>
 #include <QFormLayout>

@@ -13,7 +13,7 @@
 #include "presentation/settings/StackedView.h"
 #include "presentation/tags/PatternEditor.h"
 #include "presentation/tags/TagLibraryView.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/values/ValueTransformers.h"
 
 #include <QAction>

@@ -5,7 +5,7 @@
 #include "presentation/TavrinApplication.h"
 #include "presentation/start/FileAddress.h"
 #include "presentation/start/WindowArguments.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/DisplayText.h"
 
 #include <fmt/format.h>

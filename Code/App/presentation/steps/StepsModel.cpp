@@ -4,7 +4,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/PanelRows.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QMimeData>
 #include <QStringList>

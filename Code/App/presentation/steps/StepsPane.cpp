@@ -6,7 +6,7 @@
 #include "presentation/WindowCommands.h"
 #include "presentation/steps/StepDelegate.h"
 #include "presentation/steps/StepsModel.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include <QAction>
 #include <QHBoxLayout>

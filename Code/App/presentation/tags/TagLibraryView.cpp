@@ -6,7 +6,7 @@
 #include "presentation/QtText.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/ShownName.h"
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 #include "support/text/Text.h"
 #include "tags/TagLibraryHelper.h"
 #include "tags/TaggedFile.h"

@@ -1,4 +1,4 @@
-#include "engine/planning/PrepareForRenamingStage.h"
+#include "engine/renaming/PrepareForRenamingStage.h"
 
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"

@@ -1,4 +1,4 @@
-#include "shell/commands/MainController.h"
+#include "shell/MainController.h"
 
 #include "actions/ActionList.h"
 #include "engine/asking/ErrorReportManager.h"
