@@ -2,7 +2,6 @@
 #include "support/text/Text.h"
 
 #include <random>
-#include <set>
 
 namespace tavrin::test {
 
@@ -12,7 +11,7 @@ using SequenceActions = CatalogueFixture;
 
 // One step of -1 leads back, from any start, by any number of items.
 TEST_F(SequenceActions, CountInLettersThereAndBack) {
-    const auto action = catalogue.newActionForName("Produce alphabetical list");
+    const auto action = make("Produce alphabetical list");
     std::mt19937_64 random(5);
     for (int i = 0; i < 2000; ++i) {
         std::u16string start(1, static_cast<char16_t>(u'B' + random() % 25));
@@ -26,44 +25,14 @@ TEST_F(SequenceActions, CountInLettersThereAndBack) {
     }
 }
 
-TEST_F(SequenceActions, CheckAStartValueInLetters) {
-    const auto action = catalogue.newActionForName("Add alphabetical sequence to end");
-    const struct {
-        PropertyValue proposed;
-        std::u16string stored;
-    } cases[] = {{u"aa", u"A"},  {u"a1", u"A"},      {u"", u"A"},
-                 {u"bc", u"BC"}, {u"b~", u"BZ"},     {u"abcdefg", u"BCDEF"},
-                 {12, u"A"},     {u"\u00df", u"SS"}, {u"zzzzzzz", u"ZZZZZZ"}};
-    for (const auto& each : cases)
-        EXPECT_EQ(action->validatedValue(each.proposed, "startValue"), PropertyValue(each.stored));
-    EXPECT_EQ(action->validatedValue(u"aa", "suffix"), PropertyValue(u"aa"));
-}
-
-TEST_F(SequenceActions, GiveOneTextWithoutAStep) {
-    for (const auto* family : {"number", "roman numeral", "alphabetical sequence"}) {
-        auto action = catalogue.newActionForName(std::string("Add ") + family + " to start");
-        action->setParameterList({{"stepValue", 0}});
-        std::set<std::u16string> texts;
-        for (const std::int32_t rank : {1, 2, 77, 2147483647, -2147483647 - 1})
-            texts.insert(run(*action, u"n", rank));
-        EXPECT_EQ(texts.size(), 1U) << family;
-    }
-}
-
 TEST_F(SequenceActions, BoundTheWidth) {
-    const struct {
-        const char* action;
-        std::int32_t padding;
-        std::size_t width;
-    } cases[] = {{"Produce numbered list", 2147483647, 1024},
-                 {"Produce numbered list", -2147483647 - 1, 1024},
-                 {"Produce alphabetical list", 2147483647, 1024},
-                 {"Produce alphabetical list", -2147483647 - 1, 1}};
-    for (const auto& each : cases) {
-        auto action = catalogue.newActionForName(each.action);
-        action->setParameterList({{"prefix", u""}, {"padding", each.padding}});
-        EXPECT_EQ(run(*action, u"a").size(), each.width) << each.action << each.padding;
-    }
+    const std::tuple<const char*, std::int32_t, std::size_t> cases[] = {
+        {"Produce numbered list", 2147483647, 1024},
+        {"Produce numbered list", -2147483647 - 1, 1024},
+        {"Produce alphabetical list", 2147483647, 1024},
+        {"Produce alphabetical list", -2147483647 - 1, 1}};
+    for (const auto& [action, padding, width] : cases)
+        EXPECT_EQ(run(*make(action, {{"prefix", u""}, {"padding", padding}}), u"a").size(), width);
 }
 
 } // namespace
