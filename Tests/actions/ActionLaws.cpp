@@ -1,43 +1,15 @@
 #include "actions/ActionLaws.h"
 
 #include "common/FileTimes.h"
-#include "common/TemporaryFolder.h"
 #include "support/text/Text.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <set>
 
 namespace tavrin::test {
 
 namespace {
-
-/// Makes the file that an example tells of, under its name in a folder of its own, and gives its path.
-std::string makeFile(const ActionExample& example, const std::string& parent) {
-    const std::string name = text::toUtf8(example.before);
-    if (!example.file.folder.empty())
-        return std::string(example.file.folder) + "/" + name; // looked at as a text, so it need not exist
-    const std::string path = parent + "/" + name;
-    if (!example.file.sample.empty())
-        std::filesystem::copy_file(TAVRIN_SOURCE_FOLDER "/Tests/samples/" + std::string(example.file.sample),
-                                   path);
-    else
-        std::ofstream(path) << "content";
-    if (!example.file.modified.empty())
-        setModificationTime(path, std::string(example.file.modified));
-    return path;
-}
-
-PropertyDictionary parametersOf(const ActionExample& example, const std::string& folder) {
-    PropertyDictionary parameters = example.parameters;
-    if (!example.file.list.empty()) {
-        const std::string path = folder + "/list.txt";
-        std::ofstream(path) << text::toUtf8(example.file.list);
-        parameters.insert_or_assign("listFilePath", text::fromBytes(path));
-    }
-    return parameters;
-}
 
 /// What panels, the terminal and stored lists take for granted of a row.
 void expectLawsOfRow(const BaseRenameAction& action, const ParameterDescription& row) {
@@ -90,9 +62,7 @@ void expectLaws(ActionList& list, const std::vector<ActionEntry>& entries) {
             expectLawsOfRow(*action, row);
         }
 
-        const auto read = PropertyList::fromBytes(PropertyList::toXml(PropertyValue(defaultValues)));
-        ASSERT_TRUE(std::holds_alternative<PropertyValue>(read));
-        action->setParameterList(*std::get<PropertyValue>(read).asDictionary());
+        action->setParameterList(storedAndRead(defaultValues));
         // What an action tells the user, it may tell anew when parameters are loaded.
         for (const auto& row : action->parameters())
             if (row.kind == ParameterKind::status)
@@ -103,19 +73,51 @@ void expectLaws(ActionList& list, const std::vector<ActionEntry>& entries) {
 
 void expectExamples(const ActionEntry& entry) {
     SCOPED_TRACE(entry.name);
-    auto action = entry.make();
     EXPECT_FALSE(entry.examples.empty());
-    for (const auto& example : entry.examples) {
+    for (const auto& [parameters, before, after, file] : entry.examples) {
         const TemporaryFolder folder;
-        const std::string path = makeFile(example, folder.path());
-        action->setParameterList(action->defaultParameters());
-        for (const auto& [key, value] : example.parameters)
-            EXPECT_TRUE(action->parameterList().contains(key)) << key;
-        for (const auto& [key, value] : parametersOf(example, folder.path()))
-            action->setValue(value, key);
-        const auto copyForTheRun = entry.make();
-        copyForTheRun->setParameterList(action->parameterList());
-        EXPECT_EQ(text::toUtf8(run(*copyForTheRun, example.before, 1, path)), text::toUtf8(example.after));
+        const std::string name = text::toUtf8(before);
+        const auto path = file.folder.empty() ? folder.write(name, "content")
+                                              : std::string(file.folder).append("/").append(name);
+        PropertyDictionary circumstances{{"@path", text::fromBytes(path)}};
+        for (const auto& [key, told] : {std::pair("@modified", file.modified), {"@sample", file.sample}})
+            if (!told.empty())
+                circumstances.emplace(key, text::fromUtf8(told));
+        if (!file.list.empty())
+            circumstances.emplace("@list", std::u16string(file.list));
+        const auto edited = entry.make();
+        for (const auto& [key, value] : parameters)
+            edited->setValue(value, key);
+        expectCase(*entry.make(), {edited->parameterList(), circumstances, before, after}, folder);
+    }
+}
+
+void expectCase(BaseRenameAction& action, const ActionCase& each, const TemporaryFolder& folder) {
+    const auto told = [&](std::string_view key) {
+        const auto* value = find(each.circumstances, key);
+        return value ? text::toUtf8(textValue(*value)) : "";
+    };
+    action.setParameterList(action.defaultParameters());
+    for (const auto& [key, value] : each.parameters)
+        ASSERT_TRUE(action.parameterList().contains(key)) << key;
+    auto parameters = each.parameters;
+    if (each.circumstances.contains("@list"))
+        parameters.insert_or_assign("listFilePath", text::fromBytes(folder.write("list", told("@list"))));
+    action.setParameterList(parameters);
+    auto path = told("@path");
+    if (const auto sample = told("@sample"); !sample.empty()) {
+        path = folder.path(sample);
+        std::filesystem::copy_file(TAVRIN_SOURCE_FOLDER "/Tests/samples/" + sample, path,
+                                   std::filesystem::copy_options::skip_existing);
+    }
+    if (const auto modified = told("@modified"); !modified.empty()) {
+        path = path.empty() ? folder.write("file") : path;
+        setModificationTime(path, modified);
+    }
+    const auto* const rank = find(each.circumstances, "@rank");
+    for (const auto* use : {"first use", "second use"}) {
+        EXPECT_EQ(run(action, each.name, rank ? intValue(*rank) : 1, path), each.expected) << use;
+        run(action, u"Some Oth\u00e9r-name e\u0301 aBc.ext");
     }
 }
 
