@@ -75,6 +75,7 @@ void expectExamples(const ActionEntry& entry) {
     SCOPED_TRACE(entry.name);
     EXPECT_FALSE(entry.examples.empty());
     for (const auto& [parameters, before, after, file] : entry.examples) {
+        EXPECT_NE(before, after);
         const TemporaryFolder folder;
         const std::string name = text::toUtf8(before);
         const auto path = file.folder.empty() ? folder.write(name, "content")

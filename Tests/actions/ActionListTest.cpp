@@ -49,24 +49,20 @@ TEST_F(Catalogue, HoldsActionsThatKeepItsLaws) {
 }
 
 TEST_F(Catalogue, StartsAnActionWithTheParametersLastSaved) {
-    auto action = catalogue.newActionForName("Add to end");
-    action->setValue(u"-x", "string");
+    const auto action = make("Add to end", {{"string", u"-x"}});
+    const auto other = make("Add to front");
     catalogue.saveActionParametersToPreferences(*action);
-    auto other = catalogue.newActionForName("Add to front");
     catalogue.saveActionParametersToPreferences(*other);
-    EXPECT_EQ(catalogue.newActionForName("Add to end")->parameterList(), action->parameterList());
-
+    EXPECT_EQ(make("Add to end")->parameterList(), action->parameterList());
     // An entry from before a parameter came in, in the key form of its time.
     defaults.setObject("actions",
                        PropertyDictionary{{"Add to end", PropertyDictionary{{"fragment selection", 3}}}});
-    auto old = catalogue.newActionForName("Add to end");
-    EXPECT_EQ(old->getParamInt("fragmentSelection", 9), 3);
-    EXPECT_EQ(old->valueForKey("string"), PropertyValue(u""));
-
+    EXPECT_EQ(make("Add to end")->getParamInt("fragmentSelection", 9), 3);
+    EXPECT_EQ(make("Add to end")->valueForKey("string"), PropertyValue(u""));
     for (const PropertyValue& wrong :
          {PropertyValue(u"text"), PropertyValue(PropertyDictionary{{"Add to end", 1}})}) {
         defaults.setObject("actions", wrong);
-        EXPECT_EQ(catalogue.newActionForName("Add to end")->parameterList(), other->parameterList());
+        EXPECT_EQ(make("Add to end")->parameterList(), other->parameterList());
     }
 }
 
@@ -86,15 +82,13 @@ TEST_F(Catalogue, RefusesUnknownActions) {
 TEST_F(Catalogue, ObservesOnlyWhatTheInterfaceEdits) {
     RecordingObserver observer;
     catalogue.setObserver(&observer);
-    auto edited = catalogue.newActionForName("Add to end");
-    auto copy = catalogue.newActionForName("Add to end", ActionUse::privateRun);
+    const auto edited = make("Add to end");
+    const auto copy = catalogue.newActionForName("Add to end", ActionUse::privateRun);
     copy->setValue(u"a", "string");
-    EXPECT_TRUE(observer.changes.empty());
-    edited->setValue(u"a", "string");
-    EXPECT_EQ(observer.keys(), std::vector<std::string>{"string"});
-    catalogue.setObserver(nullptr);
     edited->setValue(u"b", "string");
-    EXPECT_EQ(observer.changes.size(), 1U);
+    catalogue.setObserver(nullptr);
+    edited->setValue(u"c", "string");
+    EXPECT_EQ(observer.changes, (std::vector<RecordingObserver::Change>{{"string", u"", u"b"}}));
 }
 
 TEST_F(Catalogue, MakesActionsOnTheMainThread) {

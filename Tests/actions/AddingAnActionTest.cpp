@@ -1,23 +1,12 @@
 #include "actions/ActionLaws.h"
 #include "actions/AddedAction.h"
-
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <sstream>
+#include "platform/files/FileSystem.h"
 
 // What docs/adding-an-action.md shows is true.
 
 namespace tavrin::test {
 
 namespace {
-
-std::string contentOf(const std::string& path) {
-    std::ifstream file(TAVRIN_SOURCE_FOLDER "/" + path);
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
 
 using AddingAnAction = CatalogueFixture;
 
@@ -32,8 +21,12 @@ TEST_F(AddingAnAction, GivesAnActionThatKeepsTheLaws) {
 }
 
 TEST_F(AddingAnAction, ShowsAnActionOfTheProgram) {
-    const auto page = contentOf("docs/adding-an-action.md");
-    const auto unit = contentOf("Code/App/actions/characters/CharacterSetActions.cpp");
+    auto& files = FileSystem::sharedInstance();
+    std::string page, unit;
+    ASSERT_EQ(files.readFile(TAVRIN_SOURCE_FOLDER "/docs/adding-an-action.md", page, 1U << 20), 0);
+    ASSERT_EQ(files.readFile(TAVRIN_SOURCE_FOLDER "/Code/App/actions/characters/CharacterSetActions.cpp",
+                             unit, 1U << 20),
+              0);
     const std::string opening = "```cpp real\n";
     int count = 0;
     for (auto at = page.find(opening); at != page.npos; at = page.find(opening, at + 1), ++count) {
