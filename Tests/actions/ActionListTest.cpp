@@ -1,6 +1,8 @@
 #include "actions/ActionError.h"
 #include "actions/ActionLaws.h"
+#include "actions/AddedAction.h"
 #include "common/ManualRunLoop.h"
+#include "platform/files/FileSystem.h"
 
 #include <atomic>
 #include <thread>
@@ -22,10 +24,8 @@ TEST_F(Catalogue, MapsMenusToCategories) {
     EXPECT_EQ(list.popUpMenuItems(), (std::vector<std::u16string>{u"A", u"B", u"", u"C"}));
     EXPECT_EQ(list.categoryPopUpMenuItems(), (std::vector<std::u16string>{u"Replace", u"Move"}));
     EXPECT_EQ(list.categoryToActionMapping(), (std::vector<std::vector<std::int32_t>>{{0, 1}, {3}}));
-    std::vector<std::int32_t> categories;
-    for (std::int32_t i = 0; i < list.count(); ++i)
-        categories.push_back(list.translateActionIndexToCategoryIndex(i).value());
-    EXPECT_EQ(categories, (std::vector<std::int32_t>{0, 0, 0, 1}));
+    for (const auto& [index, category] : {std::pair(0, 0), {1, 0}, {2, 0}, {3, 1}})
+        EXPECT_EQ(list.translateActionIndexToCategoryIndex(index), category);
     EXPECT_EQ(list.getFirstActionIndexForCategoryIndex(1), 3);
     EXPECT_EQ(list.getItemNamesForCategory(0), (std::vector<std::u16string>{u"A", u"B"}));
     EXPECT_EQ(list.popUpMenuItemStringForName("c"), u"C");
@@ -93,17 +93,14 @@ TEST_F(Catalogue, ObservesOnlyWhatTheInterfaceEdits) {
 
 TEST_F(Catalogue, MakesActionsOnTheMainThread) {
     ManualRunLoop loop;
-    static std::atomic<int> madeElsewhere;
     static const auto mainThread = std::this_thread::get_id();
+    static std::atomic<int> madeElsewhere;
     madeElsewhere = 0;
-    ActionList list({{"a",
-                      "A",
-                      ActionCategory::move,
-                      []() -> std::unique_ptr<BaseRenameAction> {
-                          madeElsewhere += std::this_thread::get_id() != mainThread;
-                          return std::make_unique<Nothing>();
-                      },
-                      {}}});
+    constexpr auto create = []() -> std::unique_ptr<BaseRenameAction> {
+        madeElsewhere += std::this_thread::get_id() != mainThread;
+        return std::make_unique<Nothing>();
+    };
+    ActionList list({{"a", "A", ActionCategory::move, create, {}}});
     list.setRunLoop(&loop);
     int done = 0;
     std::vector<std::thread> workers;
@@ -125,6 +122,35 @@ TEST_F(Catalogue, MakesActionsOnTheMainThread) {
     loop.close();
     std::thread late([&] { EXPECT_NE(list.newActionForName("a"), nullptr); });
     late.join();
+}
+
+// ---- what docs/adding-an-action.md shows is true
+
+TEST_F(Catalogue, TakesTheActionOfThePageOnAddingOne) {
+    auto entries = addedActions();
+    ASSERT_EQ(entries.size(), 1U);
+    for (const auto& entry : allActions())
+        entries.push_back(entry);
+    ActionList list(entries);
+    expectLaws(list, entries);
+    expectExamples(entries.front());
+}
+
+TEST_F(Catalogue, HoldsTheActionThatThePageShows) {
+    auto& files = FileSystem::sharedInstance();
+    std::string page, unit;
+    ASSERT_EQ(files.readFile(TAVRIN_SOURCE_FOLDER "/docs/adding-an-action.md", page, 1U << 20), 0);
+    ASSERT_EQ(files.readFile(TAVRIN_SOURCE_FOLDER "/Code/App/actions/characters/CharacterSetActions.cpp",
+                             unit, 1U << 20),
+              0);
+    const std::string opening = "```cpp real\n";
+    int count = 0;
+    for (auto at = page.find(opening); at != page.npos; at = page.find(opening, at + 1), ++count) {
+        const auto start = at + opening.size();
+        const auto shown = page.substr(start, page.find("```", start) - start);
+        EXPECT_NE(unit.find(shown), unit.npos) << shown;
+    }
+    EXPECT_EQ(count, 2);
 }
 
 } // namespace
