@@ -354,8 +354,7 @@ TEST_F(UserDefaultsFile, KeepsThePersistentLayerAlone) {
     }
     EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0644));
     UserDefaults again(path);
-    EXPECT_FALSE(again.objectForKey("registered"));
-    EXPECT_FALSE(again.objectForKey("process"));
+    EXPECT_FALSE(again.objectForKey("registered") || again.objectForKey("process"));
     const auto kept = again.objectForKey("kept");
     ASSERT_TRUE(kept && kept->asDictionary() != nullptr);
     EXPECT_EQ(textOrData(kept->asDictionary()->at("name")), u"half \xD83D");
