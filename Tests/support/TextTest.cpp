@@ -27,6 +27,7 @@ TEST(TextEncoding, BytesSurviveTheWayThroughText) {
         ASSERT_TRUE(toBytes(text, back)) << testing::PrintToString(bytes);
         ASSERT_EQ(bytes, back);
         ASSERT_EQ(bytes, toUtf8(text));
+        ASSERT_EQ(isUtf8(bytes), !hasEscape(text)) << testing::PrintToString(bytes);
         ASSERT_EQ(text, fromBytes(bytes)) << "a reused buffer decodes otherwise";
     }
 }
