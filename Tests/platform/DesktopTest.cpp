@@ -152,12 +152,9 @@ TEST_F(FileManagerMenusTest, TheScriptOfNautilusHandsOverTheSelectedFiles) {
     ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
     ASSERT_EQ(FileManagerMenus(program).add(nautilus).message, "");
     const std::string here = folder.makeFolder("pictures");
-    const struct {
-        std::string folder;
-        std::string selection; ///< all paths, if any are told
-        const char* arguments;
-        std::string given;
-    } cases[] = {
+    // The folder, all paths that are selected, if they are told, the arguments, and what the program is
+    // given.
+    const std::tuple<std::string, std::string, const char*, std::string> cases[] = {
         {here, here + "/a b.jpg\n" + here + "/-c*\n", "'a b.jpg' '-c*'", "--|a b.jpg|-c*|"},
         {here, here + "/a\nb\n" + here + "/c\n", "'a\nb' c", "--|a\nb|c|"}, // a name of the folder shown
         {here, here + "/deep er/*\n/tmp/$x\n", "'*' '$x'", "--|" + here + "/deep er/*|/tmp/$x|"}, // found
@@ -165,15 +162,15 @@ TEST_F(FileManagerMenusTest, TheScriptOfNautilusHandsOverTheSelectedFiles) {
         {here, "", "a 'b c'", "--|a|b c|"},
         {here, "", "", "--|"},
     };
-    for (const auto& each : cases) {
+    for (const auto& [shown, selection, arguments, given] : cases) {
         const Variable paths("NAUTILUS_SCRIPT_SELECTED_FILE_PATHS",
-                             each.selection.empty() ? nullptr : each.selection.c_str());
+                             selection.empty() ? nullptr : selection.c_str());
         ChildProcess::Request request;
         request.arguments = {
             "/bin/sh", "-c",
-            fmt::format("cd '{}' && exec \"$XDG_DATA_HOME/nautilus/scripts/Rename with Tavrin…\" {}",
-                        each.folder, each.arguments)};
-        EXPECT_EQ(ChildProcess::run(request).output, each.given);
+            fmt::format("cd '{}' && exec \"$XDG_DATA_HOME/nautilus/scripts/Rename with Tavrin…\" {}", shown,
+                        arguments)};
+        EXPECT_EQ(ChildProcess::run(request).output, given);
     }
 }
 

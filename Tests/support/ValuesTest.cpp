@@ -134,13 +134,9 @@ TEST(ApplicationName, OfTheSecondEdition) {
 }
 
 TEST(StackedViewLayout, TheFlexibleViewTakesWhatIsFree) {
-    const struct {
-        std::vector<double> heights;
-        std::optional<std::size_t> flexi;
-        std::int64_t preferred;
-        double visible;
-        const char* expected; ///< the height of the stack; the place and the height of each view
-    } cases[] = {
+    // The heights, the flexible view and its preferred height, the visible height; the height of the stack,
+    // and the place and the height of each view.
+    const std::tuple<std::vector<double>, std::optional<std::size_t>, int, double, const char*> cases[] = {
         {{}, {}, 0, 50, "50:"},
         {{20, 30}, {}, 0, 40, "50: 0+20 20+30"},
         {{20, 30}, {}, 0, 90, "90: 0+20 20+30"},
@@ -156,12 +152,12 @@ TEST(StackedViewLayout, TheFlexibleViewTakesWhatIsFree) {
         {{20.9, 1}, 1, 10, 39.8, "39.8: 0+20.9 20.9+11"}, // 39 less 30: whole points, an extra of 9
         {{20.2, 1}, 1, 10, 38.9, "38.9: 0+20.2 20.2+18"}, // 38 less 30
     };
-    for (const auto& each : cases) {
-        const auto layout = StackedViewLayout::of(each.heights, each.flexi, each.preferred, each.visible);
+    for (const auto& [heights, flexi, preferred, visible, expected] : cases) {
+        const auto layout = StackedViewLayout::of(heights, flexi, preferred, visible);
         std::string found = fmt::format("{}:", layout.height);
         for (const auto& place : layout.places)
             found += fmt::format(" {}+{}", place.top, place.height);
-        EXPECT_EQ(found, each.expected);
+        EXPECT_EQ(found, expected);
     }
 }
 
