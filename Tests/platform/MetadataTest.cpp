@@ -8,14 +8,12 @@
 #include "platform/metadata/FileManager.h"
 #include "platform/metadata/MetadataTool.h"
 #include "support/text/Text.h"
-#include "support/values/DecimalNumbers.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <sstream>
@@ -417,24 +415,6 @@ TEST_F(FileManagerTest, KeepsCommentsWithTheFile) {
     EXPECT_TRUE(manager.changeFinderComment("", folder.path("renamed")));
     EXPECT_EQ(manager.finderCommentForFileURL(folder.path("renamed")), std::nullopt);
     EXPECT_FALSE(manager.changeFinderComment("x", path));
-}
-
-TEST(DecimalNumbers, FollowTheLocale) {
-    const std::tuple<const char*, std::vector<std::u16string>, std::u16string> cases[] = {
-        {"C", {u"03", u"12", u"-7", u"A", u"", u"3 of 4"}, u"3|12|-7|none|none|none|"},
-        {"en_US.UTF-8", {u"1234", u"1.23456"}, u"1,234|1.235|"},
-        {"de_DE.UTF-8", {u"1234,5"}, u"1.234,5|"},
-        {"de_DE@euro", {u"1.234,5"}, u"1.234,5|"},
-    };
-    for (const auto& [locale, texts, expected] : cases) {
-        const DecimalNumbers numbers(locale);
-        std::u16string found;
-        for (const std::u16string& text : texts) {
-            const auto number = numbers.numberFrom(text);
-            found += (number ? numbers.textOf(*number) : u"none") + u"|";
-        }
-        EXPECT_EQ(found, expected) << locale;
-    }
 }
 
 /// 2005-07-01 00:00:00 UTC in seconds since 2001.

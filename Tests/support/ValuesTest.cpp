@@ -7,6 +7,7 @@
 #include "support/text/PathParts.h"
 #include "support/text/Text.h"
 #include "support/values/CalendarFormat.h"
+#include "support/values/DecimalNumbers.h"
 #include "support/values/PropertyValue.h"
 #include "support/values/VersionComparison.h"
 
@@ -196,6 +197,24 @@ TEST(VersionComparison, CutsIntoChunksOfOneType) {
         found += '\n';
     }
     EXPECT_EQ(found, "\n10|.|4|b|12|\n.|.|\na-b|.|1|\n1|\xC3\xA9|\n");
+}
+
+TEST(DecimalNumbers, FollowTheLocale) {
+    const std::tuple<const char*, std::vector<std::u16string>, std::u16string> cases[] = {
+        {"C", {u"03", u"12", u"-7", u"A", u"", u"3 of 4"}, u"3|12|-7|none|none|none|"},
+        {"en_US.UTF-8", {u"1234", u"1.23456"}, u"1,234|1.235|"},
+        {"de_DE.UTF-8", {u"1234,5"}, u"1.234,5|"},
+        {"de_DE@euro", {u"1.234,5"}, u"1.234,5|"},
+    };
+    for (const auto& [locale, texts, expected] : cases) {
+        const DecimalNumbers numbers(locale);
+        std::u16string found;
+        for (const std::u16string& text : texts) {
+            const auto number = numbers.numberFrom(text);
+            found += (number ? numbers.textOf(*number) : u"none") + u"|";
+        }
+        EXPECT_EQ(found, expected) << locale;
+    }
 }
 
 /// A zone told by rules, so that no table of zones is needed, and messages in a language of their own.
