@@ -1,5 +1,6 @@
 #include "support/text/Text.h"
 
+#include "support/text/DisplayText.h"
 #include "support/text/KQStringUtilities.h"
 
 #include <gtest/gtest.h>
@@ -95,6 +96,14 @@ TEST(TextEncoding, OrderIsThatOfTheCodePoints) {
             const int order = compareByCodePoint(ascending[i], ascending[j]);
             EXPECT_EQ((i > j) - (i < j), (order > 0) - (order < 0)) << i << " " << j;
         }
+}
+
+TEST(DisplayText, EscapesWhatWouldActOrIsNoText) {
+    EXPECT_EQ(display::visible("a\n\t\x1b[0m\x7f \xc2\x85 caf\xe9 é😀\u202Eb\u2066\u2069\u200E\u2070\u2029"),
+              "a\\n\\t\\x1b[0m\\x7f \\u0085 caf\\xe9 é😀\\u202eb\\u2066\\u2069\\u200e\u2070\u2029");
+    std::string json;
+    display::appendJson(u"a\"\\\n\x7f\u0085\u00A0 \xDCE9 \xD83D 😀\xD83D", json);
+    EXPECT_EQ(json, "\"a\\\"\\\\\\u000a\\u007f\\u0085\u00A0 \\udce9 \\ud83d 😀\\ud83d\"");
 }
 
 TEST(TextNormalization, FormsOfOneText) {
