@@ -20,9 +20,8 @@ namespace {
 struct ModelRow {
     NodeRow row;
     std::string component, path;
-    std::u16string finalName;
+    std::u16string finalName, regex;
     PassMarker flag = unmarked;
-    std::u16string regex;
     std::vector<std::uint8_t> tags;
 };
 using Model = std::map<RowId, ModelRow>;
