@@ -16,11 +16,7 @@ class ComputeNamesTest : public StageTest {};
 /// renamed, and settings.
 TEST(ComputeNames, OfChains) {
     struct Case {
-        const char* name;
-        const char* onDisk;
-        const char* listed;
-        const char* steps;
-        const char* finalNames;
+        const char *name, *onDisk, *listed, *steps, *finalNames;
         int toRename;
         const char* settings = "";
     };

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
-#include <sstream>
 #include <unistd.h>
 
 // Records of runs, what is chosen from them, and what taking a run back leaves.
@@ -21,11 +20,7 @@ using testing::IsEmpty;
 
 /// The text of a record, to be changed line by line.
 struct RecordText {
-    explicit RecordText(const std::string& text = "") {
-        std::istringstream stream(text);
-        for (std::string line; std::getline(stream, line);)
-            lines.push_back(line);
-    }
+    std::vector<std::string> lines;
 
     /// The lines again, each "block" line with the count and checksum of those before it.
     [[nodiscard]] std::string withChecksums() const {
@@ -33,20 +28,18 @@ struct RecordText {
         std::size_t start = 0;
         std::size_t count = 0;
         for (const std::string& line : lines) {
+            ++count;
             if (line.starts_with("block")) {
-                text += "block\t" + std::to_string(count) + "\t" +
-                        std::to_string(crc32(std::string_view(text).substr(start))) + "\n";
+                const auto sum = crc32(std::string_view(text).substr(start));
+                text += fmt::format("block\t{}\t{}\n", count - 1, sum);
                 start = text.size();
                 count = 0;
             } else {
                 text += line + "\n";
-                ++count;
             }
         }
         return text;
     }
-
-    std::vector<std::string> lines;
 };
 
 /// A record of three blocks.
@@ -147,7 +140,7 @@ class HistoryBench : public RenameBench {
     enum class Change { none, cut, cutWhereTheFlagIsRefused, isOld, renamedAgain };
     void changeRecord(Change change) {
         std::string name = newestRecord();
-        RecordText text(records.read(name));
+        RecordText text{split(records.read(name), '\n')};
         if (change == Change::cut || change == Change::cutWhereTheFlagIsRefused)
             text.lines.pop_back();
         if (change == Change::cutWhereTheFlagIsRefused) {
@@ -275,10 +268,11 @@ TEST(RunHistory, ChoosesWhatIsNext) {
         {"rename:all undo1:none", "1 old", "", "whole whole"},
         {"rename:all undo1:some", "", "2 old", "undone whole"},
     };
-    const std::map<std::string, std::pair<const char*, const char*>> ends{{"all", {"3\t0", "ended"}},
-                                                                          {"none", {"0\t3", "ended"}},
-                                                                          {"some", {"2\t1", "ended"}},
-                                                                          {"stopped", {"3\t0", "stopped"}}};
+    const std::map<std::string, const char*> ends{
+        {"all", "done\t3\t0\t2026-11-21T14:22:34+01:00\tended"},
+        {"none", "done\t0\t3\t2026-11-21T14:22:34+01:00\tended"},
+        {"some", "done\t2\t1\t2026-11-21T14:22:34+01:00\tended"},
+        {"stopped", "done\t3\t0\t2026-11-21T14:22:34+01:00\tstopped"}};
     for (const auto& [runs, undo, redo, wantedStates] : cases) {
         SCOPED_TRACE(runs);
         const TemporaryFolder folder;
@@ -290,18 +284,18 @@ TEST(RunHistory, ChoosesWhatIsNext) {
             text.lines[1] = fmt::format("run\t2026-11-21T14:22:33+01:00\t1\tb\ttvrn\t{}\t{}",
                                         run.substr(0, of), run.substr(of, colon - of));
             if (const auto end = ends.find(run.substr(colon + 1)); end != ends.end())
-                text.lines.push_back(fmt::format("done\t{}\t2026-11-21T14:22:34+01:00\t{}", end->second.first,
-                                                 end->second.second));
+                text.lines.emplace_back(end->second);
             folder.write(std::to_string(++number) + ".run", text.withChecksums());
         }
         const RunHistory history(folder.path());
         const auto next = [&](RunKind what) {
+            const auto words = [](const ChosenRun* run) {
+                return run ? run->run.name + (run->toNewNames ? " new" : " old") : std::string();
+            };
             const auto chosen = history.choose(what, "");
-            const auto* run = std::get_if<ChosenRun>(&chosen);
             const auto outlook = history.outlook(what);
-            EXPECT_EQ(run ? run->run.name : "", outlook ? outlook->run.name : "");
-            EXPECT_EQ(run && run->toNewNames, outlook && outlook->toNewNames);
-            return run ? run->run.name + (run->toNewNames ? " new" : " old") : std::string();
+            EXPECT_EQ(words(std::get_if<ChosenRun>(&chosen)), words(outlook ? &*outlook : nullptr));
+            return words(outlook ? &*outlook : nullptr);
         };
         EXPECT_EQ(next(RunKind::undo), undo);
         EXPECT_EQ(next(RunKind::redo), redo);
@@ -370,10 +364,7 @@ TEST(TakeBackLaws, WhatIsCutOffAtAnyCallIsTakenBackOrFinished) {
 TEST(TakeBack, LeavesAloneWhatIsNotTheItem) {
     using enum HistoryBench::Change;
     struct Case {
-        const char* what;
-        const char* happens;
-        const char* reasons;
-        const char* left;
+        const char *what, *happens, *reasons, *left;
         HistoryBench::Change change = none;
         bool takesReplaced = false;
     };

@@ -18,10 +18,7 @@ const std::map<std::string, ConfirmationChoice> answers{
 /// A plan, all that the user is asked during its run with what he answers ("answer: question", and the paths
 /// that it names besides, without the folder), and what comes of it.
 struct Case {
-    const char* title;
-    const char* plan;
-    const char* dialogue;
-    const char* after;
+    const char *title, *plan, *dialogue, *after;
     const char* gone = ""; ///< since reading
     const char* settings = "interactiveMode=1";
     std::size_t recorded = 0; ///< failures that are told at the end
