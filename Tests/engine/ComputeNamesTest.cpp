@@ -1,8 +1,8 @@
 #include "RenameBench.h"
-#include "StageTest.h"
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 #include "engine/reading/AddFileSortingDataStage.h"
+#include "engine/reading/CleanUpStages.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 #include "platform/files/FileSystem.h"
 #include "store/rows/FileMO.h"
@@ -10,30 +10,13 @@
 #include <algorithm>
 
 namespace tavrin::test {
-namespace {
-
-class ComputeNamesTest : public StageTest {
-  protected:
-    /// Each old name with the new one, "a=A", in the order of the old ones.
-    std::vector<std::string> shown() {
-        std::vector<std::string> names;
-        for (const auto& [path, finalName] : host.finalNames())
-            names.push_back(relative(path) + "=" + finalName);
-        return names;
-    }
-};
-
-} // namespace
+class ComputeNamesTest : public StageTest {};
 
 /// Names on disk (with "/" for folders), those on the list, the steps, the new names, how many rows are to be
 /// renamed, and settings.
 TEST(ComputeNames, OfChains) {
     struct Case {
-        const char* name;
-        const char* onDisk;
-        const char* listed;
-        const char* steps;
-        const char* finalNames;
+        const char *name, *onDisk, *listed, *steps, *finalNames;
         int toRename;
         const char* settings = "";
     };
@@ -67,14 +50,11 @@ TEST(ComputeNames, OfChains) {
         setAll(bench.host, test.settings);
         bench.make(split(test.onDisk));
         for (const std::string& name : split(test.listed))
-            bench.host.add({bench.disk.path(name)});
+            bench.host.add({bench.folder.path(name)});
         setSteps(bench.host, test.steps);
         for (int preview = 0; preview < 2; ++preview) { // the second starts from the names on disk too
             bench.host.preview();
-            std::vector<std::string> names;
-            for (const auto& [path, finalName] : bench.host.finalNames())
-                names.push_back(path.substr(bench.disk.path().size() + 1) + "=" + finalName);
-            EXPECT_EQ(names, split(test.finalNames));
+            EXPECT_EQ(bench.shown(), split(test.finalNames));
             EXPECT_EQ(bench.host.counters().numberOfFilesThatNeedRenaming, test.toRename);
         }
     }
@@ -132,11 +112,9 @@ TEST_F(ComputeNamesTest, ProgressEndsAtItsTotal) {
 
 /// Dates, sizes and their absence, from the disk into the rows.
 TEST_F(ComputeNamesTest, SortingDataIsReadOncePerRow) {
-    folder.write("f", "12345");
     folder.write("d/.hidden/x", "123");
     folder.write("d/y", "1234");
-    folder.write("gone");
-    host.add({folder.path("f"), folder.path("d"), folder.path("gone")});
+    host.add({folder.write("f", "12345"), folder.path("d"), folder.write("gone")});
     folder.remove("gone");
     host.set("accurateFolderSize", 1);
     host.preview();
@@ -147,18 +125,16 @@ TEST_F(ComputeNamesTest, SortingDataIsReadOncePerRow) {
     };
     FileStatus status;
     ASSERT_EQ(FileSystem::sharedInstance().status(folder.path("f"), status), 0);
-    const NodeRow file = rowOf("f");
-    EXPECT_EQ(file.modDate, status.modificationDate);
-    EXPECT_EQ(file.crDate, status.creationDate);
-    EXPECT_EQ(file.size, 5U);
+    EXPECT_EQ(rowOf("f").modDate, status.modificationDate);
+    EXPECT_EQ(rowOf("f").crDate, status.creationDate);
+    EXPECT_EQ(rowOf("f").size, 5U);
     EXPECT_EQ(FileMO(context, context.fileWithPath(folder.path("f"))).exifDate(), std::nullopt);
     EXPECT_EQ(rowOf("d").size, 7U);
     EXPECT_EQ(rowOf("gone").modDate, 0.0);
     EXPECT_EQ(rowOf("gone").size, 0U);
 
     folder.write("f", "1234567");
-    host.set("retrieveEXIFInformation", false);
-    host.set("accurateFolderSize", 0);
+    setAll(host, "retrieveEXIFInformation=0 accurateFolderSize=0");
     host.add({folder.makeFolder("e"), folder.write("g.jpg")});
     host.preview();
     EXPECT_EQ(rowOf("f").size, 5U) << "what has its values is not read again";
@@ -167,25 +143,33 @@ TEST_F(ComputeNamesTest, SortingDataIsReadOncePerRow) {
 }
 
 /// A list of 2500 rows, so that every pass needs more than one batch, on both kinds of store.
-TEST_F(ComputeNamesTest, EveryPassReachesEveryRow) {
+TEST(ComputeNames, EveryPassReachesEveryRow) {
     constexpr int files = 2500;
-    for (int i = 0; i < files; ++i)
-        folder.write("t/d" + std::to_string(i % 7) + "/f" + std::to_string(i));
     for (const bool inFile : {false, true}) {
-        EngineTestHost one(inFile ? EngineTestHost::inFile(folder.path(), 0) : ItemStore::Options());
-        one.add({folder.path("t")});
-        one.set("processSubfolders", 1);
-        setSteps(one,
-                 "Make uppercase; Add to end string=!; Produce numbered list sortEachFolderSeparately=1");
-        one.preview();
-        EXPECT_EQ(one.counters().totalNumberOfFiles, files + 8);
-        EXPECT_EQ(one.counters().numberOfFilesThatNeedRenaming, files + 8);
-        setSteps(one, "Add to end active=0");
-        one.preview();
-        EXPECT_EQ(one.counters().numberOfFilesThatNeedRenaming, 0);
-        one.saveList(1, false, folder.path("list"));
-        const std::string list = folder.read("list");
-        EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), files + 8);
+        const TemporaryFolder data;
+        StageBench bench(inFile ? EngineTestHost::inFile(data.path(), 0) : ItemStore::Options());
+        for (int i = 0; i < files; ++i)
+            bench.folder.write("t/d" + std::to_string(i % 7) + "/f" + std::to_string(i));
+        bench.host.add({bench.folder.path("t")});
+        bench.host.set("processSubfolders", 1);
+        setSteps(bench.host, "Add to end string=!; Produce numbered list sortEachFolderSeparately=1");
+        bench.host.preview();
+        EXPECT_EQ(bench.host.counters().totalNumberOfFiles, files + 8);
+        EXPECT_EQ(bench.host.counters().numberOfFilesThatNeedRenaming, files + 8);
+        setSteps(bench.host, "Add to end active=0");
+        bench.host.preview();
+        EXPECT_EQ(bench.host.counters().numberOfFilesThatNeedRenaming, 0);
+        bench.host.saveList(1, false, data.path("list"));
+        EXPECT_EQ(std::ranges::count(data.read("list"), '\n'), files + 8);
+        StoreContext context(*bench.host.persistentStoreCoordinator(),
+                             StoreContext::MergePolicy::contextWins);
+        for (int i = 0; i < files; ++i)
+            context.insertProcessingError({"t", "m", ""});
+        context.commit();
+        EXPECT_TRUE(bench.run<CleanUpProcessingErrorsStage>());
+        EXPECT_TRUE(bench.host.errors().empty());
+        EXPECT_TRUE(bench.run<CleanUpFilesStage>());
+        EXPECT_TRUE(bench.host.finalNames().empty());
     }
 }
 

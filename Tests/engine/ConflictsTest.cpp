@@ -1,5 +1,4 @@
 #include "RenameBench.h"
-#include "StageTest.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 #include "support/text/Text.h"
 

@@ -1,4 +1,4 @@
-#include "StageTest.h"
+#include "RenameBench.h"
 #include "engine/asking/ErrorReportManager.h"
 #include "platform/files/SandboxHelper.h"
 #include "store/paging/StoreError.h"

@@ -1,4 +1,4 @@
-#include "StageTest.h"
+#include "RenameBench.h"
 #include "engine/pipeline/ProcessingPipeline.h"
 #include "engine/reading/CleanUpStages.h"
 #include "platform/files/SandboxHelper.h"
@@ -117,22 +117,6 @@ TEST_F(PipelineTest, AFailureInMemoryIsFinal) {
     EXPECT_EQ(host.events.back(), "terminate");
     EXPECT_FALSE(host.engine.busyMigratingStore());
     EXPECT_EQ(host.finalNames().size(), 1U) << "a store in memory is not moved";
-}
-
-TEST_F(PipelineTest, CleaningUpDeletesAllBatches) {
-    constexpr int rows = 4500;
-    StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
-    const RowId top = context.insertGhostNode("/a");
-    for (int i = 0; i < rows; ++i) {
-        context.insertProcessingError({"t", "m", ""});
-        context.insertFile(top, std::to_string(i), true, false, i);
-    }
-    context.commit();
-    EXPECT_TRUE(run<CleanUpProcessingErrorsStage>());
-    EXPECT_TRUE(host.errors().empty());
-    EXPECT_EQ(host.finalNames().size(), std::size_t{rows});
-    EXPECT_TRUE(run<CleanUpFilesStage>());
-    EXPECT_TRUE(host.finalNames().empty());
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "RenameBench.h"
-#include "StageTest.h"
 #include "engine/renaming/PrepareForRenamingStage.h"
 #include "support/text/Text.h"
 
@@ -26,8 +25,7 @@ class Plan : public StageTest {
             rows.push_back(context.insertFile(parent, word.substr(0, arrow), false, false, 0));
             if (arrow == std::string::npos)
                 continue;
-            std::u16string wanted = text::fromBytes(word.substr(arrow + 1));
-            text::replaceUnit(wanted, u':', u'/');
+            const std::u16string wanted = shownName(word.substr(arrow + 1));
             context.setFinalName(rows.back(), wanted);
             context.change(rows.back()).diff = !text::canonicallyEqual(context.name(rows.back()), wanted);
         }

@@ -3,14 +3,9 @@
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
 
-#include <array>
 #include <cerrno>
-#include <map>
+#include <functional>
 #include <random>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 namespace tavrin::test {
 
@@ -35,8 +30,6 @@ class RandomPlan {
   public:
     /// Present names are distinct apart from case too where the volume ignores it.
     explicit RandomPlan(unsigned seed, bool ignoresCase = false);
-    /// Seeds of plans that hold rings of three and more, pairs, chains, changes of case and folders.
-    static constexpr std::array<unsigned, 3> eventful{9, 32, 95};
 
     /// Makes the tree on disk, reads it and gives the rows their final names.
     void setUp(RenameBench& bench) const;
@@ -65,5 +58,9 @@ class RandomPlan {
     RenameBench::Tree filesBefore;
     RenameBench::Tree filesAfter;
 };
+
+/// Works with a few plans on each kind of volume from the first, the second ... call on, until one is not
+/// reached any more.
+void atEachCall(const std::function<bool(const RandomPlan&, const Volume&, std::size_t call)>& reaches);
 
 } // namespace tavrin::test

@@ -1,5 +1,4 @@
 #include "RenameBench.h"
-#include "StageTest.h"
 #include "common/FailingFileSystem.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 
@@ -54,9 +53,7 @@ class ReadItemsTest : public testing::Test, public ReadBench {};
 /// "!" for a root. In paths "." is the test's folder, ".." what lies above; "~" is a space.
 TEST(ReadItems, MakesTheRows) {
     struct Case {
-        const char* name;
-        const char* onDisk;
-        const char* listed;
+        const char *name, *onDisk, *listed;
         bool subfolders;
         const char* rows;
         const char* leftOut = ""; ///< since it is there under another path

@@ -18,10 +18,7 @@ const std::map<std::string, ConfirmationChoice> answers{
 /// A plan, all that the user is asked during its run with what he answers ("answer: question", and the paths
 /// that it names besides, without the folder), and what comes of it.
 struct Case {
-    const char* title;
-    const char* plan;
-    const char* dialogue;
-    const char* after;
+    const char *title, *plan, *dialogue, *after;
     const char* gone = ""; ///< since reading
     const char* settings = "interactiveMode=1";
     std::size_t recorded = 0; ///< failures that are told at the end
@@ -53,6 +50,8 @@ const Case cases[] = {
      "leave out: failed: a; all: failed: b", "D1=d", "a b c", silently, 1},
     {"a ring without a member stays as it is, and a stop is asked once", "a>b b>c c>a d",
      "stop: ring failed: a", "a c d", "b", silently, 2},
+    {"a swap of what has gone fails whole", "a>b b>a",
+     "one: problem Could not swap file names 'a' and 'b'. Neither file was renamed.: a", "a", "b", silently},
     {"a silent droplet does not ask, but tells of failures", "a>A1 b>B1", "one: failed: a", "B1=b", "a",
      "interactiveMode=1", 0, true},
     {"no library", "x/iTune>b x/myiTunes", "", "x/b=x/iTune x/myiTunes", "", silently},
@@ -69,7 +68,7 @@ const Case cases[] = {
 
 /// The question with the paths that it names besides, relative to the folder.
 std::string wordsOf(const RunQuestion& question, const RenameBench& bench) {
-    const std::string& folder = bench.disk.path();
+    const std::string& folder = bench.folder.path();
     std::string words = bench.host.prompts.asked.back();
     if (const auto* swapped = std::get_if<SwapQuestion>(&question)) {
         EXPECT_EQ(swapped->path, folder);
@@ -99,7 +98,7 @@ TEST(RenameAnswers, DecideWhatIsDone) {
         bench.host.isSilent = c.isSilent;
         bench.plan(c.plan);
         for (const std::string& name : split(c.gone))
-            bench.disk.remove(name);
+            bench.folder.remove(name);
         std::vector<std::string> left = split(c.dialogue, ';');
         const auto answer = [&](const auto& question) {
             const std::string words = wordsOf(question, bench);

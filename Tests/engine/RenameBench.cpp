@@ -6,8 +6,6 @@
 #include "engine/renaming/PrepareForRenamingStage.h"
 #include "support/text/Text.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <tuple>
@@ -15,8 +13,23 @@
 
 namespace tavrin::test {
 
+std::string StageBench::relative(std::string_view path) const {
+    if (path == folder.path())
+        return "/";
+    if (!path.starts_with(folder.path() + "/"))
+        return {};
+    return std::string(path.substr(folder.path().size() + 1));
+}
+
+std::vector<std::string> StageBench::shown() {
+    std::vector<std::string> names;
+    for (const auto& [path, finalName] : host.finalNames())
+        names.push_back(relative(path) + "=" + finalName);
+    return names;
+}
+
 RenameBench::RenameBench(ItemStore::Options options, const std::string& place)
-    : disk(place), host(std::move(options)) {
+    : StageBench(std::move(options), place) {
     host.set("processSubfolders", 1);
     host.prompts.onProblem = [this](const ProblemReport& report) {
         reports.push_back(report);
@@ -32,15 +45,15 @@ std::string RenameBench::inMemory() {
 void RenameBench::make(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         if (name.back() == '/')
-            disk.makeFolder(name.substr(0, name.size() - 1));
+            folder.makeFolder(name.substr(0, name.size() - 1));
         else
-            disk.write(name, name);
+            folder.write(name, name);
     }
 }
 
 void RenameBench::read(const std::vector<std::string>& names) {
     for (const std::string& name : names)
-        host.add({disk.path(name.back() == '/' ? name.substr(0, name.size() - 1) : name)});
+        host.add({folder.path(name.back() == '/' ? name.substr(0, name.size() - 1) : name)});
     ProcessingPipeline pipeline(host.engine);
     pipeline.setProgressInfo(&host.progress);
     pipeline.addStage(std::make_unique<ReadItemsIntoDatabaseStage>(host.engine));
@@ -50,7 +63,7 @@ void RenameBench::read(const std::vector<std::string>& names) {
 void RenameBench::setFinalName(const std::string& name, std::u16string_view finalName) {
     StoreContext& context = host.managedObjectContext();
     const std::lock_guard lock(context.mutex());
-    const RowId row = context.fileWithPath(disk.path(name));
+    const RowId row = context.fileWithPath(folder.path(name));
     ASSERT_NE(row, noRow) << name;
     context.setFinalName(row, finalName);
     context.change(row).diff = !text::canonicallyEqual(context.name(row), finalName);
@@ -70,9 +83,8 @@ void RenameBench::plan(std::string_view words) {
         const std::size_t arrow = word.find('>');
         if (arrow == std::string::npos)
             continue;
-        std::u16string wanted = text::fromBytes(word.substr(arrow + 1));
-        text::replaceUnit(wanted, u':', u'/');
-        setFinalName(word.substr(0, arrow - (word[arrow - 1] == '/' ? 1 : 0)), wanted);
+        setFinalName(word.substr(0, arrow - (word[arrow - 1] == '/' ? 1 : 0)),
+                     shownName(word.substr(arrow + 1)));
     }
 }
 
@@ -82,19 +94,19 @@ void RenameBench::happens(std::string_view steps) const {
         words.resize(3);
         const auto& [what, name, other] = std::tie(words[0], words[1], words[2]);
         if (what == "remove")
-            std::filesystem::remove_all(disk.path(name));
+            std::filesystem::remove_all(folder.path(name));
         else if (what == "move")
-            std::filesystem::rename(disk.path(name), disk.path(other));
+            std::filesystem::rename(folder.path(name), folder.path(other));
         else if (what == "write")
-            disk.write(name, other);
+            folder.write(name, other);
         else if (what == "link")
-            disk.link(name, other);
+            folder.link(name, other);
         else if (what == "second")
-            std::filesystem::create_hard_link(disk.path(name), disk.path(other));
+            std::filesystem::create_hard_link(folder.path(name), folder.path(other));
         else if (what == "folder")
-            disk.makeFolder(name);
+            folder.makeFolder(name);
         else if (what == "save")
-            std::filesystem::rename(disk.write(name + ".saved", "new"), disk.path(name));
+            std::filesystem::rename(folder.write(name + ".saved", "new"), folder.path(name));
         else
             ADD_FAILURE() << what;
     }
@@ -115,7 +127,7 @@ void RenameBench::renameOnThisThread() {
 }
 
 RenameBench::Tree RenameBench::files() const {
-    Tree files = disk.tree();
+    Tree files = folder.tree();
     std::erase_if(files, [](const auto& entry) { return entry.first.back() == '/'; });
     return files;
 }
@@ -124,8 +136,14 @@ std::vector<std::string> RenameBench::sourcePaths() {
     std::vector<std::string> paths;
     const std::lock_guard lock(host.managedObjectContext().mutex());
     for (const SourceItem& item : host.managedObjectContext().sourceItems())
-        paths.push_back(item.path.substr(disk.path().size() + 1));
+        paths.push_back(relative(item.path));
     return paths;
+}
+
+std::u16string shownName(std::string_view name) {
+    std::u16string shown = text::fromBytes(name);
+    text::replaceUnit(shown, u':', u'/');
+    return shown;
 }
 
 std::vector<std::string> split(std::string_view words, char separator) {

@@ -1,20 +1,60 @@
 #pragma once
 
 #include "common/EngineTestHost.h"
+#include "common/FailingVfs.h"
 #include "common/TemporaryFolder.h"
-#include "engine/asking/RunQuestion.h"
 #include "engine/pipeline/ProcessingStage.h"
 
-#include <map>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <gtest/gtest.h>
 
 namespace tavrin::test {
 
+/// A host whose store has rows that do not fit into memory, and whose file can't be read.
+struct BrokenHost {
+    explicit BrokenHost(const std::string& folder)
+        : host({.kind = ItemStore::Kind::file, .folder = folder, .residentBudget = 1, .vfs = vfs.name()}) {
+        StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
+        for (int batch = 0; batch < 3; ++batch, context.commit())
+            for (int i = 0; i < 5000; ++i)
+                context.insertFile(noRow, "x", true, false, i);
+        vfs.failRead(1, true);
+    }
+
+    FailingVfs vfs;
+    EngineTestHost host;
+};
+
+/// A folder on disk, a host with an empty store, and single stages run on them.
+struct StageBench {
+    explicit StageBench(ItemStore::Options options = {}, const std::string& place = "")
+        : folder(place), host(std::move(options)) {}
+
+    TemporaryFolder folder;
+    EngineTestHost host;
+
+    /// Runs the stage against a context of its own and commits.
+    template <typename Stage> bool run() {
+        Stage stage(host.engine);
+        StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
+        stage.setProgressInfo(&host.progress);
+        stage.setSettings(host.settings.values());
+        stage.setManagedObjectContext(&context);
+        const bool goesOn = stage.process();
+        context.commit();
+        return goesOn;
+    }
+
+    /// The path below the folder; "/" for the folder itself, "" for what lies above it.
+    [[nodiscard]] std::string relative(std::string_view path) const;
+    /// Each name with its final one, "a/b=B", in the order of the paths.
+    std::vector<std::string> shown();
+};
+
+class StageTest : public ::testing::Test, public StageBench {};
+
 /// A folder on disk, its items read into a store, and the run that plans and performs their renames. Each
 /// file's content is the name that it was made under, so that it is known again wherever it goes.
-class RenameBench {
+class RenameBench : public StageBench {
   public:
     /// What became of the files: content (the name before) by the name after.
     using Tree = std::map<std::string, std::string>;
@@ -24,8 +64,6 @@ class RenameBench {
     /// A place for folders that costs no disk, for laws that make thousands of them.
     static std::string inMemory();
 
-    TemporaryFolder disk;
-    EngineTestHost host;
     /// Failures shown in the last run; after each the run goes on.
     std::vector<ProblemReport> reports;
 
@@ -54,6 +92,8 @@ class RenameBench {
 
 /// Files by their names, each with its content if that is another: "b=a c".
 RenameBench::Tree tree(std::string_view words);
+/// A name on disk as it is shown.
+std::u16string shownName(std::string_view name);
 std::vector<std::string> split(std::string_view words, char separator = ' ');
 /// Settings that are numbers: "processFolders=0 renameMode=2".
 void setAll(EngineTestHost& host, std::string_view settings);

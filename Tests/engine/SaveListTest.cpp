@@ -1,5 +1,4 @@
 #include "RenameBench.h"
-#include "StageTest.h"
 #include "common/FailingFileSystem.h"
 
 #include <cerrno>

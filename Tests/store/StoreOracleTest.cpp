@@ -20,9 +20,8 @@ namespace {
 struct ModelRow {
     NodeRow row;
     std::string component, path;
-    std::u16string finalName;
+    std::u16string finalName, regex;
     PassMarker flag = unmarked;
-    std::u16string regex;
     std::vector<std::uint8_t> tags;
 };
 using Model = std::map<RowId, ModelRow>;
@@ -35,24 +34,18 @@ std::u16string shownName(const std::string& component) {
 }
 
 Value valueOf(const ModelRow& one, NodeKey key) {
-    switch (key) {
-    case NodeKey::name:
+    if (key == NodeKey::name)
         return {0, *text::toBytes(shownName(one.component))};
-    case NodeKey::smartName:
+    if (key == NodeKey::smartName)
         return {0, *text::toBytes(KQStringUtilities::expandNumberBlocks(text::fromBytes(one.component)))};
-    case NodeKey::modDate:
-        return {one.row.modDate, ""};
-    case NodeKey::exif:
-        return {one.row.exif, ""};
-    case NodeKey::size:
-        return {one.row.size, ""};
-    case NodeKey::depth:
-        return {one.row.depth, ""};
-    case NodeKey::treatAsFolder:
-        return {one.row.treatAsFolder, ""};
-    default:
-        return {one.row.manualOrder, ""};
-    }
+    const NodeRow& row = one.row;
+    const std::map<NodeKey, double> numbers{{NodeKey::modDate, row.modDate},
+                                            {NodeKey::exif, row.exif},
+                                            {NodeKey::size, row.size},
+                                            {NodeKey::depth, row.depth},
+                                            {NodeKey::treatAsFolder, row.treatAsFolder},
+                                            {NodeKey::manualOrder, row.manualOrder}};
+    return {numbers.at(key), ""};
 }
 
 const std::pair<Predicate, std::function<bool(const ModelRow&)>> predicates[] = {
@@ -177,11 +170,11 @@ class StoreOracleTest : public testing::TestWithParam<Backing> {
         EXPECT_EQ(by.fullPath(id), one.path);
         EXPECT_EQ(by.stageFlag(id), one.flag);
         const NodeRow row = by.row(id);
-        EXPECT_EQ(std::tie(row.parent, row.treatAsFolder, row.root, row.manualOrder, row.diff, row.modDate),
-                  std::tie(one.row.parent, one.row.treatAsFolder, one.row.root, one.row.manualOrder,
-                           one.row.diff, one.row.modDate));
-        EXPECT_EQ(std::tie(row.exif, row.size, row.depth, row.mustBeRenamedBefore),
-                  std::tie(one.row.exif, one.row.size, one.row.depth, one.row.mustBeRenamedBefore));
+        const auto all = [](const NodeRow& of) {
+            return std::tie(of.parent, of.treatAsFolder, of.root, of.manualOrder, of.diff, of.modDate,
+                            of.exif, of.size, of.depth, of.mustBeRenamedBefore);
+        };
+        EXPECT_EQ(all(row), all(one.row));
         const auto columns = by.regexColumns(id);
         ASSERT_EQ(columns.has_value(), !one.tags.empty());
         EXPECT_EQ(columns.value_or(StoreContext::RegexColumns{})[4], one.regex);
@@ -261,9 +254,7 @@ INSTANTIATE_TEST_SUITE_P(Backings, StoreOracleTest,
 TEST_P(StoreOracleTest, RandomWorkLeavesWhatTheModelSays) {
     ghost = context.insertGhostNode("/r");
     ModelRow& root = staged[ghost];
-    root.path = "/r";
-    root.component = "r";
-    root.finalName = u"r";
+    std::tie(root.path, root.component, root.finalName) = std::tuple("/r", "r", u"r");
     root.row.treatAsFolder = true;
     for (int i = 0; i < 12000; ++i)
         insertBelow(ghost);

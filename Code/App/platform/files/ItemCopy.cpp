@@ -20,7 +20,6 @@ namespace tavrin {
 namespace {
 
 constexpr int depthLimit = 64;
-constexpr int entryLimit = 100'000;
 constexpr std::uint64_t byteLimit = std::uint64_t{1} << 30;
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
@@ -51,11 +50,11 @@ void discard(Place place) {
 class Copier {
   public:
     /// `targetFolder` is where the copy comes to lie.
-    explicit Copier(int targetFolder) { ::fstat(targetFolder, &target); }
+    Copier(int targetFolder, int mostEntries) : entriesLeft(mostEntries) { ::fstat(targetFolder, &target); }
 
     /// `to` must be free. A failure may leave a part.
     int copy(Place from, Place to, int depth = 0) {
-        if (++entries > entryLimit)
+        if (--entriesLeft < 0)
             return EFBIG;
         struct stat status {};
         if (::fstatat(from.folder, from.name, &status, AT_SYMLINK_NOFOLLOW) != 0)
@@ -153,7 +152,7 @@ class Copier {
     }
 
     struct stat target {};
-    int entries = 0;
+    int entriesLeft;
     std::uint64_t bytes = 0;
 };
 
@@ -165,7 +164,7 @@ std::string temporaryName() {
 
 } // namespace
 
-int copyItem(const std::string& from, const std::string& to) {
+int copyItem(const std::string& from, const std::string& to, int mostEntries) {
     const std::string place(folderPrefix(to));
     const std::string name(lastComponent(to));
     if (place.empty() || name.empty() || (from + to).find('\0') != std::string::npos)
@@ -177,7 +176,8 @@ int copyItem(const std::string& from, const std::string& to) {
     if (::fstatat(folder.get(), name.c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0)
         return EEXIST;
     const std::string temporary = temporaryName();
-    int error = Copier(folder.get()).copy({AT_FDCWD, from.c_str()}, {folder.get(), temporary.c_str()});
+    int error =
+        Copier(folder.get(), mostEntries).copy({AT_FDCWD, from.c_str()}, {folder.get(), temporary.c_str()});
     if (error == 0)
         error = FileSystem::sharedInstance().renameNoReplace(place + temporary, to);
     if (error != 0)
