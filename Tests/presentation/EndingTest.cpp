@@ -46,7 +46,7 @@ class Ending : public WindowFixture {
     void startWithFiles(int count) {
         std::vector<std::string> paths;
         for (int i = 0; i < count; ++i)
-            paths.push_back(makeFile(std::to_string(i) + ".txt", std::to_string(i)));
+            paths.push_back(makeFile(std::to_string(i) + ".txt"));
         start(paths);
     }
 };

@@ -166,7 +166,7 @@ TEST_F(MainRoad, TakesDroppedFilesWithAnyNameAndNothingElse) {
 
 TEST_F(MainRoad, ForeseesWhatWillFailAndSaysWhatWasMadeDistinct) {
     start({makeFile("a1.txt"), makeFile("a2.txt"), makeFile("a3.txt")});
-    makeFile("taken.txt");
+    folder.write("taken.txt");
     replace("a1", "taken");
     waitUntil("the problem shows", [this] { return model().problems().size() == 1; });
     EXPECT_EQ(model().index(0, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString(),

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace tavrin::test {
 
 namespace {
@@ -23,10 +21,7 @@ std::u16string marked(std::u16string_view name, const std::vector<NameDifference
 }
 
 TEST(NameDifference, TellsWhatWentAndWhatCame) {
-    struct Case {
-        std::u16string before, after, removed, added;
-    };
-    const Case cases[] = {
+    const std::u16string cases[][4] = {
         {u"IMG_4021.JPG", u"Lofoten 4021.jpg", u"[IMG_]4021.[JPG]", u"[Lofoten ]4021.[jpg]"},
         {u"a.txt", u"a.txt", u"a.txt", u"a.txt"},
         {u"report.txt", u"2024 report.txt", u"report.txt", u"[2024 ]report.txt"},
@@ -41,10 +36,10 @@ TEST(NameDifference, TellsWhatWentAndWhatCame) {
         {u"cafe\u0301 a", u"cafe a", u"caf[e\u0301] a", u"caf[e] a"},
         {u"", u"a", u"", u"a"},
     };
-    for (const Case& each : cases) {
-        const NameDifference difference = NameDifference::between(each.before, each.after);
-        EXPECT_EQ(marked(each.before, difference.removed), each.removed);
-        EXPECT_EQ(marked(each.after, difference.added), each.added);
+    for (const auto& [before, after, removed, added] : cases) {
+        const NameDifference difference = NameDifference::between(before, after);
+        EXPECT_EQ(marked(before, difference.removed), removed);
+        EXPECT_EQ(marked(after, difference.added), added);
     }
     const std::u16string endless(3000, u'a');
     EXPECT_EQ(NameDifference::between(endless + u"b c", endless + u"d c").added.size(), 1U);

