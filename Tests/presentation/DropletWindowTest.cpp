@@ -1,4 +1,4 @@
-#include "common/DropletLists.h"
+#include "common/Recipes.h"
 #include "common/Variable.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletHandOver.h"

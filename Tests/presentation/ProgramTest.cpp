@@ -1,4 +1,4 @@
-#include "common/DropletLists.h"
+#include "common/Recipes.h"
 #include "common/TemporaryFolder.h"
 #include "documents/DropletBundleWriter.h"
 #include "platform/propertylists/PropertyList.h"
