@@ -1,25 +1,9 @@
 #include "installation/Tools.h"
 
+#include <regex>
+
 namespace tavrin::test {
 namespace {
-
-/// The blocks of commands of a section, without their indent.
-std::vector<std::string> commandsOf(const std::string& section) {
-    std::vector<std::string> blocks;
-    bool isWithin = false;
-    bool isOpen = false;
-    for (const std::string& line : linesOf(sourceFile("README.md"))) {
-        if (line.starts_with("## "))
-            isWithin = line == "## " + section;
-        const bool isCommand = isWithin && line.starts_with("    ");
-        if (isCommand && !isOpen)
-            blocks.emplace_back();
-        if (isCommand)
-            blocks.back() += line.substr(4) + '\n';
-        isOpen = isCommand;
-    }
-    return blocks;
-}
 
 // In the order of the section: what a recipe finds in its folder, as it is made in a shell, and what it
 // leaves there.
@@ -32,7 +16,12 @@ TEST(Readme, RecipesDoWhatTheySay) {
         {"echo new >a.png; echo old >b.png; touch -d 2024-01-02 a.png; touch -d 2024-01-01 b.png",
          "Screenshot 001.png\nScreenshot 002.png\nold\nnew\n"},
         {"touch ONE TWO; editor() { sed -i s/two$/zwei/ $1; }", "one\nzwei\n"}};
-    const std::vector<std::string> blocks = commandsOf("Five recipes");
+    const std::string readme = sourceFile("README.md");
+    const std::size_t start = readme.find("## Five recipes");
+    const std::string section = readme.substr(start, readme.find("\n## ", start) - start);
+    const std::regex block("(?:    .*\n)+");
+    const std::vector<std::string> blocks(std::sregex_token_iterator(section.begin(), section.end(), block),
+                                          {});
     ASSERT_EQ(blocks.size(), std::size(recipes));
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         const auto& [before, after] = recipes[i];

@@ -43,8 +43,6 @@ TEST_F(DialogTests, ShowsWhatAnUndoWouldDoAndDoesItOnAYesAlone) {
         EXPECT_TRUE(agrees || filesOnDisk() == (Names{"A", "B"}));
     }
     waitUntil("back", [this] { return filesOnDisk() == Names{"a", "b"}; });
-    waitForPreview();
-    waitForNames({"A", "B"});
 }
 
 TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
@@ -78,8 +76,7 @@ TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
     close("editPresetWindow");
     EXPECT_EQ(manager.getPresetTitles(), (std::vector<std::u16string>{u"Louder"}));
     waitUntil("the list shows the new name", [this] {
-        auto* list = find<QTreeWidget>("presetList");
-        return list->topLevelItemCount() == 1 && list->topLevelItem(0)->text(0) == "Louder";
+        return find<QTreeWidget>("presetList")->findItems("Louder", Qt::MatchExactly).size() == 1;
     });
     click("deletePreset");
     EXPECT_EQ(waitFor<QMessageBox>("alert")->text().toStdString(),

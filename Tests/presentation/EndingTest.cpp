@@ -1,3 +1,4 @@
+#include "common/Recipes.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/preview/PreviewPane.h"
 
@@ -46,7 +47,7 @@ class Ending : public WindowFixture {
     void startWithFiles(int count) {
         std::vector<std::string> paths;
         for (int i = 0; i < count; ++i)
-            paths.push_back(makeFile(std::to_string(i) + ".txt", std::to_string(i)));
+            paths.push_back(makeFile(std::to_string(i) + ".txt"));
         start(paths);
     }
 };
@@ -125,19 +126,18 @@ TEST_F(Ending, RemembersTheShapeOfTheWindow) {
 }
 
 TEST_F(Ending, KeepsAChainOfANewerVersionUntilThereIsAnother) {
-    const PropertyValue chain = PropertyDictionary{
-        {"composite actions array", PropertyArray{PropertyDictionary{{"action name", u"Fold time"}}}}};
+    const PropertyValue newer = chain({{"Fold time", {}}});
     start();
     application.reset();
     UserDefaults defaults(data.path() + "/defaults.plist");
-    defaults.setObject("composite action", chain);
+    defaults.setObject("composite action", newer);
     ASSERT_TRUE(defaults.synchronize());
 
     start({makeFile("a.txt")});
     EXPECT_THAT(close("errorAlert"), HasSubstr("Fold time"));
     waitForNames({"Image_01.txt"}); // the rest works
     endBy(ways[0]);
-    EXPECT_EQ(UserDefaults(data.path() + "/defaults.plist").objectForKey("composite action"), chain);
+    EXPECT_EQ(UserDefaults(data.path() + "/defaults.plist").objectForKey("composite action"), newer);
 
     start();
     close("errorAlert");

@@ -11,6 +11,34 @@ namespace {
 
 class Panels : public WindowFixture {
   protected:
+    /// What the Tab key leads to, in its order, from the search on.
+    QList<QWidget*> tabStops() {
+        QList<QWidget*> stops;
+        QWidget* const first = find("findAction");
+        QWidget* widget = first;
+        do {
+            if (widget->isVisible() && (widget->focusPolicy() & Qt::TabFocus) && !widget->focusProxy())
+                stops.append(widget);
+            widget = widget->nextInFocusChain();
+        } while (widget != first);
+        return stops;
+    }
+
+    /// Every stop has a name, and no access key is given twice.
+    void expectNamesAndKeys() {
+        for (const QWidget* stop : tabStops())
+            EXPECT_FALSE(stop->accessibleName().isEmpty() && stop->property("text").toString().isEmpty())
+                << stop->metaObject()->className() << ' ' << stop->objectName().toStdString();
+        const QRegularExpression marked("(?<!&)&(\\w)");
+        std::set<QString> keys;
+        for (const QWidget* widget : application->window().findChildren<QWidget*>()) {
+            const QString text = widget->property("text").toString();
+            if (const auto match = marked.match(text); widget->isVisible() && match.hasMatch()) {
+                EXPECT_TRUE(keys.insert(match.captured(1).toLower()).second) << text.toStdString();
+            }
+        }
+    }
+
     /// Gives a control a second value as a user would, and tells which value the parameter should then have.
     PropertyValue change(QWidget* control, const ParameterDescription& parameter) {
         QWidget* field = dynamic_cast<QLineEdit*>(control);
@@ -51,10 +79,12 @@ class Panels : public WindowFixture {
 // Every control of every panel: what is entered is stored, and what changes elsewhere shows at once. A
 // parameter whose row was misspelt is seen here, too.
 TEST_F(Panels, ShowAndStoreEveryParameterOnce) {
-    start();
+    start({makeFile("a.txt")});
+    set("discloseAdvancedOptions", 1);
     for (const ActionEntry& entry : allActions()) {
         SCOPED_TRACE(entry.name);
         chooseAction(std::string(entry.name));
+        expectNamesAndKeys();
         std::multiset<std::string_view> shown;
         for (const PanelRow& row : panelRowsOf(currentAction())) {
             const ParameterDescription& first = row.first();
@@ -80,6 +110,22 @@ TEST_F(Panels, ShowAndStoreEveryParameterOnce) {
         }
         for (const ParameterDescription& parameter : currentAction().parameters())
             EXPECT_EQ(shown.count(parameter.key), parameter.isHidden ? 0U : 1U) << parameter.key;
+    }
+}
+
+TEST_F(Panels, AreReachedByTheTabKeyInTheOrderOfReading) {
+    start({makeFile("a.txt")});
+    chooseAction("Rename from list"); // the panel is not the first
+    chooseAction("Insert number at position");
+    const QList<QWidget*> stops = tabStops();
+    qsizetype last = -1;
+    for (const char* name :
+         {"findAction", "categoryPopUpButton", "actionPopUpButton", "startValue", "padding", "position",
+          "mode", "sortingMode", "sortEachFolderSeparately", "fragment3", "discloseAdvancedOptions",
+          "addButton", "showButton", "previewTableView", "manualButton", "okButton"}) {
+        const qsizetype place = stops.indexOf(find(name));
+        EXPECT_GT(place, last) << name;
+        last = place;
     }
 }
 

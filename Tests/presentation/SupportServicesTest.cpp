@@ -56,8 +56,7 @@ TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
 
 TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     const std::string feed =
-        "<rss xmlns:s='urn:feed'><channel><item><enclosure s:version='9.9'/></item></channel>"
-        "</rss>";
+        "<rss xmlns:s='f'><channel><item><enclosure s:version='9.9'/></item></channel></rss>";
     start();
     QAction& check = command("checkForUpdates");
     EXPECT_FALSE(check.isVisible());
@@ -123,52 +122,41 @@ TEST_F(SupportServicesTest, FileManagersGetEntriesAndLoseThem) {
     EXPECT_EQ(state("menuStateOfThunar"), "in the menu");
     EXPECT_FALSE(find("forceServicesMenuUpdate")->isEnabled());
     find<QPushButton>("removeFromMenus")->click();
-    EXPECT_EQ(menus.state(FileManagerKind::nautilus), MenuState::absent);
     EXPECT_EQ(state("menuStateOfThunar"), "no entry");
 }
 
-/// Answers each request with what stands under its path; one without an answer is left hanging.
-class Server : public QTcpServer {
-  public:
-    Server() {
-        listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, [this] {
-            QTcpSocket* socket = nextPendingConnection();
-            connect(socket, &QTcpSocket::readyRead, [this, socket] {
-                if (const auto answer = answers.find(socket->readAll().split(' ').value(1).toStdString());
-                    answer != answers.end()) {
-                    socket->write(QByteArray::fromStdString("HTTP/1.1 " + answer->second));
-                    socket->disconnectFromHost();
-                }
-            });
-        });
-    }
-    std::map<std::string, std::string> answers;
-};
-
 TEST_F(SupportServicesTest, FetchesNoMoreThanItShould) {
-    Server server;
     const std::string end = "Content-Length: 0\r\n\r\n";
-    server.answers = {
-        {"/feed", "200 OK\r\nContent-Length: 5\r\n\r\nhello"},
-        {"/moved", "302 Found\r\nLocation: /feed\r\n" + end},
-        {"/round", "302 Found\r\nLocation: /round\r\n" + end},
-        {"/tofile", "302 Found\r\nLocation: file:///etc/passwd\r\n" + end},
-        {"/none", "404 Not Found\r\n" + end},
-        {"/empty", "204 No Content\r\n\r\n"},
-        {"/toolong", "200 OK\r\nContent-Length: 2000\r\n\r\n" + std::string(2000, 'x')},
-        {"/endless", "200 OK\r\n\r\n" + std::string(100'000, 'x')},
-    };
+    // Each under its number: two that are good, those that are not, and one that is left hanging.
+    const std::string answers[] = {"200 OK\r\nContent-Length: 5\r\n\r\nhello",
+                                   "302 Found\r\nLocation: /0\r\n" + end,
+                                   "302 Found\r\nLocation: /2\r\n" + end,
+                                   "302 Found\r\nLocation: file:///etc/passwd\r\n" + end,
+                                   "404 Not Found\r\n" + end,
+                                   "204 No Content\r\n\r\n",
+                                   "200 OK\r\nContent-Length: 2000\r\n\r\n" + std::string(2000, 'x'),
+                                   "200 OK\r\n\r\n" + std::string(100'000, 'x'),
+                                   ""};
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost);
+    QObject::connect(&server, &QTcpServer::newConnection, [&] {
+        QTcpSocket* socket = server.nextPendingConnection();
+        QObject::connect(socket, &QTcpSocket::readyRead, [socket, &answers] {
+            const std::string& answer = answers[socket->readAll().split(' ').value(1).mid(1).toInt()];
+            if (answer.empty())
+                return;
+            socket->write(QByteArray::fromStdString("HTTP/1.1 " + answer));
+            socket->disconnectFromHost();
+        });
+    });
     AddressFetcher fetcher(std::chrono::milliseconds(1500));
-    for (const std::string path :
-         {"/feed", "/moved", "/round", "/tofile", "/none", "/empty", "/toolong", "/endless", "/hanging"}) {
+    for (std::size_t i = 0; i < std::size(answers); ++i) {
+        const QString address = QString("http://127.0.0.1:%1/%2").arg(server.serverPort()).arg(i);
         std::optional<FetchedAddress> answer;
-        fetcher.fetch("http://127.0.0.1:" + std::to_string(server.serverPort()) + path, 1000,
-                      [&answer](FetchedAddress got) { answer = std::move(got); });
-        waitUntil(path, [&answer] { return answer.has_value(); });
-        const bool isFetched = path == "/feed" || path == "/moved";
-        EXPECT_EQ(answer->bytes, isFetched ? std::optional<std::string>("hello") : std::nullopt) << path;
-        EXPECT_EQ(answer->error.empty(), isFetched) << path;
+        fetcher.fetch(address.toStdString(), 1000, [&](FetchedAddress got) { answer = std::move(got); });
+        waitUntil("there is an answer", [&answer] { return answer.has_value(); });
+        EXPECT_EQ(answer->bytes, i < 2 ? std::optional<std::string>("hello") : std::nullopt) << i;
+        EXPECT_EQ(answer->error.empty(), i < 2) << i;
     }
 }
 

@@ -21,10 +21,6 @@ void WindowFixture::start(const std::vector<std::string>& paths) {
     waitForPreview();
 }
 
-std::string WindowFixture::makeFile(const std::string& name, const std::string& content) {
-    return folder.write(name, content);
-}
-
 WindowFixture::Names WindowFixture::filesOnDisk() const {
     Names names;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
@@ -61,10 +57,6 @@ QAction& WindowFixture::command(const char* name) {
     if (!action)
         throw std::runtime_error(std::string("no command ") + name);
     return *action;
-}
-
-void WindowFixture::set(const char* setting, int value) {
-    controller().globalSettings().setValue(value, setting);
 }
 
 void WindowFixture::chooseAction(const std::string& name) {

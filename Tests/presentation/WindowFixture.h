@@ -27,7 +27,7 @@ class WindowFixture : public ::testing::Test {
     void start(const std::vector<std::string>& paths = {});
     [[nodiscard]] MainController& controller() { return application->controller(); }
 
-    std::string makeFile(const std::string& name, const std::string& content = "x");
+    [[nodiscard]] std::string makeFile(const std::string& name) const { return folder.write(name, name); }
     [[nodiscard]] Names filesOnDisk() const;
 
     /// A widget of the window, or of any dialog, by its object name. Where there is none, the test fails and
@@ -46,7 +46,7 @@ class WindowFixture : public ::testing::Test {
     /// A command of the window by the operation that it stands for.
     [[nodiscard]] QAction& command(const char* name);
     void trigger(const char* name) { command(name).trigger(); }
-    void set(const char* setting, int value);
+    void set(const char* setting, int value) { controller().globalSettings().setValue(value, setting); }
     void chooseAction(const std::string& name);
     [[nodiscard]] BaseRenameAction& currentAction();
     [[nodiscard]] PreviewTableModel& model();
