@@ -25,6 +25,12 @@ inline std::u16string run(BaseRenameAction& action, std::u16string name, std::in
     return output.newName;
 }
 
+/// What comes back of parameters that are stored in a property list; throws where that fails.
+inline PropertyDictionary storedAndRead(const PropertyDictionary& parameters) {
+    const auto read = PropertyList::fromBytes(PropertyList::toXml(PropertyValue(parameters)));
+    return *std::get<PropertyValue>(read).asDictionary();
+}
+
 /// The catalogue with the menus of the program, and user defaults that nobody else has.
 class CatalogueFixture : public ::testing::Test {
   protected:
@@ -35,6 +41,14 @@ class CatalogueFixture : public ::testing::Test {
     ~CatalogueFixture() override {
         ActionList::setSharedActionList(nullptr);
         UserDefaults::setSharedInstance(nullptr);
+    }
+
+    [[nodiscard]] std::unique_ptr<BaseRenameAction> make(const std::string& name,
+                                                         const PropertyDictionary& parameters = {}) {
+        auto action = catalogue.newActionForName(name);
+        if (!parameters.empty())
+            action->setParameterList(parameters);
+        return action;
     }
 
     UserDefaults defaults;

@@ -19,10 +19,14 @@ PropertyDictionary flatList(PropertyArray steps, int current = 0) {
 
 class Composite : public CatalogueFixture {
   protected:
-    [[nodiscard]] std::vector<std::string> names() const {
-        std::vector<std::string> result;
-        for (const auto& each : composite.getActionDictionaryList())
-            result.push_back(each->actionName());
+    /// The names of the steps, the current one in brackets.
+    [[nodiscard]] std::string steps() {
+        std::string result;
+        for (std::int32_t i = 0; i < composite.count(); ++i) {
+            const auto& name = composite.actionAtIndex(i).actionName();
+            result += i == composite.getCurrentActionIndexAsInt() ? "[" + name + "]" : name;
+            result += i + 1 < composite.count() ? ", " : "";
+        }
         return result;
     }
     void makeThree(int current) {
@@ -31,55 +35,38 @@ class Composite : public CatalogueFixture {
                       step(u"Replace text", {{"searchTerm", u"a"}, {"replacementTerm", u"b"}})},
                      current));
     }
+    [[nodiscard]] std::int32_t inMenu(const std::string& name) const {
+        return catalogue.popUpMenuIndexForName(name).value();
+    }
 
     CompositeRenameAction composite;
 };
 
-TEST_F(Composite, StartsWithOneStep) {
-    EXPECT_EQ(names(), std::vector<std::string>{"Add to front"});
-    EXPECT_EQ(composite.getCurrentActionIndexAsInt(), 0);
-    composite.loadFromPreferences(); // nothing stored yet
-    EXPECT_EQ(names(), std::vector<std::string>{"Produce numbered list"});
-}
-
 TEST_F(Composite, TravelsAsAFlatList) {
+    EXPECT_EQ(steps(), "[Add to front]");
+    composite.loadFromPreferences(); // nothing stored yet
+    EXPECT_EQ(steps(), "[Produce numbered list]");
     makeThree(2);
     composite.saveToPreferences();
     const auto flat = composite.getFlatParameterList();
-    const auto read = PropertyList::fromBytes(PropertyList::toXml(PropertyValue(flat)));
-    ASSERT_TRUE(std::holds_alternative<PropertyValue>(read));
-
-    CompositeRenameAction other;
-    other.setFlatParameterList(*std::get<PropertyValue>(read).asDictionary());
-    EXPECT_EQ(other.getFlatParameterList(), flat);
-    EXPECT_EQ(other.actionAtIndex(1).getParamInt("active", 9), 0);
-    EXPECT_EQ(other.getCurrentAction().actionName(), "Replace text");
-    CompositeRenameAction third;
-    third.loadFromPreferences();
-    EXPECT_EQ(third.getFlatParameterList(), flat);
-    // The copy is a copy.
-    other.actionAtIndex(0).setValue(u"2", "string");
+    CompositeRenameAction copy, stored;
+    copy.setFlatParameterList(storedAndRead(flat));
+    stored.loadFromPreferences();
+    EXPECT_EQ(stored.getFlatParameterList(), flat);
+    EXPECT_EQ(copy.getFlatParameterList(), flat);
+    EXPECT_EQ(copy.actionAtIndex(1).getParamInt("active", 9), 0);
+    EXPECT_EQ(copy.getCurrentAction().actionName(), "Replace text");
+    copy.actionAtIndex(0).setValue(u"2", "string");
     EXPECT_EQ(composite.getFlatParameterList(), flat);
 }
 
 TEST_F(Composite, TakesOverWhatAFlatListHolds) {
-    makeThree(99);
-    EXPECT_EQ(composite.getCurrentActionIndexAsInt(), 2);
-    EXPECT_EQ(composite.parameterList().at("currentActionIndex"), PropertyValue(99));
-    makeThree(-3);
-    EXPECT_EQ(composite.getCurrentActionIndexAsInt(), 0);
-
-    const PropertyDictionary withoutSteps[] = {
-        {}, {{"currentActionIndex", 1}}, flatList({}), {{"composite actions array", u"text"}}};
-    for (const auto& list : withoutSteps) {
+    for (const PropertyDictionary& withoutSteps :
+         {{}, {{"currentActionIndex", 1}}, flatList({}), {{"composite actions array", u"text"}}}) {
         makeThree(2);
-        composite.setFlatParameterList(list);
-        EXPECT_EQ(names(), std::vector<std::string>{"Produce numbered list"});
-        EXPECT_EQ(composite.getCurrentActionIndexAsInt(), 0);
+        composite.setFlatParameterList(withoutSteps);
+        EXPECT_EQ(steps(), "[Produce numbered list]");
     }
-}
-
-TEST_F(Composite, KeepsItsStepsWhenAFlatListIsBad) {
     makeThree(1);
     const auto before = composite.getFlatParameterList();
     for (const PropertyValue& bad :
@@ -90,12 +77,15 @@ TEST_F(Composite, KeepsItsStepsWhenAFlatListIsBad) {
     }
     composite.setFlatParameterList(
         flatList({PropertyDictionary{{"action name", u"Add to end"}, {"action parameter list", 7}}}));
-    EXPECT_EQ(names(), std::vector<std::string>{"Add to end"});
+    EXPECT_EQ(steps(), "[Add to end]");
 }
 
 TEST_F(Composite, ClampsTheCurrentIndex) {
-    makeThree(0);
     for (const auto& [set, expected] : {std::pair(1, 1), {-1, 0}, {3, 2}, {2147483647, 2}}) {
+        makeThree(set);
+        EXPECT_EQ(composite.getCurrentActionIndexAsInt(), expected);
+        EXPECT_EQ(composite.parameterList().at("currentActionIndex"), PropertyValue(set));
+        makeThree(0);
         composite.setValue(set, "currentActionIndex");
         EXPECT_EQ(composite.getCurrentActionIndexAsInt(), expected);
         EXPECT_EQ(composite.parameterList().at("currentActionIndex"), PropertyValue(expected));
@@ -108,97 +98,87 @@ TEST_F(Composite, ReplacesTheActionOfAStep) {
     makeThree(0);
     composite.getCurrentAction().setParameterList(
         {{"string", u"mine"}, {"fragmentSelection", 3}, {"active", 0}});
-    const auto menuIndex = catalogue.popUpMenuIndexForName("Add to front").value();
-    composite.setTransientActionIndex(menuIndex);
-    EXPECT_EQ(names().front(), "Add to front");
-    EXPECT_EQ(composite.transientActionIndex(), menuIndex);
-    const auto& action = composite.getCurrentAction();
-    EXPECT_EQ(action.getParamInt("fragmentSelection", 9), 3);
-    EXPECT_EQ(action.getParamInt("active", 9), 0);
-    EXPECT_EQ(action.getParamString("string"), u"");
+    composite.setTransientActionIndex(inMenu("Add to front"));
+    EXPECT_EQ(steps(), "[Add to front], Make uppercase, Replace text");
+    EXPECT_EQ(composite.transientActionIndex(), inMenu("Add to front"));
+    const PropertyDictionary kept{{"string", u""}, {"fragmentSelection", 3}, {"active", 0}};
+    EXPECT_EQ(composite.getCurrentAction().parameterList(), kept);
     // Coming back finds the parameters again.
-    composite.setTransientActionIndex(catalogue.popUpMenuIndexForName("Add to end").value());
+    composite.setTransientActionIndex(inMenu("Add to end"));
     EXPECT_EQ(composite.getCurrentAction().getParamString("string"), u"mine");
-
     EXPECT_THROW(composite.setTransientActionIndex(100000), UnknownActionError);
-    EXPECT_EQ(names().front(), "Add to end");
-}
+    EXPECT_EQ(steps(), "[Add to end], Make uppercase, Replace text");
 
-TEST_F(Composite, ChoosesWithinACategory) {
     makeThree(2);
     EXPECT_EQ(composite.categoryItem(), 0);
     composite.setCategoryItem(2);
-    EXPECT_EQ(composite.getCurrentAction().actionName(), "Replace at front");
+    EXPECT_EQ(steps(), "Add to end, Make uppercase, [Replace at front]");
     EXPECT_EQ(composite.categoryItem(), 2);
     composite.setValue(1, "categoryItem");
-    EXPECT_EQ(composite.getCurrentAction().actionName(), "Replace characters");
+    EXPECT_EQ(steps(), "Add to end, Make uppercase, [Replace characters]");
 }
 
 TEST_F(Composite, TellsOfWhatFollowsFromAChange) {
+    using namespace ::testing;
     makeThree(0);
     RecordingObserver observer;
     std::vector<ActionObservation> observations;
     for (const auto* key :
          {"currentActionIndex", "actionList", "transientActionIndex", "categoryItem", "fragmentSelection"})
         observations.push_back(composite.registerObserver(observer, key));
+    const auto keysAfter = [&](auto change) {
+        observer.changes.clear();
+        change();
+        return observer.keys();
+    };
 
-    composite.actionAtIndex(1).setValue(2, "fragmentSelection");
-    EXPECT_TRUE(observer.changes.empty());
+    EXPECT_THAT(keysAfter([&] { composite.actionAtIndex(1).setValue(2, "fragmentSelection"); }), IsEmpty());
     composite.setCurrentActionIndex(1);
-    const auto end = catalogue.popUpMenuIndexForName("Add to end").value();
-    const auto upper = catalogue.popUpMenuIndexForName("Make uppercase").value();
-    EXPECT_THAT(observer.changes, ::testing::UnorderedElementsAre(Change{"currentActionIndex", 0, 1},
-                                                                  Change{"transientActionIndex", end, upper},
-                                                                  Change{"categoryItem", 1, 1},
-                                                                  Change{"fragmentSelection", 1, 2}));
-    observer.changes.clear();
-    composite.setTransientActionIndex(end);
-    EXPECT_THAT(observer.keys(), ::testing::UnorderedElementsAre("actionList", "transientActionIndex",
-                                                                 "categoryItem", "fragmentSelection"));
+    const auto end = inMenu("Add to end");
+    EXPECT_THAT(observer.changes,
+                UnorderedElementsAre(Change{"currentActionIndex", 0, 1},
+                                     Change{"transientActionIndex", end, inMenu("Make uppercase")},
+                                     Change{"categoryItem", 1, 1}, Change{"fragmentSelection", 1, 2}));
+    EXPECT_THAT(
+        keysAfter([&] { composite.setTransientActionIndex(end); }),
+        UnorderedElementsAre("actionList", "transientActionIndex", "categoryItem", "fragmentSelection"));
     observer.changes.clear();
     composite.setFragmentSelection(3);
     EXPECT_EQ(observer.changes, (std::vector<Change>{{"fragmentSelection", 2, 3}}));
     EXPECT_EQ(composite.getFragmentSelectionModeAsInt(), 3);
     EXPECT_EQ(composite.parameterList().at("fragmentSelection"), PropertyValue(1));
-
-    observer.changes.clear();
-    composite.nudgeDown();
-    EXPECT_THAT(observer.keys(), ::testing::Not(::testing::Contains("actionList")));
-    EXPECT_THAT(observer.keys(), ::testing::Contains("currentActionIndex"));
-    observer.changes.clear();
-    makeThree(0);
-    EXPECT_THAT(observer.keys(), ::testing::IsSupersetOf({"actionList", "currentActionIndex"}));
-    observer.changes.clear();
-    composite.setFlatParameterList(std::nullopt);
-    EXPECT_TRUE(observer.changes.empty());
+    EXPECT_THAT(keysAfter([&] { composite.nudgeDown(); }),
+                AllOf(Contains("currentActionIndex"), Not(Contains("actionList"))));
+    EXPECT_THAT(keysAfter([&] { makeThree(0); }), IsSupersetOf({"actionList", "currentActionIndex"}));
+    EXPECT_THAT(keysAfter([&] { composite.setFlatParameterList(std::nullopt); }), IsEmpty());
 }
 
 TEST_F(Composite, MovesInsertsAndRemovesSteps) {
     makeThree(1);
-    composite.nudgeUp();
-    EXPECT_EQ(names(), (std::vector<std::string>{"Make uppercase", "Add to end", "Replace text"}));
-    EXPECT_EQ(composite.getCurrentActionIndexAsInt(), 0);
-    composite.nudgeUp();
-    EXPECT_EQ(names().front(), "Make uppercase");
-    composite.nudgeDown();
-    composite.nudgeDown();
-    composite.nudgeDown();
-    EXPECT_EQ(names(), (std::vector<std::string>{"Add to end", "Replace text", "Make uppercase"}));
-    EXPECT_EQ(composite.getCurrentActionIndexAsInt(), 2);
-
-    composite.insertActionAtIndex(catalogue.newActionForName("Remove text"), 3);
-    EXPECT_EQ(names().back(), "Remove text");
+    for (const auto* expected :
+         {"[Make uppercase], Add to end, Replace text", "[Make uppercase], Add to end, Replace text"}) {
+        composite.nudgeUp();
+        EXPECT_EQ(steps(), expected);
+    }
+    for (const auto* expected :
+         {"Add to end, [Make uppercase], Replace text", "Add to end, Replace text, [Make uppercase]",
+          "Add to end, Replace text, [Make uppercase]"}) {
+        composite.nudgeDown();
+        EXPECT_EQ(steps(), expected);
+    }
+    composite.insertActionAtIndex(make("Remove text"), 3);
+    EXPECT_EQ(steps(), "Add to end, Replace text, [Make uppercase], Remove text");
     EXPECT_EQ(composite.removeActionAtIndex(0)->actionName(), "Add to end");
     EXPECT_FALSE(composite.canClose());
     (void)composite.removeActionAtIndex(2);
     (void)composite.removeActionAtIndex(0);
-    EXPECT_EQ(names(), std::vector<std::string>{"Make uppercase"});
+    EXPECT_EQ(steps(), "[Make uppercase]");
     EXPECT_FALSE(composite.canClose()); // not active
     composite.getCurrentAction().setValue(2, "active");
     EXPECT_TRUE(composite.canClose());
     EXPECT_THROW((void)composite.removeActionAtIndex(0), ActionError);
     EXPECT_THROW(composite.insertActionAtIndex(nullptr, 0), ActionError);
-    EXPECT_EQ(composite.count(), 1);
+    EXPECT_EQ(steps(), "[Make uppercase]");
 }
 
 TEST_F(Composite, RunsItsActiveStepsInOrder) {

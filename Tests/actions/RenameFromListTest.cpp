@@ -4,6 +4,8 @@
 #include "common/TemporaryFolder.h"
 #include "support/text/Text.h"
 
+#include <fmt/format.h>
+
 #include <filesystem>
 #include <sys/stat.h>
 
@@ -17,21 +19,15 @@ constexpr const char* noText = "File is not text in UTF-8. Nothing loaded.";
 constexpr const char* noFile = "This is no file. Nothing loaded.";
 
 std::string repeated(std::string_view text, int count) {
-    std::string result;
-    for (int i = 0; i < count; ++i)
-        result += text;
-    return result;
+    return fmt::format("{}", fmt::join(std::vector(count, text), ""));
 }
 
 class RenameFromList : public CatalogueFixture {
   protected:
-    static std::string statusOf(const RenameFromListAction& action) {
-        return text::toUtf8(action.getParamString("status"));
-    }
-    std::string load(RenameFromListAction& action, const std::string& path) {
+    static std::string load(RenameFromListAction& action, const std::string& path) {
         action.load(text::fromBytes(path));
         EXPECT_EQ(action.getParamString("listFilePath"), text::fromBytes(path));
-        return statusOf(action);
+        return text::toUtf8(action.getParamString("status"));
     }
     std::string load(RenameFromListAction& action, const std::string& name, std::string_view content) {
         return load(action, folder.write(name, content));
@@ -43,23 +39,17 @@ class RenameFromList : public CatalogueFixture {
 TEST_F(RenameFromList, TellsWhatCameOfAFile) {
     const std::string path1024 = "/" + std::string(1023, 'p');
     const std::string name256 = repeated("\xC3\xA9", 254) + "\xF0\x9F\x98\x80"; // 256 units in 512 bytes
-    const struct {
-        std::string content;
-        std::string status;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"", empty},
         {" \n\t\r\n", empty},
         {"/a\tb\n/c\td\n", "2 \"file path, new name\" pairs loaded."},
-        {"a\tb\n", "1 \"current name, new name\" pairs loaded."},
         {"a\tb\nc\td", "2 \"current name, new name\" pairs loaded."},
-        {"a\nb\n", "2 new names loaded."},
         {"one", "1 new names loaded."},
         // Of another kind than the first line; the quotes do not count.
         {"/a/b.txt\tc.txt\nd.txt\te.txt", "Error on line 2. Nothing loaded."},
         {"a\tb\n\"/c\"\td", "Error on line 2. Nothing loaded."},
         // Blank lines are no lines.
         {"\n\na\tb\n\n\nc\n", "Error on line 2. Nothing loaded."},
-        {"a\tb\nc", "Error on line 2. Nothing loaded."},
         {"a\tb\nc\t\n \n", "Error on line 2. Nothing loaded."},
         {"a\tb\tc", "Error on line 1. Nothing loaded."},
         {"a\t\nb\tc", "Error on line 1. Nothing loaded."},
@@ -81,17 +71,13 @@ TEST_F(RenameFromList, TellsWhatCameOfAFile) {
         {"a\tb\nc\td\xE9\n", noText},
         {"a\nb\n\xC0\xAF", noText},
         {"\xED\xB2\x80\n", noText},
-        {"\xEF\xBB\xBF/a\tb", "1 \"file path, new name\" pairs loaded."},
     };
-    int number = 0;
-    for (const auto& each : cases) {
+    for (const auto& [content, status] : cases) {
         RenameFromListAction action;
-        EXPECT_EQ(load(action, std::to_string(++number), each.content), each.status)
-            << each.content.substr(0, 40);
+        EXPECT_EQ(load(action, "list", content), status) << content.substr(0, 40);
         action.prepare();
-        const std::string path = text::toUtf8(action.getParamString("listFilePath"));
         EXPECT_EQ(action.failure(),
-                  each.status.ends_with("Nothing loaded.") ? path + ": " + each.status : "");
+                  status.ends_with("Nothing loaded.") ? folder.path("list") + ": " + status : "");
     }
 }
 
@@ -143,63 +129,67 @@ TEST_F(RenameFromList, FailsWhicheverLookAtItsFileFails) {
 
 TEST_F(RenameFromList, KeepsAListUntilAnotherIsLoaded) {
     RenameFromListAction action;
-    EXPECT_EQ(statusOf(action), "Nothing loaded.");
-    load(action, "good", "a.jpg\tx\n");
-    EXPECT_EQ(run(action, u"a.jpg"), u"x.jpg");
-    EXPECT_EQ(load(action, "bad", "a.jpg\ty\nc\n"), "Error on line 2. Nothing loaded.");
-    EXPECT_EQ(run(action, u"a.jpg"), u"x.jpg");
-    EXPECT_EQ(load(action, "names", "z\n"), "1 new names loaded.");
-    EXPECT_EQ(run(action, u"a.jpg"), u"z.jpg");
-    folder.write("names", "y\n");
-    EXPECT_EQ(run(action, u"a.jpg"), u"z.jpg");
-    action.reload();
-    EXPECT_EQ(run(action, u"a.jpg"), u"y.jpg");
-    folder.remove("names");
-    action.reload();
-    EXPECT_EQ(statusOf(action), missing);
-    EXPECT_EQ(run(action, u"a.jpg"), u"a.jpg");
-    load(action, "names", "z\n");
-    action.clear();
-    EXPECT_EQ(statusOf(action), missing);
+    EXPECT_EQ(action.getParamString("status"), u"Nothing loaded.");
+    const std::tuple<std::function<void()>, const char16_t*> steps[] = {
+        {[&] { load(action, "good", "a.jpg\tx\n"); }, u"x.jpg"},
+        {[&] { load(action, "bad", "a.jpg\ty\nc\n"); }, u"x.jpg"},
+        {[&] { load(action, "names", "z\n"); }, u"z.jpg"},
+        {[&] { folder.write("names", "y\n"); }, u"z.jpg"},
+        {[&] { action.reload(); }, u"y.jpg"},
+        {[&] { folder.remove("names"); }, u"y.jpg"},
+        {[&] { action.reload(); }, u"a.jpg"},
+        {[&] { load(action, "names", "z\n"); }, u"z.jpg"},
+        {[&] { action.clear(); }, u"a.jpg"},
+    };
+    for (const auto& [change, newName] : steps) {
+        change();
+        EXPECT_EQ(run(action, u"a.jpg"), newName);
+    }
+    EXPECT_EQ(text::toUtf8(action.getParamString("status")), missing);
     EXPECT_EQ(action.getParamString("listFilePath"), u"<no file>");
-    EXPECT_EQ(run(action, u"a.jpg"), u"a.jpg");
 }
 
 // A run works on a copy that is made from the stored parameters: it has the list of the moment.
-TEST_F(RenameFromList, ComesBackFromItsFileWithTheParameters) {
+TEST_F(RenameFromList, IsReadOncePerChangeAndNotPerRunOrItem) {
+    using namespace std::chrono_literals;
+    const auto now = std::filesystem::file_time_type::clock::now();
+    const struct {
+        const char* content;
+        std::chrono::seconds age;
+        std::int32_t ignoreCase;
+        const char* newName;
+        std::size_t reads;
+    } runs[] = {
+        {"A.jpg\tx\n", 3600s, 1, "x.jpg", 1},
+        {"A.jpg\tx\n", 3600s, 1, "x.jpg", 0},
+        {"A.jpg\tx\n", 3600s, 0, "a.jpg", 1},
+        {"A.jpg\tlong\n", 3600s, 0, "a.jpg", 1},
+        {"A.jpg\tlong\n", 3600s, 1, "long.jpg", 1},
+        {"A.jpg\tlast\n", 3599s, 1, "last.jpg", 1},
+        // While a file is that young, a change may not show in its time.
+        {"A.jpg\tlast\n", -60s, 1, "last.jpg", 1},
+        {"A.jpg\tpast\n", -60s, 1, "past.jpg", 1},
+    };
     RenameFromListAction edited;
-    const auto path = folder.write("list", "A.jpg\tx\n");
-    const auto hourAgo = std::filesystem::last_write_time(path) - std::chrono::hours(1);
-    const auto newNameOfACopy = [&] {
+    FailingFileSystem fileSystem;
+    for (const auto& each : runs) {
+        const auto path = folder.write("list", each.content);
+        std::filesystem::last_write_time(path, now - each.age);
+        edited.setValue(text::fromBytes(path), "listFilePath");
+        edited.setValue(each.ignoreCase, "ignoreCase");
+        fileSystem.reset();
         RenameFromListAction copy;
         copy.setParameterList(edited.parameterList());
-        return text::toUtf8(run(copy, u"a.jpg"));
-    };
-    // While a file is that young, a change may not show in its time.
-    const auto young = std::filesystem::last_write_time(path) + std::chrono::minutes(1);
-    std::filesystem::last_write_time(path, young);
-    load(edited, path);
-    folder.write("list", "A.jpg\tw\n");
-    std::filesystem::last_write_time(path, young);
-    EXPECT_EQ(newNameOfACopy(), "w.jpg");
-
-    folder.write("list", "A.jpg\tx\n");
-    std::filesystem::last_write_time(path, hourAgo);
-    const FailingFileSystem fileSystem;
-    load(edited, path);
-    EXPECT_EQ(newNameOfACopy(), "x.jpg");
-    EXPECT_EQ(fileSystem.callCount(FileCall::read), 1U) << "the copy need not read what has not changed";
-    // Read anew for another way of comparing, for other content, and for content of the same length.
-    edited.setValue(0, "ignoreCase");
-    EXPECT_EQ(newNameOfACopy(), "a.jpg");
-    edited.setValue(1, "ignoreCase");
-    folder.write("list", "A.jpg\tlong\n");
-    EXPECT_EQ(newNameOfACopy(), "long.jpg");
-    folder.write("list", "A.jpg\ty\n");
-    std::filesystem::last_write_time(path, hourAgo + std::chrono::seconds(1));
-    EXPECT_EQ(newNameOfACopy(), "y.jpg");
-    folder.remove("list");
-    EXPECT_EQ(newNameOfACopy(), "a.jpg");
+        run(copy, u"b.jpg");
+        EXPECT_EQ(text::toUtf8(run(copy, u"a.jpg")), each.newName);
+        EXPECT_EQ(fileSystem.callCount(FileCall::read), each.reads) << each.content;
+        edited.load(text::fromBytes(path)); // as the window does, which holds the list
+    }
+    std::filesystem::last_write_time(folder.path("list"), now - 3600s);
+    edited.load(text::fromBytes(folder.path("list")));
+    fileSystem.reset();
+    edited.reload();
+    EXPECT_EQ(fileSystem.callCount(FileCall::read), 1U) << "the user knows better than the time of the file";
 }
 
 } // namespace

@@ -5,8 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <exception>
-#include <stdexcept>
+#include <future>
 #include <thread>
 #include <utility>
 
@@ -20,14 +19,6 @@ EngineTestHost::EngineTestHost(ItemStore::Options options)
     makeStore(std::move(options));
     set("interactiveMode", 0);
     set("renameMode", 0);
-}
-
-// Frees the workers that wait for this thread; the engine, the last member, then waits for them.
-EngineTestHost::~EngineTestHost() { loop.close(); }
-
-EngineTestHost::SharedInstances::~SharedInstances() {
-    ActionList::setSharedActionList(nullptr);
-    UserDefaults::setSharedInstance(nullptr);
 }
 
 ItemStore::Options EngineTestHost::inFile(std::string folder, std::size_t budget) {
@@ -48,11 +39,6 @@ void EngineTestHost::makeStore(ItemStore::Options options) {
         const std::lock_guard lock(mainContext->mutex());
         mainContext->merge(changes);
     });
-}
-
-void EngineTestHost::dropStore() {
-    mainContext.reset();
-    store.reset();
 }
 
 void EngineTestHost::note(const std::string& event) {
@@ -81,41 +67,21 @@ void EngineTestHost::setSteps(const std::vector<Step>& steps) {
         PropertyDictionary{{"composite actions array", std::move(entries)}, {"currentActionIndex", 0}});
 }
 
-void EngineTestHost::preview() {
-    engine.processPreviewPipeline(progress);
-    waitUntilIdle();
-}
-
-void EngineTestHost::renameThenContinue() {
-    engine.processRenamingPipelineThenContinue(progress);
-    waitUntilIdle();
-}
-
-void EngineTestHost::saveList(int format, bool onlyAffected, const std::string& path) {
-    engine.processFileListPipeline(progress, format, onlyAffected, path);
-    waitUntilIdle();
-}
-
 void EngineTestHost::waitUntilIdle() {
     ASSERT_TRUE(loop.runUntil([this] { return !engine.isBusy(); }));
 }
 
 void EngineTestHost::onWorker(const std::function<void()>& work) {
+    std::packaged_task<void()> task(work);
     bool hasEnded = false;
-    std::exception_ptr thrown;
     std::thread worker([&] {
-        try {
-            work();
-        } catch (...) {
-            thrown = std::current_exception();
-        }
+        task();
         loop.post([&] { hasEnded = true; });
     });
     const bool ended = loop.runUntil([&] { return hasEnded; });
     worker.join();
     ASSERT_TRUE(ended);
-    if (thrown)
-        std::rethrow_exception(thrown);
+    task.get_future().get(); // throws what the work has thrown
 }
 
 std::map<std::string, std::string> EngineTestHost::finalNames() {
@@ -124,11 +90,6 @@ std::map<std::string, std::string> EngineTestHost::finalNames() {
     for (const RowId id : context.fetch({FetchEntity::file, Predicate::always(), {}, 0}))
         names.emplace(context.fullPath(id), text::toUtf8(context.finalName(id)));
     return names;
-}
-
-EngineControl EngineTestHost::counters() {
-    const std::lock_guard lock(mainContext->mutex());
-    return mainContext->engineControl();
 }
 
 std::vector<std::string> EngineTestHost::errors() {
@@ -141,42 +102,13 @@ std::vector<std::string> EngineTestHost::errors() {
 
 void EngineTestHost::ask(const RunQuestion& question, const ConfirmationAnswerPointer& answer) {
     prompts.asked.push_back(inWords(question));
-    const auto give = [&](const auto& script, const auto& each) {
-        if (script)
+    const auto give = [&]<typename Question>(const Question& each) {
+        if (const auto& script = prompts.script<Question>())
             answer->give(script(each));
         else
             ADD_FAILURE() << "unexpected question: " << prompts.asked.back();
     };
-    struct Dispatch {
-        const ScriptedAnswers& scripts;
-        decltype(give)& then;
-        void operator()(const RenameQuestion& q) const { then(scripts.onRename, q); }
-        void operator()(const SwapQuestion& q) const { then(scripts.onSwap, q); }
-        void operator()(const NameCycleQuestion& q) const { then(scripts.onNameCycle, q); }
-        void operator()(const ProblemReport& q) const { then(scripts.onProblem, q); }
-        void operator()(const LibraryWarning& q) const { then(scripts.onLibraryWarning, q); }
-        void operator()(const NoRecordQuestion& q) const { then(scripts.onNoRecord, q); }
-        void operator()(const PipelineFailure& q) const { then(scripts.onPipelineFailed, q); }
-    };
-    std::visit(Dispatch{prompts, give}, question);
-}
-
-void EngineTestHost::updatePreview() {
-    loop.post([this] { note("updatePreview"); });
-}
-
-void EngineTestHost::showFileListSavingCompletionDialog(int format) {
-    note("showFileListSavingCompletionDialog " + std::to_string(format));
-}
-
-void EngineTestHost::reloadPreview() {
-    sourceItems.resetCache();
-    note("reloadPreview");
-}
-
-void EngineTestHost::clearList() {
-    makeStore({});
-    note("clearList");
+    std::visit(give, question);
 }
 
 } // namespace tavrin::test

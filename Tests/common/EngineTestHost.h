@@ -17,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tavrin::test {
@@ -34,6 +35,11 @@ struct ScriptedAnswers {
     Script<PipelineFailure> onPipelineFailed;
 
     std::vector<std::string> asked; ///< every question, in order, in words
+
+    template <typename Question> [[nodiscard]] const Script<Question>& script() const {
+        return std::get<const Script<Question>&>(std::tie(onRename, onSwap, onNameCycle, onProblem,
+                                                          onLibraryWarning, onNoRecord, onPipelineFailed));
+    }
 };
 
 /// An application around one engine: real store, settings, actions and source items, a run loop driven by the
@@ -42,13 +48,17 @@ class EngineTestHost : public EngineHost {
   private:
     /// Withdraws the shared instances when everything else has gone.
     struct SharedInstances {
-        ~SharedInstances();
+        ~SharedInstances() {
+            ActionList::setSharedActionList(nullptr);
+            UserDefaults::setSharedInstance(nullptr);
+        }
     };
     SharedInstances sharedInstances;
 
   public:
     explicit EngineTestHost(ItemStore::Options options = {});
-    ~EngineTestHost() override;
+    /// Frees the workers that wait for this thread; the engine, the last member, then waits for them.
+    ~EngineTestHost() override { loop.close(); }
     /// A store in a file of this folder that keeps this much in memory, in bytes.
     [[nodiscard]] static ItemStore::Options inFile(std::string folder, std::size_t budget = 64U << 20);
 
@@ -84,9 +94,18 @@ class EngineTestHost : public EngineHost {
     void set(const std::string& key, PropertyValue value) { settings.setValue(std::move(value), key); }
 
     // Whole runs, waited for.
-    void preview();
-    void renameThenContinue();
-    void saveList(int format, bool onlyAffected, const std::string& path);
+    void preview() {
+        engine.processPreviewPipeline(progress);
+        waitUntilIdle();
+    }
+    void renameThenContinue() {
+        engine.processRenamingPipelineThenContinue(progress);
+        waitUntilIdle();
+    }
+    void saveList(int format, bool onlyAffected, const std::string& path) {
+        engine.processFileListPipeline(progress, format, onlyAffected, path);
+        waitUntilIdle();
+    }
     /// Runs the loop until the engine is idle.
     void waitUntilIdle();
     /// Runs the work on a thread of its own, as a worker of the engine would, and the loop meanwhile.
@@ -94,7 +113,10 @@ class EngineTestHost : public EngineHost {
 
     /// What the preview shows: full path to new name (bytes), of all `File` rows.
     std::map<std::string, std::string> finalNames();
-    EngineControl counters();
+    EngineControl counters() {
+        const std::lock_guard lock(mainContext->mutex());
+        return mainContext->engineControl();
+    }
     /// "title | message | path" each.
     std::vector<std::string> errors();
 
@@ -107,24 +129,37 @@ class EngineTestHost : public EngineHost {
     RunLoop& runLoop() override { return loop; }
     void ask(const RunQuestion& question, const ConfirmationAnswerPointer& answer) override;
     bool isSilentDroplet() override { return isSilent; }
-    void updatePreview() override;
+    void updatePreview() override {
+        loop.post([this] { note("updatePreview"); });
+    }
     void startProgressWindow() override { note("startProgressWindow"); }
     void stopProgressWindow() override { note("stopProgressWindow"); }
     void refreshPreview() override { note("refreshPreview"); }
     void showStats() override { note("showStats"); }
     void showCompletionDialog() override { note("showCompletionDialog"); }
-    void showFileListSavingCompletionDialog(int format) override;
+    void showFileListSavingCompletionDialog(int format) override {
+        note("showFileListSavingCompletionDialog " + std::to_string(format));
+    }
     void showFileListNotSaved(const std::string& path, const std::string& reason) override {
         note("showFileListNotSaved " + path + ": " + reason);
     }
-    void reloadPreview() override;
-    void clearList() override;
+    void reloadPreview() override {
+        sourceItems.resetCache();
+        note("reloadPreview");
+    }
+    void clearList() override {
+        makeStore({});
+        note("clearList");
+    }
     void terminate() override { note("terminate"); }
     void presentNotice(const std::string& text) override { note("notice " + text); }
     void revealReport(const std::string& path) override { note("revealReport " + path); }
 
     /// Takes the store away, as when none can be made.
-    void dropStore();
+    void dropStore() {
+        mainContext.reset();
+        store.reset();
+    }
 
   private:
     void makeStore(ItemStore::Options options);

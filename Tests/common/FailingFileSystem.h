@@ -2,10 +2,9 @@
 
 #include "platform/files/FileSystem.h"
 
-#include <array>
-#include <atomic>
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -35,8 +34,8 @@ enum class FileCall {
 struct FileEvent {
     FileCall call;
     std::string folder; ///< or the path of a call by path
-    std::string name;
-    std::string to;
+    std::string name = {};
+    std::string to = {};
     [[nodiscard]] bool changesNames() const { return call >= FileCall::rename; }
     /// Whether the disk is another one after it.
     [[nodiscard]] bool changesDisk() const { return call >= FileCall::makeFolders && call != FileCall::read; }
@@ -47,8 +46,10 @@ struct FileEvent {
 /// it lives. Any thread.
 class FailingFileSystem : public FileSystem {
   public:
-    explicit FailingFileSystem(FileSystem& real = FileSystem::sharedInstance());
-    ~FailingFileSystem() override;
+    explicit FailingFileSystem(FileSystem& realSystem = FileSystem::sharedInstance()) : real(realSystem) {
+        setSharedInstance(this);
+    }
+    ~FailingFileSystem() override { setSharedInstance(nullptr); }
 
     /// Fails the call with this number, counted from 1 from now on, once; or it and all after it, as if the
     /// program had been killed there.
@@ -63,21 +64,36 @@ class FailingFileSystem : public FileSystem {
     void reset();
 
     /// Since the last reset.
-    [[nodiscard]] std::size_t callCount() const;
-    [[nodiscard]] std::size_t callCount(FileCall call) const;
+    [[nodiscard]] std::size_t callCount(FileCall first, FileCall last) const;
+    [[nodiscard]] std::size_t callCount(FileCall call) const { return callCount(call, call); }
+    [[nodiscard]] std::size_t callCount() const { return callCount(FileCall::openFolder, FileCall::remove); }
     /// Calls that change names, in folders.
-    [[nodiscard]] std::size_t nameChangeCount() const;
+    [[nodiscard]] std::size_t nameChangeCount() const {
+        return callCount(FileCall::rename, FileCall::remove);
+    }
     /// How many calls were made to fail since the last reset.
     [[nodiscard]] std::size_t failureCount() const;
 
     int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) override;
-    int status(const std::string& path, FileStatus& into) override;
-    int followedStatus(const std::string& path, FileStatus& into) override;
-    int removeFile(const std::string& path) override;
-    int makeFolders(const std::string& path) override;
-    int writeFileAtomically(const std::string& path, std::string_view content) override;
+    int status(const std::string& path, FileStatus& into) override {
+        return pass({FileCall::status, path}, [&] { return real.status(path, into); });
+    }
+    int followedStatus(const std::string& path, FileStatus& into) override {
+        return pass({FileCall::status, path}, [&] { return real.followedStatus(path, into); });
+    }
+    int removeFile(const std::string& path) override {
+        return pass({FileCall::removeFile, path}, [&] { return real.removeFile(path); });
+    }
+    int makeFolders(const std::string& path) override {
+        return pass({FileCall::makeFolders, path}, [&] { return real.makeFolders(path); });
+    }
+    int writeFileAtomically(const std::string& path, std::string_view content) override {
+        return pass({FileCall::write, path}, [&] { return real.writeFileAtomically(path, content); });
+    }
     int makeAppendFile(const std::string& path, std::unique_ptr<AppendFile>& into) override;
-    int readFile(const std::string& path, std::string& into, std::size_t limit) override;
+    int readFile(const std::string& path, std::string& into, std::size_t limit) override {
+        return pass({FileCall::read, path}, [&] { return real.readFile(path, into, limit); });
+    }
 
     /// Counts a call; the error that it is to fail with, or 0.
     int admit(const FileEvent& event);
@@ -88,19 +104,17 @@ class FailingFileSystem : public FileSystem {
     }
 
   private:
-    static constexpr std::size_t kinds = static_cast<std::size_t>(FileCall::remove) + 1;
-    struct KindFailure {
+    struct Kind {
+        std::size_t count = 0;
         int error = 0;
-        std::optional<std::size_t> number;
-        std::size_t seen = 0;
+        std::optional<std::size_t> failing; ///< the only one to fail
     };
 
     FileSystem& real;
 
     mutable std::mutex mutex; ///< guards what follows
-    std::array<std::size_t, kinds> counts{};
-    std::array<KindFailure, kinds> kindFailures{};
-    std::size_t seen = 0;
+    std::map<FileCall, Kind> kinds;
+    std::size_t calls = 0;
     std::size_t failingCall = 0;
     bool failsOn = false;
     int failingError = 0;

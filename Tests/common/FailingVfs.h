@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+struct sqlite3_vfs;
+
 namespace tavrin::test {
 
 /// A SQLite VFS over the default one whose k-th read or write fails, and those after it if wanted.
@@ -30,8 +32,7 @@ class FailingVfs {
 
   private:
     std::string vfsName;
-    struct Shim;
-    std::unique_ptr<Shim> shim;
+    std::unique_ptr<sqlite3_vfs> vfs;
     std::atomic<int> readCount{0}, writeCount{0}, failingRead{0}, failingWrite{0};
     std::atomic<bool> failLaterReads{false}, failLaterGrowth{false};
 };

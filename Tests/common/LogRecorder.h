@@ -54,9 +54,8 @@ class LogRecorder : public LogSink {
 
   private:
     [[nodiscard]] std::size_t countUnlocked(std::string_view text) const {
-        return static_cast<std::size_t>(
-            std::count_if(written.begin(), written.end(),
-                          [text](const std::string& line) { return line.find(text) != std::string::npos; }));
+        return static_cast<std::size_t>(std::ranges::count_if(
+            written, [text](const auto& line) { return line.find(text) != line.npos; }));
     }
 
     mutable std::mutex mutex; ///< guards `written`

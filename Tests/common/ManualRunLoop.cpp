@@ -5,28 +5,12 @@
 
 namespace tavrin::test {
 
-ManualRunLoop::ManualRunLoop() : mainThread(std::this_thread::get_id()) {}
-
-ManualRunLoop::~ManualRunLoop() { close(); }
-
 void ManualRunLoop::post(std::function<void()> action) {
     const std::lock_guard lock(mutex);
     if (closed)
         return;
     queue.push_back(std::move(action));
     changed.notify_all();
-}
-
-bool ManualRunLoop::isCurrent() const { return std::this_thread::get_id() == mainThread; }
-
-std::unique_ptr<Timer> ManualRunLoop::startTimer(std::chrono::milliseconds interval, bool repeats,
-                                                 std::function<void()> action) {
-    return timers.start(now(), interval, repeats, std::move(action));
-}
-
-double ManualRunLoop::now() const {
-    const std::lock_guard lock(mutex);
-    return time;
 }
 
 bool ManualRunLoop::runOne() {
@@ -54,15 +38,11 @@ void ManualRunLoop::advance(std::chrono::milliseconds duration) {
     const double target = now() + std::chrono::duration<double>(duration).count();
     runPosted();
     for (auto due = timers.nextDue(); due && *due <= target + tolerance; due = timers.nextDue()) {
-        {
-            const std::lock_guard lock(mutex);
-            time = std::max(time, *due);
-        }
+        time = std::max(now(), *due);
         timers.fireNext(*due);
         runPosted();
     }
-    const std::lock_guard lock(mutex);
-    time = std::max(time, target);
+    time = std::max(now(), target);
 }
 
 bool ManualRunLoop::runUntil(const std::function<bool()>& predicate) {

@@ -3,6 +3,7 @@
 #include "platform/processes/QueueRunLoop.h"
 #include "platform/processes/RunLoop.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -14,14 +15,15 @@ namespace tavrin::test {
 /// posted actions run when the test asks for it.
 class ManualRunLoop : public RunLoop {
   public:
-    ManualRunLoop();
-    ~ManualRunLoop() override;
+    ~ManualRunLoop() override { close(); }
 
     void post(std::function<void()> action) override;
-    [[nodiscard]] bool isCurrent() const override;
+    [[nodiscard]] bool isCurrent() const override { return std::this_thread::get_id() == mainThread; }
     [[nodiscard]] std::unique_ptr<Timer> startTimer(std::chrono::milliseconds interval, bool repeats,
-                                                    std::function<void()> action) override;
-    [[nodiscard]] double now() const override;
+                                                    std::function<void()> action) override {
+        return timers.start(now(), interval, repeats, std::move(action));
+    }
+    [[nodiscard]] double now() const override { return time; }
 
     /// Runs all posted actions, those too that are posted meanwhile; the number run.
     std::size_t runPosted();
@@ -38,13 +40,13 @@ class ManualRunLoop : public RunLoop {
   private:
     bool runOne();
 
-    const std::thread::id mainThread;
+    const std::thread::id mainThread = std::this_thread::get_id();
+    std::atomic<double> time = 0;
     TimerSet timers; ///< main thread only
 
-    mutable std::mutex mutex; ///< guards what follows
+    std::mutex mutex; ///< guards what follows
     std::condition_variable changed;
     std::deque<std::function<void()>> queue;
-    double time = 0;
     bool closed = false;
 };
 

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "actions/BaseRenameAction.h"
 #include "engine/asking/RunQuestion.h"
 #include "shell/asking/FrontEnd.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
 
 #include <deque>
 #include <functional>
@@ -33,9 +37,13 @@ class ScriptedFrontEnd : public FrontEnd {
                                 std::optional<FilesToAdd>, FileListChoice, std::optional<std::string>,
                                 std::optional<std::vector<std::string>>, FetchedAddress, bool>;
 
+    template <typename Given> using Handler = std::function<void(Given)>;
+
     ~ScriptedFrontEnd() override;
 
-    void expect(std::string question, Answer answer = AlertAnswer());
+    void expect(std::string question, Answer answer = AlertAnswer()) {
+        script.push_back({std::move(question), std::move(answer)});
+    }
     /// Answers the question that is held.
     void answerHeld(const Answer& answer);
     [[nodiscard]] bool isHolding() const { return held != nullptr; }
@@ -45,7 +53,6 @@ class ScriptedFrontEnd : public FrontEnd {
     // What was shown.
     std::vector<std::string> events; ///< in order, in the words of the operations below
     std::vector<Alert> alerts;
-    std::vector<RunQuestion> runQuestions;
     FailureReport failures;
     std::optional<TakeBackQuestion> takeBack; ///< the last one
     std::vector<std::string> presented;
@@ -60,34 +67,67 @@ class ScriptedFrontEnd : public FrontEnd {
     void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
     void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;
-    void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
-    void withdrawQuestions() override;
+    void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override {
+        failures = report;
+        askFor<AlertAnswer>("errors", [closed](const AlertAnswer&) { closed(); });
+    }
+    void withdrawQuestions() override {
+        note("withdrawQuestions");
+        held = nullptr;
+    }
     void askForFilesToAdd(const std::string& startFolder,
-                          std::function<void(std::optional<FilesToAdd>)> answer) override;
-    void askForFileListFormat(std::function<void(FileListChoice)> answer) override;
-    void askForSavePath(const std::string& title,
-                        std::function<void(std::optional<std::string>)> answer) override;
+                          Handler<std::optional<FilesToAdd>> answer) override {
+        note("panel starts at " + startFolder);
+        askFor("files to add", answer);
+    }
+    void askForFileListFormat(Handler<FileListChoice> answer) override { askFor("list format", answer); }
+    void askForSavePath(const std::string& title, Handler<std::optional<std::string>> answer) override {
+        note("panel titled " + title);
+        askFor("save path", answer);
+    }
     void askForDropletPath(const std::string& title, const std::string& startFolder,
-                           std::function<void(std::optional<std::string>)> answer) override;
-    void askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) override;
+                           Handler<std::optional<std::string>> answer) override {
+        note("panel titled " + title + " starts at " + startFolder);
+        askFor("droplet path", answer);
+    }
+    void askToTakeBack(const TakeBackQuestion& question, Handler<bool> answer) override {
+        takeBack = question;
+        askFor("take back " + question.title, answer);
+    }
     void askForDroplets(const LocatePanel& panel,
-                        std::function<void(std::optional<std::vector<std::string>>)> answer) override;
-    void askForFolder(const LocatePanel& panel,
-                      std::function<void(std::optional<std::string>)> answer) override;
-    void fetchAddress(const std::string& address, std::size_t limit,
-                      std::function<void(FetchedAddress)> answer) override;
+                        Handler<std::optional<std::vector<std::string>>> answer) override {
+        note("panel titled " + panel.title + ", " + panel.message + ", " + panel.prompt);
+        askFor("droplets", answer);
+    }
+    void askForFolder(const LocatePanel& panel, Handler<std::optional<std::string>> answer) override {
+        note("panel titled " + panel.title);
+        askFor("folder", answer);
+    }
+    void fetchAddress(const std::string& address, std::size_t, Handler<FetchedAddress> answer) override {
+        askFor("fetch " + address, answer);
+    }
 
     void presentNotice(const std::string& text) override { presented.push_back(text); }
     void presentError(const std::string& message) override { presented.push_back(message); }
     void terminate() override;
-    void selectMainTab(MainTab tab) override;
-    void selectPreviewTab(PreviewTab tab) override;
+    void selectMainTab(MainTab tab) override { note("mainTab " + std::to_string(static_cast<int>(tab))); }
+    void selectPreviewTab(PreviewTab tab) override {
+        note("previewTab " + std::to_string(static_cast<int>(tab)));
+    }
     void setColumnHidden(PreviewColumn column, bool isHidden) override { hiddenColumns[column] = isHidden; }
-    void previewFinished() override;
+    void previewFinished() override {
+        ++finishedPreviews;
+        onProgress();
+    }
     void runStateChanged(bool isRunning) override { note(isRunning ? "run begins" : "run ends"); }
-    void fillPresetMenu(const std::vector<std::u16string>& titles) override;
-    void showActionPanel(BaseRenameAction& action) override;
-    void setDividerPosition(double position) override;
+    void fillPresetMenu(const std::vector<std::u16string>& titles) override {
+        note("fillPresetMenu " + std::to_string(titles.size()));
+    }
+    void showActionPanel(BaseRenameAction& action) override { note("panel " + action.actionName()); }
+    void setDividerPosition(double position) override {
+        note(fmt::format("divider {}", position));
+        onDividerMoved(position);
+    }
     void centreWindow() override { note("centreWindow"); }
     void showWindow() override { note("showWindow"); }
     void hideWindow() override { note("hideWindow"); }
@@ -101,14 +141,27 @@ class ScriptedFrontEnd : public FrontEnd {
         std::string question;
         Answer answer;
     };
-    using Giver = std::function<void(const Answer&)>;
-
     void note(std::string_view event) { events.emplace_back(event); }
-    template <typename Given>
-    void askFor(const std::string& question, const std::function<void(Given)>& handler);
+    /// The answer of the script, unless this is another question than it expects.
+    std::optional<Answer> nextAnswer(const std::string& question);
+    template <typename Given> void askFor(const std::string& question, const Handler<Given>& handler) {
+        const auto answer = nextAnswer(question);
+        if (!answer)
+            return;
+        const Handler<const Answer&> give = [handler](const Answer& chosen) {
+            if (const auto* given = std::get_if<Given>(&chosen))
+                handler(*given);
+            else if (!std::holds_alternative<Closed>(chosen))
+                ADD_FAILURE() << "the script has an answer of another kind";
+        };
+        if (std::holds_alternative<Held>(*answer))
+            held = give;
+        else
+            give(*answer);
+    }
 
     std::deque<Expectation> script;
-    Giver held;
+    Handler<const Answer&> held;
 };
 
 } // namespace tavrin::test

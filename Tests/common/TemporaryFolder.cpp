@@ -79,39 +79,28 @@ void TemporaryFolder::remove(std::string_view name) const {
 std::string TemporaryFolder::read(std::string_view name) const { return contentOf(path(name)); }
 
 std::optional<FileStatus::Kind> TemporaryFolder::kind(std::string_view name) const {
-    switch (fs::symlink_status(path(name)).type()) {
-    case fs::file_type::not_found:
+    using enum fs::file_type;
+    const auto type = fs::symlink_status(path(name)).type();
+    if (type == not_found)
         return std::nullopt;
-    case fs::file_type::regular:
-        return FileStatus::Kind::file;
-    case fs::file_type::directory:
-        return FileStatus::Kind::folder;
-    case fs::file_type::symlink:
-        return FileStatus::Kind::link;
-    default:
-        return FileStatus::Kind::other;
-    }
+    return type == regular     ? FileStatus::Kind::file
+           : type == directory ? FileStatus::Kind::folder
+           : type == symlink   ? FileStatus::Kind::link
+                               : FileStatus::Kind::other;
 }
 
 std::map<std::string, std::string> TemporaryFolder::tree() const {
     std::map<std::string, std::string> result;
-    addTree("", result);
-    return result;
-}
-
-void TemporaryFolder::addTree(const std::string& prefix, std::map<std::string, std::string>& into) const {
-    for (const auto& entry : fs::directory_iterator(path(prefix))) {
-        const std::string name = prefix + entry.path().filename().string();
-        const auto type = entry.symlink_status().type();
-        if (type == fs::file_type::directory) {
-            into[name + "/"];
-            addTree(name + "/", into);
-        } else if (type == fs::file_type::symlink) {
-            into[name] = "-> " + fs::read_symlink(entry.path()).string();
-        } else {
-            into[name] = type == fs::file_type::regular ? contentOf(path(name)) : "?";
-        }
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        const auto name = entry.path().string().substr(folder.size() + 1);
+        const auto is = kind(name);
+        result[is == FileStatus::Kind::folder ? name + "/" : name] =
+            is == FileStatus::Kind::file     ? contentOf(path(name))
+            : is == FileStatus::Kind::link   ? "-> " + fs::read_symlink(entry.path()).string()
+            : is == FileStatus::Kind::folder ? ""
+                                             : "?";
     }
+    return result;
 }
 
 } // namespace tavrin::test

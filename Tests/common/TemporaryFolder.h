@@ -38,8 +38,6 @@ class TemporaryFolder {
     [[nodiscard]] std::map<std::string, std::string> tree() const;
 
   private:
-    void addTree(const std::string& prefix, std::map<std::string, std::string>& into) const;
-
     std::string folder;
 };
 

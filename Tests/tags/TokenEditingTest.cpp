@@ -69,20 +69,18 @@ TEST(MixedTokenField, RecognisesTagsWhileTheUserTypes) {
 TEST(StringToInvisibles, ShowsBlanksAndControlCharactersWhileItIsOn) {
     UserDefaults defaults;
     const StringToInvisiblesValueTransformer transformer(defaults);
-    const auto shows = [&](const char16_t* text) {
-        return text::toUtf8(*transformer.transformedValue(text));
-    };
-    EXPECT_EQ(shows(u"a b\tc\u0001"), "a b\tc\u0001");
-    defaults.setObject("showInvisibles", true);
-    EXPECT_EQ(shows(u"a b\tc"), "a·b→c");
-    EXPECT_EQ(shows(u"\r\n"), "\u240D\u2424");
-    EXPECT_EQ(shows(u"a\u0001\u007f\u0085b\u202e"), "a\u2023\u2023\u2023b\u2023");
-    EXPECT_EQ(shows(u"\u00a0\U0001F600e\u0301"), "\u00a0\U0001F600e\u0301");
-    EXPECT_EQ(shows(u"\U000E0001"), "\u2023");
-    EXPECT_EQ(shows(u""), "");
+    for (const auto& [text, shown] : {std::pair(u"a b\tc", "a·b→c"),
+                                      {u"\r\n", "\u240D\u2424"},
+                                      {u"a\u0001\u007f\u0085b\u202e", "a\u2023\u2023\u2023b\u2023"},
+                                      {u"\u00a0\U0001F600e\u0301", "\u00a0\U0001F600e\u0301"},
+                                      {u"\U000E0001", "\u2023"},
+                                      {u"", ""}}) {
+        defaults.setObject("showInvisibles", false);
+        EXPECT_EQ(transformer.transformedValue(text), text);
+        defaults.setObject("showInvisibles", true);
+        EXPECT_EQ(text::toUtf8(*transformer.transformedValue(text)), shown);
+    }
     EXPECT_EQ(transformer.transformedValue(std::nullopt), std::nullopt);
-    defaults.setObject("showInvisibles", false);
-    EXPECT_EQ(shows(u"a b"), "a b");
 }
 
 } // namespace
