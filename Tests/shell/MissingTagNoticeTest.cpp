@@ -54,8 +54,7 @@ TEST_F(MissingTagNoticeTest, TellsOnceInARunOfTheProgramUntilItsBoxIsTicked) {
             defaults.setObject("showTagNotPresentDialog", true);
         add({"c.txt"});
         EXPECT_EQ(defaults.boolForKey("showTagNotPresentDialog"), each.isWantedAfter);
-        endController();
-        loop.reopen();
+        restart();
         begin();
     }
 }
@@ -69,8 +68,7 @@ TEST_F(MissingTagNoticeTest, TheEndFreesTheWorkerWhetherItIsShownOrNot) {
             ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isHolding(); }));
             EXPECT_TRUE(controller().renameEngine().isBusy());
         }
-        endController(); // would hang
-        loop.reopen();
+        restart(); // would hang
         begin();
     }
 }
