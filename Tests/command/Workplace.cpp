@@ -35,9 +35,9 @@ std::vector<std::string> Workplace::arguments(const std::string& line) const {
     for (const char* sanitizerOptions : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"})
         if (const char* value = std::getenv(sanitizerOptions))
             result.push_back(std::string(sanitizerOptions) + "=" + value);
-    const std::vector<std::string> shell = {"/bin/bash", "-c",
-                                            "cd " + quotedForShell(work.path()) + "; " + line};
-    result.insert(result.end(), shell.begin(), shell.end());
+    for (const std::string& argument :
+         {std::string("/bin/bash"), std::string("-c"), "cd " + quotedForShell(work.path()) + "; " + line})
+        result.push_back(argument);
     return result;
 }
 

@@ -90,9 +90,6 @@ TEST_F(DropletTest, RefusesSettingsThatAreNoGoodOrLieOutside) {
     (void)folder.write("outside/Resources/Settings.plist", good);
     const char* const foreign = "it is not a file of the droplet itself";
     const char* const damaged = "Settings.plist: ";
-    const std::string resources = "A.app/Contents/Resources";
-    const std::string bomb = "<!DOCTYPE plist [<!ENTITY a \"" + std::string(1000, 'a') +
-                             "\"><!ENTITY b \"&a;&a;&a;\">]><plist><string>&b;</string></plist>";
     const std::pair<const char*, std::function<void()>> cases[] = {
         {"No such file", [] {}},
         {"no action \"Fly\"", [&] { writeSettings("Fly"); }},
@@ -102,26 +99,15 @@ TEST_F(DropletTest, RefusesSettingsThatAreNoGoodOrLieOutside) {
          }},
         {damaged, [&] { writeRaw(""); }},
         {damaged, [&] { writeRaw(good.substr(0, good.size() / 2)); }},
-        {damaged, [&] { writeRaw("bplist00 and no more"); }},
         {damaged, [&] { writeRaw("<plist><array/></plist>"); }},
-        {damaged, [&] { writeRaw(bomb); }},
+        {foreign, [&] { (void)folder.link(settingsFile, folder.path("outside/Resources/Settings.plist")); }},
+        {foreign, [&] { (void)folder.link("A.app/Contents", folder.path("outside")); }},
         {foreign,
          [&] {
-             (void)folder.makeFolder(resources);
-             (void)folder.link(settingsFile, folder.path("outside/Resources/Settings.plist"));
+             ::mkfifo((folder.makeFolder("A.app/Contents/Resources") + "/Settings.plist").c_str(), 0600);
          }},
-        {foreign,
-         [&] {
-             (void)folder.makeFolder("A.app");
-             (void)folder.link("A.app/Contents", folder.path("outside"));
-         }},
-        {foreign, [&] { ::mkfifo((folder.makeFolder(resources) + "/Settings.plist").c_str(), 0600); }},
         {foreign, [&] { (void)folder.makeFolder(settingsFile); }},
-        // A hole takes no room on the disk, but would take memory.
-        {"larger than 64 MiB", [&] {
-             writeRaw("");
-             std::filesystem::resize_file(folder.path(settingsFile), std::uintmax_t{65} << 20);
-         }}};
+        {"larger than 64 MiB", [&] { writeRaw(std::string(std::size_t{65} << 20, ' ')); }}};
     for (const auto& [message, make] : cases) {
         removeDroplet();
         make();
@@ -158,18 +144,14 @@ TEST_F(DropletTest, TheLauncherQuotesEveryName) {
         const char* argument; ///< as it stands behind --droplet
         const char* mark;
     };
-    for (const Case& c : {Case{"/d/Holiday.app", R"("/d/Holiday.app")", "/d/Holiday.app"},
-                          {"/d/a b.app", R"("/d/a b.app")", "/d/a b.app"},
-                          {"/d/50%.app", R"("/d/50%%.app")", "/d/50%.app"},
-                          {"/d/%k%F.app", R"("/d/%%k%%F.app")", "/d/%k%F.app"},
-                          {"/d/say \"hi\".app", R"("/d/say \\"hi\\".app")", "/d/say \"hi\".app"},
-                          {"/d/$HOME.app", R"("/d/\\$HOME.app")", "/d/$HOME.app"},
-                          {"/d/a`b.app", R"("/d/a\\`b.app")", "/d/a`b.app"},
-                          {R"(/d/a\b.app)", R"("/d/a\\\\b.app")", R"(/d/a\\b.app)"},
-                          {"/d/it's;&<>|.app", R"("/d/it's;&<>|.app")", "/d/it's;&<>|.app"},
-                          {"/d/two\nlines\t.app", R"("/d/two\nlines\t.app")", R"(/d/two\nlines\t.app)"},
-                          {"/d/\xC3\xA4\xF0\x9F\x98\x80.app", "\"/d/\xC3\xA4\xF0\x9F\x98\x80.app\"",
-                           "/d/\xC3\xA4\xF0\x9F\x98\x80.app"}}) {
+    for (const Case& c :
+         {Case{"/d/it's 50%, %k%F;&<>|.app", R"("/d/it's 50%%, %%k%%F;&<>|.app")",
+               "/d/it's 50%, %k%F;&<>|.app"},
+          {"/d/say \"$HOME\" `x`.app", R"("/d/say \\"\\$HOME\\" \\`x\\`.app")", "/d/say \"$HOME\" `x`.app"},
+          {R"(/d/a\b.app)", R"("/d/a\\\\b.app")", R"(/d/a\\b.app)"},
+          {"/d/two\nlines\t.app", R"("/d/two\nlines\t.app")", R"(/d/two\nlines\t.app)"},
+          {"/d/\xC3\xA4\xF0\x9F\x98\x80.app", "\"/d/\xC3\xA4\xF0\x9F\x98\x80.app\"",
+           "/d/\xC3\xA4\xF0\x9F\x98\x80.app"}}) {
         const std::string text = DropletLauncher(DropletBundle(c.bundle), "/usr/bin/tavrin").text();
         EXPECT_THAT(text, HasSubstr("\nExec=\"/usr/bin/tavrin\" --droplet " + std::string(c.argument) +
                                     " --launcher=%k %F\n"));

@@ -152,21 +152,5 @@ TEST_F(ConfirmationFlowTest, TheReportOfARunFitsWhatHappened) {
     EXPECT_EQ(frontEnd.failures.done, "1 file name was changed.");
 }
 
-TEST_F(ConfirmationFlowTest, TheEndWaitsUntilTheReportIsClosed) {
-    for (const ScriptedFrontEnd::Answer& way :
-         std::vector<ScriptedFrontEnd::Answer>{AlertAnswer(), ScriptedFrontEnd::Closed()}) {
-        start();
-        frontEnd.expect("alert summary", ScriptedFrontEnd::Held());
-        controller().showCompletionDialog();
-        controller().terminate();
-        EXPECT_FALSE(frontEnd.isTerminated);
-        frontEnd.answerHeld(way);
-        EXPECT_TRUE(frontEnd.isTerminated);
-        frontEnd.isTerminated = false;
-        endController();
-        loop.reopen();
-    }
-}
-
 } // namespace
 } // namespace tavrin::test

@@ -12,17 +12,9 @@ using ::testing::HasSubstr;
 /// Making droplets, and bringing those and the presets of the version before to this one.
 class DropletCommandsTest : public ShellFixture {
   protected:
-    DropletCommandsTest() { defaults.setObject("don't show droplet information again", true); }
-
     void create(const std::string& name) {
         frontEnd.expect("droplet path", std::optional(files.path(name)));
         controller().createDroplet();
-    }
-    /// Expects one message about the presets that are taken over; the title that it had.
-    std::string titleOfMigration() {
-        frontEnd.expect("alert presetMigration");
-        controller().migratePresetsFromFolder();
-        return frontEnd.alerts.back().title;
     }
     static std::string preset() {
         return PropertyList::toXml(PropertyDictionary{{"compositeAction", chain({{"Add to end", {}}})}});
@@ -39,30 +31,11 @@ class DropletCommandsTest : public ShellFixture {
     Variable dataHome{"XDG_DATA_HOME", data.path().c_str()};
 };
 
-TEST_F(DropletCommandsTest, WritesTheChainAndTheSettings) {
+TEST_F(DropletCommandsTest, WritesTheChainAndTheSettingsAndExplainsDropletsUntilToldNotTo) {
+    const char* const key = "don't show droplet information again";
     start();
     setSteps({{"Add to end", {{"string", u"X"}}}, {"Remove text", {}}});
     set("lockedDroplet", true);
-    create("x.y");
-    EXPECT_THAT(frontEnd.events, Contains("panel titled Save Droplet starts at " + files.path()));
-    const auto settings = DropletBundle(files.path("x.app")).readSettings();
-    ASSERT_TRUE(std::holds_alternative<PropertyDictionary>(settings)) << std::get<1>(settings).message;
-    const PropertyDictionary expected{
-        {"Droplet Settings", PropertyDictionary{{"default location", u"/Applications/Tavrin 9.app"},
-                                                {"location key", u"net.calderwick.tvrn9"},
-                                                {"temporary settings key", u"droplet settings"}}},
-        {"Host Application Settings",
-         PropertyDictionary{{"composite action", controller().compositeAction().getFlatParameterList()},
-                            {"global settings", controller().globalSettings().parameterList()}}}};
-    EXPECT_EQ(std::get<PropertyDictionary>(settings), expected);
-    EXPECT_TRUE(files.kind("x.desktop").has_value());
-    EXPECT_TRUE(frontEnd.alerts.empty());
-}
-
-TEST_F(DropletCommandsTest, ExplainsDropletsUntilToldNotToAndTellsOfTheSilentModeAndOfFailure) {
-    const char* const key = "don't show droplet information again";
-    defaults.removeObject(key);
-    start();
     for (const auto choice : {NoticeAnswer::cancel, NoticeAnswer::help}) {
         frontEnd.expect("notice dropletInformation", NoticeAnswer{choice, false});
         controller().createDroplet();
@@ -71,8 +44,18 @@ TEST_F(DropletCommandsTest, ExplainsDropletsUntilToldNotToAndTellsOfTheSilentMod
     EXPECT_EQ(frontEnd.events.back(), "help helpTopic28");
     frontEnd.expect("notice dropletInformation", NoticeAnswer{NoticeAnswer::ok, true});
     create("first");
-    create("second");
-    EXPECT_TRUE(DropletBundle(files.path("second.app")).isDroplet());
+    create("x.y");
+    EXPECT_THAT(frontEnd.events, Contains("panel titled Save Droplet starts at " + files.path()));
+    const PropertyDictionary expected{
+        {"Droplet Settings", PropertyDictionary{{"default location", u"/Applications/Tavrin 9.app"},
+                                                {"location key", u"net.calderwick.tvrn9"},
+                                                {"temporary settings key", u"droplet settings"}}},
+        {"Host Application Settings",
+         PropertyDictionary{{"composite action", controller().compositeAction().getFlatParameterList()},
+                            {"global settings", controller().globalSettings().parameterList()}}}};
+    EXPECT_EQ(std::get<PropertyDictionary>(DropletBundle(files.path("x.app")).readSettings()), expected);
+    EXPECT_TRUE(files.kind("x.desktop").has_value());
+    EXPECT_TRUE(frontEnd.alerts.empty());
     (void)files.write("taken.app/photo.jpg");
     frontEnd.expect("droplet path", std::optional(files.path("taken")));
     frontEnd.expect("alert dropletNotCreated");
@@ -118,7 +101,9 @@ TEST_F(DropletCommandsTest, TellsOfEachFolderOfPresetsInTurn) {
         {"copied/Presets", "could not be migrated.", 3}};
     for (const auto& [folder, told, count] : cases) {
         frontEnd.expect("folder", std::optional(files.path(folder)));
-        EXPECT_THAT(titleOfMigration(), HasSubstr(told)) << folder;
+        frontEnd.expect("alert presetMigration");
+        controller().migratePresetsFromFolder();
+        EXPECT_THAT(frontEnd.alerts.back().title, HasSubstr(told)) << folder;
         EXPECT_EQ(controller().presetsManager().count(), count) << folder;
     }
     frontEnd.expect("folder", std::optional<std::string>());

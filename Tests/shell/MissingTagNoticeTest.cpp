@@ -39,11 +39,10 @@ TEST_F(MissingTagNoticeTest, TellsOnceInARunOfTheProgramUntilItsBoxIsTicked) {
         bool isTold;
         bool isWantedAfter;
     };
-    const std::vector<Case> cases{{std::nullopt, AlertAnswer(), true, true},
-                                  {true, ScriptedFrontEnd::Closed(), true, true},
-                                  {true, AlertAnswer{.button = 0, .suppress = true}, true, false},
-                                  {false, {}, false, true}};
-    for (const Case& each : cases) {
+    for (const Case& each : {Case{std::nullopt, AlertAnswer(), true, true},
+                             {true, ScriptedFrontEnd::Closed(), true, true},
+                             {true, AlertAnswer{.button = 0, .suppress = true}, true, false},
+                             {false, {}, false, true}}) {
         if (each.isWanted)
             defaults.setObject("showTagNotPresentDialog", *each.isWanted);
         if (each.isTold)
@@ -55,18 +54,9 @@ TEST_F(MissingTagNoticeTest, TellsOnceInARunOfTheProgramUntilItsBoxIsTicked) {
             defaults.setObject("showTagNotPresentDialog", true);
         add({"c.txt"});
         EXPECT_EQ(defaults.boolForKey("showTagNotPresentDialog"), each.isWantedAfter);
-        endController();
-        loop.reopen();
+        restart();
         begin();
     }
-}
-
-TEST_F(MissingTagNoticeTest, IsNotShownForFilesThatCouldNotBeRead) {
-    data.remove("tool");
-    add({"a.txt", "b.txt"});
-    EXPECT_THAT(status(),
-                testing::EndsWith("need renaming. The metadata of 2 files could not be read: the metadata "
-                                  "tool cannot be started: No such file or directory"));
 }
 
 TEST_F(MissingTagNoticeTest, TheEndFreesTheWorkerWhetherItIsShownOrNot) {
@@ -78,8 +68,7 @@ TEST_F(MissingTagNoticeTest, TheEndFreesTheWorkerWhetherItIsShownOrNot) {
             ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isHolding(); }));
             EXPECT_TRUE(controller().renameEngine().isBusy());
         }
-        endController(); // would hang
-        loop.reopen();
+        restart(); // would hang
         begin();
     }
 }

@@ -1,31 +1,20 @@
 #pragma once
 
-#include "actions/ActionList.h"
+#include "actions/CatalogueFixture.h"
 #include "common/ManualRunLoop.h"
 #include "common/Recipes.h"
 #include "common/ScriptedFrontEnd.h"
 #include "common/TemporaryFolder.h"
-#include "platform/propertylists/UserDefaults.h"
 #include "shell/MainController.h"
 #include "support/text/Text.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace tavrin::test {
 
 /// The whole application without a window: user defaults of its own, a data folder that goes with the test,
 /// a run loop whose time the test moves, and a scripted user.
-class ShellFixture : public ::testing::Test {
+class ShellFixture : public CatalogueFixture {
   protected:
     ShellFixture() {
-        UserDefaults::setSharedInstance(&defaults);
-        ActionList::setSharedActionList(&catalogue);
         options.store.dataFolder = data.path("Data");
         options.localPresetsFolder = data.path("Data/Presets");
         options.globalPresetsFolder = data.path("Global/Presets/");
@@ -35,11 +24,7 @@ class ShellFixture : public ::testing::Test {
         defaults.setObject("store", 1);
         frontEnd.onProgress = [this] { loop.post([] {}); };
     }
-    ~ShellFixture() override {
-        endController();
-        ActionList::setSharedActionList(nullptr);
-        UserDefaults::setSharedInstance(nullptr);
-    }
+    ~ShellFixture() override { endController(); }
 
     /// Makes the controller; it has not started yet.
     MainController& controller() {
@@ -51,6 +36,12 @@ class ShellFixture : public ::testing::Test {
     void endController() {
         loop.close();
         made.reset();
+    }
+    /// The next start of the same user can begin.
+    void restart() {
+        endController();
+        loop.reopen();
+        frontEnd.isTerminated = false;
     }
     /// Starts and waits for the first preview; nothing of the start is left in the notes.
     void start() {
@@ -116,8 +107,6 @@ class ShellFixture : public ::testing::Test {
     TemporaryFolder data;
     TemporaryFolder files;
     ManualRunLoop loop;
-    UserDefaults defaults;
-    ActionList catalogue;
     ScriptedFrontEnd frontEnd;
     MainController::Options options;
 

@@ -25,12 +25,6 @@ class StartSequenceTest : public ShellFixture {
         run();
         ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
     }
-    /// The next start of the same user.
-    void restart() {
-        endController();
-        loop.reopen();
-        frontEnd.isTerminated = false;
-    }
 };
 
 TEST_F(StartSequenceTest, AFirstStartIsCleanAndALaterOneHasWhatTheEndHasStored) {

@@ -126,35 +126,34 @@ TEST_F(UpdateCheckTest, AsksByItselfAtTheIntervalAndSaysNothingWithoutNewsOrDuri
     expectOffer(0, std::chrono::minutes(11));
 }
 
-TEST_F(UpdateCheckTest, AsksNothingWithoutFeedOrInterval) {
+TEST_F(UpdateCheckTest, CountsFromTheLastCheckAndAsksNothingWithoutFeedOrInterval) {
+    struct Case {
+        double interval; ///< in seconds
+        double last;     ///< seconds ago, also of an earlier start
+        std::chrono::milliseconds wait;
+        bool isDue;
+    };
+    using std::chrono::minutes;
     offer("9.2");
-    for (const double interval : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
-        defaults.setObject("SUScheduledCheckInterval", interval);
+    for (const Case& each : {Case{0, 1e9, 3 * day, false},
+                             {-1, 1e9, 3 * day, false},
+                             {std::numeric_limits<double>::quiet_NaN(), 1e9, 3 * day, false},
+                             {3600, 7200, minutes(1), true},
+                             {3600, 60, minutes(1), false},
+                             {3600, -1e8, minutes(1), true}}) {
+        made.reset();
+        defaults.setObject("SUScheduledCheckInterval", each.interval);
+        defaults.setObject("SULastCheckTime", PropertyDate{1e9 + loop.now() - each.last});
+        if (each.isDue)
+            frontEnd.expect("alert updateAvailable");
         updates().start();
-        loop.advance(3 * day);
+        loop.advance(each.wait);
+        EXPECT_TRUE(frontEnd.isScriptOver()) << each.last;
     }
     defaults.removeObject("SUFeedURL");
     updates().setUpdateCheckInterval(std::numeric_limits<double>::infinity());
     EXPECT_FALSE(updates().isOn());
     loop.advance(3 * day);
-    EXPECT_THAT(frontEnd.events, IsEmpty());
-    EXPECT_FALSE(defaults.objectForKey("SULastCheckTime"));
-}
-
-TEST_F(UpdateCheckTest, CountsFromTheLastCheckAlsoOfAnEarlierStart) {
-    offer("9.2");
-    defaults.setObject("SUScheduledCheckInterval", 3600);
-    const std::vector<std::pair<double, bool>> cases{
-        {1e9 - 7200, true}, {1e9 - 60, false}, {1e9 + 1e8, true}};
-    for (const auto& [last, isDue] : cases) {
-        made.reset();
-        defaults.setObject("SULastCheckTime", PropertyDate{last + loop.now()});
-        if (isDue)
-            frontEnd.expect("alert updateAvailable");
-        updates().start();
-        loop.advance(std::chrono::minutes(1));
-        EXPECT_TRUE(frontEnd.isScriptOver()) << last;
-    }
 }
 
 } // namespace
