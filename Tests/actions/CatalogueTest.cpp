@@ -206,6 +206,7 @@ TEST_F(Catalogue, GivesTheNamesOfTheCases) {
             expectCase(*action, each, folder);
         }
     }
+    EXPECT_FALSE(actions.empty());
 }
 
 // Laws of whole families, over names that an author of cases would not think of.
