@@ -1,4 +1,5 @@
 #include "actions/CatalogueFixture.h"
+#include "common/Recipes.h"
 #include "common/TemporaryFolder.h"
 #include "common/Variable.h"
 #include "documents/DropletBundle.h"
@@ -13,7 +14,6 @@
 
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <sys/stat.h>
 
 namespace tavrin::test {
@@ -21,29 +21,26 @@ namespace {
 
 using ::testing::HasSubstr;
 
-PropertyDictionary settingsWith(const char16_t* action) {
-    PropertyDictionary chain{
-        {"composite actions array",
-         PropertyArray{PropertyDictionary{{"action name", action},
-                                          {"action parameter list", PropertyDictionary{{"string", u"X"}}}}}}};
-    return {{"Droplet Settings", PropertyDictionary{{"location key", u"net.calderwick.tvrn9"}}},
-            {"Host Application Settings",
-             PropertyDictionary{{"composite action", std::move(chain)},
-                                {"global settings", PropertyDictionary{{"silentDroplet", 1}}}}}};
+PropertyDictionary settingsWith(const char* action) {
+    return dropletList(chain({{action, {{"string", u"X"}}}}), {{"silentDroplet", 1}});
 }
 
 class DropletTest : public CatalogueFixture {
   protected:
     static constexpr const char* settingsFile = "A.app/Contents/Resources/Settings.plist";
 
-    void writeSettings(const PropertyValue& root) const { writeRaw(PropertyList::toXml(root)); }
     void writeRaw(const std::string& content) const { (void)folder.write(settingsFile, content); }
-    std::string errorOfReading() const {
-        const auto result = droplet().readRecipe();
-        const auto* error = std::get_if<RecipeError>(&result);
-        return error ? error->message : "no error";
+    void writeSettings(const char* action = "Add to end") const {
+        writeRaw(PropertyList::toXml(settingsWith(action)));
     }
     DropletBundle droplet() const { return DropletBundle(folder.path("A.app/")); }
+    void removeDroplet() const {
+        std::filesystem::remove_all(folder.path("A.app"));
+        std::filesystem::remove_all(folder.path("A.desktop"));
+    }
+    static std::filesystem::perms permissions(const std::string& path) {
+        return std::filesystem::status(path).permissions();
+    }
 
     TemporaryFolder folder;
 };
@@ -51,24 +48,23 @@ class DropletTest : public CatalogueFixture {
 TEST_F(DropletTest, TakesItsNamesFromItsPath) {
     struct Case {
         const char* chosen;
-        const char* bundle;
-        const char* name;
-        const char* launcher;
+        std::string folder;
+        std::string name;
     };
-    for (const Case& c : {Case{"/d/x", "/d/x.app", "x", "/d/x.desktop"},
-                          {"/d/x.y", "/d/x.app", "x", "/d/x.desktop"},
-                          {"/d/x.app", "/d/x.app", "x", "/d/x.desktop"},
-                          {"/d.e/x", "/d.e/x.app", "x", "/d.e/x.desktop"},
-                          {"/d/a.b.c", "/d/a.b.app", "a.b", "/d/a.b.desktop"},
-                          {"/d/.x", "/d/.x.app", ".x", "/d/.x.desktop"},
-                          {"/x", "/x.app", "x", "/x.desktop"}}) {
+    for (const Case& c : {Case{"/d/x", "/d/", "x"},
+                          {"/d/x.y", "/d/", "x"},
+                          {"/d/x.app", "/d/", "x"},
+                          {"/d.e/x", "/d.e/", "x"},
+                          {"/d/a.b.c", "/d/", "a.b"},
+                          {"/d/.x", "/d/", ".x"},
+                          {"/x", "/", "x"}}) {
         const DropletBundle bundle = DropletBundle::forChosenPath(c.chosen);
-        EXPECT_EQ(bundle.path(), c.bundle);
+        EXPECT_EQ(bundle.path(), c.folder + c.name + ".app");
         EXPECT_EQ(bundle.name(), c.name);
-        EXPECT_EQ(bundle.launcherPath(), c.launcher);
+        EXPECT_EQ(bundle.launcherPath(), c.folder + c.name + ".desktop");
         const auto back = DropletBundle::ofSettings(bundle.settingsPath());
-        ASSERT_TRUE(back) << c.bundle;
-        EXPECT_EQ(back->path(), c.bundle);
+        ASSERT_TRUE(back) << c.chosen;
+        EXPECT_EQ(back->path(), bundle.path());
     }
     for (const char* path :
          {"", "/Contents/Resources/Settings.plist", "/d/x/Contents/Resources/Settings.plist",
@@ -78,7 +74,7 @@ TEST_F(DropletTest, TakesItsNamesFromItsPath) {
 
 TEST_F(DropletTest, ReadsItsRecipeAndIsKnownAsOne) {
     EXPECT_FALSE(droplet().isDroplet());
-    writeSettings(settingsWith(u"Add to end"));
+    writeSettings();
     const auto result = droplet().readRecipe();
     const auto* recipe = std::get_if<Recipe>(&result);
     ASSERT_TRUE(recipe) << std::get<RecipeError>(result).message;
@@ -89,71 +85,66 @@ TEST_F(DropletTest, ReadsItsRecipeAndIsKnownAsOne) {
     EXPECT_TRUE(DropletBundle(link).isFolder());
 }
 
-TEST_F(DropletTest, RefusesSettingsThatAreNoGood) {
-    EXPECT_THAT(errorOfReading(), HasSubstr("No such file"));
-    writeSettings(settingsWith(u"Fly to the moon"));
-    EXPECT_THAT(errorOfReading(), HasSubstr("there is no action \"Fly to the moon\""));
-    PropertyDictionary preset = settingsWith(u"Add to end");
-    preset.erase("Host Application Settings");
-    preset.emplace("composite actions array", PropertyArray());
-    writeSettings(preset);
-    EXPECT_THAT(errorOfReading(), HasSubstr("there is no \"Host Application Settings\""));
-    EXPECT_FALSE(droplet().isDroplet());
-    const std::string good = PropertyList::toXml(settingsWith(u"Add to end"));
-    std::string deep;
-    for (int i = 0; i < 500; ++i)
-        deep += "<array>";
-    for (const std::string& damaged :
-         {std::string(), good.substr(0, good.size() / 2), std::string("bplist00 and no more"),
-          "<plist><dict><key>Host Application Settings</key>" + deep, std::string("<plist><array/></plist>"),
-          std::string("<!DOCTYPE plist [<!ENTITY a \"") + std::string(1000, 'a') +
-              "\"><!ENTITY b \"&a;&a;&a;\">]><plist><string>&b;</string></plist>"}) {
-        writeRaw(damaged);
-        EXPECT_THAT(errorOfReading(), HasSubstr("Settings.plist: ")) << damaged.substr(0, 40);
+TEST_F(DropletTest, RefusesSettingsThatAreNoGoodOrLieOutside) {
+    const std::string good = PropertyList::toXml(settingsWith("Add to end"));
+    (void)folder.write("outside/Resources/Settings.plist", good);
+    const char* const foreign = "it is not a file of the droplet itself";
+    const char* const damaged = "Settings.plist: ";
+    const std::string resources = "A.app/Contents/Resources";
+    const std::string bomb = "<!DOCTYPE plist [<!ENTITY a \"" + std::string(1000, 'a') +
+                             "\"><!ENTITY b \"&a;&a;&a;\">]><plist><string>&b;</string></plist>";
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"No such file", [] {}},
+        {"no action \"Fly\"", [&] { writeSettings("Fly"); }},
+        {"there is no \"Host Application Settings\"",
+         [&] {
+             writeRaw(PropertyList::toXml(chain({{"Add to end", {}}})));
+         }},
+        {damaged, [&] { writeRaw(""); }},
+        {damaged, [&] { writeRaw(good.substr(0, good.size() / 2)); }},
+        {damaged, [&] { writeRaw("bplist00 and no more"); }},
+        {damaged, [&] { writeRaw("<plist><array/></plist>"); }},
+        {damaged, [&] { writeRaw(bomb); }},
+        {foreign,
+         [&] {
+             (void)folder.makeFolder(resources);
+             (void)folder.link(settingsFile, folder.path("outside/Resources/Settings.plist"));
+         }},
+        {foreign,
+         [&] {
+             (void)folder.makeFolder("A.app");
+             (void)folder.link("A.app/Contents", folder.path("outside"));
+         }},
+        {foreign, [&] { ::mkfifo((folder.makeFolder(resources) + "/Settings.plist").c_str(), 0600); }},
+        {foreign, [&] { (void)folder.makeFolder(settingsFile); }},
+        // A hole takes no room on the disk, but would take memory.
+        {"larger than 64 MiB", [&] {
+             writeRaw("");
+             std::filesystem::resize_file(folder.path(settingsFile), std::uintmax_t{65} << 20);
+         }}};
+    for (const auto& [message, make] : cases) {
+        removeDroplet();
+        make();
+        const auto result = droplet().readRecipe();
+        const auto* error = std::get_if<RecipeError>(&result);
+        ASSERT_TRUE(error) << message;
+        EXPECT_THAT(error->message, HasSubstr(message));
+        EXPECT_EQ(droplet().isDroplet(), error->message.ends_with("\"Fly\""));
     }
 }
 
-TEST_F(DropletTest, ReadsNothingThatLiesOutside) {
-    const std::string good = PropertyList::toXml(settingsWith(u"Add to end"));
-    (void)folder.write("outside/Resources/Settings.plist", good);
-    const auto refuses = [this] {
-        EXPECT_THAT(errorOfReading(), HasSubstr("it is not a file of the droplet itself"));
-        EXPECT_FALSE(droplet().isDroplet());
-        std::filesystem::remove_all(droplet().path());
-    };
-    (void)folder.makeFolder("A.app/Contents/Resources");
-    (void)folder.link(settingsFile, folder.path("outside/Resources/Settings.plist"));
-    refuses();
-    (void)folder.makeFolder("A.app");
-    (void)folder.link("A.app/Contents", folder.path("outside"));
-    refuses();
-    (void)folder.makeFolder("A.app/Contents/Resources");
-    ASSERT_EQ(::mkfifo(folder.path(settingsFile).c_str(), 0600), 0);
-    refuses();
-    (void)folder.makeFolder(settingsFile);
-    refuses();
-    // A hole takes no room on the disk, but would take memory.
-    writeRaw("");
-    std::filesystem::resize_file(folder.path(settingsFile), std::uintmax_t{65} << 20);
-    EXPECT_THAT(errorOfReading(), HasSubstr("larger than 64 MiB"));
-}
-
 TEST_F(DropletTest, IsNeverRemovedWithSomethingForeignInIt) {
-    struct Case {
-        const char* file;
-        bool isRemoved;
-    };
-    for (const Case& c : {Case{"A.app/photo.jpg", false},
-                          {"A.app/Contents/photo.jpg", false},
-                          {"A.app/Contents/Resources/photo.jpg", false},
-                          {"A.app/Contents/Resources/Icon.png", true},
-                          {"A.app/Contents/MacOS/droplet", true},
-                          {"A.app/.directory", true}}) {
-        writeSettings(settingsWith(u"Add to end"));
-        (void)folder.write(c.file);
-        EXPECT_EQ(droplet().remove(), c.isRemoved) << c.file;
-        EXPECT_EQ(droplet().isFolder(), !c.isRemoved) << c.file;
-        std::filesystem::remove_all(droplet().path());
+    for (const auto& [file, isOwn] : {std::pair{"photo.jpg", false},
+                                      {"Contents/photo.jpg", false},
+                                      {"Contents/Resources/photo.jpg", false},
+                                      {"Contents/Resources/Icon.png", true},
+                                      {"Contents/MacOS/droplet", true},
+                                      {".directory", true}}) {
+        writeSettings();
+        (void)folder.write(std::string("A.app/") + file);
+        EXPECT_EQ(droplet().remove(), isOwn) << file;
+        EXPECT_EQ(droplet().isFolder(), !isOwn) << file;
+        removeDroplet();
     }
     // What only looks like a bundle stays as well.
     (void)folder.write("A.app/Contents/Info.plist");
@@ -192,12 +183,12 @@ TEST_F(DropletTest, TheLauncherQuotesEveryName) {
 }
 
 TEST_F(DropletTest, TheLauncherReplacesOnlyItsLikeAndFindsItsBundle) {
-    writeSettings(settingsWith(u"Add to end"));
+    writeSettings();
     const DropletLauncher launcher(droplet(), "/usr/bin/tavrin");
     const std::string path = folder.path("A.desktop");
     EXPECT_EQ(launcher.write(), std::nullopt);
     EXPECT_EQ(launcher.write(), std::nullopt);
-    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0755));
+    EXPECT_EQ(permissions(path), std::filesystem::perms(0755));
     EXPECT_EQ(DropletLauncher::bundleOf(path)->path(), droplet().path());
 
     // Moved together under another name, the bundle beside it counts; alone, there is none.
@@ -220,13 +211,14 @@ TEST_F(DropletTest, TheLauncherReplacesOnlyItsLikeAndFindsItsBundle) {
 }
 
 TEST_F(DropletTest, ARequestFindsItsDropletAndSortsItsFilesOut) {
-    writeSettings(settingsWith(u"Add to end"));
+    writeSettings();
+    const std::string launcher = folder.path("A.desktop");
+    const std::string nowhere = folder.path("Gone.app");
     const std::string there = folder.write("caf\xE9 50%\n.txt");
     const std::string gone = folder.path("caf\xEF\xBF\xBD.txt");
-    for (const DropletRequest& request :
-         {DropletRequest{droplet().path(), "", {there, gone}},
-          DropletRequest{folder.path("Gone.app"), folder.path("A.desktop"), {there, gone}},
-          DropletRequest{"", folder.path("A.desktop"), {there, gone}}}) {
+    for (const DropletRequest& request : {DropletRequest{droplet().path(), "", {there, gone}},
+                                          {nowhere, launcher, {there, gone}},
+                                          {"", launcher, {there, gone}}}) {
         const auto result = request.start();
         ASSERT_TRUE(std::holds_alternative<DropletRequest::Start>(result)) << std::get<1>(result).message;
         const auto& start = std::get<DropletRequest::Start>(result);
@@ -238,110 +230,87 @@ TEST_F(DropletTest, ARequestFindsItsDropletAndSortsItsFilesOut) {
         const auto& handOver = std::get<DropletHandOver>(read);
         EXPECT_EQ(handOver.fileList, std::vector<std::string>{there});
         EXPECT_EQ(handOver.settingsPath, folder.path(settingsFile));
-        EXPECT_TRUE(handOver.hasVersion);
-        EXPECT_TRUE(handOver.compositeAction && handOver.globalSettings);
+        EXPECT_TRUE(handOver.hasVersion && handOver.compositeAction && handOver.globalSettings);
     }
-    const auto errorOf = [](const DropletRequest& request) {
+    const std::pair<DropletRequest, const char*> refused[] = {
+        {{droplet().path(), "", {gone}}, "are not there"}, // must not open the droplet for editing
+        {{nowhere, "", {there}}, "The droplet is gone."},
+        {{"", "", {}}, "The droplet is gone."},
+        {{folder.path("Bad.app"), "", {there}}, "no action \"Fly\""}};
+    (void)folder.write("Bad.app/Contents/Resources/Settings.plist", PropertyList::toXml(settingsWith("Fly")));
+    for (const auto& [request, reason] : refused) {
         const auto result = request.start();
         const auto* error = std::get_if<DropletRequest::Failure>(&result);
-        return error ? error->message : "no error";
-    };
-    EXPECT_EQ(errorOf({droplet().path(), "", {}}), "no error");
-    // Files that are all gone must not open the droplet for editing.
-    EXPECT_THAT(errorOf({droplet().path(), "", {gone}}), HasSubstr("are not there"));
-    EXPECT_THAT(errorOf({folder.path("Gone.app"), "", {there}}), HasSubstr("The droplet is gone."));
-    EXPECT_THAT(errorOf({"", "", {}}), HasSubstr("The droplet is gone."));
-    writeSettings(settingsWith(u"Fly"));
-    EXPECT_THAT(errorOf({droplet().path(), "", {there}}), HasSubstr("no action \"Fly\""));
+        ASSERT_TRUE(error) << reason;
+        EXPECT_THAT(error->message, HasSubstr(reason));
+    }
 }
 
 class DropletWriting : public DropletTest {
   protected:
-    DropletWriting() : data("XDG_DATA_HOME", folder.path("data").c_str()) {}
-
-    std::optional<std::string> write(const char16_t* action = u"Add to end") const {
-        return writer.writeDropletWithDictionary(settingsWith(action), droplet().path());
+    std::optional<std::string> write(const PropertyDictionary& settings = settingsWith("Add to end")) const {
+        return writer.writeDropletWithDictionary(settings, droplet().path());
     }
-    std::map<std::string, std::string> treeWithoutData() const {
+    void expectWhole(const char* action) const {
+        EXPECT_EQ(std::get<PropertyDictionary>(droplet().readSettings()), settingsWith(action));
+        EXPECT_TRUE(droplet().holdsOnlyItsOwn());
+        EXPECT_FALSE(folder.read("A.app/Contents/Resources/Icon.png").empty());
+        EXPECT_EQ(permissions(droplet().path()) & std::filesystem::perms(0700), std::filesystem::perms(0700));
         auto tree = folder.tree();
         std::erase_if(tree, [](const auto& entry) { return entry.first.starts_with("data"); });
-        return tree;
+        EXPECT_THAT(tree, ::testing::SizeIs(7)); // nothing is left beside it
     }
 
-    Variable data;
+    Variable data{"XDG_DATA_HOME", folder.path("data").c_str()};
     DropletBundleWriter writer{"/usr/bin/tavrin", false};
 };
 
-TEST_F(DropletWriting, WritesAWholeDropletAndReplacesIt) {
-    for (const char16_t* action : {u"Add to end", u"Remove text"}) {
-        ASSERT_EQ(write(action), std::nullopt);
-        const auto read = droplet().readSettings();
-        EXPECT_EQ(std::get<PropertyDictionary>(read), settingsWith(action));
-        EXPECT_TRUE(droplet().holdsOnlyItsOwn());
-        EXPECT_FALSE(folder.read("A.app/Contents/Resources/Icon.png").empty());
-        EXPECT_EQ(std::filesystem::status(droplet().path()).permissions() & std::filesystem::perms(0700),
-                  std::filesystem::perms(0700));
+TEST_F(DropletWriting, WritesAWholeDropletReplacesItAndBringsAnOldOneToThePresentForm) {
+    for (const char* action : {"Add to end", "Remove text"}) {
+        ASSERT_EQ(write(settingsWith(action)), std::nullopt);
+        expectWhole(action);
         EXPECT_EQ(DropletLauncher::bundleOf(folder.path("A.desktop"))->path(), droplet().path());
-        EXPECT_THAT(treeWithoutData(), ::testing::SizeIs(7)); // nothing is left beside it
     }
-}
+    (void)folder.write("A.app/Contents/MacOS/droplet", "old stub");
+    (void)folder.write("A.app/Contents/Info.plist", "old");
+    EXPECT_EQ(writer.upgrade(settingsWith("Add to end"), droplet()), std::nullopt);
+    expectWhole("Add to end");
+    EXPECT_FALSE(folder.kind("A.app/Contents/MacOS/droplet"));
 
-TEST_F(DropletWriting, ReplacesNothingThatIsNoDroplet) {
-    struct Case {
-        const char* what;
-        std::function<void()> make;
-    };
-    const std::vector<Case> cases{
-        {"folder", [this] { (void)folder.write("A.app/photo.jpg", "photo"); }},
-        {"empty folder", [this] { (void)folder.makeFolder("A.app"); }},
-        {"file", [this] { (void)folder.write("A.app", "photo"); }},
-        {"link", [this] { (void)folder.link("A.app", folder.path("nowhere")); }},
-        {"another application", [this] { (void)folder.write("A.app/Contents/Info.plist", "x"); }},
-        {"droplet with a file in it",
-         [this] {
-             writeSettings(settingsWith(u"Add to end"));
-             (void)folder.write("A.app/photo.jpg", "photo");
-         }},
-        {"launcher of something else",
-         [this] { (void)folder.write("A.desktop", "[Desktop Entry]\nName=Mine\n"); }}};
-    for (const Case& c : cases) {
-        c.make();
-        const auto before = folder.tree();
-        EXPECT_TRUE(write().has_value()) << c.what;
-        EXPECT_EQ(folder.tree(), before) << c.what;
-        std::filesystem::remove_all(folder.path("A.app"));
-        std::filesystem::remove_all(folder.path("A.desktop"));
-    }
-    EXPECT_TRUE(writer.writeDropletWithDictionary(settingsWith(u"Add to end"), folder.path("nowhere/A.app"))
-                    .has_value());
-}
-
-TEST_F(DropletWriting, AFailureLeavesTheOldOne) {
-    ASSERT_EQ(write(), std::nullopt);
+    // Whatever it fails for, the old one stays: here lists that are written no deeper than they are read.
     const auto before = folder.tree();
-    // Lists are not written deeper than they are read.
-    PropertyDictionary unwritable = settingsWith(u"Add to end");
+    PropertyDictionary unwritable = settingsWith("Add to end");
     PropertyValue deep = PropertyArray();
     for (int i = 0; i < 200; ++i)
         deep = PropertyArray{deep};
     unwritable.emplace("deep", std::move(deep));
-    EXPECT_TRUE(writer.writeDropletWithDictionary(unwritable, droplet().path()).has_value());
+    EXPECT_TRUE(write(unwritable).has_value());
     EXPECT_EQ(folder.tree(), before);
 }
 
-TEST_F(DropletWriting, BringsAnOldDropletToThePresentForm) {
-    writeSettings(settingsWith(u"Remove text"));
-    (void)folder.write("A.app/Contents/MacOS/droplet", "old stub");
-    (void)folder.write("A.app/Contents/Info.plist", "old");
-    EXPECT_EQ(writer.upgrade(settingsWith(u"Add to end"), droplet()), std::nullopt);
-    const auto after = treeWithoutData();
-    EXPECT_THAT(after, ::testing::SizeIs(7));
-    EXPECT_FALSE(after.contains("A.app/Contents/MacOS/droplet"));
-    EXPECT_EQ(std::get<PropertyDictionary>(droplet().readSettings()), settingsWith(u"Add to end"));
-    // One that holds a file of the user's stays, and nothing is left beside it.
-    (void)folder.write("A.app/photo.jpg");
+TEST_F(DropletWriting, ReplacesNothingThatIsNoDropletOfItsOwn) {
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"folder", [&] { (void)folder.write("A.app/photo.jpg", "photo"); }},
+        {"empty folder", [&] { (void)folder.makeFolder("A.app"); }},
+        {"file", [&] { (void)folder.write("A.app", "photo"); }},
+        {"link", [&] { (void)folder.link("A.app", folder.path("nowhere")); }},
+        {"another application", [&] { (void)folder.write("A.app/Contents/Info.plist", "x"); }},
+        {"launcher", [&] { (void)folder.write("A.desktop", "[Desktop Entry]\nName=Mine\n"); }},
+        {"with a file in it", [&] {
+             writeSettings();
+             (void)folder.write("A.app/photo.jpg", "photo");
+         }}};
+    for (const auto& [what, make] : cases) {
+        removeDroplet();
+        make();
+        const auto before = folder.tree();
+        EXPECT_TRUE(write().has_value()) << what;
+        EXPECT_EQ(folder.tree(), before) << what;
+    }
     const auto before = folder.tree();
-    EXPECT_TRUE(writer.upgrade(settingsWith(u"Add to end"), droplet()).has_value());
+    EXPECT_TRUE(writer.upgrade(settingsWith("Add to end"), droplet()).has_value());
+    EXPECT_TRUE(writer.writeDropletWithDictionary(settingsWith("Add to end"), folder.path("nowhere/A.app"))
+                    .has_value());
     EXPECT_EQ(folder.tree(), before);
 }
 
@@ -361,8 +330,7 @@ TEST_F(DropletWriting, TheScriptComesWithTheDropletAndGoesAfterIt) {
     DropletScript(droplet(), "/usr/bin/tavrin").write();
     DropletScript(other, "/usr/bin/tavrin").write();
     EXPECT_THAT(names(), ::testing::ElementsAre("A", "A 2", "B", "it's %1 \"x\""));
-    EXPECT_EQ(std::filesystem::status(DropletScript::folder() + "/A 2").permissions(),
-              std::filesystem::perms(0755));
+    EXPECT_EQ(permissions(DropletScript::folder() + "/A 2"), std::filesystem::perms(0755));
     DropletScript::removeOrphans();
     EXPECT_EQ(names().size(), 4U);
     folder.remove("A.app");
@@ -374,31 +342,29 @@ TEST_F(DropletWriting, TheScriptComesWithTheDropletAndGoesAfterIt) {
 
 TEST_F(DropletWriting, TheScriptPassesEveryPathWhole) {
     const std::string program =
-        folder.write("it's a program", "#!/bin/sh\nprintf '%s\\0' \"$@\" > \"$OUTPUT\"\n");
+        folder.write("it's a program", "#!/bin/sh\nprintf '%s|' \"$@\" > \"$OUTPUT\"\n");
     std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     const DropletBundle bundle("/d/$(x) `y` 'z' \"%\\.app");
     const std::string script = folder.write("script", DropletScript(bundle, program).text());
-    const auto run = [&](std::vector<std::string> names, const std::string& paths) {
+    struct Case {
+        std::vector<std::string> names;
+        std::string paths; ///< as the file manager tells them
+        std::string passed;
+    };
+    for (const Case& each : {Case{{"a b", "*"}, "/p/a b\n/p/*\n", "/p/a b|/p/*|"},
+                             {{"caf\xE9", "$x'"}, "/p/caf\xE9\n/p/$x'\n", "/p/caf\xE9|/p/$x'|"},
+                             {{"two\n/lines", "b"}, "/p/two\n/lines\n/p/b\n", "two\n/lines|b|"},
+                             {{}, "", ""}}) {
         std::vector<std::string> command{"/bin/sh", script};
-        command.insert(command.end(), names.begin(), names.end());
+        command.insert(command.end(), each.names.begin(), each.names.end());
         folder.write("output");
         EXPECT_TRUE(ChildProcess::run({.arguments = command,
                                        .environment = {{"OUTPUT", folder.path("output")},
-                                                       {"NAUTILUS_SCRIPT_SELECTED_FILE_PATHS", paths}}})
+                                                       {"NAUTILUS_SCRIPT_SELECTED_FILE_PATHS", each.paths}}})
                         .succeeded());
-        return folder.read("output");
-    };
-    const std::string start = std::string("--droplet") + '\0' + bundle.path() + '\0' + "--" + '\0';
-    const auto passed = [&](std::initializer_list<std::string> paths) {
-        std::string result = start;
-        for (const std::string& path : paths)
-            result += path + '\0';
-        return result;
-    };
-    EXPECT_EQ(run({"a b", "*"}, "/p/a b\n/p/*\n"), passed({"/p/a b", "/p/*"}));
-    EXPECT_EQ(run({"caf\xE9", "$x'"}, "/p/caf\xE9\n/p/$x'\n"), passed({"/p/caf\xE9", "/p/$x'"}));
-    EXPECT_EQ(run({"two\n/lines", "b"}, "/p/two\n/lines\n/p/b\n"), passed({"two\n/lines", "b"}));
-    EXPECT_EQ(run({}, ""), "");
+        EXPECT_EQ(folder.read("output"),
+                  each.passed.empty() ? "" : "--droplet|" + bundle.path() + "|--|" + each.passed);
+    }
 }
 
 } // namespace

@@ -19,18 +19,22 @@ class RecipeFileTest : public CatalogueFixture {
     static PropertyDictionary chain(PropertyArray steps) {
         return {{"currentActionIndex", 0}, {"composite actions array", std::move(steps)}};
     }
-    static PropertyDictionary goodChain() {
-        return chain({step(u"Replace text", PropertyDictionary{{"searchTerm", u"a"}, {"active", 1}})});
-    }
 };
 
 TEST_F(RecipeFileTest, TakesAllThreeForms) {
-    const PropertyDictionary list = goodChain();
+    const PropertyDictionary list =
+        chain({step(u"Replace text", PropertyDictionary{{"searchTerm", u"a"}, {"active", 1}}),
+               step(u"Add to end")});
+    PropertyDictionary bare = list; // a step without parameters has its defaults
+    bare.insert_or_assign("composite actions array",
+                          PropertyArray{list.at("composite actions array").asArray()->front(),
+                                        PropertyDictionary{{"action name", u"Add to end"}}});
     const PropertyDictionary global{
         {"processSubfolders", 1}, {"lockedDroplet", true}, {"lastAddDirectory", u"/"}};
     const std::vector<std::pair<PropertyDictionary, std::optional<PropertyDictionary>>> cases{
         {{{"compositeAction", list}, {"minimumVersion", u"8.0.0.0"}, {"description", u""}}, std::nullopt},
         {list, std::nullopt},
+        {bare, std::nullopt},
         {{{"Host Application Settings",
            PropertyDictionary{{"composite action", list}, {"global settings", global}}},
           {"Droplet Settings", PropertyDictionary()}},
@@ -81,13 +85,6 @@ TEST_F(RecipeFileTest, RefusesWithTheWayToTheCulprit) {
     };
     for (const auto& [root, message] : cases)
         EXPECT_EQ(errorOf(RecipeFile::fromPropertyList(root)), message) << description(root);
-}
-
-TEST_F(RecipeFileTest, AStepWithoutParametersHasItsDefaults) {
-    const auto result =
-        RecipeFile::fromPropertyList(chain({PropertyDictionary{{"action name", u"Add to end"}}}));
-    ASSERT_TRUE(std::holds_alternative<Recipe>(result));
-    EXPECT_EQ(std::get<Recipe>(result).flatParameterList, chain({step(u"Add to end")}));
 }
 
 TEST_F(RecipeFileTest, TextThatXmlCannotHoldComesBackAsText) {

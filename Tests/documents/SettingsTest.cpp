@@ -46,18 +46,10 @@ TEST_F(SettingsTest, AbsentAndOddValuesAreReadAsTheirKindIs) {
     EXPECT_FALSE(of("quickLookThumbnail", PropertyArray()).shouldShowQuickLookThumbnail);
 }
 
-TEST_F(SettingsTest, NothingStoredOverAValueEmptiesIt) {
-    action.setValue(std::nullopt, "lastAddDirectory");
-    action.setValue(std::nullopt, "conflictResolutionScheme");
-    EXPECT_EQ(action.lastAddDirectory(), "");
-    EXPECT_EQ(action.values().conflictResolutionScheme, 0);
-}
-
 TEST_F(SettingsTest, ALoadTurnsAutomaticSortingOnAndKeepsWhatItDoesNotTell) {
-    for (const PropertyDictionary& list :
-         {PropertyDictionary{{"showPath", 1}},
-          PropertyDictionary{{"showPath", 1}, {"automaticSorting", false}},
-          PropertyDictionary{{"showPath", 1}, {"automatic sorting", false}}}) {
+    for (const char* key : {"showPath", "automaticSorting", "automatic sorting"}) {
+        PropertyDictionary list{{"showPath", 1}};
+        list.emplace(key, false);
         action.setAutomaticSorting(false);
         EXPECT_FALSE(action.values().automaticSorting);
         action.setParameterList(list);
@@ -75,6 +67,10 @@ TEST_F(SettingsTest, SurviveAStoreAndALoad) {
     catalogue.loadActionParametersFromPreferences(loaded);
     EXPECT_EQ(loaded.parameterList(), action.parameterList());
     EXPECT_EQ(loaded.lastAddDirectory(), "/tmp/a\xFF");
+    loaded.setValue(std::nullopt, "lastAddDirectory");
+    loaded.setValue(std::nullopt, "conflictResolutionScheme");
+    EXPECT_EQ(loaded.lastAddDirectory(), "");
+    EXPECT_EQ(loaded.values().conflictResolutionScheme, 0);
 }
 
 TEST_F(SettingsTest, ObserversSeeEachSetterButOneWithTheNewValuesInPlace) {

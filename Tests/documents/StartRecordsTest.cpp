@@ -1,5 +1,6 @@
 #include "actions/CatalogueFixture.h"
 #include "common/FailingFileSystem.h"
+#include "common/Recipes.h"
 #include "common/TemporaryFolder.h"
 #include "documents/DropletHandOver.h"
 #include "documents/FirstLaunchManager.h"
@@ -9,9 +10,7 @@
 namespace tavrin::test {
 namespace {
 
-class FirstLaunchTest : public ::testing::Test {};
-
-TEST_F(FirstLaunchTest, AFirstLaunchBeginsCleanAndIsRememberedOnDisk) {
+TEST(FirstLaunch, AFirstLaunchBeginsCleanAndIsRememberedOnDisk) {
     for (const int version : {80000, 80002, 0}) {
         SCOPED_TRACE(version);
         const TemporaryFolder folder;
@@ -30,8 +29,7 @@ TEST_F(FirstLaunchTest, AFirstLaunchBeginsCleanAndIsRememberedOnDisk) {
         manager.doIt();
         EXPECT_TRUE(manager.isFirstLaunch());
         EXPECT_FALSE(manager.callOnlyOnceIsFirstLaunch());
-        EXPECT_EQ(defaults.objectForKey("actions"), std::nullopt);
-        EXPECT_EQ(defaults.objectForKey("location"), std::nullopt);
+        EXPECT_FALSE(defaults.objectForKey("actions") || defaults.objectForKey("location"));
         const std::string copy = "defaults.plist.saved-" + std::to_string(version);
         EXPECT_EQ(folder.read(copy), bytes);
         ASSERT_TRUE(manager.otherSettings());
@@ -57,7 +55,7 @@ TEST_F(FirstLaunchTest, AFirstLaunchBeginsCleanAndIsRememberedOnDisk) {
     }
 }
 
-TEST_F(FirstLaunchTest, WhatCannotBeCopiedStaysAsItIs) {
+TEST(FirstLaunch, WhatCannotBeCopiedStaysAsItIs) {
     for (const FileCall call : {FileCall::read, FileCall::write, FileCall::rename}) {
         const TemporaryFolder folder;
         const std::string path = folder.path("defaults.plist");
@@ -78,23 +76,11 @@ TEST_F(FirstLaunchTest, WhatCannotBeCopiedStaysAsItIs) {
     }
 }
 
-class DropletHandOverTest : public CatalogueFixture {
-  protected:
-    static PropertyDictionary chain(const char16_t* name) {
-        return {{"composite actions array",
-                 PropertyArray{PropertyDictionary{{"action name", name},
-                                                  {"action parameter list", PropertyDictionary()}}}}};
-    }
-    std::string errorOf(const PropertyValue& record) {
-        defaults.setProcessObject("droplet settings", record);
-        const auto result = DropletHandOver::read(defaults);
-        const auto* error = std::get_if<RecipeError>(&result);
-        return error ? error->message : "no error";
-    }
-};
+using DropletHandOverTest = CatalogueFixture;
 
 TEST_F(DropletHandOverTest, ReadsARecordOnceFromEitherLayer) {
-    const PropertyDictionary record{{"composite action", chain(u"Add to end")},
+    const PropertyDictionary steps = chain({{"Add to end", {}}});
+    const PropertyDictionary record{{"composite action", steps},
                                     {"global settings", PropertyDictionary{{"showPath", 1}}},
                                     {"settings plist path", u"/d/Settings.plist"},
                                     {"file list", PropertyArray{u"/a", u"/b"}},
@@ -109,7 +95,7 @@ TEST_F(DropletHandOverTest, ReadsARecordOnceFromEitherLayer) {
         const auto result = DropletHandOver::read(defaults);
         ASSERT_TRUE(std::holds_alternative<DropletHandOver>(result));
         const auto& handOver = std::get<DropletHandOver>(result);
-        EXPECT_EQ(handOver.compositeAction, chain(u"Add to end"));
+        EXPECT_EQ(handOver.compositeAction, steps);
         EXPECT_EQ(handOver.globalSettings, (PropertyDictionary{{"showPath", 1}}));
         EXPECT_EQ(handOver.settingsPath, "/d/Settings.plist");
         EXPECT_EQ(handOver.fileList, (std::vector<std::string>{"/a", "/b"}));
@@ -117,24 +103,25 @@ TEST_F(DropletHandOverTest, ReadsARecordOnceFromEitherLayer) {
         DropletHandOver::clear(defaults);
         EXPECT_FALSE(DropletHandOver::isPresent(defaults));
     }
-}
-
-TEST_F(DropletHandOverTest, AbsentPartsAreAbsentAndWrongOnesAreErrors) {
     defaults.setObject("droplet settings", PropertyDictionary());
     EXPECT_FALSE(DropletHandOver::isPresent(defaults));
     defaults.setObject("droplet settings", PropertyDictionary{{"x", 1}});
-    const auto result = DropletHandOver::read(defaults);
-    ASSERT_TRUE(std::holds_alternative<DropletHandOver>(result));
-    EXPECT_EQ(std::get<DropletHandOver>(result).compositeAction, std::nullopt);
-    EXPECT_TRUE(std::get<DropletHandOver>(result).fileList.empty());
-    EXPECT_FALSE(std::get<DropletHandOver>(result).hasVersion);
+    const auto bare = std::get<DropletHandOver>(DropletHandOver::read(defaults));
+    EXPECT_FALSE(bare.compositeAction || bare.hasVersion || !bare.fileList.empty());
+}
 
-    EXPECT_EQ(errorOf(u"x"), "droplet settings: expected a dictionary");
-    EXPECT_EQ(errorOf(PropertyDictionary{{"composite action", chain(u"Fly")}}),
-              "droplet settings.composite action.composite actions array[0].action name: there is no action "
-              "\"Fly\"");
-    EXPECT_EQ(errorOf(PropertyDictionary{{"file list", PropertyArray{u"/a", 2}}}),
-              "droplet settings.file list[1]: expected a path");
+TEST_F(DropletHandOverTest, WrongPartsAreErrors) {
+    const std::pair<PropertyValue, std::string> cases[] = {
+        {u"x", ": expected a dictionary"},
+        {PropertyDictionary{{"composite action", chain({{"Fly", {}}})}},
+         ".composite action.composite actions array[0].action name: there is no action \"Fly\""},
+        {PropertyDictionary{{"file list", PropertyArray{u"/a", 2}}}, ".file list[1]: expected a path"}};
+    for (const auto& [record, message] : cases) {
+        defaults.setProcessObject("droplet settings", record);
+        const auto result = DropletHandOver::read(defaults);
+        ASSERT_TRUE(std::holds_alternative<RecipeError>(result)) << message;
+        EXPECT_EQ(std::get<RecipeError>(result).message, "droplet settings" + message);
+    }
 }
 
 } // namespace

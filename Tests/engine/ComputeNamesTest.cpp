@@ -1,138 +1,94 @@
+#include "RenameBench.h"
 #include "StageTest.h"
+#include "engine/naming/ComputeProvisionalNamesStage.h"
+#include "engine/naming/ResolveFileNameConflictsStage.h"
+#include "engine/reading/AddFileSortingDataStage.h"
+#include "engine/reading/ReadItemsIntoDatabaseStage.h"
 #include "platform/files/FileSystem.h"
 #include "store/rows/FileMO.h"
-#include "support/text/Text.h"
 
 #include <algorithm>
-#include <map>
-#include <ostream>
 
 namespace tavrin::test {
 namespace {
 
-using Step = EngineTestHost::Step;
-
-/// Files on disk (a "/" at the end for folders), all of them in "top", the list, the settings and steps; and
-/// what the preview shows of each changed row, with the number of rows to rename.
-struct NamesCase {
-    const char* name;
-    std::vector<std::string> onDisk;
-    std::vector<std::string> listed;
-    PropertyDictionary settings;
-    std::vector<Step> steps;
-    std::map<std::string, std::string> finalNames;
-    int toRename;
-};
-
-std::ostream& operator<<(std::ostream& out, const NamesCase& test) { return out << test.name; }
-
 class ComputeNamesTest : public StageTest {
   protected:
-    std::map<std::string, std::string> shown() {
-        std::map<std::string, std::string> names;
+    /// Each old name with the new one, "a=A", in the order of the old ones.
+    std::vector<std::string> shown() {
+        std::vector<std::string> names;
         for (const auto& [path, finalName] : host.finalNames())
-            names.emplace(relative(path), finalName);
+            names.push_back(relative(path) + "=" + finalName);
         return names;
     }
 };
 
-class NamesCases : public ComputeNamesTest, public ::testing::WithParamInterface<NamesCase> {};
+} // namespace
 
-TEST_P(NamesCases, GivesNames) {
-    const NamesCase& test = GetParam();
-    for (const std::string& line : test.onDisk) {
-        if (line.ends_with("/"))
-            folder.makeFolder(line.substr(0, line.size() - 1));
-        else
-            folder.write(line);
+/// Names on disk (with "/" for folders), those on the list, the steps, the new names, how many rows are to be
+/// renamed, and settings.
+TEST(ComputeNames, OfChains) {
+    struct Case {
+        const char* name;
+        const char* onDisk;
+        const char* listed;
+        const char* steps;
+        const char* finalNames;
+        int toRename;
+        const char* settings = "";
+    };
+    const Case cases[] = {
+        {"one step", "a.txt B", "a.txt B", "Make uppercase fragmentSelection=0", "B=B a.txt=A.TXT", 1},
+        {"each step works on the result of the one before, inactive ones are left out", "a", "a",
+         "Add to end string=x; Make uppercase active=0; Add to end string=y; Make lowercase active=2",
+         "a=axy", 1},
+        {"back to the name", "a", "a", "Make uppercase fragmentSelection=0; Make lowercase", "a=a", 0},
+        {"no step is active", "a", "a", "Make uppercase active=0", "a=a", 0},
+        {"a colon becomes a slash", "a", "a", "Add to end string=:b", "a=a/b", 1},
+        {"a colon on disk is a slash to the actions", "a:b", "a:b",
+         "Replace text searchTerm=/ replacementTerm=-", "a:b=a-b", 1},
+        {"folders that are not processed take no rank", "b a/ c", "a b c",
+         "Produce numbered list prefix= padding=1", "a=a b=1 c=2", 2, "processFolders=0"},
+        {"composition alone is no difference", "e\u0301", "e\u0301",
+         "Replace text searchTerm=e\u0301 replacementTerm=\u00e9", "e\u0301=\u00e9", 0},
+        {"bytes that are no text go through", "\xFFx", "\xFFx", "Make uppercase fragmentSelection=0",
+         "\xFFx=\xFFX", 1},
+        {"ranks by name across folders", "t/a/2 t/b/1 t/3", "t",
+         "Produce numbered list prefix= padding=1 sortingMode=0", "t=t t/3=3 t/a=a t/a/2=2 t/b=b t/b/1=1", 0,
+         "processSubfolders=1 processFolders=0"},
+        {"each folder counts by itself, also an empty one", "t/a/x t/a/y t/b/z t/e/", "t",
+         "Produce numbered list prefix= padding=1 sortingMode=0 sortEachFolderSeparately=1",
+         "t=1 t/a=1 t/a/x=1 t/a/y=2 t/b=2 t/b/z=1 t/e=3", 7, "processSubfolders=1"},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.name);
+        RenameBench bench;
+        setAll(bench.host, "processSubfolders=0 previewConflictResolution=0");
+        setAll(bench.host, test.settings);
+        bench.make(split(test.onDisk));
+        for (const std::string& name : split(test.listed))
+            bench.host.add({bench.disk.path(name)});
+        setSteps(bench.host, test.steps);
+        for (int preview = 0; preview < 2; ++preview) { // the second starts from the names on disk too
+            bench.host.preview();
+            std::vector<std::string> names;
+            for (const auto& [path, finalName] : bench.host.finalNames())
+                names.push_back(path.substr(bench.disk.path().size() + 1) + "=" + finalName);
+            EXPECT_EQ(names, split(test.finalNames));
+            EXPECT_EQ(bench.host.counters().numberOfFilesThatNeedRenaming, test.toRename);
+        }
     }
-    for (const std::string& name : test.listed)
-        host.add({folder.path(name)});
-    host.set("previewConflictResolution", false);
-    for (const auto& [key, value] : test.settings)
-        host.set(key, value);
-    host.setSteps(test.steps);
-    host.preview();
-    EXPECT_EQ(shown(), test.finalNames);
-    EXPECT_EQ(host.counters().numberOfFilesThatNeedRenaming, test.toRename);
-    host.preview();
-    EXPECT_EQ(shown(), test.finalNames) << "the second preview starts from the names on disk";
 }
-
-const PropertyDictionary subfolders{{"processSubfolders", 1}};
-const Step upper{"Make uppercase", {{"fragmentSelection", 0}}};
-
-Step numbers(PropertyDictionary parameters) {
-    parameters.emplace("prefix", u"");
-    parameters.emplace("padding", 1);
-    return {"Produce numbered list", std::move(parameters)};
-}
-
-const NamesCase namesCases[] = {
-    {"one step", {"a.txt", "B"}, {"a.txt", "B"}, {}, {upper}, {{"a.txt", "A.TXT"}, {"B", "B"}}, 1},
-    {"each step works on the result of the one before, inactive ones are left out",
-     {"a"},
-     {"a"},
-     {},
-     {{"Add to end", {{"string", u"x"}}},
-      {"Make uppercase", {{"active", 0}}},
-      {"Add to end", {{"string", u"y"}}},
-      {"Make lowercase", {{"active", 2}}}},
-     {{"a", "axy"}},
-     1},
-    {"back to the name", {"a"}, {"a"}, {}, {upper, {"Make lowercase", {}}}, {{"a", "a"}}, 0},
-    {"no step is active", {"a"}, {"a"}, {}, {{"Make uppercase", {{"active", 0}}}}, {{"a", "a"}}, 0},
-    {"a colon becomes a slash", {"a"}, {"a"}, {}, {{"Add to end", {{"string", u":b"}}}}, {{"a", "a/b"}}, 1},
-    {"a colon on disk is a slash to the actions",
-     {"a:b"},
-     {"a:b"},
-     {},
-     {{"Replace text", {{"searchTerm", u"/"}, {"replacementTerm", u"-"}}}},
-     {{"a:b", "a-b"}},
-     1},
-    {"folders that are not processed take no rank",
-     {"b", "a/", "c"},
-     {"a", "b", "c"},
-     {{"processFolders", 0}},
-     {numbers({})},
-     {{"a", "a"}, {"b", "1"}, {"c", "2"}},
-     2},
-    {"composition alone is no difference",
-     {"e\u0301"},
-     {"e\u0301"},
-     {},
-     {{"Replace text", {{"searchTerm", u"e\u0301"}, {"replacementTerm", u"\u00e9"}}}},
-     {{"e\u0301", "\u00e9"}},
-     0},
-    {"bytes that are no text go through", {"\xFFx"}, {"\xFFx"}, {}, {upper}, {{"\xFFx", "\xFFX"}}, 1},
-    {"ranks by name across folders",
-     {"t/a/2", "t/b/1", "t/3"},
-     {"t"},
-     {{"processSubfolders", 1}, {"processFolders", 0}},
-     {numbers({{"sortingMode", 0}})},
-     {{"t", "t"}, {"t/a", "a"}, {"t/b", "b"}, {"t/a/2", "2"}, {"t/b/1", "1"}, {"t/3", "3"}},
-     0},
-    {"each folder counts by itself, also an empty one",
-     {"t/a/x", "t/a/y", "t/b/z", "t/e/"},
-     {"t"},
-     subfolders,
-     {numbers({{"sortEachFolderSeparately", 1}, {"sortingMode", 0}})},
-     {{"t", "1"}, {"t/a", "1"}, {"t/b", "2"}, {"t/e", "3"}, {"t/a/x", "1"}, {"t/a/y", "2"}, {"t/b/z", "1"}},
-     7},
-};
-
-INSTANTIATE_TEST_SUITE_P(Chains, NamesCases, ::testing::ValuesIn(namesCases));
 
 TEST_F(ComputeNamesTest, HiddenRowsAreNumberedByFolderAllTheSame) {
     folder.write("t/x");
     host.add({folder.path("t")});
     host.set("processSubfolders", 1);
-    host.setSteps({upper});
     host.preview();
     host.set("processSubfolders", 0);
-    host.setSteps({numbers({{"sortEachFolderSeparately", 1}})});
+    setSteps(host, "Produce numbered list prefix= padding=1 sortEachFolderSeparately=1");
     host.preview();
-    EXPECT_EQ(shown(), (std::map<std::string, std::string>{{"t", "1"}, {"t/x", "1"}}));
+    EXPECT_EQ(shown(), split("t=1 t/x=1"));
     EXPECT_EQ(host.counters().numberOfFilesThatNeedRenaming, 1);
     EXPECT_EQ(host.counters().totalNumberOfFiles, 1);
     EXPECT_EQ(host.counters().totalNumberOfFilesSelectedOrNot, 2);
@@ -141,15 +97,37 @@ TEST_F(ComputeNamesTest, HiddenRowsAreNumberedByFolderAllTheSame) {
 TEST_F(ComputeNamesTest, AListThatIsLostBeforeTheRunChangesNoName) {
     const std::string list = folder.write("list", "b\n");
     host.add({folder.write("a")});
-    host.setSteps({{"Rename from list", {{"listFilePath", text::fromBytes(list)}}},
-                   {"Add to end", {{"string", u"x"}}}});
+    setSteps(host, "Rename from list listFilePath=" + list + "; Add to end string=x");
     host.preview();
-    EXPECT_EQ(shown().at("a"), "bx");
+    EXPECT_EQ(shown(), split("a=bx"));
     folder.remove("list");
     host.preview();
-    EXPECT_EQ(shown().at("a"), "a");
+    EXPECT_EQ(shown(), split("a=a"));
     ASSERT_EQ(host.errors().size(), 1U);
     EXPECT_NE(host.errors().front().find(list + ": File does not exist."), std::string::npos);
+}
+
+/// Each stage counts as many items as it announces.
+TEST_F(ComputeNamesTest, ProgressEndsAtItsTotal) {
+    for (const char* name : {"t/a/x", "t/a/y", "t/b/x", "t/z"})
+        folder.write(name);
+    host.add({folder.path("t")});
+    host.set("processSubfolders", 1);
+    run<ReadItemsIntoDatabaseStage>();
+    const auto expectAll = [&] {
+        host.progress.forceUpdate();
+        EXPECT_EQ(host.progress.itemText(), "7 out of 7 items");
+        host.progress.updateCurrentItemNumber(0);
+    };
+    run<AddFileSortingDataStage>();
+    expectAll();
+    for (const char* steps : {"Make uppercase active=0", "Completely rename newName=x"}) {
+        setSteps(host, steps);
+        run<ComputeProvisionalNamesStage>();
+        expectAll();
+    }
+    run<ResolveFileNameConflictsStage>();
+    expectAll();
 }
 
 /// Dates, sizes and their absence, from the disk into the rows.
@@ -189,31 +167,26 @@ TEST_F(ComputeNamesTest, SortingDataIsReadOncePerRow) {
 }
 
 /// A list of 2500 rows, so that every pass needs more than one batch, on both kinds of store.
-class ManyRowsTest : public ::testing::TestWithParam<ItemStore::Kind> {};
-
-TEST_P(ManyRowsTest, EveryPassReachesEveryRow) {
+TEST_F(ComputeNamesTest, EveryPassReachesEveryRow) {
     constexpr int files = 2500;
-    TemporaryFolder folder;
-    EngineTestHost host(GetParam() == ItemStore::Kind::file ? EngineTestHost::inFile(folder.path(), 0)
-                                                            : ItemStore::Options());
     for (int i = 0; i < files; ++i)
         folder.write("t/d" + std::to_string(i % 7) + "/f" + std::to_string(i));
-    host.add({folder.path("t")});
-    host.set("processSubfolders", 1);
-    host.setSteps({upper, {"Add to end", {{"string", u"!"}}}, numbers({{"sortEachFolderSeparately", 1}})});
-    host.preview();
-    EXPECT_EQ(host.counters().totalNumberOfFiles, files + 8);
-    EXPECT_EQ(host.counters().numberOfFilesThatNeedRenaming, files + 8);
-    host.setSteps({{"Add to end", {{"active", 0}}}});
-    host.preview();
-    EXPECT_EQ(host.counters().numberOfFilesThatNeedRenaming, 0);
-    host.saveList(1, false, folder.path("list"));
-    const std::string list = folder.read("list");
-    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), files + 8);
+    for (const bool inFile : {false, true}) {
+        EngineTestHost one(inFile ? EngineTestHost::inFile(folder.path(), 0) : ItemStore::Options());
+        one.add({folder.path("t")});
+        one.set("processSubfolders", 1);
+        setSteps(one,
+                 "Make uppercase; Add to end string=!; Produce numbered list sortEachFolderSeparately=1");
+        one.preview();
+        EXPECT_EQ(one.counters().totalNumberOfFiles, files + 8);
+        EXPECT_EQ(one.counters().numberOfFilesThatNeedRenaming, files + 8);
+        setSteps(one, "Add to end active=0");
+        one.preview();
+        EXPECT_EQ(one.counters().numberOfFilesThatNeedRenaming, 0);
+        one.saveList(1, false, folder.path("list"));
+        const std::string list = folder.read("list");
+        EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), files + 8);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Stores, ManyRowsTest,
-                         ::testing::Values(ItemStore::Kind::memory, ItemStore::Kind::file));
-
-} // namespace
 } // namespace tavrin::test

@@ -1,9 +1,7 @@
-#include "common/EngineTestHost.h"
+#include "RenameBench.h"
+#include "StageTest.h"
 #include "engine/renaming/PrepareForRenamingStage.h"
-#include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 
@@ -12,93 +10,74 @@ namespace tavrin::test {
 namespace {
 
 /// Rows without a disk, and the plan that is made for them.
-class Plan : public testing::Test {
+class Plan : public StageTest {
   protected:
     void prepare() {
         context.commit();
-        PrepareForRenamingStage stage(host.engine);
-        stage.setSettings(host.settings.values());
-        stage.setManagedObjectContext(&context);
-        EXPECT_TRUE(stage.process());
-        EXPECT_FALSE(context.hasChanges());
+        run<PrepareForRenamingStage>();
+        context.reset();
     }
 
-    RowId insert(RowId parent, std::string_view name, bool folder = false) {
-        return context.insertFile(parent, name, false, folder, 0);
-    }
-
-    void want(RowId row, std::u16string_view finalName) {
-        context.setFinalName(row, finalName);
-        context.change(row).diff = !text::canonicallyEqual(context.name(row), finalName);
+    /// Children as "name>final name", or the name alone where it stays.
+    std::vector<RowId> insert(RowId parent, std::string_view words) {
+        std::vector<RowId> rows;
+        for (const std::string& word : split(words)) {
+            const std::size_t arrow = word.find('>');
+            rows.push_back(context.insertFile(parent, word.substr(0, arrow), false, false, 0));
+            if (arrow == std::string::npos)
+                continue;
+            std::u16string wanted = text::fromBytes(word.substr(arrow + 1));
+            text::replaceUnit(wanted, u':', u'/');
+            context.setFinalName(rows.back(), wanted);
+            context.change(rows.back()).diff = !text::canonicallyEqual(context.name(rows.back()), wanted);
+        }
+        return rows;
     }
 
     std::string nameOf(RowId row) { return row == noRow ? "-" : std::string(context.component(row)); }
 
-    /// "name: waits for, waited for by", with "free" and "swap" where they hold.
+    /// "name=waits for,waited for by", with "+" for free and "*" for a swap.
     std::string linksOf(RowId row) {
         const NodeRow read = context.row(row);
-        return nameOf(row) + ": " + nameOf(read.cannotBeRenamedBefore) + " " +
-               nameOf(read.mustBeRenamedBefore) + (read.canBeRenamedIndependently ? " free" : "") +
-               (read.mustBeSwapped ? " swap" : "");
+        return nameOf(row) + "=" + nameOf(read.cannotBeRenamedBefore) + "," +
+               nameOf(read.mustBeRenamedBefore) + (read.canBeRenamedIndependently ? "+" : "") +
+               (read.mustBeSwapped ? "*" : "");
     }
 
-    EngineTestHost host;
     StoreContext context{*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins};
 };
 
 } // namespace
 
 TEST_F(Plan, LinksOfOneFolder) {
-    struct Case {
-        const char* title;
-        std::vector<std::pair<const char*, const char16_t*>> children; ///< null: keeps its name
-        std::vector<std::string> links;
+    const char* const cases[][3] = {
+        {"free", "a>x b", "a=-,-+ b=-,-+"},
+        {"chain", "a>b b>c c>d", "a=b,- b=c,a c=-,b+"},
+        {"cycle", "a>b b>c c>a", "a=b,c b=c,a c=a,b"},
+        {"swap", "a>b b>a", "a=b,b* b=a,a*"},
+        {"swap, in another case", "a>B b>A", "a=b,b* b=a,a*"},
+        {"change of case", "report.txt>REPORT.TXT", "report.txt=-,-+"},
+        {"change of case onto another item", "a>A A>x", "a=A,- A=-,a+"},
+        {"swap of case", "a>A A>a", "a=A,A* A=a,a*"},
+        {"the very name first", "A>x a b>A", "A=-,b+ a=-,-+ b=A,-"},
+        {"of several that differ in case the last", "Ab aB c>ab", "Ab=-,-+ aB=-,c+ c=aB,-"},
+        {"held by one that stays", "a>b b", "a=b,- b=-,a+"},
+        {"two want one name: the last is the one waited by", "a>c b>c c>x", "a=c,- b=c,- c=-,b+"},
+        {"beyond ASCII, and composition counts", "\u00C9>x y>\u00E9 z>e\u0301",
+         "\u00C9=-,y+ y=\u00C9,- z=-,-+"},
+        {"apart from composition it keeps its name, and waits for nobody", "\u00E9>y e\u0301>\u00E9",
+         "\u00E9=-,-+ e\u0301=-,-+"},
+        {"a slash is a colon", "p:q>x y>p:q", "p:q=-,y+ y=p:q,-"},
+        {"names that cannot be wait for nobody", "a> b>\xE9 c>..", "a=-,-+ b=-,-+ c=-,-+"},
     };
-    const std::vector<Case> cases{
-        {"free", {{"a", u"x"}, {"b", nullptr}}, {"a: - - free", "b: - - free"}},
-        {"chain", {{"a", u"b"}, {"b", u"c"}, {"c", u"d"}}, {"a: b -", "b: c a", "c: - b free"}},
-        {"cycle", {{"a", u"b"}, {"b", u"c"}, {"c", u"a"}}, {"a: b c", "b: c a", "c: a b"}},
-        {"swap", {{"a", u"b"}, {"b", u"a"}}, {"a: b b swap", "b: a a swap"}},
-        {"swap, in another case", {{"a", u"B"}, {"b", u"A"}}, {"a: b b swap", "b: a a swap"}},
-        {"change of case", {{"report.txt", u"REPORT.TXT"}}, {"report.txt: - - free"}},
-        {"change of case onto another item", {{"a", u"A"}, {"A", u"x"}}, {"a: A -", "A: - a free"}},
-        {"swap of case", {{"a", u"A"}, {"A", u"a"}}, {"a: A A swap", "A: a a swap"}},
-        {"the very name first",
-         {{"A", u"x"}, {"a", nullptr}, {"b", u"A"}},
-         {"A: - b free", "a: - - free", "b: A -"}},
-        {"of several that differ in case the last",
-         {{"Ab", nullptr}, {"aB", nullptr}, {"c", u"ab"}},
-         {"Ab: - - free", "aB: - c free", "c: aB -"}},
-        {"held by one that stays", {{"a", u"b"}, {"b", nullptr}}, {"a: b -", "b: - a free"}},
-        {"two want one name: the last is the one waited by",
-         {{"a", u"c"}, {"b", u"c"}, {"c", u"x"}},
-         {"a: c -", "b: c -", "c: - b free"}},
-        {"beyond ASCII, and composition counts",
-         {{"\u00C9", u"x"}, {"y", u"\u00E9"}, {"z", u"e\u0301"}},
-         {"\u00C9: - y free", "y: \u00C9 -", "z: - - free"}},
-        {"apart from composition it keeps its name, and waits for nobody",
-         {{"\u00E9", u"y"}, {"e\u0301", u"\u00E9"}},
-         {"\u00E9: - - free", "e\u0301: - - free"}},
-        {"a slash is a colon", {{"p:q", u"x"}, {"y", u"p/q"}}, {"p:q: - y free", "y: p:q -"}},
-        {"names that cannot be wait for nobody",
-         {{"a", u""}, {"b", u"\xD83D"}, {"c", u".."}},
-         {"a: - - free", "b: - - free", "c: - - free"}},
-    };
-    int number = 0;
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.title);
-        const RowId folder = context.insertGhostNode("/folder" + std::to_string(++number));
-        std::vector<RowId> rows;
-        for (const auto& [name, finalName] : one.children) {
-            rows.push_back(insert(folder, name));
-            if (finalName != nullptr)
-                want(rows.back(), finalName);
-        }
+    for (const auto& [title, children, links] : cases) {
+        SCOPED_TRACE(title);
+        const std::vector<RowId> rows = insert(context.insertGhostNode(std::string("/") + title), children);
         prepare();
-        std::vector<std::string> links;
+        std::vector<std::string> found;
         for (const RowId row : rows)
-            links.push_back(linksOf(row));
-        EXPECT_EQ(links, one.links);
+            found.push_back(linksOf(row));
+        EXPECT_EQ(found, split(links));
     }
 }
 
@@ -106,21 +85,16 @@ TEST_F(Plan, LinksOfOneFolder) {
 TEST_F(Plan, SiblingsOfAHugeFolderAndOfManyFoldersAreLinked) {
     constexpr std::size_t childCount = 25000;
     const RowId ghost = context.insertGhostNode("/x");
-    const RowId huge = insert(ghost, "huge", true);
-    std::vector<RowId> ring;
+    std::string names;
     for (std::size_t i = 0; i < childCount; ++i)
-        ring.push_back(insert(huge, std::to_string(i)));
-    for (std::size_t i = 0; i < childCount; ++i)
-        want(ring[i], text::fromUtf8(std::to_string((i + 1) % childCount)));
+        names += std::to_string(i) + ">" + std::to_string((i + 1) % childCount) + " ";
+    const std::vector<RowId> ring = insert(context.insertFile(ghost, "huge", false, true, 0), names);
     std::vector<RowId> small;
-    for (int i = 0; i < 2100; ++i) {
-        const RowId folder = insert(ghost, "f" + std::to_string(i), true);
-        small.push_back(insert(folder, "a"));
-        want(small.back(), u"b");
-        insert(folder, "b");
-    }
+    for (int i = 0; i < 2100; ++i)
+        small.push_back(
+            insert(context.insertFile(ghost, "f" + std::to_string(i), false, true, 0), "a>b b").front());
     prepare();
-    EXPECT_EQ(std::ranges::count_if(small, [&](RowId row) { return linksOf(row) == "a: b -"; }), 2100);
+    EXPECT_EQ(std::ranges::count_if(small, [&](RowId row) { return linksOf(row) == "a=b,-"; }), 2100);
     std::size_t linked = 0;
     for (std::size_t i = 0; i < childCount; ++i) {
         const NodeRow row = context.row(ring[i]);

@@ -47,11 +47,6 @@ void RenameBench::read(const std::vector<std::string>& names) {
     host.onWorker([&] { pipeline.process(); });
 }
 
-void RenameBench::makeAndRead(const std::vector<std::string>& names) {
-    make(names);
-    read(names);
-}
-
 void RenameBench::setFinalName(const std::string& name, std::u16string_view finalName) {
     StoreContext& context = host.managedObjectContext();
     const std::lock_guard lock(context.mutex());
@@ -133,13 +128,6 @@ std::vector<std::string> RenameBench::sourcePaths() {
     return paths;
 }
 
-std::vector<std::string> RenameBench::problems() const {
-    std::vector<std::string> problems;
-    for (const ProblemReport& report : reports)
-        problems.push_back(report.title + ": " + report.fullPath.substr(disk.path().size() + 1));
-    return problems;
-}
-
 std::vector<std::string> split(std::string_view words, char separator) {
     std::vector<std::string> found;
     while (!words.empty()) {
@@ -150,6 +138,30 @@ std::vector<std::string> split(std::string_view words, char separator) {
         words.remove_prefix(std::min(end + 1, words.size()));
     }
     return found;
+}
+
+void setAll(EngineTestHost& host, std::string_view settings) {
+    for (const auto& [key, value] : tree(settings))
+        host.set(key, std::stoi(value));
+}
+
+void setSteps(EngineTestHost& host, std::string_view steps) {
+    std::vector<EngineTestHost::Step> made;
+    for (const std::string& text : split(steps, ';')) {
+        EngineTestHost::Step& step = made.emplace_back();
+        for (const std::string& word : split(text.substr(text.find_first_not_of(' ')))) {
+            const std::size_t equals = word.find('=');
+            const std::string value = word.substr(equals + 1);
+            if (equals == std::string::npos)
+                step.action += (step.action.empty() ? "" : " ") + word;
+            else if (!value.empty() && value != "-" &&
+                     value.find_first_not_of("-0123456789") == std::string::npos)
+                step.parameters.emplace(word.substr(0, equals), std::stoi(value));
+            else
+                step.parameters.emplace(word.substr(0, equals), text::fromBytes(value));
+        }
+    }
+    host.setSteps(made);
 }
 
 RenameBench::Tree tree(std::string_view words) {

@@ -33,7 +33,6 @@ class RenameBench {
     void make(const std::vector<std::string>& names);
     /// Puts these names on the list and reads them with all below.
     void read(const std::vector<std::string>& names);
-    void makeAndRead(const std::vector<std::string>& names);
     void setFinalName(const std::string& name, std::u16string_view finalName);
     /// All three: "a>b f/>g f/x" makes the file "a", which is to be "b", the folder "f", which is to be "g",
     /// and a file in it that is to stay. "~" is a space.
@@ -51,12 +50,14 @@ class RenameBench {
     /// The source items, relative to the folder, in order.
     [[nodiscard]] std::vector<std::string> sourcePaths();
     [[nodiscard]] int renamed() { return host.counters().numberOfActuallyRenamedFiles; }
-    /// "title: name", with the names as they were, relative to the folder.
-    [[nodiscard]] std::vector<std::string> problems() const;
 };
 
 /// Files by their names, each with its content if that is another: "b=a c".
 RenameBench::Tree tree(std::string_view words);
 std::vector<std::string> split(std::string_view words, char separator = ' ');
+/// Settings that are numbers: "processFolders=0 renameMode=2".
+void setAll(EngineTestHost& host, std::string_view settings);
+/// The steps in words: "Add to end string=x; Make uppercase active=0". What is all digits is a number.
+void setSteps(EngineTestHost& host, std::string_view steps);
 
 } // namespace tavrin::test

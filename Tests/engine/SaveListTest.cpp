@@ -1,3 +1,4 @@
+#include "RenameBench.h"
 #include "StageTest.h"
 #include "common/FailingFileSystem.h"
 
@@ -15,15 +16,16 @@ class SaveListTest : public StageTest {
 };
 
 TEST_F(SaveListTest, WritesTheFormats) {
+    EXPECT_EQ(save(0, false), "") << "without items";
     host.add({folder.write("b/B"), folder.write("b/a")});
-    host.setSteps({{"Make uppercase", {}}});
+    setSteps(host, "Make uppercase");
     host.preview();
     struct Case {
         int format;
         bool onlyAffected;
         std::string text;
     };
-    const std::vector<Case> cases{
+    const Case cases[] = {
         {0, false, "B\tB\na\tA\n"},
         {1, false, "B\nA\n"},
         {2, false, folder.path("b/B") + "\tB\n" + folder.path("b/a") + "\tA\n"},
@@ -40,54 +42,38 @@ TEST_F(SaveListTest, WritesTheFormats) {
 
 TEST_F(SaveListTest, SettlesConflictsFirstAndFollowsTheFilter) {
     host.add({folder.write("1"), folder.write("2"), folder.makeFolder("3")});
-    host.set("previewConflictResolution", false);
-    host.set("processFolders", 0);
-    host.setSteps({{"Completely rename", {{"newName", u"x"}}}});
+    setAll(host, "previewConflictResolution=0 processFolders=0");
+    setSteps(host, "Completely rename newName=x");
     host.preview();
     EXPECT_EQ(save(0, false), "1\txa\n2\txb\n");
 }
 
-TEST_F(SaveListTest, NamesArePrecomposedAndBytesStay) {
+TEST_F(SaveListTest, NamesArePrecomposedAndBytesAndLinksStay) {
     host.add({folder.write("e\u0301"), folder.write("\xFFz"), folder.write("tab\tin\nname")});
-    host.preview();
-    EXPECT_EQ(save(1, false), "\u00e9\ntab\tin\nname\n\xFFz\n");
-    EXPECT_EQ(save(1, true), "");
-}
-
-TEST_F(SaveListTest, AFailureIsToldAndTheOldFileStays) {
-    host.add({folder.write("a")});
-    host.preview();
-    folder.write("list.txt", "old");
-    FailingFileSystem files;
-    files.failKind(FileCall::write, ENOSPC);
-    host.events.clear();
-    host.saveList(0, false, folder.path("list.txt"));
-    EXPECT_EQ(folder.read("list.txt"), "old");
-    EXPECT_EQ(host.events.back(),
-              "showFileListNotSaved " + folder.path("list.txt") + ": No space left on device");
-    files.reset();
-    EXPECT_EQ(save(0, false), "a\ta\n");
-    EXPECT_EQ(host.events.back(), "showFileListSavingCompletionDialog 0");
-}
-
-TEST_F(SaveListTest, WhatCannotBeReadIsNotSaidToBeSaved) {
-    BrokenHost broken(folder.path());
-    const std::string list = folder.path("list.txt");
-    broken.host.saveList(0, false, list);
-    EXPECT_TRUE(broken.host.events.back().starts_with("showFileListNotSaved " + list + ": segment "));
-    EXPECT_EQ(folder.kind("list.txt"), std::nullopt);
-}
-
-TEST_F(SaveListTest, ALinkStaysOne) {
-    host.add({folder.write("a")});
     host.preview();
     folder.write("real.txt", "old");
     (void)folder.link("list.txt", "real.txt");
-    EXPECT_EQ(save(1, false), "a\n");
-    EXPECT_EQ(folder.read("real.txt"), "a\n");
+    EXPECT_EQ(save(1, true), "");
+    EXPECT_EQ(save(1, false), "\u00e9\ntab\tin\nname\n\xFFz\n");
+    EXPECT_EQ(folder.read("real.txt"), folder.read("list.txt"));
+    EXPECT_EQ(folder.kind("list.txt"), FileStatus::Kind::link);
 }
 
-TEST_F(SaveListTest, WithoutItemsTheListIsEmpty) { EXPECT_EQ(save(0, false), ""); }
+TEST_F(SaveListTest, AFailureIsToldAndTheOldFileStays) {
+    const std::string list = folder.write("list.txt", "old");
+    host.add({folder.write("a")});
+    host.preview();
+    {
+        FailingFileSystem files;
+        files.failKind(FileCall::write, ENOSPC);
+        EXPECT_EQ(save(0, false), "old");
+        EXPECT_EQ(host.events.back(), "showFileListNotSaved " + list + ": No space left on device");
+    }
+    BrokenHost broken(folder.path());
+    broken.host.saveList(0, false, list);
+    EXPECT_TRUE(broken.host.events.back().starts_with("showFileListNotSaved " + list + ": segment "));
+    EXPECT_EQ(folder.read("list.txt"), "old");
+}
 
 } // namespace
 } // namespace tavrin::test

@@ -1,5 +1,4 @@
-#include "common/EngineTestHost.h"
-#include "common/TemporaryFolder.h"
+#include "RenameBench.h"
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/text/Text.h"
@@ -20,11 +19,7 @@ constexpr int noOrder = 14;
 /// the order of the ids; in memory, in a file, and in one that keeps two segments in memory.
 class SortedRanksTest : public ::testing::TestWithParam<std::size_t> {
   protected:
-    SortedRanksTest() {
-        host.set("processSubfolders", 1);
-        host.set("processFolders", 0);
-        host.actionList.setAutomaticSorting(false); // an order by hand lasts
-    }
+    using Value = std::pair<double, std::string>;
 
     void makeRows(int count) {
         std::mt19937 random(20261121);
@@ -32,112 +27,68 @@ class SortedRanksTest : public ::testing::TestWithParam<std::size_t> {
             const std::array choice{values...};
             return choice[random() % choice.size()];
         };
-        std::vector<RowId> folders{context.insertGhostNode("/r")};
+        const RowId parent = context.insertGhostNode("/r");
         for (int i = 0; i < count; ++i) {
-            const bool isFolder = i % 10 == 0;
-            const RowId id =
-                context.insertFile(folders[random() % folders.size()],
-                                   one("x", "y", "x9", "x10", "x09", "X:", "\xC3\xBC", isFolder ? "d" : "z") +
-                                       std::string(1, 'a'),
-                                   false, isFolder, count - i);
-            NodeRow& row = context.change(id);
+            rows.push_back(context.insertFile(parent,
+                                              one("xa", "ya", "x9a", "x10a", "x09a", "X:a", "\u00FCa", "za"),
+                                              true, false, count - i));
+            NodeRow& row = context.change(rows.back());
             row.modDate = one(-1.5, 0.0, 1.5);
             row.crDate = one(1e9, 2e9, 2e9 + 1e-4);
             row.exif = one(0.0, -63114076800.0, 7e8);
             row.size = one(0U, 9U, 10U, 1U << 31);
             row.sortingInformationLoaded = true;
-            if (isFolder && folders.size() < 9)
-                folders.push_back(id);
-            rows.push_back(id);
         }
         context.commit();
-        context.reset();
-    }
-
-    void number(int mode, int mode2, bool byFolder) {
-        host.setSteps({{"Produce numbered list",
-                        {{"sortingMode", mode},
-                         {"sortingMode2", mode2},
-                         {"sortEachFolderSeparately", byFolder ? 1 : 0},
-                         {"prefix", u""},
-                         {"padding", 1}}}});
-        ComputeProvisionalNamesStage stage(host.engine);
-        stage.setProgressInfo(&host.progress);
-        stage.setSettings(host.settings.values());
-        stage.setManagedObjectContext(&context);
-        ASSERT_TRUE(stage.process());
-        context.commit();
-        context.reset();
+        for (const RowId row : context.fetch({FetchEntity::file, {}, {{NodeKey::random, true}}, 0}))
+            places.emplace(row, places.size());
     }
 
     /// The value that a mode sorts by, and nothing for a mode without an order.
-    std::pair<double, std::string> valueFor(int mode, RowId id) {
+    Value valueFor(int mode, RowId id) {
         const NodeRow row = context.row(id);
-        switch (mode < 0 || mode >= noOrder ? -1 : mode / 2) {
-        case 0:
-            return {0, text::toUtf8(context.name(id))};
-        case 1:
-            return {row.modDate, {}};
-        case 2:
-            return {row.crDate, {}};
-        case 3:
-            return {static_cast<double>(row.size), {}};
-        case 4:
-            return {row.exif, {}};
-        case 5:
-            return {0, text::toUtf8(KQStringUtilities::expandNumberBlocks(context.name(id)))};
-        case 6:
-            return {mode == 12 ? placeAtRandom(id) : row.manualOrder, {}};
-        default:
-            return {};
-        }
-    }
-    double placeAtRandom(RowId id) {
-        if (places.empty()) {
-            for (const RowId row : context.fetch({FetchEntity::file, {}, {{NodeKey::random, true}}, 0}))
-                places.emplace(row, places.size());
-        }
-        return static_cast<double>(places.at(id));
+        const std::u16string name = context.name(id);
+        const Value values[] = {
+            {0, text::toUtf8(name)},
+            {row.modDate, ""},
+            {row.crDate, ""},
+            {row.size, ""},
+            {row.exif, ""},
+            {0, text::toUtf8(KQStringUtilities::expandNumberBlocks(name))},
+            {mode == 12 ? places.at(id) : row.manualOrder, ""},
+        };
+        return mode < 0 || mode >= noOrder ? Value() : values[mode / 2];
     }
 
-    /// The final names that a plain stable sort would give, by place in `rows`.
-    std::vector<std::string> expected(int mode, int mode2, bool byFolder) {
+    /// The numbers are those that a plain stable sort gives.
+    void expectRanks(int mode, int mode2) {
+        SCOPED_TRACE(fmt::format("{}, {}", mode, mode2));
+        setSteps(host, fmt::format("Produce numbered list prefix= padding=1 sortingMode={} sortingMode2={}",
+                                   mode, mode2));
+        ComputeProvisionalNamesStage stage(host.engine);
+        stage.setSettings(host.settings.values());
+        stage.setManagedObjectContext(&context);
+        EXPECT_TRUE(stage.process());
+        context.commit();
+        context.reset();
         struct Item {
-            std::pair<double, std::string> first, second;
-            std::size_t place;
-            RowId parent;
-            bool isFolder;
+            Value first, second;
+            std::string finalName;
         };
         std::vector<Item> items;
-        std::vector<std::string> names;
-        for (const RowId id : rows) {
-            const NodeRow row = context.row(id);
-            items.push_back({valueFor(mode, id), valueFor(mode2, id), names.size(),
-                             byFolder ? row.parent : noRow, row.treatAsFolder});
-            names.push_back(text::toUtf8(context.name(id)));
-        }
+        for (const RowId id : rows)
+            items.push_back({valueFor(mode, id), valueFor(mode2, id), text::toUtf8(context.finalName(id))});
         const auto isOrder = [](int one) { return one >= 0 && one < noOrder; };
         if (isOrder(mode) || isOrder(mode2))
             std::reverse(items.begin(), items.end()); // by hand: the last first
-        const auto before = [](int order, const auto& a, const auto& b) {
+        const auto before = [](int order, const Value& a, const Value& b) {
             return order == 12 || (order < 12 && order % 2 == 1) ? b < a : a < b;
         };
         std::stable_sort(items.begin(), items.end(), [&](const Item& a, const Item& b) {
             return a.first != b.first ? before(mode, a.first, b.first) : before(mode2, a.second, b.second);
         });
-        std::map<RowId, int> counts;
-        for (const Item& item : items) {
-            if (!item.isFolder)
-                names[item.place] = std::to_string(++counts[item.parent]);
-        }
-        return names;
-    }
-
-    std::vector<std::string> finalNames() {
-        std::vector<std::string> names;
-        for (const RowId id : rows)
-            names.push_back(text::toUtf8(context.finalName(id)));
-        return names;
+        for (std::size_t i = 0; i < items.size(); ++i)
+            ASSERT_EQ(items[i].finalName, std::to_string(i + 1));
     }
 
     TemporaryFolder folder;
@@ -145,32 +96,25 @@ class SortedRanksTest : public ::testing::TestWithParam<std::size_t> {
                                         : EngineTestHost::inFile(folder.path(), GetParam())};
     StoreContext context{*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins};
     std::vector<RowId> rows;
-    std::map<RowId, std::size_t> places;
+    std::map<RowId, double> places; ///< in the random order
 };
 
 INSTANTIATE_TEST_SUITE_P(Budgets, SortedRanksTest, ::testing::Values(0, 64U << 20, 1U << 20));
 
-TEST_P(SortedRanksTest, EveryModeAndTieBreakOrdersAsAPlainSortDoes) {
+TEST_P(SortedRanksTest, AreThoseOfAPlainSort) {
+    host.actionList.setAutomaticSorting(false); // an order by hand lasts
     makeRows(200);
     for (int mode = -1; mode <= noOrder; ++mode) {
-        for (const int mode2 : {0, 3, 6, 11, 99}) {
-            for (const bool byFolder : {false, true}) {
-                SCOPED_TRACE(std::to_string(mode) + ", " + std::to_string(mode2) +
-                             (byFolder ? " by folder" : ""));
-                number(mode, mode2, byFolder);
-                EXPECT_EQ(finalNames(), expected(mode, mode2, byFolder));
-            }
-        }
+        for (const int mode2 : {0, 3, 6, 11, 99})
+            expectRanks(mode, mode2);
     }
 }
 
 /// So many rows that a pass commits and pages on its way.
-TEST_P(SortedRanksTest, ALongPassKeepsRanks) {
+TEST_P(SortedRanksTest, AreKeptInALongPass) {
+    host.actionList.setAutomaticSorting(false);
     makeRows(24000);
-    for (const bool byFolder : {false, true}) {
-        number(12, 0, byFolder);
-        EXPECT_EQ(finalNames(), expected(12, 0, byFolder));
-    }
+    expectRanks(12, 0);
 }
 
 } // namespace

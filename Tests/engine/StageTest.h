@@ -29,8 +29,7 @@ struct BrokenHost {
 };
 
 /// A host with an empty store in memory, a folder on disk, and single stages run on them.
-class StageTest : public ::testing::Test {
-  protected:
+struct StageBench {
     TemporaryFolder folder;
     EngineTestHost host;
 
@@ -58,5 +57,7 @@ class StageTest : public ::testing::Test {
         return std::string(path.substr(folder.path().size() + 1));
     }
 };
+
+class StageTest : public ::testing::Test, public StageBench {};
 
 } // namespace tavrin::test

@@ -1,17 +1,10 @@
 #include "installation/Tools.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
 namespace tavrin::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::IsSupersetOf;
-using testing::Not;
 
 TEST(Installation, PutsEverythingInItsPlaceAndStillWorksWhenMoved) {
     const TemporaryFolder folder;
@@ -48,35 +41,32 @@ TEST(Installation, PutsEverythingInItsPlaceAndStillWorksWhenMoved) {
                 HasSubstr("The day itself"));
 }
 
-/// A file that a tool of its kind judges.
-struct Judged {
-    std::vector<std::string> tool;
-    const char* file;
-};
-
-class InstalledFile : public testing::TestWithParam<Judged> {};
+/// The command line of a tool that judges a file of its kind.
+class InstalledFile : public testing::TestWithParam<const char*> {};
 
 TEST_P(InstalledFile, IsWithoutComplaint) {
-    auto [arguments, file] = GetParam();
-    if (!isThere(arguments.front()))
-        GTEST_SKIP() << arguments.front() << " is not installed";
-    arguments.push_back(sourcePath(file));
-    const ChildProcess::Result result = run(arguments);
+    std::vector<std::string> words = linesOf(GetParam(), ' ');
+    if (!isThere(words.front()))
+        GTEST_SKIP() << words.front() << " is not installed";
+    words.back() = sourcePath("Resources/" + words.back());
+    const ChildProcess::Result result = run(words);
     EXPECT_EQ(result.exitStatus, 0) << result.output;
     EXPECT_THAT(result.output, testing::AnyOf("", HasSubstr("Validation was successful")));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     All, InstalledFile,
-    testing::Values(Judged{{"mandoc", "-Tlint", "-Wwarning"}, "Resources/man/tvrn.1"},
-                    Judged{{"mandoc", "-Tlint", "-Wwarning"}, "Resources/man/tavrin.1"},
-                    Judged{{"desktop-file-validate"}, "Resources/desktop/net.calderwick.tavrin.desktop"},
-                    Judged{{"desktop-file-validate"}, "Resources/menus/net.calderwick.tavrin.sendto.desktop"},
-                    Judged{{"appstreamcli", "validate", "--no-net"},
-                           "Resources/desktop/net.calderwick.tavrin.metainfo.xml"}));
+    testing::Values("mandoc -Tlint -Wwarning man/tvrn.1", "mandoc -Tlint -Wwarning man/tavrin.1",
+                    "desktop-file-validate desktop/net.calderwick.tavrin.desktop",
+                    "desktop-file-validate menus/net.calderwick.tavrin.sendto.desktop",
+                    "appstreamcli validate --no-net desktop/net.calderwick.tavrin.metainfo.xml",
+                    "bash -n completions/tvrn.bash", "bash -n completions/tavrin.bash",
+                    "zsh -n completions/_tvrn", "zsh -n completions/_tavrin", "fish -n completions/tvrn.fish",
+                    "fish -n completions/tavrin.fish"));
 
 TEST(Installation, TheWindowIsNoProgramForOpeningFolders) {
-    EXPECT_THAT(sourceFile("Resources/desktop/net.calderwick.tavrin.desktop"), Not(HasSubstr("MimeType")));
+    EXPECT_THAT(sourceFile("Resources/desktop/net.calderwick.tavrin.desktop"),
+                testing::Not(HasSubstr("MimeType")));
 }
 
 TEST(Installation, PackagesThatTheTestsAreBuiltFromAreExplained) {

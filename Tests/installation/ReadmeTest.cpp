@@ -1,12 +1,4 @@
-#include "common/FileTimes.h"
-#include "common/Variable.h"
 #include "installation/Tools.h"
-
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace tavrin::test {
 namespace {
@@ -29,70 +21,29 @@ std::vector<std::string> commandsOf(const std::string& section) {
     return blocks;
 }
 
-/// What a recipe finds in the folder "work" and what it leaves there, in the order of the section.
-struct Recipe {
-    const char* name;
-    std::function<void(const TemporaryFolder&)> prepare;
-    std::vector<std::string> after;
-};
-
-void copySample(const TemporaryFolder& folder, const char* sample, const char* name) {
-    std::filesystem::copy_file(sourcePath(std::string("Tests/samples/") + sample),
-                               folder.path(std::string("work/") + name));
-}
-
-const std::vector<Recipe>& recipes() {
-    static const std::vector<Recipe> all{
-        {"photographs",
-         [](const TemporaryFolder& folder) {
-             copySample(folder, "photo.jpg", "DSC1.JPG");
-             copySample(folder, "photo.jpg", "DSC2.JPG");
-         },
-         {"2024-06-14 01.jpg", "2024-06-14 02.jpg"}},
-        {"songs",
-         [](const TemporaryFolder& folder) { copySample(folder, "song.mp3", "track.mp3"); },
-         {"03 Blue Hour.mp3"}},
-        {"blanks",
-         [](const TemporaryFolder& folder) { folder.write("work/album/day_1/a_b.txt"); },
-         {"album/", "album/day 1/", "album/day 1/a b.txt"}},
-        {"screenshots",
-         [](const TemporaryFolder& folder) {
-             setModificationTime(folder.write("work/a.png", "new"), "2024-01-02 00:00:00");
-             setModificationTime(folder.write("work/b.png", "old"), "2024-01-01 00:00:00");
-         },
-         {"Screenshot 001.png", "Screenshot 002.png"}},
-        {"by hand",
-         [](const TemporaryFolder& folder) {
-             folder.write("work/ONE");
-             folder.write("work/TWO");
-         },
-         {"one", "zwei"}},
-    };
-    return all;
-}
-
+// In the order of the section: what a recipe finds in its folder, as it is made in a shell, and what it
+// leaves there.
 TEST(Readme, RecipesDoWhatTheySay) {
+    const std::pair<const char*, const char*> recipes[] = {
+        {"cp ../samples/photo.jpg DSC1.JPG; cp ../samples/photo.jpg DSC2.JPG",
+         "2024-06-14 01.jpg\n2024-06-14 02.jpg\n"},
+        {"cp ../samples/song.mp3 track.mp3", "03 Blue Hour.mp3\n"},
+        {"mkdir -p album/day_1; touch album/day_1/a_b.txt", "album\nalbum/day 1\nalbum/day 1/a b.txt\n"},
+        {"echo new >a.png; echo old >b.png; touch -d 2024-01-02 a.png; touch -d 2024-01-01 b.png",
+         "Screenshot 001.png\nScreenshot 002.png\nold\nnew\n"},
+        {"touch ONE TWO; editor() { sed -i s/two$/zwei/ $1; }", "one\nzwei\n"}};
     const std::vector<std::string> blocks = commandsOf("Five recipes");
-    ASSERT_EQ(blocks.size(), recipes().size());
+    ASSERT_EQ(blocks.size(), std::size(recipes));
     for (std::size_t i = 0; i < blocks.size(); ++i) {
-        const Recipe& recipe = recipes()[i];
-        SCOPED_TRACE(recipe.name);
+        const auto& [before, after] = recipes[i];
         const TemporaryFolder folder;
         const Variable records("XDG_STATE_HOME", folder.path("state").c_str());
-        const std::string work = folder.makeFolder("work");
-        recipe.prepare(folder);
-        (void)outputOf({"bash", "-ec",
-                        fmt::format("PATH={}:$PATH; editor() {{ sed -i s/two$/zwei/ \"$1\"; }}; cd {}\n{}",
-                                    quotedForShell(programFolder()), quotedForShell(work), blocks[i])});
-        std::vector<std::string> names;
-        for (const auto& [name, content] : folder.tree()) {
-            if (name.starts_with("work/") && name != "work/")
-                names.push_back(name.substr(5));
-        }
-        EXPECT_EQ(names, recipe.after);
-        if (recipe.name == std::string("screenshots")) {
-            EXPECT_EQ(folder.read("work/Screenshot 001.png"), "old");
-        }
+        const std::string script = fmt::format(
+            "exec 3>&1 &>log; trap 'cat ../log >&3' ERR; PATH={}:$PATH; ln -s {} samples; mkdir work; cd "
+            "work\n"
+            "{}\n{}\nexec >&3; find * | LC_ALL=C sort; cat *.png || true",
+            quotedForShell(programFolder()), quotedForShell(sourcePath("Tests/samples")), before, blocks[i]);
+        EXPECT_EQ(outputOf({"env", "-C", folder.path(), "bash", "-ec", script}), after);
     }
 }
 

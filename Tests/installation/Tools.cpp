@@ -2,11 +2,6 @@
 
 #include "support/text/PathParts.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-#include <gtest/gtest.h>
-
-#include <fstream>
 #include <sstream>
 
 namespace tavrin::test {
@@ -24,10 +19,10 @@ std::string outputOf(const std::vector<std::string>& arguments) {
     return result.output;
 }
 
-std::vector<std::string> linesOf(const std::string& text) {
+std::vector<std::string> linesOf(const std::string& text, char end) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
+    for (std::string line; std::getline(stream, line, end);)
         lines.push_back(line);
     return lines;
 }
@@ -40,12 +35,6 @@ std::string programFolder() { return std::string(PathParts(TVRN_PROGRAM).folder)
 
 std::string sourcePath(const std::string& name) { return std::string(TAVRIN_SOURCE_FOLDER "/") + name; }
 
-std::string sourceFile(const std::string& name) {
-    std::ifstream file(sourcePath(name), std::ios::binary);
-    EXPECT_TRUE(file) << name;
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
+std::string sourceFile(const std::string& name) { return outputOf({"cat", sourcePath(name)}); }
 
 } // namespace tavrin::test

@@ -5,8 +5,10 @@
 #include "platform/desktop/Quoting.h"
 #include "platform/processes/ChildProcess.h"
 
-#include <string>
-#include <vector>
+#include <fmt/ranges.h>
+#include <gmock/gmock.h>
+
+#include <filesystem>
 
 namespace tavrin::test {
 
@@ -14,7 +16,8 @@ namespace tavrin::test {
 ChildProcess::Result run(const std::vector<std::string>& arguments);
 /// The output alone; fails the test where the program fails.
 std::string outputOf(const std::vector<std::string>& arguments);
-std::vector<std::string> linesOf(const std::string& text);
+/// The lines of a text, or its parts between another character.
+std::vector<std::string> linesOf(const std::string& text, char end = '\n');
 bool isThere(const std::string& program);
 
 /// Where tvrn was built.

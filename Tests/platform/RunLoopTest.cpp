@@ -13,8 +13,11 @@ namespace {
 using namespace std::chrono_literals;
 using test::ManualRunLoop;
 
-TEST(QueueRunLoop, RunsPostedActionsInOrderOnItsThread) {
+TEST(QueueRunLoop, RunsActionsOfOthersInOrderOnItsThread) {
     QueueRunLoop loop;
+    bool direct = false;
+    EXPECT_TRUE(loop.performAndWait([&] { direct = loop.isCurrent(); }));
+    EXPECT_TRUE(direct);
     std::vector<int> order;
     std::thread worker([&] {
         EXPECT_FALSE(loop.isCurrent());
@@ -23,11 +26,14 @@ TEST(QueueRunLoop, RunsPostedActionsInOrderOnItsThread) {
                 EXPECT_TRUE(loop.isCurrent());
                 order.push_back(i);
             });
-        loop.post([&loop] { loop.stop(); });
+        EXPECT_TRUE(loop.performAndWait([&] { order.push_back(100); }));
+        EXPECT_EQ(order.size(), 101U) << "it waits";
+        EXPECT_THROW((void)loop.performAndWait([] { throw std::runtime_error("failed"); }),
+                     std::runtime_error);
+        loop.stop();
     });
     loop.run();
     worker.join();
-    ASSERT_EQ(order.size(), 100U);
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }
 
@@ -54,47 +60,16 @@ TEST(QueueRunLoop, TimersAndActionsDoNotStarveEachOther) {
     EXPECT_FALSE(loop.runUntil([] { return false; }));
 }
 
-TEST(RunLoop, PerformAndWaitRunsOnTheMainThread) {
-    QueueRunLoop loop;
-    bool direct = false;
-    EXPECT_TRUE(loop.performAndWait([&] { direct = true; }));
-    EXPECT_TRUE(direct);
-    int answer = 0;
-    std::thread worker([&] {
-        EXPECT_TRUE(loop.performAndWait([&] {
-            EXPECT_TRUE(loop.isCurrent());
-            answer = 42;
-        }));
-        EXPECT_EQ(answer, 42);
-        EXPECT_THROW((void)loop.performAndWait([] { throw std::runtime_error("failed"); }),
-                     std::runtime_error);
-        loop.stop();
-    });
-    loop.run();
-    worker.join();
-}
-
 /// A caller is freed whether the loop ends before or after it asks.
-TEST(RunLoop, AnEndedLoopFreesTheCaller) {
+TEST(QueueRunLoop, FreesTheCallerWhenItEnds) {
     for (const bool closeFirst : {false, true}) {
-        const std::unique_ptr<RunLoop> loops[] = {std::make_unique<ManualRunLoop>(),
-                                                  std::make_unique<QueueRunLoop>()};
-        for (const auto& each : loops) {
-            const auto close = [loop = each.get()] {
-                if (auto* manual = dynamic_cast<ManualRunLoop*>(loop))
-                    manual->close();
-                else
-                    dynamic_cast<QueueRunLoop&>(*loop).close();
-            };
-            if (closeFirst)
-                close();
-            std::vector<std::thread> workers;
-            for (int i = 0; i < 4; ++i)
-                workers.emplace_back([&] { EXPECT_FALSE(each->performAndWait([] { ADD_FAILURE(); })); });
-            close();
-            for (std::thread& worker : workers)
-                worker.join();
-        }
+        QueueRunLoop loop;
+        if (closeFirst)
+            loop.close();
+        std::vector<std::jthread> workers;
+        for (int i = 0; i < 4; ++i)
+            workers.emplace_back([&] { EXPECT_FALSE(loop.performAndWait([] { ADD_FAILURE(); })); });
+        loop.close();
     }
 }
 

@@ -1,12 +1,5 @@
 #include "actions/ActionFamilies.h"
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
-#include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
-#include "shell/MainController.h"
-
-#include <QMap>
-#include <QRegularExpression>
-#include <QStringList>
 
 namespace tavrin::test {
 
@@ -28,44 +21,28 @@ class Keyboard : public WindowFixture {
     }
 
     /// The labels by the access key that they have.
-    QMap<QString, QStringList> accessKeys() {
+    std::map<QString, QStringList> accessKeys() {
         static const QRegularExpression marked("(?<!&)&(\\w)");
-        QMap<QString, QStringList> labels;
+        std::map<QString, QStringList> labels;
         for (const QWidget* widget : application->window().findChildren<QWidget*>()) {
             const QString text = widget->property("text").toString();
-            const auto match = marked.match(text);
-            if (widget->isVisible() && match.hasMatch())
+            if (const auto match = marked.match(text); widget->isVisible() && match.hasMatch())
                 labels[match.captured(1).toLower()].append(text);
         }
         return labels;
     }
 };
 
-} // namespace
-
 TEST_F(Keyboard, ReachesEverythingInTheOrderOfReading) {
     start({makeFile("a.txt")});
     chooseAction("Rename from list"); // the panel is not the first
     chooseAction("Insert number at position");
-    const char* const inOrder[] = {"findAction",
-                                   "categoryPopUpButton",
-                                   "actionPopUpButton",
-                                   "startValue",
-                                   "padding",
-                                   "position",
-                                   "mode",
-                                   "sortingMode",
-                                   "sortEachFolderSeparately",
-                                   "fragment3",
-                                   "discloseAdvancedOptions",
-                                   "addButton",
-                                   "showButton",
-                                   "previewTableView",
-                                   "manualButton",
-                                   "okButton"};
     const QList<QWidget*> stops = tabStops();
     qsizetype last = -1;
-    for (const char* name : inOrder) {
+    for (const char* name :
+         {"findAction", "categoryPopUpButton", "actionPopUpButton", "startValue", "padding", "position",
+          "mode", "sortingMode", "sortEachFolderSeparately", "fragment3", "discloseAdvancedOptions",
+          "addButton", "showButton", "previewTableView", "manualButton", "okButton"}) {
         const qsizetype place = stops.indexOf(find(name));
         EXPECT_GT(place, last) << name;
         last = place;
@@ -74,17 +51,17 @@ TEST_F(Keyboard, ReachesEverythingInTheOrderOfReading) {
 
 TEST_F(Keyboard, NamesEveryStopAndGivesNoKeyTwice) {
     start({makeFile("a.txt")});
-    application->controller().globalSettings().setValue(1, "discloseAdvancedOptions");
+    set("discloseAdvancedOptions", 1);
     for (const ActionEntry& entry : allActions()) {
         SCOPED_TRACE(entry.name);
         chooseAction(std::string(entry.name));
         for (const QWidget* stop : tabStops())
             EXPECT_FALSE(stop->accessibleName().isEmpty() && stop->property("text").toString().isEmpty())
                 << stop->metaObject()->className() << ' ' << stop->objectName().toStdString();
-        const auto keys = accessKeys();
-        for (auto key = keys.begin(); key != keys.end(); ++key)
-            EXPECT_EQ(key->size(), 1) << key->join(" | ").toStdString();
+        for (const auto& [key, labels] : accessKeys())
+            EXPECT_EQ(labels.size(), 1) << labels.join(" | ").toStdString();
     }
 }
 
+} // namespace
 } // namespace tavrin::test

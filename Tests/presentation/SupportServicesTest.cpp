@@ -1,108 +1,81 @@
+#include "common/Variable.h"
 #include "documents/PresetsManager.h"
+#include "platform/desktop/FileManagerMenus.h"
 #include "platform/propertylists/PropertyList.h"
-#include "platform/propertylists/UserDefaults.h"
 #include "presentation/AddressFetcher.h"
-#include "presentation/MainWindow.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/StackedView.h"
-#include "shell/MainController.h"
 
-#include <gmock/gmock.h>
-
-#include <QAction>
-#include <QComboBox>
-#include <QDialog>
-#include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QScrollArea>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <sys/stat.h>
 
 namespace tavrin::test {
 
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
-class SupportServicesTest : public WindowFixture {
-  protected:
-    std::string alertTitle() {
-        auto* box = waitFor<QMessageBox>("alert");
-        const std::string title = box->text().toStdString();
-        box->defaultButton()->click();
-        waitUntilGone("alert");
-        return title;
-    }
-    static std::string feed(const std::string& version) {
-        return "<rss xmlns:s='urn:feed'><channel><item><enclosure s:version='" + version +
-               "'/></item></channel></rss>";
-    }
-};
+using SupportServicesTest = WindowFixture;
 
-TEST_F(SupportServicesTest, PresetsComeFromAChosenFolder) {
+TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
     start();
-    (void)folder.write("old/Presets/Holiday.mv8preset.plist");
-    command("migratePresetsFromFolder").trigger();
-    auto* dialog = waitFor<QFileDialog>("locateFolderDialog");
-    EXPECT_TRUE(find<QLabel>("locateMessage")->isVisible());
-    dialog->setDirectory(QString::fromStdString(folder.path("old")));
-    dialog->selectFile(QString::fromStdString(folder.path("old")));
-    static_cast<QDialog*>(dialog)->accept();
-    EXPECT_EQ(alertTitle(), "Presets found at " + folder.path("old") + " were successfully migrated.");
-    EXPECT_EQ(application->controller().presetsManager().count(), 1u);
-}
-
-TEST_F(SupportServicesTest, DropletsAreChosenAsBundlesAndAsLaunchers) {
-    start();
-    for (const char* name : {"one.app", "two.app"}) {
-        const PropertyDictionary droplet{{"default location", u"/Applications/Tavrin 8.app"}};
-        (void)folder.write(std::string(name) + "/Contents/Resources/Icon.icns");
-        (void)folder.write(std::string(name) + "/Contents/Resources/Settings.plist",
-                           PropertyList::toXml(PropertyDictionary{{"Droplet Settings", droplet}}));
+    folder.write("old/Presets/Holiday.mv8preset.plist");
+    const PropertyDictionary droplet{{"default location", u"/Applications/Tavrin 8.app"}};
+    for (const std::string name : {"one.app", "two.app"}) {
+        folder.write(name + "/Contents/Resources/Icon.icns");
+        folder.write(name + "/Contents/Resources/Settings.plist",
+                     PropertyList::toXml(PropertyDictionary{{"Droplet Settings", droplet}}));
     }
-    (void)folder.write("two.desktop", "[Desktop Entry]\nX-Tavrin-Droplet=/gone/two.app\n");
-    for (const char* name : {"one.app", "two.desktop"}) {
-        command("migrateDroplets").trigger();
-        auto* dialog = waitFor<QFileDialog>("locateDropletsDialog");
-        EXPECT_EQ(dialog->windowTitle(), "Locate Droplets");
-        EXPECT_EQ(dialog->labelText(QFileDialog::Accept), "Migrate");
-        const QString path = QString::fromStdString(folder.path(name));
+    folder.write("two.desktop", "[Desktop Entry]\nX-Tavrin-Droplet=/gone/two.app\n");
+    const std::string presets = "Presets found at " + folder.path("old") + " were successfully migrated.|";
+    const struct {
+        const char *command, *dialog, *chosen;
+        std::string told;
+    } cases[] = {{"migratePresetsFromFolder", "locateFolderDialog", "old", presets},
+                 {"migrateDroplets", "locateDropletsDialog", "one.app", "Success|"},
+                 {"migrateDroplets", "locateDropletsDialog", "two.desktop", "Success|"}};
+    for (const auto& [command, name, chosen, told] : cases) {
+        trigger(command);
+        auto* dialog = waitFor<QFileDialog>(name);
+        const QString path = QString::fromStdString(folder.path(chosen));
         dialog->setDirectory(QString::fromStdString(folder.path()));
-        waitUntil("the entry to be listed", [dialog, path] {
+        waitUntil("the entry is listed", [dialog, path] {
             dialog->selectFile(path);
             return dialog->selectedFiles().contains(path);
         });
         static_cast<QDialog*>(dialog)->accept();
-        EXPECT_EQ(alertTitle(), "Success") << name;
-        waitUntilGone("locateDropletsDialog");
+        EXPECT_THAT(close("alert"), StartsWith(told));
+        waitUntilGone(name);
     }
-    for (const char* name : {"one", "two"})
-        EXPECT_THAT(folder.read(std::string(name) + ".app/Contents/Resources/Settings.plist"),
-                    HasSubstr("Tavrin 9.app"));
+    EXPECT_EQ(controller().presetsManager().count(), 1U);
+    for (const std::string name : {"one", "two"})
+        EXPECT_THAT(folder.read(name + ".app/Contents/Resources/Settings.plist"), HasSubstr("Tavrin 9.app"));
 }
 
 TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
+    const std::string feed =
+        "<rss xmlns:s='urn:feed'><channel><item><enclosure s:version='9.9'/></item></channel>"
+        "</rss>";
     start();
-    EXPECT_FALSE(command("checkForUpdates").isVisible());
-    command("showPreferencesDialog").trigger();
+    QAction& check = command("checkForUpdates");
+    EXPECT_FALSE(check.isVisible());
+    trigger("showPreferencesDialog");
     auto* contents = find<QListWidget>("preferencesContents");
     contents->setCurrentItem(contents->findItems("Updates", Qt::MatchExactly).value(0));
-    EXPECT_FALSE(find<QPushButton>("checkForUpdatesNow")->isEnabled());
-    type("SUFeedURL", "feed.xml");
-    find<QLineEdit>("SUFeedURL")->editingFinished();
-    EXPECT_FALSE(find("feedProblem")->isHidden());
-    EXPECT_FALSE(find<QPushButton>("checkForUpdatesNow")->isEnabled());
-
-    type("SUFeedURL", QString::fromStdString(folder.write("feed.xml", feed("9.9"))));
-    find<QLineEdit>("SUFeedURL")->editingFinished();
-    EXPECT_TRUE(find("feedProblem")->isHidden());
-    EXPECT_TRUE(command("checkForUpdates").isVisible());
-    find<QPushButton>("checkForUpdatesNow")->click();
-    EXPECT_EQ(alertTitle(), "Tavrin 9.9 is available.");
+    const auto* now = find<QPushButton>("checkForUpdatesNow");
+    EXPECT_FALSE(now->isEnabled());
+    auto* address = find<QLineEdit>("SUFeedURL");
+    for (const bool isGood : {false, true}) {
+        type("SUFeedURL", isGood ? QString::fromStdString(folder.write("feed.xml", feed)) : "feed.xml");
+        address->editingFinished();
+        EXPECT_EQ(find("feedProblem")->isHidden(), isGood);
+        EXPECT_EQ(now->isEnabled(), isGood);
+    }
+    EXPECT_TRUE(check.isVisible());
+    click("checkForUpdatesNow");
+    EXPECT_THAT(close("alert"), StartsWith("Tavrin 9.9 is available.|"));
 
     auto* interval = find<QComboBox>("SUScheduledCheckInterval");
     EXPECT_EQ(interval->currentText(), "every day");
@@ -111,37 +84,66 @@ TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     EXPECT_EQ(UserDefaults::sharedInstance().integerForKey("SUScheduledCheckInterval"), 0);
 
     // What is still being typed counts when the window goes.
-    find<QLineEdit>("SUFeedURL")->clear();
+    address->clear();
     find<QDialog>("preferencesWindow")->reject();
     waitUntilGone("preferencesWindow");
     EXPECT_FALSE(UserDefaults::sharedInstance().objectForKey("SUFeedURL"));
-    EXPECT_FALSE(command("checkForUpdates").isVisible());
+    EXPECT_FALSE(check.isVisible());
+}
+
+// Over a user's folders, with the file managers that are among the programs.
+TEST_F(SupportServicesTest, FileManagersGetEntriesAndLoseThem) {
+    const TemporaryFolder user;
+    const Variable userData("XDG_DATA_HOME", user.path("data").c_str());
+    const Variable configuration("XDG_CONFIG_HOME", user.path("config").c_str());
+    const Variable sharedData("XDG_DATA_DIRS", user.path("shared").c_str());
+    const Variable programs("PATH", user.path("bin").c_str());
+    for (const char* fileManager : {"thunar", "nautilus", "dolphin"})
+        ASSERT_EQ(::chmod(user.write(std::string("bin/") + fileManager).c_str(), 0755), 0);
+    user.write("shared/kio/servicemenus/net.calderwick.tavrin.desktop");
+    user.write("config/Thunar/uca.xml", "<actions>");
+    FileManagerMenus menus("/opt/bin/tavrin");
+    FileManagerMenus::setSharedInstance(&menus);
+    start();
+    trigger("showPreferencesDialog");
+    (void)waitFor("preferencesWindow");
+    const auto state = [this](const char* name) { return find<QLabel>(name)->text().toStdString(); };
+    EXPECT_EQ(findWidget("menuStateOfNemo"), nullptr);
+    EXPECT_EQ(state("menuStateOfNautilus"), "no entry");
+    EXPECT_EQ(state("menuStateOfDolphin"), "in the menu, for all users");
+    EXPECT_EQ(state("menuStateOfThunar"), "not Tavrin's to change");
+    EXPECT_FALSE(find("removeFromMenus")->isEnabled());
+    find<QPushButton>("forceServicesMenuUpdate")->click();
+    EXPECT_THAT(state("menuFailures"), HasSubstr("uca.xml\" is left alone: it is no list of actions"));
+    EXPECT_EQ(user.read("config/Thunar/uca.xml"), "<actions>");
+    EXPECT_EQ(menus.state(FileManagerKind::nautilus), MenuState::present);
+    EXPECT_EQ(state("menuStateOfNautilus"), "in the menu");
+    user.remove("config/Thunar/uca.xml");
+    find<QPushButton>("forceServicesMenuUpdate")->click();
+    EXPECT_EQ(state("menuStateOfThunar"), "in the menu");
+    EXPECT_FALSE(find("forceServicesMenuUpdate")->isEnabled());
+    find<QPushButton>("removeFromMenus")->click();
+    EXPECT_EQ(menus.state(FileManagerKind::nautilus), MenuState::absent);
+    EXPECT_EQ(state("menuStateOfThunar"), "no entry");
 }
 
 /// Answers each request with what stands under its path; one without an answer is left hanging.
-class Server {
+class Server : public QTcpServer {
   public:
     Server() {
-        server.listen(QHostAddress::LocalHost);
-        QObject::connect(&server, &QTcpServer::newConnection, &server, [this] {
-            QTcpSocket* socket = server.nextPendingConnection();
-            QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                const QList<QByteArray> words = socket->readAll().split(' ');
-                const auto answer = answers.find(words.value(1).toStdString());
-                if (answer == answers.end())
-                    return;
-                socket->write(QByteArray::fromStdString("HTTP/1.1 " + answer->second));
-                socket->disconnectFromHost();
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, [this] {
+            QTcpSocket* socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, [this, socket] {
+                if (const auto answer = answers.find(socket->readAll().split(' ').value(1).toStdString());
+                    answer != answers.end()) {
+                    socket->write(QByteArray::fromStdString("HTTP/1.1 " + answer->second));
+                    socket->disconnectFromHost();
+                }
             });
         });
     }
-    [[nodiscard]] std::string address(const std::string& path) const {
-        return "http://127.0.0.1:" + std::to_string(server.serverPort()) + path;
-    }
     std::map<std::string, std::string> answers;
-
-  private:
-    QTcpServer server;
 };
 
 TEST_F(SupportServicesTest, FetchesNoMoreThanItShould) {
@@ -158,16 +160,15 @@ TEST_F(SupportServicesTest, FetchesNoMoreThanItShould) {
         {"/endless", "200 OK\r\n\r\n" + std::string(100'000, 'x')},
     };
     AddressFetcher fetcher(std::chrono::milliseconds(1500));
-    const std::vector<std::pair<const char*, std::optional<std::string>>> cases{
-        {"/feed", "hello"},         {"/moved", "hello"},        {"/round", std::nullopt},
-        {"/tofile", std::nullopt},  {"/none", std::nullopt},    {"/empty", std::nullopt},
-        {"/toolong", std::nullopt}, {"/endless", std::nullopt}, {"/hanging", std::nullopt}};
-    for (const auto& [path, bytes] : cases) {
+    for (const std::string path :
+         {"/feed", "/moved", "/round", "/tofile", "/none", "/empty", "/toolong", "/endless", "/hanging"}) {
         std::optional<FetchedAddress> answer;
-        fetcher.fetch(server.address(path), 1000, [&answer](FetchedAddress got) { answer = std::move(got); });
+        fetcher.fetch("http://127.0.0.1:" + std::to_string(server.serverPort()) + path, 1000,
+                      [&answer](FetchedAddress got) { answer = std::move(got); });
         waitUntil(path, [&answer] { return answer.has_value(); });
-        EXPECT_EQ(answer->bytes, bytes) << path;
-        EXPECT_NE(answer->error.empty(), !bytes) << path;
+        const bool isFetched = path == "/feed" || path == "/moved";
+        EXPECT_EQ(answer->bytes, isFetched ? std::optional<std::string>("hello") : std::nullopt) << path;
+        EXPECT_EQ(answer->error.empty(), isFetched) << path;
     }
 }
 
@@ -176,28 +177,27 @@ TEST_F(SupportServicesTest, AStackFillsItsScrollAreaAndFollowsItsViews) {
     area.setFrameShape(QFrame::NoFrame);
     area.setWidgetResizable(true);
     auto* stack = new StackedView;
-    auto* top = new QWidget;
-    auto* flexible = new QWidget;
-    auto* bottom = new QWidget;
-    top->setFixedHeight(40);
-    bottom->setFixedHeight(60);
-    stack->addViewAtBottom(top);
-    stack->addFlexiView(flexible, 100);
-    stack->addViewAtBottom(bottom);
-    stack->addViewAtBottom(top);
-    EXPECT_EQ(stack->views(), (std::vector<QWidget*>{top, flexible, bottom}));
+    QWidget top;
+    QWidget flexible;
+    QWidget bottom;
+    top.setFixedHeight(40);
+    bottom.setFixedHeight(60);
+    stack->addViewAtBottom(&top);
+    stack->addFlexiView(&flexible, 100);
+    stack->addViewAtBottom(&bottom);
+    stack->addViewAtBottom(&top);
+    EXPECT_EQ(stack->views(), (std::vector<QWidget*>{&top, &flexible, &bottom}));
     area.setWidget(stack);
     area.resize(200, 300);
     area.show();
-    waitUntil("the first layout", [&] { return flexible->geometry() == QRect(0, 40, 200, 192); });
-    EXPECT_EQ(bottom->geometry(), QRect(0, 232, 200, 60));
-    top->setFixedHeight(150);
+    waitUntil("the first layout", [&] { return flexible.geometry() == QRect(0, 40, 200, 192); });
+    EXPECT_EQ(bottom.geometry(), QRect(0, 232, 200, 60));
+    top.setFixedHeight(150);
     waitUntil("room for the taller view",
-              [&] { return stack->height() == 310 && flexible->y() == 150 && flexible->height() == 100; });
-    stack->removeView(bottom);
-    waitUntil("the space of the removed view", [&] { return flexible->height() == 142; });
-    EXPECT_EQ(bottom->parent(), nullptr);
-    delete bottom;
+              [&] { return stack->height() == 310 && flexible.y() == 150 && flexible.height() == 100; });
+    stack->removeView(&bottom);
+    waitUntil("the space of the removed view", [&] { return flexible.height() == 142; });
+    EXPECT_EQ(bottom.parent(), nullptr);
 }
 
 } // namespace

@@ -1,54 +1,32 @@
 #include "presentation/WindowFixture.h"
 
 #include "actions/ActionList.h"
-#include "actions/CompositeRenameAction.h"
-#include "presentation/MainWindow.h"
-#include "presentation/preview/PreviewTableModel.h"
-#include "shell/MainController.h"
 #include "support/text/Text.h"
-
-#include <QAbstractButton>
-#include <QAction>
-#include <QApplication>
-#include <QLineEdit>
-#include <QTableView>
-#include <QTest>
-#include <algorithm>
-#include <filesystem>
 
 namespace tavrin::test {
 
-namespace {
+static constexpr int patience = 10000; // milliseconds
 
-constexpr int patience = 10000; // milliseconds
-
-} // namespace
-
-WindowFixture::WindowFixture() = default;
-
-WindowFixture::~WindowFixture() = default;
-
-void WindowFixture::start(const std::vector<std::string>& paths) {
+void WindowFixture::make(const std::string& dataFolder) {
     TavrinApplication::Options options;
-    options.defaultsPath = data.path() + "/defaults.plist";
-    options.dataFolder = data.path();
+    options.dataFolder = dataFolder.empty() ? data.path() : dataFolder;
+    options.defaultsPath = options.dataFolder + "/defaults.plist";
+    application.reset(); // two can't be there at once
     application = std::make_unique<TavrinApplication>(options);
-    application->start(paths);
-    waitForPreview();
 }
 
-void WindowFixture::restart() {
-    application->controller().saveUserDefaults();
-    application.reset();
-    start();
+void WindowFixture::start(const std::vector<std::string>& paths) {
+    make();
+    application->start(paths);
+    waitForPreview();
 }
 
 std::string WindowFixture::makeFile(const std::string& name, const std::string& content) {
     return folder.write(name, content);
 }
 
-std::vector<std::string> WindowFixture::filesOnDisk() const {
-    std::vector<std::string> names;
+WindowFixture::Names WindowFixture::filesOnDisk() const {
+    Names names;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
         names.push_back(entry.path().filename().string());
     std::ranges::sort(names);
@@ -71,7 +49,7 @@ void WindowFixture::click(const char* name) {
 }
 
 void WindowFixture::type(const char* name, const QString& text) {
-    QWidget* field = find(name);
+    auto* field = find(name);
     field->setFocus();
     QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(field, Qt::Key_Delete);
@@ -85,30 +63,37 @@ QAction& WindowFixture::command(const char* name) {
     return *action;
 }
 
+void WindowFixture::set(const char* setting, int value) {
+    controller().globalSettings().setValue(value, setting);
+}
+
 void WindowFixture::chooseAction(const std::string& name) {
     const auto index = ActionList::sharedActionList().popUpMenuIndexForName(name);
     ASSERT_TRUE(index) << name;
-    application->controller().actionListCommands().chooseAction(*index);
+    controller().actionListCommands().chooseAction(*index);
 }
 
-BaseRenameAction& WindowFixture::currentAction() {
-    return application->controller().compositeAction().getCurrentAction();
-}
+BaseRenameAction& WindowFixture::currentAction() { return controller().compositeAction().getCurrentAction(); }
 
 PreviewTableModel& WindowFixture::model() {
     return dynamic_cast<PreviewTableModel&>(*find<QTableView>("previewTableView")->model());
 }
 
-std::vector<std::string> WindowFixture::newNames() {
-    std::vector<std::string> names;
+WindowFixture::Names WindowFixture::listed(std::u16string PreviewList::Row::*name) {
+    Names result;
     for (int row = 0; row < model().rowCount(); ++row)
-        names.push_back(text::toUtf8(model().rowAt(row).finalName));
-    return names;
+        result.push_back(text::toUtf8(model().rowAt(row).*name));
+    return result;
 }
 
 void WindowFixture::waitUntil(const std::string& what, const std::function<bool()>& condition) {
     if (!QTest::qWaitFor(condition, patience))
         throw std::runtime_error("waited in vain until " + what);
+}
+
+void WindowFixture::waitForText(const char* name, const QString& text) {
+    (void)QTest::qWaitFor([&] { return find(name)->property("text") == text; }, patience);
+    EXPECT_EQ(find(name)->property("text").toString().toStdString(), text.toStdString());
 }
 
 void WindowFixture::waitUntilGone(const char* name) {
@@ -118,16 +103,49 @@ void WindowFixture::waitUntilGone(const char* name) {
     });
 }
 
+static std::string toldBy(const QMessageBox& box) {
+    return (box.text() + '|' + box.informativeText()).toStdString();
+}
+
+std::string WindowFixture::close(const char* name) {
+    auto* dialog = waitFor<QDialog>(name);
+    const auto* box = dynamic_cast<QMessageBox*>(dialog);
+    std::string told = box ? toldBy(*box) : "";
+    dialog->accept();
+    waitUntilGone(name);
+    return told;
+}
+
+WindowFixture::End WindowFixture::runToTheEnd(const std::function<void()>& user) {
+    std::string told;
+    QTimer often;
+    QObject::connect(&often, &QTimer::timeout, [&] {
+        user();
+        auto* alert = dynamic_cast<QMessageBox*>(findWidget("alert"));
+        if (!alert || !alert->isVisible() || !alert->isEnabled())
+            return;
+        told = toldBy(*alert);
+        alert->close();
+    });
+    often.start(1);
+    QTimer watchdog;
+    QObject::connect(&watchdog, &QTimer::timeout, [] {
+        ADD_FAILURE() << "the event loop did not end";
+        QCoreApplication::exit(-1);
+    });
+    watchdog.start(patience);
+    return {QApplication::exec(), told};
+}
+
 void WindowFixture::waitForPreview() {
-    application->controller().previewControl().firePendingPreview();
+    controller().previewControl().firePendingPreview();
     waitUntil("the preview is done", [this] {
-        return !application->controller().previewControl().isPreviewPending() &&
-               !application->controller().renameEngine().isBusy();
+        return !controller().previewControl().isPreviewPending() && !controller().renameEngine().isBusy();
     });
 }
 
-void WindowFixture::waitForNames(const std::vector<std::string>& names) {
-    application->controller().previewControl().firePendingPreview();
+void WindowFixture::waitForNames(const Names& names) {
+    controller().previewControl().firePendingPreview();
     (void)QTest::qWaitFor([&] { return newNames() == names; }, patience);
     EXPECT_EQ(newNames(), names);
 }

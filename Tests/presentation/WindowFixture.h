@@ -1,24 +1,18 @@
 #pragma once
 
+#include "actions/CompositeRenameAction.h"
 #include "common/TemporaryFolder.h"
+#include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/propertylists/UserDefaults.h"
+#include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
+#include "presentation/preview/PreviewTableModel.h"
+#include "shell/MainController.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <QString>
-#include <QWidget>
-#include <functional>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-class QAction;
-
-namespace tavrin {
-class BaseRenameAction;
-class PreviewTableModel;
-} // namespace tavrin
+#include <QtTest>
+#include <QtWidgets>
 
 namespace tavrin::test {
 
@@ -26,15 +20,15 @@ namespace tavrin::test {
 /// are made in a folder of their own.
 class WindowFixture : public ::testing::Test {
   protected:
-    WindowFixture();
-    ~WindowFixture() override;
+    using Names = std::vector<std::string>;
 
+    /// The application before its start, with its data in another folder where one is named.
+    void make(const std::string& dataFolder = {});
     void start(const std::vector<std::string>& paths = {});
-    /// Ends the application and starts it anew over the same folders.
-    void restart();
+    [[nodiscard]] MainController& controller() { return application->controller(); }
 
     std::string makeFile(const std::string& name, const std::string& content = "x");
-    [[nodiscard]] std::vector<std::string> filesOnDisk() const;
+    [[nodiscard]] Names filesOnDisk() const;
 
     /// A widget of the window, or of any dialog, by its object name. Where there is none, the test fails and
     /// ends, as in what follows.
@@ -51,11 +45,14 @@ class WindowFixture : public ::testing::Test {
 
     /// A command of the window by the operation that it stands for.
     [[nodiscard]] QAction& command(const char* name);
+    void trigger(const char* name) { command(name).trigger(); }
+    void set(const char* setting, int value);
     void chooseAction(const std::string& name);
     [[nodiscard]] BaseRenameAction& currentAction();
     [[nodiscard]] PreviewTableModel& model();
-    /// The new names of the list, top down.
-    [[nodiscard]] std::vector<std::string> newNames();
+    /// The names of the list, top down, and what they become.
+    [[nodiscard]] Names names() { return listed(&PreviewList::Row::name); }
+    [[nodiscard]] Names newNames() { return listed(&PreviewList::Row::finalName); }
 
     /// Runs the event loop until the condition holds, for ten seconds at most.
     static void waitUntil(const std::string& what, const std::function<bool()>& condition);
@@ -67,12 +64,26 @@ class WindowFixture : public ::testing::Test {
         });
         return find<Widget>(name);
     }
+    /// Until a label or button says this.
+    void waitForText(const char* name, const QString& text);
     /// Until it is gone.
     static void waitUntilGone(const char* name);
+    /// Closes a dialog as soon as it is there. Gives what an alert has told: its title, "|" and its text.
+    std::string close(const char* name);
+    /// How a run of the event loop ended, and what the last alert told on the way, as close() gives it.
+    struct End {
+        int status;
+        std::string told;
+    };
+    /// Runs the event loop as the program does, until it ends by itself, with a user who does this again and
+    /// again and closes alerts.
+    End runToTheEnd(const std::function<void()>& user);
     /// Until no preview is due or under way any more; one that is due comes at once.
     void waitForPreview();
     /// Until the list shows these new names.
-    void waitForNames(const std::vector<std::string>& names);
+    void waitForNames(const Names& names);
+
+    Names listed(std::u16string PreviewList::Row::*name);
 
     TemporaryFolder data;
     TemporaryFolder folder;

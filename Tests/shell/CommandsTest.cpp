@@ -1,5 +1,8 @@
+#include "engine/history/RunHistory.h"
 #include "platform/propertylists/PropertyList.h"
 #include "shell/ShellFixture.h"
+
+#include <filesystem>
 
 namespace tavrin::test {
 namespace {
@@ -29,7 +32,6 @@ TEST_F(CommandsTest, StepsComeAndGoAndTheCurrentOneIsTheNearest) {
     };
     commands().addAction();
     EXPECT_EQ(left(), "1, Add to end, Add to end, Replace text, Remove text");
-    EXPECT_EQ(controller().compositeAction().getCurrentAction().getParamString("string"), u"X");
     commands().moveAction(1, 3);
     EXPECT_EQ(left(), "3, Add to end, Replace text, Remove text, Add to end");
     commands().resetToDefaults();
@@ -73,11 +75,12 @@ TEST_F(CommandsTest, TheListOfStepsShowsHidesAndKeepsItsWidth) {
 
 TEST_F(CommandsTest, APresetOfTheMenuShowsItsSteps) {
     startWith({{three[0], {}}}, 0);
-    (void)data.write("Data/Presets/a.tvrn8preset.plist",
-                     PropertyList::toXml(
-                         PropertyDictionary{{"compositeAction", chain({{three[1], {}}, {three[2], {}}})}}));
-    (void)data.write("Data/Presets/b.tvrn8preset.plist",
-                     PropertyList::toXml(PropertyDictionary{{"compositeAction", chain({{"Fly", {}}})}}));
+    const auto save = [this](const char* name, const std::vector<Step>& steps) {
+        (void)data.write("Data/Presets/" + std::string(name) + ".tvrn8preset.plist",
+                         PropertyList::toXml(PropertyDictionary{{"compositeAction", chain(steps)}}));
+    };
+    save("a", {{three[1], {}}, {three[2], {}}});
+    save("b", {{"Fly", {}}});
     controller().presetsManager().loadPresets();
     controller().updatePresetsMenu();
     EXPECT_EQ(frontEnd.events.back(), "fillPresetMenu 2");
@@ -126,27 +129,65 @@ TEST_F(CommandsTest, TheFilePanelStartsWhereItWasLast) {
     EXPECT_TRUE(controller().previewControl().isPreviewPending());
 }
 
-TEST_F(CommandsTest, OnlyWhatWasAddedCanBeRemoved) {
+TEST_F(CommandsTest, ARunIsTakenBackWhenTheUserSaysSoAndTheListFollows) {
+    options.history = {data.path("runs"), "window"};
     start();
-    setSteps({{"Add to end", {}}});
-    set("processSubfolders", 1);
-    (void)files.write("folder/in");
-    controller().addFilePaths({files.path("folder"), files.write("z")}, true);
+    setSteps({{"Make uppercase", {{"fragmentSelection", 0}}}});
+    add({"box/a", "box/b"});
+    rename();
+    TakeBackCommands& takeBacks = controller().takeBackCommands();
+    const auto takeBack = [&](RunKind kind) {
+        takeBacks.takeBack(kind);
+        takeBacks.takeBack(kind); // a question at a time
+        waitUntilIdle();
+        waitUntilIdle();
+        EXPECT_TRUE(frontEnd.isScriptOver());
+    };
+    EXPECT_EQ(takeBacks.description(RunKind::undo), "Undo Rename of 2 Items in box");
+    EXPECT_EQ(takeBacks.description(RunKind::redo), "");
+    frontEnd.expect("take back Undo Rename of 2 Items in box?", false);
+    takeBack(RunKind::undo);
+    ASSERT_TRUE(frontEnd.takeBack);
+    EXPECT_EQ(frontEnd.takeBack->rows.size(), 2U);
+    EXPECT_EQ(frontEnd.takeBack->rows.front().newName, u"a");
+    EXPECT_TRUE(files.kind("box/A"));
+    frontEnd.expect("take back Undo Rename of 2 Items in box?", true);
+    frontEnd.expect("alert summary");
+    takeBack(RunKind::undo);
+    EXPECT_EQ(frontEnd.alerts.back().title, "2 file names were changed.");
+    EXPECT_TRUE(files.kind("box/a") && files.kind("box/b") && !files.kind("box/A"));
     waitForPreview();
-    ASSERT_THAT(table(), ElementsAre("folder > folder", "in > in", "z > z"));
-    const std::vector<RowId> rows = controller().nodeController().arrangedObjects();
-    SourceCommands& sources = controller().sourceCommands();
-    EXPECT_FALSE(sources.canRemove({rows[1]}));
-    EXPECT_TRUE(sources.canRemove({rows[1], rows[2]}));
-    controller().removeFile({rows[1]});
-    EXPECT_TRUE(controller().previewControl().isPreviewPending());
-    waitForPreview();
-    EXPECT_EQ(table().size(), 3u);
-    controller().removeFile({rows[0], rows[1]});
-    waitForPreview();
-    EXPECT_THAT(table(), ElementsAre("z > z"));
-    EXPECT_FALSE(controller().nodeController().rowWithId(rows[0]));
-    EXPECT_FALSE(sources.canRemove({rows[0]}));
+    EXPECT_THAT(table(), ElementsAre("a > A", "b > B"));
+    EXPECT_EQ(takeBacks.description(RunKind::redo), "Redo Rename of 2 Items in box");
+    // Nothing more to undo is said, not passed over.
+    frontEnd.expect("alert nothingToTakeBack");
+    takeBacks.takeBack(RunKind::undo);
+    waitUntilIdle();
+    EXPECT_EQ(RunHistory(options.history.folder).runs().front().heading.who, "window");
+}
+
+TEST_F(CommandsTest, AnInterruptedRunIsToldAtTheStart) {
+    options.history = {data.path("runs"), "window"};
+    start();
+    setSteps({{"Make uppercase", {{"fragmentSelection", 0}}}});
+    add({"box/a", "box/b"});
+    rename();
+    const std::string record =
+        "runs/" +
+        std::filesystem::path(RunHistory(data.path("runs")).runs().front().path).filename().string();
+    const std::string text = data.read(record);
+    data.write(record, text.substr(0, text.rfind("done\t")));
+    std::filesystem::rename(files.path("box/B"), files.path("box/b"));
+    frontEnd.expect("alert interruptedRun", AlertAnswer{1});
+    frontEnd.expect("take back Finish Rename in box?", true);
+    frontEnd.expect("alert summary");
+    TakeBackCommands& takeBacks = controller().takeBackCommands();
+    takeBacks.tellInterruptedRun();
+    waitUntilIdle();
+    waitUntilIdle();
+    EXPECT_TRUE(files.kind("box/A") && files.kind("box/B"));
+    takeBacks.tellInterruptedRun(); // seen to: no word of it
+    waitUntilIdle();
 }
 
 } // namespace

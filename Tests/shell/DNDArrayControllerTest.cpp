@@ -3,13 +3,9 @@
 #include "ShellFixture.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <filesystem>
 
 namespace tavrin::test {
-
 namespace {
 
 using Place = DNDArrayController::Place;
@@ -18,14 +14,11 @@ using ::testing::ElementsAreArray;
 
 class DNDArrayControllerTest : public ShellFixture {
   protected:
-    void startWith(const std::vector<std::string>& names) {
-        start();
+    DNDArrayControllerTest() {
         for (const char* key : {"showManualSortingAlert", "showManualSortingSortBasedActionAlert"})
             defaults.setObject(key, false);
-        for (const std::string& name : names)
-            paths.push_back(files.write(name));
-        controller().addFilePaths(paths, true);
-        waitForPreview();
+        start();
+        setSteps({{"Add to end", {}}});
     }
     DNDArrayController& dragging() { return controller().dndArrayController(); }
     std::vector<std::string> names() {
@@ -36,11 +29,8 @@ class DNDArrayControllerTest : public ShellFixture {
     }
     RowId idOf(const std::string& name) {
         const std::vector<std::string> all = names();
-        const auto found = std::ranges::find(all, name);
-        return found == all.end() ? noRow
-                                  : controller()
-                                        .nodeController()
-                                        .arrangedObjects()[static_cast<std::size_t>(found - all.begin())];
+        const auto found = static_cast<std::size_t>(std::ranges::find(all, name) - all.begin());
+        return found == all.size() ? noRow : controller().nodeController().arrangedObjects()[found];
     }
     std::vector<RowId> idsOf(const std::vector<std::string>& wanted) {
         std::vector<RowId> ids;
@@ -48,9 +38,6 @@ class DNDArrayControllerTest : public ShellFixture {
             ids.push_back(idOf(name));
         return ids;
     }
-    bool isAutomatic() { return controller().globalSettings().values().automaticSorting; }
-
-    std::vector<std::string> paths;
 };
 
 /// The rows are told by their ids, so it does not matter which of them are on show.
@@ -70,16 +57,16 @@ TEST_F(DNDArrayControllerTest, PutsDraggedRowsAtThePlaceOfTheDrop) {
                           {{"b"}, "b", true, {"a", "b", "c", "d"}},
                           {{"a", "b", "c", "d"}, "c", false, {"a", "b", "c", "d"}},
                           {{"a", "d"}, "", false, {"b", "c", "a", "d"}}};
-    startWith({"a", "b", "c", "d"});
+    add({"a", "b", "c", "d"});
     for (const Case& each : cases) {
-        SCOPED_TRACE(fmt::format("{} to {}", each.dragged.front(), each.row));
+        SCOPED_TRACE(each.dragged.front() + " to " + each.row);
         set("automaticSorting", true);
         waitForPreview();
         ASSERT_THAT(names(), ElementsAre("a", "b", "c", "d"));
         ASSERT_TRUE(dragging().writeRows(idsOf(each.dragged)));
         dragging().acceptRows({idOf(each.row), each.isBehind});
         EXPECT_THAT(names(), ElementsAreArray(each.order));
-        EXPECT_FALSE(isAutomatic());
+        EXPECT_FALSE(controller().globalSettings().values().automaticSorting);
         // The end of the same drag removes nothing, and the next preview keeps the order.
         EXPECT_FALSE(dragging().deleteRowsIfAppropriate());
         waitForPreview();
@@ -89,6 +76,7 @@ TEST_F(DNDArrayControllerTest, PutsDraggedRowsAtThePlaceOfTheDrop) {
     const RowId gone = idOf("b");
     controller().removeFile({gone});
     waitForPreview();
+    EXPECT_FALSE(controller().sourceCommands().canRemove({gone}));
     dragging().insertRows(idsOf({"a"}), {gone});
     EXPECT_THAT(names(), ElementsAre("c", "a", "d"));
     dragging().insertRows({gone, idOf("d")}, {idOf("c")});
@@ -96,41 +84,36 @@ TEST_F(DNDArrayControllerTest, PutsDraggedRowsAtThePlaceOfTheDrop) {
 }
 
 TEST_F(DNDArrayControllerTest, RemovesWhatIsDraggedOutAndSaysWhatStays) {
-    startWith({"a", "folder/inside"});
-    controller().clearPreview();
     set("processSubfolders", 1);
-    set("processFolders", 1);
-    controller().addFilePaths({paths.front(), files.path("folder")}, true);
-    waitForPreview();
-    ASSERT_THAT(names(), ::testing::UnorderedElementsAre("a", "folder", "inside"));
+    (void)files.write("folder/inside");
+    controller().addFilePaths({files.path("folder")}, true);
+    add({"z"});
     // Given up: nothing happens.
-    ASSERT_TRUE(dragging().writeRows(idsOf({"a"})));
+    ASSERT_TRUE(dragging().writeRows(idsOf({"z"})));
     dragging().cancelDrag();
     EXPECT_FALSE(dragging().deleteRowsIfAppropriate());
-
-    frontEnd.expect("alert itemsNotRemoved");
-    ASSERT_TRUE(dragging().writeRows(idsOf({"inside"})));
-    EXPECT_FALSE(dragging().deleteRowsIfAppropriate());
-    EXPECT_TRUE(frontEnd.isScriptOver());
-    EXPECT_EQ(frontEnd.alerts.back().title, "Some items could not be removed.");
+    struct Case {
+        std::vector<std::string> dragged;
+        bool removes;
+        bool isToldOfOthers;
+        std::vector<std::string> left;
+    };
+    for (const Case& each : {Case{{"inside"}, false, true, {"folder", "inside", "z"}},
+                             {{"z", "inside"}, true, true, {"folder", "inside"}},
+                             {{"folder"}, true, false, {}}}) {
+        SCOPED_TRACE(each.dragged.front());
+        EXPECT_EQ(controller().sourceCommands().canRemove(idsOf(each.dragged)), each.removes);
+        if (each.isToldOfOthers)
+            frontEnd.expect("alert itemsNotRemoved");
+        ASSERT_TRUE(dragging().writeRows(idsOf(each.dragged)));
+        EXPECT_EQ(dragging().deleteRowsIfAppropriate(), each.removes);
+        EXPECT_TRUE(frontEnd.isScriptOver());
+        waitForPreview();
+        EXPECT_THAT(names(), ElementsAreArray(each.left));
+    }
     EXPECT_EQ(frontEnd.alerts.back().text, "Items in subfolders cannot be removed individually.");
-    waitForPreview();
-    EXPECT_EQ(names().size(), 3U);
-
-    frontEnd.expect("alert itemsNotRemoved");
-    ASSERT_TRUE(dragging().writeRows(idsOf({"a", "inside"})));
-    EXPECT_TRUE(dragging().deleteRowsIfAppropriate());
-    EXPECT_TRUE(frontEnd.isScriptOver());
-    waitForPreview();
-    EXPECT_THAT(names(), ::testing::UnorderedElementsAre("folder", "inside"));
-
-    ASSERT_TRUE(dragging().writeRows(idsOf({"folder"})));
-    EXPECT_TRUE(dragging().deleteRowsIfAppropriate());
-    waitForPreview();
-    EXPECT_TRUE(names().empty());
-    EXPECT_TRUE(std::filesystem::exists(paths.front())); // files are never touched
+    EXPECT_TRUE(files.kind("z")); // files are never touched
 }
 
 } // namespace
-
 } // namespace tavrin::test

@@ -4,49 +4,58 @@
 namespace tavrin::test {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::Not;
+using ::testing::StartsWith;
+using Order = std::vector<SortDescriptor>;
 
 class PreviewControlTest : public ShellFixture {
   protected:
-    PreviewControl& preview() { return controller().previewControl(); }
+    void startWith(const std::vector<Step>& steps) {
+        start();
+        setSteps(steps);
+        waitForPreview();
+    }
     /// Whether what was done since the last look has asked for a preview.
     bool asksForPreview() {
-        const bool isPending = preview().isPreviewPending();
+        const bool isPending = controller().previewControl().isPreviewPending();
         waitForPreview();
         return isPending;
     }
-    const std::vector<SortDescriptor>& order() { return controller().nodeController().sortDescriptors(); }
-    void addFiles(const std::vector<std::string>& names) {
-        std::vector<std::string> paths;
-        for (const std::string& name : names)
-            paths.push_back(files.write(name));
-        controller().addFilePaths(paths, true);
-        waitForPreview();
+    const Order& order() { return controller().nodeController().sortDescriptors(); }
+    void select(int index) { controller().compositeAction().setCurrentActionIndex(index); }
+    void choose(const char* action) {
+        controller().actionListCommands().chooseAction(*catalogue.popUpMenuIndexForName(action));
     }
     BaseRenameAction& current() { return controller().compositeAction().getCurrentAction(); }
 };
 
-const std::vector<SortDescriptor> naturalOrder{{NodeKey::smartName, true}};
-const std::vector<SortDescriptor> manualOrder{{NodeKey::manualOrder, true}};
+const Order naturalOrder{{NodeKey::smartName, true}};
+const Order manualOrder{{NodeKey::manualOrder, true}};
 
 TEST_F(PreviewControlTest, ABurstOfChangesIsOneRequestThatComesAfterTheLast) {
     start();
+    EXPECT_TRUE(frontEnd.hiddenColumns[PreviewColumn::path]);
+    EXPECT_FALSE(frontEnd.hiddenColumns[PreviewColumn::currentName]);
     const int before = frontEnd.finishedPreviews;
-    for (int i = 0; i < 3; ++i) {
-        set("showPath", i % 2);
+    for (const char* key : {"showPath", "showCurrentName", "showPath"}) {
+        set(key, key == std::string("showPath"));
         loop.advance(std::chrono::milliseconds(200));
         EXPECT_EQ(frontEnd.finishedPreviews, before);
     }
-    waitForPreview();
+    EXPECT_TRUE(asksForPreview());
     EXPECT_EQ(frontEnd.finishedPreviews, before + 1);
-    EXPECT_FALSE(preview().isPreviewPending());
+    EXPECT_FALSE(asksForPreview());
+    EXPECT_FALSE(frontEnd.hiddenColumns[PreviewColumn::path]);
+    EXPECT_TRUE(frontEnd.hiddenColumns[PreviewColumn::currentName]);
 }
 
 TEST_F(PreviewControlTest, TheFunnelAnswersEachChangeAsItShould) {
-    start();
-    setSteps({{"Add to end", {}}, {"Produce numbered list", {}}, {"Replace text", {}}});
-    waitForPreview();
+    startWith({{"Add to end", {}}, {"Produce numbered list", {}}, {"Replace text", {}}});
     struct Case {
+        int at; ///< the step that is the current one, which changes nothing
         const char* what;
         std::function<void()> change;
         bool preview;
@@ -55,148 +64,114 @@ TEST_F(PreviewControlTest, TheFunnelAnswersEachChangeAsItShould) {
     CompositeRenameAction& composite = controller().compositeAction();
     ActionListCommands& commands = controller().actionListCommands();
     const std::vector<Case> cases{
-        {"setting", [&] { set("processSubfolders", 1); }, true, ""},
-        {"the same value again", [&] { set("processSubfolders", 1); }, true, ""},
-        {"last folder", [&] { set("lastAddDirectory", u"/tmp"); }, false, ""},
-        {"another step", [&] { composite.setCurrentActionIndex(1); }, false, "panel Produce numbered list"},
-        {"back", [&] { composite.setCurrentActionIndex(0); }, false, "panel Add to end"},
-        {"parameter of the step", [&] { current().setValue(u"X", "string"); }, true, ""},
-        {"parameter of another step", [&] { composite.actionAtIndex(2).setValue(u"a", "searchTerm"); }, true,
-         ""},
-        {"switched off", [&] { current().setValue(0, "active"); }, true, ""},
-        {"fragment of the step", [&] { composite.setFragmentSelection(2); }, true, ""},
-        {"step moved", [&] { commands.nudgeActionDown(); }, true, "panel Add to end"},
-        {"step moved at the end",
-         [&] {
-             composite.setCurrentActionIndex(2);
-             commands.nudgeActionDown();
-         },
-         false, "beep"},
-        {"step moved at the front",
-         [&] {
-             composite.setCurrentActionIndex(0);
-             commands.nudgeActionUp();
-         },
-         false, "beep"},
-        {"step added", [&] { commands.addAction(); }, true, "panel Produce numbered list"},
-        {"step removed", [&] { commands.removeAction(); }, true, "panel Produce numbered list"},
-        {"another action", [&] { commands.chooseAction(*catalogue.popUpMenuIndexForName("Remove text")); },
-         true, "panel Remove text"},
-        {"defaults", [&] { commands.resetToDefaults(); }, true, ""},
-        {"all but one removed", [&] { commands.clearActions(); }, true, "panel Remove text"},
-        {"invisible files",
-         [&] {
-             defaults.setObject("showInvisibles", true);
-             loop.runPosted();
-         },
-         true, ""},
-        {"another default",
-         [&] {
-             defaults.setObject("tagLibraryTabIndex", 1);
-             loop.runPosted();
-         },
-         false, ""},
-        {"run begins", [&] { controller().startProgressWindow(); }, true, "run begins"},
-        {"run ends", [&] { controller().stopProgressWindow(); }, true, "run ends"},
+        {0, "setting", [&] { set("processSubfolders", 1); }, true, ""},
+        {0, "the same value", [&] { set("processSubfolders", 1); }, true, ""},
+        {0, "last folder", [&] { set("lastAddDirectory", u"/tmp"); }, false, ""},
+        {0, "another step", [&] { select(1); }, false, "panel Produce numbered list"},
+        {0, "parameter", [&] { current().setValue(u"X", "string"); }, true, ""},
+        {0, "another's", [&] { composite.actionAtIndex(2).setValue(u"a", "searchTerm"); }, true, ""},
+        {0, "switched off", [&] { current().setValue(0, "active"); }, true, ""},
+        {0, "fragment", [&] { composite.setFragmentSelection(2); }, true, ""},
+        {0, "step moved", [&] { commands.nudgeActionDown(); }, true, "panel Add to end"},
+        {2, "moved at the end", [&] { commands.nudgeActionDown(); }, false, "beep"},
+        {0, "moved at the front", [&] { commands.nudgeActionUp(); }, false, "beep"},
+        {0, "step added", [&] { commands.addAction(); }, true, "panel Produce numbered list"},
+        {1, "step removed", [&] { commands.removeAction(); }, true, "panel Produce numbered list"},
+        {0, "another action", [&] { choose("Remove text"); }, true, "panel Remove text"},
+        {0, "defaults", [&] { commands.resetToDefaults(); }, true, ""},
+        {0, "all but one removed", [&] { commands.clearActions(); }, true, "panel Remove text"},
+        {0, "invisible files", [&] { defaults.setObject("showInvisibles", true); }, true, ""},
+        {0, "another default", [&] { defaults.setObject("tagLibraryTabIndex", 1); }, false, ""},
+        {0, "run begins", [&] { controller().startProgressWindow(); }, true, "run begins"},
+        {0, "run ends", [&] { controller().stopProgressWindow(); }, true, "run ends"},
     };
     for (const Case& each : cases) {
+        SCOPED_TRACE(each.what);
+        if (composite.getCurrentActionIndexAsInt() != each.at)
+            select(each.at);
         frontEnd.events.clear();
         each.change();
-        EXPECT_EQ(asksForPreview(), each.preview) << each.what;
+        loop.runPosted();
+        EXPECT_EQ(asksForPreview(), each.preview);
         if (*each.event)
-            EXPECT_THAT(frontEnd.events, ::testing::Contains(each.event)) << each.what;
+            EXPECT_THAT(frontEnd.events, Contains(each.event));
         else
-            EXPECT_THAT(frontEnd.events, ::testing::Not(::testing::Contains(::testing::StartsWith("panel"))))
-                << each.what;
+            EXPECT_THAT(frontEnd.events, Not(Contains(StartsWith("panel"))));
     }
 }
 
 TEST_F(PreviewControlTest, TheOrderOfTheListFollowsTheAction) {
-    start();
-    addFiles({"a"});
     const Step text{"Add to end", {{"string", u"X"}}};
-    const Step number{"Produce numbered list", {{"sortingMode", 3}, {"sortingMode2", 14}}};
-    setSteps({text, number, text});
-    waitForPreview();
+    startWith({text, {"Produce numbered list", {{"sortingMode", 3}, {"sortingMode2", 14}}}, text});
     EXPECT_EQ(order(), naturalOrder);
-    CompositeRenameAction& composite = controller().compositeAction();
-    const auto moveTo = [&](int index) {
-        composite.setCurrentActionIndex(index);
+    const Order byDate{{NodeKey::modDate, false}}; // a mode without an order is left out
+    const Order bySize{{NodeKey::size, true}};
+    const std::vector<std::pair<std::function<void()>, Order>> moves{
+        {[this] { select(1); }, byDate},
+        {[this] { select(2); }, naturalOrder},
+        {[this] { select(1); }, byDate},
+        {[this] { current().setValue(6, "sortingMode"); }, bySize},
+        {[this] { select(0); }, naturalOrder},
+        {[this] { select(2); }, naturalOrder},
+        {[this] { select(1); }, bySize},
+        // A numbering step that is replaced leaves natural order behind, although it is gone.
+        {[this] { choose("Remove text"); }, naturalOrder}};
+    for (std::size_t i = 0; i < moves.size(); ++i) {
+        moves[i].first();
         set("showPath", 0);
         waitForPreview();
-        return order();
-    };
-    const std::vector<SortDescriptor> byDate{{NodeKey::modDate, false}};
-    EXPECT_EQ(moveTo(1), byDate); // a mode without an order is left out
-    EXPECT_EQ(moveTo(2), naturalOrder);
-    EXPECT_EQ(moveTo(1), byDate);
-    current().setValue(6, "sortingMode");
-    waitForPreview();
-    EXPECT_EQ(order(), (std::vector<SortDescriptor>{{NodeKey::size, true}}));
-    // From text to text the order stays, whatever it is.
-    EXPECT_EQ(moveTo(0), naturalOrder);
-    EXPECT_EQ(moveTo(2), naturalOrder);
-    // A numbering step that is replaced leaves natural order behind, although it is gone.
-    EXPECT_EQ(moveTo(1), (std::vector<SortDescriptor>{{NodeKey::size, true}}));
-    controller().actionListCommands().chooseAction(*catalogue.popUpMenuIndexForName("Remove text"));
-    waitForPreview();
-    EXPECT_EQ(order(), naturalOrder);
+        EXPECT_EQ(order(), moves[i].second) << i;
+    }
 }
 
 TEST_F(PreviewControlTest, ManualSortingAsksOnceAndTurnsTheActionRound) {
-    start();
-    setSteps({{"Produce numbered list", {}}, {"Add to end", {}}});
-    waitForPreview();
+    startWith({{"Produce numbered list", {}}, {"Add to end", {}}});
+    const auto sortAutomatically = [this](bool isOn) {
+        controller().globalSettings().setAutomaticSorting(isOn);
+    };
     auto& numbering = dynamic_cast<SortBasedAction&>(current());
     frontEnd.expect("alert manualSorting", AlertAnswer{0, true});
-    controller().globalSettings().setAutomaticSorting(false);
+    sortAutomatically(false);
     EXPECT_TRUE(numbering.usingManualSorting());
-    EXPECT_THAT(frontEnd.alerts.back().text, ::testing::EndsWith("use the manual ordering."));
+    EXPECT_THAT(frontEnd.alerts.back().text, EndsWith("use the manual ordering."));
     EXPECT_TRUE(frontEnd.alerts.back().hasSuppressionBox);
     EXPECT_TRUE(asksForPreview());
     EXPECT_EQ(order(), manualOrder);
-
-    controller().globalSettings().setAutomaticSorting(true);
+    sortAutomatically(true);
     EXPECT_FALSE(numbering.usingManualSorting());
     waitForPreview();
-    controller().globalSettings().setAutomaticSorting(false); // the box was ticked
+    sortAutomatically(false); // the box was ticked
     EXPECT_TRUE(numbering.usingManualSorting());
 
     // An action without an order has a text and a memory of its own.
-    controller().globalSettings().setAutomaticSorting(true);
-    controller().compositeAction().setCurrentActionIndex(1);
+    sortAutomatically(true);
+    select(1);
     frontEnd.expect("alert manualSorting", AlertAnswer{0, false});
-    controller().globalSettings().setAutomaticSorting(false);
-    EXPECT_THAT(frontEnd.alerts.back().text, ::testing::EndsWith("bottom right of the preview list."));
+    sortAutomatically(false);
+    EXPECT_THAT(frontEnd.alerts.back().text, EndsWith("bottom right of the preview list."));
     EXPECT_TRUE(defaults.boolForKey("showManualSortingAlert"));
     EXPECT_FALSE(defaults.boolForKey("showManualSortingSortBasedActionAlert"));
     waitForPreview();
     EXPECT_EQ(order(), manualOrder);
-
     // Moving to a numbering step in manual order turns that one round too.
     numbering.deactivateManualSortingIfNecessary();
-    controller().compositeAction().setCurrentActionIndex(0);
+    select(0);
     EXPECT_TRUE(numbering.usingManualSorting());
 }
 
 TEST_F(PreviewControlTest, TheStatusLineCounts) {
-    start();
-    setSteps({{"Replace text", {{"searchTerm", u"a"}, {"replacementTerm", u"b"}}}});
-    waitForPreview();
-    EXPECT_EQ(status(), "Please add files to be renamed to preview table above.");
-    addFiles({"a1", "x2", "x3"});
+    startWith({{"Replace text", {{"searchTerm", u"a"}, {"replacementTerm", u"b"}}}});
+    add({"a1", "x2", "x3"});
     EXPECT_EQ(status(), "1 out of 3 items needs renaming.");
-    addFiles({"a4"});
+    add({"a4"});
     EXPECT_EQ(status(), "2 out of 4 items need renaming.");
-    set("processFiles", 0);
-    waitForPreview();
-    EXPECT_EQ(status(), "No files selected.");
-    EXPECT_TRUE(table().empty());
-    EXPECT_FALSE(controller().isRenameButtonEnabled());
-    set("processFiles", 1);
-    waitForPreview();
-    EXPECT_THAT(table(), ElementsAre("a1 > b1", "a4 > b4", "x2 > x2", "x3 > x3"));
-    EXPECT_TRUE(controller().isRenameButtonEnabled());
+    for (const bool isOn : {false, true}) {
+        set("processFiles", isOn);
+        waitForPreview();
+        EXPECT_EQ(status(), isOn ? "2 out of 4 items need renaming." : "No files selected.");
+        EXPECT_EQ(table().size(), isOn ? 4U : 0U);
+        EXPECT_EQ(controller().isRenameButtonEnabled(), isOn);
+    }
     controller().clearPreview();
     waitForPreview();
     EXPECT_EQ(status(), "Please add files to be renamed to preview table above.");
@@ -204,9 +179,8 @@ TEST_F(PreviewControlTest, TheStatusLineCounts) {
 }
 
 TEST_F(PreviewControlTest, ARefetchIsFreeWhileNothingOfItHasChanged) {
-    start();
-    setSteps({{"Add to end", {{"string", u"X"}}}});
-    addFiles({"a", "b"});
+    startWith({{"Add to end", {{"string", u"X"}}}});
+    add({"a", "b"});
     PreviewList& list = controller().nodeController();
     EXPECT_THAT(table(), ElementsAre("a > aX", "b > bX"));
     const std::uint64_t fetches = list.fetchCount();
@@ -214,34 +188,21 @@ TEST_F(PreviewControlTest, ARefetchIsFreeWhileNothingOfItHasChanged) {
     waitForPreview();
     EXPECT_THAT(table(), ElementsAre("a > aY", "b > bY"));
     EXPECT_EQ(list.fetchCount(), fetches);
-    addFiles({"c"});
-    EXPECT_THAT(table(), ElementsAre("a > aY", "b > bY", "c > cY"));
+    add({"c"});
+    EXPECT_EQ(table().back(), "c > cY");
     EXPECT_EQ(list.fetchCount(), fetches + 1);
     EXPECT_EQ(list.rowAt(3), std::nullopt);
-}
-
-TEST_F(PreviewControlTest, ColumnsShowAsSet) {
-    start();
-    EXPECT_TRUE(frontEnd.hiddenColumns[PreviewColumn::path]);
-    EXPECT_FALSE(frontEnd.hiddenColumns[PreviewColumn::currentName]);
-    EXPECT_TRUE(frontEnd.hiddenColumns[PreviewColumn::regex1]);
-    set("showPath", 1);
-    set("showCurrentName", 0);
-    waitForPreview();
-    EXPECT_FALSE(frontEnd.hiddenColumns[PreviewColumn::path]);
-    EXPECT_TRUE(frontEnd.hiddenColumns[PreviewColumn::currentName]);
 }
 
 TEST_F(PreviewControlTest, ALongRunBringsTheBarUp) {
     start();
     loop.advance(std::chrono::milliseconds(2000));
-    EXPECT_THAT(frontEnd.events, ::testing::Not(::testing::Contains("previewTab 0")));
     controller().progressInfo().updateIsDone(false);
     loop.runPosted();
     loop.advance(std::chrono::milliseconds(2500));
-    EXPECT_THAT(frontEnd.events, ::testing::Not(::testing::Contains("previewTab 0")));
+    EXPECT_THAT(frontEnd.events, Not(Contains("previewTab 0")));
     loop.advance(std::chrono::milliseconds(1600));
-    EXPECT_THAT(frontEnd.events, ::testing::Contains("previewTab 0"));
+    EXPECT_THAT(frontEnd.events, Contains("previewTab 0"));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "actions/ActionList.h"
 #include "common/ManualRunLoop.h"
+#include "common/Recipes.h"
 #include "common/ScriptedFrontEnd.h"
 #include "common/TemporaryFolder.h"
 #include "platform/propertylists/UserDefaults.h"
@@ -58,17 +59,6 @@ class ShellFixture : public ::testing::Test {
         frontEnd.events.clear();
     }
 
-    struct Step {
-        std::string action;
-        PropertyDictionary parameters;
-    };
-    static PropertyDictionary chain(const std::vector<Step>& steps) {
-        PropertyArray entries;
-        for (const Step& step : steps)
-            entries.emplace_back(PropertyDictionary{{"action name", text::fromUtf8(step.action)},
-                                                    {"action parameter list", step.parameters}});
-        return {{"composite actions array", std::move(entries)}, {"currentActionIndex", 0}};
-    }
     void setSteps(const std::vector<Step>& steps) {
         controller().compositeAction().setFlatParameterList(chain(steps));
     }
@@ -80,6 +70,23 @@ class ShellFixture : public ::testing::Test {
     }
     void set(const std::string& key, PropertyValue value) {
         controller().globalSettings().setValue(std::move(value), key);
+    }
+
+    /// Makes files with their names in them, puts them on the list and waits for the preview; their paths.
+    std::vector<std::string> add(const std::vector<std::string>& names) {
+        std::vector<std::string> paths;
+        for (const std::string& name : names)
+            paths.push_back(files.write(name, name));
+        controller().addFilePaths(paths, true);
+        waitForPreview();
+        return paths;
+    }
+    /// Renames what is listed and asks nothing, up to its report.
+    void rename() {
+        set("interactiveMode", 0);
+        frontEnd.expect("alert summary");
+        controller().ok();
+        waitUntilIdle();
     }
 
     /// Lets the preview delay pass and waits for what it sets off.

@@ -1,5 +1,6 @@
 #include "common/Variable.h"
 #include "documents/DropletBundle.h"
+#include "documents/RecipeFile.h"
 #include "platform/propertylists/PropertyList.h"
 #include "shell/ShellFixture.h"
 
@@ -7,19 +8,23 @@ namespace tavrin::test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 
 class StartSequenceTest : public ShellFixture {
   protected:
+    /// What a droplet leaves to the program: these parts besides its chain, its settings' file and its
+    /// version.
     void handOver(PropertyDictionary record) {
+        record.merge(PropertyDictionary{{"composite action", chain({{"Add to end", {{"string", u"X"}}}})},
+                                        {"settings plist path", u"/d/Settings.plist"},
+                                        {"Version", u"9.0.0"}});
         defaults.setProcessObject("droplet settings", std::move(record));
     }
-    PropertyDictionary record(const PropertyDictionary& settings = {}) {
-        return {{"composite action", chain({{"Add to end", {{"string", u"X"}}}})},
-                {"global settings", settings},
-                {"settings plist path", u"/d/Settings.plist"},
-                {"Version", u"9.0.0"}};
-    }
     void run() { controller().applicationDidFinishLaunching(); }
+    void runToTheEnd() {
+        run();
+        ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
+    }
     /// The next start of the same user.
     void restart() {
         endController();
@@ -28,55 +33,71 @@ class StartSequenceTest : public ShellFixture {
     }
 };
 
-TEST_F(StartSequenceTest, ANormalStartGoesInItsOrderAndAsksForTheFirstPreview) {
+TEST_F(StartSequenceTest, AFirstStartIsCleanAndALaterOneHasWhatTheEndHasStored) {
     defaults.removeObject("firstLaunchVersion");
     defaults.setObject("composite action", chain({{"Add to end", {}}})); // a first launch forgets it
     defaults.setProcessObject("store", 1);
     EXPECT_FALSE(controller().hasFinishedInitializing());
     run();
     EXPECT_TRUE(controller().hasFinishedInitializing());
-    EXPECT_EQ(controller().operationMode(), OperationMode::normal);
-    EXPECT_EQ(stepNames(), std::vector<std::string>{"Produce numbered list"});
+    EXPECT_THAT(stepNames(), ElementsAre("Produce numbered list"));
     EXPECT_TRUE(controller().previewControl().isPreviewPending());
     waitForPreview();
     EXPECT_EQ(frontEnd.finishedPreviews, 1);
     EXPECT_EQ(status(), "Please add files to be renamed to preview table above.");
     EXPECT_TRUE(data.kind("Data/Presets").has_value());
-}
 
-TEST_F(StartSequenceTest, ALaterStartHasWhatWasStored) {
-    defaults.setObject("composite action", chain({{"Add to end", {{"string", u"X"}}}, {"Remove text", {}}}));
-    defaults.setObject(
-        "actions", PropertyDictionary{{"TVRN global settings",
-                                       PropertyDictionary{{"multistep", 1}, {"automaticSorting", false}}}});
-    defaults.setObject("actionListSeparatorPosition", 220.0);
+    setSteps({{"Add to end", {{"string", u"X"}, {"active", 0}}}, {"Remove text", {{"active", 0}}}});
+    set("showPath", 1);
+    frontEnd.expect("alert manualSorting");
+    set("automaticSorting", false);
+    frontEnd.expect("alert noActiveActions");
+    controller().cancel();
+    EXPECT_FALSE(frontEnd.isTerminated);
+    controller().compositeAction().actionAtIndex(1).setValue(1, "active");
+    const PropertyDictionary steps = controller().compositeAction().getFlatParameterList();
+    controller().cancel();
+    EXPECT_TRUE(frontEnd.isTerminated);
+    controller().windowWillClose(); // on the way out ends nothing twice
+    EXPECT_EQ(defaults.integerForKey("version"), 80001);
+    restart();
     defaults.setObject("droplet settings", PropertyDictionary());
     start();
     EXPECT_EQ(controller().operationMode(), OperationMode::normal);
-    EXPECT_EQ(stepNames(), (std::vector<std::string>{"Add to end", "Remove text"}));
+    EXPECT_EQ(controller().compositeAction().getFlatParameterList(), steps);
+    EXPECT_EQ(controller().globalSettings().values().shouldShowPath, 1);
     EXPECT_TRUE(controller().globalSettings().values().automaticSorting);
     EXPECT_EQ(defaults.objectForKey("location"), PropertyValue(u"/opt/tavrin"));
 }
 
-TEST_F(StartSequenceTest, AStoredChainThatIsNoGoodIsToldAndTheStartGoesOn) {
-    defaults.setObject("composite action", chain({{"Fly", {}}}));
-    start();
-    ASSERT_EQ(frontEnd.presented.size(), 1u);
-    EXPECT_THAT(frontEnd.presented.front(), ::testing::HasSubstr("Fly"));
-    EXPECT_EQ(stepNames().size(), 1u);
+TEST_F(StartSequenceTest, AChainThatIsNoGoodIsToldRenamesNothingAndTheStartGoesOn) {
+    const PropertyDictionary bad = chain({{"Fly", {}}});
+    for (const bool isHandedOver : {false, true}) {
+        if (isHandedOver)
+            handOver(
+                {{"composite action", bad}, {"file list", PropertyArray{text::fromBytes(files.write("a"))}}});
+        else
+            defaults.setObject("composite action", bad);
+        start();
+        EXPECT_EQ(controller().operationMode(), OperationMode::normal);
+        EXPECT_THAT(std::exchange(frontEnd.presented, {}), ElementsAre(HasSubstr("Fly")));
+        EXPECT_EQ(stepNames().size(), 1u);
+        EXPECT_TRUE(table().empty());
+        restart();
+        defaults.removeObject("composite action");
+    }
+    EXPECT_TRUE(files.kind("a").has_value());
 }
 
 TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
     const std::string a = files.write("a.txt");
-    PropertyDictionary droplet = record({{"interactiveMode", 0}});
     const std::string again = data.link("alias", files.path()) + "/a.txt";
-    droplet.emplace("file list", PropertyArray{text::fromBytes(a), text::fromBytes(again)});
-    handOver(std::move(droplet));
+    handOver({{"file list", PropertyArray{text::fromBytes(a), text::fromBytes(again)}},
+              {"global settings", PropertyDictionary{{"interactiveMode", 0}}}});
     defaults.setObject("composite action", chain({{"Remove text", {}}}));
     frontEnd.expect("alert summary");
-    run();
+    runToTheEnd();
     EXPECT_EQ(controller().operationMode(), OperationMode::dropletRun);
-    ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
     EXPECT_THAT(files.tree(), ElementsAre(std::pair("aX.txt", "")));
     EXPECT_EQ(frontEnd.alerts.back().title, "1 file name was changed.");
     EXPECT_THAT(frontEnd.presented, ElementsAre("Left out: It is the same item as " + a + ": " + again));
@@ -89,15 +110,14 @@ TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
 }
 
 TEST_F(StartSequenceTest, ASilentDropletThatCannotBeginEndsWithoutAWord) {
-    const PropertyDictionary off{{"processFiles", 0}, {"processFolders", 0}, {"silentDroplet", 1}};
-    for (const bool hasSteps : {true, false}) {
-        PropertyDictionary droplet = record(hasSteps ? off : PropertyDictionary{{"silentDroplet", 1}});
-        droplet.insert_or_assign("composite action", chain({{"Add to end", {{"active", hasSteps ? 1 : 0}}}}));
-        droplet.insert_or_assign("file list", PropertyArray{text::fromBytes(files.write("a")),
-                                                            text::fromBytes(files.path("gone"))});
-        handOver(std::move(droplet));
-        run();
-        EXPECT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
+    for (const int processes : {0, 1}) {
+        handOver({{"composite action", chain({{"Add to end", {{"active", 1 - processes}}}})},
+                  {"global settings", PropertyDictionary{{"processFiles", processes},
+                                                         {"processFolders", processes},
+                                                         {"silentDroplet", 1}}},
+                  {"file list",
+                   PropertyArray{text::fromBytes(files.write("a")), text::fromBytes(files.path("gone"))}}});
+        runToTheEnd();
         EXPECT_TRUE(files.kind("a").has_value());
         restart();
     }
@@ -111,15 +131,11 @@ TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
         {files.path("x/y/z/Settings.plist"), "Your droplet could not be upgraded."}};
     (void)files.write("x/y/z/Settings.plist", "mine");
     (void)files.write("Old.app/Contents/Resources/Settings.plist",
-                      PropertyList::toXml(PropertyDictionary{
-                          {"Droplet Settings", PropertyDictionary()},
-                          {"Host Application Settings",
-                           PropertyDictionary{{"composite action", chain({{"Add to end", {}}})}}}}));
+                      PropertyList::toXml(dropletThatAdds(u"X", {})));
     for (const auto& [settingsPath, title] : cases) {
-        PropertyDictionary droplet = record();
-        droplet.erase("Version");
-        droplet.insert_or_assign("settings plist path", text::fromBytes(settingsPath));
-        defaults.setObject("droplet settings", droplet);
+        defaults.setObject("droplet settings",
+                           PropertyDictionary{{"composite action", chain({{"Add to end", {}}})},
+                                              {"settings plist path", text::fromBytes(settingsPath)}});
         frontEnd.expect("alert dropletUpgrade");
         frontEnd.expect("alert dropletUpgrade", ScriptedFrontEnd::Held());
         run();
@@ -133,51 +149,26 @@ TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
     EXPECT_EQ(files.read("x/y/z/Settings.plist"), "mine");
 }
 
-TEST_F(StartSequenceTest, ADropletThatIsNoGoodRenamesNothing) {
-    PropertyDictionary droplet{{"composite action", chain({{"Fly", {}}})},
-                               {"file list", PropertyArray{text::fromBytes(files.write("a"))}}};
-    handOver(std::move(droplet));
+TEST_F(StartSequenceTest, InADropletThatIsEditedTheButtonSaves) {
+    const std::string settingsPath = files.path("later/Settings.plist");
+    handOver({{"composite action", chain({{"Add to end", {{"active", 0}}}})},
+              {"settings plist path", text::fromBytes(settingsPath)}});
+    defaults.setObject("don't show droplet edit information again", true);
     start();
-    EXPECT_EQ(controller().operationMode(), OperationMode::normal);
-    ASSERT_EQ(frontEnd.presented.size(), 1u);
-    EXPECT_THAT(frontEnd.presented.front(), ::testing::HasSubstr("there is no action \"Fly\""));
-    EXPECT_TRUE(table().empty());
-    EXPECT_TRUE(files.kind("a").has_value());
+    controller().ok();
+    EXPECT_THAT(frontEnd.presented, ElementsAre(::testing::StartsWith("The droplet could not be saved. ")));
+    EXPECT_FALSE(frontEnd.isTerminated);
+    (void)files.makeFolder("later");
+    controller().ok();
+    EXPECT_TRUE(frontEnd.isTerminated);
+    EXPECT_TRUE(std::holds_alternative<Recipe>(RecipeFile::read(settingsPath)));
+    EXPECT_EQ(defaults.objectForKey("composite action"), std::nullopt);
 }
 
 TEST_F(StartSequenceTest, NothingOfTheUsersIsTouchedWhenSoWished) {
     options.usesUserFolders = false;
     start();
     EXPECT_TRUE(data.tree().empty());
-}
-
-TEST_F(StartSequenceTest, TheEndStoresChainAndSettings) {
-    start();
-    setSteps({{"Add to end", {{"string", u"X"}}}});
-    set("showPath", 1);
-    controller().terminate();
-    EXPECT_TRUE(frontEnd.isTerminated);
-    EXPECT_EQ(defaults.integerForKey("version"), 80001);
-    const auto stored = defaults.objectForKey("composite action");
-    ASSERT_TRUE(stored);
-    EXPECT_EQ(*stored, PropertyValue(controller().compositeAction().getFlatParameterList()));
-    const auto actions = defaults.objectForKey("actions");
-    ASSERT_TRUE(actions && actions->asDictionary());
-    EXPECT_EQ(*find(*find(*actions->asDictionary(), "TVRN global settings")->asDictionary(), "showPath"),
-              PropertyValue(1));
-    // A window that closes on the way out ends nothing twice.
-    controller().windowWillClose();
-}
-
-TEST_F(StartSequenceTest, CancelChecksTheListFirst) {
-    start();
-    setSteps({{"Add to end", {{"active", 0}}}});
-    frontEnd.expect("alert noActiveActions");
-    controller().cancel();
-    EXPECT_FALSE(frontEnd.isTerminated);
-    controller().actionListCommands().resetToDefaults();
-    controller().cancel();
-    EXPECT_TRUE(frontEnd.isTerminated);
 }
 
 } // namespace

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <thread>
+#include <tuple>
 
 namespace tavrin::test {
 namespace {
@@ -17,37 +19,37 @@ class MergeTest : public testing::Test {
         store.setDidSaveHandler([this](const StoreChanges& changes) {
             std::scoped_lock lock(main.mutex());
             main.merge(changes);
+            committer = changes.committer;
         });
         ghost = fillFolder(worker, 1000);
+        rows = main.children(ghost);
     }
 
     ItemStore store{ItemStore::Options{}};
     StoreContext main{store, StoreContext::MergePolicy::storeWins};
     StoreContext worker{store, StoreContext::MergePolicy::contextWins};
+    const StoreContext* committer = nullptr;
     RowId ghost = noRow;
+    std::vector<RowId> rows;
 };
 
 TEST_F(MergeTest, WhatTheStoreHoldsWinsOverThePendingChangeOfTheMainContext) {
-    const std::vector<RowId> rows = main.children(ghost);
     main.change(rows[1]).manualOrder = 500;
     main.change(rows[2]).manualOrder = 501;
     worker.change(rows[0]).depth = 3;
     worker.change(rows[1]).depth = 3;
     worker.commit();
+    EXPECT_EQ(committer, &worker);
     main.commit();
+    EXPECT_EQ(committer, &main) << "so that it does not merge its own";
     EXPECT_EQ(main.row(rows[1]).manualOrder, 2) << "its row had moved on";
     EXPECT_EQ(main.row(rows[1]).depth, 3);
     EXPECT_EQ(main.row(rows[2]).manualOrder, 501);
 }
 
 TEST_F(MergeTest, OnlyWhatAListDependsOnVoidsIt) {
-    const RowId row = main.children(ghost)[5];
-    struct Case {
-        const char* name;
-        std::function<void()> change;
-        bool isVoid;
-    };
-    const std::vector<Case> cases = {
+    const RowId row = rows[5];
+    const std::tuple<const char*, std::function<void()>, bool> cases[] = {
         {"final name", [&] { worker.setFinalName(row, u"x"); }, false},
         {"diff", [&] { worker.change(row).diff = true; }, false},
         {"marker", [&] { worker.setStageFlag(row, 4); }, false},
@@ -57,17 +59,16 @@ TEST_F(MergeTest, OnlyWhatAListDependsOnVoidsIt) {
         {"insert", [&] { worker.insertFile(ghost, "new", false, false, 0); }, true},
         {"deletion", [&] { worker.deleteRow(row); }, true},
     };
-    for (const Case& one : cases) {
+    for (const auto& [name, change, isVoid] : cases) {
         const std::uint64_t before = main.listVersion();
-        one.change();
+        change();
         worker.commit();
-        EXPECT_EQ(main.listVersion() != before, one.isVoid) << one.name;
+        EXPECT_EQ(main.listVersion() != before, isVoid) << name;
         worker.reset();
     }
 }
 
 TEST_F(MergeTest, CountersAndErrorsReachTheMainContext) {
-    EXPECT_EQ(main.engineControl().numberOfFolders, 0);
     worker.changeEngineControl().numberOfFolders = 12;
     worker.insertProcessingError({"title", "message", "/p\xE9"});
     EXPECT_EQ(main.engineControl().numberOfFolders, 0);
@@ -86,7 +87,7 @@ TEST_F(MergeTest, AReaderNeverSeesHalfABatch) {
     std::atomic<bool> isOver{false};
     std::thread writer([&] {
         for (int round = 0; round < 60; ++round) {
-            for (const RowId row : worker.children(ghost)) {
+            for (const RowId row : rows) {
                 worker.change(row).depth = round;
                 worker.setFinalName(row, round % 2 == 0 ? u"even" : u"odd");
             }
@@ -97,7 +98,6 @@ TEST_F(MergeTest, AReaderNeverSeesHalfABatch) {
     });
     while (!isOver) {
         std::scoped_lock lock(main.mutex());
-        const std::vector<RowId> rows = main.children(ghost);
         // Rows of one block are read together, so they must agree.
         const std::int32_t depth = main.row(rows[0]).depth;
         for (std::size_t i = 1; i < 100; ++i)

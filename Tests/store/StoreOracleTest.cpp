@@ -34,43 +34,28 @@ std::u16string shownName(const std::string& component) {
     return name;
 }
 
-const std::map<NodeKey, std::function<Value(const ModelRow&)>> values = {
-    {NodeKey::name,
-     [](const auto& one) {
-         return Value{0, *text::toBytes(shownName(one.component))};
-     }},
-    {NodeKey::smartName,
-     [](const auto& one) {
-         return Value{0,
-                      *text::toBytes(KQStringUtilities::expandNumberBlocks(text::fromBytes(one.component)))};
-     }},
-    {NodeKey::modDate,
-     [](const auto& one) {
-         return Value{one.row.modDate, ""};
-     }},
-    {NodeKey::exif,
-     [](const auto& one) {
-         return Value{one.row.exif, ""};
-     }},
-    {NodeKey::size,
-     [](const auto& one) {
-         return Value{static_cast<double>(one.row.size), ""};
-     }},
-    {NodeKey::depth,
-     [](const auto& one) {
-         return Value{one.row.depth, ""};
-     }},
-    {NodeKey::treatAsFolder,
-     [](const auto& one) {
-         return Value{one.row.treatAsFolder, ""};
-     }},
-    {NodeKey::manualOrder,
-     [](const auto& one) {
-         return Value{one.row.manualOrder, ""};
-     }},
-};
+Value valueOf(const ModelRow& one, NodeKey key) {
+    switch (key) {
+    case NodeKey::name:
+        return {0, *text::toBytes(shownName(one.component))};
+    case NodeKey::smartName:
+        return {0, *text::toBytes(KQStringUtilities::expandNumberBlocks(text::fromBytes(one.component)))};
+    case NodeKey::modDate:
+        return {one.row.modDate, ""};
+    case NodeKey::exif:
+        return {one.row.exif, ""};
+    case NodeKey::size:
+        return {one.row.size, ""};
+    case NodeKey::depth:
+        return {one.row.depth, ""};
+    case NodeKey::treatAsFolder:
+        return {one.row.treatAsFolder, ""};
+    default:
+        return {one.row.manualOrder, ""};
+    }
+}
 
-const std::vector<std::pair<Predicate, std::function<bool(const ModelRow&)>>> predicates = {
+const std::pair<Predicate, std::function<bool(const ModelRow&)>> predicates[] = {
     {Predicate::always(), [](const auto&) { return true; }},
     {Predicate::isTrue(NodeKey::diff).with(Predicate::isFalse(NodeKey::treatAsFolder)),
      [](const auto& one) { return one.row.diff && !one.row.treatAsFolder; }},
@@ -80,7 +65,7 @@ const std::vector<std::pair<Predicate, std::function<bool(const ModelRow&)>>> pr
      [](const auto&) { return false; }},
 };
 
-const std::vector<std::vector<SortDescriptor>> orders = {
+const std::vector<SortDescriptor> orders[] = {
     {{NodeKey::name, true}},
     {{NodeKey::smartName, false}, {NodeKey::size, true}},
     {{NodeKey::modDate, false}, {NodeKey::name, false}},
@@ -93,25 +78,24 @@ const std::vector<std::vector<SortDescriptor>> orders = {
 class StoreOracleTest : public testing::TestWithParam<Backing> {
   protected:
     std::size_t below(std::size_t bound) { return random() % bound; }
-    template <typename Values> const auto& oneOf(const Values& from) { return from[below(from.size())]; }
+    template <typename Values> const auto& oneOf(const Values& from) { return from[below(std::size(from))]; }
 
     std::string someName() {
-        static const std::vector<std::string> parts = {"a", "B", "10",   "9",    "007", "99999999999",
-                                                       " ", ":", "\xE9", ".txt", "img", "\xC3\xBC"};
+        static const std::string parts[] = {"a", "B", "10",   "9",    "007", "99999999999",
+                                            " ", ":", "\xE9", ".txt", "img", "\xC3\xBC"};
         std::string name;
         for (std::size_t count = 1 + below(4); count > 0; --count)
             name += oneOf(parts);
         return name;
     }
     std::u16string someFinalName(const ModelRow& one) {
-        static const std::vector<std::u16string> names = {
-            u"",      u"short",        u"a/b:c", std::u16string(3000, u'é'), {u'x', char16_t(0xD83D)},
-            {0xDCE9}, {0xDCC3, 0xDCA9}};
+        static const std::u16string names[] = {
+            u"", u"short", u"a/b:c", std::u16string(3000, u'é'), {u'x', 0xD83D}, {0xDCE9}, {0xDCC3, 0xDCA9}};
         return below(4) == 0 ? shownName(one.component) : oneOf(names);
     }
-    RowId someRow() {
-        auto found = staged.lower_bound(static_cast<RowId>(below(staged.rbegin()->first)));
-        return found->first;
+    /// A row and what it is to be, to be changed alike.
+    std::pair<const RowId, ModelRow>& someRow() {
+        return *staged.lower_bound(static_cast<RowId>(below(staged.rbegin()->first)));
     }
 
     void insertBelow(RowId parent) {
@@ -128,45 +112,40 @@ class StoreOracleTest : public testing::TestWithParam<Backing> {
         EXPECT_TRUE(staged.emplace(id, one).second) << "an id is given once";
         EXPECT_TRUE(!one.row.treatAsFolder || context.nodeWithPath(one.path) == id) << "at once";
     }
-    void insert() {
-        const RowId near = someRow();
-        insertBelow(staged.at(near).row.treatAsFolder ? near : staged.at(near).row.parent);
-    }
-    void change() {
-        const RowId id = someRow();
-        ModelRow& one = staged.at(id);
-        NodeRow& row = context.change(id);
-        row.diff = one.row.diff = below(2) == 0;
-        row.modDate = one.row.modDate = static_cast<double>(below(5)) - 2.5;
-        row.exif = one.row.exif = below(2) == 0 ? -63114076800.0 : 0.0;
-        row.size = one.row.size = below(3);
-        row.depth = one.row.depth = static_cast<std::int32_t>(below(4)) - 2;
-        row.mustBeRenamedBefore = one.row.mustBeRenamedBefore = static_cast<RowId>(below(9));
-    }
-    void rename() {
-        const RowId id = someRow();
-        ModelRow& one = staged.at(id);
-        one.finalName = someFinalName(one);
-        context.setFinalName(id, one.finalName);
-        EXPECT_EQ(context.finalName(id), one.finalName);
-    }
-    void describe() {
-        const RowId id = someRow();
-        ModelRow& one = staged.at(id);
-        one.regex = someFinalName(one);
-        context.setRegexColumns(id, {u"x", one.regex, u"", u"", one.regex, u""});
-        one.tags.assign(1 + below(300), static_cast<std::uint8_t>(id));
-        context.setTagData(id, {one.tags});
-    }
-    void mark() {
-        const RowId id = someRow();
-        staged.at(id).flag = static_cast<PassMarker>(below(3));
-        context.setStageFlag(id, staged.at(id).flag);
+    void work() {
+        auto& [id, one] = someRow();
+        switch (below(5)) {
+        case 0:
+            return insertBelow(one.row.treatAsFolder ? id : one.row.parent);
+        case 1: {
+            NodeRow& row = context.change(id);
+            row.diff = one.row.diff = below(2) == 0;
+            row.modDate = one.row.modDate = static_cast<double>(below(5)) - 2.5;
+            row.exif = one.row.exif = below(2) == 0 ? -63114076800.0 : 0.0;
+            row.size = one.row.size = below(3);
+            row.depth = one.row.depth = static_cast<std::int32_t>(below(4)) - 2;
+            row.mustBeRenamedBefore = one.row.mustBeRenamedBefore = static_cast<RowId>(below(9));
+            return;
+        }
+        case 2:
+            one.finalName = someFinalName(one);
+            context.setFinalName(id, one.finalName);
+            EXPECT_EQ(context.finalName(id), one.finalName);
+            return;
+        case 3:
+            one.regex = someFinalName(one);
+            context.setRegexColumns(id, {u"x", one.regex, u"", u"", one.regex, u""});
+            one.tags.assign(1 + below(300), static_cast<std::uint8_t>(id));
+            return context.setTagData(id, {one.tags});
+        default:
+            one.flag = static_cast<PassMarker>(below(3));
+            context.setStageFlag(id, one.flag);
+        }
     }
     /// With all that lies below.
     void erase() {
         commit();
-        const RowId id = someRow();
+        const RowId id = someRow().first;
         if (id == ghost)
             return;
         const std::string path = staged.at(id).path;
@@ -209,6 +188,14 @@ class StoreOracleTest : public testing::TestWithParam<Backing> {
         EXPECT_EQ(by.tagData(id).value_or(PropertyData{}).bytes, one.tags);
     }
 
+    std::vector<RowId> admitted(const Model& model, const std::function<bool(const ModelRow&)>& isWanted) {
+        std::vector<RowId> rows;
+        for (const auto& [id, one] : model) {
+            if (id != ghost && isWanted(one))
+                rows.push_back(id);
+        }
+        return rows;
+    }
     /// Single rows, also by their paths, and one fetch without an order.
     void expectRows(StoreContext& by, const Model& model) {
         for (std::size_t i = 0; i < 60; ++i) {
@@ -216,11 +203,7 @@ class StoreOracleTest : public testing::TestWithParam<Backing> {
             expectRow(by, id, one);
         }
         const auto& [predicate, isWanted] = oneOf(predicates);
-        std::vector<RowId> wanted;
-        for (const auto& [id, one] : model) {
-            if (id != ghost && isWanted(one))
-                wanted.push_back(id);
-        }
+        const std::vector<RowId> wanted = admitted(model, isWanted);
         EXPECT_EQ(by.fetch({FetchEntity::file, predicate, {}, 0}), wanted);
         EXPECT_EQ(by.count(FetchEntity::file, predicate), wanted.size());
     }
@@ -240,25 +223,19 @@ class StoreOracleTest : public testing::TestWithParam<Backing> {
         }
         const auto& order = oneOf(orders);
         const auto& [predicate, isWanted] = oneOf(predicates);
-        std::vector<std::pair<std::vector<Value>, RowId>> wanted;
-        for (const auto& [id, one] : committed) {
-            if (id == ghost || !isWanted(one))
-                continue;
-            auto& [keys, row] = wanted.emplace_back(std::vector<Value>(), id);
+        std::vector<RowId> rows = admitted(committed, isWanted);
+        std::map<RowId, std::vector<Value>> keys;
+        for (const RowId id : rows) {
             for (const SortDescriptor& descriptor : order)
-                keys.push_back(values.at(descriptor.key)(one));
+                keys[id].push_back(valueOf(committed.at(id), descriptor.key));
+            keys[id].emplace_back(committed.at(id).row.manualOrder, "");
         }
-        std::sort(wanted.begin(), wanted.end(), [&](const auto& a, const auto& b) {
-            for (std::size_t i = 0; i < order.size(); ++i) {
-                if (a.first[i] != b.first[i])
-                    return (a.first[i] < b.first[i]) == order[i].ascending;
-            }
-            const auto manual = [&](const auto& one) { return committed.at(one.second).row.manualOrder; };
-            return std::pair(manual(a), a.second) < std::pair(manual(b), b.second);
+        std::stable_sort(rows.begin(), rows.end(), [&](RowId a, RowId b) {
+            const auto [one, other] = std::ranges::mismatch(keys[a], keys[b]);
+            const auto place = static_cast<std::size_t>(one - keys[a].begin());
+            return one != keys[a].end() &&
+                   (*one < *other) == (place == order.size() || order[place].ascending);
         });
-        std::vector<RowId> rows;
-        for (const auto& [keys, id] : wanted)
-            rows.push_back(id);
         EXPECT_EQ(by.fetch({FetchEntity::file, predicate, order, 0, below(2) == 0}), rows);
         for (std::size_t i = 0; i < std::min(rows.size(), std::size_t{300}); ++i)
             expectRow(by, rows[i], committed.at(rows[i]));
@@ -293,36 +270,12 @@ TEST_P(StoreOracleTest, RandomWorkLeavesWhatTheModelSays) {
     commit();
     for (int round = 0; round < 40 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
-        for (std::size_t i = below(60); i > 0; --i) {
-            switch (below(5)) {
-            case 0:
-                insert();
-                break;
-            case 1:
-                change();
-                break;
-            case 2:
-                rename();
-                break;
-            case 3:
-                describe();
-                break;
-            default:
-                mark();
-            }
-        }
+        for (std::size_t i = below(60); i > 0; --i)
+            work();
         expectRows(context, staged);
         expectRows(onlooker, committed);
-        switch (below(4)) {
-        case 0:
-            reset();
-            break;
-        case 1:
-            erase();
-            break;
-        default:
-            commit();
-        }
+        const std::size_t end = below(4);
+        end == 0 ? reset() : end == 1 ? erase() : commit();
         if (round % 3 == 0) {
             expectLists(context);
             expectLists(onlooker);

@@ -1,13 +1,22 @@
 #include "common/LogRecorder.h"
+#include "common/Variable.h"
+#include "support/application/ApplicationNameSubstitution.h"
 #include "support/application/DebugLog.h"
+#include "support/application/StackedViewLayout.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/text/PathParts.h"
+#include "support/text/Text.h"
+#include "support/values/CalendarFormat.h"
 #include "support/values/PropertyValue.h"
+#include "support/values/VersionComparison.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <limits>
+#include <sstream>
 
 namespace tavrin {
 namespace {
@@ -15,87 +24,60 @@ namespace {
 TEST(PropertyValue, LooseConversions) {
     const std::int32_t least = std::numeric_limits<std::int32_t>::min();
     const std::int32_t most = std::numeric_limits<std::int32_t>::max();
-    const struct {
-        PropertyValue value;
-        std::int32_t integer;
-        bool truth;
-        std::u16string text;
-    } cases[] = {{true, 1, true, u"1"},
-                 {false, 0, false, u"0"},
-                 {42, 42, true, u"42"},
-                 {std::int64_t{-5'000'000'000}, least, true, u"-5000000000"},
-                 {std::int64_t{5'000'000'000}, most, true, u"5000000000"},
-                 {0, 0, false, u"0"},
-                 {-2.9, -2, true, u"-2.9"},
-                 {0.1, 0, true, u"0.1"},
-                 {3.0, 3, true, u"3"},
-                 {0.0, 0, false, u"0"},
-                 {1e300, most, true, u"1e+300"},
-                 {-INFINITY, least, true, u"-inf"},
-                 {std::nan(""), 0, true, u"nan"},
-                 {u" 12 apes", 12, true, u" 12 apes"},
-                 {u"0", 0, false, u"0"},
-                 {u"", 0, false, u""},
-                 {u" \n", 0, false, u" \n"},
-                 {u" yes", 0, true, u" yes"},
-                 {u"Tern", 0, true, u"Tern"},
-                 {u"no", 0, false, u"no"},
-                 {PropertyDate{5}, 0, false, u""},
-                 {PropertyData{{1}}, 0, false, u""},
-                 {PropertyArray{1}, 0, false, u""},
-                 {PropertyDictionary{{"a", 1}}, 0, false, u""}};
-    for (const auto& [value, integer, truth, text] : cases) {
-        EXPECT_EQ(integer, intValue(value)) << description(value);
-        EXPECT_EQ(truth, boolValue(value)) << description(value);
-        EXPECT_EQ(text, textValue(value)) << description(value);
-    }
+    const std::tuple<std::int32_t, bool, PropertyArray> cases[] = {
+        {1, true, {true}},
+        {42, true, {42}},
+        {most, true, {std::int64_t{5'000'000'000}, 1e300}},
+        {least, true, {std::int64_t{-5'000'000'000}, -INFINITY}},
+        {-2, true, {-2.9}},
+        {3, true, {3.0}},
+        {12, true, {u" 12 apes"}},
+        {0, true, {0.1, std::nan(""), u" yes", u"Tern"}},
+        {0,
+         false,
+         {false, 0, 0.0, u"0", u"", u" \n", u"no", PropertyDate{5}, PropertyData{{1}}, PropertyArray{1},
+          PropertyDictionary{{"a", 1}}}},
+    };
+    std::u16string texts;
+    for (const auto& [integer, truth, values] : cases)
+        for (const PropertyValue& value : values) {
+            EXPECT_EQ(integer, intValue(value)) << description(value);
+            EXPECT_EQ(truth, boolValue(value)) << description(value);
+            texts += textValue(value) + u"|";
+        }
+    EXPECT_EQ(texts, u"1|42|5000000000|1e+300|-5000000000|-inf|-2.9|3| 12 apes|0.1|nan| yes|Tern|"
+                     u"0|0|0|0|| \n|no|||||");
 }
 
 TEST(PropertyValue, KindsStayApart) {
     EXPECT_FALSE(PropertyValue(1) == PropertyValue(true));
     EXPECT_FALSE(PropertyValue(1) == PropertyValue(1.0));
-    EXPECT_TRUE(PropertyValue(PropertyArray{1, u"x"}) == PropertyValue(PropertyArray{1, u"x"}));
-    EXPECT_FALSE(PropertyValue(PropertyArray{1, u"x"}) == PropertyValue(PropertyArray{1, u"y"}));
     EXPECT_TRUE(PropertyValue(true).isNumber());
     EXPECT_FALSE(PropertyValue(u"1").isNumber());
     EXPECT_EQ(nullptr, PropertyValue(true).asInteger());
 }
 
-TEST(PropertyValue, IsFoundByKeyAndDescribed) {
+TEST(PropertyValue, IsDescribed) {
     const PropertyDictionary dictionary = {
         {"b", PropertyArray{1, true, 0.5}},
         {"a", u"caf\u00E9 \"x\"\n\xDCE9"},
         {"c", PropertyDictionary{{"date", PropertyDate{1.5}}, {"bytes", PropertyData{{1, 2}}}}},
     };
-    ASSERT_NE(nullptr, find(dictionary, "b"));
-    EXPECT_EQ(3u, find(dictionary, "b")->asArray()->size());
-    EXPECT_EQ(nullptr, find(dictionary, "d"));
     EXPECT_EQ("{\"a\": \"caf\xC3\xA9 \\\"x\\\"\\x0a\xE9\", \"b\": [1, true, 0.5], "
               "\"c\": {\"bytes\": 2 bytes, \"date\": date 1.5}}",
               description(dictionary));
 }
 
-TEST(DebugLog, WritesOnlyWhileOnAndHeard) {
-    debugLog("before any sink");
+TEST(DebugLog, WritesOnlyWhileOn) {
     test::LogRecorder lines;
-    setDebugLogIsOn(false);
-    debugLog("off {}", 1);
-    setDebugLogIsOn(true);
-    EXPECT_TRUE(debugLogIsOn());
     debugLog("on {} {}", 2, "x");
-    EXPECT_EQ(&lines, setDebugLogSink(nullptr));
-    EXPECT_FALSE(debugLogIsOn());
-    debugLog("unheard");
-    setDebugLogSink(&lines);
     setDebugLogIsOn(false);
-    debugLog("off again");
+    debugLog("off");
     EXPECT_EQ(std::vector<std::string>{"on 2 x"}, lines.lines());
 }
 
 TEST(PathParts, CutPathsAndJoinThemAgain) {
-    const struct {
-        std::string_view path, prefix, folder, name, stem, extension;
-    } cases[] = {
+    const std::string_view cases[][6] = {
         {"/a/b.c.txt", "/a/", "/a", "b.c.txt", "/a/b.c", "txt"},
         {"/b", "/", "/", "b", "/b", ""},
         {"/", "/", "/", "", "/", ""},
@@ -117,30 +99,19 @@ TEST(PathParts, CutPathsAndJoinThemAgain) {
 }
 
 TEST(KQStringUtilities, ExpandNumberBlocks) {
-    const std::u16string zeros(32, u'0');
-    const auto block = [&](std::u16string_view digits, std::u16string_view before = u"",
-                           std::u16string_view behind = u"") {
-        std::u16string result(before);
-        result.append(zeros, digits.size()).append(digits).append(behind);
-        return result;
-    };
-    const std::pair<std::u16string, std::u16string> cases[] = {
-        {u"", u""},
-        {u"name", u"name"},
-        {u"a1", block(u"1", u"a")},
-        {u"12-0034x", block(u"12", u"", u"-") + block(u"34", u"", u"x")},
-        {u"-5", block(u"5", u"-")},
-        {u"000", zeros},
-        {u"2147483647", block(u"2147483647")},
-        {u"2147483648", block(u"2147483647")},
-        {u"20240607123456789 b", block(u"2147483647", u"", u" b")},
-        {u"٣", u"٣"},
-    };
-    for (const auto& [text, expanded] : cases)
-        EXPECT_EQ(expanded, KQStringUtilities::expandNumberBlocks(text));
-    const auto key = [](const char16_t* text) { return KQStringUtilities::expandNumberBlocks(text); };
-    EXPECT_LT(key(u"file2b30"), key(u"file12b7"));
-    EXPECT_LT(key(u"file12b7"), key(u"file100"));
+    // In what is expected, behind a bar, < and > stand around the digits of a block.
+    for (const std::u16string each : {u"|", u"name|name", u"a1|a<1>", u"12-0034x|<12>-<34>x", u"-5|-<5>",
+                                      u"000|<0>", u"2147483647|<2147483647>", u"2147483648|<2147483647>",
+                                      u"20240607123456789 b|<2147483647> b", u"٣|٣"}) {
+        const std::size_t bar = each.find(u'|');
+        std::u16string expanded = each.substr(bar + 1);
+        for (std::size_t begin; (begin = expanded.find(u'<')) != std::u16string::npos;) {
+            const std::size_t end = expanded.find(u'>');
+            expanded.erase(end, 1);
+            expanded.replace(begin, 1, 33 - (end - begin), u'0');
+        }
+        EXPECT_EQ(expanded, KQStringUtilities::expandNumberBlocks(each.substr(0, bar)));
+    }
 }
 
 TEST(KQStringUtilities, SmallMappings) {
@@ -152,6 +123,142 @@ TEST(KQStringUtilities, SmallMappings) {
     EXPECT_EQ(u"\U00010400x", Utilities::sentenceCase(u"\U00010400X")) << "a half of a pair has no case";
     EXPECT_EQ(u"a/b/c", Utilities::replaceColonWithForwardSlash(u"a:b/c"));
     EXPECT_EQ(u"a:b:c", Utilities::replaceForwardSlashWithColon(u"a:b/c"));
+}
+
+TEST(ApplicationName, OfTheSecondEdition) {
+    using Formatter = ApplicationNameSubstitutionStringFormatter;
+    EXPECT_EQ(Formatter::stringForObjectValue(u"Tavrin 8, TavrinTavrin 9"), u"Morvane 9, MorvaneMorvane 9");
+    EXPECT_FALSE(Formatter::stringForObjectValue(std::nullopt));
+}
+
+TEST(StackedViewLayout, TheFlexibleViewTakesWhatIsFree) {
+    const struct {
+        std::vector<double> heights;
+        std::optional<std::size_t> flexi;
+        std::int64_t preferred;
+        double visible;
+        const char* expected; ///< the height of the stack, and those of the views
+    } cases[] = {
+        {{}, {}, 0, 50, "50:"},
+        {{20, 30}, {}, 0, 40, "50: 20 30"},
+        {{20, 30}, {}, 0, 90, "90: 20 30"},
+        {{20, 1, 30}, 1, 100, 120, "150: 20 100 30"},   // no extra
+        {{20, 999, 30}, 1, 100, 150, "150: 20 100 30"}, // the frame of the flexible view does not count
+        {{20, 1, 30}, 1, 100, 158, "158: 20 108 30"},   // an extra of 8
+        {{20, 1, 30}, 1, 100, 159, "159: 20 101 30"},   // of 9
+        {{20, 1, 30}, 1, 100, 250, "250: 20 192 30"},
+        {{20.9, 1}, 1, 10, 39.8, "39.8: 20.9 11"}, // 39 less 30: whole points, an extra of 9
+        {{20.2, 1}, 1, 10, 38.9, "38.9: 20.2 18"}, // 38 less 30
+    };
+    for (const auto& each : cases) {
+        const auto layout = StackedViewLayout::of(each.heights, each.flexi, each.preferred, each.visible);
+        std::string found = fmt::format("{}:", layout.height);
+        double top = 0;
+        for (const auto& place : layout.places) {
+            EXPECT_DOUBLE_EQ(place.top, top) << each.expected;
+            found += fmt::format(" {}", place.height);
+            top += place.height;
+        }
+        EXPECT_EQ(found, each.expected);
+    }
+}
+
+/// A text of the table: "-" is the empty one, and "N*c" stands for the character N times.
+std::string decoded(const std::string& word) {
+    if (word == "-")
+        return "";
+    const std::size_t star = word.find('*');
+    return star == std::string::npos ? word
+                                     : std::string(std::stoul(word), word[star + 1]) + word.substr(star + 2);
+}
+
+TEST(VersionComparison, FollowsTheTable) {
+    std::ifstream table(TAVRIN_TEST_DATA "/versions.txt");
+    int rows = 0;
+    for (std::string line, rule, first, second; std::getline(table, line);) {
+        std::istringstream words(line.substr(0, line.find('#')));
+        int expected = 0;
+        if (!(words >> rule >> first >> second >> expected))
+            continue;
+        ++rows;
+        const std::string a = decoded(first);
+        const std::string b = decoded(second);
+        const int standard = VersionComparison::standardCompareVersion(a, b);
+        EXPECT_EQ(rule == "update" ? VersionComparison::compareVersion(a, b) : standard, expected) << line;
+        EXPECT_EQ(standard, -VersionComparison::standardCompareVersion(b, a)) << line;
+    }
+    EXPECT_GT(rows, 50);
+}
+
+TEST(VersionComparison, CutsIntoChunksOfOneType) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", ""},
+        {"10.4b12", "10|.|4|b|12|"},
+        {"..", ".|.|"},
+        {"a-b.1", "a-b|.|1|"},
+        {"1\xC3\xA9", "1|\xC3\xA9|"},
+    };
+    for (const auto& [version, chunks] : cases) {
+        std::string found;
+        for (const std::string_view chunk : VersionComparison::splitVersionString(version))
+            found.append(chunk) += '|';
+        EXPECT_EQ(found, chunks);
+    }
+}
+
+/// A zone told by rules, so that no table of zones is needed, and messages in a language of their own.
+class CalendarFormats : public testing::Test {
+  protected:
+    test::LocalTime zone;
+    test::Variable language{"LC_ALL", "fi_FI.UTF-8"};
+
+    /// Each case is a locale, a pattern and behind " = " what it gives.
+    static void expectAt(double seconds, const std::vector<std::string>& cases) {
+        for (const std::string& each : cases) {
+            const std::size_t space = each.find(' ');
+            const std::size_t equals = each.find(" = ", space);
+            const auto names = CalendarNames::of(each.substr(0, space));
+            const std::u16string pattern = text::fromUtf8(each.substr(space + 1, equals - space - 1));
+            std::u16string result;
+            CalendarFormat(pattern, names).append(LocalMoment::at(seconds).value(), result);
+            EXPECT_EQ(text::toUtf8(result), each.substr(equals + 3)) << each;
+        }
+    }
+};
+
+constexpr double june = 1718343065;      // Friday 2024-06-14 07:31:05 in summer time
+constexpr double midnight = 1704063600;  // Monday 2024-01-01 00:00:00
+constexpr double longAgo = -62135600400; // Monday 0001-01-01 00:00:00 in the calendar of the system
+
+TEST_F(CalendarFormats, GiveTheFieldsOfADate) {
+    expectAt(june + 0.25, {"C %Y-%m-%d %H:%M:%S.%F %j %y %w = 2024-06-14 07:31:05.250 166 24 5"});
+    expectAt(midnight, {"C %e|%d|%1m|%1H|%3M|%9Y|%0S|%1j = 1|01|1|0|000|000002024|0|1",
+                        "C %I%p %1I = 12AM 12", "C %Z %z = CET +0100"});
+    expectAt(midnight + 12 * 3600, {"C %I%p %1I = 12PM 12"});
+    expectAt(midnight + 13 * 3600, {"C %I %1I %p = 01 1 PM"});
+    expectAt(longAgo, {"C %Y %y = 0001 01"});
+    expectAt(midnight + 0.999999, {"C %F = 999"});
+    expectAt(-0.001, {"C %S%F = 59999"});
+    expectAt(1718343065.123, {"C %F = 123"});
+    // What is no field stays, digits too; two signs are one.
+    expectAt(june, {"C 100%% %Q %3Q %x é%  = 100% %Q %3Q %x é% ", "C %%Y% = %Y%", "C %5 = %5",
+                    "C %5A = Friday", "C  = ", "C %Z %z = CEST +0200"});
+}
+
+TEST_F(CalendarFormats, SpeakTheLanguageOfTheLocale) {
+    // Abbreviations without stops, digits and calendar always the same.
+    expectAt(midnight, {"de_DE.UTF-8 %a %A %e %b %B = Mo Montag 1 Jan Januar"});
+    expectAt(midnight + 60 * 86400, {"de_DE@euro %b = März"});
+    expectAt(june, {"C.UTF-8 %A, %e %B %Y; %a %b = Friday, 14 June 2024; Fri Jun", "es_ES %B %p = junio am",
+                    "ru_RU.UTF-8 %e %B = 14 июня", "fa_IR %Y %e %B = 2024 14 ژوئن", "th_TH %Y %b = 2024 มิย",
+                    "xx_nowhere %Y %B = 2024 June", " %B = June", "nn_NO %B = juni", "no_NO %B = juni",
+                    "iw_IL %B = יוני", "tl_PH %B = Hunyo", "ca_ES@valencia %B = de juny",
+                    "zh_CN.GB18030 %B = 六月", "pt_BR %B = junho"});
+}
+
+TEST_F(CalendarFormats, KnowNoMomentBeyondAllCalendars) {
+    for (const double seconds : {1e17, -1e300, std::strtod("nan", nullptr)})
+        EXPECT_FALSE(LocalMoment::at(seconds)) << seconds;
 }
 
 } // namespace

@@ -146,6 +146,7 @@ class MainController : public EngineHost, public ActionObserver {
     void updatePreview() override;
     void startProgressWindow() override { confirmation.startProgressWindow(); }
     void stopProgressWindow() override { confirmation.stopProgressWindow(); }
+    std::optional<FetchRequest> shownList() override { return preview.shownList(); }
     void refreshPreview() override { preview.refreshPreview(); }
     void showStats() override { preview.showStats(); }
     void showCompletionDialog() override { confirmation.showCompletionDialog(); }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "engine/asking/RunQuestion.h"
+#include "store/queries/Predicate.h"
 
+#include <optional>
 #include <string>
 
 namespace tavrin {
@@ -38,6 +40,8 @@ class EngineHost {
     virtual void presentNotice(const std::string& text) = 0;
     virtual void startProgressWindow() = 0;
     virtual void stopProgressWindow() = 0;
+    /// The rows that the next refresh will show, in their order; nothing where no list is on show.
+    virtual std::optional<FetchRequest> shownList() { return std::nullopt; }
     virtual void refreshPreview() = 0;
     virtual void showStats() = 0;
     virtual void showCompletionDialog() = 0;

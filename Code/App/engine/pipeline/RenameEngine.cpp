@@ -14,6 +14,7 @@
 #include "platform/processes/RunLoop.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStore.h"
+#include "store/paging/StoreError.h"
 #include "store/sources/SourceItemManager.h"
 #include "support/application/DebugLog.h"
 
@@ -87,6 +88,26 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
     });
 }
 
+void RenameEngine::processListRefresh() {
+    threads.detach([this] {
+        if (!ending)
+            refreshList();
+    });
+}
+
+void RenameEngine::refreshList() {
+    std::optional<FetchRequest> list;
+    onMainThread([&](EngineHost& host) { list = host.shownList(); });
+    ItemStore* const store = list ? application.persistentStoreCoordinator() : nullptr;
+    try {
+        if (store != nullptr)
+            static_cast<void>(StoreContext(*store, StoreContext::MergePolicy::storeWins).fetch(*list));
+    } catch (const StoreError& error) {
+        debugLog("could not sort the list ahead: {}", error.what());
+    }
+    onMainThread([](EngineHost& host) { host.refreshPreview(); });
+}
+
 void RenameEngine::readHistory(std::function<std::function<void()>(const RunHistory&)> look) {
     threads.detach([this, look = std::move(look)] {
         if (const std::function<void()> answer = look(RunHistory(history.folder)); answer && !ending)
@@ -152,7 +173,7 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
         if (!createSaveToFileListPipeline(ownArguments)->process() && reason.empty())
             reason = "The list of items could not be read.";
         onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
-        onMainThread([](EngineHost& host) { host.refreshPreview(); });
+        refreshList();
         onMainThread([&](EngineHost& host) {
             if (reason.empty())
                 host.showFileListSavingCompletionDialog(arguments.format);
@@ -189,7 +210,7 @@ void RenameEngine::internalProcessPreviewThread(ProgressInfo& progress, EngineTu
         if (rereadRequested.exchange(false))
             forgetWhatWasRead(progress);
         static_cast<void>(createPreviewPipelineWith(&progress)->process());
-        onMainThread([](EngineHost& host) { host.refreshPreview(); });
+        refreshList();
         onMainThread([](EngineHost& host) { host.showStats(); });
     }
 }

@@ -32,6 +32,8 @@ class RenameEngine : public EngineState {
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
     void processRenamingPipelineThenContinue(ProgressInfo& progress);
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
+    /// Has the list on show sorted anew and refreshed, beside all that runs.
+    void processListRefresh();
     /// Looks at the records of past runs, which may be long, beside all that runs; what `look` returns is
     /// done on the main thread, where it is anything.
     void readHistory(std::function<std::function<void()>(const RunHistory&)> look);
@@ -66,6 +68,8 @@ class RenameEngine : public EngineState {
     TakeBackResult takeBack(ProgressInfo& progress, const TakeBackRequest& request);
     void forgetWhatWasRead(ProgressInfo& progress);
     void internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn);
+    /// Sorts the list on this thread, so that the main thread finds it in the store, and has it shown.
+    void refreshList();
     /// Runs the action on the main thread and waits for it.
     void onMainThread(const std::function<void(EngineHost&)>& action);
 

@@ -90,6 +90,7 @@ void DNDArrayController::cancelDrag() {
 void DNDArrayController::insertRows(const std::vector<RowId>& moved, Place place) {
     if (!renumbering.expired())
         units.sources.finishWork();
+    units.preview.finishRefresh();
     const std::vector<RowId>& rows = units.preview.nodeController().arrangedObjects();
     const auto found = std::ranges::find(rows, place.row);
     if (place.row != noRow && found == rows.end())
@@ -104,7 +105,7 @@ void DNDArrayController::insertRows(const std::vector<RowId>& moved, Place place
             if (next < places.size() && renumber(places, next))
                 return true;
             services.settings.setAutomaticSorting(false);
-            units.preview.refreshPreview();
+            units.preview.refreshPreviewSoon();
             return false;
         });
 }

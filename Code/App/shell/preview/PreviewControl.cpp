@@ -119,16 +119,37 @@ void PreviewControl::checkUpOnLongProcessingTimer() {
 void PreviewControl::refreshPreview() {
     debugLog("automatic sorting: {:d}", services.settings.values().automaticSorting);
     debugLog("--------------------------------------------------------");
+    isRefreshDue = false;
     services.frontEnd.selectPreviewTab(PreviewTab::status);
+    static_cast<void>(shownList());
+    lastCurrentStep = &services.composite.getCurrentAction();
+    list.fetch();
+    services.frontEnd.previewListChanged();
+}
+
+void PreviewControl::refreshPreviewSoon() {
+    constexpr std::size_t manyRows = 20000;
+    if (list.count() < manyRows) {
+        refreshPreview();
+        return;
+    }
+    isRefreshDue = true;
+    services.engine.processListRefresh();
+}
+
+void PreviewControl::finishRefresh() {
+    if (isRefreshDue)
+        refreshPreview();
+}
+
+FetchRequest PreviewControl::shownList() {
     list.setFetchPredicate(FilterManager::currentFilterPredicate(services.settings.values().itemFilter()));
     const BaseRenameAction& current = services.composite.getCurrentAction();
     forgetPreviewedActionIfGone();
     setSortOrder(current);
     const bool isSortBased = dynamic_cast<const SortBasedAction*>(&current) != nullptr;
     lastActionThatWasPreviewed = PreviewedAction{&current, isSortBased};
-    lastCurrentStep = &current;
-    list.fetch();
-    services.frontEnd.previewListChanged();
+    return list.request();
 }
 
 void PreviewControl::setSortOrder(const BaseRenameAction& current) {
@@ -157,8 +178,7 @@ void PreviewControl::sortByCurrentName() {
     const bool isAscending =
         list.sortDescriptors() == std::vector<SortDescriptor>{{NodeKey::smartName, true}};
     list.setSortDescriptors({{NodeKey::smartName, !isAscending}});
-    list.fetch();
-    services.frontEnd.previewListChanged();
+    refreshPreviewSoon();
 }
 
 void PreviewControl::forgetPreviewedActionIfGone() {

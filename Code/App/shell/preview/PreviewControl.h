@@ -42,8 +42,14 @@ class PreviewControl {
     /// Asks the engine for a preview and sets the columns.
     void updatePreview() { showPreview(); }
     void showPreview();
+    /// Gives the list the rows and the order that it is to show next.
+    [[nodiscard]] FetchRequest shownList();
     /// Refetches the list.
     void refreshPreview();
+    /// The same; a long list is sorted on another thread first, and refetched then.
+    void refreshPreviewSoon();
+    /// Does at once what refreshPreviewSoon has left for later.
+    void finishRefresh();
     /// Writes the status line.
     void showStats();
     /// Puts the list into the natural order of the current names, or the reverse of it where it is in that
@@ -83,6 +89,7 @@ class PreviewControl {
     PreviewList list;
     std::function<void()> whenFinished;
     bool followsChanges = true;
+    bool isRefreshDue = false;
     std::unique_ptr<Timer> previewTimer;
     std::unique_ptr<Timer> longProcessingCheckTimer;
     std::optional<PreviewedAction> lastActionThatWasPreviewed;

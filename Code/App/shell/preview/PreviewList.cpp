@@ -46,7 +46,7 @@ void PreviewList::bringUpToDate() {
     rows.clear();
     ++fetches;
     try {
-        rows = context.fetch({FetchEntity::file, predicate, order, 0});
+        rows = context.fetch(request());
         answered = std::move(question);
     } catch (const StoreError& error) {
         debugLog("could not fetch: {}", error.what());

@@ -36,6 +36,8 @@ class PreviewList {
     void setFetchPredicate(Predicate newPredicate) { predicate = std::move(newPredicate); }
     void setSortDescriptors(std::vector<SortDescriptor> newOrder) { order = std::move(newOrder); }
     [[nodiscard]] const std::vector<SortDescriptor>& sortDescriptors() const { return order; }
+    /// What the rows will be fetched by.
+    [[nodiscard]] FetchRequest request() const { return {FetchEntity::file, predicate, order, 0}; }
     void fetch() { isFetchPending = true; }
 
     /// The ids of all rows in order.

@@ -106,8 +106,8 @@ class StoreContext {
     std::vector<SourceItem> sourceItems();
     std::size_t sourceItemCount();
     std::optional<SourceItem> sourceItemWithPath(std::string_view path);
-    /// How many lie below the folder, that is, begin with its path and a "/".
-    std::size_t sourceItemCountBelow(std::string_view folder);
+    /// Whether one lies below the folder, that is, begins with its path and a "/".
+    bool hasSourceItemBelow(std::string_view folder);
     void insertSourceItem(std::string path, bool treatAsFolder);
     void deleteSourceItem(std::string_view path);
     void setSourceItemRead(std::string_view path, bool readInRoot, bool readInSubfolders);

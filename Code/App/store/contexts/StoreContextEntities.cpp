@@ -46,8 +46,8 @@ std::optional<SourceItem> StoreContext::sourceItemWithPath(std::string_view path
     return impl->askSourceItems([path](const SourceItemTable& items) { return items.find(path); });
 }
 
-std::size_t StoreContext::sourceItemCountBelow(std::string_view folder) {
-    return impl->askSourceItems([folder](const SourceItemTable& items) { return items.countBelow(folder); });
+bool StoreContext::hasSourceItemBelow(std::string_view folder) {
+    return impl->askSourceItems([folder](const SourceItemTable& items) { return items.hasBelow(folder); });
 }
 
 void StoreContext::insertSourceItem(std::string path, bool treatAsFolder) {

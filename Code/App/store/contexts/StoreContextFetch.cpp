@@ -13,7 +13,8 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t keptCursors = 8;
-constexpr std::size_t keptSortedLists = 4;
+constexpr std::size_t keptWalks = 4;
+constexpr std::size_t keptSortedRows = 4;
 
 } // namespace
 
@@ -104,27 +105,41 @@ std::uint64_t StoreContext::Impl::versionsOf(const FetchRequest& request) {
     return sum;
 }
 
-StoreContext::Impl::SortedList& StoreContext::Impl::sortedList(const FetchRequest& request) {
+StoreContext::Impl::Walk& StoreContext::Impl::walkAlong(const FetchRequest& request) {
     const FetchRequest whole{request.entity, request.predicate.withoutMarkers(), request.order};
+    auto walk = std::ranges::find_if(walks, [&](const Walk& one) { return one.list->answers(whole); });
+    if (walk != walks.end() && walk->list->versions == versionsOf(whole))
+        return *walk;
+    if (walk == walks.end() && walks.size() == keptWalks)
+        walk = walks.begin();
+    if (walk != walks.end())
+        walks.erase(walk);
+    return walks.emplace_back(Walk{sortedRows(whole)});
+}
+
+/// Those that any context has sorted already, or sorts them now. What is staged here is no other's business.
+std::shared_ptr<const ItemStore::Impl::SortedRows> StoreContext::Impl::sortedRows(const FetchRequest& whole) {
     const std::uint64_t versions = versionsOf(whole);
-    auto list = std::find_if(sortedLists.begin(), sortedLists.end(), [&](const auto& one) {
-        return one->entity == whole.entity && one->predicate == whole.predicate && one->order == whole.order;
-    });
-    if (list != sortedLists.end() && (*list)->versions == versions)
-        return **list;
-    if (list == sortedLists.end() && sortedLists.size() == keptSortedLists)
-        list = sortedLists.begin();
-    if (list != sortedLists.end()) {
-        walked = nullptr;
-        sortedLists.erase(list);
+    const auto isKnown = [&](const auto& one) { return one->answers(whole); };
+    if (!hasStagedRows()) {
+        const ItemStore::Access inside = store.access();
+        const auto known = std::ranges::find_if(inside->sortedRows, isKnown);
+        if (known != inside->sortedRows.end() && (*known)->versions == versions)
+            return *known;
     }
     std::vector<RowId> rows;
     scan(whole, 1, ~RowId{0}, rows);
     sortRows(rows, whole.order);
-    sortedLists.push_back(std::make_unique<SortedList>(
-        SortedList{whole.entity, whole.predicate, whole.order, std::move(rows), 0, versions, true}));
-    SortedList& made = *sortedLists.back();
-    made.isInIdOrder = std::is_sorted(made.rows.begin(), made.rows.end());
+    const bool isInIdOrder = std::ranges::is_sorted(rows);
+    auto made = std::make_shared<const SortedRows>(
+        SortedRows{whole.entity, whole.predicate, whole.order, std::move(rows), versions, isInIdOrder});
+    if (!hasStagedRows()) {
+        const ItemStore::Access inside = store.access();
+        std::erase_if(inside->sortedRows, isKnown);
+        if (inside->sortedRows.size() == keptSortedRows)
+            inside->sortedRows.erase(inside->sortedRows.begin());
+        inside->sortedRows.push_back(made);
+    }
     return made;
 }
 
@@ -191,17 +206,18 @@ void StoreContext::sort(std::vector<RowId>& rows, const std::vector<SortDescript
 }
 
 std::vector<RowId> StoreContext::Impl::fetchSorted(const FetchRequest& request) {
-    SortedList& list = sortedList(request);
+    Walk& walk = walkAlong(request);
+    const std::vector<RowId>& rows = walk.list->rows;
     std::vector<RowId> found;
-    const std::size_t count = list.rows.size();
+    const std::size_t count = rows.size();
     if (request.limit == 0)
         found.reserve(count);
-    const std::size_t start = request.limit == 0 || list.next >= count ? 0 : list.next;
+    const std::size_t start = request.limit == 0 || walk.next >= count ? 0 : walk.next;
     const auto collect = [&](std::size_t from, std::size_t to, auto isMatch) {
-        for (list.next = from; list.next < to && (request.limit == 0 || found.size() < request.limit);
-             ++list.next) {
-            if (isMatch(list.rows[list.next]))
-                found.push_back(list.rows[list.next]);
+        for (walk.next = from; walk.next < to && (request.limit == 0 || found.size() < request.limit);
+             ++walk.next) {
+            if (isMatch(rows[walk.next]))
+                found.push_back(rows[walk.next]);
         }
     };
     const auto collectAll = [&](auto isMatch) {
@@ -215,7 +231,7 @@ std::vector<RowId> StoreContext::Impl::fetchSorted(const FetchRequest& request) 
         const ItemStore::Access inside = store.access();
         collectAll([&](RowId id) { return inside->matches(request, id); });
     }
-    walked = found.empty() || list.isInIdOrder || request.readById ? nullptr : &list;
+    walked = found.empty() || walk.list->isInIdOrder || request.readById ? nullptr : walk.list;
     walkPosition = start;
     return found;
 }

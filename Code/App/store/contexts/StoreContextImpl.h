@@ -91,17 +91,15 @@ struct StoreContext::Impl {
     };
     std::vector<Cursor> cursors;
 
-    struct SortedList {
-        FetchEntity entity;
-        Predicate predicate; // without markers
-        std::vector<SortDescriptor> order;
-        std::vector<RowId> rows;
+    using SortedRows = ItemStore::Impl::SortedRows;
+    /// How far a walk along sorted rows has come.
+    struct Walk {
+        std::shared_ptr<const SortedRows> list;
         std::size_t next = 0;
-        std::uint64_t versions = 0;
-        bool isInIdOrder = true;
     };
-    std::vector<std::unique_ptr<SortedList>> sortedLists;
-    SortedList& sortedList(const FetchRequest& request);
+    std::vector<Walk> walks;
+    Walk& walkAlong(const FetchRequest& request);
+    std::shared_ptr<const SortedRows> sortedRows(const FetchRequest& whole);
     std::uint64_t versionsOf(const FetchRequest& request);
 
     std::unordered_map<RowId, NameSlots> nameIndexes; // by folder, for looking files up by path
@@ -111,7 +109,7 @@ struct StoreContext::Impl {
     RowImages images;
     std::uint64_t imagesRowVersion = 0;
     std::uint64_t imagesDeletionVersion = 0;
-    SortedList* walked = nullptr; // the list out of id order that rows were last fetched from
+    std::shared_ptr<const SortedRows> walked; // those out of id order that rows were last fetched from
     std::size_t walkPosition = 0;
 
   private:

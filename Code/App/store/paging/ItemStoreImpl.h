@@ -63,6 +63,21 @@ struct ItemStore::Impl {
     std::deque<ProcessingError> errors;
     std::uint64_t secret = 0; ///< of the random sort keys
 
+    /// All rows that match a predicate, in an order. What one context has sorted serves the others.
+    struct SortedRows {
+        FetchEntity entity;
+        Predicate predicate; // without markers
+        std::vector<SortDescriptor> order;
+        std::vector<RowId> rows;
+        std::uint64_t versions = 0; ///< of what the order depends on
+        bool isInIdOrder = true;
+
+        [[nodiscard]] bool answers(const FetchRequest& request) const {
+            return entity == request.entity && predicate == request.predicate && order == request.order;
+        }
+    };
+    std::vector<std::shared_ptr<const SortedRows>> sortedRows; ///< the newest at the end
+
     /// Versions by what a list can depend on.
     std::uint64_t insertVersion = 1;
     std::array<std::uint64_t, 4> classVersions{1, 1, 1, 1}; ///< by bit of ColumnClass

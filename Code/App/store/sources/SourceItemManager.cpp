@@ -45,7 +45,7 @@ bool SourceItemManager::addSourceItem(const std::string& path) {
     std::scoped_lock lock(context.mutex());
     if (context.sourceItemWithPath(path))
         return false;
-    if (isDirectory && context.sourceItemCountBelow(path == "/" ? "" : path) > 0)
+    if (isDirectory && context.hasSourceItemBelow(path == "/" ? "" : path))
         return false;
     context.insertSourceItem(path, isDirectory && !FileManager::instance().isBundle(path));
     context.commit();

@@ -39,14 +39,10 @@ std::optional<SourceItem> SourceItemTable::find(std::string_view path) const {
     return SourceItem{found->first, entry.treatAsFolder, entry.readInRoot, entry.readInSubfolders};
 }
 
-std::size_t SourceItemTable::countBelow(std::string_view folder) const {
-    std::string prefix(folder);
-    prefix += '/';
-    std::size_t count = 0;
-    for (auto item = items.lower_bound(prefix); item != items.end() && item->first.starts_with(prefix);
-         ++item)
-        ++count;
-    return count;
+bool SourceItemTable::hasBelow(std::string_view folder) const {
+    const std::string prefix = std::string(folder) + '/';
+    const auto item = items.lower_bound(prefix);
+    return item != items.end() && item->first.starts_with(prefix);
 }
 
 std::vector<SourceItem> SourceItemTable::inOrderAdded() const {

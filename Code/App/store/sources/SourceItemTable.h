@@ -19,8 +19,8 @@ class SourceItemTable {
 
     [[nodiscard]] std::optional<SourceItem> find(std::string_view path) const;
     [[nodiscard]] std::size_t count() const { return items.size(); }
-    /// How many begin with the folder's path and a "/".
-    [[nodiscard]] std::size_t countBelow(std::string_view folder) const;
+    /// Whether one begins with the folder's path and a "/".
+    [[nodiscard]] bool hasBelow(std::string_view folder) const;
     [[nodiscard]] std::vector<SourceItem> inOrderAdded() const;
 
   private:
