@@ -115,6 +115,18 @@ TEST_F(Actions, CheckTypedValues) {
         EXPECT_EQ(make(each.action)->validatedValue(each.typed, each.key), each.stored) << each.key;
 }
 
+TEST_F(Actions, HideParametersOfTheirFamilyThatAreOfNoUse) {
+    for (const auto& [name, key] : {std::pair("Remove text", "replacementTerm"),
+                                    {"Remove characters", "with3"},
+                                    {"Remove text at end", "with"},
+                                    {"Convert to Mac OS 9", "smart"}}) {
+        const auto action = make(name);
+        const auto rows = action->parameters();
+        const auto row = std::ranges::find(rows, key, &ParameterDescription::key);
+        EXPECT_TRUE(row != rows.end() && row->isHidden) << name;
+    }
+}
+
 TEST_F(Actions, TellWhatTheyDo) {
     const auto action = make("Replace text");
     EXPECT_EQ(action->explanation(), u"");
