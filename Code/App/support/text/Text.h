@@ -30,6 +30,8 @@ std::string toUtf8(std::u16string_view text);
 
 /// Decodes what another program wrote: UTF-8, or Mac Roman if the bytes are not UTF-8 from end to end.
 std::u16string fromUtf8OrMacRoman(std::string_view bytes);
+/// Of a character set of one byte each, by its registered name.
+std::u16string fromCharset(std::string_view bytes, const char* charset);
 
 bool isAscii(std::u16string_view text);
 

@@ -213,9 +213,11 @@ std::optional<std::u16string> decodedUtf8(std::string_view bytes) {
     return text;
 }
 
-std::u16string decodedMacRoman(std::string_view bytes) {
+} // namespace
+
+std::u16string fromCharset(std::string_view bytes, const char* charset) {
     UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open("macintosh", &status),
+    const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open(charset, &status),
                                                                        &ucnv_close);
     std::u16string text(bytes.size(), u'\0');
     const std::int32_t length =
@@ -225,11 +227,9 @@ std::u16string decodedMacRoman(std::string_view bytes) {
     return text;
 }
 
-} // namespace
-
 std::u16string fromUtf8OrMacRoman(std::string_view bytes) {
     std::optional<std::u16string> text = decodedUtf8(bytes);
-    return text ? std::move(*text) : decodedMacRoman(bytes);
+    return text ? std::move(*text) : fromCharset(bytes, "macintosh");
 }
 
 namespace {
