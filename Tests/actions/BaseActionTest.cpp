@@ -68,19 +68,13 @@ TEST_F(Actions, TellObserversOfEveryValueTheyHad) {
 
 TEST_F(Actions, SurviveAnObserverThatStopsWhileToldOfAChange) {
     const auto action = make("Add to front");
-    struct Leaving : RecordingObserver {
-        void observeValueForKeyPath(const std::string& key, BaseAction& changed,
-                                    const std::optional<PropertyValue>& oldValue,
-                                    const std::optional<PropertyValue>& newValue) override {
-            RecordingObserver::observeValueForKeyPath(key, changed, oldValue, newValue);
-            own.reset();
-            others.reset();
-        }
-        ActionObservation own, others;
-    } leaving;
-    RecordingObserver other;
-    leaving.own = action->registerObserverForAllValues(leaving);
-    leaving.others = action->registerObserverForAllValues(other);
+    RecordingObserver leaving, other;
+    auto own = action->registerObserverForAllValues(leaving);
+    auto others = action->registerObserverForAllValues(other);
+    leaving.then = [&] {
+        own.reset();
+        others.reset();
+    };
     action->setValue(u"a", "string");
     action->setValue(u"b", "string");
     EXPECT_EQ(leaving.changes.size(), 1U);
@@ -119,6 +113,18 @@ TEST_F(Actions, CheckTypedValues) {
     };
     for (const auto& each : cases)
         EXPECT_EQ(make(each.action)->validatedValue(each.typed, each.key), each.stored) << each.key;
+}
+
+TEST_F(Actions, HideParametersOfTheirFamilyThatAreOfNoUse) {
+    for (const auto& [name, key] : {std::pair("Remove text", "replacementTerm"),
+                                    {"Remove characters", "with3"},
+                                    {"Remove text at end", "with"},
+                                    {"Convert to Mac OS 9", "smart"}}) {
+        const auto action = make(name);
+        const auto rows = action->parameters();
+        const auto row = std::ranges::find(rows, key, &ParameterDescription::key);
+        EXPECT_TRUE(row != rows.end() && row->isHidden) << name;
+    }
 }
 
 TEST_F(Actions, TellWhatTheyDo) {

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -68,6 +69,7 @@ class RecordingObserver : public ActionObserver {
                                 const std::optional<PropertyValue>& oldValue,
                                 const std::optional<PropertyValue>& newValue) override {
         changes.push_back({keyPath, oldValue, newValue});
+        then();
     }
     [[nodiscard]] std::vector<std::string> keys() const {
         std::vector<std::string> keys;
@@ -76,6 +78,7 @@ class RecordingObserver : public ActionObserver {
         return keys;
     }
     std::vector<Change> changes;
+    std::function<void()> then = [] {};
 };
 
 } // namespace tavrin::test

@@ -105,6 +105,8 @@ TEST_F(RenameFromList, OpensNothingButFiles) {
     EXPECT_EQ(load(action, folder.link("dangling", "nowhere")), missing);
     EXPECT_EQ(load(action, folder.path("none")), missing);
     EXPECT_EQ(load(action, std::string(folder.path("target") + '\0')), missing);
+    action.load(u"/\xD800"); // no bytes of any file
+    EXPECT_EQ(text::toUtf8(action.getParamString("status")), missing);
     EXPECT_EQ(load(action, folder.write("\xE9", "x\n")), "1 new names loaded.");
     // Of a size that no list has, without its blocks on the disk.
     const auto huge = folder.write("huge");

@@ -53,20 +53,6 @@ void EngineTestHost::add(const std::vector<std::string>& paths) {
         EXPECT_TRUE(sourceItems.addSourceItem(path)) << path;
 }
 
-void EngineTestHost::setSteps(const std::vector<Step>& steps) {
-    PropertyArray entries;
-    for (const Step& step : steps) {
-        const auto action = actionList.newActionForName(step.action);
-        PropertyDictionary parameters = action->parameterList();
-        for (const auto& [key, value] : step.parameters)
-            parameters.insert_or_assign(key, value);
-        entries.emplace_back(PropertyDictionary{{"action name", text::fromUtf8(step.action)},
-                                                {"action parameter list", std::move(parameters)}});
-    }
-    composite.setFlatParameterList(
-        PropertyDictionary{{"composite actions array", std::move(entries)}, {"currentActionIndex", 0}});
-}
-
 void EngineTestHost::waitUntilIdle() {
     ASSERT_TRUE(loop.runUntil([this] { return !engine.isBusy(); }));
 }

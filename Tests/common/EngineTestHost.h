@@ -3,6 +3,7 @@
 #include "actions/ActionList.h"
 #include "actions/CompositeRenameAction.h"
 #include "common/ManualRunLoop.h"
+#include "common/Recipes.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/ProgressInfo.h"
@@ -85,21 +86,13 @@ class EngineTestHost : public EngineHost {
 
     /// Puts paths on the list; fails the test when one is refused.
     void add(const std::vector<std::string>& paths);
-    /// Makes the list of steps this one; each a name and the parameters that differ from the defaults.
-    struct Step {
-        std::string action;
-        PropertyDictionary parameters;
-    };
-    void setSteps(const std::vector<Step>& steps);
+    using Step = test::Step;
+    void setSteps(const std::vector<Step>& steps) { composite.setFlatParameterList(chain(steps)); }
     void set(const std::string& key, PropertyValue value) { settings.setValue(std::move(value), key); }
 
     // Whole runs, waited for.
     void preview() {
         engine.processPreviewPipeline(progress);
-        waitUntilIdle();
-    }
-    void renameThenContinue() {
-        engine.processRenamingPipelineThenContinue(progress);
         waitUntilIdle();
     }
     void saveList(int format, bool onlyAffected, const std::string& path) {

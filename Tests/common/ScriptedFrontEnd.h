@@ -53,6 +53,7 @@ class ScriptedFrontEnd : public FrontEnd {
     // What was shown.
     std::vector<std::string> events; ///< in order, in the words of the operations below
     std::vector<Alert> alerts;
+    std::vector<RunQuestion> runQuestions;
     FailureReport failures;
     std::optional<TakeBackQuestion> takeBack; ///< the last one
     std::vector<std::string> presented;

@@ -20,27 +20,18 @@ class Variable {
     Variable& operator=(const Variable&) = delete;
 
   private:
-    void set(const char* value) { value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name); }
+    void set(const char* value) {
+        value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name);
+        ::tzset(); // it may have been that of the time zone
+    }
     const char* name;
     std::optional<std::string> former;
 };
 
 /// Local time is that of this zone for one test; told by rules, so that no table of zones is needed.
-class LocalTime {
+class LocalTime : private Variable {
   public:
-    explicit LocalTime(const char* zone = "CET-1CEST,M3.5.0,M10.5.0/3") {
-        variable.emplace("TZ", zone);
-        ::tzset();
-    }
-    ~LocalTime() {
-        variable.reset();
-        ::tzset();
-    }
-    LocalTime(const LocalTime&) = delete;
-    LocalTime& operator=(const LocalTime&) = delete;
-
-  private:
-    std::optional<Variable> variable;
+    explicit LocalTime(const char* zone = "CET-1CEST,M3.5.0,M10.5.0/3") : Variable("TZ", zone) {}
 };
 
 } // namespace tavrin::test
