@@ -1,16 +1,9 @@
 #pragma once
 
 #include "actions/ActionList.h"
+#include "common/Testing.h"
 #include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/UserDefaults.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace tavrin::test {
 

@@ -3,19 +3,10 @@
 #include "actions/CatalogueFixture.h"
 #include "common/FileTimes.h"
 #include "common/ManualRunLoop.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "platform/files/FileSystem.h"
-#include "support/text/Text.h"
 
-#include <algorithm>
-#include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <map>
 #include <regex>
-#include <set>
-#include <stdexcept>
-#include <thread>
 
 namespace tavrin::test {
 

@@ -1,12 +1,8 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/dates/DateFormatter.h"
 #include "common/FileTimes.h"
-#include "common/TemporaryFolder.h"
-#include "common/Variable.h"
+#include "common/Testing.h"
 #include "platform/metadata/FileManager.h"
-#include "support/text/Text.h"
-
-#include <chrono>
 
 namespace tavrin::test {
 

@@ -1,10 +1,7 @@
 // What holds for any name and any parameters: no author of cases thinks of all of them.
 
 #include "actions/CatalogueFixture.h"
-#include "support/text/Text.h"
-
-#include <limits>
-#include <random>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 

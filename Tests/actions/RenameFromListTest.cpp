@@ -1,13 +1,7 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/list/RenameFromListAction.h"
 #include "common/FailingFileSystem.h"
-#include "common/TemporaryFolder.h"
-#include "support/text/Text.h"
-
-#include <fmt/format.h>
-
-#include <filesystem>
-#include <sys/stat.h>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 

@@ -1,14 +1,10 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/tags/MP3Patterns.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStore.h"
 #include "store/rows/FileMO.h"
-#include "support/text/Text.h"
-
-#include <algorithm>
-#include <sys/stat.h>
 
 namespace tavrin::test {
 

@@ -1,9 +1,5 @@
 #include "command/Workplace.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <thread>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 namespace {

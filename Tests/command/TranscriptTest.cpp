@@ -1,16 +1,8 @@
 #include "command/Workplace.h"
+#include "common/Testing.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cctype>
 #include <fnmatch.h>
-#include <fstream>
-#include <ostream>
-#include <stdexcept>
 
 namespace tavrin::test {
 

@@ -1,17 +1,12 @@
 #include "command/Workplace.h"
 
+#include "common/Testing.h"
 #include "platform/desktop/Quoting.h"
 #include "platform/processes/ChildProcess.h"
 
-#include <array>
-#include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
-#include <stdexcept>
-#include <sys/wait.h>
 
 namespace tavrin::test {
 

@@ -1,12 +1,9 @@
 #pragma once
 
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "platform/files/Descriptor.h"
 
-#include <string>
-#include <string_view>
 #include <sys/types.h>
-#include <vector>
 
 namespace tavrin::test {
 

@@ -1,13 +1,9 @@
 #include "common/EngineTestHost.h"
 
 #include "common/ScriptedFrontEnd.h"
-#include "support/text/Text.h"
-
-#include <gtest/gtest.h>
+#include "common/Testing.h"
 
 #include <future>
-#include <thread>
-#include <utility>
 
 namespace tavrin::test {
 

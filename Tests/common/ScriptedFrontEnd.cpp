@@ -1,9 +1,6 @@
 #include "common/ScriptedFrontEnd.h"
 
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-
-#include <array>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 

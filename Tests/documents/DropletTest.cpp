@@ -1,7 +1,6 @@
 #include "actions/CatalogueFixture.h"
 #include "common/Recipes.h"
-#include "common/TemporaryFolder.h"
-#include "common/Variable.h"
+#include "common/Testing.h"
 #include "documents/DropletBundle.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletHandOver.h"
@@ -9,12 +8,6 @@
 #include "documents/DropletScript.h"
 #include "platform/processes/ChildProcess.h"
 #include "platform/propertylists/PropertyList.h"
-
-#include <gmock/gmock.h>
-
-#include <filesystem>
-#include <functional>
-#include <sys/stat.h>
 
 namespace tavrin::test {
 namespace {

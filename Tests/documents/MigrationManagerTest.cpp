@@ -2,18 +2,10 @@
 
 #include "actions/CatalogueFixture.h"
 #include "actions/CompositeRenameAction.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "documents/DropletLauncher.h"
 #include "documents/PresetsManager.h"
 #include "platform/propertylists/PropertyList.h"
-
-#include <gmock/gmock.h>
-
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <map>
-#include <sys/stat.h>
 
 namespace tavrin::test {
 namespace {

@@ -4,12 +4,8 @@
 #include "actions/CompositeRenameAction.h"
 #include "common/FailingFileSystem.h"
 #include "common/Recipes.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "platform/propertylists/PropertyList.h"
-
-#include <fmt/format.h>
-
-#include <cerrno>
 
 namespace tavrin::test {
 namespace {

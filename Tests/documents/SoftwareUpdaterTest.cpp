@@ -1,11 +1,8 @@
 #include "documents/SoftwareUpdater.h"
 
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "documents/UpdateFeed.h"
 #include "platform/propertylists/UserDefaults.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace tavrin::test {
 namespace {

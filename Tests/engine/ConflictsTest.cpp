@@ -1,9 +1,6 @@
 #include "RenameBench.h"
+#include "common/Testing.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
-#include "support/text/Text.h"
-
-#include <random>
-#include <set>
 
 namespace tavrin::test {
 namespace {

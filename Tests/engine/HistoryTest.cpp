@@ -1,13 +1,9 @@
 #include "RandomPlan.h"
+#include "common/Testing.h"
 #include "engine/history/RunHistory.h"
 #include "engine/history/RunRecordReader.h"
 #include "engine/history/TakeBack.h"
 #include "support/values/Crc32.h"
-
-#include <gmock/gmock.h>
-
-#include <filesystem>
-#include <unistd.h>
 
 // Records of runs, what is chosen from them, and what taking a run back leaves.
 

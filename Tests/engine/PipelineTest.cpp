@@ -1,12 +1,9 @@
 #include "RenameBench.h"
+#include "common/Testing.h"
 #include "engine/pipeline/ProcessingPipeline.h"
 #include "engine/reading/CleanUpStages.h"
 #include "platform/files/SandboxHelper.h"
 #include "store/paging/StoreError.h"
-
-#include <algorithm>
-#include <functional>
-#include <stdexcept>
 
 namespace tavrin::test {
 namespace {

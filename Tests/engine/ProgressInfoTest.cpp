@@ -1,11 +1,7 @@
 #include "engine/pipeline/ProgressInfo.h"
 
 #include "common/ManualRunLoop.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <thread>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 namespace {

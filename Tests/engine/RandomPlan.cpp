@@ -1,13 +1,7 @@
 #include "RandomPlan.h"
 
+#include "common/Testing.h"
 #include "engine/renaming/NameOnDisk.h"
-#include "support/text/Text.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <numeric>
-#include <set>
 
 namespace tavrin::test {
 

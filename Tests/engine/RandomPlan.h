@@ -2,10 +2,7 @@
 
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
-
-#include <cerrno>
-#include <functional>
-#include <random>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 

@@ -1,10 +1,7 @@
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
+#include "common/Testing.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
-
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
 
 namespace tavrin::test {
 namespace {

@@ -1,10 +1,5 @@
 #include "RenameBench.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <map>
-#include <thread>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 

@@ -1,15 +1,10 @@
 #include "RenameBench.h"
 
+#include "common/Testing.h"
 #include "engine/pipeline/ProcessingPipeline.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 #include "engine/renaming/PerformRenameStage.h"
 #include "engine/renaming/PrepareForRenamingStage.h"
-#include "support/text/Text.h"
-
-#include <algorithm>
-#include <filesystem>
-#include <tuple>
-#include <unistd.h>
 
 namespace tavrin::test {
 

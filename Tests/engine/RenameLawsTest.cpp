@@ -1,8 +1,5 @@
 #include "RandomPlan.h"
-
-#include <algorithm>
-#include <fcntl.h>
-#include <unistd.h>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 

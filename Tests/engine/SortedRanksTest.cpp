@@ -1,14 +1,7 @@
 #include "RenameBench.h"
+#include "common/Testing.h"
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 #include "support/text/KQStringUtilities.h"
-#include "support/text/Text.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <map>
-#include <random>
 
 namespace tavrin::test {
 namespace {

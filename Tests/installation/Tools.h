@@ -1,14 +1,8 @@
 #pragma once
 
-#include "common/TemporaryFolder.h"
-#include "common/Variable.h"
+#include "common/Testing.h"
 #include "platform/desktop/Quoting.h"
 #include "platform/processes/ChildProcess.h"
-
-#include <fmt/ranges.h>
-#include <gmock/gmock.h>
-
-#include <filesystem>
 
 namespace tavrin::test {
 

@@ -1,8 +1,6 @@
-#include <fmt/format.h>
-#include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
+#include "common/Testing.h"
+
 #include <regex>
 
 // The rules of the house that no compiler keeps: which calls and libraries belong where, and how long a unit

@@ -1,7 +1,6 @@
 #include "common/FailingFileSystem.h"
 #include "common/LogRecorder.h"
-#include "common/TemporaryFolder.h"
-#include "common/Variable.h"
+#include "common/Testing.h"
 #include "platform/desktop/DebugManager.h"
 #include "platform/desktop/FileManagerMenus.h"
 #include "platform/desktop/MenuEntries.h"
@@ -13,15 +12,8 @@
 #include "platform/metadata/FileManager.h"
 #include "platform/processes/ChildProcess.h"
 
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-
-#include <filesystem>
-#include <fstream>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
-#include <thread>
 
 namespace tavrin {
 namespace {

@@ -1,18 +1,10 @@
 #include "common/FailingFileSystem.h"
 #include "common/ManualRunLoop.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "platform/files/FileSystemAccessManager.h"
 #include "platform/files/FolderEntries.h"
 #include "platform/files/UnflaggedRename.h"
 #include "platform/propertylists/UserDefaults.h"
-
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <fcntl.h>
-#include <random>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace tavrin {
 namespace {

@@ -1,10 +1,6 @@
 #include "platform/files/ItemCopy.h"
 
-#include "common/TemporaryFolder.h"
-
-#include <gtest/gtest.h>
-
-#include <cerrno>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 

@@ -1,26 +1,11 @@
 #include "common/FailingFileSystem.h"
 #include "common/LogRecorder.h"
-#include "common/TemporaryFolder.h"
-#include "common/Variable.h"
+#include "common/Testing.h"
 #include "platform/desktop/ResourceFolder.h"
 #include "platform/files/Descriptor.h"
 #include "platform/metadata/ExifHelper.h"
 #include "platform/metadata/FileManager.h"
 #include "platform/metadata/MetadataTool.h"
-#include "support/text/Text.h"
-
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cerrno>
-#include <fcntl.h>
-#include <fstream>
-#include <sstream>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
 
 namespace tavrin {
 namespace {

@@ -1,20 +1,11 @@
 #include "common/ManualRunLoop.h"
-#include "common/Variable.h"
+#include "common/Testing.h"
 #include "platform/desktop/Quoting.h"
 #include "platform/files/Descriptor.h"
 #include "platform/processes/ChildProcess.h"
 #include "platform/processes/QueueRunLoop.h"
 
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <cerrno>
 #include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
-#include <stdexcept>
-#include <thread>
 
 namespace tavrin {
 namespace {

@@ -1,22 +1,11 @@
 #include "common/FailingFileSystem.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "platform/files/Descriptor.h"
 #include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/UserDefaults.h"
 
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-
-#include <atomic>
-#include <cerrno>
 #include <clocale>
-#include <fcntl.h>
-#include <filesystem>
-#include <limits>
-#include <random>
-#include <sstream>
 #include <sys/file.h>
-#include <thread>
 
 namespace tavrin {
 namespace {

@@ -1,16 +1,12 @@
 #include "common/Recipes.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "documents/DropletBundleWriter.h"
 #include "platform/propertylists/PropertyList.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/start/BusLink.h"
 #include "presentation/start/SocketLink.h"
 
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-
 #include <QtTest>
-#include <filesystem>
 
 // The program as users and file managers start it.
 

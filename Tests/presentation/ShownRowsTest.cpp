@@ -1,13 +1,10 @@
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "presentation/preview/NameDifference.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "support/values/Crc32.h"
 
-#include <gmock/gmock.h>
-
 #include <QtTest>
-#include <sys/stat.h>
 
 // What the rows of the list show.
 

@@ -1,15 +1,8 @@
 #include "common/FailingVfs.h"
+#include "common/Testing.h"
 #include "store/StoreTestData.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/TextRegion.h"
-
-#include <fmt/core.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <vector>
 
 namespace tavrin::test {
 namespace {

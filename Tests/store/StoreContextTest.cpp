@@ -1,16 +1,8 @@
 #include "store/contexts/StoreContext.h"
 
+#include "common/Testing.h"
 #include "store/StoreTestData.h"
 #include "store/rows/FileMO.h"
-
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <functional>
-#include <mutex>
-#include <thread>
-#include <tuple>
-#include <utility>
 
 namespace tavrin::test {
 namespace {

@@ -1,15 +1,7 @@
+#include "common/Testing.h"
 #include "store/StoreTestData.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/KQStringUtilities.h"
-#include "support/text/Text.h"
-
-#include <algorithm>
-#include <functional>
-#include <map>
-#include <random>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 // Random work on the store against a plain model of it.
 

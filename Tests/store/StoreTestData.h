@@ -1,14 +1,8 @@
 #pragma once
 
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStore.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <string_view>
 
 namespace tavrin::test {
 

@@ -1,12 +1,9 @@
 #include "support/text/TextSearch.h"
 
+#include "common/Testing.h"
 #include "support/text/RegularExpression.h"
-#include "support/text/Text.h"
-
-#include <gtest/gtest.h>
 
 #include <ctime>
-#include <random>
 
 namespace tavrin {
 

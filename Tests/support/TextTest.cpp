@@ -1,13 +1,9 @@
-#include "support/text/Text.h"
 
+#include "common/Testing.h"
 #include "support/text/DisplayText.h"
 #include "support/text/KQStringUtilities.h"
 
-#include <gtest/gtest.h>
 #include <unicode/ubrk.h>
-
-#include <memory>
-#include <random>
 
 namespace tavrin::text {
 namespace {

@@ -1,23 +1,16 @@
 #include "common/LogRecorder.h"
-#include "common/Variable.h"
+#include "common/Testing.h"
 #include "support/application/ApplicationNameSubstitution.h"
 #include "support/application/DebugLog.h"
 #include "support/application/StackedViewLayout.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/text/PathParts.h"
-#include "support/text/Text.h"
 #include "support/values/CalendarFormat.h"
 #include "support/values/DecimalNumbers.h"
 #include "support/values/PropertyValue.h"
 #include "support/values/VersionComparison.h"
 
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <fstream>
-#include <limits>
-#include <sstream>
 
 namespace tavrin {
 namespace {

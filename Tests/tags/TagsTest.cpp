@@ -1,20 +1,12 @@
-#include "common/Variable.h"
+#include "common/Testing.h"
 #include "platform/files/FileStatus.h"
 #include "platform/propertylists/UserDefaults.h"
-#include "support/text/Text.h"
 #include "tags/MixedTokenFieldLogic.h"
 #include "tags/TagArrayController.h"
 #include "tags/TagForms.h"
 #include "tags/TagLibraryHelper.h"
 #include "tags/TagNotice.h"
 #include "tags/TaggedFile.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <limits>
-#include <set>
 
 namespace tavrin::test {
 

@@ -1,11 +1,8 @@
+#include "common/Testing.h"
 #include "platform/propertylists/UserDefaults.h"
-#include "support/text/Text.h"
 #include "tags/MixedTokenFieldLogic.h"
 #include "tags/StringToInvisiblesValueTransformer.h"
 #include "tags/TagLibraryHelper.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace tavrin::test {
 
