@@ -121,7 +121,7 @@ void PreviewControl::refreshPreview() {
     debugLog("--------------------------------------------------------");
     isRefreshDue = false;
     services.frontEnd.selectPreviewTab(PreviewTab::status);
-    static_cast<void>(shownList());
+    prepareList();
     lastCurrentStep = &services.composite.getCurrentAction();
     list.fetch();
     services.frontEnd.previewListChanged();
@@ -142,14 +142,19 @@ void PreviewControl::finishRefresh() {
         refreshPreview();
 }
 
-FetchRequest PreviewControl::shownList() {
+std::optional<FetchRequest> PreviewControl::shownList() {
+    prepareList();
+    return list.isLookedAt() ? std::optional(list.request()) : std::nullopt;
+}
+
+/// Gives the list the rows and the order that it is to show.
+void PreviewControl::prepareList() {
     list.setFetchPredicate(FilterManager::currentFilterPredicate(services.settings.values().itemFilter()));
     const BaseRenameAction& current = services.composite.getCurrentAction();
     forgetPreviewedActionIfGone();
     setSortOrder(current);
     const bool isSortBased = dynamic_cast<const SortBasedAction*>(&current) != nullptr;
     lastActionThatWasPreviewed = PreviewedAction{&current, isSortBased};
-    return list.request();
 }
 
 void PreviewControl::setSortOrder(const BaseRenameAction& current) {

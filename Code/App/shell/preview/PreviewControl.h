@@ -42,8 +42,8 @@ class PreviewControl {
     /// Asks the engine for a preview and sets the columns.
     void updatePreview() { showPreview(); }
     void showPreview();
-    /// Gives the list the rows and the order that it is to show next.
-    [[nodiscard]] FetchRequest shownList();
+    /// The rows and the order that the next refresh will show; nothing where nobody looks at the list.
+    [[nodiscard]] std::optional<FetchRequest> shownList();
     /// Refetches the list.
     void refreshPreview();
     /// The same; a long list is sorted on another thread first, and refetched then.
@@ -77,6 +77,7 @@ class PreviewControl {
     void askAboutManualSorting(bool isSortBased);
     void compositeFragmentChanged();
     void forgetPreviewedActionIfGone();
+    void prepareList();
     void setSortOrder(const BaseRenameAction& current);
     [[nodiscard]] std::string statusText();
     /// What the preview could not do, with its first reason; empty where all went well.

@@ -24,6 +24,7 @@ auto PreviewList::read(Read&& what) -> decltype(what(std::declval<StoreContext&>
 }
 
 const std::vector<RowId>& PreviewList::arrangedObjects() {
+    hasBeenAsked = true;
     if (answered && answered->generation != store.generation()) {
         rows.clear();
         answered.reset();

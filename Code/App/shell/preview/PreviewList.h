@@ -39,6 +39,8 @@ class PreviewList {
     /// What the rows will be fetched by.
     [[nodiscard]] FetchRequest request() const { return {FetchEntity::file, predicate, order, 0}; }
     void fetch() { isFetchPending = true; }
+    /// Whether anybody has ever asked for rows; a program without a window never does.
+    [[nodiscard]] bool isLookedAt() const { return hasBeenAsked; }
 
     /// The ids of all rows in order.
     [[nodiscard]] const std::vector<RowId>& arrangedObjects();
@@ -83,6 +85,7 @@ class PreviewList {
     Predicate predicate = Predicate::always();
     std::vector<SortDescriptor> order;
     bool isFetchPending = false;
+    bool hasBeenAsked = false;
     std::vector<RowId> rows;
     std::optional<Question> answered;
     std::uint64_t fetches = 0;
