@@ -1,14 +1,8 @@
-#include "common/Variable.h"
 #include "documents/DropletBundle.h"
-#include "documents/RecipeFile.h"
-#include "platform/propertylists/PropertyList.h"
 #include "shell/ShellFixture.h"
 
 namespace tavrin::test {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 class StartSequenceTest : public ShellFixture {
   protected:
@@ -59,8 +53,8 @@ TEST_F(StartSequenceTest, AFirstStartIsCleanAndALaterOneHasWhatTheEndHasStored) 
     start();
     EXPECT_EQ(controller().operationMode(), OperationMode::normal);
     EXPECT_EQ(controller().compositeAction().getFlatParameterList(), steps);
-    EXPECT_EQ(controller().globalSettings().values().shouldShowPath, 1);
-    EXPECT_TRUE(controller().globalSettings().values().automaticSorting);
+    EXPECT_EQ(settings().shouldShowPath, 1);
+    EXPECT_TRUE(settings().automaticSorting);
     EXPECT_EQ(defaults.objectForKey("location"), PropertyValue(u"/opt/tavrin"));
 }
 
@@ -95,7 +89,7 @@ TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
     EXPECT_THAT(files.tree(), ElementsAre(std::pair("aX.txt", "")));
     EXPECT_EQ(frontEnd.alerts.back().title, "1 file name was changed.");
     EXPECT_THAT(frontEnd.presented, ElementsAre("Left out: It is the same item as " + a + ": " + again));
-    EXPECT_THAT(frontEnd.events, ::testing::Not(::testing::Contains("showWindow")));
+    EXPECT_THAT(frontEnd.events, Not(Contains("showWindow")));
     // Nothing of the droplet reaches what the user has stored.
     EXPECT_EQ(defaults.objectForKey("composite action"), PropertyValue(chain({{"Remove text", {}}})));
     EXPECT_EQ(defaults.objectForKey("actions"), std::nullopt);
@@ -150,7 +144,7 @@ TEST_F(StartSequenceTest, InADropletThatIsEditedTheButtonSaves) {
     defaults.setObject("don't show droplet edit information again", true);
     start();
     controller().ok();
-    EXPECT_THAT(frontEnd.presented, ElementsAre(::testing::StartsWith("The droplet could not be saved. ")));
+    EXPECT_THAT(frontEnd.presented, ElementsAre(StartsWith("The droplet could not be saved. ")));
     EXPECT_FALSE(frontEnd.isTerminated);
     (void)files.makeFolder("later");
     controller().ok();

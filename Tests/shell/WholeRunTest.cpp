@@ -1,13 +1,7 @@
 #include "shell/ShellFixture.h"
 
-#include <thread>
-
 namespace tavrin::test {
 namespace {
-
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::Pair;
 
 class WholeRunTest : public ShellFixture {
   protected:
@@ -88,7 +82,7 @@ TEST_F(WholeRunTest, TheListIsClearedOrTheApplicationEndsWhenSoWished) {
 TEST_F(WholeRunTest, AListIsSaved) {
     startReplacing({"a1", "x"});
     frontEnd.expect("list format", FileListChoice{NoticeAnswer::ok, 0, true});
-    frontEnd.expect("save path", std::optional<std::string>(data.path("list.txt")));
+    frontEnd.expect("save path", std::optional(data.path("list.txt")));
     frontEnd.expect("alert fileListSaved");
     controller().createFileList();
     waitUntilIdle();
@@ -141,13 +135,12 @@ TEST_F(WholeRunTest, AStoreWithoutAFileMovesIntoMemoryAndTheWorkGoesOn) {
     (void)data.write("Data", "a file where the folder should be");
     options.usesUserFolders = false;
     startReplacing({"a1"});
-    EXPECT_THAT(frontEnd.presented,
-                ElementsAre(::testing::StartsWith("The list of items can't be kept in a file")));
+    EXPECT_THAT(frontEnd.presented, ElementsAre(StartsWith("The list of items can't be kept in a file")));
     EXPECT_EQ(defaults.integerForKey("store"), 1);
     waitForPreview();
     EXPECT_THAT(table(), ElementsAre("a1 > b1"));
     rename();
-    EXPECT_THAT(files.tree(), ElementsAre(Pair("b1", "a1")));
+    EXPECT_THAT(files.tree(), ElementsAre(std::pair("b1", "a1")));
 }
 
 TEST_F(WholeRunTest, ContextAndStoreAreMadeOnceWhoeverAsks) {
