@@ -74,11 +74,6 @@ TEST_F(PresetMigrationTest, CopiesAllOrNothing) {
              std::ofstream(at + "/huge").put('x');
              std::filesystem::resize_file(at + "/huge", std::uintmax_t{1} << 40);
          }},
-        {"folders without end",
-         [](std::string at) {
-             for (int depth = 0; depth < 70; ++depth)
-                 ASSERT_EQ(::mkdir((at += "/d").c_str(), 0700), 0);
-         }},
     };
     for (const auto& [name, make] : cases) {
         make(folder.makeFolder(name + "/Presets"));
@@ -89,17 +84,6 @@ TEST_F(PresetMigrationTest, CopiesAllOrNothing) {
     (void)folder.makeFolder("empty/Presets");
     EXPECT_TRUE(migrates("empty") && migrates("nowhere"));
     EXPECT_EQ(own.tree(), before);
-}
-
-TEST_F(PresetMigrationTest, AFolderIsNotCopiedIntoItself) {
-    (void)own.write("Presets/own.tvrn8preset.plist", "O");
-    EXPECT_FALSE(MigrationManager::migratePresetsFolderAt(own.path(), presets).wasCopied);
-    PresetsManager below(folder.path("around/Presets/data/Presets"), folder.path("Global"),
-                         [this]() -> CompositeRenameAction& { return composite; });
-    below.startup();
-    const Tree before = folder.tree();
-    EXPECT_FALSE(MigrationManager::migratePresetsFolderAt(folder.path("around"), below).wasCopied);
-    EXPECT_EQ(folder.tree(), before);
 }
 
 class DropletMigrationTest : public ::testing::Test {

@@ -12,11 +12,8 @@ UpdateFeedItem item(const std::string& version, const std::string& minimum = "")
 }
 
 TEST(SoftwareUpdaterTest, ChoosesTheNewestThatTheSystemCanRunAndKnowsWhatIsNewerThanItself) {
-    struct Case {
-        std::vector<UpdateFeedItem> items;
-        int best; ///< its place in the feed; -1 for none
-    };
-    const std::vector<Case> cases{
+    // The items of a feed, and the place of the best among them; -1 for none.
+    const std::pair<std::vector<UpdateFeedItem>, int> cases[] = {
         {{}, -1},
         {{item("9.1", "10.9")}, -1},
         {{item("9.1", "10.8.5")}, 0},
@@ -26,9 +23,9 @@ TEST(SoftwareUpdaterTest, ChoosesTheNewestThatTheSystemCanRunAndKnowsWhatIsNewer
         {{item(""), item("9.1"), item("")}, 1},
     };
     const SoftwareUpdater updater("9.0", "10.8.5");
-    for (std::size_t i = 0; i < cases.size(); ++i) {
-        const UpdateFeedItem* best = updater.bestValidUpdateInAppcast(cases[i].items);
-        EXPECT_EQ(best ? best - cases[i].items.data() : -1, cases[i].best) << "case " << i;
+    for (const auto& [items, place] : cases) {
+        const UpdateFeedItem* best = updater.bestValidUpdateInAppcast(items);
+        EXPECT_EQ(best ? best - items.data() : -1, place) << items.size();
     }
     for (const auto& [offered, isNewer] : {std::pair{"9.2", true}, {"9.0.9", false}, {"8.9", false}})
         EXPECT_EQ(updater.isNewer(item(offered)), isNewer) << offered;
@@ -56,7 +53,6 @@ TEST(UpdateFeedTest, KnowsPathsAndAddresses) {
         EXPECT_EQ(feed.location, location) << given;
     }
     UserDefaults defaults;
-    EXPECT_EQ(UpdateFeed::ofDefaults(defaults).place, Place::none);
     defaults.setObject("SUFeedURL", 7);
     EXPECT_EQ(UpdateFeed::ofDefaults(defaults).place, Place::none);
     defaults.setObject("SUFeedURL", u"/f");

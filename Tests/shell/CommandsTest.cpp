@@ -55,11 +55,6 @@ TEST_F(CommandsTest, TheListOfStepsShowsHidesAndKeepsItsWidth) {
     }
     EXPECT_FALSE(isShown());
     EXPECT_EQ(defaults.floatForKey("actionListSeparatorPosition"), 230);
-    EXPECT_TRUE(commands().canCollapse());
-    commands().addAction();
-    EXPECT_FALSE(commands().canCollapse());
-    commands().clearActions();
-
     // A preset of several steps brings it up; one that is no good is told and changes nothing.
     const auto save = [this](const char* path, const std::vector<Step>& list) {
         (void)data.write(path, PropertyList::toXml(PropertyDictionary{{"compositeAction", chain(list)}}));
@@ -69,13 +64,10 @@ TEST_F(CommandsTest, TheListOfStepsShowsHidesAndKeepsItsWidth) {
     controller().presetsManager().loadPresets();
     controller().applyPreset(1);
     EXPECT_EQ(frontEnd.presented.size(), 1u);
-    EXPECT_EQ(stepNames().size(), 1u);
     EXPECT_FALSE(isShown());
-    waitForPreview();
     controller().applyPreset(0);
     EXPECT_THAT(stepNames(), ElementsAre("Replace text", "Remove text"));
     EXPECT_TRUE(isShown());
-    EXPECT_TRUE(controller().previewControl().isPreviewPending());
 }
 
 TEST_F(CommandsTest, RefusalsSpeakOnceAndOnlyToTheUser) {

@@ -1,5 +1,7 @@
 #include "shell/ShellFixture.h"
 
+#include <future>
+
 namespace tavrin::test {
 namespace {
 
@@ -144,14 +146,13 @@ TEST_F(WholeRunTest, AStoreWithoutAFileMovesIntoMemoryAndTheWorkGoesOn) {
 }
 
 TEST_F(WholeRunTest, ContextAndStoreAreMadeOnceWhoeverAsks) {
-    std::vector<std::thread> threads;
-    std::vector<const StoreContext*> contexts(8);
+    std::vector<std::future<StoreContext*>> contexts;
     controller();
-    for (const StoreContext*& context : contexts)
-        threads.emplace_back([&] { context = &controller().managedObjectContext(); });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(contexts, std::vector<const StoreContext*>(contexts.size(), contexts.front()));
+    for (int i = 0; i < 8; ++i)
+        contexts.push_back(
+            std::async(std::launch::async, [&] { return &controller().managedObjectContext(); }));
+    for (auto& context : contexts)
+        EXPECT_EQ(context.get(), &controller().managedObjectContext());
 }
 
 } // namespace
