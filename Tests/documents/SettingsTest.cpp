@@ -66,22 +66,16 @@ TEST_F(SettingsTest, SurviveAStoreAndALoad) {
 }
 
 TEST_F(SettingsTest, ObserversSeeEachSetterButOneWithTheNewValuesInPlace) {
-    struct Watcher : RecordingObserver {
-        void observeValueForKeyPath(const std::string& keyPath, BaseAction& object,
-                                    const std::optional<PropertyValue>& oldValue,
-                                    const std::optional<PropertyValue>& newValue) override {
-            RecordingObserver::observeValueForKeyPath(keyPath, object, oldValue, newValue);
-            seen = static_cast<TVRNGlobalPreferencesPseudoAction&>(object).values();
-        }
-        Settings seen;
-    } watcher;
+    RecordingObserver watcher;
+    Settings seen;
+    watcher.then = [&] { seen = action.values(); };
     const auto observation = action.registerObserverForAllValues(watcher);
     action.setAutomaticSorting(false);
     action.setLastAddDirectory("/tmp");
     action.setShouldContinueAfterRename(false);
     EXPECT_FALSE(action.values().shouldContinueAfterRename);
     action.setShouldProcessFiles(0);
-    EXPECT_EQ(watcher.seen.shouldProcessFiles, 0);
+    EXPECT_EQ(seen.shouldProcessFiles, 0);
     EXPECT_EQ(watcher.keys(),
               (std::vector<std::string>{"automaticSorting", "lastAddDirectory", "processFiles"}));
     EXPECT_EQ(watcher.changes.front(), (RecordingObserver::Change{"automaticSorting", true, false}));

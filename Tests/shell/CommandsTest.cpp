@@ -18,6 +18,7 @@ TEST_F(CommandsTest, StepsComeAndGoAndTheCurrentOneIsTheNearest) {
     };
     commands().addAction();
     EXPECT_EQ(left(), "1, Add to end, Add to end, Replace text, Remove text");
+    EXPECT_FALSE(commands().canCollapse());
     commands().moveAction(1, 3);
     EXPECT_EQ(left(), "3, Add to end, Replace text, Remove text, Add to end");
     EXPECT_EQ(steps().getCurrentAction().getParamString("string"), u"X");
@@ -32,6 +33,7 @@ TEST_F(CommandsTest, StepsComeAndGoAndTheCurrentOneIsTheNearest) {
     commands().clearActions();
     commands().removeAction();
     EXPECT_EQ(left(), "0, Replace text");
+    EXPECT_TRUE(commands().canCollapse());
 }
 
 TEST_F(CommandsTest, TheListOfStepsShowsHidesAndKeepsItsWidth) {

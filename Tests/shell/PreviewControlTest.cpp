@@ -112,28 +112,25 @@ TEST_F(PreviewControlTest, TheOrderOfTheListFollowsTheAction) {
 
 TEST_F(PreviewControlTest, ManualSortingAsksOnceAndTurnsTheActionRound) {
     startWith({{"Produce numbered list", {}}, {"Add to end", {}}});
-    const auto sortAutomatically = [this](bool isOn) {
-        controller().globalSettings().setAutomaticSorting(isOn);
-    };
     auto& numbering = dynamic_cast<SortBasedAction&>(current());
     frontEnd.expect("alert manualSorting", AlertAnswer{0, true});
-    sortAutomatically(false);
+    set("automaticSorting", false);
     EXPECT_TRUE(numbering.usingManualSorting());
     EXPECT_THAT(frontEnd.alerts.back().text, HasSubstr("use the manual ordering."));
     EXPECT_TRUE(frontEnd.alerts.back().hasSuppressionBox);
     EXPECT_TRUE(asksForPreview());
     EXPECT_EQ(order(), manualOrder);
-    sortAutomatically(true);
+    set("automaticSorting", true);
     EXPECT_FALSE(numbering.usingManualSorting());
     waitForPreview();
-    sortAutomatically(false); // the box was ticked
+    set("automaticSorting", false); // the box was ticked
     EXPECT_TRUE(numbering.usingManualSorting());
 
     // An action without an order has a text and a memory of its own.
-    sortAutomatically(true);
+    set("automaticSorting", true);
     select(1);
     frontEnd.expect("alert manualSorting", AlertAnswer{0, false});
-    sortAutomatically(false);
+    set("automaticSorting", false);
     EXPECT_THAT(frontEnd.alerts.back().text, HasSubstr("bottom right of the preview list."));
     EXPECT_TRUE(defaults.boolForKey("showManualSortingAlert"));
     EXPECT_FALSE(defaults.boolForKey("showManualSortingSortBasedActionAlert"));
