@@ -11,15 +11,11 @@ TEST(FirstLaunch, AFirstLaunchBeginsCleanAndIsRememberedOnDisk) {
     for (const int version : {80000, 80002, 0}) {
         SCOPED_TRACE(version);
         const TemporaryFolder folder;
-        const std::string path = folder.path("defaults.plist");
-        {
-            UserDefaults other(path);
-            if (version > 0)
-                other.setObject("firstLaunchVersion", version);
-            other.setObject("actions", PropertyDictionary{{"Add to end", PropertyDictionary()}});
-            ASSERT_TRUE(other.synchronize());
-        }
-        const std::string bytes = folder.read("defaults.plist");
+        PropertyDictionary stored{{"actions", PropertyDictionary{{"Add to end", PropertyDictionary()}}}};
+        if (version > 0)
+            stored.emplace("firstLaunchVersion", version);
+        const std::string bytes = PropertyList::toXml(stored);
+        const std::string path = folder.write("defaults.plist", bytes);
         UserDefaults defaults(path);
         FirstLaunchManager manager(defaults, "/opt/tavrin");
         EXPECT_TRUE(manager.callOnlyOnceIsFirstLaunch());
@@ -54,12 +50,9 @@ TEST(FirstLaunch, AFirstLaunchBeginsCleanAndIsRememberedOnDisk) {
 TEST(FirstLaunch, WhatCannotBeCopiedStaysAsItIs) {
     for (const FileCall call : {FileCall::read, FileCall::write, FileCall::rename}) {
         const TemporaryFolder folder;
-        const std::string path = folder.path("defaults.plist");
-        UserDefaults newer(path);
-        newer.setObject("firstLaunchVersion", 90000);
-        ASSERT_TRUE(newer.synchronize());
+        const PropertyDictionary stored{{"firstLaunchVersion", 90000}};
+        UserDefaults defaults(folder.write("defaults.plist", PropertyList::toXml(stored)));
         const auto tree = folder.tree();
-        UserDefaults defaults(path);
         FailingFileSystem failing;
         failing.failKind(call, ENOSPC);
         FirstLaunchManager manager(defaults, "/opt/tavrin");

@@ -38,8 +38,8 @@ class ConfirmationFlowTest : public ShellFixture {
 
 TEST_F(ConfirmationFlowTest, WhatCannotBeDoneIsToldAndStartsNothing) {
     start();
-    for (const auto& [choice, isLast] : {std::pair{NoticeAnswer::ok, false}, {NoticeAnswer::help, true}}) {
-        frontEnd.expect("notice noFilesSelected", NoticeAnswer{choice, isLast});
+    for (const auto& answer : {NoticeAnswer{NoticeAnswer::ok, false}, {NoticeAnswer::help, true}}) {
+        frontEnd.expect("notice noFilesSelected", answer);
         EXPECT_EQ(apply(), false);
     }
     EXPECT_EQ(frontEnd.events.back(), "help helpTopic7");

@@ -14,9 +14,8 @@ class StartSequenceTest : public ShellFixture {
                                         {"Version", u"9.0.0"}});
         defaults.setProcessObject("droplet settings", std::move(record));
     }
-    void run() { controller().applicationDidFinishLaunching(); }
     void runToTheEnd() {
-        run();
+        controller().applicationDidFinishLaunching();
         ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
     }
 };
@@ -25,7 +24,7 @@ TEST_F(StartSequenceTest, AFirstStartIsCleanAndALaterOneHasWhatTheEndHasStored) 
     defaults.removeObject("firstLaunchVersion");
     defaults.setObject("composite action", chain({{"Add to end", {}}})); // a first launch forgets it
     defaults.setProcessObject("store", 1);
-    run();
+    controller().applicationDidFinishLaunching();
     EXPECT_TRUE(controller().hasFinishedInitializing());
     EXPECT_THAT(stepNames(), ElementsAre("Produce numbered list"));
     waitForPreview();
@@ -115,7 +114,7 @@ TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
                                               {"settings plist path", text::fromBytes(settingsPath)}});
         frontEnd.expect("alert dropletUpgrade");
         frontEnd.expect("alert dropletUpgrade", ScriptedFrontEnd::Held());
-        run();
+        controller().applicationDidFinishLaunching();
         EXPECT_EQ(frontEnd.alerts.back().title, title);
         EXPECT_FALSE(frontEnd.isTerminated);
         frontEnd.answerHeld(AlertAnswer());
