@@ -116,7 +116,7 @@ TEST_F(PreviewControlTest, ManualSortingAsksOnceAndTurnsTheActionRound) {
     frontEnd.expect("alert manualSorting", AlertAnswer{0, true});
     set("automaticSorting", false);
     EXPECT_TRUE(numbering.usingManualSorting());
-    EXPECT_THAT(frontEnd.alerts.back().text, HasSubstr("use the manual ordering."));
+    EXPECT_THAT(frontEnd.alerts.back().text, ::testing::EndsWith("use the manual ordering."));
     EXPECT_TRUE(frontEnd.alerts.back().hasSuppressionBox);
     EXPECT_TRUE(asksForPreview());
     EXPECT_EQ(order(), manualOrder);
@@ -131,7 +131,7 @@ TEST_F(PreviewControlTest, ManualSortingAsksOnceAndTurnsTheActionRound) {
     select(1);
     frontEnd.expect("alert manualSorting", AlertAnswer{0, false});
     set("automaticSorting", false);
-    EXPECT_THAT(frontEnd.alerts.back().text, HasSubstr("bottom right of the preview list."));
+    EXPECT_THAT(frontEnd.alerts.back().text, ::testing::EndsWith("bottom right of the preview list."));
     EXPECT_TRUE(defaults.boolForKey("showManualSortingAlert"));
     EXPECT_FALSE(defaults.boolForKey("showManualSortingSortBasedActionAlert"));
     waitForPreview();

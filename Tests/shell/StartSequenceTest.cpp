@@ -51,7 +51,6 @@ TEST_F(StartSequenceTest, AFirstStartIsCleanAndALaterOneHasWhatTheEndHasStored) 
     EXPECT_EQ(controller().compositeAction().getFlatParameterList(), steps);
     EXPECT_EQ(settings().shouldShowPath, 1);
     EXPECT_TRUE(settings().automaticSorting);
-    EXPECT_EQ(defaults.objectForKey("location"), PropertyValue(u"/opt/tavrin"));
 }
 
 TEST_F(StartSequenceTest, AHandedOverChainThatIsNoGoodIsToldAndRenamesNothing) {

@@ -56,7 +56,8 @@ TEST_F(UpdateCheckTest, TellsWhoAsksWhatTheFeedHasAndOpensItsPageOnRequestAlone)
         updates().checkForUpdatesNow();
         const Alert& alert = frontEnd.alerts.back();
         EXPECT_EQ(fmt::format("{} {}", alert.title, fmt::join(alert.buttons, ", ")), told);
-        EXPECT_EQ(frontEnd.events.back().starts_with("open") ? frontEnd.events.back() : "", opened);
+        std::erase_if(frontEnd.events, [](const std::string& event) { return event.starts_with("asked"); });
+        EXPECT_EQ(fmt::format("{}", fmt::join(std::exchange(frontEnd.events, {}), " ")), opened);
     }
     const std::pair<std::string, const char*> failures[] = {{"", "no address is set"},
                                                             {"feed.xml", "this is no address of a feed"},
@@ -65,8 +66,7 @@ TEST_F(UpdateCheckTest, TellsWhoAsksWhatTheFeedHasAndOpensItsPageOnRequestAlone)
     for (const auto& [location, reason] : failures) {
         setFeed(location);
         updates().checkForUpdatesNow();
-        ASSERT_FALSE(frontEnd.presented.empty()) << location;
-        EXPECT_THAT(frontEnd.presented.back(), HasSubstr(reason));
+        EXPECT_THAT(std::exchange(frontEnd.presented, {}), ElementsAre(HasSubstr(reason)));
     }
 }
 
