@@ -29,6 +29,7 @@ TEST(SoftwareUpdaterTest, ChoosesTheNewestThatTheSystemCanRunAndKnowsWhatIsNewer
     }
     for (const auto& [offered, isNewer] : {std::pair{"9.2", true}, {"9.0.9", false}, {"8.9", false}})
         EXPECT_EQ(updater.isNewer(item(offered)), isNewer) << offered;
+    EXPECT_FALSE(SoftwareUpdater("9.1b2", "1").isNewer(item("9.1b2")));
 }
 
 TEST(UpdateFeedTest, KnowsPathsAndAddresses) {
