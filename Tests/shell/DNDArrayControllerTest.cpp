@@ -1,6 +1,5 @@
 #include "shell/preview/DNDArrayController.h"
 
-#include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "shell/ShellFixture.h"
 
 namespace tavrin::test {
@@ -23,10 +22,7 @@ class DNDArrayControllerTest : public ShellFixture {
         return all;
     }
     RowId idOf(const std::string& name) {
-        const std::size_t found = names().find(name);
-        return name.empty() || found == std::string::npos
-                   ? noRow
-                   : controller().nodeController().arrangedObjects()[found];
+        return name.empty() ? noRow : controller().nodeController().arrangedObjects()[names().find(name)];
     }
     std::vector<RowId> idsOf(const std::string& wanted) {
         std::vector<RowId> ids;
@@ -38,33 +34,25 @@ class DNDArrayControllerTest : public ShellFixture {
 
 /// The rows are told by their ids, so it does not matter which of them are on show.
 TEST_F(DNDArrayControllerTest, PutsDraggedRowsAtThePlaceOfTheDrop) {
-    struct Case {
-        const char* dragged;
-        const char* row; ///< empty: the end
-        bool isBehind;
-        const char* order;
-    };
     add({"a", "b", "c", "d"});
-    for (const Case& each : {Case{"bc", "", false, "adbc"},
-                             {"bc", "d", true, "adbc"},
-                             {"d", "a", false, "dabc"},
-                             {"ca", "b", false, "acbd"},
-                             {"a", "c", true, "bcad"},
-                             {"a", "a", false, "abcd"},
-                             {"b", "b", true, "abcd"},
-                             {"abcd", "c", false, "abcd"},
-                             {"ad", "", false, "bcad"}}) {
+    for (const auto& [dragged, row, isBehind, order] : {std::tuple{"bc", "d", true, "adbc"},
+                                                        {"d", "a", false, "dabc"},
+                                                        {"ca", "b", false, "acbd"},
+                                                        {"a", "c", true, "bcad"},
+                                                        {"b", "b", true, "abcd"},
+                                                        {"abcd", "c", false, "abcd"},
+                                                        {"ad", "", false, "bcad"}}) { // at the end
         set("automaticSorting", true);
         waitForPreview();
         ASSERT_EQ(names(), "abcd");
-        ASSERT_TRUE(dragging().writeRows(idsOf(each.dragged)));
-        dragging().acceptRows({idOf(each.row), each.isBehind});
-        EXPECT_EQ(names(), each.order) << each.dragged << " to " << each.row;
-        EXPECT_FALSE(controller().globalSettings().values().automaticSorting);
+        ASSERT_TRUE(dragging().writeRows(idsOf(dragged)));
+        dragging().acceptRows({idOf(row), isBehind});
+        EXPECT_EQ(names(), order) << dragged << " to " << row;
+        EXPECT_FALSE(settings().automaticSorting);
         // The end of the same drag removes nothing, and the next preview keeps the order.
         EXPECT_FALSE(dragging().deleteRowsIfAppropriate());
         waitForPreview();
-        EXPECT_EQ(names(), each.order);
+        EXPECT_EQ(names(), order);
     }
     // A row that has gone in the meantime is no place, and cannot be moved.
     const RowId gone = idOf("b");
@@ -86,23 +74,17 @@ TEST_F(DNDArrayControllerTest, RemovesWhatIsDraggedOutAndSaysWhatStays) {
     ASSERT_TRUE(dragging().writeRows(idsOf("z")));
     dragging().cancelDrag();
     EXPECT_FALSE(dragging().deleteRowsIfAppropriate());
-    struct Case {
-        const char* dragged;
-        bool removes;
-        bool isToldOfOthers;
-        const char* left;
-    };
-    for (const Case& each :
-         {Case{"i", false, true, "fiz"}, {"zi", true, true, "fi"}, {"f", true, false, ""}}) {
-        SCOPED_TRACE(each.dragged);
-        EXPECT_EQ(controller().sourceCommands().canRemove(idsOf(each.dragged)), each.removes);
-        if (each.isToldOfOthers)
+    for (const auto& [dragged, removes, left] :
+         {std::tuple{"i", false, "fiz"}, {"zi", true, "fi"}, {"f", true, ""}}) {
+        SCOPED_TRACE(dragged);
+        EXPECT_EQ(controller().sourceCommands().canRemove(idsOf(dragged)), removes);
+        if (*left) // is told of what stays
             frontEnd.expect("alert itemsNotRemoved");
-        ASSERT_TRUE(dragging().writeRows(idsOf(each.dragged)));
-        EXPECT_EQ(dragging().deleteRowsIfAppropriate(), each.removes);
+        ASSERT_TRUE(dragging().writeRows(idsOf(dragged)));
+        EXPECT_EQ(dragging().deleteRowsIfAppropriate(), removes);
         EXPECT_TRUE(frontEnd.isScriptOver());
         waitForPreview();
-        EXPECT_EQ(names(), each.left);
+        EXPECT_EQ(names(), left);
     }
     EXPECT_EQ(frontEnd.alerts.back().text, "Items in subfolders cannot be removed individually.");
     EXPECT_TRUE(files.kind("z")); // files are never touched

@@ -1,8 +1,6 @@
 #include "platform/metadata/FileManager.h"
 #include "shell/ShellFixture.h"
 
-#include <filesystem>
-
 namespace tavrin::test {
 namespace {
 
@@ -33,27 +31,25 @@ class MissingTagNoticeTest : public ShellFixture {
 };
 
 TEST_F(MissingTagNoticeTest, TellsOnceInARunOfTheProgramUntilItsBoxIsTicked) {
-    struct Case {
-        std::optional<bool> isWanted; ///< as it is stored before
-        ScriptedFrontEnd::Answer answer;
-        bool isTold;
-        bool isWantedAfter;
-    };
-    for (const Case& each : {Case{std::nullopt, AlertAnswer(), true, true},
-                             {true, ScriptedFrontEnd::Closed(), true, true},
-                             {true, AlertAnswer{.button = 0, .suppress = true}, true, false},
-                             {false, {}, false, true}}) {
-        if (each.isWanted)
-            defaults.setObject("showTagNotPresentDialog", *each.isWanted);
-        if (each.isTold)
-            frontEnd.expect("alert tagNotPresent", each.answer);
+    using Answer = std::optional<ScriptedFrontEnd::Answer>; // absent: it is not told
+    const char* const key = "showTagNotPresentDialog";
+    const std::tuple<std::optional<bool>, Answer, bool> cases[] = {
+        {std::nullopt, AlertAnswer(), true},
+        {true, ScriptedFrontEnd::Closed(), true},
+        {true, AlertAnswer{.button = 0, .suppress = true}, false},
+        {false, std::nullopt, true}};
+    for (const auto& [isWanted, answer, isWantedAfter] : cases) {
+        if (isWanted)
+            defaults.setObject(key, *isWanted);
+        if (answer)
+            frontEnd.expect("alert tagNotPresent", *answer);
         add({"a.txt", "b.txt"});
-        EXPECT_THAT(table(), testing::ElementsAre("a.txt > a.txt", "b.txt > b.txt"));
+        EXPECT_THAT(table(), ElementsAre("a.txt > a.txt", "b.txt > b.txt"));
         EXPECT_TRUE(frontEnd.isScriptOver());
-        if (!each.isTold) // counts as told all the same
-            defaults.setObject("showTagNotPresentDialog", true);
+        if (!answer) // counts as told all the same
+            defaults.setObject(key, true);
         add({"c.txt"});
-        EXPECT_EQ(defaults.boolForKey("showTagNotPresentDialog"), each.isWantedAfter);
+        EXPECT_EQ(defaults.boolForKey(key), isWantedAfter);
         restart();
         begin();
     }

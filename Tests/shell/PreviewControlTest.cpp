@@ -4,11 +4,6 @@
 namespace tavrin::test {
 namespace {
 
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::EndsWith;
-using ::testing::Not;
-using ::testing::StartsWith;
 using Order = std::vector<SortDescriptor>;
 
 class PreviewControlTest : public ShellFixture {
@@ -54,16 +49,10 @@ TEST_F(PreviewControlTest, ABurstOfChangesIsOneRequestThatComesAfterTheLast) {
 
 TEST_F(PreviewControlTest, TheFunnelAnswersEachChangeAsItShould) {
     startWith({{"Add to end", {}}, {"Produce numbered list", {}}, {"Replace text", {}}});
-    struct Case {
-        int at; ///< the step that is the current one, which changes nothing
-        const char* what;
-        std::function<void()> change;
-        bool preview;
-        const char* event; ///< that the front end must see, or empty
-    };
     CompositeRenameAction& composite = controller().compositeAction();
     ActionListCommands& commands = controller().actionListCommands();
-    const std::vector<Case> cases{
+    // At which step what is done, whether it asks for a preview, and the event that comes of it.
+    const std::tuple<int, const char*, std::function<void()>, bool, std::string> cases[] = {
         {0, "setting", [&] { set("processSubfolders", 1); }, true, ""},
         {0, "the same value", [&] { set("processSubfolders", 1); }, true, ""},
         {0, "last folder", [&] { set("lastAddDirectory", u"/tmp"); }, false, ""},
@@ -85,18 +74,18 @@ TEST_F(PreviewControlTest, TheFunnelAnswersEachChangeAsItShould) {
         {0, "run begins", [&] { controller().startProgressWindow(); }, true, "run begins"},
         {0, "run ends", [&] { controller().stopProgressWindow(); }, true, "run ends"},
     };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.what);
-        if (composite.getCurrentActionIndexAsInt() != each.at)
-            select(each.at);
+    for (const auto& [at, what, change, preview, event] : cases) {
+        SCOPED_TRACE(what);
+        if (composite.getCurrentActionIndexAsInt() != at)
+            select(at);
         frontEnd.events.clear();
-        each.change();
+        change();
         loop.runPosted();
-        EXPECT_EQ(asksForPreview(), each.preview);
-        if (*each.event)
-            EXPECT_THAT(frontEnd.events, Contains(each.event));
-        else
+        EXPECT_EQ(asksForPreview(), preview);
+        if (event.empty())
             EXPECT_THAT(frontEnd.events, Not(Contains(StartsWith("panel"))));
+        else
+            EXPECT_THAT(frontEnd.events, Contains(event));
     }
 }
 
@@ -106,49 +95,43 @@ TEST_F(PreviewControlTest, TheOrderOfTheListFollowsTheAction) {
     EXPECT_EQ(order(), naturalOrder);
     const Order byDate{{NodeKey::modDate, false}}; // a mode without an order is left out
     const Order bySize{{NodeKey::size, true}};
-    const std::vector<std::pair<std::function<void()>, Order>> moves{
-        {[this] { select(1); }, byDate},
-        {[this] { select(2); }, naturalOrder},
+    const std::pair<std::function<void()>, Order> moves[] = {
         {[this] { select(1); }, byDate},
         {[this] { current().setValue(6, "sortingMode"); }, bySize},
-        {[this] { select(0); }, naturalOrder},
         {[this] { select(2); }, naturalOrder},
         {[this] { select(1); }, bySize},
         // A numbering step that is replaced leaves natural order behind, although it is gone.
         {[this] { choose("Remove text"); }, naturalOrder}};
-    for (std::size_t i = 0; i < moves.size(); ++i) {
-        moves[i].first();
+    for (const auto& [move, expected] : moves) {
+        move();
         set("showPath", 0);
         waitForPreview();
-        EXPECT_EQ(order(), moves[i].second) << i;
+        EXPECT_EQ(order(), expected) << current().actionName();
     }
 }
 
 TEST_F(PreviewControlTest, ManualSortingAsksOnceAndTurnsTheActionRound) {
     startWith({{"Produce numbered list", {}}, {"Add to end", {}}});
-    const auto sortAutomatically = [this](bool isOn) {
-        controller().globalSettings().setAutomaticSorting(isOn);
-    };
     auto& numbering = dynamic_cast<SortBasedAction&>(current());
     frontEnd.expect("alert manualSorting", AlertAnswer{0, true});
-    sortAutomatically(false);
+    set("automaticSorting", false);
     EXPECT_TRUE(numbering.usingManualSorting());
-    EXPECT_THAT(frontEnd.alerts.back().text, EndsWith("use the manual ordering."));
+    EXPECT_THAT(frontEnd.alerts.back().text, ::testing::EndsWith("use the manual ordering."));
     EXPECT_TRUE(frontEnd.alerts.back().hasSuppressionBox);
     EXPECT_TRUE(asksForPreview());
     EXPECT_EQ(order(), manualOrder);
-    sortAutomatically(true);
+    set("automaticSorting", true);
     EXPECT_FALSE(numbering.usingManualSorting());
     waitForPreview();
-    sortAutomatically(false); // the box was ticked
+    set("automaticSorting", false); // the box was ticked
     EXPECT_TRUE(numbering.usingManualSorting());
 
     // An action without an order has a text and a memory of its own.
-    sortAutomatically(true);
+    set("automaticSorting", true);
     select(1);
     frontEnd.expect("alert manualSorting", AlertAnswer{0, false});
-    sortAutomatically(false);
-    EXPECT_THAT(frontEnd.alerts.back().text, EndsWith("bottom right of the preview list."));
+    set("automaticSorting", false);
+    EXPECT_THAT(frontEnd.alerts.back().text, ::testing::EndsWith("bottom right of the preview list."));
     EXPECT_TRUE(defaults.boolForKey("showManualSortingAlert"));
     EXPECT_FALSE(defaults.boolForKey("showManualSortingSortBasedActionAlert"));
     waitForPreview();

@@ -4,11 +4,16 @@
 #include "common/ManualRunLoop.h"
 #include "common/Recipes.h"
 #include "common/ScriptedFrontEnd.h"
-#include "common/TemporaryFolder.h"
 #include "shell/MainController.h"
-#include "support/text/Text.h"
 
 namespace tavrin::test {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
 
 /// The whole application without a window: user defaults of its own, a data folder that goes with the test,
 /// a run loop whose time the test moves, and a scripted user.
@@ -62,6 +67,7 @@ class ShellFixture : public CatalogueFixture {
     void set(const std::string& key, PropertyValue value) {
         controller().globalSettings().setValue(std::move(value), key);
     }
+    Settings settings() { return controller().globalSettings().values(); }
 
     /// Makes files with their names in them, puts them on the list and waits for the preview; their paths.
     std::vector<std::string> add(const std::vector<std::string>& names) {

@@ -1,14 +1,8 @@
-#include "common/Variable.h"
 #include "documents/DropletBundle.h"
-#include "documents/RecipeFile.h"
-#include "platform/propertylists/PropertyList.h"
 #include "shell/ShellFixture.h"
 
 namespace tavrin::test {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 class StartSequenceTest : public ShellFixture {
   protected:
@@ -20,9 +14,8 @@ class StartSequenceTest : public ShellFixture {
                                         {"Version", u"9.0.0"}});
         defaults.setProcessObject("droplet settings", std::move(record));
     }
-    void run() { controller().applicationDidFinishLaunching(); }
     void runToTheEnd() {
-        run();
+        controller().applicationDidFinishLaunching();
         ASSERT_TRUE(loop.runUntil([this] { return frontEnd.isTerminated; }));
     }
 };
@@ -31,14 +24,11 @@ TEST_F(StartSequenceTest, AFirstStartIsCleanAndALaterOneHasWhatTheEndHasStored) 
     defaults.removeObject("firstLaunchVersion");
     defaults.setObject("composite action", chain({{"Add to end", {}}})); // a first launch forgets it
     defaults.setProcessObject("store", 1);
-    EXPECT_FALSE(controller().hasFinishedInitializing());
-    run();
+    controller().applicationDidFinishLaunching();
     EXPECT_TRUE(controller().hasFinishedInitializing());
     EXPECT_THAT(stepNames(), ElementsAre("Produce numbered list"));
-    EXPECT_TRUE(controller().previewControl().isPreviewPending());
     waitForPreview();
     EXPECT_EQ(frontEnd.finishedPreviews, 1);
-    EXPECT_EQ(status(), "Please add files to be renamed to preview table above.");
     EXPECT_TRUE(data.kind("Data/Presets").has_value());
 
     setSteps({{"Add to end", {{"string", u"X"}, {"active", 0}}}, {"Remove text", {{"active", 0}}}});
@@ -59,27 +49,18 @@ TEST_F(StartSequenceTest, AFirstStartIsCleanAndALaterOneHasWhatTheEndHasStored) 
     start();
     EXPECT_EQ(controller().operationMode(), OperationMode::normal);
     EXPECT_EQ(controller().compositeAction().getFlatParameterList(), steps);
-    EXPECT_EQ(controller().globalSettings().values().shouldShowPath, 1);
-    EXPECT_TRUE(controller().globalSettings().values().automaticSorting);
-    EXPECT_EQ(defaults.objectForKey("location"), PropertyValue(u"/opt/tavrin"));
+    EXPECT_EQ(settings().shouldShowPath, 1);
+    EXPECT_TRUE(settings().automaticSorting);
 }
 
-TEST_F(StartSequenceTest, AChainThatIsNoGoodIsToldRenamesNothingAndTheStartGoesOn) {
-    const PropertyDictionary bad = chain({{"Fly", {}}});
-    for (const bool isHandedOver : {false, true}) {
-        if (isHandedOver)
-            handOver(
-                {{"composite action", bad}, {"file list", PropertyArray{text::fromBytes(files.write("a"))}}});
-        else
-            defaults.setObject("composite action", bad);
-        start();
-        EXPECT_EQ(controller().operationMode(), OperationMode::normal);
-        EXPECT_THAT(std::exchange(frontEnd.presented, {}), ElementsAre(HasSubstr("Fly")));
-        EXPECT_EQ(stepNames().size(), 1u);
-        EXPECT_TRUE(table().empty());
-        restart();
-        defaults.removeObject("composite action");
-    }
+TEST_F(StartSequenceTest, AHandedOverChainThatIsNoGoodIsToldAndRenamesNothing) {
+    handOver({{"composite action", chain({{"Fly", {}}})},
+              {"file list", PropertyArray{text::fromBytes(files.write("a"))}}});
+    start();
+    EXPECT_EQ(controller().operationMode(), OperationMode::normal);
+    EXPECT_THAT(frontEnd.presented, ElementsAre(HasSubstr("Fly")));
+    EXPECT_EQ(stepNames().size(), 1u);
+    EXPECT_TRUE(table().empty());
     EXPECT_TRUE(files.kind("a").has_value());
 }
 
@@ -95,7 +76,7 @@ TEST_F(StartSequenceTest, ADropletWithFilesRenamesThemAndQuitsWithoutAWindow) {
     EXPECT_THAT(files.tree(), ElementsAre(std::pair("aX.txt", "")));
     EXPECT_EQ(frontEnd.alerts.back().title, "1 file name was changed.");
     EXPECT_THAT(frontEnd.presented, ElementsAre("Left out: It is the same item as " + a + ": " + again));
-    EXPECT_THAT(frontEnd.events, ::testing::Not(::testing::Contains("showWindow")));
+    EXPECT_THAT(frontEnd.events, Not(Contains("showWindow")));
     // Nothing of the droplet reaches what the user has stored.
     EXPECT_EQ(defaults.objectForKey("composite action"), PropertyValue(chain({{"Remove text", {}}})));
     EXPECT_EQ(defaults.objectForKey("actions"), std::nullopt);
@@ -132,7 +113,7 @@ TEST_F(StartSequenceTest, ADropletOfTheOldFormIsUpgradedWhenItIsOpened) {
                                               {"settings plist path", text::fromBytes(settingsPath)}});
         frontEnd.expect("alert dropletUpgrade");
         frontEnd.expect("alert dropletUpgrade", ScriptedFrontEnd::Held());
-        run();
+        controller().applicationDidFinishLaunching();
         EXPECT_EQ(frontEnd.alerts.back().title, title);
         EXPECT_FALSE(frontEnd.isTerminated);
         frontEnd.answerHeld(AlertAnswer());
@@ -150,7 +131,7 @@ TEST_F(StartSequenceTest, InADropletThatIsEditedTheButtonSaves) {
     defaults.setObject("don't show droplet edit information again", true);
     start();
     controller().ok();
-    EXPECT_THAT(frontEnd.presented, ElementsAre(::testing::StartsWith("The droplet could not be saved. ")));
+    EXPECT_THAT(frontEnd.presented, ElementsAre(StartsWith("The droplet could not be saved. ")));
     EXPECT_FALSE(frontEnd.isTerminated);
     (void)files.makeFolder("later");
     controller().ok();
