@@ -1,9 +1,7 @@
 #include "actions/ActionError.h"
 #include "actions/AddedAction.h"
 #include "actions/CatalogueFixture.h"
-#include "common/FileTimes.h"
 #include "common/ManualRunLoop.h"
-#include "common/Testing.h"
 #include "platform/files/FileSystem.h"
 
 #include <regex>

@@ -1,7 +1,6 @@
 // What holds for any name and any parameters: no author of cases thinks of all of them.
 
 #include "actions/CatalogueFixture.h"
-#include "common/Testing.h"
 
 namespace tavrin::test {
 

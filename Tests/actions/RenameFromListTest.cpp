@@ -1,7 +1,6 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/list/RenameFromListAction.h"
 #include "common/FailingFileSystem.h"
-#include "common/Testing.h"
 
 namespace tavrin::test {
 

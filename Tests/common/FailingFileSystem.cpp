@@ -2,7 +2,6 @@
 
 #include "platform/files/FolderEntries.h"
 
-#include <cerrno>
 #include <strings.h>
 
 namespace tavrin::test {

@@ -1,14 +1,7 @@
 #pragma once
 
+#include "common/Testing.h"
 #include "platform/files/FileSystem.h"
-
-#include <cstddef>
-#include <functional>
-#include <map>
-#include <mutex>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace tavrin::test {
 

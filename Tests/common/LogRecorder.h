@@ -1,16 +1,9 @@
 #pragma once
 
+#include "common/Testing.h"
 #include "support/application/DebugLog.h"
 
-#include <algorithm>
-#include <chrono>
 #include <condition_variable>
-#include <cstddef>
-#include <functional>
-#include <mutex>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace tavrin::test {
 

@@ -1,7 +1,6 @@
 #include "common/ScriptedFrontEnd.h"
 
 #include "common/Testing.h"
-
 namespace tavrin::test {
 
 namespace {

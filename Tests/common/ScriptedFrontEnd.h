@@ -1,20 +1,12 @@
 #pragma once
 
 #include "actions/BaseRenameAction.h"
+#include "common/Testing.h"
 #include "engine/asking/RunQuestion.h"
 #include "shell/asking/FrontEnd.h"
 
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-
 #include <deque>
-#include <functional>
-#include <map>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <variant>
-#include <vector>
 
 namespace tavrin::test {
 

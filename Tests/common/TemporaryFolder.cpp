@@ -1,11 +1,6 @@
 #include "common/TemporaryFolder.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 

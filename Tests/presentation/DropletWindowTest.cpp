@@ -1,5 +1,4 @@
 #include "common/Recipes.h"
-#include "common/Variable.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletHandOver.h"
 #include "presentation/WindowFixture.h"

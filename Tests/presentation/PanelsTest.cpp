@@ -3,7 +3,6 @@
 #include "actions/BaseRenameAction.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/settings/PanelRows.h"
-#include "support/text/Text.h"
 
 namespace tavrin::test {
 

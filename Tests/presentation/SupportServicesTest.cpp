@@ -1,4 +1,3 @@
-#include "common/Variable.h"
 #include "documents/PresetsManager.h"
 #include "platform/desktop/FileManagerMenus.h"
 #include "platform/propertylists/PropertyList.h"
@@ -8,7 +7,6 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <sys/stat.h>
 
 namespace tavrin::test {
 

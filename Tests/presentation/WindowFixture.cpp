@@ -1,7 +1,6 @@
 #include "presentation/WindowFixture.h"
 
 #include "actions/ActionList.h"
-#include "support/text/Text.h"
 
 namespace tavrin::test {
 

@@ -1,15 +1,13 @@
 #pragma once
 
 #include "actions/CompositeRenameAction.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/MainController.h"
-
-#include <gmock/gmock.h>
 
 #include <QtTest>
 #include <QtWidgets>
