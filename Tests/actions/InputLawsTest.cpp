@@ -107,16 +107,6 @@ TEST_F(SequenceLaws, CountInLettersThereAndBack) {
     }
 }
 
-TEST_F(SequenceLaws, BoundTheWidth) {
-    const std::tuple<const char*, std::int32_t, std::size_t> cases[] = {
-        {"Produce numbered list", 2147483647, 1024},
-        {"Produce numbered list", -2147483647 - 1, 1024},
-        {"Produce alphabetical list", 2147483647, 1024},
-        {"Produce alphabetical list", -2147483647 - 1, 1}};
-    for (const auto& [action, padding, width] : cases)
-        EXPECT_EQ(run(*make(action, {{"prefix", u""}, {"padding", padding}}), u"a").size(), width);
-}
-
 using namespace std::string_literals;
 
 /// What a stored list may hold under any key, whatever belongs there.

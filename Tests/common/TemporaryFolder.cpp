@@ -84,6 +84,14 @@ std::optional<FileStatus::Kind> TemporaryFolder::kind(std::string_view name) con
                                : FileStatus::Kind::other;
 }
 
+std::vector<std::string> TemporaryFolder::names(std::string_view of) const {
+    std::vector<std::string> result;
+    for (const auto& entry : fs::directory_iterator(path(of)))
+        result.push_back(entry.path().filename().string());
+    std::ranges::sort(result);
+    return result;
+}
+
 std::map<std::string, std::string> TemporaryFolder::tree() const {
     std::map<std::string, std::string> result;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {

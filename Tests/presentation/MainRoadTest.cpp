@@ -205,14 +205,13 @@ TEST_F(MainRoad, BuildsAChainOfSteps) {
 }
 
 TEST_F(MainRoad, TurnsButtonsOnWithTheirCommands) {
-    const std::pair<const char*, const char*> buttons[] = {{"removeButton", "removeFile"},
-                                                           {"createFileListButton", "createFileList"},
-                                                           {"okButton", "ok"},
-                                                           {"removeStep", "removeAction"},
-                                                           {"moveStepUp", "nudgeActionUp"}};
-    const auto areOn = [&] {
+    const auto areOn = [this] {
         std::string result;
-        for (const auto& [button, name] : buttons) {
+        for (const auto& [button, name] : {std::pair("removeButton", "removeFile"),
+                                           {"createFileListButton", "createFileList"},
+                                           {"okButton", "ok"},
+                                           {"removeStep", "removeAction"},
+                                           {"moveStepUp", "nudgeActionUp"}}) {
             EXPECT_EQ(find(button)->isEnabled(), command(name).isEnabled()) << button;
             result += command(name).isEnabled() ? '1' : '0';
         }

@@ -159,9 +159,7 @@ TEST_F(SupportServicesTest, AStackFillsItsScrollAreaAndFollowsItsViews) {
     area.setFrameShape(QFrame::NoFrame);
     area.setWidgetResizable(true);
     auto* stack = new StackedView;
-    QWidget top;
-    QWidget flexible;
-    QWidget bottom;
+    QWidget top, flexible, bottom;
     top.setFixedHeight(40);
     bottom.setFixedHeight(60);
     stack->addViewAtBottom(&top);

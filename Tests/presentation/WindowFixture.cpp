@@ -20,14 +20,6 @@ void WindowFixture::start(const std::vector<std::string>& paths) {
     waitForPreview();
 }
 
-WindowFixture::Names WindowFixture::filesOnDisk() const {
-    Names names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-        names.push_back(entry.path().filename().string());
-    std::ranges::sort(names);
-    return names;
-}
-
 QWidget* WindowFixture::findWidget(const char* name) {
     // What is visible comes first: panels that are being put away may bear the same names.
     QWidget* found = nullptr;
