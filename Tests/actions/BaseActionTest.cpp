@@ -1,6 +1,5 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/SortBasedAction.h"
-#include "support/text/Text.h"
 
 namespace tavrin::test {
 

@@ -19,6 +19,15 @@ inline std::u16string run(BaseRenameAction& action, std::u16string name, std::in
     return output.newName;
 }
 
+/// Sets when a file was last changed: local time as "2024-06-14 07:31:05".
+inline void setModificationTime(const std::string& path, const std::string& localTime) {
+    std::tm fields{};
+    EXPECT_NE(::strptime(localTime.c_str(), "%Y-%m-%d %H:%M:%S", &fields), nullptr) << localTime;
+    fields.tm_isdst = -1;
+    const timespec times[2] = {{0, UTIME_OMIT}, {std::mktime(&fields), 0}};
+    EXPECT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0) << path;
+}
+
 /// What comes back of parameters that are stored in a property list; throws where that fails.
 inline PropertyDictionary storedAndRead(const PropertyDictionary& parameters) {
     const auto read = PropertyList::fromBytes(PropertyList::toXml(PropertyValue(parameters)));

@@ -1,10 +1,9 @@
 #include "actions/ActionError.h"
 #include "actions/AddedAction.h"
 #include "actions/CatalogueFixture.h"
-#include "common/FileTimes.h"
 #include "common/ManualRunLoop.h"
-#include "common/Testing.h"
-#include "platform/files/FileSystem.h"
+
+#include <unicode/unistr.h>
 
 #include <regex>
 
@@ -135,27 +134,14 @@ void expectExamples(const ActionEntry& entry) {
 }
 
 std::u16string unescaped(const std::string& utf8) {
-    const auto text = text::fromUtf8(utf8);
-    std::u16string result;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char16_t kind = text[at] == u'\\' ? text[++at] : u' ';
-        if (kind == u'u') {
-            const auto point = std::stoul(text::toUtf8(text.substr(at + 2, 6)), nullptr, 16);
-            if (point >= 0x10000)
-                result += static_cast<char16_t>(0xD7C0 + (point >> 10));
-            result += static_cast<char16_t>(point < 0x10000 ? point : 0xDC00 + (point & 0x3FF));
-            at = text.find(u'}', at);
-        } else {
-            result += kind == u'n' ? u'\n' : kind == u'r' ? u'\r' : text[at];
-        }
-    }
-    return result;
+    const auto text = icu::UnicodeString::fromUTF8(utf8).unescape();
+    return {text.getBuffer(), static_cast<std::size_t>(text.length())};
 }
 
 /// The action and the case of a line of a table; README there tells the format. Throws std::runtime_error for
 /// anything else.
 std::pair<std::string, ActionCase> caseOf(const std::string& line) {
-    static const std::string text = R"~("((?:[^"\\]|\\(?:["\\nr]|u\{[[:xdigit:]]{1,5}\}))*)")~";
+    static const std::string text = R"~("((?:[^"\\]|\\(?:["\\nr]|x\{[[:xdigit:]]{1,5}\}))*)")~";
     static const std::regex columns(R"(([^|]+) \| (.*?) ?\| )" + text + R"( \| )" + text);
     static const std::regex parameter("([@\\w]+) = (?:(-?\\d+)|" + text + ")(?:, |$)");
     std::smatch found;
@@ -223,13 +209,55 @@ TEST_F(Catalogue, KeepsTheLawsOfFamilies) {
     }
 }
 
+// ---- regular expressions
+
+TEST_F(Catalogue, HoldsExpressionsThatPublishTheirGroups) {
+    const struct {
+        std::u16string pattern, replacement, name;
+        std::array<std::u16string, 6> expected;
+    } cases[] = {
+        {u"(\\d+)-(\\d+)", u"\\2_$1", u"x12-34y", {u"12", u"34"}},
+        {u"(a)(b)(c)(d)(e)(f)(g)", u"x", u"abcdefg", {u"a", u"b", u"c", u"d", u"e", u"f"}},
+        {u"(a)(b)?", u"x", u"ac", {u"a", u""}},
+        {u"(a)", u"$2", u"a", {u"a"}},            // the template names a missing group
+        {u"(a)", u"", u"a", {u"a"}},              // the result is empty
+        {u"(?=(b))", u"x", u"ab", {u"b"}},        // the match is empty
+        {u"(x)", u"x", u"ab", {}},                // no match
+        {u"(", u"x", u"ab", {}},                  // no pattern
+        {u"(.+)", u"x", u"e\u0301", {u"\u00e9"}}, // in form C
+    };
+    for (const auto& each : cases) {
+        InputContext input;
+        OutputContext output;
+        input.currentName = each.name;
+        make("Reg Ex Replacement", {{"searchPattern", each.pattern}})->executeWithInputContext(input, output);
+        EXPECT_EQ(output.regex, std::nullopt);
+        make("Reg Ex Substitution", {{"searchPattern", each.pattern}, {"replacementTerm", each.replacement}})
+            ->executeWithInputContext(input, output);
+        EXPECT_EQ(output.regex, each.expected);
+    }
+}
+
+// Each group brings in what stands for the next, many times over.
+TEST_F(Catalogue, HoldsExpressionsThatKeepANameThatWouldGrowWithoutEnd) {
+    std::u16string references;
+    for (char16_t group = u'0'; group <= u'8'; ++group)
+        for (int i = 0; i < 7; ++i)
+            references += {u'\\', group, u'$', group};
+    const auto action =
+        make("Reg Ex Substitution", {{"searchPattern", u"((((((((.*))))))))"},
+                                     {"replacementTerm", u"\\0$0\\1$1\\2$2\\3$3\\4$4\\5$5\\6$6\\7$7\\8$8"}});
+    EXPECT_EQ(run(*action, references), references);
+    EXPECT_EQ(run(*action, u"a"), std::u16string(18, u'a'));
+}
+
 // ---- the catalogue
 
 TEST_F(Catalogue, MapsMenusToCategories) {
     using enum ActionCategory;
-    const ActionList list({{"c", "C", move, newAction<Nothing>, {}},
-                           {"a", "A", replace, newAction<Nothing>, {}},
-                           {"b", "B", replace, newAction<Nothing>, {}}});
+    ActionList list({{"c", "C", move, newAction<Nothing>, {}},
+                     {"a", "A", replace, newAction<Nothing>, {}},
+                     {"b", "B", replace, newAction<Nothing>, {}}});
     EXPECT_EQ(list.nameArray(), (std::vector<std::string>{"a", "b", "", "c"}));
     EXPECT_EQ(list.popUpMenuItems(), (std::vector<std::u16string>{u"A", u"B", u"", u"C"}));
     EXPECT_EQ(list.categoryPopUpMenuItems(), (std::vector<std::u16string>{u"Replace", u"Move"}));
@@ -243,6 +271,10 @@ TEST_F(Catalogue, MapsMenusToCategories) {
     EXPECT_EQ(list.popUpMenuIndexForName("c"), 3);
     EXPECT_EQ(list.popUpMenuIndexForName("no such action"), std::nullopt);
     EXPECT_EQ(list.nameForPopUpIndex(1), "b");
+    EXPECT_THAT(
+        [&] { (void)list.newActionForName("none"); },
+        ::testing::ThrowsMessage<UnknownActionError>(
+            "!!!!Couldn't load new action 'none' from nib with nameToNibMapping: \"a\", \"b\", \"c\""));
     for (const std::int32_t outside : {-1, 4, 2147483647}) {
         EXPECT_EQ(list.nameForPopUpIndex(outside), "");
         EXPECT_EQ(list.translateActionIndexToCategoryIndex(outside), std::nullopt);
@@ -274,15 +306,6 @@ TEST_F(Catalogue, StartsAnActionWithTheParametersLastSaved) {
         defaults.setObject("actions", wrong);
         EXPECT_EQ(make("Add to end")->parameterList(), other->parameterList());
     }
-}
-
-TEST_F(Catalogue, RefusesUnknownActions) {
-    EXPECT_FALSE(catalogue.hasAction("none"));
-    ActionList small({{"a", "A", ActionCategory::move, newAction<Nothing>, {}},
-                      {"b", "B", ActionCategory::move, newAction<Nothing>, {}}});
-    EXPECT_THAT([&] { (void)small.newActionForName("none"); },
-                ::testing::ThrowsMessage<UnknownActionError>(
-                    "!!!!Couldn't load new action 'none' from nib with nameToNibMapping: \"a\", \"b\""));
 }
 
 TEST_F(Catalogue, ObservesOnlyWhatTheInterfaceEdits) {
@@ -342,13 +365,15 @@ TEST_F(Catalogue, TakesTheActionOfThePageOnAddingOne) {
     expectExamples(entries.front());
 }
 
+std::string contentOf(const std::string& name) {
+    std::ostringstream content;
+    content << std::ifstream(TAVRIN_SOURCE_FOLDER + name).rdbuf();
+    return content.str();
+}
+
 TEST_F(Catalogue, HoldsTheActionThatThePageShows) {
-    auto& files = FileSystem::sharedInstance();
-    std::string page, unit;
-    ASSERT_EQ(files.readFile(TAVRIN_SOURCE_FOLDER "/docs/adding-an-action.md", page, 1U << 20), 0);
-    ASSERT_EQ(files.readFile(TAVRIN_SOURCE_FOLDER "/Code/App/actions/characters/CharacterSetActions.cpp",
-                             unit, 1U << 20),
-              0);
+    const auto page = contentOf("/docs/adding-an-action.md");
+    const auto unit = contentOf("/Code/App/actions/characters/CharacterSetActions.cpp");
     const std::string opening = "```cpp real\n";
     int count = 0;
     for (auto at = page.find(opening); at != page.npos; at = page.find(opening, at + 1), ++count) {

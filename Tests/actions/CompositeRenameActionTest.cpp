@@ -2,6 +2,7 @@
 
 #include "actions/ActionError.h"
 #include "actions/CatalogueFixture.h"
+#include "common/Recipes.h"
 
 namespace tavrin::test {
 
@@ -9,13 +10,7 @@ namespace {
 
 using Change = RecordingObserver::Change;
 
-PropertyDictionary step(const char16_t* name, PropertyDictionary parameters = {}) {
-    return {{"action name", name}, {"action parameter list", std::move(parameters)}};
-}
-
-PropertyDictionary flatList(PropertyArray steps, int current = 0) {
-    return {{"currentActionIndex", current}, {"composite actions array", std::move(steps)}};
-}
+PropertyDictionary flatList(PropertyArray steps) { return {{"composite actions array", std::move(steps)}}; }
 
 class Composite : public CatalogueFixture {
   protected:
@@ -30,10 +25,11 @@ class Composite : public CatalogueFixture {
         return result;
     }
     void makeThree(int current) {
-        composite.setFlatParameterList(
-            flatList({step(u"Add to end", {{"string", u"1"}}), step(u"Make uppercase", {{"active", 0}}),
-                      step(u"Replace text", {{"searchTerm", u"a"}, {"replacementTerm", u"b"}})},
-                     current));
+        auto list = chain({{"Add to end", {{"string", u"1"}}},
+                           {"Make uppercase", {{"active", 0}}},
+                           {"Replace text", {{"searchTerm", u"a"}, {"replacementTerm", u"b"}}}});
+        list.insert_or_assign("currentActionIndex", current);
+        composite.setFlatParameterList(list);
     }
     [[nodiscard]] std::int32_t inMenu(const std::string& name) const {
         return catalogue.popUpMenuIndexForName(name).value();
@@ -69,14 +65,14 @@ TEST_F(Composite, TakesOverWhatAFlatListHolds) {
     }
     makeThree(1);
     const auto before = composite.getFlatParameterList();
+    const PropertyDictionary good{{"action name", u"Add to end"}, {"action parameter list", 7}};
+    const PropertyDictionary unknown{{"action name", u"no such action"}};
     for (const PropertyValue& bad :
-         {PropertyValue(step(u"no such action")), PropertyValue(7), PropertyValue(PropertyDictionary{})}) {
-        EXPECT_THROW(composite.setFlatParameterList(flatList({step(u"Add to end"), bad})),
-                     UnknownActionError);
+         {PropertyValue(unknown), PropertyValue(7), PropertyValue(PropertyDictionary{})}) {
+        EXPECT_THROW(composite.setFlatParameterList(flatList({good, bad})), UnknownActionError);
         EXPECT_EQ(composite.getFlatParameterList(), before);
     }
-    composite.setFlatParameterList(
-        flatList({PropertyDictionary{{"action name", u"Add to end"}, {"action parameter list", 7}}}));
+    composite.setFlatParameterList(flatList({good}));
     EXPECT_EQ(steps(), "[Add to end]");
 }
 

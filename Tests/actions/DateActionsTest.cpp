@@ -1,7 +1,5 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/dates/DateFormatter.h"
-#include "common/FileTimes.h"
-#include "common/Testing.h"
 #include "platform/metadata/FileManager.h"
 
 namespace tavrin::test {

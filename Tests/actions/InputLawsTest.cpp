@@ -1,7 +1,6 @@
 // What holds for any name and any parameters: no author of cases thinks of all of them.
 
 #include "actions/CatalogueFixture.h"
-#include "common/Testing.h"
 
 namespace tavrin::test {
 
@@ -106,16 +105,6 @@ TEST_F(SequenceLaws, CountInLettersThereAndBack) {
         action->setParameterList({{"startValue", reached}, {"stepValue", -1}});
         EXPECT_EQ(run(*action, u"", rank), start) << text::toUtf8(reached);
     }
-}
-
-TEST_F(SequenceLaws, BoundTheWidth) {
-    const std::tuple<const char*, std::int32_t, std::size_t> cases[] = {
-        {"Produce numbered list", 2147483647, 1024},
-        {"Produce numbered list", -2147483647 - 1, 1024},
-        {"Produce alphabetical list", 2147483647, 1024},
-        {"Produce alphabetical list", -2147483647 - 1, 1}};
-    for (const auto& [action, padding, width] : cases)
-        EXPECT_EQ(run(*make(action, {{"prefix", u""}, {"padding", padding}}), u"a").size(), width);
 }
 
 using namespace std::string_literals;

@@ -1,6 +1,5 @@
 #include "actions/CatalogueFixture.h"
 #include "actions/tags/MP3Patterns.h"
-#include "common/Testing.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStore.h"

@@ -13,14 +13,6 @@
 #include "store/paging/ItemStore.h"
 #include "store/sources/SourceItemManager.h"
 
-#include <functional>
-#include <map>
-#include <memory>
-#include <optional>
-#include <string>
-#include <tuple>
-#include <vector>
-
 namespace tavrin::test {
 
 /// A user whose answers the test scripts, by the kind of question. One without a script is a failure of the

@@ -2,7 +2,6 @@
 
 #include "platform/files/FolderEntries.h"
 
-#include <cerrno>
 #include <strings.h>
 
 namespace tavrin::test {
@@ -89,11 +88,10 @@ class FailingAppendFile : public AppendFile {
 
 } // namespace
 
-void FailingFileSystem::failCall(std::size_t number, int error, bool andAllAfter) {
+void FailingFileSystem::failCall(std::size_t number, int error) {
     const std::lock_guard lock(mutex);
     failingCall = calls + number;
     failingError = error;
-    failsOn = andAllAfter;
 }
 
 void FailingFileSystem::failKind(FileCall call, int error, std::optional<std::size_t> number) {
@@ -128,7 +126,7 @@ int FailingFileSystem::admit(const FileEvent& event) {
     Kind& kind = kinds[event.call];
     ++kind.count;
     ++calls;
-    if (failingCall != 0 && (failsOn ? calls >= failingCall : calls == failingCall))
+    if (calls == failingCall)
         error = failingError;
     if (kind.error != 0 && kind.count == kind.failing.value_or(kind.count))
         error = kind.error;

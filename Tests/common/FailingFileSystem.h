@@ -1,14 +1,7 @@
 #pragma once
 
+#include "common/Testing.h"
 #include "platform/files/FileSystem.h"
-
-#include <cstddef>
-#include <functional>
-#include <map>
-#include <mutex>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace tavrin::test {
 
@@ -51,9 +44,8 @@ class FailingFileSystem : public FileSystem {
     }
     ~FailingFileSystem() override { setSharedInstance(nullptr); }
 
-    /// Fails the call with this number, counted from 1 from now on, once; or it and all after it, as if the
-    /// program had been killed there.
-    void failCall(std::size_t number, int error, bool andAllAfter = false);
+    /// Fails the call with this number, counted from 1 from now on, once.
+    void failCall(std::size_t number, int error);
     /// Fails every call of a kind, or the one with this number among them, counted from 1 from now on.
     void failKind(FileCall call, int error, std::optional<std::size_t> number = std::nullopt);
     /// 0, or the error to fail with. Called on the caller's thread, before the call is made.
@@ -116,7 +108,6 @@ class FailingFileSystem : public FileSystem {
     std::map<FileCall, Kind> kinds;
     std::size_t calls = 0;
     std::size_t failingCall = 0;
-    bool failsOn = false;
     int failingError = 0;
     std::size_t failures = 0;
 };

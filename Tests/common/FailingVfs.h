@@ -1,8 +1,6 @@
 #pragma once
 
-#include <atomic>
-#include <memory>
-#include <string>
+#include "common/Testing.h"
 
 struct sqlite3_vfs;
 

@@ -1,16 +1,9 @@
 #pragma once
 
+#include "common/Testing.h"
 #include "support/application/DebugLog.h"
 
-#include <algorithm>
-#include <chrono>
 #include <condition_variable>
-#include <cstddef>
-#include <functional>
-#include <mutex>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace tavrin::test {
 
@@ -44,22 +37,18 @@ class LogRecorder : public LogSink {
     /// How many lines hold the text.
     [[nodiscard]] std::size_t count(std::string_view text) const {
         const std::lock_guard lock(mutex);
-        return countUnlocked(text);
+        return static_cast<std::size_t>(std::ranges::count_if(
+            written, [text](const auto& line) { return line.find(text) != line.npos; }));
     }
     /// Waits until that many lines hold the text; false after a minute.
     bool waitFor(std::string_view text, std::size_t number) {
         std::unique_lock lock(mutex);
-        return changed.wait_for(lock, std::chrono::minutes(1), [&] { return countUnlocked(text) >= number; });
+        return changed.wait_for(lock, std::chrono::minutes(1), [&] { return count(text) >= number; });
     }
 
   private:
-    [[nodiscard]] std::size_t countUnlocked(std::string_view text) const {
-        return static_cast<std::size_t>(std::ranges::count_if(
-            written, [text](const auto& line) { return line.find(text) != line.npos; }));
-    }
-
-    mutable std::mutex mutex; ///< guards `written`
-    std::condition_variable changed;
+    mutable std::recursive_mutex mutex; ///< guards `written`
+    std::condition_variable_any changed;
     std::vector<std::string> written;
     LogSink* former;
 };

@@ -1,8 +1,5 @@
 #include "common/ManualRunLoop.h"
 
-#include <algorithm>
-#include <utility>
-
 namespace tavrin::test {
 
 void ManualRunLoop::post(std::function<void()> action) {

@@ -1,13 +1,11 @@
 #pragma once
 
+#include "common/Testing.h"
 #include "platform/processes/QueueRunLoop.h"
 #include "platform/processes/RunLoop.h"
 
-#include <atomic>
 #include <condition_variable>
 #include <deque>
-#include <mutex>
-#include <thread>
 
 namespace tavrin::test {
 

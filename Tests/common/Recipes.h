@@ -1,11 +1,7 @@
 #pragma once
 
-#include "support/text/Text.h"
+#include "common/Testing.h"
 #include "support/values/PropertyValue.h"
-
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace tavrin::test {
 

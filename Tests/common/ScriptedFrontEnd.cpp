@@ -1,7 +1,6 @@
 #include "common/ScriptedFrontEnd.h"
 
 #include "common/Testing.h"
-
 namespace tavrin::test {
 
 namespace {
@@ -67,7 +66,6 @@ void ScriptedFrontEnd::showNotice(NoticeDialog dialog, std::function<void(Notice
 }
 
 void ScriptedFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
-    runQuestions.push_back(question);
     const std::string words = inWords(question);
     askFor(words.substr(0, words.find(' ')), answer);
 }

@@ -1,20 +1,12 @@
 #pragma once
 
 #include "actions/BaseRenameAction.h"
+#include "common/Testing.h"
 #include "engine/asking/RunQuestion.h"
 #include "shell/asking/FrontEnd.h"
 
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-
 #include <deque>
-#include <functional>
-#include <map>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <variant>
-#include <vector>
 
 namespace tavrin::test {
 
@@ -53,7 +45,6 @@ class ScriptedFrontEnd : public FrontEnd {
     // What was shown.
     std::vector<std::string> events; ///< in order, in the words of the operations below
     std::vector<Alert> alerts;
-    std::vector<RunQuestion> runQuestions;
     FailureReport failures;
     std::optional<TakeBackQuestion> takeBack; ///< the last one
     std::vector<std::string> presented;
@@ -82,8 +73,7 @@ class ScriptedFrontEnd : public FrontEnd {
         askFor("files to add", answer);
     }
     void askForFileListFormat(Handler<FileListChoice> answer) override { askFor("list format", answer); }
-    void askForSavePath(const std::string& title, Handler<std::optional<std::string>> answer) override {
-        note("panel titled " + title);
+    void askForSavePath(const std::string&, Handler<std::optional<std::string>> answer) override {
         askFor("save path", answer);
     }
     void askForDropletPath(const std::string& title, const std::string& startFolder,
@@ -95,13 +85,11 @@ class ScriptedFrontEnd : public FrontEnd {
         takeBack = question;
         askFor("take back " + question.title, answer);
     }
-    void askForDroplets(const LocatePanel& panel,
+    void askForDroplets(const LocatePanel&,
                         Handler<std::optional<std::vector<std::string>>> answer) override {
-        note("panel titled " + panel.title + ", " + panel.message + ", " + panel.prompt);
         askFor("droplets", answer);
     }
-    void askForFolder(const LocatePanel& panel, Handler<std::optional<std::string>> answer) override {
-        note("panel titled " + panel.title);
+    void askForFolder(const LocatePanel&, Handler<std::optional<std::string>> answer) override {
         askFor("folder", answer);
     }
     void fetchAddress(const std::string& address, std::size_t, Handler<FetchedAddress> answer) override {

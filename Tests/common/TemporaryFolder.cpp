@@ -1,11 +1,6 @@
 #include "common/TemporaryFolder.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
+#include "common/Testing.h"
 
 namespace tavrin::test {
 
@@ -87,6 +82,14 @@ std::optional<FileStatus::Kind> TemporaryFolder::kind(std::string_view name) con
            : type == directory ? FileStatus::Kind::folder
            : type == symlink   ? FileStatus::Kind::link
                                : FileStatus::Kind::other;
+}
+
+std::vector<std::string> TemporaryFolder::names(std::string_view of) const {
+    std::vector<std::string> result;
+    for (const auto& entry : fs::directory_iterator(path(of)))
+        result.push_back(entry.path().filename().string());
+    std::ranges::sort(result);
+    return result;
 }
 
 std::map<std::string, std::string> TemporaryFolder::tree() const {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavrin::test {
 
@@ -33,6 +34,8 @@ class TemporaryFolder {
     [[nodiscard]] std::string read(std::string_view name) const;
     /// The kind of what lies there, links not followed; absent when there is nothing.
     [[nodiscard]] std::optional<FileStatus::Kind> kind(std::string_view name) const;
+    /// The names in a folder, sorted.
+    [[nodiscard]] std::vector<std::string> names(std::string_view of = "") const;
     /// Everything below, by relative path: a file with its content, a folder with a slash behind its name
     /// and nothing, a link with "-> " and its target, anything else with "?".
     [[nodiscard]] std::map<std::string, std::string> tree() const;

@@ -15,6 +15,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -29,12 +30,10 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <thread>
-#include <tuple>
-#include <utility>
-#include <vector>
-
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
+#include <tuple>
 #include <unistd.h>
+#include <utility>
+#include <vector>

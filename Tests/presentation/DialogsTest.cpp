@@ -21,28 +21,33 @@ class DialogTests : public WindowFixture {
     }
 };
 
-TEST_F(DialogTests, ShowsWhatAnUndoWouldDoAndDoesItOnAYesAlone) {
-    start({makeFile("a"), makeFile("b")});
+TEST_F(DialogTests, SaveAListAndTakeARunBackOnAYesAlone) {
+    start({makeFile("a.txt")});
     set("interactiveMode", 0);
     set("showSummary", 0);
-    chooseAction("Make uppercase");
-    currentAction().setValue(0, "fragmentSelection");
-    waitForNames({"A", "B"});
+    waitForNames({"Image_01.txt"});
+    trigger("createFileList");
+    find("saveListDialog")->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
+    auto* files = find<QFileDialog>("savePathDialog");
+    files->findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(data.path("list.txt")));
+    QMetaObject::invokeMethod(files, "accept");
+    EXPECT_EQ(close("alert"), "The file list was successfully saved.|");
+    EXPECT_EQ(data.read("list.txt"), "a.txt\tImage_01.txt\n");
+
     trigger("ok");
-    waitUntil("renamed", [this] { return filesOnDisk() == Names{"A", "B"}; });
     QAction& undo = command("undoRename");
     for (const bool agrees : {false, true}) {
         waitUntil("the command is on", [&undo] { return undo.isEnabled(); });
         undo.trigger();
         auto* dialog = waitFor<QDialog>("takeBackDialog");
         EXPECT_TRUE(find<QPushButton>("takeBackButton")->isDefault());
-        EXPECT_EQ(find<QTreeWidget>("takeBackList")->topLevelItem(0)->text(1), "a");
+        EXPECT_EQ(find<QTreeWidget>("takeBackList")->topLevelItem(0)->text(1), "a.txt");
         EXPECT_EQ(findWidget("takeBackProblems"), nullptr);
+        EXPECT_EQ(filesOnDisk(), Names{"Image_01.txt"});
         agrees ? dialog->accept() : dialog->reject();
         waitUntilGone("takeBackDialog");
-        EXPECT_TRUE(agrees || filesOnDisk() == (Names{"A", "B"}));
     }
-    waitUntil("back", [this] { return filesOnDisk() == Names{"a", "b"}; });
+    waitUntil("back", [this] { return filesOnDisk() == Names{"a.txt"}; });
 }
 
 TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {
@@ -129,6 +134,8 @@ TEST_F(DialogTests, ShowWholeReasonsAndCountAllFailures) {
         QTest::keyClick(message, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(message, Qt::Key_C, Qt::ControlModifier);
         EXPECT_EQ(QApplication::clipboard()->text().toStdString(), reason);
+        QTest::keyClick(find("errorList"), Qt::Key_C, Qt::ControlModifier);
+        EXPECT_TRUE(QApplication::clipboard()->text().endsWith("/f\n"));
         close("errorWindow");
     }
 }
@@ -155,18 +162,6 @@ TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
             EXPECT_EQ(given, isOffered ? choice : stop);
             waitUntilGone("confirmStop");
         }
-}
-
-TEST_F(DialogTests, SaveAList) {
-    start({makeFile("a.txt")});
-    waitForNames({"Image_01.txt"});
-    trigger("createFileList");
-    find("saveListDialog")->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
-    auto* files = find<QFileDialog>("savePathDialog");
-    files->findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(folder.path("list.txt")));
-    QMetaObject::invokeMethod(files, "accept");
-    EXPECT_EQ(close("alert"), "The file list was successfully saved.|");
-    EXPECT_EQ(folder.read("list.txt"), "a.txt\tImage_01.txt\n");
 }
 
 TEST_F(DialogTests, OpenHelpWhereverTheCodePointsTo) {

@@ -1,5 +1,4 @@
 #include "common/Recipes.h"
-#include "common/Variable.h"
 #include "documents/DropletBundleWriter.h"
 #include "documents/DropletHandOver.h"
 #include "presentation/WindowFixture.h"
@@ -45,31 +44,26 @@ TEST_F(DropletWindow, EditsADropletAndSavesItBack) {
     EXPECT_EQ(currentAction().getParamString("string"), u"edited");
 }
 
-TEST_F(DropletWindow, AsksAndTellsWithoutTheWindowAndEndsWithTheLast) {
-    startDroplet({{"interactiveMode", 1}, {"showSummary", 1}}, {makeFile("a"), makeFile("b")});
-    const End end = runToTheEnd([this] {
-        EXPECT_FALSE(application->window().isVisible());
-        QWidget* all = findWidget("confirmAll");
-        if (all && all->isVisible() && all->isEnabled())
-            QTest::mouseClick(all, Qt::LeftButton);
-    });
-    EXPECT_EQ(end.status, 0);
-    EXPECT_EQ(end.told, "2 file names were changed.|");
-    EXPECT_EQ(filesOnDisk(), (Names{"aX", "bX"}));
-}
-
-TEST_F(DropletWindow, StopsWhenTheWindowOfItsProgressIsClosed) {
-    startDroplet({{"interactiveMode", 1}, {"showSummary", 0}}, {makeFile("a"), makeFile("b")});
-    const End end = runToTheEnd([this] {
-        const QWidget* sheet = findWidget("confirmRenameWindow");
-        if (sheet && sheet->isVisible()) {
-            EXPECT_FALSE(find("progressWindow")->close()) << "it stays until the run has ended";
-        }
-    });
-    EXPECT_EQ(end.status, 0);
-    EXPECT_EQ(end.told,
-              "No file names were changed.|The rename was stopped: 0 of 2 items have got their new names.");
-    EXPECT_EQ(filesOnDisk(), (Names{"a", "b"}));
+TEST_F(DropletWindow, AsksTellsAndStopsWithoutTheWindowAndEndsWithTheLast) {
+    const std::string stopped =
+        "No file names were changed.|The rename was stopped: 0 of 2 items have got their new names.";
+    for (const bool stops : {true, false}) {
+        startDroplet({{"interactiveMode", 1}, {"showSummary", stops ? 0 : 1}},
+                     {makeFile("a"), makeFile("b")});
+        const End end = runToTheEnd([this, stops] {
+            EXPECT_FALSE(application->window().isVisible());
+            QWidget* all = findWidget("confirmAll");
+            if (!all || !all->isVisible() || !all->isEnabled())
+                return;
+            if (stops)
+                EXPECT_FALSE(find("progressWindow")->close()) << "it stays until the run has ended";
+            else
+                QTest::mouseClick(all, Qt::LeftButton);
+        });
+        EXPECT_EQ(end.status, 0);
+        EXPECT_EQ(end.told, stops ? stopped : "2 file names were changed.|");
+        EXPECT_EQ(filesOnDisk(), stops ? (Names{"a", "b"}) : (Names{"aX", "bX"}));
+    }
 }
 
 TEST_F(DropletWindow, CreatesADropletAndAsksBeforeReplacingIt) {

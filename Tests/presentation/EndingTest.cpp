@@ -9,7 +9,6 @@ namespace tavrin::test {
 namespace {
 
 using ::testing::HasSubstr;
-using ::testing::StartsWith;
 
 /// How the program comes to its end.
 struct Way {
@@ -145,15 +144,6 @@ TEST_F(Ending, KeepsAChainOfANewerVersionUntilThereIsAnother) {
     endBy(ways[0]);
     start();
     EXPECT_EQ(currentAction().actionName(), "Make uppercase");
-}
-
-TEST_F(Ending, WorksWithoutAFolderForItsData) {
-    make(data.write("occupied", "x") + "/data");
-    application->start({makeFile("a.txt")});
-    EXPECT_THAT(close("noticeAlert"), StartsWith("The list of items can't be kept in a file"));
-    waitForNames({"Image_01.txt"});
-    endBy(ways[0]);
-    EXPECT_EQ(data.read("occupied"), "x");
 }
 
 } // namespace

@@ -88,25 +88,6 @@ TEST_F(MainRoad, IsDeafToKeysForAMomentAfterAQuestionHasOpened) {
     waitForEndOfRun();
 }
 
-TEST_F(MainRoad, TellsFailuresAtOnceAndAllOthersAtTheEnd) {
-    startWithThreeFiles();
-    set("interactiveMode", 0);
-    std::filesystem::remove(folder.path("a.txt"));
-    std::filesystem::remove(folder.path("c.txt"));
-    click("okButton");
-    waitFor("reportProblemWindow");
-    click("confirmAll");
-    waitFor("errorWindow");
-    auto* list = find<QListWidget>("errorList");
-    ASSERT_EQ(list->count(), 1); // the one that was told at once is not told again
-    EXPECT_TRUE(list->item(0)->text().contains("c.txt"));
-    QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
-    EXPECT_TRUE(QApplication::clipboard()->text().endsWith("c.txt\n"));
-    close("errorWindow");
-    waitForEndOfRun();
-    EXPECT_EQ(filesOnDisk(), (Names{"Image_02.txt"}));
-}
-
 // What is on show may be a part of the list: what is done to a row hits that row, and no other.
 TEST_F(MainRoad, MovesAndRemovesTheRowsOfAFilteredList) {
     start({makeFile("a"), makeFile("bK"), makeFile("c"), makeFile("dK"), makeFile("e")});
@@ -224,14 +205,13 @@ TEST_F(MainRoad, BuildsAChainOfSteps) {
 }
 
 TEST_F(MainRoad, TurnsButtonsOnWithTheirCommands) {
-    const std::pair<const char*, const char*> buttons[] = {{"removeButton", "removeFile"},
-                                                           {"createFileListButton", "createFileList"},
-                                                           {"okButton", "ok"},
-                                                           {"removeStep", "removeAction"},
-                                                           {"moveStepUp", "nudgeActionUp"}};
-    const auto areOn = [&] {
+    const auto areOn = [this] {
         std::string result;
-        for (const auto& [button, name] : buttons) {
+        for (const auto& [button, name] : {std::pair("removeButton", "removeFile"),
+                                           {"createFileListButton", "createFileList"},
+                                           {"okButton", "ok"},
+                                           {"removeStep", "removeAction"},
+                                           {"moveStepUp", "nudgeActionUp"}}) {
             EXPECT_EQ(find(button)->isEnabled(), command(name).isEnabled()) << button;
             result += command(name).isEnabled() ? '1' : '0';
         }

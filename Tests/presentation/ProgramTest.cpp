@@ -82,14 +82,6 @@ class DropletStart : public Test, protected UsersProgram {
                   std::nullopt);
         return path;
     }
-    /// The names in a folder, sorted.
-    std::vector<std::string> names(const std::string& folder) const {
-        std::vector<std::string> result;
-        for (const auto& entry : std::filesystem::directory_iterator(home.path(folder)))
-            result.push_back(entry.path().filename().string());
-        std::sort(result.begin(), result.end());
-        return result;
-    }
     std::optional<PropertyValue> stored(const char* key) const {
         return UserDefaults(home.path("net.calderwick.tvrn9.plist")).objectForKey(key);
     }
@@ -106,7 +98,8 @@ TEST_F(DropletStart, RenamesWhatIsDroppedAndEnds) {
         arguments.push_back(home.write(name));
     QProcess& process = start(arguments);
     EXPECT_EQ(statusOf(process), 0) << process.readAllStandardError().toStdString();
-    EXPECT_THAT(names("in"), ElementsAre("--helpX", "a bX", "say \"hi\" 100%FX", "two\nlinesX", "\xC3\xA4X"));
+    EXPECT_THAT(home.names("in"),
+                ElementsAre("--helpX", "a bX", "say \"hi\" 100%FX", "two\nlinesX", "\xC3\xA4X"));
     EXPECT_EQ(home.read("net.calderwick.tvrn9.plist"), settings);
     EXPECT_FALSE(home.kind("net.calderwick.tvrn9.plist.saved-90000"));
 }
@@ -138,7 +131,7 @@ TEST_F(DropletStart, TellsWhatKeepsItFromRunning) {
     EXPECT_EQ(statusOf(start({"--droplet"})), 2);
     EXPECT_EQ(stored("composite action"), std::nullopt);
     EXPECT_EQ(stored("actions"), std::nullopt);
-    EXPECT_THAT(names("in"), ElementsAre("a"));
+    EXPECT_THAT(home.names("in"), ElementsAre("a"));
 }
 
 TEST_F(DropletStart, PassesOverFilesThatAreGoneAndTellsOfThem) {
@@ -159,7 +152,7 @@ TEST_F(DropletStart, PassesOverFilesThatAreGoneAndTellsOfThem) {
         EXPECT_EQ(statusOf(process), 0);
         EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr("in/gone"));
     }
-    EXPECT_THAT(names("in"), ElementsAre("aX", "aY"));
+    EXPECT_THAT(home.names("in"), ElementsAre("aX", "aY"));
 }
 
 TEST_F(DropletStart, RunsBesideTheWindowAndOtherDroplets) {
@@ -180,8 +173,8 @@ TEST_F(DropletStart, RunsBesideTheWindowAndOtherDroplets) {
     QProcess& second = start(forY);
     EXPECT_EQ(statusOf(first), 0);
     EXPECT_EQ(statusOf(second), 0);
-    EXPECT_THAT(names("x"), AllOf(SizeIs(500), Each(EndsWith("X"))));
-    EXPECT_THAT(names("y"), AllOf(SizeIs(500), Each(EndsWith("Y"))));
+    EXPECT_THAT(home.names("x"), AllOf(SizeIs(500), Each(EndsWith("X"))));
+    EXPECT_THAT(home.names("y"), AllOf(SizeIs(500), Each(EndsWith("Y"))));
     EXPECT_EQ(window.state(), QProcess::Running);
     EXPECT_EQ(edited.state(), QProcess::Running);
     EXPECT_EQ(stored("droplet settings"), std::nullopt);

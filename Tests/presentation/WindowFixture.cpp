@@ -1,7 +1,6 @@
 #include "presentation/WindowFixture.h"
 
 #include "actions/ActionList.h"
-#include "support/text/Text.h"
 
 namespace tavrin::test {
 
@@ -19,14 +18,6 @@ void WindowFixture::start(const std::vector<std::string>& paths) {
     make();
     application->start(paths);
     waitForPreview();
-}
-
-WindowFixture::Names WindowFixture::filesOnDisk() const {
-    Names names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-        names.push_back(entry.path().filename().string());
-    std::ranges::sort(names);
-    return names;
 }
 
 QWidget* WindowFixture::findWidget(const char* name) {

