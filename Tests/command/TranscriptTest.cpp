@@ -1,5 +1,4 @@
 #include "command/Workplace.h"
-#include "common/Testing.h"
 
 #include <cctype>
 #include <fnmatch.h>

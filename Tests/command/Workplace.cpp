@@ -1,6 +1,5 @@
 #include "command/Workplace.h"
 
-#include "common/Testing.h"
 #include "platform/desktop/Quoting.h"
 #include "platform/processes/ChildProcess.h"
 

@@ -2,8 +2,6 @@
 
 #include "platform/files/FolderEntries.h"
 
-#include <strings.h>
-
 namespace tavrin::test {
 
 namespace {
@@ -56,7 +54,7 @@ class FailingOpenFolder : public OpenFolder {
         FolderEntries entries;
         if (system.ignoresCase && real->entries(entries) == 0) {
             for (const FolderEntry entry : entries) {
-                if (::strcasecmp(std::string(entry.name).c_str(), name.c_str()) == 0)
+                if (text::equalIgnoringCase(text::fromBytes(entry.name), text::fromBytes(name)))
                     return std::string(entry.name);
             }
         }

@@ -1,4 +1,3 @@
-#include "common/TemporaryFolder.h"
 
 #include "common/Testing.h"
 

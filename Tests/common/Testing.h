@@ -37,3 +37,12 @@
 #include <unistd.h>
 #include <utility>
 #include <vector>
+
+namespace tavrin {
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+} // namespace tavrin

@@ -11,9 +11,6 @@ namespace tavrin::test {
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 /// The text of a record, to be changed line by line.
 struct RecordText {
     std::vector<std::string> lines;
@@ -457,6 +454,21 @@ TEST(RunJournal, ARunThatCantBeRecordedIsAskedAbout) {
             EXPECT_EQ(bench.states().size(), hasFailed ? 0U : 1U);
         }
     }
+}
+
+/// The oldest goes where all are too large together; the newest stays.
+TEST(RunHistory, BoundsItsSize) {
+    HistoryBench bench;
+    for (const char* name : {"a", "b", "c"}) {
+        bench.plan(std::string(name) + ">" + name + name);
+        bench.rename();
+        const std::string record = bench.records.path(bench.newestRecord());
+        const std::string text = bench.records.read(bench.newestRecord());
+        std::filesystem::resize_file(record, 100U << 20); // a hole that takes no room
+        std::ofstream(record, std::ios::app) << '\n' << text.substr(text.rfind("done\t"));
+    }
+    RunHistory(bench.records.path()).prune();
+    EXPECT_EQ(bench.states().size(), 2U);
 }
 
 TEST(RunHistory, KeepsWhatIsNotSettledHoweverOld) {

@@ -1,8 +1,5 @@
 #include "RenameBench.h"
 #include "engine/renaming/PrepareForRenamingStage.h"
-#include "support/text/Text.h"
-
-#include <algorithm>
 
 namespace tavrin::test {
 

@@ -2,7 +2,6 @@
 
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
-#include "common/Testing.h"
 
 namespace tavrin::test {
 

@@ -1,6 +1,5 @@
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
-#include "common/Testing.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 
 namespace tavrin::test {

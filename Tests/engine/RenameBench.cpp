@@ -1,6 +1,5 @@
 #include "RenameBench.h"
 
-#include "common/Testing.h"
 #include "engine/pipeline/ProcessingPipeline.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 #include "engine/renaming/PerformRenameStage.h"

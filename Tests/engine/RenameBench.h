@@ -2,10 +2,8 @@
 
 #include "common/EngineTestHost.h"
 #include "common/FailingVfs.h"
-#include "common/TemporaryFolder.h"
+#include "common/Testing.h"
 #include "engine/pipeline/ProcessingStage.h"
-
-#include <gtest/gtest.h>
 
 namespace tavrin::test {
 

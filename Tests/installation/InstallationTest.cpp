@@ -1,9 +1,49 @@
-#include "installation/Tools.h"
+#include "common/Testing.h"
+#include "platform/desktop/Quoting.h"
+#include "platform/processes/ChildProcess.h"
+#include "support/text/PathParts.h"
+
+#include <regex>
 
 namespace tavrin::test {
 namespace {
 
-using testing::HasSubstr;
+/// Runs a program of PATH; its standard error is part of the output.
+ChildProcess::Result run(const std::vector<std::string>& arguments) {
+    ChildProcess::Request request;
+    request.arguments = {"/bin/sh", "-c", "exec 2>&1 \"$@\"", "sh"};
+    request.arguments.insert(request.arguments.end(), arguments.begin(), arguments.end());
+    return ChildProcess::run(request);
+}
+
+/// The output alone; fails the test where the program fails.
+std::string outputOf(const std::vector<std::string>& arguments) {
+    const ChildProcess::Result result = run(arguments);
+    EXPECT_EQ(result.exitStatus, 0) << fmt::format("{}", fmt::join(arguments, " ")) << '\n' << result.output;
+    return result.output;
+}
+
+/// The lines of a text, or its parts between another character.
+std::vector<std::string> linesOf(const std::string& text, char end = '\n') {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line, end);)
+        lines.push_back(line);
+    return lines;
+}
+
+bool isThere(const std::string& program) {
+    return run({"sh", "-c", "command -v " + quotedForShell(program)}).exitStatus == 0;
+}
+
+/// Where tvrn was built.
+std::string programFolder() { return std::string(PathParts(TVRN_PROGRAM).folder); }
+
+std::string sourcePath(const std::string& name) { return std::string(TAVRIN_SOURCE_FOLDER "/") + name; }
+
+/// The output alone; fails the test where the program fails.
+std::string sourceFile(const std::string& name) { return outputOf({"cat", sourcePath(name)}); }
+
 using testing::IsSupersetOf;
 
 TEST(Installation, PutsEverythingInItsPlaceAndStillWorksWhenMoved) {
@@ -75,6 +115,121 @@ TEST(Installation, PackagesThatTheTestsAreBuiltFromAreExplained) {
         if (!package.starts_with('#')) {
             EXPECT_THAT(readme, HasSubstr(package));
         }
+    }
+}
+
+/// What bash offers for the last of these words of a command line, typed as they stand here.
+std::vector<std::string> offered(const std::vector<std::string>& words) {
+    std::string list;
+    for (const std::string& word : words)
+        list += quotedForShell(word) + ' ';
+    const std::string script = fmt::format(
+        "PATH={}:$PATH; compopt() {{ :; }}; source {}/Resources/completions/{}.bash; COMP_WORDS=({}); "
+        "COMP_CWORD={}; _{}; printf '%s\\n' \"${{COMPREPLY[@]}}\"",
+        quotedForShell(programFolder()), quotedForShell(TAVRIN_SOURCE_FOLDER), words.front(), list,
+        words.size() - 1, words.front());
+    return linesOf(outputOf({"bash", "-c", script}));
+}
+
+TEST(Completion, OffersWhatCanFollow) {
+    const TemporaryFolder data;
+    data.write("Tavrin 9/Presets/My Own.tvrn8preset.plist", "");
+    const Variable folder("XDG_DATA_HOME", data.path().c_str());
+    // Words of the command line, and what is offered for the last of them.
+    const std::pair<std::string, std::string> cases[] = {
+        {"tvrn|pre", "preview|presets"},
+        {"tvrn|--v", "--version"},
+        {"tvrn|preview|--f", "--format"},
+        {"tvrn|rename|--f", ""},
+        {"tvrn|rename|--|--q", ""},
+        {"tvrn|rename|pict", ""},
+        {"tvrn|preview|--format|", "0|1|2"},
+        {"tvrn|preview|--store|", "memory|file"},
+        {"tvrn|tags|--", "--json|--help"},
+        {"tvrn|actions|Make\\ low", "Make\\ lowercase"},
+        {"tvrn|rename|--preset|", "My\\ Own"},
+        {"tvrn|rename|--action|Make\\ low", "Make\\ lowercase"},
+        {"tvrn|rename|--action|\"Make low", "Make lowercase"},
+        {"tvrn|rename|--action|'Replace text'|--set|sea", "searchTerm="},
+        {"tvrn|rename|--action|Add\\ to\\ end|--action|\"Replace text\"|--set|sea", "searchTerm="},
+        {"tvrn|rename|--set|sea", ""},
+        {"tvrn|rename|--action|Make\\ lowercase|--set|fragmentSelection|=", "1|0|2|3"},
+        {"tvrn|rename|--action|Make\\ lowercase|--set|fragmentSelection|=|2", "2"},
+        {"tvrn|rename|--action|No\\ such|--set|", ""},
+        {"tvrn|rename|--setting|renameM", "renameMode="},
+        {"tvrn|rename|--setting|renameMode|=", ""},
+        {"tavrin|--d", "--droplet"},
+        {"tavrin|--|--d", ""}};
+    for (const auto& [words, expected] : cases)
+        EXPECT_EQ(fmt::format("{}", fmt::join(offered(linesOf(words + '|', '|')), "|")), expected) << words;
+}
+
+TEST(Completion, KnowsTheSettingsAndOptionsOfTheProgramEverywhere) {
+    const std::string zsh = sourceFile("Resources/completions/_tvrn");
+    const std::string fish = sourceFile("Resources/completions/tvrn.fish");
+    const std::string manual = sourceFile("Resources/man/tvrn.1");
+    const TemporaryFolder folder;
+    std::vector<std::string> preview{TVRN_PROGRAM, "preview", "--action", "Make lowercase",
+                                     folder.write("a")};
+    const std::vector<std::string> keys = offered({"tvrn", "rename", "--setting", ""});
+    EXPECT_GT(keys.size(), 10U);
+    for (std::string key : keys) {
+        SCOPED_TRACE(key);
+        preview.insert(preview.end(), {"--setting", key + "0"});
+        key.pop_back();
+        EXPECT_THAT(zsh, HasSubstr("'" + key + ":"));
+        EXPECT_THAT(fish, HasSubstr(" " + key + " '"));
+        EXPECT_THAT(manual, HasSubstr(key + " Pq"));
+    }
+    (void)outputOf(preview);
+    const std::regex option("[ (]--([a-z]+(?:-[a-z]+)?)");
+    for (const char* command :
+         {"preview", "rename", "history", "undo", "redo", "actions", "tags", "presets"}) {
+        EXPECT_THAT(manual, HasSubstr(std::string("\n.Cm ") + command + "\n"));
+        std::string help = outputOf({TVRN_PROGRAM, command, "--help"});
+        help.resize(std::min(help.size(), help.find("Examples:")));
+        const std::vector<std::string> inBash = offered({"tvrn", command, "--"});
+        const std::set<std::string> options(std::sregex_token_iterator(help.begin(), help.end(), option, 1),
+                                            {});
+        EXPECT_FALSE(options.empty());
+        for (const std::string& name : options) {
+            SCOPED_TRACE(std::string(command) + " --" + name);
+            EXPECT_THAT(inBash, Contains("--" + name));
+            EXPECT_THAT(zsh, testing::ContainsRegex("--" + name + "(\\[|,|}|')"));
+            EXPECT_THAT(fish, HasSubstr(" -l " + name + " "));
+            EXPECT_THAT(manual, HasSubstr("Fl -" + name));
+        }
+    }
+}
+
+// In the order of the section: what a recipe finds in its folder, as it is made in a shell, and what it
+// leaves there.
+TEST(Readme, RecipesDoWhatTheySay) {
+    const std::pair<const char*, const char*> recipes[] = {
+        {"cp ../samples/photo.jpg DSC1.JPG; cp ../samples/photo.jpg DSC2.JPG",
+         "2024-06-14 01.jpg\n2024-06-14 02.jpg\n"},
+        {"cp ../samples/song.mp3 track.mp3", "03 Blue Hour.mp3\n"},
+        {"mkdir -p album/day_1; touch album/day_1/a_b.txt", "album\nalbum/day 1\nalbum/day 1/a b.txt\n"},
+        {"echo new >a.png; echo old >b.png; touch -d 2024-01-02 a.png; touch -d 2024-01-01 b.png",
+         "Screenshot 001.png\nScreenshot 002.png\nold\nnew\n"},
+        {"touch ONE TWO; editor() { sed -i s/two$/zwei/ $1; }", "one\nzwei\n"}};
+    const std::string readme = sourceFile("README.md");
+    const std::size_t start = readme.find("## Five recipes");
+    const std::string section = readme.substr(start, readme.find("\n## ", start) - start);
+    const std::regex block("(?:    .*\n)+");
+    const std::vector<std::string> blocks(std::sregex_token_iterator(section.begin(), section.end(), block),
+                                          {});
+    ASSERT_EQ(blocks.size(), std::size(recipes));
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        const auto& [before, after] = recipes[i];
+        const TemporaryFolder folder;
+        const Variable records("XDG_STATE_HOME", folder.path("state").c_str());
+        const std::string script = fmt::format(
+            "exec 3>&1 &>log; trap 'cat ../log >&3' ERR; PATH={}:$PATH; ln -s {} samples; mkdir work; cd "
+            "work\n"
+            "{}\n{}\nexec >&3; find * | LC_ALL=C sort; cat *.png || true",
+            quotedForShell(programFolder()), quotedForShell(sourcePath("Tests/samples")), before, blocks[i]);
+        EXPECT_EQ(outputOf({"env", "-C", folder.path(), "bash", "-ec", script}), after);
     }
 }
 

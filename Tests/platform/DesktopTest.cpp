@@ -23,8 +23,6 @@ using namespace std::string_literals;
 using test::FileCall;
 using test::TemporaryFolder;
 using test::Variable;
-using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::MatchesRegex;
 
 constexpr const char* thunarList = "config/Thunar/uca.xml";

@@ -10,8 +10,6 @@
 namespace tavrin {
 namespace {
 
-using testing::HasSubstr;
-
 std::string list(const std::string& content) {
     return "<plist version=\"1.0\">\n" + content + "\n</plist>\n";
 }

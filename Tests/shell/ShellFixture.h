@@ -8,13 +8,6 @@
 
 namespace tavrin::test {
 
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Not;
-using ::testing::StartsWith;
-
 /// The whole application without a window: user defaults of its own, a data folder that goes with the test,
 /// a run loop whose time the test moves, and a scripted user.
 class ShellFixture : public CatalogueFixture {

@@ -1,4 +1,3 @@
-#include "common/Testing.h"
 #include "store/StoreTestData.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/KQStringUtilities.h"

@@ -74,12 +74,6 @@ struct RunRecordReader::OpenBlock {
 
 void RunRecordReader::examine() {
     file.rewind();
-    intactEnd = 0;
-    items = 0;
-    hasDamage = false;
-    recordedFolders.clear();
-    lateInodes.clear();
-    unflaggedDevices.clear();
     OpenBlock open;
     bool hasBrokenBlock = false;
     for (std::string_view line; file.next(line);) {

@@ -33,7 +33,7 @@ class RunRecordReader {
     /// Whether the run is still under way.
     [[nodiscard]] bool isHeld() const { return file.isHeld(); }
 
-    /// Reads everything once and finds out what counts. Before what follows; any number of times.
+    /// Reads everything once and finds out what counts. Once, before what follows.
     void examine();
     /// Something of the record is lost although the run went on behind it.
     [[nodiscard]] bool isDamaged() const { return hasDamage; }

@@ -144,7 +144,6 @@ void ProcessingPipeline::breakOffStages() {
     for (const auto& stage : stages) {
         stage->setManagedObjectContext(&fresh);
         stage->breakOff(failure.reason);
-        fresh.commit();
     }
 }
 
