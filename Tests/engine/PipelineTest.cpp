@@ -77,13 +77,15 @@ TEST_F(PipelineTest, AFailureOfAFileMovesIntoMemoryAndRunsAgain) {
         for (const int number : {1, 2, 3}) {
             stages.emplace_back([&, number](StoreContext& context) {
                 ran += std::to_string(number);
-                if (number == failing && context.store().kind() == ItemStore::Kind::file)
-                    throw StoreError("disk I/O error");
-                return true;
+                if (number != failing || context.store().kind() != ItemStore::Kind::file)
+                    return true;
+                context.insertProcessingError({"", "", "told before"});
+                throw StoreError("disk I/O error");
             });
         }
         EXPECT_TRUE(process(inFile, stages));
         EXPECT_EQ(ran, std::string("123").substr(0, static_cast<std::size_t>(failing)) + "123");
+        EXPECT_EQ(inFile.errors().size(), 1U);
         EXPECT_EQ(inFile.defaults.integerForKey("store"), 1);
         EXPECT_TRUE(inFile.defaults.boolForKey("hasFailedOnSQLiteStoreBefore"));
         EXPECT_EQ(inFile.events, std::vector<std::string>{"updatePreview"});

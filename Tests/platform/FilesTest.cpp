@@ -1,6 +1,7 @@
 #include "common/FailingFileSystem.h"
 #include "common/ManualRunLoop.h"
 #include "common/Testing.h"
+#include "platform/files/AbsolutePaths.h"
 #include "platform/files/FileSystemAccessManager.h"
 #include "platform/files/FolderEntries.h"
 #include "platform/files/ItemCopy.h"
@@ -199,6 +200,15 @@ TEST(FolderAccess, IsAskedForUntilTheFolderOrOneAroundItIsGranted) {
     defaults.setObject("permamentAccessListArray", PropertyArray{1});
     manager.revokeAllSecurityBookmarks();
     EXPECT_TRUE(defaults.objectForKey("permamentAccessListArray")->asArray()->empty());
+}
+
+TEST(LinkTarget, IsFollowedToItsEndIfThereIsOne) {
+    TemporaryFolder folder;
+    folder.link("a", "b");
+    folder.link("b", "d/c");
+    EXPECT_EQ(linkTarget(folder.path("a")), folder.path("d/c"));
+    folder.link("d/c", "../a");
+    EXPECT_EQ(linkTarget(folder.path("a")), folder.path("a"));
 }
 
 /// What can be copied whole lies there whole, and of all else nothing.

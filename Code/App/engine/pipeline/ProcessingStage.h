@@ -25,8 +25,8 @@ class ProcessingStage {
     [[nodiscard]] virtual std::string className() const = 0;
     [[nodiscard]] virtual std::string stageDescription() const { return "Processing..."; }
     /// The run has lost the rows it works on, because the store could not be read, and is not begun anew:
-    /// puts down and commits what is true of the work done so far, and tells the user. `reason` is the system's. Called
-    /// with a fresh context, for each stage of the run, whether it has begun or not.
+    /// puts down and commits what is true of the work done so far, and tells the user. `reason` is the
+    /// system's. Called with a fresh context, for each stage of the run, whether it has begun or not.
     virtual void breakOff(const std::string& /*reason*/) {}
 
     /// Not owned; null means that all reports of progress do nothing.
