@@ -96,6 +96,13 @@ TEST_F(PipelineTest, AFailureOfAFileMovesIntoMemoryAndRunsAgain) {
     }
 }
 
+TEST_F(PipelineTest, ARenameThatLosesItsRowsIsBrokenOff) {
+    BrokenHost broken(folder.path());
+    broken.host.engine.processRenamingPipelineThenContinue(broken.host.progress);
+    broken.host.waitUntilIdle();
+    EXPECT_THAT(broken.host.errors(), ElementsAre(StartsWith("The renaming was broken off")));
+}
+
 TEST_F(PipelineTest, AFailureInMemoryIsFinal) {
     host.add({folder.write("a")});
     host.preview();

@@ -14,7 +14,7 @@ struct BrokenHost {
         StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
         for (int batch = 0; batch < 3; ++batch, context.commit())
             for (int i = 0; i < 5000; ++i)
-                context.insertFile(noRow, "x", true, false, i);
+                context.change(context.insertFile(noRow, "x", true, false, i)).diff = true;
         vfs.failRead(1, true);
     }
 
