@@ -286,6 +286,11 @@ TEST_F(MergeTest, WhatTheStoreHoldsWinsOverThePendingChangeOfTheMainContext) {
     EXPECT_EQ(main.row(rows[1]).manualOrder, 2) << "its row had moved on";
     EXPECT_EQ(main.row(rows[1]).depth, 3);
     EXPECT_EQ(main.row(rows[2]).manualOrder, 501);
+    worker.deleteRow(rows[4]);
+    worker.commit();
+    std::string path = "the one before";
+    main.fullPath(rows[4], path);
+    EXPECT_EQ(path, "");
 }
 
 TEST_F(MergeTest, OnlyWhatAListDependsOnVoidsIt) {
