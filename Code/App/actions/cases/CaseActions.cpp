@@ -91,28 +91,41 @@ class ProperCaseAction final : public BaseRenameAction {
   protected:
     void prepareParameters() override {
         BaseRenameAction::prepareParameters();
-        for (std::size_t unit = 0; unit < kindOfAscii.size(); ++unit)
-            kindOfAscii[unit] = classify(static_cast<char16_t>(unit));
+        for (std::size_t unit = 0; unit < ascii.size(); ++unit) {
+            ascii[unit].kind = classify(static_cast<char16_t>(unit));
+            for (const bool startsWord : {false, true}) {
+                std::u16string written;
+                append(static_cast<char16_t>(unit), ascii[unit].kind, startsWord, written);
+                ascii[unit].written[startsWord] = written.front();
+            }
+        }
     }
 
     void processName(std::u16string_view fragment, std::u16string& result) override {
         bool startsWord = true;
         for (const char16_t unit : fragment) {
-            const auto kind = unit < kindOfAscii.size() ? kindOfAscii[unit] : classify(unit);
-            if (kind == UnitKind::letter)
-                appendLetter(unit, startsWord, result);
+            const bool isAscii = unit < ascii.size();
+            const UnitKind kind = isAscii ? ascii[unit].kind : classify(unit);
+            if (isAscii)
+                result += ascii[unit].written[startsWord];
             else
-                result += unit;
+                append(unit, kind, startsWord, result);
             if (kind != UnitKind::other)
                 startsWord = kind == UnitKind::wordBoundary;
         }
     }
 
   private:
-    void appendLetter(char16_t unit, bool startsWord, std::u16string& result) const {
-        if (startsWord)
+    /// What the parameters make of a character of ASCII, within a word and at its start.
+    struct Ascii {
+        UnitKind kind = UnitKind::other;
+        std::array<char16_t, 2> written{};
+    };
+
+    void append(char16_t unit, UnitKind kind, bool startsWord, std::u16string& result) const {
+        if (kind == UnitKind::letter && startsWord)
             appendUppercasedUnit(unit, result);
-        else if (paramForceToLowerCase == 1)
+        else if (kind == UnitKind::letter && paramForceToLowerCase == 1)
             appendLowercasedUnit(unit, result);
         else
             result += unit;
@@ -141,7 +154,7 @@ class ProperCaseAction final : public BaseRenameAction {
 
     std::int32_t paramMatchingMode = 0;
     std::int32_t paramForceToLowerCase = 0;
-    std::array<UnitKind, 128> kindOfAscii{};
+    std::array<Ascii, 128> ascii{};
 };
 
 } // namespace
