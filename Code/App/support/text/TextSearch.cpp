@@ -14,12 +14,13 @@ namespace {
 namespace units = text::units;
 
 /// Search unit by unit. `part` is never empty; the lowered ones take `part` in lower case and compare it with
-/// the lower case of `text`, all of whose characters lie below U+0100.
+/// the lower case of `text`, all of whose characters lie below U+0100. Inline, since the compiler heeds the
+/// word: these are the innermost loops of most steps.
 namespace literal {
 
 constexpr std::size_t none = std::u16string_view::npos;
 
-bool startsLowered(std::u16string_view text, std::u16string_view part) {
+inline bool startsLowered(std::u16string_view text, std::u16string_view part) {
     if (text.size() < part.size())
         return false;
     for (std::size_t i = 0; i < part.size(); ++i)
@@ -28,7 +29,7 @@ bool startsLowered(std::u16string_view text, std::u16string_view part) {
     return true;
 }
 
-bool starts(std::u16string_view text, std::u16string_view part) {
+inline bool starts(std::u16string_view text, std::u16string_view part) {
     return units::same(text.substr(0, part.size()), part);
 }
 
@@ -53,24 +54,24 @@ std::size_t scan(std::u16string_view text, std::u16string_view part, char16_t ot
     return none;
 }
 
-std::size_t find(std::u16string_view text, std::u16string_view part) {
+inline std::size_t find(std::u16string_view text, std::u16string_view part) {
     return scan(text, part, part[0], starts);
 }
 
-std::size_t findLowered(std::u16string_view text, std::u16string_view part) {
+inline std::size_t findLowered(std::u16string_view text, std::u16string_view part) {
     const auto capital = static_cast<char16_t>(part[0] - 0x20);
     const bool hasCapital = part[0] >= 0x20 && units::latin1Lower(capital) == part[0];
     return scan(text, part, hasCapital ? capital : part[0], startsLowered);
 }
 
-std::size_t findLast(std::u16string_view text, std::u16string_view part) {
+inline std::size_t findLast(std::u16string_view text, std::u16string_view part) {
     for (std::size_t at = text.size(); at-- > 0;)
         if (text[at] == part[0] && starts(text.substr(at), part))
             return at;
     return none;
 }
 
-std::size_t findLastLowered(std::u16string_view text, std::u16string_view part) {
+inline std::size_t findLastLowered(std::u16string_view text, std::u16string_view part) {
     for (std::size_t at = text.size(); at-- > 0;)
         if (startsLowered(text.substr(at), part))
             return at;
