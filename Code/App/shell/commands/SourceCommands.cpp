@@ -23,30 +23,16 @@ struct Group {
     std::vector<std::size_t> places;
 };
 
-/// By folder, in the order in which the folders come up.
-std::vector<Group> groupedByFolder(const std::vector<std::string>& paths) {
-    std::vector<Group> groups;
-    std::unordered_map<std::string_view, std::size_t> groupOf;
-    std::size_t last = 0;
-    for (std::size_t place = 0; place < paths.size(); ++place) {
-        const std::string_view folder = PathParts(paths[place]).folder;
-        if (groups.empty() || groups[last].folder != folder) {
-            const auto [entry, isNew] = groupOf.try_emplace(folder, groups.size());
-            if (isNew)
-                groups.push_back({std::string(folder), {}});
-            last = entry->second;
-        }
-        groups[last].places.push_back(place);
-    }
-    return groups;
-}
-
-/// Paths that are added one by one, folder by folder.
+/// Paths that are added one by one, folder by folder, in the order in which the folders come up.
 struct Adding {
-    explicit Adding(const std::vector<std::string>& given) : paths(given), groups(groupedByFolder(paths)) {}
+    explicit Adding(const std::vector<std::string>& given) : paths(given) {}
 
-    /// False when none is left.
+    /// False when none is left. First of all they are grouped, many at once.
     bool addNext(SourceItemManager& items) {
+        if (grouped < paths.size()) {
+            groupSome();
+            return true;
+        }
         while (group < groups.size() && place == groups[group].places.size()) {
             ++group;
             place = 0;
@@ -57,19 +43,36 @@ struct Adding {
         if (place == 0)
             isValid = items.checkPathValidity(current.folder);
         if (!isValid || !items.addSourceItem(paths[current.places[place]]))
-            someWereRefused = true;
+            refused.push_back(current.places[place]);
         ++place;
         ++count;
         return true;
     }
 
+    void groupSome() {
+        constexpr std::size_t many = 10000;
+        for (const std::size_t end = std::min(grouped + many, paths.size()); grouped < end; ++grouped) {
+            const std::string_view folder = PathParts(paths[grouped]).folder;
+            if (groups.empty() || groups[lastGroup].folder != folder) {
+                const auto [entry, isNew] = groupOf.try_emplace(folder, groups.size());
+                if (isNew)
+                    groups.push_back({std::string(folder), {}});
+                lastGroup = entry->second;
+            }
+            groups[lastGroup].places.push_back(grouped);
+        }
+    }
+
     std::vector<std::string> paths;
     std::vector<Group> groups;
+    std::unordered_map<std::string_view, std::size_t> groupOf; // folders of `paths`
+    std::size_t grouped = 0;
+    std::size_t lastGroup = 0;
     std::size_t group = 0;
     std::size_t place = 0;
     std::size_t count = 0;
     bool isValid = false;
-    bool someWereRefused = false;
+    std::vector<std::size_t> refused;
 };
 
 constexpr std::size_t itemsPerDelay = 5000;
@@ -84,14 +87,10 @@ const Alert someFilesNotAdded{
 } // namespace
 
 std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>& paths) {
-    std::vector<std::size_t> refused;
-    for (const Group& group : groupedByFolder(paths)) {
-        const bool isValid = services.sourceItems.checkPathValidity(group.folder);
-        for (const std::size_t place : group.places) {
-            if (!isValid || !services.sourceItems.addSourceItem(paths[place]))
-                refused.push_back(place);
-        }
-    }
+    Adding adding(paths);
+    while (adding.addNext(services.sourceItems))
+        continue;
+    std::vector<std::size_t>& refused = adding.refused;
     std::sort(refused.begin(), refused.end());
     std::vector<std::string> result;
     result.reserve(refused.size());
@@ -109,7 +108,7 @@ bool SourceCommands::addFilePaths(const std::vector<std::string>& paths, bool in
                 preview.initiateDelayedPreviewUpdate();
             return true;
         }
-        if (adding->someWereRefused && interactive)
+        if (!adding->refused.empty() && interactive)
             services.frontEnd.showAlert(someFilesNotAdded, [](AlertAnswer) {});
         preview.initiateDelayedPreviewUpdate();
         return false;
