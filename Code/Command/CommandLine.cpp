@@ -58,7 +58,7 @@ class Parser {
         action = addRepeatable(app, "--action");
         parameter = addRepeatable(app, "--set");
         setting = addRepeatable(app, "--setting");
-        recursive = app.add_flag("--recursive");
+        recursive = app.add_flag("-r,--recursive");
         store = app.add_option("--store")->expected(1)->check(CLI::IsMember({"memory", "file"}));
     }
 
@@ -135,12 +135,45 @@ class Parser {
                 operands.push_back(std::move(*argument));
                 continue;
             }
-            const CLI::Option* option = app.get_option_no_throw(*argument);
-            options.push_back(std::move(*argument));
-            if (option && option->get_items_expected_max() > 0 && std::next(argument) != arguments.end())
+            const bool takesNext = argument->starts_with("--") ? takeWord(std::move(*argument), options)
+                                                               : takeLetters(*argument, options);
+            if (takesNext && std::next(argument) != arguments.end())
                 options.push_back(std::move(*++argument));
         }
         return options;
+    }
+
+    static bool takesValue(const CLI::Option* option) {
+        return option && option->get_items_expected_max() > 0;
+    }
+
+    /// Whether the next argument is the option's value; so too in the next.
+    bool takeWord(std::string word, std::vector<std::string>& options) const {
+        const CLI::Option* option = app.get_option_no_throw(word);
+        options.push_back(std::move(word));
+        return takesValue(option);
+    }
+
+    /// Letters behind one hyphen; what is behind a letter that takes a value is that value.
+    bool takeLetters(const std::string& given, std::vector<std::string>& options) const {
+        std::string_view argument = given;
+        for (argument.remove_prefix(1); !argument.empty(); argument.remove_prefix(1)) {
+            const std::string letter{'-', argument.front()};
+            const CLI::Option* option = app.get_option_no_throw(letter);
+            if (argument.front() == '-') // the library would take it for the end of the options
+                throw UsageError(fmt::format("The following argument was not expected: {}", given));
+            if (!option) {
+                options.push_back(fmt::format("-{}", argument));
+                return false;
+            }
+            options.push_back(letter);
+            if (takesValue(option)) {
+                if (argument.size() > 1)
+                    options.emplace_back(argument.substr(1));
+                return argument.size() == 1;
+            }
+        }
+        return false;
     }
 
     RecipeSource recipeSource(std::vector<RecipeStep> steps) const {
@@ -187,7 +220,7 @@ CommandLine parseRename(std::vector<std::string> arguments) {
     RenameOptions options;
     Parser parser("rename", help::rename);
     parser.addRunOptions();
-    parser.app.add_flag("--interactive", options.interactive);
+    parser.app.add_flag("-i,--interactive", options.interactive);
     parser.app.add_flag("--quiet", options.quiet);
     CLI::Option* none = parser.app.add_flag("--no-history", options.noHistory);
     parser.app.add_flag("--require-history", options.requireHistory)->excludes(none);
@@ -222,7 +255,7 @@ CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
     CLI::Option* preview = parser.app.add_flag("--preview", options.preview);
     parser.app.add_flag("--json", options.json)->needs(preview);
     parser.app.add_flag("--replaced", options.replaced);
-    parser.app.add_flag("--interactive", options.interactive)->excludes(preview);
+    parser.app.add_flag("-i,--interactive", options.interactive)->excludes(preview);
     parser.app.add_flag("--quiet", options.quiet);
     return parser.parse(std::move(arguments), [&] {
         options.run = parser.onlyOperand("run");

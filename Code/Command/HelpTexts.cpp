@@ -12,17 +12,17 @@ constexpr const char* runOptions = R"(RECIPE, one of
     --set KEY=VALUE    a parameter of the step before it; repeatable
 SETTINGS
   --setting KEY=VALUE  a global setting; repeatable
-  --recursive          also what folders hold (processSubfolders=1)
+  -r, --recursive      also what folders hold (processSubfolders=1)
   --store memory|file  where the list is kept; file for millions of items
 )";
 
 /// Of undo and redo.
-constexpr const char* takeBackOptions = R"(  --preview      show what would be done; touch nothing
-  --json         with --preview: one object per line
-  --replaced     also what lies in the place of an item that is gone itself, as
-                 where an editor has saved by replacing
-  --interactive  ask on the terminal before each rename and at problems
-  --quiet        say nothing but what fails
+constexpr const char* takeBackOptions = R"(  --preview          show what would be done; touch nothing
+  --json             with --preview: one object per line
+  --replaced         also what lies in the place of an item that is gone, as
+                     where an editor has saved by replacing
+  -i, --interactive  ask on the terminal before each rename and at problems
+  --quiet            say nothing but what fails
 )";
 
 } // namespace
@@ -69,7 +69,7 @@ Examples:
 const std::string rename = std::string(R"(tvrn rename [RECIPE] [SETTINGS] [OPTIONS] PATH...
 Renames the items, and says how many names it changed.
 )") + runOptions + R"(OPTIONS
-  --interactive        ask on the terminal before each rename and at problems
+  -i, --interactive    ask on the terminal before each rename and at problems
   --quiet              say nothing but what fails
   --no-history         keep no record to undo it by (keepHistory=0)
   --require-history    don't begin where no record can be written
