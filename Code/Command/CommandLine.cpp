@@ -49,6 +49,7 @@ class Parser {
         app.allow_windows_style_options(false);
         app.set_help_flag();
         app.add_flag("-h,--help", helpWanted);
+        color = app.add_option("--color")->expected(1)->check(CLI::IsMember({"auto", "always", "never"}));
     }
 
     /// Adds what preview and rename share.
@@ -105,6 +106,12 @@ class Parser {
             throw UsageError("no path is given");
         options.paths = operands;
         return options;
+    }
+
+    [[nodiscard]] ColorChoice colorChoice() const {
+        if (!*color || color->results().at(0) == "auto")
+            return ColorChoice::automatic;
+        return color->results().at(0) == "always" ? ColorChoice::always : ColorChoice::never;
     }
 
     /// What stands on the command line beside the options, as it stands there.
@@ -192,6 +199,7 @@ class Parser {
     std::string name;
     const std::string& helpText;
     bool helpWanted = false;
+    CLI::Option* color = nullptr;
     CLI::Option* recipe = nullptr;
     CLI::Option* preset = nullptr;
     CLI::Option* action = nullptr;
@@ -207,10 +215,13 @@ CommandLine parsePreview(std::vector<std::string> arguments) {
     Parser parser("preview", help::preview);
     parser.addRunOptions();
     CLI::Option* format = parser.app.add_option("--format", options.format)->check(CLI::Range(0, 2));
-    CLI::Option* json = parser.app.add_flag("--json", options.json)->excludes(format);
-    parser.app.add_flag("--affected", options.affected);
+    CLI::Option* json = parser.app.add_flag("-j,--json", options.json)->excludes(format);
+    CLI::Option* affected = parser.app.add_flag("--affected", options.affected);
+    parser.app.add_flag("-a,--all", options.all)->excludes(affected);
     parser.app.add_flag("-0,--null", options.null)->excludes(json);
     return parser.parse(std::move(arguments), [&] {
+        options.isForPrograms = *format || options.json || options.null;
+        options.color = parser.colorChoice();
         options.run = parser.runOptions();
         return options;
     });
@@ -221,7 +232,7 @@ CommandLine parseRename(std::vector<std::string> arguments) {
     Parser parser("rename", help::rename);
     parser.addRunOptions();
     parser.app.add_flag("-i,--interactive", options.interactive);
-    parser.app.add_flag("--quiet", options.quiet);
+    parser.app.add_flag("-q,--quiet", options.quiet);
     CLI::Option* none = parser.app.add_flag("--no-history", options.noHistory);
     parser.app.add_flag("--require-history", options.requireHistory)->excludes(none);
     return parser.parse(std::move(arguments), [&] {
@@ -233,7 +244,7 @@ CommandLine parseRename(std::vector<std::string> arguments) {
 CommandLine parseHistory(std::vector<std::string> arguments) {
     HistoryOptions options;
     Parser parser("history", help::history);
-    CLI::Option* json = parser.app.add_flag("--json", options.json);
+    CLI::Option* json = parser.app.add_flag("-j,--json", options.json);
     CLI::Option* clear = parser.app.add_flag("--clear", options.clear)->excludes(json);
     CLI::Option* forget = parser.app.add_option("--forget")->expected(1)->excludes(json)->excludes(clear);
     return parser.parse(std::move(arguments), [&] {
@@ -253,10 +264,10 @@ CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
     options.isRedo = isRedo;
     Parser parser(isRedo ? "redo" : "undo", isRedo ? help::redo : help::undo);
     CLI::Option* preview = parser.app.add_flag("--preview", options.preview);
-    parser.app.add_flag("--json", options.json)->needs(preview);
+    parser.app.add_flag("-j,--json", options.json)->needs(preview);
     parser.app.add_flag("--replaced", options.replaced);
     parser.app.add_flag("-i,--interactive", options.interactive)->excludes(preview);
-    parser.app.add_flag("--quiet", options.quiet);
+    parser.app.add_flag("-q,--quiet", options.quiet);
     return parser.parse(std::move(arguments), [&] {
         options.run = parser.onlyOperand("run");
         return options;
@@ -266,7 +277,7 @@ CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
 CommandLine parseActions(std::vector<std::string> arguments) {
     ActionsOptions options;
     Parser parser("actions", help::actions);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     return parser.parse(std::move(arguments), [&] {
         options.name = parser.onlyOperand("name");
         return options;
@@ -276,7 +287,7 @@ CommandLine parseActions(std::vector<std::string> arguments) {
 CommandLine parseTags(std::vector<std::string> arguments) {
     TagsOptions options;
     Parser parser("tags", help::tags);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     return parser.parse(std::move(arguments), [&] {
         options.paths = parser.givenOperands();
         if (options.paths.empty())
@@ -288,7 +299,7 @@ CommandLine parseTags(std::vector<std::string> arguments) {
 CommandLine parsePresets(std::vector<std::string> arguments) {
     PresetsOptions options;
     Parser parser("presets", help::presets);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     return parser.parse(std::move(arguments), [&] {
         if (!parser.givenOperands().empty())
             throw UsageError("it takes no names");

@@ -1,3 +1,4 @@
+#include "ColumnPrinter.h"
 #include "Commands.h"
 #include "RowPrinter.h"
 #include "Session.h"
@@ -9,14 +10,29 @@
 
 namespace tavrin {
 
+namespace {
+
+void print(const PreviewOptions& options, Session& session, StoreContext& context) {
+    Terminal& terminal = session.terminal();
+    if (options.isForPrograms || !terminal.outputIsTerminal()) {
+        RowPrinter(options, terminal.output(), terminal.outputIsTerminal()).print(context, session.filter());
+        return;
+    }
+    const ColumnPrinter::Options form{terminal.columns(), terminal.paints(options.color), options.all};
+    ColumnPrinter(form, terminal.output(), [](RowId) {
+        return std::string();
+    }).print(context, session.filter());
+}
+
+} // namespace
+
 ExitStatus runPreviewCommand(const PreviewOptions& options) {
     Session session(options.run);
     session.preview();
     if (!session.wasInterrupted()) {
         StoreContext& context = session.context();
         const std::lock_guard lock(context.mutex());
-        RowPrinter(options, session.terminal().output(), session.terminal().outputIsTerminal())
-            .print(context, session.filter());
+        print(options, session, context);
     }
     return session.finish();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CommandLine.h"
 #include "ExitStatus.h"
 #include "OutputBuffer.h"
 
@@ -19,6 +20,10 @@ class Terminal {
     /// As it may be written to standard output: control characters visible where people read it.
     [[nodiscard]] std::string shown(std::string_view bytes) const;
     [[nodiscard]] bool outputIsTerminal() const { return outputIsForPeople; }
+    /// How many columns the terminal of standard output has; at least 1.
+    [[nodiscard]] std::size_t columns() const;
+    /// Whether standard output is written in colours.
+    [[nodiscard]] bool paints(ColorChoice choice) const;
     /// Writes what is left of the output; a failure to write it is told, and is the status.
     ExitStatus finish(ExitStatus status = ExitStatus::allWell);
 
