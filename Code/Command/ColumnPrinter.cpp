@@ -1,6 +1,7 @@
 #include "ColumnPrinter.h"
 
 #include "PathArguments.h"
+#include "engine/naming/NameProblems.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/DisplayText.h"
 #include "support/text/Text.h"
@@ -55,10 +56,10 @@ void ColumnPrinter::add(StoreContext& context, RowId id) {
     context.name(id, name);
     context.finalName(id, finalName);
     const bool changes = name != finalName && !text::canonicallyEqual(name, finalName);
-    std::string reason = reasonOf(id);
+    std::optional<ToldProblem> problem = problemOf(context, id);
     changing += changes ? 1 : 0;
-    problems += reason.empty() ? 0 : 1;
-    if (!changes && reason.empty() && !options.all)
+    problems += problem ? 1 : 0;
+    if (!changes && !problem && !options.all)
         return;
     if (rowsInPage == page.size())
         page.emplace_back();
@@ -69,7 +70,7 @@ void ColumnPrinter::add(StoreContext& context, RowId id) {
         row.after.set(text::precomposed(finalName));
         ShownName::compare(row.before, row.after);
     }
-    row.reason = std::move(reason);
+    row.reason = problem ? std::move(problem->message) : std::string();
     row.heading = std::exchange(nextHeading, {});
     if (rowsInPage == rowsPerPage)
         printPage();

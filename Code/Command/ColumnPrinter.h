@@ -5,7 +5,6 @@
 #include "store/queries/Predicate.h"
 
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,11 +21,8 @@ class ColumnPrinter {
         bool paints = false; ///< colours
         bool all = false;    ///< also what stays as it is
     };
-    /// Why a row can't be renamed, as a sentence; empty where it can.
-    using ReasonOf = std::function<std::string(RowId)>;
-
-    ColumnPrinter(const Options& printOptions, OutputBuffer& target, ReasonOf reasonOfRow)
-        : options(printOptions), output(target), reasonOf(std::move(reasonOfRow)) {}
+    ColumnPrinter(const Options& printOptions, OutputBuffer& target)
+        : options(printOptions), output(target) {}
 
     /// Hold the context's mutex.
     void print(StoreContext& context, const Predicate& predicate);
@@ -36,7 +32,7 @@ class ColumnPrinter {
         ShownName before;
         ShownName after;
         bool changes = false;
-        std::string reason;
+        std::string reason;  ///< why it will keep its name; empty where it will not
         std::string heading; ///< of the folder that begins with this row
     };
     struct Layout {
@@ -57,7 +53,6 @@ class ColumnPrinter {
 
     Options options;
     OutputBuffer& output;
-    ReasonOf reasonOf;
     std::vector<Row> page;
     std::size_t rowsInPage = 0;
     std::size_t widestBefore = 0; ///< of all pages so far: the columns don't jump

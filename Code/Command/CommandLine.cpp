@@ -232,7 +232,8 @@ CommandLine parseRename(std::vector<std::string> arguments) {
     Parser parser("rename", help::rename);
     parser.addRunOptions();
     parser.app.add_flag("-i,--interactive", options.interactive);
-    parser.app.add_flag("-q,--quiet", options.quiet);
+    CLI::Option* quiet = parser.app.add_flag("-q,--quiet", options.quiet);
+    parser.app.add_flag("-v,--verbose", options.verbose)->excludes(quiet);
     CLI::Option* none = parser.app.add_flag("--no-history", options.noHistory);
     parser.app.add_flag("--require-history", options.requireHistory)->excludes(none);
     return parser.parse(std::move(arguments), [&] {
@@ -267,7 +268,8 @@ CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
     parser.app.add_flag("-j,--json", options.json)->needs(preview);
     parser.app.add_flag("--replaced", options.replaced);
     parser.app.add_flag("-i,--interactive", options.interactive)->excludes(preview);
-    parser.app.add_flag("-q,--quiet", options.quiet);
+    CLI::Option* quiet = parser.app.add_flag("-q,--quiet", options.quiet);
+    parser.app.add_flag("-v,--verbose", options.verbose)->excludes(quiet)->excludes(preview);
     return parser.parse(std::move(arguments), [&] {
         options.run = parser.onlyOperand("run");
         return options;

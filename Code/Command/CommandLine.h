@@ -48,6 +48,7 @@ struct RenameOptions {
     RunOptions run;
     bool interactive = false;
     bool quiet = false;
+    bool verbose = false;
     bool noHistory = false;
     bool requireHistory = false;
 };
@@ -68,6 +69,7 @@ struct TakeBackOptions {
     bool replaced = false;
     bool interactive = false;
     bool quiet = false;
+    bool verbose = false;
 };
 
 struct ActionsOptions {

@@ -23,6 +23,7 @@ constexpr const char* takeBackOptions = R"(  --preview          show what would 
                      where an editor has saved by replacing
   -i, --interactive  ask on the terminal before each rename and at problems
   -q, --quiet        say nothing but what fails
+  -v, --verbose      tell each item that is done
 )";
 
 } // namespace
@@ -71,6 +72,7 @@ Renames the items, and says how many names it changed.
 )") + runOptions + R"(OPTIONS
   -i, --interactive    ask on the terminal before each rename and at problems
   -q, --quiet          say nothing but what fails
+  -v, --verbose        tell each item that is done: old name TAB new name
   --no-history         keep no record to undo it by (keepHistory=0)
   --require-history    don't begin where no record can be written
 Examples:

@@ -19,9 +19,7 @@ void print(const PreviewOptions& options, Session& session, StoreContext& contex
         return;
     }
     const ColumnPrinter::Options form{terminal.columns(), terminal.paints(options.color), options.all};
-    ColumnPrinter(form, terminal.output(), [](RowId) {
-        return std::string();
-    }).print(context, session.filter());
+    ColumnPrinter(form, terminal.output()).print(context, session.filter());
 }
 
 } // namespace
@@ -55,6 +53,8 @@ ExitStatus runRenameCommand(const RenameOptions& options) {
         session.beInteractiveIfSet();
     if (options.quiet)
         session.showNoProgress();
+    if (options.verbose)
+        session.printRenames();
     session.preview();
     if (!session.wasInterrupted())
         session.rename();

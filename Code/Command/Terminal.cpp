@@ -59,6 +59,13 @@ bool Terminal::paints(ColorChoice choice) const {
     return outputIsForPeople && kind && std::string_view(kind) != "dumb" && (!refusal || *refusal == '\0');
 }
 
+void Terminal::printNow(std::string_view text) {
+    const std::lock_guard lock(writing);
+    eraseProgress();
+    standardOutput.append(text);
+    standardOutput.flush();
+}
+
 ExitStatus Terminal::finish(ExitStatus status) {
     standardOutput.flush();
     const int error = standardOutput.error();
@@ -70,7 +77,8 @@ ExitStatus Terminal::finish(ExitStatus status) {
 }
 
 void Terminal::complain(std::string_view line) {
-    clearProgress();
+    const std::lock_guard lock(writing);
+    eraseProgress();
     writeToError(shownInError(line) + '\n');
 }
 
@@ -100,6 +108,7 @@ std::optional<std::string> Terminal::ask(std::string_view question, int interrup
 }
 
 void Terminal::showProgress(std::string_view line) {
+    const std::lock_guard lock(writing);
     if (!errorIsForPeople || line == progressShown)
         return;
     progressShown = line;
@@ -107,6 +116,11 @@ void Terminal::showProgress(std::string_view line) {
 }
 
 void Terminal::clearProgress() {
+    const std::lock_guard lock(writing);
+    eraseProgress();
+}
+
+void Terminal::eraseProgress() {
     if (!progressShown.empty())
         writeToError(eraseLine);
     progressShown.clear();

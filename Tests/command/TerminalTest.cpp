@@ -8,9 +8,10 @@ constexpr const char* upperCase = "tvrn rename --interactive --action 'Make uppe
 TEST(Terminal, EachRenameIsAskedFor) {
     const Workplace workplace;
     ASSERT_EQ(workplace.run("touch a b c d e").status, 0);
-    TerminalSession session(workplace, upperCase);
+    TerminalSession session(workplace, std::string(upperCase) + " -v");
     ASSERT_TRUE(session.await("Rename \"a\" to \"A\" in " + workplace.folder().path() + "?"));
     session.type("y\n");
+    ASSERT_TRUE(session.await("a\tA\r\n")); // before the next question
     ASSERT_TRUE(session.await("Rename \"b\""));
     session.type("what?\n"); // asks again
     ASSERT_TRUE(session.await("Rename \"b\""));
