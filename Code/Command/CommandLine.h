@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SelectionOptions.h"
+
 #include <string>
 #include <utility>
 #include <variant>
@@ -27,6 +29,7 @@ struct RunOptions {
     RecipeSource recipe;
     std::vector<KeyAndValue> settings; ///< in the order given, `--recursive` among them
     bool storeInFile = false;
+    SelectionOptions selection;
     std::vector<std::string> paths;
 };
 
@@ -71,6 +74,7 @@ struct ActionsOptions {
 
 struct TagsOptions {
     bool json = false;
+    SelectionOptions selection; ///< only where more paths come from
     std::vector<std::string> paths;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/history/RunHistory.h"
+#include "engine/reading/ItemSelection.h"
 #include "store/queries/FilterManager.h"
 #include "store/queries/Predicate.h"
 
@@ -26,6 +27,10 @@ class EngineState {
     /// Where runs are recorded; nowhere at first. Set before the first request.
     void setHistoryPlace(HistoryPlace newPlace) { history = std::move(newPlace); }
     [[nodiscard]] const HistoryPlace& historyPlace() const { return history; }
+
+    /// Which items take part; all of them at first. Set before the first request.
+    void setSelection(ItemSelection newSelection) { itemSelection = std::move(newSelection); }
+    [[nodiscard]] const ItemSelection& selection() const { return itemSelection; }
 
     /// The next pass marker; the first is 2, after 99 comes 0.
     PassMarker nextStageFlagCounter();
@@ -54,6 +59,7 @@ class EngineState {
 
     EngineHost& application;
     HistoryPlace history;
+    ItemSelection itemSelection;
     std::atomic<bool> stopRequested{false};
 
   private:
