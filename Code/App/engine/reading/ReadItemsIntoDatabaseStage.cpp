@@ -214,7 +214,9 @@ void ReadItemsIntoDatabaseStage::forgetItemsRemovedSince(const std::vector<Sourc
 void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& kind, std::size_t place,
                                             bool takesPart) {
     const bool isNew = takesPart && !kind.isInvisible && !item.readInRoot;
-    const bool mustWalk = shouldProcessSubfolders && !item.readInSubfolders;
+    // A link that lies in another item is followed no more than one that is found there.
+    const bool isFollowed = !kind.isLink() || folderAbove.empty();
+    const bool mustWalk = shouldProcessSubfolders && !item.readInSubfolders && isFollowed;
     if (isNew && !createRootItem(item.path, true, kind.seen))
         return;
     if (isNew || mustWalk)
