@@ -50,6 +50,7 @@ class Parser {
         app.allow_windows_style_options(false);
         app.set_help_flag();
         app.add_flag("-h,--help", helpWanted);
+        color = app.add_option("--color")->expected(1)->check(CLI::IsMember({"auto", "always", "never"}));
     }
 
     /// Adds what preview and rename share.
@@ -108,6 +109,12 @@ class Parser {
             throw UsageError("no path is given");
         options.paths = operands;
         return options;
+    }
+
+    [[nodiscard]] ColorChoice colorChoice() const {
+        if (!*color || color->results().at(0) == "auto")
+            return ColorChoice::automatic;
+        return color->results().at(0) == "always" ? ColorChoice::always : ColorChoice::never;
     }
 
     /// What stands on the command line beside the options, as it stands there.
@@ -195,6 +202,7 @@ class Parser {
     std::string name;
     const std::string& helpText;
     bool helpWanted = false;
+    CLI::Option* color = nullptr;
     CLI::Option* recipe = nullptr;
     CLI::Option* preset = nullptr;
     CLI::Option* action = nullptr;
@@ -211,11 +219,14 @@ CommandLine parsePreview(std::vector<std::string> arguments) {
     Parser parser("preview", help::preview);
     parser.addRunOptions();
     CLI::Option* format = parser.app.add_option("--format", options.format)->check(CLI::Range(0, 2));
-    parser.app.add_flag("--json", options.json)->excludes(format);
-    parser.app.add_flag("--affected", options.affected);
+    parser.app.add_flag("-j,--json", options.json)->excludes(format);
+    CLI::Option* affected = parser.app.add_flag("--affected", options.affected);
+    parser.app.add_flag("-a,--all", options.all)->excludes(affected);
     return parser.parse(std::move(arguments), [&] {
+        options.color = parser.colorChoice();
         options.run = parser.runOptions();
         options.null = options.run.selection.null;
+        options.isForPrograms = *format || options.json || options.null;
         if (options.json && options.null && !options.run.selection.filesFrom)
             throw UsageError("--json excludes --null");
         return options;
@@ -227,7 +238,8 @@ CommandLine parseRename(std::vector<std::string> arguments) {
     Parser parser("rename", help::rename);
     parser.addRunOptions();
     parser.app.add_flag("-i,--interactive", options.interactive);
-    parser.app.add_flag("--quiet", options.quiet);
+    CLI::Option* quiet = parser.app.add_flag("-q,--quiet", options.quiet);
+    parser.app.add_flag("-v,--verbose", options.verbose)->excludes(quiet);
     CLI::Option* none = parser.app.add_flag("--no-history", options.noHistory);
     parser.app.add_flag("--require-history", options.requireHistory)->excludes(none);
     return parser.parse(std::move(arguments), [&] {
@@ -239,7 +251,7 @@ CommandLine parseRename(std::vector<std::string> arguments) {
 CommandLine parseHistory(std::vector<std::string> arguments) {
     HistoryOptions options;
     Parser parser("history", help::history);
-    CLI::Option* json = parser.app.add_flag("--json", options.json);
+    CLI::Option* json = parser.app.add_flag("-j,--json", options.json);
     CLI::Option* clear = parser.app.add_flag("--clear", options.clear)->excludes(json);
     CLI::Option* forget = parser.app.add_option("--forget")->expected(1)->excludes(json)->excludes(clear);
     return parser.parse(std::move(arguments), [&] {
@@ -259,10 +271,11 @@ CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
     options.isRedo = isRedo;
     Parser parser(isRedo ? "redo" : "undo", isRedo ? help::redo : help::undo);
     CLI::Option* preview = parser.app.add_flag("--preview", options.preview);
-    parser.app.add_flag("--json", options.json)->needs(preview);
+    parser.app.add_flag("-j,--json", options.json)->needs(preview);
     parser.app.add_flag("--replaced", options.replaced);
     parser.app.add_flag("-i,--interactive", options.interactive)->excludes(preview);
-    parser.app.add_flag("--quiet", options.quiet);
+    CLI::Option* quiet = parser.app.add_flag("-q,--quiet", options.quiet);
+    parser.app.add_flag("-v,--verbose", options.verbose)->excludes(quiet)->excludes(preview);
     return parser.parse(std::move(arguments), [&] {
         options.run = parser.onlyOperand("run");
         return options;
@@ -272,7 +285,7 @@ CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
 CommandLine parseActions(std::vector<std::string> arguments) {
     ActionsOptions options;
     Parser parser("actions", help::actions);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     return parser.parse(std::move(arguments), [&] {
         options.name = parser.onlyOperand("name");
         return options;
@@ -282,7 +295,7 @@ CommandLine parseActions(std::vector<std::string> arguments) {
 CommandLine parseTags(std::vector<std::string> arguments) {
     TagsOptions options;
     Parser parser("tags", help::tags);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     const ListParser list(parser.app);
     return parser.parse(std::move(arguments), [&] {
         options.paths = parser.givenOperands();
@@ -296,7 +309,7 @@ CommandLine parseTags(std::vector<std::string> arguments) {
 CommandLine parsePresets(std::vector<std::string> arguments) {
     PresetsOptions options;
     Parser parser("presets", help::presets);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     return parser.parse(std::move(arguments), [&] {
         if (!parser.givenOperands().empty())
             throw UsageError("it takes no names");

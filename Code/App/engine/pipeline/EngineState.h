@@ -12,6 +12,7 @@
 namespace tavrin {
 
 class EngineHost;
+class RenameObserver;
 class StoreContext;
 
 /// What the runs of one engine share, and all that their stages may ask of it: the application, the counters,
@@ -31,6 +32,10 @@ class EngineState {
     /// Which items take part; all of them at first. Set before the first request.
     void setSelection(ItemSelection newSelection) { itemSelection = std::move(newSelection); }
     [[nodiscard]] const ItemSelection& selection() const { return itemSelection; }
+
+    /// Told of the renames of all runs to come; null for nobody. Not owned. Set while no run is under way.
+    void setRenameObserver(RenameObserver* newObserver) { observer = newObserver; }
+    [[nodiscard]] RenameObserver* renameObserver() const { return observer; }
 
     /// The next pass marker; the first is 2, after 99 comes 0.
     PassMarker nextStageFlagCounter();
@@ -60,6 +65,7 @@ class EngineState {
     EngineHost& application;
     HistoryPlace history;
     ItemSelection itemSelection;
+    RenameObserver* observer = nullptr;
     std::atomic<bool> stopRequested{false};
 
   private:

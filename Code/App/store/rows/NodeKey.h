@@ -32,14 +32,17 @@ enum class NodeKey : std::uint8_t {
     madeDistinct,
     inode,
     device,
+    problem,
+    nameLimit,
 };
 
 /// What a change of an attribute can void: an order, a filtered list, names on show, or the rename plan.
 enum class ColumnClass : std::uint8_t { none = 0, sort = 1, filter = 2, naming = 4, plan = 8 };
 
 /// Where an attribute lies in the row; nowhere for what is derived from the name and the id.
-using NodeMember = std::variant<std::monostate, bool NodeRow::*, std::int32_t NodeRow::*,
-                                std::uint32_t NodeRow::*, std::uint64_t NodeRow::*, double NodeRow::*>;
+using NodeMember = std::variant<std::monostate, bool NodeRow::*, std::uint16_t NodeRow::*,
+                                std::int32_t NodeRow::*, std::uint32_t NodeRow::*, std::uint64_t NodeRow::*,
+                                double NodeRow::*, NameProblem NodeRow::*>;
 
 /// All that is known of an attribute: sorting, filtering and committing read this table.
 struct NodeAttribute {
@@ -72,6 +75,8 @@ inline constexpr std::array nodeAttributes{
     NodeAttribute{NodeKey::madeDistinct, ColumnClass::naming, &NodeRow::madeDistinct},
     NodeAttribute{NodeKey::inode, ColumnClass::none, &NodeRow::inode},
     NodeAttribute{NodeKey::device, ColumnClass::none, &NodeRow::device},
+    NodeAttribute{NodeKey::problem, ColumnClass::naming, &NodeRow::problem, rowSummary::problem},
+    NodeAttribute{NodeKey::nameLimit, ColumnClass::none, &NodeRow::nameLimit},
 };
 
 constexpr const NodeAttribute& attribute(NodeKey key) {

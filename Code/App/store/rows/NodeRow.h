@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/files/FileStatus.h"
+#include "store/rows/NameProblem.h"
 
 #include <cstdint>
 
@@ -45,6 +46,8 @@ struct NodeRow {
     bool sortingInformationLoaded = false;
     bool canBeRenamedIndependently = true;
     bool mustBeSwapped = false;
+    NameProblem problem = NameProblem::none; ///< that the item has with its new name
+    std::uint16_t nameLimit = 0;             ///< where that is too long: what its file system takes
 
     /// Of the item when it was read; of a folder whose contents were read: that of what holds them, beyond a
     /// link.
@@ -65,6 +68,7 @@ inline constexpr std::uint8_t treatAsFolder = 4;
 inline constexpr std::uint8_t root = 8;
 inline constexpr std::uint8_t diff = 16;
 inline constexpr std::uint8_t sortingInformationLoaded = 32;
+inline constexpr std::uint8_t problem = 64;
 
 constexpr std::uint8_t of(const NodeRow& row) {
     if (row.entity == NodeEntity::none)
@@ -72,7 +76,8 @@ constexpr std::uint8_t of(const NodeRow& row) {
     return static_cast<std::uint8_t>((row.entity == NodeEntity::file ? isFile : isGhostNode) |
                                      (row.treatAsFolder ? treatAsFolder : 0) | (row.root ? root : 0) |
                                      (row.diff ? diff : 0) |
-                                     (row.sortingInformationLoaded ? sortingInformationLoaded : 0));
+                                     (row.sortingInformationLoaded ? sortingInformationLoaded : 0) |
+                                     (row.problem != NameProblem::none ? problem : 0));
 }
 } // namespace rowSummary
 
