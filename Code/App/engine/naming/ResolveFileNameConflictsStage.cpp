@@ -109,6 +109,7 @@ void ResolveFileNameConflictsStage::processFolder(NameTable& names, RowId folder
 
 void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<RowId> members) {
     context->sort(members, sortDescriptors);
+    std::ranges::stable_partition(members, [this](RowId id) { return isGhost(id); });
     conflictCounter = 0;
     bool kept = false;
     for (const RowId id : members) {
@@ -127,8 +128,13 @@ void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<R
     }
 }
 
+/// A folder that takes no part and has rows in it.
+bool ResolveFileNameConflictsStage::isGhost(RowId id) {
+    return context->row(id).entity == NodeEntity::ghostNode;
+}
+
 bool ResolveFileNameConflictsStage::isApplicable(RowId id) {
-    return context->row(id).treatAsFolder ? processFolders : processFiles;
+    return !isGhost(id) && context->row(id).treatAsFolder ? processFolders : processFiles;
 }
 
 void ResolveFileNameConflictsStage::storeCandidate(RowId id, const std::u16string& candidate) {

@@ -52,7 +52,7 @@ bool RenamePrimitives::check(RenameItem& item) {
     if (error != 0)
         return refuse(error == ENOENT ? std::string(gone) : systemReason(error, item.component(), {}, found));
     const SeenItem& seen = item.seen();
-    const bool isLink = lastLook.kind == FileStatus::Kind::link;
+    const bool isLink = !takesLinks && lastLook.kind == FileStatus::Kind::link;
     const bool hasChangedKind = seen.identity.isKnown() && lastLook.kind != seen.kind;
     if (isLink || hasChangedKind) {
         sentence = isLink ? linkReason : defaultReason;
