@@ -49,6 +49,7 @@ class Parser {
         app.allow_windows_style_options(false);
         app.set_help_flag();
         app.add_flag("-h,--help", helpWanted);
+        color = app.add_option("--color")->expected(1)->check(CLI::IsMember({"auto", "always", "never"}));
     }
 
     /// Adds what preview and rename share.
@@ -58,7 +59,7 @@ class Parser {
         action = addRepeatable(app, "--action");
         parameter = addRepeatable(app, "--set");
         setting = addRepeatable(app, "--setting");
-        recursive = app.add_flag("--recursive");
+        recursive = app.add_flag("-r,--recursive");
         store = app.add_option("--store")->expected(1)->check(CLI::IsMember({"memory", "file"}));
     }
 
@@ -107,6 +108,12 @@ class Parser {
         return options;
     }
 
+    [[nodiscard]] ColorChoice colorChoice() const {
+        if (!*color || color->results().at(0) == "auto")
+            return ColorChoice::automatic;
+        return color->results().at(0) == "always" ? ColorChoice::always : ColorChoice::never;
+    }
+
     /// What stands on the command line beside the options, as it stands there.
     const std::vector<std::string>& givenOperands() const { return operands; }
 
@@ -135,12 +142,45 @@ class Parser {
                 operands.push_back(std::move(*argument));
                 continue;
             }
-            const CLI::Option* option = app.get_option_no_throw(*argument);
-            options.push_back(std::move(*argument));
-            if (option && option->get_items_expected_max() > 0 && std::next(argument) != arguments.end())
+            const bool takesNext = argument->starts_with("--") ? takeWord(std::move(*argument), options)
+                                                               : takeLetters(*argument, options);
+            if (takesNext && std::next(argument) != arguments.end())
                 options.push_back(std::move(*++argument));
         }
         return options;
+    }
+
+    static bool takesValue(const CLI::Option* option) {
+        return option && option->get_items_expected_max() > 0;
+    }
+
+    /// Whether the next argument is the option's value; so too in the next.
+    bool takeWord(std::string word, std::vector<std::string>& options) const {
+        const CLI::Option* option = app.get_option_no_throw(word);
+        options.push_back(std::move(word));
+        return takesValue(option);
+    }
+
+    /// Letters behind one hyphen; what is behind a letter that takes a value is that value.
+    bool takeLetters(const std::string& given, std::vector<std::string>& options) const {
+        std::string_view argument = given;
+        for (argument.remove_prefix(1); !argument.empty(); argument.remove_prefix(1)) {
+            const std::string letter{'-', argument.front()};
+            const CLI::Option* option = app.get_option_no_throw(letter);
+            if (argument.front() == '-') // the library would take it for the end of the options
+                throw UsageError(fmt::format("The following argument was not expected: {}", given));
+            if (!option) {
+                options.push_back(fmt::format("-{}", argument));
+                return false;
+            }
+            options.push_back(letter);
+            if (takesValue(option)) {
+                if (argument.size() > 1)
+                    options.emplace_back(argument.substr(1));
+                return argument.size() == 1;
+            }
+        }
+        return false;
     }
 
     RecipeSource recipeSource(std::vector<RecipeStep> steps) const {
@@ -159,6 +199,7 @@ class Parser {
     std::string name;
     const std::string& helpText;
     bool helpWanted = false;
+    CLI::Option* color = nullptr;
     CLI::Option* recipe = nullptr;
     CLI::Option* preset = nullptr;
     CLI::Option* action = nullptr;
@@ -174,10 +215,13 @@ CommandLine parsePreview(std::vector<std::string> arguments) {
     Parser parser("preview", help::preview);
     parser.addRunOptions();
     CLI::Option* format = parser.app.add_option("--format", options.format)->check(CLI::Range(0, 2));
-    CLI::Option* json = parser.app.add_flag("--json", options.json)->excludes(format);
-    parser.app.add_flag("--affected", options.affected);
+    CLI::Option* json = parser.app.add_flag("-j,--json", options.json)->excludes(format);
+    CLI::Option* affected = parser.app.add_flag("--affected", options.affected);
+    parser.app.add_flag("-a,--all", options.all)->excludes(affected);
     parser.app.add_flag("-0,--null", options.null)->excludes(json);
     return parser.parse(std::move(arguments), [&] {
+        options.isForPrograms = *format || options.json || options.null;
+        options.color = parser.colorChoice();
         options.run = parser.runOptions();
         return options;
     });
@@ -187,8 +231,9 @@ CommandLine parseRename(std::vector<std::string> arguments) {
     RenameOptions options;
     Parser parser("rename", help::rename);
     parser.addRunOptions();
-    parser.app.add_flag("--interactive", options.interactive);
-    parser.app.add_flag("--quiet", options.quiet);
+    parser.app.add_flag("-i,--interactive", options.interactive);
+    CLI::Option* quiet = parser.app.add_flag("-q,--quiet", options.quiet);
+    parser.app.add_flag("-v,--verbose", options.verbose)->excludes(quiet);
     CLI::Option* none = parser.app.add_flag("--no-history", options.noHistory);
     parser.app.add_flag("--require-history", options.requireHistory)->excludes(none);
     return parser.parse(std::move(arguments), [&] {
@@ -200,7 +245,7 @@ CommandLine parseRename(std::vector<std::string> arguments) {
 CommandLine parseHistory(std::vector<std::string> arguments) {
     HistoryOptions options;
     Parser parser("history", help::history);
-    CLI::Option* json = parser.app.add_flag("--json", options.json);
+    CLI::Option* json = parser.app.add_flag("-j,--json", options.json);
     CLI::Option* clear = parser.app.add_flag("--clear", options.clear)->excludes(json);
     CLI::Option* forget = parser.app.add_option("--forget")->expected(1)->excludes(json)->excludes(clear);
     return parser.parse(std::move(arguments), [&] {
@@ -220,10 +265,11 @@ CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
     options.isRedo = isRedo;
     Parser parser(isRedo ? "redo" : "undo", isRedo ? help::redo : help::undo);
     CLI::Option* preview = parser.app.add_flag("--preview", options.preview);
-    parser.app.add_flag("--json", options.json)->needs(preview);
+    parser.app.add_flag("-j,--json", options.json)->needs(preview);
     parser.app.add_flag("--replaced", options.replaced);
-    parser.app.add_flag("--interactive", options.interactive)->excludes(preview);
-    parser.app.add_flag("--quiet", options.quiet);
+    parser.app.add_flag("-i,--interactive", options.interactive)->excludes(preview);
+    CLI::Option* quiet = parser.app.add_flag("-q,--quiet", options.quiet);
+    parser.app.add_flag("-v,--verbose", options.verbose)->excludes(quiet)->excludes(preview);
     return parser.parse(std::move(arguments), [&] {
         options.run = parser.onlyOperand("run");
         return options;
@@ -233,7 +279,7 @@ CommandLine parseTakeBack(std::vector<std::string> arguments, bool isRedo) {
 CommandLine parseActions(std::vector<std::string> arguments) {
     ActionsOptions options;
     Parser parser("actions", help::actions);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     return parser.parse(std::move(arguments), [&] {
         options.name = parser.onlyOperand("name");
         return options;
@@ -243,7 +289,7 @@ CommandLine parseActions(std::vector<std::string> arguments) {
 CommandLine parseTags(std::vector<std::string> arguments) {
     TagsOptions options;
     Parser parser("tags", help::tags);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     return parser.parse(std::move(arguments), [&] {
         options.paths = parser.givenOperands();
         if (options.paths.empty())
@@ -255,7 +301,7 @@ CommandLine parseTags(std::vector<std::string> arguments) {
 CommandLine parsePresets(std::vector<std::string> arguments) {
     PresetsOptions options;
     Parser parser("presets", help::presets);
-    parser.app.add_flag("--json", options.json);
+    parser.app.add_flag("-j,--json", options.json);
     return parser.parse(std::move(arguments), [&] {
         if (!parser.givenOperands().empty())
             throw UsageError("it takes no names");

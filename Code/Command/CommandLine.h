@@ -9,6 +9,9 @@ namespace tavrin {
 
 using KeyAndValue = std::pair<std::string, std::string>;
 
+/// When colours are used: on a terminal that knows them, or whatever stands there.
+enum class ColorChoice { automatic, always, never };
+
 /// What a recipe is made from. Texts are bytes as the user typed them.
 struct RecipeAtPath {
     std::string path;
@@ -33,7 +36,10 @@ struct RunOptions {
 struct PreviewOptions {
     RunOptions run;
     int format = 0;
+    bool isForPrograms = false; ///< the form of the rows is asked for
     bool json = false;
+    bool all = false;
+    ColorChoice color = ColorChoice::automatic;
     bool affected = false;
     bool null = false;
 };
@@ -42,6 +48,7 @@ struct RenameOptions {
     RunOptions run;
     bool interactive = false;
     bool quiet = false;
+    bool verbose = false;
     bool noHistory = false;
     bool requireHistory = false;
 };
@@ -62,6 +69,7 @@ struct TakeBackOptions {
     bool replaced = false;
     bool interactive = false;
     bool quiet = false;
+    bool verbose = false;
 };
 
 struct ActionsOptions {

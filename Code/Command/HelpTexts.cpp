@@ -12,17 +12,18 @@ constexpr const char* runOptions = R"(RECIPE, one of
     --set KEY=VALUE    a parameter of the step before it; repeatable
 SETTINGS
   --setting KEY=VALUE  a global setting; repeatable
-  --recursive          also what folders hold (processSubfolders=1)
+  -r, --recursive      also what folders hold (processSubfolders=1)
   --store memory|file  where the list is kept; file for millions of items
 )";
 
 /// Of undo and redo.
-constexpr const char* takeBackOptions = R"(  --preview      show what would be done; touch nothing
-  --json         with --preview: one object per line
-  --replaced     also what lies in the place of an item that is gone itself, as
-                 where an editor has saved by replacing
-  --interactive  ask on the terminal before each rename and at problems
-  --quiet        say nothing but what fails
+constexpr const char* takeBackOptions = R"(  --preview          show what would be done; touch nothing
+  -j, --json         with --preview: one object per line
+  --replaced         also what lies in the place of an item that is gone, as
+                     where an editor has saved by replacing
+  -i, --interactive  ask on the terminal before each rename and at problems
+  -q, --quiet        say nothing but what fails
+  -v, --verbose      tell each item that is done
 )";
 
 } // namespace
@@ -57,8 +58,8 @@ const std::string preview = std::string(R"(tvrn preview [RECIPE] [SETTINGS] [OUT
 Shows what a rename would do, and touches nothing.
 )") + runOptions + R"(OUTPUT, sorted by current name
   --format 0|1|2       0: name TAB new name, 1: new name, 2: path TAB new name
-  --json               one object per line
-  --affected           only what changes
+  -j, --json           one object per line
+  --affected           only what changes; -a, --all: on a terminal also the rest
   -0, --null           end lines with NUL
 Examples:
   touch A.TXT B.TXT; tvrn preview --action "Make lowercase" A.TXT B.TXT
@@ -69,8 +70,9 @@ Examples:
 const std::string rename = std::string(R"(tvrn rename [RECIPE] [SETTINGS] [OPTIONS] PATH...
 Renames the items, and says how many names it changed.
 )") + runOptions + R"(OPTIONS
-  --interactive        ask on the terminal before each rename and at problems
-  --quiet              say nothing but what fails
+  -i, --interactive    ask on the terminal before each rename and at problems
+  -q, --quiet          say nothing but what fails
+  -v, --verbose        tell each item that is done: old name TAB new name
   --no-history         keep no record to undo it by (keepHistory=0)
   --require-history    don't begin where no record can be written
 Examples:
@@ -85,7 +87,7 @@ Lists the past runs, newest first: run, time, who, what, state, items, folder.
 With RUN its items: folder, old name, new name, where it is now, name now.
 RUN is the name of a run, or an end of it that no other has.
 
-  --json        one object per line
+  -j, --json    one object per line
   --forget RUN  remove the record of a run; it can't be undone any more
   --clear       remove all, but those of runs that were interrupted
 
@@ -123,7 +125,7 @@ const std::string actions = R"(tvrn actions [--json] [NAME]
 Lists the actions by category, or tells what one action does: its parameters for
 "--set" with their defaults and choices, and an example.
 
-  --json    the same for programs; without a name, one object per line
+  -j, --json    the same for programs; without a name, one object per line
 
 Examples:
   tvrn actions
@@ -136,7 +138,7 @@ Shows all tags that a pattern of "Rename from tag" and its siblings can hold,
 each with its value for the file; "-" where the file has none. Dates and times
 are local.
 
-  --json    one object per line: "fullPath", and "tags" with texts or null
+  -j, --json    one object per line: "fullPath", and "tags" with texts or null
 
 Examples:
   touch a.txt; tvrn tags a.txt
@@ -147,7 +149,7 @@ Examples:
 const std::string presets = R"(tvrn presets [--json]
 Lists the saved presets: name, description, file.
 
-  --json    one object per line
+  -j, --json    one object per line
 
 Examples:
   tvrn presets

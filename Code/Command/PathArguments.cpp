@@ -20,6 +20,15 @@ bool isInside(std::string_view path, std::string_view folder) {
 
 } // namespace
 
+std::string shownFolder(std::string_view folder, std::string_view workingFolder) {
+    std::string shown(folder);
+    if (folder == workingFolder)
+        shown = ".";
+    else if (isInside(folder, workingFolder))
+        shown = folder.substr(workingFolder.size() + (workingFolder.ends_with('/') ? 0 : 1));
+    return shown.ends_with('/') ? shown : shown + '/';
+}
+
 std::string reasonOfRefusal(const std::string& refused, const std::vector<std::string>& paths) {
     FileStatus status;
     const int error = refused.empty() ? ENOENT : FileSystem::sharedInstance().followedStatus(refused, status);

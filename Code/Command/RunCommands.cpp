@@ -1,3 +1,4 @@
+#include "ColumnPrinter.h"
 #include "Commands.h"
 #include "RowPrinter.h"
 #include "Session.h"
@@ -9,14 +10,27 @@
 
 namespace tavrin {
 
+namespace {
+
+void print(const PreviewOptions& options, Session& session, StoreContext& context) {
+    Terminal& terminal = session.terminal();
+    if (options.isForPrograms || !terminal.outputIsTerminal()) {
+        RowPrinter(options, terminal.output(), terminal.outputIsTerminal()).print(context, session.filter());
+        return;
+    }
+    const ColumnPrinter::Options form{terminal.columns(), terminal.paints(options.color), options.all};
+    ColumnPrinter(form, terminal.output()).print(context, session.filter());
+}
+
+} // namespace
+
 ExitStatus runPreviewCommand(const PreviewOptions& options) {
     Session session(options.run);
     session.preview();
     if (!session.wasInterrupted()) {
         StoreContext& context = session.context();
         const std::lock_guard lock(context.mutex());
-        RowPrinter(options, session.terminal().output(), session.terminal().outputIsTerminal())
-            .print(context, session.filter());
+        print(options, session, context);
     }
     return session.finish();
 }
@@ -39,6 +53,8 @@ ExitStatus runRenameCommand(const RenameOptions& options) {
         session.beInteractiveIfSet();
     if (options.quiet)
         session.showNoProgress();
+    if (options.verbose)
+        session.printRenames();
     session.preview();
     if (!session.wasInterrupted())
         session.rename();

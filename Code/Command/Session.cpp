@@ -30,7 +30,8 @@ MainController::Options controllerOptions() {
 } // namespace
 
 Session::Session(bool storeInFile)
-    : interrupts([this] { wasToldToStop(); }), frontEnd(connectedTerminal, loop, interrupts) {
+    : interrupts([this] { wasToldToStop(); }), frontEnd(connectedTerminal, loop, interrupts),
+      renamePrinter(connectedTerminal) {
     SystemLog::setSharedInstance(&systemLog);
     setDefaults(storeInFile);
     controller = std::make_unique<MainController>(
@@ -111,6 +112,8 @@ void Session::beInteractiveIfSet() {
     if (controller->globalSettings().values().shouldInteract())
         beInteractive();
 }
+
+void Session::printRenames() { controller->renameEngine().setRenameObserver(&renamePrinter); }
 
 void Session::preview() {
     const ProgressLine progress(controller->progressInfo(), loop, connectedTerminal, showsProgress);

@@ -4,6 +4,7 @@
 #include "CommandLine.h"
 #include "InterruptHandler.h"
 #include "ProgressLine.h"
+#include "RenamePrinter.h"
 #include "Terminal.h"
 #include "TerminalFrontEnd.h"
 #include "engine/history/TakeBack.h"
@@ -42,6 +43,8 @@ class Session {
     void beInteractiveIfSet();
     /// The same whatever they say.
     void beInteractive();
+    /// Prints each item as soon as it is renamed.
+    void printRenames();
     void showNoProgress() { showsProgress = false; }
     /// Whether the run leaves a record by which it can be taken back.
     void keepHistory(bool keep);
@@ -101,6 +104,7 @@ class Session {
     SystemLog systemLog;
     Catalogue catalogue;
     TerminalFrontEnd frontEnd;
+    RenamePrinter renamePrinter;
     std::unique_ptr<MainController> controller;
 };
 

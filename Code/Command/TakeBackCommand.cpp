@@ -25,6 +25,8 @@ ExitStatus runTakeBackCommand(const TakeBackOptions& options) {
         session.beInteractive();
     if (options.quiet)
         session.showNoProgress();
+    if (options.verbose)
+        session.printRenames();
     const auto chosen = session.history().choose(options.isRedo ? RunKind::redo : RunKind::undo, options.run);
     if (const auto* reason = std::get_if<std::string>(&chosen))
         throw UsageError(*reason);

@@ -1,11 +1,13 @@
 #include "Terminal.h"
 
 #include "support/text/DisplayText.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <system_error>
@@ -22,9 +24,19 @@ void writeToError(std::string_view text) {
     error.append(text);
 }
 
-std::size_t columnsOfError() {
+constexpr std::size_t usualColumns = 80;
+
+/// What the environment says; nonsense is passed over.
+std::size_t columnsOfEnvironment() {
+    const char* const text = std::getenv("COLUMNS");
+    const std::int32_t columns = text ? text::intValue(text::fromBytes(text)) : 0;
+    return columns > 0 ? static_cast<std::size_t>(columns) : usualColumns;
+}
+
+std::size_t columnsOf(int descriptor) {
     winsize size{};
-    return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : 80;
+    return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col
+                                                                          : columnsOfEnvironment();
 }
 
 } // namespace
@@ -35,6 +47,23 @@ Terminal::Terminal()
 
 std::string Terminal::shown(std::string_view bytes) const {
     return outputIsForPeople ? display::visible(bytes) : std::string(bytes);
+}
+
+std::size_t Terminal::columns() const { return columnsOf(STDOUT_FILENO); }
+
+bool Terminal::paints(ColorChoice choice) const {
+    if (choice != ColorChoice::automatic)
+        return choice == ColorChoice::always;
+    const char* const kind = std::getenv("TERM");
+    const char* const refusal = std::getenv("NO_COLOR");
+    return outputIsForPeople && kind && std::string_view(kind) != "dumb" && (!refusal || *refusal == '\0');
+}
+
+void Terminal::printNow(std::string_view text) {
+    const std::lock_guard lock(writing);
+    eraseProgress();
+    standardOutput.append(text);
+    standardOutput.flush();
 }
 
 ExitStatus Terminal::finish(ExitStatus status) {
@@ -48,7 +77,8 @@ ExitStatus Terminal::finish(ExitStatus status) {
 }
 
 void Terminal::complain(std::string_view line) {
-    clearProgress();
+    const std::lock_guard lock(writing);
+    eraseProgress();
     writeToError(shownInError(line) + '\n');
 }
 
@@ -78,13 +108,19 @@ std::optional<std::string> Terminal::ask(std::string_view question, int interrup
 }
 
 void Terminal::showProgress(std::string_view line) {
+    const std::lock_guard lock(writing);
     if (!errorIsForPeople || line == progressShown)
         return;
     progressShown = line;
-    writeToError(eraseLine + shownInError(line).substr(0, columnsOfError() - 1));
+    writeToError(eraseLine + shownInError(line).substr(0, columnsOf(STDERR_FILENO) - 1));
 }
 
 void Terminal::clearProgress() {
+    const std::lock_guard lock(writing);
+    eraseProgress();
+}
+
+void Terminal::eraseProgress() {
     if (!progressShown.empty())
         writeToError(eraseLine);
     progressShown.clear();

@@ -1,15 +1,18 @@
 #pragma once
 
+#include "CommandLine.h"
 #include "ExitStatus.h"
 #include "OutputBuffer.h"
 
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace tavrin {
 
-/// What the command is connected to: standard output and error, and the terminal to ask on. Main thread.
+/// What the command is connected to: standard output and error, and the terminal to ask on. Main thread,
+/// but for what says otherwise.
 class Terminal {
   public:
     Terminal();
@@ -19,6 +22,13 @@ class Terminal {
     /// As it may be written to standard output: control characters visible where people read it.
     [[nodiscard]] std::string shown(std::string_view bytes) const;
     [[nodiscard]] bool outputIsTerminal() const { return outputIsForPeople; }
+    /// How many columns the terminal of standard output has; at least 1.
+    [[nodiscard]] std::size_t columns() const;
+    /// Whether standard output is written in colours.
+    [[nodiscard]] bool paints(ColorChoice choice) const;
+    /// Writes to standard output at once, and leaves the progress on its line. Any thread, while no other
+    /// writes there.
+    void printNow(std::string_view text);
     /// Writes what is left of the output; a failure to write it is told, and is the status.
     ExitStatus finish(ExitStatus status = ExitStatus::allWell);
 
@@ -39,9 +49,12 @@ class Terminal {
   private:
     [[nodiscard]] std::string shownInError(std::string_view bytes) const;
 
+    void eraseProgress();
+
     OutputBuffer standardOutput;
     bool outputIsForPeople;
     bool errorIsForPeople;
+    std::mutex writing;        ///< guards what follows, and whole lines
     std::string progressShown; ///< empty: none
 };
 

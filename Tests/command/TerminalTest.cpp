@@ -8,9 +8,10 @@ constexpr const char* upperCase = "tvrn rename --interactive --action 'Make uppe
 TEST(Terminal, EachRenameIsAskedFor) {
     const Workplace workplace;
     ASSERT_EQ(workplace.run("touch a b c d e").status, 0);
-    TerminalSession session(workplace, upperCase);
+    TerminalSession session(workplace, std::string(upperCase) + " -v");
     ASSERT_TRUE(session.await("Rename \"a\" to \"A\" in " + workplace.folder().path() + "?"));
     session.type("y\n");
+    ASSERT_TRUE(session.await("a\tA\r\n")); // before the next question
     ASSERT_TRUE(session.await("Rename \"b\""));
     session.type("what?\n"); // asks again
     ASSERT_TRUE(session.await("Rename \"b\""));
@@ -101,6 +102,53 @@ TEST(Terminal, NamesAreShownWithoutActingOnIt) {
         session.end();
         EXPECT_THAT(session.screen(), HasSubstr(shown));
         EXPECT_THAT(session.screen(), Not(HasSubstr("\x1b"))) << line;
+    }
+}
+
+TEST(Columns, APreviewIsLaidOutForTheTerminal) {
+    const Workplace workplace;
+    ASSERT_EQ(
+        workplace
+            .run("mkdir d; touch 'a b' 'd/x y' same $'日 \\e[1m.txt' '0123 a long name that goes on.txt'")
+            .status,
+        0);
+    const std::pair<std::string, std::string> recipes[] = {
+        {"$R", "--action 'Replace text' --set 'searchTerm= ' --set replacementTerm=_"},
+        {"$U", "--action 'Make uppercase'"}};
+    const std::pair<std::string, std::string> cases[] = {
+        {"tvrn preview $R 'a b' same", "  a b → a_b\n\n1 of 2 names changes.\n"},
+        {"tvrn preview $R -a 'a b' same", "  a b → a_b\n  same\n\n1 of 2 names changes.\n"},
+        {"tvrn preview $R same", "0 of 1 name changes.\n"},
+        {"tvrn preview $R --recursive 'a b' same d",
+         "./\n  a b → a_b\n\nd/\n  x y → x_y\n\n2 of 4 names change.\n"},
+        {"tvrn preview --color always $R 'a b'",
+         "  a\x1b[41m \x1b[0mb → a\x1b[32m_\x1b[0mb\n\n1 of 1 name changes.\n"},
+        {"TERM=xterm tvrn preview $U 'a b' d/*",
+         "\x1b[1m./\x1b[0m\n  \x1b[31ma b\x1b[0m → \x1b[32mA B\x1b[0m\n\n\x1b[1md/\x1b[0m\n"
+         "  \x1b[31mx y\x1b[0m → \x1b[32mX Y\x1b[0m\n\n2 of 2 names change.\n"},
+        {"TERM=xterm NO_COLOR=1 tvrn preview $U 'a b'", "  a b → A B\n\n1 of 1 name changes.\n"},
+        {"TERM=xterm tvrn preview --color never $U 'a b'", "  a b → A B\n\n1 of 1 name changes.\n"},
+        {"stty cols 40; tvrn preview $R *",
+         "  0123 a l…s on.txt → 0123_a_lo…s_on.txt\n  a b               → a_b\n"
+         "  日 \\x1b[1m.txt    → 日_\\x1b[1m.txt\n\n3 of 5 names change.\n"},
+        {"COLUMNS=10 tvrn preview $R -- 0* 日*",
+         "  0123…txt\n → 012…txt\n  日 ….txt\n → 日_…txt\n\n2 of 2\nnames\nchange.\n"},
+        // Not where the difference is.
+        {"stty cols 45; tvrn preview --action 'Replace text' --set searchTerm=name --set "
+         "replacementTerm=NAME 0*",
+         "  0123 a long name…txt → 0123 a long NAME…txt\n\n1 of 1 name changes.\n"},
+        {"tvrn preview --format 0 $R 'a b' same", "a b\ta_b\nsame\tsame\n"},
+    };
+    for (const auto& [line, shown] : cases) {
+        std::string full = line;
+        for (const auto& [sign, recipe] : recipes)
+            if (const std::size_t at = full.find(sign); at != std::string::npos)
+                full.replace(at, sign.size(), recipe);
+        TerminalSession session(workplace, "2>&1; " + full);
+        EXPECT_EQ(session.end(), 0) << line;
+        std::string screen = session.screen();
+        std::erase(screen, '\r');
+        EXPECT_EQ(screen, shown) << line;
     }
 }
 

@@ -102,6 +102,16 @@ TEST(DisplayText, EscapesWhatWouldActOrIsNoText) {
     EXPECT_EQ(json, "\"a\\\"\\\\\\u000a\\u007f\\u0085\u00A0 \\udce9 \\ud83d 😀\\ud83d\"");
 }
 
+TEST(DisplayText, ColumnsOfATerminal) {
+    const std::pair<std::u16string_view, std::size_t> cases[] = {
+        {u"", 0},     {u"plain", 5},        {u"e\u0301é", 2},
+        {u"日本", 4}, {u"\uFF21\uFF71", 3}, {u"\u1112\u1161\u11AB한", 4},
+        {u"😀", 2},    {u"a\u200Db", 2},     {u"❤\uFE0F", 2},
+    };
+    for (const auto& [text, columns] : cases)
+        EXPECT_EQ(display::columns(text), columns) << text::toUtf8(text);
+}
+
 TEST(TextNormalization, FormsOfOneText) {
     const std::u16string_view cases[][4] = {
         {u"", u"", u"", u""},

@@ -12,6 +12,7 @@
 namespace tavrin {
 
 class EngineHost;
+class RenameObserver;
 class StoreContext;
 
 /// What the runs of one engine share, and all that their stages may ask of it: the application, the counters,
@@ -27,6 +28,10 @@ class EngineState {
     /// Where runs are recorded; nowhere at first. Set before the first request.
     void setHistoryPlace(HistoryPlace newPlace) { history = std::move(newPlace); }
     [[nodiscard]] const HistoryPlace& historyPlace() const { return history; }
+
+    /// Told of the renames of all runs to come; null for nobody. Not owned. Set while no run is under way.
+    void setRenameObserver(RenameObserver* newObserver) { observer = newObserver; }
+    [[nodiscard]] RenameObserver* renameObserver() const { return observer; }
 
     /// The next pass marker; the first is 2, after 99 comes 0.
     PassMarker nextStageFlagCounter();
@@ -58,6 +63,7 @@ class EngineState {
 
     EngineHost& application;
     HistoryPlace history;
+    RenameObserver* observer = nullptr;
     std::atomic<bool> stopRequested{false};
 
   private:

@@ -217,14 +217,18 @@ UserQuestions::Decision PerformRenameStage::ask(bool isHead) {
 void PerformRenameStage::renameItem(bool treatAsRoot) {
     RenameItem& item = run->item;
     RenamePrimitives& primitives = run->primitives;
-    const bool worked = run->isInPlace(item.id()) ? primitives.renameItem(item)
-                                                  : primitives.refuse("It has been renamed already");
+    const bool isHere = run->isInPlace(item.id());
+    const bool worked =
+        isHere ? primitives.renameItem(item) : primitives.refuse("It has been renamed already");
     if (worked) {
         if (treatAsRoot)
             run->sourceItems.change(item.fullPath(), joinedPath(item.folder(), item.newComponent()));
         run->noteMoved(item.id());
         run->noteTakenPlace(context->row(item.id()).cannotBeRenamedBefore);
+        run->tellRenamed(item.component(), item.newComponent());
     } else {
+        if (const std::string& left = run->mover.leftUnder(); isHere && !left.empty())
+            run->tellRenamed(item.component(), left);
         run->fail("Could not change a file name", primitives.failureReasonString(), item.fullPath());
     }
     run->report.describeItem(

@@ -41,7 +41,8 @@ RenameRun::RenameRun(EngineState& owner, ProcessingStage& stage, StoreContext& s
                      bool shouldBeInteractive)
     : context(store), item(store), report(progress), folders(FileSystem::sharedInstance()),
       standIns(store, folders), mover(volumeEvents()), primitives({folders, standIns, mover, report}),
-      questions(owner, stage, shouldBeInteractive), marker(owner.nextStageFlagCounter()), engine(owner) {}
+      questions(owner, stage, shouldBeInteractive), marker(owner.nextStageFlagCounter()), engine(owner),
+      observer(owner.renameObserver()) {}
 
 VolumeEvents RenameRun::volumeEvents() {
     return {[this](std::uint32_t device) {

@@ -4,6 +4,7 @@
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/NameMover.h"
 #include "engine/renaming/RenameItem.h"
+#include "engine/renaming/RenameObserver.h"
 #include "engine/renaming/RenamePrimitives.h"
 #include "engine/renaming/RunFolders.h"
 #include "store/queries/FilterManager.h"
@@ -64,6 +65,11 @@ struct RenameRun {
     [[nodiscard]] bool isInPlace(RowId id) const { return !moved.contains(id); }
     /// Notes that an item has left its place.
     void noteMoved(RowId id) { moved.insert(id); }
+    /// Tells who wants to know that an item bears another name.
+    void tellRenamed(std::string_view from, std::string_view to) const {
+        if (observer)
+            observer->itemWasRenamed(from, to);
+    }
     /// Notes that the item in hand has got the name that another one was to leave free. If that one has not
     /// moved, it has vanished, and its place is taken now.
     void noteTakenPlace(RowId formerHolder);
@@ -93,6 +99,7 @@ struct RenameRun {
     void tellUnguarded(const RunFolders::Place& place);
 
     EngineState& engine;
+    RenameObserver* const observer; ///< may be null
     RowSet moved;
     std::set<std::uint32_t> unflagged; ///< devices
     std::set<std::uint32_t> unguarded;

@@ -1,8 +1,10 @@
 #include "support/text/DisplayText.h"
 
 #include "support/text/Text.h"
+#include "support/text/TextUnits.h"
 
 #include <fmt/format.h>
+#include <unicode/uchar.h>
 
 #include <iterator>
 
@@ -24,6 +26,21 @@ std::size_t unitsOfCharacter(std::u16string_view text, std::size_t at) {
 bool turnsDirection(char16_t unit) {
     return unit == 0x200E || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) ||
            (unit >= 0x2066 && unit <= 0x2069);
+}
+
+constexpr char32_t emojiSelector = 0xFE0F;
+
+std::size_t columnsOf(char32_t c) {
+    const auto character = static_cast<UChar32>(c);
+    const int type = u_charType(character);
+    const int jamo = u_getIntPropertyValue(character, UCHAR_HANGUL_SYLLABLE_TYPE);
+    const bool isJoined = jamo == U_HST_VOWEL_JAMO || jamo == U_HST_TRAILING_JAMO;
+    if (c == emojiSelector) // makes the character before it wide, if the terminal knows of it
+        return 1;
+    if (type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK || type == U_FORMAT_CHAR || isJoined)
+        return 0;
+    const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+    return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
 /// Calls `escape(unit)` for each unit that needs it, and appends everything else in UTF-8.
@@ -62,10 +79,12 @@ void appendJson(std::u16string_view text, std::string& into) {
     into += '"';
 }
 
-std::string visible(std::string_view bytes) {
+std::string visible(std::string_view bytes) { return visible(text::fromBytes(bytes)); }
+
+std::string visible(std::u16string_view text) {
     std::string result;
     appendEscaped(
-        text::fromBytes(bytes), result, [](char16_t unit) { return isControl(unit) || turnsDirection(unit); },
+        text, result, [](char16_t unit) { return isControl(unit) || turnsDirection(unit); },
         [&](char16_t unit) {
             if (unit == u'\n')
                 result += "\\n";
@@ -79,6 +98,16 @@ std::string visible(std::string_view bytes) {
                 result += fmt::format("\\u{:04x}", static_cast<unsigned>(unit));
         });
     return result;
+}
+
+std::size_t columns(std::u16string_view text) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        const char32_t c = text::units::codePointAt(text, i);
+        i += text::units::unitCount(c);
+        count += c < text::units::firstCombining ? 1 : columnsOf(c);
+    }
+    return count;
 }
 
 } // namespace tavrin::display
