@@ -68,10 +68,11 @@ void Session::setDefaults(bool storeInFile) {
 }
 
 void Session::load(const RunOptions& options) {
-    const Recipe recipe = loadRecipe(options.recipe);
+    const Recipe recipe = options.hasRecipe ? loadRecipe(options.recipe) : Recipe();
     applySettings(recipe, options.settings, controller->globalSettings());
     catalogue.actions().setAutomaticSorting(controller->globalSettings().values().automaticSorting);
-    controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
+    if (!recipe.flatParameterList.empty()) // else the one step that there is adds nothing
+        controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
     refuseStepsThatCannotWork();
 }
 
@@ -114,6 +115,10 @@ void Session::beInteractiveIfSet() {
 }
 
 void Session::printRenames() { controller->renameEngine().setRenameObserver(&renamePrinter); }
+
+void Session::numberNothing() { controller->globalSettings().setValue(0, "previewConflictResolution"); }
+
+void Session::giveNames(GivenNames names) { controller->renameEngine().giveNames(std::move(names)); }
 
 void Session::preview() {
     const ProgressLine progress(controller->progressInfo(), loop, connectedTerminal, showsProgress);

@@ -224,8 +224,12 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
     pipeline->setProgressInfo(progress);
     pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
     pipeline->addStage(std::make_unique<ReadItemsIntoDatabaseStage>(*this));
-    pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
-    pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
+    if (given) {
+        pipeline->addStage(std::make_unique<GiveNamesStage>(*this, *given));
+    } else {
+        pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
+        pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
+    }
     if (pipeline->settingsOfRun().shouldPreviewConflictResolution)
         pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
     return pipeline;
@@ -237,7 +241,8 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(Progres
     pipeline->needRows();
     pipeline->setProgressInfo(progress);
     pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
-    pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    if (!given)
+        pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
     pipeline->addStage(std::make_unique<PrepareForRenamingStage>(*this));
     pipeline->addStage(std::make_unique<PerformRenameStage>(*this));
     if (andContinue)
