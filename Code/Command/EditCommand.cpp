@@ -138,7 +138,7 @@ bool settleNames(Session& session, NamesInHand& names) {
 
 ExitStatus runEditCommand(const EditOptions& options) {
     Session session(options.rename.run);
-    session.numberNothing();
+    session.stopAtProblems();
     prepare(session, options.rename);
     session.preview();
     if (session.wasInterrupted())

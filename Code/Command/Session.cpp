@@ -116,7 +116,10 @@ void Session::beInteractiveIfSet() {
 
 void Session::printRenames() { controller->renameEngine().setRenameObserver(&renamePrinter); }
 
-void Session::numberNothing() { controller->globalSettings().setValue(0, "previewConflictResolution"); }
+void Session::stopAtProblems() {
+    controller->globalSettings().setValue(static_cast<int>(Settings::OnConflict::stop),
+                                          settingKey::onConflict);
+}
 
 void Session::giveNames(GivenNames names) { controller->renameEngine().giveNames(std::move(names)); }
 

@@ -46,8 +46,8 @@ class Session {
     void beInteractive();
     /// Prints each item as soon as it is renamed.
     void printRenames();
-    /// Names are not made distinct.
-    void numberNothing();
+    /// Nothing is renamed while any name has a problem, and none is made distinct.
+    void stopAtProblems();
     /// The names of the next preview, and of the rename behind it, instead of those of the recipe.
     void giveNames(GivenNames names);
     [[nodiscard]] InterruptHandler& interruptHandler() { return interrupts; }

@@ -45,7 +45,11 @@ class FailingOpenFolder : public OpenFolder {
     int entries(FolderEntries& into) override {
         return system.pass({FileCall::entries, path}, [&] { return real->entries(into); });
     }
-    int volume(VolumeFacts& into) override { return real->volume(into); }
+    int volume(VolumeFacts& into) override {
+        const int error = real->volume(into);
+        into.ignoresCase |= system.ignoresCase;
+        return error;
+    }
     bool liesAt(const std::string& place) override { return real->liesAt(place); }
 
   private:

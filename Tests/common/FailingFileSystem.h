@@ -73,6 +73,9 @@ class FailingFileSystem : public FileSystem {
     int followedStatus(const std::string& path, FileStatus& into) override {
         return pass({FileCall::status, path}, [&] { return real.followedStatus(path, into); });
     }
+    int mayChangeNamesIn(const std::string& folder) override {
+        return pass({FileCall::status, folder}, [&] { return real.mayChangeNamesIn(folder); });
+    }
     int removeFile(const std::string& path) override {
         return pass({FileCall::removeFile, path}, [&] { return real.removeFile(path); });
     }

@@ -9,6 +9,7 @@
 #include "engine/reading/AddFileSortingDataStage.h"
 #include "engine/reading/CleanUpStages.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
+#include "engine/renaming/HeedProblemsStage.h"
 #include "engine/renaming/PerformRenameStage.h"
 #include "engine/renaming/PrepareForRenamingStage.h"
 #include "platform/processes/RunLoop.h"
@@ -230,8 +231,10 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
         pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
         pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
     }
-    if (pipeline->settingsOfRun().shouldPreviewConflictResolution)
-        pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    using Task = ResolveFileNameConflictsStage::Task;
+    const bool resolves = pipeline->settingsOfRun().shouldPreviewConflictResolution;
+    pipeline->addStage(
+        std::make_unique<ResolveFileNameConflictsStage>(*this, resolves ? Task::resolve : Task::foresee));
     return pipeline;
 }
 
@@ -241,8 +244,13 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(Progres
     pipeline->needRows();
     pipeline->setProgressInfo(progress);
     pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
-    if (!given)
-        pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    const Settings::OnConflict rule = pipeline->settingsOfRun().conflictRule();
+    if (rule == Settings::OnConflict::stop) // the preview may be old
+        pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(
+            *this, ResolveFileNameConflictsStage::Task::foresee));
+    if (rule != Settings::OnConflict::number)
+        pipeline->addStage(std::make_unique<HeedProblemsStage>(*this));
     pipeline->addStage(std::make_unique<PrepareForRenamingStage>(*this));
     pipeline->addStage(std::make_unique<PerformRenameStage>(*this));
     if (andContinue)

@@ -34,7 +34,7 @@ enum class NodeKey : std::uint8_t {
     device,
     hasExactName,
     problem,
-    nameLimit,
+    problemDetail,
 };
 
 /// What a change of an attribute can void: an order, a filtered list, names on show, or the rename plan.
@@ -78,7 +78,7 @@ inline constexpr std::array nodeAttributes{
     NodeAttribute{NodeKey::device, ColumnClass::none, &NodeRow::device},
     NodeAttribute{NodeKey::hasExactName, ColumnClass::naming, &NodeRow::hasExactName},
     NodeAttribute{NodeKey::problem, ColumnClass::naming, &NodeRow::problem, rowSummary::problem},
-    NodeAttribute{NodeKey::nameLimit, ColumnClass::none, &NodeRow::nameLimit},
+    NodeAttribute{NodeKey::problemDetail, ColumnClass::naming, &NodeRow::problemDetail},
 };
 
 constexpr const NodeAttribute& attribute(NodeKey key) {
