@@ -34,6 +34,11 @@ KeyAndValue keyAndValue(const std::string& option, const std::string& text) {
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
+/// As the setting has it.
+std::string numberOfConflictRule(std::string_view rule) {
+    return rule == "skip" ? "1" : rule == "stop" ? "2" : "0";
+}
+
 /// An option that may be given any number of times, each time with one value. Its values are read back raw:
 /// the library's conversions give brackets in a value a meaning of their own.
 CLI::Option* addRepeatable(CLI::App& app, const std::string& name) {
@@ -61,6 +66,7 @@ class Parser {
         parameter = addRepeatable(app, "--set");
         setting = addRepeatable(app, "--setting");
         recursive = app.add_flag("-r,--recursive");
+        onConflict = addRepeatable(app, "--on-conflict")->check(CLI::IsMember({"number", "skip", "stop"}));
         store = app.add_option("--store")->expected(1)->check(CLI::IsMember({"memory", "file"}));
         selection.emplace(app);
     }
@@ -96,6 +102,8 @@ class Parser {
                 options.settings.push_back(keyAndValue("--setting", next()));
             else if (option == recursive)
                 options.settings.emplace_back(settingKey::processSubfolders, "1");
+            else if (option == onConflict)
+                options.settings.emplace_back(settingKey::onConflict, numberOfConflictRule(next()));
             else if (option == parameter) {
                 if (steps.empty())
                     throw UsageError(fmt::format("--set {}: there is no --action before it", next()));
@@ -209,6 +217,7 @@ class Parser {
     CLI::Option* parameter = nullptr;
     CLI::Option* setting = nullptr;
     CLI::Option* recursive = nullptr;
+    CLI::Option* onConflict = nullptr;
     CLI::Option* store = nullptr;
     std::optional<SelectionParser> selection;
     std::vector<std::string> operands;
@@ -222,6 +231,7 @@ CommandLine parsePreview(std::vector<std::string> arguments) {
     parser.app.add_flag("-j,--json", options.json)->excludes(format);
     CLI::Option* affected = parser.app.add_flag("--affected", options.affected);
     parser.app.add_flag("-a,--all", options.all)->excludes(affected);
+    parser.app.add_flag("-c,--check", options.check);
     return parser.parse(std::move(arguments), [&] {
         options.color = parser.colorChoice();
         options.run = parser.runOptions();

@@ -30,7 +30,7 @@ using RecipeSource = std::variant<RecipeAtPath, RecipeOfPreset, std::vector<Reci
 /// What preview and rename share.
 struct RunOptions {
     RecipeSource recipe;
-    std::vector<KeyAndValue> settings; ///< in the order given, `--recursive` among them
+    std::vector<KeyAndValue> settings; ///< in the order given, `--recursive` and `--on-conflict` among them
     bool storeInFile = false;
     SelectionOptions selection;
     std::vector<std::string> paths;
@@ -45,6 +45,7 @@ struct PreviewOptions {
     ColorChoice color = ColorChoice::automatic;
     bool affected = false;
     bool null = false;
+    bool check = false; ///< problems count as failures
 };
 
 struct RenameOptions {

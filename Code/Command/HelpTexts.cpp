@@ -13,6 +13,7 @@ constexpr const char* runOptions = R"(RECIPE, one of
 SETTINGS
   --setting KEY=VALUE  a global setting; repeatable
   -r, --recursive      also what folders hold (processSubfolders=1)
+  --on-conflict RULE   number, skip or stop, where a name is wanted or taken
   --store memory|file  where the list is kept; file for millions of items
 )";
 
@@ -61,6 +62,7 @@ Shows what a rename would do, and touches nothing.
   -j, --json           one object per line
   --affected           only what changes; -a, --all: on a terminal also the rest
   -0, --null           end lines with NUL
+  -c, --check          status 1 where a rename would fail
 Examples:
   touch A.TXT B.TXT; tvrn preview --action "Make lowercase" A.TXT B.TXT
   tvrn preview --json --action "Add to end" --set string=_old --recursive .

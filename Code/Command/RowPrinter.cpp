@@ -1,5 +1,6 @@
 #include "RowPrinter.h"
 
+#include "engine/naming/NameProblems.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/DisplayText.h"
 #include "support/text/Text.h"
@@ -70,8 +71,18 @@ void RowPrinter::printObject(StoreContext& context, RowId id) {
         for (std::size_t i = 0; i < columns->size(); ++i)
             appendMember("regex" + std::to_string(i + 1), columns->at(i));
     }
+    if (const auto problem = problemOf(context, id))
+        appendProblem(*problem);
     output.content().back() = '}'; // instead of the last comma
     output.content() += '\n';
+}
+
+void RowPrinter::appendProblem(const ToldProblem& problem) {
+    output.content() += "\"problem\":{";
+    appendMember("code", text::fromUtf8(problem.code));
+    appendMember("message", text::fromUtf8(problem.message));
+    output.content().back() = '}';
+    output.content() += ',';
 }
 
 void RowPrinter::appendMember(std::string_view key, std::u16string_view text) {

@@ -9,6 +9,7 @@
 namespace tavrin {
 
 class StoreContext;
+struct ToldProblem;
 
 /// Prints the rows of a preview, by current name, as the options say.
 class RowPrinter {
@@ -26,6 +27,7 @@ class RowPrinter {
     void appendField(std::u16string_view text);
     void appendMember(std::string_view key, std::u16string_view text);
     void appendMember(std::string_view key, bool value);
+    void appendProblem(const ToldProblem& problem);
 
     const PreviewOptions& options;
     OutputBuffer& output;

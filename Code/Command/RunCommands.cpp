@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "RowPrinter.h"
 #include "Session.h"
+#include "engine/naming/NameProblems.h"
 #include "store/contexts/StoreContext.h"
 
 #include <fmt/format.h>
@@ -12,10 +13,20 @@ namespace tavrin {
 
 namespace {
 
+/// One line each, by current name like the rows.
+void tellProblems(StoreContext& context, const Predicate& shown, Terminal& terminal) {
+    const Predicate withProblem = shown.with(Predicate::isTrue(NodeKey::problem));
+    for (const RowId row : context.fetch({FetchEntity::file, withProblem, {{NodeKey::name}}, 0}))
+        terminal.complain(fmt::format("{}: {}: {}", problemTitle(context, row),
+                                      problemOf(context, row)->message, context.fullPath(row)));
+}
+
 void print(const PreviewOptions& options, Session& session, StoreContext& context) {
     Terminal& terminal = session.terminal();
     if (options.isForPrograms || !terminal.outputIsTerminal()) {
         RowPrinter(options, terminal.output(), terminal.outputIsTerminal()).print(context, session.filter());
+        if (!options.json)
+            tellProblems(context, session.filter(), terminal);
         return;
     }
     const ColumnPrinter::Options form{terminal.columns(), terminal.paints(options.color), options.all};
@@ -31,6 +42,8 @@ ExitStatus runPreviewCommand(const PreviewOptions& options) {
         StoreContext& context = session.context();
         const std::lock_guard lock(context.mutex());
         print(options, session, context);
+        if (options.check && problemCount(context, session.filter()) > 0)
+            session.noteFailure();
     }
     return session.finish();
 }

@@ -280,7 +280,7 @@ ExitStatus Session::status() {
         return ExitStatus::stopped;
     if (frontEnd.wasRefused())
         return renamedCount() == 0 ? ExitStatus::badUsage : ExitStatus::itemsFailed;
-    return frontEnd.hasFailures() ? ExitStatus::itemsFailed : ExitStatus::allWell;
+    return hasFailed || frontEnd.hasFailures() ? ExitStatus::itemsFailed : ExitStatus::allWell;
 }
 
 ExitStatus Session::finish() {

@@ -72,6 +72,8 @@ class Session {
     [[nodiscard]] std::int32_t renamedCount();
 
     [[nodiscard]] bool wasInterrupted() const { return interrupts.wasInterrupted(); }
+    /// What the command has found out counts as a failure of an item.
+    void noteFailure() { hasFailed = true; }
     /// How the command has ended, from all that happened.
     [[nodiscard]] ExitStatus status();
     /// Writes what is left of the output, and ends the process at once if an interrupt has left a preview
@@ -98,6 +100,7 @@ class Session {
     bool showsProgress = true;
     bool hasUnfinishedPreview = false;
     bool runHasStarted = false;
+    bool hasFailed = false;
     std::int32_t takenBack = 0;
 
     std::mutex stopping;            ///< guards what follows

@@ -14,7 +14,8 @@ class FailingOpenFolder : public OpenFolder {
         : system(counter), path(std::move(folderPath)), real(std::move(realFolder)) {}
 
     int status(const std::string& name, FileStatus& into) override {
-        return system.pass({FileCall::status, path, name}, [&] { return real->status(known(name), into); });
+        return system.look({FileCall::status, path, name}, into,
+                           [&] { return real->status(known(name), into); });
     }
     int renameNoReplace(const std::string& from, const std::string& to) override {
         if (const int error = system.admit({FileCall::rename, path, from, to}))
@@ -45,7 +46,11 @@ class FailingOpenFolder : public OpenFolder {
     int entries(FolderEntries& into) override {
         return system.pass({FileCall::entries, path}, [&] { return real->entries(into); });
     }
-    int volume(VolumeFacts& into) override { return real->volume(into); }
+    int volume(VolumeFacts& into) override {
+        const int error = real->volume(into);
+        into.ignoresCase |= system.ignoresCase;
+        return error;
+    }
     bool liesAt(const std::string& place) override { return real->liesAt(place); }
 
   private:

@@ -52,6 +52,8 @@ class FailingFileSystem : public FileSystem {
     std::function<int(const FileEvent&)> before = [](const FileEvent&) { return 0; };
     /// Folders know names apart from case only.
     bool ignoresCase = false;
+    /// Seconds by which all changes seem to be older.
+    double ages = 0;
     /// Lets everything pass again and counts anew.
     void reset();
 
@@ -68,10 +70,13 @@ class FailingFileSystem : public FileSystem {
 
     int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) override;
     int status(const std::string& path, FileStatus& into) override {
-        return pass({FileCall::status, path}, [&] { return real.status(path, into); });
+        return look({FileCall::status, path}, into, [&] { return real.status(path, into); });
     }
     int followedStatus(const std::string& path, FileStatus& into) override {
-        return pass({FileCall::status, path}, [&] { return real.followedStatus(path, into); });
+        return look({FileCall::status, path}, into, [&] { return real.followedStatus(path, into); });
+    }
+    int mayChangeNamesIn(const std::string& folder) override {
+        return pass({FileCall::status, folder}, [&] { return real.mayChangeNamesIn(folder); });
     }
     int removeFile(const std::string& path) override {
         return pass({FileCall::removeFile, path}, [&] { return real.removeFile(path); });
@@ -93,6 +98,12 @@ class FailingFileSystem : public FileSystem {
     template <typename Call> int pass(const FileEvent& event, Call call) {
         const int error = admit(event);
         return error != 0 ? error : call();
+    }
+
+    template <typename Call> int look(const FileEvent& event, FileStatus& into, Call call) {
+        const int error = pass(event, call);
+        into.changeDate -= ages;
+        return error;
     }
 
   private:

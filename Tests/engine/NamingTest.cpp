@@ -367,8 +367,11 @@ TEST(Conflicts, EachSchemeHasItsDistinguishersAndStartsAnewInEachFolder) {
 }
 
 TEST(Conflicts, AreSettledOnceForAReadingAndInVisibleFoldersOnly) {
+    const TemporaryFolder folder;
+    folder.write("1");
+    folder.write("2");
     ConflictBench bench;
-    const RowId parent = bench.insert("/a", "1>x 2>y /d>d");
+    const RowId parent = bench.insert(folder.path(), "1>x 2>y /d>d");
     const RowId inner = bench.context.children(parent).back();
     for (const char* name : {"x", "y"})
         bench.context.setFinalName(bench.context.insertFile(inner, name, false, false, 9), u"same");

@@ -153,7 +153,7 @@ TEST_F(MainRoad, ForeseesWhatWillFailAndSaysWhatWasMadeDistinct) {
     replace("a1", "taken");
     waitUntil("the problem shows", [this] { return model().problems().size() == 1; });
     EXPECT_EQ(model().index(0, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString(),
-              "taken by a file not in the list");
+              "taken by another item");
     EXPECT_TRUE(find("problemBar")->isVisible());
     click("showOnlyProblems");
     EXPECT_EQ(model().rowCount(), 1);

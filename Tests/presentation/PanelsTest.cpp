@@ -258,15 +258,6 @@ TEST(NameDifference, ShowsNamesSafely) {
     EXPECT_EQ(ShownName::of(u"\U0001F600", false), QString::fromUtf16(u"\U0001F600"));
 }
 
-TEST(NameDifference, KnowsNamesThatNoFileCanHave) {
-    EXPECT_STREQ(problemOfName(u""), "the name would be empty");
-    EXPECT_STREQ(problemOfName(u".."), "“.” and “..” cannot be names");
-    EXPECT_EQ(problemOfName(u"..."), nullptr);
-    EXPECT_EQ(problemOfName(std::u16string(255, u'a')), nullptr);
-    EXPECT_STREQ(problemOfName(std::u16string(256, u'a')), "longer than 255 bytes");
-    EXPECT_STREQ(problemOfName(std::u16string(86, u'\u4E00')), "longer than 255 bytes");
-}
-
 QByteArray picture(const char* format, int width = 400, int height = 200) {
     QImage image(width, height, QImage::Format_RGB32);
     image.fill(Qt::red);

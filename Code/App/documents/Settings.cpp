@@ -64,6 +64,7 @@ const std::vector<Row>& table() {
         {"accurateFolderSize", &S::shouldCalculateAccurateFolderSize, 0},
         {continueAfterRename, &S::shouldContinueAfterRename, true},
         {keepHistory, &S::keepHistory, 1},
+        {onConflict, &S::onConflict, 0, 2},
     };
     return rows;
 }

@@ -44,12 +44,22 @@ struct Settings {
     std::int32_t shouldCopyFileComments = 1;
     std::int32_t shouldCalculateAccurateFolderSize = 1; ///< although new settings say otherwise
     std::int32_t keepHistory = 1;
+    std::int32_t onConflict = 0; ///< see OnConflict
 
     /// Only the value 1 counts, as in the next.
     [[nodiscard]] bool shouldInteract() const { return interactiveMode == 1; }
     [[nodiscard]] bool shouldShowSummary() const { return showSummary == 1; }
     /// Whether each run leaves a record by which it can be taken back.
     [[nodiscard]] bool shouldKeepHistory() const { return keepHistory != 0; }
+    /// What becomes of items that can't have their new names for another item's sake.
+    enum class OnConflict {
+        number, ///< names of the list are made distinct; a name that is taken is a failure
+        skip,   ///< they keep their names
+        stop    ///< nothing is renamed, whatever the problem
+    };
+    [[nodiscard]] OnConflict conflictRule() const {
+        return onConflict == 1 ? OnConflict::skip : onConflict == 2 ? OnConflict::stop : OnConflict::number;
+    }
     /// The settings that decide which rows take part.
     [[nodiscard]] ItemFilter itemFilter() const {
         return {shouldProcessFiles != 0, shouldProcessFolders != 0, shouldProcessSubfolders != 0};
@@ -72,6 +82,7 @@ inline constexpr const char* automaticSorting = "automaticSorting";
 inline constexpr const char* continueAfterRename = "continueAfterRename";
 inline constexpr const char* interactiveMode = "interactiveMode";
 inline constexpr const char* keepHistory = "keepHistory";
+inline constexpr const char* onConflict = "onConflict";
 inline constexpr const char* lastAddDirectory = "lastAddDirectory";
 inline constexpr const char* multistep = "multistep";
 inline constexpr const char* previewMode = "previewMode";

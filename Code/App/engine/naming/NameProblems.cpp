@@ -36,7 +36,7 @@ constexpr std::array table{
     Words{link, "link",
           "This file is a symbolic link and for safety reasons, Tavrin will not rename symbolic links."},
     Words{gone, "gone", "No such file: it has been removed or renamed since the list was read"},
-    Words{replaced, "gone", "Another kind of item has its name since the list was read"},
+    Words{replaced, "gone", "Another kind of item has its name now"},
     Words{folderReplaced, "gone", "The folder has been replaced by another since the list was read"},
 };
 
@@ -65,19 +65,33 @@ std::string tooLongMessage(NameProblem problem, std::size_t length, std::size_t 
                        problem == tooManyBytes ? "bytes" : "characters");
 }
 
+std::string replacedMessage(FileStatus::Kind former, FileStatus::Kind present) {
+    constexpr std::array<std::string_view, 4> names{"a file", "a folder", "a link", "a special file"};
+    return fmt::format("It was {} when the list was read, and is {} now",
+                       names.at(static_cast<std::size_t>(former)),
+                       names.at(static_cast<std::size_t>(present)));
+}
+
 std::optional<ToldProblem> problemOf(StoreContext& context, RowId id) {
-    const NameProblem problem = context.row(id).problem;
+    const NodeRow row = context.row(id);
+    const NameProblem problem = row.problem;
     if (problem == none)
         return std::nullopt;
     ToldProblem told{codeOf(problem), std::string(messageOf(problem))};
-    if (problem == tooManyBytes || problem == tooManyUnits) {
-        const std::size_t limit = context.row(id).nameLimit;
+    if (problem == replaced) {
+        const FileStatus::Kind present{static_cast<std::uint8_t>(row.problemDetail)};
+        told.message = replacedMessage(row.kind, present);
+    } else if (problem == tooManyBytes || problem == tooManyUnits) {
         const std::u16string name = context.finalName(id);
-        const std::size_t length =
-            problem == tooManyUnits ? name.size() : text::toBytes(name).value_or(std::string()).size();
-        told.message = tooLongMessage(problem, length, limit);
+        const std::size_t bytes = text::toBytes(name).value_or(std::string()).size();
+        told.message =
+            tooLongMessage(problem, problem == tooManyUnits ? name.size() : bytes, row.problemDetail);
     }
     return told;
+}
+
+std::string_view problemTitle(StoreContext& context, RowId id) {
+    return context.row(id).diff ? "Cannot be renamed" : "Left out";
 }
 
 std::vector<RowId> rowsWithProblems(StoreContext& context, const Predicate& among) {

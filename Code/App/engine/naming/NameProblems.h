@@ -24,6 +24,8 @@ struct ToldProblem {
 
 /// Absent for a row without a problem.
 [[nodiscard]] std::optional<ToldProblem> problemOf(StoreContext& context, RowId id);
+/// What is told as the title of a row's problem: that it can't be renamed, or has been left out for it.
+[[nodiscard]] std::string_view problemTitle(StoreContext& context, RowId id);
 /// The rows with a problem among these, by ascending id.
 [[nodiscard]] std::vector<RowId> rowsWithProblems(StoreContext& context, const Predicate& among);
 /// How many these are.
@@ -36,5 +38,7 @@ struct ToldProblem {
 [[nodiscard]] std::string_view messageOf(NameProblem problem);
 /// For a name that is too long: how long it is, and how long it may be.
 [[nodiscard]] std::string tooLongMessage(NameProblem problem, std::size_t length, std::size_t limit);
+/// For an item that was replaced.
+[[nodiscard]] std::string replacedMessage(FileStatus::Kind former, FileStatus::Kind present);
 
 } // namespace tavrin

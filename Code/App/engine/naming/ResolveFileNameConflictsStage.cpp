@@ -45,9 +45,12 @@ constexpr std::int32_t defaultScheme = 9;
 std::string ResolveFileNameConflictsStage::stageDescription() const { return "Resolving name conflicts..."; }
 
 bool ResolveFileNameConflictsStage::process() {
-    if (!context->engineControl().needToRedoConflictResolution)
-        return true;
-    context->changeEngineControl().needToRedoConflictResolution = false;
+    if (task == Task::resolve) {
+        if (!context->engineControl().needToRedoConflictResolution)
+            return true;
+        context->changeEngineControl().needToRedoConflictResolution = false;
+        context->changeEngineControl().numberOfNamesMadeDistinct = 0;
+    }
     const StageProgress report(progress);
     const PassMarker marker = engine.nextStageFlagCounter();
     counter = 0;
@@ -58,13 +61,14 @@ bool ResolveFileNameConflictsStage::process() {
     takeSettings();
 
     NameTable names(*context);
+    ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter());
     const FetchRequest request{processSubfolders ? FetchEntity::node : FetchEntity::ghostNode,
                                Predicate::isTrue(NodeKey::treatAsFolder).with(Predicate::notMarked(marker)),
                                {},
                                0};
     for (std::vector<RowId> folders; !(folders = context->fetch(request)).empty();) {
         for (const RowId folder : folders) {
-            processFolder(names, folder);
+            processFolder(names, problems, folder);
             context->setStageFlag(folder, marker);
             report.describeItem([&] { return fmt::format("{} files processed.", counter); });
             context->commit();
@@ -80,6 +84,10 @@ void ResolveFileNameConflictsStage::takeSettings() {
     processFiles = filter.shouldProcessFiles;
     processFolders = filter.shouldProcessFolders;
     processSubfolders = filter.shouldProcessSubfolders;
+    resulting = task == Task::foresee                                     ? ProblemFinder::Names::asTheyAre
+                : settings.conflictRule() == Settings::OnConflict::number ? ProblemFinder::Names::distinct
+                : settings.conflictRule() == Settings::OnConflict::skip ? ProblemFinder::Names::keptWhereTaken
+                                                                        : ProblemFinder::Names::asTheyAre;
     firstUnchanged = settings.conflictResolutionDontChangeFirst;
     scheme = settings.conflictResolutionScheme;
     if (scheme < 0 || scheme >= static_cast<std::int32_t>(schemes.size()))
@@ -96,15 +104,18 @@ void ResolveFileNameConflictsStage::takeSettings() {
     }
 }
 
-void ResolveFileNameConflictsStage::processFolder(NameTable& names, RowId folder) {
+void ResolveFileNameConflictsStage::processFolder(NameTable& names, ProblemFinder& problems, RowId folder) {
     const std::vector<RowId> children = context->children(folder);
-    names.read(children);
     std::size_t resolved = 0;
-    for (NameTable::Group& members : names.takeGroups()) {
-        resolved += members.size();
-        resolveGroup(names, std::move(members));
+    if (resulting == ProblemFinder::Names::distinct) {
+        names.read(children);
+        for (NameTable::Group& members : names.takeGroups()) {
+            resolved += members.size();
+            resolveGroup(names, std::move(members));
+        }
     }
     countItems(children.size() - resolved);
+    problems.lookAt(folder, children, resulting);
 }
 
 void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<RowId> members) {
@@ -141,6 +152,8 @@ void ResolveFileNameConflictsStage::storeCandidate(RowId id, const std::u16strin
     if (context->finalName(id) != candidate) {
         context->setFinalName(id, candidate);
         context->change(id).madeDistinct = true;
+        if (settings.itemFilter().admits(context->row(id)))
+            ++context->changeEngineControl().numberOfNamesMadeDistinct;
     }
     const bool differs = !text::canonicallyEqual(candidate, context->name(id));
     if (context->row(id).diff != differs)

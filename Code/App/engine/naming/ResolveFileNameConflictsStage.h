@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/naming/ProblemFinder.h"
 #include "engine/pipeline/ProcessingStage.h"
 #include "store/queries/Predicate.h"
 #include "store/rows/NodeRow.h"
@@ -14,10 +15,16 @@ namespace tavrin {
 class NameTable;
 
 /// Makes the final names of each folder distinct, apart from case, by a running number or letter in front of
-/// the extension. Works once per set of read items.
+/// the extension, unless the settings leave conflicts to be skipped or to stop the run; and foresees in the
+/// same pass what the rename will refuse. Works once per set of read items.
 class ResolveFileNameConflictsStage final : public ProcessingStage {
   public:
-    explicit ResolveFileNameConflictsStage(EngineState& owner) : ProcessingStage(owner) {}
+    enum class Task {
+        resolve,
+        foresee ///< leaves all names as they are, and works each time
+    };
+    explicit ResolveFileNameConflictsStage(EngineState& owner, Task whatToDo = Task::resolve)
+        : ProcessingStage(owner), task(whatToDo) {}
 
     bool process() override;
     [[nodiscard]] std::string className() const override { return "ResolveFileNameConflictsStage"; }
@@ -28,7 +35,7 @@ class ResolveFileNameConflictsStage final : public ProcessingStage {
 
   private:
     void takeSettings();
-    void processFolder(NameTable& names, RowId folder);
+    void processFolder(NameTable& names, ProblemFinder& problems, RowId folder);
     void resolveGroup(NameTable& names, std::vector<RowId> members);
     [[nodiscard]] bool isApplicable(RowId id);
     [[nodiscard]] bool isGhost(RowId id);
@@ -37,6 +44,8 @@ class ResolveFileNameConflictsStage final : public ProcessingStage {
     void storeCandidate(RowId id, const std::u16string& candidate);
     void countItems(std::size_t number);
 
+    const Task task;
+    ProblemFinder::Names resulting = ProblemFinder::Names::distinct;
     std::int32_t conflictCounter = 0; ///< within the group in hand
     std::int32_t scheme = 0;
     std::int32_t counter = 0;

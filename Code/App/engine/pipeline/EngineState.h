@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/history/RunHistory.h"
+#include "engine/reading/FolderNotes.h"
 #include "engine/reading/ItemSelection.h"
 #include "store/queries/FilterManager.h"
 #include "store/queries/Predicate.h"
@@ -43,6 +44,9 @@ class EngineState {
     /// The value that `manualOrder` of the next row gets; goes up for the life of the engine.
     std::int32_t nextManualOrder() { return manualOrderCounter++; }
 
+    /// What is known of the folders on the list.
+    FolderNotes& folderNotes() { return notesOfFolders; }
+
     /// Asks the running rename to stop after the step in hand, as if the user had answered "stop". Any
     /// thread, also a signal's helper thread. Starting a rename takes it back.
     void requestStop() { stopRequested = true; }
@@ -72,7 +76,8 @@ class EngineState {
     bool moveRowsIntoMemory(StoreContext& context);
     std::atomic<int> stageFlagCounter{1};
     std::atomic<bool> migrating{false};
-    std::int32_t manualOrderCounter = 0; // touched under the engine's lock only
+    std::int32_t manualOrderCounter = 0; // touched under the engine's lock only, like the next
+    FolderNotes notesOfFolders;
 };
 
 } // namespace tavrin

@@ -9,6 +9,7 @@
 #include "engine/reading/AddFileSortingDataStage.h"
 #include "engine/reading/CleanUpStages.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
+#include "engine/renaming/HeedProblemsStage.h"
 #include "engine/renaming/PerformRenameStage.h"
 #include "engine/renaming/PrepareForRenamingStage.h"
 #include "platform/processes/RunLoop.h"
@@ -226,8 +227,10 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
     pipeline->addStage(std::make_unique<ReadItemsIntoDatabaseStage>(*this));
     pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
     pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
-    if (pipeline->settingsOfRun().shouldPreviewConflictResolution)
-        pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    using Task = ResolveFileNameConflictsStage::Task;
+    const bool resolves = pipeline->settingsOfRun().shouldPreviewConflictResolution;
+    pipeline->addStage(
+        std::make_unique<ResolveFileNameConflictsStage>(*this, resolves ? Task::resolve : Task::foresee));
     return pipeline;
 }
 
@@ -238,6 +241,12 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(Progres
     pipeline->setProgressInfo(progress);
     pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
     pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(*this));
+    const Settings::OnConflict rule = pipeline->settingsOfRun().conflictRule();
+    if (rule == Settings::OnConflict::stop) // the preview may be old
+        pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(
+            *this, ResolveFileNameConflictsStage::Task::foresee));
+    if (rule != Settings::OnConflict::number)
+        pipeline->addStage(std::make_unique<HeedProblemsStage>(*this));
     pipeline->addStage(std::make_unique<PrepareForRenamingStage>(*this));
     pipeline->addStage(std::make_unique<PerformRenameStage>(*this));
     if (andContinue)

@@ -47,6 +47,8 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
         FolderEntries entries;
         std::size_t next = 0;
         HiddenNames hidden;
+        FileStatus status;                     ///< from before the entries were listed
+        std::vector<std::size_t> notOnTheList; ///< entries that were given no row
     };
 
     /// `row` stands for the folder; none yet for a source item that has none of its own.
@@ -56,6 +58,8 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
     [[nodiscard]] bool isInsideItself(const Level& level) const;
     void readNextEntry();
     void readFileEntry(const FolderEntry& entry);
+    /// Reads the next entry, or notes what the folder holds besides at its end.
+    void proceed();
     void readFolderEntry(const FolderEntry& entry);
     /// The kind that a listing leaves open; an entry that is no more, or that can't be looked at, is none.
     [[nodiscard]] std::optional<FileStatus::Kind> kindOf(const FolderEntry& entry);
@@ -349,13 +353,27 @@ bool ReadItemsIntoDatabaseStage::FolderWalk::run(const std::string& sourcePath) 
     enter(sourcePath, noRow);
     if (levels.empty())
         return false;
-    while (!levels.empty()) {
-        if (levels.back().next < levels.back().entries.size())
-            readNextEntry();
-        else
-            levels.pop_back();
-    }
+    while (!levels.empty())
+        proceed();
     return true;
+}
+
+void ReadItemsIntoDatabaseStage::FolderWalk::proceed() {
+    const std::size_t at = levels.size() - 1; // a folder that is entered comes behind it
+    if (levels[at].next < levels[at].entries.size()) {
+        const int rowsBefore = stage.rowsMade;
+        readNextEntry();
+        if (stage.rowsMade == rowsBefore)
+            levels[at].notOnTheList.push_back(levels[at].next - 1);
+        return;
+    }
+    const Level& level = levels[at];
+    FolderNotes::Names others;
+    for (const std::size_t entry : level.notOnTheList)
+        others.push_back(level.entries[entry].name);
+    stage.engine.folderNotes().put(level.place.row, level.status, level.entries.size() - others.size(),
+                                   others);
+    levels.pop_back();
 }
 
 void ReadItemsIntoDatabaseStage::FolderWalk::enter(std::string path, RowId row) {
@@ -386,10 +404,9 @@ int ReadItemsIntoDatabaseStage::FolderWalk::read(Level& level) {
     std::unique_ptr<OpenFolder> folder;
     if (const int error = FileSystem::sharedInstance().openFolder(level.path, folder))
         return error;
-    FileStatus status;
-    if (const int error = folder->status(".", status))
+    if (const int error = folder->status(".", level.status))
         return error;
-    level.place.identity = status.identity;
+    level.place.identity = level.status.identity;
     if (const int error = folder->entries(level.entries))
         return error;
     if (level.entries.contains(".hidden"))

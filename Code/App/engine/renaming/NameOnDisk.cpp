@@ -38,14 +38,15 @@ bool nameOnDisk::from(std::u16string_view finalName, std::string_view currentNam
     return isPossible(into);
 }
 
-std::string_view nameOnDisk::faultOf(std::u16string_view finalName, std::string_view currentName) {
+NameProblem nameOnDisk::problemOf(std::u16string_view finalName, std::string_view currentName, bool isExact) {
     std::string bytes;
     if (finalName.empty())
-        return "The new name is empty";
-    if (!text::toBytes(finalName, bytes) || hasStrayHalf(finalName, currentName))
-        return "It cuts a character in two";
-    return bytes.find('\0') != std::string::npos ? "It holds a character that ends a name"
-                                                 : "This name stands for a folder itself";
+        return NameProblem::empty;
+    if (!text::toBytes(finalName, bytes) || (!isExact && hasStrayHalf(finalName, currentName)))
+        return NameProblem::cutCharacter;
+    if (bytes.find('\0') != std::string::npos)
+        return NameProblem::holdsNul;
+    return bytes == "." || bytes == ".." ? NameProblem::standsForFolder : NameProblem::none;
 }
 
 bool nameOnDisk::isPossible(std::string_view name) {

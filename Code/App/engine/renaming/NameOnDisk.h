@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/rows/NameProblem.h"
+
 #include <string>
 #include <string_view>
 
@@ -13,8 +15,9 @@ namespace nameOnDisk {
 /// exact name has been on the disk before, so that its halves are bytes.
 [[nodiscard]] bool from(std::u16string_view finalName, std::string_view currentName, std::string& into,
                         bool isExact = false);
-/// Why no file can bear the name, in words.
-[[nodiscard]] std::string_view faultOf(std::u16string_view finalName, std::string_view currentName);
+/// Why no file can bear the name; none where `from` gives one.
+[[nodiscard]] NameProblem problemOf(std::u16string_view finalName, std::string_view currentName,
+                                    bool isExact = false);
 /// Whether these bytes name something in a folder, and nothing outside of it.
 [[nodiscard]] bool isPossible(std::string_view name);
 /// Whether two names are equal when case is ignored, and yet not the same.

@@ -35,8 +35,8 @@ const std::string& RenameItem::newComponent() {
     return wantedComponent;
 }
 
-std::string_view RenameItem::faultOfNewName() {
-    return nameOnDisk::faultOf(context.finalName(current), currentComponent);
+NameProblem RenameItem::problemOfNewName() {
+    return nameOnDisk::problemOf(context.finalName(current), currentComponent, hasExactName);
 }
 
 std::string RenameItem::shownName() const { return nameOnDisk::shown(currentComponent); }

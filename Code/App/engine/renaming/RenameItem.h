@@ -31,8 +31,8 @@ class RenameItem {
     [[nodiscard]] std::string fullPath() const;
     /// The name to be, in bytes; empty when no file can bear it. An item without `diff` keeps its own bytes.
     const std::string& newComponent();
-    /// Why no file can bear the name to be, in words.
-    [[nodiscard]] std::string_view faultOfNewName();
+    /// Why no file can bear the name to be.
+    [[nodiscard]] NameProblem problemOfNewName();
     /// The two names as the user sees them, in UTF-8.
     [[nodiscard]] std::string shownName() const;
     [[nodiscard]] std::string shownFinalName();

@@ -1,10 +1,12 @@
 #include "engine/renaming/RenamePrimitives.h"
 
+#include "engine/naming/NameProblems.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "platform/desktop/SystemLog.h"
 #include "platform/metadata/FileManager.h"
 #include "support/application/DebugLog.h"
 #include "support/text/PathParts.h"
+#include "support/text/Text.h"
 
 #include <fmt/format.h>
 
@@ -21,15 +23,18 @@ constexpr std::string_view defaultReason =
     "You may not have sufficient access privileges to rename the file, the file may be on a read-only "
     "medium, "
     "an incompatible external drive or unsupported remote file system or it may be locked.";
-constexpr std::string_view nameTakenReason = "Another file with this name already exists in this folder.";
-constexpr std::string_view linkReason =
-    "This file is a symbolic link and for safety reasons, Tavrin will not rename symbolic links.";
-constexpr std::string_view gone = "No such file: it has been removed or renamed since the list was read";
 constexpr int modeCount = 3;
 
-std::string_view nameOf(FileStatus::Kind kind) {
-    constexpr std::array<std::string_view, 4> names{"a file", "a folder", "a link", "a special file"};
-    return names.at(static_cast<std::size_t>(kind));
+/// Whose rights are missing, where that can be seen.
+NameProblem problemOfRights(std::string_view item, const RunFolders::Place& place) {
+    if (FileSystem::sharedInstance().mayChangeNamesIn(place.path) != 0)
+        return NameProblem::lockedFolder;
+    FileStatus folder;
+    FileStatus own;
+    const bool isOthers = place.folder && place.folder->status(".", folder) == 0 && folder.isSticky &&
+                          folder.isForeign && place.folder->status(std::string(item), own) == 0 &&
+                          own.isForeign;
+    return isOthers ? NameProblem::lockedItem : NameProblem::none;
 }
 
 } // namespace
@@ -50,15 +55,14 @@ bool RenamePrimitives::check(RenameItem& item) {
     const RunFolders::Place& found = place(item);
     const int error = found.folder ? found.folder->status(item.component(), lastLook) : found.error;
     if (error != 0)
-        return refuse(error == ENOENT ? std::string(gone) : systemReason(error, item.component(), {}, found));
+        return refuse(error == ENOENT ? std::string(messageOf(NameProblem::gone))
+                                      : systemReason(error, item.component(), {}, found));
     const SeenItem& seen = item.seen();
     const bool isLink = !takesLinks && lastLook.kind == FileStatus::Kind::link;
     const bool hasChangedKind = seen.identity.isKnown() && lastLook.kind != seen.kind;
     if (isLink || hasChangedKind) {
-        sentence = isLink ? linkReason : defaultReason;
-        detail = hasChangedKind ? fmt::format("It was {} when the list was read, and is {} now",
-                                              nameOf(seen.kind), nameOf(lastLook.kind))
-                                : std::string();
+        sentence = isLink ? messageOf(NameProblem::link) : defaultReason;
+        detail = hasChangedKind ? replacedMessage(seen.kind, lastLook.kind) : std::string();
         return false;
     }
     if (seen.identity.isKnown() && lastLook.identity.inode != seen.identity.inode) {
@@ -77,7 +81,7 @@ bool RenamePrimitives::renameItem(RenameItem& item) {
         debugLog("renameCurrentName: {} atPath: {} toNewName: {}", nameOnDisk::shown(from), item.fullPath(),
                  nameOnDisk::shown(to));
     if (!nameOnDisk::isPossible(to))
-        return refuse(item.faultOfNewName());
+        return refuse(messageOf(item.problemOfNewName()));
     if (!check(item))
         return false;
     std::optional<std::string> comment;
@@ -107,14 +111,14 @@ bool RenamePrimitives::renameItem(RenameItem& item) {
 void RenamePrimitives::explain(const Attempt& attempt) {
     const std::string place = whereItLies();
     if (attempt.error == EEXIST) {
-        sentence = nameTakenReason;
+        sentence = messageOf(NameProblem::taken);
         detail = place.substr(std::min(place.size(), std::string_view(". ").size()));
         return;
     }
     const bool isGone = attempt.error == ENOENT && !isStillThere(attempt);
-    refuse(
-        (isGone ? std::string(gone) : systemReason(attempt.error, attempt.from, attempt.to, attempt.place)) +
-        place);
+    refuse((isGone ? std::string(messageOf(NameProblem::gone))
+                   : systemReason(attempt.error, attempt.from, attempt.to, attempt.place)) +
+           place);
 }
 
 bool RenamePrimitives::refuse(std::string_view reason) {
@@ -134,19 +138,26 @@ std::string RenamePrimitives::systemReason(int error, std::string_view from, std
     case 0:
         return "No rename was made";
     case ESTALE:
-        return "The folder has been replaced by another since the list was read";
+        return std::string(messageOf(NameProblem::folderReplaced));
     case EBUSY:
         return "It was replaced by another file at this moment";
     case ENAMETOOLONG: {
-        const std::size_t length = std::max(from.size(), to.size());
-        const std::string text = std::generic_category().message(error);
-        const std::size_t limit = place.volume().nameLimit;
-        return length > limit ? fmt::format("{}: {} of {} bytes", text, length, limit)
-                              : fmt::format("{}: {} bytes", text, length);
+        const VolumeFacts volume = place.volume();
+        const auto problem = volume.countsUnits ? NameProblem::tooManyUnits : NameProblem::tooManyBytes;
+        const std::size_t bytes = std::max(from.size(), to.size());
+        const std::size_t length = volume.countsUnits ? text::fromBytes(to).size() : bytes;
+        return length > volume.nameLimit ? tooLongMessage(problem, length, volume.nameLimit)
+                                         : fmt::format("{}: {} bytes", messageOf(problem), bytes);
     }
+    case EACCES:
+    case EPERM:
+        if (const NameProblem problem = problemOfRights(from, place); problem != NameProblem::none)
+            return std::string(messageOf(problem));
+        break;
     default:
-        return std::generic_category().message(error);
+        break;
     }
+    return std::generic_category().message(error);
 }
 
 bool RenamePrimitives::tryRoutes(Attempt& attempt) {

@@ -44,6 +44,7 @@ RunFolders::Place& RunFolders::at(RowId row, const std::string& path, const File
 }
 
 void RunFolders::open(Place& place, const std::string& path, const FileIdentity& asRead) {
+    place.path = path;
     place.error = fileSystem.openFolder(path, place.folder);
     FileStatus status;
     if (place.error == 0)

@@ -24,6 +24,7 @@ class RunFolders {
     struct Place {
         std::unique_ptr<OpenFolder> folder; ///< null when there is an error
         int error = 0;                      ///< of the system; ESTALE when it is not the folder that was read
+        std::string path;
         FileIdentity identity;
         CaseRule caseRule = CaseRule::unknown;
         /// Asked at each call; zeros where it can't be.

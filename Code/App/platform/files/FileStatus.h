@@ -27,11 +27,14 @@ struct FileStatus {
     enum class Kind : std::uint8_t { file, folder, link, other };
     Kind kind = Kind::file;
     bool immutable = false;
+    bool isSticky = false;       ///< a folder in which only owners rename their items
+    bool isForeign = false;      ///< it belongs to another user, who counts
     std::uint64_t size = 0;      ///< logical size in bytes; 0 for a folder
     std::uint64_t allocated = 0; ///< bytes on the medium; 0 for a folder
     double modificationDate = 0;
     double creationDate = 0; ///< birth time where the file system has one, else the modification time
     bool hasBirthTime = false;
+    double changeDate = 0; ///< of the status; of a folder also of its entries. No program can set it
     FileIdentity identity;
 };
 

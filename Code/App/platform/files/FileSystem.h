@@ -27,6 +27,9 @@ struct VolumeFacts {
     std::uint64_t id = 0;         ///< f_fsid; 0 where it has none
     std::size_t nameLimit = 0;    ///< the longest name, in bytes
     bool inodesMayChange = false; ///< FUSE: inode numbers may be given anew at any time
+    bool countsUnits = false;     ///< names are, or may be, limited by UTF-16 units instead of bytes
+    bool ignoresCase = false;     ///< names that differ in case alone are one; false where that is not known
+    bool forbidsSigns = false;    ///< takes no name with a control character or one of "*:<>?\|
 };
 
 /// A folder held open: names are taken relative to it, so a path is resolved once for many items, and what
@@ -70,6 +73,9 @@ class FileSystem {
     virtual int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) = 0;
     virtual int status(const std::string& path, FileStatus& into) = 0;         ///< link not followed
     virtual int followedStatus(const std::string& path, FileStatus& into) = 0; ///< link followed
+    /// 0 where the program may change the names in a folder, else EACCES, EPERM, EROFS or what keeps it from
+    /// finding out.
+    virtual int mayChangeNamesIn(const std::string& folder) = 0;
     virtual int removeFile(const std::string& path) = 0;
     virtual int makeFolders(const std::string& path) = 0;
     /// Writes beside the target, syncs and renames over it.

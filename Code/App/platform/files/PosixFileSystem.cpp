@@ -21,8 +21,9 @@ namespace tavrin {
 
 namespace {
 
-constexpr unsigned statusMask =
-    STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_MTIME | STATX_BTIME | STATX_INO;
+constexpr unsigned statusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE | STATX_BLOCKS |
+                                STATX_MTIME | STATX_CTIME | STATX_BTIME | STATX_INO;
+constexpr decltype(statfs::f_type) ntfsMagic = 0x7366746E; // of the driver in the kernel
 constexpr std::uint64_t blockSize = 512; // the unit of stx_blocks, whatever the file system's own
 
 bool hasNul(std::string_view name) { return name.find('\0') != std::string_view::npos; }
@@ -50,7 +51,11 @@ int statusAt(int folder, const std::string& name, int flags, FileStatus& into) {
     const bool isFolder = into.kind == FileStatus::Kind::folder;
     into.size = isFolder ? 0 : found.stx_size;
     into.allocated = isFolder ? 0 : found.stx_blocks * blockSize;
+    into.isSticky = isFolder && (found.stx_mode & S_ISVTX) != 0;
+    static const uid_t user = ::geteuid(); // not asked for once more with each of many items
+    into.isForeign = found.stx_uid != user && user != 0;
     into.modificationDate = secondsOf(found.stx_mtime);
+    into.changeDate = secondsOf(found.stx_ctime);
     into.hasBirthTime = (found.stx_mask & STATX_BTIME) != 0;
     into.creationDate = into.hasBirthTime ? secondsOf(found.stx_btime) : into.modificationDate;
     into.identity = {found.stx_ino, found.stx_dev_major << 20 | found.stx_dev_minor};
@@ -111,6 +116,14 @@ class PosixOpenFolder : public OpenFolder {
         std::memcpy(&into.id, &found.f_fsid, sizeof into.id);
         into.nameLimit = static_cast<std::size_t>(found.f_namelen);
         into.inodesMayChange = found.f_type == FUSE_SUPER_MAGIC;
+        const bool isFat = found.f_type == MSDOS_SUPER_MAGIC || found.f_type == EXFAT_SUPER_MAGIC;
+        const bool isShare = found.f_type == SMB_SUPER_MAGIC || found.f_type == CIFS_SUPER_MAGIC ||
+                             found.f_type == SMB2_SUPER_MAGIC;
+        into.countsUnits = isFat || isShare || into.inodesMayChange || found.f_type == ntfsMagic;
+        if (isFat)
+            into.nameLimit = 255; // it tells the bytes that these may come to
+        into.ignoresCase = isFat || isShare;
+        into.forbidsSigns = isFat;
         return 0;
     }
     bool liesAt(const std::string& path) override {
@@ -237,6 +250,7 @@ class PosixFileSystem : public FileSystem {
     int openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) override;
     int status(const std::string& path, FileStatus& into) override;
     int followedStatus(const std::string& path, FileStatus& into) override;
+    int mayChangeNamesIn(const std::string& folder) override;
     int removeFile(const std::string& path) override;
     int makeFolders(const std::string& path) override;
     int writeFileAtomically(const std::string& path, std::string_view content) override;
@@ -321,6 +335,12 @@ int FileSystem::exchangeNames(std::string first, std::string second) {
         return failure;
     }
     return renameWithin(*folder, aside, first);
+}
+
+int PosixFileSystem::mayChangeNamesIn(const std::string& folder) {
+    if (hasNul(folder))
+        return EINVAL;
+    return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
 int PosixFileSystem::openFolder(const std::string& path, std::unique_ptr<OpenFolder>& into) {

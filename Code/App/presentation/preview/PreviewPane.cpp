@@ -87,10 +87,9 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
     : services(shared), controller(shared.controller), commands(windowCommands),
       thumbnails(new ThumbnailLoader(this)), model(new PreviewTableModel(shared, *thumbnails, this)),
       view(new PreviewTableView(*model, controller.dndArrayController())),
-      scan(new ProblemScan(shared, this)), listBar(new ListBar(shared, windowCommands)),
-      findBar(new FindBar(*view, *model)), pages(new QStackedWidget),
-      problemBar(new ProblemBar(windowCommands)), statusRow(new StatusRow(controller)),
-      longWork(controller.runLoop()) {
+      listBar(new ListBar(shared, windowCommands)), findBar(new FindBar(*view, *model)),
+      pages(new QStackedWidget), problemBar(new ProblemBar(windowCommands)),
+      statusRow(new StatusRow(controller)), longWork(controller.runLoop()) {
     setObjectName("previewPane");
     buildTable();
     connectTable();
@@ -110,7 +109,6 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
     layout->addWidget(statusRow);
     showPage(true);
     connect(thumbnails, &ThumbnailLoader::changed, model, &PreviewTableModel::thumbnailChanged);
-    connect(scan, &ProblemScan::found, this, &PreviewPane::takeFindings);
     listenToSettings();
 }
 
@@ -320,7 +318,7 @@ void PreviewPane::listChanged() {
 
 void PreviewPane::previewFinished() {
     listChanged();
-    scan->start();
+    showProblems();
     sizeColumnsToFit();
 }
 
@@ -334,11 +332,12 @@ void PreviewPane::enterDropletEditMode() {
         promise->setText(tr("Files you add here only show the effect."));
 }
 
-void PreviewPane::takeFindings() {
-    ProblemScan::Findings found = scan->takeFindings();
-    const std::size_t problems = found.problems.size();
-    model->setProblems(std::move(found.problems));
-    problemBar->showCounts(problems, found.madeDistinct);
+void PreviewPane::showProblems() {
+    model->setProblems(controller.nodeController().problemIds());
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    const auto madeDistinct = static_cast<std::size_t>(context.engineControl().numberOfNamesMadeDistinct);
+    problemBar->showCounts(model->problems().size(), madeDistinct);
 }
 
 void PreviewPane::forgetPictures() { thumbnails->clear(); }
@@ -370,7 +369,7 @@ void PreviewPane::goToProblem(bool forward) {
     const int start = view->currentIndex().isValid() ? view->currentIndex().row() : -1;
     for (int step = 1; step <= count; ++step) {
         const int row = ((forward ? start + step : start - step) % count + count) % count;
-        if (model->problems().contains(rows[static_cast<std::size_t>(row)])) {
+        if (model->hasProblem(rows[static_cast<std::size_t>(row)])) {
             goTo(row);
             return;
         }

@@ -2,7 +2,6 @@
 
 #include "presentation/WindowServices.h"
 #include "presentation/preview/PreviewTableModel.h"
-#include "presentation/preview/ProblemScan.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/preview/SlicedWork.h"
 
@@ -73,7 +72,7 @@ class PreviewPane final : public QWidget {
     void listenToSettings();
     void applyRowHeight();
     void sortByColumn(int column);
-    void takeFindings();
+    void showProblems();
     void removeSelected();
     /// Moves the selected rows by one place, which makes the order one by hand.
     void moveSelection(bool up);
@@ -94,7 +93,6 @@ class PreviewPane final : public QWidget {
     ThumbnailLoader* thumbnails;
     PreviewTableModel* model;
     PreviewTableView* view;
-    ProblemScan* scan;
     ListBar* listBar;
     FindBar* findBar;
     QStackedWidget* pages; ///< the table, or the invitation

@@ -42,7 +42,7 @@ std::vector<RowId> PreviewTableModel::wantedIds() const {
     }
     std::vector<RowId> wanted;
     std::ranges::copy_if(list.arrangedObjects(), std::back_inserter(wanted),
-                         [this](RowId id) { return foreseen.contains(id); });
+                         [this](RowId id) { return hasProblem(id); });
     return wanted;
 }
 
@@ -66,8 +66,10 @@ void PreviewTableModel::repaintAll() {
         emit dataChanged(index(0, 0), index(static_cast<int>(ids.size()) - 1, columnCount_ - 1));
 }
 
-void PreviewTableModel::setProblems(Problems found) {
-    foreseen = std::move(found);
+void PreviewTableModel::setProblems(std::vector<RowId> found) {
+    if (found == rowsWithProblems)
+        return;
+    rowsWithProblems = std::move(found);
     listChanged();
 }
 
@@ -143,19 +145,11 @@ std::optional<int> PreviewTableModel::rowOf(RowId id) const {
 }
 
 PreviewTableModel::State PreviewTableModel::stateOf(const PreviewList::Row& row) const {
-    if (!reasonOf(row).isEmpty())
+    if (row.problem != NameProblem::none)
         return State::problem;
     if (!row.diff)
         return State::unchanged;
     return row.madeDistinct ? State::madeDistinct : State::renamed;
-}
-
-QString PreviewTableModel::reasonOf(const PreviewList::Row& row) const {
-    if (row.diff)
-        if (const char* reason = problemOfName(row.finalName))
-            return ShownName::tr(reason);
-    const auto found = foreseen.find(row.id);
-    return found == foreseen.end() ? QString() : found->second;
 }
 
 // --- The table ---
@@ -193,9 +187,8 @@ QString PreviewTableModel::toolTip(const PreviewList::Row& row) const {
     QString text = shownName(row.name).toHtmlEscaped();
     if (row.diff)
         text += "<br>\u2192 " + shownName(row.finalName).toHtmlEscaped();
-    const QString reason = reasonOf(row);
-    if (!reason.isEmpty())
-        text += "<br><b>" + reason.toHtmlEscaped() + "</b>";
+    if (!row.problemMessage.empty())
+        text += "<br><b>" + tr(row.problemMessage.c_str()).toHtmlEscaped() + "</b>";
     else if (row.madeDistinct)
         text += "<br>" + tr("made distinct, since another item has the same name");
     const QString bytes = ShownName::bytesNote(row.name);
@@ -222,7 +215,7 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case stateRole:
         return static_cast<int>(stateOf(row));
     case reasonRole:
-        return reasonOf(row);
+        return ShownName::problemNote(row.problem, row.problemDetail);
     case rowIdRole:
         return row.id;
     case spansRole:

@@ -8,6 +8,7 @@
 #include <QAbstractTableModel>
 #include <QIcon>
 #include <QString>
+#include <algorithm>
 #include <list>
 #include <map>
 #include <optional>
@@ -33,14 +34,12 @@ class PreviewTableModel final : public QAbstractTableModel {
     static constexpr int rowIdRole = Qt::UserRole + 2;
     static constexpr int spansRole = Qt::UserRole + 3; ///< vector of NameDifference::Span, for the two names
 
-    /// What is wrong with rows, as found out after a preview.
-    using Problems = std::unordered_map<RowId, QString>;
-
     PreviewTableModel(WindowServices services, ThumbnailLoader& thumbnails, QObject* parent);
 
     /// The list may have changed: rows are told anew where there are others, else as changed.
     void listChanged();
-    void setProblems(Problems found);
+    /// The preview has foreseen other problems, told by the rows that have them, in ascending order.
+    void setProblems(std::vector<RowId> found);
     void setShow(Show what);
     [[nodiscard]] Show show() const { return shown; }
     void setShowsThumbnails(bool on);
@@ -52,8 +51,8 @@ class PreviewTableModel final : public QAbstractTableModel {
     [[nodiscard]] const PreviewList::Row& rowAt(int row) const;
     [[nodiscard]] std::optional<int> rowOf(RowId id) const;
     [[nodiscard]] State stateOf(const PreviewList::Row& row) const;
-    [[nodiscard]] QString reasonOf(const PreviewList::Row& row) const;
-    [[nodiscard]] const Problems& problems() const { return foreseen; }
+    [[nodiscard]] const std::vector<RowId>& problems() const { return rowsWithProblems; }
+    [[nodiscard]] bool hasProblem(RowId id) const { return std::ranges::binary_search(rowsWithProblems, id); }
 
     /// The text as it is shown: characters that would not show, or would move others, replaced.
     [[nodiscard]] QString shownName(const std::u16string& name) const;
@@ -82,7 +81,7 @@ class PreviewTableModel final : public QAbstractTableModel {
     const WindowServices services;
     ThumbnailLoader& thumbnails;
     std::vector<RowId> ids;
-    Problems foreseen;
+    std::vector<RowId> rowsWithProblems;
     Show shown = Show::all;
     bool showsThumbnails = true;
     bool showsInvisibles = false;

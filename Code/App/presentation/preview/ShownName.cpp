@@ -1,6 +1,5 @@
 #include "presentation/preview/ShownName.h"
 
-#include "support/text/Text.h"
 #include "tags/StringToInvisiblesValueTransformer.h"
 
 #include <QStringList>
@@ -54,27 +53,45 @@ QString ShownName::bytesNote(const std::u16string& name) {
     return bytes.isEmpty() ? QString() : tr("Bytes that are not UTF-8: %1").arg(bytes.join(' '));
 }
 
-namespace {
-
-constexpr std::size_t longestName = 255; // bytes, what the file systems of this platform take
-
-} // namespace
-
-const char* problemOfName(const std::u16string& name) {
-    if (name.empty())
-        return QT_TRANSLATE_NOOP("tavrin::ShownName", "the name would be empty");
-    if (name == u"." || name == u"..")
-        return QT_TRANSLATE_NOOP("tavrin::ShownName", "“.” and “..” cannot be names");
-    if (name.find(u'\0') != name.npos)
-        return QT_TRANSLATE_NOOP("tavrin::ShownName", "names cannot hold a NUL character");
-    // A unit is three bytes at most.
-    if (name.size() * 3 <= longestName)
-        return nullptr;
-    const auto bytes = text::toBytes(name);
-    if (!bytes)
-        return QT_TRANSLATE_NOOP("tavrin::ShownName", "the name cannot be written");
-    return bytes->size() > longestName ? QT_TRANSLATE_NOOP("tavrin::ShownName", "longer than 255 bytes")
-                                       : nullptr;
+QString ShownName::problemNote(NameProblem problem, std::uint16_t detail) {
+    using enum NameProblem;
+    switch (problem) {
+    case none:
+        return {};
+    case empty:
+        return tr("the name would be empty");
+    case holdsNul:
+        return tr("names cannot hold a NUL character");
+    case standsForFolder:
+        return tr("“.” and “..” cannot be names");
+    case cutCharacter:
+        return tr("cuts a character in two");
+    case tooManyBytes:
+        return tr("longer than %1 bytes").arg(detail);
+    case tooManyUnits:
+        return tr("longer than %1 characters").arg(detail);
+    case foreignCharacter:
+        return tr("holds a character that the file system forbids");
+    case taken:
+        return tr("taken by another item");
+    case conflict:
+        return tr("same as another item");
+    case lockedFolder:
+        return tr("the folder cannot be changed");
+    case lockedItem:
+        return tr("only its owner may rename it");
+    case readOnlyVolume:
+        return tr("read-only file system");
+    case link:
+        return tr("links are not renamed");
+    case gone:
+        return tr("no longer there");
+    case replaced:
+        return tr("replaced by an item of another kind");
+    case folderReplaced:
+        return tr("the folder has been replaced by another");
+    }
+    return {};
 }
 
 } // namespace tavrin

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "store/rows/NameProblem.h"
+
 #include <QCoreApplication>
 #include <QString>
+#include <cstdint>
 #include <string>
 
 namespace tavrin {
@@ -14,12 +17,11 @@ struct ShownName {
   public:
     /// With `invisibles` blanks and control characters show as marks.
     [[nodiscard]] static QString of(const std::u16string& name, bool invisibles);
+    /// What stands behind a new name that will be refused: as few words as do; empty without a problem. The
+    /// detail is that of the row.
+    [[nodiscard]] static QString problemNote(NameProblem problem, std::uint16_t detail);
     /// The bytes of a name that are not UTF-8, in words; empty where there are none.
     [[nodiscard]] static QString bytesNote(const std::u16string& name);
 };
-
-/// Why no file can have this name, as far as the name alone tells, in words that ShownName translates; null
-/// where it can.
-[[nodiscard]] const char* problemOfName(const std::u16string& name);
 
 } // namespace tavrin

@@ -1,5 +1,6 @@
 #include "shell/preview/PreviewList.h"
 
+#include "engine/naming/NameProblems.h"
 #include "shell/start/StoreOwner.h"
 #include "store/paging/StoreError.h"
 #include "support/application/DebugLog.h"
@@ -94,6 +95,11 @@ std::vector<RowId> PreviewList::changingIds() {
     return ids;
 }
 
+std::vector<RowId> PreviewList::problemIds() {
+    return read([&](StoreContext& context) { return std::optional(rowsWithProblems(context, predicate)); })
+        .value_or(std::vector<RowId>());
+}
+
 std::optional<std::string> PreviewList::pathOf(RowId id) {
     return read([&](StoreContext& context) {
         return context.exists(id) ? std::optional(context.fullPath(id)) : std::nullopt;
@@ -126,6 +132,10 @@ std::optional<PreviewList::Row> PreviewList::rowOf(StoreContext& context, RowId 
     row.treatAsFolder = node.treatAsFolder;
     row.root = node.root;
     row.madeDistinct = node.madeDistinct;
+    row.problem = node.problem;
+    row.problemDetail = node.problemDetail;
+    if (auto told = problemOf(context, id))
+        row.problemMessage = std::move(told->message);
     row.name = context.name(id);
     row.finalName = context.finalName(id);
     row.fullPath = context.fullPath(id);

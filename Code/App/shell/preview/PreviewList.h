@@ -28,6 +28,9 @@ class PreviewList {
         bool treatAsFolder = false;
         bool root = false;
         bool madeDistinct = false;
+        NameProblem problem = NameProblem::none;
+        std::uint16_t problemDetail = 0; ///< as in the row of the store
+        std::string problemMessage;      ///< UTF-8; empty without one
         std::optional<StoreContext::RegexColumns> regex;
     };
 
@@ -60,6 +63,8 @@ class PreviewList {
     [[nodiscard]] std::vector<RowId> changingRows();
     /// The same in ascending order of their ids, which is the quickest to read them in.
     [[nodiscard]] std::vector<RowId> changingIds();
+    /// Those that the rename will refuse, or leave out, in ascending order of their ids.
+    [[nodiscard]] std::vector<RowId> problemIds();
     /// The row at a path, whether it is among these or not.
     [[nodiscard]] RowId rowWithPath(const std::string& path);
 

@@ -11,6 +11,7 @@ struct EngineControl {
     std::int32_t totalNumberOfFilesSelectedOrNot = 0;
     std::int32_t numberOfFilesThatNeedRenaming = 0;
     std::int32_t numberOfFolders = 0;
+    std::int32_t numberOfNamesMadeDistinct = 0; ///< of those that need renaming
     std::int32_t numberOfActuallyRenamedFiles = 0;
     std::int32_t numberOfItemsNotRenamed = 0; ///< of the last run: those whose renames failed
     std::int32_t totalNumberOfNodes = 0;      ///< nothing writes it; the dump prints it

@@ -73,6 +73,13 @@ class StoreContext {
     std::u16string name(RowId id);
     void finalName(RowId id, std::u16string& into);
     std::u16string finalName(RowId id);
+    /// How finalName is held: nothing while it is the name, else its bytes, unless no file can bear it.
+    struct HeldName {
+        bool isName;
+        bool hasBytes;
+        std::string_view bytes; ///< with "/" as it is in the text
+    };
+    HeldName heldFinalName(RowId id);
     void setFinalName(RowId id, std::u16string_view text);
     /// Makes finalName equal name, at no cost.
     void setFinalNameToName(RowId id);

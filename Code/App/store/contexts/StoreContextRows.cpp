@@ -98,6 +98,13 @@ std::u16string StoreContext::finalName(RowId id) {
     return result;
 }
 
+StoreContext::HeldName StoreContext::heldFinalName(RowId id) {
+    const auto present = impl->finalText(id);
+    if (!present)
+        return {true, true, {}};
+    return {false, !present->isWide, present->isWide ? std::string_view() : present->bytes};
+}
+
 void StoreContext::setFinalName(RowId id, std::u16string_view text) {
     impl->blockWithNames(id);
     RowBlock& block = impl->blockWithFinals(id);

@@ -33,7 +33,7 @@ enum class NodeKey : std::uint8_t {
     inode,
     device,
     problem,
-    nameLimit,
+    problemDetail,
 };
 
 /// What a change of an attribute can void: an order, a filtered list, names on show, or the rename plan.
@@ -76,7 +76,7 @@ inline constexpr std::array nodeAttributes{
     NodeAttribute{NodeKey::inode, ColumnClass::none, &NodeRow::inode},
     NodeAttribute{NodeKey::device, ColumnClass::none, &NodeRow::device},
     NodeAttribute{NodeKey::problem, ColumnClass::naming, &NodeRow::problem, rowSummary::problem},
-    NodeAttribute{NodeKey::nameLimit, ColumnClass::none, &NodeRow::nameLimit},
+    NodeAttribute{NodeKey::problemDetail, ColumnClass::naming, &NodeRow::problemDetail},
 };
 
 constexpr const NodeAttribute& attribute(NodeKey key) {

@@ -47,7 +47,9 @@ struct NodeRow {
     bool canBeRenamedIndependently = true;
     bool mustBeSwapped = false;
     NameProblem problem = NameProblem::none; ///< that the item has with its new name
-    std::uint16_t nameLimit = 0;             ///< where that is too long: what its file system takes
+    /// Of a name that is too long: what its file system takes. Of an item that was replaced: the kind there
+    /// now.
+    std::uint16_t problemDetail = 0;
 
     /// Of the item when it was read; of a folder whose contents were read: that of what holds them, beyond a
     /// link.

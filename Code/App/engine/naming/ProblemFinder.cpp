@@ -1,0 +1,325 @@
+#include "engine/naming/ProblemFinder.h"
+
+#include "engine/reading/FolderNotes.h"
+#include "engine/renaming/NameOnDisk.h"
+#include "store/contexts/StoreContext.h"
+#include "support/text/PathParts.h"
+#include "support/text/Text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <memory>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+using enum NameProblem;
+
+/// So many are asked for one by one before a whole folder is listed.
+constexpr std::size_t fewMovers = 32;
+
+/// Nothing is wrong with the name itself, as is seen without making it a text.
+bool isPlain(std::string_view name) {
+    const bool isAscii = std::ranges::all_of(name, [](char c) { return static_cast<signed char>(c) > 0; });
+    return !name.empty() && name != "." && name != ".." &&
+           (isAscii || (name.find('\0') == name.npos && text::isUtf8(name)));
+}
+
+bool holdsSign(std::string_view name) {
+    return std::ranges::any_of(name, [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 ||
+               std::string_view("\"*/:<>?\\|").find(c) != std::string_view::npos;
+    });
+}
+
+} // namespace
+
+void ProblemFinder::lookAt(RowId folder, const std::vector<RowId>& children, Names names) {
+    rows = &children;
+    gatherMovers();
+    if (!movers.empty()) {
+        others.clear();
+        absent.clear();
+        const NameProblem ofAll = problemOfFolder(folder);
+        for (Mover& mover : movers) {
+            judgeName(mover);
+            if (mover.goes())
+                mover.problem = ofAll;
+        }
+        if (ofAll == none) {
+            lookAtDisk(folder);
+            findTaken(names);
+        }
+    }
+    store(names);
+}
+
+void ProblemFinder::gatherMovers() {
+    movers.clear();
+    hasRespelledStayer = false;
+    for (std::size_t i = 0; i < rows->size(); ++i) {
+        const RowId id = (*rows)[i];
+        const NodeRow& row = context.row(id);
+        if (row.diff && filter.admits(row))
+            movers.push_back({id, static_cast<std::uint32_t>(i)});
+        else
+            hasRespelledStayer |= !context.heldFinalName(id).isName;
+    }
+}
+
+NameProblem ProblemFinder::problemOfFolder(RowId folder) {
+    FileSystem& disk = FileSystem::sharedInstance();
+    context.fullPath(folder, path);
+    const FileIdentity asRead = context.row(folder).identity();
+    volume = {};
+    if (const int error = disk.followedStatus(path, status))
+        return error == ENOENT || error == ENOTDIR ? gone : lockedFolder;
+    volume = volumeOf(status.identity.device);
+    if (asRead.isKnown() && status.identity != asRead && !volume.inodesMayChange)
+        return folderReplaced;
+    switch (disk.mayChangeNamesIn(path)) {
+    case EROFS:
+        return readOnlyVolume;
+    case EACCES:
+    case EPERM:
+        return lockedFolder;
+    default:
+        return none;
+    }
+}
+
+VolumeFacts ProblemFinder::volumeOf(std::uint32_t device) {
+    if (const auto known = volumes.find(device); known != volumes.end())
+        return known->second;
+    std::unique_ptr<OpenFolder> place;
+    VolumeFacts facts;
+    if (FileSystem::sharedInstance().openFolder(path, place) != 0 || place->volume(facts) != 0)
+        return {};
+    return volumes[device] = facts;
+}
+
+// ---- names
+
+void ProblemFinder::judgeName(Mover& mover) {
+    const StoreContext::HeldName final = context.heldFinalName(mover.row);
+    if (!final.hasBytes || !isPlain(final.bytes)) {
+        const bool isExact = context.row(mover.row).hasExactName;
+        mover.problem =
+            nameOnDisk::problemOf(context.finalName(mover.row), context.component(mover.row), isExact);
+    }
+    if (mover.goes() && context.row(mover.row).kind == FileStatus::Kind::link)
+        mover.problem = NameProblem::link;
+    if (!mover.goes())
+        return;
+    if (volume.forbidsSigns && holdsSign(context.heldFinalName(mover.row).bytes))
+        mover.problem = foreignCharacter;
+    else
+        judgeLength(mover, context.heldFinalName(mover.row).bytes.size());
+}
+
+void ProblemFinder::judgeLength(Mover& mover, std::size_t bytes) {
+    const std::size_t limit = volume.nameLimit;
+    if (limit == 0 || bytes <= limit || (volume.countsUnits && context.finalName(mover.row).size() <= limit))
+        return;
+    mover.problem = volume.countsUnits ? tooManyUnits : tooManyBytes;
+    mover.detail = static_cast<std::uint16_t>(limit);
+}
+
+// ---- the disk
+
+void ProblemFinder::lookAtDisk(RowId folder) {
+    const bool onlyOwnersRename = status.isSticky && status.isForeign;
+    const FolderNotes::Answer noted = notes.find(folder, status, rows->size());
+    if (noted.isKnown)
+        others = noted.names;
+    if (noted.isKnown && !onlyOwnersRename)
+        return;
+    std::unique_ptr<OpenFolder> place;
+    if (FileSystem::sharedInstance().openFolder(path, place) != 0)
+        return;
+    const bool isAnswered = noted.isKnown || (movers.size() <= fewMovers && askForEach(*place));
+    if (!isAnswered && place->entries(listing) == 0)
+        compareWithListing(folder);
+    else if (!isAnswered)
+        static_cast<void>(askForEach(*place)); // a folder that may not be read
+    if (onlyOwnersRename)
+        judgeOwners(*place);
+}
+
+bool ProblemFinder::askForEach(OpenFolder& place) {
+    others.clear();
+    asked.clear();
+    asked.reserve(movers.size()); // so that they stay where they are
+    for (Mover& mover : movers) {
+        FileStatus own;
+        judgePresence(mover, place.status(std::string(context.component(mover.row)), own), own);
+        if (!mover.goes())
+            continue;
+        const std::string wanted(wishOf(mover));
+        FileStatus found;
+        if (place.status(wanted, found) != 0 || isOnList(wanted, found.identity))
+            continue;
+        // Either another name of the same file, or the folder ignores case.
+        if (found.identity == own.identity &&
+            nameOnDisk::differsOnlyInCase(wanted, context.component(mover.row))) {
+            others.clear();
+            return false;
+        }
+        others.push_back(asked.emplace_back(wanted));
+    }
+    return true;
+}
+
+void ProblemFinder::judgePresence(Mover& mover, int error, const FileStatus& found) {
+    if (!mover.goes() && mover.problem != NameProblem::link)
+        return;
+    const NodeRow& row = context.row(mover.row);
+    if (error == ENOENT)
+        mover.problem = gone;
+    else if (error == 0 && found.kind == FileStatus::Kind::link)
+        mover.problem = NameProblem::link;
+    else if (error == 0 && row.identity().isKnown() && row.kind != found.kind) {
+        mover.problem = replaced;
+        mover.detail = static_cast<std::uint16_t>(found.kind);
+    }
+}
+
+bool ProblemFinder::isOnList(const std::string& name, const FileIdentity& identity) {
+    if (context.fileWithPath(joinedPath(path, name)) != noRow)
+        return true;
+    return volume.ignoresCase && std::ranges::any_of(*rows, [&](RowId row) {
+               return context.row(row).identity() == identity &&
+                      nameOnDisk::differsOnlyInCase(context.component(row), name);
+           });
+}
+
+void ProblemFinder::compareWithListing(RowId folder) {
+    NameSlots names;
+    names.reset(rows->size());
+    for (std::size_t i = 0; i < rows->size(); ++i)
+        names.add(names.hashOf(context.component((*rows)[i])), static_cast<std::uint32_t>(i + 1));
+    absent.assign(rows->size(), true);
+    std::vector<FileStatus::Kind> kinds(rows->size());
+    others.clear();
+    for (const FolderEntry entry : listing) {
+        const std::uint32_t* const child = names.find(names.hashOf(entry.name), [&](std::uint32_t place) {
+            return context.component((*rows)[place - 1]) == entry.name;
+        });
+        if (child == nullptr) {
+            others.push_back(entry.name);
+            continue;
+        }
+        absent[*child - 1] = false;
+        kinds[*child - 1] = entry.kind;
+    }
+    for (Mover& mover : movers) {
+        FileStatus present;
+        present.kind = kinds[mover.child];
+        judgePresence(mover, absent[mover.child] ? ENOENT : 0, present);
+    }
+    notes.put(folder, status, listing.size() - others.size(), others);
+}
+
+void ProblemFinder::judgeOwners(OpenFolder& place) {
+    for (Mover& mover : movers) {
+        FileStatus own;
+        if (mover.goes() && place.status(std::string(context.component(mover.row)), own) == 0 &&
+            own.isForeign)
+            mover.problem = lockedItem;
+    }
+}
+
+// ---- names that are taken
+
+void ProblemFinder::findTaken(Names names) {
+    const bool allGo = std::ranges::all_of(movers, &Mover::goes);
+    if (names == Names::distinct && allGo && !hasRespelledStayer && others.empty())
+        return;
+    gatherWishes();
+    for (const std::string_view name : others)
+        withhold(name, noRow);
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < rows->size(); ++i) {
+        const bool isMover = next < movers.size() && movers[next].child == i;
+        const bool stays = !isMover || (!movers[next].goes() && movers[next].problem != gone);
+        next += isMover ? 1 : 0;
+        if (stays && (absent.empty() || !absent[i]))
+            withhold(context.component((*rows)[i]), (*rows)[i]);
+    }
+}
+
+void ProblemFinder::gatherWishes() {
+    wishes.reset(movers.size());
+    for (std::size_t i = 0; i < movers.size(); ++i) {
+        if (!movers[i].goes())
+            continue;
+        nameInHand = wishOf(movers[i]);
+        if (Mover* const other = whoWants(nameInHand))
+            other->problem = movers[i].problem = conflict;
+        else
+            wishes.add(wishes.hashOf(keyOf(nameInHand, sought)), static_cast<std::uint32_t>(i + 1));
+    }
+}
+
+void ProblemFinder::withhold(std::string_view name, RowId holder) {
+    nameInHand = name;
+    for (Mover* mover = whoWants(nameInHand); mover != nullptr && mover->goes() && mover->row != holder;
+         mover = whoWants(nameInHand)) {
+        mover->problem = taken;
+        holder = mover->row;
+        nameInHand = context.component(holder);
+    }
+}
+
+ProblemFinder::Mover* ProblemFinder::whoWants(std::string_view name) {
+    const std::string_view key = keyOf(name, sought);
+    const std::uint32_t* const place = wishes.find(wishes.hashOf(key), [&](std::uint32_t candidate) {
+        return keyOf(wishOf(movers[candidate - 1]), held) == key;
+    });
+    return place == nullptr ? nullptr : &movers[*place - 1];
+}
+
+std::string_view ProblemFinder::wishOf(const Mover& mover) {
+    wish = context.heldFinalName(mover.row).bytes;
+    std::ranges::replace(wish, '/', ':');
+    return wish;
+}
+
+std::string_view ProblemFinder::keyOf(std::string_view name, std::string& lowered) const {
+    if (!volume.ignoresCase)
+        return name;
+    text::lowercaseBytes(name, lowered);
+    return lowered;
+}
+
+// ---- the rows
+
+void ProblemFinder::store(Names names) {
+    auto mover = movers.begin();
+    for (std::size_t i = 0; i < rows->size(); ++i) {
+        if (mover == movers.end() || mover->child != i) {
+            storeProblem((*rows)[i], none, 0);
+            continue;
+        }
+        storeProblem(mover->row, mover->problem, mover->detail);
+        if (names == Names::keptWhereTaken && (mover->problem == taken || mover->problem == conflict)) {
+            context.setFinalNameToName(mover->row);
+            context.change(mover->row).diff = false;
+        }
+        ++mover;
+    }
+}
+
+void ProblemFinder::storeProblem(RowId row, NameProblem problem, std::uint16_t detail) {
+    const NodeRow& present = context.row(row);
+    if (present.problem == problem && present.problemDetail == detail)
+        return;
+    NodeRow& changed = context.change(row);
+    changed.problem = problem;
+    changed.problemDetail = detail;
+    context.commitIfMuchIsStaged();
+}
+
+} // namespace tavrin

@@ -1,0 +1,141 @@
+#include "RenameBench.h"
+#include "common/FailingFileSystem.h"
+#include "engine/naming/NameProblems.h"
+#include "engine/naming/ResolveFileNameConflictsStage.h"
+#include "engine/reading/FolderNotes.h"
+
+namespace tavrin::test {
+namespace {
+
+struct FinalName {
+    std::u16string name;
+    bool differs;
+    std::optional<ToldProblem> problem;
+};
+
+/// A folder of files and links, on the list or not, whose names are to be permuted, doubled, spoilt.
+struct Crowd {
+    Crowd(unsigned seed, bool ignoresCase, bool isLarge) : random(seed) {
+        for (int i = 0; i < (isLarge ? 120 : 6); ++i)
+            alphabet.push_back(isLarge ? "n" + std::to_string(i)
+                                       : std::string(1, static_cast<char>('a' + i)));
+        if (ignoresCase)
+            alphabet.insert(alphabet.end(), {"A", "B", "C"});
+        else
+            alphabet.insert(alphabet.end(), {"\u00E9", "e\u0301", "caf\xE9"});
+    }
+
+    [[nodiscard]] bool oneIn(unsigned n) { return random() % n == 0; }
+    const std::string& anyName() { return alphabet[random() % alphabet.size()]; }
+    std::u16string anyWish() {
+        static const std::vector<std::u16string> spoilt{
+            u"", u".", u"..", {u'a', 0}, u"\xD800", u"\xDC80", std::u16string(86, u'\u4E00')};
+        return oneIn(12) ? spoilt[random() % spoilt.size()] : text::fromBytes(anyName());
+    }
+
+    /// Makes the items, reads those on the list, which may be all that are not hidden, and gives them names.
+    void setUp(RenameBench& bench, bool ignoresCase, bool isWalked) {
+        if (isWalked)
+            for (std::string& name : alphabet)
+                if (oneIn(6))
+                    name.insert(0, ".");
+        std::set<std::string> keys;
+        for (const std::string& name : alphabet) {
+            if (oneIn(4) ||
+                (ignoresCase && !keys.insert(text::toUtf8(text::caseFolded(text::fromBytes(name)))).second))
+                continue;
+            if (oneIn(9))
+                bench.folder.link("f/" + name, "/etc/passwd");
+            else
+                bench.folder.write("f/" + name, name);
+            if (isWalked ? name.front() != '.' : !oneIn(5))
+                listed.push_back("f/" + name);
+        }
+        bench.read(isWalked ? std::vector<std::string>{"f"} : listed);
+        for (const std::string& name : listed)
+            if (!oneIn(4))
+                bench.setFinalName(name, anyWish());
+    }
+
+    /// An item goes and another one comes.
+    void change(RenameBench& bench, bool ignoresCase) {
+        if (!listed.empty())
+            bench.folder.remove(listed.front());
+        if (const std::string name = "f/" + alphabet.back(); !ignoresCase && !bench.folder.kind(name))
+            bench.folder.write(name, "intruder");
+    }
+
+    std::mt19937 random;
+    std::vector<std::string> alphabet;
+    std::vector<std::string> listed;
+};
+
+std::map<std::string, FinalName> finalNames(RenameBench& bench) {
+    StoreContext context(*bench.host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
+    std::map<std::string, FinalName> found;
+    for (const RowId row : context.fetch({FetchEntity::file, Predicate::always(), {}, 0}))
+        found[bench.relative(context.fullPath(row))] = {context.finalName(row), context.row(row).diff,
+                                                        problemOf(context, row)};
+    return found;
+}
+
+} // namespace
+
+/// In folders that are asked item by item, listed, or known from reading; on those that ignore case too.
+TEST(ProblemLaws, WhatIsForeseenBefallsTheRenameAndNothingElse) {
+    std::map<std::string, int> seen;
+    for (unsigned seed = 0; seed < 600; ++seed) {
+        const int rule = static_cast<int>(seed % 2);
+        const bool ignoresCase = seed / 2 % 3 == 0;
+        const bool isLarge = seed / 6 % 2 == 0;
+        SCOPED_TRACE(
+            fmt::format("seed {}, rule {}, ignores case {}, large {}", seed, rule, ignoresCase, isLarge));
+        Crowd crowd(seed, ignoresCase, isLarge);
+        RenameBench bench({}, RenameBench::inMemory());
+        FailingFileSystem disk;
+        disk.ignoresCase = ignoresCase;
+        bench.host.set("onConflict", rule);
+        bench.host.set("conflictResolutionScheme", 0);
+        const bool isWalked = seed / 12 % 2 == 0;
+        disk.ages = isWalked ? 10 : 0;
+        bench.folder.makeFolder("f");
+        crowd.setUp(bench, ignoresCase, isWalked);
+        if (!isWalked && seed % 5 == 0)
+            crowd.change(bench, ignoresCase);
+        disk.reset();
+        bench.run<ResolveFileNameConflictsStage>();
+        EXPECT_EQ(disk.callCount(FileCall::entries), isWalked ? 0 : disk.callCount(FileCall::entries))
+            << "known";
+
+        RenameBench::Tree expected = bench.files();
+        const RenameBench::Tree before = expected;
+        const auto foreseen = finalNames(bench);
+        for (const auto& [path, row] : foreseen)
+            if (row.differs && !row.problem)
+                expected.erase(path);
+        for (const auto& [path, row] : foreseen) {
+            if (row.differs && !row.problem)
+                expected["f/" + text::toBytes(row.name).value()] = before.at(path);
+            if (row.problem)
+                ++seen[std::string(row.problem->code)];
+            if (rule == 1 && row.problem &&
+                (row.problem->code == "conflict" || row.problem->code == "taken")) {
+                EXPECT_FALSE(row.differs) << "left out";
+            }
+        }
+        bench.rename();
+        ASSERT_EQ(bench.files(), expected);
+        for (const ProblemReport& report : bench.reports) {
+            const FinalName& row = foreseen.at(bench.relative(report.fullPath));
+            ASSERT_TRUE(row.problem) << report.fullPath << report.message;
+            const bool isOfRing = report.title != "Could not change a file name";
+            EXPECT_TRUE(isOfRing || report.message.find(row.problem->message) != std::string::npos)
+                << report.message << " instead of " << row.problem->message;
+        }
+    }
+    for (const char* code :
+         {"empty", "forbidden", "cut-character", "too-long", "taken", "conflict", "link", "gone"})
+        EXPECT_GT(seen[code], 5) << code;
+}
+
+} // namespace tavrin::test
