@@ -71,6 +71,15 @@ class Parser {
         selection.emplace(app);
     }
 
+    /// Adds what rename and edit share.
+    void addRenameOptions(RenameOptions& options) {
+        app.add_flag("-i,--interactive", options.interactive);
+        CLI::Option* quiet = app.add_flag("-q,--quiet", options.quiet);
+        app.add_flag("-v,--verbose", options.verbose)->excludes(quiet);
+        CLI::Option* none = app.add_flag("--no-history", options.noHistory);
+        app.add_flag("--require-history", options.requireHistory)->excludes(none);
+    }
+
     /// Parses, and makes the result unless help is wanted or something is wrong.
     CommandLine parse(std::vector<std::string> arguments, const std::function<CommandLine()>& result) {
         try {
@@ -90,7 +99,7 @@ class Parser {
     }
 
     /// What the shared options say.
-    RunOptions runOptions() const {
+    RunOptions runOptions(bool needsRecipe = true) const {
         RunOptions options;
         std::vector<RecipeStep> steps;
         std::map<const CLI::Option*, std::size_t> taken;
@@ -110,7 +119,9 @@ class Parser {
                 steps.back().parameters.push_back(keyAndValue("--set", next()));
             }
         }
-        options.recipe = recipeSource(std::move(steps));
+        options.hasRecipe = needsRecipe || *recipe || *preset || !steps.empty();
+        if (options.hasRecipe)
+            options.recipe = recipeSource(std::move(steps));
         options.storeInFile = *store && store->results().at(0) == "file";
         options.selection = selection->read();
         if (operands.empty() && !options.selection.filesFrom)
@@ -247,13 +258,22 @@ CommandLine parseRename(std::vector<std::string> arguments) {
     RenameOptions options;
     Parser parser("rename", help::rename);
     parser.addRunOptions();
-    parser.app.add_flag("-i,--interactive", options.interactive);
-    CLI::Option* quiet = parser.app.add_flag("-q,--quiet", options.quiet);
-    parser.app.add_flag("-v,--verbose", options.verbose)->excludes(quiet);
-    CLI::Option* none = parser.app.add_flag("--no-history", options.noHistory);
-    parser.app.add_flag("--require-history", options.requireHistory)->excludes(none);
+    parser.addRenameOptions(options);
     return parser.parse(std::move(arguments), [&] {
         options.run = parser.runOptions();
+        return options;
+    });
+}
+
+CommandLine parseEdit(std::vector<std::string> arguments) {
+    EditOptions options;
+    Parser parser("edit", help::edit);
+    parser.addRunOptions();
+    parser.addRenameOptions(options.rename);
+    parser.app.add_flag("-n,--dry-run", options.dryRun);
+    return parser.parse(std::move(arguments), [&] {
+        options.rename.run = parser.runOptions(false);
+        options.color = parser.colorChoice();
         return options;
     });
 }
@@ -338,6 +358,8 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
         return parsePreview(std::move(arguments));
     if (command == "rename")
         return parseRename(std::move(arguments));
+    if (command == "edit")
+        return parseEdit(std::move(arguments));
     if (command == "history")
         return parseHistory(std::move(arguments));
     if (command == "undo" || command == "redo")

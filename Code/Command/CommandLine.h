@@ -30,6 +30,7 @@ using RecipeSource = std::variant<RecipeAtPath, RecipeOfPreset, std::vector<Reci
 /// What preview and rename share.
 struct RunOptions {
     RecipeSource recipe;
+    bool hasRecipe = true;             ///< else names stay as they are
     std::vector<KeyAndValue> settings; ///< in the order given, `--recursive` and `--on-conflict` among them
     bool storeInFile = false;
     SelectionOptions selection;
@@ -55,6 +56,13 @@ struct RenameOptions {
     bool verbose = false;
     bool noHistory = false;
     bool requireHistory = false;
+};
+
+/// Of edit.
+struct EditOptions {
+    RenameOptions rename;
+    bool dryRun = false;
+    ColorChoice color = ColorChoice::automatic;
 };
 
 struct HistoryOptions {
@@ -99,7 +107,7 @@ struct CommandLineEnd {
     std::string hint = {};
 };
 
-using CommandLine = std::variant<CommandLineEnd, PreviewOptions, RenameOptions, HistoryOptions,
+using CommandLine = std::variant<CommandLineEnd, PreviewOptions, RenameOptions, EditOptions, HistoryOptions,
                                  TakeBackOptions, ActionsOptions, TagsOptions, PresetsOptions>;
 
 /// Parses what follows the program's name.

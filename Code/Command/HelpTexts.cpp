@@ -33,6 +33,7 @@ const std::string overview = R"(tvrn renames many files and folders at once.
 
 Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
        tvrn rename  [RECIPE] [SETTINGS] [OPTIONS] PATH...
+       tvrn edit    [RECIPE] [SETTINGS] [OPTIONS] PATH...
        tvrn undo | redo [OPTIONS] [RUN]
        tvrn history [--json] [RUN]
        tvrn actions [--json] [NAME]
@@ -41,7 +42,7 @@ Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
        tvrn --help | --version
 
   preview   show what a rename would do; touch nothing
-  rename    do it
+  rename    do it; edit: by a list of names that you edit
   undo      take a run back; redo takes that back, or finishes a run
   history   past runs, and where their items are now
   actions   the actions that recipes are made of, and their parameters
@@ -81,6 +82,19 @@ Examples:
   touch A.TXT B.TXT; tvrn rename --action "Make lowercase" A.TXT B.TXT
   touch C D; tvrn rename --action "Add to front" --set string=new_ C D
   mkdir -p e/f; tvrn rename --recursive --action "Make uppercase" e
+)";
+
+const std::string edit = std::string(R"(tvrn edit [RECIPE] [SETTINGS] [OPTIONS] PATH...
+Opens the names in $VISUAL or $EDITOR and renames the items as they are left
+there, or as RECIPE begins it. Where a line is wrong nothing is renamed, and the
+file is opened again with the reasons. Nothing is ever replaced or numbered.
+)") + runOptions + R"(OPTIONS
+  -n, --dry-run        show the result; touch nothing
+  and those of "tvrn rename"
+Examples:
+  touch A.TXT B.TXT; EDITOR="sed -i s/TXT/txt/" tvrn edit A.TXT B.TXT
+  touch C D; EDITOR="sed -i s/C/new/" tvrn edit --dry-run C D
+  touch E; EDITOR=true tvrn edit --action "Make lowercase" E
 )";
 
 const std::string history = R"(tvrn history [--json] [RUN]

@@ -11,6 +11,7 @@ extern const std::string rename;
 extern const std::string actions;
 extern const std::string tags;
 extern const std::string presets;
+extern const std::string edit;
 extern const std::string history;
 extern const std::string undo;
 extern const std::string redo;

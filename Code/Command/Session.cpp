@@ -72,10 +72,11 @@ void Session::setDefaults(bool storeInFile) {
 }
 
 void Session::load(const RunOptions& options) {
-    const Recipe recipe = loadRecipe(options.recipe);
+    const Recipe recipe = options.hasRecipe ? loadRecipe(options.recipe) : Recipe();
     applySettings(recipe, options.settings, controller->globalSettings());
     catalogue.actions().setAutomaticSorting(controller->globalSettings().values().automaticSorting);
-    controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
+    if (!recipe.flatParameterList.empty()) // else the one step that there is adds nothing
+        controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
     refuseStepsThatCannotWork();
 }
 
@@ -160,6 +161,13 @@ void Session::beInteractiveIfSet() {
 }
 
 void Session::printRenames() { controller->renameEngine().setRenameObserver(&renamePrinter); }
+
+void Session::stopAtProblems() {
+    controller->globalSettings().setValue(static_cast<int>(Settings::OnConflict::stop),
+                                          settingKey::onConflict);
+}
+
+void Session::giveNames(GivenNames names) { controller->renameEngine().giveNames(std::move(names)); }
 
 void Session::preview() {
     const ProgressLine progress(controller->progressInfo(), loop, connectedTerminal, showsProgress);

@@ -16,6 +16,7 @@ using namespace tavrin;
 struct Runner {
     ExitStatus operator()(const PreviewOptions& options) const { return runPreviewCommand(options); }
     ExitStatus operator()(const RenameOptions& options) const { return runRenameCommand(options); }
+    ExitStatus operator()(const EditOptions& options) const { return runEditCommand(options); }
     ExitStatus operator()(const HistoryOptions& options) const { return runHistoryCommand(options); }
     ExitStatus operator()(const TakeBackOptions& options) const { return runTakeBackCommand(options); }
     ExitStatus operator()(const ActionsOptions& options) const { return runActionsCommand(options); }
