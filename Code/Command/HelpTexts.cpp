@@ -12,7 +12,9 @@ constexpr const char* runOptions = R"(RECIPE, one of
     --set KEY=VALUE    a parameter of the step before it; repeatable
 SETTINGS
   --setting KEY=VALUE  a global setting; repeatable
-  -r, --recursive      also what folders hold (processSubfolders=1)
+  -r, --recursive      also what folders hold; --depth N, --hidden: how much
+  -T, --files-from F   more paths, from F or -, one a line; -0: a NUL ends each
+  --include, --exclude GLOB, --type f,d,l, --newer, --older WHEN, --links
   --on-conflict RULE   number, skip or stop, where a name is wanted or taken
   --store memory|file  where the list is kept; file for millions of items
 )";
@@ -170,6 +172,7 @@ each with its value for the file; "-" where the file has none. Dates and times
 are local.
 
   -j, --json    one object per line: "fullPath", and "tags" with texts or null
+  -T, --files-from F  more paths, from F or -, one a line; -0: a NUL ends each
 
 Examples:
   touch a.txt; tvrn tags a.txt

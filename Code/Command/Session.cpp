@@ -161,7 +161,11 @@ void Session::beInteractiveIfSet() {
         beInteractive();
 }
 
-void Session::printRenames() { controller->renameEngine().setRenameObserver(&renamePrinter); }
+void Session::printRenames(bool endsWithNull) {
+    if (endsWithNull)
+        renamePrinter.endRowsWithNull();
+    controller->renameEngine().setRenameObserver(&renamePrinter);
+}
 
 void Session::stopAtProblems() {
     controller->globalSettings().setValue(static_cast<int>(Settings::OnConflict::stop),
