@@ -143,15 +143,16 @@ bool ResolveFileNameConflictsStage::isApplicable(RowId id) {
 }
 
 void ResolveFileNameConflictsStage::storeCandidate(RowId id, const std::u16string& candidate) {
-    if (context->finalName(id) != candidate) {
+    const bool isMadeDistinct = context->finalName(id) != candidate;
+    if (isMadeDistinct) {
         context->setFinalName(id, candidate);
         context->change(id).madeDistinct = true;
-        if (settings.itemFilter().admits(context->row(id)))
-            ++context->changeEngineControl().numberOfNamesMadeDistinct;
     }
     const bool differs = !text::canonicallyEqual(candidate, context->name(id));
     if (context->row(id).diff != differs)
         context->change(id).diff = differs;
+    if (isMadeDistinct && differs && settings.itemFilter().admits(context->row(id)))
+        ++context->changeEngineControl().numberOfNamesMadeDistinct;
 }
 
 std::u16string ResolveFileNameConflictsStage::addDistinguisherToName(std::u16string_view name) {
