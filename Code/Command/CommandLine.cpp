@@ -15,6 +15,7 @@
 #include <iterator>
 #include <limits>
 #include <map>
+#include <optional>
 
 namespace tavrin {
 
@@ -67,6 +68,7 @@ class Parser {
         recursive = app.add_flag("-r,--recursive");
         onConflict = addRepeatable(app, "--on-conflict")->check(CLI::IsMember({"number", "skip", "stop"}));
         store = app.add_option("--store")->expected(1)->check(CLI::IsMember({"memory", "file"}));
+        selection.emplace(app);
     }
 
     /// Parses, and makes the result unless help is wanted or something is wrong.
@@ -110,7 +112,8 @@ class Parser {
         }
         options.recipe = recipeSource(std::move(steps));
         options.storeInFile = *store && store->results().at(0) == "file";
-        if (operands.empty())
+        options.selection = selection->read();
+        if (operands.empty() && !options.selection.filesFrom)
             throw UsageError("no path is given");
         options.paths = operands;
         return options;
@@ -216,6 +219,7 @@ class Parser {
     CLI::Option* recursive = nullptr;
     CLI::Option* onConflict = nullptr;
     CLI::Option* store = nullptr;
+    std::optional<SelectionParser> selection;
     std::vector<std::string> operands;
 };
 
@@ -224,15 +228,17 @@ CommandLine parsePreview(std::vector<std::string> arguments) {
     Parser parser("preview", help::preview);
     parser.addRunOptions();
     CLI::Option* format = parser.app.add_option("--format", options.format)->check(CLI::Range(0, 2));
-    CLI::Option* json = parser.app.add_flag("-j,--json", options.json)->excludes(format);
+    parser.app.add_flag("-j,--json", options.json)->excludes(format);
     CLI::Option* affected = parser.app.add_flag("--affected", options.affected);
     parser.app.add_flag("-a,--all", options.all)->excludes(affected);
-    parser.app.add_flag("-0,--null", options.null)->excludes(json);
     parser.app.add_flag("-c,--check", options.check);
     return parser.parse(std::move(arguments), [&] {
-        options.isForPrograms = *format || options.json || options.null;
         options.color = parser.colorChoice();
         options.run = parser.runOptions();
+        options.null = options.run.selection.null;
+        options.isForPrograms = *format || options.json || options.null;
+        if (options.json && options.null && !options.run.selection.filesFrom)
+            throw UsageError("--json excludes --null");
         return options;
     });
 }
@@ -300,9 +306,11 @@ CommandLine parseTags(std::vector<std::string> arguments) {
     TagsOptions options;
     Parser parser("tags", help::tags);
     parser.app.add_flag("-j,--json", options.json);
+    const ListParser list(parser.app);
     return parser.parse(std::move(arguments), [&] {
         options.paths = parser.givenOperands();
-        if (options.paths.empty())
+        list.read(options.selection);
+        if (options.paths.empty() && !options.selection.filesFrom)
             throw UsageError("no file is given");
         return options;
     });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SelectionOptions.h"
+
 #include <string>
 #include <utility>
 #include <variant>
@@ -30,6 +32,7 @@ struct RunOptions {
     RecipeSource recipe;
     std::vector<KeyAndValue> settings; ///< in the order given, `--recursive` and `--on-conflict` among them
     bool storeInFile = false;
+    SelectionOptions selection;
     std::vector<std::string> paths;
 };
 
@@ -80,6 +83,7 @@ struct ActionsOptions {
 
 struct TagsOptions {
     bool json = false;
+    SelectionOptions selection; ///< only where more paths come from
     std::vector<std::string> paths;
 };
 

@@ -69,9 +69,10 @@ ExitStatus runRenameCommand(const RenameOptions& options) {
     if (options.verbose)
         session.printRenames();
     session.preview();
-    if (!session.wasInterrupted())
+    const bool hasNoItems = session.hasNoItems();
+    if (!session.wasInterrupted() && !hasNoItems)
         session.rename();
-    if (!options.quiet && (session.hasRun() || session.wasInterrupted()))
+    if (!options.quiet && (session.hasRun() || session.wasInterrupted() || hasNoItems))
         session.terminal().output().append(summaryOf(session.renamedCount()));
     return session.finish();
 }

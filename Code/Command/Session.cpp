@@ -1,6 +1,7 @@
 #include "Session.h"
 
 #include "PathArguments.h"
+#include "PathList.h"
 #include "RecipeLoader.h"
 #include "actions/CompositeRenameAction.h"
 #include "platform/files/AbsolutePaths.h"
@@ -47,8 +48,11 @@ Session::Session() : Session(false) {
 Session::Session(const RunOptions& options) : Session(options.storeInFile) {
     tellInterruptedRun();
     load(options);
+    takeSelection(options.selection);
     openStore(options.storeInFile);
     addPaths(options.paths);
+    if (options.selection.filesFrom)
+        addListedPaths(options.selection);
 }
 
 Session::~Session() {
@@ -89,6 +93,48 @@ void Session::openStore(bool storeInFile) {
     const std::optional<std::string>& error = controller->persistentStoreCoordinator()->openError();
     if (storeInFile && error)
         throw UsageError(fmt::format("the list cannot be kept in a file: {}", *error));
+}
+
+void Session::takeSelection(const SelectionOptions& options) {
+    TVRNGlobalPreferencesPseudoAction& settings = controller->globalSettings();
+    ItemSelection items = options.items;
+    items.takesGivenHidden = true;
+    if (options.kinds) {
+        settings.setValue(options.kinds->files || options.kinds->links ? 1 : 0, settingKey::processFiles);
+        settings.setValue(options.kinds->folders ? 1 : 0, settingKey::processFolders);
+        items.takesFiles = options.kinds->files;
+        items.takesLinks = options.kinds->links;
+    }
+    if (options.depth) {
+        settings.setValue(1, settingKey::processSubfolders);
+        items.depth = options.depth;
+    }
+    if (options.filesFrom) {
+        // What lies in a folder of the list takes part although nothing is looked for there.
+        items.mayNest = true;
+        if (settings.values().shouldProcessSubfolders == 0)
+            items.depth = 0;
+        settings.setValue(1, settingKey::processSubfolders);
+    }
+    controller->renameEngine().setSelection(std::move(items));
+}
+
+void Session::addListedPaths(const SelectionOptions& options) {
+    const bool isStandardInput = *options.filesFrom == "-";
+    if (isStandardInput)
+        connectedTerminal.askElsewhere();
+    PathList list(*options.filesFrom, options.null, interrupts.descriptor());
+    for (std::vector<std::string> paths; !(paths = list.next()).empty() && !wasInterrupted();) {
+        const std::vector<std::string> resolved = absolutePaths(paths);
+        if (const auto missing = controller->sourceCommands().addNestedPaths(resolved))
+            throw UsageError(fmt::format("{}: {}", *missing, reasonOfRefusal(*missing, {})));
+    }
+}
+
+bool Session::hasNoItems() {
+    StoreContext& items = context();
+    const std::lock_guard lock(items.mutex());
+    return items.sourceItemCount() == 0;
 }
 
 void Session::addPaths(const std::vector<std::string>& given) {

@@ -30,6 +30,8 @@ class Session {
   public:
     /// Throws UsageError for whatever is wrong with the options; nothing has been touched then.
     explicit Session(const RunOptions& options);
+    /// No path was given, but a list that holds none.
+    [[nodiscard]] bool hasNoItems();
     /// Without a recipe and paths: for what goes by the history.
     Session();
     ~Session();
@@ -86,7 +88,9 @@ class Session {
     void load(const RunOptions& options);
     void refuseStepsThatCannotWork();
     void openStore(bool storeInFile);
+    void takeSelection(const SelectionOptions& options);
     void addPaths(const std::vector<std::string>& given);
+    void addListedPaths(const SelectionOptions& options);
     void tellFailuresOfPreview();
     void tellWhatIsPosted();
     void setToStop(RenameEngine* engine);

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "PathList.h"
 #include "Terminal.h"
 #include "platform/files/AbsolutePaths.h"
 #include "platform/metadata/MetadataTool.h"
@@ -14,6 +15,7 @@
 #include <set>
 #include <system_error>
 #include <unistd.h>
+#include <unordered_set>
 #include <utility>
 
 namespace tavrin {
@@ -79,11 +81,27 @@ std::string objectOf(const TagLibraryHelper& library, TaggedFile& file, const st
     return json + "}}\n";
 }
 
-} // namespace
+/// Those of the command line, then those of the list that have not come before.
+std::vector<std::string> givenPaths(const TagsOptions& options) {
+    std::vector<std::string> given = options.paths;
+    if (!options.selection.filesFrom)
+        return given;
+    const std::vector<std::string> known = absolutePaths(given);
+    std::unordered_set<std::string> seen(known.begin(), known.end());
+    PathList list(*options.selection.filesFrom, options.selection.null);
+    for (std::vector<std::string> paths; !(paths = list.next()).empty();) {
+        const std::vector<std::string> resolved = absolutePaths(paths);
+        for (std::size_t i = 0; i < paths.size(); ++i) {
+            if (seen.insert(resolved[i]).second)
+                given.push_back(std::move(paths[i]));
+        }
+    }
+    return given;
+}
 
-ExitStatus runTagsCommand(const TagsOptions& options) {
+ExitStatus printTags(const TagsOptions& options, const std::vector<std::string>& given) {
     Terminal terminal;
-    const std::vector<std::string> paths = readablePaths(options.paths);
+    const std::vector<std::string> paths = readablePaths(given);
     const TagLibraryHelper library;
     std::size_t unread = 0;
     std::string reason;
@@ -99,8 +117,7 @@ ExitStatus runTagsCommand(const TagsOptions& options) {
             continue;
         }
         if (paths.size() > 1)
-            terminal.output().append(
-                fmt::format("{}{}:\n", i == 0 ? "" : "\n", terminal.shown(options.paths[i])));
+            terminal.output().append(fmt::format("{}{}:\n", i == 0 ? "" : "\n", terminal.shown(given[i])));
         terminal.output().append(listOf(library, file, terminal));
         noteFailure(file);
     }
@@ -109,5 +126,9 @@ ExitStatus runTagsCommand(const TagsOptions& options) {
     terminal.complain(fmt::format("{}: {}", unreadMetadataOf(unread), reason));
     return terminal.finish(ExitStatus::itemsFailed);
 }
+
+} // namespace
+
+ExitStatus runTagsCommand(const TagsOptions& options) { return printTags(options, givenPaths(options)); }
 
 } // namespace tavrin

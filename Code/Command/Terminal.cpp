@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <system_error>
@@ -43,7 +44,12 @@ std::size_t columnsOf(int descriptor) {
 
 Terminal::Terminal()
     : standardOutput(STDOUT_FILENO), outputIsForPeople(::isatty(STDOUT_FILENO) != 0),
-      errorIsForPeople(::isatty(STDERR_FILENO) != 0) {}
+      errorIsForPeople(::isatty(STDERR_FILENO) != 0), input(STDIN_FILENO) {}
+
+void Terminal::askElsewhere() {
+    ownTerminal = Descriptor(::open("/dev/tty", O_RDONLY | O_CLOEXEC));
+    input = ownTerminal.get();
+}
 
 std::string Terminal::shown(std::string_view bytes) const {
     return outputIsForPeople ? display::visible(bytes) : std::string(bytes);
@@ -86,12 +92,12 @@ std::string Terminal::shownInError(std::string_view bytes) const {
     return errorIsForPeople ? display::visible(bytes) : std::string(bytes);
 }
 
-bool Terminal::canAsk() const { return errorIsForPeople && ::isatty(STDIN_FILENO) != 0; }
+bool Terminal::canAsk() const { return errorIsForPeople && ::isatty(input) != 0; }
 
 std::optional<std::string> Terminal::ask(std::string_view question, int interruption) {
     clearProgress();
     writeToError(shownInError(question));
-    std::array<pollfd, 2> sources{{{STDIN_FILENO, POLLIN, 0}, {interruption, POLLIN, 0}}};
+    std::array<pollfd, 2> sources{{{input, POLLIN, 0}, {interruption, POLLIN, 0}}};
     while (::poll(sources.data(), sources.size(), -1) < 0 && errno == EINTR) {
     }
     if (sources[1].revents != 0) {
@@ -100,7 +106,7 @@ std::optional<std::string> Terminal::ask(std::string_view question, int interrup
     }
     // A terminal hands over a line at a time.
     std::array<char, 1024> buffer;
-    const ssize_t length = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+    const ssize_t length = ::read(input, buffer.data(), buffer.size());
     if (length <= 0)
         return std::nullopt;
     const std::string_view line(buffer.data(), static_cast<std::size_t>(length));

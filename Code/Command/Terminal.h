@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "ExitStatus.h"
 #include "OutputBuffer.h"
+#include "platform/files/Descriptor.h"
 
 #include <mutex>
 #include <optional>
@@ -36,7 +37,10 @@ class Terminal {
     /// One line to standard error, whatever it holds: control characters visible where people read it.
     void complain(std::string_view line);
 
-    /// Whether there is somebody to ask: standard input and standard error are a terminal.
+    /// Standard input is read for other things: from now on answers come from the terminal that the process
+    /// belongs to.
+    void askElsewhere();
+    /// Whether there is somebody to ask: the input of answers and standard error are a terminal.
     [[nodiscard]] bool canAsk() const;
     /// Shows a question on standard error, as `complain` would, and reads a line of the answer; absent at the
     /// end of the input, or when `interruption` becomes readable meanwhile.
@@ -54,6 +58,8 @@ class Terminal {
     OutputBuffer standardOutput;
     bool outputIsForPeople;
     bool errorIsForPeople;
+    int input;                 ///< of answers
+    Descriptor ownTerminal;    ///< where that is not standard input
     std::mutex writing;        ///< guards what follows, and whole lines
     std::string progressShown; ///< empty: none
 };

@@ -255,9 +255,9 @@ TEST_F(Catalogue, HoldsExpressionsThatKeepANameThatWouldGrowWithoutEnd) {
 
 TEST_F(Catalogue, MapsMenusToCategories) {
     using enum ActionCategory;
-    ActionList list({{"c", "C", move, newAction<Nothing>, {}},
-                     {"a", "A", replace, newAction<Nothing>, {}},
-                     {"b", "B", replace, newAction<Nothing>, {}}});
+    ActionList list({{"c", "C", {}, move, newAction<Nothing>, {}},
+                     {"a", "A", {}, replace, newAction<Nothing>, {}},
+                     {"b", "B", {}, replace, newAction<Nothing>, {}}});
     EXPECT_EQ(list.nameArray(), (std::vector<std::string>{"a", "b", "", "c"}));
     EXPECT_EQ(list.popUpMenuItems(), (std::vector<std::u16string>{u"A", u"B", u"", u"C"}));
     EXPECT_EQ(list.categoryPopUpMenuItems(), (std::vector<std::u16string>{u"Replace", u"Move"}));
@@ -329,7 +329,7 @@ TEST_F(Catalogue, MakesActionsOnTheMainThread) {
         madeElsewhere += std::this_thread::get_id() != mainThread;
         return std::make_unique<Nothing>();
     };
-    ActionList list({{"a", "A", ActionCategory::move, create, {}}});
+    ActionList list({{"a", "A", {}, ActionCategory::move, create, {}}});
     list.setRunLoop(&loop);
     int done = 0;
     std::vector<std::thread> workers;

@@ -34,6 +34,17 @@ enum class ActionCategory : std::uint8_t {
 inline constexpr std::size_t actionCategoryCount = 16;
 [[nodiscard]] std::string_view categoryLabel(ActionCategory category);
 
+/// Where an action puts its text.
+enum class Place { wholeName, start, end, position, beforeText, afterText };
+
+/// How recipes call an action: by a verb, together with a place where several share it.
+struct RecipeVerb {
+    std::string_view verb;
+    Place place = Place::wholeName;
+    char slash =
+        0; ///< the letter of its sed-like form, if it has one: pattern and replacement come first then
+};
+
 /// The file of an example, for actions that look at more than a name. Empty members do not matter.
 struct ExampleFile {
     std::string_view folder;   ///< the folder that the file is in, a path
@@ -56,6 +67,7 @@ struct ActionExample {
 struct ActionEntry {
     std::string_view name;  ///< its identity in stored lists and commands, which never changes
     std::string_view label; ///< its name in the menus
+    RecipeVerb recipe;
     ActionCategory category;
     std::unique_ptr<BaseRenameAction> (*create)(); ///< see newAction; use make()
     std::vector<ActionExample> examples;           ///< cases for the user, run as tests too

@@ -9,7 +9,9 @@
 
 namespace tavrin {
 
-BaseAction::BaseAction() { addParameter(checkboxParameter("active", "Active", 1).hidden()); }
+BaseAction::BaseAction() {
+    addParameter(checkboxParameter("active", "Active", 1).hidden().as(RecipeForm::off, "off"));
+}
 
 BaseAction::~BaseAction() = default;
 
@@ -51,7 +53,7 @@ void BaseAction::setDefault(std::string_view key, ParameterDefault whenNew) {
 void BaseAction::hideParameter(std::string_view key) {
     for (auto& row : rows)
         if (row.key == key)
-            row.isHidden = true;
+            row = row.hidden().as(RecipeForm::stored);
 }
 
 void BaseAction::refreshCaches() {
@@ -114,8 +116,12 @@ void BaseAction::setUndefinedValue(const std::optional<PropertyValue>& value, co
 
 PropertyValue BaseAction::validatedValue(const PropertyValue& value, std::string_view) const { return value; }
 
+PropertyDictionary BaseAction::presentForm(const PropertyDictionary& list) const {
+    return cleanUpPotentiallyOldParameterList(list);
+}
+
 void BaseAction::setParameterList(const PropertyDictionary& list) {
-    const auto cleaned = cleanUpPotentiallyOldParameterList(list);
+    const auto cleaned = presentForm(list);
     for (const auto& [key, value] : dic)
         willChangeValueForKey(key);
     for (const auto& [key, value] : cleaned)

@@ -40,6 +40,8 @@ class BaseAction {
     /// Merges the list, old key forms brought to their present one. Keys that are missing keep their value,
     /// unknown ones are kept too.
     virtual void setParameterList(const PropertyDictionary& list);
+    /// A stored list in today's form, old keys beside their present ones.
+    [[nodiscard]] virtual PropertyDictionary presentForm(const PropertyDictionary& list) const;
 
     /// Empty for an absent key; a number in decimal.
     [[nodiscard]] std::u16string getParamString(std::string_view key) const;

@@ -9,10 +9,10 @@ namespace tavrin {
 namespace {
 
 constexpr std::array<ParameterChoice, 4> fragmentChoices{{
-    {1, "Name without extension"},
-    {0, "Whole name"},
-    {2, "Extension without dot"},
-    {3, "Extension with dot"},
+    {1, "Name without extension", "name"},
+    {0, "Whole name", "whole"},
+    {2, "Extension without dot", "ext"},
+    {3, "Extension with dot", ".ext"},
 }};
 
 } // namespace
@@ -21,8 +21,9 @@ std::string InputContext::inputPath() const { return fileMo ? fileMo->fullPath()
 
 BaseRenameAction::BaseRenameAction() {
     // It has a selector of its own.
-    addParameter(choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1).hidden(),
-                 paramFragmentSelectionMode);
+    addParameter(
+        choiceParameter("fragmentSelection", "Apply to", fragmentChoices, 1).hidden().as(RecipeForm::part),
+        paramFragmentSelectionMode);
 }
 
 void BaseRenameAction::introduce(std::string_view name, std::u16string_view explanation) {

@@ -7,20 +7,31 @@ namespace tavrin {
 
 namespace {
 
-constexpr std::array<ParameterChoice, 12> occurrences{{
-    {0, "First"},
-    {1, "Second"},
-    {2, "Third"},
-    {3, "Fourth"},
-    {4, "Fifth"},
-    {5, "Sixth"},
-    {6, "Last"},
-    {7, "Second to last"},
-    {8, "Third to last"},
-    {9, "Fourth to last"},
-    {10, "Fifth to last"},
-    {11, "Sixth to last"},
+constexpr std::array<ParameterChoice, 13> everyAndOccurrences{{
+    {0, "All", "every"},
+    {1, "First", "1st"},
+    {2, "Second", "2nd"},
+    {3, "Third", "3rd"},
+    {4, "Fourth", "4th"},
+    {5, "Fifth", "5th"},
+    {6, "Sixth", "6th"},
+    {7, "Last", "last"},
+    {8, "Second to last", "2nd-last"},
+    {9, "Third to last", "3rd-last"},
+    {10, "Fourth to last", "4th-last"},
+    {11, "Fifth to last", "5th-last"},
+    {12, "Sixth to last", "6th-last"},
 }};
+
+/// The same without "All", counted from 0.
+constexpr auto occurrences = [] {
+    std::array<ParameterChoice, everyAndOccurrences.size() - 1> choices{};
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        choices[i] = everyAndOccurrences[i + 1];
+        --choices[i].value;
+    }
+    return choices;
+}();
 
 constexpr std::array<ParameterChoice, 2> positionModes{{{0, "from the start"}, {1, "from the end"}}};
 
@@ -113,7 +124,40 @@ ParameterDescription ParameterDescription::between(std::int32_t least, std::int3
     return copy;
 }
 
+ParameterDescription ParameterDescription::as(RecipeForm recipeForm, std::string_view recipeWord) const {
+    ParameterDescription copy = *this;
+    copy.form = recipeForm;
+    copy.word = recipeWord;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::orLeftOut() const {
+    ParameterDescription copy = *this;
+    copy.mayBeLeftOut = true;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::behind(std::string_view phraseWord) const {
+    ParameterDescription copy = *this;
+    copy.scope = phraseWord;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::signedBy(std::string_view otherKey) const {
+    ParameterDescription copy = *this;
+    copy.signKey = otherKey;
+    return copy;
+}
+
+ParameterDescription ParameterDescription::sidedBy(std::string_view otherKey) const {
+    ParameterDescription copy = *this;
+    copy.sideKey = otherKey;
+    return copy;
+}
+
 std::span<const ParameterChoice> occurrenceChoices() { return occurrences; }
+
+std::span<const ParameterChoice> replacementModeChoices() { return everyAndOccurrences; }
 
 std::span<const ParameterChoice> positionModeChoices() { return positionModes; }
 

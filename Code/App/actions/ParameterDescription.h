@@ -34,6 +34,20 @@ enum class PanelSection : std::uint8_t {
 struct ParameterChoice {
     std::int32_t value;
     std::string_view label;
+    std::string_view word = {}; ///< in recipes
+};
+
+/// How the text of a recipe tells a parameter. Its canonical form has them in this order.
+enum class RecipeForm : std::uint8_t {
+    stored, ///< by its key alone, or by what the word of another parameter implies
+    first,  ///< a text or number directly behind the verb
+    date, ///< three of them (date, time, what is between) are one text behind the verb, which may be left out
+    alone,  ///< the word of a choice; of two values, the word stands for the one that a new step has not
+    phrase, ///< the value behind the word
+    part,   ///< which part of the name, the word of a choice
+    option, ///< word=value
+    mark,   ///< like `alone`, of less weight
+    off,    ///< the same, at the end of a step
 };
 
 /// A number or a text; tells the type of the parameter too.
@@ -60,6 +74,12 @@ struct ParameterDescription {
     std::string_view head = {};      ///< a heading above the row
     std::int32_t shownOffset = 0;    ///< added to a number wherever it is shown
     bool isHidden = false;           ///< kept in stored lists, but not to be chosen in a panel
+    RecipeForm form = RecipeForm::stored;
+    std::string_view word = {};    ///< as the form has it; choices have words of their own
+    bool mayBeLeftOut = false;     ///< of the forms `first` and `phrase`; others always may
+    std::string_view scope = {};   ///< `alone` behind the phrase of this word
+    std::string_view signKey = {}; ///< the choice (0: plus, 1: minus) that the sign of this number tells
+    std::string_view sideKey = {}; ///< the choice whose word stands between the phrase's word and its text
 
     /// A copy with that condition.
     [[nodiscard]] ParameterDescription shownWhen(std::string_view otherKey, std::int32_t value) const;
@@ -71,6 +91,25 @@ struct ParameterDescription {
     [[nodiscard]] ParameterDescription hidden() const;
     /// A copy for numbers that make sense from `least` to `most`: a help for whoever edits, no check.
     [[nodiscard]] ParameterDescription between(std::int32_t least, std::int32_t most) const;
+    // For recipes.
+    [[nodiscard]] ParameterDescription as(RecipeForm recipeForm, std::string_view recipeWord = {}) const;
+    [[nodiscard]] ParameterDescription first() const { return as(RecipeForm::first); }
+    [[nodiscard]] ParameterDescription alone(std::string_view recipeWord = {}) const {
+        return as(RecipeForm::alone, recipeWord);
+    }
+    [[nodiscard]] ParameterDescription mark(std::string_view recipeWord) const {
+        return as(RecipeForm::mark, recipeWord);
+    }
+    [[nodiscard]] ParameterDescription option(std::string_view recipeWord) const {
+        return as(RecipeForm::option, recipeWord);
+    }
+    [[nodiscard]] ParameterDescription phrase(std::string_view recipeWord) const {
+        return as(RecipeForm::phrase, recipeWord);
+    }
+    [[nodiscard]] ParameterDescription orLeftOut() const;
+    [[nodiscard]] ParameterDescription behind(std::string_view phraseWord) const;
+    [[nodiscard]] ParameterDescription signedBy(std::string_view otherKey) const;
+    [[nodiscard]] ParameterDescription sidedBy(std::string_view otherKey) const;
     [[nodiscard]] bool isText() const { return std::holds_alternative<std::u16string_view>(whenNew); }
 };
 
@@ -95,5 +134,7 @@ struct ParameterDescription {
 /// Choices that many actions share.
 [[nodiscard]] std::span<const ParameterChoice> occurrenceChoices(); ///< first to sixth, last to sixth to last
 [[nodiscard]] std::span<const ParameterChoice> positionModeChoices(); ///< from the start, from the end
+/// All occurrences (0), or one: first to sixth from 1 on, last to sixth to last from 7 on.
+[[nodiscard]] std::span<const ParameterChoice> replacementModeChoices();
 
 } // namespace tavrin

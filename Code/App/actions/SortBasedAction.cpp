@@ -10,20 +10,20 @@ namespace tavrin {
 namespace {
 
 constexpr std::array<ParameterChoice, 14> sortingModes{{
-    {0, "By name (from A to Z)"},
-    {1, "By name (from Z to A)"},
-    {2, "By modification date (from oldest to newest)"},
-    {3, "By modification date (from newest to oldest)"},
-    {4, "By creation date (from oldest to newest)"},
-    {5, "By creation date (from newest to oldest)"},
-    {6, "By size (from smallest to largest, for files only)"},
-    {7, "By size (from largest to smallest, for files only)"},
-    {8, "By EXIF digital camera date (from oldest to newest)"},
-    {9, "By EXIF digital camera date (from newest to oldest)"},
-    {10, "By name and sequence number (from A to Z)"},
-    {11, "By name and sequence number (from Z to A)"},
-    {12, "At random"},
-    {13, "Using manual order (drag & drop items to re-arrange them)"},
+    {0, "By name (from A to Z)", "name"},
+    {1, "By name (from Z to A)", "-name"},
+    {2, "By modification date (from oldest to newest)", "modified"},
+    {3, "By modification date (from newest to oldest)", "-modified"},
+    {4, "By creation date (from oldest to newest)", "created"},
+    {5, "By creation date (from newest to oldest)", "-created"},
+    {6, "By size (from smallest to largest, for files only)", "size"},
+    {7, "By size (from largest to smallest, for files only)", "-size"},
+    {8, "By EXIF digital camera date (from oldest to newest)", "taken"},
+    {9, "By EXIF digital camera date (from newest to oldest)", "-taken"},
+    {10, "By name and sequence number (from A to Z)", "natural"},
+    {11, "By name and sequence number (from Z to A)", "-natural"},
+    {12, "At random", "random"},
+    {13, "Using manual order (drag & drop items to re-arrange them)", "manual"},
 }};
 
 // A manual order leaves no ties.
@@ -36,14 +36,17 @@ std::span<const ParameterChoice> sortingModeChoices() { return sortingModes; }
 SortBasedAction::SortBasedAction() {
     addParameter(choiceParameter("sortingMode", "First", sortingModes, smartNameSorting)
                      .in(PanelSection::order)
-                     .under("Order"),
+                     .under("Order")
+                     .option("order"),
                  paramSortingOrder);
     addParameter(choiceParameter("sortingMode2", "Then", secondSortingModes, 0)
                      .in(PanelSection::order)
-                     .offWhen("sortingMode", manualSorting),
+                     .offWhen("sortingMode", manualSorting)
+                     .option("then"),
                  paramSortingOrder2);
     addParameter(checkboxParameter("sortEachFolderSeparately", "Start again in each folder", 0)
-                     .in(PanelSection::order),
+                     .in(PanelSection::order)
+                     .mark("per-folder"),
                  paramSortEachFolderSeparately);
 }
 

@@ -47,13 +47,20 @@ void TextPlacement::addParametersTo(BaseAction& action, std::string_view modeKey
                                     std::string_view ignoreCaseKey) {
     constexpr auto part = PanelSection::placement;
     if (place == Place::position) {
-        action.addParameter(numberParameter("position", "At", 0).between(0, 9999).in(part), position);
+        action.addParameter(
+            numberParameter("position", "At", 0).between(0, 9999).in(part).phrase("at").signedBy(modeKey),
+            position);
         action.addParameter(choiceParameter(modeKey, "Counted", positionModeChoices(), 0).beside("position"),
                             mode);
     } else if (isBesideText()) {
-        action.addParameter(textParameter("searchTerm", "Text to find").in(part), searchTerm);
-        action.addParameter(choiceParameter(modeKey, "Which one", occurrenceChoices(), 0).in(part), mode);
-        action.addParameter(checkboxParameter(ignoreCaseKey, "Ignore case", 1).in(part), ignoreCase);
+        const auto word = place == Place::beforeText ? "before" : "after";
+        action.addParameter(textParameter("searchTerm", "Text to find").in(part).phrase(word), searchTerm);
+        action.addParameter(
+            choiceParameter(modeKey, "Which one", occurrenceChoices(), 0).in(part).alone().behind(word),
+            mode);
+        action.addParameter(
+            checkboxParameter(ignoreCaseKey, "Ignore case", 1).in(part).alone("case").behind(word),
+            ignoreCase);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actions/ActionFamilies.h"
 #include "actions/BaseAction.h"
 #include "support/text/TextSearch.h"
 
@@ -19,9 +20,6 @@ namespace tavrin {
 /// front, 6 and above the last, the second to last and so on. Matches never overlap.
 [[nodiscard]] std::int32_t findInsertionPointIn(std::u16string_view name, const TextSearch& search,
                                                 std::int32_t mode);
-
-/// Where an action puts its text.
-enum class Place { wholeName, start, end, position, beforeText, afterText };
 
 /// Puts a text into a name, for all families of actions that do so: a part of the action, which tells it the
 /// place, with the parameters that the place needs. Positions count UTF-16 code units.

@@ -38,7 +38,7 @@ inline void appendLowercasedUnit(char16_t unit, std::u16string& result) {
 }
 
 ParameterDescription forceToLowercase() {
-    return checkboxParameter("forceToLowercase", "Make the other letters small", 1);
+    return checkboxParameter("forceToLowercase", "Make the other letters small", 1).mark("keep-capitals");
 }
 
 /// Capitalizes the very first code unit, whatever it is.
@@ -67,9 +67,9 @@ class SentenceCaseAction final : public BaseRenameAction {
 enum class MatchingMode : std::int32_t { blanks = 0, blanksAndPunctuation = 1, anythingButLetters = 2 };
 
 constexpr std::array<ParameterChoice, 3> matchingModes{{
-    {0, "blanks"},
-    {1, "blanks and punctuation"},
-    {2, "anything but letters"},
+    {0, "blanks", "blanks"},
+    {1, "blanks and punctuation", "punctuation"},
+    {2, "anything but letters", "non-letters"},
 }};
 
 enum class UnitKind : std::uint8_t {
@@ -83,8 +83,9 @@ enum class UnitKind : std::uint8_t {
 class ProperCaseAction final : public BaseRenameAction {
   public:
     ProperCaseAction() {
-        addParameter(choiceParameter("matchingMode", "A word begins after", matchingModes, 0),
-                     paramMatchingMode);
+        addParameter(
+            choiceParameter("matchingMode", "A word begins after", matchingModes, 0).option("breaks"),
+            paramMatchingMode);
         addParameter(forceToLowercase(), paramForceToLowerCase);
     }
 
@@ -164,27 +165,32 @@ std::vector<ActionEntry> caseActions() {
     return {
         {"Make lowercase",
          "Make lowercase",
+         {"lower"},
          category,
          newAction<PlainAction<appendLowercase>>,
          {{{{"fragmentSelection", 0}}, u"IMG_4021.JPG", u"img_4021.jpg"}}},
         {"Make uppercase",
          "Make uppercase",
+         {"upper"},
          category,
          newAction<PlainAction<appendUppercase>>,
          {{{}, u"straße.txt", u"STRASSE.txt"}}},
         {"Fold String",
          "Remove accents",
+         {"unaccent"},
          category,
          newAction<PlainAction<appendWithoutAccents>>,
          {{{}, u"Crème Brûlée.txt", u"Creme Brulee.txt"}},
          u"Removes accents and other marks from letters."},
         {"Make sentencecase",
          "Sentence case",
+         {"sentence"},
          category,
          newAction<SentenceCaseAction>,
          {{{}, u"HELLO WORLD.txt", u"Hello world.txt"}}},
         {"Make propercase",
          "Title case",
+         {"title"},
          category,
          newAction<ProperCaseAction>,
          {{{}, u"it's a 2nd try.txt", u"It's A 2nd Try.txt"},

@@ -32,7 +32,8 @@ inline LetterCase letterCase(std::u16string_view sequence) {
 class ExpandCamelCaseAction final : public BaseRenameAction {
   public:
     ExpandCamelCaseAction() {
-        addParameter(characterParameter("separator", "Put between", u" "), paramSeparator);
+        addParameter(characterParameter("separator", "Put between", u" ").first().orLeftOut(),
+                     paramSeparator);
     }
 
   protected:
@@ -63,6 +64,7 @@ std::vector<ActionEntry> camelCaseActions() {
     return {
         {"Expand camel case",
          "Split CamelCase",
+         {"split-camel"},
          ActionCategory::letterCase,
          newAction<ExpandCamelCaseAction>,
          {{{}, u"myHolidayPhoto.jpg", u"my Holiday Photo.jpg"}, {{}, u"fooBAR", u"foo B A R"}}},

@@ -28,7 +28,9 @@ class KeepOnlySpecificCharactersAction final : public BaseRenameAction {
   public:
     KeepOnlySpecificCharactersAction() {
         addParameter(textParameter("string", "Keep",
-                                   u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-&+"),
+                                   u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-&+")
+                         .first()
+                         .orLeftOut(),
                      paramString);
     }
     [[nodiscard]] std::span<const std::string_view> patternMenu() const override { return patternTitles; }
@@ -108,18 +110,21 @@ std::vector<ActionEntry> characterSetActions() {
     return {
         {"Remove vowels",
          "Remove vowels",
+         {"remove-vowels"},
          category,
          newAction<PlainAction<appendWithoutVowels>>,
          {{{}, u"Yellow Submarine.mp3", u"llw Sbmrn.mp3"}},
          u"Removes a, e, i, o, u and y."},
         {"Remove trailing spaces",
          "Remove trailing spaces",
+         {"trim", Place::end},
          category,
          newAction<PlainAction<appendWithoutTrailingSpaces>>,
          {{{}, u"letter  .txt", u"letter.txt"}},
          u"Removes blanks at the end of the name."},
         {"Keep only specific characters",
          "Keep only some characters",
+         {"keep"},
          category,
          newAction<KeepOnlySpecificCharactersAction>,
          {{{}, u"my photo (2)!.jpg", u"myphoto2.jpg"},

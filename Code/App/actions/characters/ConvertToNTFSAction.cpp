@@ -28,7 +28,9 @@ class ConvertToNTFSAction final : public BaseRenameAction {
   public:
     ConvertToNTFSAction() {
         setDefault("fragmentSelection", 0);
-        addParameter(characterParameter("fillerCharacter", "Replace forbidden characters by", u"_"));
+        addParameter(characterParameter("fillerCharacter", "Replace forbidden characters by", u"_")
+                         .first()
+                         .orLeftOut());
         for (char16_t control = 1; control < u' '; ++control)
             illegalCharacters += control;
         for (const char16_t unit : illegalCharacters)
@@ -132,6 +134,7 @@ std::vector<ActionEntry> convertToNTFSActions() {
     return {
         {"Convert to NTFS",
          "Windows-safe names",
+         {"windows"},
          ActionCategory::lengthAndSystems,
          newAction<ConvertToNTFSAction>,
          {{{}, u"Why? Part 1: begin.txt", u"Why_ Part 1_ begin.txt"},

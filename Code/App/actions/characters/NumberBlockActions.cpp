@@ -19,7 +19,7 @@ std::span<const ParameterChoice> removableBlocks() {
     static const auto choices = [] {
         std::array<ParameterChoice, allDigits + 1> all{};
         std::ranges::copy(occurrenceChoices(), all.begin());
-        all.back() = {allDigits, "All digits"};
+        all.back() = {allDigits, "All digits", "every"};
         return all;
     }();
     return choices;
@@ -48,7 +48,8 @@ std::optional<TextRange> findBlock(std::u16string_view text, std::int64_t mode) 
 class RemoveNumbersAction final : public BaseRenameAction {
   public:
     RemoveNumbersAction() {
-        addParameter(choiceParameter("blockMode", "Which number", removableBlocks(), 6), paramBlockMode);
+        addParameter(choiceParameter("blockMode", "Which number", removableBlocks(), 6).alone(),
+                     paramBlockMode);
     }
 
   protected:
@@ -84,10 +85,16 @@ constexpr std::array<ParameterChoice, 2> operations{{{0, "Add"}, {1, "Subtract"}
 class ChangeNumbersAction final : public BaseRenameAction {
   public:
     ChangeNumbersAction() {
-        addParameter(choiceParameter("blockMode", "Which number", occurrenceChoices(), 6), paramBlockMode);
+        addParameter(choiceParameter("blockMode", "Which number", occurrenceChoices(), 6).alone(),
+                     paramBlockMode);
         addParameter(choiceParameter("operationMode", "Change", operations, 0), paramOperationMode);
-        addParameter(numberParameter("operand", "By", 0).beside("operationMode"), paramOperand);
-        addParameter(numberParameter("padding", "Digits", 1).between(0, 20), paramPadding);
+        addParameter(numberParameter("operand", "By", 0)
+                         .beside("operationMode")
+                         .first()
+                         .orLeftOut()
+                         .signedBy("operationMode"),
+                     paramOperand);
+        addParameter(numberParameter("padding", "Digits", 1).between(0, 20).option("digits"), paramPadding);
     }
 
   protected:
@@ -123,12 +130,14 @@ std::vector<ActionEntry> numberBlockActions() {
     return {
         {"Remove numbers",
          "Remove digits",
+         {"remove-digits"},
          ActionCategory::remove,
          newAction<RemoveNumbersAction>,
          {{{}, u"trip2 photo 0042.jpg", u"trip2 photo .jpg"},
           {{{"blockMode", 12}}, u"a1b22c.txt", u"abc.txt"}}},
         {"Change numbers",
          "Change a number",
+         {"renumber"},
          ActionCategory::number,
          newAction<ChangeNumbersAction>,
          {{{{"operand", 100}, {"padding", 4}}, u"IMG_0042.jpg", u"IMG_0142.jpg"},

@@ -11,9 +11,10 @@ namespace {
 class TruncateAction : public BaseRenameAction {
   public:
     TruncateAction() {
-        addParameter(numberParameter("numberOfCharacters", "To characters", 8).between(1, 255),
-                     paramNumberOfCharacters);
-        addParameter(checkboxParameter("smart", "Keep the extension", 0), paramSmart);
+        addParameter(
+            numberParameter("numberOfCharacters", "To characters", 8).between(1, 255).first().orLeftOut(),
+            paramNumberOfCharacters);
+        addParameter(checkboxParameter("smart", "Keep the extension", 0).mark("keep-ext"), paramSmart);
     }
 
   protected:
@@ -68,18 +69,21 @@ std::vector<ActionEntry> truncateActions() {
     return {
         {"Truncate",
          "Shorten",
+         {"shorten"},
          category,
          newAction<TruncateAction>,
          {{{{"numberOfCharacters", 7}}, u"holiday photos.jpeg", u"holiday.jpeg"},
           {{{"smart", 1}, {"fragmentSelection", 0}}, u"longname.txt", u"long.txt"}}},
         {"Truncate to DOS",
          "8.3 names",
+         {"dos"},
          category,
          newAction<PlainAction<appendTruncatedToDOS>>,
          {{{{"fragmentSelection", 0}}, u"longfilename.jpeg", u"longfile.jpe"}},
          u"Shortens names to 8 characters, a dot and 3 characters."},
         {"Convert to Mac OS 9",
          "Old Mac names, 31 characters",
+         {"mac"},
          category,
          newAction<ConvertToMacOS9Action>,
          {{{}, u"minutes of the meeting in spring.txt", u"minutes of the meeting in s.txt"}},

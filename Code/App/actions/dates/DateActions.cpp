@@ -9,13 +9,16 @@ namespace tavrin {
 
 namespace {
 
-constexpr ParameterChoice modeChoices[]{{0, "Created"}, {1, "Modified"}, {2, "Taken (EXIF)"}, {3, "Now"}};
+constexpr ParameterChoice modeChoices[]{
+    {0, "Created", "created"}, {1, "Modified", "modified"}, {2, "Taken (EXIF)", "taken"}, {3, "Now", "now"}};
 
 constexpr ParameterChoice separatorChoices[]{
-    {0, "Date first, blank between"}, {1, "Date first, nothing between"}, {2, "Date first, - between"},
-    {3, "Date first, _ between"},     {4, "Date first, / between"},       {5, "Date first, . between"},
-    {6, "Time first, blank between"}, {7, "Time first, nothing between"}, {8, "Time first, - between"},
-    {9, "Time first, _ between"},     {10, "Time first, / between"},      {11, "Time first, . between"},
+    {0, "Date first, blank between", " "}, {1, "Date first, nothing between", ""},
+    {2, "Date first, - between", "-"},     {3, "Date first, _ between", "_"},
+    {4, "Date first, / between", "/"},     {5, "Date first, . between", "."},
+    {6, "Time first, blank between", " "}, {7, "Time first, nothing between", ""},
+    {8, "Time first, - between", "-"},     {9, "Time first, _ between", "_"},
+    {10, "Time first, / between", "/"},    {11, "Time first, . between", "."},
 };
 
 void translate(PropertyDictionary& list, const std::string& key, const std::string& from,
@@ -30,30 +33,34 @@ class RenameToDateAction final : public BaseRenameAction {
   public:
     explicit RenameToDateAction(Place place) : placement(place) {
         const auto& formatter = DateFormatter::instance();
-        addParameter(choiceParameter("mode", "Date", modeChoices, 0), paramMode);
-        addParameter(choiceParameter("datePatternIndex", "Date as", formatter.dateChoices(), 1),
-                     paramDatePatternIndex);
-        addParameter(choiceParameter("timePatternIndex", "Time as", formatter.timeChoices(), 1),
-                     paramTimePatternIndex);
-        addParameter(choiceParameter("separatorMode", "Order", separatorChoices, 0), paramSeparatorMode);
-        addParameter(checkboxParameter("uppercaseAmPm", "AM/PM in capitals", 1), paramUppercase);
+        addParameter(choiceParameter("mode", "Date", modeChoices, 0).alone(), paramMode);
+        addParameter(
+            choiceParameter("datePatternIndex", "Date as", formatter.dateChoices(), 1).as(RecipeForm::date),
+            paramDatePatternIndex);
+        addParameter(
+            choiceParameter("timePatternIndex", "Time as", formatter.timeChoices(), 1).as(RecipeForm::date),
+            paramTimePatternIndex);
+        addParameter(choiceParameter("separatorMode", "Order", separatorChoices, 0).as(RecipeForm::date),
+                     paramSeparatorMode);
+        addParameter(checkboxParameter("uppercaseAmPm", "AM/PM in capitals", 1).mark("small-am"),
+                     paramUppercase);
         addParameter(numberParameter("version", "Version of the patterns", 1).between(1, 1).hidden());
         if (place == Place::start)
-            addParameter(checkboxParameter("trailingSpace", "Space between", 1), paramSpace);
+            addParameter(checkboxParameter("trailingSpace", "Space between", 1).mark("no-space"), paramSpace);
         if (place == Place::end)
-            addParameter(checkboxParameter("leadingSpace", "Space between", 1), paramSpace);
+            addParameter(checkboxParameter("leadingSpace", "Space between", 1).mark("no-space"), paramSpace);
         placement.addParametersTo(*this, "mode2");
     }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
     /// A list without "version" has the indexes of older tables of patterns, which are brought to those of
     /// today. Values set by key are taken as they are.
-    void setParameterList(const PropertyDictionary& list) override {
+    [[nodiscard]] PropertyDictionary presentForm(const PropertyDictionary& list) const override {
         auto present = cleanUpPotentiallyOldParameterList(list);
         if (!present.contains("version")) {
             translate(present, "datePatternIndex", "datePatterns0", "datePatterns");
             translate(present, "timePatternIndex", "timePatterns0", "timePatterns");
         }
-        BaseRenameAction::setParameterList(present);
+        return present;
     }
 
   protected:
@@ -126,6 +133,7 @@ std::vector<ActionEntry> dateActions() {
     return {
         {"Rename to date",
          "Date as new name",
+         {"date"},
          category,
          newAction<RenameToDateAction, Place::wholeName>,
          {{{{"mode", 2}}, u"DSC_0042.jpg", u"2024-06-14 07-31-05.jpg", taken},
@@ -135,16 +143,19 @@ std::vector<ActionEntry> dateActions() {
            changed}}},
         {"Add date to front",
          "Add date to start",
+         {"date", Place::start},
          category,
          newAction<RenameToDateAction, Place::start>,
          {{{{"mode", 1}, {"timePatternIndex", 0}}, u"plan.txt", u"2024-06-14 plan.txt", changed}}},
         {"Add date to end",
          "Add date to end",
+         {"date", Place::end},
          category,
          newAction<RenameToDateAction, Place::end>,
          {{{{"mode", 1}, {"timePatternIndex", 0}}, u"plan.txt", u"plan 2024-06-14.txt", changed}}},
         {"Add date at position",
          "Insert date at position",
+         {"date", Place::position},
          category,
          newAction<RenameToDateAction, Place::position>,
          {{{{"mode", 1}, {"datePatternIndex", 2}, {"timePatternIndex", 0}, {"position", 4}},
@@ -153,6 +164,7 @@ std::vector<ActionEntry> dateActions() {
            changed}}},
         {"Add date in front of existing text",
          "Insert date before text",
+         {"date", Place::beforeText},
          category,
          newAction<RenameToDateAction, Place::beforeText>,
          {{{{"mode", 1}, {"timePatternIndex", 0}, {"searchTerm", u" plan"}},
@@ -161,6 +173,7 @@ std::vector<ActionEntry> dateActions() {
            changed}}},
         {"Add date after existing text",
          "Insert date after text",
+         {"date", Place::afterText},
          category,
          newAction<RenameToDateAction, Place::afterText>,
          {{{{"mode", 1}, {"timePatternIndex", 0}, {"searchTerm", u"the "}},

@@ -17,6 +17,18 @@ namespace {
 constexpr std::u16string_view separators[]{u" ", u"", u"-", u"_", u"/", u"."};
 constexpr std::int32_t separatorCount = std::size(separators);
 
+/// A day is written "DD" with and without a zero in front: no pattern differs in that alone.
+struct FieldWord {
+    char16_t letter;
+    std::string_view word, shortWord;
+};
+constexpr FieldWord fieldWords[]{
+    {u'Y', "YYYY", "YYYY"}, {u'y', "YY", "YY"},   {u'B', "MMMM", "MMMM"}, {u'b', "MMM", "MMM"},
+    {u'm', "MM", "M"},      {u'd', "DD", "DD"},   {u'e', "DD", "DD"},     {u'A', "dddd", "dddd"},
+    {u'a', "ddd", "ddd"},   {u'j', "DOY", "DOY"}, {u'H', "HH", "H"},      {u'I', "hh", "h"},
+    {u'M', "mm", "m"},      {u'S', "ss", "s"},    {u'F', "SSS", "SSS"},   {u'p', "A", "A"},
+};
+
 std::vector<std::u16string> readTexts(const std::string& name) {
     const auto list = PropertyList::read(resourcePath(name + ".plist"));
     std::vector<std::u16string> texts;
@@ -40,14 +52,30 @@ std::int32_t translateIndex(std::int32_t index, const std::string& fromPList, co
     return found == to.end() ? -1 : static_cast<std::int32_t>(found - to.begin());
 }
 
+std::string recipeWordOfDatePattern(std::u16string_view pattern) {
+    std::string word;
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        if (pattern[i] != u'%' || i + 1 == pattern.size()) {
+            word += text::toUtf8(pattern.substr(i, 1));
+            continue;
+        }
+        const bool isShort = pattern[i + 1] == u'1' && i + 2 < pattern.size();
+        i += isShort ? 2 : 1;
+        const auto field = std::ranges::find(fieldWords, pattern[i], &FieldWord::letter);
+        if (field != std::end(fieldWords))
+            word += isShort ? field->shortWord : field->word;
+    }
+    return word;
+}
+
 DateFormatter::Table::Table(const std::string& patterns, const std::string& menu,
                             const CalendarNames& names) {
     for (const auto& pattern : readTexts(patterns))
-        formats.emplace_back(pattern, names);
+        formats.emplace_back(pattern, names), words.push_back(recipeWordOfDatePattern(pattern));
     for (const auto& label : readTexts(menu))
         labels.push_back(text::toUtf8(label));
     for (std::size_t i = 0; i < std::min(formats.size(), labels.size()); ++i)
-        choices.push_back({static_cast<std::int32_t>(i), labels[i]});
+        choices.push_back({static_cast<std::int32_t>(i), labels[i], words[i]});
 }
 
 const CalendarFormat* DateFormatter::Table::at(std::int32_t index) const {

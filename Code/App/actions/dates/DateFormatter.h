@@ -17,6 +17,9 @@ namespace tavrin {
 [[nodiscard]] std::int32_t translateIndex(std::int32_t index, const std::string& fromPList,
                                           const std::string& toPList);
 
+/// A pattern as recipes have it: "YYYY-MM-DD" for "%Y-%m-%d".
+[[nodiscard]] std::string recipeWordOfDatePattern(std::u16string_view pattern);
+
 /// Dates as texts, by patterns that the user chooses from two tables of the resources. Read-only once made,
 /// so safe from any thread.
 class DateFormatter {
@@ -44,7 +47,8 @@ class DateFormatter {
     struct Table {
         std::vector<CalendarFormat> formats; ///< the first one stands for none
         std::vector<std::string> labels;
-        std::vector<ParameterChoice> choices; ///< with views into `labels`
+        std::vector<std::string> words;       ///< of recipes
+        std::vector<ParameterChoice> choices; ///< with views into both
 
         Table(const std::string& patterns, const std::string& menu, const CalendarNames& names);
         [[nodiscard]] const CalendarFormat* at(std::int32_t index) const;

@@ -12,8 +12,10 @@ namespace {
 class AddFolderNameAction final : public BaseRenameAction {
   public:
     explicit AddFolderNameAction(Place place) : placement(place) {
-        addParameter(checkboxParameter("leadingSpace", "Space in front", 0), paramLeadingSpace);
-        addParameter(checkboxParameter("trailingSpace", "Space behind", 0), paramTrailingSpace);
+        addParameter(checkboxParameter("leadingSpace", "Space in front", 0).mark("space-before"),
+                     paramLeadingSpace);
+        addParameter(checkboxParameter("trailingSpace", "Space behind", 0).mark("space-after"),
+                     paramTrailingSpace);
         placement.addParametersTo(*this);
     }
 
@@ -65,26 +67,31 @@ std::vector<ActionEntry> folderNameActions() {
     return {
         {"Add folder name to front",
          "Add folder name to start",
+         {"folder", Place::start},
          category,
          newAction<AddFolderNameAction, Place::start>,
          {{{{"trailingSpace", 1}}, u"a.jpg", u"Photos a.jpg", photos}}},
         {"Add folder name to end",
          "Add folder name to end",
+         {"folder", Place::end},
          category,
          newAction<AddFolderNameAction, Place::end>,
          {{{{"leadingSpace", 1}}, u"a.jpg", u"a Photos.jpg", photos}}},
         {"Insert folder name at position",
          "Insert folder name at position",
+         {"folder", Place::position},
          category,
          newAction<AddFolderNameAction, Place::position>,
          {{{{"position", 5}}, u"scan-7.pdf", u"scan-Taxes7.pdf", taxes}}},
         {"Insert folder name in front of existing text",
          "Insert folder name before text",
+         {"folder", Place::beforeText},
          category,
          newAction<AddFolderNameAction, Place::beforeText>,
          {{{{"searchTerm", u"-"}}, u"scan-7.pdf", u"scanTaxes-7.pdf", taxes}}},
         {"Insert folder name after existing text",
          "Insert folder name after text",
+         {"folder", Place::afterText},
          category,
          newAction<AddFolderNameAction, Place::afterText>,
          {{{{"searchTerm", u"-"}}, u"scan-7.pdf", u"scan-Taxes7.pdf", taxes}}},

@@ -65,11 +65,13 @@ class AddPathComponentsAction final : public BaseRenameAction {
 };
 
 void AddPathComponentsAction::addParametersOfChain() {
-    addParameter(numberParameter("levels", "Folders", 0).between(0, 98).shownMore(1), levels);
-    addParameter(choiceParameter("exceptionMode", "If there are fewer", exceptions, 0), exceptionMode);
-    addParameter(textParameter("prefix", "Text in front", u"_"), prefix);
-    addParameter(textParameter("pathSeparator", "Between", u"_"), pathSeparator);
-    addParameter(textParameter("suffix", "Text behind", u"_"), suffix);
+    addParameter(numberParameter("levels", "Folders", 0).between(0, 98).shownMore(1).option("levels"),
+                 levels);
+    addParameter(choiceParameter("exceptionMode", "If there are fewer", exceptions, 0).mark("exact"),
+                 exceptionMode);
+    addParameter(textParameter("prefix", "Text in front", u"_").option("prefix"), prefix);
+    addParameter(textParameter("pathSeparator", "Between", u"_").option("between"), pathSeparator);
+    addParameter(textParameter("suffix", "Text behind", u"_").option("suffix"), suffix);
 }
 
 std::optional<std::string_view> AddPathComponentsAction::foldersOf(std::string_view path) const {
@@ -136,26 +138,31 @@ std::vector<ActionEntry> pathComponentsActions() {
     return {
         {"Add path components to front",
          "Add folder path to start",
+         {"path", Place::start},
          category,
          newAction<AddPathComponentsAction, Place::start>,
          {{{{"levels", 1}}, u"a.jpg", u"me_Photos_a.jpg", photos}}},
         {"Add path components to end",
          "Add folder path to end",
+         {"path", Place::end},
          category,
          newAction<AddPathComponentsAction, Place::end>,
          {{{{"levels", 1}, {"pathSeparator", u"-"}}, u"a.jpg", u"a_me-Photos.jpg", photos}}},
         {"Insert path components at position",
          "Insert folder path at position",
+         {"path", Place::position},
          category,
          newAction<AddPathComponentsAction, Place::position>,
          {{{{"position", 4}, {"levels", 1}}, u"scan7.pdf", u"scan_me_Taxes_7.pdf", taxes}}},
         {"Insert path components in front of existing text",
          "Insert folder path before text",
+         {"path", Place::beforeText},
          category,
          newAction<AddPathComponentsAction, Place::beforeText>,
          {{{{"searchTerm", u"7"}}, u"scan7.pdf", u"scan_Taxes_7.pdf", taxes}}},
         {"Insert path components after existing text",
          "Insert folder path after text",
+         {"path", Place::afterText},
          category,
          newAction<AddPathComponentsAction, Place::afterText>,
          {{{{"searchTerm", u"Scan"}}, u"scan7.pdf", u"scan_Taxes_7.pdf", taxes}}},

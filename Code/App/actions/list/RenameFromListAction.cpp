@@ -25,11 +25,12 @@ std::string errorOnLine(int line) { return fmt::format("Error on line {}.", line
 } // namespace
 
 RenameFromListAction::RenameFromListAction() {
-    addParameter(ofKind(ParameterKind::file, textParameter("listFilePath", "List", noFile)),
+    addParameter(ofKind(ParameterKind::file, textParameter("listFilePath", "List", noFile).first()),
                  paramListFilePath);
     addParameter(ofKind(ParameterKind::status, textParameter("status", "Status", u"Nothing loaded."))
                      .beside("listFilePath"));
-    addParameter(checkboxParameter("ignoreCase", "Ignore case of current names", 1), paramIgnoreCase);
+    addParameter(checkboxParameter("ignoreCase", "Ignore case of current names", 1).alone("case"),
+                 paramIgnoreCase);
 }
 
 void RenameFromListAction::setParameterList(const PropertyDictionary& parameters) {
@@ -151,6 +152,7 @@ std::vector<ActionEntry> renameFromListActions() {
     return {
         {"Rename from list",
          "New names from a list",
+         {"list"},
          ActionCategory::listFile,
          newAction<RenameFromListAction>,
          {{{}, u"img_1.jpg", u"Harbour.jpg", pairs},

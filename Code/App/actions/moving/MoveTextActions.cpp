@@ -11,8 +11,8 @@ namespace {
 class MoveTextAction final : public BaseRenameAction {
   public:
     explicit MoveTextAction(Place place) : placement(place) {
-        addParameter(textParameter("text", "Text to move"), text);
-        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1), ignoreCase);
+        addParameter(textParameter("text", "Text to move").first(), text);
+        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1).alone("case"), ignoreCase);
         placement.addParametersTo(*this, "mode", "ignoreCaseOfInsertionStrategy");
     }
 
@@ -56,26 +56,31 @@ std::vector<ActionEntry> moveTextActions() {
     return {
         {"Move text to front",
          "Move text to start",
+         {"move", Place::start},
          category,
          newAction<MoveTextAction, Place::start>,
          {{{{"text", u"2024-"}}, u"report 2024-06.txt", u"2024-report 06.txt"}}},
         {"Move text to end",
          "Move text to end",
+         {"move", Place::end},
          category,
          newAction<MoveTextAction, Place::end>,
          {{{{"text", u"draft"}}, u"Draft plan.txt", u" planDraft.txt"}}},
         {"Move text to position",
          "Move text to position",
+         {"move", Place::position},
          category,
          newAction<MoveTextAction, Place::position>,
          {{{{"text", u"-b"}, {"position", 1}}, u"ac-b.txt", u"a-bc.txt"}}},
         {"Move text in front of existing text",
          "Move text before text",
+         {"move", Place::beforeText},
          category,
          newAction<MoveTextAction, Place::beforeText>,
          {{{{"text", u"2024 "}, {"searchTerm", u"plan"}}, u"the plan 2024 x.txt", u"the 2024 plan x.txt"}}},
         {"Move text after existing text",
          "Move text after text",
+         {"move", Place::afterText},
          category,
          newAction<MoveTextAction, Place::afterText>,
          {{{{"text", u"2024 "}, {"searchTerm", u"plan "}}, u"2024 plan x.txt", u"plan 2024 x.txt"}}},

@@ -18,9 +18,9 @@ class ExpressionAction : public BaseRenameAction {
 
   protected:
     explicit ExpressionAction(std::string_view labelOfReplacement) {
-        addParameter(textParameter("searchPattern", "Pattern"), paramSearchPattern);
-        addParameter(textParameter("replacementTerm", labelOfReplacement), paramReplacementTerm);
-        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1), paramIgnoreCase);
+        addParameter(textParameter("searchPattern", "Pattern").first(), paramSearchPattern);
+        addParameter(textParameter("replacementTerm", labelOfReplacement).first(), paramReplacementTerm);
+        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1).alone("case"), paramIgnoreCase);
     }
 
     void prepareParameters() override {
@@ -125,23 +125,29 @@ class RegExAction final : public ExpressionAction {
     std::u16string filled;
 };
 
-/// Replaces all matches in place; never gives an empty fragment.
+/// Replaces some or all matches in place; never gives an empty fragment.
 class RegExReplacementAction final : public ExpressionAction {
   public:
-    RegExReplacementAction() : ExpressionAction("Replace with") {}
+    RegExReplacementAction() : ExpressionAction("Replace with") {
+        addParameter(choiceParameter("replacementMode", "Occurrences", replacementModeChoices(), 0).alone(),
+                     paramReplacementMode);
+    }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic60"; }
 
   protected:
     void processName(std::u16string_view fragment, std::u16string& result) override {
         const auto start = result.size();
         const PrecomposedText composed(fragment);
-        if (!expression.replaceOccurrences(composed.view(), replacement, result)) {
+        if (!expression.replaceOccurrences(composed.view(), replacement, result, paramReplacementMode)) {
             logFailureIfAny();
             result += composed.view();
         }
         if (result.size() == start)
             result += fragment;
     }
+
+  private:
+    std::int32_t paramReplacementMode = 0;
 };
 
 } // namespace
@@ -151,6 +157,7 @@ std::vector<ActionEntry> regularExpressionActions() {
     return {
         {"Reg Ex Replacement",
          "Regular expression: replace matches",
+         {"regex", Place::wholeName, 's'},
          category,
          newAction<RegExReplacementAction>,
          {{{{"searchPattern", u"[ _]+"}, {"replacementTerm", u"-"}},
@@ -158,9 +165,13 @@ std::vector<ActionEntry> regularExpressionActions() {
            u"my-holiday-photo.jpg"},
           {{{"searchPattern", u"(\\d{4})(\\d\\d)"}, {"replacementTerm", u"$2.$1"}},
            u"scan 202406.pdf",
-           u"scan 06.2024.pdf"}}},
+           u"scan 06.2024.pdf"},
+          {{{"searchPattern", u"\\d+"}, {"replacementTerm", u"X"}, {"replacementMode", 7}},
+           u"12 of 34.pdf",
+           u"12 of X.pdf"}}},
         {"Reg Ex Substitution",
          "Regular expression: build new name",
+         {"match", Place::wholeName, 'm'},
          category,
          newAction<RegExAction>,
          {{{{"searchPattern", u"(\\d+)-(\\d+)"}, {"replacementTerm", u"$2_$1"}},

@@ -37,9 +37,9 @@ void uNumToAlpha(std::int64_t value, std::size_t width, std::u16string& letters)
 class AlphabeticalListBasedAction final : public SequenceAction {
   public:
     explicit AlphabeticalListBasedAction(Place place) : SequenceAction(place) {
-        addParameter(textParameter("startValue", "Start at", u"A"), paramStartValue);
-        addParameter(numberParameter("stepValue", "Step", 1), paramStepValue);
-        addParameter(numberParameter("padding", "Letters", 1).between(0, 20), paramPadding);
+        addParameter(textParameter("startValue", "Start at", u"A").option("from"), paramStartValue);
+        addParameter(numberParameter("stepValue", "Step", 1).option("step"), paramStepValue);
+        addParameter(numberParameter("padding", "Letters", 1).between(0, 20).option("width"), paramPadding);
         addPlacementParameters();
     }
     [[nodiscard]] std::vector<std::u16string> firstValues() const override {
@@ -97,31 +97,37 @@ std::vector<ActionEntry> alphabeticalSequenceActions() {
     return {
         {"Produce alphabetical list",
          "Letters as new name",
+         {"letters"},
          category,
          newAction<AlphabeticalListBasedAction, Place::wholeName>,
          {{{{"prefix", u"Appendix "}, {"startValue", u"C"}}, u"tables.pdf", u"Appendix C.pdf"}}},
         {"Add alphabetical sequence to start",
          "Add letters to start",
+         {"letters", Place::start},
          category,
          newAction<AlphabeticalListBasedAction, Place::start>,
          {{{{"padding", 2}}, u" plan.txt", u"AA plan.txt"}}},
         {"Add alphabetical sequence to end",
          "Add letters to end",
+         {"letters", Place::end},
          category,
          newAction<AlphabeticalListBasedAction, Place::end>,
          {{{{"startValue", u"BA"}}, u"plan-.txt", u"plan-BA.txt"}}},
         {"Insert alphabetical sequence at position",
          "Insert letters at position",
+         {"letters", Place::position},
          category,
          newAction<AlphabeticalListBasedAction, Place::position>,
          {{{{"position", 2}}, u"12 plan.txt", u"12A plan.txt"}}},
         {"Insert alphabetical sequence in front of existing text",
          "Insert letters before text",
+         {"letters", Place::beforeText},
          category,
          newAction<AlphabeticalListBasedAction, Place::beforeText>,
          {{{{"searchTerm", u" plan"}}, u"12 plan.txt", u"12A plan.txt"}}},
         {"Insert alphabetical sequence after existing text",
          "Insert letters after text",
+         {"letters", Place::afterText},
          category,
          newAction<AlphabeticalListBasedAction, Place::afterText>,
          {{{{"searchTerm", u"Plan"}}, u"plan 12.txt", u"planA 12.txt"}}},

@@ -7,8 +7,11 @@ namespace tavrin {
 void SequenceAction::addPlacementParameters(std::u16string_view prefix) {
     placement.addParametersTo(*this);
     if (placement.where() == Place::wholeName) {
-        addParameter(textParameter("prefix", "Text in front", prefix).in(PanelSection::front), paramPrefix);
-        addParameter(textParameter("suffix", "Text behind").in(PanelSection::behind), paramSuffix);
+        addParameter(
+            textParameter("prefix", "Text in front", prefix).in(PanelSection::front).option("prefix"),
+            paramPrefix);
+        addParameter(textParameter("suffix", "Text behind").in(PanelSection::behind).option("suffix"),
+                     paramSuffix);
     } else if (placement.where() == Place::position) {
         // Kept for stored lists, which have them.
         addParameter(textParameter("prefix", "Not used").hidden());

@@ -17,19 +17,24 @@ constexpr std::int32_t width = 1;
 constexpr std::int32_t height = 2;
 
 constexpr std::array<ParameterChoice, 3> dimensionChoices{
-    {{width, "Width"}, {height, "Height"}, {0, "Nothing"}}};
+    {{width, "Width", "width"}, {height, "Height", "height"}, {0, "Nothing", "none"}}};
 
 /// Puts the size of a picture in pixels into its name, in a form made of five parameters.
 class DimensionsAction final : public BaseRenameAction {
   public:
     explicit DimensionsAction(Place place) : placement(place) {
-        addParameter(textParameter("leadingCharacter", "Text in front", u"_"), paramLeadingCharacter);
-        addParameter(choiceParameter("firstDimensionChoice", "First", dimensionChoices, width),
-                     paramFirstDimensionChoice);
-        addParameter(textParameter("separationCharacter", "Between", u"x"), paramSeparationCharacter);
-        addParameter(choiceParameter("secondDimensionChoice", "Second", dimensionChoices, height),
-                     paramSecondDimensionChoice);
-        addParameter(textParameter("trailingCharacter", "Text behind"), paramTrailingCharacter);
+        addParameter(textParameter("leadingCharacter", "Text in front", u"_").option("prefix"),
+                     paramLeadingCharacter);
+        addParameter(
+            choiceParameter("firstDimensionChoice", "First", dimensionChoices, width).option("first"),
+            paramFirstDimensionChoice);
+        addParameter(textParameter("separationCharacter", "Between", u"x").option("between"),
+                     paramSeparationCharacter);
+        addParameter(
+            choiceParameter("secondDimensionChoice", "Second", dimensionChoices, height).option("second"),
+            paramSecondDimensionChoice);
+        addParameter(textParameter("trailingCharacter", "Text behind").option("suffix"),
+                     paramTrailingCharacter);
         placement.addParametersTo(*this);
     }
 
@@ -82,11 +87,13 @@ std::vector<ActionEntry> dimensionsActions() {
     return {
         {"Rename to dimensions",
          "Image size as new name",
+         {"size"},
          category,
          newAction<DimensionsAction, Place::wholeName>,
          {wholeName}},
         {"Add dimensions to start",
          "Add image size to start",
+         {"size", Place::start},
          category,
          newAction<DimensionsAction, Place::start>,
          {{{{"leadingCharacter", u""}, {"trailingCharacter", u" "}},
@@ -95,26 +102,31 @@ std::vector<ActionEntry> dimensionsActions() {
            picture}}},
         {"Add dimensions to end",
          "Add image size to end",
+         {"size", Place::end},
          category,
          newAction<DimensionsAction, Place::end>,
          {{{}, u"sunrise.jpg", u"sunrise_640x480.jpg", picture}}},
         {"Add dimensions at position",
          "Insert image size at position",
+         {"size", Place::position},
          category,
          newAction<DimensionsAction, Place::position>,
          {{{{"position", 3}}, u"IMG_4021.jpg", u"IMG_640x480_4021.jpg", picture}}},
         {"Add dimensions in front of existing text",
          "Insert image size before text",
+         {"size", Place::beforeText},
          category,
          newAction<DimensionsAction, Place::beforeText>,
          {{{{"searchTerm", u"_small"}}, u"sunrise_small.jpg", u"sunrise_640x480_small.jpg", picture}}},
         {"Add dimensions after existing text",
          "Insert image size after text",
+         {"size", Place::afterText},
          category,
          newAction<DimensionsAction, Place::afterText>,
          {{{{"searchTerm", u"img"}}, u"IMG_4021.jpg", u"IMG_640x480_4021.jpg", picture}}},
         {"Add dimensions",
          "Image size, older form",
+         {"size-older"},
          category,
          newAction<DimensionsAction, Place::wholeName>,
          {wholeName}},

@@ -54,7 +54,9 @@ class MP3Action final : public BaseRenameAction {
     explicit MP3Action(Place place) : placement(place) {
         for (std::size_t i = 0; i < patternCount; ++i)
             addParameter(textParameter(patternParameters[i].key, patternParameters[i].label,
-                                       patternParameters[i].whenNew),
+                                       patternParameters[i].whenNew)
+                             .first()
+                             .orLeftOut(),
                          paramPatterns[i]);
         placement.addParametersTo(*this);
     }
@@ -116,21 +118,25 @@ std::vector<ActionEntry> mp3Actions() {
     return {
         {"MP3 rename",
          "Music tags as new name",
+         {"music"},
          category,
          newAction<MP3Action, Place::wholeName>,
          {{{}, u"track03.mp3", u"Ann - Best - Blue Hour.mp3", song}}},
         {"Add MP3 to start",
          "Add music tags to start",
+         {"music", Place::start},
          category,
          newAction<MP3Action, Place::start>,
          {{{{"pattern", u"<0TrackNum> "}}, u"Blue Hour.mp3", u"03 Blue Hour.mp3", song}}},
         {"Add MP3 to end",
          "Add music tags to end",
+         {"music", Place::end},
          category,
          newAction<MP3Action, Place::end>,
          {{{{"pattern", u" (<Artist>)"}}, u"Blue Hour.mp3", u"Blue Hour (Ann).mp3", song}}},
         {"Add MP3 at position",
          "Insert music tags at position",
+         {"music", Place::position},
          category,
          newAction<MP3Action, Place::position>,
          {{{{"pattern", u" of <NumTracks>"}, {"position", 2}},
@@ -139,6 +145,7 @@ std::vector<ActionEntry> mp3Actions() {
            song}}},
         {"Add MP3 in front of existing text",
          "Insert music tags before text",
+         {"music", Place::beforeText},
          category,
          newAction<MP3Action, Place::beforeText>,
          {{{{"pattern", u"<Artist> - "}, {"searchTerm", u"blue"}},
@@ -147,6 +154,7 @@ std::vector<ActionEntry> mp3Actions() {
            song}}},
         {"Add MP3 to end of existing text",
          "Insert music tags after text",
+         {"music", Place::afterText},
          category,
          newAction<MP3Action, Place::afterText>,
          {{{{"pattern", u" (<Year>)"}, {"searchTerm", u"hour"}},

@@ -27,7 +27,9 @@ TagText resolved(const TagPattern& pattern, const InputContext& input, OutputCon
 class TagBasedAction final : public BaseRenameAction {
   public:
     explicit TagBasedAction(Place place) : placement(place) {
-        addParameter(patternParameter("pattern", "Pattern", u"<ImageWidth>x<ImageHeight>"), paramPattern);
+        addParameter(
+            patternParameter("pattern", "Pattern", u"<ImageWidth>x<ImageHeight>").first().orLeftOut(),
+            paramPattern);
         placement.addParametersTo(*this);
     }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
@@ -61,6 +63,7 @@ std::vector<ActionEntry> tagActions() {
     return {
         {"Rename from tag",
          "Tags as new name",
+         {"tag"},
          category,
          newAction<TagBasedAction, Place::wholeName>,
          {{{{"pattern", u"<ShootingDate4DigitYear>-<ShootingDate0Month>-<ShootingDate0Day> <CameraModel>"}},
@@ -69,6 +72,7 @@ std::vector<ActionEntry> tagActions() {
            {"", "", "photo.jpg", "a photo taken on 14 June 2024 with a Halden 40", u""}}}},
         {"Add tag to front",
          "Add tags to start",
+         {"tag", Place::start},
          category,
          newAction<TagBasedAction, Place::start>,
          {{{{"pattern", u"<ShootingDate0Hour24>h<ShootingDate0Minute> "}},
@@ -77,6 +81,7 @@ std::vector<ActionEntry> tagActions() {
            photo}}},
         {"Add tag to end",
          "Add tags to end",
+         {"tag", Place::end},
          category,
          newAction<TagBasedAction, Place::end>,
          {{{{"pattern", u" (<ImageWidth>x<ImageHeight>)"}},
@@ -85,6 +90,7 @@ std::vector<ActionEntry> tagActions() {
            photo}}},
         {"Insert tags at position",
          "Insert tags at position",
+         {"tag", Place::position},
          category,
          newAction<TagBasedAction, Place::position>,
          {{{{"pattern", u"_<ShootingDate2DigitYear>"}, {"position", 3}},
@@ -93,6 +99,7 @@ std::vector<ActionEntry> tagActions() {
            photo}}},
         {"Insert tags in front of existing text",
          "Insert tags before text",
+         {"tag", Place::beforeText},
          category,
          newAction<TagBasedAction, Place::beforeText>,
          {{{{"pattern", u"<ShootingDate4DigitYear> "}, {"searchTerm", u"in vienna"}},
@@ -101,6 +108,7 @@ std::vector<ActionEntry> tagActions() {
            photo}}},
         {"Insert tags after existing text",
          "Insert tags after text",
+         {"tag", Place::afterText},
          category,
          newAction<TagBasedAction, Place::afterText>,
          {{{{"pattern", u" <ShootingDate4DigitYear>"}, {"searchTerm", u"summer"}},

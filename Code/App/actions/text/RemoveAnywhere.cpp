@@ -12,20 +12,22 @@ namespace {
 constexpr std::array<ParameterChoice, 2> startModes{{{0, "a position"}, {1, "a text"}}};
 constexpr std::array<ParameterChoice, 3> endModes{
     {{0, "a position"}, {1, "a text"}, {2, "a number of characters"}}};
-constexpr std::array<ParameterChoice, 2> sidesOfText{{{0, "before it"}, {1, "after it"}}};
+constexpr std::array<ParameterChoice, 2> sidesOfText{{{0, "before it", "before"}, {1, "after it", "after"}}};
 constexpr std::array<ParameterChoice, 2> directions{{{0, "towards the end"}, {1, "towards the start"}}};
 constexpr std::int32_t widestPosition = 9999;
 
 /// The keys of the parameters of an end, and how they are called where the two ends differ.
 struct EndTable {
-    std::string_view heading, label, sideLabel;
+    std::string_view heading, word, label, sideLabel;
     std::span<const ParameterChoice> modes;
     std::string_view mode, position, whichEnd, searchTerm, occurrence, side, ignoreCase;
     /// Behind a text that isn't found lies the position one short of its length: meant to be so for the end.
     bool takesMissingText;
+    bool mayBeLeftOut; ///< in a recipe
 };
 
 constexpr EndTable startTable{"From",
+                              "from",
                               "Start at",
                               "Begin",
                               startModes,
@@ -36,8 +38,10 @@ constexpr EndTable startTable{"From",
                               "fromWhichOccurence",
                               "fromWhichEndOfOccurence",
                               "fromIgnoreCase",
-                              false};
+                              false,
+                              true};
 constexpr EndTable endTable{"To",
+                            "to",
                             "End at",
                             "End",
                             endModes,
@@ -48,7 +52,8 @@ constexpr EndTable endTable{"To",
                             "toOccurenceNumber",
                             "toWhichEndOfOccurence",
                             "toIgnoreCase",
-                            true};
+                            true,
+                            false};
 
 /// One end of the stretch: a position, or a side of a text.
 class StretchEnd {
@@ -64,17 +69,23 @@ class StretchEnd {
         const auto forPosition = [&](const ParameterDescription& row, std::int32_t& field) {
             action.addParameter(row.shownWhen(table.mode, atPosition), field);
         };
-        forPosition(numberParameter(table.position, "Position", 0).between(0, widestPosition), number);
+        forPosition(phrase(numberParameter(table.position, "Position", 0)
+                               .between(0, widestPosition)
+                               .signedBy(table.whichEnd)),
+                    number);
         forPosition(
             choiceParameter(table.whichEnd, "Counted", positionModeChoices(), 0).beside(table.position),
             whichEnd);
         const auto forText = [&](const ParameterDescription& row, auto& field) {
             action.addParameter(row.shownWhen(table.mode, atText), field);
         };
-        forText(textParameter(table.searchTerm, "Text"), searchTerm);
-        forText(choiceParameter(table.occurrence, "Which one", occurrenceChoices(), 0), occurrence);
+        forText(phrase(textParameter(table.searchTerm, "Text").sidedBy(table.side)), searchTerm);
+        forText(
+            choiceParameter(table.occurrence, "Which one", occurrenceChoices(), 0).alone().behind(table.word),
+            occurrence);
         forText(choiceParameter(table.side, table.sideLabel, sidesOfText, 0), side);
-        forText(checkboxParameter(table.ignoreCase, "Ignore case", 1), ignoreCase);
+        forText(checkboxParameter(table.ignoreCase, "Ignore case", 1).alone("case").behind(table.word),
+                ignoreCase);
     }
 
     void prepareParameters() { search = TextSearch(searchTerm, caseSensitivity(ignoreCase)); }
@@ -95,6 +106,10 @@ class StretchEnd {
     }
 
   private:
+    [[nodiscard]] ParameterDescription phrase(const ParameterDescription& row) const {
+        return table.mayBeLeftOut ? row.phrase(table.word).orLeftOut() : row.phrase(table.word);
+    }
+
     const EndTable& table;
     std::int32_t mode = 0;
     std::int32_t number = 0;
@@ -115,7 +130,9 @@ class RemoveAnywhere final : public BaseRenameAction {
         to.addParametersTo(*this);
         addParameter(numberParameter("removeNumberOfCharacters", "Characters", 0)
                          .between(0, widestPosition)
-                         .shownWhen(endTable.mode, byLength),
+                         .shownWhen(endTable.mode, byLength)
+                         .phrase("for")
+                         .signedBy("removeNumberOfCharactersFromWhichEnd"),
                      length);
         addParameter(choiceParameter("removeNumberOfCharactersFromWhichEnd", "Direction", directions, 0)
                          .beside("removeNumberOfCharacters")
@@ -159,6 +176,7 @@ std::vector<ActionEntry> removeAnywhereActions() {
     return {
         {"Remove anywhere",
          "Remove a stretch",
+         {"cut"},
          ActionCategory::remove,
          newAction<RemoveAnywhere>,
          {{{{"fromPosition", 4}, {"toMode", 2}, {"removeNumberOfCharacters", 1}},

@@ -11,7 +11,8 @@ namespace {
 class RemoveAtFrontAction : public BaseRenameAction {
   public:
     RemoveAtFrontAction() {
-        addParameter(numberParameter("numberOfCharacters", "Characters", 0).between(0, 255), characters);
+        addParameter(numberParameter("numberOfCharacters", "Characters", 0).between(0, 255).first(),
+                     characters);
     }
 
   protected:
@@ -40,11 +41,13 @@ std::vector<ActionEntry> removeAtEndsActions() {
     return {
         {"Remove at front",
          "Remove first characters",
+         {"drop", Place::start},
          category,
          newAction<RemoveAtFrontAction>,
          {{{{"numberOfCharacters", 4}}, u"IMG_4021.JPG", u"4021.JPG"}}},
         {"Remove from end",
          "Remove last characters",
+         {"drop", Place::end},
          category,
          newAction<RemoveFromEndAction>,
          {{{{"numberOfCharacters", 5}}, u"letter copy.txt", u"letter.txt"}}},

@@ -14,9 +14,9 @@ namespace {
 class ReplaceAtFrontAction : public BaseRenameAction {
   public:
     explicit ReplaceAtFrontAction(std::string_view label = "If the name starts with") {
-        addParameter(textParameter("replace", label), paramReplace);
-        addParameter(textParameter("with", "Replace it by"), paramWith);
-        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1), paramIgnoreCase);
+        addParameter(textParameter("replace", label).first(), paramReplace);
+        addParameter(textParameter("with", "Replace it by").first(), paramWith);
+        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1).alone("case"), paramIgnoreCase);
     }
 
   protected:
@@ -79,21 +79,25 @@ std::vector<ActionEntry> replaceAtEndsActions() {
     return {
         {"Replace at front",
          "Replace at start",
+         {"replace", Place::start},
          ActionCategory::replace,
          newAction<ReplaceAtFrontAction>,
          {{{{"replace", u"dsc"}, {"with", u"Photo "}}, u"DSC042.jpg", u"Photo 042.jpg"}}},
         {"Replace at end",
          "Replace at end",
+         {"replace", Place::end},
          ActionCategory::replace,
          newAction<ReplaceAtEndAction>,
          {{{{"replace", u"draft"}, {"with", u"final"}}, u"plan draft.txt", u"plan final.txt"}}},
         {"Remove text at front",
          "Remove text at start",
+         {"remove", Place::start},
          ActionCategory::remove,
          newAction<RemoveTextAtAnEndAction<ReplaceAtFrontAction>>,
          {{{{"replace", u"Copy of "}}, u"Copy of letter.txt", u"letter.txt"}}},
         {"Remove text at end",
          "Remove text at end",
+         {"remove", Place::end},
          ActionCategory::remove,
          newAction<RemoveTextAtAnEndAction<ReplaceAtEndAction>>,
          {{{{"replace", u" copy"}}, u"letter copy.txt", u"letter.txt"}}},

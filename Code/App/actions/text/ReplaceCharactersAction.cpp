@@ -15,12 +15,13 @@ struct RowKeys {
     std::string_view characters;
     std::string_view with;
     std::string_view ignoreCase;
+    std::string_view caseWord;
 };
 constexpr std::array<RowKeys, 4> rowKeys{{
-    {"replaceCharacters0", "with0", "ignoreCase0"},
-    {"replaceCharacters1", "with1", "ignoreCase1"},
-    {"replaceCharacters2", "with2", "ignoreCase2"},
-    {"replaceCharacters3", "with3", "ignoreCase3"},
+    {"replaceCharacters0", "with0", "ignoreCase0", "case1"},
+    {"replaceCharacters1", "with1", "ignoreCase1", "case2"},
+    {"replaceCharacters2", "with2", "ignoreCase2", "case3"},
+    {"replaceCharacters3", "with3", "ignoreCase3", "case4"},
 }};
 
 /// Replaces single characters (composed character sequences) by up to four rows, each a set of characters and
@@ -30,10 +31,14 @@ class ReplaceCharactersAction : public BaseRenameAction {
     ReplaceCharactersAction() {
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const auto& keys = rowKeys[i];
-            addParameter(textParameter(keys.characters, "Any of"), rows[i].characters);
-            addParameter(characterParameter(keys.with, "Replace by", u"").beside(keys.characters),
-                         rows[i].with);
-            addParameter(checkboxParameter(keys.ignoreCase, "Ignore case", 1).beside(keys.characters),
+            const auto addFirst = [&](const ParameterDescription& row, std::u16string& field) {
+                addParameter(i == 0 ? row.first() : row.first().orLeftOut(), field);
+            };
+            addFirst(textParameter(keys.characters, "Any of"), rows[i].characters);
+            addFirst(characterParameter(keys.with, "Replace by", u"").beside(keys.characters), rows[i].with);
+            addParameter(checkboxParameter(keys.ignoreCase, "Ignore case", 1)
+                             .beside(keys.characters)
+                             .alone(keys.caseWord),
                          rows[i].ignoreCase);
         }
     }
@@ -101,6 +106,7 @@ std::vector<ActionEntry> replaceCharactersActions() {
     return {
         {"Replace characters",
          "Replace characters",
+         {"replace-chars"},
          ActionCategory::replace,
          newAction<ReplaceCharactersAction>,
          {{{{"replaceCharacters0", u" -"}, {"with0", u"_"}},
@@ -111,6 +117,7 @@ std::vector<ActionEntry> replaceCharactersActions() {
            u"xxy"}}},
         {"Remove characters",
          "Remove characters",
+         {"remove-chars"},
          ActionCategory::remove,
          newAction<RemoveCharactersAction>,
          {{{{"replaceCharacters0", u"[]()"}}, u"[draft] plan (2).txt", u"draft plan 2.txt"}}},

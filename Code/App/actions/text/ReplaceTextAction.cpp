@@ -11,22 +11,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr std::array<ParameterChoice, 13> replacementModes{{
-    {0, "All"},
-    {1, "First"},
-    {2, "Second"},
-    {3, "Third"},
-    {4, "Fourth"},
-    {5, "Fifth"},
-    {6, "Sixth"},
-    {7, "Last"},
-    {8, "Second to last"},
-    {9, "Third to last"},
-    {10, "Fourth to last"},
-    {11, "Fifth to last"},
-    {12, "Sixth to last"},
-}};
-
 constexpr std::array<std::string_view, 13> occurencePhrases{
     "all occurences of ",
     "only the first occurence of ",
@@ -47,11 +31,11 @@ constexpr std::array<std::string_view, 13> occurencePhrases{
 class ReplaceTextAction : public BaseRenameAction {
   public:
     ReplaceTextAction() {
-        addParameter(textParameter("searchTerm", "Find"), paramSearchTerm);
-        addParameter(textParameter("replacementTerm", "Replace with"), paramReplacementTerm);
-        addParameter(choiceParameter("replacementMode", "Occurrences", replacementModes, 0),
+        addParameter(textParameter("searchTerm", "Find").first(), paramSearchTerm);
+        addParameter(textParameter("replacementTerm", "Replace with").first(), paramReplacementTerm);
+        addParameter(choiceParameter("replacementMode", "Occurrences", replacementModeChoices(), 0).alone(),
                      paramReplacementMode);
-        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1), paramIgnoreCase);
+        addParameter(checkboxParameter("ignoreCase", "Ignore case", 1).alone("case"), paramIgnoreCase);
     }
     [[nodiscard]] std::u16string explanation() const override { return sentence(u"Replace "); }
 
@@ -79,12 +63,6 @@ class ReplaceTextAction : public BaseRenameAction {
     }
     [[nodiscard]] std::string_view userDescriptionIgnore() const {
         return getParamInt("ignoreCase", 1) == 1 ? " while ignoring case." : ".";
-    }
-    [[nodiscard]] bool shouldReplaceCurrentOccurence(std::int64_t index, std::int64_t outOf) const {
-        const std::int64_t mode = paramReplacementMode;
-        if (mode == 0)
-            return true;
-        return mode <= 6 ? index == mode - 1 : index == outOf + 6 - mode;
     }
     void collectMatches(std::u16string_view text);
 
@@ -116,7 +94,7 @@ void ReplaceTextAction::processName(std::u16string_view fragment, std::u16string
     std::size_t done = 0;
     for (std::int64_t i = 0; i < count; ++i) {
         const auto& match = matches[static_cast<std::size_t>(i)];
-        if (!shouldReplaceCurrentOccurence(i, count))
+        if (!isOccurrenceMeant(paramReplacementMode, i, count))
             continue;
         result.append(text, done, match.location - done).append(paramReplacementTerm);
         done = match.end();
@@ -136,6 +114,7 @@ std::vector<ActionEntry> replaceTextActions() {
     return {
         {"Replace text",
          "Replace text",
+         {"replace"},
          ActionCategory::replace,
          newAction<ReplaceTextAction>,
          {{{{"searchTerm", u"IMG_"}, {"replacementTerm", u"Lofoten "}}, u"IMG_4021.JPG", u"Lofoten 4021.JPG"},
@@ -144,6 +123,7 @@ std::vector<ActionEntry> replaceTextActions() {
            u"banona.txt"}}},
         {"Remove text",
          "Remove text",
+         {"remove"},
          ActionCategory::remove,
          newAction<RemoveTextAction>,
          {{{{"searchTerm", u" copy"}}, u"letter copy.txt", u"letter.txt"}}},

@@ -40,6 +40,7 @@ bool NamesFromRecordStage::process() {
     }
     RunRecordReader record(request.chosen.run.path);
     record.examine();
+    purpose->linksAreItems = record.hasLinksAsItems();
     JournalPlaces places(record);
     // Folders that are to move have their rows before what they hold.
     std::vector<Mover> folders;

@@ -117,6 +117,10 @@ void RunJournal::writeHeading(const RunPurpose& purpose) {
     endLine();
     runLine::print(runLine::Recipe{}, text);
     endLine();
+    if (purpose.linksAreItems) {
+        text += runLine::linksLine;
+        endLine();
+    }
 }
 
 RunJournal::Folder RunJournal::folderAt(const std::string& path) {

@@ -67,6 +67,9 @@ namespace runLine {
 inline constexpr std::string_view firstLine = "tavrin run 1";
 inline constexpr std::string_view anyFirstLine = "tavrin run ";
 
+/// Stands behind the recipe where links were renamed themselves.
+inline constexpr std::string_view linksLine = "links";
+
 struct Recipe {
     std::string text;
 };

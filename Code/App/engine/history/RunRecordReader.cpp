@@ -57,7 +57,11 @@ void RunRecordReader::readHeading() {
     }
     runHeading = *found;
     static_cast<void>(file.next(line)); // the recipe
-    if (file.next(line)) {
+    bool hasMore = file.next(line);
+    linksAreItems = hasMore && line == runLine::linksLine;
+    if (linksAreItems)
+        hasMore = file.next(line);
+    if (hasMore) {
         if (const auto folder = runLine::read<RecordedFolder>(line))
             topFolder = folder->path;
     }

@@ -25,6 +25,8 @@ class RunRecordReader {
     /// Whether the file is one to be read at all: the user's own, and of no newer version.
     [[nodiscard]] bool isReadable() const { return canBeRead; }
     [[nodiscard]] const RunHeading& heading() const { return runHeading; }
+    /// Whether links were renamed themselves.
+    [[nodiscard]] bool hasLinksAsItems() const { return linksAreItems; }
     /// The folder of the first item that the record tells of; empty without one.
     [[nodiscard]] const std::string& firstFolder() const { return topFolder; }
     /// Absent for a run that is under way, or was interrupted.
@@ -63,6 +65,7 @@ class RunRecordReader {
     std::string failure;
     bool canBeRead = false;
     RunHeading runHeading;
+    bool linksAreItems = false;
     std::string topFolder;
     std::optional<RunEnd> runEnd;
     std::uint64_t intactEnd = 0; ///< behind the last block that counts

@@ -23,6 +23,8 @@ struct RunPurpose {
     /// Every row takes part, whatever the settings say, and an item that is not the one that its row knows is
     /// left alone.
     bool isStrict = false;
+    /// Links are renamed themselves, instead of being refused.
+    bool linksAreItems = false;
     /// Whether each step is asked about; by the settings where absent.
     std::optional<bool> asks;
     /// Items that could not be made rows.

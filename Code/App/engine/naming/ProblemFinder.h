@@ -25,13 +25,15 @@ class ProblemFinder {
   public:
     /// What the final names of a folder's children are.
     enum class Names {
-        distinct,      ///< those of no two are the same
-        asTheyAre,     ///< two may want the same
+        distinct,         ///< those of no two are the same
+        toBeMadeDistinct, ///< the same later, so that two that are the same now are none of its problems
+        asTheyAre,        ///< what two want none gets
         keptWhereTaken ///< the same, and whoever can't have a name for another item's sake is to keep its own
     };
 
-    ProblemFinder(StoreContext& storeContext, FolderNotes& folderNotes, const ItemFilter& itemFilter)
-        : context(storeContext), notes(folderNotes), filter(itemFilter) {}
+    ProblemFinder(StoreContext& storeContext, FolderNotes& folderNotes, const ItemFilter& itemFilter,
+                  bool areLinksItems)
+        : context(storeContext), notes(folderNotes), filter(itemFilter), linksAreItems(areLinksItems) {}
 
     /// The children are all those of the folder.
     void lookAt(RowId folder, const std::vector<RowId>& children, Names names);
@@ -43,6 +45,7 @@ class ProblemFinder {
         std::uint32_t child; ///< its place among the children
         NameProblem problem = NameProblem::none;
         std::uint16_t detail = 0;
+        bool willBeMadeDistinct = false;
         [[nodiscard]] bool goes() const { return problem == NameProblem::none; }
     };
 
@@ -64,7 +67,7 @@ class ProblemFinder {
 
     // Who wants a name that stays another item's.
     void findTaken(Names names);
-    void gatherWishes();
+    void gatherWishes(Names names);
     /// Nobody gets this name; who wanted it keeps its own, which nobody else gets then.
     void withhold(std::string_view name, RowId holder);
     /// The name to be, in the bytes of the file system. Valid until the next call.
@@ -79,6 +82,7 @@ class ProblemFinder {
     StoreContext& context;
     FolderNotes& notes;
     const ItemFilter filter;
+    const bool linksAreItems;
     std::map<std::uint32_t, VolumeFacts> volumes; ///< by device
 
     // Of the folder in hand.

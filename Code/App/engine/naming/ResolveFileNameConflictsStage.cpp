@@ -40,6 +40,15 @@ constexpr std::array<Scheme, 14> schemes{{
 }};
 constexpr std::int32_t defaultScheme = 9;
 
+/// What the stage makes of the names of a folder.
+ProblemFinder::Names namesOf(Settings::OnConflict rule, ResolveFileNameConflictsStage::Task task) {
+    using Names = ProblemFinder::Names;
+    const bool resolves = task == ResolveFileNameConflictsStage::Task::resolve;
+    if (rule == Settings::OnConflict::number)
+        return resolves ? Names::distinct : Names::toBeMadeDistinct;
+    return rule == Settings::OnConflict::skip && resolves ? Names::keptWhereTaken : Names::asTheyAre;
+}
+
 } // namespace
 
 std::string ResolveFileNameConflictsStage::stageDescription() const { return "Resolving name conflicts..."; }
@@ -61,7 +70,8 @@ bool ResolveFileNameConflictsStage::process() {
     takeSettings();
 
     NameTable names(*context);
-    ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter());
+    ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter(),
+                           engine.selection().linksAreItems);
     const FetchRequest request{processSubfolders ? FetchEntity::node : FetchEntity::ghostNode,
                                Predicate::isTrue(NodeKey::treatAsFolder).with(Predicate::notMarked(marker)),
                                {},
@@ -84,10 +94,7 @@ void ResolveFileNameConflictsStage::takeSettings() {
     processFiles = filter.shouldProcessFiles;
     processFolders = filter.shouldProcessFolders;
     processSubfolders = filter.shouldProcessSubfolders;
-    resulting = task == Task::foresee                                     ? ProblemFinder::Names::asTheyAre
-                : settings.conflictRule() == Settings::OnConflict::number ? ProblemFinder::Names::distinct
-                : settings.conflictRule() == Settings::OnConflict::skip ? ProblemFinder::Names::keptWhereTaken
-                                                                        : ProblemFinder::Names::asTheyAre;
+    resulting = namesOf(settings.conflictRule(), task);
     firstUnchanged = settings.conflictResolutionDontChangeFirst;
     scheme = settings.conflictResolutionScheme;
     if (scheme < 0 || scheme >= static_cast<std::int32_t>(schemes.size()))
@@ -120,6 +127,7 @@ void ResolveFileNameConflictsStage::processFolder(NameTable& names, ProblemFinde
 
 void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<RowId> members) {
     context->sort(members, sortDescriptors);
+    std::ranges::stable_partition(members, [this](RowId id) { return isGhost(id); });
     conflictCounter = 0;
     bool kept = false;
     for (const RowId id : members) {
@@ -138,8 +146,13 @@ void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<R
     }
 }
 
+/// A folder that takes no part and has rows in it.
+bool ResolveFileNameConflictsStage::isGhost(RowId id) {
+    return context->row(id).entity == NodeEntity::ghostNode;
+}
+
 bool ResolveFileNameConflictsStage::isApplicable(RowId id) {
-    return context->row(id).treatAsFolder ? processFolders : processFiles;
+    return !isGhost(id) && context->row(id).treatAsFolder ? processFolders : processFiles;
 }
 
 void ResolveFileNameConflictsStage::storeCandidate(RowId id, const std::u16string& candidate) {

@@ -2,6 +2,7 @@
 
 #include "engine/history/RunHistory.h"
 #include "engine/reading/FolderNotes.h"
+#include "engine/reading/ItemSelection.h"
 #include "store/queries/FilterManager.h"
 #include "store/queries/Predicate.h"
 
@@ -28,6 +29,10 @@ class EngineState {
     /// Where runs are recorded; nowhere at first. Set before the first request.
     void setHistoryPlace(HistoryPlace newPlace) { history = std::move(newPlace); }
     [[nodiscard]] const HistoryPlace& historyPlace() const { return history; }
+
+    /// Which items take part; all of them at first. Set before the first request.
+    void setSelection(ItemSelection newSelection) { itemSelection = std::move(newSelection); }
+    [[nodiscard]] const ItemSelection& selection() const { return itemSelection; }
 
     /// Told of the renames of all runs to come; null for nobody. Not owned. Set while no run is under way.
     void setRenameObserver(RenameObserver* newObserver) { observer = newObserver; }
@@ -63,6 +68,7 @@ class EngineState {
 
     EngineHost& application;
     HistoryPlace history;
+    ItemSelection itemSelection;
     RenameObserver* observer = nullptr;
     std::atomic<bool> stopRequested{false};
 

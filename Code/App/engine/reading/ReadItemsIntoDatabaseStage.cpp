@@ -31,8 +31,10 @@ bool meansGone(int error) { return error == ENOENT || error == ENOTDIR; }
 /// entered, and no folder is entered inside itself.
 class ReadItemsIntoDatabaseStage::FolderWalk {
   public:
-    FolderWalk(ReadItemsIntoDatabaseStage& owner, bool sourceIsInvisible)
-        : stage(owner), isSourceInvisible(sourceIsInvisible) {}
+    /// Globs for paths are held against what stands behind `givenFolder`.
+    FolderWalk(ReadItemsIntoDatabaseStage& owner, bool sourceIsInvisible, const std::string& givenFolder)
+        : stage(owner), selection(owner.selection), isSourceInvisible(sourceIsInvisible),
+          lengthOfGiven(givenFolder == "/" ? 1 : givenFolder.size() + 1) {}
 
     /// False if the folder itself could not be read.
     bool run(const std::string& sourcePath);
@@ -57,6 +59,7 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
     void readNextEntry();
     /// Reads the next entry, or notes what the folder holds besides at its end.
     void proceed();
+    void readFileEntry(const FolderEntry& entry);
     void readFolderEntry(const FolderEntry& entry);
     /// The kind that a listing leaves open; an entry that is no more, or that can't be looked at, is none.
     [[nodiscard]] std::optional<FileStatus::Kind> kindOf(const FolderEntry& entry);
@@ -64,10 +67,25 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
     RowId createRow(const FolderEntry& entry, bool isFolder);
     void report(const std::string& message, const std::string& path);
 
+    [[nodiscard]] bool isHidden(const FolderEntry& entry, const Level& level) const;
+    // Of the entry in hand.
+    [[nodiscard]] bool isExcluded(bool isFolder) const;
+    [[nodiscard]] bool takesPart(const FolderEntry& entry, bool isFolder) const;
+    [[nodiscard]] bool hasFittingTime() const;
+    [[nodiscard]] bool mayGoDeeper() const {
+        return !selection.depth || levels.size() < static_cast<std::size_t>(*selection.depth);
+    }
+
     ReadItemsIntoDatabaseStage& stage;
+    const ItemSelection& selection;
     const bool isSourceInvisible;
+    const std::size_t lengthOfGiven;
     std::vector<Level> levels;
+    std::string pathOfEntry; ///< of the one in hand, where it is asked for
 };
+
+ReadItemsIntoDatabaseStage::ReadItemsIntoDatabaseStage(EngineState& owner)
+    : ProcessingStage(owner), selection(owner.selection()) {}
 
 std::string ReadItemsIntoDatabaseStage::stageDescription() const { return "Adding items to database..."; }
 
@@ -88,11 +106,13 @@ bool ReadItemsIntoDatabaseStage::process() {
         debugLog("No source items yet, interrupting pipeline");
         return false;
     }
-    shouldProcessSubfolders = settings.shouldProcessSubfolders != 0;
-    for (const SourceItem& item : items) {
-        report.describeItem([&] { return "Processing item: " + item.path; });
-        readSourceItem(item);
-    }
+    shouldProcessSubfolders = settings.shouldProcessSubfolders != 0 && selection.depth.value_or(1) > 0;
+    if (selection.mayNest)
+        nested.emplace(items);
+    std::vector<bool> done(items.size());
+    for (std::size_t place = 0; place < items.size(); ++place)
+        readInTurn(items, place, done);
+    nested.reset();
     folder.reset();
     aliases.reset();
     tellWhatWasLeftOut();
@@ -103,20 +123,70 @@ bool ReadItemsIntoDatabaseStage::process() {
     return true;
 }
 
-void ReadItemsIntoDatabaseStage::readSourceItem(const SourceItem& item) {
+void ReadItemsIntoDatabaseStage::readInTurn(const std::vector<SourceItem>& items, std::size_t place,
+                                            std::vector<bool>& done) {
+    if (done[place])
+        return;
+    done[place] = true;
+    const std::optional<std::size_t> above = nested ? nested->above(place) : std::nullopt;
+    if (above)
+        readInTurn(items, *above, done);
+    folderAbove = above ? std::string_view(nested->outermost(place)) : std::string_view();
+    StageProgress(progress).describeItem([&] { return "Processing item: " + items[place].path; });
+    readSourceItem(items[place], place);
+}
+
+void ReadItemsIntoDatabaseStage::readSourceItem(const SourceItem& item, std::size_t place) {
     const bool mayHaveContents = item.treatAsFolder && shouldProcessSubfolders && !item.readInSubfolders;
     if (item.readInRoot && !mayHaveContents)
         return; // nothing would come of looking at the disk
-    const Kind kind = kindOf(item.path);
+    const Kind kind = kindOf(item.path, nested && nested->holdsOthers(place));
     if (!aliases)
         aliases.emplace(*context);
-    if (kind.error != 0) {
-        addReadingError(item.treatAsFolder, kind.error, item.path);
-    } else if (!kind.isFileOrBundle) {
-        readFolder(item, kind);
-    } else if (!item.readInRoot && !kind.isInvisible && createRootItem(item.path, false, kind.seen)) {
+    if (kind.error != 0)
+        return addReadingError(item.treatAsFolder, kind.error, item.path);
+    if (!selection.excludes.empty() &&
+        (selection.isExcluded({pathForGlobs(item.path, place), !kind.isFileOrBundle}) ||
+         (nested && liesInExcluded(item.path, place))))
+        return;
+    const bool isWanted = takesPart(item, place, kind);
+    if (!kind.isFileOrBundle)
+        readFolder(item, kind, place, isWanted);
+    else if (!item.readInRoot && !kind.isInvisible && isWanted && createRootItem(item.path, false, kind.seen))
         context->setSourceItemRead(item.path, true, item.readInSubfolders);
+}
+
+bool ReadItemsIntoDatabaseStage::takesPart(const SourceItem& item, std::size_t place, const Kind& kind) {
+    const bool isOfKind = kind.isLink()         ? selection.takesLinks
+                          : kind.isFileOrBundle ? selection.takesFiles
+                                                : true;
+    return isOfKind && (!selection.asksForTime() || selection.admitsTime(kind.changed)) &&
+           selection.isIncluded({pathForGlobs(item.path, place), !kind.isFileOrBundle});
+}
+
+std::string_view ReadItemsIntoDatabaseStage::pathForGlobs(std::string_view path, std::size_t place) const {
+    const std::string_view outermost = nested ? std::string_view(nested->outermost(place)) : path;
+    if (outermost == path)
+        return PathParts(path).name;
+    return path.substr(outermost == "/" ? 1 : outermost.size() + 1);
+}
+
+bool ReadItemsIntoDatabaseStage::liesInExcluded(const std::string& path, std::size_t place) {
+    if (folderAbove.empty())
+        return false;
+    std::string_view above = PathParts(path).folder;
+    if (above == lastFolderChecked)
+        return lastFolderIsExcluded;
+    lastFolderChecked = above;
+    const std::string& outermost = nested->outermost(place);
+    lastFolderIsExcluded = false;
+    for (bool isAtTop = false; !isAtTop && !lastFolderIsExcluded; above = PathParts(above).folder) {
+        isAtTop = above == outermost;
+        const std::string_view forGlobs =
+            isAtTop ? PathParts(above).name : above.substr(outermost == "/" ? 1 : outermost.size() + 1);
+        lastFolderIsExcluded = selection.isExcluded({forGlobs, true});
     }
+    return lastFolderIsExcluded;
 }
 
 void ReadItemsIntoDatabaseStage::addReadingError(bool isFolder, int error, const std::string& path) {
@@ -145,19 +215,24 @@ void ReadItemsIntoDatabaseStage::forgetItemsRemovedSince(const std::vector<Sourc
     saveAndRefaultObjects();
 }
 
-void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& kind) {
-    const bool isNew = !kind.isInvisible && !item.readInRoot;
-    const bool mustWalk = shouldProcessSubfolders && !item.readInSubfolders;
+void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& kind, std::size_t place,
+                                            bool takesPart) {
+    const bool isNew = takesPart && !kind.isInvisible && !item.readInRoot;
+    // A link that lies in another item is followed no more than one that is found there.
+    const bool isFollowed = !kind.isLink() || folderAbove.empty();
+    const bool mustWalk = shouldProcessSubfolders && !item.readInSubfolders && isFollowed;
     if (isNew && !createRootItem(item.path, true, kind.seen))
         return;
     if (isNew || mustWalk)
         context->setSourceItemRead(item.path, isNew || item.readInRoot, mustWalk || item.readInSubfolders);
-    if (mustWalk && !FolderWalk(*this, kind.isInvisible).run(item.path))
+    const std::string& given = nested ? nested->outermost(place) : item.path;
+    if (mustWalk && !FolderWalk(*this, kind.isInvisible, given).run(item.path))
         context->setSourceItemRead(item.path, isNew || item.readInRoot, false); // to be tried again
 }
 
 /// One call per item: the folder is held open for its neighbours on the list.
-ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const std::string& path) {
+ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const std::string& path,
+                                                                    bool holdsOthers) {
     const PathParts parts(path);
     openFolderAt(parts.folder);
     FileStatus status;
@@ -169,17 +244,20 @@ ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const std::s
     if (kind.error != 0)
         return kind;
     kind.seen = {status.identity, status.kind};
-    kind.isInvisible = name.front() == '.' || hiddenNames.contains(name);
+    kind.changed = status.modificationDate;
+    kind.isInvisible = !selection.takesGivenHidden && (name.front() == '.' || hiddenNames.contains(name));
     if (parts.name.empty())
         kind.isInvisible = true; // the root has no name that could be changed
-    if (status.kind == FileStatus::Kind::link) {
+    if (kind.isLink() && selection.linksAreItems)
+        return kind;
+    if (kind.isLink()) {
         const int error = FileSystem::sharedInstance().followedStatus(path, status);
         kind.error = meansGone(error) || error == ELOOP ? 0 : error;
         if (error != 0)
             return kind;
     }
-    kind.isFileOrBundle =
-        status.kind != FileStatus::Kind::folder || FileManager::instance().isBundleFolder(path);
+    kind.isFileOrBundle = status.kind != FileStatus::Kind::folder ||
+                          (!holdsOthers && FileManager::instance().isBundleFolder(path));
     return kind;
 }
 
@@ -198,8 +276,16 @@ void ReadItemsIntoDatabaseStage::openFolderAt(std::string_view path) {
 }
 
 RowId ReadItemsIntoDatabaseStage::rowForFolder(std::string_view path, const FileIdentity& identity) {
-    const RowId row = context->nodeWithPath(path);
-    return row != noRow ? row : context->insertGhostNode(path, identity);
+    if (const RowId row = context->folderWithPath(path); row != noRow)
+        return row;
+    RowId parent = noRow;
+    if (!folderAbove.empty() && path.size() > folderAbove.size()) {
+        const std::string above(PathParts(path).folder);
+        FileStatus status;
+        static_cast<void>(FileSystem::sharedInstance().status(above, status));
+        parent = rowForFolder(above, status.identity);
+    }
+    return context->insertGhostNode(path, identity, parent);
 }
 
 ReadItemsIntoDatabaseStage::Place ReadItemsIntoDatabaseStage::placeIn(RowId folderRow,
@@ -300,8 +386,12 @@ void ReadItemsIntoDatabaseStage::FolderWalk::enter(std::string path, RowId row) 
         report("The folder lies inside itself.", level.path);
     else {
         const FileIdentity identity = level.place.identity;
-        if (row == noRow)
+        if (row == noRow && levels.empty())
             row = stage.rowForFolder(level.path, identity);
+        else if (row == noRow)
+            row = stage.context->folderWithPath(level.path);
+        if (row == noRow)
+            row = stage.context->insertGhostNode(level.path, identity, levels.back().place.row);
         // A listing gives the inode of the folder below a mounted one, and a link's own.
         if (stage.context->row(row).identity() != identity)
             stage.context->change(row).setIdentity(identity);
@@ -332,12 +422,16 @@ bool ReadItemsIntoDatabaseStage::FolderWalk::isInsideItself(const Level& level) 
 void ReadItemsIntoDatabaseStage::FolderWalk::readNextEntry() {
     Level& level = levels.back();
     const FolderEntry entry = level.entries[level.next++];
-    if (entry.name.front() == '.' || level.hidden.contains(entry.name))
+    if (isHidden(entry, level))
         return;
+    if (selection.hasGlobs() || selection.asksForTime() || stage.nested)
+        pathOfEntry = joinedPath(level.path, entry.name);
+    if (stage.nested && stage.nested->contains(pathOfEntry))
+        return; // it has its own turn
     const std::optional<FileStatus::Kind> kind = kindOf(entry);
     if (kind == FileStatus::Kind::folder)
         return readFolderEntry({entry.name, *kind, entry.inode});
-    if (kind == FileStatus::Kind::link) {
+    if (kind == FileStatus::Kind::link && !selection.linksAreItems) {
         FileStatus target;
         const std::string path = joinedPath(level.path, entry.name);
         if (FileSystem::sharedInstance().followedStatus(path, target) == 0 &&
@@ -345,7 +439,37 @@ void ReadItemsIntoDatabaseStage::FolderWalk::readNextEntry() {
             return readFolderEntry({entry.name, *kind, entry.inode});
     }
     if (kind)
-        createRow({entry.name, *kind, entry.inode}, false);
+        readFileEntry({entry.name, *kind, entry.inode});
+}
+
+bool ReadItemsIntoDatabaseStage::FolderWalk::isHidden(const FolderEntry& entry, const Level& level) const {
+    return !selection.findsHidden && (entry.name.front() == '.' || level.hidden.contains(entry.name));
+}
+
+bool ReadItemsIntoDatabaseStage::FolderWalk::isExcluded(bool isFolder) const {
+    return !selection.excludes.empty() &&
+           selection.isExcluded({std::string_view(pathOfEntry).substr(lengthOfGiven), isFolder});
+}
+
+bool ReadItemsIntoDatabaseStage::FolderWalk::takesPart(const FolderEntry& entry, bool isFolder) const {
+    if (entry.kind == FileStatus::Kind::link ? !selection.takesLinks : !isFolder && !selection.takesFiles)
+        return false;
+    return (selection.includes.empty() ||
+            selection.isIncluded({std::string_view(pathOfEntry).substr(lengthOfGiven), isFolder})) &&
+           (!selection.asksForTime() || hasFittingTime());
+}
+
+bool ReadItemsIntoDatabaseStage::FolderWalk::hasFittingTime() const {
+    FileStatus status;
+    const int error = FileSystem::sharedInstance().status(pathOfEntry, status);
+    if (error != 0 && error != ENOENT)
+        stage.addReadingError(false, error, pathOfEntry);
+    return error == 0 && selection.admitsTime(status.modificationDate);
+}
+
+void ReadItemsIntoDatabaseStage::FolderWalk::readFileEntry(const FolderEntry& entry) {
+    if (!isExcluded(false) && takesPart(entry, false))
+        createRow(entry, false);
 }
 
 std::optional<FileStatus::Kind> ReadItemsIntoDatabaseStage::FolderWalk::kindOf(const FolderEntry& entry) {
@@ -366,11 +490,18 @@ void ReadItemsIntoDatabaseStage::FolderWalk::readFolderEntry(const FolderEntry& 
     if (FileManager::instance().isBundleFolder(path)) {
         // The source item decides, not the bundle.
         if (!isSourceInvisible)
-            createRow(entry, false);
+            readFileEntry(entry);
         return;
     }
-    const RowId row = createRow(entry, true);
-    if (entry.kind == FileStatus::Kind::folder && row != noRow)
+    if (isExcluded(true))
+        return;
+    RowId row = noRow;
+    if (takesPart(entry, true)) {
+        row = createRow(entry, true);
+        if (row == noRow)
+            return;
+    }
+    if (entry.kind == FileStatus::Kind::folder && mayGoDeeper())
         enter(std::move(path), row);
 }
 

@@ -2,6 +2,8 @@
 
 #include "engine/pipeline/ProcessingStage.h"
 #include "engine/reading/FolderAliases.h"
+#include "engine/reading/ItemSelection.h"
+#include "engine/reading/NestedItems.h"
 #include "platform/files/FileSystem.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/SmallEntities.h"
@@ -17,11 +19,11 @@
 namespace tavrin {
 
 /// Turns source items into rows: one for each path on the list and, when subfolders are wanted, one for each
-/// visible thing below. Reads only what has not been read before, and nothing a second time under another
-/// path.
+/// visible thing below, as far as the engine's selection lets them take part. Reads only what has not been
+/// read before, and nothing a second time under another path.
 class ReadItemsIntoDatabaseStage final : public ProcessingStage {
   public:
-    explicit ReadItemsIntoDatabaseStage(EngineState& owner) : ProcessingStage(owner) {}
+    explicit ReadItemsIntoDatabaseStage(EngineState& owner);
 
     /// False when there is nothing on the list.
     bool process() override;
@@ -36,7 +38,9 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
         bool isFileOrBundle = true;
         bool isInvisible = false;
         SeenItem seen;
-        int error = 0; ///< why nothing of this is known: an errno value
+        double changed = 0; ///< seconds since 2001
+        int error = 0;      ///< why nothing of this is known: an errno value
+        [[nodiscard]] bool isLink() const { return seen.kind == FileStatus::Kind::link; }
     };
     /// A folder whose rows are being made.
     struct Place {
@@ -45,12 +49,21 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
         bool isShared = false; ///< with rows that stand for it under other paths
     };
 
-    void readSourceItem(const SourceItem& item);
+    /// After the items of the list that it lies in.
+    void readInTurn(const std::vector<SourceItem>& items, std::size_t place, std::vector<bool>& done);
+    void readSourceItem(const SourceItem& item, std::size_t place);
+    /// Whether the item on the list does, by all that its path and a look at it tell.
+    bool takesPart(const SourceItem& item, std::size_t place, const Kind& kind);
+    /// It lies in a folder of the list that is not entered, or in one below that.
+    bool liesInExcluded(const std::string& path, std::size_t place);
+    /// The path of an item on the list as globs see it.
+    std::string_view pathForGlobs(std::string_view path, std::size_t place) const;
     void forgetItemsRemovedSince(const std::vector<SourceItem>& items);
-    void readFolder(const SourceItem& item, const Kind& kind);
-    Kind kindOf(const std::string& path);
+    void readFolder(const SourceItem& item, const Kind& kind, std::size_t place, bool takesPart);
+    Kind kindOf(const std::string& path, bool holdsOthers);
     void openFolderAt(std::string_view path);
-    /// The row that stands for a folder, made if there is none.
+    /// The row that stands for a folder, made if there is none; so are those up to the folder of the list
+    /// that it lies in, since what moves takes along all that lies between.
     RowId rowForFolder(std::string_view path, const FileIdentity& identity);
     Place placeIn(RowId folderRow, const FileIdentity& identity);
     /// False if it has a row already, under another path; then there is nothing more to do for it.
@@ -62,7 +75,12 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     void tellWhatWasLeftOut();
     void addReadingError(bool isFolder, int error, const std::string& path);
 
+    const ItemSelection& selection;
     bool shouldProcessSubfolders = false;
+    std::optional<NestedItems> nested; ///< where items of the list may lie in others
+    std::string_view folderAbove;      ///< outermost one on the list that holds the one in hand; or none
+    std::string lastFolderChecked;     ///< for `liesInExcluded`
+    bool lastFolderIsExcluded = false;
     int rowsMade = 0;
     Place lastParentFolder;
     std::string lastParentFolderPath;

@@ -27,10 +27,16 @@ constexpr int lionMode = 0;
 constexpr int leopardMode = 2;
 constexpr std::string_view switchedKey = "alreadySwitchedToLionModeOnce";
 
+std::shared_ptr<const RunPurpose> renamingAsSelected(const EngineState& engine) {
+    RunPurpose purpose;
+    purpose.linksAreItems = engine.selection().linksAreItems;
+    return std::make_shared<RunPurpose>(std::move(purpose));
+}
+
 } // namespace
 
 PerformRenameStage::PerformRenameStage(EngineState& owner, std::shared_ptr<const RunPurpose> whatFor)
-    : ProcessingStage(owner), purpose(whatFor ? std::move(whatFor) : std::make_shared<RunPurpose>()) {}
+    : ProcessingStage(owner), purpose(whatFor ? std::move(whatFor) : renamingAsSelected(owner)) {}
 
 PerformRenameStage::~PerformRenameStage() = default;
 
@@ -125,6 +131,8 @@ void PerformRenameStage::prepare() {
         run->filter = {true, true, true};
         run->primitives.beStrict();
     }
+    if (purpose->linksAreItems)
+        run->primitives.takeLinks();
     const auto planned = static_cast<std::int32_t>(context->count(FetchEntity::file, plannedItems()));
     context->changeEngineControl().numberOfFilesThatNeedRenaming = planned;
     report.numberOfItems(planned);

@@ -58,7 +58,7 @@ bool RenamePrimitives::check(RenameItem& item) {
         return refuse(error == ENOENT ? std::string(messageOf(NameProblem::gone))
                                       : systemReason(error, item.component(), {}, found));
     const SeenItem& seen = item.seen();
-    const bool isLink = lastLook.kind == FileStatus::Kind::link;
+    const bool isLink = !takesLinks && lastLook.kind == FileStatus::Kind::link;
     const bool hasChangedKind = seen.identity.isKnown() && lastLook.kind != seen.kind;
     if (isLink || hasChangedKind) {
         sentence = isLink ? messageOf(NameProblem::link) : defaultReason;

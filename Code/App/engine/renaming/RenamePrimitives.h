@@ -12,8 +12,9 @@
 
 namespace tavrin {
 
-/// The single rename of one item: refuses links and what is not the item that was read, tries the route of
-/// the mode and then the others, counts, and leaves the reason of a failure. Worker thread only.
+/// The single rename of one item: refuses links, unless they are wanted, and what is not the item that was
+/// read, tries the route of the mode and then the others, counts, and leaves the reason of a failure. Worker
+/// thread only.
 class RenamePrimitives {
   public:
     struct Parts {
@@ -28,6 +29,8 @@ class RenamePrimitives {
     void takeSettings(int renameMode, bool shouldCopyFileComments);
     /// From now on an item whose inode is not the one that was read is left alone.
     void beStrict() { strict = true; }
+    /// From now on links are renamed like other items.
+    void takeLinks() { takesLinks = true; }
     /// Told of an item that bears the name that was read and is another file: it has been saved anew.
     std::function<void(RowId, const FileIdentity&)> onReplaced = [](RowId, const FileIdentity&) {};
 
@@ -79,6 +82,7 @@ class RenamePrimitives {
     int mode = 0;
     bool copiesComments = false;
     bool strict = false;
+    bool takesLinks = false;
     std::string_view sentence;
     std::string detail;
     FileStatus lastLook;

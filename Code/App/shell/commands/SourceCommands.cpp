@@ -25,7 +25,8 @@ struct Group {
 
 /// Paths that are added one by one, folder by folder, in the order in which the folders come up.
 struct Adding {
-    explicit Adding(const std::vector<std::string>& given) : paths(given) {}
+    explicit Adding(const std::vector<std::string>& given, bool areLinksItems = false)
+        : paths(given), linksAreItems(areLinksItems) {}
 
     /// False when none is left. First of all they are grouped, many at once.
     bool addNext(SourceItemManager& items) {
@@ -42,7 +43,7 @@ struct Adding {
         const Group& current = groups[group];
         if (place == 0)
             isValid = items.checkPathValidity(current.folder);
-        if (!isValid || !items.addSourceItem(paths[current.places[place]]))
+        if (!isValid || !items.addSourceItem(paths[current.places[place]], linksAreItems))
             refused.push_back(current.places[place]);
         ++place;
         ++count;
@@ -64,6 +65,7 @@ struct Adding {
     }
 
     std::vector<std::string> paths;
+    bool linksAreItems;
     std::vector<Group> groups;
     std::unordered_map<std::string_view, std::size_t> groupOf; // folders of `paths`
     std::size_t grouped = 0;
@@ -87,7 +89,7 @@ const Alert someFilesNotAdded{
 } // namespace
 
 std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>& paths) {
-    Adding adding(paths);
+    Adding adding(paths, services.engine.selection().linksAreItems);
     while (adding.addNext(services.sourceItems))
         continue;
     std::vector<std::size_t>& refused = adding.refused;
@@ -97,6 +99,14 @@ std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>
     for (const std::size_t place : refused)
         result.push_back(paths[place]);
     return result;
+}
+
+std::optional<std::string> SourceCommands::addNestedPaths(const std::vector<std::string>& paths) {
+    const bool linksAreItems = services.engine.selection().linksAreItems;
+    const auto missing = std::ranges::find_if_not(paths, [&](const std::string& path) {
+        return services.sourceItems.addNestedItem(path, linksAreItems);
+    });
+    return missing == paths.end() ? std::nullopt : std::optional(*missing);
 }
 
 bool SourceCommands::addFilePaths(const std::vector<std::string>& paths, bool interactive) {

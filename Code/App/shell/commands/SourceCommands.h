@@ -4,6 +4,7 @@
 #include "shell/preview/SlicedWork.h"
 #include "store/rows/NodeRow.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,6 +22,8 @@ class SourceCommands {
 
     /// Adds what can be added; those that were refused, in the order given. Asks for no preview.
     std::vector<std::string> addPaths(const std::vector<std::string>& paths);
+    /// Adds paths that may lie inside each other, once each; the first at which nothing lies ends it.
+    std::optional<std::string> addNestedPaths(const std::vector<std::string>& paths);
     /// The way in for all additions of the user; always true. One alert speaks for all refusals. Of many
     /// paths the last may be added later, between other events.
     bool addFilePaths(const std::vector<std::string>& paths, bool interactive);

@@ -51,6 +51,8 @@ class StoreContext {
     void sort(std::vector<RowId>& rows, const std::vector<SortDescriptor>& order);
     /// The row with this absolute path, folders and ghosts first; staged inserts included.
     RowId nodeWithPath(std::string_view path);
+    /// The row of the folder with this absolute path; staged inserts included.
+    RowId folderWithPath(std::string_view path);
     /// The `File` row with this absolute path.
     RowId fileWithPath(std::string_view path);
     /// The rows whose `parent` is this one, in reading order.
@@ -98,8 +100,8 @@ class StoreContext {
     /// A new `File` row with the given parent; `finalName` is its name.
     RowId insertFile(RowId parent, std::string_view component, bool root, bool treatAsFolder,
                      std::int32_t manualOrder, const SeenItem& seen = {});
-    /// A new `GhostNode` for the folder at `path`.
-    RowId insertGhostNode(std::string_view path, const FileIdentity& identity = {});
+    /// A new `GhostNode` for the folder at `path`; with a parent where it lies in a folder that has a row.
+    RowId insertGhostNode(std::string_view path, const FileIdentity& identity = {}, RowId parent = noRow);
     /// Deletes the row and, by cascade, all below it.
     void deleteRow(RowId id);
     /// Deletes up to `limit` rows of any kind, from the front; the count deleted.

@@ -255,15 +255,17 @@ std::size_t StoreContext::childCount(RowId folder) {
 }
 
 RowId StoreContext::nodeWithPath(std::string_view path) {
+    const RowId folder = folderWithPath(path);
+    return folder != noRow ? folder : fileWithPath(path);
+}
+
+RowId StoreContext::folderWithPath(std::string_view path) {
     if (const auto found = impl->staged.foldersByPath.find(std::string(path));
         found != impl->staged.foldersByPath.end())
         return found->second;
-    {
-        const ItemStore::Access inside = impl->store.access();
-        if (const FolderTable::Folder* folder = inside->folders.withPath(path))
-            return folder->row;
-    }
-    return fileWithPath(path);
+    const ItemStore::Access inside = impl->store.access();
+    const FolderTable::Folder* folder = inside->folders.withPath(path);
+    return folder == nullptr ? noRow : folder->row;
 }
 
 RowId StoreContext::fileWithPath(std::string_view path) {

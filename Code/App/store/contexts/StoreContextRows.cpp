@@ -298,8 +298,9 @@ RowId StoreContext::insertFile(RowId parent, std::string_view component, bool ro
     return id;
 }
 
-RowId StoreContext::insertGhostNode(std::string_view path, const FileIdentity& identity) {
+RowId StoreContext::insertGhostNode(std::string_view path, const FileIdentity& identity, RowId parent) {
     NodeRow row;
+    row.parent = parent;
     row.entity = NodeEntity::ghostNode;
     row.treatAsFolder = true;
     row.setIdentity(identity);

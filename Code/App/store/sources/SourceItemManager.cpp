@@ -34,10 +34,11 @@ SourceItemManager& SourceItemManager::sharedInstance() {
     return *registeredInstance;
 }
 
-bool SourceItemManager::addSourceItem(const std::string& path) {
+bool SourceItemManager::addSourceItem(const std::string& path, bool linksAreItems) {
     debugLog("addSourceItem: {}", path);
     FileStatus status;
-    if (FileSystem::sharedInstance().followedStatus(path, status) != 0)
+    FileSystem& files = FileSystem::sharedInstance();
+    if ((linksAreItems ? files.status(path, status) : files.followedStatus(path, status)) != 0)
         return false;
     const bool isDirectory = status.kind == FileStatus::Kind::folder;
 
@@ -47,9 +48,29 @@ bool SourceItemManager::addSourceItem(const std::string& path) {
         return false;
     if (isDirectory && context.hasSourceItemBelow(path == "/" ? "" : path))
         return false;
-    context.insertSourceItem(path, isDirectory && !FileManager::instance().isBundle(path));
-    context.commit();
+    insert(context, path, isDirectory);
     return true;
+}
+
+bool SourceItemManager::addNestedItem(const std::string& path, bool linksAreItems) {
+    FileStatus status;
+    FileSystem& files = FileSystem::sharedInstance();
+    if (files.status(path, status) != 0)
+        return false;
+    FileStatus target;
+    if (status.kind == FileStatus::Kind::link && !linksAreItems && files.followedStatus(path, target) == 0)
+        status = target;
+
+    StoreContext& context = mainContext();
+    std::scoped_lock lock(context.mutex());
+    if (!context.sourceItemWithPath(path))
+        insert(context, path, status.kind == FileStatus::Kind::folder);
+    return true;
+}
+
+void SourceItemManager::insert(StoreContext& context, const std::string& path, bool isFolder) {
+    context.insertSourceItem(path, isFolder && !FileManager::instance().isBundle(path));
+    context.commit();
 }
 
 void SourceItemManager::removeItem(const std::string& path) {
@@ -70,7 +91,8 @@ void SourceItemManager::deleteRowsOf(const std::string& path, StoreContext& cont
     if (row == noRow)
         return; // no preview has read it yet
     const RowId parent = context.row(row).parent;
-    const bool isOnlyChild = parent != noRow && context.childCount(parent) == 1;
+    const bool isOnlyChild = parent != noRow && context.childCount(parent) == 1 &&
+                             context.row(parent).entity == NodeEntity::ghostNode;
     context.deleteRow(isOnlyChild ? parent : row);
 }
 

@@ -18,9 +18,12 @@ class SourceItemManager {
     /// The instance that the application made (registered by the constructor, withdrawn by the destructor).
     static SourceItemManager& sharedInstance();
 
-    /// False when nothing exists at the path (a link is followed), when it is on the list already, or when it
-    /// is a folder that holds something on the list.
-    bool addSourceItem(const std::string& path);
+    /// False when nothing exists at the path, when it is on the list already, or when it is a folder that
+    /// holds something on the list. A link is followed, unless links are items.
+    bool addSourceItem(const std::string& path, bool linksAreItems = false);
+    /// Adds what may lie inside another item, or hold others. False when nothing exists at the path; a link
+    /// does, wherever it leads. What is on the list already stays there once.
+    bool addNestedItem(const std::string& path, bool linksAreItems);
     void removeItem(const std::string& path);
     /// Deletes the row of a path on the list with all below it, and its folder's where it lies there alone.
     static void deleteRowsOf(const std::string& path, StoreContext& context);
@@ -32,6 +35,8 @@ class SourceItemManager {
     void resetCache();
 
   private:
+    void insert(StoreContext& context, const std::string& path, bool isFolder);
+
     std::function<StoreContext&()> mainContext;
 };
 

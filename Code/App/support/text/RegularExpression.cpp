@@ -42,7 +42,8 @@ struct RegularExpression::Impl {
     [[nodiscard]] bool end();
     [[nodiscard]] bool find();
     void readGroups(std::u16string_view subject);
-    void replace(std::u16string_view replacement);
+    void replace(std::u16string_view replacement, std::int32_t mode);
+    [[nodiscard]] std::int64_t countMatches();
 
     static UBool U_CALLCONV mayGoOn(const void* context, std::int32_t steps);
 
@@ -106,14 +107,26 @@ void RegularExpression::Impl::readGroups(std::u16string_view subject) {
     }
 }
 
-void RegularExpression::Impl::replace(std::u16string_view replacement) {
+std::int64_t RegularExpression::Impl::countMatches() {
+    std::int64_t count = 0;
+    while (find())
+        ++count;
+    uregex_reset(expression.get(), 0, &status);
+    return count;
+}
+
+void RegularExpression::Impl::replace(std::u16string_view replacement, std::int32_t mode) {
+    const std::int64_t count = mode > 6 ? countMatches() : 0; // the others count from the start
     if (replacement.size() > mostUnits)
         status = U_BUFFER_OVERFLOW_ERROR;
     char16_t* at = replaced.data();
     auto room = text::icu::length(replaced);
-    while (find())
-        uregex_appendReplacement(expression.get(), address(replacement), text::icu::length(replacement), &at,
-                                 &room, &status);
+    for (std::int64_t index = 0; find(); ++index) {
+        // ICU goes on from the last match, so others are to be copied.
+        const auto text = isOccurrenceMeant(mode, index, count) ? replacement : u"$0";
+        uregex_appendReplacement(expression.get(), address(text), text::icu::length(text), &at, &room,
+                                 &status);
+    }
     uregex_appendTail(expression.get(), &at, &room, &status);
     replaced.resize(static_cast<std::size_t>(at - replaced.data()));
 }
@@ -138,10 +151,10 @@ RegularExpression::captureComponentsMatched(std::u16string_view subject) {
 }
 
 bool RegularExpression::replaceOccurrences(std::u16string_view subject, std::u16string_view replacement,
-                                           std::u16string& result) {
+                                           std::u16string& result, std::int32_t mode) {
     if (impl->begin(subject)) {
         impl->replaced.resize(mostUnits);
-        impl->replace(replacement);
+        impl->replace(replacement, mode);
     }
     if (!impl->end())
         return false;

@@ -32,10 +32,10 @@ class RegularExpression {
     /// empty. No groups without a match and after a failure. Valid until the next call.
     [[nodiscard]] std::span<const std::u16string_view> captureComponentsMatched(std::u16string_view subject);
 
-    /// Appends the subject with all matches replaced by ICU's replacement text ("$1", a backslash escapes).
-    /// False after a failure, with `result` as it was.
+    /// Appends the subject with the matches that `mode` means (see isOccurrenceMeant) replaced by ICU's
+    /// replacement text ("$1", a backslash escapes). False after a failure, with `result` as it was.
     [[nodiscard]] bool replaceOccurrences(std::u16string_view subject, std::u16string_view replacement,
-                                          std::u16string& result);
+                                          std::u16string& result, std::int32_t mode = 0);
 
     /// Why the last operation failed, or why the pattern is refused before there was one; else empty.
     [[nodiscard]] std::string failure() const;

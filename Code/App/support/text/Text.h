@@ -70,6 +70,7 @@ std::u16string_view firstComposedSequence(std::u16string_view text);
 
 /// Classes by Unicode general category. A lone surrogate is in none.
 bool isLetter(char32_t c);              ///< L*, M*
+bool isMark(char32_t c);                ///< M*
 bool isUppercaseLetter(char32_t c);     ///< Lu, Lt
 bool isLowercaseLetter(char32_t c);     ///< Ll
 bool isWhitespaceOrNewline(char32_t c); ///< Z*, U+0009 to U+000D, U+0085

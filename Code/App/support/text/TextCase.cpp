@@ -113,6 +113,7 @@ bool hasCategory(char32_t c, std::uint32_t categories) {
 } // namespace
 
 bool isLetter(char32_t c) { return hasCategory(c, U_GC_L_MASK | U_GC_M_MASK); }
+bool isMark(char32_t c) { return hasCategory(c, U_GC_M_MASK); }
 bool isUppercaseLetter(char32_t c) { return hasCategory(c, U_GC_LU_MASK | U_GC_LT_MASK); }
 bool isLowercaseLetter(char32_t c) { return hasCategory(c, U_GC_LL_MASK); }
 bool isWhitespaceOrNewline(char32_t c) {

@@ -16,6 +16,12 @@ struct TextRange {
     bool operator==(const TextRange&) const = default;
 };
 
+/// Which matches of several are meant: 0 all, 1 to 6 the first to the sixth, 7 and above the last, the second
+/// to last and so on. `index` counts from 0.
+[[nodiscard]] constexpr bool isOccurrenceMeant(std::int32_t mode, std::int64_t index, std::int64_t count) {
+    return mode == 0 || (mode <= 6 ? index == mode - 1 : index == count + 6 - std::int64_t{mode});
+}
+
 /// Whether a search ignores case.
 enum class CaseSensitivity { sensitive, insensitive };
 

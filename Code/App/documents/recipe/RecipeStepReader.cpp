@@ -1,0 +1,678 @@
+#include "documents/recipe/RecipeStepReader.h"
+
+#include "documents/recipe/RecipeDates.h"
+#include "support/text/Text.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+
+namespace tavrin {
+
+namespace {
+
+using Kind = RecipeSynonym::Kind;
+using Expected = RecipeStepReader::Expected;
+
+struct Answer {
+    std::string_view word;
+    std::string_view hint;
+};
+
+/// Verbs that seem near and would do something else.
+constexpr Answer nearVerbs[]{
+    {"tr", "replace-chars AB C puts C in the place of each A and B"},
+    {"pad", "renumber digits=3 fills up numbers, number end digits=3 adds one"},
+    {"strip", "trim end takes blanks away, remove TEXT and cut take others"},
+    {"camel", "split-camel parts the words of CamelCase"},
+    {"all", "whole is the whole name, every stands for all occurrences"},
+};
+
+/// Kept for what may come; no text that means something else today will ever hold them.
+constexpr std::array<std::string_view, 9> reservedWords{"if",   "unless", "with",      "into", "tidy",
+                                                        "swap", "ascii",  "normalize", "lua"};
+
+constexpr std::string_view allHint = nearVerbs[4].hint;
+
+/// The token as a word of the language may be written: bare and of ASCII; else empty.
+std::string asciiOf(const RecipeToken& token) {
+    return token.isQuoted || !text::isAscii(token.text) ? std::string() : text::toUtf8(token.text);
+}
+
+std::string shown(const RecipeToken& token) { return text::toUtf8(token.text); }
+
+bool looksLikeNumber(const RecipeToken& token) {
+    const std::string word = asciiOf(token);
+    return !word.empty() &&
+           word.find_first_not_of("0123456789", word[0] == '-' || word[0] == '+' ? 1 : 0) == word.npos &&
+           word.back() >= '0' && word.back() <= '9';
+}
+
+[[noreturn]] void fail(const RecipeToken& token, std::string message, std::string hint = {}) {
+    throw RecipeMistake{token.place, std::move(message), std::move(hint)};
+}
+
+/// The form of a place, for messages.
+std::string_view formOf(Place place) {
+    constexpr std::array<std::string_view, 6> forms{"",          "start",       "end",
+                                                    "at NUMBER", "before TEXT", "after TEXT"};
+    return forms.at(static_cast<std::size_t>(place));
+}
+
+} // namespace
+
+PropertyDictionary RecipeStepReader::read() {
+    if (const auto slash = lexer.slash())
+        takeSlash(*slash);
+    else
+        takeVerb();
+    do
+        next = Expected::word;
+    while (takeWord());
+    ended = true;
+    return finish();
+}
+
+// ---- the verb and its texts
+
+void RecipeStepReader::takeVerb() {
+    verb = lexer.next();
+    if (verb.isQuoted) {
+        takeStoredName(verb);
+        return;
+    }
+    verbWord = asciiOf(verb);
+    const auto* synonym = findSynonym(Kind::verb, verbWord);
+    if (synonym)
+        verbWord = synonym->meaning;
+    if (verbWord.size() > 1)
+        group = vocabulary.withVerb(verbWord);
+    if (group.empty())
+        failVerb(verb);
+    left = group;
+    if (synonym && synonym->place != Place::wholeName)
+        takePlace(synonym->place, verb);
+    takeRequiredTexts();
+}
+
+void RecipeStepReader::takeStoredName(const RecipeToken& token) {
+    isByName = true;
+    storedName = text::toUtf8(token.text);
+    if (const auto* action = vocabulary.named(storedName))
+        left = group = {action};
+}
+
+void RecipeStepReader::takeRequiredTexts() {
+    const auto& rows = left.front()->texts();
+    const std::size_t needed = left.front()->requiredTexts();
+    while (texts.size() < needed) {
+        next = Expected::text;
+        const std::size_t start = lexer.position();
+        auto token = lexer.next();
+        if (!token.isText()) {
+            lexer.goTo(start);
+            const bool isNumber = !rows[texts.size()]->isText();
+            ended = token.isEnd;
+            fail(verb,
+                 fmt::format("\"{}\" needs {} {}{}", shown(verb), needed, isNumber ? "number" : "text",
+                             needed == 1 ? "" : "s"),
+                 isNumber ? "" : "an empty text is \"\"");
+        }
+        texts.push_back(std::move(token));
+    }
+}
+
+void RecipeStepReader::takeSlash(const RecipeSlash& slash) {
+    verb.place = slash.place;
+    verbWord = slash.letter;
+    verb.text = text::fromUtf8(verbWord);
+    isSlash = true;
+    left = group = vocabulary.withVerb(verbWord);
+    if (left.empty())
+        failVerb(verb);
+    for (const auto& part : {slash.pattern, slash.replacement}) {
+        RecipeToken token;
+        token.place = slash.place;
+        token.text = part;
+        texts.push_back(std::move(token));
+    }
+    texts.back().place = slash.replacementPlace;
+    takeFlags(slash);
+}
+
+/// As in sed, the case of letters counts unless `i` is said, and only the first match is meant unless `g` or
+/// a number is.
+void RecipeStepReader::takeFlags(const RecipeSlash& slash) {
+    const RecipeAction& action = *left.front();
+    const auto* caseWord = action.word("case", "");
+    const bool hasOccurrences = action.word("1st", "") != nullptr;
+    bool ignoresCase = false;
+    std::string_view occurrence;
+    for (std::size_t i = 0; i < slash.flags.size(); ++i) {
+        const char16_t flag = slash.flags[i];
+        constexpr std::array<std::string_view, 6> counted{"1st", "2nd", "3rd", "4th", "5th", "6th"};
+        if (flag == u'i' && !ignoresCase)
+            ignoresCase = true;
+        else if (hasOccurrences && occurrence.empty() && flag == u'g')
+            occurrence = "every";
+        else if (hasOccurrences && occurrence.empty() && flag >= u'1' && flag <= u'6')
+            occurrence = counted.at(flag - u'1');
+        else
+            throw RecipeMistake{{slash.flagsStart + i, 1},
+                                fmt::format("\"{}\" is no flag here", text::toUtf8(slash.flags.substr(i, 1))),
+                                hasOccurrences ? "flags are i, and g or one of 1 to 6"
+                                               : "the only flag is i"};
+    }
+    RecipeToken flags;
+    flags.place = {slash.flagsStart, slash.flags.size()};
+    flags.text = slash.flags;
+    if (!ignoresCase)
+        assign(*caseWord->row, caseWord->value, flags);
+    if (!occurrence.empty())
+        assign(*action.word(occurrence, "")->row, action.word(occurrence, "")->value, flags);
+    else if (hasOccurrences)
+        usual = Assignment{action.word("1st", "")->row, action.word("1st", "")->value, {}};
+}
+
+// ---- words
+
+bool RecipeStepReader::takeWord() {
+    if (takeStored())
+        return true;
+    const std::size_t start = lexer.position();
+    const auto token = lexer.next();
+    if (!token.isText()) {
+        lexer.goTo(start);
+        return false;
+    }
+    const std::string word = asciiOf(token);
+    const auto* synonym = findSynonym(Kind::word, word);
+    if (!word.empty() && (takeKnownWord(word, token) || (synonym && takeKnownWord(synonym->meaning, token))))
+        return true;
+    if (!isByName && (takeOption(token) || takeOptionalText(token)))
+        return true;
+    failWord(token);
+}
+
+bool RecipeStepReader::takeStored() {
+    const std::size_t start = lexer.position();
+    const auto key = lexer.storedKey();
+    if (!key)
+        return false;
+    RecipeToken token;
+    token.place = {start, lexer.position() - start};
+    auto name = left.empty() ? text::toUtf8(*key) : BaseAction::internalKeyToExternalKey(text::toUtf8(*key));
+    if (std::ranges::find(stored, name, &StoredEntry::key) != stored.end())
+        fail(token, fmt::format("\"{}\" comes twice", name));
+    stored.push_back({std::move(name), lexer.literal()});
+    return true;
+}
+
+bool RecipeStepReader::takeKnownWord(std::string_view word, const RecipeToken& token) {
+    if (isByName) {
+        if (word != "off")
+            return false;
+        if (std::ranges::find(loneWords, word, &Said::word) != loneWords.end())
+            fail(token, "\"off\" comes twice");
+        loneWords.push_back({"off", "", token});
+        return true;
+    }
+    for (const Place each : {Place::start, Place::end, Place::position, Place::beforeText, Place::afterText})
+        if (word == wordOf(each) && hasPlace(each)) {
+            takePlace(each, token);
+            return true;
+        }
+    if (left.front()->hasPhrase(word) && !place) {
+        takePhrase(word, token);
+        return true;
+    }
+    return takeLoneWord(word, token);
+}
+
+bool RecipeStepReader::hasPlace(Place wanted) const {
+    return std::ranges::any_of(group, [&](const auto* each) { return each->entry().recipe.place == wanted; });
+}
+
+void RecipeStepReader::takePlace(Place wanted, const RecipeToken& token) {
+    if (place)
+        fail(token, fmt::format("\"{}\" has a place already", shown(verb)));
+    std::erase_if(left, [&](const auto* each) { return each->entry().recipe.place != wanted; });
+    if (left.empty())
+        fail(token, fmt::format("\"{}\" does not go with the words in front of it", shown(token)));
+    place = wanted;
+    scope = {};
+    if (left.front()->hasPhrase(wordOf(wanted)))
+        takePhrase(wordOf(wanted), token);
+}
+
+void RecipeStepReader::takePhrase(std::string_view word, const RecipeToken& token) {
+    const RecipeAction& action = *left.front();
+    const ParameterDescription* textRow = nullptr;
+    const ParameterDescription* numberRow = nullptr;
+    for (const auto& row : action.rows())
+        if (row.form == RecipeForm::phrase && row.word == word)
+            (row.isText() ? textRow : numberRow) = &row;
+    scope = (textRow ? textRow : numberRow)->word;
+    phraseInHand = nullptr;
+    const bool isBound = textRow && !textRow->sideKey.empty();
+    next = isBound ? Expected::bound : Expected::text;
+    const std::size_t start = lexer.position();
+    const auto value = lexer.next();
+    if (value.isText() && isBound && takeBound(*textRow, numberRow, value))
+        return;
+    if (value.isText() && numberRow && looksLikeNumber(value)) {
+        phraseInHand = numberRow;
+        assignMode(*numberRow, token);
+        assignNumber(action, *numberRow, value, value.text);
+        return;
+    }
+    if (value.isText() && textRow && !isBound) {
+        phraseInHand = textRow;
+        assign(*textRow, value.text, value);
+        return;
+    }
+    lexer.goTo(start);
+    ended = value.isEnd;
+    fail(value.isText() ? value : token,
+         fmt::format("behind \"{}\" comes {}", shown(token),
+                     !numberRow ? "a text"
+                     : isBound  ? "a number, start, end, before TEXT or after TEXT"
+                                : "a number"));
+}
+
+bool RecipeStepReader::takeBound(const ParameterDescription& textRow, const ParameterDescription* numberRow,
+                                 const RecipeToken& token) {
+    const RecipeAction& action = *left.front();
+    const std::string given = asciiOf(token);
+    const auto* synonym = findSynonym(Kind::word, given);
+    const std::string_view word = synonym ? synonym->meaning : std::string_view(given);
+    const auto& sideRow = *action.row(textRow.sideKey);
+    const auto side = std::ranges::find(sideRow.choices, word, &ParameterChoice::word);
+    if (!word.empty() && side != sideRow.choices.end()) {
+        next = Expected::text;
+        const auto text = lexer.next();
+        ended = text.isEnd;
+        if (!text.isText())
+            fail(token, fmt::format("behind \"{}\" comes a text", given));
+        phraseInHand = &textRow;
+        assignMode(textRow, token);
+        assign(sideRow, side->value, token);
+        assign(textRow, text.text, text);
+        return true;
+    }
+    if (word != "start" && word != "end")
+        return false;
+    phraseInHand = numberRow;
+    assignMode(*numberRow, token);
+    assignNumber(action, *numberRow, token, word == "start" ? u"0" : u"-0");
+    return true;
+}
+
+/// Behind a phrase the word is that of the phrase, if it has such a one, else that of the step.
+bool RecipeStepReader::takeLoneWord(std::string_view word, const RecipeToken& token) {
+    if (isSlash && word == "case")
+        return false;
+    if (!scope.empty())
+        if (const auto* own = left.front()->word(word, scope); own && isAllowed(*own)) {
+            loneWords.push_back({own->word, scope, token});
+            return true;
+        }
+    const RecipeAction::Word* found = nullptr;
+    for (const auto* action : left)
+        if (const auto* own = action->word(word, ""))
+            found = own;
+    if (!found)
+        return false;
+    loneWords.push_back({found->word, "", token});
+    std::erase_if(left, [&](const auto* action) { return action->word(word, "") == nullptr; });
+    return true;
+}
+
+/// A word of a phrase may be of use behind one of its forms alone.
+bool RecipeStepReader::isAllowed(const RecipeAction::Word& word) const {
+    return phraseInHand &&
+           (word.row->shownWhenKey.empty() || (word.row->shownWhenKey == phraseInHand->shownWhenKey &&
+                                               word.row->shownWhenValue == phraseInHand->shownWhenValue));
+}
+
+bool RecipeStepReader::takeOption(const RecipeToken& token) {
+    const std::size_t equals = token.text.find(u'=');
+    if (equals >= token.bareUnits)
+        return false;
+    const std::string given = text::toUtf8(token.text.substr(0, equals));
+    const auto* synonym = findSynonym(Kind::option, given);
+    for (const std::string_view name : {std::string_view(given), synonym ? synonym->meaning : ""}) {
+        const ParameterDescription* found = nullptr;
+        for (const auto* action : left)
+            if (const auto* row = name.empty() ? nullptr : action->option(name))
+                found = row;
+        if (!found)
+            continue;
+        options.push_back({found->word, "", token});
+        std::erase_if(left, [&](const auto* action) { return action->option(found->word) == nullptr; });
+        return true;
+    }
+    return false;
+}
+
+bool RecipeStepReader::mayTakeText() const {
+    if (isByName || left.empty())
+        return false;
+    const auto& rows = left.front()->texts();
+    return texts.size() < rows.size() ? rows[texts.size()]->isText()
+                                      : texts.size() == rows.size() && !left.front()->dateRows().empty();
+}
+
+bool RecipeStepReader::takeOptionalText(const RecipeToken& token) {
+    const auto& rows = left.front()->texts();
+    const bool isNumber = texts.size() < rows.size() && !rows[texts.size()]->isText();
+    if (isNumber ? !looksLikeNumber(token) : !mayTakeText())
+        return false;
+    const bool isFirst = loneWords.empty() && options.empty() && !place && scope.empty();
+    if (!token.isQuoted && !isFirst && !isNumber)
+        return false;
+    texts.push_back(token);
+    return true;
+}
+
+// ---- the parameters
+
+void RecipeStepReader::assign(const ParameterDescription& row, PropertyValue value,
+                              const RecipeToken& token) {
+    const auto before = std::ranges::find(assignments, &row, &Assignment::row);
+    if (before != assignments.end())
+        fail(token, before->value == value
+                        ? fmt::format("\"{}\" comes twice", shown(token))
+                        : fmt::format("\"{}\" contradicts \"{}\"", shown(token), before->shown));
+    assignments.push_back({&row, std::move(value), shown(token)});
+}
+
+void RecipeStepReader::assignMode(const ParameterDescription& row, const RecipeToken& token) {
+    if (row.shownWhenKey.empty())
+        return;
+    const auto& mode = *left.front()->row(row.shownWhenKey);
+    const auto before = std::ranges::find(assignments, &mode, &Assignment::row);
+    if (before != assignments.end())
+        fail(token, fmt::format("the end of \"{}\" is told twice", before->shown));
+    assignments.push_back({&mode, row.shownWhenValue, std::string(row.word)});
+}
+
+/// Numbers are told as they are shown. A sign that has a row of its own is no part of the number.
+void RecipeStepReader::assignNumber(const RecipeAction& action, const ParameterDescription& row,
+                                    const RecipeToken& token, std::u16string_view digits) {
+    const bool hasSignRow = !row.signKey.empty();
+    std::string number = text::toUtf8(digits);
+    const bool isNegative = number.starts_with('-');
+    if (hasSignRow && (isNegative || number.starts_with('+')))
+        number.erase(0, 1);
+    std::int64_t value = 0;
+    const char* const end = number.data() + number.size();
+    const auto result = std::from_chars(number.data(), end, value);
+    const bool isNumber = !number.empty() && result.ptr == end && result.ec != std::errc::invalid_argument &&
+                          !(hasSignRow && number.starts_with('-'));
+    const std::string range =
+        row.minimum == std::numeric_limits<std::int32_t>::min()
+            ? "a whole number"
+            : fmt::format("a number from {} to {}", std::int64_t{row.minimum} + row.shownOffset,
+                          std::int64_t{row.maximum} + row.shownOffset);
+    if (!isNumber)
+        fail(token, fmt::format("\"{}\" is no number", text::toUtf8(digits)), range);
+    value -= row.shownOffset;
+    if (result.ec != std::errc() || value < row.minimum || value > row.maximum)
+        fail(token, fmt::format("{} is out of range", text::toUtf8(digits)), range);
+    assign(row, value, token);
+    if (hasSignRow)
+        assign(*action.row(row.signKey), isNegative ? 1 : 0, token);
+}
+
+void RecipeStepReader::assignTexts(const RecipeAction& action) {
+    const auto& rows = action.texts();
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i == rows.size()) {
+            assignDate(action, texts[i]);
+        } else if (rows[i]->isText()) {
+            assign(*rows[i], texts[i].text, texts[i]);
+        } else {
+            if (texts[i].isQuoted)
+                fail(texts[i], "a number stands without quotes");
+            assignNumber(action, *rows[i], texts[i], texts[i].text);
+        }
+    }
+}
+
+void RecipeStepReader::assignDate(const RecipeAction& action, const RecipeToken& token) {
+    const auto choice = recipe::dateChoice(shown(token), action);
+    if (!choice) {
+        const auto patterns = recipe::usualDateTexts(action);
+        std::vector<RecipeCandidate> allowed = candidates();
+        for (const auto& text : patterns)
+            allowed.push_back({text, ""});
+        std::string nearest = didYouMean(shown(token), allowed);
+        fail(token, fmt::format("\"{}\" is no pattern of a date", shown(token)),
+             nearest.empty() ? "patterns are like YYYY-MM-DD, HHmm_YYYYMMDD, \"MMMM DD, YYYY\"" : nearest);
+    }
+    for (std::size_t i = 0; i < choice->size(); ++i)
+        assign(*action.dateRows()[i], choice->at(i), token);
+}
+
+void RecipeStepReader::assignWords(const RecipeAction& action) {
+    for (const auto& said : loneWords) {
+        const auto* word = action.word(said.word, said.scope);
+        if (!word)
+            fail(said.token, fmt::format("\"{}\" does not go with the words behind it", shown(said.token)));
+        assign(*word->row, word->value, said.token);
+    }
+    for (const auto& said : options)
+        assignOption(action, said);
+    if (usual && std::ranges::find(assignments, usual->row, &Assignment::row) == assignments.end())
+        assignments.push_back(*usual);
+}
+
+void RecipeStepReader::assignOption(const RecipeAction& action, const Said& said) {
+    const auto* row = action.option(said.word);
+    if (!row)
+        fail(said.token, fmt::format("\"{}=\" does not go with the words behind it", said.word));
+    const std::size_t start = said.token.text.find(u'=') + 1;
+    RecipeToken value = said.token;
+    value.text.erase(0, start);
+    if (row->isText()) {
+        assign(*row, value.text, value);
+        return;
+    }
+    if (value.isQuoted)
+        fail(said.token, fmt::format("the value of \"{}=\" stands without quotes", said.word));
+    if (row->choices.empty()) {
+        assignNumber(action, *row, value, value.text);
+        return;
+    }
+    const std::string given = text::toUtf8(value.text);
+    const bool isBackwards = given.starts_with('-');
+    const auto canonical = [&](std::string_view word) -> std::string {
+        for (const auto kind : {Kind::word, Kind::order})
+            if (const auto* synonym = findSynonym(kind, word);
+                synonym && !(isBackwards && synonym->meaning.starts_with('-')))
+                return std::string(synonym->meaning);
+        return std::string(word);
+    };
+    std::vector<RecipeCandidate> allowed;
+    for (const auto& choice : row->choices) {
+        const std::string meant =
+            isBackwards ? "-" + canonical(std::string_view(given).substr(1)) : canonical(given);
+        if (choice.word == given || choice.word == meant) {
+            assign(*row, choice.value, said.token);
+            return;
+        }
+        allowed.push_back({std::string(choice.word), choice.label});
+    }
+    fail(said.token, fmt::format("\"{}=\" does not know \"{}\"", said.word, given),
+         didYouMean(given, std::move(allowed)));
+}
+
+/// Of phrases that are forms of the same thing, one must be there unless it may be left out.
+void RecipeStepReader::checkPhrases(const RecipeAction& action) {
+    for (const auto& row : action.rows()) {
+        if (row.form != RecipeForm::phrase || row.mayBeLeftOut || row.shownWhenKey.empty())
+            continue;
+        const auto* const mode = action.row(row.shownWhenKey);
+        if (std::ranges::find(assignments, mode, &Assignment::row) == assignments.end())
+            fail(verb, fmt::format("\"{}\" needs an end", shown(verb)),
+                 "to NUMBER, to before TEXT, to after TEXT or for NUMBER");
+    }
+}
+
+const RecipeAction& RecipeStepReader::chosenAction() {
+    if (place)
+        return *left.front();
+    const auto whole = std::ranges::find(left, Place::wholeName,
+                                         [](const auto* each) { return each->entry().recipe.place; });
+    if (whole != left.end())
+        return **whole;
+    std::string places;
+    for (const auto* action : left)
+        places += fmt::format("{}{}", places.empty() ? "" : ", ", formOf(action->entry().recipe.place));
+    fail(verb, fmt::format("\"{}\" needs a place", shown(verb)), "it is one of " + places);
+}
+
+/// Other tools write groups so.
+void RecipeStepReader::noteOnReplacement() {
+    const std::u16string_view replacement = texts.back().text;
+    for (std::size_t i = 0; i + 1 < replacement.size(); ++i)
+        if (replacement[i] == u'\\' && replacement[++i] >= u'1' && replacement[i] <= u'9') {
+            const char digit = static_cast<char>(replacement[i]);
+            remarks.push_back(
+                {texts.back().place, fmt::format("\"\\{0}\" is the digit {0}", digit), "groups are $1"});
+            return;
+        }
+}
+
+PropertyDictionary RecipeStepReader::finish() {
+    PropertyDictionary parameters;
+    std::string name = storedName;
+    if (!left.empty()) {
+        const RecipeAction& action = isByName ? *left.front() : chosenAction();
+        left = {&action};
+        if (!isByName) {
+            assignTexts(action);
+            checkPhrases(action);
+        }
+        assignWords(action);
+        name = action.entry().name;
+        parameters = action.defaults();
+        for (auto& each : assignments)
+            parameters.insert_or_assign(std::string(each.row->key), std::move(each.value));
+        if (action.entry().recipe.slash == 's' && !isByName)
+            noteOnReplacement();
+    } else if (!loneWords.empty()) {
+        parameters.emplace("active", 0);
+    }
+    for (auto& [key, value] : stored)
+        parameters.insert_or_assign(std::move(key), std::move(value));
+    return {{"action name", text::fromUtf8(name)}, {"action parameter list", std::move(parameters)}};
+}
+
+// ---- what may come, and what was meant
+
+std::vector<RecipeCandidate> RecipeStepReader::candidates() const {
+    std::vector<RecipeCandidate> all;
+    const auto add = [&](std::string word, std::string_view about) {
+        if (std::ranges::find(all, word, &RecipeCandidate::word) == all.end())
+            all.push_back({std::move(word), about});
+    };
+    const auto isSaid = [&](const ParameterDescription& row) {
+        const auto isOf = [&](const Said& said) {
+            const auto* word = left.front()->word(said.word, said.scope);
+            return word && word->row->key == row.key;
+        };
+        return std::ranges::any_of(assignments, [&](const auto& each) { return each.row->key == row.key; }) ||
+               std::ranges::any_of(loneWords, isOf);
+    };
+    if (next == Expected::verb) {
+        for (const auto verbOf : vocabulary.verbs())
+            add(std::string(verbOf), vocabulary.withVerb(verbOf).front()->entry().label);
+        return all;
+    }
+    if (next == Expected::bound)
+        return {{"start", ""}, {"end", ""}, {"before", ""}, {"after", ""}};
+    if (isByName)
+        return {{"off", ""}};
+    if (!place)
+        for (const auto* action : left)
+            if (const auto word = wordOf(action->entry().recipe.place); !word.empty())
+                add(std::string(word), action->entry().label);
+    for (const auto* action : left) {
+        for (const auto& row : action->rows())
+            if (row.form == RecipeForm::phrase && wordOf(action->entry().recipe.place) != row.word &&
+                !isSaid(*action->row(row.shownWhenKey)))
+                add(std::string(row.word), row.label);
+        for (const auto& word : action->words())
+            if ((word.row->scope.empty() ? !(isSlash && word.word == "case")
+                                         : word.row->scope == scope && isAllowed(word)) &&
+                !isSaid(*word.row))
+                add(std::string(word.word), word.row->label);
+        for (const auto& row : action->rows())
+            if (row.form == RecipeForm::option &&
+                std::ranges::find(options, row.word, &Said::word) == options.end())
+                add(std::string(row.word) + "=", row.label);
+    }
+    return all;
+}
+
+std::string RecipeStepReader::didYouMean(std::string_view word, std::vector<RecipeCandidate> allowed) const {
+    std::vector<std::string_view> known;
+    for (const auto& each : allowed)
+        known.push_back(each.word);
+    for (const auto& synonym : recipeSynonyms()) {
+        const bool isVerb = synonym.kind == Kind::verb;
+        const bool isOption = synonym.kind == Kind::option;
+        const std::string meaning = std::string(synonym.meaning) + (isOption ? "=" : "");
+        if (isVerb == (next == Expected::verb) && !isOption &&
+            (isVerb || std::ranges::find(allowed, meaning, &RecipeCandidate::word) != allowed.end()))
+            known.push_back(synonym.synonym);
+    }
+    if (const auto nearest = nearestWord(word, known); !nearest.empty())
+        return fmt::format("did you mean \"{}\"?", nearest);
+    if (allowed.empty())
+        return {};
+    return fmt::format("here may stand {}; it may come from a newer version of tvrn",
+                       fmt::join(std::span(known).first(allowed.size()), ", "));
+}
+
+void RecipeStepReader::failVerb(const RecipeToken& token) const {
+    const std::string word = shown(token);
+    const auto* const near = std::ranges::find(nearVerbs, word, &Answer::word);
+    if (near != std::end(nearVerbs))
+        fail(token, fmt::format("there is no verb \"{}\"", word), std::string(near->hint));
+    if (std::ranges::find(reservedWords, word) != reservedWords.end())
+        fail(token, fmt::format("\"{}\" has no meaning yet", word),
+             "it may come from a newer version of tvrn");
+    fail(token, fmt::format("there is no verb \"{}\"", word), didYouMean(word, candidates()));
+}
+
+void RecipeStepReader::failWord(const RecipeToken& token) const {
+    const std::string word = shown(token);
+    if (isByName)
+        fail(token, fmt::format("behind a stored name comes KEY:=VALUE, not \"{}\"", word));
+    const auto* const textBefore = texts.empty() ? nullptr : &texts.back();
+    if (textBefore && !isSlash && !place && !asciiOf(*textBefore).empty()) {
+        const std::string last = asciiOf(*textBefore);
+        const auto* synonym = findSynonym(Kind::word, last);
+        for (const Place each :
+             {Place::start, Place::end, Place::position, Place::beforeText, Place::afterText})
+            if (hasPlace(each) && wordOf(each) == (synonym ? synonym->meaning : std::string_view(last)))
+                fail(token, "the text stands before the place",
+                     fmt::format("{} TEXT {}", shown(verb), formOf(each)));
+    }
+    if (word == "all")
+        fail(token, fmt::format("\"{}\" does not know \"all\"", shown(verb)), std::string(allHint));
+    std::string hint = token.isQuoted ? std::string() : didYouMean(word, candidates());
+    fail(token,
+         token.isQuoted ? fmt::format("\"{}\" takes no further text", shown(verb))
+                        : fmt::format("\"{}\" does not know \"{}\"", shown(verb), word),
+         std::move(hint));
+}
+
+} // namespace tavrin

@@ -1,0 +1,101 @@
+#include "documents/recipe/RecipeText.h"
+
+#include "documents/recipe/RecipePrinter.h"
+#include "documents/recipe/RecipeStepReader.h"
+#include "support/text/DisplayText.h"
+#include "support/text/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tavrin::RecipeText {
+
+namespace {
+
+constexpr const char* stepsKey = "composite actions array";
+
+/// Each thread has actions of its own to ask.
+RecipeVocabulary& vocabulary() {
+    thread_local RecipeVocabulary words;
+    return words;
+}
+
+std::string shownText(std::u16string_view text) { return display::visible(text); }
+
+std::size_t columnsOf(std::u16string_view text) { return display::columns(text::fromUtf8(shownText(text))); }
+
+Remark remarkOn(std::u16string_view recipe, const RecipeMistake& mistake) {
+    const std::size_t at = std::min(mistake.place.location, recipe.size());
+    const std::size_t before = recipe.substr(0, at).rfind(u'\n');
+    const std::size_t start = before == recipe.npos ? 0 : before + 1;
+    const std::size_t end = std::min(recipe.find(u'\n', at), recipe.size());
+    const std::size_t placeEnd = std::clamp(mistake.place.end(), at, end);
+    Remark remark;
+    remark.line = 1 + static_cast<std::size_t>(std::ranges::count(recipe.substr(0, at), u'\n'));
+    remark.column = 1 + columnsOf(recipe.substr(start, at - start));
+    remark.length = std::max<std::size_t>(columnsOf(recipe.substr(at, placeEnd - at)), 1);
+    remark.message = display::visible(mistake.message);
+    remark.hint = display::visible(mistake.hint);
+    remark.excerpt = shownText(recipe.substr(start, end - start));
+    return remark;
+}
+
+} // namespace
+
+std::string Remark::sentence() const { return hint.empty() ? message : message + "; " + hint; }
+
+std::variant<Reading, Remark> read(std::u16string_view recipe) {
+    try {
+        if (recipe.size() > mostUnits)
+            throw RecipeMistake{{mostUnits, 1}, fmt::format("a recipe has at most {} characters", mostUnits)};
+        RecipeLexer lexer(recipe);
+        Reading reading;
+        PropertyArray steps;
+        for (;;) {
+            const std::size_t start = lexer.position();
+            const auto slash = lexer.slash();
+            if (!slash) {
+                const auto token = lexer.next();
+                if (token.isEnd)
+                    break;
+                if (token.isSeparator)
+                    continue;
+            }
+            lexer.goTo(start);
+            if (steps.size() == mostSteps)
+                throw RecipeMistake{{start, 1}, fmt::format("a recipe has at most {} steps", mostSteps)};
+            RecipeStepReader step(lexer, vocabulary());
+            steps.emplace_back(step.read());
+            for (const auto& note : step.notes())
+                reading.notes.push_back(remarkOn(recipe, note));
+        }
+        if (steps.empty())
+            throw RecipeMistake{{0, recipe.size()}, "there is no step in it"};
+        reading.flatParameterList = {{"currentActionIndex", 0}, {stepsKey, std::move(steps)}};
+        return reading;
+    } catch (const RecipeMistake& mistake) {
+        return remarkOn(recipe, mistake);
+    }
+}
+
+std::vector<std::u16string> writeSteps(const PropertyDictionary& flatParameterList) {
+    std::vector<std::u16string> lines;
+    RecipePrinter printer(vocabulary());
+    const auto* list = find(flatParameterList, stepsKey);
+    const auto* steps = list ? list->asArray() : nullptr;
+    if (steps)
+        for (const auto& step : *steps)
+            if (const auto* content = step.asDictionary())
+                lines.push_back(printer.step(*content));
+    return lines;
+}
+
+std::u16string write(const PropertyDictionary& flatParameterList) {
+    std::u16string text;
+    for (const auto& step : writeSteps(flatParameterList))
+        (text += text.empty() ? u"" : u" | ") += step;
+    return text;
+}
+
+} // namespace tavrin::RecipeText

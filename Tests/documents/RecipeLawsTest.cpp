@@ -1,0 +1,328 @@
+#include "actions/ActionList.h"
+#include "common/Recipes.h"
+#include "documents/recipe/RecipeText.h"
+#include "documents/recipe/RecipeTokens.h"
+#include "documents/recipe/RecipeWords.h"
+#include "support/text/DisplayText.h"
+
+#include <cmath>
+
+namespace tavrin::test {
+
+namespace {
+
+/// Chains that words suffice for, and chains that they do not.
+class RandomChains {
+  public:
+    explicit RandomChains(unsigned seed) : random(seed) {}
+
+    PropertyDictionary next() {
+        std::vector<Step> steps(1 + below(3));
+        for (auto& step : steps)
+            step = below(20) == 0 ? unknownStep() : knownStep();
+        return chain(steps);
+    }
+
+    std::size_t below(std::size_t count) { return random() % count; }
+
+    std::u16string text() {
+        // What has a meaning, and what must not get one.
+        static const std::vector<std::u16string> pieces{
+            u"a",      u"B",      u"/",      u",",    u":",      u"!",      u"@",          u"~",
+            u"%",      u"\\",     u"\\\\",   u"\"",   u"'",      u" ",      u"|",          u";",
+            u"#",      u"=",      u":=",     u"\n",   u"\t",     u"\x1b",   u"\u00e9",     u"\u0301",
+            u"\u00a0", u"\u200b", u"\u2028", u"“",    u"\xDC80", u"\xD83D", u"\U0001F600", u"\ufeff",
+            u"$1",     u"(.+)",   u"start",  u"case", u"last",   u"off",    u"whole",      u"every",
+            u"<Song>", u"1",      u"-",      u"IMG_"};
+        std::u16string text;
+        for (auto count = below(5); count > 0; --count)
+            text += pieces[below(below(3) == 0 ? pieces.size() : 12)];
+        return text;
+    }
+
+  private:
+    template <typename Values> typename Values::value_type oneOf(const Values& values) {
+        return values[below(values.size())];
+    }
+
+    PropertyValue anyValue(int depth = 0) {
+        switch (below(depth < 3 ? 9 : 7)) {
+        case 0:
+            return static_cast<std::int64_t>(random()) - std::int64_t{0x80000000};
+        case 1:
+            return below(2) == 0;
+        case 2:
+            return oneOf(std::vector{0.5, 1.0, -0.0, 1e300, 1e-9, HUGE_VAL, -HUGE_VAL, std::nan("")});
+        case 3:
+            return PropertyDate{static_cast<double>(below(1000)) / 4};
+        case 4:
+            return PropertyData{std::vector<std::uint8_t>(below(3), 0xA0)};
+        case 5:
+            return std::int64_t{1} << below(63);
+        case 6:
+            return text();
+        case 7: {
+            PropertyArray values;
+            for (auto count = below(3); count > 0; --count)
+                values.push_back(anyValue(depth + 1));
+            return values;
+        }
+        }
+        PropertyDictionary values;
+        for (auto count = below(3); count > 0; --count)
+            values.insert_or_assign(key(), anyValue(depth + 1));
+        return values;
+    }
+
+    std::string key() { return oneOf(std::vector<std::string>{"x", "a1_", "Not used", "ü", "\"", ""}); }
+
+    PropertyValue valueFor(const ParameterDescription& row) {
+        if (below(12) == 0)
+            return anyValue();
+        if (row.isText())
+            return text();
+        if (!row.choices.empty() && below(8) != 0)
+            return oneOf(row.choices).value;
+        return static_cast<int>(below(12)) - 2;
+    }
+
+    Step knownStep() {
+        // These have forms of their own.
+        static const std::vector<std::string> special{"Reg Ex Replacement",
+                                                      "Reg Ex Substitution",
+                                                      "Remove anywhere",
+                                                      "Rename to date",
+                                                      "Move text after existing text",
+                                                      "Change numbers",
+                                                      "MP3 rename",
+                                                      "Replace characters"};
+        const auto& entry = allActions()[below(allActions().size())];
+        Step step{below(2) == 0 ? oneOf(special) : std::string(entry.name), {}};
+        for (const auto& row : vocabulary.named(step.action)->rows())
+            if (below(3) == 0)
+                step.parameters.insert_or_assign(std::string(row.key), valueFor(row));
+        if (below(10) == 0)
+            step.parameters.insert_or_assign(key(), anyValue());
+        if (below(20) == 0)
+            step.parameters.insert_or_assign("search term", text());
+        if (step.parameters.contains("datePatternIndex") || step.parameters.contains("timePatternIndex"))
+            step.parameters.insert_or_assign("version", 1);
+        return step;
+    }
+
+    Step unknownStep() {
+        Step step{"Of tomorrow " + text::toUtf8(text::precomposed(u"\u00e9")), {}};
+        for (auto count = below(4); count > 0; --count)
+            step.parameters.insert_or_assign(below(4) == 0 ? "active" : key(), anyValue());
+        return step;
+    }
+
+    std::mt19937 random;
+    RecipeVocabulary vocabulary;
+};
+
+/// The chain as it counts, in a form that tells all types apart.
+std::u16string normalForm(const PropertyDictionary& chain) {
+    std::u16string form;
+    RecipeVocabulary vocabulary;
+    for (const auto& each : *find(chain, "composite actions array")->asArray()) {
+        const auto& step = *each.asDictionary();
+        const auto& name = *find(step, "action name")->asText();
+        const auto& parameters = *find(step, "action parameter list")->asDictionary();
+        const auto* action = vocabulary.named(text::toUtf8(name));
+        form += name + recipe::literal(action ? action->normalForm(parameters) : parameters);
+    }
+    return form;
+}
+
+std::string messageOf(const RecipeText::Remark& remark) {
+    return fmt::format("{}:{}: {}", remark.line, remark.column, remark.sentence());
+}
+
+/// Absent, with a failure, where the text is no recipe.
+std::optional<PropertyDictionary> chainOf(std::u16string_view recipe) {
+    auto result = RecipeText::read(recipe);
+    if (auto* reading = std::get_if<RecipeText::Reading>(&result))
+        return std::move(reading->flatParameterList);
+    ADD_FAILURE() << text::toUtf8(recipe) << ": " << messageOf(std::get<RecipeText::Remark>(result));
+    return std::nullopt;
+}
+
+/// The places of all tokens of a canonical text.
+std::vector<TextRange> tokensOf(std::u16string_view recipe) {
+    std::vector<TextRange> tokens;
+    RecipeLexer lexer(recipe);
+    for (bool isStart = true;;) {
+        const auto start = lexer.position();
+        bool isSeparator = false;
+        if (isStart && lexer.slash()) {
+            // One token.
+        } else if (lexer.storedKey()) {
+            (void)lexer.literal();
+        } else {
+            const auto token = lexer.next();
+            if (token.isEnd)
+                return tokens;
+            isSeparator = token.isSeparator;
+        }
+        isStart = isSeparator;
+        tokens.push_back({start, lexer.position() - start});
+    }
+}
+
+/// The same recipe as people lay it out.
+std::u16string spread(std::u16string_view recipe) {
+    std::u16string text = u"#!/usr/bin/tvrn -xf\n;;";
+    for (const auto& token : tokensOf(recipe)) {
+        const auto part = recipe.substr(token.location, token.length);
+        text += part == u" |" ? u" # why | not\n\n" : u"\t " + std::u16string(part) + u"  ";
+    }
+    return text + u"\r\n#";
+}
+
+TEST(RecipeLaws, ChainsComeBackFromTheirText) {
+    RandomChains chains(1);
+    for (int i = 0; i < 4000; ++i) {
+        const auto chain = chains.next();
+        const auto text = RecipeText::write(chain);
+        SCOPED_TRACE(text::toUtf8(text));
+        const auto again = chainOf(text);
+        ASSERT_TRUE(again);
+        ASSERT_EQ(text::toUtf8(normalForm(*again)), text::toUtf8(normalForm(chain)));
+        ASSERT_EQ(RecipeText::write(*again), text);
+        const auto laidOut = chainOf(spread(text));
+        ASSERT_TRUE(laidOut);
+        ASSERT_EQ(RecipeText::write(*laidOut), text);
+        // It shows nothing that is not there, and passes wherever quotes are left alone.
+        ASSERT_EQ(text::fromBytes(text::toUtf8(text)), text);
+        ASSERT_EQ(display::visible(text), text::toUtf8(text));
+        ASSERT_EQ(text.find_first_of(u"\n\u00a0\u200b\u2028\ufeff"), text.npos);
+    }
+}
+
+TEST(RecipeLaws, CanonicalTextSaysNothingTwice) {
+    RandomChains chains(2);
+    for (int i = 0; i < 1000; ++i) {
+        const auto text = RecipeText::write(chains.next());
+        for (const auto& token : tokensOf(text)) {
+            auto shorter = text;
+            shorter.erase(token.location, token.length);
+            const auto result = RecipeText::read(shorter);
+            if (const auto* reading = std::get_if<RecipeText::Reading>(&result)) {
+                ASSERT_NE(RecipeText::write(reading->flatParameterList), text) << text::toUtf8(text) << "\n"
+                                                                               << text::toUtf8(shorter);
+            }
+        }
+    }
+}
+
+TEST(RecipeLaws, DamagedTextIsAChainOrAMistakeWithItsPlace) {
+    RandomChains chains(3);
+    for (int i = 0; i < 4000; ++i) {
+        auto text = spread(RecipeText::write(chains.next()));
+        for (auto changes = 1 + chains.below(3); changes > 0; --changes) {
+            const auto at = chains.below(text.size());
+            text.replace(at, chains.below(4), chains.text());
+        }
+        SCOPED_TRACE(text::toUtf8(text));
+        const auto result = RecipeText::read(text);
+        if (const auto* reading = std::get_if<RecipeText::Reading>(&result)) {
+            const auto printed = RecipeText::write(reading->flatParameterList);
+            const auto again = chainOf(printed);
+            ASSERT_TRUE(again);
+            ASSERT_EQ(RecipeText::write(*again), printed);
+            continue;
+        }
+        const auto& remark = std::get<RecipeText::Remark>(result);
+        ASSERT_FALSE(remark.message.empty());
+        ASSERT_LE(remark.line, 1U + static_cast<std::size_t>(std::ranges::count(text, u'\n')));
+        const auto width = display::columns(text::fromUtf8(remark.excerpt));
+        ASSERT_LE(remark.column + remark.length, width + 2);
+        ASSERT_EQ(display::visible(remark.sentence()), remark.sentence());
+    }
+}
+
+/// What a reader must be able to rely on to tell words apart.
+void expectLawsOfWords(const RecipeAction& action) {
+    SCOPED_TRACE(action.entry().name);
+    std::set<std::pair<std::string, std::string_view>> words;
+    const auto expectNew = [&](const std::string& word, std::string_view scope) {
+        EXPECT_TRUE(!word.empty() && words.emplace(word, scope).second) << word << " behind " << scope;
+        EXPECT_EQ(findSynonym(RecipeSynonym::Kind::word, word), nullptr) << word;
+    };
+    for (const auto& word : action.words())
+        expectNew(std::string(word.word), word.row->scope);
+    if (const auto place = wordOf(action.entry().recipe.place); !place.empty())
+        expectNew(std::string(place), "");
+    std::set<std::string_view> told;
+    for (const auto& row : action.rows()) {
+        const bool hasForm = row.form != RecipeForm::stored;
+        if (row.form == RecipeForm::option)
+            expectNew(std::string(row.word) + "=", "");
+        EXPECT_EQ(findSynonym(RecipeSynonym::Kind::option, row.word), nullptr) << row.word;
+        if (row.form == RecipeForm::phrase)
+            told.insert({row.signKey, row.sideKey, row.shownWhenKey});
+        if (hasForm)
+            told.insert({row.key, row.signKey});
+        for (const auto& choice : row.choices)
+            EXPECT_TRUE(row.form == RecipeForm::stored || !row.word.empty() || !choice.word.empty() ||
+                        row.form == RecipeForm::date)
+                << row.key;
+    }
+    for (const auto& row : action.rows())
+        EXPECT_TRUE(told.contains(row.key) || row.isHidden || row.kind == ParameterKind::status) << row.key;
+}
+
+TEST(RecipeLaws, WordsTellActionsAndParametersApart) {
+    RecipeVocabulary vocabulary;
+    std::set<std::string_view> verbs{"preview", "rename",  "edit", "recipe",  "history", "undo",
+                                     "redo",    "actions", "tags", "presets", "help"};
+    for (const auto verb : vocabulary.verbs()) {
+        EXPECT_TRUE(verbs.insert(verb).second) << verb;
+        std::set<Place> places;
+        const auto& actions = vocabulary.withVerb(verb);
+        for (const auto* action : actions) {
+            EXPECT_TRUE(places.insert(action->entry().recipe.place).second) << action->entry().name;
+            EXPECT_EQ(action->requiredTexts(), actions.front()->requiredTexts());
+            EXPECT_EQ(action->texts().size(), actions.front()->texts().size());
+            expectLawsOfWords(*action);
+        }
+    }
+    std::set<std::pair<RecipeSynonym::Kind, std::string_view>> synonyms;
+    for (const auto& each : recipeSynonyms()) {
+        EXPECT_TRUE(synonyms.emplace(each.kind, each.synonym).second) << each.synonym;
+        EXPECT_TRUE(each.kind != RecipeSynonym::Kind::verb || verbs.insert(each.synonym).second)
+            << each.synonym;
+    }
+}
+
+// All 14,474 patterns of a date come back: no two read alike.
+TEST(RecipeLaws, DatePatternsReadAsOneAlone) {
+    RecipeVocabulary vocabulary;
+    const auto* action = vocabulary.named("Rename to date");
+    const auto choices = [&](std::size_t row) { return action->dateRows().at(row)->choices; };
+    std::set<std::u16string> texts;
+    std::size_t count = 0;
+    for (const auto& date : choices(0))
+        for (const auto& time : choices(1))
+            for (const auto& order : choices(2)) {
+                if ((date.value == 0 || time.value == 0) && order.value != 0)
+                    continue;
+                ++count;
+                const auto text = RecipeText::write(chain({{"Rename to date",
+                                                            {{"datePatternIndex", date.value},
+                                                             {"timePatternIndex", time.value},
+                                                             {"separatorMode", order.value},
+                                                             {"version", 1}}}}));
+                EXPECT_TRUE(texts.insert(text).second) << text::toUtf8(text);
+                EXPECT_EQ(text.find(u":="), text.npos) << text::toUtf8(text);
+                if (const auto again = chainOf(text)) {
+                    EXPECT_EQ(RecipeText::write(*again), text);
+                }
+            }
+    EXPECT_EQ(count, 14474U);
+}
+
+} // namespace
+
+} // namespace tavrin::test
