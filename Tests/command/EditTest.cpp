@@ -67,8 +67,8 @@ TEST(Edit, WrongLinesComeBackWithTheReasonUntilTheyAreRightOrLeft) {
         {"s/\\ta$/\\ta /", "#! it begins or ends with a blank; if that is meant, write"},
         {"s/\\ta$/\\ta\\t/", "#! it holds a control character; if that is meant, write"},
         {"s/\\ta$/\\t\\xe9/", "#! it is not UTF-8; if that is meant, write"},
-        {"s/\\ta$/\\t\"a/", "#! the quotes or the escapes in them are not whole\n"},
-        {"s/\\ta$/\\t\"a\" b/", "#! the quotes or the escapes in them are not whole\n"},
+        {"s/\\ta$/\\t\"a/", "#! the quote has no end"},
+        {"s/\\ta$/\\t\"a\" b/", "#! something stands behind the closing quote\n"},
         {"s/\\ta$/\\t\"\\\\u{d800}\"/", "#! it holds half a character\n"},
         {"s/\\ta$/\\tb/", "#! the item 2 has this name too\n1\tb\n2\tb\n"},
         {"s/\\t[ab]$/\\tz/",
@@ -82,6 +82,7 @@ TEST(Edit, WrongLinesComeBackWithTheReasonUntilTheyAreRightOrLeft) {
         const std::string first = "|| { touch .second; sed -i '" + change + "' \"$1\"; }";
         const ProgramResult left = place.edit(opening + first, "a b");
         EXPECT_EQ(left.status, 3) << change;
+        EXPECT_THAT(left.error, HasSubstr("tvrn edit: line ")) << change;
         EXPECT_THAT(left.error, HasSubstr("nothing was renamed")) << change;
         EXPECT_THAT(place.run("cat .seen").output, HasSubstr(seen)) << change;
         EXPECT_EQ(place.items(), untouched) << change;
