@@ -48,7 +48,6 @@ Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
   actions   the actions that recipes are made of, and their parameters
   tags      what files say of themselves, as recipes can use it in names
   presets   the saved recipes
-
 "tvrn preview --help" and so on tell the options.
 Examples:
   touch IMG_1.JPG; tvrn preview --action "Make lowercase" IMG_1.JPG
