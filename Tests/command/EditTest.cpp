@@ -117,5 +117,24 @@ TEST(Edit, AnEditorThatFailsTouchesNothing) {
     }
 }
 
+/// Whatever the editor makes of the form of names that nobody has touched.
+TEST(Edit, NamesKeepTheirBytes) {
+    const EditPlace place;
+    ASSERT_EQ(place.run("rm a b c; touch $'e\\u0301' $'\\xff' x:y $'\\n' ' '").status, 0);
+    const ProgramResult run = place.edit("sed -i $'s/e\\u0301/\\u00e9/;s/x:y/x:z/' \"$1\"", "-v *");
+    EXPECT_EQ(run.output, "x/y\tx/z\n1 file name was changed.\n") << run.error;
+    EXPECT_EQ(place.run("ls -b").output, "\\n\n\\ \ne\u0301\nx:z\n\\377\n");
+}
+
+/// The editor gets the terminal although a list and a pipe are in its place.
+TEST(Edit, AnEditorHasTheTerminal) {
+    const EditPlace place;
+    place.folder().write(".editor", "test -t 0 && test -t 1 && sed -i 's/\ta$/\tx/' \"$1\"");
+    TerminalSession session(place, "2>&1; ls | VISUAL='. ./.editor' tvrn edit -T- | cat");
+    EXPECT_EQ(session.end(), 0);
+    EXPECT_EQ(session.screen(), "1 file name was changed.\r\n");
+    EXPECT_EQ(place.items(), "b:b c:c x:a ");
+}
+
 } // namespace
 } // namespace tavrin::test
