@@ -20,10 +20,11 @@ constexpr std::string_view mark = "#! ";
 
 constexpr std::string_view explanation =
     R"(# Change the names, save, and close the editor; then the items are renamed.
-# Lines may change places or go: the number tells which item it is, and an item
-# without a line keeps its name. A name that could not be seen as it is stands in
-# quotes: "\t" is a tab, "\xff" a byte, "\"" a quote.
-# Nothing is renamed if the editor ends with a failure.
+# The number tells which item it is: lines may change places, and an item
+# without a line keeps its name. What is wrong is told behind "#!", and then
+# nothing is renamed, nor is it if the editor ends with a failure.
+# Names that an editor could not keep as they are stand in quotes: "\t" is a
+# tab, "\xff" a byte, "\"" a quote, "\\" a backslash.
 )";
 
 /// What is wrong with a line.
