@@ -100,10 +100,11 @@ void NamesInHand::preview(NamesFile::Reading& reading) {
     }
 }
 
-/// Nothing was renamed: says why, line by line.
+/// Nothing was renamed: says why, with the lines as they are in the file.
 void tellWrongLines(const NamesFile::Reading& reading, Terminal& terminal) {
+    std::size_t marks = 0; // each in a line of its own
     for (const auto& [line, reason] : reading.wrong)
-        terminal.complain(fmt::format("tvrn edit: line {}: {}", line, reason));
+        terminal.complain(fmt::format("tvrn edit: line {}: {}", line + ++marks, reason));
 }
 
 /// Whether the user has settled on names, which are those of the session's preview then.
