@@ -95,6 +95,26 @@ std::vector<std::u16string> writeSteps(const PropertyDictionary& flatParameterLi
     return lines;
 }
 
+PropertyDictionary withoutStatus(PropertyDictionary flatParameterList) {
+    const auto list = flatParameterList.find(stepsKey);
+    auto* steps = list == flatParameterList.end() ? nullptr : list->second.asArray();
+    if (!steps)
+        return flatParameterList;
+    for (auto& step : *steps) {
+        auto* content = step.asDictionary();
+        const auto* name = content ? find(*content, "action name") : nullptr;
+        const auto* action = name ? vocabulary().named(text::toUtf8(textValue(*name))) : nullptr;
+        const auto parameters =
+            content ? content->find("action parameter list") : PropertyDictionary::iterator();
+        if (!action || parameters == content->end() || !parameters->second.asDictionary())
+            continue;
+        for (const auto& row : action->rows())
+            if (row.kind == ParameterKind::status)
+                parameters->second.asDictionary()->erase(std::string(row.key));
+    }
+    return flatParameterList;
+}
+
 std::u16string write(const PropertyDictionary& flatParameterList) {
     std::u16string text;
     for (const auto& step : writeSteps(flatParameterList))
