@@ -12,7 +12,9 @@ constexpr const char* runOptions = R"(RECIPE, one of
     --set KEY=VALUE    a parameter of the step before it; repeatable
 SETTINGS
   --setting KEY=VALUE  a global setting; repeatable
-  -r, --recursive      also what folders hold (processSubfolders=1)
+  -r, --recursive      also what folders hold; --depth N, --hidden: how much
+  -T, --files-from F   more paths, from F or -, one a line; -0: a NUL ends each
+  --include, --exclude GLOB, --type f,d,l, --newer, --older WHEN, --links
   --on-conflict RULE   number, skip or stop, where a name is wanted or taken
   --store memory|file  where the list is kept; file for millions of items
 )";
@@ -96,6 +98,21 @@ Examples:
   touch E; EDITOR=true tvrn edit --action "Make lowercase" E
 )";
 
+const std::string recipe = R"(tvrn recipe [--lines | --plist | --json] RECIPE
+Prints a recipe in its canonical form, on one line. RECIPE is a text, or one of
+-e TEXT, --recipe FILE, --preset NAME and --action NAME [--set KEY=VALUE].
+
+  --lines          one step a line
+  --plist          a property list, as --recipe reads it
+  -j, --json       "canonical" and "steps", or the place of the mistake
+  --complete TEXT  what TEXT may go on with, one a line
+
+Examples:
+  tvrn recipe 'replace IMG_ "Trip "; lower ext'
+  tvrn recipe --action "Add to end" --set string=_old
+  tvrn recipe --plist 'number end digits=3' > count.plist
+)";
+
 const std::string history = R"(tvrn history [--json] [RUN]
 tvrn history --forget RUN | --clear
 Lists the past runs, newest first: run, time, who, what, state, items, folder.
@@ -154,6 +171,7 @@ each with its value for the file; "-" where the file has none. Dates and times
 are local.
 
   -j, --json    one object per line: "fullPath", and "tags" with texts or null
+  -T, --files-from F  more paths, from F or -, one a line; -0: a NUL ends each
 
 Examples:
   touch a.txt; tvrn tags a.txt

@@ -65,7 +65,7 @@ void prepare(Session& session, const RenameOptions& options) {
     if (options.quiet)
         session.showNoProgress();
     if (options.verbose)
-        session.printRenames();
+        session.printRenames(options.run.selection.null);
 }
 
 ExitStatus rename(Session& session, const RenameOptions& options) {

@@ -72,7 +72,8 @@ void Session::setDefaults(bool storeInFile) {
 }
 
 void Session::load(const RunOptions& options) {
-    const Recipe recipe = options.hasRecipe ? loadRecipe(options.recipe) : Recipe();
+    const Recipe recipe = options.recipe ? loadRecipe(*options.recipe) : Recipe();
+    tellNotes(recipe, connectedTerminal);
     applySettings(recipe, options.settings, controller->globalSettings());
     catalogue.actions().setAutomaticSorting(controller->globalSettings().values().automaticSorting);
     if (!recipe.flatParameterList.empty()) // else the one step that there is adds nothing
@@ -160,7 +161,11 @@ void Session::beInteractiveIfSet() {
         beInteractive();
 }
 
-void Session::printRenames() { controller->renameEngine().setRenameObserver(&renamePrinter); }
+void Session::printRenames(bool endsWithNull) {
+    if (endsWithNull)
+        renamePrinter.endRowsWithNull();
+    controller->renameEngine().setRenameObserver(&renamePrinter);
+}
 
 void Session::stopAtProblems() {
     controller->globalSettings().setValue(static_cast<int>(Settings::OnConflict::stop),

@@ -47,7 +47,7 @@ class Session {
     /// The same whatever they say.
     void beInteractive();
     /// Prints each item as soon as it is renamed.
-    void printRenames();
+    void printRenames(bool endsWithNull);
     /// Nothing is renamed while any name has a problem, and none is made distinct.
     void stopAtProblems();
     /// The names of the next preview, and of the rename behind it, instead of those of the recipe.

@@ -30,8 +30,9 @@ class ProblemFinder {
         keptWhereTaken ///< the same, and whoever can't have a name for another item's sake is to keep its own
     };
 
-    ProblemFinder(StoreContext& storeContext, FolderNotes& folderNotes, const ItemFilter& itemFilter)
-        : context(storeContext), notes(folderNotes), filter(itemFilter) {}
+    ProblemFinder(StoreContext& storeContext, FolderNotes& folderNotes, const ItemFilter& itemFilter,
+                  bool linksAreRenamed)
+        : context(storeContext), notes(folderNotes), filter(itemFilter), renamesLinks(linksAreRenamed) {}
 
     /// The children are all those of the folder.
     void lookAt(RowId folder, const std::vector<RowId>& children, Names names);
@@ -79,6 +80,7 @@ class ProblemFinder {
     StoreContext& context;
     FolderNotes& notes;
     const ItemFilter filter;
+    const bool renamesLinks;
     std::map<std::uint32_t, VolumeFacts> volumes; ///< by device
 
     // Of the folder in hand.

@@ -61,7 +61,8 @@ bool ResolveFileNameConflictsStage::process() {
     takeSettings();
 
     NameTable names(*context);
-    ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter());
+    ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter(),
+                           engine.selection().renamesLinks);
     const FetchRequest request{processSubfolders ? FetchEntity::node : FetchEntity::ghostNode,
                                Predicate::isTrue(NodeKey::treatAsFolder).with(Predicate::notMarked(marker)),
                                {},
