@@ -24,6 +24,9 @@ ExitStatus runHistoryCommand(const HistoryOptions& options);
 /// `tvrn undo` and `tvrn redo`.
 ExitStatus runTakeBackCommand(const TakeBackOptions& options);
 
+/// `tvrn recipe`: prints a recipe in its canonical form, or in another.
+ExitStatus runRecipeCommand(const RecipeTextOptions& options);
+
 /// `tvrn actions`: tells the catalogue, or one action of it, on standard output.
 ExitStatus runActionsCommand(const ActionsOptions& options);
 

@@ -99,6 +99,21 @@ Examples:
   touch E; EDITOR=true tvrn edit --action "Make lowercase" E
 )";
 
+const std::string recipe = R"(tvrn recipe [--lines | --plist | --json] RECIPE
+Prints a recipe in its canonical form, on one line. RECIPE is a text, or one of
+-e TEXT, --recipe FILE, --preset NAME and --action NAME [--set KEY=VALUE].
+
+  --lines          one step a line
+  --plist          a property list, as --recipe reads it
+  -j, --json       "canonical" and "steps", or the place of the mistake
+  --complete TEXT  what TEXT may go on with, one a line
+
+Examples:
+  tvrn recipe 'replace IMG_ "Trip "; lower ext'
+  tvrn recipe --action "Add to end" --set string=_old
+  tvrn recipe --plist 'number end digits=3' > count.plist
+)";
+
 const std::string history = R"(tvrn history [--json] [RUN]
 tvrn history --forget RUN | --clear
 Lists the past runs, newest first: run, time, who, what, state, items, folder.

@@ -8,6 +8,7 @@ namespace tavrin::help {
 extern const std::string overview;
 extern const std::string preview;
 extern const std::string rename;
+extern const std::string recipe;
 extern const std::string actions;
 extern const std::string tags;
 extern const std::string presets;

@@ -72,7 +72,8 @@ void Session::setDefaults(bool storeInFile) {
 }
 
 void Session::load(const RunOptions& options) {
-    const Recipe recipe = options.hasRecipe ? loadRecipe(options.recipe) : Recipe();
+    const Recipe recipe = options.recipe ? loadRecipe(*options.recipe) : Recipe();
+    tellNotes(recipe, connectedTerminal);
     applySettings(recipe, options.settings, controller->globalSettings());
     catalogue.actions().setAutomaticSorting(controller->globalSettings().values().automaticSorting);
     if (!recipe.flatParameterList.empty()) // else the one step that there is adds nothing

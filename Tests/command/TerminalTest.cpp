@@ -120,7 +120,7 @@ TEST(Terminal, NamesAreShownWithoutActingOnIt) {
          "there is no setting \"" + hostile + "\""},
         {"preview --action 'Rename from list' --set listFilePath=\"z`echo *`\" x", "z" + hostile + ": File"},
         {"preview --preset * x", "there is no preset \"" + hostile + "\""},
-        {"preview --recipe * x", hostile + ": the property list is empty"},
+        {"preview --recipe * x", hostile + ", line 1, column 1: there is no step in it"},
         {"preview \"--`echo *`\" x", "not expected: --" + hostile + "\r\nTry \"tvrn preview --help\".\r\n"},
     };
     for (const auto& [line, shown] : cases) {
