@@ -99,7 +99,7 @@ void Session::openStore(bool storeInFile) {
 }
 
 void Session::reserveStandardInput(const RunOptions& options) {
-    const auto* const recipe = std::get_if<RecipeAtPath>(&options.recipe);
+    const auto* const recipe = options.recipe ? std::get_if<RecipeAtPath>(&*options.recipe) : nullptr;
     const bool holdsRecipe = recipe && recipe->path == "-";
     const bool holdsPaths = options.selection.filesFrom == "-";
     if (holdsRecipe && holdsPaths)
