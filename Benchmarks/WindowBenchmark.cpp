@@ -123,7 +123,7 @@ class WindowBenchmark {
         step("copy 1000 rows", [this] { pane().copySelected(); });
         step("remove 1000 rows", [this] { command("removeFile"); });
         step("all rows are problems", [this] {
-            controller().globalSettings().setValue(0, "previewConflictResolution");
+            controller().globalSettings().setValue(2, settingKey::onConflict);
             controller().actionListCommands().chooseAction(
                 *ActionList::sharedActionList().popUpMenuIndexForName("Completely rename"));
             current().setValue(std::u16string(u"same"), "newName");

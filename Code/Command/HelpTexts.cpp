@@ -33,28 +33,23 @@ constexpr const char* takeBackOptions = R"(  --preview          show what would 
 
 const std::string overview = R"(tvrn renames many files and folders at once.
 
-Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
-       tvrn rename  [RECIPE] [SETTINGS] [OPTIONS] PATH...
-       tvrn edit    [RECIPE] [SETTINGS] [OPTIONS] PATH...
-       tvrn undo | redo [OPTIONS] [RUN]
-       tvrn history [--json] [RUN]
-       tvrn actions [--json] [NAME]
-       tvrn tags    [--json] FILE...
-       tvrn presets [--json]
-       tvrn --help | --version
+Usage: tvrn [OPTIONS] RECIPE PATH...       show what would happen; touch nothing
+       tvrn -x [OPTIONS] RECIPE PATH...    do it
+       tvrn COMMAND [OPTIONS] ...
 
-  preview   show what a rename would do; touch nothing
-  rename    do it; edit: by a list of names that you edit
+  preview   the same as no command; rename: the same as -x
+  edit      rename by a list of names that you edit
+  recipe    print a recipe as one line of text, or in another form
   undo      take a run back; redo takes that back, or finishes a run
   history   past runs, and where their items are now
-  actions   the actions that recipes are made of, and their parameters
+  actions   the actions that recipes are made of, and their words
   tags      what files say of themselves, as recipes can use it in names
   presets   the saved recipes
 
-"tvrn preview --help" and so on tell the options.
+"tvrn preview --help" and so on tell the options; -h, -V, --version.
 Examples:
-  touch IMG_1.JPG; tvrn preview --action "Make lowercase" IMG_1.JPG
-  tvrn rename --action "Add to front" --set string=Sea_ IMG_1.JPG
+  touch IMG_1.JPG IMG_2.JPG; tvrn 'replace IMG_ "Lofoten " | lower ext' *.JPG
+  touch "a b"; tvrn -x 's/ /_/g' *
   tvrn actions "Replace text"
 )";
 

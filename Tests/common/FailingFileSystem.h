@@ -9,6 +9,7 @@ namespace tavrin::test {
 enum class FileCall {
     openFolder,
     status,
+    access,
     entries,
     makeFolders,
     write,
@@ -76,7 +77,7 @@ class FailingFileSystem : public FileSystem {
         return look({FileCall::status, path}, into, [&] { return real.followedStatus(path, into); });
     }
     int mayChangeNamesIn(const std::string& folder) override {
-        return pass({FileCall::status, folder}, [&] { return real.mayChangeNamesIn(folder); });
+        return pass({FileCall::access, folder}, [&] { return real.mayChangeNamesIn(folder); });
     }
     int removeFile(const std::string& path) override {
         return pass({FileCall::removeFile, path}, [&] { return real.removeFile(path); });

@@ -138,4 +138,32 @@ TEST(ProblemLaws, WhatIsForeseenBefallsTheRenameAndNothingElse) {
         EXPECT_GT(seen[code], 5) << code;
 }
 
+TEST(Problems, OfFoldersAreThoseOfTheRename) {
+    const std::pair<int, const char*> cases[] = {{EROFS, "Read-only file system"},
+                                                 {EACCES, "You may not rename anything in this folder"},
+                                                 {EPERM, "You may not rename anything in this folder"},
+                                                 {0, "The folder has been replaced by another"},
+                                                 {ENOENT, "No such file"}};
+    for (const auto& [error, words] : cases) {
+        SCOPED_TRACE(words);
+        RenameBench bench;
+        bench.plan("f/ f/a>b f/c");
+        FailingFileSystem disk;
+        for (const FileCall call : {FileCall::access, FileCall::rename})
+            disk.failKind(call, error == ENOENT ? 0 : error);
+        if (error == 0)
+            bench.happens("move f g, folder f, write f/a");
+        if (error == ENOENT)
+            bench.happens("move f g");
+        bench.run<ResolveFileNameConflictsStage>();
+        const auto foreseen = finalNames(bench);
+        bench.rename();
+        ASSERT_TRUE(foreseen.at("f/a").problem);
+        EXPECT_FALSE(foreseen.at("f/c").problem) << "it is to stay";
+        EXPECT_THAT(foreseen.at("f/a").problem->message, testing::StartsWith(words));
+        ASSERT_EQ(bench.reports.size(), 1U);
+        EXPECT_THAT(bench.reports.front().message, testing::HasSubstr(foreseen.at("f/a").problem->message));
+    }
+}
+
 } // namespace tavrin::test

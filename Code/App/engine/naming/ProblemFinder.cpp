@@ -237,26 +237,30 @@ void ProblemFinder::findTaken(Names names) {
     const bool allGo = std::ranges::all_of(movers, &Mover::goes);
     if (names == Names::distinct && allGo && !hasRespelledStayer && others.empty())
         return;
-    gatherWishes();
+    gatherWishes(names);
     for (const std::string_view name : others)
         withhold(name, noRow);
     std::size_t next = 0;
     for (std::size_t i = 0; i < rows->size(); ++i) {
         const bool isMover = next < movers.size() && movers[next].child == i;
-        const bool stays = !isMover || (!movers[next].goes() && movers[next].problem != gone);
+        const bool stays =
+            isMover ? !movers[next].goes() && movers[next].problem != gone : names != Names::toBeMadeDistinct;
         next += isMover ? 1 : 0;
         if (stays && (absent.empty() || !absent[i]))
             withhold(context.component((*rows)[i]), (*rows)[i]);
     }
 }
 
-void ProblemFinder::gatherWishes() {
+void ProblemFinder::gatherWishes(Names names) {
     wishes.reset(movers.size());
     for (std::size_t i = 0; i < movers.size(); ++i) {
         if (!movers[i].goes())
             continue;
         nameInHand = wishOf(movers[i]);
-        if (Mover* const other = whoWants(nameInHand))
+        Mover* const other = whoWants(nameInHand);
+        if (other != nullptr && names == Names::toBeMadeDistinct)
+            other->willBeMadeDistinct = true;
+        else if (other != nullptr)
             other->problem = movers[i].problem = conflict;
         else
             wishes.add(wishes.hashOf(keyOf(nameInHand, sought)), static_cast<std::uint32_t>(i + 1));
@@ -265,7 +269,8 @@ void ProblemFinder::gatherWishes() {
 
 void ProblemFinder::withhold(std::string_view name, RowId holder) {
     nameInHand = name;
-    for (Mover* mover = whoWants(nameInHand); mover != nullptr && mover->goes() && mover->row != holder;
+    for (Mover* mover = whoWants(nameInHand);
+         mover != nullptr && mover->goes() && !mover->willBeMadeDistinct && mover->row != holder;
          mover = whoWants(nameInHand)) {
         mover->problem = taken;
         holder = mover->row;

@@ -25,8 +25,9 @@ class ProblemFinder {
   public:
     /// What the final names of a folder's children are.
     enum class Names {
-        distinct,      ///< those of no two are the same
-        asTheyAre,     ///< two may want the same
+        distinct,         ///< those of no two are the same
+        toBeMadeDistinct, ///< the same later, so that two that are the same now are none of its problems
+        asTheyAre,        ///< what two want none gets
         keptWhereTaken ///< the same, and whoever can't have a name for another item's sake is to keep its own
     };
 
@@ -44,6 +45,7 @@ class ProblemFinder {
         std::uint32_t child; ///< its place among the children
         NameProblem problem = NameProblem::none;
         std::uint16_t detail = 0;
+        bool willBeMadeDistinct = false;
         [[nodiscard]] bool goes() const { return problem == NameProblem::none; }
     };
 
@@ -65,7 +67,7 @@ class ProblemFinder {
 
     // Who wants a name that stays another item's.
     void findTaken(Names names);
-    void gatherWishes();
+    void gatherWishes(Names names);
     /// Nobody gets this name; who wanted it keeps its own, which nobody else gets then.
     void withhold(std::string_view name, RowId holder);
     /// The name to be, in the bytes of the file system. Valid until the next call.

@@ -40,6 +40,15 @@ constexpr std::array<Scheme, 14> schemes{{
 }};
 constexpr std::int32_t defaultScheme = 9;
 
+/// What the stage makes of the names of a folder.
+ProblemFinder::Names namesOf(Settings::OnConflict rule, ResolveFileNameConflictsStage::Task task) {
+    using Names = ProblemFinder::Names;
+    const bool resolves = task == ResolveFileNameConflictsStage::Task::resolve;
+    if (rule == Settings::OnConflict::number)
+        return resolves ? Names::distinct : Names::toBeMadeDistinct;
+    return rule == Settings::OnConflict::skip && resolves ? Names::keptWhereTaken : Names::asTheyAre;
+}
+
 } // namespace
 
 std::string ResolveFileNameConflictsStage::stageDescription() const { return "Resolving name conflicts..."; }
@@ -85,10 +94,7 @@ void ResolveFileNameConflictsStage::takeSettings() {
     processFiles = filter.shouldProcessFiles;
     processFolders = filter.shouldProcessFolders;
     processSubfolders = filter.shouldProcessSubfolders;
-    resulting = task == Task::foresee                                     ? ProblemFinder::Names::asTheyAre
-                : settings.conflictRule() == Settings::OnConflict::number ? ProblemFinder::Names::distinct
-                : settings.conflictRule() == Settings::OnConflict::skip ? ProblemFinder::Names::keptWhereTaken
-                                                                        : ProblemFinder::Names::asTheyAre;
+    resulting = namesOf(settings.conflictRule(), task);
     firstUnchanged = settings.conflictResolutionDontChangeFirst;
     scheme = settings.conflictResolutionScheme;
     if (scheme < 0 || scheme >= static_cast<std::int32_t>(schemes.size()))
@@ -150,15 +156,16 @@ bool ResolveFileNameConflictsStage::isApplicable(RowId id) {
 }
 
 void ResolveFileNameConflictsStage::storeCandidate(RowId id, const std::u16string& candidate) {
-    if (context->finalName(id) != candidate) {
+    const bool isMadeDistinct = context->finalName(id) != candidate;
+    if (isMadeDistinct) {
         context->setFinalName(id, candidate);
         context->change(id).madeDistinct = true;
-        if (settings.itemFilter().admits(context->row(id)))
-            ++context->changeEngineControl().numberOfNamesMadeDistinct;
     }
     const bool differs = !text::canonicallyEqual(candidate, context->name(id));
     if (context->row(id).diff != differs)
         context->change(id).diff = differs;
+    if (isMadeDistinct && differs && settings.itemFilter().admits(context->row(id)))
+        ++context->changeEngineControl().numberOfNamesMadeDistinct;
 }
 
 std::u16string ResolveFileNameConflictsStage::addDistinguisherToName(std::u16string_view name) {

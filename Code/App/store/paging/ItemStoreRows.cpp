@@ -256,6 +256,7 @@ void ItemStore::Impl::applySmallEntities(StagedChanges& staged, StoreChanges& in
         take(&EngineControl::totalNumberOfFilesSelectedOrNot);
         take(&EngineControl::numberOfFilesThatNeedRenaming);
         take(&EngineControl::numberOfFolders);
+        take(&EngineControl::numberOfNamesMadeDistinct);
         take(&EngineControl::numberOfActuallyRenamedFiles);
         take(&EngineControl::numberOfItemsNotRenamed);
         take(&EngineControl::totalNumberOfNodes);
