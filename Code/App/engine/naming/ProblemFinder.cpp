@@ -245,7 +245,7 @@ void ProblemFinder::findTaken(Names names) {
     for (const std::string_view name : others)
         withhold(name, noRow);
     for (const Mover& mover : movers)
-        if (mover.problem == gone)
+        if (mover.problem == gone && !mover.isRival)
             breakRingOf(mover);
     std::size_t next = 0;
     for (std::size_t i = 0; i < rows->size(); ++i) {
