@@ -3,6 +3,8 @@
 #include "ExitStatus.h"
 #include "HelpTexts.h"
 #include "documents/Settings.h"
+#include "documents/recipe/RecipeText.h"
+#include "documents/recipe/RecipeWords.h"
 #include "support/application/Version.h"
 
 #include <CLI/App.hpp>
@@ -27,25 +29,8 @@ CommandLineEnd usageError(std::string_view command, std::string_view what) {
             fmt::format("Try \"{} --help\".", name)};
 }
 
-KeyAndValue keyAndValue(const std::string& option, const std::string& text) {
-    const std::size_t equals = text.find('=');
-    if (equals == std::string::npos)
-        throw UsageError(fmt::format("{} {}: expected KEY=VALUE", option, text));
-    return {text.substr(0, equals), text.substr(equals + 1)};
-}
-
-/// As the setting has it.
 std::string numberOfConflictRule(std::string_view rule) {
     return rule == "skip" ? "1" : rule == "stop" ? "2" : "0";
-}
-
-/// An option that may be given any number of times, each time with one value. Its values are read back raw:
-/// the library's conversions give brackets in a value a meaning of their own.
-CLI::Option* addRepeatable(CLI::App& app, const std::string& name) {
-    return app.add_option(name)
-        ->expected(1, std::numeric_limits<int>::max())
-        ->allow_extra_args(false)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 /// The parser of one subcommand. Each is a parser of its own, so that no path is taken for a subcommand.
@@ -60,15 +45,21 @@ class Parser {
 
     /// Adds what preview and rename share.
     void addRunOptions() {
-        recipe = app.add_option("--recipe")->expected(1);
-        preset = app.add_option("--preset")->expected(1);
-        action = addRepeatable(app, "--action");
-        parameter = addRepeatable(app, "--set");
+        recipe.emplace(app);
         setting = addRepeatable(app, "--setting");
         recursive = app.add_flag("-r,--recursive");
         onConflict = addRepeatable(app, "--on-conflict")->check(CLI::IsMember({"number", "skip", "stop"}));
         store = app.add_option("--store")->expected(1)->check(CLI::IsMember({"memory", "file"}));
         selection.emplace(app);
+    }
+
+    /// Adds what rename and edit share.
+    void addRenameOptions(RenameOptions& options) {
+        app.add_flag("-i,--interactive", options.interactive);
+        CLI::Option* quiet = app.add_flag("-q,--quiet", options.quiet);
+        app.add_flag("-v,--verbose", options.verbose)->excludes(quiet);
+        CLI::Option* none = app.add_flag("--no-history", options.noHistory);
+        app.add_flag("--require-history", options.requireHistory)->excludes(none);
     }
 
     /// Parses, and makes the result unless help is wanted or something is wrong.
@@ -89,34 +80,38 @@ class Parser {
         }
     }
 
+    /// Where the recipe comes from: an option alone, or an option or the first operand.
+    enum class RecipeFrom { option, optionOrOperand };
+
     /// What the shared options say.
-    RunOptions runOptions() const {
+    RunOptions runOptions(RecipeFrom from = RecipeFrom::optionOrOperand) {
         RunOptions options;
-        std::vector<RecipeStep> steps;
         std::map<const CLI::Option*, std::size_t> taken;
         for (const CLI::Option* option : app.parse_order()) {
-            const auto next = [&, this] { return option->results().at(taken[option]++); };
-            if (option == action)
-                steps.push_back({next(), {}});
-            else if (option == setting)
+            const auto next = [&] { return option->results().at(taken[option]++); };
+            if (option == setting)
                 options.settings.push_back(keyAndValue("--setting", next()));
             else if (option == recursive)
                 options.settings.emplace_back(settingKey::processSubfolders, "1");
             else if (option == onConflict)
                 options.settings.emplace_back(settingKey::onConflict, numberOfConflictRule(next()));
-            else if (option == parameter) {
-                if (steps.empty())
-                    throw UsageError(fmt::format("--set {}: there is no --action before it", next()));
-                steps.back().parameters.push_back(keyAndValue("--set", next()));
-            }
         }
-        options.recipe = recipeSource(std::move(steps));
+        options.recipe = from == RecipeFrom::option ? recipe->read() : recipe->readOrTake(operands);
         options.storeInFile = *store && store->results().at(0) == "file";
         options.selection = selection->read();
         if (operands.empty() && !options.selection.filesFrom)
             throw UsageError("no path is given");
         options.paths = operands;
         return options;
+    }
+
+    /// Of a command that is about nothing else.
+    void addRecipeOptions() { recipe.emplace(app); }
+    RecipeSource recipeAlone() {
+        RecipeSource source = recipe->readOrTake(operands);
+        if (!operands.empty())
+            throw UsageError("it takes one recipe and no paths");
+        return source;
     }
 
     [[nodiscard]] ColorChoice colorChoice() const {
@@ -194,27 +189,11 @@ class Parser {
         return false;
     }
 
-    RecipeSource recipeSource(std::vector<RecipeStep> steps) const {
-        const int count = (*recipe ? 1 : 0) + (*preset ? 1 : 0) + (steps.empty() ? 0 : 1);
-        if (count == 0)
-            throw UsageError("no recipe is given: one of --recipe, --preset and --action is needed");
-        if (count > 1)
-            throw UsageError("--recipe, --preset and --action exclude each other");
-        if (*recipe)
-            return RecipeAtPath{recipe->results().at(0)};
-        if (*preset)
-            return RecipeOfPreset{preset->results().at(0)};
-        return steps;
-    }
-
     std::string name;
     const std::string& helpText;
     bool helpWanted = false;
     CLI::Option* color = nullptr;
-    CLI::Option* recipe = nullptr;
-    CLI::Option* preset = nullptr;
-    CLI::Option* action = nullptr;
-    CLI::Option* parameter = nullptr;
+    std::optional<RecipeParser> recipe;
     CLI::Option* setting = nullptr;
     CLI::Option* recursive = nullptr;
     CLI::Option* onConflict = nullptr;
@@ -223,37 +202,105 @@ class Parser {
     std::vector<std::string> operands;
 };
 
+/// The options of a preview alone.
+class PreviewParser {
+  public:
+    explicit PreviewParser(CLI::App& app)
+        : format(app.add_option("--format")->check(CLI::Range(0, 2))), json(app.add_flag("-j,--json")),
+          affected(app.add_flag("--affected")), all(app.add_flag("-a,--all")),
+          check(app.add_flag("-c,--check")) {
+        json->excludes(format);
+        all->excludes(affected);
+    }
+
+    [[nodiscard]] PreviewOptions read(RunOptions run, ColorChoice color) const {
+        PreviewOptions options;
+        options.format = *format ? format->as<int>() : 0;
+        options.json = !json->empty();
+        options.affected = !affected->empty();
+        options.all = !all->empty();
+        options.check = !check->empty();
+        options.color = color;
+        options.null = run.selection.null;
+        options.isForPrograms = *format || options.json || options.null;
+        if (options.json && options.null && !run.selection.filesFrom)
+            throw UsageError("--json excludes --null");
+        options.run = std::move(run);
+        return options;
+    }
+    /// Throws UsageError where one is given, for a command that knows none of them.
+    void refuse() const {
+        for (const CLI::Option* option : {format, json, affected, all, check})
+            if (*option)
+                throw UsageError(fmt::format("The following argument was not expected: --{}",
+                                             option->get_lnames().front()));
+    }
+
+  private:
+    CLI::Option* format;
+    CLI::Option* json;
+    CLI::Option* affected;
+    CLI::Option* all;
+    CLI::Option* check;
+};
+
 CommandLine parsePreview(std::vector<std::string> arguments) {
-    PreviewOptions options;
     Parser parser("preview", help::preview);
     parser.addRunOptions();
-    CLI::Option* format = parser.app.add_option("--format", options.format)->check(CLI::Range(0, 2));
-    parser.app.add_flag("-j,--json", options.json)->excludes(format);
-    CLI::Option* affected = parser.app.add_flag("--affected", options.affected);
-    parser.app.add_flag("-a,--all", options.all)->excludes(affected);
-    parser.app.add_flag("-c,--check", options.check);
-    return parser.parse(std::move(arguments), [&] {
-        options.color = parser.colorChoice();
+    const PreviewParser preview(parser.app);
+    return parser.parse(std::move(arguments),
+                        [&] { return preview.read(parser.runOptions(), parser.colorChoice()); });
+}
+
+/// Of `rename`, and of a line without a command, which previews unless it is told to rename. `-n` makes a
+/// preview of either, whatever else is said.
+CommandLine parseRename(std::vector<std::string> arguments, bool hasCommand) {
+    RenameOptions options;
+    bool executes = hasCommand;
+    bool isDryRun = false;
+    Parser parser(hasCommand ? "rename" : "", hasCommand ? help::rename : help::overview);
+    parser.addRunOptions();
+    parser.addRenameOptions(options);
+    const PreviewParser preview(parser.app);
+    parser.app.add_flag("-x,--execute", executes);
+    parser.app.add_flag("-n,--dry-run", isDryRun);
+    return parser.parse(std::move(arguments), [&]() -> CommandLine {
+        if (!executes || isDryRun)
+            return preview.read(parser.runOptions(), parser.colorChoice());
+        preview.refuse();
         options.run = parser.runOptions();
-        options.null = options.run.selection.null;
-        options.isForPrograms = *format || options.json || options.null;
-        if (options.json && options.null && !options.run.selection.filesFrom)
-            throw UsageError("--json excludes --null");
         return options;
     });
 }
 
-CommandLine parseRename(std::vector<std::string> arguments) {
-    RenameOptions options;
-    Parser parser("rename", help::rename);
-    parser.addRunOptions();
-    parser.app.add_flag("-i,--interactive", options.interactive);
-    CLI::Option* quiet = parser.app.add_flag("-q,--quiet", options.quiet);
-    parser.app.add_flag("-v,--verbose", options.verbose)->excludes(quiet);
-    CLI::Option* none = parser.app.add_flag("--no-history", options.noHistory);
-    parser.app.add_flag("--require-history", options.requireHistory)->excludes(none);
+CommandLine parseRecipe(std::vector<std::string> arguments) {
+    using Form = RecipeTextOptions::Form;
+    RecipeTextOptions options;
+    Parser parser("recipe", help::recipe);
+    parser.addRecipeOptions();
+    CLI::Option* lines = parser.app.add_flag("--lines");
+    CLI::Option* list = parser.app.add_flag("--plist")->excludes(lines);
+    CLI::Option* json = parser.app.add_flag("-j,--json")->excludes(lines)->excludes(list);
+    CLI::Option* complete = parser.app.add_option("--complete")->expected(1);
     return parser.parse(std::move(arguments), [&] {
-        options.run = parser.runOptions();
+        options.form = *lines ? Form::lines : *list ? Form::propertyList : *json ? Form::json : Form::line;
+        if (*complete)
+            options.complete = complete->results().at(0);
+        else
+            options.recipe = parser.recipeAlone();
+        return options;
+    });
+}
+
+CommandLine parseEdit(std::vector<std::string> arguments) {
+    EditOptions options;
+    Parser parser("edit", help::edit);
+    parser.addRunOptions();
+    parser.addRenameOptions(options.rename);
+    parser.app.add_flag("-n,--dry-run", options.dryRun);
+    return parser.parse(std::move(arguments), [&] {
+        options.rename.run = parser.runOptions(Parser::RecipeFrom::option);
+        options.color = parser.colorChoice();
         return options;
     });
 }
@@ -330,29 +377,38 @@ CommandLine parsePresets(std::vector<std::string> arguments) {
 } // namespace
 
 CommandLine parseCommandLine(std::vector<std::string> arguments) {
+    using Parse = CommandLine (*)(std::vector<std::string>);
+    static const std::map<std::string, Parse, std::less<>> commands{
+        {"preview", parsePreview},
+        {"rename", [](std::vector<std::string> rest) { return parseRename(std::move(rest), true); }},
+        {"edit", parseEdit},
+        {"recipe", parseRecipe},
+        {"history", parseHistory},
+        {"undo", [](std::vector<std::string> rest) { return parseTakeBack(std::move(rest), false); }},
+        {"redo", [](std::vector<std::string> rest) { return parseTakeBack(std::move(rest), true); }},
+        {"actions", parseActions},
+        {"tags", parseTags},
+        {"presets", parsePresets},
+    };
     if (arguments.empty())
         return usageError("", "no command is given");
-    const std::string command = std::move(arguments.front());
-    arguments.erase(arguments.begin());
-    if (command == "preview")
-        return parsePreview(std::move(arguments));
-    if (command == "rename")
-        return parseRename(std::move(arguments));
-    if (command == "history")
-        return parseHistory(std::move(arguments));
-    if (command == "undo" || command == "redo")
-        return parseTakeBack(std::move(arguments), command == "redo");
-    if (command == "actions")
-        return parseActions(std::move(arguments));
-    if (command == "tags")
-        return parseTags(std::move(arguments));
-    if (command == "presets")
-        return parsePresets(std::move(arguments));
-    if (command == "--help" || command == "-h")
+    const std::string& first = arguments.front();
+    if (const auto command = commands.find(first); command != commands.end())
+        return command->second({std::next(arguments.begin()), arguments.end()});
+    if (first == "--help" || first == "-h")
         return CommandLineEnd{0, help::overview};
-    if (command == "--version")
-        return CommandLineEnd{0, fmt::format("tvrn (Tavrin) {}\n", programVersion)};
-    return usageError("", fmt::format("there is no command \"{}\"", command));
+    if (first == "--version" || first == "-V")
+        return CommandLineEnd{0, fmt::format("tvrn (Tavrin) {}\nrecipe language {}\n", programVersion,
+                                             RecipeText::languageVersion)};
+    if (arguments.size() == 1) { // there are no paths
+        std::vector<std::string_view> names;
+        for (const auto& [name, parse] : commands)
+            names.push_back(name);
+        if (const auto nearest = nearestWord(first, names); !nearest.empty())
+            return usageError(
+                "", fmt::format("there is no command \"{}\"; did you mean \"{}\"?", first, nearest));
+    }
+    return parseRename(std::move(arguments), false);
 }
 
 } // namespace tavrin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RecipeOptions.h"
 #include "SelectionOptions.h"
 
 #include <string>
@@ -9,28 +10,13 @@
 
 namespace tavrin {
 
-using KeyAndValue = std::pair<std::string, std::string>;
-
 /// When colours are used: on a terminal that knows them, or whatever stands there.
 enum class ColorChoice { automatic, always, never };
 
-/// What a recipe is made from. Texts are bytes as the user typed them.
-struct RecipeAtPath {
-    std::string path;
-};
-struct RecipeOfPreset {
-    std::string name;
-};
-struct RecipeStep {
-    std::string action;
-    std::vector<KeyAndValue> parameters; ///< in the order given
-};
-using RecipeSource = std::variant<RecipeAtPath, RecipeOfPreset, std::vector<RecipeStep>>;
-
 /// What preview and rename share.
 struct RunOptions {
-    RecipeSource recipe;
-    std::vector<KeyAndValue> settings; ///< in the order given, `--recursive` and `--on-conflict` among them
+    std::optional<RecipeSource> recipe; ///< absent: names stay as they are
+    std::vector<KeyAndValue> settings;  ///< in the order given, `--recursive` and `--on-conflict` among them
     bool storeInFile = false;
     SelectionOptions selection;
     std::vector<std::string> paths;
@@ -57,6 +43,13 @@ struct RenameOptions {
     bool requireHistory = false;
 };
 
+/// Of edit.
+struct EditOptions {
+    RenameOptions rename;
+    bool dryRun = false;
+    ColorChoice color = ColorChoice::automatic;
+};
+
 struct HistoryOptions {
     bool json = false;
     bool clear = false;
@@ -74,6 +67,14 @@ struct TakeBackOptions {
     bool interactive = false;
     bool quiet = false;
     bool verbose = false;
+};
+
+/// Of recipe.
+struct RecipeTextOptions {
+    enum class Form { line, lines, propertyList, json };
+    std::optional<RecipeSource> recipe; ///< absent where something is to be completed
+    Form form = Form::line;
+    std::optional<std::string> complete; ///< a text whose last token is to be completed
 };
 
 struct ActionsOptions {
@@ -99,8 +100,9 @@ struct CommandLineEnd {
     std::string hint = {};
 };
 
-using CommandLine = std::variant<CommandLineEnd, PreviewOptions, RenameOptions, HistoryOptions,
-                                 TakeBackOptions, ActionsOptions, TagsOptions, PresetsOptions>;
+using CommandLine =
+    std::variant<CommandLineEnd, PreviewOptions, RenameOptions, EditOptions, HistoryOptions, TakeBackOptions,
+                 RecipeTextOptions, ActionsOptions, TagsOptions, PresetsOptions>;
 
 /// Parses what follows the program's name.
 [[nodiscard]] CommandLine parseCommandLine(std::vector<std::string> arguments);

@@ -10,6 +10,8 @@
 
 namespace tavrin {
 
+class Session;
+
 /// `tvrn preview`: prints what a rename would do, and touches nothing.
 ExitStatus runPreviewCommand(const PreviewOptions& options);
 
@@ -22,6 +24,9 @@ ExitStatus runHistoryCommand(const HistoryOptions& options);
 /// `tvrn undo` and `tvrn redo`.
 ExitStatus runTakeBackCommand(const TakeBackOptions& options);
 
+/// `tvrn recipe`: prints a recipe in its canonical form, or in another.
+ExitStatus runRecipeCommand(const RecipeTextOptions& options);
+
 /// `tvrn actions`: tells the catalogue, or one action of it, on standard output.
 ExitStatus runActionsCommand(const ActionsOptions& options);
 
@@ -31,6 +36,20 @@ ExitStatus runTagsCommand(const TagsOptions& options);
 
 /// `tvrn presets`: lists the saved presets on standard output.
 ExitStatus runPresetsCommand(const PresetsOptions& options);
+
+/// `tvrn edit`: renames by a list of names that the user edits.
+ExitStatus runEditCommand(const EditOptions& options);
+
+// What commands share.
+
+/// Prints the rows of a session that has been previewed.
+void printPreview(const PreviewOptions& options, Session& session);
+
+/// Has the session's rename go as the options say; before the preview.
+void prepare(Session& session, const RenameOptions& options);
+
+/// Renames what has been previewed, says how many names that changed, and ends the session.
+ExitStatus rename(Session& session, const RenameOptions& options);
 
 /// How many names were changed, as a line.
 [[nodiscard]] std::string summaryOf(std::int32_t count);

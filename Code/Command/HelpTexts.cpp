@@ -12,7 +12,9 @@ constexpr const char* runOptions = R"(RECIPE, one of
     --set KEY=VALUE    a parameter of the step before it; repeatable
 SETTINGS
   --setting KEY=VALUE  a global setting; repeatable
-  -r, --recursive      also what folders hold (processSubfolders=1)
+  -r, --recursive      also what folders hold; --depth N, --hidden: how much
+  -T, --files-from F   more paths, from F or -, one a line; -0: a NUL ends each
+  --include, --exclude GLOB, --type f,d,l, --newer, --older WHEN, --links
   --on-conflict RULE   number, skip or stop, where a name is wanted or taken
   --store memory|file  where the list is kept; file for millions of items
 )";
@@ -31,27 +33,23 @@ constexpr const char* takeBackOptions = R"(  --preview          show what would 
 
 const std::string overview = R"(tvrn renames many files and folders at once.
 
-Usage: tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
-       tvrn rename  [RECIPE] [SETTINGS] [OPTIONS] PATH...
-       tvrn undo | redo [OPTIONS] [RUN]
-       tvrn history [--json] [RUN]
-       tvrn actions [--json] [NAME]
-       tvrn tags    [--json] FILE...
-       tvrn presets [--json]
-       tvrn --help | --version
+Usage: tvrn [OPTIONS] RECIPE PATH...       show what would happen; touch nothing
+       tvrn -x [OPTIONS] RECIPE PATH...    do it
+       tvrn COMMAND [OPTIONS] ...
 
-  preview   show what a rename would do; touch nothing
-  rename    do it
+  preview   the same as no command; rename: the same as -x
+  edit      rename by a list of names that you edit
+  recipe    print a recipe as one line of text, or in another form
   undo      take a run back; redo takes that back, or finishes a run
   history   past runs, and where their items are now
-  actions   the actions that recipes are made of, and their parameters
+  actions   the actions that recipes are made of, and their words
   tags      what files say of themselves, as recipes can use it in names
   presets   the saved recipes
 
-"tvrn preview --help" and so on tell the options.
+"tvrn preview --help" and so on tell the options; -h, -V, --version.
 Examples:
-  touch IMG_1.JPG; tvrn preview --action "Make lowercase" IMG_1.JPG
-  tvrn rename --action "Add to front" --set string=Sea_ IMG_1.JPG
+  touch IMG_1.JPG IMG_2.JPG; tvrn 'replace IMG_ "Lofoten " | lower ext' *.JPG
+  touch "a b"; tvrn -x 's/ /_/g' *
   tvrn actions "Replace text"
 )";
 
@@ -81,6 +79,34 @@ Examples:
   touch A.TXT B.TXT; tvrn rename --action "Make lowercase" A.TXT B.TXT
   touch C D; tvrn rename --action "Add to front" --set string=new_ C D
   mkdir -p e/f; tvrn rename --recursive --action "Make uppercase" e
+)";
+
+const std::string edit = std::string(R"(tvrn edit [RECIPE] [SETTINGS] [OPTIONS] PATH...
+Opens the names in $VISUAL or $EDITOR and renames the items as they are left
+there, or as RECIPE begins it. Where a line is wrong nothing is renamed, and the
+file is opened again with the reasons. Nothing is ever replaced or numbered.
+)") + runOptions + R"(OPTIONS
+  -n, --dry-run        show the result; touch nothing
+  and those of "tvrn rename"
+Examples:
+  touch A.TXT B.TXT; EDITOR="sed -i s/TXT/txt/" tvrn edit A.TXT B.TXT
+  touch C D; EDITOR="sed -i s/C/new/" tvrn edit --dry-run C D
+  touch E; EDITOR=true tvrn edit --action "Make lowercase" E
+)";
+
+const std::string recipe = R"(tvrn recipe [--lines | --plist | --json] RECIPE
+Prints a recipe in its canonical form, on one line. RECIPE is a text, or one of
+-e TEXT, --recipe FILE, --preset NAME and --action NAME [--set KEY=VALUE].
+
+  --lines          one step a line
+  --plist          a property list, as --recipe reads it
+  -j, --json       "canonical" and "steps", or the place of the mistake
+  --complete TEXT  what TEXT may go on with, one a line
+
+Examples:
+  tvrn recipe 'replace IMG_ "Trip "; lower ext'
+  tvrn recipe --action "Add to end" --set string=_old
+  tvrn recipe --plist 'number end digits=3' > count.plist
 )";
 
 const std::string history = R"(tvrn history [--json] [RUN]
@@ -141,6 +167,7 @@ each with its value for the file; "-" where the file has none. Dates and times
 are local.
 
   -j, --json    one object per line: "fullPath", and "tags" with texts or null
+  -T, --files-from F  more paths, from F or -, one a line; -0: a NUL ends each
 
 Examples:
   touch a.txt; tvrn tags a.txt

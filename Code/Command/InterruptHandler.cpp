@@ -65,6 +65,8 @@ void InterruptHandler::waitForSignals() {
         signalfd_siginfo signal;
         if (::read(signals.get(), &signal, sizeof signal) != sizeof signal)
             continue;
+        if (signal.ssi_signo == SIGINT && leavesKeyboard)
+            continue;
         if (interrupted.exchange(true))
             continue;
         announce(announcement);

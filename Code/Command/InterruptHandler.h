@@ -21,6 +21,19 @@ class InterruptHandler {
     /// Becomes readable, and stays so, when the first signal comes: for those who wait for input.
     [[nodiscard]] int descriptor() const { return announcement.get(); }
 
+    /// While it lives, a program in the foreground has the keyboard: an interrupt typed there is for that
+    /// one.
+    class ForegroundChild {
+      public:
+        explicit ForegroundChild(InterruptHandler& owner) : handler(owner) { handler.leavesKeyboard = true; }
+        ~ForegroundChild() { handler.leavesKeyboard = false; }
+        ForegroundChild(const ForegroundChild&) = delete;
+        ForegroundChild& operator=(const ForegroundChild&) = delete;
+
+      private:
+        InterruptHandler& handler;
+    };
+
   private:
     void waitForSignals();
 
@@ -29,6 +42,7 @@ class InterruptHandler {
     Descriptor announcement;
     Descriptor ending;
     std::atomic<bool> interrupted{false};
+    std::atomic<bool> leavesKeyboard{false};
     std::thread thread;
 };
 

@@ -2,19 +2,28 @@
 
 #include "ExitStatus.h"
 #include "SavedPresets.h"
+#include "Terminal.h"
 #include "actions/ActionError.h"
 #include "actions/ActionList.h"
 #include "documents/DropletBundle.h"
 #include "documents/DropletLauncher.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/files/Descriptor.h"
+#include "support/text/DisplayText.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <array>
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
+#include <fcntl.h>
 #include <ranges>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
 
 namespace tavrin {
 
@@ -82,43 +91,112 @@ void checkSettings(const PropertyDictionary& settings, const std::string& path) 
     }
 }
 
+/// To its end, however long that takes, but not without bound.
+RecipeFile::Result readStream(int descriptor, RecipeFile::Accept accept) {
+    constexpr std::size_t mostBytes = 64 << 20;
+    std::string bytes;
+    std::array<char, 65536> buffer;
+    for (;;) {
+        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return RecipeError{std::generic_category().message(errno)};
+        if (count == 0)
+            return RecipeFile::fromBytes(bytes, accept);
+        bytes.append(buffer.data(), static_cast<std::size_t>(count));
+        if (bytes.size() > mostBytes)
+            return RecipeError{"there is no end to it"};
+    }
+}
+
 /// A file, a droplet's bundle, or the launcher of one.
-RecipeFile::Result readRecipe(const std::string& path) {
+RecipeFile::Result readRecipe(const std::string& path, RecipeFile::Accept accept) {
+    if (path == "-")
+        return readStream(STDIN_FILENO, accept);
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode)))
+        if (const Descriptor stream(::open(path.c_str(), O_RDONLY | O_CLOEXEC)); stream)
+            return readStream(stream.get(), accept);
     const DropletBundle droplet(path);
     if (droplet.isFolder())
         return droplet.readRecipe();
     if (!DropletLauncher::isLauncher(path))
-        return RecipeFile::read(path);
+        return RecipeFile::read(path, accept);
     const std::optional<DropletBundle> launched = DropletLauncher::bundleOf(path);
     if (!launched)
         return RecipeError{"the droplet of this launcher is gone"};
     return launched->readRecipe();
 }
 
-Recipe recipeFromFile(const std::string& path) {
-    RecipeFile::Result result = readRecipe(path);
-    if (const auto* error = std::get_if<RecipeError>(&result))
-        throw UsageError(fmt::format("{}: {}", path, error->message));
-    auto& recipe = std::get<Recipe>(result);
-    if (recipe.globalSettings)
-        checkSettings(*recipe.globalSettings, path);
-    return std::move(recipe);
+/// Throws what the result says is wrong.
+Recipe taken(RecipeFile::Result result, const std::string& where) {
+    auto* error = std::get_if<RecipeError>(&result);
+    if (error && error->remark)
+        throw RecipeTextError(where, std::move(*error->remark));
+    if (error)
+        throw UsageError(fmt::format("{}: {}", where, error->message));
+    return std::move(std::get<Recipe>(result));
 }
 
-Recipe recipeFromPreset(const std::string& name) {
+Recipe recipeFromFile(const std::string& path, RecipeFile::Accept accept) {
+    Recipe recipe = taken(readRecipe(path, accept), path == "-" ? "standard input" : path);
+    if (recipe.globalSettings)
+        checkSettings(*recipe.globalSettings, path);
+    return recipe;
+}
+
+Recipe recipeFromPreset(const std::string& name, RecipeFile::Accept accept) {
     const std::optional<std::string> path = SavedPresets().pathOf(name);
     if (!path)
         throw UsageError(fmt::format("there is no preset \"{}\"; \"tvrn presets\" lists them", name));
-    return recipeFromFile(*path);
+    return recipeFromFile(*path, accept);
 }
 
 } // namespace
 
-Recipe loadRecipe(const RecipeSource& source) {
-    return std::visit(Overloaded{[](const RecipeAtPath& file) { return recipeFromFile(file.path); },
-                                 [](const RecipeOfPreset& preset) { return recipeFromPreset(preset.name); },
-                                 [](const std::vector<RecipeStep>& steps) { return recipeFromSteps(steps); }},
-                      source);
+RecipeTextError::RecipeTextError(const std::string& where, RecipeText::Remark mistake)
+    : UsageError(
+          fmt::format("{}, line {}, column {}: {}", where, mistake.line, mistake.column, mistake.sentence())),
+      what_(std::move(mistake)) {}
+
+std::array<std::string, 2> excerptOf(const RecipeText::Remark& remark, std::size_t columns) {
+    constexpr std::size_t indentation = 2;
+    const std::size_t room = std::max<std::size_t>(columns, indentation + 4) - indentation;
+    const std::size_t place = remark.excerptColumn - 1;
+    // The place stands in the first third of what is cut.
+    const std::size_t start = place < room - room / 3 ? 0 : place - room / 3;
+    std::u16string line;
+    std::size_t column = 0, shownFrom = 0;
+    const std::u16string whole = text::fromUtf8(remark.excerpt);
+    for (const auto character : text::composedSequences(whole)) {
+        const std::size_t width = display::columns(character);
+        if (column >= start && column + width <= start + room) {
+            shownFrom = line.empty() ? column : shownFrom;
+            line += character;
+        }
+        column += width;
+    }
+    const std::size_t length = std::min(remark.length, room - std::min(place - shownFrom, room - 1));
+    const std::string before(indentation + place - shownFrom, ' ');
+    return {std::string(indentation, ' ') + text::toUtf8(line), before + '^' + std::string(length - 1, '~')};
+}
+
+Recipe loadRecipe(const RecipeSource& source, RecipeFile::Accept accept) {
+    return std::visit(
+        Overloaded{[&](const RecipeInText& recipe) {
+                       return taken(RecipeFile::fromText(text::fromBytes(recipe.text), accept), "the recipe");
+                   },
+                   [&](const RecipeAtPath& file) { return recipeFromFile(file.path, accept); },
+                   [&](const RecipeOfPreset& preset) { return recipeFromPreset(preset.name, accept); },
+                   [](const std::vector<RecipeStep>& steps) { return recipeFromSteps(steps); }},
+        source);
+}
+
+void tellNotes(const Recipe& recipe, Terminal& terminal) {
+    for (const auto& note : recipe.notes)
+        terminal.complain(
+            fmt::format("tvrn: note: line {}, column {}: {}", note.line, note.column, note.sentence()));
 }
 
 void applySettings(const Recipe& recipe, const std::vector<KeyAndValue>& given,

@@ -18,7 +18,7 @@ std::string asInRows(std::string_view component) {
 } // namespace
 
 void RenamePrinter::itemWasRenamed(std::string_view from, std::string_view to) {
-    terminal.printNow(terminal.shown(asInRows(from)) + '\t' + terminal.shown(asInRows(to)) + '\n');
+    terminal.printNow(terminal.shown(asInRows(from)) + '\t' + terminal.shown(asInRows(to)) + end);
 }
 
 } // namespace tavrin

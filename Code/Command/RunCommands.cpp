@@ -21,7 +21,13 @@ void tellProblems(StoreContext& context, const Predicate& shown, Terminal& termi
                                       problemOf(context, row)->message, context.fullPath(row)));
 }
 
-void print(const PreviewOptions& options, Session& session, StoreContext& context) {
+} // namespace
+
+void printPreview(const PreviewOptions& options, Session& session) {
+    StoreContext& context = session.context();
+    const std::lock_guard lock(context.mutex());
+    if (options.check && problemCount(context, session.filter()) > 0)
+        session.noteFailure();
     Terminal& terminal = session.terminal();
     if (options.isForPrograms || !terminal.outputIsTerminal()) {
         RowPrinter(options, terminal.output(), terminal.outputIsTerminal()).print(context, session.filter());
@@ -33,18 +39,11 @@ void print(const PreviewOptions& options, Session& session, StoreContext& contex
     ColumnPrinter(form, terminal.output()).print(context, session.filter());
 }
 
-} // namespace
-
 ExitStatus runPreviewCommand(const PreviewOptions& options) {
     Session session(options.run);
     session.preview();
-    if (!session.wasInterrupted()) {
-        StoreContext& context = session.context();
-        const std::lock_guard lock(context.mutex());
-        print(options, session, context);
-        if (options.check && problemCount(context, session.filter()) > 0)
-            session.noteFailure();
-    }
+    if (!session.wasInterrupted())
+        printPreview(options, session);
     return session.finish();
 }
 
@@ -54,8 +53,7 @@ std::string summaryOf(std::int32_t count) {
     return count == 1 ? "1 file name was changed.\n" : fmt::format("{} file names were changed.\n", count);
 }
 
-ExitStatus runRenameCommand(const RenameOptions& options) {
-    Session session(options.run);
+void prepare(Session& session, const RenameOptions& options) {
     if (options.noHistory)
         session.keepHistory(false);
     if (options.requireHistory)
@@ -67,14 +65,23 @@ ExitStatus runRenameCommand(const RenameOptions& options) {
     if (options.quiet)
         session.showNoProgress();
     if (options.verbose)
-        session.printRenames();
-    session.preview();
+        session.printRenames(options.run.selection.null);
+}
+
+ExitStatus rename(Session& session, const RenameOptions& options) {
     const bool hasNoItems = session.hasNoItems();
     if (!session.wasInterrupted() && !hasNoItems)
         session.rename();
     if (!options.quiet && (session.hasRun() || session.wasInterrupted() || hasNoItems))
         session.terminal().output().append(summaryOf(session.renamedCount()));
     return session.finish();
+}
+
+ExitStatus runRenameCommand(const RenameOptions& options) {
+    Session session(options.run);
+    prepare(session, options);
+    session.preview();
+    return rename(session, options);
 }
 
 } // namespace tavrin

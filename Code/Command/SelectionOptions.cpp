@@ -166,7 +166,8 @@ SelectionOptions SelectionParser::read() const {
     options.items.changedAfter = valueOfMoment("--newer", newer);
     options.items.changedBefore = valueOfMoment("--older", older);
     options.items.findsHidden = hidden->count() > 0;
-    options.items.linksAreItems = links->count() > 0;
+    options.items.renamesLinks = links->count() > 0;
+    options.items.followsLinks = links->count() == 0 && !(options.kinds && options.kinds->links);
     return options;
 }
 

@@ -72,10 +72,12 @@ void Session::setDefaults(bool storeInFile) {
 }
 
 void Session::load(const RunOptions& options) {
-    const Recipe recipe = loadRecipe(options.recipe);
+    const Recipe recipe = options.recipe ? loadRecipe(*options.recipe) : Recipe();
+    tellNotes(recipe, connectedTerminal);
     applySettings(recipe, options.settings, controller->globalSettings());
     catalogue.actions().setAutomaticSorting(controller->globalSettings().values().automaticSorting);
-    controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
+    if (!recipe.flatParameterList.empty()) // else the one step that there is adds nothing
+        controller->compositeAction().setFlatParameterList(recipe.flatParameterList);
     refuseStepsThatCannotWork();
 }
 
@@ -159,7 +161,18 @@ void Session::beInteractiveIfSet() {
         beInteractive();
 }
 
-void Session::printRenames() { controller->renameEngine().setRenameObserver(&renamePrinter); }
+void Session::printRenames(bool endsWithNull) {
+    if (endsWithNull)
+        renamePrinter.endRowsWithNull();
+    controller->renameEngine().setRenameObserver(&renamePrinter);
+}
+
+void Session::stopAtProblems() {
+    controller->globalSettings().setValue(static_cast<int>(Settings::OnConflict::stop),
+                                          settingKey::onConflict);
+}
+
+void Session::giveNames(GivenNames names) { controller->renameEngine().giveNames(std::move(names)); }
 
 void Session::preview() {
     const ProgressLine progress(controller->progressInfo(), loop, connectedTerminal, showsProgress);

@@ -8,6 +8,7 @@
 #include "Terminal.h"
 #include "TerminalFrontEnd.h"
 #include "engine/history/TakeBack.h"
+#include "engine/naming/GiveNamesStage.h"
 #include "platform/desktop/SystemLog.h"
 #include "platform/processes/QueueRunLoop.h"
 #include "store/queries/Predicate.h"
@@ -46,7 +47,12 @@ class Session {
     /// The same whatever they say.
     void beInteractive();
     /// Prints each item as soon as it is renamed.
-    void printRenames();
+    void printRenames(bool endsWithNull);
+    /// Nothing is renamed while any name has a problem, and none is made distinct.
+    void stopAtProblems();
+    /// The names of the next preview, and of the rename behind it, instead of those of the recipe.
+    void giveNames(GivenNames names);
+    [[nodiscard]] InterruptHandler& interruptHandler() { return interrupts; }
     void showNoProgress() { showsProgress = false; }
     /// Whether the run leaves a record by which it can be taken back.
     void keepHistory(bool keep);

@@ -26,7 +26,7 @@ ExitStatus runTakeBackCommand(const TakeBackOptions& options) {
     if (options.quiet)
         session.showNoProgress();
     if (options.verbose)
-        session.printRenames();
+        session.printRenames(false);
     const auto chosen = session.history().choose(options.isRedo ? RunKind::redo : RunKind::undo, options.run);
     if (const auto* reason = std::get_if<std::string>(&chosen))
         throw UsageError(*reason);

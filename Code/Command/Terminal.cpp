@@ -57,6 +57,8 @@ std::string Terminal::shown(std::string_view bytes) const {
 
 std::size_t Terminal::columns() const { return columnsOf(STDOUT_FILENO); }
 
+std::size_t Terminal::errorColumns() const { return columnsOf(STDERR_FILENO); }
+
 bool Terminal::paints(ColorChoice choice) const {
     if (choice != ColorChoice::automatic)
         return choice == ColorChoice::always;

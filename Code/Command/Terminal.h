@@ -33,6 +33,8 @@ class Terminal {
     /// Writes what is left of the output; a failure to write it is told, and is the status.
     ExitStatus finish(ExitStatus status = ExitStatus::allWell);
 
+    /// How many columns the terminal of standard error has; the usual number where it is none.
+    [[nodiscard]] std::size_t errorColumns() const;
     [[nodiscard]] bool errorIsTerminal() const { return errorIsForPeople; }
     /// One line to standard error, whatever it holds: control characters visible where people read it.
     void complain(std::string_view line);

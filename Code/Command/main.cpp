@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "ExitStatus.h"
+#include "RecipeLoader.h"
 #include "Terminal.h"
 #include "platform/files/Descriptor.h"
 
@@ -16,8 +17,10 @@ using namespace tavrin;
 struct Runner {
     ExitStatus operator()(const PreviewOptions& options) const { return runPreviewCommand(options); }
     ExitStatus operator()(const RenameOptions& options) const { return runRenameCommand(options); }
+    ExitStatus operator()(const EditOptions& options) const { return runEditCommand(options); }
     ExitStatus operator()(const HistoryOptions& options) const { return runHistoryCommand(options); }
     ExitStatus operator()(const TakeBackOptions& options) const { return runTakeBackCommand(options); }
+    ExitStatus operator()(const RecipeTextOptions& options) const { return runRecipeCommand(options); }
     ExitStatus operator()(const ActionsOptions& options) const { return runActionsCommand(options); }
     ExitStatus operator()(const TagsOptions& options) const { return runTagsCommand(options); }
     ExitStatus operator()(const PresetsOptions& options) const { return runPresetsCommand(options); }
@@ -36,6 +39,13 @@ struct Runner {
 ExitStatus run(const CommandLine& commandLine) {
     try {
         return std::visit(Runner(), commandLine);
+    } catch (const RecipeTextError& error) {
+        Terminal terminal;
+        terminal.complain(std::string("tvrn: ") + error.what());
+        if (!error.remark().excerpt.empty())
+            for (const std::string& line : excerptOf(error.remark(), terminal.errorColumns()))
+                terminal.complain(line);
+        return ExitStatus::badUsage;
     } catch (const UsageError& error) {
         Terminal().complain(std::string("tvrn: ") + error.what());
         return ExitStatus::badUsage;

@@ -43,6 +43,32 @@ TEST(Terminal, AStopEndsTheRunAndTellsWhatWasDone) {
     }
 }
 
+TEST(Terminal, AnswersComeFromTheTerminalWhileStandardInputIsAList) {
+    const Workplace workplace;
+    ASSERT_EQ(workplace.run("touch a b c").status, 0);
+    TerminalSession session(workplace, "ls | tvrn rename -iT- --action 'Make uppercase'");
+    ASSERT_TRUE(session.await("Rename \"a\""));
+    session.type("l\n");
+    ASSERT_TRUE(session.await("Rename \"b\""));
+    session.type("all\n");
+    EXPECT_EQ(session.end(), 0);
+    EXPECT_EQ(workplace.run("ls").output, "B\nC\na\n");
+}
+
+TEST(Interrupt, AListWithoutEndIsLeftUnread) {
+    const Workplace workplace;
+    ASSERT_EQ(workplace.run("touch a; mkfifo list").status, 0);
+    TerminalSession session(workplace, "tvrn rename --action 'Make uppercase' -T list");
+    std::ofstream list(workplace.folder().path("list")); // waits for who reads
+    for (int i = 0; i < 100'000; ++i)
+        list << "a\n";
+    list.flush();
+    session.interrupt();
+    EXPECT_EQ(session.end(), 3);
+    EXPECT_THAT(session.screen(), HasSubstr("No file names were changed."));
+    EXPECT_EQ(workplace.run("ls").output, "a\nlist\n");
+}
+
 TEST(Terminal, SwapsAndCyclesAreAskedForAsAWhole) {
     const Workplace workplace;
     ASSERT_EQ(workplace.run("mkdir c s; for f in c/1 c/2 c/3 s/a s/b; do echo $f >$f; done").status, 0);
@@ -94,7 +120,7 @@ TEST(Terminal, NamesAreShownWithoutActingOnIt) {
          "there is no setting \"" + hostile + "\""},
         {"preview --action 'Rename from list' --set listFilePath=\"z`echo *`\" x", "z" + hostile + ": File"},
         {"preview --preset * x", "there is no preset \"" + hostile + "\""},
-        {"preview --recipe * x", hostile + ": the property list is empty"},
+        {"preview --recipe * x", hostile + ", line 1, column 1: there is no step in it"},
         {"preview \"--`echo *`\" x", "not expected: --" + hostile + "\r\nTry \"tvrn preview --help\".\r\n"},
     };
     for (const auto& [line, shown] : cases) {

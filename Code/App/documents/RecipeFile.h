@@ -1,5 +1,6 @@
 #pragma once
 
+#include "documents/recipe/RecipeText.h"
 #include "support/values/PropertyValue.h"
 
 #include <optional>
@@ -31,29 +32,39 @@ inline constexpr const char* version = "Version";
 struct Recipe {
     PropertyDictionary flatParameterList;
     std::optional<PropertyDictionary> globalSettings;
+    std::u16string description = {};            ///< of a preset
+    std::vector<RecipeText::Remark> notes = {}; ///< on its text, if it was one
 };
 
 /// Why a recipe was refused, in one sentence that begins with the way to the culprit.
 struct RecipeError {
     std::string message;
+    std::optional<RecipeText::Remark> remark = {}; ///< of a recipe that is a text: what is wrong where
 };
 
-/// Reads recipes from property lists that come from outside, and checks all of them before anything is done:
-/// names of actions against the catalogue, kinds of values against what actions and settings hold.
+/// Reads recipes that come from outside, as text or as property lists, and checks all of them before anything
+/// is done: names of actions against the catalogue, kinds of values against what actions and settings hold.
 struct RecipeFile {
     using Result = std::variant<Recipe, RecipeError>;
     using CheckedList = std::variant<PropertyDictionary, RecipeError>;
 
-    /// A preset file, a flat parameter list by itself, or a droplet's settings. At least one step. `path` in
-    /// bytes.
-    static Result read(const std::string& path);
-    static Result fromPropertyList(const PropertyValue& root);
+    /// Which recipes are taken: such as can be run, or also such as a newer version has left.
+    enum class Accept { runnable, anything };
+
+    /// A preset file, a flat parameter list by itself, a droplet's settings, or a recipe as text. At least
+    /// one step. `path` in bytes.
+    static Result read(const std::string& path, Accept accept = Accept::runnable);
+    static Result fromBytes(std::string_view bytes, Accept accept = Accept::runnable);
+    static Result fromText(std::u16string_view text, Accept accept = Accept::runnable);
+    static Result fromPropertyList(const PropertyValue& root, Accept accept = Accept::runnable);
 
     /// A flat parameter list in the form that a composite action takes; it may be without steps. `keyPath`
     /// is where the list stands in its file, empty for the root.
-    static CheckedList checkedFlatParameterList(const PropertyValue& list, std::string_view keyPath);
+    static CheckedList checkedFlatParameterList(const PropertyValue& list, std::string_view keyPath,
+                                                Accept accept = Accept::runnable);
     /// A dictionary of texts and numbers.
-    static CheckedList checkedParameterList(const PropertyValue& list, std::string_view keyPath);
+    static CheckedList checkedParameterList(const PropertyValue& list, std::string_view keyPath,
+                                            Accept accept = Accept::runnable);
 };
 
 } // namespace tavrin

@@ -637,6 +637,8 @@ std::string RecipeStepReader::didYouMean(std::string_view word, std::vector<Reci
         return fmt::format("did you mean \"{}\"?", nearest);
     if (allowed.empty())
         return {};
+    if (next == Expected::verb)
+        return "\"tvrn actions\" lists them; it may come from a newer version of tvrn";
     return fmt::format("here may stand {}; it may come from a newer version of tvrn",
                        fmt::join(std::span(known).first(allowed.size()), ", "));
 }

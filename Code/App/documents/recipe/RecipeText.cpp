@@ -13,6 +13,7 @@ namespace tavrin::RecipeText {
 
 namespace {
 
+constexpr std::size_t mostAround = 300; ///< units of an excerpt on either side
 constexpr const char* stepsKey = "composite actions array";
 
 /// Each thread has actions of its own to ask.
@@ -37,7 +38,10 @@ Remark remarkOn(std::u16string_view recipe, const RecipeMistake& mistake) {
     remark.length = std::max<std::size_t>(columnsOf(recipe.substr(at, placeEnd - at)), 1);
     remark.message = display::visible(mistake.message);
     remark.hint = display::visible(mistake.hint);
-    remark.excerpt = shownText(recipe.substr(start, end - start));
+    const std::size_t excerptStart = at - start > mostAround ? at - mostAround : start;
+    const std::size_t excerptEnd = end - at > mostAround ? at + mostAround : end;
+    remark.excerpt = shownText(recipe.substr(excerptStart, excerptEnd - excerptStart));
+    remark.excerptColumn = 1 + columnsOf(recipe.substr(excerptStart, at - excerptStart));
     return remark;
 }
 

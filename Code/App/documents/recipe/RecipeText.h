@@ -23,8 +23,9 @@ struct Remark {
     std::size_t column = 1; ///< from 1, as a terminal counts
     std::size_t length = 1; ///< in columns, within the line
     std::string message;
-    std::string hint;    ///< what was meant, or how it is written; may be empty
-    std::string excerpt; ///< the whole line
+    std::string hint;              ///< what was meant, or how it is written; may be empty
+    std::string excerpt;           ///< the line, or of a long one what is around the place
+    std::size_t excerptColumn = 1; ///< where the place begins in it
 
     /// Message and hint.
     [[nodiscard]] std::string sentence() const;

@@ -109,7 +109,7 @@ void ProblemFinder::judgeName(Mover& mover) {
         mover.problem =
             nameOnDisk::problemOf(context.finalName(mover.row), context.component(mover.row), isExact);
     }
-    if (mover.goes() && !linksAreItems && context.row(mover.row).kind == FileStatus::Kind::link)
+    if (mover.goes() && !renamesLinks && context.row(mover.row).kind == FileStatus::Kind::link)
         mover.problem = NameProblem::link;
     if (!mover.goes())
         return;
@@ -182,7 +182,7 @@ void ProblemFinder::judgePresence(Mover& mover, int error, const FileStatus& fou
     const NodeRow& row = context.row(mover.row);
     if (mover.isAbsent)
         mover.problem = gone;
-    else if (error == 0 && !linksAreItems && found.kind == FileStatus::Kind::link)
+    else if (error == 0 && !renamesLinks && found.kind == FileStatus::Kind::link)
         mover.problem = NameProblem::link;
     else if (error == 0 && row.identity().isKnown() && row.kind != found.kind) {
         mover.problem = replaced;

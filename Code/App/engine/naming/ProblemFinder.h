@@ -32,8 +32,8 @@ class ProblemFinder {
     };
 
     ProblemFinder(StoreContext& storeContext, FolderNotes& folderNotes, const ItemFilter& itemFilter,
-                  bool areLinksItems)
-        : context(storeContext), notes(folderNotes), filter(itemFilter), linksAreItems(areLinksItems) {}
+                  bool linksAreRenamed)
+        : context(storeContext), notes(folderNotes), filter(itemFilter), renamesLinks(linksAreRenamed) {}
 
     /// The children are all those of the folder.
     void lookAt(RowId folder, const std::vector<RowId>& children, Names names);
@@ -86,7 +86,7 @@ class ProblemFinder {
     StoreContext& context;
     FolderNotes& notes;
     const ItemFilter filter;
-    const bool linksAreItems;
+    const bool renamesLinks;
     std::map<std::uint32_t, VolumeFacts> volumes; ///< by device
 
     // Of the folder in hand.

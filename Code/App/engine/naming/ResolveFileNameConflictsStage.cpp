@@ -71,7 +71,7 @@ bool ResolveFileNameConflictsStage::process() {
 
     NameTable names(*context);
     ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter(),
-                           engine.selection().linksAreItems);
+                           engine.selection().renamesLinks);
     const FetchRequest request{processSubfolders ? FetchEntity::node : FetchEntity::ghostNode,
                                Predicate::isTrue(NodeKey::treatAsFolder).with(Predicate::notMarked(marker)),
                                {},

@@ -225,8 +225,12 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
     pipeline->setProgressInfo(progress);
     pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
     pipeline->addStage(std::make_unique<ReadItemsIntoDatabaseStage>(*this));
-    pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
-    pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
+    if (given) {
+        pipeline->addStage(std::make_unique<GiveNamesStage>(*this, *given));
+    } else {
+        pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
+        pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
+    }
     using Task = ResolveFileNameConflictsStage::Task;
     const bool resolves = pipeline->settingsOfRun().shouldPreviewConflictResolution;
     pipeline->addStage(

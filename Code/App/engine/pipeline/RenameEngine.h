@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/history/TakeBack.h"
+#include "engine/naming/GiveNamesStage.h"
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/EngineThreads.h"
 
@@ -27,6 +28,9 @@ class RenameEngine : public EngineState {
 
     // Main thread; each returns at once.
     void processPreviewPipeline(ProgressInfo& progress);
+    /// The names that previews from now on give instead of those of the chain, and that a rename takes as
+    /// they are. While no request is under way.
+    void giveNames(GivenNames names) { given = std::make_unique<const GivenNames>(std::move(names)); }
     /// Has the next preview read all items anew, as if they had just been added. Any thread.
     void rereadAtNextPreview() { rereadRequested = true; }
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
@@ -74,6 +78,7 @@ class RenameEngine : public EngineState {
     void onMainThread(const std::function<void(EngineHost&)>& action);
 
     EngineTurns engineLock;
+    std::unique_ptr<const GivenNames> given; ///< null: the chain makes the names
     std::mutex previewPipelinesWaitingToken;
     std::atomic<int> previewPipelinesWaiting{0};
     std::atomic<bool> ending{false};

@@ -19,10 +19,9 @@ struct ItemSelection {
 
     bool takesFiles = true; ///< what is neither a folder nor a link
     bool takesLinks = true;
-    /// Links are renamed themselves and never followed, wherever they lead; else each is refused when it
-    /// would be renamed.
-    bool linksAreItems = false;
-    bool findsHidden = false; ///< while walking
+    bool followsLinks = true;  ///< a given one that leads to a folder is read like that folder
+    bool renamesLinks = false; ///< else each is refused when it would be renamed
+    bool findsHidden = false;  ///< while walking
     bool takesGivenHidden = false;
     /// Items may be given that lie inside others that are given too: each is read once.
     bool mayNest = false;

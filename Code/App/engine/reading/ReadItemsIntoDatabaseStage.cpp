@@ -57,9 +57,9 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
     int read(Level& level);
     [[nodiscard]] bool isInsideItself(const Level& level) const;
     void readNextEntry();
+    void readFileEntry(const FolderEntry& entry);
     /// Reads the next entry, or notes what the folder holds besides at its end.
     void proceed();
-    void readFileEntry(const FolderEntry& entry);
     void readFolderEntry(const FolderEntry& entry);
     /// The kind that a listing leaves open; an entry that is no more, or that can't be looked at, is none.
     [[nodiscard]] std::optional<FileStatus::Kind> kindOf(const FolderEntry& entry);
@@ -248,7 +248,7 @@ ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const std::s
     kind.isInvisible = !selection.takesGivenHidden && (name.front() == '.' || hiddenNames.contains(name));
     if (parts.name.empty())
         kind.isInvisible = true; // the root has no name that could be changed
-    if (kind.isLink() && selection.linksAreItems)
+    if (kind.isLink() && !selection.followsLinks)
         return kind;
     if (kind.isLink()) {
         const int error = FileSystem::sharedInstance().followedStatus(path, status);
@@ -431,7 +431,7 @@ void ReadItemsIntoDatabaseStage::FolderWalk::readNextEntry() {
     const std::optional<FileStatus::Kind> kind = kindOf(entry);
     if (kind == FileStatus::Kind::folder)
         return readFolderEntry({entry.name, *kind, entry.inode});
-    if (kind == FileStatus::Kind::link && !selection.linksAreItems) {
+    if (kind == FileStatus::Kind::link && selection.followsLinks) {
         FileStatus target;
         const std::string path = joinedPath(level.path, entry.name);
         if (FileSystem::sharedInstance().followedStatus(path, target) == 0 &&

@@ -29,7 +29,7 @@ constexpr std::string_view switchedKey = "alreadySwitchedToLionModeOnce";
 
 std::shared_ptr<const RunPurpose> renamingAsSelected(const EngineState& engine) {
     RunPurpose purpose;
-    purpose.linksAreItems = engine.selection().linksAreItems;
+    purpose.linksAreItems = engine.selection().renamesLinks;
     return std::make_shared<RunPurpose>(std::move(purpose));
 }
 

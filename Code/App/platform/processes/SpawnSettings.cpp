@@ -49,6 +49,10 @@ void SpawnSettings::open(const char* path, int flags, int target) {
     posix_spawn_file_actions_addopen(&actions, target, path, flags, 0);
 }
 
+void SpawnSettings::shareTerminal() {
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+}
+
 void SpawnSettings::startIn(const std::string& folder) {
     posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
 }

@@ -20,6 +20,8 @@ class SpawnSettings {
     /// The child's descriptor `target` is that of this program, or the opened file.
     void use(int descriptor, int target);
     void open(const char* path, int flags, int target);
+    /// The child belongs to this program's process group, so that it may use its terminal and gets its keys.
+    void shareTerminal();
     void startIn(const std::string& folder);
 
     /// 0 or errno. The program is sought in PATH when it has no slash. `environment` holds "NAME=value".

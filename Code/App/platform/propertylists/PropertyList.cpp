@@ -39,13 +39,17 @@ PropertyList::Result PropertyList::fromBytes(std::string_view bytes) {
     return bytes.starts_with(plist::binaryMark) ? plist::readBinary(bytes) : plist::readXml(bytes);
 }
 
-PropertyList::Result PropertyList::read(const std::string& path) {
-    std::string bytes;
+std::string PropertyList::readBytes(const std::string& path, std::string& bytes) {
     const int error = FileSystem::sharedInstance().readFile(path, bytes, plist::sizeLimit);
     if (error == EFBIG)
-        return PropertyListError{std::string(tooLarge)};
-    if (error != 0)
-        return PropertyListError{fmt::format("the file cannot be read: {}", reasonFor(error))};
+        return std::string(tooLarge);
+    return error == 0 ? std::string() : fmt::format("the file cannot be read: {}", reasonFor(error));
+}
+
+PropertyList::Result PropertyList::read(const std::string& path) {
+    std::string bytes;
+    if (std::string problem = readBytes(path, bytes); !problem.empty())
+        return PropertyListError{std::move(problem)};
     return fromBytes(bytes);
 }
 

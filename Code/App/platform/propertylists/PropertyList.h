@@ -21,6 +21,8 @@ struct PropertyList {
 
     static Result fromBytes(std::string_view bytes);
     static Result read(const std::string& path);
+    /// The bytes of a file that may be a list; returns why they can't be had, empty where they can.
+    [[nodiscard]] static std::string readBytes(const std::string& path, std::string& bytes);
 
     static std::string toXml(const PropertyValue& value);
     using Written = std::variant<std::monostate, PropertyListError>;

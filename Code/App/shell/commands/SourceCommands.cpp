@@ -89,7 +89,7 @@ const Alert someFilesNotAdded{
 } // namespace
 
 std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>& paths) {
-    Adding adding(paths, services.engine.selection().linksAreItems);
+    Adding adding(paths, !services.engine.selection().followsLinks);
     while (adding.addNext(services.sourceItems))
         continue;
     std::vector<std::size_t>& refused = adding.refused;
@@ -102,7 +102,7 @@ std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>
 }
 
 std::optional<std::string> SourceCommands::addNestedPaths(const std::vector<std::string>& paths) {
-    const bool linksAreItems = services.engine.selection().linksAreItems;
+    const bool linksAreItems = !services.engine.selection().followsLinks;
     const auto missing = std::ranges::find_if_not(paths, [&](const std::string& path) {
         return services.sourceItems.addNestedItem(path, linksAreItems);
     });

@@ -32,6 +32,7 @@ enum class NodeKey : std::uint8_t {
     madeDistinct,
     inode,
     device,
+    hasExactName,
     problem,
     problemDetail,
 };
@@ -75,6 +76,7 @@ inline constexpr std::array nodeAttributes{
     NodeAttribute{NodeKey::madeDistinct, ColumnClass::naming, &NodeRow::madeDistinct},
     NodeAttribute{NodeKey::inode, ColumnClass::none, &NodeRow::inode},
     NodeAttribute{NodeKey::device, ColumnClass::none, &NodeRow::device},
+    NodeAttribute{NodeKey::hasExactName, ColumnClass::naming, &NodeRow::hasExactName},
     NodeAttribute{NodeKey::problem, ColumnClass::naming, &NodeRow::problem, rowSummary::problem},
     NodeAttribute{NodeKey::problemDetail, ColumnClass::naming, &NodeRow::problemDetail},
 };

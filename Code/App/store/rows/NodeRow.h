@@ -37,7 +37,6 @@ struct NodeRow {
     std::int32_t manualOrder = 0;
     std::int32_t depth = 0;
     NodeEntity entity : 3 = NodeEntity::none;
-    bool hasExactName : 1 = false; ///< its final name has been a name on the disk; told with the insertion
     FileStatus::Kind kind : 4 = FileStatus::Kind::file; ///< when it was read, if it was seen
     bool treatAsFolder = false;
     bool root = false;
@@ -46,6 +45,7 @@ struct NodeRow {
     bool sortingInformationLoaded = false;
     bool canBeRenamedIndependently = true;
     bool mustBeSwapped = false;
+    bool hasExactName = false; ///< its final name is meant byte by byte; nothing else has made it
     NameProblem problem = NameProblem::none; ///< that the item has with its new name
     /// Of a name that is too long: what its file system takes. Of an item that was replaced: the kind there
     /// now.
