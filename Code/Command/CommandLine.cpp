@@ -29,6 +29,15 @@ CommandLineEnd usageError(std::string_view command, std::string_view what) {
             fmt::format("Try \"{} --help\".", name)};
 }
 
+/// The library's message, but where a value is missing: there it names the type of the value, which ours have
+/// not.
+std::string sentenceOf(const CLI::ParseError& error) {
+    const std::string_view message = error.what();
+    return message.ends_with(" missing")
+               ? fmt::format("{} needs a value", message.substr(0, message.find(':')))
+               : std::string(message);
+}
+
 std::string numberOfConflictRule(std::string_view rule) {
     return rule == "skip" ? "1" : rule == "stop" ? "2" : "0";
 }
@@ -74,7 +83,7 @@ class Parser {
         } catch (const CLI::ParseError& error) {
             if (helpWanted)
                 return CommandLineEnd{0, helpText};
-            return usageError(name, error.what());
+            return usageError(name, sentenceOf(error));
         } catch (const UsageError& error) {
             return usageError(name, error.what());
         }
@@ -366,7 +375,8 @@ CommandLine parseTags(std::vector<std::string> arguments) {
 CommandLine parsePresets(std::vector<std::string> arguments) {
     PresetsOptions options;
     Parser parser("presets", help::presets);
-    parser.app.add_flag("-j,--json", options.json);
+    CLI::Option* json = parser.app.add_flag("-j,--json", options.json);
+    parser.app.add_flag("--names", options.namesOnly)->excludes(json);
     return parser.parse(std::move(arguments), [&] {
         if (!parser.givenOperands().empty())
             throw UsageError("it takes no names");

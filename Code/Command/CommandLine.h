@@ -90,6 +90,7 @@ struct TagsOptions {
 
 struct PresetsOptions {
     bool json = false;
+    bool namesOnly = false; ///< those that fit on one line
 };
 
 /// There is nothing to run. Where the status is 0 there is a text to show on standard output; else a line for

@@ -175,10 +175,12 @@ Examples:
   tvrn tags a.txt | grep ModDate4DigitYear
 )";
 
-const std::string presets = R"(tvrn presets [--json]
+const std::string presets = R"(tvrn presets [--json | --names]
 Lists the saved presets: name, description, file.
 
   -j, --json    one object per line
+  --names       only the names, one a line; those with control characters in
+                them are left out
 
 Examples:
   tvrn presets
