@@ -132,6 +132,15 @@ class Parser {
     /// What stands on the command line beside the options, as it stands there.
     const std::vector<std::string>& givenOperands() const { return operands; }
 
+    /// Takes away those that stand behind an option that is given.
+    std::vector<std::string> takeOperandsBehind(const std::string& option) {
+        const auto first = operands.begin() + static_cast<std::ptrdiff_t>(operandsInFront.at(option));
+        std::vector<std::string> taken(std::make_move_iterator(first),
+                                       std::make_move_iterator(operands.end()));
+        operands.erase(first, operands.end());
+        return taken;
+    }
+
     /// The one that there may be; empty without it.
     std::string onlyOperand(std::string_view what) const {
         if (operands.size() > 1)
@@ -170,8 +179,9 @@ class Parser {
     }
 
     /// Whether the next argument is the option's value; so too in the next.
-    bool takeWord(std::string word, std::vector<std::string>& options) const {
+    bool takeWord(std::string word, std::vector<std::string>& options) {
         const CLI::Option* option = app.get_option_no_throw(word);
+        operandsInFront.emplace(word, operands.size());
         options.push_back(std::move(word));
         return takesValue(option);
     }
@@ -209,6 +219,7 @@ class Parser {
     CLI::Option* store = nullptr;
     std::optional<SelectionParser> selection;
     std::vector<std::string> operands;
+    std::map<std::string, std::size_t> operandsInFront; ///< by the option in long form
 };
 
 /// The options of a preview alone.
@@ -352,7 +363,15 @@ CommandLine parseActions(std::vector<std::string> arguments) {
     ActionsOptions options;
     Parser parser("actions", help::actions);
     parser.app.add_flag("-j,--json", options.json);
+    CLI::Option* names = parser.app.add_flag("--try");
     return parser.parse(std::move(arguments), [&] {
+        if (*names)
+            options.triedNames = parser.takeOperandsBehind("--try");
+        for (const std::string& name : options.triedNames)
+            if (name.empty() || name.find('/') != name.npos)
+                throw UsageError(fmt::format("--try \"{}\": expected a name, not a path", name));
+        if (*names && options.triedNames.empty())
+            throw UsageError("--try needs a name");
         options.name = parser.onlyOperand("name");
         return options;
     });

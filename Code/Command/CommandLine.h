@@ -79,7 +79,8 @@ struct RecipeTextOptions {
 
 struct ActionsOptions {
     bool json = false;
-    std::string name; ///< empty: all
+    std::string name;                    ///< empty: all
+    std::vector<std::string> triedNames; ///< what their examples make of these is asked; empty: it is not
 };
 
 struct TagsOptions {
