@@ -22,12 +22,22 @@ constexpr std::string_view arrow = " → ";
 constexpr std::size_t arrowColumns = 3;
 constexpr std::size_t gutter = 2; // for the mark of a problem
 constexpr std::size_t reasonIndent = 4;
+/// Wider names stand beside the column that the others make.
+constexpr std::size_t widestAligned = 48;
 /// Less room for two names than this puts them one below the other.
 constexpr std::size_t leastRoom = 20;
+
+/// Of a line, for two names.
+std::size_t roomOf(std::size_t columns) {
+    return std::max(columns, gutter + arrowColumns + 2) - gutter - arrowColumns;
+}
 
 void appendBlanks(std::size_t count, std::string& into) { into.append(count, ' '); }
 
 } // namespace
+
+ColumnPrinter::ColumnPrinter(const Options& printOptions, OutputBuffer& target)
+    : options(printOptions), output(target), room(roomOf(options.columns)) {}
 
 void ColumnPrinter::print(StoreContext& context, const Predicate& predicate) {
     const std::vector<RowId> folders =
@@ -57,7 +67,7 @@ void ColumnPrinter::add(StoreContext& context, RowId id) {
     context.finalName(id, finalName);
     const bool changes = name != finalName && !text::canonicallyEqual(name, finalName);
     std::optional<ToldProblem> problem = problemOf(context, id);
-    changing += changes ? 1 : 0;
+    changing += changes && !problem ? 1 : 0;
     problems += problem ? 1 : 0;
     if (!changes && !problem && !options.all)
         return;
@@ -77,34 +87,37 @@ void ColumnPrinter::add(StoreContext& context, RowId id) {
 }
 
 void ColumnPrinter::printPage() {
-    const Layout layout = layoutOfPage();
+    alignPage();
     for (std::size_t i = 0; i < rowsInPage; ++i) {
-        printRow(page[i], layout);
+        printRow(page[i]);
         output.flushIfFull();
     }
     rowsInPage = 0;
 }
 
-ColumnPrinter::Layout ColumnPrinter::layoutOfPage() {
-    std::size_t after = 0;
-    for (std::size_t i = 0; i < rowsInPage; ++i) {
-        if (!page[i].changes)
-            continue;
-        widestBefore = std::max(widestBefore, page[i].before.columns());
-        after = std::max(after, page[i].after.columns());
-    }
-    const std::size_t room = std::max(options.columns, gutter + arrowColumns + 2) - gutter - arrowColumns;
-    if (widestBefore + after <= room)
-        return {widestBefore, after, false};
+/// A few names that are much longer than the others don't push the column away from these.
+void ColumnPrinter::alignPage() {
+    for (std::size_t i = 0; i < rowsInPage; ++i)
+        if (const std::size_t width = page[i].before.columns();
+            page[i].changes && width <= std::min(widestAligned, room / 2))
+            aligned = std::max(aligned, width);
+}
+
+ColumnPrinter::Layout ColumnPrinter::layoutOf(const Row& row) const {
+    const std::size_t before = row.before.columns();
+    const std::size_t after = row.after.columns();
+    if (std::max(before, aligned) + after <= room)
+        return {std::max(before, aligned), after, false};
+    if (before + after <= room)
+        return {before, after, false};
     if (room < leastRoom)
         return {room + arrowColumns, room + gutter, true};
     const std::size_t half = room / 2;
-    const std::size_t before =
-        widestBefore <= half ? widestBefore : std::max(half, room - std::min(after, room));
-    return {before, room - before, false};
+    const std::size_t left = before <= half ? before : std::max(half, room - std::min(after, room));
+    return {left, room - left, false};
 }
 
-void ColumnPrinter::printRow(const Row& row, const Layout& layout) {
+void ColumnPrinter::printRow(const Row& row) {
     std::string& into = output.content();
     if (!row.heading.empty()) {
         if (std::exchange(hasPrinted, true))
@@ -123,6 +136,7 @@ void ColumnPrinter::printRow(const Row& row, const Layout& layout) {
         used += row.before.append(options.columns - std::min(options.columns, gutter + 1) + 1, paint::plain,
                                   into);
     } else {
+        const Layout layout = layoutOf(row);
         const std::size_t columns = row.before.append(layout.before, painted(paint::removed), into);
         if (layout.isStacked) {
             into += '\n';
@@ -153,7 +167,7 @@ void ColumnPrinter::printReason(const std::string& reason, std::size_t used) {
 
 void ColumnPrinter::printWrapped(std::string_view words, std::size_t indent, const Paint& how) {
     std::string& into = output.content();
-    const std::size_t room = std::max<std::size_t>(options.columns, indent + 1) - indent;
+    const std::size_t width = std::max<std::size_t>(options.columns, indent + 1) - indent;
     const std::u16string all = text::fromBytes(display::visible(words));
     std::u16string_view rest = all;
     while (!rest.empty()) {
@@ -164,7 +178,7 @@ void ColumnPrinter::printWrapped(std::string_view words, std::size_t indent, con
             taken += display::columns(rest.substr(end, next - end));
             if (rest[end] == u' ')
                 lastBlank = end;
-            if (taken > room && end > 0)
+            if (taken > width && end > 0)
                 break;
             end = next;
         }

@@ -21,8 +21,7 @@ class ColumnPrinter {
         bool paints = false; ///< colours
         bool all = false;    ///< also what stays as it is
     };
-    ColumnPrinter(const Options& printOptions, OutputBuffer& target)
-        : options(printOptions), output(target) {}
+    ColumnPrinter(const Options& printOptions, OutputBuffer& target);
 
     /// Hold the context's mutex.
     void print(StoreContext& context, const Predicate& predicate);
@@ -43,8 +42,9 @@ class ColumnPrinter {
 
     void add(StoreContext& context, RowId id);
     void printPage();
-    [[nodiscard]] Layout layoutOfPage();
-    void printRow(const Row& row, const Layout& layout);
+    void alignPage();
+    [[nodiscard]] Layout layoutOf(const Row& row) const;
+    void printRow(const Row& row);
     void printReason(const std::string& reason, std::size_t used);
     void printSummary();
     /// The words in lines of the terminal's width behind so many blanks.
@@ -55,7 +55,8 @@ class ColumnPrinter {
     OutputBuffer& output;
     std::vector<Row> page;
     std::size_t rowsInPage = 0;
-    std::size_t widestBefore = 0; ///< of all pages so far: the columns don't jump
+    const std::size_t room;  ///< of a line for two names
+    std::size_t aligned = 0; ///< where the new names begin: of all pages so far, so that they don't jump
     std::string nextHeading;
     bool hasPrinted = false;
     std::size_t total = 0;

@@ -312,6 +312,8 @@ CommandLine parseRecipe(std::vector<std::string> arguments) {
     });
 }
 
+constexpr int stopRule = static_cast<int>(Settings::OnConflict::stop);
+
 CommandLine parseEdit(std::vector<std::string> arguments) {
     EditOptions options;
     Parser parser("edit", help::edit);
@@ -320,6 +322,9 @@ CommandLine parseEdit(std::vector<std::string> arguments) {
     parser.app.add_flag("-n,--dry-run", options.dryRun);
     return parser.parse(std::move(arguments), [&] {
         options.rename.run = parser.runOptions(Parser::RecipeFrom::option);
+        for (const auto& [key, value] : options.rename.run.settings)
+            if (key == settingKey::onConflict && value != std::to_string(stopRule))
+                throw UsageError("names that you edit are never numbered or left out: the rule is stop");
         options.color = parser.colorChoice();
         return options;
     });

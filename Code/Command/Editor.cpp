@@ -133,6 +133,7 @@ std::string Editor::run() {
         settings.use(terminal.get(), STDIN_FILENO);
     if (::isatty(STDOUT_FILENO) == 0)
         settings.use(terminal ? terminal.get() : STDERR_FILENO, STDOUT_FILENO);
+    const InterruptHandler::ForegroundChild foreground(interrupts);
     pid_t child = 0;
     const int error = settings.spawn(
         child,
@@ -142,7 +143,6 @@ std::string Editor::run() {
 }
 
 std::string Editor::waitFor(int child) {
-    const InterruptHandler::ForegroundChild foreground(interrupts);
     const Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
     std::array<pollfd, 2> sources{{{process.get(), POLLIN, 0}, {interrupts.descriptor(), POLLIN, 0}}};
     while (process && ::poll(sources.data(), sources.size(), -1) < 0 && errno == EINTR) {

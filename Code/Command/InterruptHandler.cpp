@@ -44,7 +44,7 @@ void announce(const Descriptor& descriptor) {
 InterruptHandler::InterruptHandler(std::function<void()> action) : whenInterrupted(std::move(action)) {
     const sigset_t set = handledSignals();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
-    signals = Descriptor(checked(::signalfd(-1, &set, SFD_CLOEXEC)));
+    signals = Descriptor(checked(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK)));
     announcement = Descriptor(checked(::eventfd(0, EFD_CLOEXEC)));
     ending = Descriptor(checked(::eventfd(0, EFD_CLOEXEC)));
     thread = std::thread([this] { waitForSignals(); });
@@ -55,6 +55,30 @@ InterruptHandler::~InterruptHandler() {
     thread.join();
 }
 
+InterruptHandler::ForegroundChild::ForegroundChild(InterruptHandler& owner) : handler(owner) {
+    const std::lock_guard lock(handler.taking);
+    handler.leavesKeyboard = true;
+}
+
+/// What was typed before and has not been taken yet was for the child too.
+InterruptHandler::ForegroundChild::~ForegroundChild() {
+    const std::lock_guard lock(handler.taking);
+    sigset_t typed;
+    sigemptyset(&typed);
+    sigaddset(&typed, SIGINT);
+    const timespec atOnce{};
+    while (::sigtimedwait(&typed, nullptr, &atOnce) > 0) {
+    }
+    handler.leavesKeyboard = false;
+}
+
+bool InterruptHandler::takeSignal() {
+    const std::lock_guard lock(taking);
+    signalfd_siginfo signal;
+    return ::read(signals.get(), &signal, sizeof signal) == sizeof signal &&
+           (signal.ssi_signo != SIGINT || !leavesKeyboard);
+}
+
 void InterruptHandler::waitForSignals() {
     std::array<pollfd, 2> sources{{{signals.get(), POLLIN, 0}, {ending.get(), POLLIN, 0}}};
     while (true) {
@@ -62,12 +86,7 @@ void InterruptHandler::waitForSignals() {
             continue;
         if (sources[1].revents != 0)
             return;
-        signalfd_siginfo signal;
-        if (::read(signals.get(), &signal, sizeof signal) != sizeof signal)
-            continue;
-        if (signal.ssi_signo == SIGINT && leavesKeyboard)
-            continue;
-        if (interrupted.exchange(true))
+        if (!takeSignal() || interrupted.exchange(true))
             continue;
         announce(announcement);
         whenInterrupted();

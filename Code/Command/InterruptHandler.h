@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <functional>
+#include <mutex>
 #include <thread>
 
 namespace tavrin {
@@ -25,8 +26,8 @@ class InterruptHandler {
     /// one.
     class ForegroundChild {
       public:
-        explicit ForegroundChild(InterruptHandler& owner) : handler(owner) { handler.leavesKeyboard = true; }
-        ~ForegroundChild() { handler.leavesKeyboard = false; }
+        explicit ForegroundChild(InterruptHandler& owner);
+        ~ForegroundChild();
         ForegroundChild(const ForegroundChild&) = delete;
         ForegroundChild& operator=(const ForegroundChild&) = delete;
 
@@ -36,13 +37,16 @@ class InterruptHandler {
 
   private:
     void waitForSignals();
+    /// Reads a signal, if there is one; whether it counts.
+    bool takeSignal();
 
     std::function<void()> whenInterrupted;
     Descriptor signals;
     Descriptor announcement;
     Descriptor ending;
     std::atomic<bool> interrupted{false};
-    std::atomic<bool> leavesKeyboard{false};
+    std::mutex taking;           ///< guards what follows, from the reading of a signal to what comes of it
+    bool leavesKeyboard = false; ///< to a ForegroundChild
     std::thread thread;
 };
 

@@ -1,6 +1,6 @@
 #include "NamesFile.h"
 
-#include "QuotedName.h"
+#include "documents/recipe/RecipeTokens.h"
 #include "support/text/DisplayText.h"
 #include "support/text/Text.h"
 
@@ -20,10 +20,11 @@ constexpr std::string_view mark = "#! ";
 
 constexpr std::string_view explanation =
     R"(# Change the names, save, and close the editor; then the items are renamed.
-# Lines may change places or go: the number tells which item it is, and an item
-# without a line keeps its name. A name that could not be seen as it is stands in
-# quotes: "\t" is a tab, "\xff" a byte, "\"" a quote.
-# Nothing is renamed if the editor ends with a failure.
+# The number tells which item it is: lines may change places, and an item
+# without a line keeps its name. What is wrong is told behind "#!", and then
+# nothing is renamed, nor is it if the editor ends with a failure.
+# Names that an editor could not keep as they are stand in quotes: "\t" is a
+# tab, "\xff" a byte, "\"" a quote, "\\" a backslash.
 )";
 
 /// What is wrong with a line.
@@ -46,16 +47,26 @@ std::string_view needForQuotes(std::u16string_view name) {
 
 std::string written(const std::string& name) {
     const std::u16string text = text::fromBytes(name);
-    return needForQuotes(text).empty() ? name : text::toUtf8(quotedName(text));
+    return needForQuotes(text).empty() ? name : text::toUtf8(recipe::quoted(text));
+}
+
+/// Of a text that begins with a quote.
+std::u16string unquoted(std::u16string_view quoted) {
+    try {
+        RecipeToken token = RecipeLexer(quoted).next();
+        if (token.place.end() == quoted.size())
+            return std::move(token.text);
+    } catch (const RecipeMistake& mistake) {
+        throw LineError(mistake.hint.empty() ? mistake.message
+                                             : fmt::format("{}; {}", mistake.message, mistake.hint));
+    }
+    throw LineError("something stands behind the closing quote");
 }
 
 std::string nameOf(std::string_view text) {
     std::u16string name = text::fromBytes(text);
     if (name.starts_with(u'"')) {
-        const auto meant = unquotedName(name);
-        if (!meant)
-            throw LineError("the quotes or the escapes in them are not whole");
-        name = *meant;
+        name = unquoted(name);
     } else if (const std::string_view need = needForQuotes(name); !need.empty()) {
         throw LineError(fmt::format("{}; if that is meant, write the name in double quotes", need));
     }
@@ -73,21 +84,20 @@ std::string nameOf(std::string_view text) {
     return *bytes;
 }
 
-/// Calls with each line, without what ends it, and its number from 1.
+/// Calls with each line but marks, without what ends it, and its number among these from 1.
 template <typename Take> void eachLine(std::string_view text, Take take) {
     if (text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());
-    for (std::size_t number = 1; !text.empty(); ++number) {
+    for (std::size_t number = 1; !text.empty();) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         std::string_view line = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
         if (line.ends_with('\r'))
             line.remove_suffix(1);
-        take(line, number);
+        if (!line.starts_with(mark))
+            take(line, number++);
     }
 }
-
-bool isMark(std::string_view line) { return line.starts_with(mark); }
 
 } // namespace
 
@@ -168,8 +178,6 @@ std::string NamesFile::marked(std::string_view edited, const std::map<std::size_
         ((result += mark) += display::visible(reason)) += '\n';
     };
     eachLine(edited, [&](std::string_view line, std::size_t number) {
-        if (isMark(line))
-            return;
         if (const auto reason = wrong.find(number); reason != wrong.end())
             appendMark(reason->second);
         (result += line) += '\n';

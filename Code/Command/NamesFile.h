@@ -19,8 +19,8 @@ class NamesFile {
     };
     /// What a text says of the items.
     struct Reading {
-        std::vector<std::string> names;           ///< by item; its present one where it has no line
-        std::vector<std::size_t> lines;           ///< by item: its line from 1, 0 where it has none
+        std::vector<std::string> names; ///< by item; its present one where it has no line
+        std::vector<std::size_t> lines; ///< by item: its line from 1, marks not counted; 0 where it has none
         std::map<std::size_t, std::string> wrong; ///< by line: the reason
         bool hasLines = false;                    ///< beside comments
     };

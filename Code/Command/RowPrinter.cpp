@@ -38,6 +38,8 @@ void RowPrinter::printLine(StoreContext& context, RowId id) {
     precompose(finalName);
     if (options.format == 0) {
         precompose(name);
+        if (paints)
+            return printPainted();
         appendField(name);
         text += '\t';
     } else if (options.format == 2) {
@@ -48,6 +50,17 @@ void RowPrinter::printLine(StoreContext& context, RowId id) {
         text += '\t';
     }
     appendField(finalName);
+    text += options.null ? '\0' : '\n';
+}
+
+void RowPrinter::printPainted() {
+    before.set(name, makeVisible);
+    after.set(finalName, makeVisible);
+    ShownName::compare(before, after);
+    std::string& text = output.content();
+    before.append(before.columns(), paint::removed, text);
+    text += '\t';
+    after.append(after.columns(), paint::added, text);
     text += options.null ? '\0' : '\n';
 }
 

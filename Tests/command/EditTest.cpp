@@ -67,8 +67,8 @@ TEST(Edit, WrongLinesComeBackWithTheReasonUntilTheyAreRightOrLeft) {
         {"s/\\ta$/\\ta /", "#! it begins or ends with a blank; if that is meant, write"},
         {"s/\\ta$/\\ta\\t/", "#! it holds a control character; if that is meant, write"},
         {"s/\\ta$/\\t\\xe9/", "#! it is not UTF-8; if that is meant, write"},
-        {"s/\\ta$/\\t\"a/", "#! the quotes or the escapes in them are not whole\n"},
-        {"s/\\ta$/\\t\"a\" b/", "#! the quotes or the escapes in them are not whole\n"},
+        {"s/\\ta$/\\t\"a/", "#! the quote has no end"},
+        {"s/\\ta$/\\t\"a\" b/", "#! something stands behind the closing quote\n"},
         {"s/\\ta$/\\t\"\\\\u{d800}\"/", "#! it holds half a character\n"},
         {"s/\\ta$/\\tb/", "#! the item 2 has this name too\n1\tb\n2\tb\n"},
         {"s/\\t[ab]$/\\tz/",
@@ -82,6 +82,7 @@ TEST(Edit, WrongLinesComeBackWithTheReasonUntilTheyAreRightOrLeft) {
         const std::string first = "|| { touch .second; sed -i '" + change + "' \"$1\"; }";
         const ProgramResult left = place.edit(opening + first, "a b");
         EXPECT_EQ(left.status, 3) << change;
+        EXPECT_THAT(left.error, HasSubstr("tvrn edit: line ")) << change;
         EXPECT_THAT(left.error, HasSubstr("nothing was renamed")) << change;
         EXPECT_THAT(place.run("cat .seen").output, HasSubstr(seen)) << change;
         EXPECT_EQ(place.items(), untouched) << change;
@@ -103,6 +104,7 @@ TEST(Edit, AnEditorThatFailsTouchesNothing) {
         {"rm \"$1\"", "is gone"},
         {"rm \"$1\"; mkfifo \"$1\"", "is no file"},
         {"head -c 101000000 /dev/zero >\"$1\"", "more than 100000000 bytes"},
+        {"printf '1\\t/\\n' >>\"$1\"", "never comes right"},
         {"kill -TERM $PPID; sleep 60", "was ended by a signal"},
     };
     for (const auto& [editor, said] : cases) {
@@ -114,6 +116,25 @@ TEST(Edit, AnEditorThatFailsTouchesNothing) {
         EXPECT_EQ(place.items(), untouched) << editor;
         EXPECT_TRUE(place.hasLeftNothing()) << editor;
     }
+}
+
+/// Whatever the editor makes of the form of names that nobody has touched.
+TEST(Edit, NamesKeepTheirBytes) {
+    const EditPlace place;
+    ASSERT_EQ(place.run("rm a b c; touch $'e\\u0301' $'\\xff' x:y $'\\n' ' '").status, 0);
+    const ProgramResult run = place.edit("sed -i $'s/e\\u0301/\\u00e9/;s/x:y/x:z/' \"$1\"", "-v *");
+    EXPECT_EQ(run.output, "x/y\tx/z\n1 file name was changed.\n") << run.error;
+    EXPECT_EQ(place.run("ls -b").output, "\\n\n\\ \ne\u0301\nx:z\n\\377\n");
+}
+
+/// The editor gets the terminal although a list and a pipe are in its place.
+TEST(Edit, AnEditorHasTheTerminal) {
+    const EditPlace place;
+    place.folder().write(".editor", "test -t 0 && test -t 1 && sed -i 's/\ta$/\tx/' \"$1\"");
+    TerminalSession session(place, "2>&1; ls | VISUAL='. ./.editor' tvrn edit -T- | cat");
+    EXPECT_EQ(session.end(), 0);
+    EXPECT_EQ(session.screen(), "1 file name was changed.\r\n");
+    EXPECT_EQ(place.items(), "b:b c:c x:a ");
 }
 
 } // namespace

@@ -155,14 +155,17 @@ TEST(Columns, APreviewIsLaidOutForTheTerminal) {
         {"TERM=xterm NO_COLOR=1 tvrn preview $U 'a b'", "  a b → A B\n\n1 of 1 name changes.\n"},
         {"TERM=xterm tvrn preview --color never $U 'a b'", "  a b → A B\n\n1 of 1 name changes.\n"},
         {"stty cols 40; tvrn preview $R *",
-         "  0123 a l…s on.txt → 0123_a_lo…s_on.txt\n  a b               → a_b\n"
-         "  日 \\x1b[1m.txt    → 日_\\x1b[1m.txt\n\n3 of 5 names change.\n"},
+         "  0123 a l…s on.txt → 0123_a_lo…s_on.txt\n  a b            → a_b\n"
+         "  日 \\x1b[1m.txt → 日_\\x1b[1m.txt\n\n3 of 5 names change.\n"},
         {"COLUMNS=10 tvrn preview $R -- 0* 日*",
          "  0123…txt\n → 012…txt\n  日 ….txt\n → 日_…txt\n\n2 of 2\nnames\nchange.\n"},
         // Not where the difference is.
         {"stty cols 45; tvrn preview --action 'Replace text' --set searchTerm=name --set "
          "replacementTerm=NAME 0*",
          "  0123 a long name…txt → 0123 a long NAME…txt\n\n1 of 1 name changes.\n"},
+        {"ln -s same 'l k'; tvrn preview $R 'a b' 'l k'",
+         "  a b → a_b\n! l k → l_k\n    This file is a symbolic link and for safety reasons, Tavrin will not "
+         "rename\n    symbolic links.\n\n1 of 2 names changes, 1 problem.\n"},
         {"tvrn preview --format 0 $R 'a b' same", "a b\ta_b\nsame\tsame\n"},
     };
     for (const auto& [line, shown] : cases) {

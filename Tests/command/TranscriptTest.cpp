@@ -124,8 +124,8 @@ TEST_P(Help, FitsAScreenAndEndsWithThreeExamplesThatWork) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Help,
-                         testing::Values("", "preview", "rename", "history", "undo", "redo", "actions",
-                                         "tags", "presets"),
+                         testing::Values("", "preview", "rename", "edit", "history", "undo", "redo",
+                                         "actions", "tags", "presets"),
                          [](const auto& test) { return test.param.empty() ? "overview" : test.param; });
 
 } // namespace
