@@ -230,7 +230,8 @@ TEST(Readme, ExamplesDoWhatTheySay) {
         {"touch IMG_1.jpg", "ls; tail -n 1 ../log", "Trip 1.jpg\nreplace \"IMG_\" \"Trip \"\n"},
         {"mkdir raw; touch a.txt b.jpg raw/c.jpg; touch -d '2 hours ago' d.png", names,
          "a_old.txt\nd.png\nnew_b.jpg\nraw\nraw/c.jpg\n"},
-        {"touch x.txt x_draft.txt y_draft.txt; set +e; trap - ERR", names, "x.txt\nx_draft.txt\ny.txt\n"},
+        {"touch x.txt x_draft.txt y_draft.txt; set +e; trap - ERR", "ls; grep -c changed ../log",
+         "x.txt\nx_draft.txt\ny.txt\n2\n"},
         {"touch A b", "sed 's,.*/,,' ../log", "A\ta\n"},
         {"touch A; tvrn -x lower A", "ls; grep -c '^{\"run\"' ../log", "a\n3\n"}};
     const std::string readme = sourceFile("README.md");

@@ -50,8 +50,9 @@ QString actionSection(ActionList& list, std::int32_t index) {
             recipeReference::beginning(RecipeAction(*list.entryForName(name))) + "</p>";
     QString rows;
     for (const ParameterDescription& parameter : action->parameters())
-        if (parameter.key != "active" && parameter.key != "version" &&
-            parameter.kind != ParameterKind::status)
+        if (parameter.key == "fragmentSelection"
+                ? action->isFragmentSelectionSupported()
+                : parameter.key != "active" && !parameter.isHidden && parameter.kind != ParameterKind::status)
             rows += parameterRow(parameter);
     html += "<ul>" + rows + "</ul>";
     for (const ActionExample& example : list.entryForName(name)->examples)

@@ -17,21 +17,44 @@ QString escaped(std::string_view text) { return toQString(text).toHtmlEscaped();
 
 QString code(std::string_view text) { return "<code>" + escaped(text) + "</code>"; }
 
-QString place(std::string_view label) { return "<i>" + escaped(label) + "</i>"; }
+/// Stands for the value, in quotes where it is a text.
+QString value(const ParameterDescription& row) {
+    const QString label = escaped(row.label);
+    return "<i>" + (row.isText() ? "\"" + label + "\"" : label) + "</i>";
+}
 
 QString inBrackets(const QString& text, bool mayBeLeftOut) { return mayBeLeftOut ? "[" + text + "]" : text; }
 
-/// Rows of one word are the ways in which the phrase can go on.
+/// What stands between the word of a phrase and its text; empty for most.
+QString sides(const RecipeAction& action, const ParameterDescription& row) {
+    const ParameterDescription* const side = action.row(row.sideKey);
+    QStringList words;
+    if (side != nullptr)
+        for (const ParameterChoice& choice : side->choices)
+            words.append(code(choice.word));
+    return words.isEmpty() ? QString() : words.join("/") + " ";
+}
+
+/// Rows of which one is in use, by the same other parameter, are alternatives.
 QStringList phrases(const RecipeAction& action) {
     QStringList all;
-    std::string_view last;
+    const ParameterDescription* last = nullptr;
     for (const ParameterDescription& row : action.rows()) {
         if (row.form != RecipeForm::phrase)
             continue;
-        if (row.word != last)
-            all.append(inBrackets(code(row.word) + " " + place(row.label), row.mayBeLeftOut));
-        last = row.word;
+        const bool isAlternative =
+            last != nullptr && !row.shownWhenKey.empty() && row.shownWhenKey == last->shownWhenKey;
+        const bool saysWord = !isAlternative || row.word != last->word;
+        const QString phrase =
+            (saysWord ? code(row.word) + " " : QString()) + sides(action, row) + value(row);
+        if (isAlternative)
+            all.back() += " " + translated("or") + " " + phrase;
+        else
+            all.append((row.mayBeLeftOut ? "[" : "") + phrase);
+        last = &row;
     }
+    for (QString& phrase : all)
+        phrase += phrase.startsWith('[') ? "]" : "";
     return all;
 }
 
@@ -70,9 +93,9 @@ QString beginning(const RecipeAction& action) {
     QStringList parts(verb.slash == 0 ? code(verb.verb) : code(std::string(1, verb.slash) + "/…/…/"));
     if (verb.slash == 0)
         for (const ParameterDescription* row : action.texts())
-            parts.append(inBrackets(place(row->label), row->mayBeLeftOut));
+            parts.append(inBrackets(value(*row), row->mayBeLeftOut));
     if (!action.dateRows().empty())
-        parts.append(inBrackets("<i>" + translated("Pattern") + "</i>", true));
+        parts.append("[<i>" + translated("Pattern") + "</i>]");
     parts += phrases(action);
     if (verb.place == Place::start || verb.place == Place::end)
         parts.append(code(wordOf(verb.place)));
@@ -87,7 +110,8 @@ QString word(const ParameterDescription& parameter) {
 
 QString page() {
     RecipeVocabulary vocabulary;
-    QString html = "<h1><a name=\"recipe-words\"></a>" + translated("Recipe words") + "</h1>";
+    QString html = "<h1><a name=\"recipe-words\"></a>" + translated("Recipe words") +
+                   "</h1><p><a href=\"#recipes\">" + translated("How recipes are written") + "</a></p>";
     for (const std::string_view verb : vocabulary.verbs())
         html += sectionOfVerb(verb, vocabulary);
     return html + synonymsOfWords();
