@@ -76,7 +76,8 @@ std::variant<Reading, Remark> read(std::u16string_view recipe) {
         }
         if (steps.empty())
             throw RecipeMistake{{0, recipe.size()}, "there is no step in it"};
-        reading.flatParameterList = {{"currentActionIndex", 0}, {stepsKey, std::move(steps)}};
+        reading.flatParameterList.emplace("currentActionIndex", 0);
+        reading.flatParameterList.emplace(stepsKey, std::move(steps));
         return reading;
     } catch (const RecipeMistake& mistake) {
         return remarkOn(recipe, mistake);
