@@ -22,6 +22,9 @@ namespace tavrin {
 
 namespace {
 
+/// A script that makes something else wrong each time must not go on for ever.
+constexpr int mostOpenings = 100;
+
 /// The items of a session in a file of names, and what is made of it.
 class NamesInHand {
   public:
@@ -100,11 +103,13 @@ void NamesInHand::preview(NamesFile::Reading& reading) {
     }
 }
 
-/// Nothing was renamed: says why, with the lines as they are in the file.
-void tellWrongLines(const NamesFile::Reading& reading, Terminal& terminal) {
+/// Nothing was renamed: says why, with the lines as they are in the file. False.
+bool tellWrongLines(const NamesFile::Reading& reading, std::string_view end, Terminal& terminal) {
     std::size_t marks = 0; // each in a line of its own
     for (const auto& [line, reason] : reading.wrong)
         terminal.complain(fmt::format("tvrn edit: line {}: {}", line + ++marks, reason));
+    terminal.complain(fmt::format("tvrn edit: the file {}; nothing was renamed", end));
+    return false;
 }
 
 /// Whether the user has settled on names, which are those of the session's preview then.
@@ -112,7 +117,7 @@ bool settleNames(Session& session, NamesInHand& names) {
     Editor editor(session.interruptHandler());
     std::string text = names.file().text();
     std::optional<NamesFile::Reading> last; // what is wrong with the text
-    while (!session.wasInterrupted()) {
+    for (int opening = 0; !session.wasInterrupted(); ++opening) {
         const auto edited = editor.edit(text);
         if (const auto* failure = std::get_if<Editor::Failure>(&edited)) {
             session.terminal().complain(fmt::format("tvrn edit: {}; nothing was renamed", failure->reason));
@@ -120,15 +125,14 @@ bool settleNames(Session& session, NamesInHand& names) {
         }
         const auto& found = std::get<std::string>(edited);
         NamesFile::Reading reading = names.file().read(found);
-        if (last && (!reading.hasLines || NamesFile::isSame(found, text))) {
-            tellWrongLines(*last, session.terminal());
-            session.terminal().complain("tvrn edit: the file was left as it was; nothing was renamed");
-            return false;
-        }
+        if (last && (!reading.hasLines || NamesFile::isSame(found, text)))
+            return tellWrongLines(*last, "was left as it was", session.terminal());
         if (reading.wrong.empty())
             names.preview(reading);
         if (reading.wrong.empty())
             return !session.wasInterrupted();
+        if (opening == mostOpenings)
+            return tellWrongLines(reading, "never comes right", session.terminal());
         text = NamesFile::marked(found, reading.wrong);
         last = std::move(reading);
     }

@@ -63,6 +63,7 @@ void printRun(const PastRun& run, bool json, Terminal& terminal) {
                                      .raw("changed", countOrNull(run, &RunEnd::changed))
                                      .raw("failed", countOrNull(run, &RunEnd::failed))
                                      .textOrNull("folder", folder)
+                                     .textOrNull("recipe", record.recipe())
                                      .end());
         return;
     }

@@ -47,6 +47,7 @@ Session::Session() : Session(false) {
 
 Session::Session(const RunOptions& options) : Session(options.storeInFile) {
     tellInterruptedRun();
+    reserveStandardInput(options);
     load(options);
     takeSelection(options.selection);
     openStore(options.storeInFile);
@@ -97,6 +98,16 @@ void Session::openStore(bool storeInFile) {
         throw UsageError(fmt::format("the list cannot be kept in a file: {}", *error));
 }
 
+void Session::reserveStandardInput(const RunOptions& options) {
+    const auto* const recipe = options.recipe ? std::get_if<RecipeAtPath>(&*options.recipe) : nullptr;
+    const bool holdsRecipe = recipe && recipe->path == "-";
+    const bool holdsPaths = options.selection.filesFrom == "-";
+    if (holdsRecipe && holdsPaths)
+        throw UsageError("standard input cannot be the recipe and the list of paths as well");
+    if (holdsRecipe || holdsPaths)
+        connectedTerminal.askElsewhere();
+}
+
 void Session::takeSelection(const SelectionOptions& options) {
     TVRNGlobalPreferencesPseudoAction& settings = controller->globalSettings();
     ItemSelection items = options.items;
@@ -122,9 +133,6 @@ void Session::takeSelection(const SelectionOptions& options) {
 }
 
 void Session::addListedPaths(const SelectionOptions& options) {
-    const bool isStandardInput = *options.filesFrom == "-";
-    if (isStandardInput)
-        connectedTerminal.askElsewhere();
     PathList list(*options.filesFrom, options.null, interrupts.descriptor());
     for (std::vector<std::string> paths; !(paths = list.next()).empty() && !wasInterrupted();) {
         const std::vector<std::string> resolved = absolutePaths(paths);

@@ -94,6 +94,8 @@ class Session {
     void load(const RunOptions& options);
     void refuseStepsThatCannotWork();
     void openStore(bool storeInFile);
+    /// A recipe or a list may come from there, one of them.
+    void reserveStandardInput(const RunOptions& options);
     void takeSelection(const SelectionOptions& options);
     void addPaths(const std::vector<std::string>& given);
     void addListedPaths(const SelectionOptions& options);

@@ -104,6 +104,7 @@ TEST(Edit, AnEditorThatFailsTouchesNothing) {
         {"rm \"$1\"", "is gone"},
         {"rm \"$1\"; mkfifo \"$1\"", "is no file"},
         {"head -c 101000000 /dev/zero >\"$1\"", "more than 100000000 bytes"},
+        {"printf '1\\t/\\n' >>\"$1\"", "never comes right"},
         {"kill -TERM $PPID; sleep 60", "was ended by a signal"},
     };
     for (const auto& [editor, said] : cases) {

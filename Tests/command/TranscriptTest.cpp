@@ -87,7 +87,7 @@ TEST_P(TranscriptTest, ShowsWhatIsExpected) {
 std::vector<Transcript> allTranscripts() {
     std::vector<Transcript> all;
     for (const char* name : {"tasks", "conflicts", "output", "usage", "recipes", "files", "lists", "tags",
-                             "history", "selection", "problems"}) {
+                             "history", "selection", "problems", "words"}) {
         const auto some = readTranscripts(fmt::format("{}/{}.transcript", TAVRIN_TEST_DATA, name));
         all.insert(all.end(), some.begin(), some.end());
     }
@@ -124,7 +124,7 @@ TEST_P(Help, FitsAScreenAndEndsWithThreeExamplesThatWork) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Help,
-                         testing::Values("", "preview", "rename", "edit", "history", "undo", "redo",
+                         testing::Values("", "preview", "rename", "edit", "recipe", "history", "undo", "redo",
                                          "actions", "tags", "presets"),
                          [](const auto& test) { return test.param.empty() ? "overview" : test.param; });
 

@@ -32,6 +32,8 @@ class BaseRenameAction : public BaseAction {
 
     [[nodiscard]] virtual bool isFragmentSelectionSupported() const { return true; }
     /// Together with usesMiniButtons: which of three sizes the fragment selector has.
+    /// Whether a value that somebody gives to the parameter of that row has an effect.
+    [[nodiscard]] bool hasUseFor(const ParameterDescription& row) const;
     [[nodiscard]] virtual bool hasLongParameterList() const { return false; }
     [[nodiscard]] virtual bool usesMiniButtons() const { return false; }
     [[nodiscard]] virtual bool usesTagLibrary() const { return false; }

@@ -176,6 +176,8 @@ RecipeFile::Result RecipeFile::fromText(std::u16string_view text, Accept accept)
     if (auto* remark = std::get_if<RecipeText::Remark>(&result))
         return RecipeError{remark->sentence(), std::move(*remark)};
     auto& reading = std::get<RecipeText::Reading>(result);
+    if (accept == Accept::anything) // it may hold what no property list tells apart
+        return Recipe{std::move(reading.flatParameterList), std::nullopt, {}, std::move(reading.notes)};
     Result recipe = recipeFrom(reading.flatParameterList, "", accept);
     if (auto* read = std::get_if<Recipe>(&recipe))
         read->notes = std::move(reading.notes);

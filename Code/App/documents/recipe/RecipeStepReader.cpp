@@ -92,16 +92,16 @@ void RecipeStepReader::takeWords() {
 
 void RecipeStepReader::takeVerb() {
     verb = lexer.next();
-    if (verb.isQuoted) {
+    if (verb.isQuoted && verb.bareUnits == 0) {
         takeStoredName(verb);
         return;
     }
     verbWord = asciiOf(verb);
-    const auto* synonym = findSynonym(Kind::verb, verbWord);
-    if (synonym)
-        verbWord = synonym->meaning;
     if (verbWord.size() > 1)
         group = vocabulary.withVerb(verbWord);
+    const auto* synonym = group.empty() ? findSynonym(Kind::verb, verbWord) : nullptr;
+    if (synonym)
+        group = vocabulary.withVerb(synonym->meaning);
     if (group.empty())
         failVerb(verb);
     left = group;
@@ -201,8 +201,10 @@ bool RecipeStepReader::takeWord() {
         return false;
     }
     const std::string word = asciiOf(token);
-    const auto* synonym = findSynonym(Kind::word, word);
-    if (!word.empty() && (takeKnownWord(word, token) || (synonym && takeKnownWord(synonym->meaning, token))))
+    if (!word.empty() && takeKnownWord(word, token))
+        return true;
+    if (const auto* synonym = findSynonym(Kind::word, word);
+        synonym && takeKnownWord(synonym->meaning, token))
         return true;
     if (!isByName && (takeOption(token) || takeOptionalText(token)))
         return true;
@@ -210,6 +212,7 @@ bool RecipeStepReader::takeWord() {
 }
 
 bool RecipeStepReader::takeStored() {
+    lexer.skipBlanks();
     const std::size_t start = lexer.position();
     const auto key = lexer.storedKey();
     if (!key)
@@ -355,19 +358,21 @@ bool RecipeStepReader::takeOption(const RecipeToken& token) {
     if (equals >= token.bareUnits)
         return false;
     const std::string given = text::toUtf8(token.text.substr(0, equals));
-    const auto* synonym = findSynonym(Kind::option, given);
-    for (const std::string_view name : {std::string_view(given), synonym ? synonym->meaning : ""}) {
+    const auto rowOf = [&](std::string_view name) {
         const ParameterDescription* found = nullptr;
         for (const auto* action : left)
-            if (const auto* row = name.empty() ? nullptr : action->option(name))
+            if (const auto* row = action->option(name))
                 found = row;
-        if (!found)
-            continue;
-        options.push_back({found->word, "", token});
-        std::erase_if(left, [&](const auto* action) { return action->option(found->word) == nullptr; });
-        return true;
-    }
-    return false;
+        return found;
+    };
+    const auto* row = rowOf(given);
+    if (const auto* synonym = row ? nullptr : findSynonym(Kind::option, given))
+        row = rowOf(synonym->meaning);
+    if (!row)
+        return false;
+    options.push_back({row->word, "", token});
+    std::erase_if(left, [&](const auto* action) { return action->option(row->word) == nullptr; });
+    return true;
 }
 
 bool RecipeStepReader::mayTakeText() const {
@@ -585,7 +590,10 @@ PropertyDictionary RecipeStepReader::finish() {
     }
     for (auto& [key, value] : stored)
         parameters.insert_or_assign(std::move(key), std::move(value));
-    return {{"action name", text::fromUtf8(name)}, {"action parameter list", std::move(parameters)}};
+    PropertyDictionary step; // lists of initial values are copied
+    step.emplace("action name", text::fromUtf8(name));
+    step.emplace("action parameter list", std::move(parameters));
+    return step;
 }
 
 // ---- what may come, and what was meant

@@ -76,7 +76,8 @@ std::variant<Reading, Remark> read(std::u16string_view recipe) {
         }
         if (steps.empty())
             throw RecipeMistake{{0, recipe.size()}, "there is no step in it"};
-        reading.flatParameterList = {{"currentActionIndex", 0}, {stepsKey, std::move(steps)}};
+        reading.flatParameterList.emplace("currentActionIndex", 0);
+        reading.flatParameterList.emplace(stepsKey, std::move(steps));
         return reading;
     } catch (const RecipeMistake& mistake) {
         return remarkOn(recipe, mistake);
@@ -93,6 +94,26 @@ std::vector<std::u16string> writeSteps(const PropertyDictionary& flatParameterLi
             if (const auto* content = step.asDictionary())
                 lines.push_back(printer.step(*content));
     return lines;
+}
+
+PropertyDictionary withoutStatus(PropertyDictionary flatParameterList) {
+    const auto list = flatParameterList.find(stepsKey);
+    auto* steps = list == flatParameterList.end() ? nullptr : list->second.asArray();
+    if (!steps)
+        return flatParameterList;
+    for (auto& step : *steps) {
+        auto* content = step.asDictionary();
+        const auto* name = content ? find(*content, "action name") : nullptr;
+        const auto* action = name ? vocabulary().named(text::toUtf8(textValue(*name))) : nullptr;
+        const auto parameters =
+            content ? content->find("action parameter list") : PropertyDictionary::iterator();
+        if (!action || parameters == content->end() || !parameters->second.asDictionary())
+            continue;
+        for (const auto& row : action->rows())
+            if (row.kind == ParameterKind::status)
+                parameters->second.asDictionary()->erase(std::string(row.key));
+    }
+    return flatParameterList;
 }
 
 std::u16string write(const PropertyDictionary& flatParameterList) {

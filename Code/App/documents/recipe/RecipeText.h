@@ -41,6 +41,8 @@ struct Reading {
 
 /// The steps of a flat parameter list in canonical form, also those of actions that there are not.
 [[nodiscard]] std::vector<std::u16string> writeSteps(const PropertyDictionary& flatParameterList);
+/// The list without what actions have written into it for the user to read: no part of what they do.
+[[nodiscard]] PropertyDictionary withoutStatus(PropertyDictionary flatParameterList);
 /// All on one line.
 [[nodiscard]] std::u16string write(const PropertyDictionary& flatParameterList);
 

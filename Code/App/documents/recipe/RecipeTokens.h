@@ -49,6 +49,8 @@ class RecipeLexer {
     [[nodiscard]] std::size_t position() const { return at; }
     void goTo(std::size_t position) { at = position; }
 
+    /// And comments.
+    void skipBlanks();
     /// The next token, behind blanks and comments. Throws RecipeMistake.
     RecipeToken next();
     /// The sed-like form if it begins here, behind blanks and comments.
@@ -59,7 +61,6 @@ class RecipeLexer {
 
   private:
     [[nodiscard]] bool isAt(std::u16string_view text) const { return source.substr(at).starts_with(text); }
-    void skipBlanks();
     void appendBare(std::u16string& text);
     void appendQuoted(std::u16string& text);
     void appendEscape(std::u16string& text);

@@ -79,6 +79,8 @@ class RecipeAction {
 
 /// The value that the lone word of a row with two values stands for: the one that a new step has not.
 [[nodiscard]] std::int32_t valueOfMark(const ParameterDescription& row);
+/// The word that stands for a choice of the row; empty where it needs none, or has none.
+[[nodiscard]] std::string_view wordOf(const ParameterDescription& row, const ParameterChoice& choice);
 
 /// The actions of the catalogue by their verbs and names. Actions are made when they are first asked for, so
 /// one object belongs to one thread.

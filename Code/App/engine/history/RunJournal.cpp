@@ -115,7 +115,7 @@ void RunJournal::writeHeading(const RunPurpose& purpose) {
     runLine::print(RunHeading{runLine::timeNow(), ::getpid(), bootId(), place.who, purpose.what, purpose.of},
                    text);
     endLine();
-    runLine::print(runLine::Recipe{}, text);
+    runLine::print(runLine::Recipe{recipe}, text);
     endLine();
     if (purpose.linksAreItems) {
         text += runLine::linksLine;

@@ -21,7 +21,9 @@ class StoreContext;
 /// be asked of the disk afterwards, and a few words behind it. Worker thread only.
 class RunJournal {
   public:
-    explicit RunJournal(HistoryPlace where) : place(std::move(where)) {}
+    /// `recipeText` tells how the names were made; empty where no recipe did.
+    explicit RunJournal(HistoryPlace where, std::string recipeText = {})
+        : place(std::move(where)), recipe(std::move(recipeText)) {}
 
     /// Writes the plan, and comes back when it would outlast a loss of power. `planned` tells the rows that
     /// are to get another name. Empty when all is well, else why there is no record, as part of a sentence;
@@ -54,6 +56,7 @@ class RunJournal {
     void flush();
 
     HistoryPlace place;
+    std::string recipe;
     std::unique_ptr<AppendFile> file;
     std::string filePath;
     std::string text; ///< not written yet

@@ -266,6 +266,7 @@ template void print(const Block&, std::string&);
 template void print(const Late&, std::string&);
 template void print(const NoFlag&, std::string&);
 template std::optional<RunHeading> read(std::string_view);
+template std::optional<Recipe> read(std::string_view);
 template std::optional<RecordedFolder> read(std::string_view);
 template std::optional<RecordedItem> read(std::string_view);
 template std::optional<RunEnd> read(std::string_view);

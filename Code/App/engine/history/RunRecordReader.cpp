@@ -56,7 +56,9 @@ void RunRecordReader::readHeading() {
         return;
     }
     runHeading = *found;
-    static_cast<void>(file.next(line)); // the recipe
+    if (file.next(line))
+        if (const auto recipe = runLine::read<runLine::Recipe>(line))
+            recipeText = recipe->text;
     bool hasMore = file.next(line);
     linksAreItems = hasMore && line == runLine::linksLine;
     if (linksAreItems)

@@ -29,6 +29,8 @@ class RunRecordReader {
     [[nodiscard]] bool hasLinksAsItems() const { return linksAreItems; }
     /// The folder of the first item that the record tells of; empty without one.
     [[nodiscard]] const std::string& firstFolder() const { return topFolder; }
+    /// The recipe by which the names were made, as text; empty for names that were made otherwise.
+    [[nodiscard]] const std::string& recipe() const { return recipeText; }
     /// Absent for a run that is under way, or was interrupted.
     [[nodiscard]] const std::optional<RunEnd>& end() const { return runEnd; }
     [[nodiscard]] std::uint64_t size() const { return file.size(); }
@@ -67,6 +69,7 @@ class RunRecordReader {
     RunHeading runHeading;
     bool linksAreItems = false;
     std::string topFolder;
+    std::string recipeText;
     std::optional<RunEnd> runEnd;
     std::uint64_t intactEnd = 0; ///< behind the last block that counts
     bool hasDamage = false;

@@ -100,6 +100,7 @@ bool ComputeProvisionalNamesStage::copyActions() {
         return false;
     compositeAction = std::make_unique<CompositeRenameAction>(ActionUse::privateRun);
     compositeAction->setFlatParameterList(list);
+    engine.setChainOfNames(std::move(list));
     lostSteps.clear();
     for (std::size_t i = 0; i < worked.size(); ++i) {
         BaseRenameAction& step = compositeAction->actionAtIndex(static_cast<int>(i));

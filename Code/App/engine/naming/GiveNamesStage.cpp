@@ -13,6 +13,7 @@ bool GiveNamesStage::process() {
     report.indeterminate(true);
     keepAllNames();
     saveAndRefaultObjects();
+    engine.setChainOfNames({});
     for (const GivenName& given : names) {
         give(given);
         context->commitIfMuchIsStaged();

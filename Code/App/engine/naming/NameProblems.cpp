@@ -38,6 +38,7 @@ constexpr std::array table{
     Words{gone, "gone", "No such file: it has been removed or renamed since the list was read"},
     Words{replaced, "gone", "Another kind of item has its name now"},
     Words{folderReplaced, "gone", "The folder has been replaced by another since the list was read"},
+    Words{lostExchange, "gone", "An item with which it was to exchange names is gone"},
 };
 
 const Words& wordsOf(NameProblem problem) {
@@ -46,7 +47,7 @@ const Words& wordsOf(NameProblem problem) {
             for (std::size_t i = 0; i < table.size(); ++i)
                 if (table[i].problem != NameProblem{static_cast<std::uint8_t>(i)})
                     return false;
-            return table.back().problem == folderReplaced;
+            return table.back().problem == lostExchange;
         }(),
         "the table is in the order of the problems");
     return table[static_cast<std::size_t>(problem)];

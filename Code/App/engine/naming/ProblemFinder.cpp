@@ -173,10 +173,14 @@ bool ProblemFinder::askForEach(OpenFolder& place) {
 }
 
 void ProblemFinder::judgePresence(Mover& mover, int error, const FileStatus& found) {
-    if (!mover.goes() && mover.problem != NameProblem::link)
+    mover.isAbsent = error == ENOENT;
+    // The rename looks at the name first, then for the item, and leaves the rest to the system.
+    const bool isOfName = mover.problem == NameProblem::empty || mover.problem == holdsNul ||
+                          mover.problem == standsForFolder || mover.problem == cutCharacter;
+    if (isOfName)
         return;
     const NodeRow& row = context.row(mover.row);
-    if (error == ENOENT)
+    if (mover.isAbsent)
         mover.problem = gone;
     else if (error == 0 && !renamesLinks && found.kind == FileStatus::Kind::link)
         mover.problem = NameProblem::link;
@@ -240,11 +244,14 @@ void ProblemFinder::findTaken(Names names) {
     gatherWishes(names);
     for (const std::string_view name : others)
         withhold(name, noRow);
+    for (const Mover& mover : movers)
+        if (mover.problem == gone && !mover.isRival)
+            breakRingOf(mover);
     std::size_t next = 0;
     for (std::size_t i = 0; i < rows->size(); ++i) {
         const bool isMover = next < movers.size() && movers[next].child == i;
         const bool stays =
-            isMover ? !movers[next].goes() && movers[next].problem != gone : names != Names::toBeMadeDistinct;
+            isMover ? !movers[next].goes() && !movers[next].isAbsent : names != Names::toBeMadeDistinct;
         next += isMover ? 1 : 0;
         if (stays && (absent.empty() || !absent[i]))
             withhold(context.component((*rows)[i]), (*rows)[i]);
@@ -265,6 +272,10 @@ void ProblemFinder::gatherWishes(Names names) {
         else
             wishes.add(wishes.hashOf(keyOf(nameInHand, sought)), static_cast<std::uint32_t>(i + 1));
     }
+    for (Mover& mover : movers) {
+        nameInHand = wishOf(mover);
+        mover.isRival = !mover.goes() && names == Names::keptWhereTaken && whoWants(nameInHand) != nullptr;
+    }
 }
 
 void ProblemFinder::withhold(std::string_view name, RowId holder) {
@@ -276,6 +287,20 @@ void ProblemFinder::withhold(std::string_view name, RowId holder) {
         holder = mover->row;
         nameInHand = context.component(holder);
     }
+}
+
+void ProblemFinder::breakRingOf(const Mover& absentee) {
+    std::vector<Mover*> ring;
+    nameInHand = context.component(absentee.row);
+    for (Mover* mover = whoWants(nameInHand); mover != nullptr && mover->goes();
+         mover = whoWants(nameInHand)) {
+        ring.push_back(mover);
+        nameInHand = context.component(mover->row);
+    }
+    if (keyOf(wishOf(absentee), held) != keyOf(nameInHand, sought))
+        return;
+    for (Mover* const mover : ring)
+        mover->problem = lostExchange;
 }
 
 ProblemFinder::Mover* ProblemFinder::whoWants(std::string_view name) {
@@ -309,7 +334,8 @@ void ProblemFinder::store(Names names) {
             continue;
         }
         storeProblem(mover->row, mover->problem, mover->detail);
-        if (names == Names::keptWhereTaken && (mover->problem == taken || mover->problem == conflict)) {
+        const bool givesWay = mover->problem == taken || mover->problem == conflict || mover->isRival;
+        if (names == Names::keptWhereTaken && givesWay) {
             context.setFinalNameToName(mover->row);
             context.change(mover->row).diff = false;
         }

@@ -46,6 +46,8 @@ class ProblemFinder {
         NameProblem problem = NameProblem::none;
         std::uint16_t detail = 0;
         bool willBeMadeDistinct = false;
+        bool isAbsent = false;
+        bool isRival = false; ///< can't be renamed, and wants the name that another one will get
         [[nodiscard]] bool goes() const { return problem == NameProblem::none; }
     };
 
@@ -70,6 +72,8 @@ class ProblemFinder {
     void gatherWishes(Names names);
     /// Nobody gets this name; who wanted it keeps its own, which nobody else gets then.
     void withhold(std::string_view name, RowId holder);
+    /// An item that is gone takes all with it that were to exchange names with it.
+    void breakRingOf(const Mover& absentee);
     /// The name to be, in the bytes of the file system. Valid until the next call.
     std::string_view wishOf(const Mover& mover);
     /// What tells names apart in the folder.

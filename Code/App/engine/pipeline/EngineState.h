@@ -5,6 +5,7 @@
 #include "engine/reading/ItemSelection.h"
 #include "store/queries/FilterManager.h"
 #include "store/queries/Predicate.h"
+#include "support/values/PropertyValue.h"
 
 #include <atomic>
 #include <cstdint>
@@ -44,6 +45,11 @@ class EngineState {
     /// The value that `manualOrder` of the next row gets; goes up for the life of the engine.
     std::int32_t nextManualOrder() { return manualOrderCounter++; }
 
+    /// The chain that made the new names on the list, as chains are stored; empty where they were given one
+    /// by one. Under the engine's lock.
+    void setChainOfNames(PropertyDictionary chain) { chainOfNames = std::move(chain); }
+    [[nodiscard]] const PropertyDictionary& namesMadeBy() const { return chainOfNames; }
+
     /// What is known of the folders on the list.
     FolderNotes& folderNotes() { return notesOfFolders; }
 
@@ -78,6 +84,7 @@ class EngineState {
     std::atomic<bool> migrating{false};
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only, like the next
     FolderNotes notesOfFolders;
+    PropertyDictionary chainOfNames;
 };
 
 } // namespace tavrin

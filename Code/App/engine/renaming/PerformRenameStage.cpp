@@ -1,6 +1,7 @@
 #include "engine/renaming/PerformRenameStage.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "documents/recipe/RecipeText.h"
 #include "engine/asking/LibraryWarnings.h"
 #include "engine/history/RunHistory.h"
 #include "engine/history/RunJournal.h"
@@ -15,6 +16,7 @@
 #include "support/application/DebugLog.h"
 #include "support/application/MacOSXVersion.h"
 #include "support/text/PathParts.h"
+#include "support/text/Text.h"
 
 #include <algorithm>
 
@@ -40,6 +42,13 @@ PerformRenameStage::PerformRenameStage(EngineState& owner, std::shared_ptr<const
 
 PerformRenameStage::~PerformRenameStage() = default;
 
+/// What is taken back, or finished, tells it itself.
+std::string PerformRenameStage::recipeOfRun() const {
+    return purpose->what == RunKind::rename
+               ? text::toUtf8(RecipeText::write(RecipeText::withoutStatus(engine.namesMadeBy())))
+               : std::string();
+}
+
 bool PerformRenameStage::process() {
     switchToLionModeOnce();
     prepare();
@@ -61,7 +70,7 @@ bool PerformRenameStage::beginJournal() {
     if (!isKept || !isNeeded || run->questions.shouldAbort())
         return true;
     run->report.describe("Recording..");
-    journal = std::make_unique<RunJournal>(place);
+    journal = std::make_unique<RunJournal>(place, recipeOfRun());
     const std::string problem = journal->begin(*context, plannedItems(), run->standIns, *purpose);
     if (!problem.empty()) {
         journal.reset();

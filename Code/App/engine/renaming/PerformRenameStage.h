@@ -29,6 +29,7 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] std::string stageDescription() const override { return "Performing renames..."; }
 
   private:
+    [[nodiscard]] std::string recipeOfRun() const;
     /// False when the run is not to begin.
     bool beginJournal();
     void closeJournal(bool wasStopped);

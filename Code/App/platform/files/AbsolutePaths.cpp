@@ -1,5 +1,6 @@
 #include "platform/files/AbsolutePaths.h"
 
+#include "platform/files/FileSystem.h"
 #include "support/text/PathParts.h"
 
 #include <cstdlib>
@@ -47,10 +48,29 @@ class PathResolver {
 
   private:
     const std::optional<std::string>& resolvedFolder(std::string folder) {
-        const auto [known, isNew] = folders.try_emplace(std::move(folder));
-        if (isNew)
-            known->second = resolved(known->first);
-        return known->second;
+        const auto known = folders.find(folder);
+        if (known != folders.end())
+            return known->second;
+        std::optional<std::string> place = resolveFolder(folder);
+        return folders.emplace(std::move(folder), std::move(place)).first->second;
+    }
+
+    /// From the folder that it lies in, so that a tree costs a look at each of its folders, not at all that
+    /// lies above them as well.
+    std::optional<std::string> resolveFolder(const std::string& folder) {
+        const std::string_view path = trimmed(folder);
+        const std::string_view name = lastComponent(path);
+        if (name == "." || name == ".." || name.empty())
+            return resolved(folder);
+        const std::string_view above = folderPrefix(path);
+        const std::optional<std::string>& place = resolvedFolder(std::string(above.empty() ? "." : above));
+        if (!place)
+            return std::nullopt;
+        std::string candidate = joinedPath(*place, name);
+        FileStatus status;
+        if (FileSystem::sharedInstance().status(candidate, status) != 0)
+            return std::nullopt;
+        return status.kind == FileStatus::Kind::link ? resolved(candidate) : candidate;
     }
 
     std::unordered_map<std::string, std::optional<std::string>> folders;

@@ -90,6 +90,8 @@ QString ShownName::problemNote(NameProblem problem, std::uint16_t detail) {
         return tr("replaced by an item of another kind");
     case folderReplaced:
         return tr("the folder has been replaced by another");
+    case lostExchange:
+        return tr("it cannot exchange names with an item that is gone");
     }
     return {};
 }

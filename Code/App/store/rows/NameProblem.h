@@ -24,6 +24,7 @@ enum class NameProblem : std::uint8_t {
     gone,
     replaced,       ///< by an item of another kind
     folderReplaced, ///< by another folder
+    lostExchange,   ///< in a ring of items that want each other's names, of which one is gone
 };
 
 } // namespace tavrin
