@@ -429,7 +429,10 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
     const std::string& first = arguments.front();
     if (const auto command = commands.find(first); command != commands.end())
         return command->second({std::next(arguments.begin()), arguments.end()});
-    if (first == "--help" || first == "-h")
+    if (first == "help" && arguments.size() == 2)
+        if (const auto command = commands.find(arguments[1]); command != commands.end())
+            return command->second({"--help"});
+    if (first == "--help" || first == "-h" || (first == "help" && arguments.size() == 1))
         return CommandLineEnd{0, help::overview};
     if (first == "--version" || first == "-V")
         return CommandLineEnd{0, fmt::format("tvrn (Tavrin) {}\nrecipe language {}\n", programVersion,

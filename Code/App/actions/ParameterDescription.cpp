@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <type_traits>
 
 namespace tavrin {
 
@@ -36,6 +37,14 @@ constexpr auto occurrences = [] {
 constexpr std::array<ParameterChoice, 2> positionModes{{{0, "from the start"}, {1, "from the end"}}};
 
 constexpr std::array<ParameterChoice, 2> checkboxStates{{{0, "off"}, {1, "on"}}};
+
+/// A copy with another value of a member.
+template <typename Value>
+ParameterDescription with(ParameterDescription row, Value ParameterDescription::*member,
+                          std::type_identity_t<Value> value) {
+    row.*member = value;
+    return row;
+}
 
 } // namespace
 
@@ -88,33 +97,23 @@ ParameterDescription ParameterDescription::offWhen(std::string_view otherKey, st
 }
 
 ParameterDescription ParameterDescription::in(PanelSection part) const {
-    ParameterDescription copy = *this;
-    copy.section = part;
-    return copy;
+    return with(*this, &ParameterDescription::section, part);
 }
 
 ParameterDescription ParameterDescription::beside(std::string_view otherKey) const {
-    ParameterDescription copy = *this;
-    copy.besideKey = otherKey;
-    return copy;
+    return with(*this, &ParameterDescription::besideKey, otherKey);
 }
 
 ParameterDescription ParameterDescription::under(std::string_view heading) const {
-    ParameterDescription copy = *this;
-    copy.head = heading;
-    return copy;
+    return with(*this, &ParameterDescription::head, heading);
 }
 
 ParameterDescription ParameterDescription::shownMore(std::int32_t offset) const {
-    ParameterDescription copy = *this;
-    copy.shownOffset = offset;
-    return copy;
+    return with(*this, &ParameterDescription::shownOffset, offset);
 }
 
 ParameterDescription ParameterDescription::hidden() const {
-    ParameterDescription copy = *this;
-    copy.isHidden = true;
-    return copy;
+    return with(*this, &ParameterDescription::isHidden, true);
 }
 
 ParameterDescription ParameterDescription::unused() const {
@@ -138,27 +137,19 @@ ParameterDescription ParameterDescription::as(RecipeForm recipeForm, std::string
 }
 
 ParameterDescription ParameterDescription::orLeftOut() const {
-    ParameterDescription copy = *this;
-    copy.mayBeLeftOut = true;
-    return copy;
+    return with(*this, &ParameterDescription::mayBeLeftOut, true);
 }
 
 ParameterDescription ParameterDescription::behind(std::string_view phraseWord) const {
-    ParameterDescription copy = *this;
-    copy.scope = phraseWord;
-    return copy;
+    return with(*this, &ParameterDescription::scope, phraseWord);
 }
 
 ParameterDescription ParameterDescription::signedBy(std::string_view otherKey) const {
-    ParameterDescription copy = *this;
-    copy.signKey = otherKey;
-    return copy;
+    return with(*this, &ParameterDescription::signKey, otherKey);
 }
 
 ParameterDescription ParameterDescription::sidedBy(std::string_view otherKey) const {
-    ParameterDescription copy = *this;
-    copy.sideKey = otherKey;
-    return copy;
+    return with(*this, &ParameterDescription::sideKey, otherKey);
 }
 
 std::span<const ParameterChoice> occurrenceChoices() { return occurrences; }

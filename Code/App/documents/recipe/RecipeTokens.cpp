@@ -296,32 +296,32 @@ PropertyValue RecipeLexer::number() {
          "values are numbers, true, false, \"texts\", [ ], { }, data() and date()");
 }
 
-PropertyValue RecipeLexer::array(int depth) {
+/// From the opening bracket on, calls `readItem` for each of what commas part.
+template <typename ReadItem> void RecipeLexer::readList(std::u16string_view end, ReadItem readItem) {
     const std::size_t start = at++;
-    PropertyArray values;
-    for (skipBlanks(); !isAt(u"]"); skipBlanks()) {
-        if (!values.empty()) {
+    bool isFirst = true;
+    for (skipBlanks(); !isAt(end); skipBlanks()) {
+        if (!isFirst) {
             if (!isAt(u","))
-                fail(start, "the list has no end");
+                fail(start, "the bracket has no end");
             ++at;
             skipBlanks();
         }
-        values.push_back(literal(depth + 1));
+        isFirst = false;
+        readItem();
     }
     ++at;
+}
+
+PropertyValue RecipeLexer::array(int depth) {
+    PropertyArray values;
+    readList(u"]", [&] { values.push_back(literal(depth + 1)); });
     return values;
 }
 
 PropertyValue RecipeLexer::dictionary(int depth) {
-    const std::size_t start = at++;
     PropertyDictionary values;
-    for (skipBlanks(); !isAt(u"}"); skipBlanks()) {
-        if (!values.empty()) {
-            if (!isAt(u","))
-                fail(start, "the dictionary has no end");
-            ++at;
-            skipBlanks();
-        }
+    readList(u"}", [&] {
         auto key = text::toUtf8(quotedText("a key in quotes"));
         skipBlanks();
         if (!isAt(u":"))
@@ -329,8 +329,7 @@ PropertyValue RecipeLexer::dictionary(int depth) {
         ++at;
         skipBlanks();
         values.insert_or_assign(std::move(key), literal(depth + 1));
-    }
-    ++at;
+    });
     return values;
 }
 

@@ -68,6 +68,7 @@ class RecipeLexer {
     std::u16string slashPart(char16_t delimiter, bool unescapes, std::size_t start);
     PropertyValue literal(int depth);
     PropertyValue number();
+    template <typename ReadItem> void readList(std::u16string_view end, ReadItem readItem);
     PropertyValue array(int depth);
     PropertyValue dictionary(int depth);
     PropertyValue data();
