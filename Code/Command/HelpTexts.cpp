@@ -4,18 +4,16 @@ namespace tavrin::help {
 
 namespace {
 
-/// Of preview and rename.
-constexpr const char* runOptions = R"(RECIPE, one of
-  --recipe FILE        a preset, a list of steps, or a droplet
-  --preset NAME        a saved preset, see "tvrn presets"
-  --action NAME        a step, see "tvrn actions"; repeat it for more steps
-    --set KEY=VALUE    a parameter of the step before it; repeatable
-SETTINGS
-  --setting KEY=VALUE  a global setting; repeatable
+/// Of preview, rename and edit.
+constexpr const char* runOptions =
+    R"(  -e TEXT, -f, --recipe FILE   the recipe; a file of text, a preset, a droplet
+  -p, --preset NAME            a saved preset, see "tvrn presets"
+  --action NAME [--set KEY=VALUE]...  a step in the long form; repeatable
   -r, --recursive      also what folders hold; --depth N, --hidden: how much
   -T, --files-from F   more paths, from F or -, one a line; -0: a NUL ends each
   --include, --exclude GLOB, --type f,d,l, --newer, --older WHEN, --links
   --on-conflict RULE   number, skip or stop, where a name is wanted or taken
+  --setting KEY=VALUE  a global setting; repeatable
   --store memory|file  where the list is kept; file for millions of items
 )";
 
@@ -37,7 +35,7 @@ Usage: tvrn [OPTIONS] RECIPE PATH...       show what would happen; touch nothing
        tvrn -x [OPTIONS] RECIPE PATH...    do it
        tvrn COMMAND [OPTIONS] ...
 
-  preview   the same as no command; rename: the same as -x
+  preview   the same as no command; rename: the same as -x, --execute
   edit      rename by a list of names that you edit
   recipe    print a recipe as one line of text, or in another form
   undo      take a run back; redo takes that back, or finishes a run
@@ -46,57 +44,63 @@ Usage: tvrn [OPTIONS] RECIPE PATH...       show what would happen; touch nothing
   tags      what files say of themselves, as recipes can use it in names
   presets   the saved recipes
 
-"tvrn preview --help" and so on tell the options; -h, -V, --version.
+A recipe is steps with "|" between them: a verb, its texts, further words.
+"tvrn preview --help" and so on tell the options, "man tvrn" all words.
+Of all commands: -h, --help, --color auto|always|never; of tvrn: -V, --version.
 Examples:
   touch IMG_1.JPG IMG_2.JPG; tvrn 'replace IMG_ "Lofoten " | lower ext' *.JPG
   touch "a b"; tvrn -x 's/ /_/g' *
   tvrn actions "Replace text"
 )";
 
-const std::string preview = std::string(R"(tvrn preview [RECIPE] [SETTINGS] [OUTPUT] PATH...
-Shows what a rename would do, and touches nothing.
-)") + runOptions + R"(OUTPUT, sorted by current name
+const std::string preview = std::string(R"(tvrn preview [OPTIONS] RECIPE PATH...
+Shows what a rename would do, and touches nothing; so does tvrn by itself.
+RECIPE is a text ("man tvrn" tells its words), or else one of
+)") + runOptions + R"(Output, sorted by current name; on a terminal in two columns
   --format 0|1|2       0: name TAB new name, 1: new name, 2: path TAB new name
-  -j, --json           one object per line
+  -j, --json           one object per line, with the problems
   --affected           only what changes; -a, --all: on a terminal also the rest
-  -0, --null           end lines with NUL
+  -0, --null           end lines with NUL; --color auto|always|never
   -c, --check          status 1 where a rename would fail
 Examples:
-  touch A.TXT B.TXT; tvrn preview --action "Make lowercase" A.TXT B.TXT
-  tvrn preview --json --action "Add to end" --set string=_old --recursive .
-  tvrn preview --affected --action "Make uppercase" --set fragmentSelection=2 .
+  touch A.TXT B.TXT; tvrn preview lower A.TXT B.TXT
+  tvrn preview --json --recursive 'add _old end' .
+  tvrn preview --affected 'upper ext | number end digits=3' .
 )";
 
-const std::string rename = std::string(R"(tvrn rename [RECIPE] [SETTINGS] [OPTIONS] PATH...
-Renames the items, and says how many names it changed.
-)") + runOptions + R"(OPTIONS
+const std::string rename = std::string(R"(tvrn rename [OPTIONS] RECIPE PATH...
+Renames the items, and says how many names it changed; so does tvrn -x.
+RECIPE is a text ("man tvrn" tells its words), or else one of
+)") + runOptions + R"(  -n, --dry-run        show only, as preview with its options
   -i, --interactive    ask on the terminal before each rename and at problems
   -q, --quiet          say nothing but what fails
   -v, --verbose        tell each item that is done: old name TAB new name
   --no-history         keep no record to undo it by (keepHistory=0)
   --require-history    don't begin where no record can be written
 Examples:
-  touch A.TXT B.TXT; tvrn rename --action "Make lowercase" A.TXT B.TXT
-  touch C D; tvrn rename --action "Add to front" --set string=new_ C D
+  touch A.TXT B.TXT; tvrn rename lower A.TXT B.TXT
+  touch C D; tvrn rename 'prefix new_ | number end' C D
   mkdir -p e/f; tvrn rename --recursive --action "Make uppercase" e
 )";
 
-const std::string edit = std::string(R"(tvrn edit [RECIPE] [SETTINGS] [OPTIONS] PATH...
+const std::string edit = std::string(R"(tvrn edit [OPTIONS] PATH...
 Opens the names in $VISUAL or $EDITOR and renames the items as they are left
-there, or as RECIPE begins it. Where a line is wrong nothing is renamed, and the
-file is opened again with the reasons. Nothing is ever replaced or numbered.
-)") + runOptions + R"(OPTIONS
-  -n, --dry-run        show the result; touch nothing
+there. Where a line is wrong nothing is renamed, and the file is opened again
+with the reasons. Nothing is ever replaced or numbered.
+A recipe gives the names to begin with:
+)") + runOptions + R"(  -n, --dry-run        show the result; touch nothing
   and those of "tvrn rename"
 Examples:
   touch A.TXT B.TXT; EDITOR="sed -i s/TXT/txt/" tvrn edit A.TXT B.TXT
   touch C D; EDITOR="sed -i s/C/new/" tvrn edit --dry-run C D
-  touch E; EDITOR=true tvrn edit --action "Make lowercase" E
+  touch E; EDITOR=true tvrn edit -e lower E
 )";
 
 const std::string recipe = R"(tvrn recipe [--lines | --plist | --json] RECIPE
 Prints a recipe in its canonical form, on one line. RECIPE is a text, or one of
--e TEXT, --recipe FILE, --preset NAME and --action NAME [--set KEY=VALUE].
+  -e TEXT, -f, --recipe FILE   the recipe; a file of text, a preset, a droplet
+  -p, --preset NAME            a saved preset, see "tvrn presets"
+  --action NAME [--set KEY=VALUE]...  a step in the long form; repeatable
 
   --lines          one step a line
   --plist          a property list, as --recipe reads it
@@ -132,9 +136,9 @@ yet; RUN is as in "tvrn history". An undo is a run itself: redo takes it back.
 
 )") + takeBackOptions + R"(
 Examples:
-  touch A.TXT; tvrn rename --action "Make lowercase" A.TXT; tvrn undo
-  touch B; tvrn rename --action "Make lowercase" B; tvrn undo --preview
-  touch C; tvrn rename --action "Make lowercase" C; tvrn undo --quiet
+  touch A.TXT; tvrn -x lower A.TXT; tvrn undo
+  touch B; tvrn -x lower B; tvrn undo --preview
+  touch C; tvrn -x lower C; tvrn undo --quiet
 )";
 
 const std::string redo = std::string(R"(tvrn redo [OPTIONS] [RUN]
@@ -144,9 +148,9 @@ left of its plan. Without RUN it is the newest that can be redone; RUN is as in
 
 )") + takeBackOptions + R"(
 Examples:
-  touch A; tvrn rename --action "Make lowercase" A; tvrn undo; tvrn redo
-  touch B; tvrn rename --action "Make lowercase" B; tvrn undo; tvrn redo
-  touch C; tvrn rename --action "Make lowercase" C; tvrn undo -h; tvrn history
+  touch A; tvrn -x lower A; tvrn undo; tvrn redo
+  touch B; tvrn -x lower B; tvrn undo; tvrn redo --verbose
+  touch C; tvrn -x lower C; tvrn undo; tvrn redo --preview
 )";
 
 const std::string actions = R"(tvrn actions [--json] [ACTION] [--try NAME...]

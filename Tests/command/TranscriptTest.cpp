@@ -124,7 +124,7 @@ TEST_P(Help, FitsAScreenAndEndsWithThreeExamplesThatWork) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Help,
-                         testing::Values("", "preview", "rename", "edit", "history", "undo", "redo",
+                         testing::Values("", "preview", "rename", "edit", "recipe", "history", "undo", "redo",
                                          "actions", "tags", "presets"),
                          [](const auto& test) { return test.param.empty() ? "overview" : test.param; });
 

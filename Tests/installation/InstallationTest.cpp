@@ -202,34 +202,56 @@ TEST(Completion, KnowsTheSettingsAndOptionsOfTheProgramEverywhere) {
     }
 }
 
-// In the order of the section: what a recipe finds in its folder, as it is made in a shell, and what it
-// leaves there.
-TEST(Readme, RecipesDoWhatTheySay) {
-    const std::pair<const char*, const char*> recipes[] = {
-        {"cp ../samples/photo.jpg DSC1.JPG; cp ../samples/photo.jpg DSC2.JPG",
+/// What an example finds, as it is made in a shell, what is looked at then, and what that shows.
+struct ReadmeExample {
+    const char* before;
+    const char* look;
+    const char* shown;
+};
+
+TEST(Readme, ExamplesDoWhatTheySay) {
+    constexpr const char* names = "find * | LC_ALL=C sort";
+    const ReadmeExample examples[] = {
+        {"cp ../tests/samples/photo.jpg DSC1.JPG; cp DSC1.JPG DSC2.JPG", names,
          "2024-06-14 01.jpg\n2024-06-14 02.jpg\n"},
-        {"cp ../samples/song.mp3 track.mp3", "03 Blue Hour.mp3\n"},
-        {"mkdir -p album/day_1; touch album/day_1/a_b.txt", "album\nalbum/day 1\nalbum/day 1/a b.txt\n"},
+        {"cp ../tests/samples/song.mp3 track.mp3", names, "03 Blue Hour.mp3\n"},
+        {"mkdir -p album/day_1; touch album/day_1/a_b_c.txt", names,
+         "album\nalbum/day 1\nalbum/day 1/a b c.txt\n"},
         {"echo new >a.png; echo old >b.png; touch -d 2024-01-02 a.png; touch -d 2024-01-01 b.png",
-         "Screenshot 001.png\nScreenshot 002.png\nold\nnew\n"},
-        {"touch ONE TWO; editor() { sed -i s/two$/zwei/ $1; }", "one\nzwei\n"}};
+         "ls; cat *", "Screenshot 001.png\nScreenshot 002.png\nold\nnew\n"},
+        {"touch one two; unset VISUAL; export EDITOR='sed -i s/two$/zwei/'", names, "one\nzwei\n"},
+        {"cp ../tests/samples/photo.jpg .; cp $PRESET \"$PRESETS/My Own.tvrn8preset.plist\"",
+         "for word in 'Replace characters' searchTerm 'True North' 'My Own'; do grep -q \"$word\" ../log || "
+         "echo \"no $word\"; done",
+         ""},
+        {"echo one >a; echo two >b", "cat a b", "two\none\n"},
+        {"touch 'É  B.JPG' C.png; cp $PRESET \"$PRESETS/Holiday.tvrn8preset.plist\"", names,
+         "c.png\ne-b.jpg\nweb.recipe\n"},
+        {"touch IMG_1.jpg", "ls; tail -n 1 ../log", "Trip 1.jpg\nreplace \"IMG_\" \"Trip \"\n"},
+        {"mkdir raw; touch a.txt b.jpg raw/c.jpg; touch -d '2 hours ago' d.png", names,
+         "a_old.txt\nd.png\nnew_b.jpg\nraw\nraw/c.jpg\n"},
+        {"touch x.txt x_draft.txt y_draft.txt; set +e; trap - ERR", "ls; grep -c changed ../log",
+         "x.txt\nx_draft.txt\ny.txt\n2\n"},
+        {"touch A b", "sed 's,.*/,,' ../log", "A\ta\n"},
+        {"touch A; tvrn -x lower A", "ls; grep -c '^{\"run\"' ../log", "a\n3\n"}};
     const std::string readme = sourceFile("README.md");
     const std::size_t start = readme.find("## Five recipes");
-    const std::string section = readme.substr(start, readme.find("\n## ", start) - start);
+    const std::string section = readme.substr(start, readme.find("\n## Settings", start) - start);
     const std::regex block("(?:    .*\n)+");
     const std::vector<std::string> blocks(std::sregex_token_iterator(section.begin(), section.end(), block),
                                           {});
-    ASSERT_EQ(blocks.size(), std::size(recipes));
+    ASSERT_EQ(blocks.size(), std::size(examples));
     for (std::size_t i = 0; i < blocks.size(); ++i) {
-        const auto& [before, after] = recipes[i];
+        const auto& [before, look, shown] = examples[i];
         const TemporaryFolder folder;
         const Variable records("XDG_STATE_HOME", folder.path("state").c_str());
+        const Variable data("XDG_DATA_HOME", folder.path("data").c_str());
         const std::string script = fmt::format(
-            "exec 3>&1 &>log; trap 'cat ../log >&3' ERR; PATH={}:$PATH; ln -s {} samples; mkdir work; cd "
-            "work\n"
-            "{}\n{}\nexec >&3; find * | LC_ALL=C sort; cat *.png || true",
-            quotedForShell(programFolder()), quotedForShell(sourcePath("Tests/samples")), before, blocks[i]);
-        EXPECT_EQ(outputOf({"env", "-C", folder.path(), "bash", "-ec", script}), after);
+            "exec 3>&1 &>log; trap 'cat ../log >&3' ERR; PATH={}:$PATH; ln -s {} tests; mkdir work; cd work\n"
+            "PRESETS=../data/Tavrin\\ 9/Presets PRESET=../tests/command/data/lowercase.plist\n"
+            "mkdir -p \"$PRESETS\"\n{}\n{}\nexec >&3; {}",
+            quotedForShell(programFolder()), quotedForShell(sourcePath("Tests")), before, blocks[i], look);
+        EXPECT_EQ(outputOf({"env", "-C", folder.path(), "bash", "-ec", script}), shown) << blocks[i];
     }
 }
 

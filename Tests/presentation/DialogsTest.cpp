@@ -172,9 +172,11 @@ TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
 
 TEST_F(DialogTests, OpenHelpWhereverTheCodePointsTo) {
     start();
-    std::set<std::string> anchors;
-    for (const ActionEntry& entry : allActions())
+    std::set<std::string> anchors{"recipes", "recipe-words"};
+    for (const ActionEntry& entry : allActions()) {
         anchors.insert("action:" + std::string(entry.name));
+        anchors.insert("verb:" + std::string(entry.recipe.verb));
+    }
     const QRegularExpression anchorInCode("\"(help(Topic|Category)[0-9]+)\"");
     QDirIterator sources(TAVRIN_SOURCE_FOLDER "/Code", {"*.cpp", "*.h"}, QDir::Files,
                          QDirIterator::Subdirectories);
@@ -195,6 +197,17 @@ TEST_F(DialogTests, OpenHelpWhereverTheCodePointsTo) {
     EXPECT_TRUE(isInSight("helpTopic67"));
     click("helpForward");
     EXPECT_TRUE(isInSight("helpCategory14"));
+
+    // The words of recipes, in the entry of an action and on a page of their own.
+    const auto text = [&] { return find<QTextBrowser>("helpBrowser")->toPlainText(); };
+    controller().showHelpAnchor("action:Insert number at position");
+    EXPECT_TRUE(text().contains("In recipes: number at At\n"));
+    EXPECT_TRUE(text().contains("Digits (digits=)\n"));
+    EXPECT_TRUE(text().contains("Whole name (whole)"));
+    controller().showHelpAnchor("verb:cut");
+    EXPECT_TRUE(text().contains("cut [from Position or before/after \"Text\"] to Position or before/after "
+                                "\"Text\" or for Characters: "));
+    EXPECT_TRUE(text().contains("sub, substitute, change"));
 
     type("helpFilter", "droplet silent");
     auto* contents = find<QListWidget>("helpContents");

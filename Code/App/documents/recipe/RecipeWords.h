@@ -64,6 +64,8 @@ class RecipeAction {
     [[nodiscard]] const std::vector<const ParameterDescription*>& texts() const { return ownTexts; }
     [[nodiscard]] const std::vector<const ParameterDescription*>& dateRows() const { return ownDateRows; }
     [[nodiscard]] std::size_t requiredTexts() const { return required; }
+    /// What its texts may hold; empty where they are taken as they are.
+    [[nodiscard]] std::vector<std::u16string_view> tags() const { return action->knownTags(); }
 
   private:
     const ActionEntry* catalogued;

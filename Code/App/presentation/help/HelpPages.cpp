@@ -2,8 +2,10 @@
 
 #include "actions/ActionList.h"
 #include "actions/BaseRenameAction.h"
+#include "documents/recipe/RecipeWords.h"
 #include "platform/desktop/ResourceFolder.h"
 #include "presentation/QtText.h"
+#include "presentation/help/RecipeReference.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -18,13 +20,19 @@ namespace {
 
 QString translated(const char* text) { return QCoreApplication::translate("HelpPages", text); }
 
+/// Of recipes.
+QString wordInBrackets(const QString& word) {
+    return word.isEmpty() ? QString() : " (<code>" + word.toHtmlEscaped() + "</code>)";
+}
+
 QString parameterRow(const ParameterDescription& parameter) {
     QStringList choices;
     if (parameter.kind == ParameterKind::choice)
         for (const ParameterChoice& choice : parameter.choices)
-            choices.append(toQString(choice.label).toHtmlEscaped());
+            choices.append(toQString(choice.label).toHtmlEscaped() + wordInBrackets(toQString(choice.word)));
     const QString list = choices.isEmpty() ? QString() : ": " + choices.join(", ");
-    return "<li><b>" + toQString(parameter.label).toHtmlEscaped() + "</b>" + list + "</li>";
+    return "<li><b>" + toQString(parameter.label).toHtmlEscaped() + "</b>" +
+           wordInBrackets(recipeReference::word(parameter)) + list + "</li>";
 }
 
 QString exampleRow(const ActionExample& example) {
@@ -38,10 +46,13 @@ QString actionSection(ActionList& list, std::int32_t index) {
     QString html = QString("<h3><a name=\"action:%1\"></a>%2</h3>")
                        .arg(toQString(std::string_view(name)).toHtmlEscaped(),
                             toQString(list.popUpMenuItemStringForName(name)).toHtmlEscaped());
+    html += "<p>" + translated("In recipes:") + " " +
+            recipeReference::beginning(RecipeAction(*list.entryForName(name))) + "</p>";
     QString rows;
     for (const ParameterDescription& parameter : action->parameters())
-        if (parameter.key != "active" && parameter.key != "version" &&
-            parameter.kind != ParameterKind::status)
+        if (parameter.key == "fragmentSelection"
+                ? action->isFragmentSelectionSupported()
+                : parameter.key != "active" && !parameter.isHidden && parameter.kind != ParameterKind::status)
             rows += parameterRow(parameter);
     html += "<ul>" + rows + "</ul>";
     for (const ActionExample& example : list.entryForName(name)->examples)
@@ -63,6 +74,7 @@ void HelpPages::load() {
             addPage(QString::fromUtf8(file.readAll()));
     }
     addActionReference();
+    addPage(recipeReference::page());
 }
 
 void HelpPages::addPage(const QString& html) {

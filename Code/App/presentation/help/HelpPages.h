@@ -7,8 +7,8 @@
 
 namespace tavrin {
 
-/// The pages of the help, read from the resources: one HTML file each, in the order of their names, and a
-/// reference of all actions made from the catalogue.
+/// The pages of the help, read from the resources: one HTML file each, in the order of their names; then a
+/// reference of all actions and one of the words of recipes, made from the catalogue.
 class HelpPages {
   public:
     void load();
