@@ -29,13 +29,29 @@ CommandLineEnd usageError(std::string_view command, std::string_view what) {
             fmt::format("Try \"{} --help\".", name)};
 }
 
-/// The library's message, but where a value is missing: there it names the type of the value, which ours have
+/// The option that may have been meant by one that there is not.
+std::string nearestOption(const CLI::App& app, std::string_view given) {
+    std::vector<std::string> known;
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames())
+            known.push_back("--" + name);
+    const std::vector<std::string_view> all(known.begin(), known.end());
+    const std::string_view nearest = given.starts_with("--") ? nearestWord(given, all) : std::string_view();
+    return nearest.empty() || nearest == given ? std::string() : fmt::format("; did you mean {}?", nearest);
+}
+
+/// The library's message, but where the number of values is wrong: there it names their type, which ours have
 /// not.
-std::string sentenceOf(const CLI::ParseError& error) {
+std::string sentenceOf(const CLI::ParseError& error, const CLI::App& app) {
     const std::string_view message = error.what();
-    return message.ends_with(" missing")
-               ? fmt::format("{} needs a value", message.substr(0, message.find(':')))
-               : std::string(message);
+    const std::string_view option = message.substr(0, message.find(':'));
+    if (message.ends_with(" missing"))
+        return fmt::format("{} needs a value", option);
+    if (message.find(" required but received ") != message.npos)
+        return fmt::format("{} is given more than once", option);
+    if (message.starts_with("The following argument was not expected: "))
+        return fmt::format("{}{}", message, nearestOption(app, message.substr(message.find(": ") + 2)));
+    return std::string(message);
 }
 
 std::string numberOfConflictRule(std::string_view rule) {
@@ -83,7 +99,7 @@ class Parser {
         } catch (const CLI::ParseError& error) {
             if (helpWanted)
                 return CommandLineEnd{0, helpText};
-            return usageError(name, sentenceOf(error));
+            return usageError(name, sentenceOf(error, app));
         } catch (const UsageError& error) {
             return usageError(name, error.what());
         }
@@ -134,7 +150,10 @@ class Parser {
 
     /// Takes away those that stand behind an option that is given.
     std::vector<std::string> takeOperandsBehind(const std::string& option) {
-        const auto first = operands.begin() + static_cast<std::ptrdiff_t>(operandsInFront.at(option));
+        const auto inFront = operandsInFront.find(option);
+        if (inFront == operandsInFront.end()) // it has a value behind an equals sign
+            throw UsageError(fmt::format("{} takes what stands behind it, without \"=\"", option));
+        const auto first = operands.begin() + static_cast<std::ptrdiff_t>(inFront->second);
         std::vector<std::string> taken(std::make_move_iterator(first),
                                        std::make_move_iterator(operands.end()));
         operands.erase(first, operands.end());

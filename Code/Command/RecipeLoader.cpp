@@ -134,10 +134,22 @@ Recipe recipeFromFile(const std::string& path, RecipeFile::Accept accept) {
     return recipe;
 }
 
+[[noreturn]] void refusePreset(const std::string& given, const SavedPresets& presets) {
+    std::vector<std::string> names;
+    for (const SavedPresets::Preset& preset : presets.all())
+        names.push_back(display::visible(preset.name));
+    const std::vector<std::string_view> all(names.begin(), names.end());
+    const std::string_view nearest = nearestWord(given, all);
+    throw UsageError(fmt::format("there is no preset \"{}\"; {}", given,
+                                 nearest.empty() ? "\"tvrn presets\" lists them"
+                                                 : fmt::format("did you mean \"{}\"?", nearest)));
+}
+
 Recipe recipeFromPreset(const std::string& name, RecipeFile::Accept accept) {
-    const std::optional<std::string> path = SavedPresets().pathOf(name);
+    const SavedPresets presets;
+    const std::optional<std::string> path = presets.pathOf(name);
     if (!path)
-        throw UsageError(fmt::format("there is no preset \"{}\"; \"tvrn presets\" lists them", name));
+        refusePreset(name, presets);
     return recipeFromFile(*path, accept);
 }
 
