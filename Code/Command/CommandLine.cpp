@@ -29,6 +29,15 @@ CommandLineEnd usageError(std::string_view command, std::string_view what) {
             fmt::format("Try \"{} --help\".", name)};
 }
 
+/// The library's message, but where a value is missing: there it names the type of the value, which ours have
+/// not.
+std::string sentenceOf(const CLI::ParseError& error) {
+    const std::string_view message = error.what();
+    return message.ends_with(" missing")
+               ? fmt::format("{} needs a value", message.substr(0, message.find(':')))
+               : std::string(message);
+}
+
 std::string numberOfConflictRule(std::string_view rule) {
     return rule == "skip" ? "1" : rule == "stop" ? "2" : "0";
 }
@@ -74,7 +83,7 @@ class Parser {
         } catch (const CLI::ParseError& error) {
             if (helpWanted)
                 return CommandLineEnd{0, helpText};
-            return usageError(name, error.what());
+            return usageError(name, sentenceOf(error));
         } catch (const UsageError& error) {
             return usageError(name, error.what());
         }
@@ -123,6 +132,15 @@ class Parser {
     /// What stands on the command line beside the options, as it stands there.
     const std::vector<std::string>& givenOperands() const { return operands; }
 
+    /// Takes away those that stand behind an option that is given.
+    std::vector<std::string> takeOperandsBehind(const std::string& option) {
+        const auto first = operands.begin() + static_cast<std::ptrdiff_t>(operandsInFront.at(option));
+        std::vector<std::string> taken(std::make_move_iterator(first),
+                                       std::make_move_iterator(operands.end()));
+        operands.erase(first, operands.end());
+        return taken;
+    }
+
     /// The one that there may be; empty without it.
     std::string onlyOperand(std::string_view what) const {
         if (operands.size() > 1)
@@ -161,8 +179,9 @@ class Parser {
     }
 
     /// Whether the next argument is the option's value; so too in the next.
-    bool takeWord(std::string word, std::vector<std::string>& options) const {
+    bool takeWord(std::string word, std::vector<std::string>& options) {
         const CLI::Option* option = app.get_option_no_throw(word);
+        operandsInFront.emplace(word, operands.size());
         options.push_back(std::move(word));
         return takesValue(option);
     }
@@ -200,6 +219,7 @@ class Parser {
     CLI::Option* store = nullptr;
     std::optional<SelectionParser> selection;
     std::vector<std::string> operands;
+    std::map<std::string, std::size_t> operandsInFront; ///< by the option in long form
 };
 
 /// The options of a preview alone.
@@ -348,7 +368,15 @@ CommandLine parseActions(std::vector<std::string> arguments) {
     ActionsOptions options;
     Parser parser("actions", help::actions);
     parser.app.add_flag("-j,--json", options.json);
+    CLI::Option* names = parser.app.add_flag("--try");
     return parser.parse(std::move(arguments), [&] {
+        if (*names)
+            options.triedNames = parser.takeOperandsBehind("--try");
+        for (const std::string& name : options.triedNames)
+            if (name.empty() || name.find('/') != name.npos)
+                throw UsageError(fmt::format("--try \"{}\": expected a name, not a path", name));
+        if (*names && options.triedNames.empty())
+            throw UsageError("--try needs a name");
         options.name = parser.onlyOperand("name");
         return options;
     });
@@ -371,7 +399,8 @@ CommandLine parseTags(std::vector<std::string> arguments) {
 CommandLine parsePresets(std::vector<std::string> arguments) {
     PresetsOptions options;
     Parser parser("presets", help::presets);
-    parser.app.add_flag("-j,--json", options.json);
+    CLI::Option* json = parser.app.add_flag("-j,--json", options.json);
+    parser.app.add_flag("--names", options.namesOnly)->excludes(json);
     return parser.parse(std::move(arguments), [&] {
         if (!parser.givenOperands().empty())
             throw UsageError("it takes no names");

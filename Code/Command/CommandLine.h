@@ -79,7 +79,8 @@ struct RecipeTextOptions {
 
 struct ActionsOptions {
     bool json = false;
-    std::string name; ///< empty: all
+    std::string name;                    ///< empty: all
+    std::vector<std::string> triedNames; ///< what their examples make of these is asked; empty: it is not
 };
 
 struct TagsOptions {
@@ -90,6 +91,7 @@ struct TagsOptions {
 
 struct PresetsOptions {
     bool json = false;
+    bool namesOnly = false; ///< those that fit on one line
 };
 
 /// There is nothing to run. Where the status is 0 there is a text to show on standard output; else a line for

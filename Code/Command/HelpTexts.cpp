@@ -153,16 +153,18 @@ Examples:
   touch C; tvrn -x lower C; tvrn undo; tvrn redo --preview
 )";
 
-const std::string actions = R"(tvrn actions [--json] [NAME]
-Lists the actions by category, or tells what one action does: its parameters for
-"--set" with their defaults and choices, and an example.
+const std::string actions = R"(tvrn actions [--json] [ACTION] [--try NAME...]
+Lists the actions by category, each with its verb, or tells what one does: how
+recipes have it, its parameters with their defaults and choices, and examples.
+ACTION is a verb ("add", "add start"), a label, or a name of a stored list.
 
-  -j, --json    the same for programs; without a name, one object per line
+  -j, --json     the same for programs; one object per line
+  --try NAME...  what the examples make of a name, without any file
 
 Examples:
-  tvrn actions
-  tvrn actions "Insert at position"
-  tvrn actions --json "Replace text"
+  tvrn actions replace
+  tvrn actions "Remove accents"
+  tvrn actions title --try "my holiday.JPG"
 )";
 
 const std::string tags = R"(tvrn tags [--json] FILE...
@@ -179,10 +181,12 @@ Examples:
   tvrn tags a.txt | grep ModDate4DigitYear
 )";
 
-const std::string presets = R"(tvrn presets [--json]
+const std::string presets = R"(tvrn presets [--json | --names]
 Lists the saved presets: name, description, file.
 
   -j, --json    one object per line
+  --names       only the names, one a line; those with control characters in
+                them are left out
 
 Examples:
   tvrn presets

@@ -4,6 +4,8 @@
 #include "support/text/DisplayText.h"
 #include "support/text/Text.h"
 
+#include <algorithm>
+
 namespace tavrin {
 
 namespace {
@@ -23,11 +25,25 @@ std::string object(const SavedPresets::Preset& preset) {
     return json + "}\n";
 }
 
+bool holdsControlCharacters(std::u16string_view name) {
+    return std::ranges::any_of(
+        name, [](char16_t unit) { return text::isControl(unit) || unit == u'\u2028' || unit == u'\u2029'; });
+}
+
+ExitStatus printNames(const SavedPresets& presets, Terminal& terminal) {
+    for (const SavedPresets::Preset& preset : presets.all())
+        if (!holdsControlCharacters(preset.name))
+            terminal.output().append(text::toUtf8(preset.name) + '\n');
+    return terminal.finish();
+}
+
 } // namespace
 
 ExitStatus runPresetsCommand(const PresetsOptions& options) {
     const SavedPresets presets;
     Terminal terminal;
+    if (options.namesOnly)
+        return printNames(presets, terminal);
     for (const SavedPresets::Preset& preset : presets.all())
         terminal.output().append(options.json ? object(preset) : line(preset, terminal));
     return terminal.finish();

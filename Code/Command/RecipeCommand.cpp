@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "RecipeLoader.h"
 #include "Terminal.h"
+#include "documents/recipe/RecipeCompletion.h"
 #include "documents/recipe/RecipeText.h"
 #include "platform/propertylists/PropertyList.h"
 #include "support/text/DisplayText.h"
@@ -70,11 +71,23 @@ std::string shown(const Recipe& recipe, const RecipeTextOptions& options) {
     return text::toUtf8(RecipeText::write(recipe.flatParameterList)) + '\n';
 }
 
+/// A line each: the text with its last token complete, and what that is about.
+void printCompletions(std::string_view unfinished, Terminal& terminal) {
+    RecipeVocabulary vocabulary;
+    for (const auto& each : recipe::completions(text::fromBytes(unfinished), vocabulary))
+        terminal.output().append(terminal.shown(text::toBytes(each.text).value_or("")) + '\t' + each.about +
+                                 '\n');
+}
+
 } // namespace
 
 ExitStatus runRecipeCommand(const RecipeTextOptions& options) {
     const Catalogue catalogue;
     Terminal terminal;
+    if (options.complete) {
+        printCompletions(*options.complete, terminal);
+        return terminal.finish();
+    }
     try {
         const Recipe recipe = loadRecipe(*options.recipe, RecipeFile::Accept::anything);
         tellNotes(recipe, terminal);

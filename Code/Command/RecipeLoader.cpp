@@ -1,6 +1,8 @@
 #include "RecipeLoader.h"
 
+#include "ActionNames.h"
 #include "ExitStatus.h"
+#include "GivenParameters.h"
 #include "SavedPresets.h"
 #include "Terminal.h"
 #include "actions/ActionError.h"
@@ -8,6 +10,7 @@
 #include "documents/DropletBundle.h"
 #include "documents/DropletLauncher.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "documents/recipe/RecipeWords.h"
 #include "platform/files/Descriptor.h"
 #include "support/text/DisplayText.h"
 #include "support/text/Text.h"
@@ -51,27 +54,12 @@ PropertyValue typedValue(const PropertyValue& present, const KeyAndValue& given)
     return present.asBoolean() ? PropertyValue(number != 0) : PropertyValue(number);
 }
 
-void setParameter(BaseAction& action, const KeyAndValue& given) {
-    std::vector<std::string_view> known;
-    for (const ParameterDescription& parameter : action.parameters()) {
-        if (parameter.key == given.first) {
-            action.setValue(typedValue(propertyValue(parameter.whenNew), given), given.first);
-            return;
-        }
-        known.push_back(parameter.key);
-    }
-    throw UsageError(fmt::format("the action \"{}\" has no parameter \"{}\"; it has: {}", action.actionName(),
-                                 given.first, fmt::join(known, ", ")));
-}
-
 PropertyValue flatStep(const RecipeStep& step) {
-    if (!ActionList::sharedActionList().hasAction(step.action)) {
-        throw UsageError(fmt::format("there is no action \"{}\"; \"tvrn actions\" lists them", step.action));
-    }
-    const auto action = ActionList::sharedActionList().newActionForName(step.action, ActionUse::privateRun);
+    const std::string name(actionNames::onlyOneMeantBy(step.action).name);
+    const auto action = ActionList::sharedActionList().newActionForName(name, ActionUse::privateRun);
     for (const KeyAndValue& parameter : step.parameters)
         setParameter(*action, parameter);
-    return PropertyDictionary{{"action name", text::fromUtf8(step.action)},
+    return PropertyDictionary{{"action name", text::fromUtf8(name)},
                               {"action parameter list", action->parameterList()}};
 }
 
@@ -153,6 +141,15 @@ Recipe recipeFromPreset(const std::string& name, RecipeFile::Accept accept) {
     return recipeFromFile(*path, accept);
 }
 
+[[noreturn]] void refuseSetting(const std::string& given, const PropertyDictionary& known) {
+    const auto keys = known | std::views::keys;
+    const std::vector<std::string_view> all(keys.begin(), keys.end());
+    const std::string_view nearest = nearestWord(given, all);
+    throw UsageError(fmt::format("there is no setting \"{}\"; {}", given,
+                                 nearest.empty() ? fmt::format("there are: {}", fmt::join(all, ", "))
+                                                 : fmt::format("did you mean \"{}\"?", nearest)));
+}
+
 } // namespace
 
 RecipeTextError::RecipeTextError(const std::string& where, RecipeText::Remark mistake)
@@ -205,10 +202,8 @@ void applySettings(const Recipe& recipe, const std::vector<KeyAndValue>& given,
     std::vector<std::pair<std::string, PropertyValue>> values;
     for (const KeyAndValue& setting : given) {
         const PropertyValue* present = find(known, setting.first);
-        if (!present) {
-            throw UsageError(fmt::format("there is no setting \"{}\"; there are: {}", setting.first,
-                                         fmt::join(known | std::views::keys, ", ")));
-        }
+        if (!present)
+            refuseSetting(setting.first, known);
         const auto& [key, text] = setting;
         if (!present->asText()) {
             const std::string problem = Settings::problemOf(key, wholeNumber(text, key));

@@ -87,7 +87,7 @@ TEST_P(TranscriptTest, ShowsWhatIsExpected) {
 std::vector<Transcript> allTranscripts() {
     std::vector<Transcript> all;
     for (const char* name : {"tasks", "conflicts", "output", "usage", "recipes", "files", "lists", "tags",
-                             "history", "selection", "problems"}) {
+                             "history", "selection", "problems", "words"}) {
         const auto some = readTranscripts(fmt::format("{}/{}.transcript", TAVRIN_TEST_DATA, name));
         all.insert(all.end(), some.begin(), some.end());
     }

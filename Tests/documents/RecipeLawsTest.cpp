@@ -2,6 +2,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "common/Recipes.h"
 #include "documents/RecipeFile.h"
+#include "documents/recipe/RecipeCompletion.h"
 #include "documents/recipe/RecipeText.h"
 #include "documents/recipe/RecipeTokens.h"
 #include "documents/recipe/RecipeWords.h"
@@ -321,6 +322,87 @@ TEST(RecipeLaws, WordsTellActionsAndParametersApart) {
         EXPECT_TRUE(synonyms.emplace(each.kind, each.synonym).second) << each.synonym;
         EXPECT_TRUE(each.kind != RecipeSynonym::Kind::verb || verbs.insert(each.synonym).second)
             << each.synonym;
+    }
+}
+
+/// Whether the text is the beginning of a recipe, or one: it becomes one with what may be missing.
+bool leadsToARecipe(std::u16string_view text) {
+    for (const std::u16string_view value :
+         {u"", u"/b/", u"\"", u"name", u"1", u" \"x\"", u" 1", u" start", u" before x"})
+        for (const std::u16string_view rest : {u"", u" \"x\"", u" \"x\" \"x\"", u" end", u" \"x\" end",
+                                               u" 1 end", u" after x", u" to 1", u" at 1"})
+            if (std::holds_alternative<RecipeText::Reading>(
+                    RecipeText::read(std::u16string(text).append(value).append(rest))))
+                return true;
+    return false;
+}
+
+TEST(RecipeLaws, WhatIsOfferedLeadsToARecipe) {
+    RandomChains chains(4);
+    RecipeVocabulary vocabulary;
+    std::size_t count = 0;
+    for (int i = 0; i < 150; ++i) {
+        const auto text = RecipeText::write(chains.next());
+        for (std::size_t length = 0; length <= text.size(); ++length) {
+            const auto typed = std::u16string_view(text).substr(0, length);
+            for (const auto& each : recipe::completions(typed, vocabulary)) {
+                ++count;
+                ASSERT_TRUE(each.text.starts_with(typed)) << text::toUtf8(each.text);
+                ASSERT_TRUE(leadsToARecipe(each.text)) << text::toUtf8(typed) << "\n"
+                                                       << text::toUtf8(each.text);
+            }
+        }
+    }
+    EXPECT_GT(count, 10'000U);
+}
+
+TEST(RecipeLaws, WordsOfARecipeAreOffered) {
+    const std::pair<std::u16string_view, std::string_view> cases[] = {
+        // What is typed, and the beginnings of what it may become, each behind it.
+        {u"spl", "it-camel"},
+        {u"lower;s", "/ entence et horten ize ize-older plit-camel"},
+        {u"add x a", "t fter"},
+        {u"add x end ext of", "f"},
+        {u"add x start e", "xt"},
+        {u"add x end | trim e", "nd xt"},
+        {u"move a ca", "se"},
+        {u"move a case ca", ""},
+        {u"move a before b ca", "se"},
+        {u"replace 'a|b' c 2n", "d d-last"},
+        {u"replace \"a b", ""},
+        {u"replace a ", ""},
+        {u"s/a/b/ ev", "ery"},
+        {u"s/a/b/ ca", ""},
+        {u"s/a/b", ""},
+        {u"cut from b", "efore"},
+        {u"cut from before b t", "o"},
+        {u"number start st", "ep="},
+        {u"number step=2 st", "art"},
+        {u"number order=-m", "odified"},
+        {u"number order=size order=", ""},
+        {u"number digits=", ""},
+        {u"date \"YYYYMMDD HH-mm-ss-", "SSS\""},
+        {u"date YYYYMMD", "D"},
+        {u"date 'MMMM D", "D, YYYY' D YYYY'"},
+        {u"date s", "tart mall-am"},
+        {u"tag \"<Song> <ImageW", "idth>"},
+        {u"tag <ImageW", "idth>"},
+        {u"tag start <ImageW", ""},
+        {u"tag start \"<ImageW", "idth>"},
+        {u"music <ImageW", ""},
+        {u"music x \"<0T", "rackNum>"},
+        {u"add \"<ImageW", ""},
+        {u"\"Of tomorrow\" o", "ff"},
+        {u"\"Of tomorrow\" x:=1", ""},
+        {u"lower # ", ""},
+        {u"lower\n", ""},
+        {u"lower frist ", ""}};
+    RecipeVocabulary vocabulary;
+    for (const auto& [typed, expected] : cases) {
+        std::string rests;
+        for (const auto& each : recipe::completions(typed, vocabulary))
+            (rests += rests.empty() ? "" : " ") += text::toUtf8(each.text.substr(typed.size()));
+        EXPECT_EQ(rests, expected) << text::toUtf8(typed);
     }
 }
 

@@ -56,6 +56,12 @@ void BaseAction::hideParameter(std::string_view key) {
             row = row.hidden().as(RecipeForm::stored);
 }
 
+void BaseAction::retireParameter(std::string_view key) {
+    for (auto& row : rows)
+        if (row.key == key)
+            row = row.unused().as(RecipeForm::stored);
+}
+
 void BaseAction::refreshCaches() {
     // Taken before: a preparation that corrects a value asks for one more.
     preparedRevision = currentRevision;

@@ -97,6 +97,8 @@ class BaseAction {
     void setDefault(std::string_view key, ParameterDefault whenNew);
     /// Takes the row of a parameter of the base, which is of no use here, out of the panel.
     void hideParameter(std::string_view key);
+    /// The same of one that has no effect here.
+    void retireParameter(std::string_view key);
 
     /// Brings the values into the cached fields. Overrides call their base first, then derive what they need;
     /// no file access and no interface work.

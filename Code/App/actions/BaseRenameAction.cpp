@@ -31,6 +31,11 @@ void BaseRenameAction::introduce(std::string_view name, std::u16string_view expl
     ownExplanation = explanation;
 }
 
+bool BaseRenameAction::hasUseFor(const ParameterDescription& row) const {
+    return !row.isUnused && row.kind != ParameterKind::status &&
+           (row.key != "fragmentSelection" || isFragmentSelectionSupported());
+}
+
 void BaseRenameAction::processName(std::u16string_view, std::u16string& result) {
     result += u"not yet implemented.";
 }

@@ -32,9 +32,14 @@ class BaseRenameAction : public BaseAction {
 
     [[nodiscard]] virtual bool isFragmentSelectionSupported() const { return true; }
     /// Together with usesMiniButtons: which of three sizes the fragment selector has.
+    /// Whether a value that somebody gives to the parameter of that row has an effect.
+    [[nodiscard]] bool hasUseFor(const ParameterDescription& row) const;
     [[nodiscard]] virtual bool hasLongParameterList() const { return false; }
     [[nodiscard]] virtual bool usesMiniButtons() const { return false; }
     [[nodiscard]] virtual bool usesTagLibrary() const { return false; }
+    /// The tags that its texts may hold, with their angle brackets; constants of the program. Empty where a
+    /// text is taken as it is.
+    [[nodiscard]] virtual std::vector<std::u16string_view> knownTags() const { return {}; }
     /// The anchor of the action's page in the help; empty when it has none of its own.
     [[nodiscard]] virtual std::string_view helpAnchor() const { return {}; }
     /// A sentence for the user about what the action does with its present parameters; empty where they speak

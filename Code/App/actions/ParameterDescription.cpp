@@ -117,6 +117,12 @@ ParameterDescription ParameterDescription::hidden() const {
     return copy;
 }
 
+ParameterDescription ParameterDescription::unused() const {
+    ParameterDescription copy = hidden();
+    copy.isUnused = true;
+    return copy;
+}
+
 ParameterDescription ParameterDescription::between(std::int32_t least, std::int32_t most) const {
     ParameterDescription copy = *this;
     copy.minimum = least;

@@ -74,6 +74,7 @@ struct ParameterDescription {
     std::string_view head = {};      ///< a heading above the row
     std::int32_t shownOffset = 0;    ///< added to a number wherever it is shown
     bool isHidden = false;           ///< kept in stored lists, but not to be chosen in a panel
+    bool isUnused = false;           ///< of no effect, kept in stored lists alone
     RecipeForm form = RecipeForm::stored;
     std::string_view word = {};    ///< as the form has it; choices have words of their own
     bool mayBeLeftOut = false;     ///< of the forms `first` and `phrase`; others always may
@@ -89,7 +90,10 @@ struct ParameterDescription {
     [[nodiscard]] ParameterDescription under(std::string_view heading) const;
     [[nodiscard]] ParameterDescription shownMore(std::int32_t offset) const;
     [[nodiscard]] ParameterDescription hidden() const;
-    /// A copy for numbers that make sense from `least` to `most`: a help for whoever edits, no check.
+    /// A copy that nobody is offered.
+    [[nodiscard]] ParameterDescription unused() const;
+    /// A copy for numbers that make sense from `least` to `most`. Whoever lets a user type one keeps to that;
+    /// stored ones may be any.
     [[nodiscard]] ParameterDescription between(std::int32_t least, std::int32_t most) const;
     // For recipes.
     [[nodiscard]] ParameterDescription as(RecipeForm recipeForm, std::string_view recipeWord = {}) const;

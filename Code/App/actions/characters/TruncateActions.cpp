@@ -48,8 +48,8 @@ class ConvertToMacOS9Action final : public TruncateAction {
   public:
     ConvertToMacOS9Action() {
         setDefault("fragmentSelection", 0);
-        hideParameter("numberOfCharacters");
-        hideParameter("smart");
+        retireParameter("numberOfCharacters");
+        retireParameter("smart");
     }
     [[nodiscard]] bool isFragmentSelectionSupported() const override { return false; }
 

@@ -44,7 +44,7 @@ class RenameToDateAction final : public BaseRenameAction {
                      paramSeparatorMode);
         addParameter(checkboxParameter("uppercaseAmPm", "AM/PM in capitals", 1).mark("small-am"),
                      paramUppercase);
-        addParameter(numberParameter("version", "Version of the patterns", 1).between(1, 1).hidden());
+        addParameter(numberParameter("version", "Version of the patterns", 1).between(1, 1).unused());
         if (place == Place::start)
             addParameter(checkboxParameter("trailingSpace", "Space between", 1).mark("no-space"), paramSpace);
         if (place == Place::end)

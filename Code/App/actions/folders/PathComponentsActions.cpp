@@ -24,8 +24,8 @@ class AddPathComponentsAction final : public BaseRenameAction {
             return;
         }
         // Of no effect, but kept for stored lists.
-        addParameter(checkboxParameter("leadingSpace", "Not used", 0).hidden());
-        addParameter(checkboxParameter("trailingSpace", "Not used", 0).hidden());
+        addParameter(checkboxParameter("leadingSpace", "Not used", 0).unused());
+        addParameter(checkboxParameter("trailingSpace", "Not used", 0).unused());
         addParametersOfChain();
         setDefault(place == Place::start ? "prefix" : "suffix", u"");
     }

@@ -73,7 +73,7 @@ constexpr std::array<std::pair<std::int32_t, std::u16string_view>, 13> romanNume
 class RomanNumeralBasedAction final : public SortNumberBasedAction {
   public:
     explicit RomanNumeralBasedAction(Place place) : SortNumberBasedAction(place) {
-        addParameter(numberParameter("padding", "Not used", 2).hidden());
+        addParameter(numberParameter("padding", "Not used", 2).unused());
     }
     [[nodiscard]] std::vector<std::u16string> firstValues() const override { return {}; }
 

@@ -14,8 +14,8 @@ void SequenceAction::addPlacementParameters(std::u16string_view prefix) {
                      paramSuffix);
     } else if (placement.where() == Place::position) {
         // Kept for stored lists, which have them.
-        addParameter(textParameter("prefix", "Not used").hidden());
-        addParameter(textParameter("suffix", "Not used").hidden());
+        addParameter(textParameter("prefix", "Not used").unused());
+        addParameter(textParameter("suffix", "Not used").unused());
     }
 }
 

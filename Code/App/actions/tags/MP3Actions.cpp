@@ -62,6 +62,7 @@ class MP3Action final : public BaseRenameAction {
     }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
     [[nodiscard]] bool usesMiniButtons() const override { return true; }
+    [[nodiscard]] std::vector<std::u16string_view> knownTags() const override { return musicTags(); }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic41"; }
     [[nodiscard]] std::u16string explanation() const override {
         return u"The first pattern for which a file has all tags is used.";

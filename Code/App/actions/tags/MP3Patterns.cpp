@@ -62,6 +62,13 @@ std::u16string replaced(std::u16string_view text, std::u16string_view tag, std::
 
 } // namespace
 
+std::vector<std::u16string_view> musicTags() {
+    std::vector<std::u16string_view> tags;
+    for (const Substitution& each : substitutions)
+        tags.push_back(each.tag);
+    return tags;
+}
+
 bool allDataForPattern(std::u16string_view pattern, const PropertyDictionary& tags) {
     return !pattern.empty() && std::ranges::none_of(substitutions, [&](const Substitution& each) {
         return pattern.find(each.sought) != pattern.npos && !find(tags, each.key);

@@ -4,6 +4,8 @@
 #include "tags/TagLibraryHelper.h"
 #include "tags/TaggedFile.h"
 
+#include <ranges>
+
 namespace tavrin {
 
 namespace {
@@ -34,6 +36,11 @@ class TagBasedAction final : public BaseRenameAction {
     }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
     [[nodiscard]] bool usesTagLibrary() const override { return true; }
+    [[nodiscard]] std::vector<std::u16string_view> knownTags() const override {
+        const auto& tags = TagLibraryHelper::sharedInstance().tagItemsByName();
+        const auto names = std::views::keys(tags);
+        return {names.begin(), names.end()};
+    }
     [[nodiscard]] std::string_view helpAnchor() const override { return "helpTopic67"; }
 
   protected:

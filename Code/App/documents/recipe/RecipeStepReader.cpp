@@ -63,9 +63,21 @@ std::string_view formOf(Place place) {
     return forms.at(static_cast<std::size_t>(place));
 }
 
+std::string aboutOf(const RecipeAction::Word& word) {
+    const auto choice = std::ranges::find(word.row->choices, word.value, &ParameterChoice::value);
+    return choice == word.row->choices.end() || choice->label.empty()
+               ? std::string(word.row->label)
+               : fmt::format("{}: {}", word.row->label, choice->label);
+}
+
 } // namespace
 
 PropertyDictionary RecipeStepReader::read() {
+    takeWords();
+    return finish();
+}
+
+void RecipeStepReader::takeWords() {
     if (const auto slash = lexer.slash())
         takeSlash(*slash);
     else
@@ -74,7 +86,6 @@ PropertyDictionary RecipeStepReader::read() {
         next = Expected::word;
     while (takeWord());
     ended = true;
-    return finish();
 }
 
 // ---- the verb and its texts
@@ -372,13 +383,16 @@ bool RecipeStepReader::mayTakeText() const {
                                       : texts.size() == rows.size() && !left.front()->dateRows().empty();
 }
 
+bool RecipeStepReader::hasNoWordsYet() const {
+    return loneWords.empty() && options.empty() && !place && scope.empty();
+}
+
 bool RecipeStepReader::takeOptionalText(const RecipeToken& token) {
     const auto& rows = left.front()->texts();
     const bool isNumber = texts.size() < rows.size() && !rows[texts.size()]->isText();
     if (isNumber ? !looksLikeNumber(token) : !mayTakeText())
         return false;
-    const bool isFirst = loneWords.empty() && options.empty() && !place && scope.empty();
-    if (!token.isQuoted && !isFirst && !isNumber)
+    if (!token.isQuoted && !hasNoWordsYet() && !isNumber)
         return false;
     texts.push_back(token);
     return true;
@@ -511,7 +525,7 @@ void RecipeStepReader::assignOption(const RecipeAction& action, const Said& said
             assign(*row, choice.value, said.token);
             return;
         }
-        allowed.push_back({std::string(choice.word), choice.label});
+        allowed.push_back({std::string(choice.word), std::string(choice.label)});
     }
     fail(said.token, fmt::format("\"{}=\" does not know \"{}\"", said.word, given),
          didYouMean(given, std::move(allowed)));
@@ -586,9 +600,9 @@ PropertyDictionary RecipeStepReader::finish() {
 
 std::vector<RecipeCandidate> RecipeStepReader::candidates() const {
     std::vector<RecipeCandidate> all;
-    const auto add = [&](std::string word, std::string_view about) {
+    const auto add = [&](std::string word, std::string about) {
         if (std::ranges::find(all, word, &RecipeCandidate::word) == all.end())
-            all.push_back({std::move(word), about});
+            all.push_back({std::move(word), std::move(about)});
     };
     const auto isSaid = [&](const ParameterDescription& row) {
         const auto isOf = [&](const Said& said) {
@@ -600,7 +614,7 @@ std::vector<RecipeCandidate> RecipeStepReader::candidates() const {
     };
     if (next == Expected::verb) {
         for (const auto verbOf : vocabulary.verbs())
-            add(std::string(verbOf), vocabulary.withVerb(verbOf).front()->entry().label);
+            add(std::string(verbOf), std::string(vocabulary.withVerb(verbOf).front()->entry().label));
         return all;
     }
     if (next == Expected::bound)
@@ -610,21 +624,21 @@ std::vector<RecipeCandidate> RecipeStepReader::candidates() const {
     if (!place)
         for (const auto* action : left)
             if (const auto word = wordOf(action->entry().recipe.place); !word.empty())
-                add(std::string(word), action->entry().label);
+                add(std::string(word), std::string(action->entry().label));
     for (const auto* action : left) {
         for (const auto& row : action->rows())
             if (row.form == RecipeForm::phrase && wordOf(action->entry().recipe.place) != row.word &&
                 !isSaid(*action->row(row.shownWhenKey)))
-                add(std::string(row.word), row.label);
+                add(std::string(row.word), std::string(row.label));
         for (const auto& word : action->words())
             if ((word.row->scope.empty() ? !(isSlash && word.word == "case")
                                          : word.row->scope == scope && isAllowed(word)) &&
                 !isSaid(*word.row))
-                add(std::string(word.word), word.row->label);
+                add(std::string(word.word), aboutOf(word));
         for (const auto& row : action->rows())
             if (row.form == RecipeForm::option &&
                 std::ranges::find(options, row.word, &Said::word) == options.end())
-                add(std::string(row.word) + "=", row.label);
+                add(std::string(row.word) + "=", std::string(row.label));
     }
     return all;
 }

@@ -13,7 +13,7 @@ namespace tavrin {
 /// A word that may come next, and what it is about.
 struct RecipeCandidate {
     std::string word;
-    std::string_view about;
+    std::string about;
 };
 
 /// Reads one step of a recipe: the verb, its texts, and words in any order, which narrow down the actions
@@ -25,6 +25,8 @@ class RecipeStepReader {
     /// The step as chains are stored; the lexer then stands in front of the separator behind it. Throws
     /// RecipeMistake.
     [[nodiscard]] PropertyDictionary read();
+    /// Takes all words of a step that may be unfinished, and then knows what may come. Throws RecipeMistake.
+    void takeWords();
     /// What is no mistake, but probably not meant.
     [[nodiscard]] const std::vector<RecipeMistake>& notes() const { return remarks; }
 
@@ -42,8 +44,9 @@ class RecipeStepReader {
     [[nodiscard]] std::vector<RecipeCandidate> candidates() const;
     /// The actions that are left; the first one tells the texts. Empty before the verb.
     [[nodiscard]] const std::vector<const RecipeAction*>& actions() const { return left; }
-    /// Whether a text in quotes may come now.
+    /// Whether a text in quotes may come now; and one without.
     [[nodiscard]] bool mayTakeText() const;
+    [[nodiscard]] bool mayTakeBareText() const { return mayTakeText() && hasNoWordsYet(); }
 
   private:
     struct Said {
@@ -77,6 +80,7 @@ class RecipeStepReader {
     bool takeOption(const RecipeToken& token);
     bool takeOptionalText(const RecipeToken& token);
 
+    [[nodiscard]] bool hasNoWordsYet() const;
     [[nodiscard]] bool hasPlace(Place place) const;
     [[nodiscard]] bool narrow(bool (*fits)(const RecipeAction&, std::string_view), std::string_view word);
     [[nodiscard]] bool isAllowed(const RecipeAction::Word& word) const;

@@ -145,6 +145,12 @@ std::int32_t valueOfMark(const ParameterDescription& row) {
     return other->value;
 }
 
+std::string_view wordOf(const ParameterDescription& row, const ParameterChoice& choice) {
+    if (!standsAlone(row) || row.word.empty())
+        return choice.word;
+    return choice.value == valueOfMark(row) ? row.word : std::string_view();
+}
+
 // ---- an action
 
 RecipeAction::RecipeAction(const ActionEntry& entry)

@@ -64,6 +64,8 @@ class RecipeAction {
     [[nodiscard]] const std::vector<const ParameterDescription*>& texts() const { return ownTexts; }
     [[nodiscard]] const std::vector<const ParameterDescription*>& dateRows() const { return ownDateRows; }
     [[nodiscard]] std::size_t requiredTexts() const { return required; }
+    /// What its texts may hold; empty where they are taken as they are.
+    [[nodiscard]] std::vector<std::u16string_view> tags() const { return action->knownTags(); }
 
   private:
     const ActionEntry* catalogued;
@@ -77,6 +79,8 @@ class RecipeAction {
 
 /// The value that the lone word of a row with two values stands for: the one that a new step has not.
 [[nodiscard]] std::int32_t valueOfMark(const ParameterDescription& row);
+/// The word that stands for a choice of the row; empty where it needs none, or has none.
+[[nodiscard]] std::string_view wordOf(const ParameterDescription& row, const ParameterChoice& choice);
 
 /// The actions of the catalogue by their verbs and names. Actions are made when they are first asked for, so
 /// one object belongs to one thread.
