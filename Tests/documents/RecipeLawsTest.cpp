@@ -328,7 +328,7 @@ TEST(RecipeLaws, WordsTellActionsAndParametersApart) {
 /// Whether the text is the beginning of a recipe, or one: it becomes one with what may be missing.
 bool leadsToARecipe(std::u16string_view text) {
     for (const std::u16string_view value :
-         {u"", u"/b/", u"\"", u"name", u"1", u" \"x\"", u" 1", u" start", u" before x"})
+         {u"", u"/b/", u"\"", u"name", u"width", u"1", u" \"x\"", u" 1", u" start", u" before x"})
         for (const std::u16string_view rest : {u"", u" \"x\"", u" \"x\" \"x\"", u" end", u" \"x\" end",
                                                u" 1 end", u" after x", u" to 1", u" at 1"})
             if (std::holds_alternative<RecipeText::Reading>(
@@ -341,7 +341,7 @@ TEST(RecipeLaws, WhatIsOfferedLeadsToARecipe) {
     RandomChains chains(4);
     RecipeVocabulary vocabulary;
     std::size_t count = 0;
-    for (int i = 0; i < 150; ++i) {
+    for (int i = 0; i < 50; ++i) {
         const auto text = RecipeText::write(chains.next());
         for (std::size_t length = 0; length <= text.size(); ++length) {
             const auto typed = std::u16string_view(text).substr(0, length);
@@ -353,7 +353,7 @@ TEST(RecipeLaws, WhatIsOfferedLeadsToARecipe) {
             }
         }
     }
-    EXPECT_GT(count, 10'000U);
+    EXPECT_GT(count, 2'000U);
 }
 
 TEST(RecipeLaws, WordsOfARecipeAreOffered) {
@@ -383,7 +383,7 @@ TEST(RecipeLaws, WordsOfARecipeAreOffered) {
         {u"number digits=", ""},
         {u"date \"YYYYMMDD HH-mm-ss-", "SSS\""},
         {u"date YYYYMMD", "D"},
-        {u"date 'MMMM D", "D, YYYY' D YYYY'"},
+        {u"date 'MMMM D", "D, YYYY' D'"},
         {u"date s", "tart mall-am"},
         {u"tag \"<Song> <ImageW", "idth>"},
         {u"tag <ImageW", "idth>"},

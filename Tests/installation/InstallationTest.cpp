@@ -138,14 +138,24 @@ TEST(Completion, OffersWhatCanFollow) {
     // Words of the command line, and what is offered for the last of them.
     const std::pair<std::string, std::string> cases[] = {
         {"tvrn|pre", "preview|presets"},
-        {"tvrn|--v", "--version"},
+        {"tvrn|re",
+         "rename|recipe|redo|regex|remove|remove-chars|remove-digits|remove-vowels|renumber|replace|"
+         "replace-chars"},
+        {"tvrn|--v", "--verbose|--version"},
         {"tvrn|preview|--f", "--format"},
         {"tvrn|rename|--f", ""},
         {"tvrn|rename|--|--q", ""},
         {"tvrn|rename|pict", ""},
         {"tvrn|preview|--format|", "0|1|2"},
         {"tvrn|preview|--store|", "memory|file"},
-        {"tvrn|tags|--", "--json|--help"},
+        {"tvrn|tags|--", "--json|--files-from|--null|--help"},
+        {"tvrn|--color|=|al", "always"},
+        {"tvrn|lower|low", ""},
+        {"tvrn|edit|low", ""},
+        {"tvrn|-p|x|low", ""},
+        {"tvrn|-xT|list|low", "lower"},
+        {"tvrn|--depth|=|2|low", "lower"},
+        {"tvrn|-r|--|low", "lower"},
         {"tvrn|actions|Make\\ low", "Make\\ lowercase"},
         {"tvrn|rename|--preset|", "My\\ Own"},
         {"tvrn|rename|--action|Make\\ low", "Make\\ lowercase"},
@@ -162,6 +172,76 @@ TEST(Completion, OffersWhatCanFollow) {
         {"tavrin|--|--d", ""}};
     for (const auto& [words, expected] : cases)
         EXPECT_EQ(fmt::format("{}", fmt::join(offered(linesOf(words + '|', '|')), "|")), expected) << words;
+}
+
+/// What a line of an interactive shell becomes by the Tab key: `setUp` reads the completions, shows the
+/// prompt "READY", and has Ctrl-G add the line to the file LINES and empty it.
+std::vector<std::string> completedIn(const std::string& shell, const TemporaryFolder& folder,
+                                     const std::string& setUp, const std::vector<std::string>& typed) {
+    folder.write("rc/.zshrc", setUp);
+    std::string keys;
+    for (const std::string& line : typed)
+        keys += line + "\t\a";
+    folder.write("keys", keys);
+    // The terminal is read to its end, or the shell would wait for it.
+    folder.write("drive",
+                 "zmodload zsh/zpty; zpty shell $1; zpty -r shell text '*READY*'\n"
+                 "zpty -w -n shell \"$(<keys)\"; zpty -w shell exit; while zpty -r shell text; do :; done");
+    (void)run({"env", "-C", folder.path(), "PATH=" + programFolder() + ":" + std::getenv("PATH"), "TERM=dumb",
+               "ZDOTDIR=" + folder.path("rc"), "LINES=" + folder.path("lines"),
+               "COMPLETIONS=" + sourcePath("Resources/completions"), "timeout", "60", "zsh", "-f", "drive",
+               shell});
+    return linesOf(folder.read("lines"));
+}
+
+TEST(Completion, CompletesRecipesInRealShells) {
+    const std::pair<std::string, std::string> shells[] = {
+        {"bash --rcfile rc/.zshrc -i",
+         "PS1=READY; source $COMPLETIONS/tvrn.bash; bind 'set bell-style none'\n"
+         "put() { printf '%s\\n' \"$READLINE_LINE\" >>$LINES; READLINE_LINE=; }; bind -x '\"\\C-g\": put'"},
+        {"zsh -i",
+         "PS1=READY; setopt no_auto_list no_beep; fpath=($COMPLETIONS $fpath); autoload -U compinit\n"
+         "compinit -D -u; put() { print -r -- $BUFFER >>$LINES; BUFFER= }; zle -N put; bindkey '^G' put"},
+        {"fish --no-config -i -C 'source rc/.zshrc'",
+         "function fish_prompt; echo READY; end; source $COMPLETIONS/tvrn.fish\n"
+         "function put; commandline >>$LINES; commandline ''; end; bind \\cg put"}};
+    const TemporaryFolder folder;
+    folder.write("picture.jpg", "");
+    folder.write("data/Tavrin 9/Presets/Photos.tvrn8preset.plist", "");
+    folder.write("data/Tavrin 9/Presets/Photo\nalbum.tvrn8preset.plist", "");
+    const Variable data("XDG_DATA_HOME", folder.path("data").c_str());
+    // What is typed, and what is put behind it.
+    const std::pair<std::string, std::string> cases[] = {{"tvrn 'low", "er"},
+                                                         {"tvrn low", "er "},
+                                                         {"tvrn -x 'add x st", "art"},
+                                                         {"tvrn -xe 'lower; unac", "cent"},
+                                                         {"tvrn rename -r 's/ /_/ | trim e", ""},
+                                                         {"tvrn rename -r 's/ /_/ ev", "ery"},
+                                                         {"tvrn edit -e 'number di", "gits="},
+                                                         {"tvrn preview 'number order=rand", "om"},
+                                                         {"tvrn \"date \\\"YYYYMMDD HH-mm-ss-", "SSS\\\""},
+                                                         {"tvrn 'tag \"<Song> <ImageW", "idth>"},
+                                                         {"tvrn 'replace a pict", ""},
+                                                         {"tvrn lower pict", "ure.jpg "},
+                                                         {"tvrn -e lower pict", "ure.jpg "},
+                                                         {"tvrn edit pict", "ure.jpg "},
+                                                         {"tvrn -T pict", "ure.jpg "},
+                                                         {"tvrn -p Pho", "tos "},
+                                                         {"tvrn --on-conflict sk", "ip "},
+                                                         {"tvrn recipe --pl", "ist "},
+                                                         {"tvrn edi", "t "}};
+    std::vector<std::string> typed, expected;
+    for (const auto& [line, rest] : cases) {
+        typed.push_back(line);
+        expected.push_back(line + rest);
+    }
+    for (const auto& [shell, setUp] : shells) {
+        SCOPED_TRACE(shell);
+        if (!isThere("zsh") || !isThere(shell.substr(0, shell.find(' '))))
+            GTEST_SKIP() << shell << " is not installed";
+        EXPECT_EQ(completedIn(shell, folder, setUp, typed), expected);
+        std::filesystem::remove(folder.path("lines"));
+    }
 }
 
 TEST(Completion, KnowsTheSettingsAndOptionsOfTheProgramEverywhere) {
@@ -184,7 +264,7 @@ TEST(Completion, KnowsTheSettingsAndOptionsOfTheProgramEverywhere) {
     (void)outputOf(preview);
     const std::regex option("[ (]--([a-z]+(?:-[a-z]+)?)");
     for (const char* command :
-         {"preview", "rename", "history", "undo", "redo", "actions", "tags", "presets"}) {
+         {"preview", "rename", "edit", "recipe", "history", "undo", "redo", "actions", "tags", "presets"}) {
         EXPECT_THAT(manual, HasSubstr(std::string("\n.Cm ") + command + "\n"));
         std::string help = outputOf({TVRN_PROGRAM, command, "--help"});
         help.resize(std::min(help.size(), help.find("Examples:")));

@@ -96,7 +96,7 @@ class Completer {
 };
 
 void Completer::addWords(const RecipeStepReader& step, RecipeVocabulary& vocabulary) {
-    if (tail.token.isQuoted)
+    if (tail.token.isQuoted || step.expected() == RecipeStepReader::Expected::text)
         return;
     const std::u16string_view typed = tail.token.text;
     if (typed.find(u'=') != typed.npos && step.expected() == RecipeStepReader::Expected::word) {
@@ -150,7 +150,7 @@ void Completer::addTags(const RecipeAction& action) {
 
 /// Without quotes, those that need none.
 void Completer::addDates(const RecipeAction& action) {
-    for (const auto& pattern : usualDateTexts(action))
+    for (const auto& pattern : dateTextsFrom(text::toUtf8(tail.token.text), action))
         if (!tail.quote.empty() || pattern.find_first_of(" #;|'\"") == pattern.npos)
             add(tail.token.text, text::fromUtf8(pattern), action.entry().label, tail.quote);
 }

@@ -101,4 +101,22 @@ std::vector<std::string> usualDateTexts(const RecipeAction& action) {
     return texts;
 }
 
+std::vector<std::string> dateTextsFrom(std::string_view beginning, const RecipeAction& action) {
+    std::vector<std::string> texts = usualDateTexts(action);
+    const auto orders = choicesOf(action, 2);
+    for (const auto& order : orders)
+        for (const auto& first : choicesOf(action, isTimeFirst(order, orders) ? 1 : 0)) {
+            if (first.value == none || beginning.size() <= first.word.size() ||
+                !beginning.starts_with(first.word))
+                continue;
+            for (const auto& second : choicesOf(action, isTimeFirst(order, orders) ? 0 : 1))
+                if (second.value != none)
+                    texts.push_back(fmt::format("{}{}{}", first.word, order.word, second.word));
+        }
+    std::erase_if(texts, [&](const std::string& text) { return !text.starts_with(beginning); });
+    for (auto text = texts.begin(); text != texts.end(); ++text)
+        texts.erase(std::remove(std::next(text), texts.end(), *text), texts.end());
+    return texts;
+}
+
 } // namespace tavrin::recipe

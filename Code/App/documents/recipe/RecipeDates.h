@@ -18,4 +18,7 @@ using DateChoice = std::array<std::int32_t, 3>;
 /// All texts of a date alone, of a time alone, and both in the usual way.
 [[nodiscard]] std::vector<std::string> usualDateTexts(const RecipeAction& action);
 
+/// Of those the ones that begin so; behind the first half of a text also all with it.
+[[nodiscard]] std::vector<std::string> dateTextsFrom(std::string_view beginning, const RecipeAction& action);
+
 } // namespace tavrin::recipe
