@@ -50,7 +50,7 @@ Of all commands: -h, --help, --color auto|always|never; of tvrn: -V, --version.
 Examples:
   touch IMG_1.JPG IMG_2.JPG; tvrn 'replace IMG_ "Lofoten " | lower ext' *.JPG
   touch "a b"; tvrn -x 's/ /_/g' *
-  tvrn actions "Replace text"
+  tvrn actions replace
 )";
 
 const std::string preview = std::string(R"(tvrn preview [OPTIONS] RECIPE PATH...

@@ -282,6 +282,15 @@ TEST(Completion, KnowsTheSettingsAndOptionsOfTheProgramEverywhere) {
     }
 }
 
+TEST(Manual, TeachesEveryVerb) {
+    const std::string manual =
+        std::regex_replace(sourceFile("Resources/man/tvrn.1"), std::regex(R"(\\-)"), "-");
+    const std::vector<std::string> verbs = linesOf(outputOf({TVRN_PROGRAM, "recipe", "--complete", ""}));
+    EXPECT_GT(verbs.size(), 30U);
+    for (const std::string& verb : verbs)
+        EXPECT_THAT(manual, testing::ContainsRegex("(fB|, )" + verb.substr(0, verb.find('\t'))));
+}
+
 /// What an example finds, as it is made in a shell, what is looked at then, and what that shows.
 struct ReadmeExample {
     const char* before;

@@ -29,7 +29,8 @@ QString parameterRow(const ParameterDescription& parameter) {
     QStringList choices;
     if (parameter.kind == ParameterKind::choice)
         for (const ParameterChoice& choice : parameter.choices)
-            choices.append(toQString(choice.label).toHtmlEscaped() + wordInBrackets(toQString(choice.word)));
+            choices.append(toQString(choice.label).toHtmlEscaped() +
+                           wordInBrackets(toQString(wordOf(parameter, choice))));
     const QString list = choices.isEmpty() ? QString() : ": " + choices.join(", ");
     return "<li><b>" + toQString(parameter.label).toHtmlEscaped() + "</b>" +
            wordInBrackets(recipeReference::word(parameter)) + list + "</li>";
@@ -50,9 +51,7 @@ QString actionSection(ActionList& list, std::int32_t index) {
             recipeReference::beginning(RecipeAction(*list.entryForName(name))) + "</p>";
     QString rows;
     for (const ParameterDescription& parameter : action->parameters())
-        if (parameter.key == "fragmentSelection"
-                ? action->isFragmentSelectionSupported()
-                : parameter.key != "active" && !parameter.isHidden && parameter.kind != ParameterKind::status)
+        if (action->hasUseFor(parameter) && (!parameter.isHidden || parameter.form == RecipeForm::part))
             rows += parameterRow(parameter);
     html += "<ul>" + rows + "</ul>";
     for (const ActionExample& example : list.entryForName(name)->examples)

@@ -103,9 +103,12 @@ QString beginning(const RecipeAction& action) {
 }
 
 QString word(const ParameterDescription& parameter) {
-    if (parameter.word.empty() || parameter.form == RecipeForm::phrase)
+    const bool isSaidByChoice =
+        parameter.kind == ParameterKind::choice && parameter.form != RecipeForm::option;
+    if (parameter.form == RecipeForm::phrase || isSaidByChoice)
         return {};
-    return toQString(parameter.word) + (parameter.form == RecipeForm::option ? "=" : "");
+    const QString word = toQString(parameter.word);
+    return parameter.form == RecipeForm::option ? word + "=" : word;
 }
 
 QString page() {

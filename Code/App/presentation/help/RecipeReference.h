@@ -12,7 +12,8 @@ namespace recipeReference {
 
 /// How a step of the action begins: verb, texts, phrases, place. What may be left out stands in brackets.
 [[nodiscard]] QString beginning(const RecipeAction& action);
-/// The word of the parameter, as plain text; empty where it has none of its own, or `beginning` has it.
+/// The word of the parameter, as plain text; empty where it has none, its choices have it, or `beginning` has
+/// it.
 [[nodiscard]] QString word(const ParameterDescription& parameter);
 /// A whole page: the verbs with their synonyms and actions, then the synonyms of words.
 [[nodiscard]] QString page();
