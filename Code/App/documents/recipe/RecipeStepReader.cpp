@@ -1,15 +1,11 @@
 #include "documents/recipe/RecipeStepReader.h"
 
-#include "documents/recipe/RecipeDates.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <limits>
 
 namespace tavrin {
 
@@ -17,43 +13,19 @@ namespace {
 
 using Kind = RecipeSynonym::Kind;
 using Expected = RecipeStepReader::Expected;
-
-struct Answer {
-    std::string_view word;
-    std::string_view hint;
-};
-
-/// Verbs that seem near and would do something else.
-constexpr Answer nearVerbs[]{
-    {"tr", "replace-chars AB C puts C in the place of each A and B"},
-    {"pad", "renumber digits=3 fills up numbers, number end digits=3 adds one"},
-    {"strip", "trim end takes blanks away, remove TEXT and cut take others"},
-    {"camel", "split-camel parts the words of CamelCase"},
-    {"all", "whole is the whole name, every stands for all occurrences"},
-};
-
-/// Kept for what may come; no text that means something else today will ever hold them.
-constexpr std::array<std::string_view, 9> reservedWords{"if",   "unless", "with",      "into", "tidy",
-                                                        "swap", "ascii",  "normalize", "lua"};
-
-constexpr std::string_view allHint = nearVerbs[4].hint;
+using recipe::fail;
+using recipe::shown;
 
 /// The token as a word of the language may be written: bare and of ASCII; else empty.
 std::string asciiOf(const RecipeToken& token) {
     return token.isQuoted || !text::isAscii(token.text) ? std::string() : text::toUtf8(token.text);
 }
 
-std::string shown(const RecipeToken& token) { return text::toUtf8(token.text); }
-
 bool looksLikeNumber(const RecipeToken& token) {
     const std::string word = asciiOf(token);
     return !word.empty() &&
            word.find_first_not_of("0123456789", word[0] == '-' || word[0] == '+' ? 1 : 0) == word.npos &&
            word.back() >= '0' && word.back() <= '9';
-}
-
-[[noreturn]] void fail(const RecipeToken& token, std::string message, std::string hint = {}) {
-    throw RecipeMistake{token.place, std::move(message), std::move(hint)};
 }
 
 /// The form of a place, for messages.
@@ -103,7 +75,7 @@ void RecipeStepReader::takeVerb() {
     if (synonym)
         group = vocabulary.withVerb(synonym->meaning);
     if (group.empty())
-        failVerb(verb);
+        recipe::failVerb(verb, candidates());
     left = group;
     if (synonym && synonym->place != Place::wholeName)
         takePlace(synonym->place, verb);
@@ -144,7 +116,7 @@ void RecipeStepReader::takeSlash(const RecipeSlash& slash) {
     isSlash = true;
     left = group = vocabulary.withVerb(verbWord);
     if (left.empty())
-        failVerb(verb);
+        recipe::failVerb(verb, candidates());
     for (const auto& part : {slash.pattern, slash.replacement}) {
         RecipeToken token;
         token.place = slash.place;
@@ -182,11 +154,11 @@ void RecipeStepReader::takeFlags(const RecipeSlash& slash) {
     flags.place = {slash.flagsStart, slash.flags.size()};
     flags.text = slash.flags;
     if (!ignoresCase)
-        assign(*caseWord->row, caseWord->value, flags);
+        assignments.set(*caseWord->row, caseWord->value, flags);
     if (!occurrence.empty())
-        assign(*action.word(occurrence, "")->row, action.word(occurrence, "")->value, flags);
+        assignments.set(*action.word(occurrence, "")->row, action.word(occurrence, "")->value, flags);
     else if (hasOccurrences)
-        usual = Assignment{action.word("1st", "")->row, action.word("1st", "")->value, {}};
+        usual = *action.word("1st", "");
 }
 
 // ---- words
@@ -280,13 +252,13 @@ void RecipeStepReader::takePhrase(std::string_view word, const RecipeToken& toke
         return;
     if (value.isText() && numberRow && looksLikeNumber(value)) {
         phraseInHand = numberRow;
-        assignMode(*numberRow, token);
-        assignNumber(action, *numberRow, value, value.text);
+        assignments.setMode(action, *numberRow, token);
+        assignments.setNumber(action, *numberRow, value, value.text);
         return;
     }
     if (value.isText() && textRow && !isBound) {
         phraseInHand = textRow;
-        assign(*textRow, value.text, value);
+        assignments.set(*textRow, value.text, value);
         return;
     }
     lexer.goTo(start);
@@ -313,16 +285,16 @@ bool RecipeStepReader::takeBound(const ParameterDescription& textRow, const Para
         if (!text.isText())
             fail(token, fmt::format("behind \"{}\" comes a text", given));
         phraseInHand = &textRow;
-        assignMode(textRow, token);
-        assign(sideRow, side->value, token);
-        assign(textRow, text.text, text);
+        assignments.setMode(action, textRow, token);
+        assignments.set(sideRow, side->value, token);
+        assignments.set(textRow, text.text, text);
         return true;
     }
     if (word != "start" && word != "end")
         return false;
     phraseInHand = numberRow;
-    assignMode(*numberRow, token);
-    assignNumber(action, *numberRow, token, word == "start" ? u"0" : u"-0");
+    assignments.setMode(action, *numberRow, token);
+    assignments.setNumber(action, *numberRow, token, word == "start" ? u"0" : u"-0");
     return true;
 }
 
@@ -400,82 +372,19 @@ bool RecipeStepReader::takeOptionalText(const RecipeToken& token) {
 
 // ---- the parameters
 
-void RecipeStepReader::assign(const ParameterDescription& row, PropertyValue value,
-                              const RecipeToken& token) {
-    const auto before = std::ranges::find(assignments, &row, &Assignment::row);
-    if (before != assignments.end())
-        fail(token, before->value == value
-                        ? fmt::format("\"{}\" comes twice", shown(token))
-                        : fmt::format("\"{}\" contradicts \"{}\"", shown(token), before->shown));
-    assignments.push_back({&row, std::move(value), shown(token)});
-}
-
-void RecipeStepReader::assignMode(const ParameterDescription& row, const RecipeToken& token) {
-    if (row.shownWhenKey.empty())
-        return;
-    const auto& mode = *left.front()->row(row.shownWhenKey);
-    const auto before = std::ranges::find(assignments, &mode, &Assignment::row);
-    if (before != assignments.end())
-        fail(token, fmt::format("the end of \"{}\" is told twice", before->shown));
-    assignments.push_back({&mode, row.shownWhenValue, std::string(row.word)});
-}
-
-/// Numbers are told as they are shown. A sign that has a row of its own is no part of the number.
-void RecipeStepReader::assignNumber(const RecipeAction& action, const ParameterDescription& row,
-                                    const RecipeToken& token, std::u16string_view digits) {
-    const bool hasSignRow = !row.signKey.empty();
-    std::string number = text::toUtf8(digits);
-    const bool isNegative = number.starts_with('-');
-    if (hasSignRow && (isNegative || number.starts_with('+')))
-        number.erase(0, 1);
-    std::int64_t value = 0;
-    const char* const end = number.data() + number.size();
-    const auto result = std::from_chars(number.data(), end, value);
-    const bool isNumber = !number.empty() && result.ptr == end && result.ec != std::errc::invalid_argument &&
-                          !(hasSignRow && number.starts_with('-'));
-    const std::string range =
-        row.minimum == std::numeric_limits<std::int32_t>::min()
-            ? "a whole number"
-            : fmt::format("a number from {} to {}", std::int64_t{row.minimum} + row.shownOffset,
-                          std::int64_t{row.maximum} + row.shownOffset);
-    if (!isNumber)
-        fail(token, fmt::format("\"{}\" is no number", text::toUtf8(digits)), range);
-    value -= row.shownOffset;
-    if (result.ec != std::errc() || value < row.minimum || value > row.maximum)
-        fail(token, fmt::format("{} is out of range", text::toUtf8(digits)), range);
-    assign(row, value, token);
-    if (hasSignRow)
-        assign(*action.row(row.signKey), isNegative ? 1 : 0, token);
-}
-
 void RecipeStepReader::assignTexts(const RecipeAction& action) {
     const auto& rows = action.texts();
     for (std::size_t i = 0; i < texts.size(); ++i) {
         if (i == rows.size()) {
-            assignDate(action, texts[i]);
+            assignments.setDate(action, texts[i]);
         } else if (rows[i]->isText()) {
-            assign(*rows[i], texts[i].text, texts[i]);
+            assignments.set(*rows[i], texts[i].text, texts[i]);
         } else {
             if (texts[i].isQuoted)
                 fail(texts[i], "a number stands without quotes");
-            assignNumber(action, *rows[i], texts[i], texts[i].text);
+            assignments.setNumber(action, *rows[i], texts[i], texts[i].text);
         }
     }
-}
-
-void RecipeStepReader::assignDate(const RecipeAction& action, const RecipeToken& token) {
-    const auto choice = recipe::dateChoice(shown(token), action);
-    if (!choice) {
-        const auto patterns = recipe::usualDateTexts(action);
-        std::vector<RecipeCandidate> allowed = candidates();
-        for (const auto& text : patterns)
-            allowed.push_back({text, ""});
-        std::string nearest = didYouMean(shown(token), allowed);
-        fail(token, fmt::format("\"{}\" is no pattern of a date", shown(token)),
-             nearest.empty() ? "patterns are like YYYY-MM-DD, HHmm_YYYYMMDD, \"MMMM DD, YYYY\"" : nearest);
-    }
-    for (std::size_t i = 0; i < choice->size(); ++i)
-        assign(*action.dateRows()[i], choice->at(i), token);
 }
 
 void RecipeStepReader::assignWords(const RecipeAction& action) {
@@ -483,52 +392,16 @@ void RecipeStepReader::assignWords(const RecipeAction& action) {
         const auto* word = action.word(said.word, said.scope);
         if (!word)
             fail(said.token, fmt::format("\"{}\" does not go with the words behind it", shown(said.token)));
-        assign(*word->row, word->value, said.token);
+        assignments.set(*word->row, word->value, said.token);
     }
-    for (const auto& said : options)
-        assignOption(action, said);
-    if (usual && std::ranges::find(assignments, usual->row, &Assignment::row) == assignments.end())
-        assignments.push_back(*usual);
-}
-
-void RecipeStepReader::assignOption(const RecipeAction& action, const Said& said) {
-    const auto* row = action.option(said.word);
-    if (!row)
-        fail(said.token, fmt::format("\"{}=\" does not go with the words behind it", said.word));
-    const std::size_t start = said.token.text.find(u'=') + 1;
-    RecipeToken value = said.token;
-    value.text.erase(0, start);
-    if (row->isText()) {
-        assign(*row, value.text, value);
-        return;
+    for (const auto& said : options) {
+        const auto* row = action.option(said.word);
+        if (!row)
+            fail(said.token, fmt::format("\"{}=\" does not go with the words behind it", said.word));
+        assignments.setOption(action, *row, said.token);
     }
-    if (value.isQuoted)
-        fail(said.token, fmt::format("the value of \"{}=\" stands without quotes", said.word));
-    if (row->choices.empty()) {
-        assignNumber(action, *row, value, value.text);
-        return;
-    }
-    const std::string given = text::toUtf8(value.text);
-    const bool isBackwards = given.starts_with('-');
-    const auto canonical = [&](std::string_view word) -> std::string {
-        for (const auto kind : {Kind::word, Kind::order})
-            if (const auto* synonym = findSynonym(kind, word);
-                synonym && !(isBackwards && synonym->meaning.starts_with('-')))
-                return std::string(synonym->meaning);
-        return std::string(word);
-    };
-    std::vector<RecipeCandidate> allowed;
-    for (const auto& choice : row->choices) {
-        const std::string meant =
-            isBackwards ? "-" + canonical(std::string_view(given).substr(1)) : canonical(given);
-        if (choice.word == given || choice.word == meant) {
-            assign(*row, choice.value, said.token);
-            return;
-        }
-        allowed.push_back({std::string(choice.word), std::string(choice.label)});
-    }
-    fail(said.token, fmt::format("\"{}=\" does not know \"{}\"", said.word, given),
-         didYouMean(given, std::move(allowed)));
+    if (usual)
+        assignments.setUsual(*usual->row, usual->value);
 }
 
 /// Of phrases that are forms of the same thing, one must be there unless it may be left out.
@@ -537,7 +410,7 @@ void RecipeStepReader::checkPhrases(const RecipeAction& action) {
         if (row.form != RecipeForm::phrase || row.mayBeLeftOut || row.shownWhenKey.empty())
             continue;
         const auto* const mode = action.row(row.shownWhenKey);
-        if (std::ranges::find(assignments, mode, &Assignment::row) == assignments.end())
+        if (!assignments.has(*mode))
             fail(verb, fmt::format("\"{}\" needs an end", shown(verb)),
                  "to NUMBER, to before TEXT, to after TEXT or for NUMBER");
     }
@@ -581,8 +454,7 @@ PropertyDictionary RecipeStepReader::finish() {
         assignWords(action);
         name = action.entry().name;
         parameters = action.defaults();
-        for (auto& each : assignments)
-            parameters.insert_or_assign(std::string(each.row->key), std::move(each.value));
+        assignments.moveInto(parameters);
         if (action.entry().recipe.slash == 's' && !isByName)
             noteOnReplacement();
     } else if (!loneWords.empty()) {
@@ -609,8 +481,7 @@ std::vector<RecipeCandidate> RecipeStepReader::candidates() const {
             const auto* word = left.front()->word(said.word, said.scope);
             return word && word->row->key == row.key;
         };
-        return std::ranges::any_of(assignments, [&](const auto& each) { return each.row->key == row.key; }) ||
-               std::ranges::any_of(loneWords, isOf);
+        return assignments.hasKey(row.key) || std::ranges::any_of(loneWords, isOf);
     };
     if (next == Expected::verb) {
         for (const auto verbOf : vocabulary.verbs())
@@ -643,39 +514,6 @@ std::vector<RecipeCandidate> RecipeStepReader::candidates() const {
     return all;
 }
 
-std::string RecipeStepReader::didYouMean(std::string_view word, std::vector<RecipeCandidate> allowed) const {
-    std::vector<std::string_view> known;
-    for (const auto& each : allowed)
-        known.push_back(each.word);
-    for (const auto& synonym : recipeSynonyms()) {
-        const bool isVerb = synonym.kind == Kind::verb;
-        const bool isOption = synonym.kind == Kind::option;
-        const std::string meaning = std::string(synonym.meaning) + (isOption ? "=" : "");
-        if (isVerb == (next == Expected::verb) && !isOption &&
-            (isVerb || std::ranges::find(allowed, meaning, &RecipeCandidate::word) != allowed.end()))
-            known.push_back(synonym.synonym);
-    }
-    if (const auto nearest = nearestWord(word, known); !nearest.empty())
-        return fmt::format("did you mean \"{}\"?", nearest);
-    if (allowed.empty())
-        return {};
-    if (next == Expected::verb)
-        return "\"tvrn actions\" lists them; it may come from a newer version of tvrn";
-    return fmt::format("here may stand {}; it may come from a newer version of tvrn",
-                       fmt::join(std::span(known).first(allowed.size()), ", "));
-}
-
-void RecipeStepReader::failVerb(const RecipeToken& token) const {
-    const std::string word = shown(token);
-    const auto* const near = std::ranges::find(nearVerbs, word, &Answer::word);
-    if (near != std::end(nearVerbs))
-        fail(token, fmt::format("there is no verb \"{}\"", word), std::string(near->hint));
-    if (std::ranges::find(reservedWords, word) != reservedWords.end())
-        fail(token, fmt::format("\"{}\" has no meaning yet", word),
-             "it may come from a newer version of tvrn");
-    fail(token, fmt::format("there is no verb \"{}\"", word), didYouMean(word, candidates()));
-}
-
 void RecipeStepReader::failWord(const RecipeToken& token) const {
     const std::string word = shown(token);
     if (isByName)
@@ -691,8 +529,9 @@ void RecipeStepReader::failWord(const RecipeToken& token) const {
                      fmt::format("{} TEXT {}", shown(verb), formOf(each)));
     }
     if (word == "all")
-        fail(token, fmt::format("\"{}\" does not know \"all\"", shown(verb)), std::string(allHint));
-    std::string hint = token.isQuoted ? std::string() : didYouMean(word, candidates());
+        fail(token, fmt::format("\"{}\" does not know \"all\"", shown(verb)),
+             std::string(recipe::hintOnAll()));
+    std::string hint = token.isQuoted ? std::string() : recipe::suggestion(word, candidates());
     fail(token,
          token.isQuoted ? fmt::format("\"{}\" takes no further text", shown(verb))
                         : fmt::format("\"{}\" does not know \"{}\"", shown(verb), word),

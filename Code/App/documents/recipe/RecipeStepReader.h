@@ -1,5 +1,7 @@
 #pragma once
 
+#include "documents/recipe/RecipeAssignments.h"
+#include "documents/recipe/RecipeSuggestions.h"
 #include "documents/recipe/RecipeTokens.h"
 #include "documents/recipe/RecipeWords.h"
 
@@ -9,12 +11,6 @@
 #include <vector>
 
 namespace tavrin {
-
-/// A word that may come next, and what it is about.
-struct RecipeCandidate {
-    std::string word;
-    std::string about;
-};
 
 /// Reads one step of a recipe: the verb, its texts, and words in any order, which narrow down the actions
 /// that the verb may mean until one is left.
@@ -54,11 +50,6 @@ class RecipeStepReader {
         std::string_view scope; ///< the word of the phrase behind which it stands
         RecipeToken token;
     };
-    struct Assignment {
-        const ParameterDescription* row;
-        PropertyValue value;
-        std::string shown;
-    };
     struct StoredEntry {
         std::string key;
         PropertyValue value;
@@ -85,21 +76,13 @@ class RecipeStepReader {
     [[nodiscard]] bool narrow(bool (*fits)(const RecipeAction&, std::string_view), std::string_view word);
     [[nodiscard]] bool isAllowed(const RecipeAction::Word& word) const;
     [[nodiscard]] const RecipeAction& chosenAction();
-    void assign(const ParameterDescription& row, PropertyValue value, const RecipeToken& token);
-    void assignMode(const ParameterDescription& row, const RecipeToken& token);
-    void assignNumber(const RecipeAction& action, const ParameterDescription& row, const RecipeToken& token,
-                      std::u16string_view digits);
     void assignTexts(const RecipeAction& action);
-    void assignDate(const RecipeAction& action, const RecipeToken& token);
     void assignWords(const RecipeAction& action);
-    void assignOption(const RecipeAction& action, const Said& said);
     void checkPhrases(const RecipeAction& action);
     void noteOnReplacement();
     [[nodiscard]] PropertyDictionary finish();
 
-    [[noreturn]] void failVerb(const RecipeToken& token) const;
     [[noreturn]] void failWord(const RecipeToken& token) const;
-    [[nodiscard]] std::string didYouMean(std::string_view word, std::vector<RecipeCandidate> allowed) const;
 
     RecipeLexer& lexer;
     RecipeVocabulary& vocabulary;
@@ -118,8 +101,8 @@ class RecipeStepReader {
     std::vector<RecipeToken> texts;
     std::vector<Said> loneWords; ///< the rows are looked up when the action is known
     std::vector<Said> options;
-    std::vector<Assignment> assignments;
-    std::optional<Assignment> usual; ///< of the sed-like form: holds unless a word says otherwise
+    RecipeAssignments assignments;
+    std::optional<RecipeAction::Word> usual; ///< of the sed-like form: holds unless a word says otherwise
     std::vector<StoredEntry> stored;
     std::vector<RecipeMistake> remarks;
 };
