@@ -50,12 +50,6 @@ _tvrn_actions() {
     tvrn actions --json 2>/dev/null | sed -n 's/^{"name":"\([^"]*\)".*/\1/p'
 }
 
-# The saved presets whose names fit into a line.
-_tvrn_presets() {
-    tvrn presets --json 2>/dev/null |
-        sed -n 's/^{"name":"\(\([^"\\]\|\\["\\]\)*\)",.*/\1/p' | sed 's/\\\(.\)/\1/g'
-}
-
 # The parameters of an action: a key, or behind a key its choices by number.
 _tvrn_parameters() {
     tvrn actions "$1" 2>/dev/null | awk -v wanted="$2" '
@@ -110,7 +104,7 @@ _tvrn_value() {
     [[ $1 != *=* ]] || key=${1%%=*}
     case $option in
     -e) _tvrn_recipe ;;
-    -p | --preset) _tvrn_offer_lines < <(_tvrn_presets) ;;
+    -p | --preset) _tvrn_offer_lines < <(tvrn presets --names 2>/dev/null) ;;
     --action) _tvrn_offer_lines < <(_tvrn_actions) ;;
     --set)
         compopt -o nospace 2>/dev/null
@@ -147,7 +141,8 @@ _tvrn_options() {
     recipe) known="$source --lines --plist -j --json --complete" ;;
     history) known='-j --json --forget --clear' ;;
     undo | redo) known='--preview -j --json --replaced -i --interactive -q --quiet -v --verbose' ;;
-    actions | presets) known='-j --json' ;;
+    actions) known='-j --json --try' ;;
+    presets) known='-j --json --names' ;;
     tags) known='-j --json -T --files-from -0 --null' ;;
     esac
     COMPREPLY=($(compgen -W "$known -h --help" -- "$typed"))
@@ -220,7 +215,7 @@ _tvrn() {
             ((last)) || COMPREPLY=($(compgen -W "$commands" -- "$typed"))
             [[ -n $source ]] || ((operands)) || _tvrn_recipe
             ;;
-        actions) _tvrn_offer_lines < <(_tvrn_actions) ;;
+        actions) ((operands)) || _tvrn_offer_lines < <(_tvrn_actions) ;;
         undo | redo | history) _tvrn_offer_lines < <(tvrn history 2>/dev/null | cut -f 1) ;;
         esac
     fi

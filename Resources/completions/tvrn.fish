@@ -22,12 +22,6 @@ function __tvrn_parameters
         $1 ~ /^[0-9]+:$/ { number = $1; sub(":", "", number); $1 = ""; sub(/^ +/, ""); print key "=" number "\t" $0 }'
 end
 
-# The saved presets whose names fit into a line.
-function __tvrn_presets
-    tvrn presets --json 2>/dev/null | string replace -rf '^\{"name":"((?:[^"\\\\]|\\\\["\\\\])*)",.*' '$1' |
-        string replace -ra '\\\\(.)' '$1'
-end
-
 # What a recipe goes on with. A single offer stands beside itself with a blank: fish would close the quotes
 # behind it at once, and most recipes go on. At the next Tab it does.
 function __tvrn_recipe
@@ -135,7 +129,7 @@ complete -c tvrn -n __tvrn_at_recipe -k -f -a '(__tvrn_recipe)'
 
 complete -c tvrn -n $source -s e -x -k -a '(__tvrn_recipe)' -d 'A recipe'
 complete -c tvrn -n $source -s f -l recipe -r -F -d 'A recipe, preset or droplet in a file'
-complete -c tvrn -n $source -s p -l preset -x -a '(__tvrn_presets)' -d 'A saved preset'
+complete -c tvrn -n $source -s p -l preset -x -a '(tvrn presets --names 2>/dev/null)' -d 'A saved preset'
 complete -c tvrn -n $source -l action -x -a '(__tvrn_actions)' -d 'A step'
 complete -c tvrn -n $source -l set -x -a '(__tvrn_parameters)' -d 'A parameter of the step before it'
 complete -c tvrn -n '__tvrn_is none' -s x -l execute -d 'Rename'
@@ -174,4 +168,6 @@ complete -c tvrn -n '__tvrn_is history' -l forget -x -a '(tvrn history 2>/dev/nu
 complete -c tvrn -n '__tvrn_is history' -l clear -d 'Remove all records'
 complete -c tvrn -n 'not __tvrn_is rename edit' -s j -l json -d 'One object per line'
 complete -c tvrn -n '__tvrn_is actions' -f -a '(__tvrn_actions)'
+complete -c tvrn -n '__tvrn_is actions' -l try -r -F -d 'What it does to names'
+complete -c tvrn -n '__tvrn_is presets' -l names -d 'The names alone'
 complete -c tvrn -n '__tvrn_is presets' -f

@@ -328,7 +328,7 @@ TEST(RecipeLaws, WordsTellActionsAndParametersApart) {
 /// Whether the text is the beginning of a recipe, or one: it becomes one with what may be missing.
 bool leadsToARecipe(std::u16string_view text) {
     for (const std::u16string_view value :
-         {u"", u"/b/", u"\"", u"name", u"width", u"1", u" \"x\"", u" 1", u" start", u" before x"})
+         {u"", u"/b/", u"\"", u"name", u"width", u"blanks", u"1", u" \"x\"", u" 1", u" start", u" before x"})
         for (const std::u16string_view rest : {u"", u" \"x\"", u" \"x\" \"x\"", u" end", u" \"x\" end",
                                                u" 1 end", u" after x", u" to 1", u" at 1"})
             if (std::holds_alternative<RecipeText::Reading>(
@@ -341,10 +341,13 @@ TEST(RecipeLaws, WhatIsOfferedLeadsToARecipe) {
     RandomChains chains(4);
     RecipeVocabulary vocabulary;
     std::size_t count = 0;
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < 100; ++i) {
         const auto text = RecipeText::write(chains.next());
         for (std::size_t length = 0; length <= text.size(); ++length) {
             const auto typed = std::u16string_view(text).substr(0, length);
+            const auto damaged = std::u16string(typed) + chains.text();
+            for (const auto& each : recipe::completions(damaged, vocabulary))
+                ASSERT_TRUE(each.text.starts_with(damaged)) << text::toUtf8(each.text);
             for (const auto& each : recipe::completions(typed, vocabulary)) {
                 ++count;
                 ASSERT_TRUE(each.text.starts_with(typed)) << text::toUtf8(each.text);
@@ -368,6 +371,7 @@ TEST(RecipeLaws, WordsOfARecipeAreOffered) {
         {u"move a ca", "se"},
         {u"move a case ca", ""},
         {u"move a before b ca", "se"},
+        {u"move a before b case ca", ""},
         {u"replace 'a|b' c 2n", "d d-last"},
         {u"replace \"a b", ""},
         {u"replace a ", ""},

@@ -142,8 +142,8 @@ TEST(Completion, OffersWhatCanFollow) {
          "rename|recipe|redo|regex|remove|remove-chars|remove-digits|remove-vowels|renumber|replace|"
          "replace-chars"},
         {"tvrn|--v", "--verbose|--version"},
-        {"tvrn|preview|--f", "--format"},
-        {"tvrn|rename|--f", ""},
+        {"tvrn|preview|--fo", "--format"},
+        {"tvrn|rename|--fo", ""},
         {"tvrn|rename|--|--q", ""},
         {"tvrn|rename|pict", ""},
         {"tvrn|preview|--format|", "0|1|2"},
@@ -175,7 +175,7 @@ TEST(Completion, OffersWhatCanFollow) {
 }
 
 /// What a line of an interactive shell becomes by the Tab key: `setUp` reads the completions, shows the
-/// prompt "READY", and has Ctrl-G add the line to the file LINES and empty it.
+/// prompt "READY", and has Ctrl-G add the line to the file SEEN and empty it.
 std::vector<std::string> completedIn(const std::string& shell, const TemporaryFolder& folder,
                                      const std::string& setUp, const std::vector<std::string>& typed) {
     folder.write("rc/.zshrc", setUp);
@@ -188,7 +188,7 @@ std::vector<std::string> completedIn(const std::string& shell, const TemporaryFo
                  "zmodload zsh/zpty; zpty shell $1; zpty -r shell text '*READY*'\n"
                  "zpty -w -n shell \"$(<keys)\"; zpty -w shell exit; while zpty -r shell text; do :; done");
     (void)run({"env", "-C", folder.path(), "PATH=" + programFolder() + ":" + std::getenv("PATH"), "TERM=dumb",
-               "ZDOTDIR=" + folder.path("rc"), "LINES=" + folder.path("lines"),
+               "HOME=" + folder.path(), "ZDOTDIR=" + folder.path("rc"), "SEEN=" + folder.path("lines"),
                "COMPLETIONS=" + sourcePath("Resources/completions"), "timeout", "60", "zsh", "-f", "drive",
                shell});
     return linesOf(folder.read("lines"));
@@ -198,13 +198,13 @@ TEST(Completion, CompletesRecipesInRealShells) {
     const std::pair<std::string, std::string> shells[] = {
         {"bash --rcfile rc/.zshrc -i",
          "PS1=READY; source $COMPLETIONS/tvrn.bash; bind 'set bell-style none'\n"
-         "put() { printf '%s\\n' \"$READLINE_LINE\" >>$LINES; READLINE_LINE=; }; bind -x '\"\\C-g\": put'"},
+         "put() { printf '%s\\n' \"$READLINE_LINE\" >>$SEEN; READLINE_LINE=; }; bind -x '\"\\C-g\": put'"},
         {"zsh -i",
          "PS1=READY; setopt no_auto_list no_beep; fpath=($COMPLETIONS $fpath); autoload -U compinit\n"
-         "compinit -D -u; put() { print -r -- $BUFFER >>$LINES; BUFFER= }; zle -N put; bindkey '^G' put"},
+         "compinit -D -u; put() { print -r -- $BUFFER >>$SEEN; BUFFER= }; zle -N put; bindkey '^G' put"},
         {"fish --no-config -i -C 'source rc/.zshrc'",
          "function fish_prompt; echo READY; end; source $COMPLETIONS/tvrn.fish\n"
-         "function put; commandline >>$LINES; commandline ''; end; bind \\cg put"}};
+         "function put; commandline >>$SEEN; commandline ''; end; bind \\cg put"}};
     const TemporaryFolder folder;
     folder.write("picture.jpg", "");
     folder.write("data/Tavrin 9/Presets/Photos.tvrn8preset.plist", "");

@@ -483,6 +483,13 @@ std::vector<RecipeCandidate> RecipeStepReader::candidates() const {
         };
         return assignments.hasKey(row.key) || std::ranges::any_of(loneWords, isOf);
     };
+    // A word that the phrase in hand has too would be taken for its own.
+    const auto mayStand = [&](const RecipeAction& action, const RecipeAction::Word& word) {
+        if (!word.row->scope.empty())
+            return word.row->scope == scope && isAllowed(word);
+        const auto* own = scope.empty() ? nullptr : action.word(word.word, scope);
+        return !(own && isAllowed(*own)) && !(isSlash && word.word == "case");
+    };
     if (next == Expected::verb) {
         for (const auto verbOf : vocabulary.verbs())
             add(std::string(verbOf), std::string(vocabulary.withVerb(verbOf).front()->entry().label));
@@ -502,9 +509,7 @@ std::vector<RecipeCandidate> RecipeStepReader::candidates() const {
                 !isSaid(*action->row(row.shownWhenKey)))
                 add(std::string(row.word), std::string(row.label));
         for (const auto& word : action->words())
-            if ((word.row->scope.empty() ? !(isSlash && word.word == "case")
-                                         : word.row->scope == scope && isAllowed(word)) &&
-                !isSaid(*word.row))
+            if (mayStand(*action, word) && !isSaid(*word.row))
                 add(std::string(word.word), aboutOf(word));
         for (const auto& row : action->rows())
             if (row.form == RecipeForm::option &&
