@@ -45,7 +45,9 @@ class RenamePrimitives {
 
     [[nodiscard]] std::string failureReasonString() const;
     /// The same without the sentence that begins it, where there is more.
-    [[nodiscard]] std::string failureDetail() const { return detail.empty() ? std::string(sentence) : detail; }
+    [[nodiscard]] std::string failureDetail() const {
+        return detail.empty() ? std::string(sentence) : detail;
+    }
     /// What the system said of a failure, in words; the names are those of the call.
     static std::string systemReason(int error, std::string_view from, std::string_view to,
                                     const RunFolders::Place& place);
