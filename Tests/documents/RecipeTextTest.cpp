@@ -20,7 +20,7 @@ std::string answerTo(std::u16string_view recipe) {
 }
 
 TEST(RecipeTextTest, ReadsWhatPeopleWrite) {
-    const std::vector<std::pair<std::u16string, std::string>> cases {
+    const std::vector<std::pair<std::u16string, std::string>> cases{
         // Synonyms, and words in any order.
         {u"sub a b first", R"(replace "a" "b" 1st)"},
         {u"insert - before plan second case", R"(add "-" before "plan" 2nd case)"},
@@ -71,94 +71,86 @@ TEST(RecipeTextTest, ReadsWhatPeopleWrite) {
         {u"replace a b \"search term\":=\"c\"", R"(replace "c" "b")"},
         {u"\"Of tomorrow\" b:=1 a:=nan off", R"("Of tomorrow" a:=nan b:=1 off)"},
     };
-        for (const auto& [recipe, expected] : cases)
-            EXPECT_THAT(answerTo(recipe), StartsWith(expected)) << text::toUtf8(recipe);
-    }
+    for (const auto& [recipe, expected] : cases)
+        EXPECT_THAT(answerTo(recipe), StartsWith(expected)) << text::toUtf8(recipe);
+}
 
-    TEST(RecipeTextTest, TellsWhatIsWrongAndWhere) {
-        const std::vector<std::pair<std::u16string, std::string>> cases{
-            {u"replace a b frist | lower",
-             "13+5: \"replace\" does not know \"frist\"; did you mean \"first\"?"},
-            {u"lowre", "1+5: there is no verb \"lowre\"; did you mean \"lower\"?"},
-            {u"number digit=3", "8+7: \"number\" does not know \"digit=3\"; did you mean \"digits=\"?"},
-            {u"number order=tkaen", "8+11: \"order=\" does not know \"tkaen\"; did you mean \"taken\"?"},
-            {u"date modifed", "6+7: \"modifed\" is no pattern of a date; did you mean \"modified\"?"},
-            {u"remove-vowels x",
-             "15+1: \"remove-vowels\" does not know \"x\"; here may stand .ext, ext, name, "
-"off, whole; it may come from a newer version of tvrn"},
-            {u"add start \"x\"", "11+3: the text stands before the place; add TEXT start"},
-            {u"add x",
-             "1+3: \"add\" needs a place; it is one of start, end, at NUMBER, before TEXT, after TEXT"},
-            {u"cut from 3",
-             "1+3: \"cut\" needs an end; to NUMBER, to before TEXT, to after TEXT or for NUMBER"},
-            {u"cut to 3 for 2", "10+3: the end of \"to\" is told twice"},
-            {u"lower all",
-             "7+3: \"lower\" does not know \"all\"; whole is the whole name, every stands for all "
-             "occurrences"},
-            {u"add x end start", "11+5: \"add\" has a place already"},
-            {u"lower ext ext", "11+3: \"ext\" comes twice"},
-            {u"lower ext name", "11+4: \"name\" contradicts \"ext\""},
-            {u"lower a:=1 a:=2", "12+3: \"a\" comes twice"},
-            {u"tr a b",
-             "1+2: there is no verb \"tr\"; replace-chars AB C puts C in the place of each A and B"},
-            {u"swap", "1+4: \"swap\" has no meaning yet; it may come from a newer version of tvrn"},
-            {u"replace a", "1+7: \"replace\" needs 2 texts; an empty text is \"\""},
-            {u"drop 300 start", "6+3: 300 is out of range; a number from 0 to 255"},
-            {u"path start levels=0", "12+8: 0 is out of range; a number from 1 to 99"},
-            {u"add x at -1e3", "10+4: behind \"at\" comes a number"},
-            {u"replace \"a", "9+1: the quote has no end"},
-            {u"keep \"\\d\"", "7+2: \"\\d\" is no escape; a backslash is \\\\; patterns go into s/…/…/"},
-            {u"s/a/b", "1+2: the second or third \"/\" is missing; it is written s/…/…/"},
-            {u"s/a/b/gx", "8+1: \"x\" is no flag here; flags are i, and g or one of 1 to 6"},
-            {u"s/a/b/ case", "8+4: \"s\" does not know \"case\""},
-            {u"add “x” end", "5+1: a typographic quote; quotes of recipes are \" and '"},
-            {u"add x\u00a0y end", "6+1: the invisible character U+00A0; within quotes it is \\u{a0}"},
-            {u"add \x1b[31m end", "5+4: the invisible character U+001B"},
-            {u"x:=1", "1+4: there is no verb"},
-            {u"lower x:=", "10+1: a value is missing"},
-            {u"\"Nothing\" 3", "11+1: behind a stored name comes KEY:=VALUE, not \"3\""},
-            {u" # nothing\n;", "1+10: there is no step in it"},
-        };
-        for (const auto& [recipe, expected] : cases)
-            EXPECT_THAT(answerTo(recipe), StartsWith(expected)) << text::toUtf8(recipe);
-    }
+TEST(RecipeTextTest, TellsWhatIsWrongAndWhere) {
+    const std::vector<std::pair<std::u16string, std::string>> cases{
+        {u"replace a b frist | lower", "13+5: \"replace\" does not know \"frist\"; did you mean \"first\"?"},
+        {u"lowre", "1+5: there is no verb \"lowre\"; did you mean \"lower\"?"},
+        {u"number digit=3", "8+7: \"number\" does not know \"digit=3\"; did you mean \"digits=\"?"},
+        {u"number order=tkaen", "8+11: \"order=\" does not know \"tkaen\"; did you mean \"taken\"?"},
+        {u"date modifed", "6+7: \"modifed\" is no pattern of a date; did you mean \"modified\"?"},
+        {u"remove-vowels x", "15+1: \"remove-vowels\" does not know \"x\"; here may stand .ext, ext, name, "
+                             "off, whole; it may come from a newer version of tvrn"},
+        {u"add start \"x\"", "11+3: the text stands before the place; add TEXT start"},
+        {u"add x", "1+3: \"add\" needs a place; it is one of start, end, at NUMBER, before TEXT, after TEXT"},
+        {u"cut from 3", "1+3: \"cut\" needs an end; to NUMBER, to before TEXT, to after TEXT or for NUMBER"},
+        {u"cut to 3 for 2", "10+3: the end of \"to\" is told twice"},
+        {u"lower all", "7+3: \"lower\" does not know \"all\"; whole is the whole name, every stands for all "
+                       "occurrences"},
+        {u"add x end start", "11+5: \"add\" has a place already"},
+        {u"lower ext ext", "11+3: \"ext\" comes twice"},
+        {u"lower ext name", "11+4: \"name\" contradicts \"ext\""},
+        {u"lower a:=1 a:=2", "12+3: \"a\" comes twice"},
+        {u"tr a b", "1+2: there is no verb \"tr\"; replace-chars AB C puts C in the place of each A and B"},
+        {u"swap", "1+4: \"swap\" has no meaning yet; it may come from a newer version of tvrn"},
+        {u"replace a", "1+7: \"replace\" needs 2 texts; an empty text is \"\""},
+        {u"drop 300 start", "6+3: 300 is out of range; a number from 0 to 255"},
+        {u"path start levels=0", "12+8: 0 is out of range; a number from 1 to 99"},
+        {u"add x at -1e3", "10+4: behind \"at\" comes a number"},
+        {u"replace \"a", "9+1: the quote has no end"},
+        {u"keep \"\\d\"", "7+2: \"\\d\" is no escape; a backslash is \\\\; patterns go into s/…/…/"},
+        {u"s/a/b", "1+2: the second or third \"/\" is missing; it is written s/…/…/"},
+        {u"s/a/b/gx", "8+1: \"x\" is no flag here; flags are i, and g or one of 1 to 6"},
+        {u"s/a/b/ case", "8+4: \"s\" does not know \"case\""},
+        {u"add “x” end", "5+1: a typographic quote; quotes of recipes are \" and '"},
+        {u"add x\u00a0y end", "6+1: the invisible character U+00A0; within quotes it is \\u{a0}"},
+        {u"add \x1b[31m end", "5+4: the invisible character U+001B"},
+        {u"x:=1", "1+4: there is no verb"},
+        {u"lower x:=", "10+1: a value is missing"},
+        {u"\"Nothing\" 3", "11+1: behind a stored name comes KEY:=VALUE, not \"3\""},
+        {u" # nothing\n;", "1+10: there is no step in it"},
+    };
+    for (const auto& [recipe, expected] : cases)
+        EXPECT_THAT(answerTo(recipe), StartsWith(expected)) << text::toUtf8(recipe);
+}
 
-    // A text must not cost more than it says.
-    TEST(RecipeTextTest, HasLimits) {
-        const auto repeated = [](std::u16string_view part, std::size_t count) {
-            std::u16string text;
-            while (count-- > 0)
-                text += part;
-            return text;
-        };
-        EXPECT_EQ(answerTo(repeated(u"\"", RecipeText::mostUnits)), "\"\"");
-        EXPECT_THAT(answerTo(repeated(u"'", RecipeText::mostUnits - 1)), HasSubstr("no end"));
-        EXPECT_THAT(answerTo(repeated(u"\"", RecipeText::mostUnits + 1)), HasSubstr("at most 1048576"));
-        EXPECT_THAT(answerTo(repeated(u"lower|", RecipeText::mostSteps)), StartsWith("lower | lower"));
-        EXPECT_THAT(answerTo(repeated(u"lower|", RecipeText::mostSteps + 1)),
-                    HasSubstr("at most 10000 steps"));
-        EXPECT_THAT(answerTo(u"lower x:=" + repeated(u"[", 64) + repeated(u"]", 64)),
-                    StartsWith("lower x:="));
-        EXPECT_THAT(answerTo(u"lower x:=" + repeated(u"[", 100'000)), HasSubstr("more than 64 levels"));
-    }
+// A text must not cost more than it says.
+TEST(RecipeTextTest, HasLimits) {
+    const auto repeated = [](std::u16string_view part, std::size_t count) {
+        std::u16string text;
+        while (count-- > 0)
+            text += part;
+        return text;
+    };
+    EXPECT_EQ(answerTo(repeated(u"\"", RecipeText::mostUnits)), "\"\"");
+    EXPECT_THAT(answerTo(repeated(u"'", RecipeText::mostUnits - 1)), HasSubstr("no end"));
+    EXPECT_THAT(answerTo(repeated(u"\"", RecipeText::mostUnits + 1)), HasSubstr("at most 1048576"));
+    EXPECT_THAT(answerTo(repeated(u"lower|", RecipeText::mostSteps)), StartsWith("lower | lower"));
+    EXPECT_THAT(answerTo(repeated(u"lower|", RecipeText::mostSteps + 1)), HasSubstr("at most 10000 steps"));
+    EXPECT_THAT(answerTo(u"lower x:=" + repeated(u"[", 64) + repeated(u"]", 64)), StartsWith("lower x:="));
+    EXPECT_THAT(answerTo(u"lower x:=" + repeated(u"[", 100'000)), HasSubstr("more than 64 levels"));
+}
 
-    // What was written once is read as it was meant then, whatever is added to the language. Lines are only
-    // ever added to the file: a text, a tab, the chain.
-    TEST(RecipeTextTest, TextsOfOlderVersionsMeanWhatTheyMeant) {
-        std::ifstream golden(TAVRIN_TEST_DATA "/golden-recipes.txt");
-        std::string line;
-        int count = 0;
-        while (std::getline(golden, line)) {
-            const auto tab = line.find('\t');
-            const auto result = RecipeText::read(text::fromUtf8(line.substr(0, tab)));
-            const auto* reading = std::get_if<RecipeText::Reading>(&result);
-            ASSERT_TRUE(reading) << line;
-            const auto& steps = *find(reading->flatParameterList, "composite actions array");
-            EXPECT_EQ(text::toUtf8(recipe::literal(steps)), line.substr(tab + 1));
-            ++count;
-        }
-        EXPECT_GE(count, 41);
+// What was written once is read as it was meant then, whatever is added to the language. Lines are only
+// ever added to the file: a text, a tab, the chain.
+TEST(RecipeTextTest, TextsOfOlderVersionsMeanWhatTheyMeant) {
+    std::ifstream golden(TAVRIN_TEST_DATA "/golden-recipes.txt");
+    std::string line;
+    int count = 0;
+    while (std::getline(golden, line)) {
+        const auto tab = line.find('\t');
+        const auto result = RecipeText::read(text::fromUtf8(line.substr(0, tab)));
+        const auto* reading = std::get_if<RecipeText::Reading>(&result);
+        ASSERT_TRUE(reading) << line;
+        const auto& steps = *find(reading->flatParameterList, "composite actions array");
+        EXPECT_EQ(text::toUtf8(recipe::literal(steps)), line.substr(tab + 1));
+        ++count;
     }
+    EXPECT_GE(count, 41);
+}
 
 } // namespace
 
