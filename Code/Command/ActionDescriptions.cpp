@@ -3,6 +3,7 @@
 #include "ActionNames.h"
 #include "GivenParameters.h"
 #include "documents/recipe/RecipeText.h"
+#include "documents/recipe/RecipeUsage.h"
 #include "documents/recipe/RecipeWords.h"
 #include "support/text/Text.h"
 
@@ -10,7 +11,6 @@
 #include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
 
-#include <array>
 #include <limits>
 
 namespace tavrin::actionDescriptions {
@@ -194,35 +194,13 @@ std::string shownExample(const ActionEntry& entry, const ActionExample& example)
                        about, text::toUtf8(example.after));
 }
 
-/// The verb and what it needs: "add TEXT at NUMBER".
-std::string usageOf(const ActionEntry& entry, const BaseRenameAction& action) {
-    std::string usage(entry.recipe.verb);
-    bool hasDate = false, hasPhrases = false;
-    for (const ParameterDescription& row : action.parameters()) {
-        if (row.form == RecipeForm::first)
-            usage += ' ' + inRecipes(row);
-        hasDate = hasDate || row.form == RecipeForm::date;
-        hasPhrases = hasPhrases || row.form == RecipeForm::phrase;
-    }
-    if (hasDate)
-        usage += " [PATTERN]";
-    if (entry.recipe.place == Place::wholeName && hasPhrases)
-        usage += " ...";
-    constexpr std::array<const char*, 6> places{"",           " start",       " end",
-                                                " at NUMBER", " before TEXT", " after TEXT"};
-    usage += places.at(static_cast<std::size_t>(entry.recipe.place));
-    if (entry.recipe.slash != 0)
-        usage += fmt::format(" or {}/PATTERN/TEXT/", entry.recipe.slash);
-    return usage;
-}
-
 } // namespace
 
 std::string text(const ActionEntry& entry) {
     const auto action = entry.make();
     std::string text =
         fmt::format("{}\n{}: {}\nIn recipes: {}\n\nParameters, with their defaults:\n", entry.name,
-                    categoryLabel(entry.category), entry.label, usageOf(entry, *action));
+                    categoryLabel(entry.category), entry.label, recipeUsageLine(RecipeAction(entry)));
     for (const ParameterDescription* row : offeredRows(*action))
         text += shownParameter(*row);
     if (!entry.examples.empty())

@@ -1,11 +1,11 @@
 #include "presentation/help/RecipeReference.h"
 
+#include "documents/recipe/RecipeUsage.h"
 #include "documents/recipe/RecipeWords.h"
 #include "presentation/QtText.h"
 
 #include <QCoreApplication>
 #include <QStringList>
-#include <algorithm>
 
 namespace tavrin::recipeReference {
 
@@ -16,47 +16,6 @@ QString translated(const char* text) { return QCoreApplication::translate("Recip
 QString escaped(std::string_view text) { return toQString(text).toHtmlEscaped(); }
 
 QString code(std::string_view text) { return "<code>" + escaped(text) + "</code>"; }
-
-/// Stands for the value, in quotes where it is a text.
-QString value(const ParameterDescription& row) {
-    const QString label = escaped(row.label);
-    return "<i>" + (row.isText() ? "\"" + label + "\"" : label) + "</i>";
-}
-
-QString inBrackets(const QString& text, bool mayBeLeftOut) { return mayBeLeftOut ? "[" + text + "]" : text; }
-
-/// What stands between the word of a phrase and its text; empty for most.
-QString sides(const RecipeAction& action, const ParameterDescription& row) {
-    const ParameterDescription* const side = action.row(row.sideKey);
-    QStringList words;
-    if (side != nullptr)
-        for (const ParameterChoice& choice : side->choices)
-            words.append(code(choice.word));
-    return words.isEmpty() ? QString() : words.join("/") + " ";
-}
-
-/// Rows of which one is in use, by the same other parameter, are alternatives.
-QStringList phrases(const RecipeAction& action) {
-    QStringList all;
-    const ParameterDescription* last = nullptr;
-    for (const ParameterDescription& row : action.rows()) {
-        if (row.form != RecipeForm::phrase)
-            continue;
-        const bool isAlternative =
-            last != nullptr && !row.shownWhenKey.empty() && row.shownWhenKey == last->shownWhenKey;
-        const bool saysWord = !isAlternative || row.word != last->word;
-        const QString phrase =
-            (saysWord ? code(row.word) + " " : QString()) + sides(action, row) + value(row);
-        if (isAlternative)
-            all.back() += " " + translated("or") + " " + phrase;
-        else
-            all.append((row.mayBeLeftOut ? "[" : "") + phrase);
-        last = &row;
-    }
-    for (QString& phrase : all)
-        phrase += phrase.startsWith('[') ? "]" : "";
-    return all;
-}
 
 QString synonymsOfVerb(std::string_view verb) {
     QStringList all;
@@ -89,17 +48,20 @@ QString synonymsOfWords() {
 } // namespace
 
 QString beginning(const RecipeAction& action) {
-    const RecipeVerb& verb = action.entry().recipe;
-    QStringList parts(verb.slash == 0 ? code(verb.verb) : code(std::string(1, verb.slash) + "/…/…/"));
-    if (verb.slash == 0)
-        for (const ParameterDescription* row : action.texts())
-            parts.append(inBrackets(value(*row), row->mayBeLeftOut));
-    if (!action.dateRows().empty())
-        parts.append("[<i>" + translated("Pattern") + "</i>]");
-    parts += phrases(action);
-    if (verb.place == Place::start || verb.place == Place::end)
-        parts.append(code(wordOf(verb.place)));
-    return parts.join(" ");
+    QString html;
+    for (const auto& [kind, shown] : recipeUsage(action)) {
+        const bool isJoined = shown == "]" || shown == "/" || html.endsWith('[') || html.endsWith('/');
+        html += html.isEmpty() || isJoined ? "" : " ";
+        if (kind == RecipeUsagePart::Kind::word)
+            html += code(shown);
+        else if (kind == RecipeUsagePart::Kind::text)
+            html += "<i>\"" + escaped(shown) + "\"</i>";
+        else if (kind == RecipeUsagePart::Kind::number)
+            html += "<i>" + escaped(shown) + "</i>";
+        else
+            html += toQString(shown);
+    }
+    return html;
 }
 
 QString word(const ParameterDescription& parameter) {
