@@ -6,6 +6,8 @@
 #include "documents/recipe/RecipeText.h"
 #include "documents/recipe/RecipeTokens.h"
 #include "documents/recipe/RecipeWords.h"
+#include "platform/desktop/Quoting.h"
+#include "platform/processes/ChildProcess.h"
 #include "support/text/DisplayText.h"
 
 #include <cmath>
@@ -201,6 +203,20 @@ TEST(RecipeLaws, ChainsComeBackFromTheirText) {
         ASSERT_EQ(display::visible(text), text::toUtf8(text));
         ASSERT_EQ(text.find_first_of(u"\n\u00a0\u200b\u2028\ufeff"), text.npos);
     }
+}
+
+TEST(RecipeLaws, TextsPassThroughAShell) {
+    RandomChains chains(5);
+    std::string line = "printf '%s\\n'";
+    std::string expected;
+    for (int i = 0; i < 200; ++i) {
+        const auto text = text::toUtf8(RecipeText::write(chains.next()));
+        line += ' ' + quotedForShell(text);
+        expected += text + '\n';
+    }
+    ChildProcess::Request request;
+    request.arguments = {"/bin/sh", "-c", line};
+    EXPECT_EQ(ChildProcess::run(request).output, expected);
 }
 
 TEST(RecipeLaws, CanonicalTextSaysNothingTwice) {
