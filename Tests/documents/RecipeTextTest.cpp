@@ -86,6 +86,7 @@ TEST(RecipeTextTest, TellsWhatIsWrongAndWhere) {
                              "off, whole; it may come from a newer version of tvrn"},
         {u"add start \"x\"", "11+3: the text stands before the place; add TEXT start"},
         {u"add x", "1+3: \"add\" needs a place; it is one of start, end, at NUMBER, before TEXT, after TEXT"},
+        {u"trim", "1+4: \"trim\" needs a place; it is end"},
         {u"cut from 3", "1+3: \"cut\" needs an end; to NUMBER, to before TEXT, to after TEXT or for NUMBER"},
         {u"cut to 3 for 2", "10+3: the end of \"to\" is told twice"},
         {u"lower all", "7+3: \"lower\" does not know \"all\"; whole is the whole name, every stands for all "

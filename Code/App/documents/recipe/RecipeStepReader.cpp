@@ -426,7 +426,8 @@ const RecipeAction& RecipeStepReader::chosenAction() {
     std::string places;
     for (const auto* action : left)
         places += fmt::format("{}{}", places.empty() ? "" : ", ", formOf(action->entry().recipe.place));
-    fail(verb, fmt::format("\"{}\" needs a place", shown(verb)), "it is one of " + places);
+    fail(verb, fmt::format("\"{}\" needs a place", shown(verb)),
+         (left.size() == 1 ? "it is " : "it is one of ") + places);
 }
 
 /// Other tools write groups so.
