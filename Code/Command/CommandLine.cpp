@@ -234,7 +234,7 @@ CommandLine parseActions(std::vector<std::string> arguments) {
                 throw UsageError(fmt::format("--try \"{}\": expected a name, not a path", name));
         if (*names && options.triedNames.empty())
             throw UsageError("--try needs a name");
-        options.name = parser.onlyOperand("name");
+        options.name = parser.onlyOperand("action");
         return options;
     });
 }
@@ -294,7 +294,7 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
     if (first == "--version" || first == "-V")
         return CommandLineEnd{0, fmt::format("tvrn (Tavrin) {}\nrecipe language {}\n", programVersion,
                                              RecipeText::languageVersion)};
-    if (arguments.size() == 1) { // there are no paths
+    if (arguments.size() == 1 && !first.starts_with("-")) { // there are no paths
         std::vector<std::string_view> names;
         for (const auto& [name, parse] : commands)
             names.push_back(name);
