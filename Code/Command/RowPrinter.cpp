@@ -2,6 +2,7 @@
 
 #include "engine/naming/NameProblems.h"
 #include "store/contexts/StoreContext.h"
+#include "support/text/AsciiBytes.h"
 #include "support/text/DisplayText.h"
 #include "support/text/Text.h"
 
@@ -17,7 +18,14 @@ void precompose(std::u16string& text) {
 } // namespace
 
 void RowPrinter::print(StoreContext& context, const Predicate& predicate) {
+    const bool isPlain = !options.json && !options.affected && !makeVisible && !paints && options.format != 2;
     for (const RowId id : context.fetch({FetchEntity::file, predicate, {{NodeKey::name}}, 0})) {
+        if (isPlain && printAsHeld(context, id)) {
+            output.flushIfFull();
+            if (output.error() != 0)
+                return;
+            continue;
+        }
         context.name(id, name);
         context.finalName(id, finalName);
         if (options.affected && (name == finalName || text::canonicallyEqual(name, finalName)))
@@ -30,6 +38,33 @@ void RowPrinter::print(StoreContext& context, const Predicate& predicate) {
         if (output.error() != 0)
             return;
     }
+}
+
+/// A line of names that are shown by the bytes that the store holds, as most are; false for others.
+bool RowPrinter::printAsHeld(StoreContext& context, RowId id) {
+    std::string& text = output.content();
+    const std::size_t start = text.size();
+    const std::string_view component = context.component(id);
+    if (!text::isAsciiWithoutNul(component) || component.find(':') != component.npos)
+        return false;
+    text += component;
+    const std::size_t length = component.size();
+    const StoreContext::HeldName final = context.heldFinalName(id);
+    if (!final.isName && (!final.hasBytes || !text::isAsciiWithoutNul(final.bytes))) {
+        text.resize(start);
+        return false;
+    }
+    if (options.format == 1 && !final.isName) {
+        text.resize(start);
+    } else if (options.format == 0) {
+        text += '\t';
+        if (final.isName)
+            text.append(text, start, length);
+    }
+    if (!final.isName)
+        text += final.bytes;
+    text += options.null ? '\0' : '\n';
+    return true;
 }
 
 /// The lines of a saved list of names: everything in composed form.

@@ -24,6 +24,7 @@ class RowPrinter {
     void print(StoreContext& context, const Predicate& predicate);
 
   private:
+    bool printAsHeld(StoreContext& context, RowId id);
     void printLine(StoreContext& context, RowId id);
     void printPainted();
     void printObject(StoreContext& context, RowId id);

@@ -201,12 +201,12 @@ TEST_F(DialogTests, OpenHelpWhereverTheCodePointsTo) {
     // The words of recipes, in the entry of an action and on a page of their own.
     const auto text = [&] { return find<QTextBrowser>("helpBrowser")->toPlainText(); };
     controller().showHelpAnchor("action:Insert number at position");
-    EXPECT_TRUE(text().contains("In recipes: number at At\n"));
+    EXPECT_TRUE(text().contains("In recipes: number at Number\n"));
     EXPECT_TRUE(text().contains("Digits (digits=)\n"));
     EXPECT_TRUE(text().contains("Whole name (whole)"));
     controller().showHelpAnchor("verb:cut");
-    EXPECT_TRUE(text().contains("cut [from Position or before/after \"Text\"] to Position or before/after "
-                                "\"Text\" or for Characters: "));
+    EXPECT_TRUE(text().contains("cut [from Position | before/after \"Text\"] to Position | before/after "
+                                "\"Text\" | for Characters: "));
     EXPECT_TRUE(text().contains("sub, substitute, change"));
 
     type("helpFilter", "droplet silent");

@@ -3,11 +3,13 @@
 #include "engine/reading/FolderNotes.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
+#include "support/text/AsciiBytes.h"
 #include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -22,9 +24,8 @@ constexpr std::size_t fewMovers = 32;
 
 /// Nothing is wrong with the name itself, as is seen without making it a text.
 bool isPlain(std::string_view name) {
-    const bool isAscii = std::ranges::all_of(name, [](char c) { return static_cast<signed char>(c) > 0; });
-    return !name.empty() && name != "." && name != ".." &&
-           (isAscii || (name.find('\0') == name.npos && text::isUtf8(name)));
+    return !name.empty() && (name.front() != '.' || (name != "." && name != "..")) &&
+           (text::isAsciiWithoutNul(name) || (name.find('\0') == name.npos && text::isUtf8(name)));
 }
 
 bool holdsSign(std::string_view name) {
@@ -53,17 +54,22 @@ void ProblemFinder::lookAt(RowId folder, const std::vector<RowId>& children, Nam
             findTaken(names);
         }
     }
-    store(names);
+    if (hadProblems || std::ranges::any_of(movers, std::not_fn(&Mover::goes)) ||
+        std::ranges::any_of(movers, &Mover::isRival))
+        store(names);
 }
 
 void ProblemFinder::gatherMovers() {
     movers.clear();
+    movers.reserve(rows->size()); // room that is not used costs nothing
     hasRespelledStayer = false;
+    hadProblems = false;
     for (std::size_t i = 0; i < rows->size(); ++i) {
         const RowId id = (*rows)[i];
         const NodeRow& row = context.row(id);
+        hadProblems |= row.problem != none;
         if (row.diff && filter.admits(row))
-            movers.push_back({id, static_cast<std::uint32_t>(i)});
+            movers.push_back({id, static_cast<std::uint32_t>(i), row.kind == FileStatus::Kind::link});
         else
             hasRespelledStayer |= !context.heldFinalName(id).isName;
     }
@@ -103,20 +109,21 @@ VolumeFacts ProblemFinder::volumeOf(std::uint32_t device) {
 // ---- names
 
 void ProblemFinder::judgeName(Mover& mover) {
-    const StoreContext::HeldName final = context.heldFinalName(mover.row);
+    StoreContext::HeldName final = context.heldFinalName(mover.row);
     if (!final.hasBytes || !isPlain(final.bytes)) {
         const bool isExact = context.row(mover.row).hasExactName;
         mover.problem =
             nameOnDisk::problemOf(context.finalName(mover.row), context.component(mover.row), isExact);
+        final = context.heldFinalName(mover.row); // what was read meanwhile may have paged it out
     }
-    if (mover.goes() && !renamesLinks && context.row(mover.row).kind == FileStatus::Kind::link)
+    if (mover.goes() && !renamesLinks && mover.isLink)
         mover.problem = NameProblem::link;
     if (!mover.goes())
         return;
-    if (volume.forbidsSigns && holdsSign(context.heldFinalName(mover.row).bytes))
+    if (volume.forbidsSigns && holdsSign(final.bytes))
         mover.problem = foreignCharacter;
     else
-        judgeLength(mover, context.heldFinalName(mover.row).bytes.size());
+        judgeLength(mover, final.bytes.size());
 }
 
 void ProblemFinder::judgeLength(Mover& mover, std::size_t bytes) {

@@ -43,6 +43,7 @@ class ProblemFinder {
     struct Mover {
         RowId row;
         std::uint32_t child; ///< its place among the children
+        bool isLink = false; ///< when it was read
         NameProblem problem = NameProblem::none;
         std::uint16_t detail = 0;
         bool willBeMadeDistinct = false;
@@ -92,6 +93,7 @@ class ProblemFinder {
     // Of the folder in hand.
     const std::vector<RowId>* rows = nullptr;
     std::vector<Mover> movers;       ///< in the order of the children
+    bool hadProblems = false;        ///< any child, as it is stored
     bool hasRespelledStayer = false; ///< an item that stays bears its final name in another Unicode form
     std::string path;
     FileStatus status;

@@ -34,7 +34,9 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
     /// Globs for paths are held against what stands behind `givenFolder`.
     FolderWalk(ReadItemsIntoDatabaseStage& owner, bool sourceIsInvisible, const std::string& givenFolder)
         : stage(owner), selection(owner.selection), isSourceInvisible(sourceIsInvisible),
-          lengthOfGiven(givenFolder == "/" ? 1 : givenFolder.size() + 1) {}
+          lengthOfGiven(givenFolder == "/" ? 1 : givenFolder.size() + 1),
+          takesAllFiles(selection.takesFiles && selection.takesLinks && !selection.hasGlobs() &&
+                        !selection.asksForTime()) {}
 
     /// False if the folder itself could not be read.
     bool run(const std::string& sourcePath);
@@ -80,6 +82,7 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
     const ItemSelection& selection;
     const bool isSourceInvisible;
     const std::size_t lengthOfGiven;
+    const bool takesAllFiles; ///< nothing is asked of them one by one
     std::vector<Level> levels;
     std::string pathOfEntry; ///< of the one in hand, where it is asked for
 };
@@ -468,7 +471,7 @@ bool ReadItemsIntoDatabaseStage::FolderWalk::hasFittingTime() const {
 }
 
 void ReadItemsIntoDatabaseStage::FolderWalk::readFileEntry(const FolderEntry& entry) {
-    if (!isExcluded(false) && takesPart(entry, false))
+    if (takesAllFiles || (!isExcluded(false) && takesPart(entry, false)))
         createRow(entry, false);
 }
 
