@@ -254,7 +254,7 @@ PropertyValue RecipeLexer::literal() {
 }
 
 PropertyValue RecipeLexer::literal(int depth) {
-    if (depth > deepest)
+    if (depth >= deepest && (isAt(u"[") || isAt(u"{")))
         fail(at, fmt::format("the value has more than {} levels", deepest));
     if (isAt(u"\""))
         return quotedText("a text");
