@@ -92,8 +92,6 @@ RecipeToken RecipeLexer::next() {
     if (!token.isQuoted)
         token.bareUnits = token.text.size();
     token.place.length = at - token.place.location;
-    if (const auto equals = source.substr(0, at).find(u'=', token.place.location); equals != source.npos)
-        token.valueStart = equals + 1;
     return token;
 }
 

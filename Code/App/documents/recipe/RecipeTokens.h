@@ -20,12 +20,11 @@ struct RecipeMistake {
 /// A run of pieces without a blank between them.
 struct RecipeToken {
     TextRange place;
-    std::u16string text;        ///< what the pieces say
-    std::size_t bareUnits = 0;  ///< how much of `text` comes in front of the first quote
-    bool isQuoted = false;      ///< holds a quote, so it is no word of the language
-    bool isSeparator = false;   ///< `|`, `;` or a line break
-    bool isEnd = false;         ///< nothing is left
-    std::size_t valueStart = 0; ///< where in the source the text behind the first `=` of the bare part begins
+    std::u16string text;       ///< what the pieces say
+    std::size_t bareUnits = 0; ///< how much of `text` comes in front of the first quote
+    bool isQuoted = false;     ///< holds a quote, so it is no word of the language
+    bool isSeparator = false;  ///< `|`, `;` or a line break
+    bool isEnd = false;        ///< nothing is left
 
     [[nodiscard]] bool isText() const { return !isSeparator && !isEnd; }
 };

@@ -71,16 +71,21 @@ Parts recipeUsage(const RecipeAction& action) {
     appendPhrases(action, parts);
     if (verb.place == Place::start || verb.place == Place::end)
         parts.push_back({Kind::word, std::string(wordOf(verb.place))});
+    parts.front().followsBlank = false;
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        const auto isMark = [](const RecipeUsagePart& part, std::string_view mark) {
+            return part.kind == Kind::mark && part.shown == mark;
+        };
+        parts[i].followsBlank = !isMark(parts[i - 1], "[") && !isMark(parts[i - 1], "/") &&
+                                !isMark(parts[i], "]") && !isMark(parts[i], "/");
+    }
     return parts;
 }
 
 std::string recipeUsageLine(const RecipeAction& action) {
     std::string line;
-    bool isJoined = true;
-    for (const auto& [kind, shown] : recipeUsage(action)) {
-        const bool joins = shown == "]" || shown == "/";
-        line += isJoined || joins ? "" : " ";
-        isJoined = shown == "[" || shown == "/";
+    for (const auto& [kind, shown, followsBlank] : recipeUsage(action)) {
+        line += followsBlank ? " " : "";
         if (kind == Kind::text)
             line += '"' + shown + '"';
         else if (kind == Kind::number)

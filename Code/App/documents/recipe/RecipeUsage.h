@@ -17,6 +17,7 @@ struct RecipeUsagePart {
     };
     Kind kind;
     std::string shown;
+    bool followsBlank = true; ///< else it belongs to what is in front of it
 };
 
 /// How a step of the action begins: verb, texts, phrases, place.

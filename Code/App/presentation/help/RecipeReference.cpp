@@ -49,9 +49,8 @@ QString synonymsOfWords() {
 
 QString beginning(const RecipeAction& action) {
     QString html;
-    for (const auto& [kind, shown] : recipeUsage(action)) {
-        const bool isJoined = shown == "]" || shown == "/" || html.endsWith('[') || html.endsWith('/');
-        html += html.isEmpty() || isJoined ? "" : " ";
+    for (const auto& [kind, shown, followsBlank] : recipeUsage(action)) {
+        html += followsBlank ? " " : "";
         if (kind == RecipeUsagePart::Kind::word)
             html += code(shown);
         else if (kind == RecipeUsagePart::Kind::text)
