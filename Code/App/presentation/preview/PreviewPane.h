@@ -18,6 +18,7 @@ namespace tavrin {
 
 class FindBar;
 class ListBar;
+class MessageBars;
 class ParameterBinding;
 class PreviewTableView;
 class ProblemBar;
@@ -47,6 +48,8 @@ class PreviewPane final : public QWidget {
     void selectPreviewTab(PreviewTab tab);
     /// A run has moved pictures to other names.
     void forgetPictures();
+    /// The messages below the list.
+    [[nodiscard]] MessageBars& messageBars() { return *bars; }
     void enterDropletEditMode();
 
     [[nodiscard]] std::vector<RowId> selection() const;
@@ -96,6 +99,7 @@ class PreviewPane final : public QWidget {
     ListBar* listBar;
     FindBar* findBar;
     QStackedWidget* pages; ///< the table, or the invitation
+    MessageBars* bars;
     ProblemBar* problemBar;
     StatusRow* statusRow;
     SlicedWork longWork;
