@@ -21,6 +21,8 @@ namespace tavrin {
 class HelpWindow;
 class PreviewPane;
 class ProgressPage;
+class RecipeClipboard;
+class RecipeLine;
 class SettingsPane;
 class StepsPane;
 class WindowCommands;
@@ -75,6 +77,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     /// Whether a dialog of this window is open.
     [[nodiscard]] bool isAsking() const;
     void dividerMoved();
+    void refreshRecipeLine();
 
     WindowServices shared;
     bool isInDropletEditMode = false;
@@ -92,10 +95,12 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     QTimer progressDelay;
     QPushButton* createDropletButton = nullptr;
     QPushButton* createFileListButton = nullptr;
+    RecipeLine* recipeLine = nullptr;
     QPushButton* okButton = nullptr;
     QToolButton* okMenuButton = nullptr;
     std::unique_ptr<WindowCommands> windowCommands;
     std::unique_ptr<HelpWindow> help;
+    std::unique_ptr<RecipeClipboard> recipeClipboard;
 };
 
 } // namespace tavrin
