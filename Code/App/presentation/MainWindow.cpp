@@ -5,6 +5,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/ProgressPage.h"
 #include "presentation/QtText.h"
+#include "presentation/Spoken.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/help/HelpWindow.h"
 #include "presentation/preview/PreviewPane.h"
@@ -112,6 +113,7 @@ QWidget* MainWindow::buildWorkPage() {
     line->setForegroundRole(QPalette::Mid);
     layout->addWidget(line);
     layout->addWidget(buildBottomRow());
+    new Spoken(page); // at a corner, in no layout
     return page;
 }
 

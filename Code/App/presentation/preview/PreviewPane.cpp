@@ -3,6 +3,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/FileBrowser.h"
+#include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
 #include "presentation/WindowCommands.h"
@@ -88,7 +89,7 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
       thumbnails(new ThumbnailLoader(this)), model(new PreviewTableModel(shared, *thumbnails, this)),
       view(new PreviewTableView(*model, controller.dndArrayController())),
       listBar(new ListBar(shared, windowCommands)), findBar(new FindBar(*view, *model)),
-      pages(new QStackedWidget), problemBar(new ProblemBar(windowCommands)),
+      pages(new QStackedWidget), bars(new MessageBars), problemBar(new ProblemBar(windowCommands)),
       statusRow(new StatusRow(controller)), longWork(controller.runLoop()) {
     setObjectName("previewPane");
     buildTable();
@@ -105,6 +106,7 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
     layout->addWidget(listBar);
     layout->addWidget(findBar);
     layout->addWidget(pages, 1);
+    layout->addWidget(bars);
     layout->addWidget(problemBar);
     layout->addWidget(statusRow);
     showPage(true);

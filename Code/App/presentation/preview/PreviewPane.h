@@ -19,6 +19,7 @@ namespace tavrin {
 
 class FindBar;
 class ListBar;
+class MessageBars;
 class ParameterBinding;
 class PreviewTableView;
 class ProblemBar;
@@ -48,6 +49,8 @@ class PreviewPane final : public QWidget {
     void selectPreviewTab(PreviewTab tab);
     /// A run has moved pictures to other names.
     void forgetPictures();
+    /// The messages below the list.
+    [[nodiscard]] MessageBars& messageBars() { return *bars; }
     void enterDropletEditMode();
 
     [[nodiscard]] std::vector<RowId> selection() const;
@@ -102,6 +105,7 @@ class PreviewPane final : public QWidget {
     ListBar* listBar;
     FindBar* findBar;
     QStackedWidget* pages; ///< the table, or the invitation
+    MessageBars* bars;
     ProblemBar* problemBar;
     StatusRow* statusRow;
     SlicedWork longWork;
