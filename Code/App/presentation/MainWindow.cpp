@@ -19,7 +19,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDialog>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFrame>
@@ -43,6 +42,7 @@ constexpr int paneMargin = 12;
 constexpr int leastSettingsWidth = 300;
 constexpr int firstSettingsWidth = 346;
 constexpr int leastPreviewWidth = 440;
+constexpr QSize questionWindowSize(640, 380);
 constexpr std::chrono::milliseconds patienceWithoutProgress(700);
 
 } // namespace
@@ -202,11 +202,6 @@ void MainWindow::enterDropletEditMode() {
     refreshRenameButton();
 }
 
-bool MainWindow::isAsking() const {
-    const QList<QDialog*> dialogs = findChildren<QDialog*>();
-    return std::ranges::any_of(dialogs, [](const QDialog* dialog) { return dialog->isVisible(); });
-}
-
 void MainWindow::buildProgressWindow() {
     // No button to close it: the run has one to stop it.
     progressWindow = new QWidget(this, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
@@ -219,13 +214,16 @@ void MainWindow::buildProgressWindow() {
     progress->show();
     progressWindow->resize(520, 300);
     progressWindow->setAttribute(Qt::WA_ShowWithoutActivating);
-    connect(&progressDelay, &QTimer::timeout, this, [this] {
-        // A question must not be covered.
-        if (isAsking())
-            return;
-        progressDelay.stop();
-        progressWindow->show();
-    });
+    progressDelay.setSingleShot(true);
+    connect(&progressDelay, &QTimer::timeout, progressWindow, &QWidget::show);
+}
+
+void MainWindow::showProgressWindow() {
+    if (!progressWindow)
+        buildProgressWindow();
+    progressDelay.stop();
+    progressWindow->resize(questionWindowSize.expandedTo(progressWindow->size()));
+    progressWindow->show();
 }
 
 void MainWindow::showProgressAlone(bool isRunning) {
@@ -237,6 +235,14 @@ void MainWindow::showProgressAlone(bool isRunning) {
     }
     progressDelay.stop();
     progressWindow->hide();
+}
+
+QuestionCard::Place MainWindow::questionPlace() {
+    if (!isVisible()) {
+        showProgressWindow();
+        return {*progressWindow};
+    }
+    return preview->questionPlace();
 }
 
 void MainWindow::centre() {
