@@ -254,6 +254,8 @@ std::size_t StoreContext::childCount(RowId folder) {
     return record == nullptr ? 0 : record->childCount;
 }
 
+RowId StoreContext::endOfRows() { return impl->store.access()->endOfRows(); }
+
 RowId StoreContext::nodeWithPath(std::string_view path) {
     const RowId folder = folderWithPath(path);
     return folder != noRow ? folder : fileWithPath(path);
