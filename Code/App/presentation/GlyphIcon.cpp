@@ -15,7 +15,9 @@ namespace {
 
 constexpr std::array fileNames{"add",     "remove",     "up",        "down",     "search",    "reset",
                                "help",    "renamed",    "unchanged", "distinct", "problem",   "files",
-                               "folders", "subfolders", "automatic", "byhand",   "file-item", "folder-item"};
+                               "folders", "subfolders", "automatic", "byhand",   "file-item", "folder-item",
+                               "check",   "pen",        "undo",      "redo",     "clock",     "left-out",
+                               "info",    "close",      "copy",      "text"};
 
 /// The drawings are black, which is put into another colour here.
 QByteArray drawingIn(Glyph glyph, const QColor& colour) {

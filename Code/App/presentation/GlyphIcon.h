@@ -27,6 +27,16 @@ enum class Glyph {
     byHand,
     fileItem, ///< for rows of lists, with finer lines
     folderItem,
+    check,
+    pen,
+    undo,
+    redo,
+    clock,
+    leftOut,
+    info,
+    close,
+    copy,
+    text,
 };
 
 struct GlyphIcon {

@@ -5,6 +5,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/ProgressPage.h"
 #include "presentation/QtText.h"
+#include "presentation/Spoken.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/help/HelpWindow.h"
 #include "presentation/preview/PreviewPane.h"
@@ -16,7 +17,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDialog>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFrame>
@@ -40,6 +40,7 @@ constexpr int paneMargin = 12;
 constexpr int leastSettingsWidth = 300;
 constexpr int firstSettingsWidth = 346;
 constexpr int leastPreviewWidth = 440;
+constexpr QSize questionWindowSize(640, 380);
 constexpr std::chrono::milliseconds patienceWithoutProgress(700);
 
 } // namespace
@@ -112,6 +113,7 @@ QWidget* MainWindow::buildWorkPage() {
     line->setForegroundRole(QPalette::Mid);
     layout->addWidget(line);
     layout->addWidget(buildBottomRow());
+    new Spoken(page); // at a corner, in no layout
     return page;
 }
 
@@ -189,11 +191,6 @@ void MainWindow::enterDropletEditMode() {
     refreshRenameButton();
 }
 
-bool MainWindow::isAsking() const {
-    const QList<QDialog*> dialogs = findChildren<QDialog*>();
-    return std::ranges::any_of(dialogs, [](const QDialog* dialog) { return dialog->isVisible(); });
-}
-
 void MainWindow::buildProgressWindow() {
     // No button to close it: the run has one to stop it.
     progressWindow = new QWidget(this, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
@@ -206,13 +203,16 @@ void MainWindow::buildProgressWindow() {
     progress->show();
     progressWindow->resize(520, 300);
     progressWindow->setAttribute(Qt::WA_ShowWithoutActivating);
-    connect(&progressDelay, &QTimer::timeout, this, [this] {
-        // A question must not be covered.
-        if (isAsking())
-            return;
-        progressDelay.stop();
-        progressWindow->show();
-    });
+    progressDelay.setSingleShot(true);
+    connect(&progressDelay, &QTimer::timeout, progressWindow, &QWidget::show);
+}
+
+void MainWindow::showProgressWindow() {
+    if (!progressWindow)
+        buildProgressWindow();
+    progressDelay.stop();
+    progressWindow->resize(questionWindowSize.expandedTo(progressWindow->size()));
+    progressWindow->show();
 }
 
 void MainWindow::showProgressAlone(bool isRunning) {
@@ -224,6 +224,14 @@ void MainWindow::showProgressAlone(bool isRunning) {
     }
     progressDelay.stop();
     progressWindow->hide();
+}
+
+QuestionCard::Place MainWindow::questionPlace() {
+    if (!isVisible()) {
+        showProgressWindow();
+        return {*progressWindow};
+    }
+    return preview->questionPlace();
 }
 
 void MainWindow::centre() {

@@ -2,6 +2,7 @@
 
 #include "engine/pipeline/ProgressInfo.h"
 #include "presentation/WindowServices.h"
+#include "presentation/cards/QuestionCard.h"
 #include "shell/asking/FrontEnd.h"
 
 #include <QMainWindow>
@@ -48,6 +49,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     /// is over by then.
     void showProgressAlone(bool isRunning);
     void centre();
+    /// Where a question of a run is put.
+    [[nodiscard]] QuestionCard::Place questionPlace();
     void showHelp(std::string_view anchor);
     /// The count on the rename button, and whether it is on.
     void refreshRenameButton();
@@ -71,9 +74,9 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void addByDialog(bool folders);
     void refreshCommands();
     void buildProgressWindow();
+    /// At once, with room for a question.
+    void showProgressWindow();
     void arrangeForWidth();
-    /// Whether a dialog of this window is open.
-    [[nodiscard]] bool isAsking() const;
     void dividerMoved();
 
     WindowServices shared;

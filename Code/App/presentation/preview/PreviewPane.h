@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
+#include "presentation/cards/QuestionCard.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/preview/SlicedWork.h"
@@ -18,6 +19,7 @@ namespace tavrin {
 
 class FindBar;
 class ListBar;
+class MessageBars;
 class ParameterBinding;
 class PreviewTableView;
 class ProblemBar;
@@ -47,6 +49,8 @@ class PreviewPane final : public QWidget {
     void selectPreviewTab(PreviewTab tab);
     /// A run has moved pictures to other names.
     void forgetPictures();
+    /// The messages below the list.
+    [[nodiscard]] MessageBars& messageBars() { return *bars; }
     void enterDropletEditMode();
 
     [[nodiscard]] std::vector<RowId> selection() const;
@@ -59,6 +63,9 @@ class PreviewPane final : public QWidget {
     void goToProblem(bool forward);
     /// "current name, tab, new name" of the selected rows to the clipboard.
     void copySelected();
+
+    /// Where a question of a run is put: over the list, beside its rows.
+    [[nodiscard]] QuestionCard::Place questionPlace();
 
   signals:
     void selectionChanged();
@@ -86,6 +93,8 @@ class PreviewPane final : public QWidget {
     /// Where these rows are now.
     [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
     void goTo(int row);
+    void revealForQuestion(const std::string& path);
+    [[nodiscard]] std::vector<QRect> rowsInView(const QuestionText::Rows& rows) const;
 
     const WindowServices services;
     MainController& controller;
@@ -96,6 +105,7 @@ class PreviewPane final : public QWidget {
     ListBar* listBar;
     FindBar* findBar;
     QStackedWidget* pages; ///< the table, or the invitation
+    MessageBars* bars;
     ProblemBar* problemBar;
     StatusRow* statusRow;
     SlicedWork longWork;

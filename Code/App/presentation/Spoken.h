@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QLabel>
+
+namespace tavrin {
+
+/// What a screen reader is to say although nothing that has the focus has changed. An almost invisible label
+/// that plays the part of a notification coming up, which is what readers tell with this version of Qt. The
+/// window has one. Main thread.
+class Spoken final : public QLabel {
+    Q_OBJECT
+
+  public:
+    explicit Spoken(QWidget* parent);
+    ~Spoken() override;
+
+    /// Says a text, which takes the place of one that is still being read; nothing where no window stands.
+    static void say(const QString& text);
+    /// What was said last.
+    [[nodiscard]] static QString lastSaid();
+    /// Has widgets of this class come up as notifications with their accessible names, without the focus.
+    /// To be called before the first of them is asked for its interface.
+    static void playNotification(const QString& className);
+    /// Tells that a widget of such a class has come up.
+    static void tellShown(QWidget& widget);
+};
+
+} // namespace tavrin
