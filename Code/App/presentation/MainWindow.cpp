@@ -11,6 +11,8 @@
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/start/FileAddress.h"
+#include "presentation/steps/RecipeClipboard.h"
+#include "presentation/steps/RecipeLine.h"
 #include "presentation/steps/StepsPane.h"
 #include "shell/MainController.h"
 
@@ -66,6 +68,8 @@ MainWindow::MainWindow(const WindowServices& services)
         if (shared.controller.previewControl().isPreviewEmpty())
             addByDialog(false);
     });
+    recipeClipboard =
+        std::make_unique<RecipeClipboard>(shared, *windowCommands, preview->messageBars(), *steps, *preview);
     setMinimumSize(640, 520);
     resize(1180, 760);
     shared.controller.progressInfo().setObserver(this);
@@ -128,6 +132,12 @@ QWidget* MainWindow::buildBottomRow() {
     okButton = new ProminentButton(tr("&Rename"));
     okButton->setObjectName("okButton");
     okButton->setDefault(true);
+    recipeLine = new RecipeLine;
+    recipeLine->setVisible(windowCommands->showRecipeLine->isChecked());
+    connect(windowCommands->showRecipeLine, &QAction::toggled, recipeLine, [this](bool isShown) {
+        recipeLine->setVisible(isShown);
+        refreshRecipeLine();
+    });
     okMenuButton = new MenuButton;
     okMenuButton->setObjectName("okMenuButton");
     okMenuButton->setAccessibleName(tr("More ways to rename"));
@@ -135,6 +145,7 @@ QWidget* MainWindow::buildBottomRow() {
     okMenuButton->setArrowType(Qt::DownArrow);
     layout->addWidget(createDropletButton);
     layout->addWidget(createFileListButton);
+    layout->addWidget(recipeLine, 100);
     layout->addStretch(1);
     layout->addWidget(okButton);
     layout->addWidget(okMenuButton);
@@ -259,7 +270,15 @@ void MainWindow::refreshRenameButton() {
     refreshCommands();
 }
 
-void MainWindow::refreshCommands() { windowCommands->refresh(preview->selection()); }
+void MainWindow::refreshCommands() {
+    windowCommands->refresh(preview->selection());
+    refreshRecipeLine();
+}
+
+void MainWindow::refreshRecipeLine() {
+    if (windowCommands->showRecipeLine->isChecked())
+        recipeLine->setRecipe(toQString(shared.controller.recipeCommands().line()));
+}
 
 void MainWindow::setPreviewDue(bool isDue) {
     isPreviewDue = isDue;
@@ -323,7 +342,9 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 void MainWindow::dropEvent(QDropEvent* event) {
     const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
     event->setAccepted(!paths.empty());
-    if (paths.empty())
+    const QWidget* target = childAt(event->position().toPoint());
+    const bool isOnSteps = target && (target == steps || steps->isAncestorOf(target));
+    if (paths.empty() || (isOnSteps && recipeClipboard->openDropped(paths)))
         return;
     shared.controller.addFilePaths(paths, true);
     shared.controller.previewControl().showPreview();

@@ -22,6 +22,8 @@ namespace tavrin {
 class HelpWindow;
 class PreviewPane;
 class ProgressPage;
+class RecipeClipboard;
+class RecipeLine;
 class SettingsPane;
 class StepsPane;
 class WindowCommands;
@@ -78,6 +80,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void showProgressWindow();
     void arrangeForWidth();
     void dividerMoved();
+    void refreshRecipeLine();
 
     WindowServices shared;
     bool isInDropletEditMode = false;
@@ -95,10 +98,12 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     QTimer progressDelay;
     QPushButton* createDropletButton = nullptr;
     QPushButton* createFileListButton = nullptr;
+    RecipeLine* recipeLine = nullptr;
     QPushButton* okButton = nullptr;
     QToolButton* okMenuButton = nullptr;
     std::unique_ptr<WindowCommands> windowCommands;
     std::unique_ptr<HelpWindow> help;
+    std::unique_ptr<RecipeClipboard> recipeClipboard;
 };
 
 } // namespace tavrin

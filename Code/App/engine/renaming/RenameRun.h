@@ -7,6 +7,7 @@
 #include "engine/renaming/RenameObserver.h"
 #include "engine/renaming/RenamePrimitives.h"
 #include "engine/renaming/RunFolders.h"
+#include "engine/renaming/RunOutcomes.h"
 #include "store/queries/FilterManager.h"
 
 #include <cstdint>
