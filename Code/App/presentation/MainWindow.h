@@ -48,6 +48,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     /// is over by then.
     void showProgressAlone(bool isRunning);
     void centre();
+    /// Gives the list the width that it had last, where anyone has given it one.
+    void restorePaneWidth();
     void showHelp(std::string_view anchor);
     /// The count on the rename button, and whether it is on.
     void refreshRenameButton();
@@ -59,7 +61,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    /// Of the progress window: to close it is to close this one.
+    /// Of the progress window: to close it is to close this one. Of the list: its width is remembered.
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -71,7 +73,11 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void addByDialog(bool folders);
     void refreshCommands();
     void buildProgressWindow();
-    void arrangeForWidth();
+    void arrangeForSize();
+    void arrangeBottomRow();
+    void rememberPaneWidth();
+    /// Back onto a screen, if its own has gone or become smaller.
+    void returnToScreen();
     /// Whether a dialog of this window is open.
     [[nodiscard]] bool isAsking() const;
     void dividerMoved();
@@ -82,6 +88,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     bool isMovingDivider = false;
     bool asksForFolders = false;
     QStackedWidget* mainTabView = nullptr;
+    QWidget* bottomRow = nullptr;
     QSplitter* outerSplitter = nullptr;
     QSplitter* innerSplitter = nullptr;
     StepsPane* steps = nullptr;
