@@ -146,28 +146,33 @@ TEST_F(DialogTests, ShowWholeReasonsAndCountAllFailures) {
     }
 }
 
-// No question offers an answer that it does not allow, and each offers all that it does.
+// No question offers an answer that it does not allow, and each offers all that it does. One card serves them
+// all.
 TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
     start();
     using enum ConfirmationChoice;
     const std::pair<const char*, ConfirmationChoice> buttons[] = {
         {"confirmOne", one}, {"confirmAll", all}, {"leaveOut", leaveOut}, {"confirmStop", stop}};
     const RunQuestion questions[] = {RenameQuestion(), SwapQuestion(), NameCycleQuestion(), ProblemReport()};
+    QuestionCard card;
     for (const RunQuestion& question : questions)
         for (const auto& [name, choice] : buttons) {
             std::optional<ConfirmationChoice> given;
-            Dialogs::ask(&application->window(), question, false,
-                         [&](ConfirmationChoice answer) { given = answer; });
-            QWidget* button = findWidget(name);
-            const bool isOffered = button && button->isVisible();
+            card.ask({*find("listPages")}, question, false,
+                     [&](ConfirmationChoice answer) { given = answer; });
+            const auto cards = Card::in(application->window());
+            ASSERT_EQ(cards.size(), 1);
+            EXPECT_FALSE(application->window().menuBar()->isEnabled());
+            const bool isOffered = cards.front()->findChild<QWidget*>(name) != nullptr;
             EXPECT_EQ(isOffered, std::ranges::count(allowedAnswers(question), choice) == 1) << name;
             if (isOffered)
                 click(name);
             else
-                find<QDialog>("reportProblemWindow")->reject();
+                cards.front()->withdraw();
             EXPECT_EQ(given, isOffered ? choice : stop);
-            waitUntilGone("confirmStop");
         }
+    waitUntilGone("reportProblemWindow");
+    EXPECT_TRUE(application->window().menuBar()->isEnabled());
 }
 
 TEST_F(DialogTests, OpenHelpWhereverTheCodePointsTo) {

@@ -1,5 +1,6 @@
 #include "common/Recipes.h"
 #include "presentation/WindowFixture.h"
+#include "presentation/cards/Card.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableView.h"
 #include "presentation/steps/StepsModel.h"
@@ -72,22 +73,31 @@ TEST_F(MainRoad, IsDeafToKeysForAMomentAfterAQuestionHasOpened) {
     startWithThreeFiles();
     set("interactiveMode", 1);
     click("okButton");
-    auto* sheet = waitFor("confirmRenameWindow");
-    QTest::keyClick(sheet, Qt::Key_Return);
-    QTest::keyClick(sheet, Qt::Key_Escape);
-    EXPECT_TRUE(sheet->isVisible());
-    const QPointer<QWidget> first(sheet);
-    waitUntil("a key is heard", [&] {
-        QTest::keyClick(first, Qt::Key_Return);
-        return !first || !first->isVisible();
-    });
-    waitUntil("the next question", [&] {
-        const QWidget* next = findWidget("confirmRenameWindow");
-        return next && next != first && next->isVisible();
-    });
+    const QPointer<QWidget> card(waitFor("confirmRenameWindow"));
+    const auto strike = [](Qt::Key key, bool isHeld) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, "\r", isHeld);
+        QApplication::sendEvent(QApplication::focusWidget(), &press);
+    };
+    const auto description = [&] { return card->accessibleDescription(); };
+    const QString first = description();
+    strike(Qt::Key_Return, false);
+    strike(Qt::Key_Escape, false);
+    waitUntil("it listens", [&] { return !qobject_cast<Card*>(card)->isDeaf(); });
+    strike(Qt::Key_Return, true);
+    EXPECT_EQ(description(), first);
+    strike(Qt::Key_Return, false);
+    waitUntil("the next question", [&] { return description() != first; });
+    strike(Qt::Key_Return, true);
+    strike(Qt::Key_Return, false);
     EXPECT_EQ(filesOnDisk(), (Names{"Image_01.txt", "b.txt", "c.txt"}));
+    // Tab stays in the card.
+    for (int i = 0; i < 9; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        EXPECT_TRUE(card->isAncestorOf(QApplication::focusWidget()));
+    }
     click("confirmStop");
     waitForEndOfRun();
+    EXPECT_EQ(filesOnDisk().size(), 3U);
 }
 
 // What is on show may be a part of the list: what is done to a row hits that row, and no other.

@@ -1,6 +1,7 @@
 #include "presentation/WindowFixture.h"
 
 #include "actions/ActionList.h"
+#include "presentation/cards/Card.h"
 
 namespace tavrin::test {
 
@@ -32,6 +33,8 @@ QWidget* WindowFixture::findWidget(const char* name) {
 void WindowFixture::click(const char* name) {
     auto* button = find<QAbstractButton>(name);
     ASSERT_TRUE(button->isEnabled()) << name;
+    for (const Card* card : Card::in(*button->window()))
+        waitUntil("the card listens", [card] { return !card->isDeaf(); });
     QTest::mouseClick(button, Qt::LeftButton);
 }
 

@@ -4,7 +4,6 @@
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AlertPicture.h"
 #include "presentation/dialogs/AnswerOnce.h"
-#include "presentation/dialogs/ConfirmationSheetWindow.h"
 #include "presentation/dialogs/ErrorWindow.h"
 #include "shell/MainController.h"
 
@@ -209,12 +208,6 @@ void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<voi
         once({clicked == buttons.end() ? closed : clicked->second, check && check->isChecked()});
     });
     box->open();
-}
-
-void Dialogs::ask(QWidget* parent, const RunQuestion& question, bool thumbnails,
-                  std::function<void(ConfirmationChoice)> answer) {
-    auto* window = new ConfirmationSheetWindow(parent, question, thumbnails, std::move(answer));
-    window->open();
 }
 
 void Dialogs::showProcessingErrors(QWidget* parent, const FailureReport& report,

@@ -12,13 +12,14 @@
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/start/FileAddress.h"
+#include "presentation/steps/RecipeClipboard.h"
+#include "presentation/steps/RecipeLine.h"
 #include "presentation/steps/StepsPane.h"
 #include "shell/MainController.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDialog>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFrame>
@@ -47,6 +48,7 @@ constexpr int leastPreviewWidth = 440;
 constexpr int leastStepsWidth = 176;
 constexpr int firstStepsWidth = 216;
 constexpr int mostStepsWidth = 320;
+constexpr QSize questionWindowSize(640, 380);
 constexpr std::chrono::milliseconds patienceWithoutProgress(700);
 
 } // namespace
@@ -72,6 +74,8 @@ MainWindow::MainWindow(const WindowServices& services)
         if (shared.controller.previewControl().isPreviewEmpty())
             addByDialog(false);
     });
+    recipeClipboard =
+        std::make_unique<RecipeClipboard>(shared, *windowCommands, preview->messageBars(), *steps, *preview);
     setMinimumSize(WindowPlace::least);
     resize(WindowPlace::first(screen()->availableGeometry()).size());
     connect(qApp, &QGuiApplication::screenRemoved, this, &MainWindow::returnToScreen, Qt::QueuedConnection);
@@ -131,6 +135,12 @@ QWidget* MainWindow::buildBottomRow() {
     okButton = new ProminentButton(tr("&Rename"));
     okButton->setObjectName("okButton");
     okButton->setDefault(true);
+    recipeLine = new RecipeLine;
+    recipeLine->setVisible(windowCommands->showRecipeLine->isChecked());
+    connect(windowCommands->showRecipeLine, &QAction::toggled, recipeLine, [this](bool isShown) {
+        recipeLine->setVisible(isShown);
+        refreshRecipeLine();
+    });
     okMenuButton = new MenuButton;
     okMenuButton->setObjectName("okMenuButton");
     okMenuButton->setAccessibleName(tr("More ways to rename"));
@@ -138,6 +148,7 @@ QWidget* MainWindow::buildBottomRow() {
     okMenuButton->setArrowType(Qt::DownArrow);
     layout->addWidget(createDropletButton);
     layout->addWidget(createFileListButton);
+    layout->addWidget(recipeLine, 100);
     layout->addStretch(1);
     layout->addWidget(okButton);
     layout->addWidget(okMenuButton);
@@ -188,17 +199,10 @@ void MainWindow::fillPresetMenu(const std::vector<std::u16string>& titles) {
 void MainWindow::enterDropletEditMode() {
     isInDropletEditMode = true;
     setWindowTitle(tr("Editing Rename Droplet"));
-    createDropletButton->hide();
-    createFileListButton->hide();
     windowCommands->enterDropletEditMode();
     settings->enterDropletEditMode();
     preview->enterDropletEditMode();
     refreshRenameButton();
-}
-
-bool MainWindow::isAsking() const {
-    const QList<QDialog*> dialogs = findChildren<QDialog*>();
-    return std::ranges::any_of(dialogs, [](const QDialog* dialog) { return dialog->isVisible(); });
 }
 
 void MainWindow::buildProgressWindow() {
@@ -213,13 +217,16 @@ void MainWindow::buildProgressWindow() {
     progress->show();
     progressWindow->resize(520, 300);
     progressWindow->setAttribute(Qt::WA_ShowWithoutActivating);
-    connect(&progressDelay, &QTimer::timeout, this, [this] {
-        // A question must not be covered.
-        if (isAsking())
-            return;
-        progressDelay.stop();
-        progressWindow->show();
-    });
+    progressDelay.setSingleShot(true);
+    connect(&progressDelay, &QTimer::timeout, progressWindow, &QWidget::show);
+}
+
+void MainWindow::showProgressWindow() {
+    if (!progressWindow)
+        buildProgressWindow();
+    progressDelay.stop();
+    progressWindow->resize(questionWindowSize.expandedTo(progressWindow->size()));
+    progressWindow->show();
 }
 
 void MainWindow::showProgressAlone(bool isRunning) {
@@ -231,6 +238,14 @@ void MainWindow::showProgressAlone(bool isRunning) {
     }
     progressDelay.stop();
     progressWindow->hide();
+}
+
+QuestionCard::Place MainWindow::questionPlace() {
+    if (!isVisible()) {
+        showProgressWindow();
+        return {*progressWindow};
+    }
+    return preview->questionPlace();
 }
 
 void MainWindow::centre() {
@@ -268,7 +283,15 @@ void MainWindow::refreshRenameButton() {
     refreshCommands();
 }
 
-void MainWindow::refreshCommands() { windowCommands->refresh(preview->selection()); }
+void MainWindow::refreshCommands() {
+    windowCommands->refresh(preview->selection());
+    refreshRecipeLine();
+}
+
+void MainWindow::refreshRecipeLine() {
+    if (windowCommands->showRecipeLine->isChecked())
+        recipeLine->setRecipe(toQString(shared.controller.recipeCommands().line()));
+}
 
 void MainWindow::setPreviewDue(bool isDue) {
     isPreviewDue = isDue;
@@ -369,7 +392,9 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 void MainWindow::dropEvent(QDropEvent* event) {
     const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
     event->setAccepted(!paths.empty());
-    if (paths.empty())
+    const QWidget* target = childAt(event->position().toPoint());
+    const bool isOnSteps = target && (target == steps || steps->isAncestorOf(target));
+    if (paths.empty() || (isOnSteps && recipeClipboard->openDropped(paths)))
         return;
     shared.controller.addFilePaths(paths, true);
     shared.controller.previewControl().showPreview();

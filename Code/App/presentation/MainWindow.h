@@ -2,6 +2,7 @@
 
 #include "engine/pipeline/ProgressInfo.h"
 #include "presentation/WindowServices.h"
+#include "presentation/cards/QuestionCard.h"
 #include "shell/asking/FrontEnd.h"
 
 #include <QMainWindow>
@@ -21,6 +22,8 @@ namespace tavrin {
 class HelpWindow;
 class PreviewPane;
 class ProgressPage;
+class RecipeClipboard;
+class RecipeLine;
 class SettingsPane;
 class StepsPane;
 class WindowCommands;
@@ -50,6 +53,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void centre();
     /// Gives the list the width that it had last, where anyone has given it one.
     void restorePaneWidth();
+    /// Where a question of a run is put.
+    [[nodiscard]] QuestionCard::Place questionPlace();
     void showHelp(std::string_view anchor);
     /// The count on the rename button, and whether it is on.
     void refreshRenameButton();
@@ -78,9 +83,10 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void rememberPaneWidth();
     /// Back onto a screen, if its own has gone or become smaller.
     void returnToScreen();
-    /// Whether a dialog of this window is open.
-    [[nodiscard]] bool isAsking() const;
+    /// At once, with room for a question.
+    void showProgressWindow();
     void dividerMoved();
+    void refreshRecipeLine();
 
     WindowServices shared;
     bool isInDropletEditMode = false;
@@ -99,10 +105,12 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     QTimer progressDelay;
     QPushButton* createDropletButton = nullptr;
     QPushButton* createFileListButton = nullptr;
+    RecipeLine* recipeLine = nullptr;
     QPushButton* okButton = nullptr;
     QToolButton* okMenuButton = nullptr;
     std::unique_ptr<WindowCommands> windowCommands;
     std::unique_ptr<HelpWindow> help;
+    std::unique_ptr<RecipeClipboard> recipeClipboard;
 };
 
 } // namespace tavrin

@@ -4,6 +4,7 @@
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
+#include "presentation/QtText.h"
 #include "presentation/WindowMemory.h"
 #include "presentation/dialogs/LocateDialogs.h"
 #include "presentation/dialogs/SaveListDialog.h"
@@ -52,13 +53,32 @@ void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer
 
 void QtFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
     if (const std::optional<Alert> alert = alertOf(question)) {
-        showAlert(*alert, [choices = allowedAnswers(question),
-                           answer = std::move(answer)](AlertAnswer given) { answer(choices[given.button]); });
+        const auto given = [choices = allowedAnswers(question), answer = std::move(answer)](
+                               AlertAnswer chosen) { answer(choices[chosen.button]); };
+        if (window && !std::holds_alternative<PipelineFailure>(question))
+            showAsCard(*alert, given);
+        else
+            showAlert(*alert, given);
         return;
     }
+    if (!window)
+        return;
     const bool thumbnails =
-        !window || window->services().controller.globalSettings().values().shouldShowQuickLookThumbnail;
-    Dialogs::ask(window, question, thumbnails, std::move(answer));
+        window->services().controller.globalSettings().values().shouldShowQuickLookThumbnail != 0;
+    questionCard.ask(window->questionPlace(), question, thumbnails, std::move(answer));
+}
+
+/// An alert names the default first and what does least last; a card has them the other way round.
+void QtFrontEnd::showAsCard(const Alert& alert, std::function<void(AlertAnswer)> answer) {
+    CardContent content{"alertCard", toQString(alert.title), toQString(alert.text)};
+    const std::size_t last = alert.buttons.size() - 1;
+    for (std::size_t i = 0; i <= last; ++i)
+        content.buttons.push_back(
+            {QString("cardButton%1").arg(last - i), toQString(alert.buttons[last - i])});
+    content.defaultButton = last;
+    Card::open(window->questionPlace().over, content, [last, answer = std::move(answer)](std::size_t button) {
+        answer({last - button, false});
+    });
 }
 
 void QtFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
@@ -72,6 +92,9 @@ void QtFrontEnd::withdrawQuestions() {
     for (QDialog* dialog : window->findChildren<QDialog*>())
         if (dialog->isVisible())
             dialog->reject();
+    for (Card* card : window->findChildren<Card*>())
+        if (card->isAsking())
+            card->withdraw();
 }
 
 void QtFrontEnd::askForFilesToAdd(const std::string& startFolder,

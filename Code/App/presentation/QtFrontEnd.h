@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/cards/QuestionCard.h"
 #include "shell/asking/FrontEnd.h"
 
 #include <QObject>
@@ -75,8 +76,11 @@ class QtFrontEnd final : public FrontEnd {
     void whenShown(std::function<void()> action);
     [[nodiscard]] bool isRunningDroplet() const;
     void terminateWhenAllIsRead();
+    /// An alert as a card of the window.
+    void showAsCard(const Alert& alert, std::function<void(AlertAnswer)> answer);
 
     MainWindow* window = nullptr;
+    QuestionCard questionCard;
     std::unique_ptr<AddressFetcher> fetcher;                      ///< made when it is first needed
     std::unique_ptr<QObject> later = std::make_unique<QObject>(); ///< what is to be shown later goes with it
 };

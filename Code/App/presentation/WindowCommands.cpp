@@ -140,8 +140,8 @@ void WindowCommands::addFileMenu() {
 
 void WindowCommands::addEditMenu() {
     QMenu* menu = addMenu(tr("&Edit"));
-    addForText(menu, "undo", tr("&Undo"), QKeySequence::Undo);
-    addForText(menu, "redo", tr("&Redo"), QKeySequence::Redo);
+    addForText(menu, "undo", tr("&Undo"), QKeySequence::Undo, &WindowCommands::undoRequested);
+    addForText(menu, "redo", tr("&Redo"), QKeySequence::Redo, &WindowCommands::redoRequested);
     menu->addSeparator();
     addTakeBacks(menu);
     menu->addSeparator();
@@ -224,6 +224,9 @@ void WindowCommands::addStepsMenu() {
         chain.getCurrentAction().setValue(isActive ? 1 : 0, "active");
     });
     stepActive->setCheckable(true);
+    menu->addSeparator();
+    copyAsCommand = add(menu, "copyAsCommand", tr("Copy as &Command"), QKeySequence("Ctrl+Shift+C"));
+    copySteps = add(menu, "copySteps", tr("Copy Steps as &Text"));
 }
 
 void WindowCommands::addViewMenu() {
@@ -239,6 +242,10 @@ void WindowCommands::addViewMenu() {
     showInvisibles = add(menu, "showInvisibles", tr("&Invisible Characters"), QKeySequence("Ctrl+I"),
                          [this](bool areShown) { services.defaults.setObject("showInvisibles", areShown); });
     showInvisibles->setCheckable(true);
+    showRecipeLine = add(menu, "showRecipeLine", tr("&Recipe Line"), {},
+                         [this](bool isShown) { services.defaults.setObject("showRecipeLine", isShown); });
+    showRecipeLine->setCheckable(true);
+    showRecipeLine->setChecked(services.defaults.boolForKey("showRecipeLine"));
     menu->addSeparator();
     processFiles = addSetting(menu, "processFiles", tr("F&iles"));
     processFolders = addSetting(menu, "processFolders", tr("Fol&ders"));
@@ -268,6 +275,7 @@ void WindowCommands::addPresetsMenu() {
                        QKeySequence("Ctrl+S"), [this] { PresetDialog::saveAsPreset(&window, services); });
     add(presetsMenu, "organizePresets", tr("&Organize Presets…"), QKeySequence("Ctrl+Shift+S"),
         [this] { OrganizePresetsDialog::open(&window, services); });
+    openRecipe = add(presetsMenu, "openRecipe", tr("Open &Recipe…"));
     presetsMenu->addSeparator();
     add(presetsMenu, "migratePresets", tr("&Migrate Presets"), {},
         [&controller] { controller.migratePresets(); });

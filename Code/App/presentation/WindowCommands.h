@@ -59,6 +59,10 @@ class WindowCommands final : public QObject {
     QAction* nudgeActionUp;
     QAction* nudgeActionDown;
     QAction* stepActive;
+    QAction* copyAsCommand;
+    QAction* copySteps;
+    QAction* openRecipe;
+    QAction* showRecipeLine;
     QAction* showAllItems;
     QAction* showItemsToBeRenamed;
     QAction* showProblems;
@@ -73,6 +77,9 @@ class WindowCommands final : public QObject {
     /// Copying and pasting while no field of text has the focus, so that it is about the list.
     void rowsCopied();
     void filesPasted();
+    /// The same of the keys that undo and redo in text.
+    void undoRequested();
+    void redoRequested();
 
   private:
     QAction* add(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys = {});

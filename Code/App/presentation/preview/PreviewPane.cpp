@@ -392,6 +392,50 @@ void PreviewPane::goTo(int row) {
     view->setFocus();
 }
 
+// --- Questions ---
+
+QuestionCard::Place PreviewPane::questionPlace() {
+    return {*pages,
+            [this] {
+                QWidget* viewport = view->viewport();
+                return pages->currentWidget() == view
+                           ? QRect(viewport->mapTo(pages, QPoint()), viewport->size())
+                           : pages->rect();
+            },
+            [this](const std::string& path) { revealForQuestion(path); },
+            [this](const QuestionText::Rows& rows) { return rowsInView(rows); }};
+}
+
+/// Into the upper third, so that there is room for the card below.
+void PreviewPane::revealForQuestion(const std::string& path) {
+    const auto row = model->rowOf(controller.nodeController().rowWithPath(path));
+    if (!row)
+        return;
+    const QModelIndex index = model->index(*row, PreviewTableModel::currentName);
+    const int inView = view->viewport()->height() / std::max(1, view->rowHeight(*row));
+    const QRect place = view->visualRect(index);
+    if (place.top() >= 0 && place.bottom() < view->viewport()->height() / 3)
+        return;
+    view->scrollTo(model->index(std::max(0, *row - inView / 6), PreviewTableModel::currentName),
+                   QAbstractItemView::PositionAtTop);
+}
+
+std::vector<QRect> PreviewPane::rowsInView(const QuestionText::Rows& rows) const {
+    std::vector<QRect> places;
+    const QWidget* viewport = view->viewport();
+    if (pages->currentWidget() != view)
+        return places;
+    for (int row = view->rowAt(0); row >= 0 && row < model->rowCount(); ++row) {
+        const QRect place(0, view->rowViewportPosition(row), viewport->width(), view->rowHeight(row));
+        if (place.top() >= viewport->height())
+            break;
+        if (rows.hold(model->rowAt(row).fullPath))
+            places.push_back(place.translated(viewport->mapTo(pages, QPoint())) &
+                             QRect(viewport->mapTo(pages, QPoint()), viewport->size()));
+    }
+    return places;
+}
+
 void PreviewPane::removeSelected() {
     const std::vector<RowId> selected = selection();
     if (controller.validateUserInterfaceItem() && controller.sourceCommands().canRemove(selected))

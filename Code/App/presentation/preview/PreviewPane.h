@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
+#include "presentation/cards/QuestionCard.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/preview/SlicedWork.h"
@@ -67,6 +68,9 @@ class PreviewPane final : public QWidget {
     /// "current name, tab, new name" of the selected rows to the clipboard.
     void copySelected();
 
+    /// Where a question of a run is put: over the list, beside its rows.
+    [[nodiscard]] QuestionCard::Place questionPlace();
+
   signals:
     void selectionChanged();
     /// One of the beginnings that an empty list offers has been chosen.
@@ -93,6 +97,8 @@ class PreviewPane final : public QWidget {
     /// Where these rows are now.
     [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
     void goTo(int row);
+    void revealForQuestion(const std::string& path);
+    [[nodiscard]] std::vector<QRect> rowsInView(const QuestionText::Rows& rows) const;
 
     const WindowServices services;
     MainController& controller;
