@@ -339,8 +339,14 @@ TEST_F(Ending, RemembersTheShapeOfTheWindow) {
     };
     const auto settingsWidth = [this] { return find<QSplitter>("innerSplitter")->sizes().front(); };
     application->window().resize(1000, 640);
-    find<QSplitter>("innerSplitter")->setSizes({420, 580});
     waitForPreview();
+    auto* handle = find<QSplitter>("innerSplitter")->handle(1);
+    const QPoint grip = handle->rect().center();
+    QTest::mousePress(handle, Qt::LeftButton, {}, grip);
+    QTest::mouseMove(handle, grip + QPoint(74, 0));
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, grip + QPoint(74, 0));
+    EXPECT_FALSE(controller().previewControl().isPreviewPending());
+    EXPECT_EQ(controller().globalSettings().values().previewPaneWidth, find("previewPane")->width());
     const int narrow = widthOf(PreviewTableModel::newName);
     find<QTableView>("previewTableView")->setColumnWidth(PreviewTableModel::currentName, 3 * narrow);
     application->window().previewPane().sizeColumnsToFit();

@@ -51,6 +51,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     /// is over by then.
     void showProgressAlone(bool isRunning);
     void centre();
+    /// Gives the list the width that it had last, where anyone has given it one.
+    void restorePaneWidth();
     /// Where a question of a run is put.
     [[nodiscard]] QuestionCard::Place questionPlace();
     void showHelp(std::string_view anchor);
@@ -64,7 +66,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    /// Of the progress window: to close it is to close this one.
+    /// Of the progress window: to close it is to close this one. Of the list: its width is remembered.
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -76,9 +78,13 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void addByDialog(bool folders);
     void refreshCommands();
     void buildProgressWindow();
+    void arrangeForSize();
+    void arrangeBottomRow();
+    void rememberPaneWidth();
+    /// Back onto a screen, if its own has gone or become smaller.
+    void returnToScreen();
     /// At once, with room for a question.
     void showProgressWindow();
-    void arrangeForWidth();
     void dividerMoved();
     void refreshRecipeLine();
 
@@ -88,6 +94,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     bool isMovingDivider = false;
     bool asksForFolders = false;
     QStackedWidget* mainTabView = nullptr;
+    QWidget* bottomRow = nullptr;
     QSplitter* outerSplitter = nullptr;
     QSplitter* innerSplitter = nullptr;
     StepsPane* steps = nullptr;

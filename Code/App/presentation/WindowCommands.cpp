@@ -97,7 +97,8 @@ QAction* WindowCommands::addForText(QMenu* menu, const char* slot, const QString
 }
 
 /// A tick that stands for a global setting of 1 or 0.
-void WindowCommands::addSetting(QMenu* menu, const char* key, const QString& text, const QKeySequence& keys) {
+QAction* WindowCommands::addSetting(QMenu* menu, const char* key, const QString& text,
+                                    const QKeySequence& keys) {
     QAction* action = add(menu, key, text, keys);
     action->setCheckable(true);
     settings.push_back(std::make_unique<ParameterBinding>(
@@ -105,6 +106,7 @@ void WindowCommands::addSetting(QMenu* menu, const char* key, const QString& tex
         [action](const auto& value) { action->setChecked(value && intValue(*value) != 0); }));
     connect(action, &QAction::triggered, this,
             [binding = settings.back().get()](bool isOn) { binding->write(isOn ? 1 : 0); });
+    return action;
 }
 
 void WindowCommands::addFileMenu() {
@@ -245,9 +247,9 @@ void WindowCommands::addViewMenu() {
     showRecipeLine->setCheckable(true);
     showRecipeLine->setChecked(services.defaults.boolForKey("showRecipeLine"));
     menu->addSeparator();
-    addSetting(menu, "processFiles", tr("F&iles"));
-    addSetting(menu, "processFolders", tr("Fol&ders"));
-    addSetting(menu, "processSubfolders", tr("Process &Subfolders and Their Contents"));
+    processFiles = addSetting(menu, "processFiles", tr("F&iles"));
+    processFolders = addSetting(menu, "processFolders", tr("Fol&ders"));
+    processSubfolders = addSetting(menu, "processSubfolders", tr("Process &Subfolders and Their Contents"));
     menu->addSeparator();
     showAllItems = add(menu, "showAllItems", tr("Show &All Items"), QKeySequence("Ctrl+1"));
     showItemsToBeRenamed =

@@ -68,6 +68,9 @@ class WindowCommands final : public QObject {
     QAction* showProblems;
     QAction* moveRowUp;
     QAction* moveRowDown;
+    QAction* processFiles;
+    QAction* processFolders;
+    QAction* processSubfolders;
     QAction* showHelpOnAction;
 
   signals:
@@ -84,7 +87,7 @@ class WindowCommands final : public QObject {
     QAction* add(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys, Effect effect);
     QAction* addForText(QMenu* menu, const char* slot, const QString& text, QKeySequence::StandardKey keys,
                         void (WindowCommands::*otherwise)() = nullptr);
-    void addSetting(QMenu* menu, const char* key, const QString& text, const QKeySequence& keys = {});
+    QAction* addSetting(QMenu* menu, const char* key, const QString& text, const QKeySequence& keys = {});
     QMenu* addMenu(const QString& title);
     void addFileMenu();
     void addEditMenu();
