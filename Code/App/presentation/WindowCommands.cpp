@@ -27,6 +27,8 @@
 #include <QMessageBox>
 #include <QMetaMethod>
 #include <QUrl>
+#include <algorithm>
+#include <array>
 
 namespace tavrin {
 
@@ -255,6 +257,9 @@ void WindowCommands::addViewMenu() {
     showItemsToBeRenamed =
         add(menu, "showItemsToBeRenamed", tr("Items to &Be Renamed"), QKeySequence("Ctrl+2"));
     showProblems = add(menu, "showProblems", tr("&Problems"), QKeySequence("Ctrl+3"));
+    showNotRenamed = add(menu, "showNotRenamed", tr("Not Re&named"), QKeySequence("Ctrl+4"));
+    all.pop_back(); // the list knows when it is on
+    showNotRenamed->setEnabled(false);
     menu->addSeparator();
     manualOrder =
         add(menu, "manualOrder", tr("&Manual Order"), QKeySequence("Ctrl+M"),
@@ -356,8 +361,10 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
             return hasSeveralSteps;
         return true;
     };
+    // What only looks at the list can be done during a run, too.
+    const std::array looking{copy, findInList, showAllItems, showItemsToBeRenamed, showProblems};
     for (QAction* action : all)
-        action->setEnabled(areOn && isOn(action));
+        action->setEnabled((areOn || std::ranges::find(looking, action) != looking.end()) && isOn(action));
     for (QAction* action : presetActions)
         action->setEnabled(areOn && controller.presetsManager().count() > 0);
     if (!areOn)

@@ -1,6 +1,7 @@
 #include "presentation/preview/PreviewPane.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/pipeline/RenameEngine.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MessageBars.h"
@@ -179,6 +180,8 @@ void PreviewPane::connectCommands() {
     connect(commands.showAllItems, &QAction::triggered, this, [this] { setShow(Show::all); });
     connect(commands.showItemsToBeRenamed, &QAction::triggered, this, [this] { setShow(Show::toBeRenamed); });
     connect(commands.showProblems, &QAction::triggered, this, [this] { setShow(Show::problems); });
+    connect(commands.showNotRenamed, &QAction::triggered, this, [this] { setShow(Show::notRenamed); });
+    connect(statusRow, &StatusRow::failedItemWanted, this, &PreviewPane::goToFailed);
     connect(commands.moveRowUp, &QAction::triggered, this, [this] { moveSelection(true); });
     connect(commands.moveRowDown, &QAction::triggered, this, [this] { moveSelection(false); });
 }
@@ -321,6 +324,8 @@ void PreviewPane::listChanged() {
 }
 
 void PreviewPane::previewFinished() {
+    model->runMarks().listWasRead();
+    commands.showNotRenamed->setEnabled(model->runMarks().hasNotRenamed());
     listChanged();
     showProblems();
     sizeColumnsToFit();
@@ -328,7 +333,48 @@ void PreviewPane::previewFinished() {
         folderOffer->withdraw();
 }
 
-void PreviewPane::refreshProgress() { statusRow->refreshProgress(); }
+void PreviewPane::refreshProgress() {
+    statusRow->refreshProgress();
+    if (!isRunShown)
+        return;
+    model->runMarks().refresh();
+    statusRow->showRun(controller.renameEngine().runOutcomes().failedRows(), isWaiting);
+    view->viewport()->update();
+}
+
+void PreviewPane::beginRun() {
+    isRunShown = true;
+    model->runMarks().begin();
+    listBar->setEnabled(false);
+    view->setAcceptDrops(false);
+    view->setDragEnabled(false);
+    commands.showNotRenamed->setEnabled(false);
+    refreshProgress();
+}
+
+void PreviewPane::focusList() { view->setFocus(); }
+
+void PreviewPane::endRun() {
+    isRunShown = false;
+    isWaiting = false;
+    model->runMarks().end();
+    listBar->setEnabled(true);
+    view->setAcceptDrops(true);
+    view->setDragEnabled(true);
+    commands.showNotRenamed->setEnabled(model->runMarks().hasNotRenamed());
+    statusRow->showRun(std::nullopt);
+    view->viewport()->update();
+}
+
+void PreviewPane::setWaiting(bool waits) {
+    isWaiting = waits;
+    refreshProgress();
+}
+
+void PreviewPane::goToFailed() {
+    if (const auto row = model->rowOf(model->runMarks().nextFailed()))
+        goTo(*row);
+}
 
 void PreviewPane::selectPreviewTab(PreviewTab tab) { statusRow->selectPreviewTab(tab); }
 

@@ -47,6 +47,12 @@ class PreviewPane final : public QWidget {
     void previewFinished();
     /// Takes over what the progress record displays: bar and status line.
     void refreshProgress();
+    /// A run shows in the list, in which nothing can be changed until it ends.
+    void beginRun();
+    void focusList();
+    void endRun();
+    /// Whether the run waits for an answer.
+    void setWaiting(bool waits);
     void selectPreviewTab(PreviewTab tab);
     /// A run has moved pictures to other names.
     void forgetPictures();
@@ -97,6 +103,7 @@ class PreviewPane final : public QWidget {
     /// Where these rows are now.
     [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
     void goTo(int row);
+    void goToFailed();
     void revealForQuestion(const std::string& path);
     [[nodiscard]] std::vector<QRect> rowsInView(const QuestionText::Rows& rows) const;
 
@@ -115,6 +122,8 @@ class PreviewPane final : public QWidget {
     StatusRow* statusRow;
     SlicedWork longWork;
     QTimer scrollRest;
+    bool isRunShown = false;
+    bool isWaiting = false;
     bool isListDue = false; ///< the rows have been put in another order, which does not show yet
     std::unique_ptr<ParameterBinding> thumbnailBinding;
     std::shared_ptr<void> invisiblesObservation;

@@ -1,5 +1,6 @@
 #include "presentation/preview/PreviewTableModel.h"
 
+#include "engine/pipeline/RenameEngine.h"
 #include "presentation/QtText.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/ThumbnailLoader.h"
@@ -26,7 +27,8 @@ const std::array<const char*, 4> stateWords{QT_TRANSLATE_NOOP("tavrin::PreviewTa
 } // namespace
 
 PreviewTableModel::PreviewTableModel(WindowServices shared, ThumbnailLoader& loader, QObject* parent)
-    : QAbstractTableModel(parent), services(shared), thumbnails(loader) {}
+    : QAbstractTableModel(parent), services(shared), thumbnails(loader),
+      marks(shared.controller.renameEngine().runOutcomes(), shared.controller.nodeController()) {}
 
 // --- What there is ---
 
@@ -38,11 +40,13 @@ std::vector<RowId> PreviewTableModel::wantedIds() const {
     case Show::toBeRenamed:
         return list.changingRows();
     case Show::problems:
+    case Show::notRenamed:
         break;
     }
+    const std::vector<RowId> chosen = shown == Show::problems ? rowsWithProblems : marks.notRenamed();
     std::vector<RowId> wanted;
     std::ranges::copy_if(list.arrangedObjects(), std::back_inserter(wanted),
-                         [this](RowId id) { return hasProblem(id); });
+                         [&](RowId id) { return std::ranges::binary_search(chosen, id); });
     return wanted;
 }
 
@@ -187,12 +191,30 @@ QString PreviewTableModel::toolTip(const PreviewList::Row& row) const {
     QString text = shownName(row.name).toHtmlEscaped();
     if (row.diff)
         text += "<br>\u2192 " + shownName(row.finalName).toHtmlEscaped();
-    if (!row.problemMessage.empty())
+    if (const QString reason = marks.reasonOf(row); !reason.isEmpty())
+        text += "<br><b>" + reason.toHtmlEscaped() + "</b>";
+    else if (!row.problemMessage.empty())
         text += "<br><b>" + tr(row.problemMessage.c_str()).toHtmlEscaped() + "</b>";
     else if (row.madeDistinct)
         text += "<br>" + tr("made distinct, since another item has the same name");
     const QString bytes = ShownName::bytesNote(row.name);
     return bytes.isEmpty() ? text : text + "<br>" + bytes.toHtmlEscaped();
+}
+
+QString PreviewTableModel::spokenState(const PreviewList::Row& row) const {
+    switch (marks.outcomeOf(row)) {
+    case RunOutcome::inHand:
+        return tr("in hand");
+    case RunOutcome::done:
+        return tr("done");
+    case RunOutcome::failed:
+        return tr("not renamed: %1").arg(marks.reasonOf(row));
+    case RunOutcome::leftOut:
+        return tr("left out");
+    case RunOutcome::open:
+        break;
+    }
+    return tr(stateWords[static_cast<std::size_t>(stateOf(row))]);
 }
 
 QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
@@ -209,12 +231,14 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case Qt::TextAlignmentRole:
         return index.column() == state ? QVariant(Qt::AlignCenter) : QVariant();
     case Qt::AccessibleTextRole:
-        return tr("%1, new name %2, %3")
-            .arg(shownName(row.name), shownName(row.finalName),
-                 tr(stateWords[static_cast<std::size_t>(stateOf(row))]));
+        return tr("%1, new name %2, %3").arg(shownName(row.name), shownName(row.finalName), spokenState(row));
     case stateRole:
         return static_cast<int>(stateOf(row));
+    case outcomeRole:
+        return static_cast<int>(marks.outcomeOf(row));
     case reasonRole:
+        if (QString reason = marks.reasonOf(row); !reason.isEmpty())
+            return reason;
         return ShownName::problemNote(row.problem, row.problemDetail);
     case rowIdRole:
         return row.id;
