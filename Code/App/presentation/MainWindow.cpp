@@ -7,7 +7,9 @@
 #include "presentation/QtText.h"
 #include "presentation/Spoken.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/WindowKeys.h"
 #include "presentation/WindowPlace.h"
+#include "presentation/WindowSpeech.h"
 #include "presentation/help/HelpWindow.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/run/DropletRunWindow.h"
@@ -80,6 +82,10 @@ MainWindow::MainWindow(const WindowServices& services)
     });
     recipeClipboard =
         std::make_unique<RecipeClipboard>(shared, *windowCommands, preview->messageBars(), *steps, *preview);
+    keys = std::make_unique<WindowKeys>(
+        *this, std::vector<QWidget*>{steps, settings, &preview->listPages(),
+                                     preview->findChild<QWidget*>("messageBars"), bottomRow});
+    speech = std::make_unique<WindowSpeech>(shared, [this] { return preview->problemCount(); });
     setMinimumSize(WindowPlace::least);
     resize(WindowPlace::first(screen()->availableGeometry()).size());
     connect(qApp, &QGuiApplication::screenRemoved, this, &MainWindow::returnToScreen, Qt::QueuedConnection);
@@ -137,6 +143,7 @@ QWidget* MainWindow::buildWorkPage() {
 
 QWidget* MainWindow::buildBottomRow() {
     bottomRow = new QWidget;
+    bottomRow->setObjectName("bottomRow");
     auto* layout = new QHBoxLayout(bottomRow);
     createDropletButton = new QPushButton(tr("Create &Droplet…"));
     createDropletButton->setObjectName("createDropletButton");
@@ -197,6 +204,7 @@ void MainWindow::setRunShown(bool isShown) {
 
 void MainWindow::setRunning(bool isRunning) {
     windowCommands->setRunning(isRunning);
+    speech->runChanged(isRunning, static_cast<std::size_t>(std::max(0, preview->itemsToRename())));
     if (!isRunning)
         preview->forgetPictures(); // which the run has moved to other names
     refreshRenameButton();
@@ -362,6 +370,7 @@ void MainWindow::refreshRecipeLine() {
 
 void MainWindow::setPreviewDue(bool isDue) {
     isPreviewDue = isDue;
+    speech->previewChanged(isDue);
     refreshRenameButton();
 }
 

@@ -29,6 +29,8 @@ class RecipeLine;
 class SettingsPane;
 class StepsPane;
 class WindowCommands;
+class WindowKeys;
+class WindowSpeech;
 
 /// The one window: steps, settings and list side by side, and during a run the strip that tells how far
 /// it is. It arranges its panes and passes on what the application says; what they show is theirs.
@@ -120,6 +122,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     std::unique_ptr<WindowCommands> windowCommands;
     std::unique_ptr<HelpWindow> help;
     std::unique_ptr<RecipeClipboard> recipeClipboard;
+    std::unique_ptr<WindowKeys> keys;
+    std::unique_ptr<WindowSpeech> speech;
 };
 
 } // namespace tavrin

@@ -396,6 +396,10 @@ void PreviewPane::showProblems() {
     problemBar->showCounts(model->problems().size(), madeDistinct);
 }
 
+QWidget& PreviewPane::listPages() { return *pages; }
+
+std::size_t PreviewPane::problemCount() const { return model->problems().size(); }
+
 void PreviewPane::forgetPictures() { thumbnails->clear(); }
 
 // --- What the user does ---

@@ -59,6 +59,9 @@ class PreviewPane final : public QWidget {
     /// The messages below the list.
     [[nodiscard]] MessageBars& messageBars() { return *bars; }
     void pathsAdded(const std::vector<std::string>& paths);
+    /// What stands between the bars: the table, or what takes its place.
+    [[nodiscard]] QWidget& listPages();
+    [[nodiscard]] std::size_t problemCount() const;
     void enterDropletEditMode();
     /// Whether the window is so low that the rows around the list had better be, too.
     void setLow(bool isLow);
