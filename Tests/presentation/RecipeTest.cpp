@@ -1,3 +1,4 @@
+#include "presentation/QtText.h"
 #include "presentation/Spoken.h"
 #include "presentation/WindowFixture.h"
 
