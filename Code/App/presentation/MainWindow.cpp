@@ -325,6 +325,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
     event->setAccepted(!paths.empty());
     if (paths.empty())
         return;
+    preview->expectArrivals();
     shared.controller.addFilePaths(paths, true);
     shared.controller.previewControl().showPreview();
 }

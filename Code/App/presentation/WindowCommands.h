@@ -49,6 +49,8 @@ class WindowCommands final : public QObject {
     QAction* applyButDontQuit;
     QAction* copy;
     QAction* findInList;
+    QAction* findNext;
+    QAction* findPrevious;
     QAction* nextProblem;
     QAction* previousProblem;
     QAction* findAction;
@@ -94,6 +96,7 @@ class WindowCommands final : public QObject {
     std::vector<QAction*> all;
     QAction* clearPreview = nullptr;
     QAction* showMultistepDrawer = nullptr;
+    QAction* showPath = nullptr;
     QAction* showInvisibles = nullptr;
     QAction* manualOrder = nullptr;
     QAction* saveAsPreset = nullptr;

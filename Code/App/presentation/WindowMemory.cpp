@@ -14,7 +14,7 @@ namespace tavrin {
 namespace {
 
 constexpr const char* geometryKey = "windowGeometry";
-constexpr const char* headerKey = "previewHeader";
+constexpr const char* headerKey = "previewColumns";
 constexpr const char* settingsWidthKey = "settingsPaneWidth";
 constexpr const char* restoredProperty = "isRestored";
 

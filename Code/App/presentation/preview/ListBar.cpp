@@ -82,6 +82,7 @@ void ListBar::addShowMenu(WindowCommands& commands) {
     showButton->setAutoDefault(false);
     auto* menu = new QMenu(showButton);
     showActions = new QActionGroup(this);
+    showActions->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
     for (const auto& [label, command] : {std::pair{tr("&All Items"), commands.showAllItems},
                                          {tr("Items to Be &Renamed"), commands.showItemsToBeRenamed},
                                          {tr("&Problems"), commands.showProblems}}) {
@@ -95,7 +96,13 @@ void ListBar::addShowMenu(WindowCommands& commands) {
     layout()->addWidget(showButton);
 }
 
-void ListBar::setShow(PreviewTableModel::Show what) {
+void ListBar::setShow(PreviewTableModel::Show what, const QString& label) {
+    if (what == PreviewTableModel::Show::chosen) {
+        if (QAction* former = showActions->checkedAction())
+            former->setChecked(false);
+        showButton->setText(label);
+        return;
+    }
     const std::array texts{tr("Show: All"), tr("Show: To Rename"), tr("Show: Problems")};
     showActions->actions().at(static_cast<int>(what))->setChecked(true);
     showButton->setText(texts[static_cast<std::size_t>(what)]);

@@ -24,7 +24,8 @@ class ListBar final : public QWidget {
     ListBar(const WindowServices& services, WindowCommands& commands);
     ~ListBar() override;
 
-    void setShow(PreviewTableModel::Show what);
+    /// `label` is for what has no entry in the menu.
+    void setShow(PreviewTableModel::Show what, const QString& label = {});
 
   private:
     void addFilter(const char* key, Glyph glyph, const QString& text, const QString& tip);

@@ -107,6 +107,9 @@ Glyph glyphOf(PreviewTableModel::State state) {
 QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
     if (state == PreviewTableModel::State::madeDistinct)
         return NameDelegate::tr("made distinct");
+    const auto* table = static_cast<const PreviewTableModel*>(index.model());
+    if (table->show() == PreviewTableModel::Show::problems)
+        return {}; // has a column of its own
     return index.data(PreviewTableModel::reasonRole).toString();
 }
 
@@ -171,9 +174,12 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         return;
     }
     const bool isNew = index.column() == PreviewTableModel::newName;
-    const QColor textColour = isNew && state == PreviewTableModel::State::unchanged
-                                  ? item.palette.color(QPalette::PlaceholderText)
-                                  : plain;
+    const bool isDim = index.column() == PreviewTableModel::folder ||
+                       (isNew && state == PreviewTableModel::State::unchanged);
+    const bool isReason = index.column() == PreviewTableModel::problem;
+    const QColor textColour = isReason ? stateColour(state, item.palette)
+                              : isDim  ? item.palette.color(QPalette::PlaceholderText)
+                                       : plain;
     QRect nameRoom = place;
     if (const QString note = isNew ? noteOn(state, index) : QString(); !note.isEmpty())
         nameRoom = drawNote(*painter, place, item, text, note, stateColour(state, item.palette));

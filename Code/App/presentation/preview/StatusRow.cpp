@@ -5,6 +5,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
+#include "presentation/preview/Chip.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
 #include "shell/asking/FrontEnd.h"
@@ -18,6 +19,8 @@
 namespace tavrin {
 
 namespace {
+
+constexpr int chipGap = 5;
 
 QLabel* plainLabel(const char* name) {
     auto* label = new QLabel;
@@ -37,9 +40,16 @@ StatusRow::StatusRow(MainController& owner)
     pages->setObjectName("previewAndProgressBarTabView");
     pages->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     pages->addWidget(makeProgressPage());
-    pages->addWidget(statusText);
+    auto* page = new QWidget;
+    statusPage = new QHBoxLayout(page);
+    statusPage->setContentsMargins(0, 0, 0, 0);
+    statusPage->setSpacing(chipGap);
+    statusPage->addWidget(statusText);
+    statusPage->addStretch(1);
+    pages->addWidget(page);
     // A reason can be longer than the window is wide.
-    statusText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusText->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    statusText->setMinimumWidth(1);
     row->addWidget(pages, 1);
     addOrderButtons();
     selectPreviewTab(PreviewTab::status);
@@ -87,6 +97,8 @@ void StatusRow::addOrderButtons() {
         manual->setChecked(!isAutomatic);
     });
 }
+
+void StatusRow::addChip(Chip* chip) { statusPage->insertWidget(statusPage->count() - 1, chip); }
 
 void StatusRow::refreshProgress() {
     const ProgressInfo& progress = controller.progressInfo();

@@ -3,12 +3,14 @@
 #include <QWidget>
 #include <memory>
 
+class QHBoxLayout;
 class QLabel;
 class QProgressBar;
 class QStackedWidget;
 
 namespace tavrin {
 
+class Chip;
 class MainController;
 class ParameterBinding;
 enum class PreviewTab;
@@ -25,6 +27,8 @@ class StatusRow final : public QWidget {
     /// Takes over what the progress record displays.
     void refreshProgress();
     void selectPreviewTab(PreviewTab tab);
+    /// Puts a chip behind the status text; it becomes this row's.
+    void addChip(Chip* chip);
 
   private:
     QWidget* makeProgressPage();
@@ -35,6 +39,7 @@ class StatusRow final : public QWidget {
     QProgressBar* progressBar;
     QLabel* progressText;
     QLabel* statusText;
+    QHBoxLayout* statusPage;
     std::unique_ptr<ParameterBinding> binding;
 };
 
