@@ -164,16 +164,23 @@ TEST_F(MainRoad, ForeseesWhatWillFailAndSaysWhatWasMadeDistinct) {
     waitUntil("the problem shows", [this] { return model().problems().size() == 1; });
     EXPECT_EQ(model().index(0, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString(),
               "taken by another item");
-    EXPECT_TRUE(find("problemBar")->isVisible());
+    const auto told = [this] { return find("problemBar")->accessibleName().toStdString(); };
+    EXPECT_EQ(told(), "1 item cannot be renamed as shown. Next: a1.txt, taken by another item.");
+    click("nextProblemButton");
+    EXPECT_EQ(told(), "1 item cannot be renamed as shown. This one: taken by another item.");
     click("showOnlyProblems");
     EXPECT_EQ(model().rowCount(), 1);
+    EXPECT_FALSE(find<QTableView>("previewTableView")->isColumnHidden(PreviewTableModel::problem));
     show(PreviewPane::Show::all);
     replace("1", "2");
-    waitForText("problemText", "2 names were made distinct: they would have been the same.");
+    waitUntil("two are made distinct",
+              [&] { return told() == "2 names were made distinct: they would have been the same."; });
     EXPECT_TRUE(model().problems().empty());
-    EXPECT_FALSE(find("showOnlyProblems")->isVisible());
+    click("showOnlyDistinct");
+    waitUntil("these alone show", [this] { return model().rowCount() == 2; });
     replace("1", "4");
     waitUntilGone("problemBar");
+    waitUntil("all show again", [this] { return model().rowCount() == 3; });
 }
 
 TEST_F(MainRoad, TurnsTheOrderByAClickOnTheNames) {
@@ -339,8 +346,14 @@ TEST_F(Ending, RemembersTheShapeOfTheWindow) {
     };
     const auto settingsWidth = [this] { return find<QSplitter>("innerSplitter")->sizes().front(); };
     application->window().resize(1000, 640);
-    find<QSplitter>("innerSplitter")->setSizes({420, 580});
     waitForPreview();
+    auto* handle = find<QSplitter>("innerSplitter")->handle(1);
+    const QPoint grip = handle->rect().center();
+    QTest::mousePress(handle, Qt::LeftButton, {}, grip);
+    QTest::mouseMove(handle, grip + QPoint(74, 0));
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, grip + QPoint(74, 0));
+    EXPECT_FALSE(controller().previewControl().isPreviewPending());
+    EXPECT_EQ(controller().globalSettings().values().previewPaneWidth, find("previewPane")->width());
     const int narrow = widthOf(PreviewTableModel::newName);
     find<QTableView>("previewTableView")->setColumnWidth(PreviewTableModel::currentName, 3 * narrow);
     application->window().previewPane().sizeColumnsToFit();

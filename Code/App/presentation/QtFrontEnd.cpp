@@ -224,9 +224,15 @@ void QtFrontEnd::previewFinished() {
     if (!window)
         return;
     window->previewPane().previewFinished();
+    window->settingsPane().previewFinished();
     MainController& controller = window->services().controller;
     window->setPreviewDue(controller.previewControl().isPreviewPending() ||
                           controller.renameEngine().isPreviewWaiting());
+}
+
+void QtFrontEnd::pathsAdded(const std::vector<std::string>& paths) {
+    if (window && !isRunningDroplet())
+        window->previewPane().pathsAdded(paths);
 }
 
 void QtFrontEnd::runStateChanged(bool isRunning) {

@@ -56,6 +56,7 @@ class QtFrontEnd final : public FrontEnd {
     void previewListChanged() override;
     void previewRequested() override;
     void previewFinished() override;
+    void pathsAdded(const std::vector<std::string>& paths) override;
     void runStateChanged(bool isRunning) override;
     void fillPresetMenu(const std::vector<std::u16string>& titles) override;
     void actionListChanged() override;

@@ -168,10 +168,11 @@ void FindBar::look(std::optional<Aim> next) {
             std::vector<int> rows;
             try {
                 rows = placesHolding(context, ids, wanted, [&](const std::vector<int>& some) {
-                    QMetaObject::invokeMethod(qApp, [tellBar, some]() mutable {
-                        std::ranges::sort(some);
-                        tellBar(std::move(some), false);
-                    });
+                    std::vector<int> sorted = some;
+                    std::ranges::sort(sorted);
+                    QMetaObject::invokeMethod(
+                        qApp, [tellBar, sorted = std::move(sorted)] { tellBar(sorted, false); },
+                        Qt::QueuedConnection);
                     return !mine->isGivenUp;
                 });
             } catch (const StoreError&) {

@@ -152,6 +152,9 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     item.text.clear();
     softenSelection(item.palette);
     const QStyle* style = item.widget ? item.widget->style() : QApplication::style();
+    // The ground tells what is selected; pictures keep their own colours on it.
+    style->drawPrimitive(QStyle::PE_PanelItemViewItem, &item, painter, item.widget);
+    item.state.setFlag(QStyle::State_Selected, false);
     style->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
     if (index.column() == PreviewTableModel::icon)
         return;

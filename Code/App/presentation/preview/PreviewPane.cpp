@@ -3,6 +3,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/FileBrowser.h"
+#include "presentation/GlyphIcon.h"
 #include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
@@ -11,6 +12,7 @@
 #include "presentation/preview/EmptyListPage.h"
 #include "presentation/preview/EmptyView.h"
 #include "presentation/preview/FindBar.h"
+#include "presentation/preview/FolderOffer.h"
 #include "presentation/preview/ListBar.h"
 #include "presentation/preview/NameDelegate.h"
 #include "presentation/preview/PreviewTableView.h"
@@ -93,8 +95,9 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
     : services(shared), controller(shared.controller), commands(windowCommands),
       thumbnails(new ThumbnailLoader(this)), model(new PreviewTableModel(shared, *thumbnails, this)),
       view(new PreviewTableView(*model, controller.dndArrayController())),
-      listBar(new ListBar(shared, windowCommands)), findBar(new FindBar(*view, *model, controller.renameEngine())),
-      pages(new QStackedWidget), emptyView(new EmptyView), bars(new MessageBars),
+      listBar(new ListBar(shared, windowCommands)),
+      findBar(new FindBar(*view, *model, controller.renameEngine())), pages(new QStackedWidget),
+      emptyView(new EmptyView), bars(new MessageBars), folderOffer(new FolderOffer(shared, *bars, this)),
       statusRow(new StatusRow(controller)), longWork(controller.runLoop()),
       sortingChip(new Chip("sortingChip", Glyph::close)) {
     setObjectName("previewPane");
@@ -160,7 +163,6 @@ void PreviewPane::connectTable() {
         controller.previewControl().endSorting();
         showSorting();
     });
-    connect(view, &PreviewTableView::filesDropped, this, &PreviewPane::expectArrivals);
     connect(view, &PreviewTableView::removeRequested, this, &PreviewPane::removeSelected);
     connect(view, &PreviewTableView::moveRequested, this, &PreviewPane::moveSelection);
     connect(view, &PreviewTableView::openRequested, this, &PreviewPane::openCurrent);
@@ -314,7 +316,8 @@ bool PreviewPane::explainHiddenItems() {
     else if (folders > 0)
         emptyView->say(counted(folders, tr("1 folder is hidden because Folders is off."),
                                tr("%L1 folders are hidden because Folders is off.")),
-                       tr("Show Folders"), [this] { controller.globalSettings().setShouldProcessFolders(1); });
+                       tr("Show Folders"),
+                       [this] { controller.globalSettings().setShouldProcessFolders(1); });
     return files + folders > 0;
 }
 
@@ -376,11 +379,6 @@ void PreviewPane::listChanged() {
         view->scrollTo(currentPlace);
 }
 
-void PreviewPane::expectArrivals() {
-    const std::vector<RowId>& present = controller.nodeController().arrangedObjects();
-    arrivalsBehind = present.empty() ? noRow : std::ranges::max(present);
-}
-
 bool PreviewPane::scrollToArrivals() {
     if (!arrivalsBehind)
         return false;
@@ -421,6 +419,8 @@ void PreviewPane::previewFinished() {
     showPage();
     lookForChosen();
     sizeColumnsToFit();
+    if (controller.previewControl().isPreviewEmpty())
+        folderOffer->withdraw();
 }
 
 void PreviewPane::refreshProgress() { statusRow->refreshProgress(); }
@@ -432,6 +432,14 @@ void PreviewPane::enterDropletEditMode() {
     if (auto* promise = findChild<QLabel*>("emptyListPromise"))
         promise->setText(tr("Files you add here only show the effect."));
 }
+
+void PreviewPane::pathsAdded(const std::vector<std::string>& paths) {
+    folderOffer->pathsAdded(paths);
+    const std::vector<RowId>& present = controller.nodeController().arrangedObjects();
+    arrivalsBehind = present.empty() ? noRow : std::ranges::max(present);
+}
+
+void PreviewPane::setLow(bool isLow) { listBar->setLow(isLow); }
 
 // --- Problems ---
 
@@ -449,20 +457,22 @@ void PreviewPane::countProblems() {
 /// they would have been the same. It stops nothing.
 void PreviewPane::showProblemBar() {
     const std::size_t problems = model->problems().size();
-    BarMessage message{.objectName = "problemBar", .isLasting = true};
+    BarMessage message;
+    message.objectName = "problemBar";
+    message.isLasting = true;
     if (problems > 0) {
         message.kind = BarMessage::Kind::failure;
         message.bold = counted(problems, tr("1 item cannot be renamed as shown."),
                                tr("%L1 items cannot be renamed as shown."));
-        message.buttons = {{"previousProblemButton", tr("↑"), [this] { goToProblem(false); },
-                            tr("Previous problem (Shift+F8)")},
-                           {"nextProblemButton", tr("↓"), [this] { goToProblem(true); },
-                            tr("Next problem (F8)")},
-                           {"showOnlyProblems", tr("Show Only These"), [this] { setShow(Show::problems); }}};
+        message.buttons = {
+            {"previousProblemButton", tr("↑"), [this] { goToProblem(false); },
+             tr("Previous problem (Shift+F8)")},
+            {"nextProblemButton", tr("↓"), [this] { goToProblem(true); }, tr("Next problem (F8)")},
+            {"showOnlyProblems", tr("Show Only These"), [this] { setShow(Show::problems); }}};
     } else if (madeDistinct > 0) {
-        message.bold = counted(madeDistinct,
-                               tr("1 name was made distinct: it would have been the same as another."),
-                               tr("%L1 names were made distinct: they would have been the same."));
+        message.bold =
+            counted(madeDistinct, tr("1 name was made distinct: it would have been the same as another."),
+                    tr("%L1 names were made distinct: they would have been the same."));
         message.buttons = {{"showOnlyDistinct", tr("Show Only These"), [this] {
                                 showWhere(tr("Show: Made Distinct"),
                                           [](const NodeRow& row) { return row.madeDistinct; });
@@ -545,21 +555,21 @@ void PreviewPane::showWhere(const QString& label, std::function<bool(const NodeR
 void PreviewPane::lookForChosen() {
     if (!isChosen)
         return;
-    controller.renameEngine().readRows([isWanted = isChosen, pane = QPointer(this)](
-                                           StoreContext& context) -> std::function<void()> {
-        std::vector<RowId> rows;
-        try {
-            std::ranges::copy_if(context.fetch({FetchEntity::file, Predicate::always(), {}}),
-                                 std::back_inserter(rows),
-                                 [&](RowId id) { return isWanted(context.row(id)); });
-        } catch (const StoreError&) {
-            return nullptr;
-        }
-        return [pane, rows = std::move(rows)]() mutable {
-            if (pane && pane->isChosen)
-                pane->showChosen(std::move(rows));
-        };
-    });
+    controller.renameEngine().readRows(
+        [isWanted = isChosen, pane = QPointer(this)](StoreContext& context) -> std::function<void()> {
+            std::vector<RowId> rows;
+            try {
+                std::ranges::copy_if(context.fetch({FetchEntity::file, Predicate::always(), {}}),
+                                     std::back_inserter(rows),
+                                     [&](RowId id) { return isWanted(context.row(id)); });
+            } catch (const StoreError&) {
+                return nullptr;
+            }
+            return [pane, rows = std::move(rows)]() mutable {
+                if (pane && pane->isChosen)
+                    pane->showChosen(std::move(rows));
+            };
+        });
 }
 
 /// All again where no row is left of that kind.
@@ -676,11 +686,8 @@ void PreviewPane::copySelected() {
 }
 
 void PreviewPane::pasteFiles() {
-    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
-    if (!content)
-        return;
-    expectArrivals();
-    controller.addFilePaths(DroppedFiles::paths(*content), true);
+    if (const QMimeData* content = QGuiApplication::clipboard()->mimeData())
+        controller.addFilePaths(DroppedFiles::paths(*content), true);
 }
 
 void PreviewPane::sortByColumn(int column) {

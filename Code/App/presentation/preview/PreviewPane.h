@@ -22,6 +22,7 @@ class Chip;
 class EmptyView;
 class FindBar;
 class ListBar;
+class FolderOffer;
 class MessageBars;
 class ParameterBinding;
 class PreviewTableView;
@@ -53,7 +54,10 @@ class PreviewPane final : public QWidget {
     void forgetPictures();
     /// The messages below the list.
     [[nodiscard]] MessageBars& messageBars() { return *bars; }
+    void pathsAdded(const std::vector<std::string>& paths);
     void enterDropletEditMode();
+    /// Whether the window is so low that the rows around the list had better be, too.
+    void setLow(bool isLow);
 
     [[nodiscard]] std::vector<RowId> selection() const;
     /// Of the selected rows, or of the whole list where none is; absent where that is empty.
@@ -64,8 +68,6 @@ class PreviewPane final : public QWidget {
     void setShow(Show what);
     /// The rows that are so, also after later previews, until another choice is made. The label says it.
     void showWhere(const QString& label, std::function<bool(const NodeRow&)> isWanted);
-    /// Files are on their way into the list: it scrolls to where they come.
-    void expectArrivals();
     void goToProblem(bool forward);
     /// "current name, tab, new name" of the selected rows to the clipboard.
     void copySelected();
@@ -92,7 +94,7 @@ class PreviewPane final : public QWidget {
     [[nodiscard]] int problemBehind(int row, bool forward) const;
     void lookForChosen();
     void showChosen(std::vector<RowId> rows);
-    /// Scrolls to what came from outside, if that is awaited and there.
+    /// Scrolls to what was added, if that is awaited and there.
     bool scrollToArrivals();
     void removeSelected();
     /// Moves the selected rows by one place, which makes the order one by hand.
@@ -124,6 +126,7 @@ class PreviewPane final : public QWidget {
     QWidget* invitation = nullptr;
     EmptyView* emptyView;
     MessageBars* bars;
+    FolderOffer* folderOffer;
     StatusRow* statusRow;
     SlicedWork longWork;
     QTimer scrollRest;

@@ -176,11 +176,11 @@ QString PreviewTableModel::shownName(const std::u16string& name) const {
 /// From the folder that all lie in, so that what tells them apart is in sight; whole where that is the root,
 /// or where all lie in one.
 QString PreviewTableModel::folderOf(const PreviewList::Row& row) const {
-    std::string_view folder = PathParts(row.fullPath).folder;
+    std::string_view place = PathParts(row.fullPath).folder;
     const RowFolders& all = services.controller.previewControl().listFolders();
-    if (all.count > 1 && all.common.size() > 1 && folder.starts_with(all.common))
-        folder = folder.size() == all.common.size() ? "." : folder.substr(all.common.size() + 1);
-    return shownName(text::fromBytes(folder));
+    if (all.count > 1 && all.common.size() > 1 && place.starts_with(all.common))
+        place = place.size() == all.common.size() ? "." : place.substr(all.common.size() + 1);
+    return shownName(text::fromBytes(place));
 }
 
 QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) const {

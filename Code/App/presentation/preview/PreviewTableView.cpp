@@ -169,10 +169,8 @@ void PreviewTableView::dropEvent(QDropEvent* event) {
     } else if (!areRows) {
         const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
         event->setAccepted(!paths.empty());
-        if (!paths.empty()) {
-            emit filesDropped();
+        if (!paths.empty())
             dragging.acceptFiles(paths);
-        }
     }
     showMark(-1);
 }

@@ -28,7 +28,6 @@ class PreviewTableView final : public QTableView {
     void removeRequested();      ///< Delete was pressed
     void moveRequested(bool up); ///< Alt+Up or Alt+Down
     void openRequested();        ///< a double click or Return
-    void filesDropped();         ///< and are on their way into the list
     void widthChanged();         ///< there is more or less room for the columns
 
   protected:

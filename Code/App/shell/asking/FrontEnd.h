@@ -204,6 +204,8 @@ class FrontEnd {
     virtual void previewRequested() {}
     /// A preview has ended: its result is in the list and in the status line.
     virtual void previewFinished() {}
+    /// The user has added these, as paths in bytes.
+    virtual void pathsAdded(const std::vector<std::string>& /*paths*/) {}
     /// A run has begun or ended; commands are off during a run.
     virtual void runStateChanged(bool /*isRunning*/) {}
     virtual void fillPresetMenu(const std::vector<std::u16string>& /*titles*/) {}

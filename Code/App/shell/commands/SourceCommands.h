@@ -36,6 +36,8 @@ class SourceCommands {
     void clearList();
     /// Has everything read anew.
     void reloadPreview();
+    /// Begins other work on the rows, which is done in its turn.
+    void begin(SlicedWork::Step step) { work.begin(std::move(step)); }
     /// Does at once what is left to do.
     void finishWork() { work.finish(); }
 

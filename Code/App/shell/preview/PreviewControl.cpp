@@ -199,6 +199,7 @@ void PreviewControl::setOwnOrder(const BaseRenameAction& current) {
 }
 
 void PreviewControl::sortBy(PreviewColumn column) {
+    prepareList(); // another step may have become the current one since
     const bool isByName = column == PreviewColumn::currentName;
     auto* step = dynamic_cast<SortBasedAction*>(&services.composite.getCurrentAction());
     if (isByName && step && services.settings.values().automaticSorting && !view) {
@@ -263,16 +264,18 @@ void PreviewControl::releaseOrder() {
 
 void PreviewControl::setListFolders(const RowFolders& found) {
     folders = found;
-    areFoldersHidden = areFoldersHidden && folders.count > 0;
+    if (folders.count == 0)
+        hiddenFolders.reset();
     showOrHideFolders();
 }
 
 bool PreviewControl::isFolderColumnShown() const {
-    return services.settings.values().shouldShowPath != 0 || (folders.count > 1 && !areFoldersHidden);
+    return services.settings.values().shouldShowPath != 0 ||
+           (folders.count > 1 && hiddenFolders != store.generation());
 }
 
 void PreviewControl::showFolderColumn(bool isShown) {
-    areFoldersHidden = !isShown;
+    hiddenFolders = isShown ? std::nullopt : std::optional(store.generation());
     if (isShown != isFolderColumnShown())
         services.settings.setValue(isShown ? 1 : 0, "showPath");
     showOrHideFolders();

@@ -123,7 +123,8 @@ class PreviewControl {
     /// What clicks have taken from a step, compared only.
     std::pair<const BaseRenameAction*, std::int32_t> modeBeforeClicks{nullptr, 0};
     RowFolders folders;
-    bool areFoldersHidden = false; ///< although the rows lie in several
+    /// The list whose folders have been hidden by hand, by the store's generation.
+    std::optional<std::uint64_t> hiddenFolders;
     std::unique_ptr<Timer> previewTimer;
     std::unique_ptr<Timer> longProcessingCheckTimer;
     std::optional<PreviewedAction> lastActionThatWasPreviewed;

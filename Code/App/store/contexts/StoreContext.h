@@ -66,6 +66,8 @@ class StoreContext {
     RowId folderWithPath(std::string_view path);
     /// The `File` row with this absolute path.
     RowId fileWithPath(std::string_view path);
+    /// One more than the highest id that any row of the store has had.
+    [[nodiscard]] RowId endOfRows();
     /// The rows whose `parent` is this one, in reading order.
     std::vector<RowId> children(RowId folder);
     std::size_t childCount(RowId folder);

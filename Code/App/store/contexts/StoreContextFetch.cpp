@@ -297,6 +297,8 @@ std::size_t StoreContext::childCount(RowId folder) {
     return record == nullptr ? 0 : record->childCount;
 }
 
+RowId StoreContext::endOfRows() { return impl->store.access()->endOfRows(); }
+
 std::uint64_t StoreContext::versionOf(const FetchRequest& request) {
     return impl->versionsOf(request) + impl->store.deletionVersion();
 }
