@@ -20,7 +20,7 @@ TEST_F(RecipesInTheWindow, ArePastedCopiedAndTakenBack) {
     const QString before = line();
     find("mainWindow")->setFocus();
     paste("lower | unaccent");
-    waitForText("messageText", "2 steps were added.");
+    waitForBar("2 steps were added.");
     EXPECT_EQ(Spoken::lastSaid(), "2 steps were added.");
     EXPECT_TRUE(find("stepsView")->isVisible());
     EXPECT_EQ(line(), before + " | lower | unaccent");

@@ -74,6 +74,8 @@ class QtFrontEnd final : public FrontEnd {
   private:
     /// At once, or when the window that is about to come up stands.
     void whenShown(std::function<void()> action);
+    /// Whether bars that need no answer would be seen.
+    [[nodiscard]] bool hasBars() const;
     [[nodiscard]] bool isRunningDroplet() const;
     void terminateWhenAllIsRead();
     /// An alert as a card of the window.

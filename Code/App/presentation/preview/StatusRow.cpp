@@ -10,6 +10,7 @@
 #include "shell/MainController.h"
 #include "shell/asking/FrontEnd.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -50,6 +51,9 @@ StatusRow::StatusRow(MainController& owner)
     // A reason can be longer than the window is wide.
     statusText->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     statusText->setMinimumWidth(1);
+    // At the beginning of the row, whichever way its own words run.
+    statusText->setAlignment((QGuiApplication::isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) |
+                             Qt::AlignVCenter);
     row->addWidget(pages, 1);
     addOrderButtons();
     selectPreviewTab(PreviewTab::status);

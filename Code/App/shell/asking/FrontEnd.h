@@ -49,6 +49,7 @@ struct Alert {
     std::vector<std::string> buttons; ///< the first is the default
     bool hasSuppressionBox = false;
     std::string helpAnchor = {}; ///< the page that a help button opens; empty: there is no such button
+    bool isAwaited = false;      ///< the application ends, or goes on, when it is closed
 };
 
 struct AlertAnswer {
