@@ -164,16 +164,23 @@ TEST_F(MainRoad, ForeseesWhatWillFailAndSaysWhatWasMadeDistinct) {
     waitUntil("the problem shows", [this] { return model().problems().size() == 1; });
     EXPECT_EQ(model().index(0, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString(),
               "taken by another item");
-    EXPECT_TRUE(find("problemBar")->isVisible());
+    const auto told = [this] { return find("problemBar")->accessibleName().toStdString(); };
+    EXPECT_EQ(told(), "1 item cannot be renamed as shown. Next: a1.txt, taken by another item.");
+    click("nextProblemButton");
+    EXPECT_EQ(told(), "1 item cannot be renamed as shown. This one: taken by another item.");
     click("showOnlyProblems");
     EXPECT_EQ(model().rowCount(), 1);
+    EXPECT_FALSE(find<QTableView>("previewTableView")->isColumnHidden(PreviewTableModel::problem));
     show(PreviewPane::Show::all);
     replace("1", "2");
-    waitForText("problemText", "2 names were made distinct: they would have been the same.");
+    waitUntil("two are made distinct",
+              [&] { return told() == "2 names were made distinct: they would have been the same."; });
     EXPECT_TRUE(model().problems().empty());
-    EXPECT_FALSE(find("showOnlyProblems")->isVisible());
+    click("showOnlyDistinct");
+    waitUntil("these alone show", [this] { return model().rowCount() == 2; });
     replace("1", "4");
     waitUntilGone("problemBar");
+    waitUntil("all show again", [this] { return model().rowCount() == 3; });
 }
 
 TEST_F(MainRoad, TurnsTheOrderByAClickOnTheNames) {

@@ -48,6 +48,13 @@ bool performOnText(const char* slot) {
     return QMetaObject::invokeMethod(field, slot);
 }
 
+/// Whether anything is on the list, be it in sight or not.
+bool hasSourceItems(MainController& controller) {
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.sourceItemCount() > 0;
+}
+
 } // namespace
 
 WindowCommands::WindowCommands(QMainWindow& mainWindow, const WindowServices& shared)
@@ -153,6 +160,8 @@ void WindowCommands::addEditMenu() {
     addForText(menu, "selectAll", tr("Select &All"), QKeySequence::SelectAll);
     menu->addSeparator();
     findInList = add(menu, "findInList", tr("&Find in List…"), QKeySequence::Find);
+    findNext = add(menu, "findNext", tr("Find Ne&xt"), QKeySequence("F3"));
+    findPrevious = add(menu, "findPrevious", tr("Find Previou&s"), QKeySequence("Shift+F3"));
     nextProblem = add(menu, "nextProblem", tr("&Next Problem"), QKeySequence("F8"));
     previousProblem = add(menu, "previousProblem", tr("Pre&vious Problem"), QKeySequence("Shift+F8"));
     menu->addSeparator();
@@ -239,7 +248,9 @@ void WindowCommands::addViewMenu() {
             QKeySequence("F9"), [&controller] { controller.showMultistepDrawer(); });
     menu->addSeparator();
     addSetting(menu, "showCurrentName", tr("&Current Name"));
-    addSetting(menu, "showPath", tr("F&older"));
+    showPath = add(menu, "showPath", tr("F&older"), {},
+                   [&controller](bool isShown) { controller.previewControl().showFolderColumn(isShown); });
+    showPath->setCheckable(true);
     addSetting(menu, "quickLookThumbnail", tr("&Thumbnails"), QKeySequence("Ctrl+T"));
     showInvisibles = add(menu, "showInvisibles", tr("&Invisible Characters"), QKeySequence("Ctrl+I"),
                          [this](bool areShown) { services.defaults.setObject("showInvisibles", areShown); });
@@ -343,7 +354,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
     MainController& controller = services.controller;
     const CompositeRenameAction& chain = controller.compositeAction();
     const bool areOn = controller.validateUserInterfaceItem() && !isRunning;
-    const bool hasRows = !controller.previewControl().isPreviewEmpty();
+    const bool hasItems = hasSourceItems(controller);
     const bool canRename = controller.isRenameButtonEnabled();
     const bool hasSeveralSteps = MoreThanOneObjectInTableTransformer::transformedValue(chain.count());
     const bool isDrawerShown = controller.globalSettings().values().shouldShowMultistepDrawer != 0;
@@ -351,7 +362,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
         if (action == removeFile)
             return controller.sourceCommands().canRemove(selection);
         if (action == clearPreview || action == createFileList)
-            return hasRows;
+            return hasItems;
         if (action == ok || action == applyAndQuit || action == applyButDontQuit)
             return canRename;
         if (action == showMultistepDrawer)
@@ -371,6 +382,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
         return;
     showMultistepDrawer->setText(MultiStepDrawerTransformer::transformedValue(isDrawerShown));
     stepActive->setChecked(chain.getCurrentAction().getParamInt("active", 0) == 1);
+    showPath->setChecked(controller.previewControl().isFolderColumnShown());
     showInvisibles->setChecked(services.defaults.boolForKey("showInvisibles"));
     manualOrder->setChecked(!controller.globalSettings().values().automaticSorting);
 }

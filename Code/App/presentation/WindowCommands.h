@@ -50,6 +50,8 @@ class WindowCommands final : public QObject {
     QAction* applyButDontQuit;
     QAction* copy;
     QAction* findInList;
+    QAction* findNext;
+    QAction* findPrevious;
     QAction* nextProblem;
     QAction* previousProblem;
     QAction* findAction;
@@ -107,6 +109,7 @@ class WindowCommands final : public QObject {
     const WindowServices services;
     std::vector<QAction*> all;
     QAction* showMultistepDrawer = nullptr;
+    QAction* showPath = nullptr;
     QAction* showInvisibles = nullptr;
     QAction* manualOrder = nullptr;
     QAction* saveAsPreset = nullptr;

@@ -92,6 +92,7 @@ void ListBar::addShowMenu(WindowCommands& commands) {
     showButton->setAutoDefault(false);
     auto* menu = new QMenu(showButton);
     showActions = new QActionGroup(this);
+    showActions->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
     for (const auto& [label, command] : {std::pair{tr("&All Items"), commands.showAllItems},
                                          {tr("Items to Be &Renamed"), commands.showItemsToBeRenamed},
                                          {tr("&Problems"), commands.showProblems},
@@ -169,7 +170,14 @@ void ListBar::changeEvent(QEvent* event) {
         measure();
 }
 
-void ListBar::setShow(PreviewTableModel::Show what) {
+void ListBar::setShow(PreviewTableModel::Show what, const QString& label) {
+    if (what == PreviewTableModel::Show::chosen) {
+        if (QAction* former = showActions->checkedAction())
+            former->setChecked(false);
+        showButton->setText(label);
+        measure();
+        return;
+    }
     const std::array texts{tr("Show: All"), tr("Show: To Rename"), tr("Show: Problems"),
                            tr("Show: Not Renamed")};
     showActions->actions().at(static_cast<int>(what))->setChecked(true);

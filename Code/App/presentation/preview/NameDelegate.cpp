@@ -131,6 +131,9 @@ std::optional<RunMark> runMark(RunOutcome outcome, const QPalette& palette) {
 QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
     if (state == PreviewTableModel::State::madeDistinct)
         return NameDelegate::tr("made distinct");
+    const auto* table = static_cast<const PreviewTableModel*>(index.model());
+    if (table->show() == PreviewTableModel::Show::problems)
+        return {}; // has a column of its own
     return index.data(PreviewTableModel::reasonRole).toString();
 }
 
@@ -207,9 +210,13 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     }
     const bool isNew = index.column() == PreviewTableModel::newName;
     const bool isPast = outcome == RunOutcome::done || outcome == RunOutcome::leftOut;
-    const bool isDimmed =
-        isNew ? state == PreviewTableModel::State::unchanged || outcome == RunOutcome::leftOut : isPast;
-    const QColor textColour = isDimmed ? item.palette.color(QPalette::PlaceholderText) : plain;
+    const bool isDim =
+        index.column() == PreviewTableModel::folder ||
+        (isNew ? state == PreviewTableModel::State::unchanged || outcome == RunOutcome::leftOut : isPast);
+    const bool isReason = index.column() == PreviewTableModel::problem;
+    const QColor textColour = isReason ? stateColour(state, item.palette)
+                              : isDim  ? item.palette.color(QPalette::PlaceholderText)
+                                       : plain;
     QRect nameRoom = place;
     if (const QString note = isNew ? noteOn(state, index) : QString(); !note.isEmpty())
         nameRoom = drawNote(*painter, place, item, text, note,

@@ -41,12 +41,15 @@ std::vector<RowId> PreviewTableModel::wantedIds() const {
         return list.changingRows();
     case Show::problems:
     case Show::notRenamed:
+    case Show::chosen:
         break;
     }
-    const std::vector<RowId> chosen = shown == Show::problems ? rowsWithProblems : marks.notRenamed();
+    const std::vector<RowId>& among = shown == Show::problems ? rowsWithProblems
+                                      : shown == Show::chosen ? chosen
+                                                              : marks.notRenamed();
     std::vector<RowId> wanted;
     std::ranges::copy_if(list.arrangedObjects(), std::back_inserter(wanted),
-                         [&](RowId id) { return std::ranges::binary_search(chosen, id); });
+                         [&](RowId id) { return std::ranges::binary_search(among, id); });
     return wanted;
 }
 
@@ -80,6 +83,11 @@ void PreviewTableModel::setProblems(std::vector<RowId> found) {
 void PreviewTableModel::setShow(Show what) {
     shown = what;
     listChanged();
+}
+
+void PreviewTableModel::setShowChosen(std::vector<RowId> rows) {
+    chosen = std::move(rows);
+    setShow(Show::chosen);
 }
 
 void PreviewTableModel::setShowsThumbnails(bool on) {
@@ -170,6 +178,16 @@ QString PreviewTableModel::shownName(const std::u16string& name) const {
     return ShownName::of(name, showsInvisibles);
 }
 
+/// From the folder that all lie in, so that what tells them apart is in sight; whole where that is the root,
+/// or where all lie in one.
+QString PreviewTableModel::folderOf(const PreviewList::Row& row) const {
+    std::string_view place = PathParts(row.fullPath).folder;
+    const RowFolders& all = services.controller.previewControl().listFolders();
+    if (all.count > 1 && all.common.size() > 1 && place.starts_with(all.common))
+        place = place.size() == all.common.size() ? "." : place.substr(all.common.size() + 1);
+    return shownName(text::fromBytes(place));
+}
+
 QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) const {
     switch (column) {
     case currentName:
@@ -179,7 +197,9 @@ QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) cons
     case state:
         return QString::fromUtf8(stateSymbols[static_cast<std::size_t>(stateOf(row))]);
     case folder:
-        return shownName(text::fromBytes(PathParts(row.fullPath).folder));
+        return folderOf(row);
+    case problem:
+        return ShownName::problemNote(row.problem, row.problemDetail);
     default:
         if (column >= regex1 && column <= regex6 && row.regex)
             return shownName((*row.regex)[static_cast<std::size_t>(column - regex1)]);
@@ -227,7 +247,9 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case Qt::DecorationRole:
         return index.column() == icon ? thumbnails.imageFor(row, showsThumbnails) : QVariant();
     case Qt::ToolTipRole:
-        return toolTip(row);
+        return index.column() == folder
+                   ? shownName(text::fromBytes(PathParts(row.fullPath).folder)).toHtmlEscaped()
+                   : toolTip(row);
     case Qt::TextAlignmentRole:
         return index.column() == state ? QVariant(Qt::AlignCenter) : QVariant();
     case Qt::AccessibleTextRole:
@@ -262,6 +284,8 @@ QVariant PreviewTableModel::headerData(int section, Qt::Orientation orientation,
         return tr("New Name");
     case folder:
         return tr("Folder");
+    case problem:
+        return tr("Problem");
     default:
         return section >= regex1 && section <= regex6 ? QString("$%1").arg(section - regex1 + 1) : QString();
     }
@@ -281,6 +305,8 @@ PreviewTableModel::Column PreviewTableModel::columnOf(PreviewColumn column) {
         return currentName;
     case PreviewColumn::newName:
         return newName;
+    case PreviewColumn::problem:
+        return problem;
     case PreviewColumn::regex1:
     case PreviewColumn::regex2:
     case PreviewColumn::regex3:

@@ -26,9 +26,19 @@ class PreviewTableModel final : public QAbstractTableModel {
     Q_OBJECT
 
   public:
-    enum Column { icon, currentName, state, newName, regex1, regex6 = regex1 + 5, folder, columnCount_ };
+    enum Column {
+        icon,
+        currentName,
+        state,
+        newName,
+        problem,
+        regex1,
+        regex6 = regex1 + 5,
+        folder,
+        columnCount_
+    };
     enum class State { unchanged, renamed, madeDistinct, problem };
-    enum class Show { all, toBeRenamed, problems, notRenamed };
+    enum class Show { all, toBeRenamed, problems, notRenamed, chosen };
 
     static constexpr int stateRole = Qt::UserRole;
     static constexpr int reasonRole = Qt::UserRole + 1; ///< what is wrong with a row, or empty
@@ -44,6 +54,8 @@ class PreviewTableModel final : public QAbstractTableModel {
     /// The preview has foreseen other problems, told by the rows that have them, in ascending order.
     void setProblems(std::vector<RowId> found);
     void setShow(Show what);
+    /// Shows these rows alone, told in ascending order.
+    void setShowChosen(std::vector<RowId> rows);
     [[nodiscard]] Show show() const { return shown; }
     void setShowsThumbnails(bool on);
     void setShowsInvisibles(bool on);
@@ -79,6 +91,7 @@ class PreviewTableModel final : public QAbstractTableModel {
     Page& pageOf(int row) const;
     [[nodiscard]] const NameDifference& differenceAt(int row) const;
     [[nodiscard]] QString toolTip(const PreviewList::Row& row) const;
+    [[nodiscard]] QString folderOf(const PreviewList::Row& row) const;
     [[nodiscard]] QVariant textOf(const PreviewList::Row& row, int column) const;
     [[nodiscard]] std::vector<RowId> wantedIds() const;
     [[nodiscard]] QString spokenState(const PreviewList::Row& row) const;
@@ -89,6 +102,7 @@ class PreviewTableModel final : public QAbstractTableModel {
     std::vector<RowId> ids;
     std::vector<RowId> rowsWithProblems;
     RunMarks marks;
+    std::vector<RowId> chosen;
     Show shown = Show::all;
     bool showsThumbnails = true;
     bool showsInvisibles = false;

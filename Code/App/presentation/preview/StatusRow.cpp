@@ -5,6 +5,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
+#include "presentation/preview/Chip.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
 #include "shell/asking/FrontEnd.h"
@@ -20,6 +21,8 @@
 namespace tavrin {
 
 namespace {
+
+constexpr int chipGap = 5;
 
 QLabel* plainLabel(const char* name) {
     auto* label = new QLabel;
@@ -39,11 +42,18 @@ StatusRow::StatusRow(MainController& owner)
     pages->setObjectName("previewAndProgressBarTabView");
     pages->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     pages->addWidget(makeProgressPage());
-    pages->addWidget(statusText);
+    auto* page = new QWidget;
+    statusPage = new QHBoxLayout(page);
+    statusPage->setContentsMargins(0, 0, 0, 0);
+    statusPage->setSpacing(chipGap);
+    statusPage->addWidget(statusText);
+    statusPage->addStretch(1);
+    pages->addWidget(page);
     runPage = makeRunPage();
     pages->addWidget(runPage);
     // A reason can be longer than the window is wide.
-    statusText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusText->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    statusText->setMinimumWidth(1);
     // At the beginning of the row, whichever way its own words run.
     statusText->setAlignment((QGuiApplication::isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) |
                              Qt::AlignVCenter);
@@ -95,6 +105,8 @@ void StatusRow::addOrderButtons() {
         manual->setChecked(!isAutomatic);
     });
 }
+
+void StatusRow::addChip(Chip* chip) { statusPage->insertWidget(statusPage->count() - 1, chip); }
 
 void StatusRow::refreshProgress() {
     const ProgressInfo& progress = controller.progressInfo();

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+class QHBoxLayout;
 class QLabel;
 class QProgressBar;
 class QPushButton;
@@ -13,6 +14,7 @@ class QStackedWidget;
 
 namespace tavrin {
 
+class Chip;
 class MainController;
 class ParameterBinding;
 enum class PreviewTab;
@@ -31,6 +33,8 @@ class StatusRow final : public QWidget {
     void selectPreviewTab(PreviewTab tab);
     /// During a run: what has failed so far, in the place of all else; nothing when the run is over.
     void showRun(const std::optional<std::size_t>& failed, bool isWaiting = false);
+    /// Puts a chip behind the status text; it becomes this row's.
+    void addChip(Chip* chip);
 
   signals:
     void failedItemWanted();
@@ -51,6 +55,7 @@ class StatusRow final : public QWidget {
     QProgressBar* progressBar;
     QLabel* progressText;
     QLabel* statusText;
+    QHBoxLayout* statusPage;
     std::unique_ptr<ParameterBinding> binding;
 };
 

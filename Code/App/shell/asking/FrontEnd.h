@@ -145,7 +145,18 @@ struct FetchedAddress {
 
 enum class MainTab { interface = 0, progress = 1 };
 enum class PreviewTab { progressBar = 0, status = 1 };
-enum class PreviewColumn { path, currentName, newName, regex1, regex2, regex3, regex4, regex5, regex6 };
+enum class PreviewColumn {
+    path,
+    currentName,
+    newName,
+    regex1,
+    regex2,
+    regex3,
+    regex4,
+    regex5,
+    regex6,
+    problem,
+};
 
 /// All that the application needs of whatever stands in front of it: to show, and to ask. Texts are UTF-8,
 /// paths are bytes. Called on the main thread only; every call returns at once, no call waits in an event
