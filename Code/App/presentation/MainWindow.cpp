@@ -7,7 +7,9 @@
 #include "presentation/QtText.h"
 #include "presentation/Spoken.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/dialogs/PreferencesWindow.h"
 #include "presentation/help/HelpWindow.h"
+#include "presentation/history/HistoryWindow.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/start/FileAddress.h"
@@ -58,6 +60,7 @@ MainWindow::MainWindow(const WindowServices& services)
     progress = new ProgressPage(shared, this);
     mainTabView->addWidget(progress);
     connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
+    connect(windowCommands->showHistory, &QAction::triggered, this, [this] { showHistory({}); });
     connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
     connect(steps, &StepsPane::changed, this, &MainWindow::refreshCommands);
     connect(preview, &PreviewPane::selectionChanged, this, &MainWindow::refreshCommands);
@@ -152,6 +155,8 @@ void MainWindow::selectMainTab(MainTab tab) { mainTabView->setCurrentIndex(stati
 
 void MainWindow::setRunning(bool isRunning) {
     windowCommands->setRunning(isRunning);
+    if (history)
+        history->reload();
     preview->forgetPictures();
     refreshRenameButton();
 }
@@ -244,6 +249,15 @@ void MainWindow::showHelp(std::string_view anchor) {
     help->showAnchor(anchor);
     help->raise();
     help->activateWindow();
+}
+
+void MainWindow::showHistory(const std::string& run) {
+    if (!history) {
+        history = std::make_unique<HistoryWindow>(shared);
+        connect(history.get(), &HistoryWindow::preferencesRequested, this,
+                [this] { PreferencesWindow::open(this, shared, PreferencesWindow::Page::history); });
+    }
+    history->showRun(run);
 }
 
 void MainWindow::refreshRenameButton() {
