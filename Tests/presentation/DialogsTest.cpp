@@ -35,7 +35,7 @@ TEST_F(DialogTests, SaveAList) {
     auto* files = find<QFileDialog>("savePathDialog");
     files->findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(data.path("list.txt")));
     QMetaObject::invokeMethod(files, "accept");
-    EXPECT_EQ(close("alert"), "The file list was successfully saved.|");
+    waitForBar("The file list was successfully saved.");
     EXPECT_EQ(data.read("list.txt"), "a.txt\tImage_01.txt\n");
 }
 
@@ -264,13 +264,13 @@ TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
                      PropertyList::toXml(PropertyDictionary{{"Droplet Settings", droplet}}));
     }
     folder.write("two.desktop", "[Desktop Entry]\nX-Tavrin-Droplet=/gone/two.app\n");
-    const std::string presets = "Presets found at " + folder.path("old") + " were successfully migrated.|";
+    const std::string presets = "Presets found at " + folder.path("old") + " were successfully migrated.";
     const struct {
         const char *command, *dialog, *chosen;
         std::string told;
     } cases[] = {{"migratePresetsFromFolder", "locateFolderDialog", "old", presets},
-                 {"migrateDroplets", "locateDropletsDialog", "one.app", "Success|"},
-                 {"migrateDroplets", "locateDropletsDialog", "two.desktop", "Success|"}};
+                 {"migrateDroplets", "locateDropletsDialog", "one.app", "Success"},
+                 {"migrateDroplets", "locateDropletsDialog", "two.desktop", "Success"}};
     for (const auto& [command, name, chosen, told] : cases) {
         trigger(command);
         auto* dialog = waitFor<QFileDialog>(name);
@@ -281,7 +281,7 @@ TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
             return dialog->selectedFiles().contains(path);
         });
         static_cast<QDialog*>(dialog)->accept();
-        EXPECT_THAT(close("alert"), StartsWith(told));
+        waitForBar(told);
         waitUntilGone(name);
     }
     EXPECT_EQ(controller().presetsManager().count(), 1U);
@@ -307,7 +307,7 @@ TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     }
     EXPECT_TRUE(check.isVisible());
     click("checkForUpdatesNow");
-    EXPECT_THAT(close("alert"), StartsWith("Tavrin 9.9 is available.|"));
+    waitForBar("Tavrin 9.9 is available.");
 
     auto* interval = find<QComboBox>("SUScheduledCheckInterval");
     EXPECT_EQ(interval->currentText(), "every day");

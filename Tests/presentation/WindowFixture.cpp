@@ -82,6 +82,16 @@ void WindowFixture::waitForText(const char* name, const QString& text) {
     EXPECT_EQ(find(name)->property("text").toString().toStdString(), text.toStdString());
 }
 
+void WindowFixture::waitForBar(const std::string& words) {
+    const auto told = [] {
+        const auto* label = qobject_cast<QLabel*>(findWidget("messageText"));
+        const bool isShown = label && label->isVisible();
+        return isShown ? QTextDocumentFragment::fromHtml(label->text()).toPlainText().toStdString() : "";
+    };
+    (void)QTest::qWaitFor([&] { return told().starts_with(words); }, patience);
+    EXPECT_THAT(told(), ::testing::StartsWith(words));
+}
+
 void WindowFixture::waitUntilGone(const char* name) {
     waitUntil(std::string("gone: ") + name, [name] {
         const QWidget* widget = findWidget(name);

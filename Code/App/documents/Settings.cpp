@@ -44,7 +44,7 @@ const std::vector<Row>& table() {
         {processFiles, &S::shouldProcessFiles, 1},
         {processFolders, &S::shouldProcessFolders, 1},
         {processSubfolders, &S::shouldProcessSubfolders, 0},
-        {previewPaneWidth, &S::previewPaneWidth, 450, anyNumber},
+        {previewPaneWidth, &S::previewPaneWidth, S::firstPreviewPaneWidth, anyNumber},
         {previewMode, &S::previewMode, 0, anyNumber},
         {"discloseAdvancedOptions", {}, 0},
         {renameMode, &S::renameMode, MacOSXVersion::isLionOrLater() ? 0 : 1, 2},

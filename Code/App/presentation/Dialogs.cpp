@@ -186,6 +186,11 @@ void Dialogs::showAlert(QWidget* parent, const Alert& alert, std::function<void(
     box->open();
 }
 
+Dialogs::NoticeWords Dialogs::wordsOf(NoticeDialog dialog) {
+    const NoticeText& text = textOf(dialog);
+    return {text.name, tr(text.title), tr(text.text), text.canBeSwitchedOff};
+}
+
 void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
     const NoticeText& text = textOf(dialog);
     QMessageBox* box =

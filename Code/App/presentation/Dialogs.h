@@ -21,6 +21,14 @@ struct Dialogs {
 
   public:
     static void showAlert(QWidget* parent, const Alert& alert, std::function<void(AlertAnswer)> answer);
+    /// The words of a notice, and whether it offers not to come again.
+    struct NoticeWords {
+        const char* name; ///< of the object
+        QString title;
+        QString text;
+        bool canBeSwitchedOff;
+    };
+    [[nodiscard]] static NoticeWords wordsOf(NoticeDialog dialog);
     static void showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer);
     static void showProcessingErrors(QWidget* parent, const FailureReport& report,
                                      std::function<void()> closed);

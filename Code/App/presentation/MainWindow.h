@@ -23,6 +23,8 @@ class HelpWindow;
 class HistoryWindow;
 class PreviewPane;
 class ProgressPage;
+class RecipeClipboard;
+class RecipeLine;
 class SettingsPane;
 class StepsPane;
 class WindowCommands;
@@ -50,6 +52,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     /// is over by then.
     void showProgressAlone(bool isRunning);
     void centre();
+    /// Gives the list the width that it had last, where anyone has given it one.
+    void restorePaneWidth();
     /// Where a question of a run is put.
     [[nodiscard]] QuestionCard::Place questionPlace();
     void showHelp(std::string_view anchor);
@@ -65,7 +69,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    /// Of the progress window: to close it is to close this one.
+    /// Of the progress window: to close it is to close this one. Of the list: its width is remembered.
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -77,10 +81,15 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void addByDialog(bool folders);
     void refreshCommands();
     void buildProgressWindow();
+    void arrangeForSize();
+    void arrangeBottomRow();
+    void rememberPaneWidth();
+    /// Back onto a screen, if its own has gone or become smaller.
+    void returnToScreen();
     /// At once, with room for a question.
     void showProgressWindow();
-    void arrangeForWidth();
     void dividerMoved();
+    void refreshRecipeLine();
 
     WindowServices shared;
     bool isInDropletEditMode = false;
@@ -88,6 +97,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     bool isMovingDivider = false;
     bool asksForFolders = false;
     QStackedWidget* mainTabView = nullptr;
+    QWidget* bottomRow = nullptr;
     QSplitter* outerSplitter = nullptr;
     QSplitter* innerSplitter = nullptr;
     StepsPane* steps = nullptr;
@@ -98,11 +108,13 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     QTimer progressDelay;
     QPushButton* createDropletButton = nullptr;
     QPushButton* createFileListButton = nullptr;
+    RecipeLine* recipeLine = nullptr;
     QPushButton* okButton = nullptr;
     QToolButton* okMenuButton = nullptr;
     std::unique_ptr<WindowCommands> windowCommands;
     std::unique_ptr<HelpWindow> help;
     std::unique_ptr<HistoryWindow> history; ///< made when it is first wanted
+    std::unique_ptr<RecipeClipboard> recipeClipboard;
 };
 
 } // namespace tavrin

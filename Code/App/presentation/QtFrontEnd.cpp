@@ -1,6 +1,7 @@
 #include "presentation/QtFrontEnd.h"
 
 #include "presentation/AddressFetcher.h"
+#include "presentation/AlertBars.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
@@ -43,18 +44,27 @@ void QtFrontEnd::whenShown(std::function<void()> action) {
         action();
 }
 
+bool QtFrontEnd::hasBars() const {
+    // Below a dialog that is in use a bar would be overlooked.
+    return window && window->isVisible() && !qobject_cast<QDialog*>(QApplication::activeWindow());
+}
+
 void QtFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) {
-    if (window && alert.kind == AlertKind::nothingToTakeBack) {
-        window->previewPane().messageBars().present({.objectName = "nothingToUndoBar",
-                                                     .bold = toQString(alert.title),
-                                                     .plain = toQString(alert.text)});
-        return;
-    }
-    whenShown([this, alert, answer = std::move(answer)] { Dialogs::showAlert(window, alert, answer); });
+    whenShown([this, alert, answer = std::move(answer)] {
+        if (hasBars() && AlertBars::canShow(alert))
+            AlertBars::show(window->previewPane().messageBars(), alert, answer);
+        else
+            Dialogs::showAlert(window, alert, answer);
+    });
 }
 
 void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
-    whenShown([this, dialog, answer = std::move(answer)] { Dialogs::showNotice(window, dialog, answer); });
+    whenShown([this, dialog, answer = std::move(answer)] {
+        if (hasBars() && AlertBars::canShow(dialog))
+            AlertBars::show(window->previewPane().messageBars(), dialog, answer);
+        else
+            Dialogs::showNotice(window, dialog, answer);
+    });
 }
 
 void QtFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
@@ -163,11 +173,21 @@ void QtFrontEnd::fetchAddress(const std::string& address, std::size_t limit,
 // --- Showing ---
 
 void QtFrontEnd::presentNotice(const std::string& text) {
-    whenShown([this, text] { (void)Dialogs::presentNotice(window, text); });
+    whenShown([this, text] {
+        if (hasBars())
+            AlertBars::showNotice(window->previewPane().messageBars(), text);
+        else
+            (void)Dialogs::presentNotice(window, text);
+    });
 }
 
 void QtFrontEnd::presentError(const std::string& message) {
-    whenShown([this, message] { (void)Dialogs::presentError(window, message); });
+    whenShown([this, message] {
+        if (hasBars())
+            AlertBars::showError(window->previewPane().messageBars(), message);
+        else
+            (void)Dialogs::presentError(window, message);
+    });
 }
 
 bool QtFrontEnd::isRunningDroplet() const {
@@ -246,9 +266,15 @@ void QtFrontEnd::previewFinished() {
     if (!window)
         return;
     window->previewPane().previewFinished();
+    window->settingsPane().previewFinished();
     MainController& controller = window->services().controller;
     window->setPreviewDue(controller.previewControl().isPreviewPending() ||
                           controller.renameEngine().isPreviewWaiting());
+}
+
+void QtFrontEnd::pathsAdded(const std::vector<std::string>& paths) {
+    if (window && !isRunningDroplet())
+        window->previewPane().pathsAdded(paths);
 }
 
 void QtFrontEnd::runStateChanged(bool isRunning) {

@@ -58,6 +58,7 @@ class QtFrontEnd final : public FrontEnd {
     void previewListChanged() override;
     void previewRequested() override;
     void previewFinished() override;
+    void pathsAdded(const std::vector<std::string>& paths) override;
     void runStateChanged(bool isRunning) override;
     void fillPresetMenu(const std::vector<std::u16string>& titles) override;
     void actionListChanged() override;
@@ -76,6 +77,8 @@ class QtFrontEnd final : public FrontEnd {
   private:
     /// At once, or when the window that is about to come up stands.
     void whenShown(std::function<void()> action);
+    /// Whether bars that need no answer would be seen.
+    [[nodiscard]] bool hasBars() const;
     [[nodiscard]] bool isRunningDroplet() const;
     void terminateWhenAllIsRead();
     /// An alert as a card of the window.

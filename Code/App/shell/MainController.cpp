@@ -72,8 +72,8 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
                engine,
                sourceItems,
                mode},
-      listCommands(services), preview(services, store, listCommands), sources(services, store, preview),
-      dragging(services, {store, preview, sources}), notices(services),
+      listCommands(services), recipes(services, listCommands, store), preview(services, store, listCommands),
+      sources(services, store, preview), dragging(services, {store, preview, sources}), notices(services),
       missingTagNotice(
           environment.runLoop,
           [this](std::function<void()> gone) { notices.showTagNotPresentDialog(std::move(gone)); }),

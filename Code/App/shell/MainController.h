@@ -13,6 +13,7 @@
 #include "shell/asking/NoticeDialogs.h"
 #include "shell/commands/ActionListCommands.h"
 #include "shell/commands/DropletCommands.h"
+#include "shell/commands/RecipeCommands.h"
 #include "shell/commands/ShellServices.h"
 #include "shell/commands/SourceCommands.h"
 #include "shell/commands/UndoCommands.h"
@@ -122,6 +123,7 @@ class MainController : public EngineHost, public ActionObserver {
     // --- Parts ---
     [[nodiscard]] RenameEngine& renameEngine() { return engine; }
     [[nodiscard]] ActionListCommands& actionListCommands() { return listCommands; }
+    [[nodiscard]] RecipeCommands& recipeCommands() { return recipes; }
     [[nodiscard]] PreviewControl& previewControl() { return preview; }
     [[nodiscard]] PreviewList& nodeController() { return preview.nodeController(); }
     [[nodiscard]] SourceCommands& sourceCommands() { return sources; }
@@ -191,6 +193,7 @@ class MainController : public EngineHost, public ActionObserver {
     PresetsManager presets;
     ShellServices services;
     ActionListCommands listCommands;
+    RecipeCommands recipes;
     PreviewControl preview;
     SourceCommands sources;
     DNDArrayController dragging;

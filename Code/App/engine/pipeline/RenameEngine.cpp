@@ -119,7 +119,7 @@ void RenameEngine::readHistory(std::function<std::function<void()>(const RunHist
 void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest request,
                                    std::function<void(EngineHost&, const TakeBackResult&)> completion) {
     stopRequested = false;
-    const bool showsRun = request.showsLook || request.extent != TakeBackRequest::Extent::look;
+    const bool showsRun = request.isOnShow || request.extent != TakeBackRequest::Extent::look;
     if (showsRun)
         onMainThread([](EngineHost& host) { host.startProgressWindow(); });
     threads.detach([this, &progress, request = std::move(request), completion = std::move(completion),
@@ -143,6 +143,7 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
     purpose->of = request.chosen.run.name;
     purpose->isStrict = true;
     purpose->asks = request.asks;
+    purpose->tellsByPath = request.isOnShow;
     ProcessingPipeline pipeline(*this);
     pipeline.setProgressInfo(&progress);
     pipeline.setStore(*result.store);

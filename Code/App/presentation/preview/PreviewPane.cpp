@@ -9,6 +9,7 @@
 #include "presentation/WindowCommands.h"
 #include "presentation/preview/EmptyListPage.h"
 #include "presentation/preview/FindBar.h"
+#include "presentation/preview/FolderOffer.h"
 #include "presentation/preview/ListBar.h"
 #include "presentation/preview/NameDelegate.h"
 #include "presentation/preview/PreviewTableView.h"
@@ -89,8 +90,9 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
       thumbnails(new ThumbnailLoader(this)), model(new PreviewTableModel(shared, *thumbnails, this)),
       view(new PreviewTableView(*model, controller.dndArrayController())),
       listBar(new ListBar(shared, windowCommands)), findBar(new FindBar(*view, *model)),
-      pages(new QStackedWidget), bars(new MessageBars), problemBar(new ProblemBar(windowCommands)),
-      statusRow(new StatusRow(controller)), longWork(controller.runLoop()) {
+      pages(new QStackedWidget), bars(new MessageBars), folderOffer(new FolderOffer(shared, *bars, this)),
+      problemBar(new ProblemBar(windowCommands)), statusRow(new StatusRow(controller)),
+      longWork(controller.runLoop()) {
     setObjectName("previewPane");
     buildTable();
     connectTable();
@@ -322,6 +324,8 @@ void PreviewPane::previewFinished() {
     listChanged();
     showProblems();
     sizeColumnsToFit();
+    if (controller.previewControl().isPreviewEmpty())
+        folderOffer->withdraw();
 }
 
 void PreviewPane::refreshProgress() { statusRow->refreshProgress(); }
@@ -333,6 +337,10 @@ void PreviewPane::enterDropletEditMode() {
     if (auto* promise = findChild<QLabel*>("emptyListPromise"))
         promise->setText(tr("Files you add here only show the effect."));
 }
+
+void PreviewPane::pathsAdded(const std::vector<std::string>& paths) { folderOffer->pathsAdded(paths); }
+
+void PreviewPane::setLow(bool isLow) { listBar->setLow(isLow); }
 
 void PreviewPane::showProblems() {
     model->setProblems(controller.nodeController().problemIds());

@@ -19,6 +19,7 @@ namespace tavrin {
 
 class FindBar;
 class ListBar;
+class FolderOffer;
 class MessageBars;
 class ParameterBinding;
 class PreviewTableView;
@@ -51,7 +52,10 @@ class PreviewPane final : public QWidget {
     void forgetPictures();
     /// The messages below the list.
     [[nodiscard]] MessageBars& messageBars() { return *bars; }
+    void pathsAdded(const std::vector<std::string>& paths);
     void enterDropletEditMode();
+    /// Whether the window is so low that the rows around the list had better be, too.
+    void setLow(bool isLow);
 
     [[nodiscard]] std::vector<RowId> selection() const;
     /// Of the selected rows, or of the whole list where none is; absent where that is empty.
@@ -106,6 +110,7 @@ class PreviewPane final : public QWidget {
     FindBar* findBar;
     QStackedWidget* pages; ///< the table, or the invitation
     MessageBars* bars;
+    FolderOffer* folderOffer;
     ProblemBar* problemBar;
     StatusRow* statusRow;
     SlicedWork longWork;

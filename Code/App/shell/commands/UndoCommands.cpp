@@ -120,7 +120,7 @@ void UndoCommands::begin(const ChosenRun& chosen, const std::shared_ptr<void>& q
         services.progress,
         {.chosen = chosen,
          .extent = isOwn ? TakeBackRequest::Extent::allOrNothing : TakeBackRequest::Extent::look,
-         .showsLook = true},
+         .isOnShow = true},
         [=, this](EngineHost&, const TakeBackResult& result) {
             if (!result.wasDone)
                 return looked(chosen, result, question);
@@ -152,7 +152,7 @@ void UndoCommands::looked(const ChosenRun& chosen, const TakeBackResult& found,
 }
 
 void UndoCommands::perform(const ChosenRun& chosen) {
-    services.engine.processTakeBack(services.progress, {.chosen = chosen},
+    services.engine.processTakeBack(services.progress, {.chosen = chosen, .isOnShow = true},
                                     [this](EngineHost&, const TakeBackResult& result) { ended(result); });
 }
 

@@ -41,7 +41,7 @@ void PreviewList::bringUpToDate() {
     Question question{store.generation(), 0, predicate, order};
     StoreContext& context = store.managedObjectContext();
     const std::lock_guard lock(context.mutex());
-    question.listVersion = context.listVersion();
+    question.version = context.versionOf(request());
     if (answered == question)
         return;
     answered.reset();

@@ -75,7 +75,7 @@ class PreviewList {
     /// What the rows in hand are an answer to.
     struct Question {
         std::uint64_t generation = 0;
-        std::uint64_t listVersion = 0;
+        std::uint64_t version = 0; ///< of the rows
         Predicate predicate;
         std::vector<SortDescriptor> order;
         bool operator==(const Question&) const = default;

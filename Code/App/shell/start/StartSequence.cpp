@@ -168,6 +168,8 @@ void StartSequence::loadChain() {
         return;
     try {
         services.composite.loadFromPreferences();
+        if (!services.defaults.objectForKey("composite action"))
+            units.commands.fitWidth();
     } catch (const std::exception& failure) {
         services.composite.setFlatParameterList(std::nullopt);
         chainInPlaceOfStored = services.composite.getFlatParameterList();
