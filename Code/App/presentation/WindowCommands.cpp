@@ -27,6 +27,8 @@
 #include <QMessageBox>
 #include <QMetaMethod>
 #include <QUrl>
+#include <algorithm>
+#include <array>
 
 namespace tavrin {
 
@@ -44,6 +46,13 @@ bool performOnText(const char* slot) {
     if (!field || field->metaObject()->indexOfSlot(QByteArray(slot) + "()") < 0)
         return false;
     return QMetaObject::invokeMethod(field, slot);
+}
+
+/// Whether anything is on the list, be it in sight or not.
+bool hasSourceItems(MainController& controller) {
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.sourceItemCount() > 0;
 }
 
 } // namespace
@@ -151,6 +160,8 @@ void WindowCommands::addEditMenu() {
     addForText(menu, "selectAll", tr("Select &All"), QKeySequence::SelectAll);
     menu->addSeparator();
     findInList = add(menu, "findInList", tr("&Find in List…"), QKeySequence::Find);
+    findNext = add(menu, "findNext", tr("Find Ne&xt"), QKeySequence("F3"));
+    findPrevious = add(menu, "findPrevious", tr("Find Previou&s"), QKeySequence("Shift+F3"));
     nextProblem = add(menu, "nextProblem", tr("&Next Problem"), QKeySequence("F8"));
     previousProblem = add(menu, "previousProblem", tr("Pre&vious Problem"), QKeySequence("Shift+F8"));
     menu->addSeparator();
@@ -237,7 +248,9 @@ void WindowCommands::addViewMenu() {
             QKeySequence("F9"), [&controller] { controller.showMultistepDrawer(); });
     menu->addSeparator();
     addSetting(menu, "showCurrentName", tr("&Current Name"));
-    addSetting(menu, "showPath", tr("F&older"));
+    showPath = add(menu, "showPath", tr("F&older"), {},
+                   [&controller](bool isShown) { controller.previewControl().showFolderColumn(isShown); });
+    showPath->setCheckable(true);
     addSetting(menu, "quickLookThumbnail", tr("&Thumbnails"), QKeySequence("Ctrl+T"));
     showInvisibles = add(menu, "showInvisibles", tr("&Invisible Characters"), QKeySequence("Ctrl+I"),
                          [this](bool areShown) { services.defaults.setObject("showInvisibles", areShown); });
@@ -255,6 +268,9 @@ void WindowCommands::addViewMenu() {
     showItemsToBeRenamed =
         add(menu, "showItemsToBeRenamed", tr("Items to &Be Renamed"), QKeySequence("Ctrl+2"));
     showProblems = add(menu, "showProblems", tr("&Problems"), QKeySequence("Ctrl+3"));
+    showNotRenamed = add(menu, "showNotRenamed", tr("Not Re&named"), QKeySequence("Ctrl+4"));
+    all.pop_back(); // the list knows when it is on
+    showNotRenamed->setEnabled(false);
     menu->addSeparator();
     manualOrder =
         add(menu, "manualOrder", tr("&Manual Order"), QKeySequence("Ctrl+M"),
@@ -338,7 +354,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
     MainController& controller = services.controller;
     const CompositeRenameAction& chain = controller.compositeAction();
     const bool areOn = controller.validateUserInterfaceItem() && !isRunning;
-    const bool hasRows = !controller.previewControl().isPreviewEmpty();
+    const bool hasItems = hasSourceItems(controller);
     const bool canRename = controller.isRenameButtonEnabled();
     const bool hasSeveralSteps = MoreThanOneObjectInTableTransformer::transformedValue(chain.count());
     const bool isDrawerShown = controller.globalSettings().values().shouldShowMultistepDrawer != 0;
@@ -346,7 +362,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
         if (action == removeFile)
             return controller.sourceCommands().canRemove(selection);
         if (action == clearPreview || action == createFileList)
-            return hasRows;
+            return hasItems;
         if (action == ok || action == applyAndQuit || action == applyButDontQuit)
             return canRename;
         if (action == showMultistepDrawer)
@@ -356,14 +372,17 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
             return hasSeveralSteps;
         return true;
     };
+    // What only looks at the list can be done during a run, too.
+    const std::array looking{copy, findInList, showAllItems, showItemsToBeRenamed, showProblems};
     for (QAction* action : all)
-        action->setEnabled(areOn && isOn(action));
+        action->setEnabled((areOn || std::ranges::find(looking, action) != looking.end()) && isOn(action));
     for (QAction* action : presetActions)
         action->setEnabled(areOn && controller.presetsManager().count() > 0);
     if (!areOn)
         return;
     showMultistepDrawer->setText(MultiStepDrawerTransformer::transformedValue(isDrawerShown));
     stepActive->setChecked(chain.getCurrentAction().getParamInt("active", 0) == 1);
+    showPath->setChecked(controller.previewControl().isFolderColumnShown());
     showInvisibles->setChecked(services.defaults.boolForKey("showInvisibles"));
     manualOrder->setChecked(!controller.globalSettings().values().automaticSorting);
 }
