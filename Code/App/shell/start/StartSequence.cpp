@@ -186,6 +186,10 @@ void StartSequence::connectObservers() {
     ActionObserver& observer = units.observer;
     services.actionList.setAutomaticSorting(services.settings.values().automaticSorting);
     observations.push_back(services.settings.registerObserverForAllValues(observer));
+    // Some settings have no value before they are first set.
+    for (const auto& [key, value] : Settings::knownSettings())
+        if (!services.settings.parameterList().contains(key))
+            observations.push_back(services.settings.registerObserver(observer, key));
     observations.push_back(services.composite.registerObserverForAllValues(observer));
     for (const char* key : {"actionList", "transientActionIndex"})
         observations.push_back(services.composite.registerObserver(observer, key));
