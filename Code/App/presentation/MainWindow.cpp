@@ -76,7 +76,10 @@ MainWindow::MainWindow(const WindowServices& services)
     connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
     connect(windowCommands->showHistory, &QAction::triggered, this, [this] { showHistory({}); });
     connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
-    connect(steps, &StepsPane::changed, this, &MainWindow::refreshCommands);
+    connect(steps, &StepsPane::changed, this, [this] {
+        refreshCommands();
+        arrangeForSize();
+    });
     connect(preview, &PreviewPane::selectionChanged, this, &MainWindow::refreshCommands);
     connect(preview, &PreviewPane::begun, this, [this] {
         settings->focusFirstField();
@@ -226,6 +229,7 @@ void MainWindow::setDividerPosition(double position) {
                       : position <= ActionListCommands::minimumWidth ? firstStepsWidth
                                                                      : static_cast<int>(position);
     steps->setVisible(width > 0);
+    arrangeForSize();
     if (width > 0)
         outerSplitter->setSizes({width, std::max(1, outerSplitter->width() - width)});
     isMovingDivider = false;
@@ -446,7 +450,9 @@ void MainWindow::arrangeBottomRow() {
 }
 
 void MainWindow::arrangeForSize() {
-    const bool isNarrow = width() < narrowWidth;
+    const int beside = steps->isHidden() ? 0 : steps->minimumWidth() + outerSplitter->handleWidth();
+    const int needed = beside + settings->minimumWidth() + innerSplitter->handleWidth() + leastPreviewWidth;
+    const bool isNarrow = width() < std::max(narrowWidth, needed);
     const int highest = height() * 45 / 100;
     settings->setMaximumHeight(isNarrow ? highest : QWIDGETSIZE_MAX);
     preview->setMinimumWidth(isNarrow ? 0 : leastPreviewWidth);
