@@ -72,7 +72,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
                sourceItems,
                mode},
       listCommands(services), preview(services, store, listCommands), sources(services, store, preview),
-      dragging(services, {store, preview, sources}), notices(services),
+      hands(services, preview, sources), dragging(services, {store, preview, sources}), notices(services),
       missingTagNotice(
           environment.runLoop,
           [this](std::function<void()> gone) { notices.showTagNotPresentDialog(std::move(gone)); }),

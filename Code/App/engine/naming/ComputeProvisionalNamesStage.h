@@ -35,7 +35,8 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     /// Points the request at the next folder; false when all folders are done.
     bool moveToNextFolder(FetchRequest& request);
     void processByRank(const std::vector<RowId>& rows);
-    [[nodiscard]] bool isProcessed(bool isFolder) const { return isFolder ? processFolders : processFiles; }
+    /// Whether steps name the row. All others keep their names and take no rank.
+    [[nodiscard]] bool isProcessed(RowId id) const;
     /// Skipped rows have no use for the rank.
     void processRow(RowId id, std::int32_t rank);
     void runAction(RowId id);

@@ -32,7 +32,8 @@ std::uint64_t ordered(std::int32_t value) { return static_cast<std::uint32_t>(va
 
 template <std::unsigned_integral Number> std::uint64_t ordered(Number value) { return value; }
 
-std::uint64_t ordered(NameProblem value) { return static_cast<std::uint8_t>(value); }
+template <typename Enum>
+requires std::is_enum_v<Enum> std::uint64_t ordered(Enum value) { return static_cast<std::uint8_t>(value); }
 
 /// SplitMix64, a bijection that scatters consecutive numbers.
 std::uint64_t scatter(std::uint64_t value) {
