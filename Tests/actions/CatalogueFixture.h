@@ -9,11 +9,12 @@ namespace tavrin::test {
 
 /// The new name that an action gives to one.
 inline std::u16string run(BaseRenameAction& action, std::u16string name, std::int32_t rank = 1,
-                          const std::string& path = "/photos/trip/a.jpg") {
+                          const std::string& path = "/photos/trip/a.jpg", std::int32_t lastRank = 1) {
     InputContext input;
     input.path = path;
     input.currentName = std::move(name);
     input.rank = rank;
+    input.lastRank = lastRank;
     OutputContext output;
     action.executeWithInputContext(input, output);
     return output.newName;

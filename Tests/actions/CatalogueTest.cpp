@@ -106,9 +106,12 @@ void expectCase(BaseRenameAction& action, const ActionCase& each, const Temporar
         path = path.empty() ? folder.write("file") : path;
         setModificationTime(path, modified);
     }
-    const auto* const rank = find(each.circumstances, "@rank");
+    const auto number = [&](std::string_view key) {
+        const auto* value = find(each.circumstances, key);
+        return value ? intValue(*value) : 1;
+    };
     for (const auto* use : {"first use", "second use"}) {
-        EXPECT_EQ(run(action, each.name, rank ? intValue(*rank) : 1, path), each.expected) << use;
+        EXPECT_EQ(run(action, each.name, number("@rank"), path, number("@last")), each.expected) << use;
         run(action, u"Some Oth\u00e9r-name e\u0301 aBc.ext");
     }
 }

@@ -37,7 +37,7 @@ TEST_F(DialogTests, SaveAListAndTakeARunBackOnAYesAlone) {
     auto* files = find<QFileDialog>("savePathDialog");
     files->findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(data.path("list.txt")));
     QMetaObject::invokeMethod(files, "accept");
-    EXPECT_EQ(close("alert"), "The file list was successfully saved.|");
+    waitForBar("The file list was successfully saved.");
     EXPECT_EQ(data.read("list.txt"), "a.txt\tImage_01.txt\n");
 
     trigger("ok");
@@ -146,28 +146,33 @@ TEST_F(DialogTests, ShowWholeReasonsAndCountAllFailures) {
     }
 }
 
-// No question offers an answer that it does not allow, and each offers all that it does.
+// No question offers an answer that it does not allow, and each offers all that it does. One card serves them
+// all.
 TEST_F(DialogTests, OfferTheAnswersThatAreAllowed) {
     start();
     using enum ConfirmationChoice;
     const std::pair<const char*, ConfirmationChoice> buttons[] = {
         {"confirmOne", one}, {"confirmAll", all}, {"leaveOut", leaveOut}, {"confirmStop", stop}};
     const RunQuestion questions[] = {RenameQuestion(), SwapQuestion(), NameCycleQuestion(), ProblemReport()};
+    QuestionCard card;
     for (const RunQuestion& question : questions)
         for (const auto& [name, choice] : buttons) {
             std::optional<ConfirmationChoice> given;
-            Dialogs::ask(&application->window(), question, false,
-                         [&](ConfirmationChoice answer) { given = answer; });
-            QWidget* button = findWidget(name);
-            const bool isOffered = button && button->isVisible();
+            card.ask({*find("listPages")}, question, false,
+                     [&](ConfirmationChoice answer) { given = answer; });
+            const auto cards = Card::in(application->window());
+            ASSERT_EQ(cards.size(), 1);
+            EXPECT_FALSE(application->window().menuBar()->isEnabled());
+            const bool isOffered = cards.front()->findChild<QWidget*>(name) != nullptr;
             EXPECT_EQ(isOffered, std::ranges::count(allowedAnswers(question), choice) == 1) << name;
             if (isOffered)
                 click(name);
             else
-                find<QDialog>("reportProblemWindow")->reject();
+                cards.front()->withdraw();
             EXPECT_EQ(given, isOffered ? choice : stop);
-            waitUntilGone("confirmStop");
         }
+    waitUntilGone("reportProblemWindow");
+    EXPECT_TRUE(application->window().menuBar()->isEnabled());
 }
 
 TEST_F(DialogTests, OpenHelpWhereverTheCodePointsTo) {
@@ -276,13 +281,13 @@ TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
                      PropertyList::toXml(PropertyDictionary{{"Droplet Settings", droplet}}));
     }
     folder.write("two.desktop", "[Desktop Entry]\nX-Tavrin-Droplet=/gone/two.app\n");
-    const std::string presets = "Presets found at " + folder.path("old") + " were successfully migrated.|";
+    const std::string presets = "Presets found at " + folder.path("old") + " were successfully migrated.";
     const struct {
         const char *command, *dialog, *chosen;
         std::string told;
     } cases[] = {{"migratePresetsFromFolder", "locateFolderDialog", "old", presets},
-                 {"migrateDroplets", "locateDropletsDialog", "one.app", "Success|"},
-                 {"migrateDroplets", "locateDropletsDialog", "two.desktop", "Success|"}};
+                 {"migrateDroplets", "locateDropletsDialog", "one.app", "Success"},
+                 {"migrateDroplets", "locateDropletsDialog", "two.desktop", "Success"}};
     for (const auto& [command, name, chosen, told] : cases) {
         trigger(command);
         auto* dialog = waitFor<QFileDialog>(name);
@@ -293,7 +298,7 @@ TEST_F(SupportServicesTest, PresetsAndDropletsOfTheOldVersionAreLocated) {
             return dialog->selectedFiles().contains(path);
         });
         static_cast<QDialog*>(dialog)->accept();
-        EXPECT_THAT(close("alert"), StartsWith(told));
+        waitForBar(told);
         waitUntilGone(name);
     }
     EXPECT_EQ(controller().presetsManager().count(), 1U);
@@ -319,7 +324,7 @@ TEST_F(SupportServicesTest, UpdatesAreOffUntilAFeedIsNamed) {
     }
     EXPECT_TRUE(check.isVisible());
     click("checkForUpdatesNow");
-    EXPECT_THAT(close("alert"), StartsWith("Tavrin 9.9 is available.|"));
+    waitForBar("Tavrin 9.9 is available.");
 
     auto* interval = find<QComboBox>("SUScheduledCheckInterval");
     EXPECT_EQ(interval->currentText(), "every day");

@@ -236,6 +236,10 @@ TEST(NameDifference, TellsWhatWentAndWhatCame) {
         // Half a word or half a number tells nothing.
         {u"holiday 1.txt", u"hotel 1.txt", u"[holiday] 1.txt", u"[hotel] 1.txt"},
         {u"x 1234.txt", u"x 1299.txt", u"x 12[34].txt", u"x 12[99].txt"},
+        // What was only put in, or only taken out, is all that is tinted, in one of the names.
+        {u"holiday.txt", u"holidays at sea.txt", u"holiday.txt", u"holiday[s at sea].txt"},
+        {u"a12345.txt", u"a1.txt", u"a1[2345].txt", u"a1.txt"},
+        {u"ab1.txt", u"abcdef1.md", u"ab1.[txt]", u"ab[cdef]1.[md]"},
         // A composed character is never cut.
         {u"cafe\u0301 a", u"cafe a", u"caf[e\u0301] a", u"caf[e] a"},
         {u"", u"a", u"", u"a"},

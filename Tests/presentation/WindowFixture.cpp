@@ -1,6 +1,7 @@
 #include "presentation/WindowFixture.h"
 
 #include "actions/ActionList.h"
+#include "presentation/cards/Card.h"
 
 namespace tavrin::test {
 
@@ -32,6 +33,8 @@ QWidget* WindowFixture::findWidget(const char* name) {
 void WindowFixture::click(const char* name) {
     auto* button = find<QAbstractButton>(name);
     ASSERT_TRUE(button->isEnabled()) << name;
+    for (const Card* card : Card::in(*button->window()))
+        waitUntil("the card listens", [card] { return !card->isDeaf(); });
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
@@ -77,6 +80,16 @@ void WindowFixture::waitUntil(const std::string& what, const std::function<bool(
 void WindowFixture::waitForText(const char* name, const QString& text) {
     (void)QTest::qWaitFor([&] { return find(name)->property("text") == text; }, patience);
     EXPECT_EQ(find(name)->property("text").toString().toStdString(), text.toStdString());
+}
+
+void WindowFixture::waitForBar(const std::string& words) {
+    const auto told = [] {
+        const auto* label = qobject_cast<QLabel*>(findWidget("messageText"));
+        const bool isShown = label && label->isVisible();
+        return isShown ? QTextDocumentFragment::fromHtml(label->text()).toPlainText().toStdString() : "";
+    };
+    (void)QTest::qWaitFor([&] { return told().starts_with(words); }, patience);
+    EXPECT_THAT(told(), ::testing::StartsWith(words));
 }
 
 void WindowFixture::waitUntilGone(const char* name) {

@@ -64,6 +64,8 @@ class WindowFixture : public ::testing::Test {
     }
     /// Until a label or button says this.
     void waitForText(const char* name, const QString& text);
+    /// Until the bar below the list begins with this.
+    static void waitForBar(const std::string& words);
     /// Until it is gone.
     static void waitUntilGone(const char* name);
     /// Closes a dialog as soon as it is there. Gives what an alert has told: its title, "|" and its text.

@@ -293,23 +293,66 @@ TEST_F(MergeTest, WhatTheStoreHoldsWinsOverThePendingChangeOfTheMainContext) {
     EXPECT_EQ(path, "");
 }
 
+TEST(ItemStoreTest, OrdersRowsByAllThatAListShowsAndKnowsTheirFolders) {
+    ItemStore store(ItemStore::Options{});
+    StoreContext context(store, StoreContext::MergePolicy::contextWins);
+    struct {
+        const char* folder;
+        const char* name;
+        const char16_t* finalName;
+        NameProblem problem;
+    } const rows[] = {{"/r/b c", "1", u"x10", NameProblem::none},
+                      {"/r/b/a", "2", u"x9", NameProblem::link},
+                      {"/r/b", "3", u"x9", NameProblem::empty},
+                      {"/r/b10", "4", u"4", NameProblem::none},
+                      {"/r/b9", "5", u"y", NameProblem::none}};
+    std::map<std::string, RowId> folders;
+    for (const auto& [folder, name, finalName, problem] : rows) {
+        if (!folders.contains(folder))
+            folders[folder] = context.insertGhostNode(folder);
+        const RowId row = context.insertFile(folders[folder], name, true, false, 0);
+        context.setFinalName(row, finalName);
+        context.change(row).problem = problem;
+    }
+    context.commit();
+    const auto names = [&](std::vector<SortDescriptor> order) {
+        std::string result;
+        for (const RowId row : context.fetch({FetchEntity::file, Predicate::always(), std::move(order)}))
+            result += context.component(row);
+        return result;
+    };
+    EXPECT_EQ(names({{NodeKey::finalName}, {NodeKey::name, false}}), "43215");
+    EXPECT_EQ(names({{NodeKey::finalName, false}, {NodeKey::name}}), "51234");
+    EXPECT_EQ(names({{NodeKey::folder}}), "32154");
+    EXPECT_EQ(names({{NodeKey::problem}, {NodeKey::name}}), "32145");
+    const auto foldersOf = [&](const Predicate& predicate) {
+        return context.foldersOf({FetchEntity::file, predicate, {}});
+    };
+    EXPECT_EQ(foldersOf(Predicate::always()), (RowFolders{5, "/r"}));
+    EXPECT_EQ(foldersOf(Predicate::isTrue(NodeKey::problem)), (RowFolders{2, "/r/b"}));
+    EXPECT_EQ(foldersOf(Predicate::isTrue(NodeKey::treatAsFolder)), RowFolders());
+}
+
 TEST_F(MergeTest, OnlyWhatAListDependsOnVoidsIt) {
     const RowId row = rows[5];
-    const std::tuple<const char*, std::function<void()>, bool> cases[] = {
-        {"final name", [&] { worker.setFinalName(row, u"x"); }, false},
-        {"diff", [&] { worker.change(row).diff = true; }, false},
-        {"marker", [&] { worker.setStageFlag(row, 4); }, false},
-        {"depth", [&] { worker.change(row).depth = 4; }, false},
-        {"date", [&] { worker.change(row).modDate = 4; }, true},
-        {"root", [&] { worker.change(row).root = !worker.row(row).root; }, true},
-        {"insert", [&] { worker.insertFile(ghost, "new", false, false, 0); }, true},
-        {"deletion", [&] { worker.deleteRow(row); }, true},
+    const FetchRequest byDate{FetchEntity::file, Predicate::isTrue(NodeKey::root), {{NodeKey::modDate}}};
+    const FetchRequest byNewName{FetchEntity::file, Predicate::always(), {{NodeKey::finalName}}};
+    const std::tuple<const char*, std::function<void()>, bool, bool> cases[] = {
+        {"final name", [&] { worker.setFinalName(row, u"x"); }, false, true},
+        {"diff", [&] { worker.change(row).diff = true; }, false, true},
+        {"marker", [&] { worker.setStageFlag(row, 4); }, false, false},
+        {"depth", [&] { worker.change(row).depth = 4; }, false, false},
+        {"date", [&] { worker.change(row).modDate = 4; }, true, true},
+        {"root", [&] { worker.change(row).root = !worker.row(row).root; }, true, false},
+        {"insert", [&] { worker.insertFile(ghost, "new", false, false, 0); }, true, true},
+        {"deletion", [&] { worker.deleteRow(row); }, true, true},
     };
-    for (const auto& [name, change, isVoid] : cases) {
-        const std::uint64_t before = main.listVersion();
+    for (const auto& [name, change, isVoid, isVoidByName] : cases) {
+        const std::pair before{main.versionOf(byDate), main.versionOf(byNewName)};
         change();
         worker.commit();
-        EXPECT_EQ(main.listVersion() != before, isVoid) << name;
+        EXPECT_EQ(main.versionOf(byDate) != before.first, isVoid) << name;
+        EXPECT_EQ(main.versionOf(byNewName) != before.second, isVoidByName) << name;
         worker.reset();
     }
 }

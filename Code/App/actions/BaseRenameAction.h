@@ -45,9 +45,12 @@ class BaseRenameAction : public BaseAction {
     /// A sentence for the user about what the action does with its present parameters; empty where they speak
     /// for themselves.
     [[nodiscard]] virtual std::u16string explanation() const { return std::u16string(ownExplanation); }
-    /// The first values of the sequence that the action counts through; empty for others. The caches are
-    /// fresh.
-    [[nodiscard]] virtual std::vector<std::u16string> firstValues() const { return {}; }
+    /// What an item of that rank gets of the sequence that the action counts through, where `lastRank` is
+    /// that of the last one; null for actions that do not count, and where there is nothing to be shown. The
+    /// caches are fresh.
+    [[nodiscard]] virtual std::optional<std::u16string> sequenceValue(std::int32_t, std::int32_t) const {
+        return std::nullopt;
+    }
     /// Why the action can't work with its present parameters and what they name; empty when it can, even if
     /// it will find nothing. The terminal refuses a recipe with such a step, the window shows it. The caches
     /// are fresh.

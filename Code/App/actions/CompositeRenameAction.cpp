@@ -6,6 +6,8 @@
 #include "support/text/Text.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 
 namespace tavrin {
 
@@ -73,6 +75,33 @@ std::unique_ptr<BaseRenameAction> CompositeRenameAction::removeActionAtIndex(std
     willChangeValueForKey("actionList");
     auto removed = std::move(steps[static_cast<std::size_t>(index)]);
     steps.erase(steps.begin() + index);
+    didChangeValueForKey("actionList");
+    return removed;
+}
+
+CompositeRenameAction::Steps CompositeRenameAction::stepsOf(const PropertyDictionary& flatList) const {
+    const auto* array = find(flatList, "composite actions array");
+    return array && array->asArray() ? stepsFrom(*array->asArray()) : Steps();
+}
+
+void CompositeRenameAction::insertSteps(Steps inserted, std::int32_t index) {
+    if (index < 0 || index > count())
+        throw ActionError("no place for actions at index " + std::to_string(index));
+    willChangeValueForKey("actionList");
+    steps.insert(steps.begin() + index, std::make_move_iterator(inserted.begin()),
+                 std::make_move_iterator(inserted.end()));
+    didChangeValueForKey("actionList");
+}
+
+CompositeRenameAction::Steps
+CompositeRenameAction::removeSteps(const std::function<bool(const BaseRenameAction&)>& wanted) {
+    const auto isWanted = [&](const auto& step) { return wanted(*step); };
+    if (std::ranges::all_of(steps, isWanted))
+        return {};
+    willChangeValueForKey("actionList");
+    const auto first = std::stable_partition(steps.begin(), steps.end(), std::not_fn(isWanted));
+    Steps removed(std::make_move_iterator(first), std::make_move_iterator(steps.end()));
+    steps.erase(first, steps.end());
     didChangeValueForKey("actionList");
     return removed;
 }

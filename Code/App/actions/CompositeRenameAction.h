@@ -4,6 +4,7 @@
 #include "actions/BaseRenameAction.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -69,6 +70,12 @@ class CompositeRenameAction : public BaseRenameAction {
     /// remaining step can't be removed (ActionError). The removed step is the caller's.
     void insertActionAtIndex(std::unique_ptr<BaseRenameAction> action, std::int32_t index);
     std::unique_ptr<BaseRenameAction> removeActionAtIndex(std::int32_t index);
+    /// The steps of a flat list, made anew. Throws as setFlatParameterList.
+    [[nodiscard]] Steps stepsOf(const PropertyDictionary& flatList) const;
+    /// As above, of several steps at once, announced as one change. Where `wanted` is true of all steps none
+    /// is removed.
+    void insertSteps(Steps inserted, std::int32_t index);
+    Steps removeSteps(const std::function<bool(const BaseRenameAction&)>& wanted);
     /// Whether the list of steps may be hidden: exactly one step, and active.
     [[nodiscard]] bool canClose() const;
 

@@ -13,6 +13,7 @@ class FileMO;
 struct InputContext {
     std::u16string currentName; ///< the name to work on; every ":" is already "/"
     std::int32_t rank = 1;      ///< the item's place in the run, from 1
+    std::int32_t lastRank = 1;  ///< that of the last item which counts together with it
     FileMO* fileMo = nullptr;   ///< the item's row, not owned; null where only a path is known
     std::string path;           ///< the path in bytes, used where `fileMo` is null
     bool preview = false;       ///< set only while a composite runs its current step

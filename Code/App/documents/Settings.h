@@ -28,7 +28,7 @@ struct Settings {
     std::int32_t shouldProcessFiles = 1;
     std::int32_t shouldProcessFolders = 1;
     std::int32_t shouldProcessSubfolders = 0;
-    std::int32_t previewPaneWidth = 0;
+    std::int32_t previewPaneWidth = 0; ///< in points; `firstPreviewPaneWidth` where nobody has chosen one
     std::int32_t previewMode = 0;
     std::int32_t renameMode = 2;
     std::int32_t shouldShowCurrentName = 1;
@@ -41,10 +41,13 @@ struct Settings {
     std::int32_t conflictResolutionOrder2 = 0;
     std::int32_t conflictResolutionOrder3 = 0;
     std::int32_t showSummary = 0;
+    /// Of no effect where comments travel with their files, as `FileManager::commentsTravelWithFiles` says.
     std::int32_t shouldCopyFileComments = 1;
     std::int32_t shouldCalculateAccurateFolderSize = 1; ///< although new settings say otherwise
     std::int32_t keepHistory = 1;
     std::int32_t onConflict = 0; ///< see OnConflict
+
+    static constexpr std::int32_t firstPreviewPaneWidth = 450;
 
     /// Only the value 1 counts, as in the next.
     [[nodiscard]] bool shouldInteract() const { return interactiveMode == 1; }
@@ -78,6 +81,7 @@ struct Settings {
 
 /// The keys that code refers to besides the table of all settings.
 namespace settingKey {
+inline constexpr const char* accurateFolderSize = "accurateFolderSize";
 inline constexpr const char* automaticSorting = "automaticSorting";
 inline constexpr const char* continueAfterRename = "continueAfterRename";
 inline constexpr const char* interactiveMode = "interactiveMode";

@@ -38,6 +38,11 @@ void TVRNGlobalPreferencesPseudoAction::setShouldContinueAfterRename(bool should
     valuesHaveChanged();
 }
 
+void TVRNGlobalPreferencesPseudoAction::setPreviewPaneWidthAsInt(std::int32_t width) {
+    store(width, settingKey::previewPaneWidth);
+    valuesHaveChanged();
+}
+
 Settings TVRNGlobalPreferencesPseudoAction::values() const {
     const std::lock_guard lock(publishing);
     return published;

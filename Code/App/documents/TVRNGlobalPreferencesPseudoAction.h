@@ -29,7 +29,8 @@ class TVRNGlobalPreferencesPseudoAction : public BaseAction {
     /// A path in bytes, or empty.
     [[nodiscard]] std::string lastAddDirectory() const;
     void setLastAddDirectory(const std::string& path);
-    void setPreviewPaneWidthAsInt(std::int32_t width) { setValue(width, settingKey::previewPaneWidth); }
+    /// Tells no observer: names do not depend on it.
+    void setPreviewPaneWidthAsInt(std::int32_t width);
     void setPreviewModeAsInt(std::int32_t mode) { setValue(mode, settingKey::previewMode); }
     /// Tells no observer.
     void setShouldContinueAfterRename(bool shouldContinue);

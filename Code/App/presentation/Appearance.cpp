@@ -1,5 +1,6 @@
 #include "presentation/Appearance.h"
 
+#include "presentation/GlyphIcon.h"
 #include "presentation/WindowColours.h"
 
 #include <QApplication>
@@ -11,7 +12,10 @@
 #include <QPalette>
 #include <QProxyStyle>
 #include <QStyleOption>
+#include <algorithm>
+#include <array>
 #include <clocale>
+#include <optional>
 
 namespace tavrin {
 
@@ -26,11 +30,30 @@ constexpr const char* settings = "org.freedesktop.portal.Settings";
 constexpr const char* group = "org.freedesktop.appearance";
 constexpr const char* key = "color-scheme";
 
+constexpr const char* fileChooser = "org.freedesktop.portal.FileChooser";
+constexpr const char* themeVariable = "QT_QPA_PLATFORMTHEME";
+/// Those that bring dialogs of their own, by which they are told apart.
+constexpr std::array desktopsWithDialogs{"kde",      "gnome", "unity", "xfce",
+                                         "cinnamon", "mate",  "lxqt",  "deepin"};
+
 /// Some portals wrap the value twice.
-bool isDark(QVariant value) {
+QVariant valueWithin(QVariant value) {
     while (value.canConvert<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();
-    return value.toUInt() == prefersDark;
+    return value;
+}
+
+bool isDark(const QVariant& value) { return valueWithin(value).toUInt() == prefersDark; }
+
+/// What the portal answers to a call with two texts; invalid where it is not there, or takes too long.
+QVariant askPortal(const char* interface, const char* method, const char* first, const char* second) {
+    if (!QDBusConnection::sessionBus().isConnected())
+        return {};
+    QDBusMessage call = QDBusMessage::createMethodCall(portal, portalPath, interface, method);
+    call << QString(first) << QString(second);
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, patience);
+    const bool isAnswer = reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty();
+    return isAnswer ? reply.arguments().front() : QVariant();
 }
 
 } // namespace
@@ -60,15 +83,7 @@ DarkSetting::DarkSetting(QObject* parent) : QObject(parent) {
                                           SLOT(settingChanged(QString, QString, QDBusVariant)));
 }
 
-bool DarkSetting::isOn() {
-    if (!QDBusConnection::sessionBus().isConnected())
-        return false;
-    QDBusMessage call = QDBusMessage::createMethodCall(portal, portalPath, settings, "Read");
-    call << QString(group) << QString(key);
-    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, patience);
-    return reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty() &&
-           isDark(reply.arguments().front());
-}
+bool DarkSetting::isOn() { return isDark(askPortal(settings, "Read", group, key)); }
 
 namespace {
 
@@ -90,12 +105,22 @@ void drawFrame(QPainter& painter, const QRect& place, const QStyleOption& option
 
 } // namespace
 
-/// The plain style draws the frames of fields and check boxes darker than their ground, which in a dark
-/// palette leaves nothing to be seen of them: here they are drawn once more, light. In light palettes it
-/// changes nothing.
-class FieldFrames final : public QProxyStyle {
+/// What the plain style lacks. It draws the frames of fields and check boxes darker than their ground, which
+/// in a dark palette leaves nothing to be seen of them: here they are drawn once more, light. Its pictures
+/// are of another time, and stand on the buttons of dialogs: those buttons go without, all else gets our
+/// drawings.
+class PlainStyle final : public QProxyStyle {
   public:
-    FieldFrames() : QProxyStyle("fusion") {}
+    PlainStyle() : QProxyStyle("fusion") {}
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returned) const override {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons
+                   ? 0
+                   : QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+    QIcon standardIcon(StandardPixmap picture, const QStyleOption* option,
+                       const QWidget* widget) const override;
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
@@ -103,15 +128,54 @@ class FieldFrames final : public QProxyStyle {
                             const QWidget* widget) const override;
 };
 
-void FieldFrames::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
-                                const QWidget* widget) const {
+namespace {
+
+std::optional<Glyph> glyphFor(QStyle::StandardPixmap picture) {
+    switch (picture) {
+    case QStyle::SP_MessageBoxInformation:
+        return Glyph::info;
+    case QStyle::SP_MessageBoxQuestion:
+        return Glyph::help;
+    case QStyle::SP_MessageBoxWarning:
+    case QStyle::SP_MessageBoxCritical:
+        return Glyph::problem;
+    case QStyle::SP_LineEditClearButton:
+    case QStyle::SP_TitleBarCloseButton:
+        return Glyph::close;
+    case QStyle::SP_FileDialogToParent:
+        return Glyph::up;
+    case QStyle::SP_FileDialogNewFolder:
+        return Glyph::folders;
+    case QStyle::SP_FileIcon:
+        return Glyph::fileItem;
+    case QStyle::SP_DirIcon:
+    case QStyle::SP_DirOpenIcon:
+    case QStyle::SP_DirHomeIcon:
+        return Glyph::folderItem;
+    case QStyle::SP_BrowserReload:
+        return Glyph::reset;
+    default: // of a long list, which the style itself knows
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+QIcon PlainStyle::standardIcon(StandardPixmap picture, const QStyleOption* option,
+                               const QWidget* widget) const {
+    const auto glyph = glyphFor(picture);
+    return glyph ? GlyphIcon::of(*glyph) : QProxyStyle::standardIcon(picture, option, widget);
+}
+
+void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                               const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     if (element == PE_FrameLineEdit || element == PE_IndicatorCheckBox || element == PE_Frame)
         drawFrame(*painter, option->rect, *option);
 }
 
-void FieldFrames::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
-                                     QPainter* painter, const QWidget* widget) const {
+void PlainStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                    QPainter* painter, const QWidget* widget) const {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_SpinBox)
         drawFrame(*painter, option->rect, *option);
@@ -128,13 +192,37 @@ void applyDesktopsWish() {
     QObject::connect(setting, &DarkSetting::changed, qApp, &appearance::applyOwnPalette);
 }
 
+/// Whether the portal's file dialogs can be had: its third version is the first that chooses folders.
+bool hasPortalsFileDialogs() {
+    constexpr unsigned leastVersion = 3;
+    const QVariant version = askPortal("org.freedesktop.DBus.Properties", "Get", fileChooser, "version");
+    return valueWithin(version).toUInt() >= leastVersion;
+}
+
+bool isThemeOurs = false;
+
 } // namespace
+
+void appearance::preferPortal() {
+    const QByteArray desktop = qgetenv("XDG_CURRENT_DESKTOP").toLower();
+    const bool hasDialogs = std::ranges::any_of(
+        desktopsWithDialogs, [&desktop](const char* each) { return desktop.contains(each); });
+    isThemeOurs = !hasDialogs && !qEnvironmentVariableIsSet(themeVariable);
+    if (isThemeOurs)
+        qputenv(themeVariable, "xdgdesktopportal");
+}
 
 void appearance::setUpNames() {
     // Numbers in files are free of the locale, which Qt has just set.
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setApplicationName("tavrin");
     QApplication::setDesktopFileName("net.calderwick.tavrin");
+    if (!isThemeOurs)
+        return;
+    // Programs that are started from here choose for themselves.
+    qunsetenv(themeVariable);
+    if (!hasPortalsFileDialogs())
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
 }
 
 void appearance::setUpLooks() {
@@ -146,8 +234,8 @@ void appearance::setUpLooks() {
 }
 
 void appearance::applyOwnPalette(bool dark) {
-    if (!dynamic_cast<FieldFrames*>(QApplication::style()))
-        QApplication::setStyle(new FieldFrames); // the application owns it
+    if (!dynamic_cast<PlainStyle*>(QApplication::style()))
+        QApplication::setStyle(new PlainStyle); // the application owns it
     QApplication::setPalette(WindowColours::palette(dark));
 }
 

@@ -74,7 +74,9 @@ ToggleButton::ToggleButton(const QString& label, Glyph glyph) {
 
 QSize ToggleButton::sizeHint() const {
     const QFontMetrics metrics = fontMetrics();
-    return {iconSize().width() + metrics.horizontalAdvance(text()) + 2 * padding + gap,
+    const int label =
+        toolButtonStyle() == Qt::ToolButtonIconOnly ? 0 : gap + metrics.horizontalAdvance(text());
+    return {iconSize().width() + label + 2 * padding,
             std::max(metrics.height(), iconSize().height()) + padding};
 }
 
@@ -103,7 +105,7 @@ void ToggleButton::paintEvent(QPaintEvent*) {
     paintGround(painter, rect(), *this, isChecked());
     painter.restore();
     const QRect inner = rect().adjusted(padding, 0, -padding, 0);
-    const bool hasRoom = width() >= sizeHint().width();
+    const bool hasRoom = toolButtonStyle() != Qt::ToolButtonIconOnly && width() >= sizeHint().width();
     const QRect picture(hasRoom ? inner.left() : (width() - iconSize().width()) / 2,
                         (height() - iconSize().height()) / 2, iconSize().width(), iconSize().height());
     const QIcon::Mode mode = isEnabled() ? QIcon::Normal : QIcon::Disabled;

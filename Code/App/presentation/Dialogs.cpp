@@ -4,7 +4,6 @@
 #include "presentation/QtText.h"
 #include "presentation/dialogs/AlertPicture.h"
 #include "presentation/dialogs/AnswerOnce.h"
-#include "presentation/dialogs/ConfirmationSheetWindow.h"
 #include "presentation/dialogs/ErrorWindow.h"
 #include "shell/MainController.h"
 
@@ -187,6 +186,11 @@ void Dialogs::showAlert(QWidget* parent, const Alert& alert, std::function<void(
     box->open();
 }
 
+Dialogs::NoticeWords Dialogs::wordsOf(NoticeDialog dialog) {
+    const NoticeText& text = textOf(dialog);
+    return {text.name, tr(text.title), tr(text.text), text.canBeSwitchedOff};
+}
+
 void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
     const NoticeText& text = textOf(dialog);
     QMessageBox* box =
@@ -209,12 +213,6 @@ void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<voi
         once({clicked == buttons.end() ? closed : clicked->second, check && check->isChecked()});
     });
     box->open();
-}
-
-void Dialogs::ask(QWidget* parent, const RunQuestion& question, bool thumbnails,
-                  std::function<void(ConfirmationChoice)> answer) {
-    auto* window = new ConfirmationSheetWindow(parent, question, thumbnails, std::move(answer));
-    window->open();
 }
 
 void Dialogs::showProcessingErrors(QWidget* parent, const FailureReport& report,

@@ -21,10 +21,15 @@ struct Dialogs {
 
   public:
     static void showAlert(QWidget* parent, const Alert& alert, std::function<void(AlertAnswer)> answer);
+    /// The words of a notice, and whether it offers not to come again.
+    struct NoticeWords {
+        const char* name; ///< of the object
+        QString title;
+        QString text;
+        bool canBeSwitchedOff;
+    };
+    [[nodiscard]] static NoticeWords wordsOf(NoticeDialog dialog);
     static void showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer);
-    /// A question of a run that has a sheet of its own; `thumbnails`: files are pictured by their content.
-    static void ask(QWidget* parent, const RunQuestion& question, bool thumbnails,
-                    std::function<void(ConfirmationChoice)> answer);
     static void showProcessingErrors(QWidget* parent, const FailureReport& report,
                                      std::function<void()> closed);
     /// `folders`: asks for folders, else for files.

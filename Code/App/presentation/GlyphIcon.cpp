@@ -73,8 +73,7 @@ class GlyphEngine final : public QIconEngine {
         switch (mode) {
         case QIcon::Disabled:
             return palette.color(QPalette::Disabled, role);
-        case QIcon::Selected:
-            return palette.color(QPalette::HighlightedText);
+        case QIcon::Selected: // on the ground of chosen things, where colours stay as they are
         case QIcon::Normal:
         case QIcon::Active:
             break;

@@ -7,17 +7,19 @@
 #include "presentation/QtText.h"
 #include "presentation/Spoken.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/WindowPlace.h"
 #include "presentation/help/HelpWindow.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/start/FileAddress.h"
+#include "presentation/steps/RecipeClipboard.h"
+#include "presentation/steps/RecipeLine.h"
 #include "presentation/steps/StepsPane.h"
 #include "shell/MainController.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDialog>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFrame>
@@ -37,10 +39,16 @@ namespace tavrin {
 namespace {
 
 constexpr int narrowWidth = 860;
+constexpr int leastWidthOfBottomRow = 720; // for all its buttons
+constexpr int lowHeight = 560;
 constexpr int paneMargin = 12;
 constexpr int leastSettingsWidth = 300;
 constexpr int firstSettingsWidth = 346;
 constexpr int leastPreviewWidth = 440;
+constexpr int leastStepsWidth = 176;
+constexpr int firstStepsWidth = 216;
+constexpr int mostStepsWidth = 320;
+constexpr QSize questionWindowSize(640, 380);
 constexpr std::chrono::milliseconds patienceWithoutProgress(700);
 
 } // namespace
@@ -66,8 +74,11 @@ MainWindow::MainWindow(const WindowServices& services)
         if (shared.controller.previewControl().isPreviewEmpty())
             addByDialog(false);
     });
-    setMinimumSize(640, 520);
-    resize(1180, 760);
+    recipeClipboard =
+        std::make_unique<RecipeClipboard>(shared, *windowCommands, preview->messageBars(), *steps, *preview);
+    setMinimumSize(WindowPlace::least);
+    resize(WindowPlace::first(screen()->availableGeometry()).size());
+    connect(qApp, &QGuiApplication::screenRemoved, this, &MainWindow::returnToScreen, Qt::QueuedConnection);
     shared.controller.progressInfo().setObserver(this);
 }
 
@@ -94,13 +105,10 @@ QWidget* MainWindow::buildWorkPage() {
     outerSplitter->setStretchFactor(0, 0);
     outerSplitter->setStretchFactor(1, 1);
     outerSplitter->setCollapsible(1, false);
-    steps->setMinimumWidth(static_cast<int>(ActionListCommands::minimumWidth));
-    steps->setMaximumWidth(static_cast<int>(ActionListCommands::maximumWidth));
+    steps->setMinimumWidth(leastStepsWidth);
+    steps->setMaximumWidth(mostStepsWidth);
     connect(outerSplitter, &QSplitter::splitterMoved, this, [this] { dividerMoved(); });
-    connect(innerSplitter, &QSplitter::splitterMoved, this, [this] {
-        if (innerSplitter->orientation() == Qt::Horizontal)
-            shared.controller.globalSettings().setPreviewPaneWidthAsInt(preview->width());
-    });
+    preview->installEventFilter(this);
 
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
@@ -118,9 +126,8 @@ QWidget* MainWindow::buildWorkPage() {
 }
 
 QWidget* MainWindow::buildBottomRow() {
-    auto* row = new QWidget;
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(paneMargin, 8, paneMargin, 8);
+    bottomRow = new QWidget;
+    auto* layout = new QHBoxLayout(bottomRow);
     createDropletButton = new QPushButton(tr("Create &Droplet…"));
     createDropletButton->setObjectName("createDropletButton");
     createFileListButton = new QPushButton(tr("Save &List…"));
@@ -128,6 +135,12 @@ QWidget* MainWindow::buildBottomRow() {
     okButton = new ProminentButton(tr("&Rename"));
     okButton->setObjectName("okButton");
     okButton->setDefault(true);
+    recipeLine = new RecipeLine;
+    recipeLine->setVisible(windowCommands->showRecipeLine->isChecked());
+    connect(windowCommands->showRecipeLine, &QAction::toggled, recipeLine, [this](bool isShown) {
+        recipeLine->setVisible(isShown);
+        refreshRecipeLine();
+    });
     okMenuButton = new MenuButton;
     okMenuButton->setObjectName("okMenuButton");
     okMenuButton->setAccessibleName(tr("More ways to rename"));
@@ -135,6 +148,7 @@ QWidget* MainWindow::buildBottomRow() {
     okMenuButton->setArrowType(Qt::DownArrow);
     layout->addWidget(createDropletButton);
     layout->addWidget(createFileListButton);
+    layout->addWidget(recipeLine, 100);
     layout->addStretch(1);
     layout->addWidget(okButton);
     layout->addWidget(okMenuButton);
@@ -142,8 +156,7 @@ QWidget* MainWindow::buildBottomRow() {
     performs(*createFileListButton, *windowCommands->createFileList);
     performs(*okButton, *windowCommands->ok);
     okMenuButton->addActions({windowCommands->applyAndQuit, windowCommands->applyButDontQuit});
-    connect(windowCommands->ok, &QAction::enabledChanged, okMenuButton, &QWidget::setEnabled);
-    return row;
+    return bottomRow;
 }
 
 // --- What the application says ---
@@ -158,7 +171,10 @@ void MainWindow::setRunning(bool isRunning) {
 
 void MainWindow::setDividerPosition(double position) {
     isMovingDivider = true;
-    const int width = static_cast<int>(position);
+    // The least position stands for one that nobody has chosen.
+    const int width = position <= 0                                  ? 0
+                      : position <= ActionListCommands::minimumWidth ? firstStepsWidth
+                                                                     : static_cast<int>(position);
     steps->setVisible(width > 0);
     if (width > 0)
         outerSplitter->setSizes({width, std::max(1, outerSplitter->width() - width)});
@@ -183,17 +199,10 @@ void MainWindow::fillPresetMenu(const std::vector<std::u16string>& titles) {
 void MainWindow::enterDropletEditMode() {
     isInDropletEditMode = true;
     setWindowTitle(tr("Editing Rename Droplet"));
-    createDropletButton->hide();
-    createFileListButton->hide();
     windowCommands->enterDropletEditMode();
     settings->enterDropletEditMode();
     preview->enterDropletEditMode();
     refreshRenameButton();
-}
-
-bool MainWindow::isAsking() const {
-    const QList<QDialog*> dialogs = findChildren<QDialog*>();
-    return std::ranges::any_of(dialogs, [](const QDialog* dialog) { return dialog->isVisible(); });
 }
 
 void MainWindow::buildProgressWindow() {
@@ -208,13 +217,16 @@ void MainWindow::buildProgressWindow() {
     progress->show();
     progressWindow->resize(520, 300);
     progressWindow->setAttribute(Qt::WA_ShowWithoutActivating);
-    connect(&progressDelay, &QTimer::timeout, this, [this] {
-        // A question must not be covered.
-        if (isAsking())
-            return;
-        progressDelay.stop();
-        progressWindow->show();
-    });
+    progressDelay.setSingleShot(true);
+    connect(&progressDelay, &QTimer::timeout, progressWindow, &QWidget::show);
+}
+
+void MainWindow::showProgressWindow() {
+    if (!progressWindow)
+        buildProgressWindow();
+    progressDelay.stop();
+    progressWindow->resize(questionWindowSize.expandedTo(progressWindow->size()));
+    progressWindow->show();
 }
 
 void MainWindow::showProgressAlone(bool isRunning) {
@@ -228,9 +240,27 @@ void MainWindow::showProgressAlone(bool isRunning) {
     progressWindow->hide();
 }
 
+QuestionCard::Place MainWindow::questionPlace() {
+    if (!isVisible()) {
+        showProgressWindow();
+        return {*progressWindow};
+    }
+    return preview->questionPlace();
+}
+
 void MainWindow::centre() {
     const QRect available = screen()->availableGeometry();
     move(available.center() - rect().center());
+}
+
+void MainWindow::returnToScreen() {
+    if (isMaximized() || isFullScreen())
+        return;
+    QList<QRect> available;
+    for (const QScreen* each : QGuiApplication::screens())
+        available.append(each->availableGeometry());
+    if (!available.isEmpty())
+        setGeometry(WindowPlace::cut(geometry(), available));
 }
 
 void MainWindow::showHelp(std::string_view anchor) {
@@ -249,11 +279,19 @@ void MainWindow::refreshRenameButton() {
     else
         okButton->setText(
             counted(static_cast<std::size_t>(count), tr("&Rename 1 Item"), tr("&Rename %L1 Items")));
-    okMenuButton->setVisible(!isInDropletEditMode);
+    arrangeBottomRow();
     refreshCommands();
 }
 
-void MainWindow::refreshCommands() { windowCommands->refresh(preview->selection()); }
+void MainWindow::refreshCommands() {
+    windowCommands->refresh(preview->selection());
+    refreshRecipeLine();
+}
+
+void MainWindow::refreshRecipeLine() {
+    if (windowCommands->showRecipeLine->isChecked())
+        recipeLine->setRecipe(toQString(shared.controller.recipeCommands().line()));
+}
 
 void MainWindow::setPreviewDue(bool isDue) {
     isPreviewDue = isDue;
@@ -278,6 +316,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == preview && event->type() == QEvent::Resize)
+        rememberPaneWidth();
     if (watched != progressWindow || event->type() != QEvent::Close)
         return QMainWindow::eventFilter(watched, event);
     closeEvent(static_cast<QCloseEvent*>(event));
@@ -286,13 +326,31 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    arrangeForWidth();
+    arrangeForSize();
 }
 
-void MainWindow::arrangeForWidth() {
+/// What does not fit beside the main button stands in its menu.
+void MainWindow::arrangeBottomRow() {
+    const bool isWhole = width() >= leastWidthOfBottomRow;
+    createDropletButton->setVisible(isWhole && !isInDropletEditMode);
+    createFileListButton->setVisible(isWhole && !isInDropletEditMode);
+    okMenuButton->setVisible(!isInDropletEditMode);
+    for (QAction* each : {windowCommands->createDroplet, windowCommands->createFileList}) {
+        okMenuButton->removeAction(each);
+        if (!isWhole)
+            okMenuButton->addAction(each);
+    }
+    const int margin = height() < lowHeight ? 2 : 8;
+    bottomRow->layout()->setContentsMargins(paneMargin, margin, paneMargin, margin);
+}
+
+void MainWindow::arrangeForSize() {
     const bool isNarrow = width() < narrowWidth;
     const int highest = height() * 45 / 100;
     settings->setMaximumHeight(isNarrow ? highest : QWIDGETSIZE_MAX);
+    preview->setMinimumWidth(isNarrow ? 0 : leastPreviewWidth);
+    preview->setLow(height() < lowHeight);
+    arrangeBottomRow();
     const Qt::Orientation orientation = isNarrow ? Qt::Vertical : Qt::Horizontal;
     if (innerSplitter->orientation() == orientation)
         return;
@@ -309,6 +367,23 @@ void MainWindow::arrangeForWidth() {
         Qt::QueuedConnection);
 }
 
+/// Of the list beside the settings, which keep theirs when the window grows.
+void MainWindow::rememberPaneWidth() {
+    if (isVisible() && innerSplitter->orientation() == Qt::Horizontal)
+        shared.controller.globalSettings().setPreviewPaneWidthAsInt(preview->width());
+}
+
+void MainWindow::restorePaneWidth() {
+    const std::int32_t stored = shared.controller.globalSettings().values().previewPaneWidth;
+    if (stored <= 0 || stored == Settings::firstPreviewPaneWidth)
+        return;
+    const QList<int> outer = outerSplitter->sizes();
+    const int beside = steps->isHidden() ? 0 : outer.front() + outerSplitter->handleWidth();
+    const int whole = isMaximized() ? screen()->availableGeometry().width() : width();
+    const int room = whole - beside - innerSplitter->handleWidth();
+    innerSplitter->setSizes({std::max(leastSettingsWidth, room - stored), stored});
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
     if (DroppedFiles::areIn(*event->mimeData()) && shared.controller.validateUserInterfaceItem())
         event->acceptProposedAction();
@@ -317,7 +392,9 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 void MainWindow::dropEvent(QDropEvent* event) {
     const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
     event->setAccepted(!paths.empty());
-    if (paths.empty())
+    const QWidget* target = childAt(event->position().toPoint());
+    const bool isOnSteps = target && (target == steps || steps->isAncestorOf(target));
+    if (paths.empty() || (isOnSteps && recipeClipboard->openDropped(paths)))
         return;
     shared.controller.addFilePaths(paths, true);
     shared.controller.previewControl().showPreview();

@@ -2,6 +2,7 @@
 
 #include "engine/pipeline/ProgressInfo.h"
 #include "presentation/WindowServices.h"
+#include "presentation/cards/QuestionCard.h"
 #include "shell/asking/FrontEnd.h"
 
 #include <QMainWindow>
@@ -21,6 +22,8 @@ namespace tavrin {
 class HelpWindow;
 class PreviewPane;
 class ProgressPage;
+class RecipeClipboard;
+class RecipeLine;
 class SettingsPane;
 class StepsPane;
 class WindowCommands;
@@ -48,6 +51,10 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     /// is over by then.
     void showProgressAlone(bool isRunning);
     void centre();
+    /// Gives the list the width that it had last, where anyone has given it one.
+    void restorePaneWidth();
+    /// Where a question of a run is put.
+    [[nodiscard]] QuestionCard::Place questionPlace();
     void showHelp(std::string_view anchor);
     /// The count on the rename button, and whether it is on.
     void refreshRenameButton();
@@ -59,7 +66,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    /// Of the progress window: to close it is to close this one.
+    /// Of the progress window: to close it is to close this one. Of the list: its width is remembered.
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -71,10 +78,15 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void addByDialog(bool folders);
     void refreshCommands();
     void buildProgressWindow();
-    void arrangeForWidth();
-    /// Whether a dialog of this window is open.
-    [[nodiscard]] bool isAsking() const;
+    void arrangeForSize();
+    void arrangeBottomRow();
+    void rememberPaneWidth();
+    /// Back onto a screen, if its own has gone or become smaller.
+    void returnToScreen();
+    /// At once, with room for a question.
+    void showProgressWindow();
     void dividerMoved();
+    void refreshRecipeLine();
 
     WindowServices shared;
     bool isInDropletEditMode = false;
@@ -82,6 +94,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     bool isMovingDivider = false;
     bool asksForFolders = false;
     QStackedWidget* mainTabView = nullptr;
+    QWidget* bottomRow = nullptr;
     QSplitter* outerSplitter = nullptr;
     QSplitter* innerSplitter = nullptr;
     StepsPane* steps = nullptr;
@@ -92,10 +105,12 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     QTimer progressDelay;
     QPushButton* createDropletButton = nullptr;
     QPushButton* createFileListButton = nullptr;
+    RecipeLine* recipeLine = nullptr;
     QPushButton* okButton = nullptr;
     QToolButton* okMenuButton = nullptr;
     std::unique_ptr<WindowCommands> windowCommands;
     std::unique_ptr<HelpWindow> help;
+    std::unique_ptr<RecipeClipboard> recipeClipboard;
 };
 
 } // namespace tavrin

@@ -1,9 +1,11 @@
 #include "presentation/QtFrontEnd.h"
 
 #include "presentation/AddressFetcher.h"
+#include "presentation/AlertBars.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
+#include "presentation/QtText.h"
 #include "presentation/WindowMemory.h"
 #include "presentation/dialogs/LocateDialogs.h"
 #include "presentation/dialogs/SaveListDialog.h"
@@ -42,23 +44,57 @@ void QtFrontEnd::whenShown(std::function<void()> action) {
         action();
 }
 
+bool QtFrontEnd::hasBars() const {
+    // Below a dialog that is in use a bar would be overlooked.
+    return window && window->isVisible() && !qobject_cast<QDialog*>(QApplication::activeWindow());
+}
+
 void QtFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) {
-    whenShown([this, alert, answer = std::move(answer)] { Dialogs::showAlert(window, alert, answer); });
+    whenShown([this, alert, answer = std::move(answer)] {
+        if (hasBars() && AlertBars::canShow(alert))
+            AlertBars::show(window->previewPane().messageBars(), alert, answer);
+        else
+            Dialogs::showAlert(window, alert, answer);
+    });
 }
 
 void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
-    whenShown([this, dialog, answer = std::move(answer)] { Dialogs::showNotice(window, dialog, answer); });
+    whenShown([this, dialog, answer = std::move(answer)] {
+        if (hasBars() && AlertBars::canShow(dialog))
+            AlertBars::show(window->previewPane().messageBars(), dialog, answer);
+        else
+            Dialogs::showNotice(window, dialog, answer);
+    });
 }
 
 void QtFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
     if (const std::optional<Alert> alert = alertOf(question)) {
-        showAlert(*alert, [choices = allowedAnswers(question),
-                           answer = std::move(answer)](AlertAnswer given) { answer(choices[given.button]); });
+        const auto given = [choices = allowedAnswers(question), answer = std::move(answer)](
+                               AlertAnswer chosen) { answer(choices[chosen.button]); };
+        if (window && !std::holds_alternative<PipelineFailure>(question))
+            showAsCard(*alert, given);
+        else
+            showAlert(*alert, given);
         return;
     }
+    if (!window)
+        return;
     const bool thumbnails =
-        !window || window->services().controller.globalSettings().values().shouldShowQuickLookThumbnail;
-    Dialogs::ask(window, question, thumbnails, std::move(answer));
+        window->services().controller.globalSettings().values().shouldShowQuickLookThumbnail != 0;
+    questionCard.ask(window->questionPlace(), question, thumbnails, std::move(answer));
+}
+
+/// An alert names the default first and what does least last; a card has them the other way round.
+void QtFrontEnd::showAsCard(const Alert& alert, std::function<void(AlertAnswer)> answer) {
+    CardContent content{"alertCard", toQString(alert.title), toQString(alert.text)};
+    const std::size_t last = alert.buttons.size() - 1;
+    for (std::size_t i = 0; i <= last; ++i)
+        content.buttons.push_back(
+            {QString("cardButton%1").arg(last - i), toQString(alert.buttons[last - i])});
+    content.defaultButton = last;
+    Card::open(window->questionPlace().over, content, [last, answer = std::move(answer)](std::size_t button) {
+        answer({last - button, false});
+    });
 }
 
 void QtFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
@@ -72,6 +108,9 @@ void QtFrontEnd::withdrawQuestions() {
     for (QDialog* dialog : window->findChildren<QDialog*>())
         if (dialog->isVisible())
             dialog->reject();
+    for (Card* card : window->findChildren<Card*>())
+        if (card->isAsking())
+            card->withdraw();
 }
 
 void QtFrontEnd::askForFilesToAdd(const std::string& startFolder,
@@ -118,11 +157,21 @@ void QtFrontEnd::fetchAddress(const std::string& address, std::size_t limit,
 // --- Showing ---
 
 void QtFrontEnd::presentNotice(const std::string& text) {
-    whenShown([this, text] { (void)Dialogs::presentNotice(window, text); });
+    whenShown([this, text] {
+        if (hasBars())
+            AlertBars::showNotice(window->previewPane().messageBars(), text);
+        else
+            (void)Dialogs::presentNotice(window, text);
+    });
 }
 
 void QtFrontEnd::presentError(const std::string& message) {
-    whenShown([this, message] { (void)Dialogs::presentError(window, message); });
+    whenShown([this, message] {
+        if (hasBars())
+            AlertBars::showError(window->previewPane().messageBars(), message);
+        else
+            (void)Dialogs::presentError(window, message);
+    });
 }
 
 bool QtFrontEnd::isRunningDroplet() const {
@@ -201,9 +250,15 @@ void QtFrontEnd::previewFinished() {
     if (!window)
         return;
     window->previewPane().previewFinished();
+    window->settingsPane().previewFinished();
     MainController& controller = window->services().controller;
     window->setPreviewDue(controller.previewControl().isPreviewPending() ||
                           controller.renameEngine().isPreviewWaiting());
+}
+
+void QtFrontEnd::pathsAdded(const std::vector<std::string>& paths) {
+    if (window && !isRunningDroplet())
+        window->previewPane().pathsAdded(paths);
 }
 
 void QtFrontEnd::runStateChanged(bool isRunning) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/cards/QuestionCard.h"
 #include "shell/asking/FrontEnd.h"
 
 #include <QObject>
@@ -55,6 +56,7 @@ class QtFrontEnd final : public FrontEnd {
     void previewListChanged() override;
     void previewRequested() override;
     void previewFinished() override;
+    void pathsAdded(const std::vector<std::string>& paths) override;
     void runStateChanged(bool isRunning) override;
     void fillPresetMenu(const std::vector<std::u16string>& titles) override;
     void actionListChanged() override;
@@ -72,10 +74,15 @@ class QtFrontEnd final : public FrontEnd {
   private:
     /// At once, or when the window that is about to come up stands.
     void whenShown(std::function<void()> action);
+    /// Whether bars that need no answer would be seen.
+    [[nodiscard]] bool hasBars() const;
     [[nodiscard]] bool isRunningDroplet() const;
     void terminateWhenAllIsRead();
+    /// An alert as a card of the window.
+    void showAsCard(const Alert& alert, std::function<void(AlertAnswer)> answer);
 
     MainWindow* window = nullptr;
+    QuestionCard questionCard;
     std::unique_ptr<AddressFetcher> fetcher;                      ///< made when it is first needed
     std::unique_ptr<QObject> later = std::make_unique<QObject>(); ///< what is to be shown later goes with it
 };

@@ -97,7 +97,8 @@ QAction* WindowCommands::addForText(QMenu* menu, const char* slot, const QString
 }
 
 /// A tick that stands for a global setting of 1 or 0.
-void WindowCommands::addSetting(QMenu* menu, const char* key, const QString& text, const QKeySequence& keys) {
+QAction* WindowCommands::addSetting(QMenu* menu, const char* key, const QString& text,
+                                    const QKeySequence& keys) {
     QAction* action = add(menu, key, text, keys);
     action->setCheckable(true);
     settings.push_back(std::make_unique<ParameterBinding>(
@@ -105,6 +106,7 @@ void WindowCommands::addSetting(QMenu* menu, const char* key, const QString& tex
         [action](const auto& value) { action->setChecked(value && intValue(*value) != 0); }));
     connect(action, &QAction::triggered, this,
             [binding = settings.back().get()](bool isOn) { binding->write(isOn ? 1 : 0); });
+    return action;
 }
 
 void WindowCommands::addFileMenu() {
@@ -138,8 +140,8 @@ void WindowCommands::addFileMenu() {
 
 void WindowCommands::addEditMenu() {
     QMenu* menu = addMenu(tr("&Edit"));
-    addForText(menu, "undo", tr("&Undo"), QKeySequence::Undo);
-    addForText(menu, "redo", tr("&Redo"), QKeySequence::Redo);
+    addForText(menu, "undo", tr("&Undo"), QKeySequence::Undo, &WindowCommands::undoRequested);
+    addForText(menu, "redo", tr("&Redo"), QKeySequence::Redo, &WindowCommands::redoRequested);
     menu->addSeparator();
     addTakeBacks(menu);
     menu->addSeparator();
@@ -222,6 +224,9 @@ void WindowCommands::addStepsMenu() {
         chain.getCurrentAction().setValue(isActive ? 1 : 0, "active");
     });
     stepActive->setCheckable(true);
+    menu->addSeparator();
+    copyAsCommand = add(menu, "copyAsCommand", tr("Copy as &Command"), QKeySequence("Ctrl+Shift+C"));
+    copySteps = add(menu, "copySteps", tr("Copy Steps as &Text"));
 }
 
 void WindowCommands::addViewMenu() {
@@ -237,10 +242,14 @@ void WindowCommands::addViewMenu() {
     showInvisibles = add(menu, "showInvisibles", tr("&Invisible Characters"), QKeySequence("Ctrl+I"),
                          [this](bool areShown) { services.defaults.setObject("showInvisibles", areShown); });
     showInvisibles->setCheckable(true);
+    showRecipeLine = add(menu, "showRecipeLine", tr("&Recipe Line"), {},
+                         [this](bool isShown) { services.defaults.setObject("showRecipeLine", isShown); });
+    showRecipeLine->setCheckable(true);
+    showRecipeLine->setChecked(services.defaults.boolForKey("showRecipeLine"));
     menu->addSeparator();
-    addSetting(menu, "processFiles", tr("F&iles"));
-    addSetting(menu, "processFolders", tr("Fol&ders"));
-    addSetting(menu, "processSubfolders", tr("Process &Subfolders and Their Contents"));
+    processFiles = addSetting(menu, "processFiles", tr("F&iles"));
+    processFolders = addSetting(menu, "processFolders", tr("Fol&ders"));
+    processSubfolders = addSetting(menu, "processSubfolders", tr("Process &Subfolders and Their Contents"));
     menu->addSeparator();
     showAllItems = add(menu, "showAllItems", tr("Show &All Items"), QKeySequence("Ctrl+1"));
     showItemsToBeRenamed =
@@ -266,6 +275,7 @@ void WindowCommands::addPresetsMenu() {
                        QKeySequence("Ctrl+S"), [this] { PresetDialog::saveAsPreset(&window, services); });
     add(presetsMenu, "organizePresets", tr("&Organize Presets…"), QKeySequence("Ctrl+Shift+S"),
         [this] { OrganizePresetsDialog::open(&window, services); });
+    openRecipe = add(presetsMenu, "openRecipe", tr("Open &Recipe…"));
     presetsMenu->addSeparator();
     add(presetsMenu, "migratePresets", tr("&Migrate Presets"), {},
         [&controller] { controller.migratePresets(); });

@@ -59,17 +59,27 @@ class WindowCommands final : public QObject {
     QAction* nudgeActionUp;
     QAction* nudgeActionDown;
     QAction* stepActive;
+    QAction* copyAsCommand;
+    QAction* copySteps;
+    QAction* openRecipe;
+    QAction* showRecipeLine;
     QAction* showAllItems;
     QAction* showItemsToBeRenamed;
     QAction* showProblems;
     QAction* moveRowUp;
     QAction* moveRowDown;
+    QAction* processFiles;
+    QAction* processFolders;
+    QAction* processSubfolders;
     QAction* showHelpOnAction;
 
   signals:
     /// Copying and pasting while no field of text has the focus, so that it is about the list.
     void rowsCopied();
     void filesPasted();
+    /// The same of the keys that undo and redo in text.
+    void undoRequested();
+    void redoRequested();
 
   private:
     QAction* add(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys = {});
@@ -77,7 +87,7 @@ class WindowCommands final : public QObject {
     QAction* add(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys, Effect effect);
     QAction* addForText(QMenu* menu, const char* slot, const QString& text, QKeySequence::StandardKey keys,
                         void (WindowCommands::*otherwise)() = nullptr);
-    void addSetting(QMenu* menu, const char* key, const QString& text, const QKeySequence& keys = {});
+    QAction* addSetting(QMenu* menu, const char* key, const QString& text, const QKeySequence& keys = {});
     QMenu* addMenu(const QString& title);
     void addFileMenu();
     void addEditMenu();

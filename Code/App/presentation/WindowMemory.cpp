@@ -2,9 +2,10 @@
 
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/MainWindow.h"
+#include "presentation/WindowPlace.h"
 
 #include <QHeaderView>
-#include <QSplitter>
+#include <QScreen>
 #include <QTableView>
 #include <functional>
 #include <optional>
@@ -15,7 +16,6 @@ namespace {
 
 constexpr const char* geometryKey = "windowGeometry";
 constexpr const char* headerKey = "previewHeader";
-constexpr const char* settingsWidthKey = "settingsPaneWidth";
 constexpr const char* restoredProperty = "isRestored";
 
 PropertyData dataOf(const QByteArray& bytes) { return {{bytes.begin(), bytes.end()}}; }
@@ -29,15 +29,19 @@ QByteArray bytesUnder(const UserDefaults& defaults, const char* key) {
             static_cast<qsizetype>(content->bytes.size())};
 }
 
+void placeFirst(MainWindow& window) {
+    const QRect available = window.screen()->availableGeometry();
+    window.setGeometry(WindowPlace::first(available));
+    if (WindowPlace::fills(available))
+        window.setWindowState(window.windowState() | Qt::WindowMaximized);
+}
+
 } // namespace
 
 void WindowMemory::remember(const MainWindow& window, UserDefaults& defaults) {
     defaults.setObject(geometryKey, dataOf(window.saveGeometry()));
     if (const auto* table = window.findChild<QTableView*>("previewTableView"))
         defaults.setObject(headerKey, dataOf(table->horizontalHeader()->saveState()));
-    const auto* splitter = window.findChild<QSplitter*>("innerSplitter");
-    if (splitter && splitter->orientation() == Qt::Horizontal && window.isVisible())
-        defaults.setObject(settingsWidthKey, splitter->sizes().front());
     (void)defaults.synchronize();
 }
 
@@ -45,13 +49,12 @@ void WindowMemory::restoreOnce(MainWindow& window, const UserDefaults& defaults)
     if (window.property(restoredProperty).toBool())
         return;
     window.setProperty(restoredProperty, true);
-    window.restoreGeometry(bytesUnder(defaults, geometryKey));
+    // What was stored for a screen that is gone is cut to one that is there.
+    if (!window.restoreGeometry(bytesUnder(defaults, geometryKey)))
+        placeFirst(window);
     if (auto* table = window.findChild<QTableView*>("previewTableView"))
         table->horizontalHeader()->restoreState(bytesUnder(defaults, headerKey));
-    auto* splitter = window.findChild<QSplitter*>("innerSplitter");
-    const int width = defaults.integerForKey(settingsWidthKey);
-    if (splitter && width > 0)
-        splitter->setSizes({width, std::max(1, window.width() - width)});
+    window.restorePaneWidth();
 }
 
 } // namespace tavrin

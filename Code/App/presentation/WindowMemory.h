@@ -5,11 +5,12 @@ namespace tavrin {
 class MainWindow;
 class UserDefaults;
 
-/// What the main window keeps from one start to the next: place and size, the division between settings and
-/// list, the widths of the list's columns. The width of the list of steps is the application's.
+/// What the main window keeps from one start to the next: place and size, and the widths of the list's
+/// columns. The widths of its panes are the application's.
 struct WindowMemory {
     static void remember(const MainWindow& window, UserDefaults& defaults);
-    /// Does nothing the second time, and where nothing fitting is stored.
+    /// Puts the window where it was, or, where nothing fitting is stored, where it belongs at first. Does
+    /// nothing the second time.
     static void restoreOnce(MainWindow& window, const UserDefaults& defaults);
 };
 

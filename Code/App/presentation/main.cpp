@@ -39,6 +39,7 @@ int show(WindowLink* link, const std::vector<std::string>& paths) {
 }
 
 int start(int argc, char** argv) {
+    tavrin::appearance::preferPortal();
     if (const auto droplet = tavrin::dropletRequestOf(argc, argv))
         return tavrin::runDroplet(*droplet, argv[0]);
     auto taken = WindowArguments::take(argc, argv);

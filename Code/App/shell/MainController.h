@@ -10,10 +10,12 @@
 #include "platform/desktop/DebugManager.h"
 #include "platform/files/FileSystemAccessManager.h"
 #include "shell/asking/ConfirmationFlow.h"
+#include "shell/asking/FrontEnd.h"
 #include "shell/asking/NoticeDialogs.h"
 #include "shell/commands/ActionListCommands.h"
 #include "shell/commands/DropletCommands.h"
 #include "shell/commands/HandEdits.h"
+#include "shell/commands/RecipeCommands.h"
 #include "shell/commands/ShellServices.h"
 #include "shell/commands/SourceCommands.h"
 #include "shell/commands/TakeBackCommands.h"
@@ -103,6 +105,9 @@ class MainController : public EngineHost, public ActionObserver {
         engine.rereadAtNextPreview();
         preview.initiateDelayedPreviewUpdate();
     }
+    /// Looks again which new names will be refused, since others may have changed something meanwhile. Reads
+    /// nothing anew; where nothing has changed it costs a call for each folder, on a worker.
+    void lookAgain();
     void ok();
     void applyAndQuit();
     void applyButDontQuit();
@@ -124,6 +129,7 @@ class MainController : public EngineHost, public ActionObserver {
     // --- Parts ---
     [[nodiscard]] RenameEngine& renameEngine() { return engine; }
     [[nodiscard]] ActionListCommands& actionListCommands() { return listCommands; }
+    [[nodiscard]] RecipeCommands& recipeCommands() { return recipes; }
     [[nodiscard]] PreviewControl& previewControl() { return preview; }
     [[nodiscard]] PreviewList& nodeController() { return preview.nodeController(); }
     [[nodiscard]] SourceCommands& sourceCommands() { return sources; }
@@ -160,6 +166,7 @@ class MainController : public EngineHost, public ActionObserver {
         confirmation.showFileListNotSaved(path, reason);
     }
     void reloadPreview() override { sources.reloadPreview(); }
+    void tellGone(std::size_t count) override { environment.frontEnd.itemsWereGone(count); }
     void changePins(std::vector<NamePins::Change> changes) override { hands.change(std::move(changes)); }
     void clearList() override {
         hands.drop();
@@ -198,6 +205,7 @@ class MainController : public EngineHost, public ActionObserver {
     PresetsManager presets;
     ShellServices services;
     ActionListCommands listCommands;
+    RecipeCommands recipes;
     PreviewControl preview;
     SourceCommands sources;
     HandEdits hands;

@@ -39,14 +39,14 @@ class AlphabeticalListBasedAction final : public SequenceAction {
     explicit AlphabeticalListBasedAction(Place place) : SequenceAction(place) {
         addParameter(textParameter("startValue", "Start at", u"A").option("from"), paramStartValue);
         addParameter(numberParameter("stepValue", "Step", 1).option("step"), paramStepValue);
-        addParameter(numberParameter("padding", "Letters", 1).between(0, 20).option("width"), paramPadding);
+        addWidthParameters(numberParameter("padding", "Letters", 1).between(0, 20).option("width"));
         addPlacementParameters();
     }
-    [[nodiscard]] std::vector<std::u16string> firstValues() const override {
-        std::vector<std::u16string> values(3);
-        for (std::size_t i = 0; i < values.size(); ++i)
-            setLettersAfter(static_cast<std::int64_t>(i), values[i]);
-        return values;
+    [[nodiscard]] std::optional<std::u16string> sequenceValue(std::int32_t rank,
+                                                              std::int32_t lastRank) const override {
+        std::u16string letters;
+        setLettersAfter(rank - 1, widthFor(lastRank), letters);
+        return letters;
     }
     /// A start value comes back in its normal form: capital letters, of the first six code units, without
     /// leading "A"s.
@@ -59,21 +59,31 @@ class AlphabeticalListBasedAction final : public SequenceAction {
   protected:
     void prepareParameters() override {
         SequenceAction::prepareParameters();
-        paramPadding = std::clamp(paramPadding, 0, widest);
         startNumber = uAlphaToNum(paramStartValue);
     }
 
     [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {
-        setLettersAfter(std::int64_t{getSortIndex(input)} - 1, formatted);
+        setLettersAfter(std::int64_t{getSortIndex(input)} - 1, width(), formatted);
         return &formatted;
+    }
+
+    [[nodiscard]] std::int32_t widestValue(std::int32_t lastRank) const override {
+        std::size_t width = 0;
+        std::u16string letters;
+        for (const std::int32_t rank : {1, std::max(lastRank, 1)}) {
+            setLettersAfter(rank - 1, 0, letters);
+            width = std::max(width, letters.size());
+        }
+        return static_cast<std::int32_t>(width);
     }
 
   private:
     /// Puts in the letters of the item that comes after so many others.
-    void setLettersAfter(std::int64_t steps, std::u16string& letters) const {
+    void setLettersAfter(std::int64_t steps, std::int32_t width, std::u16string& letters) const {
         const std::int64_t distance = steps * paramStepValue;
         const auto sum = static_cast<std::uint64_t>(startNumber) + static_cast<std::uint64_t>(distance);
-        uNumToAlpha(static_cast<std::int64_t>(sum), static_cast<std::size_t>(paramPadding), letters);
+        const auto atLeast = static_cast<std::size_t>(std::clamp(width, 0, widest));
+        uNumToAlpha(static_cast<std::int64_t>(sum), atLeast, letters);
     }
 
     /// Checks the start value before it is stored.
@@ -85,7 +95,6 @@ class AlphabeticalListBasedAction final : public SequenceAction {
 
     std::u16string paramStartValue;
     std::int32_t paramStepValue = 0;
-    std::int32_t paramPadding = 0;
     std::int64_t startNumber = 0; ///< what `paramStartValue` stands for
     std::u16string formatted;
 };

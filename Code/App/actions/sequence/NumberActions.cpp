@@ -2,7 +2,9 @@
 #include "actions/PaddedNumber.h"
 #include "actions/sequence/SequenceAction.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 #include <utility>
 
 namespace tavrin {
@@ -16,21 +18,30 @@ class SortNumberBasedAction : public SequenceAction {
     explicit SortNumberBasedAction(Place place) : SequenceAction(place) {
         addParameter(numberParameter("startValue", "Start at", 1).option("from"), paramStartValue);
         addParameter(numberParameter("stepValue", "Step", 1).option("step"), paramStepValue);
-        addParameter(numberParameter("padding", "Digits", 2).between(0, 20).option("digits"), paramPadding);
+        addWidthParameters(numberParameter("padding", "Digits", 2).between(0, 20).option("digits"));
         addPlacementParameters(u"Image_");
     }
-    [[nodiscard]] std::vector<std::u16string> firstValues() const override {
-        std::vector<std::u16string> values(3);
-        for (std::uint32_t i = 0; i < values.size(); ++i)
-            appendPaddedNumber(valueAfter(i), paramPadding, values[i]);
-        return values;
+    [[nodiscard]] std::optional<std::u16string> sequenceValue(std::int32_t rank,
+                                                              std::int32_t lastRank) const override {
+        std::u16string number;
+        appendPaddedNumber(valueAfter(static_cast<std::uint32_t>(rank) - 1U), widthFor(lastRank), number);
+        return number;
     }
 
   protected:
     [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {
         formatted.clear();
-        appendPaddedNumber(value(input), paramPadding, formatted);
+        appendPaddedNumber(value(input), width(), formatted);
         return &formatted;
+    }
+
+    /// The widest is the first or the last, unless the numbers wrap round on their way.
+    [[nodiscard]] std::int32_t widestValue(std::int32_t lastRank) const override {
+        using Number = std::numeric_limits<std::int32_t>;
+        const std::int64_t last = paramStartValue + std::int64_t{paramStepValue} * std::max(lastRank - 1, 0);
+        if (last < Number::min() || last > Number::max())
+            return widthOf(Number::min());
+        return std::max(widthOf(paramStartValue), widthOf(static_cast<std::int32_t>(last)));
     }
 
     /// The number of the item.
@@ -40,6 +51,12 @@ class SortNumberBasedAction : public SequenceAction {
     std::u16string formatted;
 
   private:
+    [[nodiscard]] static std::int32_t widthOf(std::int32_t number) {
+        std::u16string digits;
+        appendPaddedNumber(number, 0, digits);
+        return static_cast<std::int32_t>(digits.size());
+    }
+
     /// The number of the item that comes after so many others.
     [[nodiscard]] std::int32_t valueAfter(std::uint32_t steps) const {
         return static_cast<std::int32_t>(steps * static_cast<std::uint32_t>(paramStepValue) +
@@ -48,7 +65,6 @@ class SortNumberBasedAction : public SequenceAction {
 
     std::int32_t paramStartValue = 1;
     std::int32_t paramStepValue = 1;
-    std::int32_t paramPadding = 1;
 };
 
 constexpr std::int32_t largestRomanNumeral = 4000;
@@ -74,8 +90,11 @@ class RomanNumeralBasedAction final : public SortNumberBasedAction {
   public:
     explicit RomanNumeralBasedAction(Place place) : SortNumberBasedAction(place) {
         addParameter(numberParameter("padding", "Not used", 2).unused());
+        retireParameter("paddingMode");
     }
-    [[nodiscard]] std::vector<std::u16string> firstValues() const override { return {}; }
+    [[nodiscard]] std::optional<std::u16string> sequenceValue(std::int32_t, std::int32_t) const override {
+        return std::nullopt;
+    }
 
   protected:
     [[nodiscard]] const std::u16string* textFor(const InputContext& input) override {

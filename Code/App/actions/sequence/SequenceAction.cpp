@@ -2,7 +2,27 @@
 
 #include "actions/PrecomposedText.h"
 
+#include <algorithm>
+
 namespace tavrin {
+
+namespace {
+
+constexpr std::int32_t asManyAsNeeded = 1;
+
+} // namespace
+
+void SequenceAction::addWidthParameters(const ParameterDescription& width) {
+    addParameter(width, paramPadding);
+    addParameter(checkboxParameter("paddingMode", "As many as needed", 0).beside(width.key).mark("as-needed"),
+                 paramPaddingMode);
+}
+
+std::int32_t SequenceAction::widthFor(std::int32_t lastRank) const {
+    if (paramPaddingMode != asManyAsNeeded || paramPadding < 0)
+        return paramPadding;
+    return std::max(paramPadding, widestValue(lastRank));
+}
 
 void SequenceAction::addPlacementParameters(std::u16string_view prefix) {
     placement.addParametersTo(*this);
@@ -22,9 +42,14 @@ void SequenceAction::addPlacementParameters(std::u16string_view prefix) {
 void SequenceAction::prepareParameters() {
     SortBasedAction::prepareParameters();
     placement.prepareParameters();
+    measuredRank = 0;
 }
 
 void SequenceAction::processName(std::u16string_view fragment, std::u16string& result) {
+    if (measuredRank != item().lastRank) {
+        measuredRank = item().lastRank;
+        widthInRun = widthFor(measuredRank);
+    }
     const auto* text = textFor(item());
     if (!text) {
         result += fragment;

@@ -29,6 +29,8 @@ struct RunPurpose {
     std::optional<bool> asks;
     /// Items that could not be made rows.
     std::int64_t failedBefore = 0;
+    /// What becomes of the items is told by their paths, for a list that has rows of its own.
+    bool tellsByPath = false;
     /// The names that items had before the run that this one takes up, for rows that lie elsewhere now.
     std::map<RowId, std::string> formerNames;
     /// Calls with each item that needs no row, since it has got its name before; their folders count by path.
@@ -40,6 +42,7 @@ struct TakeBackRequest {
     ChosenRun chosen;
     bool takesReplaced = false; ///< items that lie where a recorded one is gone count as that one
     bool asks = false;          ///< before each step
+    bool isOnShow = false;      ///< what becomes of each item is wanted beside the result
     bool isPreview = false;     ///< finds out what would be done, and touches nothing
 };
 

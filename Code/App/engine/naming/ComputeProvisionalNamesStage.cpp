@@ -129,6 +129,7 @@ void ComputeProvisionalNamesStage::processForActionIndex(int index) {
                 break;
         }
         const std::vector<RowId> rows = context->fetch(request);
+        input.lastRank = sorted ? count + countNumbered(rows) : 1;
         if (std::is_sorted(rows.begin(), rows.end())) {
             for (const RowId id : rows)
                 processRow(id, count + 1);
@@ -156,6 +157,13 @@ bool ComputeProvisionalNamesStage::moveToNextFolder(FetchRequest& request) {
     // Without the filter: what lies below a listed folder is numbered too, and stays hidden by the filter.
     request.predicate = Predicate::hasParent(folder.front()).with(Predicate::notMarked(marker));
     return true;
+}
+
+std::int32_t ComputeProvisionalNamesStage::countNumbered(const std::vector<RowId>& rows) const {
+    if (processFiles && processFolders)
+        return static_cast<std::int32_t>(rows.size());
+    return static_cast<std::int32_t>(
+        std::ranges::count_if(rows, [&](RowId id) { return isProcessed(context->treatAsFolder(id)); }));
 }
 
 /// A name depends on its rank, not on when it is made. So the ranks are given out first, and then the rows

@@ -34,6 +34,8 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     void processForActionIndex(int index);
     /// Points the request at the next folder; false when all folders are done.
     bool moveToNextFolder(FetchRequest& request);
+    /// How many of the rows get a rank.
+    [[nodiscard]] std::int32_t countNumbered(const std::vector<RowId>& rows) const;
     void processByRank(const std::vector<RowId>& rows);
     /// Whether steps name the row. All others keep their names and take no rank.
     [[nodiscard]] bool isProcessed(RowId id) const;

@@ -4,6 +4,7 @@
 #include "engine/naming/NamePins.h"
 #include "engine/reading/FolderNotes.h"
 #include "engine/reading/ItemSelection.h"
+#include "engine/renaming/RunOutcomes.h"
 #include "store/queries/FilterManager.h"
 #include "store/queries/Predicate.h"
 #include "support/values/PropertyValue.h"
@@ -79,6 +80,10 @@ class EngineState {
     /// What is known of the folders on the list.
     FolderNotes& folderNotes() { return notesOfFolders; }
 
+    /// What has become of the items of the last run, or of the one under way. Any thread reads it.
+    [[nodiscard]] RunOutcomes& runOutcomes() { return outcomes; }
+    [[nodiscard]] const RunOutcomes& runOutcomes() const { return outcomes; }
+
     /// Asks the running rename to stop after the step in hand, as if the user had answered "stop". Any
     /// thread, also a signal's helper thread. Starting a rename takes it back.
     void requestStop() { stopRequested = true; }
@@ -103,6 +108,7 @@ class EngineState {
     ItemSelection itemSelection;
     RenameObserver* observer = nullptr;
     std::atomic<bool> stopRequested{false};
+    RunOutcomes outcomes;
 
   private:
     bool moveRowsIntoMemory(StoreContext& context);

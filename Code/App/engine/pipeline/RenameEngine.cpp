@@ -89,6 +89,19 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
     });
 }
 
+void RenameEngine::processLook() {
+    threads.detach([this, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
+        if (ending)
+            return;
+        ProcessingPipeline pipeline(*this);
+        pipeline.addStage(std::make_unique<ResolveFileNameConflictsStage>(
+            *this, ResolveFileNameConflictsStage::Task::foresee));
+        if (pipeline.process())
+            refreshList();
+    });
+}
+
 void RenameEngine::processListRefresh() {
     threads.detach([this] {
         if (!ending)
@@ -142,6 +155,7 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
     purpose->of = request.chosen.run.name;
     purpose->isStrict = true;
     purpose->asks = request.asks;
+    purpose->tellsByPath = request.isOnShow;
     ProcessingPipeline pipeline(*this);
     pipeline.setProgressInfo(&progress);
     pipeline.setStore(*result.store);
@@ -188,6 +202,7 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
 void RenameEngine::forgetWhatWasRead(ProgressInfo& progress) {
     ProcessingPipeline cleanUp(*this);
     cleanUp.setProgressInfo(&progress);
+    cleanUp.addStage(std::make_unique<DropGoneItemsStage>(*this));
     cleanUp.addStage(std::make_unique<CleanUpFilesStage>(*this));
     static_cast<void>(cleanUp.process());
     SourceItemManager::sharedInstance().resetCache();

@@ -36,6 +36,8 @@ class RenameEngine : public EngineState {
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
     void processRenamingPipelineThenContinue(ProgressInfo& progress);
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
+    /// Foresees anew which names the rename will be refused, and has the list refreshed.
+    void processLook();
     /// Has the list on show sorted anew and refreshed, beside all that runs.
     void processListRefresh();
     /// Looks at the records of past runs, which may be long, beside all that runs; what `look` returns is

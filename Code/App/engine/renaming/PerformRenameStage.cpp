@@ -146,11 +146,20 @@ void PerformRenameStage::prepare() {
     }
     if (purpose->linksAreItems)
         run->primitives.takeLinks();
+    run->outcomes.begin(context->endOfRows(), rowsByPath());
     const auto planned = static_cast<std::int32_t>(context->count(FetchEntity::file, plannedItems()));
     context->changeEngineControl().numberOfFilesThatNeedRenaming = planned;
     report.numberOfItems(planned);
     report.indeterminate(false);
     setCounters();
+}
+
+RunOutcomes::RowsByPath PerformRenameStage::rowsByPath() const {
+    RunOutcomes::RowsByPath rows;
+    if (purpose->tellsByPath)
+        for (const RowId row : context->fetch({FetchEntity::file, plannedItems(), {}, 0}))
+            rows.emplace(context->fullPath(row), row);
+    return rows;
 }
 
 FetchRequest PerformRenameStage::openItems() const {
@@ -216,11 +225,16 @@ void PerformRenameStage::walkChain(RowId head) {
 bool PerformRenameStage::performInChain(bool isHead, bool treatAsRoot) {
     if (run->questions.shouldAbort())
         return false;
+    run->outcomes.set(run->item.id(), RunOutcome::inHand);
     const UserQuestions::Decision decision = ask(isHead);
-    if (decision == UserQuestions::Decision::stop)
+    if (decision == UserQuestions::Decision::stop) {
+        run->outcomes.set(run->item.id(), RunOutcome::open);
         return false;
+    }
     if (decision == UserQuestions::Decision::perform)
         renameItem(treatAsRoot);
+    else
+        run->outcomes.set(run->item.id(), RunOutcome::leftOut);
     context->setStageFlag(run->item.id(), run->marker);
     return true;
 }
@@ -245,12 +259,14 @@ void PerformRenameStage::renameItem(bool treatAsRoot) {
         if (treatAsRoot)
             run->sourceItems.change(item.fullPath(), joinedPath(item.folder(), item.newComponent()));
         run->noteMoved(item.id());
+        run->outcomes.set(item.id(), RunOutcome::done);
         run->noteTakenPlace(context->row(item.id()).cannotBeRenamedBefore);
         run->tellRenamed(item.folder(), item.component(), item.newComponent(), true);
     } else {
         if (const std::string& left = run->mover.leftUnder(); isHere && !left.empty())
             run->tellRenamed(item.folder(), item.component(), left, false);
-        run->fail("Could not change a file name", primitives.failureReasonString(), item.fullPath());
+        run->fail({item.id()}, "Could not change a file name", primitives.failureReasonString(),
+                  primitives.failureDetail(), item.fullPath());
     }
     run->report.describeItem(
         [&] { return fmt::format("Renaming {} to {}", item.fullPath(), item.shownFinalName()); });

@@ -3,6 +3,7 @@
 #include "engine/asking/UserQuestions.h"
 #include "engine/history/TakeBack.h"
 #include "engine/pipeline/ProcessingStage.h"
+#include "engine/renaming/RunOutcomes.h"
 #include "store/queries/Predicate.h"
 #include "store/rows/NodeRow.h"
 
@@ -37,6 +38,7 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] Predicate plannedItems() const;
     void switchToLionModeOnce();
     void prepare();
+    [[nodiscard]] RunOutcomes::RowsByPath rowsByPath() const;
     [[nodiscard]] FetchRequest openItems() const;
     bool performBatch(const FetchRequest& request);
     void performItem(RowId id);

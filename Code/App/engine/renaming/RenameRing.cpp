@@ -32,9 +32,12 @@ RenameRing::RenameRing(RenameRun& currentRun, const std::vector<RowId>& siblings
 }
 
 void RenameRing::resolve() {
+    setOutcomes(RunOutcome::inHand);
     const UserQuestions::Decision decision = ask();
     if (decision == UserQuestions::Decision::stop)
-        return;
+        return setOutcomes(RunOutcome::open);
+    if (decision == UserQuestions::Decision::leaveOut)
+        setOutcomes(RunOutcome::leftOut);
     if (decision == UserQuestions::Decision::perform) {
         debugLog("{}", isPair() ? "****** swap " : "********** resolving dependency chain **********");
         rename();
@@ -42,6 +45,11 @@ void RenameRing::resolve() {
     }
     for (const Member& member : members)
         run.context.setStageFlag(member.id, run.marker);
+}
+
+void RenameRing::setOutcomes(RunOutcome outcome) {
+    for (const Member& member : members)
+        run.outcomes.set(member.id, outcome);
 }
 
 UserQuestions::Decision RenameRing::ask() {
@@ -178,6 +186,7 @@ bool RenameRing::note(int error, std::size_t member, std::string_view to) {
 }
 
 void RenameRing::account() {
+    setOutcomes(RunOutcome::done); // what has failed is told below
     for (const Member& member : members) {
         if (member.lies == member.name)
             continue;
@@ -190,9 +199,10 @@ void RenameRing::account() {
     const bool nothingMoved = std::all_of(members.begin(), members.end(),
                                           [](const Member& member) { return member.lies == member.name; });
     if (isPair() && nothingMoved) {
-        run.fail(fmt::format("Could not swap file names '{}' and '{}'. Neither file was renamed.",
+        run.fail({members[0].id, members[1].id},
+                 fmt::format("Could not swap file names '{}' and '{}'. Neither file was renamed.",
                              nameOnDisk::shown(members[0].name), nameOnDisk::shown(members[1].name)),
-                 fmt::format("{} ({})", pairMessage, failure), path(members[0].name), 2);
+                 fmt::format("{} ({})", pairMessage, failure), failure, path(members[0].name));
     } else {
         for (const Member& member : members) {
             if (member.lies != member.wanted)
@@ -221,9 +231,10 @@ void RenameRing::report(const Member& member) {
     if (!isUnchanged)
         detail += fmt::format(". It lies under the name \"{}\" now", nameOnDisk::shown(member.lies));
     run.primitives.refuse(detail);
-    run.fail(isUnchanged ? "Could not perform a temporary rename while resolving a dependency chain."
+    run.fail({member.id},
+             isUnchanged ? "Could not perform a temporary rename while resolving a dependency chain."
                          : "Could not undo a temporary rename while resolving a dependency chain.",
-             run.primitives.failureReasonString(), path(member.name));
+             run.primitives.failureReasonString(), detail, path(member.name));
 }
 
 std::string RenameRing::path(const std::string& name) const { return joinedPath(folder, name); }

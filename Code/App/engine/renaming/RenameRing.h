@@ -40,6 +40,7 @@ class RenameRing {
     [[nodiscard]] bool isPair() const { return members.size() == 2; }
     [[nodiscard]] std::size_t next(std::size_t index) const { return (index + 1) % members.size(); }
     UserQuestions::Decision ask();
+    void setOutcomes(RunOutcome outcome);
     void rename();
     bool allCanTakePart();
     /// Where case counts, a name that was found taken apart from case is free: then all follow the one that

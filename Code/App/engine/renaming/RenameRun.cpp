@@ -41,8 +41,8 @@ RenameRun::RenameRun(EngineState& owner, ProcessingStage& stage, StoreContext& s
                      bool shouldBeInteractive)
     : context(store), item(store), report(progress), folders(FileSystem::sharedInstance()),
       standIns(store, folders), mover(volumeEvents()), primitives({folders, standIns, mover, report}),
-      questions(owner, stage, shouldBeInteractive), marker(owner.nextStageFlagCounter()), engine(owner),
-      pins(owner.pins()), observer(owner.renameObserver()) {
+      questions(owner, stage, shouldBeInteractive), marker(owner.nextStageFlagCounter()),
+      outcomes(owner.runOutcomes()), engine(owner), pins(owner.pins()), observer(owner.renameObserver()) {
     if (!pins.isEmpty())
         movedPaths.emplace();
 }
@@ -84,9 +84,12 @@ void RenameRun::noteTakenPlace(RowId formerHolder) {
         moved.insert(formerHolder);
 }
 
-void RenameRun::fail(const std::string& title, const std::string& message, const std::string& path,
-                     std::int32_t items) {
-    failedCounter += items;
+void RenameRun::fail(std::initializer_list<RowId> rows, const std::string& title, const std::string& message,
+                     const std::string& reason, const std::string& path) {
+    failedCounter += static_cast<std::int32_t>(rows.size());
+    for (const RowId row : rows)
+        outcomes.fail(row, {rows.size() == 1 ? path : context.fullPath(row), context.finalName(row), title,
+                            message, reason});
     questions.displayError(title, message, path);
 }
 

@@ -8,11 +8,13 @@
 #include "engine/renaming/RenameObserver.h"
 #include "engine/renaming/RenamePrimitives.h"
 #include "engine/renaming/RunFolders.h"
+#include "engine/renaming/RunOutcomes.h"
 #include "store/queries/FilterManager.h"
 #include "support/text/PathParts.h"
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <set>
 #include <string>
@@ -81,9 +83,10 @@ struct RenameRun {
     /// moved, it has vanished, and its place is taken now.
     void noteTakenPlace(RowId formerHolder);
 
-    /// Reports a failure that has left so many items without their new names.
-    void fail(const std::string& title, const std::string& message, const std::string& path,
-              std::int32_t items = 1);
+    /// Reports a failure that has left these rows of one folder without their new names. `reason` is the
+    /// message in few words; `path` that of the item that is named.
+    void fail(std::initializer_list<RowId> rows, const std::string& title, const std::string& message,
+              const std::string& reason, const std::string& path);
 
     StoreContext& context;
     RenameItem item; ///< the one in hand
@@ -98,6 +101,7 @@ struct RenameRun {
     RenamePrimitives primitives;
     UserQuestions questions;
     PassMarker marker;
+    RunOutcomes& outcomes;
     ItemFilter filter;              ///< which rows take part
     bool givesNamesOfList = true;   ///< not those of a run that is taken back
     std::int32_t failedCounter = 0; ///< items without the names that they were to get

@@ -17,7 +17,7 @@ class FilePreviewView final : public QWidget {
     /// The file (path in bytes), or nothing for an empty path. With `thumbnail` its picture is sought.
     void setPath(const std::string& path, bool thumbnail);
 
-    [[nodiscard]] QSize sizeHint() const override { return {180, 180}; }
+    [[nodiscard]] QSize sizeHint() const override { return {216, 150}; }
 
   protected:
     void paintEvent(QPaintEvent* event) override;

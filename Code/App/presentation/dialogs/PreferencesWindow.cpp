@@ -8,6 +8,7 @@
 #include "presentation/dialogs/FileManagersPanel.h"
 #include "presentation/dialogs/UpdatesPanel.h"
 #include "presentation/settings/ParameterBinding.h"
+#include "presentation/settings/ParameterEditors.h"
 #include "shell/MainController.h"
 
 #include <QCheckBox>
@@ -59,6 +60,23 @@ constexpr std::array routes{QT_TRANSLATE_NOOP("PreferencesWindow", "Move after a
                             QT_TRANSLATE_NOOP("PreferencesWindow", "Rename within the open folder"),
                             QT_TRANSLATE_NOOP("PreferencesWindow", "Move by path")};
 
+/// Where words are long, a field stands below its label.
+QFormLayout* makeForm() {
+    auto* form = new QFormLayout;
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    return form;
+}
+
+/// As narrow as need be: its list shows the whole words.
+QComboBox* makeBox() {
+    auto* box = new WidePopUpBox;
+    constexpr int leastLetters = 16;
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    box->setMinimumContentsLength(leastLetters);
+    box->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    return box;
+}
+
 class Window final : public QDialog {
     Q_DECLARE_TR_FUNCTIONS(PreferencesWindow)
 
@@ -72,7 +90,6 @@ class Window final : public QDialog {
         contents->setObjectName("preferencesContents");
         contents->setAccessibleName(tr("Pages"));
         contents->setSpacing(3);
-        contents->setFixedWidth(fontMetrics().horizontalAdvance("Equal names") + 48);
         addGeneral();
         addReading();
         addEqualNames();
@@ -80,6 +97,8 @@ class Window final : public QDialog {
         addDroplets();
         addDesktop();
         addUpdates();
+        constexpr int margins = 24;
+        contents->setFixedWidth(contents->sizeHintForColumn(0) + margins);
         connect(contents, &QListWidget::currentRowChanged, pages, &QStackedWidget::setCurrentIndex);
         contents->setCurrentRow(0);
         auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
@@ -132,7 +151,7 @@ class Window final : public QDialog {
 
     template <typename Labels>
     void addChoice(QFormLayout& form, const char* key, const QString& label, const Labels& labels) {
-        auto* box = new QComboBox;
+        QComboBox* box = makeBox();
         box->setObjectName(key);
         for (const auto& each : labels)
             box->addItem(tr(std::string(each).c_str()));
@@ -186,8 +205,8 @@ class Window final : public QDialog {
         });
         addSetting(page, "quickLookThumbnail", tr("&Thumbnails in the list and in questions"));
         addSetting(page, "accurateFolderSize", tr("Exact sizes of &folders"));
-        auto* form = new QFormLayout;
-        auto* store = new QComboBox;
+        QFormLayout* form = makeForm();
+        QComboBox* store = makeBox();
         store->setObjectName("store");
         store->addItems({tr("on disk, for very long lists"), tr("in memory")});
         store->setCurrentIndex(services.defaults.integerForKey("store") == 1 ? 1 : 0);
@@ -196,6 +215,7 @@ class Window final : public QDialog {
         form->addRow(tr("Keep the &list:"), store);
         page.addLayout(form);
         auto* note = new QLabel(tr("A change counts from the next start, or when the list is cleared."));
+        note->setWordWrap(true);
         note->setForegroundRole(QPalette::PlaceholderText);
         page.addWidget(note);
         page.addStretch(1);
@@ -206,7 +226,7 @@ class Window final : public QDialog {
         addSetting(page, "previewConflictResolution",
                    tr("Show in the &preview how equal names are made distinct"));
         addSetting(page, "conflictResolutionDontChangeFirst", tr("The &first item keeps its name"));
-        auto* form = new QFormLayout;
+        QFormLayout* form = makeForm();
         addChoice(*form, "conflictResolutionScheme", tr("&Mark with:"), schemes);
         std::vector<std::string> orders;
         for (const ParameterChoice& choice : sortingModeChoices())
@@ -224,7 +244,7 @@ class Window final : public QDialog {
                    tr("Warn before files of a &music library are renamed"));
         addSetting(page, "preventAccidentalIPhotoLibraryDamage",
                    tr("Warn before files of a &photo library are renamed"));
-        auto* form = new QFormLayout;
+        QFormLayout* form = makeForm();
         addChoice(*form, "renameMode", tr("&Rename method:"), routes);
         page.addLayout(form);
         addHelp(page, tr("About the rename methods"), "helpCategory14");

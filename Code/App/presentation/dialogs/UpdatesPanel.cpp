@@ -57,6 +57,7 @@ UpdatesPanel::UpdatesPanel(const WindowServices& shared)
                       "only told of: nothing is loaded or installed."));
     note->setWordWrap(true);
     auto* form = new QFormLayout;
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     form->addRow(tr("&Feed of updates:"), address);
     form->addRow("", problem);
     form->addRow(tr("C&heck:"), interval);

@@ -8,7 +8,8 @@
 #include "presentation/WindowCommands.h"
 #include "shell/MainController.h"
 
-#include <QHBoxLayout>
+#include <QEvent>
+#include <QGridLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QPainter>
@@ -16,6 +17,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
+#include <ranges>
 
 namespace tavrin {
 
@@ -47,8 +49,20 @@ QLabel* centred(const QString& text) {
     return label;
 }
 
+// Of the page, in points.
+constexpr int margin = 24;
+constexpr int leastHeightForPicture = 330;
+constexpr int leastHeightForTiles = 250;
+constexpr int leastHeightForPromise = 150;
+
+constexpr int leastTileWidth = 176;
+constexpr int mostTileWidth = 224;
+constexpr int betweenTiles = 12;
+
+} // namespace
+
 /// What one may begin with, and an example of it.
-class Tile final : public QAbstractButton {
+class EmptyListPage::Tile final : public QAbstractButton {
   public:
     explicit Tile(const Beginning& shown) : beginning(shown) {
         setObjectName(shown.name);
@@ -57,17 +71,16 @@ class Tile final : public QAbstractButton {
         setAccessibleDescription(EmptyListPage::tr("%1 becomes %2").arg(shown.before, shown.after));
         setFocusPolicy(Qt::StrongFocus);
         setAttribute(Qt::WA_Hover);
-        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
 
-    [[nodiscard]] QSize sizeHint() const override {
-        const QFontMetrics metrics = fontMetrics();
-        const int widest =
-            std::max(QFontMetrics(headFont()).horizontalAdvance(text()), metrics.horizontalAdvance(result()));
-        return {widest + 2 * tilePadding, 3 * metrics.lineSpacing() + 2 * tileGap + 2 * tilePadding};
+    /// How wide its words are; only the result may be shortened.
+    [[nodiscard]] int wantedWidth() const {
+        const int all = std::max(labelWidth(), fontMetrics().horizontalAdvance(result())) + 2 * tilePadding;
+        return std::max(labelWidth() + 2 * tilePadding, std::clamp(all, leastTileWidth, mostTileWidth));
     }
-    [[nodiscard]] QSize minimumSizeHint() const override {
-        return {QFontMetrics(headFont()).horizontalAdvance(text()) + 2 * tilePadding, sizeHint().height()};
+    void setWidth(int width) {
+        setFixedSize(width, 3 * fontMetrics().lineSpacing() + 2 * tileGap + 2 * tilePadding);
     }
 
   protected:
@@ -80,7 +93,7 @@ class Tile final : public QAbstractButton {
         const auto draw = [&](const QString& string, const QColor& colour) {
             painter.setPen(colour);
             painter.drawText(place, Qt::AlignLeading | Qt::AlignVCenter,
-                             painter.fontMetrics().elidedText(string, Qt::ElideRight, place.width()));
+                             painter.fontMetrics().elidedText(string, Qt::ElideMiddle, place.width()));
             place.translate(0, line + tileGap);
         };
         painter.setFont(headFont());
@@ -94,6 +107,7 @@ class Tile final : public QAbstractButton {
     static constexpr int tilePadding = 10;
     static constexpr int tileGap = 3;
 
+    [[nodiscard]] int labelWidth() const { return QFontMetrics(headFont()).horizontalAdvance(text()); }
     [[nodiscard]] QString result() const { return QString("→ ") + beginning.after; }
     [[nodiscard]] QFont headFont() const {
         QFont bold = font();
@@ -104,40 +118,44 @@ class Tile final : public QAbstractButton {
     const Beginning& beginning;
 };
 
-} // namespace
-
-EmptyListPage::EmptyListPage(const WindowServices& shared, WindowCommands& commands) : services(shared) {
+EmptyListPage::EmptyListPage(const WindowServices& shared, WindowCommands& commands)
+    : services(shared), picture(new QLabel),
+      promise(centred(tr("Nothing is renamed until you click Rename."))), beginning(new QWidget),
+      grid(new QGridLayout) {
     setObjectName("emptyListPage");
-    setAutoFillBackground(true);
-    setBackgroundRole(QPalette::Base);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(24, 24, 24, 24);
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* content = new QWidget;
+    content->setAutoFillBackground(true);
+    content->setBackgroundRole(QPalette::Base);
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(margin, margin, margin, margin);
     layout->setSpacing(8);
     layout->addStretch(2);
-    auto* picture = new QLabel;
+    addWords(*layout);
+    addButtons(*layout, commands);
+    addTiles(*layout);
+    layout->addStretch(3);
+    setWidget(content);
+}
+
+void EmptyListPage::addWords(QBoxLayout& layout) {
     picture->setObjectName("DragHere");
     picture->setPixmap(QIcon(":/icons/drag-here.svg").pixmap(160, 110));
     picture->setAlignment(Qt::AlignHCenter);
-    layout->addWidget(picture);
+    layout.addWidget(picture);
     QLabel* head = centred(tr("Drag files or folders here"));
     QFont large = head->font();
     large.setPointSizeF(large.pointSizeF() * 1.4);
     large.setWeight(QFont::DemiBold);
     head->setFont(large);
-    layout->addWidget(head);
-    QLabel* promise = centred(tr("Nothing is renamed until you click Rename."));
+    layout.addWidget(head);
     promise->setObjectName("emptyListPromise");
     promise->setForegroundRole(QPalette::PlaceholderText);
-    layout->addWidget(promise);
-    layout->addSpacing(8);
-    addButtons(*layout, commands);
-    layout->addSpacing(20);
-
-    QLabel* or_ = centred(tr("Or begin with what you want to do"));
-    or_->setForegroundRole(QPalette::PlaceholderText);
-    layout->addWidget(or_);
-    addTiles(*layout);
-    layout->addStretch(3);
+    layout.addWidget(promise);
+    layout.addSpacing(8);
 }
 
 void EmptyListPage::addButtons(QBoxLayout& layout, WindowCommands& commands) {
@@ -147,27 +165,69 @@ void EmptyListPage::addButtons(QBoxLayout& layout, WindowCommands& commands) {
     auto* addFolder = new QPushButton(tr("Add Folder…"));
     addFolder->setObjectName("emptyAddFolder");
     performs(*addFolder, *commands.addFolder);
-    auto* row = new QHBoxLayout;
-    row->addStretch(1);
-    row->addWidget(addFiles);
-    row->addWidget(addFolder);
-    row->addStretch(1);
-    layout.addLayout(row);
+    auto* row = new QWidget;
+    buttons = new QBoxLayout(QBoxLayout::LeftToRight, row);
+    buttons->setContentsMargins(0, 0, 0, 0);
+    buttons->addWidget(addFiles);
+    buttons->addWidget(addFolder);
+    layout.addWidget(row, 0, Qt::AlignHCenter);
 }
 
 void EmptyListPage::addTiles(QBoxLayout& layout) {
-    auto* tiles = new QHBoxLayout;
-    tiles->setSpacing(8);
-    tiles->addStretch(1);
+    auto* column = new QVBoxLayout(beginning);
+    column->setContentsMargins(0, 20, 0, 0);
+    QLabel* invitation = centred(tr("Or begin with what you want to do"));
+    invitation->setForegroundRole(QPalette::PlaceholderText);
+    column->addWidget(invitation);
     for (const Beginning& each : beginnings) {
         auto* tile = new Tile(each);
         connect(tile, &QAbstractButton::clicked, this, [this, &each] {
             begin(each.action, each.key ? PropertyDictionary{{each.key, each.value}} : PropertyDictionary{});
         });
-        tiles->addWidget(tile);
+        tiles.push_back(tile);
     }
-    tiles->addStretch(1);
-    layout.addLayout(tiles);
+    grid->setSpacing(betweenTiles);
+    column->addLayout(grid);
+    layout.addWidget(beginning);
+}
+
+void EmptyListPage::arrange() {
+    const int height = viewport()->height();
+    picture->setVisible(height >= leastHeightForPicture);
+    beginning->setVisible(height >= leastHeightForTiles);
+    promise->setVisible(height >= leastHeightForPromise);
+    const int room = viewport()->width() - 2 * margin;
+    buttons->setDirection(QBoxLayout::LeftToRight);
+    if (buttons->sizeHint().width() > room)
+        buttons->setDirection(QBoxLayout::TopToBottom);
+    arrangeTiles(room);
+}
+
+/// All as wide as the widest, beside each other if they fit, else below each other.
+void EmptyListPage::arrangeTiles(int room) {
+    const auto count = static_cast<int>(tiles.size());
+    const int widest =
+        std::ranges::max(tiles | std::views::transform([](const Tile* tile) { return tile->wantedWidth(); }));
+    const bool fits = count * widest + (count - 1) * betweenTiles <= room;
+    for (int i = 0; i < count; ++i) {
+        Tile* tile = tiles[static_cast<std::size_t>(i)];
+        tile->setWidth(widest);
+        grid->addWidget(tile, fits ? 0 : i, fits ? i + 1 : 1);
+    }
+    grid->setColumnStretch(0, 1);
+    for (int column = 1; column <= count + 1; ++column)
+        grid->setColumnStretch(column, column == (fits ? count + 1 : 2) ? 1 : 0);
+}
+
+void EmptyListPage::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    arrange();
+}
+
+void EmptyListPage::changeEvent(QEvent* event) {
+    QScrollArea::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        arrange();
 }
 
 void EmptyListPage::begin(const char* actionName, const PropertyDictionary& parameters) {

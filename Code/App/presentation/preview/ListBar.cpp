@@ -9,6 +9,7 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QPushButton>
@@ -19,6 +20,10 @@
 namespace tavrin {
 
 namespace {
+
+constexpr int sideMargin = 12;
+constexpr int spacing = 4;
+constexpr int groupGap = 16;
 
 QToolButton* makeButton(const char* name, Glyph glyph, const QString& text, const QString& tip) {
     QToolButton* button = makeToolButton(name, glyph, tip);
@@ -34,8 +39,8 @@ QToolButton* makeButton(const char* name, Glyph glyph, const QString& text, cons
 ListBar::ListBar(const WindowServices& shared, WindowCommands& commands) : services(shared) {
     setObjectName("listBar");
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(12, 8, 12, 8);
-    layout->setSpacing(4);
+    layout->setSpacing(spacing);
+    setLow(false);
     QToolButton* add = makeButton("addButton", Glyph::add, tr("Add"), tr("Add files or folders"));
     auto* menu = new QMenu(add);
     menu->addActions({commands.addFiles, commands.addFolder});
@@ -47,7 +52,8 @@ ListBar::ListBar(const WindowServices& shared, WindowCommands& commands) : servi
     performs(*remove, *commands.removeFile);
     layout->addWidget(add);
     layout->addWidget(remove);
-    layout->addSpacing(12);
+    captioned = {add, remove};
+    layout->addSpacing(groupGap - spacing);
     addFilter("processFiles", Glyph::files, tr("Files"), tr("Files take part"));
     addFilter("processFolders", Glyph::folders, tr("Folders"), tr("Folders take part"));
     addFilter("processSubfolders", Glyph::subfolders, tr("Subfolders"),
@@ -59,6 +65,8 @@ ListBar::ListBar(const WindowServices& shared, WindowCommands& commands) : servi
     find->setFocusPolicy(Qt::TabFocus);
     performs(*find, *commands.findInList);
     layout->addWidget(find);
+    folding.push_back(find);
+    addMoreMenu(commands);
 }
 
 ListBar::~ListBar() = default;
@@ -68,6 +76,8 @@ void ListBar::addFilter(const char* key, Glyph glyph, const QString& text, const
     button->setObjectName(QString(key) + "Button");
     button->setToolTip(tip);
     layout()->addWidget(button);
+    captioned.push_back(button);
+    folding.push_back(button);
     bindings.push_back(std::make_unique<ParameterBinding>(
         services.controller.globalSettings(), key,
         [button](const auto& value) { button->setChecked(value && intValue(*value) != 0); }));
@@ -95,10 +105,74 @@ void ListBar::addShowMenu(WindowCommands& commands) {
     layout()->addWidget(showButton);
 }
 
+/// What has no room in the row, with the same words.
+void ListBar::addMoreMenu(WindowCommands& commands) {
+    moreButton = new MenuButton;
+    moreButton->setObjectName("moreButton");
+    //: A button that opens a menu; as short as possible
+    moreButton->setText(tr("More"));
+    moreButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    moreButton->setArrowType(Qt::DownArrow);
+    moreButton->setPopupMode(QToolButton::InstantPopup);
+    moreButton->setFocusPolicy(Qt::TabFocus);
+    moreButton->setAutoRaise(true);
+    moreButton->addActions(
+        {commands.processFiles, commands.processFolders, commands.processSubfolders, commands.findInList});
+    layout()->addWidget(moreButton);
+    moreButton->hide();
+    measure();
+}
+
+void ListBar::setLow(bool isLow) {
+    const int margin = isLow ? 2 : 8;
+    layout()->setContentsMargins(sideMargin, margin, sideMargin, margin);
+}
+
+/// How wide each stage is, which only fonts and captions change.
+void ListBar::measure() {
+    for (const Stage each : {Stage::captions, Stage::icons, Stage::menu}) {
+        apply(each);
+        widths[static_cast<std::size_t>(each)] = layout()->sizeHint().width();
+    }
+    arrange();
+}
+
+/// Takes the first stage that fits.
+void ListBar::arrange() {
+    const auto fits = [this](Stage each) { return widths[static_cast<std::size_t>(each)] <= width(); };
+    apply(fits(Stage::captions) ? Stage::captions : fits(Stage::icons) ? Stage::icons : Stage::menu);
+}
+
+void ListBar::apply(Stage newStage) {
+    if (std::exchange(stage, newStage) == newStage)
+        return;
+    for (QToolButton* button : captioned)
+        button->setToolButtonStyle(stage == Stage::captions ? Qt::ToolButtonTextBesideIcon
+                                                            : Qt::ToolButtonIconOnly);
+    for (QWidget* widget : folding)
+        widget->setVisible(stage != Stage::menu);
+    moreButton->setVisible(stage == Stage::menu);
+    layout()->invalidate();
+}
+
+QSize ListBar::minimumSizeHint() const { return {widths.back(), QWidget::minimumSizeHint().height()}; }
+
+void ListBar::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    arrange();
+}
+
+void ListBar::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (moreButton && (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange))
+        measure();
+}
+
 void ListBar::setShow(PreviewTableModel::Show what) {
     const std::array texts{tr("Show: All"), tr("Show: To Rename"), tr("Show: Problems")};
     showActions->actions().at(static_cast<int>(what))->setChecked(true);
     showButton->setText(texts[static_cast<std::size_t>(what)]);
+    measure();
 }
 
 } // namespace tavrin

@@ -17,6 +17,7 @@ using Spans = std::vector<NameDifference::Span>;
 
 constexpr int padding = 6;
 constexpr int gap = 12; // between a name and what is said about it
+constexpr int leastCharacters = 10;
 
 /// A name cut in its middle to a width, with the spans moved along.
 struct ElidedName {
@@ -109,6 +110,25 @@ QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
     return index.data(PreviewTableModel::reasonRole).toString();
 }
 
+/// Says behind a name what there is to say about it, and gives the room that this leaves to the name: the
+/// note has the right of way until the name is down to its last characters.
+QRect drawNote(QPainter& painter, const QRect& place, const QStyleOptionViewItem& item, const QString& name,
+               const QString& note, const QColor& colour) {
+    const QFontMetrics& metrics = item.fontMetrics;
+    const int wholeName = metrics.horizontalAdvance(name) + 1;
+    const int leastName = std::min(wholeName, metrics.averageCharWidth() * leastCharacters);
+    const int room = place.width() - gap;
+    const int nameWidth =
+        std::clamp(room - metrics.horizontalAdvance(note), leastName, std::max(leastName, wholeName));
+    const int noteWidth = std::max(0, room - nameWidth);
+    QRect nameRoom(place.left(), place.top(), nameWidth, place.height());
+    QRect noteRoom(place.left() + nameWidth + gap, place.top(), noteWidth, place.height());
+    painter.setPen(colour);
+    painter.drawText(QStyle::visualRect(item.direction, place, noteRoom), Qt::AlignLeading | Qt::AlignVCenter,
+                     metrics.elidedText(note, Qt::ElideRight, noteWidth));
+    return QStyle::visualRect(item.direction, place, nameRoom);
+}
+
 /// The tints and colours of a row keep their meaning, and their contrast, where it is selected.
 void softenSelection(QPalette& palette) {
     palette.setColor(QPalette::Highlight, WindowColours::chosenGround(palette));
@@ -129,6 +149,9 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     item.text.clear();
     softenSelection(item.palette);
     const QStyle* style = item.widget ? item.widget->style() : QApplication::style();
+    // The ground tells what is selected; pictures keep their own colours on it.
+    style->drawPrimitive(QStyle::PE_PanelItemViewItem, &item, painter, item.widget);
+    item.state.setFlag(QStyle::State_Selected, false);
     style->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
     if (index.column() == PreviewTableModel::icon)
         return;
@@ -154,21 +177,13 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const QColor textColour = isNew && state == PreviewTableModel::State::unchanged
                                   ? item.palette.color(QPalette::PlaceholderText)
                                   : plain;
-    const QString reason = isNew ? noteOn(state, index) : QString();
-    if (!reason.isEmpty()) {
-        const int nameWidth = item.fontMetrics.horizontalAdvance(text);
-        const int reasonWidth = item.fontMetrics.horizontalAdvance(reason);
-        if (nameWidth + gap + reasonWidth < place.width()) {
-            painter->setPen(stateColour(state, item.palette));
-            painter->drawText(isRightToLeft ? place.adjusted(0, 0, -nameWidth - gap, 0)
-                                            : place.adjusted(nameWidth + gap, 0, 0, 0),
-                              Qt::AlignLeading | Qt::AlignVCenter, reason);
-        }
-    }
+    QRect nameRoom = place;
+    if (const QString note = isNew ? noteOn(state, index) : QString(); !note.isEmpty())
+        nameRoom = drawNote(*painter, place, item, text, note, stateColour(state, item.palette));
     const auto spans = index.data(PreviewTableModel::spansRole).value<Spans>();
-    drawName(painter, place, elided(text, spans, item.fontMetrics, place.width()), item.font, textColour,
-             isNew ? colours.addedTint : colours.removedTint, isNew ? colours.addedText : colours.removedText,
-             isRightToLeft);
+    drawName(painter, nameRoom, elided(text, spans, item.fontMetrics, nameRoom.width()), item.font,
+             textColour, isNew ? colours.addedTint : colours.removedTint,
+             isNew ? colours.addedText : colours.removedText, isRightToLeft);
     painter->restore();
 }
 

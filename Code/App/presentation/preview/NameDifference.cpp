@@ -34,7 +34,8 @@ class Comparison {
 
     NameDifference run() {
         findEnds();
-        giveCutRunsBack();
+        if (!isMereInsertion() && !isMereRemoval())
+            giveCutRunsBack();
         for (std::size_t i = 0; i < start; ++i)
             matches.push_back({i, i});
         findMiddle();
@@ -57,8 +58,11 @@ class Comparison {
             ++end;
     }
 
+    [[nodiscard]] bool isMereInsertion() const { return start + end == before.size(); }
+    [[nodiscard]] bool isMereRemoval() const { return start + end == after.size(); }
+
     /// A border within a run of letters or digits is moved to the edge of the run where less than half of it
-    /// would stay: half a word tells nothing.
+    /// would stay: half a word tells nothing. A run that is whole in one of the names is no half.
     void giveCutRunsBack() {
         const auto fromStart = [this](const Sequences& name) { return runsAround(name, start, false); };
         const auto fromEnd = [this](const Sequences& name) {
@@ -92,7 +96,8 @@ class Comparison {
     }
 
     [[nodiscard]] static std::size_t cutPart(const CutRun& inBefore, const CutRun& inAfter) {
-        return std::max(inBefore.lost, inAfter.lost) > inBefore.kept ? inBefore.kept : 0;
+        const bool isCutInBoth = inBefore.lost > 0 && inAfter.lost > 0;
+        return isCutInBoth && std::max(inBefore.lost, inAfter.lost) > inBefore.kept ? inBefore.kept : 0;
     }
 
     /// The longest common sequence of the middles, without the scraps.

@@ -9,6 +9,7 @@
 #include "presentation/WindowCommands.h"
 #include "presentation/preview/EmptyListPage.h"
 #include "presentation/preview/FindBar.h"
+#include "presentation/preview/FolderOffer.h"
 #include "presentation/preview/ListBar.h"
 #include "presentation/preview/NameDelegate.h"
 #include "presentation/preview/PreviewTableView.h"
@@ -89,8 +90,9 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
       thumbnails(new ThumbnailLoader(this)), model(new PreviewTableModel(shared, *thumbnails, this)),
       view(new PreviewTableView(*model, controller.dndArrayController())),
       listBar(new ListBar(shared, windowCommands)), findBar(new FindBar(*view, *model)),
-      pages(new QStackedWidget), bars(new MessageBars), problemBar(new ProblemBar(windowCommands)),
-      statusRow(new StatusRow(controller)), longWork(controller.runLoop()) {
+      pages(new QStackedWidget), bars(new MessageBars), folderOffer(new FolderOffer(shared, *bars, this)),
+      problemBar(new ProblemBar(windowCommands)), statusRow(new StatusRow(controller)),
+      longWork(controller.runLoop()) {
     setObjectName("previewPane");
     buildTable();
     connectTable();
@@ -322,6 +324,8 @@ void PreviewPane::previewFinished() {
     listChanged();
     showProblems();
     sizeColumnsToFit();
+    if (controller.previewControl().isPreviewEmpty())
+        folderOffer->withdraw();
 }
 
 void PreviewPane::refreshProgress() { statusRow->refreshProgress(); }
@@ -333,6 +337,10 @@ void PreviewPane::enterDropletEditMode() {
     if (auto* promise = findChild<QLabel*>("emptyListPromise"))
         promise->setText(tr("Files you add here only show the effect."));
 }
+
+void PreviewPane::pathsAdded(const std::vector<std::string>& paths) { folderOffer->pathsAdded(paths); }
+
+void PreviewPane::setLow(bool isLow) { listBar->setLow(isLow); }
 
 void PreviewPane::showProblems() {
     model->setProblems(controller.nodeController().problemIds());
@@ -382,6 +390,50 @@ void PreviewPane::goTo(int row) {
     view->setCurrentIndex(model->index(row, PreviewTableModel::currentName));
     view->scrollTo(view->currentIndex(), QAbstractItemView::PositionAtCenter);
     view->setFocus();
+}
+
+// --- Questions ---
+
+QuestionCard::Place PreviewPane::questionPlace() {
+    return {*pages,
+            [this] {
+                QWidget* viewport = view->viewport();
+                return pages->currentWidget() == view
+                           ? QRect(viewport->mapTo(pages, QPoint()), viewport->size())
+                           : pages->rect();
+            },
+            [this](const std::string& path) { revealForQuestion(path); },
+            [this](const QuestionText::Rows& rows) { return rowsInView(rows); }};
+}
+
+/// Into the upper third, so that there is room for the card below.
+void PreviewPane::revealForQuestion(const std::string& path) {
+    const auto row = model->rowOf(controller.nodeController().rowWithPath(path));
+    if (!row)
+        return;
+    const QModelIndex index = model->index(*row, PreviewTableModel::currentName);
+    const int inView = view->viewport()->height() / std::max(1, view->rowHeight(*row));
+    const QRect place = view->visualRect(index);
+    if (place.top() >= 0 && place.bottom() < view->viewport()->height() / 3)
+        return;
+    view->scrollTo(model->index(std::max(0, *row - inView / 6), PreviewTableModel::currentName),
+                   QAbstractItemView::PositionAtTop);
+}
+
+std::vector<QRect> PreviewPane::rowsInView(const QuestionText::Rows& rows) const {
+    std::vector<QRect> places;
+    const QWidget* viewport = view->viewport();
+    if (pages->currentWidget() != view)
+        return places;
+    for (int row = view->rowAt(0); row >= 0 && row < model->rowCount(); ++row) {
+        const QRect place(0, view->rowViewportPosition(row), viewport->width(), view->rowHeight(row));
+        if (place.top() >= viewport->height())
+            break;
+        if (rows.hold(model->rowAt(row).fullPath))
+            places.push_back(place.translated(viewport->mapTo(pages, QPoint())) &
+                             QRect(viewport->mapTo(pages, QPoint()), viewport->size()));
+    }
+    return places;
 }
 
 void PreviewPane::removeSelected() {

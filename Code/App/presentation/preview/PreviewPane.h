@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
+#include "presentation/cards/QuestionCard.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/preview/SlicedWork.h"
@@ -18,6 +19,7 @@ namespace tavrin {
 
 class FindBar;
 class ListBar;
+class FolderOffer;
 class MessageBars;
 class ParameterBinding;
 class PreviewTableView;
@@ -50,7 +52,10 @@ class PreviewPane final : public QWidget {
     void forgetPictures();
     /// The messages below the list.
     [[nodiscard]] MessageBars& messageBars() { return *bars; }
+    void pathsAdded(const std::vector<std::string>& paths);
     void enterDropletEditMode();
+    /// Whether the window is so low that the rows around the list had better be, too.
+    void setLow(bool isLow);
 
     [[nodiscard]] std::vector<RowId> selection() const;
     /// Of the selected rows, or of the whole list where none is; absent where that is empty.
@@ -62,6 +67,9 @@ class PreviewPane final : public QWidget {
     void goToProblem(bool forward);
     /// "current name, tab, new name" of the selected rows to the clipboard.
     void copySelected();
+
+    /// Where a question of a run is put: over the list, beside its rows.
+    [[nodiscard]] QuestionCard::Place questionPlace();
 
   signals:
     void selectionChanged();
@@ -89,6 +97,8 @@ class PreviewPane final : public QWidget {
     /// Where these rows are now.
     [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
     void goTo(int row);
+    void revealForQuestion(const std::string& path);
+    [[nodiscard]] std::vector<QRect> rowsInView(const QuestionText::Rows& rows) const;
 
     const WindowServices services;
     MainController& controller;
@@ -100,6 +110,7 @@ class PreviewPane final : public QWidget {
     FindBar* findBar;
     QStackedWidget* pages; ///< the table, or the invitation
     MessageBars* bars;
+    FolderOffer* folderOffer;
     ProblemBar* problemBar;
     StatusRow* statusRow;
     SlicedWork longWork;

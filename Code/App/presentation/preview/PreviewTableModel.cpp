@@ -215,7 +215,7 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case stateRole:
         return static_cast<int>(stateOf(row));
     case reasonRole:
-        return ShownName::problemNote(row.problem, row.problemDetail);
+        return row.note.isInfo ? QString() : ShownName::note(row.note);
     case rowIdRole:
         return row.id;
     case spansRole:

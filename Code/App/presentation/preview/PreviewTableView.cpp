@@ -71,6 +71,13 @@ void PreviewTableView::reorder(const std::function<void()>& work) {
     reorders = false;
 }
 
+QModelIndex PreviewTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    if (action != MoveHome && action != MoveEnd)
+        return QTableView::moveCursor(action, modifiers);
+    const int column = currentIndex().isValid() ? currentIndex().column() : PreviewTableModel::currentName;
+    return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, column);
+}
+
 void PreviewTableView::keyPressEvent(QKeyEvent* event) {
     const bool hasAlt = event->modifiers().testFlag(Qt::AltModifier);
     if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)

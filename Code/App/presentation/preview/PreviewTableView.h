@@ -35,6 +35,8 @@ class PreviewTableView final : public QTableView {
     void widthChanged();         ///< there is more or less room for the columns
 
   protected:
+    /// Home and End go to the first and the last row, as in lists.
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void keyPressEvent(QKeyEvent* event) override;
     void startDrag(Qt::DropActions actions) override;
     void dragEnterEvent(QDragEnterEvent* event) override;

@@ -9,6 +9,7 @@
 #include "shell/MainController.h"
 #include "shell/asking/FrontEnd.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -40,6 +41,9 @@ StatusRow::StatusRow(MainController& owner)
     pages->addWidget(statusText);
     // A reason can be longer than the window is wide.
     statusText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    // At the beginning of the row, whichever way its own words run.
+    statusText->setAlignment((QGuiApplication::isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) |
+                             Qt::AlignVCenter);
     row->addWidget(pages, 1);
     addOrderButtons();
     selectPreviewTab(PreviewTab::status);

@@ -7,6 +7,7 @@
 #include "shell/MainController.h"
 
 #include <QCheckBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -26,7 +27,9 @@ AdvancedOptions::AdvancedOptions(const WindowServices& shared)
     layout->addWidget(disclosure);
     layout->addWidget(content);
     auto* rows = new QVBoxLayout(content);
-    rows->setContentsMargins(20, 0, 0, 0);
+    constexpr int indent = 20;
+    const bool isMirrored = QGuiApplication::isRightToLeft();
+    rows->setContentsMargins(isMirrored ? 0 : indent, 0, isMirrored ? indent : 0, 0);
     addSetting("interactiveMode", tr("Show &confirmation dialog before renaming"));
     addSetting("showSummary", tr("Show s&ummary after renaming is complete"));
     addSetting("continueAfterRename", tr("&Keep the list after renaming"));
@@ -39,7 +42,9 @@ AdvancedOptions::AdvancedOptions(const WindowServices& shared)
         settings, "discloseAdvancedOptions", [this](const std::optional<PropertyValue>& value) {
             const bool isOpen = value && intValue(*value) != 0;
             disclosure->setChecked(isOpen);
-            disclosure->setArrowType(isOpen ? Qt::DownArrow : Qt::RightArrow);
+            disclosure->setArrowType(isOpen                             ? Qt::DownArrow
+                                     : QGuiApplication::isRightToLeft() ? Qt::LeftArrow
+                                                                        : Qt::RightArrow);
             content->setVisible(isOpen);
         }));
     connect(disclosure, &QToolButton::clicked, this,

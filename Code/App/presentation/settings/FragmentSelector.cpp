@@ -4,7 +4,6 @@
 #include "presentation/Buttons.h"
 
 #include <QAbstractButton>
-#include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPainter>
@@ -17,44 +16,62 @@ namespace tavrin {
 
 namespace {
 
-constexpr double captionScale = 0.88;
-
 struct Fragment {
     int mode;
     const char* name;
-    const char* caption;
-    const char* spoken;
+    const char* words;
     const char* before; ///< the sample name, in three parts: before the fragment, the fragment, behind it
     const char* marked;
     const char* behind;
 };
 
 constexpr std::array fragments{
-    Fragment{1, "fragment1", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Name"),
-             QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Name without extension"), "", "photo", ".jpg"},
-    Fragment{0, "fragment0", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Whole name"),
-             QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Whole name"), "", "photo.jpg", ""},
-    Fragment{2, "fragment2", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Extension"),
-             QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Extension without dot"), "photo.", "jpg", ""},
-    Fragment{3, "fragment3", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "With dot"),
-             QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Extension with dot"), "photo", ".jpg", ""},
+    Fragment{1, "fragment1", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Name without extension"), "",
+             "photo", ".jpg"},
+    Fragment{0, "fragment0", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Whole name"), "", "photo.jpg",
+             ""},
+    Fragment{2, "fragment2", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Extension without dot"), "photo.",
+             "jpg", ""},
+    Fragment{3, "fragment3", QT_TRANSLATE_NOOP("tavrin::FragmentSelector", "Extension with dot"), "photo",
+             ".jpg", ""},
 };
+
+struct ButtonSize {
+    double fontScale;
+    int margin; ///< above and below the name, together
+};
+
+constexpr ButtonSize sizeOf(FragmentSelector::Size size) {
+    switch (size) {
+    case FragmentSelector::Size::large:
+        return {1, 14};
+    case FragmentSelector::Size::medium:
+        return {1, 8};
+    case FragmentSelector::Size::small:
+        break;
+    }
+    return {0.9, 4};
+}
 
 /// A button with a sample name, a part of which stands on the highlight.
 class FragmentButton final : public QAbstractButton {
   public:
-    explicit FragmentButton(const Fragment& shownFragment) : fragment(shownFragment) {
+    FragmentButton(const Fragment& shownFragment, ButtonSize wanted)
+        : fragment(shownFragment), margin(wanted.margin) {
+        QFont scaled = font();
+        scaled.setPointSizeF(scaled.pointSizeF() * wanted.fontScale);
+        setFont(scaled);
         setCheckable(true);
         setAutoExclusive(true);
         setObjectName(fragment.name);
-        setAccessibleName(FragmentSelector::tr(fragment.spoken));
+        setAccessibleName(FragmentSelector::tr(fragment.words));
         setToolTip(accessibleName());
         setFocusPolicy(Qt::TabFocus);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     }
 
     [[nodiscard]] QSize sizeHint() const override {
-        return {fontMetrics().horizontalAdvance("photo.jpg") + 14, fontMetrics().height() + 12};
+        return {fontMetrics().horizontalAdvance("photo.jpg") + 14, fontMetrics().height() + margin};
     }
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -94,39 +111,32 @@ class FragmentButton final : public QAbstractButton {
     }
 
     const Fragment& fragment;
+    const int margin;
 };
 
 } // namespace
 
 FragmentSelector::FragmentSelector(BaseRenameAction& action, Size size)
-    : binding(action, "fragmentSelection",
+    : heading(new QLabel), grid(new QGridLayout(this)),
+      binding(action, "fragmentSelection",
               [this](const std::optional<PropertyValue>& value) { show(value ? intValue(*value) : 1); }) {
     setObjectName("fragmentSelection");
     setAccessibleName(tr("Apply to"));
-    if (size == Size::box)
-        addBox();
-    else
-        addButtons(size == Size::withCaptions);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(4);
+    grid->setVerticalSpacing(4);
+    heading->setObjectName("fragmentSelectionHead");
+    heading->setTextFormat(Qt::RichText);
+    heading->setWordWrap(true);
+    grid->addWidget(heading, 0, 0, 1, -1);
+    addButtons(size);
     show(action.getParamInt("fragmentSelection", 1));
 }
 
-void FragmentSelector::addButtons(bool withCaptions) {
-    grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setHorizontalSpacing(4);
-    grid->setVerticalSpacing(2);
+void FragmentSelector::addButtons(Size size) {
     for (const Fragment& fragment : fragments) {
-        auto* button = new FragmentButton(fragment);
+        auto* button = new FragmentButton(fragment, sizeOf(size));
         buttons.push_back(button);
-        if (withCaptions) {
-            auto* caption = new QLabel(tr(fragment.caption), this);
-            caption->setAlignment(Qt::AlignHCenter);
-            QFont small = caption->font();
-            small.setPointSizeF(small.pointSizeF() * captionScale);
-            caption->setFont(small);
-            caption->setForegroundRole(QPalette::PlaceholderText);
-            captions.push_back(caption);
-        }
         connect(button, &QAbstractButton::clicked, this,
                 [this, mode = fragment.mode] { binding.write(mode); });
     }
@@ -134,16 +144,12 @@ void FragmentSelector::addButtons(bool withCaptions) {
     setFocusProxy(buttons.front());
 }
 
-/// Puts the buttons into so many columns, with their captions below them.
+/// Puts the buttons into so many columns.
 void FragmentSelector::arrange(int newColumns) {
     if (std::exchange(columns, newColumns) == newColumns)
         return;
-    for (int i = 0; i < static_cast<int>(buttons.size()); ++i) {
-        const int row = i / columns * 2;
-        grid->addWidget(buttons[static_cast<std::size_t>(i)], row, i % columns);
-        if (!captions.empty())
-            grid->addWidget(captions[static_cast<std::size_t>(i)], row + 1, i % columns);
-    }
+    for (int i = 0; i < static_cast<int>(buttons.size()); ++i)
+        grid->addWidget(buttons[static_cast<std::size_t>(i)], 1 + i / columns, i % columns);
     for (int column = 0; column < static_cast<int>(buttons.size()); ++column)
         grid->setColumnStretch(column, column < columns ? 1 : 0);
 }
@@ -151,13 +157,9 @@ void FragmentSelector::arrange(int newColumns) {
 /// With large letters or in a narrow pane, two rows take less width.
 void FragmentSelector::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (buttons.empty())
-        return;
     int widest = 0;
     for (const QAbstractButton* button : buttons)
         widest = std::max(widest, button->sizeHint().width());
-    for (const QLabel* caption : captions)
-        widest = std::max(widest, caption->sizeHint().width());
     const int all = static_cast<int>(buttons.size());
     arrange(all * widest + (all - 1) * grid->horizontalSpacing() <= event->size().width() ? all : all / 2);
 }
@@ -168,26 +170,16 @@ QSize FragmentSelector::minimumSizeHint() const {
     return columns > 2 ? QSize(whole.width() / 2, whole.height()) : whole;
 }
 
-void FragmentSelector::addBox() {
-    auto* layout = new QGridLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    box = new QComboBox;
-    box->setObjectName("fragmentSelectionBox");
-    box->setAccessibleName(tr("Apply to"));
-    for (const Fragment& fragment : fragments)
-        box->addItem(tr(fragment.spoken), fragment.mode);
-    layout->addWidget(box);
-    connect(box, &QComboBox::activated, this, [this](int row) { binding.write(box->itemData(row).toInt()); });
-    setFocusProxy(box);
-}
-
 /// Any unknown mode stands for the whole name.
 void FragmentSelector::show(int mode) {
     const int known = mode < 0 || mode > 3 ? 0 : mode;
-    if (box)
-        box->setCurrentIndex(box->findData(known));
-    for (std::size_t i = 0; i < buttons.size(); ++i)
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
         buttons[i]->setChecked(fragments[i].mode == known);
+        if (fragments[i].mode == known)
+            //: A heading; %1 is a part of a file's name, such as "Name without extension"
+            heading->setText(
+                tr("<span style='font-weight:600'>Apply to</span> <i>%1</i>").arg(tr(fragments[i].words)));
+    }
 }
 
 } // namespace tavrin

@@ -6,7 +6,6 @@
 #include <vector>
 
 class QAbstractButton;
-class QComboBox;
 class QGridLayout;
 class QLabel;
 
@@ -15,12 +14,13 @@ namespace tavrin {
 class BaseRenameAction;
 
 /// Which part of a name the action works on ("Apply to"): one button for each, on which that part of a sample
-/// name is marked.
+/// name is marked, below a heading that says it in words.
 class FragmentSelector final : public QWidget {
     Q_OBJECT
 
   public:
-    enum class Size { withCaptions, withoutCaptions, box };
+    /// They differ in height and font alone.
+    enum class Size { large, medium, small };
 
     FragmentSelector(BaseRenameAction& action, Size size);
 
@@ -30,16 +30,14 @@ class FragmentSelector final : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    void addButtons(bool withCaptions);
-    void addBox();
+    void addButtons(Size size);
     void arrange(int newColumns);
     void show(int mode);
 
-    std::vector<QAbstractButton*> buttons; ///< empty where a box takes their place
-    std::vector<QLabel*> captions;         ///< empty where there is no room for them
-    QGridLayout* grid = nullptr;
+    std::vector<QAbstractButton*> buttons;
+    QLabel* heading;
+    QGridLayout* grid;
     int columns = 0;
-    QComboBox* box = nullptr;
     ParameterBinding binding;
 };
 

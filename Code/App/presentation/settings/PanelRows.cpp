@@ -37,14 +37,30 @@ std::vector<PanelRow> panelRowsOf(const BaseRenameAction& action) {
 
 namespace {
 
-PanelNote firstValues(const BaseRenameAction& action) {
+/// The first values, and the last one where it makes all of them wider. Where each folder begins anew, that
+/// is another one in each.
+PanelNote sequence(const BaseRenameAction& action, std::int32_t items) {
+    const bool isFitted = action.getParamInt("paddingMode", 0) == 1;
+    const bool isOneRun = action.getParamInt("sortEachFolderSeparately", 0) != 1;
+    constexpr std::int32_t shown = 3;
+    const std::int32_t last = isFitted && isOneRun ? std::max(items, 1) : 1;
     QStringList values;
-    for (const std::u16string& value : action.firstValues())
-        values.append(toQString(value));
-    return {values.isEmpty() ? QString() : values.join(", ") + " …"};
+    for (std::int32_t rank = 1; rank <= shown; ++rank)
+        if (const auto value = action.sequenceValue(rank, last))
+            values.append(toQString(*value));
+    if (values.size() < shown)
+        return {};
+    if (last <= shown)
+        //: The first values of a sequence, such as "01, 02, 03 …"
+        return {NoteLabel::tr("%1, %2, %3 …").arg(values[0], values[1], values[2])};
+    const QString lastValue = toQString(action.sequenceValue(last, last).value_or(u""));
+    //: The first values of a sequence and its last one, such as "001, 002, 003 … 500"
+    return {NoteLabel::tr("%1, %2, %3 … %4").arg(values[0], values[1], values[2], lastValue)};
 }
 
-PanelNote failure(const BaseRenameAction& action) { return {QString::fromStdString(action.failure()), true}; }
+PanelNote failure(const BaseRenameAction& action, std::int32_t) {
+    return {QString::fromStdString(action.failure()), true};
+}
 
 PanelNote place(const BaseRenameAction& action, std::string_view positionKey, std::string_view modeKey) {
     const std::int32_t position = action.getParamInt(positionKey, 0);
@@ -63,11 +79,11 @@ PanelNote place(const BaseRenameAction& action, std::string_view positionKey, st
 PanelNote::Maker PanelNote::forRow(const PanelRow& row) {
     const std::string_view key = row.first().key;
     if (key == "padding")
-        return firstValues;
+        return sequence;
     if (key == "searchPattern")
         return failure;
     if (row.parameters.size() == 2 && row.parameters.back()->choices.data() == positionModeChoices().data())
-        return [key, mode = row.parameters.back()->key](const BaseRenameAction& action) {
+        return [key, mode = row.parameters.back()->key](const BaseRenameAction& action, std::int32_t) {
             return place(action, key, mode);
         };
     return {};

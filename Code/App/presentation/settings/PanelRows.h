@@ -28,8 +28,8 @@ struct PanelNote {
     QString text;
     bool isProblem = false;
 
-    /// Tells the note of an action whose caches are fresh.
-    using Maker = std::function<PanelNote(const BaseRenameAction&)>;
+    /// Tells the note of an action whose caches are fresh, for a run over so many items.
+    using Maker = std::function<PanelNote(const BaseRenameAction&, std::int32_t items)>;
 
     /// For what the row holds; none where nothing is to be said.
     [[nodiscard]] static Maker forRow(const PanelRow& row);

@@ -5,6 +5,7 @@
 #include "presentation/settings/PanelRows.h"
 #include "presentation/settings/ParameterEditors.h"
 #include "shell/MainController.h"
+#include "store/contexts/StoreContext.h"
 
 #include <QAbstractButton>
 #include <QFormLayout>
@@ -14,6 +15,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <mutex>
 
 namespace tavrin {
 
@@ -57,6 +59,12 @@ struct ParameterPanel::Condition {
 namespace {
 
 constexpr int gap = 8;
+
+std::int32_t itemsTakingPart(MainController& controller) {
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.engineControl().totalNumberOfFiles;
+}
 
 /// Controls that need the whole width.
 bool isWide(const ParameterDescription& parameter) {
@@ -197,7 +205,7 @@ void ParameterPanel::addPatternMenu() {
 }
 
 void ParameterPanel::addExplanation() {
-    NoteLabel* note = makeNote([hasNoRows = fields.empty()](const BaseRenameAction& shown) {
+    NoteLabel* note = makeNote([hasNoRows = fields.empty()](const BaseRenameAction& shown, std::int32_t) {
         const QString text = toQString(shown.explanation());
         return PanelNote{text.isEmpty() && hasNoRows ? tr("This action has no settings.") : text};
     });
@@ -256,8 +264,9 @@ void ParameterPanel::applyConditions() {
 
 void ParameterPanel::refreshNotes() {
     action.prepare();
+    const std::int32_t items = itemsTakingPart(services.controller);
     for (const auto& [label, maker] : notes)
-        label->showNote(maker(action));
+        label->showNote(maker(action, items));
 }
 
 void ParameterPanel::showEvent(QShowEvent* event) {

@@ -40,6 +40,8 @@ class ParameterPanel final : public QWidget, private ActionObserver {
 
     /// The first control that takes text or a choice; null where there is none.
     [[nodiscard]] QWidget* firstField() const;
+    /// Says anew what the parameters mean, for the items that take part now.
+    void refreshNotes();
 
   protected:
     void showEvent(QShowEvent* event) override;
@@ -60,7 +62,6 @@ class ParameterPanel final : public QWidget, private ActionObserver {
                                 const std::optional<PropertyValue>& oldValue,
                                 const std::optional<PropertyValue>& newValue) override;
     void applyConditions();
-    void refreshNotes();
 
     BaseRenameAction& action;
     const WindowServices services;

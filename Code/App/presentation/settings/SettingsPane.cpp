@@ -49,8 +49,8 @@ QWidget* makeSection(std::initializer_list<QWidget*> widgets) {
 
 FragmentSelector::Size selectorSizeFor(const BaseRenameAction& action) {
     if (!action.hasLongParameterList())
-        return FragmentSelector::Size::withCaptions;
-    return action.usesMiniButtons() ? FragmentSelector::Size::box : FragmentSelector::Size::withoutCaptions;
+        return FragmentSelector::Size::large;
+    return action.usesMiniButtons() ? FragmentSelector::Size::small : FragmentSelector::Size::medium;
 }
 
 } // namespace
@@ -85,6 +85,8 @@ SettingsPane::SettingsPane(const WindowServices& shared, WindowCommands& command
     foot->addWidget(advanced);
     layout->addLayout(foot);
     connect(commands.findAction, &QAction::triggered, chooser, &ActionChooser::findAction);
+    // A new step begins as a copy, so what comes next is another action.
+    connect(commands.addAction, &QAction::triggered, chooser, &ActionChooser::findAction);
     connect(commands.showHelpOnAction, &QAction::triggered, this, &SettingsPane::showHelpOnAction);
 }
 
@@ -121,8 +123,8 @@ QWidget* SettingsPane::makeColumn(BaseRenameAction& action) {
             connect(tags, &TagLibraryView::tagTaken, pattern, &PatternEditor::insert);
     }
     if (action.isFragmentSelectionSupported())
-        stack->addViewAtBottom(makeSection(
-            {makeSectionHead(tr("Apply to")), new FragmentSelector(action, selectorSizeFor(action))}));
+        stack->addViewAtBottom(
+            makeSection({makeLine(), new FragmentSelector(action, selectorSizeFor(action))}));
     return stack;
 }
 
@@ -187,6 +189,11 @@ void SettingsPane::showHelpOnAction() {
     const CompositeRenameAction& composite = services.controller.compositeAction();
     const std::string anchor(composite.getCurrentAction().helpAnchor());
     services.controller.showHelpAnchor(anchor.empty() ? "action:" + shownAction : anchor);
+}
+
+void SettingsPane::previewFinished() {
+    if (panel && panel->isVisible())
+        panel->refreshNotes();
 }
 
 void SettingsPane::enterDropletEditMode() { advanced->enterDropletEditMode(); }

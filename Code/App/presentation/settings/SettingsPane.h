@@ -34,6 +34,8 @@ class SettingsPane final : public QWidget {
     void stepsChanged();
     /// Puts the cursor into the first field of the panel.
     void focusFirstField();
+    /// What takes part may have changed.
+    void previewFinished();
     void enterDropletEditMode();
 
   protected:

@@ -4,7 +4,8 @@
 
 namespace tavrin {
 
-/// Paints a step in two lines: check box, number and title; below, its settings in a dim colour.
+/// Paints a step: check box, number and title, whole, on as many lines as it takes; below, its settings in a
+/// dim colour, where there are any.
 class StepDelegate final : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;

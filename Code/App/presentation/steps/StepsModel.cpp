@@ -78,6 +78,8 @@ QString told(const BaseRenameAction& action, const ParameterDescription& paramet
             return {};
         return quoted(term) + " → " + quoted(toQString(action.getParamString(pair->second)));
     }
+    if (parameter.key == "paddingMode") // which is on unless somebody wanted it otherwise
+        return {};
     const auto value = action.valueForKey(parameter.key);
     return value && *value != propertyValue(parameter.whenNew) ? shown(parameter, *value) : QString();
 }

@@ -56,6 +56,7 @@ void StepsPane::buildView() {
     view->setFrameShape(QFrame::NoFrame);
     view->viewport()->setBackgroundRole(QPalette::Window);
     view->setMouseTracking(true);
+    view->setResizeMode(QListView::Adjust); // titles take more lines where the pane is narrow
     view->setDragDropMode(QAbstractItemView::InternalMove);
     view->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     view->setContextMenuPolicy(Qt::CustomContextMenu);

@@ -239,7 +239,8 @@ void ConfirmationFlow::showFileListSavingCompletionDialog(int format) {
                                  .style = AlertStyle::informational,
                                  .title = saved,
                                  .text = "",
-                                 .buttons = {"OK"}},
+                                 .buttons = {"OK"},
+                                 .isAwaited = isWindowClosed},
                                 [closed = reportIsOpen()](AlertAnswer) { closed(); });
     if (isWindowClosed)
         terminateWhenReportIsClosed();

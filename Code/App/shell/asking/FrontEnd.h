@@ -49,6 +49,7 @@ struct Alert {
     std::vector<std::string> buttons; ///< the first is the default
     bool hasSuppressionBox = false;
     std::string helpAnchor = {}; ///< the page that a help button opens; empty: there is no such button
+    bool isAwaited = false;      ///< the application ends, or goes on, when it is closed
 };
 
 struct AlertAnswer {
@@ -193,9 +194,13 @@ class FrontEnd {
     virtual void previewRequested() {}
     /// A preview has ended: its result is in the list and in the status line.
     virtual void previewFinished() {}
+    /// The user has added these, as paths in bytes.
+    virtual void pathsAdded(const std::vector<std::string>& /*paths*/) {}
     /// A run has begun or ended; commands are off during a run.
     virtual void runStateChanged(bool /*isRunning*/) {}
     virtual void fillPresetMenu(const std::vector<std::u16string>& /*titles*/) {}
+    /// The list was read anew, and so many of its items were no longer there.
+    virtual void itemsWereGone(std::size_t /*count*/) {}
     /// There are other names by hand, or other items are left out; the list shows it when a preview has
     /// ended.
     virtual void handEditsChanged() {}

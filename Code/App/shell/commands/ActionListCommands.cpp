@@ -12,6 +12,7 @@ namespace tavrin {
 namespace {
 
 constexpr const char* positionKey = "actionListSeparatorPosition";
+constexpr std::string_view widthModeKey = "paddingMode";
 
 const Alert noActiveActions{
     .kind = AlertKind::noActiveActions,
@@ -102,11 +103,26 @@ void ActionListCommands::moveAction(std::int32_t from, std::int32_t to) {
 
 void ActionListCommands::chooseAction(std::int32_t menuIndex) {
     services.composite.setTransientActionIndex(menuIndex);
+    fitWidth();
+}
+
+void ActionListCommands::fitWidth(bool mayBeRemembered) {
+    BaseRenameAction& action = services.composite.getCurrentAction();
+    const auto row = std::ranges::find(action.parameters(), widthModeKey, &ParameterDescription::key);
+    if (row == action.parameters().end() || row->isUnused)
+        return;
+    const auto stored = services.defaults.objectForKey("actions");
+    const auto* actions = stored ? stored->asDictionary() : nullptr;
+    const auto* entry = actions ? find(*actions, action.actionName()) : nullptr;
+    const auto* remembered = entry ? entry->asDictionary() : nullptr;
+    if (!mayBeRemembered || !remembered || !remembered->contains(widthModeKey))
+        action.setValue(1, std::string(widthModeKey));
 }
 
 void ActionListCommands::resetToDefaults() {
     BaseRenameAction& action = services.composite.getCurrentAction();
     action.setParameterList(action.defaultParameters());
+    fitWidth(false);
 }
 
 // ---- the list at the left

@@ -30,12 +30,14 @@ class ActionListCommands {
     /// Puts another action of the menu in the place of the current step.
     void chooseAction(std::int32_t menuIndex);
     void resetToDefaults();
+    /// Makes the numbers or letters of the current step as wide as the last of them needs, which a chain has
+    /// by itself only where it says so. Where an earlier use of the action may count and has told, it does.
+    void fitWidth(bool mayBeRemembered = true);
     /// Kept for interfaces that ask for it; whether files can be removed is asked elsewhere.
     [[nodiscard]] static bool canRemoveAction() { return false; }
 
     // The list of steps at the left: whether it shows, and how wide. Widths are in points.
     static constexpr double minimumWidth = 150;
-    static constexpr double maximumWidth = 300;
     /// At the start: hidden, or as wide as it was last.
     void restoreMultistepDrawer();
     /// Hides the list if it shows, and the reverse.

@@ -118,7 +118,9 @@ bool SourceCommands::addFilePaths(const std::vector<std::string>& paths, bool in
                 preview.initiateDelayedPreviewUpdate();
             return true;
         }
-        if (!adding->refused.empty() && interactive)
+        if (adding->refused.empty())
+            services.frontEnd.pathsAdded(adding->paths);
+        else if (interactive)
             services.frontEnd.showAlert(someFilesNotAdded, [](AlertAnswer) {});
         preview.initiateDelayedPreviewUpdate();
         return false;

@@ -111,7 +111,7 @@ void TakeBackCommands::ask(const ChosenRun& chosen, const TakeBackResult& previe
 }
 
 void TakeBackCommands::perform(const ChosenRun& chosen) {
-    services.engine.processTakeBack(services.progress, {.chosen = chosen},
+    services.engine.processTakeBack(services.progress, {.chosen = chosen, .isOnShow = true},
                                     [this](EngineHost&, const TakeBackResult& result) {
                                         services.engine.rereadAtNextPreview();
                                         units.preview.initiateDelayedPreviewUpdate();

@@ -41,7 +41,7 @@ void PreviewList::bringUpToDate() {
     Question question{store.generation(), 0, predicate, order};
     StoreContext& context = store.managedObjectContext();
     const std::lock_guard lock(context.mutex());
-    question.listVersion = context.listVersion();
+    question.version = context.versionOf(request());
     if (answered == question)
         return;
     answered.reset();
@@ -135,7 +135,7 @@ std::optional<PreviewList::Row> PreviewList::rowOf(StoreContext& context, RowId 
     row.isPinned = node.hasExactName();
     row.isLeftOut = node.isLeftOut();
     row.problem = node.problem;
-    row.problemDetail = node.problemDetail;
+    row.note = noteOf(context, id);
     if (auto told = problemOf(context, id))
         row.problemMessage = std::move(told->message);
     row.name = context.name(id);

@@ -26,8 +26,6 @@ ItemStore& StoreContext::store() const { return impl->store; }
 
 std::recursive_mutex& StoreContext::mutex() const { return impl->mutex; }
 
-std::uint64_t StoreContext::listVersion() const { return impl->store.listVersion(); }
-
 // --- Blocks ---
 
 RowBlock* StoreContext::Impl::presentBlock(RowId id) {

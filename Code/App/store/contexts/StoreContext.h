@@ -22,6 +22,13 @@ struct StoreChanges;
 /// The store could not be read or a stored thing is broken: the one failure that ends a pipeline's attempt.
 class StoreError;
 
+/// The folders that some rows lie in: how many, and the deepest path that all lie in or below.
+struct RowFolders {
+    std::size_t count = 0;
+    std::string common;
+    bool operator==(const RowFolders&) const = default;
+};
+
 /// A view of the store with changes of its own. Reads see what the store holds, overlaid by the changes that
 /// are staged here; `commit` makes these visible to all at once, `reset` drops them. A context belongs to one
 /// thread. The main context is the exception: whoever uses it holds its `mutex()` meanwhile.
@@ -47,6 +54,10 @@ class StoreContext {
     /// for passes that mark what they have handled.
     std::vector<RowId> fetch(const FetchRequest& request);
     std::size_t count(FetchEntity entity, const Predicate& predicate);
+    /// Goes up whenever the fetch may give other rows, or in another order.
+    [[nodiscard]] std::uint64_t versionOf(const FetchRequest& request);
+    /// Where the matching committed rows lie. Reads each of them.
+    [[nodiscard]] RowFolders foldersOf(const FetchRequest& request);
     /// Puts committed rows, which come by ascending id, into the order that a fetch would give them.
     void sort(std::vector<RowId>& rows, const std::vector<SortDescriptor>& order);
     /// The row with this absolute path, folders and ghosts first; staged inserts included.
@@ -55,6 +66,8 @@ class StoreContext {
     RowId folderWithPath(std::string_view path);
     /// The `File` row with this absolute path.
     RowId fileWithPath(std::string_view path);
+    /// One more than the highest id that any row of the store has had.
+    [[nodiscard]] RowId endOfRows();
     /// The rows whose `parent` is this one, in reading order.
     std::vector<RowId> children(RowId folder);
     std::size_t childCount(RowId folder);
@@ -142,8 +155,6 @@ class StoreContext {
     void reset();
     /// Takes over what another context has committed. Called under `mutex()`, on the committing thread.
     void merge(const StoreChanges& changes);
-    /// Goes up whenever inserts, deletions or changed sort or filter columns void ordered lists.
-    [[nodiscard]] std::uint64_t listVersion() const;
 
   private:
     struct Impl;

@@ -4,6 +4,7 @@
 #include "support/text/PathParts.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 // Fetches of a context: cursors, sorted lists, children, look-ups by path.
@@ -143,15 +144,13 @@ std::shared_ptr<const ItemStore::Impl::SortedRows> StoreContext::Impl::sortedRow
     return made;
 }
 
-/// Visits rows as the store has them, a segment at a time under its lock, until `visit` returns false.
 template <typename Visit> void StoreContext::Impl::forEachRow(const std::vector<RowId>& rows, Visit visit) {
     for (std::size_t i = 0; i < rows.size();) {
         const ItemStore::Access inside = store.access();
         const std::uint32_t number = Segment::number(rows[i]);
         const Segment& segment = inside->segments.use(number);
         for (; i < rows.size() && Segment::number(rows[i]) == number; ++i) {
-            const std::size_t index = Segment::index(rows[i]);
-            if (!visit(rows[i], segment.rows[index], segment.names.get(index).bytes))
+            if (!visit(rows[i], segment, Segment::index(rows[i])))
                 return;
         }
     }
@@ -175,18 +174,62 @@ class Reserve {
 
 } // namespace
 
+std::unordered_map<RowId, std::uint32_t> StoreContext::Impl::folderRanks() {
+    std::vector<std::pair<std::string, RowId>> paths;
+    {
+        const ItemStore::Access inside = store.access();
+        for (const auto& [row, folder] : inside->folders.all())
+            paths.emplace_back(folder.path, row);
+    }
+    for (auto& [path, row] : paths) {
+        std::string key;
+        std::ranges::replace(path, '/', '\1'); // what a folder holds comes right behind it
+        SortKeys::appendNaturalText(key, path);
+        path.swap(key);
+    }
+    std::ranges::sort(paths);
+    std::unordered_map<RowId, std::uint32_t> ranks;
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        const bool isSame = i > 0 && paths[i].first == paths[i - 1].first;
+        ranks[paths[i].second] = isSame ? ranks[paths[i - 1].second] : static_cast<std::uint32_t>(i);
+    }
+    return ranks;
+}
+
 void StoreContext::Impl::sortRows(std::vector<RowId>& rows, const std::vector<SortDescriptor>& order) {
     SortKeys keys(order, store.access()->secret);
+    const bool isByFinalName = keys.needs(NodeKey::finalName);
+    const auto ranks =
+        keys.needs(NodeKey::folder) ? folderRanks() : std::unordered_map<RowId, std::uint32_t>();
+    RowId lastParent = noRow;
+    std::uint32_t lastRank = 0;
+    const auto rankOf = [&](RowId parent) {
+        if (parent != lastParent) {
+            lastParent = parent;
+            const auto found = ranks.find(parent);
+            lastRank = found == ranks.end() ? 0 : found->second;
+        }
+        return lastRank;
+    };
+    const auto sorted = [&](RowId id, const Segment& segment, std::size_t index) {
+        SortedRow row{id, segment.rows[index], segment.names.get(index).bytes, {}, 0};
+        if (isByFinalName)
+            row.finalName = segment.finals.has(index) ? segment.finals.get(index).bytes : row.component;
+        if (!ranks.empty())
+            row.folderRank = rankOf(row.row.parent);
+        return row;
+    };
     bool isInOrder = true;
-    forEachRow(rows, [&](RowId id, const NodeRow& row, std::string_view component) {
-        isInOrder = isInOrder && keys.addInOrder(id, row, component);
+    forEachRow(rows, [&](RowId id, const Segment& segment, std::size_t index) {
+        isInOrder = isInOrder && keys.addInOrder(sorted(id, segment, index));
         return isInOrder;
     });
     if (isInOrder)
         return;
     std::size_t namesBytes = 0;
-    forEachRow(rows, [&](RowId, const NodeRow&, std::string_view component) {
-        namesBytes += component.size();
+    forEachRow(rows, [&](RowId id, const Segment& segment, std::size_t index) {
+        const SortedRow row = sorted(id, segment, index);
+        namesBytes += std::max(row.component.size(), row.finalName.size());
         return true;
     });
     // Where there are many, the keys take the place of rows in memory while the order is made.
@@ -194,8 +237,8 @@ void StoreContext::Impl::sortRows(std::vector<RowId>& rows, const std::vector<So
     std::optional<Reserve> reserve;
     if (const std::size_t bytes = keys.keepAll(rows.size(), namesBytes); bytes >= many)
         reserve.emplace(store, bytes);
-    forEachRow(rows, [&](RowId id, const NodeRow& row, std::string_view component) {
-        keys.add(id, row, component);
+    forEachRow(rows, [&](RowId id, const Segment& segment, std::size_t index) {
+        keys.add(sorted(id, segment, index));
         return true;
     });
     keys.takeSorted(rows);
@@ -252,6 +295,33 @@ std::size_t StoreContext::childCount(RowId folder) {
     const ItemStore::Access inside = impl->store.access();
     const FolderTable::Folder* record = inside->folders.ofRow(folder);
     return record == nullptr ? 0 : record->childCount;
+}
+
+RowId StoreContext::endOfRows() { return impl->store.access()->endOfRows(); }
+
+std::uint64_t StoreContext::versionOf(const FetchRequest& request) {
+    return impl->versionsOf(request) + impl->store.deletionVersion();
+}
+
+RowFolders StoreContext::foldersOf(const FetchRequest& request) {
+    std::vector<RowId> rows;
+    impl->scan(request, 1, ~RowId{0}, rows);
+    std::unordered_set<RowId> parents;
+    RowId lastParent = noRow;
+    impl->forEachRow(rows, [&](RowId, const Segment& segment, std::size_t index) {
+        if (const RowId parent = segment.rows[index].parent; parent != lastParent)
+            parents.insert(lastParent = parent);
+        return true;
+    });
+    std::unordered_set<std::string> paths;
+    RowFolders folders;
+    for (const RowId parent : parents) {
+        const std::string& path = impl->folderPath(parent);
+        folders.common = paths.empty() ? path : std::string(commonFolder(folders.common, path));
+        paths.insert(path);
+    }
+    folders.count = paths.size();
+    return folders;
 }
 
 RowId StoreContext::nodeWithPath(std::string_view path) {

@@ -62,7 +62,11 @@ struct StoreContext::Impl {
     std::vector<RowId> fetchByCursor(const FetchRequest& request);
     std::vector<RowId> fetchSorted(const FetchRequest& request);
     std::vector<RowId> fetchChildren(const FetchRequest& request);
+    /// Visits rows as the store has them, a segment at a time under its lock, until `visit` returns false.
+    /// It gets the segment and the row's place in it.
     template <typename Visit> void forEachRow(const std::vector<RowId>& rows, Visit visit);
+    /// The places of all folders in the order of their paths, by row.
+    std::unordered_map<RowId, std::uint32_t> folderRanks();
     void sortRows(std::vector<RowId>& rows, const std::vector<SortDescriptor>& order);
 
     ItemStore& store;

@@ -69,8 +69,6 @@ std::string ItemStore::description() const {
 
 const std::optional<std::string>& ItemStore::openError() const { return impl->openError; }
 
-std::uint64_t ItemStore::listVersion() const { return impl->listVersion; }
-
 std::uint64_t ItemStore::deletionVersion() const { return impl->deletionVersion; }
 
 bool ItemStore::migrateToMemory() { return access()->migrateToMemory(); }

@@ -64,8 +64,6 @@ class ItemStore {
     /// Called after every commit on the committing thread, no lock of the store held. One handler.
     void setDidSaveHandler(std::function<void(const StoreChanges&)> handler);
 
-    /// Goes up whenever inserts, deletions or changed sort or filter columns void ordered lists.
-    [[nodiscard]] std::uint64_t listVersion() const;
     /// Goes up with each commit that deletes rows.
     [[nodiscard]] std::uint64_t deletionVersion() const;
 

@@ -83,7 +83,6 @@ struct ItemStore::Impl {
     std::array<std::uint64_t, 4> classVersions{1, 1, 1, 1}; ///< by bit of ColumnClass
     std::uint64_t rowVersion = 1;                           ///< any value of any row, its markers apart
     std::atomic<std::uint64_t> deletionVersion{1};
-    std::atomic<std::uint64_t> listVersion{1};
 
     std::function<void(const StoreChanges&)> didSave;
 

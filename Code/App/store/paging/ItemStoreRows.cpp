@@ -120,9 +120,6 @@ void ItemStore::Impl::apply(StagedChanges& staged, StoreChanges& into) {
         classVersions[at] += (into.columnClasses >> at) & 1u;
     insertVersion += into.rowsInserted ? 1 : 0;
     deletionVersion += into.rowsDeleted ? 1 : 0;
-    constexpr std::uint8_t voiding = bit(ColumnClass::sort) | bit(ColumnClass::filter);
-    if (into.rowsInserted || into.rowsDeleted || (into.columnClasses & voiding))
-        ++listVersion;
 }
 
 void ItemStore::Impl::touchSegments(const StagedChanges& staged) {

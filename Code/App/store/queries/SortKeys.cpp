@@ -16,7 +16,8 @@ constexpr std::size_t wordSize = 4;
 constexpr std::size_t lengthSize = sizeof(std::uint32_t);
 
 bool isText(const SortDescriptor& descriptor) {
-    return descriptor.key == NodeKey::name || descriptor.key == NodeKey::smartName;
+    return descriptor.key == NodeKey::name || descriptor.key == NodeKey::smartName ||
+           descriptor.key == NodeKey::finalName;
 }
 
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -32,8 +33,12 @@ std::uint64_t ordered(std::int32_t value) { return static_cast<std::uint32_t>(va
 
 template <std::unsigned_integral Number> std::uint64_t ordered(Number value) { return value; }
 
-template <typename Enum>
-requires std::is_enum_v<Enum> std::uint64_t ordered(Enum value) { return static_cast<std::uint8_t>(value); }
+/// No problem comes behind all problems.
+std::uint64_t ordered(NameProblem value) {
+    return static_cast<std::uint8_t>(static_cast<std::uint8_t>(value) - 1);
+}
+
+std::uint64_t ordered(NamedBy value) { return static_cast<std::uint8_t>(value); }
 
 /// SplitMix64, a bijection that scatters consecutive numbers.
 std::uint64_t scatter(std::uint64_t value) {
@@ -47,6 +52,13 @@ std::uint64_t scatter(std::uint64_t value) {
 constexpr std::size_t widthOf(std::monostate /*derived*/) { return sizeof(std::uint64_t); }
 template <typename Value> constexpr std::size_t widthOf(Value NodeRow::* /*member*/) { return sizeof(Value); }
 
+/// A name that equals the present one is held as the component, with ":" for "/".
+std::string shown(std::string_view finalName) {
+    std::string text(finalName);
+    std::ranges::replace(text, ':', '/');
+    return text;
+}
+
 std::uint64_t bigEndian(const char* bytes, std::size_t length) {
     std::uint64_t value = 0;
     for (std::size_t i = 0; i < 8; ++i)
@@ -56,9 +68,13 @@ std::uint64_t bigEndian(const char* bytes, std::size_t length) {
 
 } // namespace
 
-bool SortKeys::addInOrder(RowId id, const NodeRow& row, std::string_view component) {
+bool SortKeys::needs(NodeKey key) const {
+    return std::ranges::find(order, key, &SortDescriptor::key) != order.end();
+}
+
+bool SortKeys::addInOrder(const SortedRow& row) {
     arena.clear();
-    appendKey(id, row, component);
+    appendKey(row);
     if (!std::exchange(isFirst, false) && arena < previous)
         return false;
     previous.swap(arena);
@@ -83,14 +99,14 @@ std::size_t SortKeys::bytesBesideTexts() const {
     return bytes;
 }
 
-void SortKeys::add(RowId id, const NodeRow& row, std::string_view component) {
+void SortKeys::add(const SortedRow& row) {
     arena.resize((arena.size() + wordSize - 1) / wordSize * wordSize);
     const std::size_t start = arena.size();
     arena.append(lengthSize, '\0');
-    appendKey(id, row, component);
+    appendKey(row);
     const auto length = static_cast<std::uint32_t>(arena.size() - start - lengthSize);
     std::memcpy(arena.data() + start, &length, lengthSize);
-    entries.push_back({0, static_cast<std::uint32_t>(start / wordSize), id});
+    entries.push_back({0, static_cast<std::uint32_t>(start / wordSize), row.id});
 }
 
 std::string_view SortKeys::keyAt(const Entry& entry) const {
@@ -100,31 +116,35 @@ std::string_view SortKeys::keyAt(const Entry& entry) const {
     return {start + lengthSize, length};
 }
 
-void SortKeys::appendKey(RowId id, const NodeRow& row, std::string_view component) {
+void SortKeys::appendKey(const SortedRow& row) {
     for (const SortDescriptor& descriptor : order) {
         const std::size_t begin = arena.size();
-        append(descriptor.key, id, row, component);
+        append(descriptor.key, row);
         if (!descriptor.ascending) {
             for (std::size_t i = begin; i < arena.size(); ++i)
                 arena[i] = static_cast<char>(~arena[i]);
         }
     }
-    appendNumber(ordered(row.manualOrder), sizeof row.manualOrder);
+    appendNumber(ordered(row.row.manualOrder), sizeof row.row.manualOrder);
 }
 
-void SortKeys::append(NodeKey key, RowId id, const NodeRow& row, std::string_view component) {
+void SortKeys::append(NodeKey key, const SortedRow& row) {
     switch (key) {
     case NodeKey::name:
-        return appendText(component);
+        return appendText(row.component);
     case NodeKey::smartName:
-        return appendNaturalText(component);
+        return appendNaturalText(arena, row.component);
+    case NodeKey::finalName:
+        return appendNaturalText(arena, shown(row.finalName));
+    case NodeKey::folder:
+        return appendNumber(row.folderRank, sizeof row.folderRank);
     case NodeKey::random:
-        return appendNumber(scatter(secret ^ scatter(id)), sizeof secret);
+        return appendNumber(scatter(secret ^ scatter(row.id)), sizeof secret);
     default:
         return std::visit(
             [&](auto member) {
                 if constexpr (!std::is_same_v<decltype(member), std::monostate>)
-                    appendNumber(ordered(row.*member), widthOf(member));
+                    appendNumber(ordered(row.row.*member), widthOf(member));
             },
             attribute(key).member);
     }
@@ -142,21 +162,22 @@ void SortKeys::appendText(std::string_view text) {
     arena.push_back('\0'); // names hold no NUL, so a name sorts before its continuations
 }
 
-void SortKeys::appendNaturalText(std::string_view text) {
+void SortKeys::appendNaturalText(std::string& key, std::string_view text) {
     // A run of digits stands for 32 digits of which the first is always "0": that digit and the value order
     // just as the expanded text does, against other runs and against other characters.
     for (std::size_t i = 0; i < text.size();) {
         if (!isDigit(text[i])) {
-            arena.push_back(text[i++]);
+            key.push_back(text[i++]);
             continue;
         }
         std::uint64_t value = 0;
         for (; i < text.size() && isDigit(text[i]); ++i)
             value = std::min<std::uint64_t>(value * 10 + static_cast<unsigned>(text[i] - '0'), 0x7FFFFFFF);
-        arena.push_back('0');
-        appendNumber(value, 4);
+        key.push_back('0');
+        for (int shift = 24; shift >= 0; shift -= 8)
+            key.push_back(static_cast<char>(value >> shift));
     }
-    arena.push_back('\0');
+    key.push_back('\0');
 }
 
 std::size_t SortKeys::commonPrefix() const {

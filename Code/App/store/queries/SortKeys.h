@@ -11,6 +11,15 @@
 
 namespace tavrin {
 
+/// What sort keys are made of.
+struct SortedRow {
+    RowId id = noRow;
+    const NodeRow& row;
+    std::string_view component;
+    std::string_view finalName;   ///< for orders by it
+    std::uint32_t folderRank = 0; ///< likewise: its place among all folders
+};
+
 /// Collects one key per row and sorts the rows by it. A key is a string of bytes whose byte order is the
 /// order asked for, so that any order of any number of attributes is one comparison of memory.
 class SortKeys {
@@ -21,12 +30,16 @@ class SortKeys {
 
     /// Rows are added by ascending id. While they also come in order nothing is kept; false from the first
     /// one on that does not: then the rows must be added again, with every key kept.
-    [[nodiscard]] bool addInOrder(RowId id, const NodeRow& row, std::string_view component);
+    [[nodiscard]] bool addInOrder(const SortedRow& row);
     /// Starts over, with every key kept; the bytes of memory that it takes.
     std::size_t keepAll(std::size_t rows, std::size_t bytesOfNames);
-    void add(RowId id, const NodeRow& row, std::string_view component);
+    void add(const SortedRow& row);
     /// Puts the rows that were added in order; the keys are spent.
     void takeSorted(std::vector<RowId>& rows);
+
+    [[nodiscard]] bool needs(NodeKey key) const;
+    /// Adds a text to a key so that numbers within it order by their value.
+    static void appendNaturalText(std::string& key, std::string_view text);
 
   private:
     struct Entry {
@@ -36,11 +49,10 @@ class SortKeys {
     };
     [[nodiscard]] std::string_view keyAt(const Entry& entry) const;
     [[nodiscard]] std::size_t bytesBesideTexts() const;
-    void appendKey(RowId id, const NodeRow& row, std::string_view component);
-    void append(NodeKey key, RowId id, const NodeRow& row, std::string_view component);
+    void appendKey(const SortedRow& row);
+    void append(NodeKey key, const SortedRow& row);
     void appendNumber(std::uint64_t value, std::size_t bytes);
     void appendText(std::string_view text);
-    void appendNaturalText(std::string_view text);
     [[nodiscard]] std::size_t commonPrefix() const;
 
     std::vector<SortDescriptor> order;

@@ -28,6 +28,8 @@ class FolderTable {
     /// Null for none; valid until the folder is removed.
     [[nodiscard]] Folder* ofRow(RowId row);
     [[nodiscard]] Folder* withPath(std::string_view path);
+    /// All of them, in no order.
+    [[nodiscard]] const std::unordered_map<RowId, Folder>& all() const { return folders; }
 
   private:
     std::unordered_map<RowId, Folder> folders; // whose paths are the keys of the other

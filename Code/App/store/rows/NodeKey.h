@@ -35,12 +35,14 @@ enum class NodeKey : std::uint8_t {
     leftOut, ///< which is a part of what names the row
     problem,
     problemDetail,
+    finalName,
+    folder,
 };
 
 /// What a change of an attribute can void: an order, a filtered list, names on show, or the rename plan.
 enum class ColumnClass : std::uint8_t { none = 0, sort = 1, filter = 2, naming = 4, plan = 8 };
 
-/// Where an attribute lies in the row; nowhere for what is derived from the name and the id.
+/// Where an attribute lies in the row; nowhere for what is derived from names, folder and id.
 using NodeMember = std::variant<std::monostate, bool NodeRow::*, std::uint16_t NodeRow::*,
                                 std::int32_t NodeRow::*, std::uint32_t NodeRow::*, std::uint64_t NodeRow::*,
                                 double NodeRow::*, NameProblem NodeRow::*, NamedBy NodeRow::*>;
@@ -79,6 +81,8 @@ inline constexpr std::array nodeAttributes{
     NodeAttribute{NodeKey::leftOut, ColumnClass::naming, &NodeRow::namedBy, rowSummary::leftOut},
     NodeAttribute{NodeKey::problem, ColumnClass::naming, &NodeRow::problem, rowSummary::problem},
     NodeAttribute{NodeKey::problemDetail, ColumnClass::naming, &NodeRow::problemDetail},
+    NodeAttribute{NodeKey::finalName, ColumnClass::naming},
+    NodeAttribute{NodeKey::folder, ColumnClass::none},
 };
 
 constexpr const NodeAttribute& attribute(NodeKey key) {

@@ -40,6 +40,17 @@ struct PathParts {
     return path;
 }
 
+/// The deepest folder that is or holds each of two absolute folders.
+[[nodiscard]] inline std::string_view commonFolder(std::string_view first, std::string_view second) {
+    const auto isInside = [](std::string_view path, std::string_view folder) {
+        return path.starts_with(folder) &&
+               (path.size() == folder.size() || folder == "/" || path[folder.size()] == '/');
+    };
+    while (!isInside(second, first))
+        first = PathParts(first).folder;
+    return first;
+}
+
 /// A path or name up to the last dot of its last component, unless that begins with it.
 [[nodiscard]] inline std::string_view withoutExtension(std::string_view path) {
     const std::size_t dot = path.rfind('.');

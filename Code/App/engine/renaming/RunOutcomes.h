@@ -1,0 +1,78 @@
+#pragma once
+
+#include "store/rows/NodeRow.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace tavrin {
+
+enum class RunOutcome : std::uint8_t { open, inHand, done, failed, leftOut };
+
+/// What has become of each item of the run that is under way, or of the last one: a byte a row, which a
+/// display reads for the rows that it paints. Of failures it also has the reasons. It is kept until the next
+/// run begins; rows that came later have no outcome.
+class RunOutcomes {
+  public:
+    using RowsByPath = std::unordered_map<std::string, RowId>;
+
+    struct Failure {
+        std::string path;      ///< in bytes, as the run found the item
+        std::u16string wanted; ///< the name that it was to get
+        std::string title;
+        std::string message; ///< the whole of it, UTF-8
+        std::string reason;  ///< the same in few words
+    };
+    static constexpr std::size_t mostFailures = 10000; ///< that are kept; all are counted
+
+    // --- The run's thread ---
+    /// A new run over rows below `end`, all of them open. Of a run whose rows are not those of the list
+    /// `byPath` leads from the paths of its items, as the list has them, to its rows.
+    void begin(RowId end, RowsByPath byPath = {});
+    /// One relaxed store; rows beyond the end are left alone.
+    void set(RowId row, RunOutcome outcome) {
+        if (row < current->end)
+            current->bytes[row].store(outcome, std::memory_order_relaxed);
+    }
+    void fail(RowId row, Failure failure);
+
+    // --- Any thread ---
+    /// A look at the outcomes that stays true while the next run begins.
+    class View {
+      public:
+        /// Of a row of the list, by its path where the run went by paths.
+        [[nodiscard]] RunOutcome of(RowId row, const std::string& path) const;
+        /// Whether the list's own rows were renamed.
+        [[nodiscard]] bool isByRows() const { return table->byPath.empty(); }
+
+      private:
+        friend class RunOutcomes;
+        struct Table {
+            RowId end = 0;
+            std::unique_ptr<std::atomic<RunOutcome>[]> bytes;
+            RowsByPath byPath;
+        };
+        std::shared_ptr<const Table> table;
+    };
+    [[nodiscard]] View view() const;
+    /// Rows that did not get their names.
+    [[nodiscard]] std::size_t failedRows() const { return failedCount.load(std::memory_order_relaxed); }
+    /// Those from this one on, in the order in which they came.
+    [[nodiscard]] std::vector<Failure> failuresFrom(std::size_t first) const;
+
+  private:
+    mutable std::mutex mutex;
+    std::shared_ptr<View::Table> current =
+        std::make_shared<View::Table>(); // under the mutex, but read by the
+                                         // run's thread, which writes it
+    std::vector<Failure> failures;       // under the mutex
+    std::atomic<std::size_t> failedCount{0};
+};
+
+} // namespace tavrin
