@@ -542,7 +542,7 @@ void PreviewPane::tellProblem() {
     QString told;
     if (row >= 0) {
         const PreviewList::Row& item = model->rowAt(row);
-        const QString reason = ShownName::problemNote(item.problem, item.problemDetail);
+        const QString reason = ShownName::note(item.note);
         //: %1 is the reason why an item can't be renamed, as a part of a sentence
         told = isThis ? tr("This one: %1.").arg(reason)
                       //: %1 is the name of an item, %2 why it can't be renamed
