@@ -27,10 +27,8 @@ class DialogTests : public WindowFixture {
     }
 };
 
-TEST_F(DialogTests, SaveAListAndTakeARunBackOnAYesAlone) {
+TEST_F(DialogTests, SaveAList) {
     start({makeFile("a.txt")});
-    set("interactiveMode", 0);
-    set("showSummary", 0);
     waitForNames({"Image_01.txt"});
     trigger("createFileList");
     find("saveListDialog")->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
@@ -39,21 +37,6 @@ TEST_F(DialogTests, SaveAListAndTakeARunBackOnAYesAlone) {
     QMetaObject::invokeMethod(files, "accept");
     waitForBar("The file list was successfully saved.");
     EXPECT_EQ(data.read("list.txt"), "a.txt\tImage_01.txt\n");
-
-    trigger("ok");
-    QAction& undo = command("undoRename");
-    for (const bool agrees : {false, true}) {
-        waitUntil("the command is on", [&undo] { return undo.isEnabled(); });
-        undo.trigger();
-        auto* dialog = waitFor<QDialog>("takeBackDialog");
-        EXPECT_TRUE(find<QPushButton>("takeBackButton")->isDefault());
-        EXPECT_EQ(find<QTreeWidget>("takeBackList")->topLevelItem(0)->text(1), "a.txt");
-        EXPECT_EQ(findWidget("takeBackProblems"), nullptr);
-        EXPECT_EQ(filesOnDisk(), Names{"Image_01.txt"});
-        agrees ? dialog->accept() : dialog->reject();
-        waitUntilGone("takeBackDialog");
-    }
-    waitUntil("back", [this] { return filesOnDisk() == Names{"a.txt"}; });
 }
 
 TEST_F(DialogTests, SavesAppliesEditsAndDeletesPresets) {

@@ -16,7 +16,7 @@
 #include "shell/commands/RecipeCommands.h"
 #include "shell/commands/ShellServices.h"
 #include "shell/commands/SourceCommands.h"
-#include "shell/commands/TakeBackCommands.h"
+#include "shell/commands/UndoCommands.h"
 #include "shell/preview/DNDArrayController.h"
 #include "shell/preview/PreviewControl.h"
 #include "shell/start/MigrationCommands.h"
@@ -132,7 +132,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
     [[nodiscard]] StoreOwner& storeOwner() { return store; }
     [[nodiscard]] UpdateCheck& updateCheck() { return updates; }
-    [[nodiscard]] TakeBackCommands& takeBackCommands() { return takeBacks; }
+    [[nodiscard]] UndoCommands& undoCommands() { return undos; }
 
     // --- EngineHost ---
     ItemStore* persistentStoreCoordinator() override { return store.persistentStoreCoordinator(); }
@@ -203,7 +203,7 @@ class MainController : public EngineHost, public ActionObserver {
     TagLibraryHelper tagLibrary;
     DropletCommands droplets;
     ConfirmationFlow confirmation;
-    TakeBackCommands takeBacks;
+    UndoCommands undos;
     MigrationCommands migration;
     UpdateCheck updates;
     StartSequence startSequence;

@@ -139,7 +139,7 @@ void RenameEngine::readHistory(std::function<std::function<void()>(const RunHist
 void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest request,
                                    std::function<void(EngineHost&, const TakeBackResult&)> completion) {
     stopRequested = false;
-    const bool showsRun = !request.isPreview;
+    const bool showsRun = request.isOnShow || request.extent != TakeBackRequest::Extent::look;
     if (showsRun)
         onMainThread([](EngineHost& host) { host.startProgressWindow(); });
     threads.detach([this, &progress, request = std::move(request), completion = std::move(completion),
@@ -156,6 +156,7 @@ void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest reque
 
 TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequest& request) {
     TakeBackResult result;
+    result.chosen = request.chosen;
     result.store = std::make_shared<ItemStore>(ItemStore::Options{});
     const auto purpose = std::make_shared<RunPurpose>();
     purpose->what = request.chosen.what;
@@ -167,11 +168,9 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
     pipeline.setProgressInfo(&progress);
     pipeline.setStore(*result.store);
     pipeline.addStage(std::make_unique<NamesFromRecordStage>(*this, request, purpose));
-    if (!request.isPreview) {
-        pipeline.addStage(std::make_unique<PrepareForRenamingStage>(*this));
-        pipeline.addStage(std::make_unique<PerformRenameStage>(*this, purpose));
-    }
-    static_cast<void>(pipeline.process());
+    pipeline.addStage(std::make_unique<PrepareForRenamingStage>(*this));
+    pipeline.addStage(std::make_unique<PerformRenameStage>(*this, purpose));
+    result.wasDone = pipeline.process();
     StoreContext context(*result.store, StoreContext::MergePolicy::storeWins);
     result.planned =
         static_cast<std::int32_t>(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)));

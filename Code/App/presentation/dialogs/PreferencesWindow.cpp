@@ -7,6 +7,7 @@
 #include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/FileManagersPanel.h"
+#include "presentation/dialogs/HistoryPanel.h"
 #include "presentation/dialogs/UpdatesPanel.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/settings/ParameterEditors.h"
@@ -95,6 +96,7 @@ class Window final : public QDialog {
         addReading();
         addEqualNames();
         addSafety();
+        addHistory();
         addDroplets();
         addDesktop();
         addUpdates();
@@ -111,6 +113,8 @@ class Window final : public QDialog {
         layout->addLayout(row, 1);
         layout->addWidget(buttons);
     }
+
+    void showHistory() { contents->setCurrentRow(historyRow); }
 
   private:
     QVBoxLayout& addPage(const QString& title) {
@@ -263,6 +267,14 @@ class Window final : public QDialog {
         page.addStretch(1);
     }
 
+    void addHistory() {
+        historyRow = contents->count();
+        QVBoxLayout& page = addPage(tr("History"));
+        addSetting(page, "keepHistory", tr("Keep a &record of runs, so that they can be undone"));
+        page.addWidget(new HistoryPanel(services));
+        page.addStretch(1);
+    }
+
     void addDroplets() {
         QVBoxLayout& page = addPage(tr("Droplets"));
         addSetting(page, "silentDroplet", tr("Create &silent droplets"));
@@ -295,14 +307,17 @@ class Window final : public QDialog {
     QListWidget* contents = new QListWidget;
     QStackedWidget* pages = new QStackedWidget;
     std::vector<std::unique_ptr<ParameterBinding>> bindings;
+    int historyRow = 0;
 };
 
 } // namespace
 
-void PreferencesWindow::open(QWidget* parent, const WindowServices& services) {
+void PreferencesWindow::open(QWidget* parent, const WindowServices& services, Page page) {
     auto* window = parent->findChild<QDialog*>("preferencesWindow");
     if (!window)
         window = new Window(parent, services);
+    if (page == Page::history)
+        static_cast<Window*>(window)->showHistory();
     window->show();
     window->raise();
     window->activateWindow();
