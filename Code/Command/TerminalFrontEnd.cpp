@@ -55,7 +55,6 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
         break; // the command says how it ended, and sorts by itself
     case AlertKind::presetMigration:
     case AlertKind::dropletMigration:
-    case AlertKind::interruptedRun:
     case AlertKind::nothingToTakeBack:
     case AlertKind::updateAvailable:
     case AlertKind::noUpdate:

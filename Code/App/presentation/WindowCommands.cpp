@@ -9,7 +9,7 @@
 #include "presentation/dialogs/PreferencesWindow.h"
 #include "presentation/dialogs/PresetDialog.h"
 #include "presentation/dialogs/ShortcutsDialog.h"
-#include "presentation/preview/ShownName.h"
+#include "presentation/history/RunWords.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
 #include "support/text/Text.h"
@@ -26,14 +26,17 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMetaMethod>
+#include <QPointer>
 #include <QUrl>
+#include <algorithm>
+#include <array>
 
 namespace tavrin {
 
 namespace {
 
-/// Of an entry that names a folder, in pixels.
-constexpr int widestDescription = 420;
+/// Of a folder's name in an entry, in characters.
+constexpr qsizetype longestFolder = 30;
 constexpr const char* contactPage = "https://calderwick.net/tavrin/contact";
 
 /// Performs "undo", "cut" or the like in the field of text that has the focus; false where none has.
@@ -44,6 +47,28 @@ bool performOnText(const char* slot) {
     if (!field || field->metaObject()->indexOfSlot(QByteArray(slot) + "()") < 0)
         return false;
     return QMetaObject::invokeMethod(field, slot);
+}
+
+/// Whether anything is on the list, be it in sight or not.
+bool hasSourceItems(MainController& controller) {
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.sourceItemCount() > 0;
+}
+
+/// "Undo Rename (487 Names, “Lofoten”)".
+QString withDetails(const QString& command, const UndoCommands::Next& next) {
+    const QString count = counted(static_cast<std::size_t>(next.count), WindowCommands::tr("1 Name"),
+                                  WindowCommands::tr("%L1 Names"));
+    const QString place = RunWords::shortened(RunWords::place(next.folder, next.folderCount), longestFolder);
+    const QString quoted = next.folderCount > 1 ? place : WindowCommands::tr("“%1”").arg(place);
+    //: An entry of a menu, and how many names it is about, or where they are.
+    const QString one = WindowCommands::tr("%1 (%2)");
+    if (next.folderCount == 0)
+        return next.count == 0 ? command : one.arg(command, count);
+    //: The same with both.
+    return next.count == 0 ? one.arg(command, quoted)
+                           : WindowCommands::tr("%1 (%2, %3)").arg(command, count, quoted);
 }
 
 } // namespace
@@ -143,7 +168,7 @@ void WindowCommands::addEditMenu() {
     addForText(menu, "undo", tr("&Undo"), QKeySequence::Undo, &WindowCommands::undoRequested);
     addForText(menu, "redo", tr("&Redo"), QKeySequence::Redo, &WindowCommands::redoRequested);
     menu->addSeparator();
-    addTakeBacks(menu);
+    addUndos(menu);
     menu->addSeparator();
     addForText(menu, "cut", tr("Cu&t"), QKeySequence::Cut);
     copy = addForText(menu, "copy", tr("&Copy"), QKeySequence::Copy, &WindowCommands::rowsCopied);
@@ -151,6 +176,8 @@ void WindowCommands::addEditMenu() {
     addForText(menu, "selectAll", tr("Select &All"), QKeySequence::SelectAll);
     menu->addSeparator();
     findInList = add(menu, "findInList", tr("&Find in List…"), QKeySequence::Find);
+    findNext = add(menu, "findNext", tr("Find Ne&xt"), QKeySequence("F3"));
+    findPrevious = add(menu, "findPrevious", tr("Find Previou&s"), QKeySequence("Shift+F3"));
     nextProblem = add(menu, "nextProblem", tr("&Next Problem"), QKeySequence("F8"));
     previousProblem = add(menu, "previousProblem", tr("Pre&vious Problem"), QKeySequence("Shift+F8"));
     menu->addSeparator();
@@ -160,17 +187,16 @@ void WindowCommands::addEditMenu() {
 
 /// What is next may have come from another program, so it is looked up when the menu opens; the shortcuts
 /// work whatever it said last.
-void WindowCommands::addTakeBacks(QMenu* menu) {
-    const QString undo = tr("Undo Last Rename…");
-    const QString redo = tr("Redo Rename…");
-    TakeBackCommands& takeBacks = services.controller.takeBackCommands();
-    QAction* undoRename = add(menu, "undoRename", undo, QKeySequence("Ctrl+Alt+Z"),
-                              [&takeBacks] { takeBacks.takeBack(RunKind::undo); });
-    QAction* redoRename = add(menu, "redoRename", redo, QKeySequence("Ctrl+Alt+Shift+Z"),
-                              [&takeBacks] { takeBacks.takeBack(RunKind::redo); });
+void WindowCommands::addUndos(QMenu* menu) {
+    UndoCommands& undos = services.controller.undoCommands();
+    QAction* undoRename =
+        add(menu, "undoRename", tr("Undo Rename"), QKeySequence("Ctrl+Alt+Z"), [&undos] { undos.undoRun(); });
+    QAction* redoRename = add(menu, "redoRename", tr("Redo Rename"), QKeySequence("Ctrl+Alt+Shift+Z"),
+                              [&undos] { undos.redoRun(); });
+    showHistory = add(menu, "showHistory", tr("&History…"), QKeySequence("Ctrl+Shift+H"));
     connect(menu, &QMenu::aboutToShow, this, [=, this] {
-        describe(*undoRename, undo, RunKind::undo);
-        describe(*redoRename, redo, RunKind::redo);
+        describe(*undoRename, RunKind::undo);
+        describe(*redoRename, RunKind::redo);
     });
     connect(
         menu, &QMenu::aboutToHide, this,
@@ -182,14 +208,19 @@ void WindowCommands::addTakeBacks(QMenu* menu) {
 }
 
 /// Gives a command the words for what it would do now, or turns it off where that is nothing.
-void WindowCommands::describe(QAction& command, const QString& otherwise, RunKind kind) {
-    const std::string text = services.controller.takeBackCommands().description(kind);
-    QString shown = window.fontMetrics().elidedText(ShownName::of(text::fromUtf8(text), false),
-                                                    Qt::ElideRight, widestDescription);
-    if (!shown.endsWith("…"))
-        shown += "…";
-    command.setText(text.empty() ? otherwise : shown.replace('&', "&&"));
-    command.setEnabled(!text.empty() && !isRunning && services.controller.validateUserInterfaceItem());
+void WindowCommands::describe(QAction& command, RunKind kind) {
+    const auto next = services.controller.undoCommands().next(
+        kind, [this, action = QPointer(&command), kind, alive = QPointer(this)] {
+            if (alive && action)
+                describe(*action, kind);
+        });
+    QString text = kind == RunKind::undo ? tr("Undo Rename") : tr("Redo Rename");
+    if (next && next->finishes)
+        text = next->isOfUndo ? tr("Finish Undo") : tr("Finish Rename");
+    if (next)
+        text = withDetails(text, *next);
+    command.setText(text.replace('&', "&&"));
+    command.setEnabled(next && !isRunning && services.controller.validateUserInterfaceItem());
 }
 
 void WindowCommands::addStepsMenu() {
@@ -237,7 +268,9 @@ void WindowCommands::addViewMenu() {
             QKeySequence("F9"), [&controller] { controller.showMultistepDrawer(); });
     menu->addSeparator();
     addSetting(menu, "showCurrentName", tr("&Current Name"));
-    addSetting(menu, "showPath", tr("F&older"));
+    showPath = add(menu, "showPath", tr("F&older"), {},
+                   [&controller](bool isShown) { controller.previewControl().showFolderColumn(isShown); });
+    showPath->setCheckable(true);
     addSetting(menu, "quickLookThumbnail", tr("&Thumbnails"), QKeySequence("Ctrl+T"));
     showInvisibles = add(menu, "showInvisibles", tr("&Invisible Characters"), QKeySequence("Ctrl+I"),
                          [this](bool areShown) { services.defaults.setObject("showInvisibles", areShown); });
@@ -255,6 +288,9 @@ void WindowCommands::addViewMenu() {
     showItemsToBeRenamed =
         add(menu, "showItemsToBeRenamed", tr("Items to &Be Renamed"), QKeySequence("Ctrl+2"));
     showProblems = add(menu, "showProblems", tr("&Problems"), QKeySequence("Ctrl+3"));
+    showNotRenamed = add(menu, "showNotRenamed", tr("Not Re&named"), QKeySequence("Ctrl+4"));
+    all.pop_back(); // the list knows when it is on
+    showNotRenamed->setEnabled(false);
     menu->addSeparator();
     manualOrder =
         add(menu, "manualOrder", tr("&Manual Order"), QKeySequence("Ctrl+M"),
@@ -338,7 +374,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
     MainController& controller = services.controller;
     const CompositeRenameAction& chain = controller.compositeAction();
     const bool areOn = controller.validateUserInterfaceItem() && !isRunning;
-    const bool hasRows = !controller.previewControl().isPreviewEmpty();
+    const bool hasItems = hasSourceItems(controller);
     const bool canRename = controller.isRenameButtonEnabled();
     const bool hasSeveralSteps = MoreThanOneObjectInTableTransformer::transformedValue(chain.count());
     const bool isDrawerShown = controller.globalSettings().values().shouldShowMultistepDrawer != 0;
@@ -346,7 +382,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
         if (action == removeFile)
             return controller.sourceCommands().canRemove(selection);
         if (action == clearPreview || action == createFileList)
-            return hasRows;
+            return hasItems;
         if (action == ok || action == applyAndQuit || action == applyButDontQuit)
             return canRename;
         if (action == showMultistepDrawer)
@@ -356,14 +392,17 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
             return hasSeveralSteps;
         return true;
     };
+    // What only looks at the list can be done during a run, too.
+    const std::array looking{copy, findInList, showAllItems, showItemsToBeRenamed, showProblems};
     for (QAction* action : all)
-        action->setEnabled(areOn && isOn(action));
+        action->setEnabled((areOn || std::ranges::find(looking, action) != looking.end()) && isOn(action));
     for (QAction* action : presetActions)
         action->setEnabled(areOn && controller.presetsManager().count() > 0);
     if (!areOn)
         return;
     showMultistepDrawer->setText(MultiStepDrawerTransformer::transformedValue(isDrawerShown));
     stepActive->setChecked(chain.getCurrentAction().getParamInt("active", 0) == 1);
+    showPath->setChecked(controller.previewControl().isFolderColumnShown());
     showInvisibles->setChecked(services.defaults.boolForKey("showInvisibles"));
     manualOrder->setChecked(!controller.globalSettings().values().automaticSorting);
 }

@@ -40,6 +40,7 @@ class WindowCommands final : public QObject {
     QAction* addFiles;
     QAction* addFolder;
     QAction* removeFile;
+    QAction* clearPreview;
     QAction* openFile;
     QAction* revealFile;
     QAction* createFileList;
@@ -49,6 +50,8 @@ class WindowCommands final : public QObject {
     QAction* applyButDontQuit;
     QAction* copy;
     QAction* findInList;
+    QAction* findNext;
+    QAction* findPrevious;
     QAction* nextProblem;
     QAction* previousProblem;
     QAction* findAction;
@@ -66,12 +69,14 @@ class WindowCommands final : public QObject {
     QAction* showAllItems;
     QAction* showItemsToBeRenamed;
     QAction* showProblems;
+    QAction* showNotRenamed; ///< what the last run has left
     QAction* moveRowUp;
     QAction* moveRowDown;
     QAction* processFiles;
     QAction* processFolders;
     QAction* processSubfolders;
     QAction* showHelpOnAction;
+    QAction* showHistory;
 
   signals:
     /// Copying and pasting while no field of text has the focus, so that it is about the list.
@@ -91,19 +96,19 @@ class WindowCommands final : public QObject {
     QMenu* addMenu(const QString& title);
     void addFileMenu();
     void addEditMenu();
-    void addTakeBacks(QMenu* menu);
+    void addUndos(QMenu* menu);
     void addStepsMenu();
     void addViewMenu();
     void addPresetsMenu();
     void addHelpMenu();
-    void describe(QAction& command, const QString& otherwise, RunKind kind);
+    void describe(QAction& command, RunKind kind);
     void tellAbout();
 
     QMainWindow& window;
     const WindowServices services;
     std::vector<QAction*> all;
-    QAction* clearPreview = nullptr;
     QAction* showMultistepDrawer = nullptr;
+    QAction* showPath = nullptr;
     QAction* showInvisibles = nullptr;
     QAction* manualOrder = nullptr;
     QAction* saveAsPreset = nullptr;

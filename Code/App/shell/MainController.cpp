@@ -45,7 +45,8 @@ MainController::Options MainController::Options::standard() {
     standard.localPresetsFolder = standard.store.dataFolder + "/Presets";
     standard.globalPresetsFolder = SandboxHelper::globalPresetsFolder();
     standard.location = program.string();
-    standard.history = {UserFolders::state() + "/tavrin/runs", "window"};
+    standard.history = {UserFolders::state() + "/tavrin/runs", "window",
+                        [] { return HistoryLimits::of(UserDefaults::sharedInstance()); }};
     return standard;
 }
 
@@ -78,8 +79,11 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
           environment.runLoop,
           [this](std::function<void()> gone) { notices.showTagNotPresentDialog(std::move(gone)); }),
       tagLibrary(&missingTagNotice), droplets(services, {listCommands, notices}, options.location),
-      confirmation(services, {store, listCommands, preview, notices, droplets}, [this] { terminateNow(); }),
-      takeBacks(services, {preview, confirmation}),
+      confirmation(services,
+                   {store, listCommands, preview, notices, droplets,
+                    [this](const std::string& run) { undos.undoRun(run); }},
+                   [this] { terminateNow(); }),
+      undos(services, {preview, confirmation}),
       migration(services, presets,
                 {options.store.dataFolder, options.location, [this] { updatePresetsMenu(); }}),
       updates(services, {.mayInterrupt = [this] { return validateUserInterfaceItem() && !engine.isBusy(); },
@@ -125,7 +129,7 @@ void MainController::applicationDidFinishLaunching() {
     startSequence.applicationDidFinishLaunching();
     if (mode == OperationMode::normal && options.usesUserFolders) {
         updates.start();
-        takeBacks.tellInterruptedRun();
+        undos.tellInterruptedRun();
     }
 }
 

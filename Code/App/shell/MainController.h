@@ -18,7 +18,7 @@
 #include "shell/commands/RecipeCommands.h"
 #include "shell/commands/ShellServices.h"
 #include "shell/commands/SourceCommands.h"
-#include "shell/commands/TakeBackCommands.h"
+#include "shell/commands/UndoCommands.h"
 #include "shell/preview/DNDArrayController.h"
 #include "shell/preview/PreviewControl.h"
 #include "shell/start/MigrationCommands.h"
@@ -139,7 +139,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
     [[nodiscard]] StoreOwner& storeOwner() { return store; }
     [[nodiscard]] UpdateCheck& updateCheck() { return updates; }
-    [[nodiscard]] TakeBackCommands& takeBackCommands() { return takeBacks; }
+    [[nodiscard]] UndoCommands& undoCommands() { return undos; }
 
     // --- EngineHost ---
     ItemStore* persistentStoreCoordinator() override { return store.persistentStoreCoordinator(); }
@@ -156,6 +156,7 @@ class MainController : public EngineHost, public ActionObserver {
     void startProgressWindow() override { confirmation.startProgressWindow(); }
     void stopProgressWindow() override { confirmation.stopProgressWindow(); }
     std::optional<FetchRequest> shownList() override { return preview.shownList(); }
+    void setListFolders(const RowFolders& folders) override { preview.setListFolders(folders); }
     void refreshPreview() override { preview.refreshPreview(); }
     void showStats() override { preview.showStats(); }
     void showCompletionDialog() override { confirmation.showCompletionDialog(); }
@@ -215,7 +216,7 @@ class MainController : public EngineHost, public ActionObserver {
     TagLibraryHelper tagLibrary;
     DropletCommands droplets;
     ConfirmationFlow confirmation;
-    TakeBackCommands takeBacks;
+    UndoCommands undos;
     MigrationCommands migration;
     UpdateCheck updates;
     StartSequence startSequence;

@@ -113,13 +113,33 @@ void RenameEngine::refreshList() {
     std::optional<FetchRequest> list;
     onMainThread([&](EngineHost& host) { list = host.shownList(); });
     ItemStore* const store = list ? application.persistentStoreCoordinator() : nullptr;
+    std::optional<RowFolders> folders;
     try {
-        if (store != nullptr)
-            static_cast<void>(StoreContext(*store, StoreContext::MergePolicy::storeWins).fetch(*list));
+        if (store != nullptr) {
+            StoreContext context(*store, StoreContext::MergePolicy::storeWins);
+            static_cast<void>(context.fetch(*list));
+            folders = context.foldersOf({list->entity, list->predicate, {}});
+        }
     } catch (const StoreError& error) {
         debugLog("could not sort the list ahead: {}", error.what());
     }
-    onMainThread([](EngineHost& host) { host.refreshPreview(); });
+    onMainThread([&](EngineHost& host) {
+        if (folders)
+            host.setListFolders(*folders);
+        host.refreshPreview();
+    });
+}
+
+void RenameEngine::workOnRows(RowWork work, std::shared_ptr<EngineTurns::Turn> turn) {
+    threads.detach([this, work = std::move(work), turn = std::move(turn)] {
+        const auto held = turn ? std::make_unique<EngineTurns::Held>(*turn) : nullptr;
+        ItemStore* const store = ending ? nullptr : application.persistentStoreCoordinator();
+        if (store == nullptr)
+            return;
+        StoreContext context(*store, StoreContext::MergePolicy::contextWins);
+        if (const std::function<void()> answer = work(context); answer && !ending)
+            onMainThread([&](EngineHost&) { answer(); });
+    });
 }
 
 void RenameEngine::readHistory(std::function<std::function<void()>(const RunHistory&)> look) {
@@ -132,7 +152,7 @@ void RenameEngine::readHistory(std::function<std::function<void()>(const RunHist
 void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest request,
                                    std::function<void(EngineHost&, const TakeBackResult&)> completion) {
     stopRequested = false;
-    const bool showsRun = !request.isPreview;
+    const bool showsRun = request.isOnShow || request.extent != TakeBackRequest::Extent::look;
     if (showsRun)
         onMainThread([](EngineHost& host) { host.startProgressWindow(); });
     threads.detach([this, &progress, request = std::move(request), completion = std::move(completion),
@@ -149,6 +169,7 @@ void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest reque
 
 TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequest& request) {
     TakeBackResult result;
+    result.chosen = request.chosen;
     result.store = std::make_shared<ItemStore>(ItemStore::Options{});
     const auto purpose = std::make_shared<RunPurpose>();
     purpose->what = request.chosen.what;
@@ -160,11 +181,9 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
     pipeline.setProgressInfo(&progress);
     pipeline.setStore(*result.store);
     pipeline.addStage(std::make_unique<NamesFromRecordStage>(*this, request, purpose));
-    if (!request.isPreview) {
-        pipeline.addStage(std::make_unique<PrepareForRenamingStage>(*this));
-        pipeline.addStage(std::make_unique<PerformRenameStage>(*this, purpose));
-    }
-    static_cast<void>(pipeline.process());
+    pipeline.addStage(std::make_unique<PrepareForRenamingStage>(*this));
+    pipeline.addStage(std::make_unique<PerformRenameStage>(*this, purpose));
+    result.wasDone = pipeline.process();
     StoreContext context(*result.store, StoreContext::MergePolicy::storeWins);
     result.planned =
         static_cast<std::int32_t>(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)));

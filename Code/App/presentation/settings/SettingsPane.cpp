@@ -91,10 +91,11 @@ SettingsPane::SettingsPane(const WindowServices& shared, WindowCommands& command
 }
 
 QWidget* SettingsPane::makeHeadRow(WindowCommands& commands) {
-    auto* row = new QWidget;
-    auto* layout = new QHBoxLayout(row);
+    headRow = new QWidget;
+    auto* layout = new QHBoxLayout(headRow);
     layout->setContentsMargins(0, 0, 0, 0);
     stepLabel->setObjectName("stepLabel");
+    stepLabel->setWordWrap(true);
     QFont bold = stepLabel->font();
     bold.setWeight(QFont::DemiBold);
     stepLabel->setFont(bold);
@@ -108,7 +109,24 @@ QWidget* SettingsPane::makeHeadRow(WindowCommands& commands) {
     layout->addWidget(stepLabel, 1);
     for (QToolButton* button : {addStepButton, reset, helpButton})
         layout->addWidget(button);
-    return row;
+    return headRow;
+}
+
+/// Where there is no room for all of it the button does without its caption.
+void SettingsPane::arrangeHead() {
+    const QFontMetrics metrics = stepLabel->fontMetrics();
+    int wanted = metrics.horizontalAdvance(stepLabel->text());
+    addStepButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    for (const QToolButton* button : headRow->findChildren<QToolButton*>(Qt::FindDirectChildrenOnly))
+        if (!button->isHidden())
+            wanted += headRow->layout()->spacing() + button->sizeHint().width();
+    if (wanted > width() - 2 * margin)
+        addStepButton->setToolButtonStyle(Qt::ToolButtonIconOnly);
+}
+
+void SettingsPane::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    arrangeHead();
 }
 
 QWidget* SettingsPane::makeColumn(BaseRenameAction& action) {
@@ -154,7 +172,8 @@ void SettingsPane::showAction(BaseRenameAction& action) {
     putIntoTabOrder(*content);
     // What the panel needs at least is not scrolled sideways: the pane grows.
     const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-    setMinimumWidth(std::max(leastWidth, content->minimumSizeHint().width() + scrollBar));
+    setMinimumWidth(std::max({leastWidth, content->minimumSizeHint().width() + scrollBar,
+                              advanced->minimumSizeHint().width() + 2 * margin}));
     if (chooser->takeWasFoundBySearch())
         focusFirstField();
 }
@@ -182,6 +201,7 @@ void SettingsPane::stepsChanged() {
         isOnly ? tr("What to do")
                : tr("Step %1 of %2").arg(composite.getCurrentActionIndexAsInt() + 1).arg(composite.count()));
     addStepButton->setVisible(isOnly);
+    arrangeHead();
     chooser->refresh();
 }
 

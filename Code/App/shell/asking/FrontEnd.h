@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/asking/RunQuestion.h"
+#include "engine/history/RunRecord.h"
 #include "store/contexts/SmallEntities.h"
 
 #include <cstddef>
@@ -21,7 +22,6 @@ enum class AlertKind {
     itemsNotRemoved,
     manualSorting,
     runQuestion,
-    interruptedRun,
     nothingToTakeBack,
     summary,
     fileListSaved,
@@ -86,6 +86,23 @@ struct FailureReport {
 };
 [[nodiscard]] std::string notRenamedText(std::size_t count);
 
+/// How a run has ended.
+struct RunReport {
+    RunKind what = RunKind::rename;
+    std::size_t changed = 0;    ///< names
+    std::size_t notRenamed = 0; ///< items that failed, told on the way or not
+    std::size_t untouched = 0;  ///< items that a stopped run has not come to
+    bool wasStopped = false;
+    bool wasClosed = false;   ///< the user has closed the window in the middle of it
+    bool endsProgram = false; ///< the application ends when this is read, unless the user wants it to stay
+    bool clearsList = false;
+    std::string run = {};                     ///< what the history calls it; empty: it was not recorded
+    std::string summary = {};                 ///< what was done, in a sentence
+    std::string details = {};                 ///< how far it came, where it was cut by the end of the window
+    std::vector<ProcessingError> errors = {}; ///< those that have not been told during the run
+};
+enum class ReportAnswer { close, keepOpen, undoAndQuit };
+
 struct FilesToAdd {
     std::vector<std::string> paths; ///< absolute, in bytes
     std::string folder;             ///< the one that the panel shows in the end
@@ -98,19 +115,33 @@ struct FileListChoice {
     bool shouldIncludeOnlyAffectedFiles = false;
 };
 
-/// What an undo or redo would do.
-struct TakeBackQuestion {
-    struct Row {
-        std::string folder;
-        std::u16string name;
-        std::u16string newName;
-    };
-    std::string title;
-    std::string verb;                      ///< its first word: "Undo", "Redo" or "Finish"
-    std::size_t count = 0;                 ///< of items that would get another name
-    std::vector<Row> rows;                 ///< the first of them
-    std::vector<ProcessingError> problems; ///< items that can't
+/// Asked before an undo or redo that can't do all, or that takes up a run of somebody else, or of another
+/// day.
+struct UndoQuestion {
+    RunKind what = RunKind::undo;
+    bool finishes = false;       ///< a redo that does what a run has left undone
+    bool isOwn = false;          ///< the run was made by this program since its start
+    std::string run;             ///< what the history calls it
+    std::string who;             ///< "tvrn", "window", "droplet"
+    std::optional<double> began; ///< seconds since 2001
+    std::string folder;
+    std::size_t possible = 0; ///< of names
+    std::size_t total = 0;
+    std::vector<ProcessingError> reasons = {}; ///< the first of those why others are not possible
 };
+enum class UndoAnswer { cancel, showInHistory, go };
+
+/// A run that was cut off.
+struct InterruptedRun {
+    std::string run; ///< what the history calls it
+    RunKind what = RunKind::rename;
+    std::optional<double> began; ///< seconds since 2001
+    std::string folder = {};     ///< that holds all that it was about
+    std::size_t changed = 0;     ///< of names
+    std::size_t total = 0;
+    std::size_t withTemporaryName = 0;
+};
+enum class InterruptedRunAnswer { finish, undo, show };
 
 /// What to ask the user for, in the words of a panel.
 struct LocatePanel {
@@ -127,7 +158,18 @@ struct FetchedAddress {
 
 enum class MainTab { interface = 0, progress = 1 };
 enum class PreviewTab { progressBar = 0, status = 1 };
-enum class PreviewColumn { path, currentName, newName, regex1, regex2, regex3, regex4, regex5, regex6 };
+enum class PreviewColumn {
+    path,
+    currentName,
+    newName,
+    regex1,
+    regex2,
+    regex3,
+    regex4,
+    regex5,
+    regex6,
+    problem,
+};
 
 /// All that the application needs of whatever stands in front of it: to show, and to ask. Texts are UTF-8,
 /// paths are bytes. Called on the main thread only; every call returns at once, no call waits in an event
@@ -146,6 +188,9 @@ class FrontEnd {
     /// A question of a run. The answer is one that it allows; a handler that is dropped stands for "stop".
     virtual void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) = 0;
     virtual void showProcessingErrors(const FailureReport& report, std::function<void()> closed) = 0;
+    /// The end of a run. The answer counts where it ends the program; one that is dropped stands for "close".
+    /// The default shows the failures, or else an alert with the summary.
+    virtual void showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer);
     /// Closes the questions of a run that are open, as answered with "stop".
     virtual void withdrawQuestions() {}
     /// Called with nothing when the user cancels, as below.
@@ -162,7 +207,11 @@ class FrontEnd {
     }
 
     /// Whether an undo or redo is to be done. The default is that it is not.
-    virtual void askToTakeBack(const TakeBackQuestion&, std::function<void(bool)> answer) { answer(false); }
+    virtual void askToUndo(const UndoQuestion&, std::function<void(UndoAnswer)> answer) {
+        answer(UndoAnswer::cancel);
+    }
+    /// Told at the start; who does not answer is told at the next one. "Show" may be answered again and again.
+    virtual void tellInterruptedRun(const InterruptedRun&, std::function<void(InterruptedRunAnswer)>) {}
     /// For one or more droplets: their bundle folders, or the launchers that stand for them.
     virtual void askForDroplets(const LocatePanel&,
                                 std::function<void(std::optional<std::vector<std::string>>)> answer) {
@@ -215,6 +264,8 @@ class FrontEnd {
     virtual void hideWindow() {}
     virtual void enterDropletEditMode() {}
     virtual void showHelp(std::string_view /*anchor*/) {}
+    /// Shows the history, with this run chosen where one is named.
+    virtual void showHistory(const std::string& /*run*/) {}
     /// Shows a file in the file browser and opens it.
     virtual void revealPath(const std::string&) {}
     /// Shows a page of the web in the browser.
