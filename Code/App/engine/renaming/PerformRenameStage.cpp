@@ -58,8 +58,8 @@ bool PerformRenameStage::process() {
         }
     }
     closeJournal(run->questions.shouldAbort());
-    run->tellMoves();
     run->outcomes.end(run->questions.shouldAbort());
+    run->tellMoves();
     warnings.reset();
     return true;
 }

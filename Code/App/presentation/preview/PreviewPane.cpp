@@ -7,6 +7,7 @@
 #include "presentation/GlyphIcon.h"
 #include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
+#include "presentation/Spoken.h"
 #include "presentation/WindowColours.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/preview/Chip.h"
@@ -708,6 +709,9 @@ void PreviewPane::moveSelection(bool up) {
     isMoving = true;
     controller.dndArrayController().insertRows(view->selectedIds(), place);
     isMoving = false;
+    if (view->currentIndex().isValid())
+        //: Said when rows have been moved by keys.
+        Spoken::say(tr("now row %L1 of %L2").arg(view->currentIndex().row() + 1).arg(model->rowCount()));
 }
 
 std::optional<PreviewList::Row> PreviewPane::currentRow() const {

@@ -199,7 +199,7 @@ QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) cons
     case folder:
         return folderOf(row);
     case problem:
-        return row.note.isInfo ? QString() : ShownName::note(row.note);
+        return ShownName::note(row.note);
     default:
         if (column >= regex1 && column <= regex6 && row.regex)
             return shownName((*row.regex)[static_cast<std::size_t>(column - regex1)]);
