@@ -90,7 +90,7 @@ MainWindow::MainWindow(const WindowServices& services)
         std::make_unique<RecipeClipboard>(shared, *windowCommands, preview->messageBars(), *steps, *preview);
     keys = std::make_unique<WindowKeys>(
         *this, std::vector<QWidget*>{steps, settings, &preview->listPages(),
-                                     preview->findChild<QWidget*>("messageBars"), bottomRow});
+                                     preview->findChild<QWidget*>("messageBars"), mainTabView});
     speech = std::make_unique<WindowSpeech>(shared, [this] { return preview->problemCount(); });
     setMinimumSize(WindowPlace::least);
     resize(WindowPlace::first(screen()->availableGeometry()).size());
