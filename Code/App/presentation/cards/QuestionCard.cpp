@@ -23,9 +23,8 @@ void QuestionCard::ask(const Place& place, const RunQuestion& question, bool thu
 }
 
 void QuestionCard::end() {
-    if (card && !card->isAsking())
+    if (card && card->isVisible() && !card->isAsking())
         card->withdraw();
-    card = nullptr;
 }
 
 } // namespace tavrin
