@@ -28,7 +28,7 @@ class ScriptedFrontEnd : public FrontEnd {
     using Answer =
         std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice, std::optional<FilesToAdd>,
                      FileListChoice, std::optional<std::string>, std::optional<std::vector<std::string>>,
-                     FetchedAddress, UndoAnswer, InterruptedRunAnswer>;
+                     FetchedAddress, ReportAnswer, UndoAnswer, InterruptedRunAnswer>;
 
     template <typename Given> using Handler = std::function<void(Given)>;
 
@@ -47,6 +47,7 @@ class ScriptedFrontEnd : public FrontEnd {
     std::vector<std::string> events; ///< in order, in the words of the operations below
     std::vector<Alert> alerts;
     FailureReport failures;
+    RunReport lastReport;
     std::optional<UndoQuestion> undoQuestion;     ///< the last one
     std::optional<InterruptedRun> interruptedRun; ///< the last one
     std::vector<std::string> presented;
@@ -64,6 +65,14 @@ class ScriptedFrontEnd : public FrontEnd {
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override {
         failures = report;
         askFor<AlertAnswer>("errors", [closed](const AlertAnswer&) { closed(); });
+    }
+    /// As an alert or as "errors", unless the script waits for a "report".
+    void showRunReport(const RunReport& report, Handler<ReportAnswer> answer) override {
+        lastReport = report;
+        if (!script.empty() && script.front().question == "report")
+            askFor("report", answer);
+        else
+            FrontEnd::showRunReport(report, std::move(answer));
     }
     void withdrawQuestions() override {
         note("withdrawQuestions");

@@ -59,7 +59,7 @@ TEST_F(MainRoad, LeadsFromFilesToNewNames) {
     waitForText("statusText", "3 out of 3 items need renaming.");
     set("interactiveMode", 0);
     click("okButton");
-    EXPECT_EQ(close("alert"), "3 file names were changed.|");
+    EXPECT_EQ(waitFor("runReport")->accessibleName().toStdString(), "3 file names were changed.");
     EXPECT_EQ(filesOnDisk(), trips);
     waitForEndOfRun();
     // What was renamed stays in the list under its new name; nothing is left to do.
@@ -164,16 +164,23 @@ TEST_F(MainRoad, ForeseesWhatWillFailAndSaysWhatWasMadeDistinct) {
     waitUntil("the problem shows", [this] { return model().problems().size() == 1; });
     EXPECT_EQ(model().index(0, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString(),
               "taken by another item");
-    EXPECT_TRUE(find("problemBar")->isVisible());
+    const auto told = [this] { return find("problemBar")->accessibleName().toStdString(); };
+    EXPECT_EQ(told(), "1 item cannot be renamed as shown. Next: a1.txt, taken by another item.");
+    click("nextProblemButton");
+    EXPECT_EQ(told(), "1 item cannot be renamed as shown. This one: taken by another item.");
     click("showOnlyProblems");
     EXPECT_EQ(model().rowCount(), 1);
+    EXPECT_FALSE(find<QTableView>("previewTableView")->isColumnHidden(PreviewTableModel::problem));
     show(PreviewPane::Show::all);
     replace("1", "2");
-    waitForText("problemText", "2 names were made distinct: they would have been the same.");
+    waitUntil("two are made distinct",
+              [&] { return told() == "2 names were made distinct: they would have been the same."; });
     EXPECT_TRUE(model().problems().empty());
-    EXPECT_FALSE(find("showOnlyProblems")->isVisible());
+    click("showOnlyDistinct");
+    waitUntil("these alone show", [this] { return model().rowCount() == 2; });
     replace("1", "4");
     waitUntilGone("problemBar");
+    waitUntil("all show again", [this] { return model().rowCount() == 3; });
 }
 
 TEST_F(MainRoad, TurnsTheOrderByAClickOnTheNames) {
@@ -294,9 +301,11 @@ TEST_F(Ending, StopsAQuestionInEachWay) {
         EXPECT_FALSE(command("cancel").isEnabled());
         const End end = endBy(way);
         const std::string stopped = "The rename was stopped: 0 of 3 items have got their new names.";
+        const std::string seen =
+            "The run was stopped.|No file names were changed.\n3 items still have their old names.";
         const bool isSeen = std::string(way.name) == "window";
         EXPECT_EQ(end.status, isSeen ? 0 : 3);
-        EXPECT_EQ(end.told, isSeen ? "No file names were changed.|" + stopped : "");
+        EXPECT_EQ(end.told, isSeen ? seen : "");
         EXPECT_THAT(errors, HasSubstr(isSeen ? "" : "tavrin: No file names were changed. " + stopped + "\n"));
         EXPECT_EQ(filesOnDisk(), (Names{"0.txt", "1.txt", "2.txt"}));
     }

@@ -81,7 +81,12 @@ void QtFrontEnd::ask(const RunQuestion& question, std::function<void(Confirmatio
         return;
     const bool thumbnails =
         window->services().controller.globalSettings().values().shouldShowQuickLookThumbnail != 0;
-    questionCard.ask(window->questionPlace(), question, thumbnails, std::move(answer));
+    window->setWaiting(true);
+    questionCard.ask(window->questionPlace(), question, thumbnails,
+                     [this, answer = std::move(answer)](ConfirmationChoice choice) {
+                         window->setWaiting(false);
+                         answer(choice);
+                     });
 }
 
 /// An alert names the default first and what does least last; a card has them the other way round.
@@ -92,13 +97,21 @@ void QtFrontEnd::showAsCard(const Alert& alert, std::function<void(AlertAnswer)>
         content.buttons.push_back(
             {QString("cardButton%1").arg(last - i), toQString(alert.buttons[last - i])});
     content.defaultButton = last;
-    Card::open(window->questionPlace().over, content, [last, answer = std::move(answer)](std::size_t button) {
-        answer({last - button, false});
-    });
+    window->setWaiting(true);
+    Card::open(window->questionPlace().over, content,
+               [this, last, answer = std::move(answer)](std::size_t button) {
+                   window->setWaiting(false);
+                   answer({last - button, false});
+               });
 }
 
 void QtFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
     Dialogs::showProcessingErrors(window, report, std::move(closed));
+}
+
+void QtFrontEnd::showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer) {
+    if (window)
+        window->showRunReport(report, std::move(answer));
 }
 
 void QtFrontEnd::withdrawQuestions() {
@@ -135,9 +148,12 @@ void QtFrontEnd::askForDropletPath(const std::string& title, const std::string& 
 
 void QtFrontEnd::askToUndo(const UndoQuestion& question, std::function<void(UndoAnswer)> answer) {
     whenShown([this, question, answer = std::move(answer)] {
-        if (window)
-            Card::open(window->questionPlace().over, UndoCard::contentOf(question),
-                       [answer](std::size_t button) { answer(static_cast<UndoAnswer>(button)); });
+        if (!window)
+            return;
+        window->raise(); // it may have come from another of its windows
+        window->activateWindow();
+        Card::open(window->questionPlace().over, UndoCard::contentOf(question),
+                   [answer](std::size_t button) { answer(static_cast<UndoAnswer>(button)); });
     });
 }
 
@@ -227,7 +243,7 @@ void QtFrontEnd::selectMainTab(MainTab tab) {
     if (window)
         window->selectMainTab(tab);
     if (isRunningDroplet() && !window->services().controller.isSilentDroplet())
-        window->showProgressAlone(tab == MainTab::progress);
+        window->showRunAlone(tab == MainTab::progress);
 }
 
 void QtFrontEnd::selectPreviewTab(PreviewTab tab) {

@@ -26,6 +26,7 @@ class QtFrontEnd final : public FrontEnd {
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
     void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
+    void showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer) override;
     void withdrawQuestions() override;
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;

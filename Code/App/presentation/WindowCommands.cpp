@@ -28,6 +28,8 @@
 #include <QMetaMethod>
 #include <QPointer>
 #include <QUrl>
+#include <algorithm>
+#include <array>
 
 namespace tavrin {
 
@@ -60,6 +62,13 @@ QString withDetails(const QString& command, const UndoCommands::Next& next) {
     //: The same with both.
     return next.count == 0 ? one.arg(command, quoted)
                            : WindowCommands::tr("%1 (%2, %3)").arg(command, count, quoted);
+}
+
+/// Whether anything is on the list, be it in sight or not.
+bool hasSourceItems(MainController& controller) {
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.sourceItemCount() > 0;
 }
 
 } // namespace
@@ -167,6 +176,8 @@ void WindowCommands::addEditMenu() {
     addForText(menu, "selectAll", tr("Select &All"), QKeySequence::SelectAll);
     menu->addSeparator();
     findInList = add(menu, "findInList", tr("&Find in List…"), QKeySequence::Find);
+    findNext = add(menu, "findNext", tr("Find Ne&xt"), QKeySequence("F3"));
+    findPrevious = add(menu, "findPrevious", tr("Find Previou&s"), QKeySequence("Shift+F3"));
     nextProblem = add(menu, "nextProblem", tr("&Next Problem"), QKeySequence("F8"));
     previousProblem = add(menu, "previousProblem", tr("Pre&vious Problem"), QKeySequence("Shift+F8"));
     menu->addSeparator();
@@ -182,7 +193,8 @@ void WindowCommands::addUndos(QMenu* menu) {
         add(menu, "undoRename", tr("Undo Rename"), QKeySequence("Ctrl+Alt+Z"), [&undos] { undos.undoRun(); });
     QAction* redoRename = add(menu, "redoRename", tr("Redo Rename"), QKeySequence("Ctrl+Alt+Shift+Z"),
                               [&undos] { undos.redoRun(); });
-    showHistory = add(menu, "showHistory", tr("&History…"), QKeySequence("Ctrl+Shift+H"));
+    add(menu, "showHistory", tr("&History…"), QKeySequence("Ctrl+Shift+H"),
+        [this] { emit historyWanted({}); });
     connect(menu, &QMenu::aboutToShow, this, [=, this] {
         describe(*undoRename, RunKind::undo);
         describe(*redoRename, RunKind::redo);
@@ -257,7 +269,9 @@ void WindowCommands::addViewMenu() {
             QKeySequence("F9"), [&controller] { controller.showMultistepDrawer(); });
     menu->addSeparator();
     addSetting(menu, "showCurrentName", tr("&Current Name"));
-    addSetting(menu, "showPath", tr("F&older"));
+    showPath = add(menu, "showPath", tr("F&older"), {},
+                   [&controller](bool isShown) { controller.previewControl().showFolderColumn(isShown); });
+    showPath->setCheckable(true);
     addSetting(menu, "quickLookThumbnail", tr("&Thumbnails"), QKeySequence("Ctrl+T"));
     showInvisibles = add(menu, "showInvisibles", tr("&Invisible Characters"), QKeySequence("Ctrl+I"),
                          [this](bool areShown) { services.defaults.setObject("showInvisibles", areShown); });
@@ -275,6 +289,9 @@ void WindowCommands::addViewMenu() {
     showItemsToBeRenamed =
         add(menu, "showItemsToBeRenamed", tr("Items to &Be Renamed"), QKeySequence("Ctrl+2"));
     showProblems = add(menu, "showProblems", tr("&Problems"), QKeySequence("Ctrl+3"));
+    showNotRenamed = add(menu, "showNotRenamed", tr("Not Re&named"), QKeySequence("Ctrl+4"));
+    all.pop_back(); // the list knows when it is on
+    showNotRenamed->setEnabled(false);
     menu->addSeparator();
     manualOrder =
         add(menu, "manualOrder", tr("&Manual Order"), QKeySequence("Ctrl+M"),
@@ -358,7 +375,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
     MainController& controller = services.controller;
     const CompositeRenameAction& chain = controller.compositeAction();
     const bool areOn = controller.validateUserInterfaceItem() && !isRunning;
-    const bool hasRows = !controller.previewControl().isPreviewEmpty();
+    const bool hasItems = hasSourceItems(controller);
     const bool canRename = controller.isRenameButtonEnabled();
     const bool hasSeveralSteps = MoreThanOneObjectInTableTransformer::transformedValue(chain.count());
     const bool isDrawerShown = controller.globalSettings().values().shouldShowMultistepDrawer != 0;
@@ -366,7 +383,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
         if (action == removeFile)
             return controller.sourceCommands().canRemove(selection);
         if (action == clearPreview || action == createFileList)
-            return hasRows;
+            return hasItems;
         if (action == ok || action == applyAndQuit || action == applyButDontQuit)
             return canRename;
         if (action == showMultistepDrawer)
@@ -376,14 +393,17 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
             return hasSeveralSteps;
         return true;
     };
+    // What only looks at the list can be done during a run, too.
+    const std::array looking{copy, findInList, showAllItems, showItemsToBeRenamed, showProblems};
     for (QAction* action : all)
-        action->setEnabled(areOn && isOn(action));
+        action->setEnabled((areOn || std::ranges::find(looking, action) != looking.end()) && isOn(action));
     for (QAction* action : presetActions)
         action->setEnabled(areOn && controller.presetsManager().count() > 0);
     if (!areOn)
         return;
     showMultistepDrawer->setText(MultiStepDrawerTransformer::transformedValue(isDrawerShown));
     stepActive->setChecked(chain.getCurrentAction().getParamInt("active", 0) == 1);
+    showPath->setChecked(controller.previewControl().isFolderColumnShown());
     showInvisibles->setChecked(services.defaults.boolForKey("showInvisibles"));
     manualOrder->setChecked(!controller.globalSettings().values().automaticSorting);
 }

@@ -40,6 +40,7 @@ class WindowCommands final : public QObject {
     QAction* addFiles;
     QAction* addFolder;
     QAction* removeFile;
+    QAction* clearPreview;
     QAction* openFile;
     QAction* revealFile;
     QAction* createFileList;
@@ -49,6 +50,8 @@ class WindowCommands final : public QObject {
     QAction* applyButDontQuit;
     QAction* copy;
     QAction* findInList;
+    QAction* findNext;
+    QAction* findPrevious;
     QAction* nextProblem;
     QAction* previousProblem;
     QAction* findAction;
@@ -66,18 +69,20 @@ class WindowCommands final : public QObject {
     QAction* showAllItems;
     QAction* showItemsToBeRenamed;
     QAction* showProblems;
+    QAction* showNotRenamed; ///< what the last run has left
     QAction* moveRowUp;
     QAction* moveRowDown;
     QAction* processFiles;
     QAction* processFolders;
     QAction* processSubfolders;
     QAction* showHelpOnAction;
-    QAction* showHistory;
 
   signals:
     /// Copying and pasting while no field of text has the focus, so that it is about the list.
     void rowsCopied();
     void filesPasted();
+    /// The history, with this run chosen.
+    void historyWanted(const std::string& run);
     /// The same of the keys that undo and redo in text.
     void undoRequested();
     void redoRequested();
@@ -103,8 +108,8 @@ class WindowCommands final : public QObject {
     QMainWindow& window;
     const WindowServices services;
     std::vector<QAction*> all;
-    QAction* clearPreview = nullptr;
     QAction* showMultistepDrawer = nullptr;
+    QAction* showPath = nullptr;
     QAction* showInvisibles = nullptr;
     QAction* manualOrder = nullptr;
     QAction* saveAsPreset = nullptr;

@@ -15,7 +15,7 @@ namespace tavrin {
 namespace {
 
 constexpr const char* geometryKey = "windowGeometry";
-constexpr const char* headerKey = "previewHeader";
+constexpr const char* headerKey = "previewColumns";
 constexpr const char* restoredProperty = "isRestored";
 
 } // namespace

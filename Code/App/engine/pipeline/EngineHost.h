@@ -14,6 +14,7 @@ class ProgressInfo;
 class RunLoop;
 class StoreContext;
 class TVRNGlobalPreferencesPseudoAction;
+struct RowFolders;
 
 /// What the engine needs of the application that runs it. The first group may be called from any thread, the
 /// second is called on the main thread only.
@@ -42,6 +43,8 @@ class EngineHost {
     virtual void stopProgressWindow() = 0;
     /// The rows that the next refresh will show, in their order; nothing where no list is on show.
     virtual std::optional<FetchRequest> shownList() { return std::nullopt; }
+    /// The folders that these rows lie in; comes before the refresh that shows them.
+    virtual void setListFolders(const RowFolders&) {}
     virtual void refreshPreview() = 0;
     virtual void showStats() = 0;
     virtual void showCompletionDialog() = 0;

@@ -100,13 +100,33 @@ void RenameEngine::refreshList() {
     std::optional<FetchRequest> list;
     onMainThread([&](EngineHost& host) { list = host.shownList(); });
     ItemStore* const store = list ? application.persistentStoreCoordinator() : nullptr;
+    std::optional<RowFolders> folders;
     try {
-        if (store != nullptr)
-            static_cast<void>(StoreContext(*store, StoreContext::MergePolicy::storeWins).fetch(*list));
+        if (store != nullptr) {
+            StoreContext context(*store, StoreContext::MergePolicy::storeWins);
+            static_cast<void>(context.fetch(*list));
+            folders = context.foldersOf({list->entity, list->predicate, {}});
+        }
     } catch (const StoreError& error) {
         debugLog("could not sort the list ahead: {}", error.what());
     }
-    onMainThread([](EngineHost& host) { host.refreshPreview(); });
+    onMainThread([&](EngineHost& host) {
+        if (folders)
+            host.setListFolders(*folders);
+        host.refreshPreview();
+    });
+}
+
+void RenameEngine::workOnRows(RowWork work, std::shared_ptr<EngineTurns::Turn> turn) {
+    threads.detach([this, work = std::move(work), turn = std::move(turn)] {
+        const auto held = turn ? std::make_unique<EngineTurns::Held>(*turn) : nullptr;
+        ItemStore* const store = ending ? nullptr : application.persistentStoreCoordinator();
+        if (store == nullptr)
+            return;
+        StoreContext context(*store, StoreContext::MergePolicy::contextWins);
+        if (const std::function<void()> answer = work(context); answer && !ending)
+            onMainThread([&](EngineHost&) { answer(); });
+    });
 }
 
 void RenameEngine::readHistory(std::function<std::function<void()>(const RunHistory&)> look) {

@@ -16,6 +16,7 @@ namespace tavrin {
 class EngineHost;
 class ProcessingPipeline;
 class ProgressInfo;
+class StoreContext;
 
 /// Decides which pipelines exist and how they reach a thread: each request gets a thread of its own, one
 /// pipeline runs at a time under the engine's lock, and of waiting previews only the last in line runs.
@@ -38,6 +39,15 @@ class RenameEngine : public EngineState {
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
     /// Has the list on show sorted anew and refreshed, beside all that runs.
     void processListRefresh();
+    /// Work on the rows that is done on a thread of its own; what it returns is done on the main thread,
+    /// where it is anything. It answers for its StoreErrors itself.
+    using RowWork = std::function<std::function<void()>(StoreContext&)>;
+    /// Reads rows beside all that runs.
+    void readRows(RowWork work) { workOnRows(std::move(work), nullptr); }
+    /// Changes rows in its turn among the runs.
+    void changeRows(RowWork work) {
+        workOnRows(std::move(work), std::make_shared<EngineTurns::Turn>(engineLock));
+    }
     /// Looks at the records of past runs, which may be long, beside all that runs; what `look` returns is
     /// done on the main thread, where it is anything.
     void readHistory(std::function<std::function<void()>(const RunHistory&)> look);
@@ -69,6 +79,7 @@ class RenameEngine : public EngineState {
 
   private:
     void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
+    void workOnRows(RowWork work, std::shared_ptr<EngineTurns::Turn> turn);
     TakeBackResult takeBack(ProgressInfo& progress, const TakeBackRequest& request);
     void forgetWhatWasRead(ProgressInfo& progress);
     void internalProcessPreviewThread(ProgressInfo& progress, EngineTurns::Turn& turn);

@@ -58,6 +58,7 @@ bool PerformRenameStage::process() {
         }
     }
     closeJournal(run->questions.shouldAbort());
+    run->outcomes.end(run->questions.shouldAbort());
     warnings.reset();
     return true;
 }

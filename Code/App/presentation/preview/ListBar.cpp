@@ -92,9 +92,11 @@ void ListBar::addShowMenu(WindowCommands& commands) {
     showButton->setAutoDefault(false);
     auto* menu = new QMenu(showButton);
     showActions = new QActionGroup(this);
+    showActions->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
     for (const auto& [label, command] : {std::pair{tr("&All Items"), commands.showAllItems},
                                          {tr("Items to Be &Renamed"), commands.showItemsToBeRenamed},
-                                         {tr("&Problems"), commands.showProblems}}) {
+                                         {tr("&Problems"), commands.showProblems},
+                                         {tr("&Not Renamed"), commands.showNotRenamed}}) {
         QAction* action = menu->addAction(label);
         action->setCheckable(true);
         showActions->addAction(action);
@@ -168,8 +170,16 @@ void ListBar::changeEvent(QEvent* event) {
         measure();
 }
 
-void ListBar::setShow(PreviewTableModel::Show what) {
-    const std::array texts{tr("Show: All"), tr("Show: To Rename"), tr("Show: Problems")};
+void ListBar::setShow(PreviewTableModel::Show what, const QString& label) {
+    if (what == PreviewTableModel::Show::chosen) {
+        if (QAction* former = showActions->checkedAction())
+            former->setChecked(false);
+        showButton->setText(label);
+        measure();
+        return;
+    }
+    const std::array texts{tr("Show: All"), tr("Show: To Rename"), tr("Show: Problems"),
+                           tr("Show: Not Renamed")};
     showActions->actions().at(static_cast<int>(what))->setChecked(true);
     showButton->setText(texts[static_cast<std::size_t>(what)]);
     measure();

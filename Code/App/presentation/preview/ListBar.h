@@ -26,7 +26,8 @@ class ListBar final : public QWidget {
     ListBar(const WindowServices& services, WindowCommands& commands);
     ~ListBar() override;
 
-    void setShow(PreviewTableModel::Show what);
+    /// `label` is for what has no entry in the menu.
+    void setShow(PreviewTableModel::Show what, const QString& label = {});
     /// With less room above and below, for low windows.
     void setLow(bool isLow);
 

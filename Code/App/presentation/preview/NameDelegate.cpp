@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QTextLayout>
 #include <algorithm>
+#include <optional>
 
 namespace tavrin {
 
@@ -103,10 +104,36 @@ Glyph glyphOf(PreviewTableModel::State state) {
     return Glyph::problem;
 }
 
+/// What a run has made of a row, drawn in place of what the preview says of it.
+struct RunMark {
+    Glyph glyph;
+    QColor colour;
+};
+
+std::optional<RunMark> runMark(RunOutcome outcome, const QPalette& palette) {
+    const WindowColours& colours = WindowColours::of(palette);
+    switch (outcome) {
+    case RunOutcome::open:
+        return std::nullopt;
+    case RunOutcome::inHand:
+        return RunMark{Glyph::clock, WindowColours::accentOf(palette)};
+    case RunOutcome::done:
+        return RunMark{Glyph::check, colours.addedText};
+    case RunOutcome::failed:
+        return RunMark{Glyph::problem, colours.errorMark};
+    case RunOutcome::leftOut:
+        break;
+    }
+    return RunMark{Glyph::leftOut, palette.color(QPalette::PlaceholderText)};
+}
+
 /// What is said behind the new name.
 QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
     if (state == PreviewTableModel::State::madeDistinct)
         return NameDelegate::tr("made distinct");
+    const auto* table = static_cast<const PreviewTableModel*>(index.model());
+    if (table->show() == PreviewTableModel::Show::problems)
+        return {}; // has a column of its own
     return index.data(PreviewTableModel::reasonRole).toString();
 }
 
@@ -148,6 +175,10 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const QString text = item.text;
     item.text.clear();
     softenSelection(item.palette);
+    const auto outcome = static_cast<RunOutcome>(index.data(PreviewTableModel::outcomeRole).toInt());
+    const std::optional<RunMark> mark = runMark(outcome, item.palette);
+    if (outcome == RunOutcome::inHand)
+        item.state.setFlag(QStyle::State_Selected);
     const QStyle* style = item.widget ? item.widget->style() : QApplication::style();
     // The ground tells what is selected; pictures keep their own colours on it.
     style->drawPrimitive(QStyle::PE_PanelItemViewItem, &item, painter, item.widget);
@@ -169,18 +200,28 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         const int size = std::min(item.fontMetrics.height(), item.rect.height());
         QRect square(0, 0, size, size);
         square.moveCenter(item.rect.center());
-        GlyphIcon::paint(*painter, square, glyphOf(state), stateColour(state, item.palette), isRightToLeft);
+        if (mark)
+            GlyphIcon::paint(*painter, square, mark->glyph, mark->colour);
+        else
+            GlyphIcon::paint(*painter, square, glyphOf(state), stateColour(state, item.palette),
+                             isRightToLeft);
         painter->restore();
         return;
     }
     const bool isNew = index.column() == PreviewTableModel::newName;
-    const QColor textColour = isNew && state == PreviewTableModel::State::unchanged
-                                  ? item.palette.color(QPalette::PlaceholderText)
-                                  : plain;
+    const bool isPast = outcome == RunOutcome::done || outcome == RunOutcome::leftOut;
+    const bool isDim =
+        index.column() == PreviewTableModel::folder ||
+        (isNew ? state == PreviewTableModel::State::unchanged || outcome == RunOutcome::leftOut : isPast);
+    const bool isReason = index.column() == PreviewTableModel::problem;
+    const QColor textColour = isReason ? stateColour(state, item.palette)
+                              : isDim  ? item.palette.color(QPalette::PlaceholderText)
+                                       : plain;
     QRect nameRoom = place;
     if (const QString note = isNew ? noteOn(state, index) : QString(); !note.isEmpty())
-        nameRoom = drawNote(*painter, place, item, text, note, stateColour(state, item.palette));
-    const auto spans = index.data(PreviewTableModel::spansRole).value<Spans>();
+        nameRoom = drawNote(*painter, place, item, text, note,
+                            mark ? mark->colour : stateColour(state, item.palette));
+    const Spans spans = isPast ? Spans() : index.data(PreviewTableModel::spansRole).value<Spans>();
     drawName(painter, nameRoom, elided(text, spans, item.fontMetrics, nameRoom.width()), item.font,
              textColour, isNew ? colours.addedTint : colours.removedTint,
              isNew ? colours.addedText : colours.removedText, isRightToLeft);

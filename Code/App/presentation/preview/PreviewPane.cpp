@@ -1,24 +1,30 @@
 #include "presentation/preview/PreviewPane.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/pipeline/RenameEngine.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/FileBrowser.h"
+#include "presentation/GlyphIcon.h"
 #include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/preview/Chip.h"
 #include "presentation/preview/EmptyListPage.h"
+#include "presentation/preview/EmptyView.h"
 #include "presentation/preview/FindBar.h"
 #include "presentation/preview/FolderOffer.h"
 #include "presentation/preview/ListBar.h"
 #include "presentation/preview/NameDelegate.h"
 #include "presentation/preview/PreviewTableView.h"
-#include "presentation/preview/ProblemBar.h"
+#include "presentation/preview/ShownName.h"
 #include "presentation/preview/StatusRow.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/start/FileAddress.h"
 #include "shell/MainController.h"
+#include "store/paging/StoreError.h"
+#include "store/queries/FilterManager.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -28,6 +34,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMimeData>
+#include <QPointer>
 #include <QScrollBar>
 #include <QStackedWidget>
 #include <QTimer>
@@ -89,10 +96,11 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
     : services(shared), controller(shared.controller), commands(windowCommands),
       thumbnails(new ThumbnailLoader(this)), model(new PreviewTableModel(shared, *thumbnails, this)),
       view(new PreviewTableView(*model, controller.dndArrayController())),
-      listBar(new ListBar(shared, windowCommands)), findBar(new FindBar(*view, *model)),
-      pages(new QStackedWidget), bars(new MessageBars), folderOffer(new FolderOffer(shared, *bars, this)),
-      problemBar(new ProblemBar(windowCommands)), statusRow(new StatusRow(controller)),
-      longWork(controller.runLoop()) {
+      listBar(new ListBar(shared, windowCommands)),
+      findBar(new FindBar(*view, *model, controller.renameEngine())), pages(new QStackedWidget),
+      emptyView(new EmptyView), bars(new MessageBars), folderOffer(new FolderOffer(shared, *bars, this)),
+      statusRow(new StatusRow(controller)), longWork(controller.runLoop()),
+      sortingChip(new Chip("sortingChip", Glyph::close)) {
     setObjectName("previewPane");
     buildTable();
     connectTable();
@@ -102,6 +110,8 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
     pages->setObjectName("listPages");
     pages->addWidget(view);
     pages->addWidget(emptyPage);
+    pages->addWidget(emptyView);
+    invitation = emptyPage;
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -109,9 +119,9 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
     layout->addWidget(findBar);
     layout->addWidget(pages, 1);
     layout->addWidget(bars);
-    layout->addWidget(problemBar);
     layout->addWidget(statusRow);
-    showPage(true);
+    statusRow->addChip(sortingChip);
+    showPage();
     connect(thumbnails, &ThumbnailLoader::changed, model, &PreviewTableModel::thumbnailChanged);
     listenToSettings();
 }
@@ -139,6 +149,8 @@ void PreviewPane::buildTable() {
     header->setMinimumSectionSize(20);
     view->setColumnWidth(PreviewTableModel::icon, 40);
     view->setColumnWidth(PreviewTableModel::state, 34);
+    view->setColumnHidden(PreviewTableModel::problem, true);
+    widthLimits[PreviewTableModel::problem] = {120, 600};
     for (const int column : {PreviewTableModel::icon, PreviewTableModel::state})
         header->setSectionResizeMode(column, QHeaderView::Fixed);
 }
@@ -147,6 +159,11 @@ void PreviewPane::connectTable() {
     connect(view->horizontalHeader(), &QHeaderView::sectionClicked, this, &PreviewPane::sortByColumn);
     connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PreviewPane::selectionChanged);
+    connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &PreviewPane::tellProblem);
+    connect(sortingChip, &Chip::clicked, this, [this] {
+        controller.previewControl().endSorting();
+        showSorting();
+    });
     connect(view, &PreviewTableView::removeRequested, this, &PreviewPane::removeSelected);
     connect(view, &PreviewTableView::moveRequested, this, &PreviewPane::moveSelection);
     connect(view, &PreviewTableView::openRequested, this, &PreviewPane::openCurrent);
@@ -174,11 +191,15 @@ void PreviewPane::connectCommands() {
     connect(&commands, &WindowCommands::rowsCopied, this, &PreviewPane::copySelected);
     connect(&commands, &WindowCommands::filesPasted, this, &PreviewPane::pasteFiles);
     connect(commands.findInList, &QAction::triggered, findBar, &FindBar::open);
+    connect(commands.findNext, &QAction::triggered, this, [this] { findBar->goOn(true); });
+    connect(commands.findPrevious, &QAction::triggered, this, [this] { findBar->goOn(false); });
     connect(commands.nextProblem, &QAction::triggered, this, [this] { goToProblem(true); });
     connect(commands.previousProblem, &QAction::triggered, this, [this] { goToProblem(false); });
     connect(commands.showAllItems, &QAction::triggered, this, [this] { setShow(Show::all); });
     connect(commands.showItemsToBeRenamed, &QAction::triggered, this, [this] { setShow(Show::toBeRenamed); });
     connect(commands.showProblems, &QAction::triggered, this, [this] { setShow(Show::problems); });
+    connect(commands.showNotRenamed, &QAction::triggered, this, [this] { setShow(Show::notRenamed); });
+    connect(statusRow, &StatusRow::failedItemWanted, this, &PreviewPane::goToFailed);
     connect(commands.moveRowUp, &QAction::triggered, this, [this] { moveSelection(true); });
     connect(commands.moveRowDown, &QAction::triggered, this, [this] { moveSelection(false); });
 }
@@ -240,7 +261,7 @@ void PreviewPane::sizeColumnsToFit() {
         if (view->isColumnHidden(column))
             continue;
         if (column == PreviewTableModel::currentName || column == PreviewTableModel::newName ||
-            column == PreviewTableModel::folder) {
+            column == PreviewTableModel::folder || column == PreviewTableModel::problem) {
             flexible.push_back(column);
             wanted += view->columnWidth(column);
         } else
@@ -257,16 +278,50 @@ void PreviewPane::sizeColumnsToFit() {
     }
 }
 
-void PreviewPane::showPage(bool isEmpty) {
+void PreviewPane::showPage() {
+    QWidget* page = pageDue();
     // The invitation is high, and must not keep a narrow window's list so too.
-    pages->widget(1)->setSizePolicy(QSizePolicy::Preferred,
-                                    isEmpty ? QSizePolicy::Preferred : QSizePolicy::Ignored);
-    pages->setCurrentIndex(isEmpty ? 1 : 0);
+    invitation->setSizePolicy(QSizePolicy::Preferred,
+                              page == invitation ? QSizePolicy::Preferred : QSizePolicy::Ignored);
+    pages->setCurrentWidget(page);
 }
 
-void PreviewPane::showListIfDue() {
-    if (isListDue)
-        listChanged();
+QWidget* PreviewPane::pageDue() {
+    if (model->rowCount() > 0)
+        return view;
+    if (controller.previewControl().isPreviewEmpty())
+        return explainHiddenItems() ? static_cast<QWidget*>(emptyView) : invitation;
+    const auto showAll = [this] { setShow(Show::all); };
+    if (model->show() == Show::problems)
+        emptyView->say(tr("No problems: every name can be written as shown."), tr("Show All"), showAll);
+    else
+        emptyView->say(tr("Every name is already as the steps want it."), tr("Show All"), showAll);
+    return emptyView;
+}
+
+/// Whether there are items that a filter alone keeps out of sight; then it is said which.
+bool PreviewPane::explainHiddenItems() {
+    const Settings settings = controller.globalSettings().values();
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    const auto count = [&](const Predicate& which) {
+        const ItemFilter filter = settings.itemFilter();
+        return context.count(
+            FetchEntity::file,
+            FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(filter).with(which));
+    };
+    const std::size_t files = count(Predicate::isFalse(NodeKey::treatAsFolder));
+    const std::size_t folders = count(Predicate::isTrue(NodeKey::treatAsFolder));
+    if (files > 0)
+        emptyView->say(counted(files, tr("1 file is hidden because Files is off."),
+                               tr("%L1 files are hidden because Files is off.")),
+                       tr("Show Files"), [this] { controller.globalSettings().setShouldProcessFiles(1); });
+    else if (folders > 0)
+        emptyView->say(counted(folders, tr("1 folder is hidden because Folders is off."),
+                               tr("%L1 folders are hidden because Folders is off.")),
+                       tr("Show Folders"),
+                       [this] { controller.globalSettings().setShouldProcessFolders(1); });
+    return files + folders > 0;
 }
 
 RowId PreviewPane::idAt(int row) const {
@@ -295,40 +350,126 @@ QItemSelection PreviewPane::placesOf(const std::vector<RowId>& selected) const {
 }
 
 void PreviewPane::listChanged() {
-    // To number all rows takes its time, so what shows them is an event of its own.
-    if (view->isReordering()) {
-        isListDue = true;
-        QMetaObject::invokeMethod(
-            this, [this] { showListIfDue(); }, Qt::QueuedConnection);
-        return;
-    }
-    isListDue = false;
     const std::vector<RowId> selected = selection();
     const RowId top = idAt(view->rowAt(0));
     const RowId current = idAt(view->currentIndex().row());
     const std::vector<RowId> before = model->rowIds();
+    const bool isOtherOrder = shownOrder != controller.nodeController().sortDescriptors();
+    shownOrder = controller.nodeController().sortDescriptors();
     model->listChanged();
-    showPage(controller.previewControl().isPreviewEmpty());
+    showPage();
+    showSorting();
     if (model->rowIds() == before)
         return;
-    // The same items stay selected and in sight where they are.
+    // The same items stay selected. They stay in sight too, unless the order is another one.
     view->selectionModel()->select(placesOf(selected), QItemSelectionModel::ClearAndSelect);
-    if (const auto row = current == noRow ? std::nullopt : model->rowOf(current))
-        view->selectionModel()->setCurrentIndex(model->index(*row, PreviewTableModel::currentName),
-                                                QItemSelectionModel::NoUpdate);
-    if (const auto row = top == noRow ? std::nullopt : model->rowOf(top))
-        view->scrollTo(model->index(*row, PreviewTableModel::currentName), QAbstractItemView::PositionAtTop);
+    const auto placeOf = [this](RowId id) {
+        const auto row = id == noRow ? std::nullopt : model->rowOf(id);
+        return row ? model->index(*row, PreviewTableModel::currentName) : QModelIndex();
+    };
+    const QModelIndex currentPlace = placeOf(current);
+    if (currentPlace.isValid())
+        view->selectionModel()->setCurrentIndex(currentPlace, QItemSelectionModel::NoUpdate);
+    if (scrollToArrivals())
+        return;
+    if (isOtherOrder && !isMoving) {
+        view->scrollToTop();
+        return;
+    }
+    if (const QModelIndex topPlace = placeOf(top); topPlace.isValid())
+        view->scrollTo(topPlace, QAbstractItemView::PositionAtTop);
+    if (isMoving && currentPlace.isValid())
+        view->scrollTo(currentPlace);
+}
+
+bool PreviewPane::scrollToArrivals() {
+    if (!arrivalsBehind)
+        return false;
+    const std::vector<RowId>& ids = model->rowIds();
+    const auto first = std::ranges::find_if(ids, [this](RowId id) { return id > *arrivalsBehind; });
+    if (first == ids.end())
+        return false;
+    arrivalsBehind.reset();
+    const auto row = static_cast<int>(first - ids.begin());
+    view->scrollTo(model->index(row, PreviewTableModel::currentName), QAbstractItemView::PositionAtCenter);
+    return true;
+}
+
+void PreviewPane::showSorting() {
+    const auto sorting = controller.previewControl().sorting();
+    QHeaderView* header = view->horizontalHeader();
+    header->setSortIndicatorShown(sorting.has_value());
+    if (sorting)
+        header->setSortIndicator(PreviewTableModel::columnOf(sorting->column),
+                                 sorting->isAscending ? Qt::AscendingOrder : Qt::DescendingOrder);
+    sortingChip->setVisible(sorting && sorting->isView);
+    if (!sorting || !sorting->isView)
+        return;
+    const bool isByName = sorting->column == PreviewColumn::currentName;
+    const bool isByNewName = sorting->column == PreviewColumn::newName;
+    const bool isByFolder = sorting->column == PreviewColumn::path;
+    sortingChip->setText(isByName      ? tr("Shown by Current Name")
+                         : isByNewName ? tr("Shown by New Name")
+                         : isByFolder  ? tr("Shown by Folder")
+                                       : tr("Shown by Problem"));
+    sortingChip->setToolTip(tr("Show the items in the order of their numbers again"));
+    sortingChip->updateGeometry();
 }
 
 void PreviewPane::previewFinished() {
+    model->runMarks().listWasRead();
+    commands.showNotRenamed->setEnabled(model->runMarks().hasNotRenamed());
     listChanged();
-    showProblems();
+    countProblems();
+    showPage();
+    lookForChosen();
     sizeColumnsToFit();
     if (controller.previewControl().isPreviewEmpty())
         folderOffer->withdraw();
 }
 
-void PreviewPane::refreshProgress() { statusRow->refreshProgress(); }
+void PreviewPane::refreshProgress() {
+    statusRow->refreshProgress();
+    if (!isRunShown)
+        return;
+    model->runMarks().refresh();
+    statusRow->showRun(controller.renameEngine().runOutcomes().failedRows(), isWaiting);
+    view->viewport()->update();
+}
+
+void PreviewPane::beginRun() {
+    isRunShown = true;
+    model->runMarks().begin();
+    listBar->setEnabled(false);
+    view->setAcceptDrops(false);
+    view->setDragEnabled(false);
+    commands.showNotRenamed->setEnabled(false);
+    refreshProgress();
+}
+
+void PreviewPane::focusList() { view->setFocus(); }
+
+void PreviewPane::endRun() {
+    isRunShown = false;
+    isWaiting = false;
+    model->runMarks().end();
+    listBar->setEnabled(true);
+    view->setAcceptDrops(true);
+    view->setDragEnabled(true);
+    commands.showNotRenamed->setEnabled(model->runMarks().hasNotRenamed());
+    statusRow->showRun(std::nullopt);
+    view->viewport()->update();
+}
+
+void PreviewPane::setWaiting(bool waits) {
+    isWaiting = waits;
+    refreshProgress();
+}
+
+void PreviewPane::goToFailed() {
+    if (const auto row = model->rowOf(model->runMarks().nextFailed()))
+        goTo(*row);
+}
 
 void PreviewPane::selectPreviewTab(PreviewTab tab) { statusRow->selectPreviewTab(tab); }
 
@@ -338,17 +479,94 @@ void PreviewPane::enterDropletEditMode() {
         promise->setText(tr("Files you add here only show the effect."));
 }
 
-void PreviewPane::pathsAdded(const std::vector<std::string>& paths) { folderOffer->pathsAdded(paths); }
+void PreviewPane::pathsAdded(const std::vector<std::string>& paths) {
+    folderOffer->pathsAdded(paths);
+    const std::vector<RowId>& present = controller.nodeController().arrangedObjects();
+    arrivalsBehind = present.empty() ? noRow : std::ranges::max(present);
+}
 
 void PreviewPane::setLow(bool isLow) { listBar->setLow(isLow); }
 
-void PreviewPane::showProblems() {
+// --- Problems ---
+
+void PreviewPane::countProblems() {
     model->setProblems(controller.nodeController().problemIds());
-    StoreContext& context = controller.managedObjectContext();
-    const std::lock_guard lock(context.mutex());
-    const auto madeDistinct = static_cast<std::size_t>(context.engineControl().numberOfNamesMadeDistinct);
-    problemBar->showCounts(model->problems().size(), madeDistinct);
+    {
+        StoreContext& context = controller.managedObjectContext();
+        const std::lock_guard lock(context.mutex());
+        madeDistinct = static_cast<std::size_t>(context.engineControl().numberOfNamesMadeDistinct);
+    }
+    showProblemBar();
 }
+
+/// How many items can't be renamed as shown, with the ways to them; else how many names were changed because
+/// they would have been the same. It stops nothing.
+void PreviewPane::showProblemBar() {
+    const std::size_t problems = model->problems().size();
+    BarMessage message;
+    message.objectName = "problemBar";
+    message.isLasting = true;
+    if (problems > 0) {
+        message.kind = BarMessage::Kind::failure;
+        message.bold = counted(problems, tr("1 item cannot be renamed as shown."),
+                               tr("%L1 items cannot be renamed as shown."));
+        message.buttons = {
+            {"previousProblemButton", tr("↑"), [this] { goToProblem(false); },
+             tr("Previous problem (Shift+F8)")},
+            {"nextProblemButton", tr("↓"), [this] { goToProblem(true); }, tr("Next problem (F8)")},
+            {"showOnlyProblems", tr("Show Only These"), [this] { setShow(Show::problems); }}};
+    } else if (madeDistinct > 0) {
+        message.bold =
+            counted(madeDistinct, tr("1 name was made distinct: it would have been the same as another."),
+                    tr("%L1 names were made distinct: they would have been the same."));
+        message.buttons = {{"showOnlyDistinct", tr("Show Only These"), [this] {
+                                showWhere(tr("Show: Made Distinct"),
+                                          [](const NodeRow& row) { return row.madeDistinct; });
+                            }}};
+    } else {
+        bars->hideProblems();
+        return;
+    }
+    bars->showProblems(message);
+    tellProblem();
+}
+
+/// The reason of the row in hand, else which is the next with one.
+void PreviewPane::tellProblem() {
+    const std::size_t problems = model->problems().size();
+    if (problems == 0)
+        return;
+    const int current = view->currentIndex().row();
+    const bool isThis = current >= 0 && model->hasProblem(idAt(current));
+    const int row = isThis ? current : problemBehind(current, true);
+    QString told;
+    if (row >= 0) {
+        const PreviewList::Row& item = model->rowAt(row);
+        const QString reason = ShownName::problemNote(item.problem, item.problemDetail);
+        //: %1 is the reason why an item can't be renamed, as a part of a sentence
+        told = isThis ? tr("This one: %1.").arg(reason)
+                      //: %1 is the name of an item, %2 why it can't be renamed
+                      : tr("Next: %1, %2.").arg(model->shownName(item.name), reason);
+    }
+    bars->setProblemTexts(counted(problems, tr("1 item cannot be renamed as shown."),
+                                  tr("%L1 items cannot be renamed as shown.")),
+                          told);
+}
+
+int PreviewPane::problemBehind(int start, bool forward) const {
+    const std::vector<RowId>& rows = model->rowIds();
+    const int count = static_cast<int>(rows.size());
+    for (int step = 1; step <= count; ++step) {
+        const int row = ((forward ? start + step : start - step) % count + count) % count;
+        if (model->hasProblem(rows[static_cast<std::size_t>(row)]))
+            return row;
+    }
+    return -1;
+}
+
+QWidget& PreviewPane::listPages() { return *pages; }
+
+std::size_t PreviewPane::problemCount() const { return model->problems().size(); }
 
 void PreviewPane::forgetPictures() { thumbnails->clear(); }
 
@@ -369,21 +587,57 @@ std::int32_t PreviewPane::itemsToRename() const {
 }
 
 void PreviewPane::setShow(Show what) {
+    isChosen = nullptr;
+    view->setColumnHidden(PreviewTableModel::problem, what != Show::problems);
     model->setShow(what);
     listBar->setShow(what);
+    showPage();
+    sizeColumnsToFit();
+    tellProblem();
+}
+
+void PreviewPane::showWhere(const QString& label, std::function<bool(const NodeRow&)> isWanted) {
+    isChosen = std::move(isWanted);
+    chosenLabel = label;
+    lookForChosen();
+}
+
+void PreviewPane::lookForChosen() {
+    if (!isChosen)
+        return;
+    controller.renameEngine().readRows(
+        [isWanted = isChosen, pane = QPointer(this)](StoreContext& context) -> std::function<void()> {
+            std::vector<RowId> rows;
+            try {
+                std::ranges::copy_if(context.fetch({FetchEntity::file, Predicate::always(), {}}),
+                                     std::back_inserter(rows),
+                                     [&](RowId id) { return isWanted(context.row(id)); });
+            } catch (const StoreError&) {
+                return nullptr;
+            }
+            return [pane, rows = std::move(rows)]() mutable {
+                if (pane && pane->isChosen)
+                    pane->showChosen(std::move(rows));
+            };
+        });
+}
+
+/// All again where no row is left of that kind.
+void PreviewPane::showChosen(std::vector<RowId> rows) {
+    if (rows.empty()) {
+        setShow(Show::all);
+        return;
+    }
+    view->setColumnHidden(PreviewTableModel::problem, true);
+    model->setShowChosen(std::move(rows));
+    listBar->setShow(Show::chosen, chosenLabel);
+    showPage();
 }
 
 void PreviewPane::goToProblem(bool forward) {
-    const std::vector<RowId>& rows = model->rowIds();
-    const int count = static_cast<int>(rows.size());
-    const int start = view->currentIndex().isValid() ? view->currentIndex().row() : -1;
-    for (int step = 1; step <= count; ++step) {
-        const int row = ((forward ? start + step : start - step) % count + count) % count;
-        if (model->hasProblem(rows[static_cast<std::size_t>(row)])) {
-            goTo(row);
-            return;
-        }
-    }
+    const int row = problemBehind(view->currentIndex().isValid() ? view->currentIndex().row() : -1, forward);
+    if (row >= 0)
+        goTo(row);
 }
 
 void PreviewPane::goTo(int row) {
@@ -444,7 +698,6 @@ void PreviewPane::removeSelected() {
 
 /// In front of the row above the first, or behind the row below the last, of those on show.
 void PreviewPane::moveSelection(bool up) {
-    showListIfDue();
     const std::vector<std::size_t> selected = view->selectedRows();
     const std::vector<RowId>& shown = model->rowIds();
     if (selected.empty() || !controller.validateUserInterfaceItem())
@@ -452,7 +705,9 @@ void PreviewPane::moveSelection(bool up) {
     if (up ? selected.front() == 0 : selected.back() + 1 >= shown.size())
         return;
     const DNDArrayController::Place place{shown[up ? selected.front() - 1 : selected.back() + 1], !up};
-    view->reorder([&] { controller.dndArrayController().insertRows(view->selectedIds(), place); });
+    isMoving = true;
+    controller.dndArrayController().insertRows(view->selectedIds(), place);
+    isMoving = false;
 }
 
 std::optional<PreviewList::Row> PreviewPane::currentRow() const {
@@ -486,8 +741,12 @@ void PreviewPane::pasteFiles() {
 }
 
 void PreviewPane::sortByColumn(int column) {
-    if (column == PreviewTableModel::currentName && controller.validateUserInterfaceItem())
-        controller.previewControl().sortByCurrentName();
+    const bool isOn = controller.validateUserInterfaceItem();
+    for (const PreviewColumn each :
+         {PreviewColumn::currentName, PreviewColumn::newName, PreviewColumn::path, PreviewColumn::problem})
+        if (isOn && PreviewTableModel::columnOf(each) == column)
+            controller.previewControl().sortBy(each);
+    showSorting();
 }
 
 } // namespace tavrin

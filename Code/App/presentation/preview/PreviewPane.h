@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <array>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -17,13 +18,14 @@ class QStackedWidget;
 
 namespace tavrin {
 
+class Chip;
+class EmptyView;
 class FindBar;
 class ListBar;
 class FolderOffer;
 class MessageBars;
 class ParameterBinding;
 class PreviewTableView;
-class ProblemBar;
 class StatusRow;
 class ThumbnailLoader;
 class WindowCommands;
@@ -47,12 +49,21 @@ class PreviewPane final : public QWidget {
     void previewFinished();
     /// Takes over what the progress record displays: bar and status line.
     void refreshProgress();
+    /// A run shows in the list, in which nothing can be changed until it ends.
+    void beginRun();
+    void focusList();
+    void endRun();
+    /// Whether the run waits for an answer.
+    void setWaiting(bool waits);
     void selectPreviewTab(PreviewTab tab);
     /// A run has moved pictures to other names.
     void forgetPictures();
     /// The messages below the list.
     [[nodiscard]] MessageBars& messageBars() { return *bars; }
     void pathsAdded(const std::vector<std::string>& paths);
+    /// What stands between the bars: the table, or what takes its place.
+    [[nodiscard]] QWidget& listPages();
+    [[nodiscard]] std::size_t problemCount() const;
     void enterDropletEditMode();
     /// Whether the window is so low that the rows around the list had better be, too.
     void setLow(bool isLow);
@@ -64,6 +75,8 @@ class PreviewPane final : public QWidget {
     [[nodiscard]] std::int32_t itemsToRename() const;
     /// What of the list shows: a view only, all items take part all the same.
     void setShow(Show what);
+    /// The rows that are so, also after later previews, until another choice is made. The label says it.
+    void showWhere(const QString& label, std::function<bool(const NodeRow&)> isWanted);
     void goToProblem(bool forward);
     /// "current name, tab, new name" of the selected rows to the clipboard.
     void copySelected();
@@ -83,20 +96,31 @@ class PreviewPane final : public QWidget {
     void listenToSettings();
     void applyRowHeight();
     void sortByColumn(int column);
-    void showProblems();
+    void showSorting();
+    void countProblems();
+    void showProblemBar();
+    void tellProblem();
+    [[nodiscard]] int problemBehind(int row, bool forward) const;
+    void lookForChosen();
+    void showChosen(std::vector<RowId> rows);
+    /// Scrolls to what was added, if that is awaited and there.
+    bool scrollToArrivals();
     void removeSelected();
     /// Moves the selected rows by one place, which makes the order one by hand.
     void moveSelection(bool up);
     void openCurrent();
     void pasteFiles();
     void offerCommands(const QPoint& place);
-    void showPage(bool isEmpty);
-    void showListIfDue();
+    /// The table, the invitation of an empty list, or why nothing shows.
+    void showPage();
+    [[nodiscard]] QWidget* pageDue();
+    [[nodiscard]] bool explainHiddenItems();
     [[nodiscard]] RowId idAt(int row) const;
     [[nodiscard]] std::optional<PreviewList::Row> currentRow() const;
     /// Where these rows are now.
     [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
     void goTo(int row);
+    void goToFailed();
     void revealForQuestion(const std::string& path);
     [[nodiscard]] std::vector<QRect> rowsInView(const QuestionText::Rows& rows) const;
 
@@ -108,14 +132,23 @@ class PreviewPane final : public QWidget {
     PreviewTableView* view;
     ListBar* listBar;
     FindBar* findBar;
-    QStackedWidget* pages; ///< the table, or the invitation
+    QStackedWidget* pages; ///< of which one stands in the place of the list
+    QWidget* invitation = nullptr;
+    EmptyView* emptyView;
     MessageBars* bars;
     FolderOffer* folderOffer;
-    ProblemBar* problemBar;
     StatusRow* statusRow;
     SlicedWork longWork;
     QTimer scrollRest;
-    bool isListDue = false; ///< the rows have been put in another order, which does not show yet
+    bool isRunShown = false;
+    bool isWaiting = false;
+    Chip* sortingChip;
+    std::vector<SortDescriptor> shownOrder;
+    bool isMoving = false;               ///< rows by keys
+    std::optional<RowId> arrivalsBehind; ///< the last row that was there before
+    std::function<bool(const NodeRow&)> isChosen;
+    QString chosenLabel;
+    std::size_t madeDistinct = 0;
     std::unique_ptr<ParameterBinding> thumbnailBinding;
     std::shared_ptr<void> invisiblesObservation;
     std::array<std::pair<int, int>, PreviewTableModel::columnCount_> widthLimits{};

@@ -1,5 +1,6 @@
 #include "presentation/preview/PreviewTableModel.h"
 
+#include "engine/pipeline/RenameEngine.h"
 #include "presentation/QtText.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/ThumbnailLoader.h"
@@ -26,7 +27,8 @@ const std::array<const char*, 4> stateWords{QT_TRANSLATE_NOOP("tavrin::PreviewTa
 } // namespace
 
 PreviewTableModel::PreviewTableModel(WindowServices shared, ThumbnailLoader& loader, QObject* parent)
-    : QAbstractTableModel(parent), services(shared), thumbnails(loader) {}
+    : QAbstractTableModel(parent), services(shared), thumbnails(loader),
+      marks(shared.controller.renameEngine().runOutcomes(), shared.controller.nodeController()) {}
 
 // --- What there is ---
 
@@ -38,11 +40,16 @@ std::vector<RowId> PreviewTableModel::wantedIds() const {
     case Show::toBeRenamed:
         return list.changingRows();
     case Show::problems:
+    case Show::notRenamed:
+    case Show::chosen:
         break;
     }
+    const std::vector<RowId>& among = shown == Show::problems ? rowsWithProblems
+                                      : shown == Show::chosen ? chosen
+                                                              : marks.notRenamed();
     std::vector<RowId> wanted;
     std::ranges::copy_if(list.arrangedObjects(), std::back_inserter(wanted),
-                         [this](RowId id) { return hasProblem(id); });
+                         [&](RowId id) { return std::ranges::binary_search(among, id); });
     return wanted;
 }
 
@@ -76,6 +83,11 @@ void PreviewTableModel::setProblems(std::vector<RowId> found) {
 void PreviewTableModel::setShow(Show what) {
     shown = what;
     listChanged();
+}
+
+void PreviewTableModel::setShowChosen(std::vector<RowId> rows) {
+    chosen = std::move(rows);
+    setShow(Show::chosen);
 }
 
 void PreviewTableModel::setShowsThumbnails(bool on) {
@@ -166,6 +178,16 @@ QString PreviewTableModel::shownName(const std::u16string& name) const {
     return ShownName::of(name, showsInvisibles);
 }
 
+/// From the folder that all lie in, so that what tells them apart is in sight; whole where that is the root,
+/// or where all lie in one.
+QString PreviewTableModel::folderOf(const PreviewList::Row& row) const {
+    std::string_view place = PathParts(row.fullPath).folder;
+    const RowFolders& all = services.controller.previewControl().listFolders();
+    if (all.count > 1 && all.common.size() > 1 && place.starts_with(all.common))
+        place = place.size() == all.common.size() ? "." : place.substr(all.common.size() + 1);
+    return shownName(text::fromBytes(place));
+}
+
 QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) const {
     switch (column) {
     case currentName:
@@ -175,7 +197,9 @@ QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) cons
     case state:
         return QString::fromUtf8(stateSymbols[static_cast<std::size_t>(stateOf(row))]);
     case folder:
-        return shownName(text::fromBytes(PathParts(row.fullPath).folder));
+        return folderOf(row);
+    case problem:
+        return ShownName::problemNote(row.problem, row.problemDetail);
     default:
         if (column >= regex1 && column <= regex6 && row.regex)
             return shownName((*row.regex)[static_cast<std::size_t>(column - regex1)]);
@@ -187,12 +211,30 @@ QString PreviewTableModel::toolTip(const PreviewList::Row& row) const {
     QString text = shownName(row.name).toHtmlEscaped();
     if (row.diff)
         text += "<br>\u2192 " + shownName(row.finalName).toHtmlEscaped();
-    if (!row.problemMessage.empty())
+    if (const QString reason = marks.reasonOf(row); !reason.isEmpty())
+        text += "<br><b>" + reason.toHtmlEscaped() + "</b>";
+    else if (!row.problemMessage.empty())
         text += "<br><b>" + tr(row.problemMessage.c_str()).toHtmlEscaped() + "</b>";
     else if (row.madeDistinct)
         text += "<br>" + tr("made distinct, since another item has the same name");
     const QString bytes = ShownName::bytesNote(row.name);
     return bytes.isEmpty() ? text : text + "<br>" + bytes.toHtmlEscaped();
+}
+
+QString PreviewTableModel::spokenState(const PreviewList::Row& row) const {
+    switch (marks.outcomeOf(row)) {
+    case RunOutcome::inHand:
+        return tr("in hand");
+    case RunOutcome::done:
+        return tr("done");
+    case RunOutcome::failed:
+        return tr("not renamed: %1").arg(marks.reasonOf(row));
+    case RunOutcome::leftOut:
+        return tr("left out");
+    case RunOutcome::open:
+        break;
+    }
+    return tr(stateWords[static_cast<std::size_t>(stateOf(row))]);
 }
 
 QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
@@ -205,16 +247,20 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case Qt::DecorationRole:
         return index.column() == icon ? thumbnails.imageFor(row, showsThumbnails) : QVariant();
     case Qt::ToolTipRole:
-        return toolTip(row);
+        return index.column() == folder
+                   ? shownName(text::fromBytes(PathParts(row.fullPath).folder)).toHtmlEscaped()
+                   : toolTip(row);
     case Qt::TextAlignmentRole:
         return index.column() == state ? QVariant(Qt::AlignCenter) : QVariant();
     case Qt::AccessibleTextRole:
-        return tr("%1, new name %2, %3")
-            .arg(shownName(row.name), shownName(row.finalName),
-                 tr(stateWords[static_cast<std::size_t>(stateOf(row))]));
+        return tr("%1, new name %2, %3").arg(shownName(row.name), shownName(row.finalName), spokenState(row));
     case stateRole:
         return static_cast<int>(stateOf(row));
+    case outcomeRole:
+        return static_cast<int>(marks.outcomeOf(row));
     case reasonRole:
+        if (QString reason = marks.reasonOf(row); !reason.isEmpty())
+            return reason;
         return ShownName::problemNote(row.problem, row.problemDetail);
     case rowIdRole:
         return row.id;
@@ -238,6 +284,8 @@ QVariant PreviewTableModel::headerData(int section, Qt::Orientation orientation,
         return tr("New Name");
     case folder:
         return tr("Folder");
+    case problem:
+        return tr("Problem");
     default:
         return section >= regex1 && section <= regex6 ? QString("$%1").arg(section - regex1 + 1) : QString();
     }
@@ -257,6 +305,8 @@ PreviewTableModel::Column PreviewTableModel::columnOf(PreviewColumn column) {
         return currentName;
     case PreviewColumn::newName:
         return newName;
+    case PreviewColumn::problem:
+        return problem;
     case PreviewColumn::regex1:
     case PreviewColumn::regex2:
     case PreviewColumn::regex3:

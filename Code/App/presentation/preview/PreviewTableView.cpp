@@ -65,12 +65,6 @@ std::vector<RowId> PreviewTableView::selectedIds() const {
     return ids;
 }
 
-void PreviewTableView::reorder(const std::function<void()>& work) {
-    reorders = true;
-    work();
-    reorders = false;
-}
-
 QModelIndex PreviewTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
     if (action != MoveHome && action != MoveEnd)
         return QTableView::moveCursor(action, modifiers);
@@ -171,7 +165,7 @@ void PreviewTableView::dropEvent(QDropEvent* event) {
         if (!shown.empty())
             place = row < shown.size() ? DNDArrayController::Place{shown[row]}
                                        : DNDArrayController::Place{shown.back(), true};
-        reorder([&] { dragging.acceptRows(place); });
+        dragging.acceptRows(place);
     } else if (!areRows) {
         const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
         event->setAccepted(!paths.empty());

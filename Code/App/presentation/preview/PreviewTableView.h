@@ -3,7 +3,6 @@
 #include "shell/preview/DNDArrayController.h"
 
 #include <QTableView>
-#include <functional>
 #include <vector>
 
 namespace tavrin {
@@ -24,9 +23,6 @@ class PreviewTableView final : public QTableView {
     [[nodiscard]] std::vector<RowId> selectedIds() const;
     /// -1 where none is.
     [[nodiscard]] int firstSelectedRow() const;
-    /// Does what puts the rows in another order.
-    void reorder(const std::function<void()>& work);
-    [[nodiscard]] bool isReordering() const { return reorders; }
 
   signals:
     void removeRequested();      ///< Delete was pressed
@@ -52,7 +48,6 @@ class PreviewTableView final : public QTableView {
     void showMark(int row);
 
     DNDArrayController& dragging;
-    bool reorders = false;
     int markedRow = -1; ///< rows would be dropped in front of it
     bool isTakingFiles = false;
 };

@@ -5,6 +5,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
+#include "presentation/preview/Chip.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
 #include "shell/asking/FrontEnd.h"
@@ -13,12 +14,15 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <algorithm>
 
 namespace tavrin {
 
 namespace {
+
+constexpr int chipGap = 5;
 
 QLabel* plainLabel(const char* name) {
     auto* label = new QLabel;
@@ -38,9 +42,18 @@ StatusRow::StatusRow(MainController& owner)
     pages->setObjectName("previewAndProgressBarTabView");
     pages->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     pages->addWidget(makeProgressPage());
-    pages->addWidget(statusText);
+    auto* page = new QWidget;
+    statusPage = new QHBoxLayout(page);
+    statusPage->setContentsMargins(0, 0, 0, 0);
+    statusPage->setSpacing(chipGap);
+    statusPage->addWidget(statusText);
+    statusPage->addStretch(1);
+    pages->addWidget(page);
+    runPage = makeRunPage();
+    pages->addWidget(runPage);
     // A reason can be longer than the window is wide.
-    statusText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusText->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    statusText->setMinimumWidth(1);
     // At the beginning of the row, whichever way its own words run.
     statusText->setAlignment((QGuiApplication::isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) |
                              Qt::AlignVCenter);
@@ -75,6 +88,7 @@ void StatusRow::addOrderButtons() {
         button->setToolTip(tip);
         button->setAutoExclusive(true);
         layout()->addWidget(button);
+        orderButtons.push_back(button);
         connect(button, &QToolButton::clicked, this, [&settings, isAutomatic] {
             if (settings.values().automaticSorting != isAutomatic)
                 settings.setAutomaticSorting(isAutomatic);
@@ -92,6 +106,8 @@ void StatusRow::addOrderButtons() {
     });
 }
 
+void StatusRow::addChip(Chip* chip) { statusPage->insertWidget(statusPage->count() - 1, chip); }
+
 void StatusRow::refreshProgress() {
     const ProgressInfo& progress = controller.progressInfo();
     progressBar->setRange(0, progress.isIndeterminate() ? 0 : std::max(1, progress.numberOfItems()));
@@ -101,6 +117,45 @@ void StatusRow::refreshProgress() {
     statusText->setToolTip(toQString(progress.stageText()).toHtmlEscaped());
 }
 
-void StatusRow::selectPreviewTab(PreviewTab tab) { pages->setCurrentIndex(static_cast<int>(tab)); }
+void StatusRow::selectPreviewTab(PreviewTab wanted) {
+    tab = wanted;
+    if (pages->currentWidget() != runPage)
+        pages->setCurrentIndex(static_cast<int>(tab));
+}
+
+QWidget* StatusRow::makeRunPage() {
+    auto* page = new QWidget;
+    runText = plainLabel("runStatusText");
+    showFailed = new QPushButton;
+    showFailed->setObjectName("showFailedItem");
+    showFailed->setIcon(GlyphIcon::of(Glyph::problem));
+    showFailed->setAutoDefault(false);
+    connect(showFailed, &QPushButton::clicked, this, &StatusRow::failedItemWanted);
+    auto* row = new QHBoxLayout(page);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(runText);
+    row->addWidget(showFailed);
+    row->addStretch(1);
+    return page;
+}
+
+void StatusRow::showRun(const std::optional<std::size_t>& failed, bool isWaiting) {
+    for (QWidget* button : orderButtons)
+        button->setEnabled(!failed);
+    if (!failed) {
+        pages->setCurrentIndex(static_cast<int>(tab));
+        return;
+    }
+    if (isWaiting)
+        runText->setText(tr("Waiting for your answer."));
+    else
+        runText->setText(*failed == 0 ? tr("Nothing has failed so far.")
+                                      : counted(*failed, tr("1 item was not renamed so far."),
+                                                tr("%L1 items were not renamed so far.")));
+    //: Of an item that was not renamed
+    showFailed->setText(*failed == 1 ? tr("Sho&w It") : tr("Sho&w the Next"));
+    showFailed->setVisible(*failed > 0);
+    pages->setCurrentWidget(runPage);
+}
 
 } // namespace tavrin

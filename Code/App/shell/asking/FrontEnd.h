@@ -86,6 +86,23 @@ struct FailureReport {
 };
 [[nodiscard]] std::string notRenamedText(std::size_t count);
 
+/// How a run has ended.
+struct RunReport {
+    RunKind what = RunKind::rename;
+    std::size_t changed = 0;    ///< names
+    std::size_t notRenamed = 0; ///< items that failed, told on the way or not
+    std::size_t untouched = 0;  ///< items that a stopped run has not come to
+    bool wasStopped = false;
+    bool wasClosed = false;   ///< the user has closed the window in the middle of it
+    bool endsProgram = false; ///< the application ends when this is read, unless the user wants it to stay
+    bool clearsList = false;
+    std::string run = {};                     ///< what the history calls it; empty: it was not recorded
+    std::string summary = {};                 ///< what was done, in a sentence
+    std::string details = {};                 ///< how far it came, where it was cut by the end of the window
+    std::vector<ProcessingError> errors = {}; ///< those that have not been told during the run
+};
+enum class ReportAnswer { close, keepOpen, undoAndQuit };
+
 struct FilesToAdd {
     std::vector<std::string> paths; ///< absolute, in bytes
     std::string folder;             ///< the one that the panel shows in the end
@@ -141,7 +158,18 @@ struct FetchedAddress {
 
 enum class MainTab { interface = 0, progress = 1 };
 enum class PreviewTab { progressBar = 0, status = 1 };
-enum class PreviewColumn { path, currentName, newName, regex1, regex2, regex3, regex4, regex5, regex6 };
+enum class PreviewColumn {
+    path,
+    currentName,
+    newName,
+    regex1,
+    regex2,
+    regex3,
+    regex4,
+    regex5,
+    regex6,
+    problem,
+};
 
 /// All that the application needs of whatever stands in front of it: to show, and to ask. Texts are UTF-8,
 /// paths are bytes. Called on the main thread only; every call returns at once, no call waits in an event
@@ -160,6 +188,9 @@ class FrontEnd {
     /// A question of a run. The answer is one that it allows; a handler that is dropped stands for "stop".
     virtual void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) = 0;
     virtual void showProcessingErrors(const FailureReport& report, std::function<void()> closed) = 0;
+    /// The end of a run. The answer counts where it ends the program; one that is dropped stands for "close".
+    /// The default shows the failures, or else an alert with the summary.
+    virtual void showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer);
     /// Closes the questions of a run that are open, as answered with "stop".
     virtual void withdrawQuestions() {}
     /// Called with nothing when the user cancels, as below.

@@ -1,5 +1,6 @@
 #include "shell/preview/DNDArrayController.h"
 
+#include "engine/pipeline/RenameEngine.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/commands/SourceCommands.h"
 #include "shell/preview/PreviewControl.h"
@@ -56,6 +57,23 @@ std::vector<std::int32_t> placesById(const std::vector<RowId>& order) {
     return places;
 }
 
+/// Writes them by ascending id, which is the quickest, and not all at once, so that nobody waits long for the
+/// main context. Why it failed, or nothing.
+std::string renumber(StoreContext& context, const std::vector<std::int32_t>& places) {
+    try {
+        for (RowId id = 0; id < places.size(); ++id) {
+            if (places[id] >= 0 && context.exists(id) && context.row(id).manualOrder != places[id])
+                context.change(id).manualOrder = places[id];
+            if (id % idsAtOnce == idsAtOnce - 1)
+                context.commit();
+        }
+        context.commit();
+        return {};
+    } catch (const StoreError& error) {
+        return error.what();
+    }
+}
+
 } // namespace
 
 bool DNDArrayController::writeRows(std::vector<RowId> rows) {
@@ -88,8 +106,6 @@ void DNDArrayController::cancelDrag() {
 }
 
 void DNDArrayController::insertRows(const std::vector<RowId>& moved, Place place) {
-    if (!renumbering.expired())
-        units.sources.finishWork();
     units.preview.finishRefresh();
     const std::vector<RowId>& rows = units.preview.nodeController().arrangedObjects();
     const auto found = std::ranges::find(rows, place.row);
@@ -98,34 +114,24 @@ void DNDArrayController::insertRows(const std::vector<RowId>& moved, Place place
     const auto index =
         static_cast<std::size_t>(found - rows.begin()) + (found != rows.end() && place.isBehind);
     debugLog("index set: {} of {} rows to {}", moved.size(), rows.size(), index);
-    const auto token = std::make_shared<char>();
-    renumbering = token;
-    units.sources.begin(
-        [this, token, places = placesById(rearranged(rows, moved, index)), next = RowId{0}]() mutable {
-            if (next < places.size() && renumber(places, next))
-                return true;
-            services.settings.setAutomaticSorting(false);
-            units.preview.refreshPreviewSoon();
-            return false;
-        });
-}
-
-/// Some rows, from the next id on: in this order they are the quickest to write. False when the store fails.
-bool DNDArrayController::renumber(const std::vector<std::int32_t>& places, RowId& next) {
-    try {
-        StoreContext& context = units.store.managedObjectContext();
-        const std::lock_guard lock(context.mutex());
-        const std::size_t end = std::min(next + idsAtOnce, places.size());
-        for (; next < end; ++next)
-            if (const std::int32_t place = places[next];
-                place >= 0 && context.exists(next) && context.row(next).manualOrder != place)
-                context.change(next).manualOrder = place;
-        context.commit();
-        return true;
-    } catch (const StoreError& error) {
-        services.frontEnd.presentError(error.what());
-        return false;
-    }
+    std::vector<RowId> order = rearranged(rows, moved, index);
+    units.preview.holdOrder(order);
+    const auto written = [this](int number, const std::string& failure) {
+        if (!failure.empty())
+            services.frontEnd.presentError(failure);
+        if (number == *lastOrder)
+            units.preview.releaseOrder();
+    };
+    const ItemStore* const store = &units.store.managedObjectContext().store();
+    services.engine.changeRows([last = lastOrder, number = ++*lastOrder, order = std::move(order), written,
+                                store](StoreContext& context) -> std::function<void()> {
+        // The next one in line has it all; another store has other rows.
+        if (number != *last || &context.store() != store)
+            return nullptr;
+        std::string failure = renumber(context, placesById(order));
+        return [written, number, failure = std::move(failure)] { written(number, failure); };
+    });
+    services.settings.setAutomaticSorting(false);
 }
 
 bool DNDArrayController::deleteRowsIfAppropriate() {

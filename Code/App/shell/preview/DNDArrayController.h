@@ -3,6 +3,7 @@
 #include "shell/commands/ShellServices.h"
 #include "store/rows/NodeRow.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -40,9 +41,10 @@ class DNDArrayController {
     void acceptFiles(const std::vector<std::string>& paths);
     /// The rows being dragged were dropped there.
     void acceptRows(Place place);
-    /// Renumbers all rows, also those that are not on show, the moved ones at their new place in the order
-    /// that they had, and switches automatic sorting off; of many rows, the last later, between other events.
-    /// Does nothing when the row of the place is gone.
+    /// Puts the moved rows, in the order that they had, at their new place among all rows, also those that
+    /// are not on show, and switches automatic sorting off. The list shows it at once; the rows get their
+    /// numbers on another thread, before any preview that is asked for from now on. Does nothing when the row
+    /// of the place is gone.
     void insertRows(const std::vector<RowId>& moved, Place place);
     /// A drag that began here has ended: rows that were dropped nowhere leave the list. Whether any did.
     bool deleteRowsIfAppropriate();
@@ -52,13 +54,12 @@ class DNDArrayController {
     [[nodiscard]] std::vector<RowId> filterOutInappropriateRows(const std::vector<RowId>& rows);
 
   private:
-    bool renumber(const std::vector<std::int32_t>& places, RowId& next);
-
     ShellServices& services;
     Units units;
     bool shouldDeleteRows = false;
     std::vector<RowId> draggedRows;
-    std::weak_ptr<void> renumbering; ///< lives while rows are being renumbered
+    /// Of the orders that are on their way into the store, the number of the last; workers read it.
+    std::shared_ptr<std::atomic<int>> lastOrder = std::make_shared<std::atomic<int>>(0);
 };
 
 } // namespace tavrin

@@ -59,6 +59,22 @@ const std::string manualSortingActionText =
 constexpr std::array regexColumns{PreviewColumn::regex1, PreviewColumn::regex2, PreviewColumn::regex3,
                                   PreviewColumn::regex4, PreviewColumn::regex5, PreviewColumn::regex6};
 
+constexpr std::int32_t byNameAscending = SortBasedAction::smartNameSorting;
+constexpr std::int32_t byNameDescending = 11;
+
+NodeKey keyOf(PreviewColumn column) {
+    switch (column) {
+    case PreviewColumn::newName:
+        return NodeKey::finalName;
+    case PreviewColumn::path:
+        return NodeKey::folder;
+    case PreviewColumn::problem:
+        return NodeKey::problem;
+    default:
+        return NodeKey::smartName;
+    }
+}
+
 /// The one action that reports what its pattern captured.
 constexpr std::string_view capturingAction = "Reg Ex Substitution";
 
@@ -99,7 +115,7 @@ void PreviewControl::showPreview() {
 
 void PreviewControl::showOrHideColumns() {
     FrontEnd& frontEnd = services.frontEnd;
-    frontEnd.setColumnHidden(PreviewColumn::path, services.settings.values().shouldShowPath == 0);
+    showOrHideFolders();
     frontEnd.setColumnHidden(PreviewColumn::currentName,
                              services.settings.values().shouldShowCurrentName == 0);
     const bool captures = services.composite.getCurrentAction().actionName() == capturingAction;
@@ -121,6 +137,8 @@ void PreviewControl::refreshPreview() {
     debugLog("--------------------------------------------------------");
     isRefreshDue = false;
     services.frontEnd.selectPreviewTab(PreviewTab::status);
+    if (!isOrderOnItsWay)
+        list.release();
     prepareList();
     lastCurrentStep = &services.composite.getCurrentAction();
     list.fetch();
@@ -158,32 +176,114 @@ void PreviewControl::prepareList() {
 }
 
 void PreviewControl::setSortOrder(const BaseRenameAction& current) {
+    if (!lastActionThatWasPreviewed || lastActionThatWasPreviewed->identity != &current)
+        view.reset();
+    setOwnOrder(current);
+    std::vector<SortDescriptor> order = ownOrder;
+    if (view)
+        order.insert(order.begin(), {keyOf(view->column), view->isAscending});
+    list.setSortDescriptors(std::move(order));
+}
+
+void PreviewControl::setOwnOrder(const BaseRenameAction& current) {
     const std::optional<PreviewedAction>& last = lastActionThatWasPreviewed;
     if (!services.settings.values().automaticSorting) {
-        list.setSortDescriptors({{NodeKey::manualOrder, true}});
+        ownOrder = {{NodeKey::manualOrder, true}};
     } else if (last && last->identity == &current) {
         return;
     } else if (const auto* sortBased = dynamic_cast<const SortBasedAction*>(&current)) {
-        list.setSortDescriptors(RenameEngineUtilities::sortDescriptorsOf(*sortBased));
+        ownOrder = RenameEngineUtilities::sortDescriptorsOf(*sortBased);
     } else if (!last || last->isSortBased) {
-        list.setSortDescriptors({{NodeKey::smartName, true}});
+        ownOrder = {{NodeKey::smartName, true}};
     }
 }
 
-void PreviewControl::sortByCurrentName() {
-    constexpr std::int32_t ascending = 10;
-    constexpr std::int32_t descending = 11;
-    if (auto* sortBased = dynamic_cast<SortBasedAction*>(&services.composite.getCurrentAction())) {
-        const bool isAscending = sortBased->getSortingMode() == ascending;
-        sortBased->setValue(isAscending ? descending : ascending, "sortingMode");
+void PreviewControl::sortBy(PreviewColumn column) {
+    prepareList(); // another step may have become the current one since
+    const bool isByName = column == PreviewColumn::currentName;
+    auto* step = dynamic_cast<SortBasedAction*>(&services.composite.getCurrentAction());
+    if (isByName && step && services.settings.values().automaticSorting && !view) {
+        sortStepByCurrentName(*step);
         return;
     }
-    if (!services.settings.values().automaticSorting)
-        return;
-    const bool isAscending =
-        list.sortDescriptors() == std::vector<SortDescriptor>{{NodeKey::smartName, true}};
-    list.setSortDescriptors({{NodeKey::smartName, !isAscending}});
+    const bool isInThatOrder =
+        isByName && ownOrder == std::vector<SortDescriptor>{{NodeKey::smartName, true}};
+    if (!view || view->column != column)
+        view = Sorting{column, !isInThatOrder, true};
+    else if (view->isAscending)
+        view->isAscending = false;
+    else
+        view.reset();
     refreshPreviewSoon();
+}
+
+void PreviewControl::sortStepByCurrentName(SortBasedAction& step) {
+    const std::int32_t mode = step.getSortingMode();
+    std::int32_t next = byNameAscending;
+    if (mode == byNameAscending) {
+        next = byNameDescending;
+    } else if (mode != byNameDescending) {
+        modeBeforeClicks = {&step, mode};
+    } else if (modeBeforeClicks.first == &step) {
+        next = modeBeforeClicks.second;
+        modeBeforeClicks = {};
+    }
+    step.setValue(next, "sortingMode");
+}
+
+void PreviewControl::endSorting() {
+    view.reset();
+    refreshPreviewSoon();
+}
+
+std::optional<PreviewControl::Sorting> PreviewControl::sorting() const {
+    if (view)
+        return view;
+    const auto* step = dynamic_cast<const SortBasedAction*>(&services.composite.getCurrentAction());
+    if (!step || !services.settings.values().automaticSorting)
+        return std::nullopt;
+    const std::int32_t mode = step->getSortingMode();
+    if (mode != byNameAscending && mode != byNameDescending)
+        return std::nullopt;
+    return Sorting{PreviewColumn::currentName, mode == byNameAscending, false};
+}
+
+void PreviewControl::holdOrder(std::vector<RowId> rows) {
+    isOrderOnItsWay = true;
+    view.reset();
+    list.hold(std::move(rows));
+    services.frontEnd.previewListChanged();
+}
+
+void PreviewControl::releaseOrder() {
+    isOrderOnItsWay = false;
+    refreshPreviewSoon();
+}
+
+// ---- the folders
+
+void PreviewControl::setListFolders(const RowFolders& found) {
+    folders = found;
+    if (folders.count == 0)
+        hiddenFolders.reset();
+    showOrHideFolders();
+}
+
+bool PreviewControl::isFolderColumnShown() const {
+    return services.settings.values().shouldShowPath != 0 ||
+           (folders.count > 1 && hiddenFolders != store.generation());
+}
+
+void PreviewControl::showFolderColumn(bool isShown) {
+    hiddenFolders = isShown ? std::nullopt : std::optional(store.generation());
+    if (isShown != isFolderColumnShown())
+        services.settings.setValue(isShown ? 1 : 0, "showPath");
+    showOrHideFolders();
+    services.frontEnd.sizeColumnsToFit();
+}
+
+void PreviewControl::showOrHideFolders() {
+    services.frontEnd.setColumnHidden(PreviewColumn::path, !isFolderColumnShown());
 }
 
 void PreviewControl::forgetPreviewedActionIfGone() {

@@ -17,7 +17,9 @@ namespace tavrin {
 class ActionListCommands;
 class BaseAction;
 class BaseRenameAction;
+class SortBasedAction;
 class StoreOwner;
+enum class PreviewColumn;
 
 /// The machine behind the preview: every change leads, after a short delay, to one request; at the end of the
 /// run the list is refetched in its order and the status line is written. Main thread.
@@ -52,10 +54,31 @@ class PreviewControl {
     void finishRefresh();
     /// Writes the status line.
     void showStats();
-    /// Puts the list into the natural order of the current names, or the reverse of it where it is in that
-    /// order. An action that works in an order takes it as its own; else it holds until another action is
-    /// current. A list in manual order keeps that.
-    void sortByCurrentName();
+    /// Orders the list by a column: ascending, descending, and back to the order of numbering. Current names
+    /// become the order of an action that works in one; all else is a view, which holds until another action
+    /// or order is chosen. A long list stays as it is until its new order is there.
+    void sortBy(PreviewColumn column);
+    /// Ends such a view.
+    void endSorting();
+    struct Sorting {
+        PreviewColumn column;
+        bool isAscending;
+        bool isView; ///< the numbers go by another order
+        bool operator==(const Sorting&) const = default;
+    };
+    /// The column that the list is sorted by, if a click on it would turn the order round.
+    [[nodiscard]] std::optional<Sorting> sorting() const;
+
+    /// Shows rows in an order that is on its way into the store, and ends that.
+    void holdOrder(std::vector<RowId> rows);
+    void releaseOrder();
+
+    /// The column of folders shows while the rows lie in several; it can be hidden until the list is empty,
+    /// and "showPath" has it always.
+    void setListFolders(const RowFolders& folders);
+    [[nodiscard]] const RowFolders& listFolders() const { return folders; }
+    [[nodiscard]] bool isFolderColumnShown() const;
+    void showFolderColumn(bool isShown);
 
     /// What the change of an observed value leads to. `object` is null for what is no parameter of an action.
     void observeValueForKeyPath(const std::string& keyPath, const BaseAction* object,
@@ -79,6 +102,9 @@ class PreviewControl {
     void forgetPreviewedActionIfGone();
     void prepareList();
     void setSortOrder(const BaseRenameAction& current);
+    void setOwnOrder(const BaseRenameAction& current);
+    void sortStepByCurrentName(SortBasedAction& step);
+    void showOrHideFolders();
     [[nodiscard]] std::string statusText();
     /// What the preview could not do, with its first reason; empty where all went well.
     [[nodiscard]] std::string failureText();
@@ -91,6 +117,14 @@ class PreviewControl {
     std::function<void()> whenFinished;
     bool followsChanges = true;
     bool isRefreshDue = false;
+    std::vector<SortDescriptor> ownOrder; ///< of the list where no column is clicked
+    std::optional<Sorting> view;
+    bool isOrderOnItsWay = false;
+    /// What clicks have taken from a step, compared only.
+    std::pair<const BaseRenameAction*, std::int32_t> modeBeforeClicks{nullptr, 0};
+    RowFolders folders;
+    /// The list whose folders have been hidden by hand, by the store's generation.
+    std::optional<std::uint64_t> hiddenFolders;
     std::unique_ptr<Timer> previewTimer;
     std::unique_ptr<Timer> longProcessingCheckTimer;
     std::optional<PreviewedAction> lastActionThatWasPreviewed;

@@ -29,12 +29,18 @@ const std::vector<RowId>& PreviewList::arrangedObjects() {
     if (answered && answered->generation != store.generation()) {
         rows.clear();
         answered.reset();
+        isHeld = false;
     }
-    if (isFetchPending) {
+    if (isFetchPending && !isHeld) {
         isFetchPending = false;
         bringUpToDate();
     }
     return rows;
+}
+
+void PreviewList::hold(std::vector<RowId> arranged) {
+    rows = std::move(arranged);
+    isHeld = true;
 }
 
 void PreviewList::bringUpToDate() {

@@ -42,6 +42,9 @@ class PreviewList {
     /// What the rows will be fetched by.
     [[nodiscard]] FetchRequest request() const { return {FetchEntity::file, predicate, order, 0}; }
     void fetch() { isFetchPending = true; }
+    /// Shows these rows, which are on their way into the store in this order, until the release.
+    void hold(std::vector<RowId> arranged);
+    void release() { isHeld = false; }
     /// Whether anybody has ever asked for rows; a program without a window never does.
     [[nodiscard]] bool isLookedAt() const { return hasBeenAsked; }
 
@@ -90,6 +93,7 @@ class PreviewList {
     Predicate predicate = Predicate::always();
     std::vector<SortDescriptor> order;
     bool isFetchPending = false;
+    bool isHeld = false;
     bool hasBeenAsked = false;
     std::vector<RowId> rows;
     std::optional<Question> answered;
