@@ -25,10 +25,10 @@ class ScriptedFrontEnd : public FrontEnd {
     struct Closed {};
     /// The question stays open until answerHeld.
     struct Held {};
-    using Answer =
-        std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice, std::optional<FilesToAdd>,
-                     FileListChoice, std::optional<std::string>, std::optional<std::vector<std::string>>,
-                     FetchedAddress, ReportAnswer, UndoAnswer, InterruptedRunAnswer>;
+    using Answer = std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice, ReportAnswer,
+                                std::optional<FilesToAdd>, FileListChoice, std::optional<std::string>,
+                                std::optional<std::vector<std::string>>, FetchedAddress, UndoAnswer,
+                                InterruptedRunAnswer>;
 
     template <typename Given> using Handler = std::function<void(Given)>;
 
@@ -60,6 +60,7 @@ class ScriptedFrontEnd : public FrontEnd {
     std::function<void(double)> onDividerMoved = [](double) {};
 
     void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
+    void handEditsChanged() override { note("hand edits"); }
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
     void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override {

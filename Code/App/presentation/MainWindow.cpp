@@ -74,9 +74,12 @@ MainWindow::MainWindow(const WindowServices& services)
     connect(windowCommands->clearPreview, &QAction::triggered, this,
             [this] { preview->messageBars().dismiss(RunReportText::barName); });
     connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
-    connect(windowCommands.get(), &WindowCommands::historyWanted, this, &MainWindow::showHistory);
+    connect(windowCommands->showHistory, &QAction::triggered, this, [this] { showHistory({}); });
     connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
-    connect(steps, &StepsPane::changed, this, &MainWindow::refreshCommands);
+    connect(steps, &StepsPane::changed, this, [this] {
+        refreshCommands();
+        arrangeForSize();
+    });
     connect(preview, &PreviewPane::selectionChanged, this, &MainWindow::refreshCommands);
     connect(preview, &PreviewPane::begun, this, [this] {
         settings->focusFirstField();
@@ -87,7 +90,7 @@ MainWindow::MainWindow(const WindowServices& services)
         std::make_unique<RecipeClipboard>(shared, *windowCommands, preview->messageBars(), *steps, *preview);
     keys = std::make_unique<WindowKeys>(
         *this, std::vector<QWidget*>{steps, settings, &preview->listPages(),
-                                     preview->findChild<QWidget*>("messageBars"), bottomRow});
+                                     preview->findChild<QWidget*>("messageBars"), mainTabView});
     speech = std::make_unique<WindowSpeech>(shared, [this] { return preview->problemCount(); });
     setMinimumSize(WindowPlace::least);
     resize(WindowPlace::first(screen()->availableGeometry()).size());
@@ -207,11 +210,11 @@ void MainWindow::setRunShown(bool isShown) {
 
 void MainWindow::setRunning(bool isRunning) {
     windowCommands->setRunning(isRunning);
-    if (history)
-        history->reload();
     speech->runChanged(isRunning, static_cast<std::size_t>(std::max(0, preview->itemsToRename())));
     if (!isRunning)
         preview->forgetPictures(); // which the run has moved to other names
+    if (history)
+        history->reload();
     refreshRenameButton();
 }
 
@@ -226,6 +229,7 @@ void MainWindow::setDividerPosition(double position) {
                       : position <= ActionListCommands::minimumWidth ? firstStepsWidth
                                                                      : static_cast<int>(position);
     steps->setVisible(width > 0);
+    arrangeForSize();
     if (width > 0)
         outerSplitter->setSizes({width, std::max(1, outerSplitter->width() - width)});
     isMovingDivider = false;
@@ -446,7 +450,9 @@ void MainWindow::arrangeBottomRow() {
 }
 
 void MainWindow::arrangeForSize() {
-    const bool isNarrow = width() < narrowWidth;
+    const int beside = steps->isHidden() ? 0 : steps->minimumWidth() + outerSplitter->handleWidth();
+    const int needed = beside + settings->minimumWidth() + innerSplitter->handleWidth() + leastPreviewWidth;
+    const bool isNarrow = width() < std::max(narrowWidth, needed);
     const int highest = height() * 45 / 100;
     settings->setMaximumHeight(isNarrow ? highest : QWIDGETSIZE_MAX);
     preview->setMinimumWidth(isNarrow ? 0 : leastPreviewWidth);

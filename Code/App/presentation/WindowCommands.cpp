@@ -49,6 +49,13 @@ bool performOnText(const char* slot) {
     return QMetaObject::invokeMethod(field, slot);
 }
 
+/// Whether anything is on the list, be it in sight or not.
+bool hasSourceItems(MainController& controller) {
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.sourceItemCount() > 0;
+}
+
 /// "Undo Rename (487 Names, “Lofoten”)".
 QString withDetails(const QString& command, const UndoCommands::Next& next) {
     const QString count = counted(static_cast<std::size_t>(next.count), WindowCommands::tr("1 Name"),
@@ -62,13 +69,6 @@ QString withDetails(const QString& command, const UndoCommands::Next& next) {
     //: The same with both.
     return next.count == 0 ? one.arg(command, quoted)
                            : WindowCommands::tr("%1 (%2, %3)").arg(command, count, quoted);
-}
-
-/// Whether anything is on the list, be it in sight or not.
-bool hasSourceItems(MainController& controller) {
-    StoreContext& context = controller.managedObjectContext();
-    const std::lock_guard lock(context.mutex());
-    return context.sourceItemCount() > 0;
 }
 
 } // namespace
@@ -193,8 +193,7 @@ void WindowCommands::addUndos(QMenu* menu) {
         add(menu, "undoRename", tr("Undo Rename"), QKeySequence("Ctrl+Alt+Z"), [&undos] { undos.undoRun(); });
     QAction* redoRename = add(menu, "redoRename", tr("Redo Rename"), QKeySequence("Ctrl+Alt+Shift+Z"),
                               [&undos] { undos.redoRun(); });
-    add(menu, "showHistory", tr("&History…"), QKeySequence("Ctrl+Shift+H"),
-        [this] { emit historyWanted({}); });
+    showHistory = add(menu, "showHistory", tr("&History…"), QKeySequence("Ctrl+Shift+H"));
     connect(menu, &QMenu::aboutToShow, this, [=, this] {
         describe(*undoRename, RunKind::undo);
         describe(*redoRename, RunKind::redo);

@@ -76,13 +76,12 @@ class WindowCommands final : public QObject {
     QAction* processFolders;
     QAction* processSubfolders;
     QAction* showHelpOnAction;
+    QAction* showHistory;
 
   signals:
     /// Copying and pasting while no field of text has the focus, so that it is about the list.
     void rowsCopied();
     void filesPasted();
-    /// The history, with this run chosen.
-    void historyWanted(const std::string& run);
     /// The same of the keys that undo and redo in text.
     void undoRequested();
     void redoRequested();

@@ -73,7 +73,8 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
                sourceItems,
                mode},
       listCommands(services), recipes(services, listCommands, store), preview(services, store, listCommands),
-      sources(services, store, preview), dragging(services, {store, preview, sources}), notices(services),
+      sources(services, store, preview), hands(services, preview, sources),
+      dragging(services, {store, preview, sources}), notices(services),
       missingTagNotice(
           environment.runLoop,
           [this](std::function<void()> gone) { notices.showTagNotPresentDialog(std::move(gone)); }),
@@ -191,6 +192,11 @@ bool MainController::applicationOpenFiles(const std::vector<std::string>& paths)
 
 bool MainController::addFilePaths(const std::vector<std::string>& paths, bool interactive) {
     return sources.addFilePaths(paths, interactive);
+}
+
+void MainController::lookAgain() {
+    if (!engine.isBusy() && !preview.isPreviewPending() && !sourceItems.isEmpty())
+        engine.processLook();
 }
 
 void MainController::ok() {

@@ -10,9 +10,11 @@
 #include "platform/desktop/DebugManager.h"
 #include "platform/files/FileSystemAccessManager.h"
 #include "shell/asking/ConfirmationFlow.h"
+#include "shell/asking/FrontEnd.h"
 #include "shell/asking/NoticeDialogs.h"
 #include "shell/commands/ActionListCommands.h"
 #include "shell/commands/DropletCommands.h"
+#include "shell/commands/HandEdits.h"
 #include "shell/commands/RecipeCommands.h"
 #include "shell/commands/ShellServices.h"
 #include "shell/commands/SourceCommands.h"
@@ -29,6 +31,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -102,6 +105,9 @@ class MainController : public EngineHost, public ActionObserver {
         engine.rereadAtNextPreview();
         preview.initiateDelayedPreviewUpdate();
     }
+    /// Looks again which new names will be refused, since others may have changed something meanwhile. Reads
+    /// nothing anew; where nothing has changed it costs a call for each folder, on a worker.
+    void lookAgain();
     void ok();
     void applyAndQuit();
     void applyButDontQuit();
@@ -127,6 +133,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] PreviewControl& previewControl() { return preview; }
     [[nodiscard]] PreviewList& nodeController() { return preview.nodeController(); }
     [[nodiscard]] SourceCommands& sourceCommands() { return sources; }
+    [[nodiscard]] HandEdits& handEdits() { return hands; }
     [[nodiscard]] DNDArrayController& dndArrayController() { return dragging; }
     [[nodiscard]] ConfirmationFlow& confirmationFlow() { return confirmation; }
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
@@ -160,7 +167,12 @@ class MainController : public EngineHost, public ActionObserver {
         confirmation.showFileListNotSaved(path, reason);
     }
     void reloadPreview() override { sources.reloadPreview(); }
-    void clearList() override { sources.clearList(); }
+    void tellGone(std::size_t count) override { environment.frontEnd.itemsWereGone(count); }
+    void changePins(std::vector<NamePins::Change> changes) override { hands.change(std::move(changes)); }
+    void clearList() override {
+        hands.drop();
+        sources.clearList();
+    }
     void terminate() override { confirmation.terminateWhenReportIsClosed(); }
     void revealReport(const std::string& path) override;
     void presentNotice(const std::string& text) override;
@@ -197,6 +209,7 @@ class MainController : public EngineHost, public ActionObserver {
     RecipeCommands recipes;
     PreviewControl preview;
     SourceCommands sources;
+    HandEdits hands;
     DNDArrayController dragging;
     NoticeDialogs notices;
     MissingTagNotice missingTagNotice;

@@ -89,6 +89,19 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
     });
 }
 
+void RenameEngine::processLook() {
+    threads.detach([this, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
+        if (ending)
+            return;
+        ProcessingPipeline pipeline(*this);
+        pipeline.addStage(std::make_unique<ResolveFileNameConflictsStage>(
+            *this, ResolveFileNameConflictsStage::Task::foresee));
+        if (pipeline.process())
+            refreshList();
+    });
+}
+
 void RenameEngine::processListRefresh() {
     threads.detach([this] {
         if (!ending)
@@ -208,6 +221,7 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
 void RenameEngine::forgetWhatWasRead(ProgressInfo& progress) {
     ProcessingPipeline cleanUp(*this);
     cleanUp.setProgressInfo(&progress);
+    cleanUp.addStage(std::make_unique<DropGoneItemsStage>(*this));
     cleanUp.addStage(std::make_unique<CleanUpFilesStage>(*this));
     static_cast<void>(cleanUp.process());
     SourceItemManager::sharedInstance().resetCache();
@@ -245,17 +259,28 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
     pipeline->setProgressInfo(progress);
     pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
     pipeline->addStage(std::make_unique<ReadItemsIntoDatabaseStage>(*this));
-    if (given) {
+    if (given)
         pipeline->addStage(std::make_unique<GiveNamesStage>(*this, *given));
-    } else {
-        pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
-        pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
-    }
+    else
+        addNamingStages(*pipeline);
     using Task = ResolveFileNameConflictsStage::Task;
     const bool resolves = pipeline->settingsOfRun().shouldPreviewConflictResolution;
     pipeline->addStage(
         std::make_unique<ResolveFileNameConflictsStage>(*this, resolves ? Task::resolve : Task::foresee));
     return pipeline;
+}
+
+void RenameEngine::addNamingStages(ProcessingPipeline& pipeline) {
+    const NamePins settled = pins();
+    // Once more after the last is gone, for the rows that bear its marks.
+    const bool isByHand = !settled.isEmpty() || hadPins;
+    hadPins = !settled.isEmpty();
+    if (isByHand)
+        pipeline.addStage(std::make_unique<LeaveOutStage>(*this, settled));
+    pipeline.addStage(std::make_unique<AddFileSortingDataStage>(*this));
+    pipeline.addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
+    if (isByHand)
+        pipeline.addStage(std::make_unique<PinNamesStage>(*this, settled));
 }
 
 std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(ProgressInfo* progress,

@@ -37,6 +37,8 @@ class RenameEngine : public EngineState {
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
     void processRenamingPipelineThenContinue(ProgressInfo& progress);
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
+    /// Foresees anew which names the rename will be refused, and has the list refreshed.
+    void processLook();
     /// Has the list on show sorted anew and refreshed, beside all that runs.
     void processListRefresh();
     /// Work on the rows that is done on a thread of its own; what it returns is done on the main thread,
@@ -78,6 +80,7 @@ class RenameEngine : public EngineState {
     createSaveToFileListPipeline(const FileListArguments& arguments);
 
   private:
+    void addNamingStages(ProcessingPipeline& pipeline);
     void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
     void workOnRows(RowWork work, std::shared_ptr<EngineTurns::Turn> turn);
     TakeBackResult takeBack(ProgressInfo& progress, const TakeBackRequest& request);
@@ -90,6 +93,7 @@ class RenameEngine : public EngineState {
 
     EngineTurns engineLock;
     std::unique_ptr<const GivenNames> given; ///< null: the chain makes the names
+    bool hadPins = false;                    ///< at the last preview; under the engine's lock
     std::mutex previewPipelinesWaitingToken;
     std::atomic<int> previewPipelinesWaiting{0};
     std::atomic<bool> ending{false};

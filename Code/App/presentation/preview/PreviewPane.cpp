@@ -7,6 +7,7 @@
 #include "presentation/GlyphIcon.h"
 #include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
+#include "presentation/Spoken.h"
 #include "presentation/WindowColours.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/preview/Chip.h"
@@ -542,7 +543,7 @@ void PreviewPane::tellProblem() {
     QString told;
     if (row >= 0) {
         const PreviewList::Row& item = model->rowAt(row);
-        const QString reason = ShownName::problemNote(item.problem, item.problemDetail);
+        const QString reason = ShownName::note(item.note);
         //: %1 is the reason why an item can't be renamed, as a part of a sentence
         told = isThis ? tr("This one: %1.").arg(reason)
                       //: %1 is the name of an item, %2 why it can't be renamed
@@ -708,6 +709,9 @@ void PreviewPane::moveSelection(bool up) {
     isMoving = true;
     controller.dndArrayController().insertRows(view->selectedIds(), place);
     isMoving = false;
+    if (view->currentIndex().isValid())
+        //: Said when rows have been moved by keys.
+        Spoken::say(tr("now row %L1 of %L2").arg(view->currentIndex().row() + 1).arg(model->rowCount()));
 }
 
 std::optional<PreviewList::Row> PreviewPane::currentRow() const {

@@ -108,7 +108,8 @@ void UndoCommands::takeUp(RunKind what, const std::string& run) {
                 return;
             }
             questionInHand.reset();
-            if (!units.confirmation.endWithoutReport())
+            const bool isIdle = !units.confirmation.currentlyShowingProgressTab();
+            if (isIdle && !units.confirmation.endWithoutReport())
                 return;
             tell(what == RunKind::undo ? "Nothing was undone." : "Nothing was redone.",
                  asSentence(std::get<std::string>(found)));

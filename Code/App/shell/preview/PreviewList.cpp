@@ -138,8 +138,10 @@ std::optional<PreviewList::Row> PreviewList::rowOf(StoreContext& context, RowId 
     row.treatAsFolder = node.treatAsFolder;
     row.root = node.root;
     row.madeDistinct = node.madeDistinct;
+    row.isPinned = node.hasExactName();
+    row.isLeftOut = node.isLeftOut();
     row.problem = node.problem;
-    row.problemDetail = node.problemDetail;
+    row.note = noteOf(context, id);
     if (auto told = problemOf(context, id))
         row.problemMessage = std::move(told->message);
     row.name = context.name(id);
