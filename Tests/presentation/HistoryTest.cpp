@@ -147,8 +147,7 @@ TEST_F(HistoryWindowTest, TellsAtTheStartOfARunThatWasCutOffAndFinishesItAndShow
     answer("finishRun");
     waitUntil("the new names", [this] { return filesOnDisk() == Names{"A", "B"}; });
     waitUntilIdle();
-    const QWidget* bar = findWidget("interruptedRunBar");
-    EXPECT_FALSE(bar && bar->isVisible());
+    waitUntilGone("interruptedRunBar");
 }
 
 } // namespace

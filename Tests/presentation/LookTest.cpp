@@ -70,7 +70,7 @@ class Look : public WindowFixture {
             if (const auto* label = qobject_cast<const QLabel*>(widget); label && !label->text().isEmpty()) {
                 if (label->wordWrap())
                     note(*label, label->heightForWidth(label->width()), label->height());
-                else if (label->sizePolicy().horizontalPolicy() != QSizePolicy::Ignored)
+                else if (label->toolTip().isEmpty()) // what may be of any length has a tip that tells it all
                     note(*label, label->sizeHint().width(), label->width());
             } else if (const auto* button = qobject_cast<const QAbstractButton*>(widget);
                        button && !button->text().isEmpty()) {
