@@ -68,7 +68,11 @@ void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer
 }
 
 void QtFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
-    if (const std::optional<Alert> alert = alertOf(question)) {
+    if (std::optional<Alert> alert = alertOf(question)) {
+        if (std::holds_alternative<NoRecordQuestion>(question))
+            alert->title = QCoreApplication::translate(
+                               "tavrin::QtFrontEnd", "This run can't be recorded, so it could not be undone.")
+                               .toStdString();
         const auto given = [choices = allowedAnswers(question), answer = std::move(answer)](
                                AlertAnswer chosen) { answer(choices[chosen.button]); };
         if (window && !std::holds_alternative<PipelineFailure>(question))
@@ -240,6 +244,8 @@ void QtFrontEnd::terminateAtOnce(int status) {
 }
 
 void QtFrontEnd::selectMainTab(MainTab tab) {
+    if (tab == MainTab::interface)
+        questionCard.end();
     if (window)
         window->selectMainTab(tab);
     if (isRunningDroplet() && !window->services().controller.isSilentDroplet())

@@ -441,6 +441,8 @@ void PreviewPane::refreshProgress() {
 void PreviewPane::beginRun() {
     isRunShown = true;
     model->runMarks().begin();
+    if (model->show() == Show::notRenamed) // which no longer says anything
+        setShow(Show::all);
     listBar->setEnabled(false);
     view->setAcceptDrops(false);
     view->setDragEnabled(false);
