@@ -152,9 +152,12 @@ void QtFrontEnd::askForDropletPath(const std::string& title, const std::string& 
 
 void QtFrontEnd::askToUndo(const UndoQuestion& question, std::function<void(UndoAnswer)> answer) {
     whenShown([this, question, answer = std::move(answer)] {
-        if (window)
-            Card::open(window->questionPlace().over, UndoCard::contentOf(question),
-                       [answer](std::size_t button) { answer(static_cast<UndoAnswer>(button)); });
+        if (!window)
+            return;
+        window->raise(); // it may have come from another of its windows
+        window->activateWindow();
+        Card::open(window->questionPlace().over, UndoCard::contentOf(question),
+                   [answer](std::size_t button) { answer(static_cast<UndoAnswer>(button)); });
     });
 }
 

@@ -201,6 +201,7 @@ void ConfirmationFlow::tellEndOfTakeBack(const TakeBackResult& result) {
 
 bool ConfirmationFlow::endWithoutReport() {
     isReportDue = false;
+    undoBeforeQuit.clear();
     if (const auto tell = std::exchange(tellInstead, nullptr)) {
         tell("Nothing was renamed.");
         return false;
