@@ -117,8 +117,8 @@ void RenameBench::renameOnThisThread() {
     pipeline.setProgressInfo(&host.progress);
     pipeline.addStage(std::make_unique<PrepareForRenamingStage>(host.engine));
     pipeline.addStage(std::make_unique<PerformRenameStage>(host.engine));
-    pipeline.process();
-    checkOutcomes();
+    if (pipeline.process())
+        checkOutcomes();
 }
 
 void RenameBench::checkOutcomes() {

@@ -84,7 +84,9 @@ struct FailureReport {
     std::size_t notRenamed = 0;          ///< all such items, told or not
     std::string done;                    ///< what was done, in a sentence or two
 };
-[[nodiscard]] std::string notRenamedText(std::size_t count);
+[[nodiscard]] inline std::string notRenamedText(std::size_t count) {
+    return count == 1 ? "1 item was not renamed." : std::to_string(count) + " items were not renamed.";
+}
 
 /// How a run has ended.
 struct RunReport {
@@ -210,7 +212,8 @@ class FrontEnd {
     virtual void askToUndo(const UndoQuestion&, std::function<void(UndoAnswer)> answer) {
         answer(UndoAnswer::cancel);
     }
-    /// Told at the start; who does not answer is told at the next one. "Show" may be answered again and again.
+    /// Told at the start; who does not answer is told at the next one. "Show" may be answered again and
+    /// again.
     virtual void tellInterruptedRun(const InterruptedRun&, std::function<void(InterruptedRunAnswer)>) {}
     /// For one or more droplets: their bundle folders, or the launchers that stand for them.
     virtual void askForDroplets(const LocatePanel&,
@@ -272,5 +275,23 @@ class FrontEnd {
     virtual void openAddress(const std::string& /*address*/) {}
     virtual void beep() {}
 };
+
+inline void FrontEnd::showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer) {
+    const auto closed = [answer = std::move(answer)] { answer(ReportAnswer::close); };
+    if (!report.errors.empty()) {
+        const std::string done = report.summary + (report.details.empty() ? "" : " " + report.details);
+        showProcessingErrors({report.errors, report.notRenamed, done}, closed);
+        return;
+    }
+    std::string details = report.details;
+    if (report.notRenamed > 0)
+        details += (details.empty() ? "" : " ") + notRenamedText(report.notRenamed);
+    showAlert({.kind = AlertKind::summary,
+               .style = AlertStyle::informational,
+               .title = report.summary,
+               .text = details,
+               .buttons = {"OK"}},
+              [closed](AlertAnswer) { closed(); });
+}
 
 } // namespace tavrin
