@@ -67,6 +67,8 @@ class EngineTestHost : public EngineHost {
     /// Called with each of them as it happens.
     std::function<void(const std::string&)> onEvent;
     bool isSilent = false;
+    /// Called with what runs find out about names by hand.
+    std::function<void(std::vector<NamePins::Change>)> onPins = [](auto) {};
 
   private:
     std::optional<ItemStore> store;
@@ -117,6 +119,7 @@ class EngineTestHost : public EngineHost {
     void updatePreview() override {
         loop.post([this] { note("updatePreview"); });
     }
+    void changePins(std::vector<NamePins::Change> changes) override { onPins(std::move(changes)); }
     void startProgressWindow() override { note("startProgressWindow"); }
     void stopProgressWindow() override { note("stopProgressWindow"); }
     void refreshPreview() override { note("refreshPreview"); }

@@ -57,6 +57,7 @@ class ScriptedFrontEnd : public FrontEnd {
     std::function<void(double)> onDividerMoved = [](double) {};
 
     void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
+    void handEditsChanged() override { note("hand edits"); }
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
     void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override {

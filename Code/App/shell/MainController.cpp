@@ -72,7 +72,8 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
                sourceItems,
                mode},
       listCommands(services), recipes(services, listCommands, store), preview(services, store, listCommands),
-      sources(services, store, preview), dragging(services, {store, preview, sources}), notices(services),
+      sources(services, store, preview), hands(services, preview, sources),
+      dragging(services, {store, preview, sources}), notices(services),
       missingTagNotice(
           environment.runLoop,
           [this](std::function<void()> gone) { notices.showTagNotPresentDialog(std::move(gone)); }),

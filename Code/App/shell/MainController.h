@@ -13,6 +13,7 @@
 #include "shell/asking/NoticeDialogs.h"
 #include "shell/commands/ActionListCommands.h"
 #include "shell/commands/DropletCommands.h"
+#include "shell/commands/HandEdits.h"
 #include "shell/commands/RecipeCommands.h"
 #include "shell/commands/ShellServices.h"
 #include "shell/commands/SourceCommands.h"
@@ -29,6 +30,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -127,6 +129,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] PreviewControl& previewControl() { return preview; }
     [[nodiscard]] PreviewList& nodeController() { return preview.nodeController(); }
     [[nodiscard]] SourceCommands& sourceCommands() { return sources; }
+    [[nodiscard]] HandEdits& handEdits() { return hands; }
     [[nodiscard]] DNDArrayController& dndArrayController() { return dragging; }
     [[nodiscard]] ConfirmationFlow& confirmationFlow() { return confirmation; }
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
@@ -160,7 +163,11 @@ class MainController : public EngineHost, public ActionObserver {
         confirmation.showFileListNotSaved(path, reason);
     }
     void reloadPreview() override { sources.reloadPreview(); }
-    void clearList() override { sources.clearList(); }
+    void changePins(std::vector<NamePins::Change> changes) override { hands.change(std::move(changes)); }
+    void clearList() override {
+        hands.drop();
+        sources.clearList();
+    }
     void terminate() override { confirmation.terminateWhenReportIsClosed(); }
     void revealReport(const std::string& path) override;
     void presentNotice(const std::string& text) override;
@@ -197,6 +204,7 @@ class MainController : public EngineHost, public ActionObserver {
     RecipeCommands recipes;
     PreviewControl preview;
     SourceCommands sources;
+    HandEdits hands;
     DNDArrayController dragging;
     NoticeDialogs notices;
     MissingTagNotice missingTagNotice;

@@ -105,7 +105,7 @@ void NamesFromRecordStage::makeRow(const Mover& mover) {
     context->setFinalName(row, name);
     NodeRow& values = context->change(row);
     values.diff = true;
-    values.hasExactName = true;
+    values.namedBy = NamedBy::hand;
     if (mover.former != mover.name)
         purpose->formerNames.emplace(row, mover.former);
     if (++rowsMade % rowsPerCommit == 0)

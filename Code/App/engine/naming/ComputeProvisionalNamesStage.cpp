@@ -176,12 +176,16 @@ void ComputeProvisionalNamesStage::processByRank(const std::vector<RowId>& rows)
     std::int32_t rank = 1;
     for (const RowId id : rows) {
         ranks[id - first] = rank;
-        rank += isProcessed(context->treatAsFolder(id)) ? 1 : 0;
+        rank += isProcessed(id) ? 1 : 0;
     }
     for (std::size_t i = 0; i < ranks.size(); ++i) {
         if (ranks[i] != 0)
             processRow(first + static_cast<RowId>(i), ranks[i]);
     }
+}
+
+bool ComputeProvisionalNamesStage::isProcessed(RowId id) const {
+    return (context->treatAsFolder(id) ? processFolders : processFiles) && !context->isLeftOut(id);
 }
 
 void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
@@ -191,7 +195,7 @@ void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
         context->name(id, input.currentName);
     else
         context->finalName(id, input.currentName);
-    const bool counts = isProcessed(context->row(id).treatAsFolder);
+    const bool counts = isProcessed(id);
     if (counts) {
         input.rank = rank;
         runAction(id);
@@ -261,11 +265,13 @@ void ComputeProvisionalNamesStage::storeNewName(RowId id) {
 
 void ComputeProvisionalNamesStage::setDiff(RowId id, bool differs) {
     const NodeRow& present = context->row(id);
-    if (present.diff == differs && !present.madeDistinct)
+    if (present.diff == differs && !present.madeDistinct && !present.hasExactName())
         return;
     NodeRow& row = context->change(id);
     row.diff = differs;
     row.madeDistinct = false;
+    if (row.hasExactName())
+        row.namedBy = NamedBy::steps;
 }
 
 void ComputeProvisionalNamesStage::copyCurrentToNewName() {

@@ -37,7 +37,8 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     /// How many of the rows get a rank.
     [[nodiscard]] std::int32_t countNumbered(const std::vector<RowId>& rows) const;
     void processByRank(const std::vector<RowId>& rows);
-    [[nodiscard]] bool isProcessed(bool isFolder) const { return isFolder ? processFolders : processFiles; }
+    /// Whether steps name the row. All others keep their names and take no rank.
+    [[nodiscard]] bool isProcessed(RowId id) const;
     /// Skipped rows have no use for the rank.
     void processRow(RowId id, std::int32_t rank);
     void runAction(RowId id);

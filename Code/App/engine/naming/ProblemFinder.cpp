@@ -28,6 +28,12 @@ bool isPlain(std::string_view name) {
            (text::isAsciiWithoutNul(name) || (name.find('\0') == name.npos && text::isUtf8(name)));
 }
 
+/// From one row to another as a number for the detail of a problem; 0 where they are too far apart for it.
+std::uint16_t stepTo(RowId from, RowId to) {
+    const std::int64_t step = std::int64_t{to} - from;
+    return step == static_cast<std::int16_t>(step) ? static_cast<std::uint16_t>(step) : 0;
+}
+
 bool holdsSign(std::string_view name) {
     return std::ranges::any_of(name, [](char c) {
         return static_cast<unsigned char>(c) < 0x20 ||
@@ -62,16 +68,20 @@ void ProblemFinder::lookAt(RowId folder, const std::vector<RowId>& children, Nam
 void ProblemFinder::gatherMovers() {
     movers.clear();
     movers.reserve(rows->size()); // room that is not used costs nothing
+    hasExact = false;
     hasRespelledStayer = false;
     hadProblems = false;
     for (std::size_t i = 0; i < rows->size(); ++i) {
         const RowId id = (*rows)[i];
         const NodeRow& row = context.row(id);
         hadProblems |= row.problem != none;
-        if (row.diff && filter.admits(row))
-            movers.push_back({id, static_cast<std::uint32_t>(i), row.kind == FileStatus::Kind::link});
-        else
+        if (row.diff && filter.admits(row)) {
+            movers.push_back(
+                {id, static_cast<std::uint32_t>(i), row.kind == FileStatus::Kind::link, row.hasExactName()});
+            hasExact |= row.hasExactName();
+        } else {
             hasRespelledStayer |= !context.heldFinalName(id).isName;
+        }
     }
 }
 
@@ -111,9 +121,8 @@ VolumeFacts ProblemFinder::volumeOf(std::uint32_t device) {
 void ProblemFinder::judgeName(Mover& mover) {
     StoreContext::HeldName final = context.heldFinalName(mover.row);
     if (!final.hasBytes || !isPlain(final.bytes)) {
-        const bool isExact = context.row(mover.row).hasExactName;
         mover.problem =
-            nameOnDisk::problemOf(context.finalName(mover.row), context.component(mover.row), isExact);
+            nameOnDisk::problemOf(context.finalName(mover.row), context.component(mover.row), mover.isExact);
         final = context.heldFinalName(mover.row); // what was read meanwhile may have paged it out
     }
     if (mover.goes() && !renamesLinks && mover.isLink)
@@ -246,7 +255,7 @@ void ProblemFinder::judgeOwners(OpenFolder& place) {
 
 void ProblemFinder::findTaken(Names names) {
     const bool allGo = std::ranges::all_of(movers, &Mover::goes);
-    if (names == Names::distinct && allGo && !hasRespelledStayer && others.empty())
+    if (names == Names::distinct && allGo && !hasExact && !hasRespelledStayer && others.empty())
         return;
     gatherWishes(names);
     for (const std::string_view name : others)
@@ -257,11 +266,12 @@ void ProblemFinder::findTaken(Names names) {
     std::size_t next = 0;
     for (std::size_t i = 0; i < rows->size(); ++i) {
         const bool isMover = next < movers.size() && movers[next].child == i;
-        const bool stays =
-            isMover ? !movers[next].goes() && !movers[next].isAbsent : names != Names::toBeMadeDistinct;
+        const bool stays = !isMover || (!movers[next].goes() && !movers[next].isAbsent);
+        // What makes way for the item that stays has no problem with it.
+        const bool isForExact = !isMover && names == Names::toBeMadeDistinct;
         next += isMover ? 1 : 0;
-        if (stays && (absent.empty() || !absent[i]))
-            withhold(context.component((*rows)[i]), (*rows)[i]);
+        if (stays && (!isForExact || hasExact) && (absent.empty() || !absent[i]))
+            withhold(context.component((*rows)[i]), (*rows)[i], isForExact);
     }
 }
 
@@ -272,10 +282,11 @@ void ProblemFinder::gatherWishes(Names names) {
             continue;
         nameInHand = wishOf(movers[i]);
         Mover* const other = whoWants(nameInHand);
-        if (other != nullptr && names == Names::toBeMadeDistinct)
-            other->willBeMadeDistinct = true;
+        const bool bothInsist = other != nullptr && other->isExact && movers[i].isExact;
+        if (other != nullptr && names == Names::toBeMadeDistinct && !bothInsist)
+            other->willBeMadeDistinct = !other->isExact;
         else if (other != nullptr)
-            other->problem = movers[i].problem = conflict;
+            findConflict(*other, movers[i]);
         else
             wishes.add(wishes.hashOf(keyOf(nameInHand, sought)), static_cast<std::uint32_t>(i + 1));
     }
@@ -285,12 +296,20 @@ void ProblemFinder::gatherWishes(Names names) {
     }
 }
 
-void ProblemFinder::withhold(std::string_view name, RowId holder) {
+void ProblemFinder::findConflict(Mover& one, Mover& other) {
+    one.problem = other.problem = conflict;
+    one.detail = stepTo(one.row, other.row);
+    other.detail = stepTo(other.row, one.row);
+}
+
+void ProblemFinder::withhold(std::string_view name, RowId holder, bool onlyFromExact) {
     nameInHand = name;
     for (Mover* mover = whoWants(nameInHand);
-         mover != nullptr && mover->goes() && !mover->willBeMadeDistinct && mover->row != holder;
+         mover != nullptr && mover->goes() && !mover->willBeMadeDistinct && mover->row != holder &&
+         (mover->isExact || !onlyFromExact);
          mover = whoWants(nameInHand)) {
         mover->problem = taken;
+        mover->detail = holder == noRow ? 0 : 1;
         holder = mover->row;
         nameInHand = context.component(holder);
     }

@@ -42,8 +42,9 @@ class ProblemFinder {
     /// A child that is to get another name.
     struct Mover {
         RowId row;
-        std::uint32_t child; ///< its place among the children
-        bool isLink = false; ///< when it was read
+        std::uint32_t child;  ///< its place among the children
+        bool isLink = false;  ///< when it was read
+        bool isExact = false; ///< its name gives way to nothing
         NameProblem problem = NameProblem::none;
         std::uint16_t detail = 0;
         bool willBeMadeDistinct = false;
@@ -71,8 +72,9 @@ class ProblemFinder {
     // Who wants a name that stays another item's.
     void findTaken(Names names);
     void gatherWishes(Names names);
+    static void findConflict(Mover& one, Mover& other);
     /// Nobody gets this name; who wanted it keeps its own, which nobody else gets then.
-    void withhold(std::string_view name, RowId holder);
+    void withhold(std::string_view name, RowId holder, bool onlyFromExact = false);
     /// An item that is gone takes all with it that were to exchange names with it.
     void breakRingOf(const Mover& absentee);
     /// The name to be, in the bytes of the file system. Valid until the next call.
@@ -94,6 +96,7 @@ class ProblemFinder {
     const std::vector<RowId>* rows = nullptr;
     std::vector<Mover> movers;       ///< in the order of the children
     bool hadProblems = false;        ///< any child, as it is stored
+    bool hasExact = false;           ///< any mover
     bool hasRespelledStayer = false; ///< an item that stays bears its final name in another Unicode form
     std::string path;
     FileStatus status;

@@ -128,9 +128,16 @@ void ResolveFileNameConflictsStage::processFolder(NameTable& names, ProblemFinde
 void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<RowId> members) {
     context->sort(members, sortDescriptors);
     std::ranges::stable_partition(members, [this](RowId id) { return isGhost(id); });
+    std::ranges::stable_partition(members, [this](RowId id) { return isFixed(id); });
     conflictCounter = 0;
     bool kept = false;
     for (const RowId id : members) {
+        if (isFixed(id)) {
+            kept = true;
+            names.add(id);
+            countItems(1);
+            continue;
+        }
         const std::u16string base = context->finalName(id);
         std::u16string candidate = base;
         const bool mayKeep = !isApplicable(id) || (conflictCounter == 0 && firstUnchanged);
@@ -150,6 +157,9 @@ void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<R
 bool ResolveFileNameConflictsStage::isGhost(RowId id) {
     return context->row(id).entity == NodeEntity::ghostNode;
 }
+
+/// What somebody has settled by hand gives way to nothing.
+bool ResolveFileNameConflictsStage::isFixed(RowId id) { return context->row(id).namedBy != NamedBy::steps; }
 
 bool ResolveFileNameConflictsStage::isApplicable(RowId id) {
     return !isGhost(id) && context->row(id).treatAsFolder ? processFolders : processFiles;

@@ -39,6 +39,7 @@ class ResolveFileNameConflictsStage final : public ProcessingStage {
     void resolveGroup(NameTable& names, std::vector<RowId> members);
     [[nodiscard]] bool isApplicable(RowId id);
     [[nodiscard]] bool isGhost(RowId id);
+    [[nodiscard]] bool isFixed(RowId id);
     [[nodiscard]] std::u16string addDistinguisherToName(std::u16string_view name);
     [[nodiscard]] std::string nextDistinguisher();
     void storeCandidate(RowId id, const std::u16string& candidate);

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "engine/asking/RunQuestion.h"
+#include "engine/naming/NamePins.h"
 #include "store/queries/Predicate.h"
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -47,6 +49,8 @@ class EngineHost {
     virtual void setListFolders(const RowFolders&) {}
     virtual void refreshPreview() = 0;
     virtual void showStats() = 0;
+    /// What a run means for what is settled by hand: items have moved, got their names, or are gone.
+    virtual void changePins(std::vector<NamePins::Change>) {}
     virtual void showCompletionDialog() = 0;
     virtual void showFileListSavingCompletionDialog(int format) = 0;
     /// The list could not be written; what was at the path stays. `reason` is the system's.

@@ -15,11 +15,11 @@ namespace {
 
 constexpr std::size_t rowsPerCommit = 2000;
 
-/// Rows that the filter admits and the predicate tells.
+/// Rows that take part and that the predicate tells.
 std::int32_t admitted(StoreContext& context, FetchEntity entity, const ItemFilter& filter,
                       const Predicate& which) {
-    return static_cast<std::int32_t>(
-        context.count(entity, FilterManager::currentFilterPredicate(filter).with(which)));
+    return static_cast<std::int32_t>(context.count(
+        entity, FilterManager::currentFilterPredicate(filter).with(FilterManager::ticked()).with(which)));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/history/RunHistory.h"
+#include "engine/naming/NamePins.h"
 #include "engine/reading/FolderNotes.h"
 #include "engine/reading/ItemSelection.h"
 #include "engine/renaming/RunOutcomes.h"
@@ -10,6 +11,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
 #include <utility>
 
 namespace tavrin {
@@ -51,6 +56,27 @@ class EngineState {
     void setChainOfNames(PropertyDictionary chain) { chainOfNames = std::move(chain); }
     [[nodiscard]] const PropertyDictionary& namesMadeBy() const { return chainOfNames; }
 
+    /// What is settled by hand for items; nothing at first. Any thread; a run takes it once.
+    void setPins(NamePins newPins) {
+        const std::lock_guard lock(pinning);
+        currentPins = std::move(newPins);
+    }
+    [[nodiscard]] NamePins pins() const {
+        const std::lock_guard lock(pinning);
+        return currentPins;
+    }
+    /// The names that the steps would have given to rows with names by hand, by their paths, as the last
+    /// preview found them; null before there are any. Any thread.
+    using ComputedNames = std::unordered_map<std::string, std::u16string>;
+    void setComputedNames(std::shared_ptr<const ComputedNames> names) {
+        const std::lock_guard lock(pinning);
+        computed = std::move(names);
+    }
+    [[nodiscard]] std::shared_ptr<const ComputedNames> computedNames() const {
+        const std::lock_guard lock(pinning);
+        return computed;
+    }
+
     /// What is known of the folders on the list.
     FolderNotes& folderNotes() { return notesOfFolders; }
 
@@ -91,6 +117,9 @@ class EngineState {
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only, like the next
     FolderNotes notesOfFolders;
     PropertyDictionary chainOfNames;
+    mutable std::mutex pinning; ///< guards the next two
+    NamePins currentPins;
+    std::shared_ptr<const ComputedNames> computed;
 };
 
 } // namespace tavrin

@@ -246,17 +246,28 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createPreviewPipelineWith(Prog
     pipeline->setProgressInfo(progress);
     pipeline->addStage(std::make_unique<CleanUpProcessingErrorsStage>(*this));
     pipeline->addStage(std::make_unique<ReadItemsIntoDatabaseStage>(*this));
-    if (given) {
+    if (given)
         pipeline->addStage(std::make_unique<GiveNamesStage>(*this, *given));
-    } else {
-        pipeline->addStage(std::make_unique<AddFileSortingDataStage>(*this));
-        pipeline->addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
-    }
+    else
+        addNamingStages(*pipeline);
     using Task = ResolveFileNameConflictsStage::Task;
     const bool resolves = pipeline->settingsOfRun().shouldPreviewConflictResolution;
     pipeline->addStage(
         std::make_unique<ResolveFileNameConflictsStage>(*this, resolves ? Task::resolve : Task::foresee));
     return pipeline;
+}
+
+void RenameEngine::addNamingStages(ProcessingPipeline& pipeline) {
+    const NamePins settled = pins();
+    // Once more after the last is gone, for the rows that bear its marks.
+    const bool isByHand = !settled.isEmpty() || hadPins;
+    hadPins = !settled.isEmpty();
+    if (isByHand)
+        pipeline.addStage(std::make_unique<LeaveOutStage>(*this, settled));
+    pipeline.addStage(std::make_unique<AddFileSortingDataStage>(*this));
+    pipeline.addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
+    if (isByHand)
+        pipeline.addStage(std::make_unique<PinNamesStage>(*this, settled));
 }
 
 std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(ProgressInfo* progress,

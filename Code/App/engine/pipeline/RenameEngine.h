@@ -78,6 +78,7 @@ class RenameEngine : public EngineState {
     createSaveToFileListPipeline(const FileListArguments& arguments);
 
   private:
+    void addNamingStages(ProcessingPipeline& pipeline);
     void startRenaming(ProgressInfo& progress, bool andContinue, std::function<void(EngineHost&)> completion);
     void workOnRows(RowWork work, std::shared_ptr<EngineTurns::Turn> turn);
     TakeBackResult takeBack(ProgressInfo& progress, const TakeBackRequest& request);
@@ -90,6 +91,7 @@ class RenameEngine : public EngineState {
 
     EngineTurns engineLock;
     std::unique_ptr<const GivenNames> given; ///< null: the chain makes the names
+    bool hadPins = false;                    ///< at the last preview; under the engine's lock
     std::mutex previewPipelinesWaitingToken;
     std::atomic<int> previewPipelinesWaiting{0};
     std::atomic<bool> ending{false};

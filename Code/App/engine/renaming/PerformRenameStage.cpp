@@ -58,6 +58,7 @@ bool PerformRenameStage::process() {
         }
     }
     closeJournal(run->questions.shouldAbort());
+    run->tellMoves();
     warnings.reset();
     return true;
 }
@@ -106,8 +107,10 @@ void PerformRenameStage::breakOff(const std::string& reason) {
                  {});
     context->commit();
     // The last batch has not told its paths yet. The rows are gone, so this reads none.
-    if (run)
+    if (run) {
         run->sourceItems.apply();
+        run->tellMoves();
+    }
 }
 
 void PerformRenameStage::switchToLionModeOnce() {
@@ -136,6 +139,7 @@ void PerformRenameStage::prepare() {
         std::make_unique<LibraryWarnings>(warns && settings.shouldPreventAccidentalITunesLibraryDamage,
                                           warns && settings.shouldPreventAccidentalIPhotoLibraryDamage);
     run->filter = settings.itemFilter();
+    run->givesNamesOfList = purpose->what == RunKind::rename;
     if (purpose->isStrict) {
         run->filter = {true, true, true};
         run->primitives.beStrict();
@@ -257,10 +261,10 @@ void PerformRenameStage::renameItem(bool treatAsRoot) {
         run->noteMoved(item.id());
         run->outcomes.set(item.id(), RunOutcome::done);
         run->noteTakenPlace(context->row(item.id()).cannotBeRenamedBefore);
-        run->tellRenamed(item.component(), item.newComponent());
+        run->tellRenamed(item.folder(), item.component(), item.newComponent(), true);
     } else {
         if (const std::string& left = run->mover.leftUnder(); isHere && !left.empty())
-            run->tellRenamed(item.component(), left);
+            run->tellRenamed(item.folder(), item.component(), left, false);
         run->fail({item.id()}, "Could not change a file name", primitives.failureReasonString(),
                   primitives.failureDetail(), item.fullPath());
     }

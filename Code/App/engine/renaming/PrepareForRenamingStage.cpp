@@ -96,7 +96,7 @@ void PrepareForRenamingStage::linkSiblings(const std::vector<RowId>& children) {
 bool PrepareForRenamingStage::wantNamesThatDifferInCase(const std::vector<RowId>& children) {
     std::vector<std::size_t> hashes;
     for (const RowId child : children) {
-        if (!context->row(child).hasExactName || !context->row(child).diff)
+        if (!context->row(child).hasExactName() || !context->row(child).diff)
             continue;
         context->finalName(child, finalName);
         if (!nameOnDisk::from(finalName, {}, wantedName, true))
@@ -114,7 +114,7 @@ RowId PrepareForRenamingStage::cannotBeRenamedBefore(RowId item) {
         return noRow;
     context->finalName(item, finalName);
     // What no file can be called is nobody's name.
-    const bool isExact = context->row(item).hasExactName;
+    const bool isExact = context->row(item).hasExactName();
     if (!nameOnDisk::from(finalName, context->component(item), wantedName, isExact))
         return noRow;
     const RowId holder = siblings.find(wantedName);

@@ -14,7 +14,7 @@ void RenameItem::moveTo(RowId id) {
     root = row.root;
     diff = row.diff;
     isInTurn = row.mustBeSwapped || !row.canBeRenamedIndependently;
-    hasExactName = row.hasExactName;
+    hasExactName = row.hasExactName();
     seenItem = {row.identity(), row.kind};
     currentComponent = context.component(id);
     if (newParent != parent || parent == noRow) {

@@ -191,7 +191,7 @@ void RenameRing::account() {
         if (member.lies == member.name)
             continue;
         run.noteMoved(member.id);
-        run.tellRenamed(member.name, member.lies);
+        run.tellRenamed(folder, member.name, member.lies, member.lies == member.wanted);
         ++run.primitives.actuallyRenamedCounter;
     }
     run.report.item(run.primitives.actuallyRenamedCounter);

@@ -42,7 +42,10 @@ RenameRun::RenameRun(EngineState& owner, ProcessingStage& stage, StoreContext& s
     : context(store), item(store), report(progress), folders(FileSystem::sharedInstance()),
       standIns(store, folders), mover(volumeEvents()), primitives({folders, standIns, mover, report}),
       questions(owner, stage, shouldBeInteractive), marker(owner.nextStageFlagCounter()),
-      outcomes(owner.runOutcomes()), engine(owner), observer(owner.renameObserver()) {}
+      outcomes(owner.runOutcomes()), engine(owner), pins(owner.pins()), observer(owner.renameObserver()) {
+    if (!pins.isEmpty())
+        movedPaths.emplace();
+}
 
 VolumeEvents RenameRun::volumeEvents() {
     return {[this](std::uint32_t device) {
@@ -59,6 +62,15 @@ void RenameRun::tellUnguarded(const RunFolders::Place& place) {
                                          "there in the same moment could be replaced.",
                                          item.folder());
     engine.host().runLoop().post([&host = engine.host(), text] { host.presentNotice(text); });
+}
+
+void RenameRun::tellMoves() {
+    if (!movedPaths)
+        return;
+    std::vector<NamePins::Change> changes = movedPaths->changesOf(pins);
+    movedPaths.emplace();
+    if (!changes.empty())
+        engine.host().runLoop().performAndWait([&] { engine.host().changePins(std::move(changes)); });
 }
 
 void RenameRun::noteTakenPlace(RowId formerHolder) {

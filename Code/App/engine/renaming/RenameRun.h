@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/asking/UserQuestions.h"
+#include "engine/naming/NamePins.h"
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/renaming/NameMover.h"
 #include "engine/renaming/RenameItem.h"
@@ -9,10 +10,12 @@
 #include "engine/renaming/RunFolders.h"
 #include "engine/renaming/RunOutcomes.h"
 #include "store/queries/FilterManager.h"
+#include "support/text/PathParts.h"
 
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -67,11 +70,15 @@ struct RenameRun {
     [[nodiscard]] bool isInPlace(RowId id) const { return !moved.contains(id); }
     /// Notes that an item has left its place.
     void noteMoved(RowId id) { moved.insert(id); }
-    /// Tells who wants to know that an item bears another name.
-    void tellRenamed(std::string_view from, std::string_view to) const {
+    /// Tells who wants to know that an item bears another name, and whether it is the one that it was to get.
+    void tellRenamed(std::string_view folder, std::string_view from, std::string_view to, bool isWanted) {
+        if (movedPaths)
+            movedPaths->add(joinedPath(folder, from), to, isWanted && givesNamesOfList);
         if (observer)
             observer->itemWasRenamed(from, to);
     }
+    /// Tells what the run means for what is settled by hand.
+    void tellMoves();
     /// Notes that the item in hand has got the name that another one was to leave free. If that one has not
     /// moved, it has vanished, and its place is taken now.
     void noteTakenPlace(RowId formerHolder);
@@ -96,6 +103,7 @@ struct RenameRun {
     PassMarker marker;
     RunOutcomes& outcomes;
     ItemFilter filter;              ///< which rows take part
+    bool givesNamesOfList = true;   ///< not those of a run that is taken back
     std::int32_t failedCounter = 0; ///< items without the names that they were to get
 
   private:
@@ -103,7 +111,9 @@ struct RenameRun {
     void tellUnguarded(const RunFolders::Place& place);
 
     EngineState& engine;
-    RenameObserver* const observer; ///< may be null
+    const NamePins pins;
+    std::optional<MovedPaths> movedPaths; ///< only where somebody has settled something
+    RenameObserver* const observer;       ///< may be null
     RowSet moved;
     std::set<std::uint32_t> unflagged; ///< devices
     std::set<std::uint32_t> unguarded;

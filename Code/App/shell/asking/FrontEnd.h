@@ -210,6 +210,9 @@ class FrontEnd {
     /// A run has begun or ended; commands are off during a run.
     virtual void runStateChanged(bool /*isRunning*/) {}
     virtual void fillPresetMenu(const std::vector<std::u16string>& /*titles*/) {}
+    /// There are other names by hand, or other items are left out; the list shows it when a preview has
+    /// ended.
+    virtual void handEditsChanged() {}
     /// The steps of the chain, or which is current, may have changed.
     virtual void actionListChanged() {}
     /// Brings the panel of an action up and gives it the input focus. The action lives as long as its step.

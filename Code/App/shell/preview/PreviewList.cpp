@@ -138,6 +138,8 @@ std::optional<PreviewList::Row> PreviewList::rowOf(StoreContext& context, RowId 
     row.treatAsFolder = node.treatAsFolder;
     row.root = node.root;
     row.madeDistinct = node.madeDistinct;
+    row.isPinned = node.hasExactName();
+    row.isLeftOut = node.isLeftOut();
     row.problem = node.problem;
     row.problemDetail = node.problemDetail;
     if (auto told = problemOf(context, id))

@@ -28,6 +28,8 @@ class PreviewList {
         bool treatAsFolder = false;
         bool root = false;
         bool madeDistinct = false;
+        bool isPinned = false;  ///< its final name is one by hand
+        bool isLeftOut = false; ///< it takes no part
         NameProblem problem = NameProblem::none;
         std::uint16_t problemDetail = 0; ///< as in the row of the store
         std::string problemMessage;      ///< UTF-8; empty without one

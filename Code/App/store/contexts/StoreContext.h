@@ -77,6 +77,8 @@ class StoreContext {
     const NodeRow& row(RowId id);
     /// The attribute of that name, from what is always in memory.
     [[nodiscard]] bool treatAsFolder(RowId id);
+    /// The same of whether it is left out.
+    [[nodiscard]] bool isLeftOut(RowId id);
     /// The row for writing fixed attributes (not the texts, markers, parent or siblings).
     NodeRow& change(RowId id);
     /// The last path component as the file system gives it.

@@ -52,6 +52,8 @@ const NodeRow& StoreContext::row(RowId id) {
 
 bool StoreContext::treatAsFolder(RowId id) { return (impl->summary(id) & rowSummary::treatAsFolder) != 0; }
 
+bool StoreContext::isLeftOut(RowId id) { return (impl->summary(id) & rowSummary::leftOut) != 0; }
+
 NodeRow& StoreContext::change(RowId id) {
     RowBlock& block = impl->blockOf(id);
     const std::size_t index = RowBlock::index(id);

@@ -25,7 +25,11 @@ inline Predicate currentFilterPredicateIncludingAllFilesAndFolders(const ItemFil
     return filter.shouldProcessSubfolders ? Predicate::always() : Predicate::isTrue(NodeKey::root);
 }
 
-/// What the user sees and what counts.
+/// What nobody has left out. Such rows are seen, but nothing of theirs counts except that their names are
+/// taken.
+inline constexpr Predicate ticked() { return Predicate::isFalse(NodeKey::leftOut); }
+
+/// What the user sees.
 inline Predicate currentFilterPredicate(const ItemFilter& filter) {
     const Predicate within = currentFilterPredicateIncludingAllFilesAndFolders(filter);
     if (!filter.shouldProcessFiles && !filter.shouldProcessFolders)

@@ -32,7 +32,7 @@ enum class NodeKey : std::uint8_t {
     madeDistinct,
     inode,
     device,
-    hasExactName,
+    leftOut, ///< which is a part of what names the row
     problem,
     problemDetail,
     finalName,
@@ -45,7 +45,7 @@ enum class ColumnClass : std::uint8_t { none = 0, sort = 1, filter = 2, naming =
 /// Where an attribute lies in the row; nowhere for what is derived from names, folder and id.
 using NodeMember = std::variant<std::monostate, bool NodeRow::*, std::uint16_t NodeRow::*,
                                 std::int32_t NodeRow::*, std::uint32_t NodeRow::*, std::uint64_t NodeRow::*,
-                                double NodeRow::*, NameProblem NodeRow::*>;
+                                double NodeRow::*, NameProblem NodeRow::*, NamedBy NodeRow::*>;
 
 /// All that is known of an attribute: sorting, filtering and committing read this table.
 struct NodeAttribute {
@@ -78,7 +78,7 @@ inline constexpr std::array nodeAttributes{
     NodeAttribute{NodeKey::madeDistinct, ColumnClass::naming, &NodeRow::madeDistinct},
     NodeAttribute{NodeKey::inode, ColumnClass::none, &NodeRow::inode},
     NodeAttribute{NodeKey::device, ColumnClass::none, &NodeRow::device},
-    NodeAttribute{NodeKey::hasExactName, ColumnClass::naming, &NodeRow::hasExactName},
+    NodeAttribute{NodeKey::leftOut, ColumnClass::naming, &NodeRow::namedBy, rowSummary::leftOut},
     NodeAttribute{NodeKey::problem, ColumnClass::naming, &NodeRow::problem, rowSummary::problem},
     NodeAttribute{NodeKey::problemDetail, ColumnClass::naming, &NodeRow::problemDetail},
     NodeAttribute{NodeKey::finalName, ColumnClass::naming},

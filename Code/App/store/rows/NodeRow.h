@@ -14,6 +14,13 @@ inline constexpr RowId noRow = 0;
 /// The sub-entity of a row; `none` is a row that is deleted or not yet made.
 enum class NodeEntity : std::uint8_t { none, file, ghostNode };
 
+/// What a row has its final name from.
+enum class NamedBy : std::uint8_t {
+    steps,
+    hand,  ///< given by somebody for this item alone: it is meant byte by byte, and no other is made of it
+    nobody ///< the row is left out: it keeps its name, which is taken for all others
+};
+
 /// What reading saw of an item.
 struct SeenItem {
     FileIdentity identity;
@@ -45,12 +52,15 @@ struct NodeRow {
     bool sortingInformationLoaded = false;
     bool canBeRenamedIndependently = true;
     bool mustBeSwapped = false;
-    bool hasExactName = false; ///< its final name is meant byte by byte; nothing else has made it
+    NamedBy namedBy = NamedBy::steps;
     NameProblem problem = NameProblem::none; ///< that the item has with its new name
     /// Of a name that is too long: what its file system takes. Of an item that was replaced: the kind there
-    /// now.
+    /// now. Of a name that is taken: whether by an item on the list. Of a conflict: as a signed number, how
+    /// far on from this row the other one is; 0 where that is too far.
     std::uint16_t problemDetail = 0;
 
+    [[nodiscard]] bool hasExactName() const { return namedBy == NamedBy::hand; }
+    [[nodiscard]] bool isLeftOut() const { return namedBy == NamedBy::nobody; }
     /// Of the item when it was read; of a folder whose contents were read: that of what holds them, beyond a
     /// link.
     [[nodiscard]] FileIdentity identity() const { return {inode, device}; }
@@ -71,15 +81,16 @@ inline constexpr std::uint8_t root = 8;
 inline constexpr std::uint8_t diff = 16;
 inline constexpr std::uint8_t sortingInformationLoaded = 32;
 inline constexpr std::uint8_t problem = 64;
+inline constexpr std::uint8_t leftOut = 128;
 
 constexpr std::uint8_t of(const NodeRow& row) {
     if (row.entity == NodeEntity::none)
         return none;
-    return static_cast<std::uint8_t>((row.entity == NodeEntity::file ? isFile : isGhostNode) |
-                                     (row.treatAsFolder ? treatAsFolder : 0) | (row.root ? root : 0) |
-                                     (row.diff ? diff : 0) |
-                                     (row.sortingInformationLoaded ? sortingInformationLoaded : 0) |
-                                     (row.problem != NameProblem::none ? problem : 0));
+    return static_cast<std::uint8_t>(
+        (row.entity == NodeEntity::file ? isFile : isGhostNode) | (row.treatAsFolder ? treatAsFolder : 0) |
+        (row.root ? root : 0) | (row.diff ? diff : 0) |
+        (row.sortingInformationLoaded ? sortingInformationLoaded : 0) |
+        (row.problem != NameProblem::none ? problem : 0) | (row.isLeftOut() ? leftOut : 0));
 }
 } // namespace rowSummary
 
