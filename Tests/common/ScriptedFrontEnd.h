@@ -25,7 +25,7 @@ class ScriptedFrontEnd : public FrontEnd {
     struct Closed {};
     /// The question stays open until answerHeld.
     struct Held {};
-    using Answer = std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice,
+    using Answer = std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice, ReportAnswer,
                                 std::optional<FilesToAdd>, FileListChoice, std::optional<std::string>,
                                 std::optional<std::vector<std::string>>, FetchedAddress, bool>;
 
@@ -46,6 +46,7 @@ class ScriptedFrontEnd : public FrontEnd {
     std::vector<std::string> events; ///< in order, in the words of the operations below
     std::vector<Alert> alerts;
     FailureReport failures;
+    RunReport lastReport;
     std::optional<TakeBackQuestion> takeBack; ///< the last one
     std::vector<std::string> presented;
     std::map<PreviewColumn, bool> hiddenColumns;
@@ -63,6 +64,14 @@ class ScriptedFrontEnd : public FrontEnd {
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override {
         failures = report;
         askFor<AlertAnswer>("errors", [closed](const AlertAnswer&) { closed(); });
+    }
+    /// As an alert or as "errors", unless the script waits for a "report".
+    void showRunReport(const RunReport& report, Handler<ReportAnswer> answer) override {
+        lastReport = report;
+        if (!script.empty() && script.front().question == "report")
+            askFor("report", answer);
+        else
+            FrontEnd::showRunReport(report, std::move(answer));
     }
     void withdrawQuestions() override {
         note("withdrawQuestions");

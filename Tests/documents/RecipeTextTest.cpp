@@ -136,6 +136,23 @@ TEST(RecipeTextTest, HasLimits) {
     EXPECT_THAT(answerTo(u"lower x:=" + repeated(u"[", 65) + u"1"), HasSubstr("more than 64 levels"));
 }
 
+/// The steps without those parameters that came later and are 0, which is what they mean where they are
+/// absent.
+PropertyValue asKnownThen(const PropertyValue& steps, std::string_view told) {
+    PropertyArray known;
+    for (const auto& step : *steps.asArray()) {
+        PropertyDictionary entry = *step.asDictionary();
+        PropertyDictionary parameters = *find(entry, "action parameter list")->asDictionary();
+        std::erase_if(parameters, [told](const auto& parameter) {
+            return parameter.second == PropertyValue(0) &&
+                   told.find('"' + parameter.first + "\": ") == told.npos;
+        });
+        entry.insert_or_assign("action parameter list", std::move(parameters));
+        known.emplace_back(std::move(entry));
+    }
+    return known;
+}
+
 // What was written once is read as it was meant then, whatever is added to the language. Lines are only
 // ever added to the file: a text, a tab, the chain.
 TEST(RecipeTextTest, TextsOfOlderVersionsMeanWhatTheyMeant) {
@@ -148,10 +165,11 @@ TEST(RecipeTextTest, TextsOfOlderVersionsMeanWhatTheyMeant) {
         const auto* reading = std::get_if<RecipeText::Reading>(&result);
         ASSERT_TRUE(reading) << line;
         const auto& steps = *find(reading->flatParameterList, "composite actions array");
-        EXPECT_EQ(text::toUtf8(recipe::literal(steps)), line.substr(tab + 1));
+        const auto chain = line.substr(tab + 1);
+        EXPECT_EQ(text::toUtf8(recipe::literal(asKnownThen(steps, chain))), chain);
         ++count;
     }
-    EXPECT_GE(count, 41);
+    EXPECT_GE(count, 43);
 }
 
 } // namespace

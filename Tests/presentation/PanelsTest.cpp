@@ -109,9 +109,10 @@ TEST_F(Panels, ShowAndStoreEveryParameterOnce) {
                 EXPECT_FALSE(control->accessibleName().isEmpty());
                 const QMetaProperty content = control->metaObject()->userProperty();
                 const QVariant shownFirst = content.read(control);
+                const auto storedFirst = currentAction().valueForKey(key);
                 const PropertyValue wanted = change(control, *parameter);
                 EXPECT_EQ(currentAction().valueForKey(key), wanted);
-                currentAction().setValue(propertyValue(parameter->whenNew), key);
+                currentAction().setValue(storedFirst, key);
                 EXPECT_EQ(content.read(find(key.c_str())), shownFirst);
             }
         }

@@ -30,7 +30,7 @@ class WindowFixture : public ::testing::Test {
 
     /// A widget of the window, or of any dialog, by its object name. Where there is none, the test fails and
     /// ends, as in what follows.
-    template <typename Widget = QWidget> Widget* find(const char* name) {
+    template <typename Widget = QWidget> static Widget* find(const char* name) {
         auto* widget = dynamic_cast<Widget*>(findWidget(name));
         if (!widget)
             throw std::runtime_error(std::string("no widget ") + name);
@@ -55,7 +55,7 @@ class WindowFixture : public ::testing::Test {
     /// Runs the event loop until the condition holds, for ten seconds at most.
     static void waitUntil(const std::string& what, const std::function<bool()>& condition);
     /// Until a dialog of this name is there to be used.
-    template <typename Widget = QWidget> Widget* waitFor(const char* name) {
+    template <typename Widget = QWidget> static Widget* waitFor(const char* name) {
         waitUntil(name, [name] {
             const QWidget* widget = findWidget(name);
             return widget && widget->isVisible();
@@ -70,6 +70,7 @@ class WindowFixture : public ::testing::Test {
     static void waitUntilGone(const char* name);
     /// Closes a dialog as soon as it is there. Gives what an alert has told: its title, "|" and its text.
     std::string close(const char* name);
+    static std::string readReport();
     /// How a run of the event loop ended, and what the last alert told on the way, as close() gives it.
     struct End {
         int status;

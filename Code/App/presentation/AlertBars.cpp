@@ -35,8 +35,14 @@ QString nameFor(const char* kind, const QString& text) {
     return QString("%1-%2").arg(kind).arg(qHash(text), 0, 16);
 }
 
-/// Paragraphs run on: a bar has few lines.
-QString inOneParagraph(const QString& text) { return text.simplified(); }
+/// A bar has few lines: of a long text its first sentence, unless that is long too.
+QString shortened(const QString& text) {
+    constexpr qsizetype most = 120;
+    if (text.size() <= most)
+        return text.simplified();
+    const QString first = text.left(text.indexOf(". ") + 1);
+    return first.size() <= most ? first : QString();
+}
 
 BarMessage::Button helpButton(std::function<void()> effect) {
     return {"barHelp", AlertBars::tr("&Help"), std::move(effect)};
@@ -48,7 +54,7 @@ void showSentences(MessageBars& bars, const char* name, BarMessage::Kind kind, c
     bars.present({.objectName = nameFor(name, whole),
                   .kind = kind,
                   .bold = end < 0 ? whole : whole.left(end + 1),
-                  .plain = end < 0 ? QString() : inOneParagraph(whole.mid(end + 2))});
+                  .plain = end < 0 ? QString() : whole.mid(end + 2)});
 }
 
 } // namespace
@@ -79,6 +85,7 @@ bool AlertBars::canShow(const Alert& alert) {
     case AlertKind::dropletUpgrade:
     case AlertKind::presetDeletion:
     case AlertKind::exifSortingOff:
+    case AlertKind::namesByHandLost:
         break;
     }
     return false;
@@ -87,11 +94,14 @@ bool AlertBars::canShow(const Alert& alert) {
 void AlertBars::show(MessageBars& bars, const Alert& alert, const std::function<void(AlertAnswer)>& answer) {
     const QString title = toQString(alert.title);
     const QString name = nameFor("alertBar", title);
-    BarMessage message{.objectName = name,
-                       .kind = kindOf(alert),
-                       .bold = title,
-                       .plain = inOneParagraph(toQString(alert.text))};
-    if (!alert.helpAnchor.empty())
+    BarMessage message{
+        .objectName = name, .kind = kindOf(alert), .bold = title, .plain = shortened(toQString(alert.text))};
+    if (message.plain.size() < toQString(alert.text).trimmed().size())
+        message.buttons.push_back({"barMore", tr("&More…"), [&bars, whole = alert]() mutable {
+                                       whole.hasSuppressionBox = false;
+                                       Dialogs::showAlert(bars.window(), whole, [](AlertAnswer) {});
+                                   }});
+    else if (!alert.helpAnchor.empty())
         message.buttons.push_back(helpButton(
             [anchor = alert.helpAnchor] { MainController::sharedInstance().showHelpAnchor(anchor); }));
     // A worker waits for this one, but a bar may stand for long.

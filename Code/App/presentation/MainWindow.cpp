@@ -3,13 +3,18 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/Buttons.h"
-#include "presentation/ProgressPage.h"
+#include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/Spoken.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/WindowKeys.h"
 #include "presentation/WindowPlace.h"
+#include "presentation/WindowSpeech.h"
 #include "presentation/help/HelpWindow.h"
 #include "presentation/preview/PreviewPane.h"
+#include "presentation/run/DropletRunWindow.h"
+#include "presentation/run/RunReportText.h"
+#include "presentation/run/RunStrip.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/start/FileAddress.h"
 #include "presentation/steps/RecipeClipboard.h"
@@ -24,15 +29,18 @@
 #include <QDropEvent>
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QTextEdit>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <chrono>
 
 namespace tavrin {
 
@@ -48,8 +56,6 @@ constexpr int leastPreviewWidth = 440;
 constexpr int leastStepsWidth = 176;
 constexpr int firstStepsWidth = 216;
 constexpr int mostStepsWidth = 320;
-constexpr QSize questionWindowSize(640, 380);
-constexpr std::chrono::milliseconds patienceWithoutProgress(700);
 
 } // namespace
 
@@ -59,12 +65,12 @@ MainWindow::MainWindow(const WindowServices& services)
     setObjectName("mainWindow");
     setWindowTitle("Tavrin");
     setAcceptDrops(true);
-    mainTabView = new QStackedWidget;
-    mainTabView->setObjectName("mainTabView");
-    setCentralWidget(mainTabView);
-    mainTabView->addWidget(buildWorkPage());
-    progress = new ProgressPage(shared, this);
-    mainTabView->addWidget(progress);
+    setCentralWidget(buildWorkPage());
+    closeKey = new QShortcut(QKeySequence::Quit, this, [this] { close(); });
+    closeKey->setEnabled(false);
+    connect(windowCommands.get(), &WindowCommands::undoRequested, this, &MainWindow::goToUndoOfRun);
+    connect(windowCommands->clearPreview, &QAction::triggered, this,
+            [this] { preview->messageBars().dismiss(RunReportText::barName); });
     connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
     connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
     connect(steps, &StepsPane::changed, this, &MainWindow::refreshCommands);
@@ -76,6 +82,10 @@ MainWindow::MainWindow(const WindowServices& services)
     });
     recipeClipboard =
         std::make_unique<RecipeClipboard>(shared, *windowCommands, preview->messageBars(), *steps, *preview);
+    keys = std::make_unique<WindowKeys>(
+        *this, std::vector<QWidget*>{steps, settings, &preview->listPages(),
+                                     preview->findChild<QWidget*>("messageBars"), bottomRow});
+    speech = std::make_unique<WindowSpeech>(shared, [this] { return preview->problemCount(); });
     setMinimumSize(WindowPlace::least);
     resize(WindowPlace::first(screen()->availableGeometry()).size());
     connect(qApp, &QGuiApplication::screenRemoved, this, &MainWindow::returnToScreen, Qt::QueuedConnection);
@@ -120,13 +130,20 @@ QWidget* MainWindow::buildWorkPage() {
     line->setFrameShadow(QFrame::Plain);
     line->setForegroundRole(QPalette::Mid);
     layout->addWidget(line);
-    layout->addWidget(buildBottomRow());
+    mainTabView = new QStackedWidget;
+    mainTabView->setObjectName("mainTabView");
+    mainTabView->addWidget(buildBottomRow());
+    strip = new RunStrip(shared);
+    mainTabView->addWidget(strip);
+    mainTabView->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    layout->addWidget(mainTabView);
     new Spoken(page); // at a corner, in no layout
     return page;
 }
 
 QWidget* MainWindow::buildBottomRow() {
     bottomRow = new QWidget;
+    bottomRow->setObjectName("bottomRow");
     auto* layout = new QHBoxLayout(bottomRow);
     createDropletButton = new QPushButton(tr("Create &Droplet…"));
     createDropletButton->setObjectName("createDropletButton");
@@ -161,12 +178,40 @@ QWidget* MainWindow::buildBottomRow() {
 
 // --- What the application says ---
 
-void MainWindow::selectMainTab(MainTab tab) { mainTabView->setCurrentIndex(static_cast<int>(tab)); }
+void MainWindow::selectMainTab(MainTab tab) {
+    const bool isRun = tab == MainTab::progress;
+    if (isRun != isRunShown)
+        setRunShown(isRun);
+}
+
+void MainWindow::setRunShown(bool isShown) {
+    isRunShown = isShown;
+    steps->setEnabled(!isShown);
+    settings->setEnabled(!isShown);
+    closeKey->setEnabled(isShown);
+    if (isShown) {
+        preview->messageBars().dismiss(RunReportText::barName);
+        strip->setStopWidth(okButton->width() + (okMenuButton->isHidden() ? 0 : okMenuButton->width()));
+        preview->beginRun();
+        preview->focusList();
+        strip->begin();
+    } else {
+        preview->endRun();
+        setWindowTitle(ownTitle());
+    }
+    mainTabView->setCurrentIndex(static_cast<int>(isShown ? MainTab::progress : MainTab::interface));
+}
 
 void MainWindow::setRunning(bool isRunning) {
     windowCommands->setRunning(isRunning);
-    preview->forgetPictures();
+    speech->runChanged(isRunning, static_cast<std::size_t>(std::max(0, preview->itemsToRename())));
+    if (!isRunning)
+        preview->forgetPictures(); // which the run has moved to other names
     refreshRenameButton();
+}
+
+QString MainWindow::ownTitle() const {
+    return isInDropletEditMode ? tr("Editing Rename Droplet") : QString("Tavrin");
 }
 
 void MainWindow::setDividerPosition(double position) {
@@ -198,54 +243,84 @@ void MainWindow::fillPresetMenu(const std::vector<std::u16string>& titles) {
 
 void MainWindow::enterDropletEditMode() {
     isInDropletEditMode = true;
-    setWindowTitle(tr("Editing Rename Droplet"));
+    setWindowTitle(ownTitle());
     windowCommands->enterDropletEditMode();
     settings->enterDropletEditMode();
     preview->enterDropletEditMode();
     refreshRenameButton();
 }
 
-void MainWindow::buildProgressWindow() {
-    // No button to close it: the run has one to stop it.
-    progressWindow = new QWidget(this, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                                           Qt::WindowMinimizeButtonHint);
-    progressWindow->setObjectName("progressWindow");
-    progressWindow->installEventFilter(this);
-    auto* layout = new QVBoxLayout(progressWindow);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(progress);
-    progress->show();
-    progressWindow->resize(520, 300);
-    progressWindow->setAttribute(Qt::WA_ShowWithoutActivating);
-    progressDelay.setSingleShot(true);
-    connect(&progressDelay, &QTimer::timeout, progressWindow, &QWidget::show);
+DropletRunWindow& MainWindow::dropletWindow() {
+    if (!dropletRunWindow) {
+        dropletRunWindow = new DropletRunWindow(shared, this);
+        connect(dropletRunWindow, &DropletRunWindow::closeWanted, this,
+                [this] { shared.controller.windowWillClose(); });
+    }
+    return *dropletRunWindow;
 }
 
-void MainWindow::showProgressWindow() {
-    if (!progressWindow)
-        buildProgressWindow();
-    progressDelay.stop();
-    progressWindow->resize(questionWindowSize.expandedTo(progressWindow->size()));
-    progressWindow->show();
+void MainWindow::showRunAlone(bool isRunning) {
+    if (isRunning)
+        dropletWindow().begin();
+    else
+        dropletWindow().end();
 }
 
-void MainWindow::showProgressAlone(bool isRunning) {
-    if (!progressWindow)
-        buildProgressWindow();
-    if (isRunning) {
-        progressDelay.start(patienceWithoutProgress);
+void MainWindow::setWaiting(bool waits) {
+    if (dropletRunWindow)
+        dropletRunWindow->setWaiting(waits);
+    if (!isRunShown)
+        return;
+    strip->setWaiting(waits);
+    preview->setWaiting(waits);
+}
+
+void MainWindow::showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer) {
+    forgetTextHistory();
+    if (!isVisible()) {
+        dropletWindow().showReport(report, std::move(answer));
         return;
     }
-    progressDelay.stop();
-    progressWindow->hide();
+    if (report.endsProgram) {
+        const RunReportText::Card card = RunReportText::cardOf(report);
+        closeKey->setEnabled(true);
+        Card::open(preview->questionPlace().over, card.content,
+                   [this, answers = card.answers, answer = std::move(answer)](std::size_t button) {
+                       closeKey->setEnabled(false);
+                       answer(answers[button]);
+                   });
+        return;
+    }
+    TakeBackCommands& takeBacks = shared.controller.takeBackCommands();
+    RunReportText::Effects effects;
+    effects.undo = [&takeBacks, run = report.run] { takeBacks.takeBack(RunKind::undo, run); };
+    effects.redo = [&takeBacks, run = report.run] { takeBacks.takeBack(RunKind::redo, run); };
+    effects.showHistory = [this, run = report.run] { emit windowCommands->historyWanted(run); };
+    if (!report.clearsList)
+        effects.showNotRenamed = [this] { preview->setShow(PreviewPane::Show::notRenamed); };
+    preview->messageBars().present(RunReportText::barOf(report, effects));
+    answer(ReportAnswer::close);
+}
+
+/// What was typed before a run is not to be taken back by a key that was meant for the run.
+void MainWindow::forgetTextHistory() {
+    for (QLineEdit* line : settings->findChildren<QLineEdit*>())
+        if (line->isUndoAvailable())
+            line->setText(QString(line->text()));
+    for (QTextEdit* text : settings->findChildren<QTextEdit*>())
+        text->document()->clearUndoRedoStacks();
+}
+
+void MainWindow::goToUndoOfRun() {
+    QPushButton* undo = preview->messageBars().findChild<QPushButton*>("undoRun");
+    if (!undo || !undo->isVisible())
+        return;
+    undo->setFocus(Qt::ShortcutFocusReason);
+    Spoken::say(tr("Alt+U undoes the rename."));
 }
 
 QuestionCard::Place MainWindow::questionPlace() {
-    if (!isVisible()) {
-        showProgressWindow();
-        return {*progressWindow};
-    }
-    return preview->questionPlace();
+    return isVisible() ? preview->questionPlace() : dropletWindow().questionPlace();
 }
 
 void MainWindow::centre() {
@@ -295,12 +370,20 @@ void MainWindow::refreshRecipeLine() {
 
 void MainWindow::setPreviewDue(bool isDue) {
     isPreviewDue = isDue;
+    speech->previewChanged(isDue);
     refreshRenameButton();
 }
 
 void MainWindow::progressChanged(std::string_view) {
-    progress->refresh();
     preview->refreshProgress();
+    if (dropletRunWindow)
+        dropletRunWindow->refresh();
+    if (!isRunShown)
+        return;
+    strip->refresh();
+    const auto percent = strip->percent();
+    //: Title of the window during a run
+    setWindowTitle(percent ? tr("%L1 % – Tavrin").arg(*percent) : ownTitle());
 }
 
 // --- What the user does ---
@@ -318,10 +401,14 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == preview && event->type() == QEvent::Resize)
         rememberPaneWidth();
-    if (watched != progressWindow || event->type() != QEvent::Close)
-        return QMainWindow::eventFilter(watched, event);
-    closeEvent(static_cast<QCloseEvent*>(event));
-    return true;
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+    if (isRunShown && event->key() == Qt::Key_Escape && !event->isAutoRepeat())
+        strip->stop();
+    else
+        QMainWindow::keyPressEvent(event);
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {

@@ -6,13 +6,14 @@
 #include "shell/asking/FrontEnd.h"
 
 #include <QMainWindow>
-#include <QTimer>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 class QPushButton;
+class QShortcut;
 class QSplitter;
 class QStackedWidget;
 class QToolButton;
@@ -21,15 +22,18 @@ namespace tavrin {
 
 class HelpWindow;
 class PreviewPane;
-class ProgressPage;
+class DropletRunWindow;
+class RunStrip;
 class RecipeClipboard;
 class RecipeLine;
 class SettingsPane;
 class StepsPane;
 class WindowCommands;
+class WindowKeys;
+class WindowSpeech;
 
-/// The one window: steps, settings and list side by side, and the progress page that takes their place during
-/// a run. It arranges its panes and passes on what the application says; what they show is theirs.
+/// The one window: steps, settings and list side by side, and during a run the strip that tells how far
+/// it is. It arranges its panes and passes on what the application says; what they show is theirs.
 class MainWindow final : public QMainWindow, private ProgressObserver {
     Q_OBJECT
 
@@ -47,9 +51,12 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void setDividerPosition(double position);
     void fillPresetMenu(const std::vector<std::u16string>& titles);
     void enterDropletEditMode();
-    /// Shows the progress in a small window of its own, for a run without this window; soon, unless the run
-    /// is over by then.
-    void showProgressAlone(bool isRunning);
+    /// Shows the run in a small window of its own, where this one is not shown.
+    void showRunAlone(bool isRunning);
+    /// Whether a question of the run waits for its answer.
+    void setWaiting(bool waits);
+    /// The end of a run: a bar below the list, or a card where the application ends with it.
+    void showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer);
     void centre();
     /// Gives the list the width that it had last, where anyone has given it one.
     void restorePaneWidth();
@@ -66,8 +73,9 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    /// Of the progress window: to close it is to close this one. Of the list: its width is remembered.
+    /// Of the list: its width is remembered.
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -77,14 +85,16 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     [[nodiscard]] QWidget* buildBottomRow();
     void addByDialog(bool folders);
     void refreshCommands();
-    void buildProgressWindow();
     void arrangeForSize();
     void arrangeBottomRow();
     void rememberPaneWidth();
     /// Back onto a screen, if its own has gone or become smaller.
     void returnToScreen();
-    /// At once, with room for a question.
-    void showProgressWindow();
+    void setRunShown(bool isShown);
+    [[nodiscard]] DropletRunWindow& dropletWindow();
+    [[nodiscard]] QString ownTitle() const;
+    void forgetTextHistory();
+    void goToUndoOfRun();
     void dividerMoved();
     void refreshRecipeLine();
 
@@ -93,16 +103,17 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     bool isPreviewDue = true;
     bool isMovingDivider = false;
     bool asksForFolders = false;
-    QStackedWidget* mainTabView = nullptr;
+    QStackedWidget* mainTabView = nullptr; ///< the bottom row, or the strip of a run
     QWidget* bottomRow = nullptr;
+    bool isRunShown = false;
     QSplitter* outerSplitter = nullptr;
     QSplitter* innerSplitter = nullptr;
     StepsPane* steps = nullptr;
     SettingsPane* settings = nullptr;
     PreviewPane* preview = nullptr;
-    ProgressPage* progress = nullptr;
-    QWidget* progressWindow = nullptr; ///< where this window is not shown
-    QTimer progressDelay;
+    RunStrip* strip = nullptr;
+    DropletRunWindow* dropletRunWindow = nullptr; ///< where this window is not shown
+    QShortcut* closeKey = nullptr;
     QPushButton* createDropletButton = nullptr;
     QPushButton* createFileListButton = nullptr;
     RecipeLine* recipeLine = nullptr;
@@ -111,6 +122,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     std::unique_ptr<WindowCommands> windowCommands;
     std::unique_ptr<HelpWindow> help;
     std::unique_ptr<RecipeClipboard> recipeClipboard;
+    std::unique_ptr<WindowKeys> keys;
+    std::unique_ptr<WindowSpeech> speech;
 };
 
 } // namespace tavrin

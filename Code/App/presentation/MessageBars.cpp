@@ -193,8 +193,11 @@ MessageBars::MessageBars() : bar(new MessageBar), problems(new MessageBar) {
 void MessageBars::present(BarMessage message) {
     std::erase_if(messages, [&](const BarMessage& each) { return each.objectName == message.objectName; });
     messages.push_back(std::move(message));
+    const bool comesUp = !bar->isVisible();
     showNewest();
-    Spoken::say(bar->words());
+    if (!comesUp) // else Qt has told it
+        Spoken::tellShown(*bar);
+    Spoken::note(bar->words());
 }
 
 void MessageBars::dismiss(const QString& objectName) {

@@ -5,11 +5,13 @@
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
+#include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowMemory.h"
 #include "presentation/dialogs/LocateDialogs.h"
 #include "presentation/dialogs/SaveListDialog.h"
 #include "presentation/dialogs/TakeBackDialog.h"
+#include "presentation/preview/HandEditing.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
@@ -53,6 +55,8 @@ void QtFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAnswer)> 
     whenShown([this, alert, answer = std::move(answer)] {
         if (hasBars() && AlertBars::canShow(alert))
             AlertBars::show(window->previewPane().messageBars(), alert, answer);
+        else if (window && window->isVisible() && alert.kind == AlertKind::namesByHandLost)
+            showAsCard(alert, answer);
         else
             Dialogs::showAlert(window, alert, answer);
     });
@@ -81,7 +85,12 @@ void QtFrontEnd::ask(const RunQuestion& question, std::function<void(Confirmatio
         return;
     const bool thumbnails =
         window->services().controller.globalSettings().values().shouldShowQuickLookThumbnail != 0;
-    questionCard.ask(window->questionPlace(), question, thumbnails, std::move(answer));
+    window->setWaiting(true);
+    questionCard.ask(window->questionPlace(), question, thumbnails,
+                     [this, answer = std::move(answer)](ConfirmationChoice choice) {
+                         window->setWaiting(false);
+                         answer(choice);
+                     });
 }
 
 /// An alert names the default first and what does least last; a card has them the other way round.
@@ -92,13 +101,21 @@ void QtFrontEnd::showAsCard(const Alert& alert, std::function<void(AlertAnswer)>
         content.buttons.push_back(
             {QString("cardButton%1").arg(last - i), toQString(alert.buttons[last - i])});
     content.defaultButton = last;
-    Card::open(window->questionPlace().over, content, [last, answer = std::move(answer)](std::size_t button) {
-        answer({last - button, false});
-    });
+    window->setWaiting(true);
+    Card::open(window->questionPlace().over, content,
+               [this, last, answer = std::move(answer)](std::size_t button) {
+                   window->setWaiting(false);
+                   answer({last - button, false});
+               });
 }
 
 void QtFrontEnd::showProcessingErrors(const FailureReport& report, std::function<void()> closed) {
     Dialogs::showProcessingErrors(window, report, std::move(closed));
+}
+
+void QtFrontEnd::showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer) {
+    if (window)
+        window->showRunReport(report, std::move(answer));
 }
 
 void QtFrontEnd::withdrawQuestions() {
@@ -130,7 +147,21 @@ void QtFrontEnd::askForSavePath(const std::string& title,
 
 void QtFrontEnd::askForDropletPath(const std::string& title, const std::string& startFolder,
                                    std::function<void(std::optional<std::string>)> answer) {
+    if (window)
+        tellNamesStayBehind();
     Dialogs::askForDropletPath(window, title, startFolder, std::move(answer));
+}
+
+/// A droplet keeps the steps alone.
+void QtFrontEnd::tellNamesStayBehind() {
+    const std::size_t pinned = window->services().controller.handEdits().pinned();
+    if (pinned == 0)
+        return;
+    BarMessage message;
+    message.objectName = "namesStayBehind";
+    message.bold = counted(pinned, MessageBars::tr("1 name by hand is not part of it."),
+                           MessageBars::tr("%L1 names by hand are not part of it."));
+    window->previewPane().messageBars().present(message);
 }
 
 void QtFrontEnd::askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) {
@@ -211,7 +242,7 @@ void QtFrontEnd::selectMainTab(MainTab tab) {
     if (window)
         window->selectMainTab(tab);
     if (isRunningDroplet() && !window->services().controller.isSilentDroplet())
-        window->showProgressAlone(tab == MainTab::progress);
+        window->showRunAlone(tab == MainTab::progress);
 }
 
 void QtFrontEnd::selectPreviewTab(PreviewTab tab) {
@@ -254,6 +285,13 @@ void QtFrontEnd::previewFinished() {
     MainController& controller = window->services().controller;
     window->setPreviewDue(controller.previewControl().isPreviewPending() ||
                           controller.renameEngine().isPreviewWaiting());
+}
+
+void QtFrontEnd::handEditsChanged() {
+    if (!window)
+        return;
+    window->previewPane().handEditing().handEditsChanged();
+    window->stepsPane().handEditsChanged();
 }
 
 void QtFrontEnd::pathsAdded(const std::vector<std::string>& paths) {

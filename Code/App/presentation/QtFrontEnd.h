@@ -26,6 +26,7 @@ class QtFrontEnd final : public FrontEnd {
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
     void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;
     void showProcessingErrors(const FailureReport& report, std::function<void()> closed) override;
+    void showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer) override;
     void withdrawQuestions() override;
     void askForFilesToAdd(const std::string& startFolder,
                           std::function<void(std::optional<FilesToAdd>)> answer) override;
@@ -56,6 +57,7 @@ class QtFrontEnd final : public FrontEnd {
     void previewListChanged() override;
     void previewRequested() override;
     void previewFinished() override;
+    void handEditsChanged() override;
     void pathsAdded(const std::vector<std::string>& paths) override;
     void runStateChanged(bool isRunning) override;
     void fillPresetMenu(const std::vector<std::u16string>& titles) override;
@@ -79,6 +81,7 @@ class QtFrontEnd final : public FrontEnd {
     [[nodiscard]] bool isRunningDroplet() const;
     void terminateWhenAllIsRead();
     /// An alert as a card of the window.
+    void tellNamesStayBehind();
     void showAsCard(const Alert& alert, std::function<void(AlertAnswer)> answer);
 
     MainWindow* window = nullptr;

@@ -46,6 +46,11 @@ void Spoken::say(const QString& text) {
     tellShown(*present);
 }
 
+void Spoken::note(const QString& text) {
+    if (present)
+        present->setAccessibleName(text);
+}
+
 QString Spoken::lastSaid() { return present ? present->accessibleName() : QString(); }
 
 void Spoken::playNotification(const QString& className) {

@@ -16,6 +16,8 @@ class Spoken final : public QLabel {
 
     /// Says a text, which takes the place of one that is still being read; nothing where no window stands.
     static void say(const QString& text);
+    /// Takes down what a notification of another class has said.
+    static void note(const QString& text);
     /// What was said last.
     [[nodiscard]] static QString lastSaid();
     /// Has widgets of this class come up as notifications with their accessible names, without the focus.

@@ -40,6 +40,7 @@ class WindowCommands final : public QObject {
     QAction* addFiles;
     QAction* addFolder;
     QAction* removeFile;
+    QAction* clearPreview;
     QAction* openFile;
     QAction* revealFile;
     QAction* createFileList;
@@ -49,6 +50,8 @@ class WindowCommands final : public QObject {
     QAction* applyButDontQuit;
     QAction* copy;
     QAction* findInList;
+    QAction* editNewName;
+    QAction* unpinNames;
     QAction* findNext;
     QAction* findPrevious;
     QAction* nextProblem;
@@ -68,6 +71,7 @@ class WindowCommands final : public QObject {
     QAction* showAllItems;
     QAction* showItemsToBeRenamed;
     QAction* showProblems;
+    QAction* showNotRenamed; ///< what the last run has left
     QAction* moveRowUp;
     QAction* moveRowDown;
     QAction* processFiles;
@@ -79,6 +83,8 @@ class WindowCommands final : public QObject {
     /// Copying and pasting while no field of text has the focus, so that it is about the list.
     void rowsCopied();
     void filesPasted();
+    /// The history, with this run chosen.
+    void historyWanted(const std::string& run);
     /// The same of the keys that undo and redo in text.
     void undoRequested();
     void redoRequested();
@@ -104,9 +110,9 @@ class WindowCommands final : public QObject {
     QMainWindow& window;
     const WindowServices services;
     std::vector<QAction*> all;
-    QAction* clearPreview = nullptr;
     QAction* showMultistepDrawer = nullptr;
     QAction* showPath = nullptr;
+    QAction* showTickBoxes = nullptr;
     QAction* showInvisibles = nullptr;
     QAction* manualOrder = nullptr;
     QAction* saveAsPreset = nullptr;

@@ -56,7 +56,8 @@ int RunJournal::makeFile() {
         return failure;
     RunHistory history(place.folder);
     for (int attempt = 0;; ++attempt) {
-        filePath = place.folder + "/" + history.nextName() + ".run";
+        name = history.nextName();
+        filePath = place.folder + "/" + name + ".run";
         const int failure = FileSystem::sharedInstance().makeAppendFile(filePath, file);
         if (failure != EEXIST || attempt == 10)
             return failure;

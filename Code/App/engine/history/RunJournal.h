@@ -37,7 +37,8 @@ class RunJournal {
     void late(RowId row, const FileIdentity& found);
     void close(std::int64_t changed, std::int64_t failed, bool wasStopped);
     [[nodiscard]] bool isOpen() const { return file != nullptr; }
-    [[nodiscard]] const std::string& path() const { return filePath; }
+    /// What the history calls the run.
+    [[nodiscard]] const std::string& runName() const { return name; }
 
   private:
     struct Folder {
@@ -58,6 +59,7 @@ class RunJournal {
     HistoryPlace place;
     std::string recipe;
     std::unique_ptr<AppendFile> file;
+    std::string name;
     std::string filePath;
     std::string text; ///< not written yet
     std::size_t lineStart = 0;

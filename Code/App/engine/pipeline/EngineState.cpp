@@ -6,6 +6,7 @@
 #include "store/sources/SourceItemManager.h"
 #include "support/application/DebugLog.h"
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 
@@ -23,6 +24,23 @@ std::int32_t admitted(StoreContext& context, FetchEntity entity, const ItemFilte
 }
 
 } // namespace
+
+void EngineState::noteRecord(std::string run) {
+    const std::lock_guard lock(recordNames);
+    lastIsRecorded = !run.empty();
+    if (lastIsRecorded)
+        records.push_back(std::move(run));
+}
+
+std::string EngineState::recordOfLastRun() const {
+    const std::lock_guard lock(recordNames);
+    return lastIsRecorded ? records.back() : std::string();
+}
+
+bool EngineState::hasRecorded(const std::string& run) const {
+    const std::lock_guard lock(recordNames);
+    return std::ranges::find(records, run) != records.end();
+}
 
 PassMarker EngineState::nextStageFlagCounter() {
     constexpr int period = 100;

@@ -16,6 +16,7 @@
 #include <string>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace tavrin {
 
@@ -36,6 +37,12 @@ class EngineState {
     /// Where runs are recorded; nowhere at first. Set before the first request.
     void setHistoryPlace(HistoryPlace newPlace) { history = std::move(newPlace); }
     [[nodiscard]] const HistoryPlace& historyPlace() const { return history; }
+
+    /// The run that has begun last was recorded under this name; empty: it was not. Any thread, as the next.
+    void noteRecord(std::string run);
+    [[nodiscard]] std::string recordOfLastRun() const;
+    /// Whether this engine has made the run of this name.
+    [[nodiscard]] bool hasRecorded(const std::string& run) const;
 
     /// Which items take part; all of them at first. Set before the first request.
     void setSelection(ItemSelection newSelection) { itemSelection = std::move(newSelection); }
@@ -112,6 +119,9 @@ class EngineState {
 
   private:
     bool moveRowsIntoMemory(StoreContext& context);
+    mutable std::mutex recordNames;
+    std::vector<std::string> records; ///< under recordNames, as the next
+    bool lastIsRecorded = false;
     std::atomic<int> stageFlagCounter{1};
     std::atomic<bool> migrating{false};
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only, like the next

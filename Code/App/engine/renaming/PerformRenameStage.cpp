@@ -59,11 +59,13 @@ bool PerformRenameStage::process() {
     }
     closeJournal(run->questions.shouldAbort());
     run->tellMoves();
+    run->outcomes.end(run->questions.shouldAbort());
     warnings.reset();
     return true;
 }
 
 bool PerformRenameStage::beginJournal() {
+    engine.noteRecord({});
     const HistoryPlace& place = engine.historyPlace();
     const bool isKept = settings.shouldKeepHistory() && !place.folder.empty();
     const bool isNeeded =
@@ -79,6 +81,7 @@ bool PerformRenameStage::beginJournal() {
     }
     run->primitives.onReplaced = [this](RowId row, const FileIdentity& found) { journal->late(row, found); };
     run->onFlagRefused = [this](std::uint32_t device) { journal->flagRefused(device); };
+    engine.noteRecord(journal->runName());
     RunHistory(place.folder).prune();
     return true;
 }

@@ -13,6 +13,7 @@ void RunOutcomes::begin(RowId end, RowsByPath byPath) {
     current = std::move(table);
     failures.clear();
     failedCount = 0;
+    stopped = false;
 }
 
 void RunOutcomes::fail(RowId row, Failure failure) {

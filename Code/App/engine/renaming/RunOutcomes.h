@@ -41,6 +41,8 @@ class RunOutcomes {
             current->bytes[row].store(outcome, std::memory_order_relaxed);
     }
     void fail(RowId row, Failure failure);
+    /// Whether the run that ends was stopped before it had come to all items.
+    void end(bool byStop) { stopped = byStop; }
 
     // --- Any thread ---
     /// A look at the outcomes that stays true while the next run begins.
@@ -63,6 +65,8 @@ class RunOutcomes {
     [[nodiscard]] View view() const;
     /// Rows that did not get their names.
     [[nodiscard]] std::size_t failedRows() const { return failedCount.load(std::memory_order_relaxed); }
+    /// Whether the last run was stopped.
+    [[nodiscard]] bool wasStopped() const { return stopped; }
     /// Those from this one on, in the order in which they came.
     [[nodiscard]] std::vector<Failure> failuresFrom(std::size_t first) const;
 
@@ -73,6 +77,7 @@ class RunOutcomes {
                                          // run's thread, which writes it
     std::vector<Failure> failures;       // under the mutex
     std::atomic<std::size_t> failedCount{0};
+    std::atomic<bool> stopped{false};
 };
 
 } // namespace tavrin

@@ -15,11 +15,16 @@ namespace tavrin {
 namespace {
 
 /// Keys that belong to a list and not to a command.
-constexpr std::array<std::pair<const char*, const char*>, 7> otherKeys{{
+constexpr std::array<std::pair<const char*, const char*>, 10> otherKeys{{
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Go to the next or the previous part of the window"),
+     "F6, Shift+F6"},
     {QT_TRANSLATE_NOOP("ShortcutsDialog", "Remove the selected items (in the list)"), "Del"},
     {QT_TRANSLATE_NOOP("ShortcutsDialog", "Move the selected rows (in the list)"), "Alt+Up, Alt+Down"},
     {QT_TRANSLATE_NOOP("ShortcutsDialog", "Open the current item (in the list)"), "Return"},
     {QT_TRANSLATE_NOOP("ShortcutsDialog", "Remove the step (in the steps)"), "Del"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Add steps from a recipe (in the steps, or in an empty list)"),
+     "Ctrl+V"},
+    {QT_TRANSLATE_NOOP("ShortcutsDialog", "Take pasted steps back (in the steps)"), "Ctrl+Z"},
     {QT_TRANSLATE_NOOP("ShortcutsDialog", "Switch the step on or off (in the steps)"), "Space"},
     {QT_TRANSLATE_NOOP("ShortcutsDialog", "Answer a question for this item"), "Return"},
     {QT_TRANSLATE_NOOP("ShortcutsDialog", "Answer a question with stop"), "Esc"},

@@ -95,7 +95,8 @@ void ListBar::addShowMenu(WindowCommands& commands) {
     showActions->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
     for (const auto& [label, command] : {std::pair{tr("&All Items"), commands.showAllItems},
                                          {tr("Items to Be &Renamed"), commands.showItemsToBeRenamed},
-                                         {tr("&Problems"), commands.showProblems}}) {
+                                         {tr("&Problems"), commands.showProblems},
+                                         {tr("&Not Renamed"), commands.showNotRenamed}}) {
         QAction* action = menu->addAction(label);
         action->setCheckable(true);
         showActions->addAction(action);
@@ -177,7 +178,8 @@ void ListBar::setShow(PreviewTableModel::Show what, const QString& label) {
         measure();
         return;
     }
-    const std::array texts{tr("Show: All"), tr("Show: To Rename"), tr("Show: Problems")};
+    const std::array texts{tr("Show: All"), tr("Show: To Rename"), tr("Show: Problems"),
+                           tr("Show: Not Renamed")};
     showActions->actions().at(static_cast<int>(what))->setChecked(true);
     showButton->setText(texts[static_cast<std::size_t>(what)]);
     measure();

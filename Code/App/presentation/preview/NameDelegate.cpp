@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QTextLayout>
 #include <algorithm>
+#include <optional>
 
 namespace tavrin {
 
@@ -78,8 +79,10 @@ QColor stateColour(PreviewTableModel::State state, const QPalette& palette) {
     const WindowColours& colours = WindowColours::of(palette);
     switch (state) {
     case PreviewTableModel::State::unchanged:
+    case PreviewTableModel::State::leftOut:
         return palette.color(QPalette::PlaceholderText);
     case PreviewTableModel::State::renamed:
+    case PreviewTableModel::State::byHand:
         return colours.accent;
     case PreviewTableModel::State::madeDistinct:
         return colours.infoText;
@@ -97,16 +100,47 @@ Glyph glyphOf(PreviewTableModel::State state) {
         return Glyph::renamed;
     case PreviewTableModel::State::madeDistinct:
         return Glyph::distinct;
+    case PreviewTableModel::State::byHand:
+        return Glyph::pen;
+    case PreviewTableModel::State::leftOut:
+        return Glyph::leftOut;
     case PreviewTableModel::State::problem:
         break;
     }
     return Glyph::problem;
 }
 
+/// What a run has made of a row, drawn in place of what the preview says of it.
+struct RunMark {
+    Glyph glyph;
+    QColor colour;
+};
+
+std::optional<RunMark> runMark(RunOutcome outcome, const QPalette& palette) {
+    const WindowColours& colours = WindowColours::of(palette);
+    switch (outcome) {
+    case RunOutcome::open:
+        return std::nullopt;
+    case RunOutcome::inHand:
+        return RunMark{Glyph::clock, WindowColours::accentOf(palette)};
+    case RunOutcome::done:
+        return RunMark{Glyph::check, colours.addedText};
+    case RunOutcome::failed:
+        return RunMark{Glyph::problem, colours.errorMark};
+    case RunOutcome::leftOut:
+        break;
+    }
+    return RunMark{Glyph::leftOut, palette.color(QPalette::PlaceholderText)};
+}
+
 /// What is said behind the new name.
 QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
     if (state == PreviewTableModel::State::madeDistinct)
         return NameDelegate::tr("made distinct");
+    if (state == PreviewTableModel::State::byHand)
+        return NameDelegate::tr("by hand");
+    if (state == PreviewTableModel::State::leftOut)
+        return NameDelegate::tr("left out");
     const auto* table = static_cast<const PreviewTableModel*>(index.model());
     if (table->show() == PreviewTableModel::Show::problems)
         return {}; // has a column of its own
@@ -132,6 +166,16 @@ QRect drawNote(QPainter& painter, const QRect& place, const QStyleOptionViewItem
     return QStyle::visualRect(item.direction, place, nameRoom);
 }
 
+void drawTick(QPainter& painter, const QStyleOptionViewItem& item, const QStyle& style) {
+    QStyleOptionViewItem box(item);
+    box.state.setFlag(QStyle::State_HasFocus, false);
+    box.state |= item.checkState == Qt::Checked ? QStyle::State_On : QStyle::State_Off;
+    box.rect.setSize({style.pixelMetric(QStyle::PM_IndicatorWidth, &item, item.widget),
+                      style.pixelMetric(QStyle::PM_IndicatorHeight, &item, item.widget)});
+    box.rect.moveCenter(item.rect.center());
+    style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &box, &painter, item.widget);
+}
+
 /// The tints and colours of a row keep their meaning, and their contrast, where it is selected.
 void softenSelection(QPalette& palette) {
     palette.setColor(QPalette::Highlight, WindowColours::chosenGround(palette));
@@ -150,13 +194,21 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     initStyleOption(&item, index);
     const QString text = item.text;
     item.text.clear();
+    if (index.column() == PreviewTableModel::tick) // the style would leave room for a text beside it
+        item.features.setFlag(QStyleOptionViewItem::HasCheckIndicator, false);
     softenSelection(item.palette);
+    const auto outcome = static_cast<RunOutcome>(index.data(PreviewTableModel::outcomeRole).toInt());
+    const std::optional<RunMark> mark = runMark(outcome, item.palette);
+    if (outcome == RunOutcome::inHand)
+        item.state.setFlag(QStyle::State_Selected);
     const QStyle* style = item.widget ? item.widget->style() : QApplication::style();
     // The ground tells what is selected; pictures keep their own colours on it.
     style->drawPrimitive(QStyle::PE_PanelItemViewItem, &item, painter, item.widget);
     item.state.setFlag(QStyle::State_Selected, false);
     style->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
-    if (index.column() == PreviewTableModel::icon)
+    if (index.column() == PreviewTableModel::tick)
+        drawTick(*painter, item, *style);
+    if (index.column() == PreviewTableModel::icon || index.column() == PreviewTableModel::tick)
         return;
 
     const auto state =
@@ -172,21 +224,31 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         const int size = std::min(item.fontMetrics.height(), item.rect.height());
         QRect square(0, 0, size, size);
         square.moveCenter(item.rect.center());
-        GlyphIcon::paint(*painter, square, glyphOf(state), stateColour(state, item.palette), isRightToLeft);
+        if (mark)
+            GlyphIcon::paint(*painter, square, mark->glyph, mark->colour);
+        else
+            GlyphIcon::paint(*painter, square, glyphOf(state), stateColour(state, item.palette),
+                             isRightToLeft);
         painter->restore();
         return;
     }
     const bool isNew = index.column() == PreviewTableModel::newName;
-    const bool isDim = index.column() == PreviewTableModel::folder ||
-                       (isNew && state == PreviewTableModel::State::unchanged);
+    const bool isPast = outcome == RunOutcome::done || outcome == RunOutcome::leftOut;
+    const bool isDim =
+        index.column() == PreviewTableModel::folder || state == PreviewTableModel::State::leftOut ||
+        (isNew ? state == PreviewTableModel::State::unchanged || outcome == RunOutcome::leftOut : isPast);
     const bool isReason = index.column() == PreviewTableModel::problem;
     const QColor textColour = isReason ? stateColour(state, item.palette)
                               : isDim  ? item.palette.color(QPalette::PlaceholderText)
                                        : plain;
     QRect nameRoom = place;
     if (const QString note = isNew ? noteOn(state, index) : QString(); !note.isEmpty())
-        nameRoom = drawNote(*painter, place, item, text, note, stateColour(state, item.palette));
-    const auto spans = index.data(PreviewTableModel::spansRole).value<Spans>();
+        nameRoom = drawNote(*painter, place, item, text, note,
+                            mark ? mark->colour
+                            : state == PreviewTableModel::State::byHand
+                                ? item.palette.color(QPalette::PlaceholderText)
+                                : stateColour(state, item.palette));
+    const Spans spans = isPast ? Spans() : index.data(PreviewTableModel::spansRole).value<Spans>();
     drawName(painter, nameRoom, elided(text, spans, item.fontMetrics, nameRoom.width()), item.font,
              textColour, isNew ? colours.addedTint : colours.removedTint,
              isNew ? colours.addedText : colours.removedText, isRightToLeft);

@@ -1,11 +1,13 @@
 #include "presentation/preview/PreviewPane.h"
 
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/pipeline/RenameEngine.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
+#include "presentation/Spoken.h"
 #include "presentation/WindowColours.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/preview/Chip.h"
@@ -13,12 +15,14 @@
 #include "presentation/preview/EmptyView.h"
 #include "presentation/preview/FindBar.h"
 #include "presentation/preview/FolderOffer.h"
+#include "presentation/preview/HandEditing.h"
 #include "presentation/preview/ListBar.h"
 #include "presentation/preview/NameDelegate.h"
 #include "presentation/preview/PreviewTableView.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/StatusRow.h"
 #include "presentation/preview/ThumbnailLoader.h"
+#include "presentation/preview/TickHeader.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/start/FileAddress.h"
 #include "shell/MainController.h"
@@ -102,6 +106,7 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
       sortingChip(new Chip("sortingChip", Glyph::close)) {
     setObjectName("previewPane");
     buildTable();
+    connectHands();
     connectTable();
     connectCommands();
     auto* emptyPage = new EmptyListPage(services, commands);
@@ -140,18 +145,34 @@ void PreviewPane::buildTable() {
     view->setContextMenuPolicy(Qt::CustomContextMenu);
     view->verticalHeader()->hide();
     view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    QHeaderView* header = view->horizontalHeader();
+    QHeaderView* header = new TickHeader(PreviewTableModel::tick, view);
+    view->setHorizontalHeader(header);
     header->setSectionResizeMode(QHeaderView::Interactive);
     header->setHighlightSections(false);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setSectionsClickable(true);
     header->setMinimumSectionSize(20);
+    view->setColumnWidth(PreviewTableModel::tick, 30);
     view->setColumnWidth(PreviewTableModel::icon, 40);
     view->setColumnWidth(PreviewTableModel::state, 34);
     view->setColumnHidden(PreviewTableModel::problem, true);
     widthLimits[PreviewTableModel::problem] = {120, 600};
-    for (const int column : {PreviewTableModel::icon, PreviewTableModel::state})
+    for (const int column : {PreviewTableModel::tick, PreviewTableModel::icon, PreviewTableModel::state})
         header->setSectionResizeMode(column, QHeaderView::Fixed);
+}
+
+void PreviewPane::connectHands() {
+    auto* header = static_cast<TickHeader*>(view->horizontalHeader());
+    hands = new HandEditing(services, {*view, *model, *header, *statusRow, commands});
+    hands->setParent(this);
+    connect(hands, &HandEditing::showOnlyPinned, this, [this] {
+        showWhere(tr("Show: By Hand"), [](const NodeRow& row) { return row.hasExactName(); });
+    });
+    connect(hands, &HandEditing::showOnlyLeftOut, this,
+            [this] { showWhere(tr("Show: Left Out"), [](const NodeRow& row) { return row.isLeftOut(); }); });
+    connect(view, &PreviewTableView::rowsDropped, this, [this](DNDArrayController::Place place) {
+        hands->reorder([&] { controller.dndArrayController().acceptRows(place); });
+    });
 }
 
 void PreviewPane::connectTable() {
@@ -197,6 +218,8 @@ void PreviewPane::connectCommands() {
     connect(commands.showAllItems, &QAction::triggered, this, [this] { setShow(Show::all); });
     connect(commands.showItemsToBeRenamed, &QAction::triggered, this, [this] { setShow(Show::toBeRenamed); });
     connect(commands.showProblems, &QAction::triggered, this, [this] { setShow(Show::problems); });
+    connect(commands.showNotRenamed, &QAction::triggered, this, [this] { setShow(Show::notRenamed); });
+    connect(statusRow, &StatusRow::failedItemWanted, this, &PreviewPane::goToFailed);
     connect(commands.moveRowUp, &QAction::triggered, this, [this] { moveSelection(true); });
     connect(commands.moveRowDown, &QAction::triggered, this, [this] { moveSelection(false); });
 }
@@ -204,8 +227,8 @@ void PreviewPane::connectCommands() {
 void PreviewPane::offerCommands(const QPoint& place) {
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addActions({commands.openFile, commands.revealFile, commands.copy, commands.removeFile,
-                      commands.moveRowUp, commands.moveRowDown});
+    menu->addActions({commands.editNewName, commands.unpinNames, commands.openFile, commands.revealFile,
+                      commands.copy, commands.removeFile, commands.moveRowUp, commands.moveRowDown});
     menu->popup(view->viewport()->mapToGlobal(place));
 }
 
@@ -414,6 +437,8 @@ void PreviewPane::showSorting() {
 }
 
 void PreviewPane::previewFinished() {
+    model->runMarks().listWasRead();
+    commands.showNotRenamed->setEnabled(model->runMarks().hasNotRenamed());
     listChanged();
     countProblems();
     showPage();
@@ -423,7 +448,49 @@ void PreviewPane::previewFinished() {
         folderOffer->withdraw();
 }
 
-void PreviewPane::refreshProgress() { statusRow->refreshProgress(); }
+void PreviewPane::refreshProgress() {
+    statusRow->refreshProgress();
+    if (!isRunShown)
+        return;
+    model->runMarks().refresh();
+    statusRow->showRun(controller.renameEngine().runOutcomes().failedRows(), isWaiting);
+    view->viewport()->update();
+}
+
+void PreviewPane::beginRun() {
+    isRunShown = true;
+    hands->runBegins();
+    model->runMarks().begin();
+    listBar->setEnabled(false);
+    view->setAcceptDrops(false);
+    view->setDragEnabled(false);
+    commands.showNotRenamed->setEnabled(false);
+    refreshProgress();
+}
+
+void PreviewPane::focusList() { view->setFocus(); }
+
+void PreviewPane::endRun() {
+    isRunShown = false;
+    isWaiting = false;
+    model->runMarks().end();
+    listBar->setEnabled(true);
+    view->setAcceptDrops(true);
+    view->setDragEnabled(true);
+    commands.showNotRenamed->setEnabled(model->runMarks().hasNotRenamed());
+    statusRow->showRun(std::nullopt);
+    view->viewport()->update();
+}
+
+void PreviewPane::setWaiting(bool waits) {
+    isWaiting = waits;
+    refreshProgress();
+}
+
+void PreviewPane::goToFailed() {
+    if (const auto row = model->rowOf(model->runMarks().nextFailed()))
+        goTo(*row);
+}
 
 void PreviewPane::selectPreviewTab(PreviewTab tab) { statusRow->selectPreviewTab(tab); }
 
@@ -469,6 +536,10 @@ void PreviewPane::showProblemBar() {
              tr("Previous problem (Shift+F8)")},
             {"nextProblemButton", tr("↓"), [this] { goToProblem(true); }, tr("Next problem (F8)")},
             {"showOnlyProblems", tr("Show Only These"), [this] { setShow(Show::problems); }}};
+        if (controller.handEdits().isAllowed())
+            message.buttons.push_back(
+                {"leaveOutProblems", tr("Leave These Out"), [this] { hands->leaveOut(model->problems()); }});
+
     } else if (madeDistinct > 0) {
         message.bold =
             counted(madeDistinct, tr("1 name was made distinct: it would have been the same as another."),
@@ -517,6 +588,10 @@ int PreviewPane::problemBehind(int start, bool forward) const {
     }
     return -1;
 }
+
+QWidget& PreviewPane::listPages() { return *pages; }
+
+std::size_t PreviewPane::problemCount() const { return model->problems().size(); }
 
 void PreviewPane::forgetPictures() { thumbnails->clear(); }
 
@@ -656,8 +731,11 @@ void PreviewPane::moveSelection(bool up) {
         return;
     const DNDArrayController::Place place{shown[up ? selected.front() - 1 : selected.back() + 1], !up};
     isMoving = true;
-    controller.dndArrayController().insertRows(view->selectedIds(), place);
+    hands->reorder([&] { controller.dndArrayController().insertRows(view->selectedIds(), place); });
     isMoving = false;
+    if (const auto first = view->firstSelectedRow(); first >= 0)
+        //: Spoken when a row was moved by keys
+        Spoken::say(tr("now row %L1 of %L2").arg(first + 1).arg(model->rowCount()));
 }
 
 std::optional<PreviewList::Row> PreviewPane::currentRow() const {

@@ -21,6 +21,7 @@ namespace tavrin {
 class Chip;
 class EmptyView;
 class FindBar;
+class HandEditing;
 class ListBar;
 class FolderOffer;
 class MessageBars;
@@ -49,12 +50,23 @@ class PreviewPane final : public QWidget {
     void previewFinished();
     /// Takes over what the progress record displays: bar and status line.
     void refreshProgress();
+    /// A run shows in the list, in which nothing can be changed until it ends.
+    void beginRun();
+    void focusList();
+    void endRun();
+    /// Whether the run waits for an answer.
+    void setWaiting(bool waits);
     void selectPreviewTab(PreviewTab tab);
     /// A run has moved pictures to other names.
     void forgetPictures();
+    /// Names that are typed, ticks, and what of it can be undone.
+    [[nodiscard]] HandEditing& handEditing() { return *hands; }
     /// The messages below the list.
     [[nodiscard]] MessageBars& messageBars() { return *bars; }
     void pathsAdded(const std::vector<std::string>& paths);
+    /// What stands between the bars: the table, or what takes its place.
+    [[nodiscard]] QWidget& listPages();
+    [[nodiscard]] std::size_t problemCount() const;
     void enterDropletEditMode();
     /// Whether the window is so low that the rows around the list had better be, too.
     void setLow(bool isLow);
@@ -82,6 +94,7 @@ class PreviewPane final : public QWidget {
 
   private:
     void buildTable();
+    void connectHands();
     void connectTable();
     void connectCommands();
     void listenToSettings();
@@ -111,6 +124,7 @@ class PreviewPane final : public QWidget {
     /// Where these rows are now.
     [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
     void goTo(int row);
+    void goToFailed();
     void revealForQuestion(const std::string& path);
     [[nodiscard]] std::vector<QRect> rowsInView(const QuestionText::Rows& rows) const;
 
@@ -122,6 +136,7 @@ class PreviewPane final : public QWidget {
     PreviewTableView* view;
     ListBar* listBar;
     FindBar* findBar;
+    HandEditing* hands;
     QStackedWidget* pages; ///< of which one stands in the place of the list
     QWidget* invitation = nullptr;
     EmptyView* emptyView;
@@ -130,6 +145,8 @@ class PreviewPane final : public QWidget {
     StatusRow* statusRow;
     SlicedWork longWork;
     QTimer scrollRest;
+    bool isRunShown = false;
+    bool isWaiting = false;
     Chip* sortingChip;
     std::vector<SortDescriptor> shownOrder;
     bool isMoving = false;               ///< rows by keys

@@ -1,5 +1,6 @@
 #include "presentation/preview/PreviewTableModel.h"
 
+#include "engine/pipeline/RenameEngine.h"
 #include "presentation/QtText.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/ThumbnailLoader.h"
@@ -17,16 +18,19 @@ namespace {
 constexpr int rowsPerPage = 256;
 constexpr std::size_t mostPages = 64;
 
-const std::array<const char*, 4> stateSymbols{"\u2013", "\u2192", "\u29C9", "\u26A0"};
-const std::array<const char*, 4> stateWords{QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "unchanged"),
+const std::array<const char*, 6> stateSymbols{"\u2013", "\u2192", "\u29C9", "\u26A0", "\u270E", "\u2298"};
+const std::array<const char*, 6> stateWords{QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "unchanged"),
                                             QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "will be renamed"),
                                             QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "made distinct"),
-                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "problem")};
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "problem"),
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "by hand"),
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "left out")};
 
 } // namespace
 
 PreviewTableModel::PreviewTableModel(WindowServices shared, ThumbnailLoader& loader, QObject* parent)
-    : QAbstractTableModel(parent), services(shared), thumbnails(loader) {}
+    : QAbstractTableModel(parent), services(shared), thumbnails(loader),
+      marks(shared.controller.renameEngine().runOutcomes(), shared.controller.nodeController()) {}
 
 // --- What there is ---
 
@@ -38,10 +42,13 @@ std::vector<RowId> PreviewTableModel::wantedIds() const {
     case Show::toBeRenamed:
         return list.changingRows();
     case Show::problems:
+    case Show::notRenamed:
     case Show::chosen:
         break;
     }
-    const std::vector<RowId>& among = shown == Show::problems ? rowsWithProblems : chosen;
+    const std::vector<RowId>& among = shown == Show::problems ? rowsWithProblems
+                                      : shown == Show::chosen ? chosen
+                                                              : marks.notRenamed();
     std::vector<RowId> wanted;
     std::ranges::copy_if(list.arrangedObjects(), std::back_inserter(wanted),
                          [&](RowId id) { return std::ranges::binary_search(among, id); });
@@ -120,6 +127,8 @@ PreviewTableModel::Page& PreviewTableModel::pageOf(int row) const {
     page.rows = services.controller.nodeController().rowsWithIds(
         {ids.begin() + static_cast<std::ptrdiff_t>(first),
          ids.begin() + static_cast<std::ptrdiff_t>(std::min(ids.size(), first + rowsPerPage))});
+    for (PreviewList::Row& each : page.rows)
+        applyHandEdits(each);
     page.differences.resize(page.rows.size());
     pages.emplace_front(number, std::move(page));
     pagePlaces[number] = pages.begin();
@@ -128,6 +137,24 @@ PreviewTableModel::Page& PreviewTableModel::pageOf(int row) const {
         pages.pop_back();
     }
     return pages.front().second;
+}
+
+/// What has been settled since the last preview counts at once.
+void PreviewTableModel::applyHandEdits(PreviewList::Row& row) const {
+    const HandEdits& edits = services.controller.handEdits();
+    const bool hasAny = edits.pinned() > 0 || edits.leftOut() > 0;
+    if (!hasAny && !row.isPinned && !row.isLeftOut)
+        return;
+    const std::u16string pinned = edits.namesCount() ? edits.pinnedName(row.fullPath) : std::u16string();
+    if (!pinned.empty())
+        row.finalName = pinned;
+    else if (row.isPinned)
+        row.finalName = edits.computedName(row);
+    row.isPinned = !pinned.empty();
+    row.isLeftOut = !edits.takesPart(row.fullPath);
+    if (row.isLeftOut)
+        row.finalName = row.name;
+    row.diff = row.finalName != row.name;
 }
 
 const PreviewList::Row& PreviewTableModel::rowAt(int row) const {
@@ -152,8 +179,12 @@ std::optional<int> PreviewTableModel::rowOf(RowId id) const {
 }
 
 PreviewTableModel::State PreviewTableModel::stateOf(const PreviewList::Row& row) const {
+    if (row.isLeftOut)
+        return State::leftOut;
     if (row.problem != NameProblem::none)
         return State::problem;
+    if (row.isPinned)
+        return State::byHand;
     if (!row.diff)
         return State::unchanged;
     return row.madeDistinct ? State::madeDistinct : State::renamed;
@@ -206,12 +237,30 @@ QString PreviewTableModel::toolTip(const PreviewList::Row& row) const {
     QString text = shownName(row.name).toHtmlEscaped();
     if (row.diff)
         text += "<br>\u2192 " + shownName(row.finalName).toHtmlEscaped();
-    if (!row.problemMessage.empty())
+    if (const QString reason = marks.reasonOf(row); !reason.isEmpty())
+        text += "<br><b>" + reason.toHtmlEscaped() + "</b>";
+    else if (!row.problemMessage.empty())
         text += "<br><b>" + tr(row.problemMessage.c_str()).toHtmlEscaped() + "</b>";
     else if (row.madeDistinct)
         text += "<br>" + tr("made distinct, since another item has the same name");
     const QString bytes = ShownName::bytesNote(row.name);
     return bytes.isEmpty() ? text : text + "<br>" + bytes.toHtmlEscaped();
+}
+
+QString PreviewTableModel::spokenState(const PreviewList::Row& row) const {
+    switch (marks.outcomeOf(row)) {
+    case RunOutcome::inHand:
+        return tr("in hand");
+    case RunOutcome::done:
+        return tr("done");
+    case RunOutcome::failed:
+        return tr("not renamed: %1").arg(marks.reasonOf(row));
+    case RunOutcome::leftOut:
+        return tr("left out");
+    case RunOutcome::open:
+        break;
+    }
+    return tr(stateWords[static_cast<std::size_t>(stateOf(row))]);
 }
 
 QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
@@ -223,6 +272,10 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
         return textOf(row, index.column());
     case Qt::DecorationRole:
         return index.column() == icon ? thumbnails.imageFor(row, showsThumbnails) : QVariant();
+    case Qt::CheckStateRole:
+        if (index.column() != tick)
+            return {};
+        return row.isLeftOut ? Qt::Unchecked : Qt::Checked;
     case Qt::ToolTipRole:
         return index.column() == folder
                    ? shownName(text::fromBytes(PathParts(row.fullPath).folder)).toHtmlEscaped()
@@ -230,12 +283,14 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case Qt::TextAlignmentRole:
         return index.column() == state ? QVariant(Qt::AlignCenter) : QVariant();
     case Qt::AccessibleTextRole:
-        return tr("%1, new name %2, %3")
-            .arg(shownName(row.name), shownName(row.finalName),
-                 tr(stateWords[static_cast<std::size_t>(stateOf(row))]));
+        return tr("%1, new name %2, %3").arg(shownName(row.name), shownName(row.finalName), spokenState(row));
     case stateRole:
         return static_cast<int>(stateOf(row));
+    case outcomeRole:
+        return static_cast<int>(marks.outcomeOf(row));
     case reasonRole:
+        if (QString reason = marks.reasonOf(row); !reason.isEmpty())
+            return reason;
         return ShownName::problemNote(row.problem, row.problemDetail);
     case rowIdRole:
         return row.id;

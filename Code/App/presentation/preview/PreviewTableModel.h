@@ -2,6 +2,7 @@
 
 #include "presentation/WindowServices.h"
 #include "presentation/preview/NameDifference.h"
+#include "presentation/run/RunMarks.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/preview/PreviewList.h"
 
@@ -26,6 +27,7 @@ class PreviewTableModel final : public QAbstractTableModel {
 
   public:
     enum Column {
+        tick,
         icon,
         currentName,
         state,
@@ -36,13 +38,15 @@ class PreviewTableModel final : public QAbstractTableModel {
         folder,
         columnCount_
     };
-    enum class State { unchanged, renamed, madeDistinct, problem };
-    enum class Show { all, toBeRenamed, problems, chosen };
+    enum class State { unchanged, renamed, madeDistinct, problem, byHand, leftOut };
+    enum class Show { all, toBeRenamed, problems, notRenamed, chosen };
 
     static constexpr int stateRole = Qt::UserRole;
     static constexpr int reasonRole = Qt::UserRole + 1; ///< what is wrong with a row, or empty
     static constexpr int rowIdRole = Qt::UserRole + 2;
     static constexpr int spansRole = Qt::UserRole + 3; ///< vector of NameDifference::Span, for the two names
+
+    static constexpr int outcomeRole = Qt::UserRole + 4; ///< what a run has made of a row: a RunOutcome
 
     PreviewTableModel(WindowServices services, ThumbnailLoader& thumbnails, QObject* parent);
 
@@ -56,6 +60,10 @@ class PreviewTableModel final : public QAbstractTableModel {
     [[nodiscard]] Show show() const { return shown; }
     void setShowsThumbnails(bool on);
     void setShowsInvisibles(bool on);
+    /// What a run makes of the rows. Whoever changes it has the rows painted anew.
+    [[nodiscard]] RunMarks& runMarks() { return marks; }
+    /// Other rows have names by hand, or are left out, which shows before the next preview.
+    void handEditsChanged() { repaintAll(); }
     /// A thumbnail has come.
     void thumbnailChanged(RowId id);
 
@@ -84,17 +92,20 @@ class PreviewTableModel final : public QAbstractTableModel {
     };
 
     Page& pageOf(int row) const;
+    void applyHandEdits(PreviewList::Row& row) const;
     [[nodiscard]] const NameDifference& differenceAt(int row) const;
     [[nodiscard]] QString toolTip(const PreviewList::Row& row) const;
     [[nodiscard]] QString folderOf(const PreviewList::Row& row) const;
     [[nodiscard]] QVariant textOf(const PreviewList::Row& row, int column) const;
     [[nodiscard]] std::vector<RowId> wantedIds() const;
+    [[nodiscard]] QString spokenState(const PreviewList::Row& row) const;
     void repaintAll();
 
     const WindowServices services;
     ThumbnailLoader& thumbnails;
     std::vector<RowId> ids;
     std::vector<RowId> rowsWithProblems;
+    RunMarks marks;
     std::vector<RowId> chosen;
     Show shown = Show::all;
     bool showsThumbnails = true;

@@ -14,6 +14,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <algorithm>
 
@@ -48,6 +49,8 @@ StatusRow::StatusRow(MainController& owner)
     statusPage->addWidget(statusText);
     statusPage->addStretch(1);
     pages->addWidget(page);
+    runPage = makeRunPage();
+    pages->addWidget(runPage);
     // A reason can be longer than the window is wide.
     statusText->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     statusText->setMinimumWidth(1);
@@ -85,6 +88,7 @@ void StatusRow::addOrderButtons() {
         button->setToolTip(tip);
         button->setAutoExclusive(true);
         layout()->addWidget(button);
+        orderButtons.push_back(button);
         connect(button, &QToolButton::clicked, this, [&settings, isAutomatic] {
             if (settings.values().automaticSorting != isAutomatic)
                 settings.setAutomaticSorting(isAutomatic);
@@ -113,6 +117,45 @@ void StatusRow::refreshProgress() {
     statusText->setToolTip(toQString(progress.stageText()).toHtmlEscaped());
 }
 
-void StatusRow::selectPreviewTab(PreviewTab tab) { pages->setCurrentIndex(static_cast<int>(tab)); }
+void StatusRow::selectPreviewTab(PreviewTab wanted) {
+    tab = wanted;
+    if (pages->currentWidget() != runPage)
+        pages->setCurrentIndex(static_cast<int>(tab));
+}
+
+QWidget* StatusRow::makeRunPage() {
+    auto* page = new QWidget;
+    runText = plainLabel("runStatusText");
+    showFailed = new QPushButton;
+    showFailed->setObjectName("showFailedItem");
+    showFailed->setIcon(GlyphIcon::of(Glyph::problem));
+    showFailed->setAutoDefault(false);
+    connect(showFailed, &QPushButton::clicked, this, &StatusRow::failedItemWanted);
+    auto* row = new QHBoxLayout(page);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(runText);
+    row->addWidget(showFailed);
+    row->addStretch(1);
+    return page;
+}
+
+void StatusRow::showRun(const std::optional<std::size_t>& failed, bool isWaiting) {
+    for (QWidget* button : orderButtons)
+        button->setEnabled(!failed);
+    if (!failed) {
+        pages->setCurrentIndex(static_cast<int>(tab));
+        return;
+    }
+    if (isWaiting)
+        runText->setText(tr("Waiting for your answer."));
+    else
+        runText->setText(*failed == 0 ? tr("Nothing has failed so far.")
+                                      : counted(*failed, tr("1 item was not renamed so far."),
+                                                tr("%L1 items were not renamed so far.")));
+    //: Of an item that was not renamed
+    showFailed->setText(*failed == 1 ? tr("Sho&w It") : tr("Sho&w the Next"));
+    showFailed->setVisible(*failed > 0);
+    pages->setCurrentWidget(runPage);
+}
 
 } // namespace tavrin

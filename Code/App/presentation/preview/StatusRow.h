@@ -1,11 +1,15 @@
 #pragma once
 
 #include <QWidget>
+#include <cstddef>
 #include <memory>
+#include <optional>
+#include <vector>
 
 class QHBoxLayout;
 class QLabel;
 class QProgressBar;
+class QPushButton;
 class QStackedWidget;
 
 namespace tavrin {
@@ -27,15 +31,27 @@ class StatusRow final : public QWidget {
     /// Takes over what the progress record displays.
     void refreshProgress();
     void selectPreviewTab(PreviewTab tab);
+    /// During a run: what has failed so far, in the place of all else; nothing when the run is over.
+    void showRun(const std::optional<std::size_t>& failed, bool isWaiting = false);
     /// Puts a chip behind the status text; it becomes this row's.
     void addChip(Chip* chip);
+
+  signals:
+    void failedItemWanted();
 
   private:
     QWidget* makeProgressPage();
     void addOrderButtons();
 
     MainController& controller;
+    [[nodiscard]] QWidget* makeRunPage();
+
     QStackedWidget* pages;
+    PreviewTab tab{};
+    QWidget* runPage = nullptr;
+    QLabel* runText = nullptr;
+    QPushButton* showFailed = nullptr;
+    std::vector<QWidget*> orderButtons;
     QProgressBar* progressBar;
     QLabel* progressText;
     QLabel* statusText;

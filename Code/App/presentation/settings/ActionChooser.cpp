@@ -8,6 +8,7 @@
 #include "shell/MainController.h"
 
 #include <QBoxLayout>
+#include <QLabel>
 #include <utility>
 
 namespace tavrin {
@@ -16,10 +17,15 @@ namespace {
 
 constexpr int spacing = 8;
 
-QComboBox* makeBox(const char* name, const QString& accessibleName) {
+/// A combo box is spoken by the name of its label alone where readers are asked over a bus, so it has one,
+/// which needs no place.
+QComboBox* makeBox(QWidget* parent, const char* name, const QString& accessibleName) {
     auto* box = new WidePopUpBox;
     box->setObjectName(name);
     box->setAccessibleName(accessibleName);
+    auto* label = new QLabel(accessibleName, parent);
+    label->setBuddy(box);
+    label->hide();
     box->setMaxVisibleItems(30);
     box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     box->setMinimumContentsLength(6);
@@ -30,8 +36,8 @@ QComboBox* makeBox(const char* name, const QString& accessibleName) {
 
 ActionChooser::ActionChooser(const WindowServices& shared)
     : services(shared), search(new ActionSearchField(services.actionList)),
-      categoryPopUpButton(makeBox("categoryPopUpButton", tr("Category"))),
-      actionPopUpButton(makeBox("actionPopUpButton", tr("Action"))),
+      categoryPopUpButton(makeBox(this, "categoryPopUpButton", tr("Category"))),
+      actionPopUpButton(makeBox(this, "actionPopUpButton", tr("Action"))),
       all(new QBoxLayout(QBoxLayout::TopToBottom, this)), boxes(new QBoxLayout(QBoxLayout::LeftToRight)) {
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(spacing);

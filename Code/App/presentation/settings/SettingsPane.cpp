@@ -91,10 +91,11 @@ SettingsPane::SettingsPane(const WindowServices& shared, WindowCommands& command
 }
 
 QWidget* SettingsPane::makeHeadRow(WindowCommands& commands) {
-    auto* row = new QWidget;
-    auto* layout = new QHBoxLayout(row);
+    headRow = new QWidget;
+    auto* layout = new QHBoxLayout(headRow);
     layout->setContentsMargins(0, 0, 0, 0);
     stepLabel->setObjectName("stepLabel");
+    stepLabel->setWordWrap(true);
     QFont bold = stepLabel->font();
     bold.setWeight(QFont::DemiBold);
     stepLabel->setFont(bold);
@@ -108,7 +109,24 @@ QWidget* SettingsPane::makeHeadRow(WindowCommands& commands) {
     layout->addWidget(stepLabel, 1);
     for (QToolButton* button : {addStepButton, reset, helpButton})
         layout->addWidget(button);
-    return row;
+    return headRow;
+}
+
+/// Where there is no room for all of it the button does without its caption.
+void SettingsPane::arrangeHead() {
+    const QFontMetrics metrics = stepLabel->fontMetrics();
+    int wanted = metrics.horizontalAdvance(stepLabel->text());
+    addStepButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    for (const QToolButton* button : headRow->findChildren<QToolButton*>(Qt::FindDirectChildrenOnly))
+        if (!button->isHidden())
+            wanted += headRow->layout()->spacing() + button->sizeHint().width();
+    if (wanted > width() - 2 * margin)
+        addStepButton->setToolButtonStyle(Qt::ToolButtonIconOnly);
+}
+
+void SettingsPane::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    arrangeHead();
 }
 
 QWidget* SettingsPane::makeColumn(BaseRenameAction& action) {
@@ -182,6 +200,7 @@ void SettingsPane::stepsChanged() {
         isOnly ? tr("What to do")
                : tr("Step %1 of %2").arg(composite.getCurrentActionIndexAsInt() + 1).arg(composite.count()));
     addStepButton->setVisible(isOnly);
+    arrangeHead();
     chooser->refresh();
 }
 

@@ -40,6 +40,7 @@ class SettingsPane final : public QWidget {
 
   protected:
     void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     QWidget* makeHeadRow(WindowCommands& commands);
@@ -47,10 +48,12 @@ class SettingsPane final : public QWidget {
     QWidget* makeColumn(BaseRenameAction& action);
     void putIntoTabOrder(const QWidget& content) const;
     void showHelpOnAction();
+    void arrangeHead();
 
     const WindowServices services;
     const PreviewPane& list;
     QLabel* stepLabel;
+    QWidget* headRow = nullptr;
     QToolButton* addStepButton;
     QToolButton* helpButton; ///< the last of the head
     ActionChooser* chooser;

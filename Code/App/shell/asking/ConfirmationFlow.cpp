@@ -72,6 +72,7 @@ void ConfirmationFlow::settingsAreInconsistent(int choice, const std::function<v
 }
 
 void ConfirmationFlow::startRun(bool quit) {
+    quitsAfterRun = quit;
     if (quit)
         services.engine.processRenamingPipelineThenQuit(services.progress);
     else if (services.settings.values().shouldContinueAfterRename)
@@ -101,6 +102,7 @@ void ConfirmationFlow::createFileList() {
 void ConfirmationFlow::startProgressWindow() {
     debugLog("--- startProgressWindow");
     isReportDue = true;
+    services.engine.runOutcomes().begin(0);
     setCurrentlyShowingProgressTab(true);
     services.frontEnd.selectMainTab(MainTab::progress);
 }
@@ -165,6 +167,7 @@ struct ConfirmationFlow::RunResult {
     std::int32_t planned = 0;
     std::int32_t renamed = 0;
     std::size_t notRenamed = 0;
+    RunKind what = RunKind::rename;
 
     [[nodiscard]] std::string summary() const {
         return renamed == 0   ? "No file names were changed."
@@ -188,7 +191,7 @@ void ConfirmationFlow::showCompletionDialog() { tellEnd(resultOfRun()); }
 
 void ConfirmationFlow::tellEndOfTakeBack(const TakeBackResult& result) {
     tellEnd({result.errors, result.planned, result.changed,
-             std::max(result.errors.size(), static_cast<std::size_t>(result.failed))});
+             std::max(result.errors.size(), static_cast<std::size_t>(result.failed)), RunKind::undo});
 }
 
 void ConfirmationFlow::tellEnd(const RunResult& result) {
@@ -205,21 +208,55 @@ void ConfirmationFlow::tellEnd(const RunResult& result) {
     }
     if (services.isSilentDroplet())
         return;
-    if (!result.errors.empty()) {
-        const std::string done = wasCut ? result.summary() + " " + details : result.summary();
-        services.frontEnd.showProcessingErrors({result.errors, result.notRenamed, done}, reportIsOpen());
-    } else if (services.settings.values().shouldShowSummary() || isWindowClosed) {
-        if (result.notRenamed > 0)
-            details += (details.empty() ? "" : " ") + notRenamedText(result.notRenamed);
-        services.frontEnd.showAlert({.kind = AlertKind::summary,
-                                     .style = AlertStyle::informational,
-                                     .title = result.summary(),
-                                     .text = details,
-                                     .buttons = {"OK"}},
-                                    [closed = reportIsOpen()](AlertAnswer) { closed(); });
+    const bool undoneBeforeQuit = !std::exchange(undoBeforeQuit, {}).empty();
+    const bool isFailed = !result.errors.empty() || result.notRenamed > 0;
+    const bool endsProgram = isWindowClosed || undoneBeforeQuit || std::exchange(quitsAfterRun, false) ||
+                             services.mode == OperationMode::dropletRun;
+    const bool isWanted = services.settings.values().shouldShowSummary() && !undoneBeforeQuit;
+    if (isFailed || isWanted || isWindowClosed) {
+        RunReport report = reportOf(result);
+        report.endsProgram = endsProgram;
+        report.details = details;
+        const auto closed = endsProgram ? reportIsOpen() : [] {};
+        services.frontEnd.showRunReport(report, [this, closed, endsProgram, alive = std::weak_ptr(self),
+                                                 run = report.run](ReportAnswer answer) {
+            if (endsProgram && !alive.expired())
+                answerReport(answer, run);
+            closed();
+        });
     }
-    if (isWindowClosed)
+    if (isWindowClosed || undoneBeforeQuit)
         terminateWhenReportIsClosed();
+}
+
+RunReport ConfirmationFlow::reportOf(const RunResult& result) const {
+    RunReport report{.what = result.what,
+                     .changed = static_cast<std::size_t>(result.renamed),
+                     .notRenamed = result.notRenamed,
+                     .wasStopped = services.engine.runOutcomes().wasStopped(),
+                     .wasClosed = isWindowClosed,
+                     .clearsList = !services.settings.values().shouldContinueAfterRename,
+                     .run = services.engine.recordOfLastRun(),
+                     .summary = result.summary(),
+                     .errors = result.errors};
+    const auto touched = static_cast<std::int64_t>(report.changed + report.notRenamed);
+    report.untouched = static_cast<std::size_t>(std::max<std::int64_t>(0, result.planned - touched));
+    return report;
+}
+
+/// The answer of somebody whose program is about to end.
+void ConfirmationFlow::answerReport(ReportAnswer answer, const std::string& run) {
+    if (answer == ReportAnswer::close)
+        return;
+    isTerminationDue = false;
+    isWindowClosed = false;
+    if (answer == ReportAnswer::undoAndQuit) {
+        undoBeforeQuit = run;
+        units.undoRun(run);
+    } else {
+        services.engine.rereadAtNextPreview();
+        units.preview.initiateDelayedPreviewUpdate();
+    }
 }
 
 void ConfirmationFlow::showFileListSavingCompletionDialog(int format) {
@@ -260,7 +297,7 @@ void ConfirmationFlow::showFileListNotSaved(const std::string& path, const std::
 
 void ConfirmationFlow::closeWindow() {
     if (!isReportDue) {
-        terminateWhenReportIsClosed();
+        terminateNow(); // whoever closes the window has read what it shows
         return;
     }
     isWindowClosed = true;

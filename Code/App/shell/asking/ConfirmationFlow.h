@@ -28,6 +28,8 @@ class ConfirmationFlow {
         PreviewControl& preview;
         NoticeDialogs& notices;
         DropletCommands& droplets;
+        /// Has the run of this name undone.
+        std::function<void(const std::string& run)> undoRun;
     };
     /// `terminate` ends the application at once.
     ConfirmationFlow(ShellServices& shared, Units otherUnits, std::function<void()> terminate);
@@ -76,6 +78,8 @@ class ConfirmationFlow {
     struct RunResult;
     [[nodiscard]] RunResult resultOfRun();
     void tellEnd(const RunResult& result);
+    void answerReport(ReportAnswer answer, const std::string& run);
+    [[nodiscard]] RunReport reportOf(const RunResult& result) const;
     void startRun(bool quit);
     void stopNow();
     void settingsAreInconsistent(int choice, const std::function<void(bool)>& then);
@@ -91,6 +95,8 @@ class ConfirmationFlow {
     bool isShowingProgress = false;
     bool isReportDue = false; ///< a run is under way, or has ended and is not reported yet
     bool isWindowClosed = false;
+    bool quitsAfterRun = false; ///< the run under way was asked to end the application
+    std::string undoBeforeQuit; ///< the run that is to be undone before the application ends
     std::function<void(const std::string&)> tellInstead; ///< takes the place of the report
     int openReports = 0;
     bool isTerminationDue = false;

@@ -57,6 +57,24 @@ struct AlertOfQuestion {
 
 std::optional<Alert> alertOf(const RunQuestion& question) { return std::visit(AlertOfQuestion(), question); }
 
+void FrontEnd::showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer) {
+    const auto closed = [answer = std::move(answer)] { answer(ReportAnswer::close); };
+    if (!report.errors.empty()) {
+        const std::string done = report.summary + (report.details.empty() ? "" : " " + report.details);
+        showProcessingErrors({report.errors, report.notRenamed, done}, closed);
+        return;
+    }
+    std::string details = report.details;
+    if (report.notRenamed > 0)
+        details += (details.empty() ? "" : " ") + notRenamedText(report.notRenamed);
+    showAlert({.kind = AlertKind::summary,
+               .style = AlertStyle::informational,
+               .title = report.summary,
+               .text = details,
+               .buttons = {"OK"}},
+              [closed](AlertAnswer) { closed(); });
+}
+
 std::string notRenamedText(std::size_t count) {
     return count == 1 ? "1 item was not renamed." : fmt::format("{} items were not renamed.", count);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/asking/RunQuestion.h"
+#include "engine/history/RunRecord.h"
 #include "store/contexts/SmallEntities.h"
 
 #include <cstddef>
@@ -37,6 +38,7 @@ enum class AlertKind {
     updateAvailable,
     noUpdate,
     settingsSetAside,
+    namesByHandLost,
 };
 
 enum class AlertStyle { warning, informational, critical };
@@ -85,6 +87,23 @@ struct FailureReport {
     std::string done;                    ///< what was done, in a sentence or two
 };
 [[nodiscard]] std::string notRenamedText(std::size_t count);
+
+/// How a run has ended.
+struct RunReport {
+    RunKind what = RunKind::rename;
+    std::size_t changed = 0;    ///< names
+    std::size_t notRenamed = 0; ///< items that failed, told on the way or not
+    std::size_t untouched = 0;  ///< items that a stopped run has not come to
+    bool wasStopped = false;
+    bool wasClosed = false;   ///< the user has closed the window in the middle of it
+    bool endsProgram = false; ///< the application ends when this is read, unless the user wants it to stay
+    bool clearsList = false;
+    std::string run = {};                     ///< what the history calls it; empty: it was not recorded
+    std::string summary = {};                 ///< what was done, in a sentence
+    std::string details = {};                 ///< how far it came, where it was cut by the end of the window
+    std::vector<ProcessingError> errors = {}; ///< those that have not been told during the run
+};
+enum class ReportAnswer { close, keepOpen, undoAndQuit };
 
 struct FilesToAdd {
     std::vector<std::string> paths; ///< absolute, in bytes
@@ -157,6 +176,9 @@ class FrontEnd {
     /// A question of a run. The answer is one that it allows; a handler that is dropped stands for "stop".
     virtual void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) = 0;
     virtual void showProcessingErrors(const FailureReport& report, std::function<void()> closed) = 0;
+    /// The end of a run. The answer counts where it ends the program; one that is dropped stands for "close".
+    /// The default shows the failures, or else an alert with the summary.
+    virtual void showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer);
     /// Closes the questions of a run that are open, as answered with "stop".
     virtual void withdrawQuestions() {}
     /// Called with nothing when the user cancels, as below.
