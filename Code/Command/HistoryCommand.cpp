@@ -1,10 +1,9 @@
 #include "Commands.h"
 #include "Terminal.h"
-#include "engine/history/JournalPlaces.h"
+#include "engine/history/ItemsNow.h"
 #include "engine/history/RunHistory.h"
 #include "platform/desktop/UserFolders.h"
 #include "support/text/DisplayText.h"
-#include "support/text/PathParts.h"
 #include "support/text/Text.h"
 
 #include <fmt/format.h>
@@ -72,45 +71,29 @@ void printRun(const PastRun& run, bool json, Terminal& terminal) {
                                          what, state, record.itemCount(), terminal.shown(folder)));
 }
 
-/// Where an item is now, in the words of the output, and the name that it bears; empty for none.
-struct Now {
-    std::string_view place;
-    std::string name;
-};
+/// Where items are now, in the words of the output.
+constexpr std::array<std::string_view, 7> nowWords = {"done", "stand-in", "old",    "replaced",
+                                                      "gone", "unclear",  "renamed"};
 
-Now nowOf(const PlacedItem& placed, RenamedAgain& again) {
-    constexpr std::array<std::string_view, 6> words = {"done",     "stand-in", "old",
-                                                       "replaced", "gone",     "unclear"};
-    if (placed.place == ItemPlace::gone || placed.place == ItemPlace::replaced) {
-        const RenamedAgain::Hit* hit =
-            again.find(joinedPath(placed.folder, placed.item.newName), placed.item.inode);
-        if (hit != nullptr)
-            return {"renamed", hit->newName};
-    }
-    const bool isNowhere = placed.place == ItemPlace::gone || placed.place == ItemPlace::unclear;
-    return {words.at(static_cast<std::size_t>(placed.place)), isNowhere ? std::string() : placed.name};
-}
-
-ExitStatus printItems(const PastRun& run, const std::string& folder, bool json, Terminal& terminal) {
+ExitStatus printItems(const PastRun& run, bool json, Terminal& terminal) {
     if (!run.problem.empty())
         throw UsageError(fmt::format("the run {} can't be used. {}", run.name, run.problem));
     RunRecordReader record(run.path);
     record.examine();
-    RenamedAgain again(folder, run.name);
-    JournalPlaces(record).visit(JournalPlaces::Which::all, [&](const PlacedItem& placed) {
-        const Now now = nowOf(placed, again);
+    ItemsNow(record, run).visit([&](const PlacedItem& placed, const WhereNow& where) {
+        const std::string_view now = nowWords.at(static_cast<std::size_t>(where.now));
         if (json)
             terminal.output().append(JsonLine()
                                          .text("folder", placed.folder)
                                          .text("oldName", placed.item.oldName)
                                          .text("newName", placed.item.newName)
-                                         .text("now", now.place)
-                                         .textOrNull("nowName", now.name)
+                                         .text("now", now)
+                                         .textOrNull("nowName", where.name)
                                          .end());
         else
             terminal.output().append(fmt::format(
                 "{}\t{}\t{}\t{}\t{}\n", terminal.shown(placed.folder), terminal.shown(placed.item.oldName),
-                terminal.shown(placed.item.newName), now.place, terminal.shown(now.name)));
+                terminal.shown(placed.item.newName), now, terminal.shown(where.name)));
     });
     return terminal.finish();
 }
@@ -122,13 +105,16 @@ PastRun runNamed(const RunHistory& history, const std::string& name) {
     return std::get<PastRun>(std::move(found));
 }
 
+ExitStatus tellLeft(const std::vector<RunHistory::NotForgotten>& left, Terminal& terminal) {
+    for (const auto& [run, error] : left)
+        terminal.complain(
+            fmt::format("tvrn: {} can't be forgotten: {}", run, std::generic_category().message(error)));
+    return left.empty() ? ExitStatus::allWell : ExitStatus::itemsFailed;
+}
+
 ExitStatus forget(const PastRun& run, Terminal& terminal) {
     const int error = RunHistory::forget(run);
-    if (error == 0)
-        return ExitStatus::allWell;
-    terminal.complain(
-        fmt::format("tvrn: {} can't be forgotten: {}", run.name, std::generic_category().message(error)));
-    return ExitStatus::itemsFailed;
+    return error == 0 ? ExitStatus::allWell : tellLeft({{run.name, error}}, terminal);
 }
 
 } // namespace
@@ -140,17 +126,14 @@ ExitStatus runHistoryCommand(const HistoryOptions& options) {
     if (!options.forget.empty())
         return forget(runNamed(history, options.forget), terminal);
     if (!options.run.empty())
-        return printItems(runNamed(history, options.run), folder, options.json, terminal);
+        return printItems(runNamed(history, options.run), options.json, terminal);
     if (const std::string problem = history.problem(); !problem.empty())
         throw UsageError(problem);
-    ExitStatus status = ExitStatus::allWell;
-    for (const PastRun& run : history.runs()) {
-        if (!options.clear)
-            printRun(run, options.json, terminal);
-        else if (run.isSettled && run.problem.empty() && forget(run, terminal) != ExitStatus::allWell)
-            status = ExitStatus::itemsFailed;
-    }
-    return terminal.finish(status);
+    if (options.clear)
+        return terminal.finish(tellLeft(history.clear(), terminal));
+    for (const PastRun& run : history.runs())
+        printRun(run, options.json, terminal);
+    return terminal.finish();
 }
 
 } // namespace tavrin

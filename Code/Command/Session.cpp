@@ -5,6 +5,7 @@
 #include "RecipeLoader.h"
 #include "actions/CompositeRenameAction.h"
 #include "platform/files/AbsolutePaths.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "shell/MainController.h"
 #include "store/contexts/StoreContext.h"
 #include "store/paging/ItemStore.h"
@@ -25,6 +26,8 @@ MainController::Options controllerOptions() {
     options.usesUserFolders = false;
     options.followsChanges = false;
     options.history.who = "tvrn";
+    // The records are the window's too, so they stay for as long as its user wants.
+    options.history.limits = [] { return HistoryLimits::of(UserDefaults(UserDefaults::defaultPath())); };
     return options;
 }
 

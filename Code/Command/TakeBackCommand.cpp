@@ -30,10 +30,11 @@ ExitStatus runTakeBackCommand(const TakeBackOptions& options) {
     const auto chosen = session.history().choose(options.isRedo ? RunKind::redo : RunKind::undo, options.run);
     if (const auto* reason = std::get_if<std::string>(&chosen))
         throw UsageError(*reason);
-    const TakeBackResult result = session.takeBack({.chosen = std::get<ChosenRun>(chosen),
-                                                    .takesReplaced = options.replaced,
-                                                    .asks = options.interactive,
-                                                    .isPreview = options.preview});
+    const TakeBackResult result = session.takeBack(
+        {.chosen = std::get<ChosenRun>(chosen),
+         .extent = options.preview ? TakeBackRequest::Extent::look : TakeBackRequest::Extent::whatCan,
+         .takesReplaced = options.replaced,
+         .asks = options.interactive});
     if (options.preview)
         print(result, options, session.terminal());
     else if (!options.quiet)

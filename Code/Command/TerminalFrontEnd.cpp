@@ -55,11 +55,11 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
         break; // the command says how it ended, and sorts by itself
     case AlertKind::presetMigration:
     case AlertKind::dropletMigration:
-    case AlertKind::interruptedRun:
     case AlertKind::nothingToTakeBack:
     case AlertKind::updateAvailable:
     case AlertKind::noUpdate:
     case AlertKind::settingsSetAside:
+    case AlertKind::namesByHandLost:
     case AlertKind::runQuestion:
         break; // the command offers nothing that leads here
     case AlertKind::tagNotPresent:

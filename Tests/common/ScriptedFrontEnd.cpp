@@ -6,12 +6,12 @@ namespace tavrin::test {
 namespace {
 
 /// In the order of AlertKind.
-constexpr std::array alertNames{"noActiveActions", "filesNotAdded",    "itemsNotRemoved",   "manualSorting",
-                                "runQuestion",     "interruptedRun",   "nothingToTakeBack", "summary",
-                                "fileListSaved",   "dropletLocked",    "dropletNotCreated", "dropletIsSilent",
-                                "dropletUpgrade",  "presetDeletion",   "exifSortingOff",    "tagNotPresent",
-                                "presetMigration", "dropletMigration", "updateAvailable",   "noUpdate",
-                                "settingsSetAside"};
+constexpr std::array alertNames{
+    "noActiveActions",   "filesNotAdded",    "itemsNotRemoved", "manualSorting",  "runQuestion",
+    "nothingToTakeBack", "summary",          "fileListSaved",   "dropletLocked",  "dropletNotCreated",
+    "dropletIsSilent",   "dropletUpgrade",   "presetDeletion",  "exifSortingOff", "tagNotPresent",
+    "presetMigration",   "dropletMigration", "updateAvailable", "noUpdate",       "settingsSetAside",
+    "namesByHandLost"};
 /// In the order of NoticeDialog.
 constexpr std::array noticeNames{"noFilesSelected", "inconsistentSettings", "dropletInformation",
                                  "dropletEditMode", "simpleTemplateFileList"};

@@ -18,7 +18,7 @@ namespace tavrin::test {
 /// answer. Any other question fails the test and is dropped unanswered; so does an expectation that is left
 /// at the end. Questions are named "alert summary", "notice noFilesSelected", by the first word of a run's
 /// question, "errors", "files to add", "list format", "save path", "droplet path", "droplets", "folder",
-/// "take back TITLE", "fetch ADDRESS".
+/// "undo POSSIBLE of TOTAL" ("redo", "finish"), "interrupted CHANGED of TOTAL", "fetch ADDRESS".
 class ScriptedFrontEnd : public FrontEnd {
   public:
     /// The question goes unanswered, as when the window is closed.
@@ -27,7 +27,8 @@ class ScriptedFrontEnd : public FrontEnd {
     struct Held {};
     using Answer = std::variant<Closed, Held, AlertAnswer, NoticeAnswer, ConfirmationChoice, ReportAnswer,
                                 std::optional<FilesToAdd>, FileListChoice, std::optional<std::string>,
-                                std::optional<std::vector<std::string>>, FetchedAddress, bool>;
+                                std::optional<std::vector<std::string>>, FetchedAddress, UndoAnswer,
+                                InterruptedRunAnswer>;
 
     template <typename Given> using Handler = std::function<void(Given)>;
 
@@ -47,7 +48,8 @@ class ScriptedFrontEnd : public FrontEnd {
     std::vector<Alert> alerts;
     FailureReport failures;
     RunReport lastReport;
-    std::optional<TakeBackQuestion> takeBack; ///< the last one
+    std::optional<UndoQuestion> undoQuestion;     ///< the last one
+    std::optional<InterruptedRun> interruptedRun; ///< the last one
     std::vector<std::string> presented;
     std::map<PreviewColumn, bool> hiddenColumns;
     int finishedPreviews = 0;
@@ -91,10 +93,18 @@ class ScriptedFrontEnd : public FrontEnd {
         note("panel titled " + title + " starts at " + startFolder);
         askFor("droplet path", answer);
     }
-    void askToTakeBack(const TakeBackQuestion& question, Handler<bool> answer) override {
-        takeBack = question;
-        askFor("take back " + question.title, answer);
+    void askToUndo(const UndoQuestion& question, Handler<UndoAnswer> answer) override {
+        undoQuestion = question;
+        const std::string_view verb = question.finishes                ? "finish"
+                                      : question.what == RunKind::undo ? "undo"
+                                                                       : "redo";
+        askFor(fmt::format("{} {} of {}", verb, question.possible, question.total), answer);
     }
+    void tellInterruptedRun(const InterruptedRun& run, Handler<InterruptedRunAnswer> answer) override {
+        interruptedRun = run;
+        askFor(fmt::format("interrupted {} of {}", run.changed, run.total), answer);
+    }
+    void showHistory(const std::string& run) override { note("history " + run); }
     void askForDroplets(const LocatePanel&,
                         Handler<std::optional<std::vector<std::string>>> answer) override {
         askFor("droplets", answer);

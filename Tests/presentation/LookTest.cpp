@@ -1,4 +1,5 @@
 #include "actions/BaseRenameAction.h"
+#include "presentation/Buttons.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/WindowPlace.h"
 
@@ -69,11 +70,14 @@ class Look : public WindowFixture {
             if (const auto* label = qobject_cast<const QLabel*>(widget); label && !label->text().isEmpty()) {
                 if (label->wordWrap())
                     note(*label, label->heightForWidth(label->width()), label->height());
-                else if (label->sizePolicy().horizontalPolicy() != QSizePolicy::Ignored)
+                else if (label->toolTip().isEmpty()) // what may be of any length has a tip that tells it all
                     note(*label, label->sizeHint().width(), label->width());
             } else if (const auto* button = qobject_cast<const QAbstractButton*>(widget);
                        button && !button->text().isEmpty()) {
-                note(*widget, widget->sizeHint().width(), widget->width());
+                // These leave their captions out as a whole.
+                const bool mayShrink = dynamic_cast<const ToggleButton*>(widget);
+                note(*widget, (mayShrink ? widget->minimumSizeHint() : widget->sizeHint()).width(),
+                     widget->width());
             } else if (const auto* header = qobject_cast<const QHeaderView*>(widget)) {
                 for (int section = 0; section < header->count(); ++section)
                     if (!header->isSectionHidden(section) && header->orientation() == Qt::Horizontal)

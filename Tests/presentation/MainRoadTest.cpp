@@ -163,11 +163,11 @@ TEST_F(MainRoad, ForeseesWhatWillFailAndSaysWhatWasMadeDistinct) {
     replace("a1", "taken");
     waitUntil("the problem shows", [this] { return model().problems().size() == 1; });
     EXPECT_EQ(model().index(0, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString(),
-              "taken by another item");
+              "taken by a file not in the list");
     const auto told = [this] { return find("problemBar")->accessibleName().toStdString(); };
-    EXPECT_EQ(told(), "1 item cannot be renamed as shown. Next: a1.txt, taken by another item.");
+    EXPECT_EQ(told(), "1 item cannot be renamed as shown. Next: a1.txt, taken by a file not in the list.");
     click("nextProblemButton");
-    EXPECT_EQ(told(), "1 item cannot be renamed as shown. This one: taken by another item.");
+    EXPECT_EQ(told(), "1 item cannot be renamed as shown. This one: taken by a file not in the list.");
     click("showOnlyProblems");
     EXPECT_EQ(model().rowCount(), 1);
     EXPECT_FALSE(find<QTableView>("previewTableView")->isColumnHidden(PreviewTableModel::problem));

@@ -97,53 +97,101 @@ TEST_F(CommandsTest, RefusalsSpeakOnceAndOnlyToTheUser) {
     EXPECT_THAT(table(), ElementsAre("b > Image_01", "c > Image_02", "d > Image_03", "folder > Image_04"));
 }
 
-TEST_F(CommandsTest, ARunIsTakenBackWhenTheUserSaysSoAndOneThatWasCutOffIsFinished) {
-    options.history = {data.path("runs"), "window"};
+/// Undo and redo of whole runs, with two files renamed by one.
+class UndoCommandsTest : public ShellFixture {
+  protected:
+    UndoCommandsTest() { options.history = {data.path("runs"), "window"}; }
+
+    void renameTwo() {
+        setSteps({{"Make uppercase", {{"fragmentSelection", 0}}}});
+        add({"box/a", "box/b"});
+        rename();
+    }
+    void perform(RunKind what, const std::string& run = {}) {
+        for (int twice = 0; twice < 2; ++twice) // a question at a time
+            what == RunKind::undo ? undos().undoRun(run) : undos().redoRun(run);
+        waitUntilIdle();
+        waitUntilIdle();
+        waitForPreview();
+    }
+    UndoCommands& undos() { return controller().undoCommands(); }
+    PastRun newest() { return RunHistory(options.history.folder).runs().front(); }
+    std::vector<std::string> box() { return files.names("box"); }
+};
+
+TEST_F(UndoCommandsTest, WhatComesBackAsAWholeIsNotAskedAboutAndTheRestIsUpToTheUser) {
     start();
-    setSteps({{"Make uppercase", {{"fragmentSelection", 0}}}});
-    add({"box/a", "box/b"});
-    rename();
-    TakeBackCommands& takeBacks = controller().takeBackCommands();
-    const auto undo = [&] {
-        takeBacks.takeBack(RunKind::undo);
-        takeBacks.takeBack(RunKind::undo); // a question at a time
-        waitUntilIdle();
-        waitUntilIdle();
-    };
-    EXPECT_EQ(takeBacks.description(RunKind::undo), "Undo Rename of 2 Items in box");
-    EXPECT_EQ(takeBacks.description(RunKind::redo), "");
-    frontEnd.expect("take back Undo Rename of 2 Items in box?", false);
-    undo();
-    EXPECT_EQ(frontEnd.takeBack.value().rows.front().newName, u"a");
-    EXPECT_TRUE(files.kind("box/A"));
-    frontEnd.expect("take back Undo Rename of 2 Items in box?", true);
+    renameTwo();
+    const auto next = undos().next(RunKind::undo, [] {});
+    EXPECT_EQ(next.value().count, 2);
+    EXPECT_EQ(next->folder, files.path("box"));
+    EXPECT_FALSE(undos().next(RunKind::redo, [] {}));
     frontEnd.expect("alert summary");
-    undo();
-    EXPECT_TRUE(files.kind("box/a") && files.kind("box/b") && !files.kind("box/A"));
-    waitForPreview();
+    perform(RunKind::undo);
+    EXPECT_THAT(box(), ElementsAre("a", "b"));
     EXPECT_THAT(table(), ElementsAre("a > A", "b > B"));
-    EXPECT_EQ(takeBacks.description(RunKind::redo), "Redo Rename of 2 Items in box");
     frontEnd.expect("alert nothingToTakeBack"); // said, not passed over
-    takeBacks.takeBack(RunKind::undo);
-    waitUntilIdle();
+    perform(RunKind::undo);
+    frontEnd.expect("alert summary");
+    perform(RunKind::redo);
+    EXPECT_THAT(box(), ElementsAre("A", "B"));
+
+    std::filesystem::rename(files.path("box/A"), files.path("elsewhere"));
+    const std::string run = newest().name;
+    frontEnd.expect("undo 1 of 2", UndoAnswer::cancel);
+    perform(RunKind::undo);
+    EXPECT_THAT(box(), ElementsAre("B"));
+    EXPECT_EQ(frontEnd.undoQuestion->reasons.size(), 1U);
+    EXPECT_TRUE(frontEnd.undoQuestion->isOwn);
+    frontEnd.expect("undo 1 of 2", UndoAnswer::showInHistory);
+    perform(RunKind::undo);
+    EXPECT_THAT(frontEnd.events, Contains("history " + run));
+    frontEnd.expect("undo 1 of 2", UndoAnswer::go);
+    frontEnd.expect("errors");
+    perform(RunKind::undo);
+    EXPECT_THAT(box(), ElementsAre("b"));
+    EXPECT_EQ(frontEnd.failures.notRenamed, 1U);
+}
+
+TEST_F(UndoCommandsTest, ARunOfBeforeTheStartIsAskedAboutAndOneThatWasCutOffIsToldAndFinished) {
+    start();
+    renameTwo();
+    restart();
+    start();
+    frontEnd.expect("undo 2 of 2", UndoAnswer::go);
+    frontEnd.expect("alert summary");
+    perform(RunKind::undo);
+    EXPECT_FALSE(frontEnd.undoQuestion->isOwn);
+    EXPECT_EQ(frontEnd.undoQuestion->who, "window");
+    EXPECT_THAT(box(), ElementsAre("a", "b"));
 
     std::filesystem::remove_all(options.history.folder);
-    rename();
-    const PastRun run = RunHistory(options.history.folder).runs().front();
-    EXPECT_EQ(run.heading.who, "window");
-    const std::string record = run.path.substr(data.path().size() + 1);
+    renameTwo();
+    const std::string record = newest().path.substr(data.path().size() + 1);
     const std::string text = data.read(record);
     data.write(record, text.substr(0, text.rfind("done\t")));
     std::filesystem::rename(files.path("box/B"), files.path("box/b"));
-    frontEnd.expect("alert interruptedRun", AlertAnswer{1});
-    frontEnd.expect("take back Finish Rename in box?", true);
+    frontEnd.expect("interrupted 1 of 2", InterruptedRunAnswer::finish);
     frontEnd.expect("alert summary");
-    takeBacks.tellInterruptedRun();
+    undos().tellInterruptedRun();
     waitUntilIdle();
     waitUntilIdle();
-    EXPECT_TRUE(files.kind("box/A") && files.kind("box/B"));
-    takeBacks.tellInterruptedRun(); // seen to: no word of it
+    EXPECT_THAT(box(), ElementsAre("A", "B"));
+    undos().tellInterruptedRun(); // seen to: no word of it
     waitUntilIdle();
+}
+
+TEST_F(UndoCommandsTest, ARecordThatWasDamagedInBetweenIsToldAndNothingIsTouched) {
+    start();
+    renameTwo();
+    const std::string record = newest().path.substr(data.path().size() + 1);
+    std::string text = data.read(record);
+    text[text.find("item\t") + 6] ^= 1;
+    data.write(record, text);
+    frontEnd.expect("alert nothingToTakeBack");
+    perform(RunKind::undo);
+    EXPECT_THAT(frontEnd.alerts.back().text, HasSubstr("damaged"));
+    EXPECT_THAT(box(), ElementsAre("A", "B"));
 }
 
 /// Making droplets, and bringing those and the presets of the version before to this one.

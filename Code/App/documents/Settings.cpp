@@ -61,7 +61,7 @@ const std::vector<Row>& table() {
         {"conflictResolutionOrder3", &S::conflictResolutionOrder3, 10, lastSortingMode},
         {"showSummary", &S::showSummary, 1},
         {"copyFileComments", &S::shouldCopyFileComments, 1},
-        {"accurateFolderSize", &S::shouldCalculateAccurateFolderSize, 0},
+        {accurateFolderSize, &S::shouldCalculateAccurateFolderSize, 0},
         {continueAfterRename, &S::shouldContinueAfterRename, true},
         {keepHistory, &S::keepHistory, 1},
         {onConflict, &S::onConflict, 0, 2},

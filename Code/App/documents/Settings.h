@@ -41,6 +41,7 @@ struct Settings {
     std::int32_t conflictResolutionOrder2 = 0;
     std::int32_t conflictResolutionOrder3 = 0;
     std::int32_t showSummary = 0;
+    /// Of no effect where comments travel with their files, as `FileManager::commentsTravelWithFiles` says.
     std::int32_t shouldCopyFileComments = 1;
     std::int32_t shouldCalculateAccurateFolderSize = 1; ///< although new settings say otherwise
     std::int32_t keepHistory = 1;
@@ -80,6 +81,7 @@ struct Settings {
 
 /// The keys that code refers to besides the table of all settings.
 namespace settingKey {
+inline constexpr const char* accurateFolderSize = "accurateFolderSize";
 inline constexpr const char* automaticSorting = "automaticSorting";
 inline constexpr const char* continueAfterRename = "continueAfterRename";
 inline constexpr const char* interactiveMode = "interactiveMode";

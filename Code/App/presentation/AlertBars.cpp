@@ -79,7 +79,6 @@ bool AlertBars::canShow(const Alert& alert) {
     case AlertKind::settingsSetAside:
         return true;
     case AlertKind::runQuestion:
-    case AlertKind::interruptedRun:
     case AlertKind::summary:
     case AlertKind::dropletLocked:
     case AlertKind::dropletUpgrade:

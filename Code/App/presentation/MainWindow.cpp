@@ -10,7 +10,9 @@
 #include "presentation/WindowKeys.h"
 #include "presentation/WindowPlace.h"
 #include "presentation/WindowSpeech.h"
+#include "presentation/dialogs/PreferencesWindow.h"
 #include "presentation/help/HelpWindow.h"
+#include "presentation/history/HistoryWindow.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/run/DropletRunWindow.h"
 #include "presentation/run/RunReportText.h"
@@ -72,8 +74,12 @@ MainWindow::MainWindow(const WindowServices& services)
     connect(windowCommands->clearPreview, &QAction::triggered, this,
             [this] { preview->messageBars().dismiss(RunReportText::barName); });
     connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
+    connect(windowCommands->showHistory, &QAction::triggered, this, [this] { showHistory({}); });
     connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
-    connect(steps, &StepsPane::changed, this, &MainWindow::refreshCommands);
+    connect(steps, &StepsPane::changed, this, [this] {
+        refreshCommands();
+        arrangeForSize();
+    });
     connect(preview, &PreviewPane::selectionChanged, this, &MainWindow::refreshCommands);
     connect(preview, &PreviewPane::begun, this, [this] {
         settings->focusFirstField();
@@ -84,7 +90,7 @@ MainWindow::MainWindow(const WindowServices& services)
         std::make_unique<RecipeClipboard>(shared, *windowCommands, preview->messageBars(), *steps, *preview);
     keys = std::make_unique<WindowKeys>(
         *this, std::vector<QWidget*>{steps, settings, &preview->listPages(),
-                                     preview->findChild<QWidget*>("messageBars"), bottomRow});
+                                     preview->findChild<QWidget*>("messageBars"), mainTabView});
     speech = std::make_unique<WindowSpeech>(shared, [this] { return preview->problemCount(); });
     setMinimumSize(WindowPlace::least);
     resize(WindowPlace::first(screen()->availableGeometry()).size());
@@ -207,6 +213,8 @@ void MainWindow::setRunning(bool isRunning) {
     speech->runChanged(isRunning, static_cast<std::size_t>(std::max(0, preview->itemsToRename())));
     if (!isRunning)
         preview->forgetPictures(); // which the run has moved to other names
+    if (history)
+        history->reload();
     refreshRenameButton();
 }
 
@@ -221,6 +229,7 @@ void MainWindow::setDividerPosition(double position) {
                       : position <= ActionListCommands::minimumWidth ? firstStepsWidth
                                                                      : static_cast<int>(position);
     steps->setVisible(width > 0);
+    arrangeForSize();
     if (width > 0)
         outerSplitter->setSizes({width, std::max(1, outerSplitter->width() - width)});
     isMovingDivider = false;
@@ -291,11 +300,11 @@ void MainWindow::showRunReport(const RunReport& report, std::function<void(Repor
                    });
         return;
     }
-    TakeBackCommands& takeBacks = shared.controller.takeBackCommands();
+    UndoCommands& undos = shared.controller.undoCommands();
     RunReportText::Effects effects;
-    effects.undo = [&takeBacks, run = report.run] { takeBacks.takeBack(RunKind::undo, run); };
-    effects.redo = [&takeBacks, run = report.run] { takeBacks.takeBack(RunKind::redo, run); };
-    effects.showHistory = [this, run = report.run] { emit windowCommands->historyWanted(run); };
+    effects.undo = [&undos, run = report.run] { undos.undoRun(run); };
+    effects.redo = [&undos, run = report.run] { undos.redoRun(run); };
+    effects.showHistory = [this, run = report.run] { showHistory(run); };
     if (!report.clearsList)
         effects.showNotRenamed = [this] { preview->setShow(PreviewPane::Show::notRenamed); };
     preview->messageBars().present(RunReportText::barOf(report, effects));
@@ -343,6 +352,15 @@ void MainWindow::showHelp(std::string_view anchor) {
     help->showAnchor(anchor);
     help->raise();
     help->activateWindow();
+}
+
+void MainWindow::showHistory(const std::string& run) {
+    if (!history) {
+        history = std::make_unique<HistoryWindow>(shared);
+        connect(history.get(), &HistoryWindow::preferencesRequested, this,
+                [this] { PreferencesWindow::open(this, shared, PreferencesWindow::Page::history); });
+    }
+    history->showRun(run);
 }
 
 void MainWindow::refreshRenameButton() {
@@ -432,7 +450,9 @@ void MainWindow::arrangeBottomRow() {
 }
 
 void MainWindow::arrangeForSize() {
-    const bool isNarrow = width() < narrowWidth;
+    const int beside = steps->isHidden() ? 0 : steps->minimumWidth() + outerSplitter->handleWidth();
+    const int needed = beside + settings->minimumWidth() + innerSplitter->handleWidth() + leastPreviewWidth;
+    const bool isNarrow = width() < std::max(narrowWidth, needed);
     const int highest = height() * 45 / 100;
     settings->setMaximumHeight(isNarrow ? highest : QWIDGETSIZE_MAX);
     preview->setMinimumWidth(isNarrow ? 0 : leastPreviewWidth);

@@ -21,6 +21,7 @@ class QToolButton;
 namespace tavrin {
 
 class HelpWindow;
+class HistoryWindow;
 class PreviewPane;
 class DropletRunWindow;
 class RunStrip;
@@ -63,6 +64,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     /// Where a question of a run is put.
     [[nodiscard]] QuestionCard::Place questionPlace();
     void showHelp(std::string_view anchor);
+    /// With this run chosen where one is named.
+    void showHistory(const std::string& run);
     /// The count on the rename button, and whether it is on.
     void refreshRenameButton();
     /// Whether what the list shows is out of date; the rename button then counts nothing.
@@ -121,6 +124,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     QToolButton* okMenuButton = nullptr;
     std::unique_ptr<WindowCommands> windowCommands;
     std::unique_ptr<HelpWindow> help;
+    std::unique_ptr<HistoryWindow> history; ///< made when it is first wanted
     std::unique_ptr<RecipeClipboard> recipeClipboard;
     std::unique_ptr<WindowKeys> keys;
     std::unique_ptr<WindowSpeech> speech;

@@ -10,7 +10,7 @@
 #include "presentation/WindowMemory.h"
 #include "presentation/dialogs/LocateDialogs.h"
 #include "presentation/dialogs/SaveListDialog.h"
-#include "presentation/dialogs/TakeBackDialog.h"
+#include "presentation/history/UndoCard.h"
 #include "presentation/preview/HandEditing.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
@@ -164,8 +164,24 @@ void QtFrontEnd::tellNamesStayBehind() {
     window->previewPane().messageBars().present(message);
 }
 
-void QtFrontEnd::askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) {
-    TakeBackDialog::ask(window, question, std::move(answer));
+void QtFrontEnd::askToUndo(const UndoQuestion& question, std::function<void(UndoAnswer)> answer) {
+    whenShown([this, question, answer = std::move(answer)] {
+        if (window)
+            Card::open(window->questionPlace().over, UndoCard::contentOf(question),
+                       [answer](std::size_t button) { answer(static_cast<UndoAnswer>(button)); });
+    });
+}
+
+void QtFrontEnd::tellInterruptedRun(const InterruptedRun& run,
+                                    std::function<void(InterruptedRunAnswer)> answer) {
+    if (!window)
+        return;
+    MessageBars& bars = window->previewPane().messageBars();
+    bars.present(UndoCard::barOf(run, [&bars, answer = std::move(answer)](InterruptedRunAnswer given) {
+        if (given != InterruptedRunAnswer::show)
+            bars.dismiss(UndoCard::barName);
+        answer(given);
+    }));
 }
 
 void QtFrontEnd::askForDroplets(const LocatePanel& panel,
@@ -355,6 +371,11 @@ void QtFrontEnd::enterDropletEditMode() {
 void QtFrontEnd::showHelp(std::string_view anchor) {
     if (window)
         window->showHelp(anchor);
+}
+
+void QtFrontEnd::showHistory(const std::string& run) {
+    if (window)
+        window->showHistory(run);
 }
 
 void QtFrontEnd::revealPath(const std::string& path) { FileBrowser::reveal(path); }

@@ -35,7 +35,9 @@ class QtFrontEnd final : public FrontEnd {
                         std::function<void(std::optional<std::string>)> answer) override;
     void askForDropletPath(const std::string& title, const std::string& startFolder,
                            std::function<void(std::optional<std::string>)> answer) override;
-    void askToTakeBack(const TakeBackQuestion& question, std::function<void(bool)> answer) override;
+    void askToUndo(const UndoQuestion& question, std::function<void(UndoAnswer)> answer) override;
+    void tellInterruptedRun(const InterruptedRun& run,
+                            std::function<void(InterruptedRunAnswer)> answer) override;
     void askForDroplets(const LocatePanel& panel,
                         std::function<void(std::optional<std::vector<std::string>>)> answer) override;
     void askForFolder(const LocatePanel& panel,
@@ -69,6 +71,7 @@ class QtFrontEnd final : public FrontEnd {
     void hideWindow() override;
     void enterDropletEditMode() override;
     void showHelp(std::string_view anchor) override;
+    void showHistory(const std::string& run) override;
     void revealPath(const std::string& path) override;
     void openAddress(const std::string& address) override;
     void beep() override;

@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QSet>
+#include <chrono>
 
 namespace tavrin {
 
@@ -31,6 +32,10 @@ Spoken::Spoken(QWidget* parent) : QLabel(parent) {
     setObjectName("spoken");
     setFixedSize(1, 1);
     setFocusPolicy(Qt::NoFocus);
+    constexpr std::chrono::seconds restLength(1);
+    rest.setSingleShot(true);
+    rest.setInterval(restLength);
+    connect(&rest, &QTimer::timeout, this, [this] { say(waiting); });
     present = this;
 }
 
@@ -44,6 +49,16 @@ void Spoken::say(const QString& text) {
         return;
     present->setAccessibleName(text);
     tellShown(*present);
+}
+
+void Spoken::sayAtRest(const QString& text) {
+    if (!present)
+        return;
+    present->waiting = text;
+    if (text.isEmpty())
+        present->rest.stop();
+    else
+        present->rest.start();
 }
 
 void Spoken::note(const QString& text) {

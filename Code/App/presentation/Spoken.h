@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QTimer>
 
 namespace tavrin {
 
@@ -16,6 +17,9 @@ class Spoken final : public QLabel {
 
     /// Says a text, which takes the place of one that is still being read; nothing where no window stands.
     static void say(const QString& text);
+    /// Says it when nothing else is to be said for a second: not while somebody types. An empty text calls
+    /// that off.
+    static void sayAtRest(const QString& text);
     /// Takes down what a notification of another class has said.
     static void note(const QString& text);
     /// What was said last.
@@ -25,6 +29,10 @@ class Spoken final : public QLabel {
     static void playNotification(const QString& className);
     /// Tells that a widget of such a class has come up.
     static void tellShown(QWidget& widget);
+
+  private:
+    QTimer rest;
+    QString waiting;
 };
 
 } // namespace tavrin

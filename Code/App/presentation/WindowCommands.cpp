@@ -9,7 +9,7 @@
 #include "presentation/dialogs/PreferencesWindow.h"
 #include "presentation/dialogs/PresetDialog.h"
 #include "presentation/dialogs/ShortcutsDialog.h"
-#include "presentation/preview/ShownName.h"
+#include "presentation/history/RunWords.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "shell/MainController.h"
 #include "support/text/Text.h"
@@ -26,6 +26,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMetaMethod>
+#include <QPointer>
 #include <QUrl>
 #include <algorithm>
 #include <array>
@@ -34,8 +35,8 @@ namespace tavrin {
 
 namespace {
 
-/// Of an entry that names a folder, in pixels.
-constexpr int widestDescription = 420;
+/// Of a folder's name in an entry, in characters.
+constexpr qsizetype longestFolder = 30;
 constexpr const char* contactPage = "https://calderwick.net/tavrin/contact";
 
 /// Performs "undo", "cut" or the like in the field of text that has the focus; false where none has.
@@ -53,6 +54,21 @@ bool hasSourceItems(MainController& controller) {
     StoreContext& context = controller.managedObjectContext();
     const std::lock_guard lock(context.mutex());
     return context.sourceItemCount() > 0;
+}
+
+/// "Undo Rename (487 Names, “Lofoten”)".
+QString withDetails(const QString& command, const UndoCommands::Next& next) {
+    const QString count = counted(static_cast<std::size_t>(next.count), WindowCommands::tr("1 Name"),
+                                  WindowCommands::tr("%L1 Names"));
+    const QString place = RunWords::shortened(RunWords::place(next.folder, next.folderCount), longestFolder);
+    const QString quoted = next.folderCount > 1 ? place : WindowCommands::tr("“%1”").arg(place);
+    //: An entry of a menu, and how many names it is about, or where they are.
+    const QString one = WindowCommands::tr("%1 (%2)");
+    if (next.folderCount == 0)
+        return next.count == 0 ? command : one.arg(command, count);
+    //: The same with both.
+    return next.count == 0 ? one.arg(command, quoted)
+                           : WindowCommands::tr("%1 (%2, %3)").arg(command, count, quoted);
 }
 
 } // namespace
@@ -152,7 +168,7 @@ void WindowCommands::addEditMenu() {
     addForText(menu, "undo", tr("&Undo"), QKeySequence::Undo, &WindowCommands::undoRequested);
     addForText(menu, "redo", tr("&Redo"), QKeySequence::Redo, &WindowCommands::redoRequested);
     menu->addSeparator();
-    addTakeBacks(menu);
+    addUndos(menu);
     menu->addSeparator();
     addForText(menu, "cut", tr("Cu&t"), QKeySequence::Cut);
     copy = addForText(menu, "copy", tr("&Copy"), QKeySequence::Copy, &WindowCommands::rowsCopied);
@@ -174,17 +190,16 @@ void WindowCommands::addEditMenu() {
 
 /// What is next may have come from another program, so it is looked up when the menu opens; the shortcuts
 /// work whatever it said last.
-void WindowCommands::addTakeBacks(QMenu* menu) {
-    const QString undo = tr("Undo Last Rename…");
-    const QString redo = tr("Redo Rename…");
-    TakeBackCommands& takeBacks = services.controller.takeBackCommands();
-    QAction* undoRename = add(menu, "undoRename", undo, QKeySequence("Ctrl+Alt+Z"),
-                              [&takeBacks] { takeBacks.takeBack(RunKind::undo); });
-    QAction* redoRename = add(menu, "redoRename", redo, QKeySequence("Ctrl+Alt+Shift+Z"),
-                              [&takeBacks] { takeBacks.takeBack(RunKind::redo); });
+void WindowCommands::addUndos(QMenu* menu) {
+    UndoCommands& undos = services.controller.undoCommands();
+    QAction* undoRename =
+        add(menu, "undoRename", tr("Undo Rename"), QKeySequence("Ctrl+Alt+Z"), [&undos] { undos.undoRun(); });
+    QAction* redoRename = add(menu, "redoRename", tr("Redo Rename"), QKeySequence("Ctrl+Alt+Shift+Z"),
+                              [&undos] { undos.redoRun(); });
+    showHistory = add(menu, "showHistory", tr("&History…"), QKeySequence("Ctrl+Shift+H"));
     connect(menu, &QMenu::aboutToShow, this, [=, this] {
-        describe(*undoRename, undo, RunKind::undo);
-        describe(*redoRename, redo, RunKind::redo);
+        describe(*undoRename, RunKind::undo);
+        describe(*redoRename, RunKind::redo);
     });
     connect(
         menu, &QMenu::aboutToHide, this,
@@ -196,14 +211,19 @@ void WindowCommands::addTakeBacks(QMenu* menu) {
 }
 
 /// Gives a command the words for what it would do now, or turns it off where that is nothing.
-void WindowCommands::describe(QAction& command, const QString& otherwise, RunKind kind) {
-    const std::string text = services.controller.takeBackCommands().description(kind);
-    QString shown = window.fontMetrics().elidedText(ShownName::of(text::fromUtf8(text), false),
-                                                    Qt::ElideRight, widestDescription);
-    if (!shown.endsWith("…"))
-        shown += "…";
-    command.setText(text.empty() ? otherwise : shown.replace('&', "&&"));
-    command.setEnabled(!text.empty() && !isRunning && services.controller.validateUserInterfaceItem());
+void WindowCommands::describe(QAction& command, RunKind kind) {
+    const auto next = services.controller.undoCommands().next(
+        kind, [this, action = QPointer(&command), kind, alive = QPointer(this)] {
+            if (alive && action)
+                describe(*action, kind);
+        });
+    QString text = kind == RunKind::undo ? tr("Undo Rename") : tr("Redo Rename");
+    if (next && next->finishes)
+        text = next->isOfUndo ? tr("Finish Undo") : tr("Finish Rename");
+    if (next)
+        text = withDetails(text, *next);
+    command.setText(text.replace('&', "&&"));
+    command.setEnabled(next && !isRunning && services.controller.validateUserInterfaceItem());
 }
 
 void WindowCommands::addStepsMenu() {

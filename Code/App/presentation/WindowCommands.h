@@ -78,13 +78,12 @@ class WindowCommands final : public QObject {
     QAction* processFolders;
     QAction* processSubfolders;
     QAction* showHelpOnAction;
+    QAction* showHistory;
 
   signals:
     /// Copying and pasting while no field of text has the focus, so that it is about the list.
     void rowsCopied();
     void filesPasted();
-    /// The history, with this run chosen.
-    void historyWanted(const std::string& run);
     /// The same of the keys that undo and redo in text.
     void undoRequested();
     void redoRequested();
@@ -99,12 +98,12 @@ class WindowCommands final : public QObject {
     QMenu* addMenu(const QString& title);
     void addFileMenu();
     void addEditMenu();
-    void addTakeBacks(QMenu* menu);
+    void addUndos(QMenu* menu);
     void addStepsMenu();
     void addViewMenu();
     void addPresetsMenu();
     void addHelpMenu();
-    void describe(QAction& command, const QString& otherwise, RunKind kind);
+    void describe(QAction& command, RunKind kind);
     void tellAbout();
 
     QMainWindow& window;

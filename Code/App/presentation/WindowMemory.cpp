@@ -18,9 +18,11 @@ constexpr const char* geometryKey = "windowGeometry";
 constexpr const char* headerKey = "previewColumns";
 constexpr const char* restoredProperty = "isRestored";
 
-PropertyData dataOf(const QByteArray& bytes) { return {{bytes.begin(), bytes.end()}}; }
+} // namespace
 
-QByteArray bytesUnder(const UserDefaults& defaults, const char* key) {
+PropertyData WindowMemory::dataOf(const QByteArray& bytes) { return {{bytes.begin(), bytes.end()}}; }
+
+QByteArray WindowMemory::bytesUnder(const UserDefaults& defaults, const char* key) {
     const auto stored = defaults.objectForKey(key);
     const PropertyData* content = stored ? stored->asData() : nullptr;
     if (!content)
@@ -28,6 +30,8 @@ QByteArray bytesUnder(const UserDefaults& defaults, const char* key) {
     return {reinterpret_cast<const char*>(content->bytes.data()),
             static_cast<qsizetype>(content->bytes.size())};
 }
+
+namespace {
 
 void placeFirst(MainWindow& window) {
     const QRect available = window.screen()->availableGeometry();

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "support/values/PropertyValue.h"
+
+#include <QByteArray>
+
 namespace tavrin {
 
 class MainWindow;
@@ -12,6 +16,10 @@ struct WindowMemory {
     /// Puts the window where it was, or, where nothing fitting is stored, where it belongs at first. Does
     /// nothing the second time.
     static void restoreOnce(MainWindow& window, const UserDefaults& defaults);
+
+    /// What Qt gives to keep, as user defaults have it, and back; empty where nothing is stored.
+    [[nodiscard]] static PropertyData dataOf(const QByteArray& bytes);
+    [[nodiscard]] static QByteArray bytesUnder(const UserDefaults& defaults, const char* key);
 };
 
 } // namespace tavrin

@@ -46,7 +46,8 @@ MainController::Options MainController::Options::standard() {
     standard.localPresetsFolder = standard.store.dataFolder + "/Presets";
     standard.globalPresetsFolder = SandboxHelper::globalPresetsFolder();
     standard.location = program.string();
-    standard.history = {UserFolders::state() + "/tavrin/runs", "window"};
+    standard.history = {UserFolders::state() + "/tavrin/runs", "window",
+                        [] { return HistoryLimits::of(UserDefaults::sharedInstance()); }};
     return standard;
 }
 
@@ -81,9 +82,9 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
       tagLibrary(&missingTagNotice), droplets(services, {listCommands, notices}, options.location),
       confirmation(services,
                    {store, listCommands, preview, notices, droplets,
-                    [this](const std::string& run) { takeBacks.takeBack(RunKind::undo, run); }},
+                    [this](const std::string& run) { undos.undoRun(run); }},
                    [this] { terminateNow(); }),
-      takeBacks(services, {preview, confirmation}),
+      undos(services, {preview, confirmation}),
       migration(services, presets,
                 {options.store.dataFolder, options.location, [this] { updatePresetsMenu(); }}),
       updates(services, {.mayInterrupt = [this] { return validateUserInterfaceItem() && !engine.isBusy(); },
@@ -129,7 +130,7 @@ void MainController::applicationDidFinishLaunching() {
     startSequence.applicationDidFinishLaunching();
     if (mode == OperationMode::normal && options.usesUserFolders) {
         updates.start();
-        takeBacks.tellInterruptedRun();
+        undos.tellInterruptedRun();
     }
 }
 
@@ -216,6 +217,11 @@ bool MainController::applicationOpenFiles(const std::vector<std::string>& paths)
 
 bool MainController::addFilePaths(const std::vector<std::string>& paths, bool interactive) {
     return sources.addFilePaths(paths, interactive);
+}
+
+void MainController::lookAgain() {
+    if (!engine.isBusy() && !preview.isPreviewPending() && !sourceItems.isEmpty())
+        engine.processLook();
 }
 
 void MainController::ok() {

@@ -10,6 +10,7 @@
 #include "platform/desktop/DebugManager.h"
 #include "platform/files/FileSystemAccessManager.h"
 #include "shell/asking/ConfirmationFlow.h"
+#include "shell/asking/FrontEnd.h"
 #include "shell/asking/NoticeDialogs.h"
 #include "shell/commands/ActionListCommands.h"
 #include "shell/commands/DropletCommands.h"
@@ -17,7 +18,7 @@
 #include "shell/commands/RecipeCommands.h"
 #include "shell/commands/ShellServices.h"
 #include "shell/commands/SourceCommands.h"
-#include "shell/commands/TakeBackCommands.h"
+#include "shell/commands/UndoCommands.h"
 #include "shell/preview/DNDArrayController.h"
 #include "shell/preview/PreviewControl.h"
 #include "shell/start/MigrationCommands.h"
@@ -104,6 +105,9 @@ class MainController : public EngineHost, public ActionObserver {
         engine.rereadAtNextPreview();
         preview.initiateDelayedPreviewUpdate();
     }
+    /// Looks again which new names will be refused, since others may have changed something meanwhile. Reads
+    /// nothing anew; where nothing has changed it costs a call for each folder, on a worker.
+    void lookAgain();
     void ok();
     void applyAndQuit();
     void applyButDontQuit();
@@ -135,7 +139,7 @@ class MainController : public EngineHost, public ActionObserver {
     [[nodiscard]] PresetsManager& presetsManager() { return presets; }
     [[nodiscard]] StoreOwner& storeOwner() { return store; }
     [[nodiscard]] UpdateCheck& updateCheck() { return updates; }
-    [[nodiscard]] TakeBackCommands& takeBackCommands() { return takeBacks; }
+    [[nodiscard]] UndoCommands& undoCommands() { return undos; }
 
     // --- EngineHost ---
     ItemStore* persistentStoreCoordinator() override { return store.persistentStoreCoordinator(); }
@@ -163,6 +167,7 @@ class MainController : public EngineHost, public ActionObserver {
         confirmation.showFileListNotSaved(path, reason);
     }
     void reloadPreview() override { sources.reloadPreview(); }
+    void tellGone(std::size_t count) override { environment.frontEnd.itemsWereGone(count); }
     void changePins(std::vector<NamePins::Change> changes) override { hands.change(std::move(changes)); }
     void clearList() override {
         hands.drop();
@@ -213,7 +218,7 @@ class MainController : public EngineHost, public ActionObserver {
     TagLibraryHelper tagLibrary;
     DropletCommands droplets;
     ConfirmationFlow confirmation;
-    TakeBackCommands takeBacks;
+    UndoCommands undos;
     MigrationCommands migration;
     UpdateCheck updates;
     StartSequence startSequence;

@@ -16,6 +16,7 @@ namespace {
 /// Clocks of file systems are coarser than ours.
 constexpr double slack = 2;
 constexpr std::size_t mostLeftovers = 100;
+constexpr std::size_t itemsBetweenQuestions = 256;
 
 std::string withReason(std::string_view sentence, int error) {
     return std::string(sentence) + " (" + std::generic_category().message(error) + ")";
@@ -33,7 +34,7 @@ void JournalPlaces::visit(Which which, const std::function<void(const PlacedItem
         const bool isFolder = item.kind == FileStatus::Kind::folder;
         if (which == Which::all || isFolder == (which == Which::folders))
             visitor(place(item, number));
-        return true;
+        return number % itemsBetweenQuestions != 0 || !isUnwanted();
     });
     openFolder.reset();
 }

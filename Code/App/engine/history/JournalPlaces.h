@@ -38,6 +38,8 @@ class JournalPlaces {
     /// `record` has been examined. What a killed run may have left half done counts only where the record
     /// has no end.
     explicit JournalPlaces(RunRecordReader& record);
+    /// Visits end early once this says so; it is asked now and then.
+    void breakOffWhen(std::function<bool()> condition) { isUnwanted = std::move(condition); }
 
     /// Something that a killed run has left at a name where an item was to go: a second name of the item, or
     /// an empty place kept for it.
@@ -94,6 +96,7 @@ class JournalPlaces {
     static void put(PlacedItem& into, ItemPlace place, const std::string& name, const Look& look);
 
     RunRecordReader& record;
+    std::function<bool()> isUnwanted = [] { return false; };
     const bool wasInterrupted;
     std::optional<double> began;
     std::vector<Folder> folders;                               ///< by number

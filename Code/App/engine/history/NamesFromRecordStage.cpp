@@ -20,6 +20,11 @@ namespace {
 
 constexpr std::size_t rowsPerCommit = 10000;
 
+std::string lookingText(std::size_t count) {
+    return count == 1 ? "Looking where 1 file is now…"
+                      : fmt::format("Looking where {} files are now…", count);
+}
+
 std::string folderOfRecord(const std::string& path) { return std::string(PathParts(path).folder); }
 
 } // namespace
@@ -33,6 +38,7 @@ bool NamesFromRecordStage::process() {
     const StageProgress report(progress);
     report.describe("Preparing..");
     report.indeterminate(true);
+    report.item(0);
     {
         StoreContext& list = engine.host().managedObjectContext();
         const std::lock_guard lock(list.mutex());
@@ -41,7 +47,12 @@ bool NamesFromRecordStage::process() {
     RunRecordReader record(request.chosen.run.path);
     record.examine();
     purpose->linksAreItems = record.hasLinksAsItems();
+    if (progress != nullptr)
+        progress->updateStageText(lookingText(record.itemCount()));
+    report.numberOfItems(static_cast<std::int32_t>(record.itemCount()));
+    report.indeterminate(false);
     JournalPlaces places(record);
+    places.breakOffWhen([this] { return engine.isStopRequested(); });
     // Folders that are to move have their rows before what they hold.
     std::vector<Mover> folders;
     places.visit(JournalPlaces::Which::folders, [&](const PlacedItem& placed) {
@@ -55,9 +66,10 @@ bool NamesFromRecordStage::process() {
             makeRow(moverOf(placed));
         report.item(static_cast<std::int32_t>(placed.number));
     });
-    if (!request.isPreview)
+    const bool isToGoOn = goesOn();
+    if (isToGoOn)
         clearLeftover(places);
-    if (request.chosen.toNewNames) {
+    if (isToGoOn && request.chosen.toNewNames) {
         purpose->visitDone = [path = request.chosen.run.path](const auto& visitor) {
             RunRecordReader again(path);
             again.examine();
@@ -68,7 +80,14 @@ bool NamesFromRecordStage::process() {
         };
     }
     saveAndRefaultObjects();
-    return true;
+    return isToGoOn;
+}
+
+bool NamesFromRecordStage::goesOn() const {
+    using enum TakeBackRequest::Extent;
+    if (engine.isStopRequested())
+        return false;
+    return request.extent == whatCan || (request.extent == allOrNothing && purpose->failedBefore == 0);
 }
 
 bool NamesFromRecordStage::isToMove(const PlacedItem& placed) {

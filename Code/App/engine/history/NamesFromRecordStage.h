@@ -39,6 +39,7 @@ class NamesFromRecordStage final : public ProcessingStage {
         bool isMoving = false; ///< or lies in one that is
     };
 
+    [[nodiscard]] bool goesOn() const;
     [[nodiscard]] bool isToMove(const PlacedItem& placed);
     [[nodiscard]] Mover moverOf(const PlacedItem& placed) const;
     void makeRow(const Mover& mover);

@@ -3,6 +3,7 @@
 #include "engine/history/RunRecordReader.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/FolderEntries.h"
+#include "platform/propertylists/UserDefaults.h"
 #include "support/text/PathParts.h"
 
 #include <fmt/chrono.h>
@@ -23,9 +24,7 @@ namespace tavrin {
 namespace {
 
 constexpr std::string_view suffix = ".run";
-constexpr std::size_t mostRuns = 50;
 constexpr std::uint64_t mostBytes = 256U << 20;
-constexpr std::chrono::days longest(90);
 constexpr std::size_t mostHits = 1'000'000;
 
 using Clock = std::chrono::system_clock;
@@ -179,6 +178,15 @@ std::string keyOf(std::string_view path, std::uint64_t inode) {
 
 } // namespace
 
+HistoryLimits HistoryLimits::of(const UserDefaults& defaults) {
+    HistoryLimits limits;
+    if (const int days = defaults.integerForKey("historyDays"); days > 0)
+        limits.days = days;
+    if (const int runs = defaults.integerForKey("historyRuns"); runs > 0)
+        limits.runs = runs;
+    return limits;
+}
+
 std::string_view PastRun::state() const {
     if (!problem.empty())
         return "damaged";
@@ -297,8 +305,20 @@ int RunHistory::forget(const PastRun& run) {
     return run.isUnderWay ? EBUSY : FileSystem::sharedInstance().removeFile(run.path);
 }
 
-void RunHistory::prune() const {
-    const std::string oldest = nameAt(Clock::now() - longest);
+std::vector<RunHistory::NotForgotten> RunHistory::clear() const {
+    std::vector<NotForgotten> left;
+    for (const PastRun& run : runs()) {
+        if (!run.isSettled || run.isUnderWay || !run.problem.empty())
+            continue;
+        if (const int error = forget(run))
+            left.push_back({run.name, error});
+    }
+    return left;
+}
+
+void RunHistory::prune(const HistoryLimits& limits) const {
+    const std::string oldest = nameAt(Clock::now() - std::chrono::days(limits.days));
+    const auto mostRuns = static_cast<std::size_t>(limits.runs);
     std::size_t count = 0;
     std::uint64_t bytes = 0;
     for (const PastRun& run : runs()) {

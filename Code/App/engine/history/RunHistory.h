@@ -3,6 +3,7 @@
 #include "engine/history/RunRecord.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,11 +14,23 @@
 namespace tavrin {
 
 class FolderEntries;
+class UserDefaults;
+
+/// How much of the history is kept.
+struct HistoryLimits {
+    int days = 90;
+    int runs = 50;
+
+    /// As the user wants it: "historyDays" and "historyRuns"; what is absent or below 1 is as above.
+    [[nodiscard]] static HistoryLimits of(const UserDefaults& defaults);
+};
 
 /// Where a program keeps the records of its runs, and how it is called in them.
 struct HistoryPlace {
     std::string folder; ///< a path in bytes; empty: no records are kept
     std::string who = "tvrn";
+    /// Asked before old records go. Any thread.
+    std::function<HistoryLimits()> limits = [] { return HistoryLimits(); };
 };
 
 /// One record of the history, without its items.
@@ -74,7 +87,14 @@ class RunHistory {
     /// Removes one record that no run holds; 0 or an errno value.
     static int forget(const PastRun& run);
     /// Removes what is too old or too much, but no run that was cut off before it is seen to.
-    void prune() const;
+    void prune(const HistoryLimits& limits = {}) const;
+    struct NotForgotten {
+        std::string run;
+        int error = 0; ///< an errno value
+    };
+    /// Removes all records but those of runs that were cut off and not seen to, are under way, or can't be
+    /// read; tells which could not be removed.
+    [[nodiscard]] std::vector<NotForgotten> clear() const;
 
     /// A name for a new record, above all that are there.
     [[nodiscard]] std::string nextName() const;

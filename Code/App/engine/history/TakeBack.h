@@ -39,16 +39,23 @@ struct RunPurpose {
 
 /// What undo and redo are to do.
 struct TakeBackRequest {
+    /// How far to go: find out what would be done, and touch nothing; do it unless something has to be left
+    /// out; or do what can be done.
+    enum class Extent : std::uint8_t { look, allOrNothing, whatCan };
+
     ChosenRun chosen;
+    Extent extent = Extent::whatCan;
     bool takesReplaced = false; ///< items that lie where a recorded one is gone count as that one
     bool asks = false;          ///< before each step
-    bool isOnShow = false;      ///< what becomes of each item is wanted beside the result
-    bool isPreview = false;     ///< finds out what would be done, and touches nothing
+    /// What becomes of each item is wanted beside the result, and finding out shows itself as a run does.
+    bool isOnShow = false;
 };
 
 /// What came of it.
 struct TakeBackResult {
+    ChosenRun chosen;
     std::shared_ptr<ItemStore> store; ///< the rows: those with `diff` get, or were to get, another name
+    bool wasDone = false;             ///< else it was only found out what would be done, as far as it came
     std::int32_t planned = 0;
     std::int32_t changed = 0;
     std::int64_t failed = 0;             ///< items that stay as they are, those told on the way included

@@ -160,10 +160,8 @@ bool ComputeProvisionalNamesStage::moveToNextFolder(FetchRequest& request) {
 }
 
 std::int32_t ComputeProvisionalNamesStage::countNumbered(const std::vector<RowId>& rows) const {
-    if (processFiles && processFolders)
-        return static_cast<std::int32_t>(rows.size());
     return static_cast<std::int32_t>(
-        std::ranges::count_if(rows, [&](RowId id) { return isProcessed(context->treatAsFolder(id)); }));
+        std::ranges::count_if(rows, [this](RowId id) { return isProcessed(id); }));
 }
 
 /// A name depends on its rank, not on when it is made. So the ranks are given out first, and then the rows

@@ -19,11 +19,25 @@ struct ToldProblem {
     std::string message;   ///< UTF-8, for people
 };
 
+/// The same in so few words that they stand beside the name: a form with places "%1" and "%2" for values,
+/// which are UTF-8. The form is a constant of the program, so that it can be looked up in another language.
+struct ProblemNote {
+    std::string_view form = {}; ///< empty where nothing is to be told
+    std::vector<std::string> values = {};
+    bool isInfo = false; ///< no problem, but to be known
+    [[nodiscard]] std::string sentence() const;
+};
+
+/// The most bytes that the system takes as a path.
+inline constexpr std::size_t longestPath = 4095;
+
 // What the last preview has foreseen of the rows in a context. Rows without a problem cost nothing; whoever
 // uses the main context holds its mutex.
 
 /// Absent for a row without a problem.
 [[nodiscard]] std::optional<ToldProblem> problemOf(StoreContext& context, RowId id);
+/// What is to be told of the row beside its new name.
+[[nodiscard]] ProblemNote noteOf(StoreContext& context, RowId id);
 /// What is told as the title of a row's problem: that it can't be renamed, or has been left out for it.
 [[nodiscard]] std::string_view problemTitle(StoreContext& context, RowId id);
 /// The rows with a problem among these, by ascending id.

@@ -1,5 +1,6 @@
 #include "engine/naming/ProblemFinder.h"
 
+#include "engine/naming/NameProblems.h"
 #include "engine/reading/FolderNotes.h"
 #include "engine/renaming/NameOnDisk.h"
 #include "store/contexts/StoreContext.h"
@@ -37,7 +38,7 @@ std::uint16_t stepTo(RowId from, RowId to) {
 bool holdsSign(std::string_view name) {
     return std::ranges::any_of(name, [](char c) {
         return static_cast<unsigned char>(c) < 0x20 ||
-               std::string_view("\"*/:<>?\\|").find(c) != std::string_view::npos;
+               nameOnDisk::foreignSigns.find(c) != std::string_view::npos;
     });
 }
 
@@ -137,10 +138,16 @@ void ProblemFinder::judgeName(Mover& mover) {
 
 void ProblemFinder::judgeLength(Mover& mover, std::size_t bytes) {
     const std::size_t limit = volume.nameLimit;
-    if (limit == 0 || bytes <= limit || (volume.countsUnits && context.finalName(mover.row).size() <= limit))
-        return;
-    mover.problem = volume.countsUnits ? tooManyUnits : tooManyBytes;
-    mover.detail = static_cast<std::uint16_t>(limit);
+    const bool isNameTooLong =
+        limit != 0 && bytes > limit && !(volume.countsUnits && context.finalName(mover.row).size() <= limit);
+    const std::size_t length = path.size() + 1 + bytes;
+    if (isNameTooLong) {
+        mover.problem = volume.countsUnits ? tooManyUnits : tooManyBytes;
+        mover.detail = static_cast<std::uint16_t>(limit);
+    } else if (length > longestPath) {
+        mover.problem = pathTooLong;
+        mover.detail = static_cast<std::uint16_t>(std::min<std::size_t>(length, 0xFFFF));
+    }
 }
 
 // ---- the disk
@@ -171,6 +178,8 @@ bool ProblemFinder::askForEach(OpenFolder& place) {
     for (Mover& mover : movers) {
         FileStatus own;
         judgePresence(mover, place.status(std::string(context.component(mover.row)), own), own);
+        if (mover.goes() && own.immutable)
+            mover.problem = lockedByFlag;
         if (!mover.goes())
             continue;
         const std::string wanted(wishOf(mover));
@@ -245,9 +254,10 @@ void ProblemFinder::compareWithListing(RowId folder) {
 void ProblemFinder::judgeOwners(OpenFolder& place) {
     for (Mover& mover : movers) {
         FileStatus own;
-        if (mover.goes() && place.status(std::string(context.component(mover.row)), own) == 0 &&
-            own.isForeign)
-            mover.problem = lockedItem;
+        if (!mover.goes() || place.status(std::string(context.component(mover.row)), own) != 0)
+            continue;
+        if (own.isForeign || own.immutable)
+            mover.problem = own.isForeign ? lockedItem : lockedByFlag;
     }
 }
 

@@ -4,6 +4,7 @@
 #include "engine/naming/NamePins.h"
 #include "store/queries/Predicate.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,6 +50,8 @@ class EngineHost {
     virtual void setListFolders(const RowFolders&) {}
     virtual void refreshPreview() = 0;
     virtual void showStats() = 0;
+    /// So many items of the list have left it, since they were not there any more when it was read anew.
+    virtual void tellGone(std::size_t) {}
     /// What a run means for what is settled by hand: items have moved, got their names, or are gone.
     virtual void changePins(std::vector<NamePins::Change>) {}
     virtual void showCompletionDialog() = 0;

@@ -89,6 +89,19 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
     });
 }
 
+void RenameEngine::processLook() {
+    threads.detach([this, turn = std::make_shared<EngineTurns::Turn>(engineLock)] {
+        const EngineTurns::Held lock(*turn);
+        if (ending)
+            return;
+        ProcessingPipeline pipeline(*this);
+        pipeline.addStage(std::make_unique<ResolveFileNameConflictsStage>(
+            *this, ResolveFileNameConflictsStage::Task::foresee));
+        if (pipeline.process())
+            refreshList();
+    });
+}
+
 void RenameEngine::processListRefresh() {
     threads.detach([this] {
         if (!ending)
@@ -139,7 +152,7 @@ void RenameEngine::readHistory(std::function<std::function<void()>(const RunHist
 void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest request,
                                    std::function<void(EngineHost&, const TakeBackResult&)> completion) {
     stopRequested = false;
-    const bool showsRun = !request.isPreview;
+    const bool showsRun = request.isOnShow || request.extent != TakeBackRequest::Extent::look;
     if (showsRun)
         onMainThread([](EngineHost& host) { host.startProgressWindow(); });
     threads.detach([this, &progress, request = std::move(request), completion = std::move(completion),
@@ -156,6 +169,7 @@ void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest reque
 
 TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequest& request) {
     TakeBackResult result;
+    result.chosen = request.chosen;
     result.store = std::make_shared<ItemStore>(ItemStore::Options{});
     const auto purpose = std::make_shared<RunPurpose>();
     purpose->what = request.chosen.what;
@@ -167,11 +181,9 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
     pipeline.setProgressInfo(&progress);
     pipeline.setStore(*result.store);
     pipeline.addStage(std::make_unique<NamesFromRecordStage>(*this, request, purpose));
-    if (!request.isPreview) {
-        pipeline.addStage(std::make_unique<PrepareForRenamingStage>(*this));
-        pipeline.addStage(std::make_unique<PerformRenameStage>(*this, purpose));
-    }
-    static_cast<void>(pipeline.process());
+    pipeline.addStage(std::make_unique<PrepareForRenamingStage>(*this));
+    pipeline.addStage(std::make_unique<PerformRenameStage>(*this, purpose));
+    result.wasDone = pipeline.process();
     StoreContext context(*result.store, StoreContext::MergePolicy::storeWins);
     result.planned =
         static_cast<std::int32_t>(context.count(FetchEntity::file, Predicate::isTrue(NodeKey::diff)));
@@ -209,6 +221,7 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
 void RenameEngine::forgetWhatWasRead(ProgressInfo& progress) {
     ProcessingPipeline cleanUp(*this);
     cleanUp.setProgressInfo(&progress);
+    cleanUp.addStage(std::make_unique<DropGoneItemsStage>(*this));
     cleanUp.addStage(std::make_unique<CleanUpFilesStage>(*this));
     static_cast<void>(cleanUp.process());
     SourceItemManager::sharedInstance().resetCache();

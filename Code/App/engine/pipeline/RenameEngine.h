@@ -37,6 +37,8 @@ class RenameEngine : public EngineState {
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
     void processRenamingPipelineThenContinue(ProgressInfo& progress);
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
+    /// Foresees anew which names the rename will be refused, and has the list refreshed.
+    void processLook();
     /// Has the list on show sorted anew and refreshed, beside all that runs.
     void processListRefresh();
     /// Work on the rows that is done on a thread of its own; what it returns is done on the main thread,

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "engine/pipeline/ProcessingStage.h"
+#include "store/rows/NodeRow.h"
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -28,6 +30,21 @@ class CleanUpProcessingErrorsStage final : public CleanUpStage {
   protected:
     std::size_t deleteRows(std::size_t limit) override;
     [[nodiscard]] std::string batchText(std::size_t count) const override;
+};
+
+/// Takes from the list what is no longer there, and tells how many items these are. Before all rows go.
+class DropGoneItemsStage final : public ProcessingStage {
+  public:
+    explicit DropGoneItemsStage(EngineState& owner) : ProcessingStage(owner) {}
+    bool process() override;
+    [[nodiscard]] std::string className() const override { return "DropGoneItemsStage"; }
+    [[nodiscard]] std::string stageDescription() const override;
+
+  private:
+    void lookInto(RowId folder);
+
+    std::size_t count = 0;
+    std::vector<std::string> gone; ///< paths of source items
 };
 
 class CleanUpFilesStage final : public CleanUpStage {

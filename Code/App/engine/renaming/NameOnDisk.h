@@ -10,6 +10,9 @@ namespace tavrin {
 /// How names of rows become names in a folder. Pure.
 namespace nameOnDisk {
 
+/// What some file systems take in no name, beside control characters.
+inline constexpr std::string_view foreignSigns = "\"*/:<>?\\|";
+
 /// The bytes that a file with this name gets: every "/" a ":". False when no file can bear the name, or
 /// when it holds a stray half of a character that stands for no byte of the current name (also bytes). An
 /// exact name has been on the disk before, so that its halves are bytes.

@@ -58,8 +58,8 @@ bool PerformRenameStage::process() {
         }
     }
     closeJournal(run->questions.shouldAbort());
-    run->tellMoves();
     run->outcomes.end(run->questions.shouldAbort());
+    run->tellMoves();
     warnings.reset();
     return true;
 }
@@ -82,7 +82,7 @@ bool PerformRenameStage::beginJournal() {
     run->primitives.onReplaced = [this](RowId row, const FileIdentity& found) { journal->late(row, found); };
     run->onFlagRefused = [this](std::uint32_t device) { journal->flagRefused(device); };
     engine.noteRecord(journal->runName());
-    RunHistory(place.folder).prune();
+    RunHistory(place.folder).prune(place.limits());
     return true;
 }
 

@@ -31,10 +31,12 @@ NameProblem problemOfRights(std::string_view item, const RunFolders::Place& plac
         return NameProblem::lockedFolder;
     FileStatus folder;
     FileStatus own;
-    const bool isOthers = place.folder && place.folder->status(".", folder) == 0 && folder.isSticky &&
-                          folder.isForeign && place.folder->status(std::string(item), own) == 0 &&
-                          own.isForeign;
-    return isOthers ? NameProblem::lockedItem : NameProblem::none;
+    if (!place.folder || place.folder->status(".", folder) != 0 ||
+        place.folder->status(std::string(item), own) != 0)
+        return NameProblem::none;
+    if (folder.isSticky && folder.isForeign && own.isForeign)
+        return NameProblem::lockedItem;
+    return own.immutable ? NameProblem::lockedByFlag : NameProblem::none;
 }
 
 } // namespace
@@ -82,6 +84,8 @@ bool RenamePrimitives::renameItem(RenameItem& item) {
                  nameOnDisk::shown(to));
     if (!nameOnDisk::isPossible(to))
         return refuse(messageOf(item.problemOfNewName()));
+    if (const std::size_t length = item.folder().size() + 1 + to.size(); length > longestPath)
+        return refuse(tooLongMessage(NameProblem::pathTooLong, length, longestPath));
     if (!check(item))
         return false;
     std::optional<std::string> comment;

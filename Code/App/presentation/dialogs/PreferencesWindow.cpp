@@ -2,10 +2,12 @@
 
 #include "actions/SortBasedAction.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "platform/metadata/FileManager.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/FileManagersPanel.h"
+#include "presentation/dialogs/HistoryPanel.h"
 #include "presentation/dialogs/UpdatesPanel.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/settings/ParameterEditors.h"
@@ -94,6 +96,7 @@ class Window final : public QDialog {
         addReading();
         addEqualNames();
         addSafety();
+        addHistory();
         addDroplets();
         addDesktop();
         addUpdates();
@@ -103,10 +106,6 @@ class Window final : public QDialog {
         contents->setCurrentRow(0);
         auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
         connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-        connect(this, &QDialog::finished, this, [this] {
-            if (clearCache)
-                services.controller.rereadList();
-        });
         auto* row = new QHBoxLayout;
         row->addWidget(contents);
         row->addWidget(pages, 1);
@@ -114,6 +113,8 @@ class Window final : public QDialog {
         layout->addLayout(row, 1);
         layout->addWidget(buttons);
     }
+
+    void showHistory() { contents->setCurrentRow(historyRow); }
 
   private:
     QVBoxLayout& addPage(const QString& title) {
@@ -172,13 +173,26 @@ class Window final : public QDialog {
         page.addWidget(link);
     }
 
+    static void addNote(QVBoxLayout& page, const QString& text) {
+        auto* note = new QLabel(text);
+        note->setWordWrap(true);
+        note->setForegroundRole(QPalette::PlaceholderText);
+        page.addWidget(note);
+    }
+
     void addGeneral() {
         QVBoxLayout& page = addPage(tr("General"));
         addSetting(page, "quitAfterRename", tr("&Quit after renaming"));
         addSetting(page, "continueAfterRename", tr("&Keep the list after renaming"));
         addSetting(page, "interactiveMode", tr("Show &confirmation dialog before renaming"));
         addSetting(page, "showSummary", tr("Show s&ummary after renaming is complete"));
-        addSetting(page, "copyFileComments", tr("Keep file co&mments"));
+        QCheckBox* comments = addSetting(page, "copyFileComments", tr("Keep file co&mments"));
+        if (FileManager::commentsTravelWithFiles()) {
+            comments->setEnabled(false);
+            const QString reason = tr("File comments are parts of the files here and always go along.");
+            comments->setAccessibleDescription(reason);
+            addNote(page, reason);
+        }
         addDefault(page, "loggerIsOn", tr("Write a debug &log"));
         page.addSpacing(8);
         auto* showAgain = new QPushButton(tr("Show All &Hidden Messages Again"));
@@ -199,25 +213,27 @@ class Window final : public QDialog {
         QVBoxLayout& page = addPage(tr("Reading"));
         QCheckBox* exif = addSetting(page, "retrieveEXIFInformation", tr("Read &EXIF and shooting dates"));
         connect(exif, &QCheckBox::clicked, this, [this](bool isOn) {
-            clearCache = true;
+            services.controller.rereadList();
             if (!isOn)
                 Dialogs::showAlert(this, exifIsOff, [](AlertAnswer) {});
         });
         addSetting(page, "quickLookThumbnail", tr("&Thumbnails in the list and in questions"));
-        addSetting(page, "accurateFolderSize", tr("Exact sizes of &folders"));
+        connect(addSetting(page, "accurateFolderSize", tr("Exact sizes of &folders")), &QCheckBox::clicked,
+                this, [this] { services.controller.rereadList(); });
         QFormLayout* form = makeForm();
         QComboBox* store = makeBox();
         store->setObjectName("store");
         store->addItems({tr("on disk, for very long lists"), tr("in memory")});
         store->setCurrentIndex(services.defaults.integerForKey("store") == 1 ? 1 : 0);
-        connect(store, &QComboBox::activated, this,
-                [this](int row) { services.defaults.setObject("store", row); });
+        connect(store, &QComboBox::activated, this, [this](int row) {
+            services.defaults.setObject("store", row);
+            // The store goes with its list; an empty one costs nothing.
+            if (services.controller.previewControl().isPreviewEmpty())
+                services.controller.clearPreview();
+        });
         form->addRow(tr("Keep the &list:"), store);
         page.addLayout(form);
-        auto* note = new QLabel(tr("A change counts from the next start, or when the list is cleared."));
-        note->setWordWrap(true);
-        note->setForegroundRole(QPalette::PlaceholderText);
-        page.addWidget(note);
+        addNote(page, tr("A change counts from the next start, or when the list is cleared."));
         page.addStretch(1);
     }
 
@@ -248,6 +264,14 @@ class Window final : public QDialog {
         addChoice(*form, "renameMode", tr("&Rename method:"), routes);
         page.addLayout(form);
         addHelp(page, tr("About the rename methods"), "helpCategory14");
+        page.addStretch(1);
+    }
+
+    void addHistory() {
+        historyRow = contents->count();
+        QVBoxLayout& page = addPage(tr("History"));
+        addSetting(page, "keepHistory", tr("Keep a &record of runs, so that they can be undone"));
+        page.addWidget(new HistoryPanel(services));
         page.addStretch(1);
     }
 
@@ -283,15 +307,17 @@ class Window final : public QDialog {
     QListWidget* contents = new QListWidget;
     QStackedWidget* pages = new QStackedWidget;
     std::vector<std::unique_ptr<ParameterBinding>> bindings;
-    bool clearCache = false; ///< what has been read of the files must be read again
+    int historyRow = 0;
 };
 
 } // namespace
 
-void PreferencesWindow::open(QWidget* parent, const WindowServices& services) {
+void PreferencesWindow::open(QWidget* parent, const WindowServices& services, Page page) {
     auto* window = parent->findChild<QDialog*>("preferencesWindow");
     if (!window)
         window = new Window(parent, services);
+    if (page == Page::history)
+        static_cast<Window*>(window)->showHistory();
     window->show();
     window->raise();
     window->activateWindow();

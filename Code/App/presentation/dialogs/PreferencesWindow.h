@@ -8,7 +8,8 @@ namespace tavrin {
 
 /// The settings of the application. Every control is live; opened again, the one window comes to the front.
 struct PreferencesWindow {
-    static void open(QWidget* parent, const WindowServices& services);
+    enum class Page { lastShown, history };
+    static void open(QWidget* parent, const WindowServices& services, Page page = Page::lastShown);
 };
 
 } // namespace tavrin

@@ -197,9 +197,11 @@ void EmptyListPage::arrange() {
     beginning->setVisible(height >= leastHeightForTiles);
     promise->setVisible(height >= leastHeightForPromise);
     const int room = viewport()->width() - 2 * margin;
-    buttons->setDirection(QBoxLayout::LeftToRight);
-    if (buttons->sizeHint().width() > room)
-        buttons->setDirection(QBoxLayout::TopToBottom);
+    int beside = buttons->spacing();
+    for (int i = 0; i < buttons->count(); ++i)
+        beside += buttons->itemAt(i)->sizeHint().width();
+    buttons->setDirection(beside <= room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    buttons->parentWidget()->updateGeometry();
     arrangeTiles(room);
 }
 

@@ -4,6 +4,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
+#include "presentation/Spoken.h"
 #include "presentation/WindowColours.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "store/contexts/StoreContext.h"
@@ -235,6 +236,8 @@ void FindBar::tell() {
                                    : counted(matches.size(), tr("1 match…"), tr("%L1 matches…")));
     }
     result->setPalette(colours);
+    if (result->accessibleName() != result->text())
+        Spoken::sayAtRest(result->text());
     result->setAccessibleName(result->text());
 }
 

@@ -120,6 +120,10 @@ void ListBar::addMoreMenu(WindowCommands& commands) {
     moreButton->setAutoRaise(true);
     moreButton->addActions(
         {commands.processFiles, commands.processFolders, commands.processSubfolders, commands.findInList});
+    QMenu* show = showButton->menu();
+    show->setTitle(tr("Show"));
+    moreButton->addAction(show->menuAction());
+    folding.push_back(showButton);
     layout()->addWidget(moreButton);
     moreButton->hide();
     measure();

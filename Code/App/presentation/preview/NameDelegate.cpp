@@ -134,17 +134,25 @@ std::optional<RunMark> runMark(RunOutcome outcome, const QPalette& palette) {
 }
 
 /// What is said behind the new name.
-QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
-    if (state == PreviewTableModel::State::madeDistinct)
-        return NameDelegate::tr("made distinct");
-    if (state == PreviewTableModel::State::byHand)
-        return NameDelegate::tr("by hand");
-    if (state == PreviewTableModel::State::leftOut)
-        return NameDelegate::tr("left out");
+struct Note {
+    QString words;
+    QColor colour;
+};
+
+Note noteOn(PreviewTableModel::State state, const QModelIndex& index, const QPalette& palette) {
+    using State = PreviewTableModel::State;
+    const QColor dim = palette.color(QPalette::PlaceholderText);
+    if (state == State::leftOut)
+        return {NameDelegate::tr("left out"), dim};
     const auto* table = static_cast<const PreviewTableModel*>(index.model());
-    if (table->show() == PreviewTableModel::Show::problems)
-        return {}; // has a column of its own
-    return index.data(PreviewTableModel::reasonRole).toString();
+    const bool hasOwnColumn = state == State::problem && table->show() == PreviewTableModel::Show::problems;
+    const QString reason = hasOwnColumn ? QString() : index.data(PreviewTableModel::reasonRole).toString();
+    if (!reason.isEmpty())
+        return {reason,
+                state == State::problem ? stateColour(state, palette) : WindowColours::of(palette).infoText};
+    if (state == State::madeDistinct)
+        return {NameDelegate::tr("made distinct"), stateColour(state, palette)};
+    return {state == State::byHand ? NameDelegate::tr("by hand") : QString(), dim};
 }
 
 /// Says behind a name what there is to say about it, and gives the room that this leaves to the name: the
@@ -242,12 +250,8 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                               : isDim  ? item.palette.color(QPalette::PlaceholderText)
                                        : plain;
     QRect nameRoom = place;
-    if (const QString note = isNew ? noteOn(state, index) : QString(); !note.isEmpty())
-        nameRoom = drawNote(*painter, place, item, text, note,
-                            mark ? mark->colour
-                            : state == PreviewTableModel::State::byHand
-                                ? item.palette.color(QPalette::PlaceholderText)
-                                : stateColour(state, item.palette));
+    if (const Note note = isNew ? noteOn(state, index, item.palette) : Note(); !note.words.isEmpty())
+        nameRoom = drawNote(*painter, place, item, text, note.words, mark ? mark->colour : note.colour);
     const Spans spans = isPast ? Spans() : index.data(PreviewTableModel::spansRole).value<Spans>();
     drawName(painter, nameRoom, elided(text, spans, item.fontMetrics, nameRoom.width()), item.font,
              textColour, isNew ? colours.addedTint : colours.removedTint,

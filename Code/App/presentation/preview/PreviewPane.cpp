@@ -567,7 +567,7 @@ void PreviewPane::tellProblem() {
     QString told;
     if (row >= 0) {
         const PreviewList::Row& item = model->rowAt(row);
-        const QString reason = ShownName::problemNote(item.problem, item.problemDetail);
+        const QString reason = ShownName::note(item.note);
         //: %1 is the reason why an item can't be renamed, as a part of a sentence
         told = isThis ? tr("This one: %1.").arg(reason)
                       //: %1 is the name of an item, %2 why it can't be renamed
@@ -733,9 +733,9 @@ void PreviewPane::moveSelection(bool up) {
     isMoving = true;
     hands->reorder([&] { controller.dndArrayController().insertRows(view->selectedIds(), place); });
     isMoving = false;
-    if (const auto first = view->firstSelectedRow(); first >= 0)
-        //: Spoken when a row was moved by keys
-        Spoken::say(tr("now row %L1 of %L2").arg(first + 1).arg(model->rowCount()));
+    if (view->currentIndex().isValid())
+        //: Said when rows have been moved by keys.
+        Spoken::say(tr("now row %L1 of %L2").arg(view->currentIndex().row() + 1).arg(model->rowCount()));
 }
 
 std::optional<PreviewList::Row> PreviewPane::currentRow() const {

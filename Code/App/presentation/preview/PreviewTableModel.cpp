@@ -225,7 +225,7 @@ QVariant PreviewTableModel::textOf(const PreviewList::Row& row, int column) cons
     case folder:
         return folderOf(row);
     case problem:
-        return ShownName::problemNote(row.problem, row.problemDetail);
+        return ShownName::note(row.note);
     default:
         if (column >= regex1 && column <= regex6 && row.regex)
             return shownName((*row.regex)[static_cast<std::size_t>(column - regex1)]);
@@ -291,7 +291,7 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case reasonRole:
         if (QString reason = marks.reasonOf(row); !reason.isEmpty())
             return reason;
-        return ShownName::problemNote(row.problem, row.problemDetail);
+        return ShownName::note(row.note);
     case rowIdRole:
         return row.id;
     case spansRole:

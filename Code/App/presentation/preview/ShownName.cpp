@@ -1,5 +1,6 @@
 #include "presentation/preview/ShownName.h"
 
+#include "support/text/Text.h"
 #include "tags/StringToInvisiblesValueTransformer.h"
 
 #include <QStringList>
@@ -53,47 +54,13 @@ QString ShownName::bytesNote(const std::u16string& name) {
     return bytes.isEmpty() ? QString() : tr("Bytes that are not UTF-8: %1").arg(bytes.join(' '));
 }
 
-QString ShownName::problemNote(NameProblem problem, std::uint16_t detail) {
-    using enum NameProblem;
-    switch (problem) {
-    case none:
+QString ShownName::note(const ProblemNote& note) {
+    if (note.form.empty())
         return {};
-    case empty:
-        return tr("the name would be empty");
-    case holdsNul:
-        return tr("names cannot hold a NUL character");
-    case standsForFolder:
-        return tr("“.” and “..” cannot be names");
-    case cutCharacter:
-        return tr("cuts a character in two");
-    case tooManyBytes:
-        return tr("longer than %1 bytes").arg(detail);
-    case tooManyUnits:
-        return tr("longer than %1 characters").arg(detail);
-    case foreignCharacter:
-        return tr("holds a character that the file system forbids");
-    case taken:
-        return tr("taken by another item");
-    case conflict:
-        return tr("same as another item");
-    case lockedFolder:
-        return tr("the folder cannot be changed");
-    case lockedItem:
-        return tr("only its owner may rename it");
-    case readOnlyVolume:
-        return tr("read-only file system");
-    case link:
-        return tr("links are not renamed");
-    case gone:
-        return tr("no longer there");
-    case replaced:
-        return tr("replaced by an item of another kind");
-    case folderReplaced:
-        return tr("the folder has been replaced by another");
-    case lostExchange:
-        return tr("it cannot exchange names with an item that is gone");
-    }
-    return {};
+    QString text = tr(std::string(note.form).c_str());
+    for (const std::string& value : note.values)
+        text = text.arg(of(text::fromUtf8(value), true));
+    return text;
 }
 
 } // namespace tavrin

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/rows/NameProblem.h"
+#include "engine/naming/NameProblems.h"
 
 #include <QCoreApplication>
 #include <QString>
@@ -17,9 +17,8 @@ struct ShownName {
   public:
     /// With `invisibles` blanks and control characters show as marks.
     [[nodiscard]] static QString of(const std::u16string& name, bool invisibles);
-    /// What stands behind a new name that will be refused: as few words as do; empty without a problem. The
-    /// detail is that of the row.
-    [[nodiscard]] static QString problemNote(NameProblem problem, std::uint16_t detail);
+    /// What stands behind a new name, in as few words as do; empty where there is nothing to be told.
+    [[nodiscard]] static QString note(const ProblemNote& note);
     /// The bytes of a name that are not UTF-8, in words; empty where there are none.
     [[nodiscard]] static QString bytesNote(const std::u16string& name);
 };

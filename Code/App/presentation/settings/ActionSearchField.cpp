@@ -2,6 +2,7 @@
 
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
+#include "presentation/Spoken.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -151,6 +152,7 @@ void ActionSearchField::showHits() {
     hits->setCurrentRow(0);
     setAccessibleDescription(
         counted(static_cast<std::size_t>(hits->count()), tr("1 action found"), tr("%L1 actions found")));
+    Spoken::sayAtRest(text().trimmed().isEmpty() ? QString() : accessibleDescription());
     if (hits->count() == 0) {
         hideHits();
         return;

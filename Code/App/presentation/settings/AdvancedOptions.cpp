@@ -9,13 +9,61 @@
 #include <QCheckBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QStyleOptionToolButton>
+#include <QStylePainter>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace tavrin {
 
+namespace {
+
+/// Draws its arrow, which styles leave where it is, at the beginning of the line of reading, pointing along
+/// it.
+class DisclosureButton final : public QToolButton {
+  public:
+    [[nodiscard]] QSize sizeHint() const override {
+        const int words = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
+        return {2 * margin + arrowSize + gap + words, QToolButton::sizeHint().height()};
+    }
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QStylePainter painter(this);
+        QStyleOptionToolButton option;
+        initStyleOption(&option);
+        const bool isRightToLeft = option.direction == Qt::RightToLeft;
+        const QString label = std::exchange(option.text, QString());
+        const auto arrow = std::exchange(option.arrowType, Qt::NoArrow);
+        option.features.setFlag(QStyleOptionToolButton::Arrow, false);
+        painter.drawComplexControl(QStyle::CC_ToolButton, option);
+        const QRect whole = option.rect.adjusted(margin, 0, -margin, 0);
+        QRect place = whole;
+        place.setWidth(arrowSize);
+        option.rect = QStyle::visualRect(option.direction, whole, place);
+        painter.drawPrimitive(arrow == Qt::DownArrow ? QStyle::PE_IndicatorArrowDown
+                              : isRightToLeft        ? QStyle::PE_IndicatorArrowLeft
+                                                     : QStyle::PE_IndicatorArrowRight,
+                              option);
+        const QRect words =
+            QStyle::visualRect(option.direction, whole, whole.adjusted(arrowSize + gap, 0, 0, 0));
+        painter.drawItemText(
+            words, Qt::AlignVCenter | Qt::TextShowMnemonic | (isRightToLeft ? Qt::AlignRight : Qt::AlignLeft),
+            palette(), isEnabled(), label, QPalette::ButtonText);
+    }
+
+  private:
+    static constexpr int margin = 4;
+    static constexpr int arrowSize = 10;
+    static constexpr int gap = 6;
+};
+
+} // namespace
+
 AdvancedOptions::AdvancedOptions(const WindowServices& shared)
-    : services(shared), disclosure(new QToolButton), content(new QWidget) {
+    : services(shared), disclosure(new DisclosureButton), content(new QWidget) {
     disclosure->setObjectName("discloseAdvancedOptions");
     disclosure->setText(tr("Advanced &Options"));
     disclosure->setAutoRaise(true);
@@ -42,9 +90,7 @@ AdvancedOptions::AdvancedOptions(const WindowServices& shared)
         settings, "discloseAdvancedOptions", [this](const std::optional<PropertyValue>& value) {
             const bool isOpen = value && intValue(*value) != 0;
             disclosure->setChecked(isOpen);
-            disclosure->setArrowType(isOpen                             ? Qt::DownArrow
-                                     : QGuiApplication::isRightToLeft() ? Qt::LeftArrow
-                                                                        : Qt::RightArrow);
+            disclosure->setArrowType(isOpen ? Qt::DownArrow : Qt::RightArrow);
             content->setVisible(isOpen);
         }));
     connect(disclosure, &QToolButton::clicked, this,

@@ -172,7 +172,8 @@ void SettingsPane::showAction(BaseRenameAction& action) {
     putIntoTabOrder(*content);
     // What the panel needs at least is not scrolled sideways: the pane grows.
     const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-    setMinimumWidth(std::max(leastWidth, content->minimumSizeHint().width() + scrollBar));
+    setMinimumWidth(std::max({leastWidth, content->minimumSizeHint().width() + scrollBar,
+                              advanced->minimumSizeHint().width() + 2 * margin}));
     if (chooser->takeWasFoundBySearch())
         focusFirstField();
 }

@@ -3,6 +3,7 @@
 #include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/run/RunReportText.h"
 #include "presentation/start/FileAddress.h"
 #include "shell/MainController.h"
 
@@ -110,7 +111,8 @@ void RecipeClipboard::tell(const RecipeCommands::Outcome& outcome, const QString
 }
 
 void RecipeClipboard::undo() {
-    if (!isAboutSteps())
+    // Right after a run the keys are about that, and touch nothing by themselves.
+    if (!isAboutSteps() || bars.isShowing(RunReportText::barName))
         return;
     recipes.undo();
     bars.dismiss(barName);

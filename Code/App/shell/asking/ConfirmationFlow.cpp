@@ -194,6 +194,17 @@ void ConfirmationFlow::tellEndOfTakeBack(const TakeBackResult& result) {
              std::max(result.errors.size(), static_cast<std::size_t>(result.failed)), RunKind::undo});
 }
 
+bool ConfirmationFlow::endWithoutReport() {
+    isReportDue = false;
+    if (const auto tell = std::exchange(tellInstead, nullptr)) {
+        tell("Nothing was renamed.");
+        return false;
+    }
+    if (isWindowClosed)
+        terminateWhenReportIsClosed();
+    return !isWindowClosed;
+}
+
 void ConfirmationFlow::tellEnd(const RunResult& result) {
     isReportDue = false;
     const bool wasCut = (isWindowClosed || tellInstead) && result.renamed < result.planned;

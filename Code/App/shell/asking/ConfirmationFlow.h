@@ -63,6 +63,9 @@ class ConfirmationFlow {
     void showCompletionDialog();
     /// The same for an undo or a redo.
     void tellEndOfTakeBack(const TakeBackResult& result);
+    /// What has begun like a run was none. False when that ends the application, since the user has closed
+    /// the window meanwhile.
+    [[nodiscard]] bool endWithoutReport();
     void showFileListSavingCompletionDialog(int format);
     void showFileListNotSaved(const std::string& path, const std::string& reason);
     /// Ends the application, after the report of a run if one is open.

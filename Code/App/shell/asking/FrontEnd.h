@@ -22,7 +22,6 @@ enum class AlertKind {
     itemsNotRemoved,
     manualSorting,
     runQuestion,
-    interruptedRun,
     nothingToTakeBack,
     summary,
     fileListSaved,
@@ -117,19 +116,33 @@ struct FileListChoice {
     bool shouldIncludeOnlyAffectedFiles = false;
 };
 
-/// What an undo or redo would do.
-struct TakeBackQuestion {
-    struct Row {
-        std::string folder;
-        std::u16string name;
-        std::u16string newName;
-    };
-    std::string title;
-    std::string verb;                      ///< its first word: "Undo", "Redo" or "Finish"
-    std::size_t count = 0;                 ///< of items that would get another name
-    std::vector<Row> rows;                 ///< the first of them
-    std::vector<ProcessingError> problems; ///< items that can't
+/// Asked before an undo or redo that can't do all, or that takes up a run of somebody else, or of another
+/// day.
+struct UndoQuestion {
+    RunKind what = RunKind::undo;
+    bool finishes = false;       ///< a redo that does what a run has left undone
+    bool isOwn = false;          ///< the run was made by this program since its start
+    std::string run;             ///< what the history calls it
+    std::string who;             ///< "tvrn", "window", "droplet"
+    std::optional<double> began; ///< seconds since 2001
+    std::string folder;
+    std::size_t possible = 0; ///< of names
+    std::size_t total = 0;
+    std::vector<ProcessingError> reasons = {}; ///< the first of those why others are not possible
 };
+enum class UndoAnswer { cancel, showInHistory, go };
+
+/// A run that was cut off.
+struct InterruptedRun {
+    std::string run; ///< what the history calls it
+    RunKind what = RunKind::rename;
+    std::optional<double> began; ///< seconds since 2001
+    std::string folder = {};     ///< that holds all that it was about
+    std::size_t changed = 0;     ///< of names
+    std::size_t total = 0;
+    std::size_t withTemporaryName = 0;
+};
+enum class InterruptedRunAnswer { finish, undo, show };
 
 /// What to ask the user for, in the words of a panel.
 struct LocatePanel {
@@ -195,7 +208,12 @@ class FrontEnd {
     }
 
     /// Whether an undo or redo is to be done. The default is that it is not.
-    virtual void askToTakeBack(const TakeBackQuestion&, std::function<void(bool)> answer) { answer(false); }
+    virtual void askToUndo(const UndoQuestion&, std::function<void(UndoAnswer)> answer) {
+        answer(UndoAnswer::cancel);
+    }
+    /// Told at the start; who does not answer is told at the next one. "Show" may be answered again and
+    /// again.
+    virtual void tellInterruptedRun(const InterruptedRun&, std::function<void(InterruptedRunAnswer)>) {}
     /// For one or more droplets: their bundle folders, or the launchers that stand for them.
     virtual void askForDroplets(const LocatePanel&,
                                 std::function<void(std::optional<std::vector<std::string>>)> answer) {
@@ -232,6 +250,8 @@ class FrontEnd {
     /// A run has begun or ended; commands are off during a run.
     virtual void runStateChanged(bool /*isRunning*/) {}
     virtual void fillPresetMenu(const std::vector<std::u16string>& /*titles*/) {}
+    /// The list was read anew, and so many of its items were no longer there.
+    virtual void itemsWereGone(std::size_t /*count*/) {}
     /// There are other names by hand, or other items are left out; the list shows it when a preview has
     /// ended.
     virtual void handEditsChanged() {}
@@ -246,6 +266,8 @@ class FrontEnd {
     virtual void hideWindow() {}
     virtual void enterDropletEditMode() {}
     virtual void showHelp(std::string_view /*anchor*/) {}
+    /// Shows the history, with this run chosen where one is named.
+    virtual void showHistory(const std::string& /*run*/) {}
     /// Shows a file in the file browser and opens it.
     virtual void revealPath(const std::string&) {}
     /// Shows a page of the web in the browser.

@@ -26,7 +26,7 @@ namespace {
 constexpr std::chrono::milliseconds previewDelay(300);
 
 /// What a change of a value asks for.
-enum class Reaction { preview, newOrder, showStep, automaticSorting, nothing };
+enum class Reaction { preview, reread, newOrder, showStep, automaticSorting, nothing };
 
 struct ReactionRow {
     std::string_view keyPath;
@@ -39,6 +39,7 @@ constexpr std::array reactions{
     ReactionRow{"sortEachFolderSeparately", Reaction::newOrder},
     ReactionRow{"currentActionIndex", Reaction::showStep},
     ReactionRow{"transientActionIndex", Reaction::showStep},
+    ReactionRow{settingKey::accurateFolderSize, Reaction::reread}, // sizes are read with the items
     ReactionRow{settingKey::lastAddDirectory, Reaction::nothing},
     ReactionRow{settingKey::automaticSorting, Reaction::automaticSorting},
 };
@@ -351,6 +352,10 @@ void PreviewControl::observeValueForKeyPath(const std::string& keyPath, const Ba
         return;
     }
     switch (reactionTo(keyPath)) {
+    case Reaction::reread:
+        services.engine.rereadAtNextPreview();
+        initiateDelayedPreviewUpdate();
+        break;
     case Reaction::preview:
         if (object == &services.composite)
             services.frontEnd.actionListChanged();

@@ -141,7 +141,7 @@ std::optional<PreviewList::Row> PreviewList::rowOf(StoreContext& context, RowId 
     row.isPinned = node.hasExactName();
     row.isLeftOut = node.isLeftOut();
     row.problem = node.problem;
-    row.problemDetail = node.problemDetail;
+    row.note = noteOf(context, id);
     if (auto told = problemOf(context, id))
         row.problemMessage = std::move(told->message);
     row.name = context.name(id);

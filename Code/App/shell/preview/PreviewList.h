@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/naming/NameProblems.h"
 #include "store/contexts/StoreContext.h"
 #include "store/queries/Predicate.h"
 
@@ -31,8 +32,8 @@ class PreviewList {
         bool isPinned = false;  ///< its final name is one by hand
         bool isLeftOut = false; ///< it takes no part
         NameProblem problem = NameProblem::none;
-        std::uint16_t problemDetail = 0; ///< as in the row of the store
-        std::string problemMessage;      ///< UTF-8; empty without one
+        ProblemNote note;           ///< of the problem, or of something to be known
+        std::string problemMessage; ///< UTF-8; empty without one
         std::optional<StoreContext::RegexColumns> regex;
     };
 

@@ -186,6 +186,10 @@ void StartSequence::connectObservers() {
     ActionObserver& observer = units.observer;
     services.actionList.setAutomaticSorting(services.settings.values().automaticSorting);
     observations.push_back(services.settings.registerObserverForAllValues(observer));
+    // Also settings that have no value before they are first used.
+    for (const auto& [key, whenNew] : Settings::knownSettings())
+        if (find(services.settings.parameterList(), key) == nullptr)
+            observations.push_back(services.settings.registerObserver(observer, key));
     observations.push_back(services.composite.registerObserverForAllValues(observer));
     for (const char* key : {"actionList", "transientActionIndex"})
         observations.push_back(services.composite.registerObserver(observer, key));

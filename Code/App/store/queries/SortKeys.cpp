@@ -33,12 +33,12 @@ std::uint64_t ordered(std::int32_t value) { return static_cast<std::uint32_t>(va
 
 template <std::unsigned_integral Number> std::uint64_t ordered(Number value) { return value; }
 
-template <typename Enum>
-requires std::is_enum_v<Enum> std::uint64_t ordered(Enum value) { return static_cast<std::uint8_t>(value); }
 /// No problem comes behind all problems.
 std::uint64_t ordered(NameProblem value) {
     return static_cast<std::uint8_t>(static_cast<std::uint8_t>(value) - 1);
 }
+
+std::uint64_t ordered(NamedBy value) { return static_cast<std::uint8_t>(value); }
 
 /// SplitMix64, a bijection that scatters consecutive numbers.
 std::uint64_t scatter(std::uint64_t value) {

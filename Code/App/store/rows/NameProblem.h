@@ -25,6 +25,8 @@ enum class NameProblem : std::uint8_t {
     replaced,       ///< by an item of another kind
     folderReplaced, ///< by another folder
     lostExchange,   ///< in a ring of items that want each other's names, of which one is gone
+    pathTooLong,    ///< with its folder's
+    lockedByFlag,   ///< nobody may rename it until the flag is taken off
 };
 
 } // namespace tavrin
