@@ -69,6 +69,8 @@ NewNameEditor::NewNameEditor(const Parts& all)
     setAccessibleName(tr("New name"));
     hint->setObjectName("newNameHint");
     hint->setAutoFillBackground(true);
+    hint->setBackgroundRole(QPalette::Window); // not those of the list that it lies in
+    hint->setForegroundRole(QPalette::WindowText);
     hint->setTextFormat(Qt::PlainText);
     hint->setMargin(4);
     rest.setSingleShot(true);

@@ -156,6 +156,7 @@ void PreviewPane::buildTable() {
     view->setColumnWidth(PreviewTableModel::icon, 40);
     view->setColumnWidth(PreviewTableModel::state, 34);
     view->setColumnHidden(PreviewTableModel::problem, true);
+    view->setColumnWidth(PreviewTableModel::problem, 220);
     widthLimits[PreviewTableModel::problem] = {120, 600};
     for (const int column : {PreviewTableModel::tick, PreviewTableModel::icon, PreviewTableModel::state})
         header->setSectionResizeMode(column, QHeaderView::Fixed);
