@@ -7,6 +7,7 @@
 #include "actions/CompositeRenameAction.h"
 #include "common/TemporaryFolder.h"
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
+#include "engine/pipeline/RenameEngine.h"
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/preview/PreviewPane.h"
@@ -137,6 +138,10 @@ class WindowBenchmark {
         step("find, without success", [this] { find("no such name"); });
         step("show those to be renamed", [this] { pane().setShow(PreviewPane::Show::toBeRenamed); });
         step("show all", [this] { pane().setShow(PreviewPane::Show::all); });
+        step("run marks, ten thousand failures", [this] { markRun(); });
+        step("find the failures again", [this] { pane().previewFinished(); });
+        step("show those not renamed", [this] { pane().setShow(PreviewPane::Show::notRenamed); });
+        step("show all but marks", [this] { pane().setShow(PreviewPane::Show::all); });
         step("select 1000", [this] { selectRows(500, 1499); });
         step("move 1000 rows down", [this] { command("moveRowDown"); });
         step("copy 1000 rows", [this] { pane().copySelected(); });
@@ -195,6 +200,30 @@ class WindowBenchmark {
         auto* field = application->window().findChild<QLineEdit*>("findField");
         field->setText(text);
         emit field->textEdited(text);
+    }
+
+    /// What a run tells of the rows, taken over and painted tick by tick.
+    void markRun() {
+        RunOutcomes& outcomes = controller().renameEngine().runOutcomes();
+        const std::vector<RowId> rows = controller().nodeController().arrangedObjects();
+        outcomes.begin(*std::ranges::max_element(rows) + 1);
+        pane().beginRun();
+        constexpr std::size_t ticks = 20;
+        for (std::size_t tick = 0; tick < ticks; ++tick)
+            QMetaObject::invokeMethod(
+                table,
+                [this, &outcomes, rows, tick] {
+                    for (std::size_t i = tick; i < rows.size(); i += ticks)
+                        if (i < RunOutcomes::mostFailures)
+                            outcomes.fail(rows[i], {paths[i], u"", "Title", "Message", "reason"});
+                        else
+                            outcomes.set(rows[i], RunOutcome::done);
+                    pane().refreshProgress();
+                    table->viewport()->repaint();
+                    if (tick + 1 == ticks)
+                        pane().endRun();
+                },
+                Qt::QueuedConnection);
     }
 
     /// By events of their own, as the wheel does it.

@@ -1,6 +1,7 @@
 #include "NamesFile.h"
 
 #include "documents/recipe/RecipeTokens.h"
+#include "shell/names/NameLines.h"
 #include "support/text/DisplayText.h"
 #include "support/text/Text.h"
 
@@ -33,21 +34,9 @@ class LineError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Why a name can't stand in the text as it is; empty where it can.
-std::string_view needForQuotes(std::u16string_view name) {
-    const auto isControl = [](char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); };
-    if (name.starts_with(u'"'))
-        return "it begins with a quote";
-    if (name.starts_with(u' ') || name.ends_with(u' '))
-        return "it begins or ends with a blank";
-    if (std::ranges::any_of(name, isControl))
-        return "it holds a control character";
-    return text::hasEscape(name) ? "it is not UTF-8" : "";
-}
-
 std::string written(const std::string& name) {
     const std::u16string text = text::fromBytes(name);
-    return needForQuotes(text).empty() ? name : text::toUtf8(recipe::quoted(text));
+    return nameLines::hindrance(text).empty() ? name : text::toUtf8(recipe::quoted(text));
 }
 
 /// Of a text that begins with a quote.
@@ -67,20 +56,12 @@ std::string nameOf(std::string_view text) {
     std::u16string name = text::fromBytes(text);
     if (name.starts_with(u'"')) {
         name = unquoted(name);
-    } else if (const std::string_view need = needForQuotes(name); !need.empty()) {
+    } else if (const std::string_view need = nameLines::hindrance(name); !need.empty()) {
         throw LineError(fmt::format("{}; if that is meant, write the name in double quotes", need));
     }
     const auto bytes = text::toBytes(name);
-    if (!bytes)
-        throw LineError("it holds half a character");
-    if (bytes->empty())
-        throw LineError("the name is empty");
-    if (*bytes == "." || *bytes == "..")
-        throw LineError("this name stands for a folder itself");
-    if (bytes->find('/') != std::string::npos)
-        throw LineError("a name holds no \"/\"");
-    if (bytes->find('\0') != std::string::npos)
-        throw LineError("a name holds no NUL");
+    if (const std::string_view wrong = nameLines::wrongWith(bytes); !wrong.empty())
+        throw LineError(std::string(wrong));
     return *bytes;
 }
 

@@ -60,6 +60,7 @@ class ScriptedFrontEnd : public FrontEnd {
     std::function<void(double)> onDividerMoved = [](double) {};
 
     void showAlert(const Alert& alert, std::function<void(AlertAnswer)> answer) override;
+    void itemsWereGone(std::size_t count) override { note(fmt::format("gone {}", count)); }
     void handEditsChanged() override { note("hand edits"); }
     void showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) override;
     void ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) override;

@@ -118,6 +118,24 @@ void RenameBench::renameOnThisThread() {
     pipeline.addStage(std::make_unique<PrepareForRenamingStage>(host.engine));
     pipeline.addStage(std::make_unique<PerformRenameStage>(host.engine));
     pipeline.process();
+    checkOutcomes();
+}
+
+void RenameBench::checkOutcomes() {
+    const RunOutcomes& outcomes = host.engine.runOutcomes();
+    const RunOutcomes::View view = outcomes.view();
+    const std::lock_guard lock(host.managedObjectContext().mutex());
+    StoreContext& context = host.managedObjectContext();
+    std::array<int, 5> counts{};
+    for (RowId row = 1; row < context.endOfRows(); ++row)
+        ++counts.at(static_cast<std::size_t>(view.of(row, {})));
+    const auto count = [&](RunOutcome outcome) { return counts[static_cast<std::size_t>(outcome)]; };
+    EXPECT_EQ(count(RunOutcome::inHand), 0);
+    EXPECT_EQ(count(RunOutcome::failed), host.counters().numberOfItemsNotRenamed);
+    EXPECT_EQ(outcomes.failedRows(), static_cast<std::size_t>(count(RunOutcome::failed)));
+    // Of a ring that could not be put right a member may have got another name than it was to get.
+    EXPECT_LE(count(RunOutcome::done), renamed());
+    EXPECT_GE(count(RunOutcome::done) + count(RunOutcome::failed), renamed());
 }
 
 RenameBench::Tree RenameBench::files() const {

@@ -85,6 +85,8 @@ class RenameBench : public StageBench {
     [[nodiscard]] Tree files() const;
     /// The source items, relative to the folder, in order.
     [[nodiscard]] std::vector<std::string> sourcePaths();
+    /// What is told of each row, against what the run has counted.
+    void checkOutcomes();
     [[nodiscard]] int renamed() { return host.counters().numberOfActuallyRenamedFiles; }
 };
 

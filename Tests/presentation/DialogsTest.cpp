@@ -97,7 +97,7 @@ TEST_F(DialogTests, ChangeSettingsLive) {
         EXPECT_EQ(box->isChecked(), wasOn);
         ++count;
     }
-    EXPECT_EQ(count, 12);
+    EXPECT_EQ(count, 13);
     EXPECT_FALSE(find("copyFileComments")->isEnabled());
     auto* scheme = window->findChild<QComboBox*>("conflictResolutionScheme");
     ASSERT_EQ(scheme->count(), 14);

@@ -147,7 +147,7 @@ TEST_F(HistoryWindowTest, TellsAtTheStartOfARunThatWasCutOffAndFinishesItAndShow
     answer("finishRun");
     waitUntil("the new names", [this] { return filesOnDisk() == Names{"A", "B"}; });
     waitUntilIdle();
-    EXPECT_FALSE(find("interruptedRunBar")->isVisible());
+    waitUntilGone("interruptedRunBar");
 }
 
 } // namespace

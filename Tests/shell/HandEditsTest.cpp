@@ -1,4 +1,5 @@
 #include "shell/ShellFixture.h"
+#include "shell/names/NameLines.h"
 
 namespace tavrin::test {
 namespace {
@@ -74,6 +75,73 @@ TEST_F(HandEditsTest, EndWithTheRunOrTheList) {
     controller().clearPreview();
     EXPECT_TRUE(hands().snapshot().isEmpty());
     EXPECT_TRUE(hands().takesPart(paths[2]));
+}
+
+TEST_F(HandEditsTest, WhatOthersDidIsSeenAgain) {
+    start();
+    setSteps({{"Add to end", {{"string", u"1"}}}});
+    const auto paths = add({"a", "b", "c"});
+    files.write("b1");
+    files.remove("a");
+    controller().lookAgain();
+    waitUntilIdle();
+    EXPECT_EQ(row(paths[0]).note.sentence(), "no longer there");
+    EXPECT_EQ(row(paths[1]).note.sentence(), "taken by a file not in the list");
+    EXPECT_EQ(row(paths[2]).note.sentence(), "");
+    hands().pin({{paths[1], u"x/y"}, {paths[2], u"c"}});
+    controller().rereadList();
+    EXPECT_EQ(tableAfterPreview(), (Lines{"b > x/y", "c > c"}));
+    EXPECT_EQ(row(paths[1]).note.sentence(), "“/” becomes “:” on the disk");
+    EXPECT_TRUE(row(paths[1]).note.isInfo);
+    EXPECT_EQ(std::ranges::count(frontEnd.events, "gone 1"), 1);
+    hands().pin({{paths[1], u"x"}, {paths[2], u"x"}});
+    waitForPreview();
+    EXPECT_EQ(row(paths[1]).note.sentence(), "same as “c”");
+    EXPECT_EQ(row(paths[2]).note.sentence(), "same as “b”");
+}
+
+TEST_F(HandEditsTest, ASettingWithoutAValueCountsAtItsFirstUse) {
+    start();
+    setSteps({{"Completely rename", {{"newName", u"n"}}}});
+    add({"a", "b"});
+    EXPECT_EQ(table(), (Lines{"a > na", "b > nb"}));
+    set("conflictResolutionDontChangeFirst", true);
+    EXPECT_EQ(tableAfterPreview(), (Lines{"a > n", "b > na"}));
+}
+
+TEST_F(HandEditsTest, ManyAtOnceTakeNoTimeOfTheMainThread) {
+    start();
+    std::vector<NameByHand> many;
+    for (int i = 0; i < 100000; ++i)
+        many.push_back({fmt::format("/some/folder/IMG_{}.jpg", i), u"another name"});
+    const auto begun = std::chrono::steady_clock::now();
+    hands().pin(std::move(many));
+    const NamePins former = hands().snapshot();
+    hands().pin({{"/some/folder/IMG_1.jpg", u""}});
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begun;
+    EXPECT_EQ(former.named(), 100000U);
+    EXPECT_EQ(hands().pinned(), 99999U);
+    EXPECT_LT(taken.count(), 0.5); // ten times what it takes where nothing else runs
+}
+
+TEST(NameLines, OfNamesAndOfWhatIsPasted) {
+    const std::pair<std::u16string, std::u16string> names[] = {{u"a b.txt", u"a b.txt"},
+                                                               {u"a\nb", u"a\u240Ab"},
+                                                               {std::u16string(u"a\0b", 3), u"a\u2400b"},
+                                                               {u"\xDCFFx", u"\uFFFDx"},
+                                                               {u"a\u202Egpj", u"a\uFFFDgpj"},
+                                                               {u"\u2028", u"\uFFFD"},
+                                                               {u"\U0001F600", u"\U0001F600"},
+                                                               {u"\U0001F600\t", u"\U0001F600\u2409"}};
+    for (const auto& [name, shown] : names) {
+        EXPECT_EQ(nameLines::lineOf(name).text, shown);
+        EXPECT_EQ(nameLines::lineOf(name).locked.empty(), name == shown);
+    }
+    const auto pasted = nameLines::pasted(u"a\r\nb\u202E\x1B\n\nc\u2029d\n", 3);
+    EXPECT_EQ(pasted.lines, (std::vector<std::u16string>{u"a", u"b", u""}));
+    EXPECT_EQ(pasted.count, 5U);
+    EXPECT_EQ(pasted.changed, 1U);
+    EXPECT_EQ(nameLines::pasted(std::u16string(25'000'000, u'\n'), nameLines::mostLines).count, 25'000'000U);
 }
 
 } // namespace

@@ -63,6 +63,41 @@ TEST_F(WholeRunTest, AClosedApplicationFreesTheWorkerAndLeavesTheRest) {
     }
 }
 
+// Whoever closes the window in a run may stay, undo what was done and quit, or quit by closing once more.
+TEST_F(WholeRunTest, AfterAClosedWindowTheUserMayStayOrUndo) {
+    options.history = {data.path("Runs"), "window"};
+    startReplacing({"a1", "a2"});
+    const auto closeInRun = [this](const ScriptedFrontEnd::Answer& answer) {
+        frontEnd.expect("rename", ConfirmationChoice::one);
+        frontEnd.expect("rename", ScriptedFrontEnd::Held());
+        runUntilHeld();
+        frontEnd.expect("report", answer);
+        controller().windowWillClose();
+        waitUntilIdle();
+        EXPECT_TRUE(frontEnd.lastReport.wasStopped);
+        EXPECT_EQ(frontEnd.lastReport.changed, 1U);
+        EXPECT_EQ(frontEnd.lastReport.untouched, 1U);
+    };
+    closeInRun(ReportAnswer::keepOpen);
+    waitForPreview();
+    EXPECT_FALSE(frontEnd.isTerminated);
+    EXPECT_THAT(table(), ::testing::UnorderedElementsAre("a2 > b2", "b1 > b1"));
+    files.write("a3", "a3");
+    add({"a3"});
+    closeInRun(ReportAnswer::undoAndQuit);
+    waitUntilIdle();
+    EXPECT_TRUE(frontEnd.isTerminated);
+    EXPECT_EQ(names(), "a2 a3 b1");
+    restart();
+    start();
+    setSteps({{"Replace text", {{"searchTerm", u"a"}, {"replacementTerm", u"c"}}}});
+    add({"a2", "a3"});
+    closeInRun(ScriptedFrontEnd::Held());
+    EXPECT_FALSE(frontEnd.isTerminated);
+    controller().windowWillClose();
+    EXPECT_TRUE(frontEnd.isTerminated);
+}
+
 TEST_F(WholeRunTest, TheListIsClearedOrTheApplicationEndsWhenSoWished) {
     startReplacing({"a1"});
     controller().globalSettings().setShouldContinueAfterRename(false);

@@ -72,7 +72,11 @@ void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer
 }
 
 void QtFrontEnd::ask(const RunQuestion& question, std::function<void(ConfirmationChoice)> answer) {
-    if (const std::optional<Alert> alert = alertOf(question)) {
+    if (std::optional<Alert> alert = alertOf(question)) {
+        if (std::holds_alternative<NoRecordQuestion>(question))
+            alert->title = QCoreApplication::translate(
+                               "tavrin::QtFrontEnd", "This run can't be recorded, so it could not be undone.")
+                               .toStdString();
         const auto given = [choices = allowedAnswers(question), answer = std::move(answer)](
                                AlertAnswer chosen) { answer(choices[chosen.button]); };
         if (window && !std::holds_alternative<PipelineFailure>(question))
@@ -166,9 +170,12 @@ void QtFrontEnd::tellNamesStayBehind() {
 
 void QtFrontEnd::askToUndo(const UndoQuestion& question, std::function<void(UndoAnswer)> answer) {
     whenShown([this, question, answer = std::move(answer)] {
-        if (window)
-            Card::open(window->questionPlace().over, UndoCard::contentOf(question),
-                       [answer](std::size_t button) { answer(static_cast<UndoAnswer>(button)); });
+        if (!window)
+            return;
+        window->raise(); // it may have come from another of its windows
+        window->activateWindow();
+        Card::open(window->questionPlace().over, UndoCard::contentOf(question),
+                   [answer](std::size_t button) { answer(static_cast<UndoAnswer>(button)); });
     });
 }
 
@@ -255,6 +262,8 @@ void QtFrontEnd::terminateAtOnce(int status) {
 }
 
 void QtFrontEnd::selectMainTab(MainTab tab) {
+    if (tab == MainTab::interface)
+        questionCard.end();
     if (window)
         window->selectMainTab(tab);
     if (isRunningDroplet() && !window->services().controller.isSilentDroplet())

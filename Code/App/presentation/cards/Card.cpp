@@ -193,7 +193,7 @@ void Card::setButtons(const CardContent& content) {
 void Card::setHints(const CardContent& content) {
     QStringList others;
     escapeHint->clear();
-    for (std::size_t i = 0; i < content.buttons.size(); ++i) {
+    for (std::size_t i = content.buttons.size(); i-- > 0;) { // the default stands last, and is told first
         const CardButton& button = content.buttons[i];
         if (button.hint.isEmpty())
             continue;

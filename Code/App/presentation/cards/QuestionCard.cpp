@@ -22,4 +22,10 @@ void QuestionCard::ask(const Place& place, const RunQuestion& question, bool thu
     card->setPlaces(std::move(places));
 }
 
+void QuestionCard::end() {
+    if (card && !card->isAsking())
+        card->withdraw();
+    card = nullptr;
+}
+
 } // namespace tavrin

@@ -30,6 +30,8 @@ class QuestionCard {
     /// where the window goes.
     void ask(const Place& place, const RunQuestion& question, bool thumbnails,
              std::function<void(ConfirmationChoice)> answer);
+    /// No question follows: the card that has its answer goes at once.
+    void end();
 
   private:
     QPointer<Card> card;

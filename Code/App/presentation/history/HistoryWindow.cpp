@@ -190,8 +190,10 @@ void HistoryWindow::buildTable() {
     header->setStretchLastSection(true);
     header->setMinimumSectionSize(pictureSize + 16);
     header->resizeSection(RunItemsModel::pictureColumn, pictureSize + 20);
-    for (const int names : {RunItemsModel::oldNameColumn, RunItemsModel::newNameColumn})
-        header->resizeSection(names, 210);
+    connect(header, &QHeaderView::sectionResized, this, [this](int column) {
+        if (column < RunItemsModel::nowColumn && !isSizingColumns)
+            areColumnsOwn = true;
+    });
     connect(header, &QHeaderView::sectionClicked, this, [this, header](int column) {
         if (column == RunItemsModel::pictureColumn)
             return;
@@ -282,10 +284,7 @@ void HistoryWindow::showRun(const std::string& run) {
 void HistoryWindow::reload() {
     if (!isVisible())
         return;
-    const HistoryLimits limits = HistoryLimits::of(services.defaults);
-    foot->setText(QString("<a href='history'>%1</a>")
-                      .arg(tr("Kept for %1 days, at most %2 runs.")
-                               .arg(QLocale().toString(limits.days), QLocale().toString(limits.runs))));
+    describeLimits();
     ShownRun::ByName known;
     for (const ShownRun& run : runs->runs())
         known.emplace(run.run.name, run);
@@ -402,13 +401,9 @@ void HistoryWindow::describe() {
         words = {run->folderCount > 1 ? RunWords::place(run->folder, run->folderCount) + " · " +
                                             RunWords::pathText(run->folder)
                                       : RunWords::pathText(run->folder),
-                 RunWords::author(run->run.heading.who), ShownName::of(text::fromUtf8(run->recipe), false)};
+                 RunWords::origin(run->run.heading.who), ShownName::of(text::fromUtf8(run->recipe), false)};
         words.removeAll(QString());
-        const double began = run->run.heading.began().value_or(0);
-        //: The head of a past run: how many names, the day, the hour.
-        head->setText(tr("%1, %2 %3")
-                          .arg(RunListModel::countOf(*run), RunWords::day(RunWords::dayOf(began)),
-                               RunWords::hour(began)));
+        head->setText(RunWords::headline(RunListModel::countOf(*run), run->run.heading.began().value_or(0)));
     } else {
         head->clear();
     }
@@ -566,7 +561,21 @@ void HistoryWindow::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
 }
 
+/// A share of the width for each name, until the user gives them another.
+void HistoryWindow::sizeColumns() {
+    if (areColumnsOwn)
+        return;
+    isSizingColumns = true;
+    const int width = table->viewport()->width() - table->columnWidth(RunItemsModel::pictureColumn);
+    for (const int names : {RunItemsModel::oldNameColumn, RunItemsModel::newNameColumn})
+        table->setColumnWidth(names, std::max(80, width * 3 / 10));
+    isSizingColumns = false;
+}
+
 bool HistoryWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == table && event->type() == QEvent::Resize)
+        QMetaObject::invokeMethod(
+            this, [this] { sizeColumns(); }, Qt::QueuedConnection);
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
@@ -587,7 +596,17 @@ bool HistoryWindow::eventFilter(QObject* watched, QEvent* event) {
     return true;
 }
 
+void HistoryWindow::describeLimits() {
+    const HistoryLimits limits = HistoryLimits::of(services.defaults);
+    const QLocale locale;
+    foot->setText({}); // a link takes its colour when it is set
+    foot->setText(QString("<a href='history'>%1</a>")
+                      .arg(tr("Kept for %1 days, at most %2 runs.")
+                               .arg(locale.toString(limits.days), locale.toString(limits.runs))));
+}
+
 void HistoryWindow::applyColours() {
+    describeLimits();
     QPalette chosenColours = QApplication::palette();
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         chosenColours.setColor(group, QPalette::Highlight, WindowColours::chosenGround(chosenColours));

@@ -77,6 +77,8 @@ class HistoryWindow final : public QWidget {
     void withText(bool onlySelected, std::function<void(const QString&)> then);
     void copyText(bool onlySelected);
     void exportText();
+    void sizeColumns();
+    void describeLimits();
     void applyColours();
     [[nodiscard]] std::string folder() const;
 
@@ -87,6 +89,8 @@ class HistoryWindow final : public QWidget {
     std::string wanted;    ///< the run to choose when the list is there
     std::string chosenRun; ///< its name
     std::shared_ptr<std::atomic<bool>> isLookUnwanted = std::make_shared<std::atomic<bool>>(false);
+    bool areColumnsOwn = false; ///< the user has made them as wide as they are
+    bool isSizingColumns = false;
     int newestList = 0;
     int newestItems = 0;
     int newestOrder = 0;

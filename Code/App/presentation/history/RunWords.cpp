@@ -31,7 +31,8 @@ QString RunWords::day(QDate day) {
 }
 
 QString RunWords::hour(double moment) {
-    return QLocale().toString(timeOf(moment).time(), QLocale::ShortFormat);
+    const QLocale locale;
+    return locale.toString(timeOf(moment).time(), locale.timeFormat(QLocale::ShortFormat).remove(":ss"));
 }
 
 QString RunWords::moment(std::optional<double> moment) {
@@ -41,6 +42,24 @@ QString RunWords::moment(std::optional<double> moment) {
         return hour(*moment);
     //: A moment: date, then hour.
     return tr("%1, %2").arg(QLocale().toString(dayOf(*moment), QLocale::ShortFormat), hour(*moment));
+}
+
+QString RunWords::headline(const QString& what, double moment) {
+    const QDate day = dayOf(moment);
+    if (day == QDate::currentDate())
+        return tr("%1, today %2").arg(what, hour(moment));
+    if (day == QDate::currentDate().addDays(-1))
+        return tr("%1, yesterday %2").arg(what, hour(moment));
+    //: The head of a past run: how many names, the day, the hour.
+    return tr("%1, %2, %3").arg(what, QLocale().toString(day, QLocale::LongFormat), hour(moment));
+}
+
+QString RunWords::origin(const std::string& who) {
+    if (who == "tvrn")
+        return tr("from the terminal");
+    if (who == "droplet")
+        return tr("by a droplet");
+    return who == "window" ? tr("from the window") : ShownName::of(text::fromBytes(who), false);
 }
 
 QString RunWords::author(const std::string& who) {

@@ -22,6 +22,10 @@ struct RunWords {
     [[nodiscard]] static QString hour(double moment);
     /// The hour, with its date where that is not today; a dash where nothing is known.
     [[nodiscard]] static QString moment(std::optional<double> moment);
+    /// "487 names, today 14:22".
+    [[nodiscard]] static QString headline(const QString& what, double moment);
+    /// "from the terminal".
+    [[nodiscard]] static QString origin(const std::string& who);
     /// "terminal", "window", "droplet".
     [[nodiscard]] static QString author(const std::string& who);
     /// When a run of this name began.

@@ -462,6 +462,8 @@ void PreviewPane::beginRun() {
     isRunShown = true;
     hands->runBegins();
     model->runMarks().begin();
+    if (model->show() == Show::notRenamed) // which no longer says anything
+        setShow(Show::all);
     listBar->setEnabled(false);
     view->setAcceptDrops(false);
     view->setDragEnabled(false);

@@ -187,15 +187,21 @@ ConfirmationFlow::RunResult ConfirmationFlow::resultOfRun() {
     return result;
 }
 
-void ConfirmationFlow::showCompletionDialog() { tellEnd(resultOfRun()); }
+void ConfirmationFlow::showCompletionDialog() {
+    undoBeforeQuit.clear();
+    tellEnd(resultOfRun());
+}
 
 void ConfirmationFlow::tellEndOfTakeBack(const TakeBackResult& result) {
+    if (result.chosen.run.name != undoBeforeQuit)
+        undoBeforeQuit.clear(); // it was another one after all
     tellEnd({result.errors, result.planned, result.changed,
-             std::max(result.errors.size(), static_cast<std::size_t>(result.failed)), RunKind::undo});
+             std::max(result.errors.size(), static_cast<std::size_t>(result.failed)), result.chosen.what});
 }
 
 bool ConfirmationFlow::endWithoutReport() {
     isReportDue = false;
+    undoBeforeQuit.clear();
     if (const auto tell = std::exchange(tellInstead, nullptr)) {
         tell("Nothing was renamed.");
         return false;

@@ -108,6 +108,9 @@ void UndoCommands::takeUp(RunKind what, const std::string& run) {
                 return;
             }
             questionInHand.reset();
+            const bool isIdle = !units.confirmation.currentlyShowingProgressTab();
+            if (isIdle && !units.confirmation.endWithoutReport())
+                return;
             tell(what == RunKind::undo ? "Nothing was undone." : "Nothing was redone.",
                  asSentence(std::get<std::string>(found)));
         };
