@@ -10,7 +10,8 @@ constexpr std::array alertNames{
     "noActiveActions",   "filesNotAdded",    "itemsNotRemoved", "manualSorting",  "runQuestion",
     "nothingToTakeBack", "summary",          "fileListSaved",   "dropletLocked",  "dropletNotCreated",
     "dropletIsSilent",   "dropletUpgrade",   "presetDeletion",  "exifSortingOff", "tagNotPresent",
-    "presetMigration",   "dropletMigration", "updateAvailable", "noUpdate",       "settingsSetAside"};
+    "presetMigration",   "dropletMigration", "updateAvailable", "noUpdate",       "settingsSetAside",
+    "namesByHandLost"};
 /// In the order of NoticeDialog.
 constexpr std::array noticeNames{"noFilesSelected", "inconsistentSettings", "dropletInformation",
                                  "dropletEditMode", "simpleTemplateFileList"};

@@ -37,6 +37,7 @@ enum class AlertKind {
     updateAvailable,
     noUpdate,
     settingsSetAside,
+    namesByHandLost,
 };
 
 enum class AlertStyle { warning, informational, critical };
@@ -210,7 +211,8 @@ class FrontEnd {
     virtual void askToUndo(const UndoQuestion&, std::function<void(UndoAnswer)> answer) {
         answer(UndoAnswer::cancel);
     }
-    /// Told at the start; who does not answer is told at the next one. "Show" may be answered again and again.
+    /// Told at the start; who does not answer is told at the next one. "Show" may be answered again and
+    /// again.
     virtual void tellInterruptedRun(const InterruptedRun&, std::function<void(InterruptedRunAnswer)>) {}
     /// For one or more droplets: their bundle folders, or the launchers that stand for them.
     virtual void askForDroplets(const LocatePanel&,
