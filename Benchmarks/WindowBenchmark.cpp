@@ -13,6 +13,7 @@
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/MainController.h"
+#include "support/text/Text.h"
 
 #include <QAction>
 #include <QApplication>
@@ -116,6 +117,24 @@ class WindowBenchmark {
         step("sort order with these selected", [this] { current().setValue(11, "sortingMode"); });
         step("select one", [this] { table->selectRow(rowCount() / 2); });
         step("move row up", [this] { command("moveRowUp"); });
+        step("move row down", [this] { command("moveRowDown"); });
+        step("sort by new name", [this] { sortBy(PreviewColumn::newName); });
+        step("sort by new name, turned", [this] { sortBy(PreviewColumn::newName); });
+        step("sort by folder", [this] { sortBy(PreviewColumn::path); });
+        step("back to the own order", [this] { controller().previewControl().endSorting(); });
+        step("name one row by hand", [this] {
+            const auto row = controller().nodeController().rowAt(5);
+            controller().handEdits().pin(*row, u"by hand");
+        });
+        step("name all rows by hand", [this] { pinAll(); });
+        step("changed parameter with these names",
+             [this] { current().setValue(std::u16string(u"Hill "), "prefix"); });
+        step("unpin all", [this] { controller().handEdits().unpinAll(); });
+        step("leave all rows out", [this] {
+            controller().handEdits().setTakesPart(controller().nodeController().arrangedObjects(), false);
+        });
+        step("tick all", [this] { controller().handEdits().tickAll(); });
+        step("find in every name", [this] { find("trip"); });
         step("find, without success", [this] { find("no such name"); });
         step("show those to be renamed", [this] { pane().setShow(PreviewPane::Show::toBeRenamed); });
         step("show all", [this] { pane().setShow(PreviewPane::Show::all); });
@@ -151,6 +170,16 @@ class WindowBenchmark {
     BaseRenameAction& current() { return controller().compositeAction().getCurrentAction(); }
     int rowCount() { return table->model()->rowCount(); }
     void command(const char* name) { application->window().findChild<QAction*>(name)->trigger(); }
+
+    void sortBy(PreviewColumn column) { controller().previewControl().sortBy(column); }
+
+    /// As one paste of so many lines would.
+    void pinAll() {
+        std::vector<NameByHand> names;
+        for (std::size_t i = 0; i < paths.size(); ++i)
+            names.push_back({paths[i], text::fromUtf8("by hand " + std::to_string(i))});
+        controller().handEdits().pin(std::move(names));
+    }
 
     void selectEach(int distance) {
         QItemSelection rows;

@@ -59,6 +59,7 @@ void TerminalFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAns
     case AlertKind::updateAvailable:
     case AlertKind::noUpdate:
     case AlertKind::settingsSetAside:
+    case AlertKind::namesByHandLost:
     case AlertKind::runQuestion:
         break; // the command offers nothing that leads here
     case AlertKind::tagNotPresent:

@@ -1,6 +1,6 @@
 #include "common/EngineTestHost.h"
 
-#include "common/ScriptedFrontEnd.h"
+#include "common/QuestionWords.h"
 #include "common/Testing.h"
 
 #include <future>

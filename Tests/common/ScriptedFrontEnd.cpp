@@ -10,28 +10,13 @@ constexpr std::array alertNames{
     "noActiveActions",   "filesNotAdded",    "itemsNotRemoved", "manualSorting",  "runQuestion",
     "nothingToTakeBack", "summary",          "fileListSaved",   "dropletLocked",  "dropletNotCreated",
     "dropletIsSilent",   "dropletUpgrade",   "presetDeletion",  "exifSortingOff", "tagNotPresent",
-    "presetMigration",   "dropletMigration", "updateAvailable", "noUpdate",       "settingsSetAside"};
+    "presetMigration",   "dropletMigration", "updateAvailable", "noUpdate",       "settingsSetAside",
+    "namesByHandLost"};
 /// In the order of NoticeDialog.
 constexpr std::array noticeNames{"noFilesSelected", "inconsistentSettings", "dropletInformation",
                                  "dropletEditMode", "simpleTemplateFileList"};
 
-struct InWords {
-    std::string operator()(const RenameQuestion& q) const {
-        return "rename " + q.oldName + " -> " + q.newName;
-    }
-    std::string operator()(const SwapQuestion& q) const { return "swap " + q.oldName + " -> " + q.newName; }
-    std::string operator()(const NameCycleQuestion& q) const { return "cycle " + q.fullPath; }
-    std::string operator()(const ProblemReport& q) const { return "problem " + q.title + ": " + q.fullPath; }
-    std::string operator()(const LibraryWarning& q) const {
-        return q.library == LibraryWarning::Library::iTunes ? "iTunes" : "iPhoto";
-    }
-    std::string operator()(const NoRecordQuestion& q) const { return "no record: " + q.reason; }
-    std::string operator()(const PipelineFailure& q) const { return "failed " + q.title; }
-};
-
 } // namespace
-
-std::string inWords(const RunQuestion& question) { return std::visit(InWords(), question); }
 
 ScriptedFrontEnd::~ScriptedFrontEnd() {
     for (const Expectation& expectation : script)

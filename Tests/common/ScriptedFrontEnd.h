@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/BaseRenameAction.h"
+#include "common/QuestionWords.h"
 #include "common/Testing.h"
 #include "engine/asking/RunQuestion.h"
 #include "shell/asking/FrontEnd.h"
@@ -9,10 +10,6 @@
 #include <variant>
 
 namespace tavrin::test {
-
-/// A question of a run in a few words: "rename old -> new", "swap old -> new", "cycle path",
-/// "problem title: path", "iTunes", "iPhoto", "no record: reason", "failed title".
-[[nodiscard]] std::string inWords(const RunQuestion& question);
 
 /// A front end whose user follows a script: each question must be the next one expected, and gets its
 /// answer. Any other question fails the test and is dropped unanswered; so does an expectation that is left

@@ -35,7 +35,9 @@ class List : public WindowFixture {
         UserDefaults::sharedInstance().setObject("showManualSortingSortBasedActionAlert", false);
     }
     std::string nameAtTop() { return text(view().rowAt(0), PreviewTableModel::currentName).toStdString(); }
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(&view(), key, modifiers); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(&view(), key, modifiers);
+    }
 };
 
 TEST_F(List, IsSortedByAnyColumnToAndFroAndBack) {

@@ -84,6 +84,7 @@ bool AlertBars::canShow(const Alert& alert) {
     case AlertKind::dropletUpgrade:
     case AlertKind::presetDeletion:
     case AlertKind::exifSortingOff:
+    case AlertKind::namesByHandLost:
         break;
     }
     return false;

@@ -5,11 +5,13 @@
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
 #include "presentation/MainWindow.h"
+#include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowMemory.h"
 #include "presentation/dialogs/LocateDialogs.h"
 #include "presentation/dialogs/SaveListDialog.h"
 #include "presentation/history/UndoCard.h"
+#include "presentation/preview/HandEditing.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/steps/StepsPane.h"
@@ -53,6 +55,8 @@ void QtFrontEnd::showAlert(const Alert& alert, std::function<void(AlertAnswer)> 
     whenShown([this, alert, answer = std::move(answer)] {
         if (hasBars() && AlertBars::canShow(alert))
             AlertBars::show(window->previewPane().messageBars(), alert, answer);
+        else if (window && window->isVisible() && alert.kind == AlertKind::namesByHandLost)
+            showAsCard(alert, answer);
         else
             Dialogs::showAlert(window, alert, answer);
     });
@@ -147,7 +151,21 @@ void QtFrontEnd::askForSavePath(const std::string& title,
 
 void QtFrontEnd::askForDropletPath(const std::string& title, const std::string& startFolder,
                                    std::function<void(std::optional<std::string>)> answer) {
+    if (window)
+        tellNamesStayBehind();
     Dialogs::askForDropletPath(window, title, startFolder, std::move(answer));
+}
+
+/// A droplet keeps the steps alone.
+void QtFrontEnd::tellNamesStayBehind() {
+    const std::size_t pinned = window->services().controller.handEdits().pinned();
+    if (pinned == 0)
+        return;
+    BarMessage message;
+    message.objectName = "namesStayBehind";
+    message.bold = counted(pinned, MessageBars::tr("1 name by hand is not part of it."),
+                           MessageBars::tr("%L1 names by hand are not part of it."));
+    window->previewPane().messageBars().present(message);
 }
 
 void QtFrontEnd::askToUndo(const UndoQuestion& question, std::function<void(UndoAnswer)> answer) {
@@ -292,6 +310,13 @@ void QtFrontEnd::previewFinished() {
     MainController& controller = window->services().controller;
     window->setPreviewDue(controller.previewControl().isPreviewPending() ||
                           controller.renameEngine().isPreviewWaiting());
+}
+
+void QtFrontEnd::handEditsChanged() {
+    if (!window)
+        return;
+    window->previewPane().handEditing().handEditsChanged();
+    window->stepsPane().handEditsChanged();
 }
 
 void QtFrontEnd::pathsAdded(const std::vector<std::string>& paths) {

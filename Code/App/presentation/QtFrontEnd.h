@@ -59,6 +59,7 @@ class QtFrontEnd final : public FrontEnd {
     void previewListChanged() override;
     void previewRequested() override;
     void previewFinished() override;
+    void handEditsChanged() override;
     void pathsAdded(const std::vector<std::string>& paths) override;
     void runStateChanged(bool isRunning) override;
     void fillPresetMenu(const std::vector<std::u16string>& titles) override;
@@ -83,6 +84,7 @@ class QtFrontEnd final : public FrontEnd {
     [[nodiscard]] bool isRunningDroplet() const;
     void terminateWhenAllIsRead();
     /// An alert as a card of the window.
+    void tellNamesStayBehind();
     void showAsCard(const Alert& alert, std::function<void(AlertAnswer)> answer);
 
     MainWindow* window = nullptr;

@@ -175,6 +175,9 @@ void WindowCommands::addEditMenu() {
     addForText(menu, "paste", tr("&Paste"), QKeySequence::Paste, &WindowCommands::filesPasted);
     addForText(menu, "selectAll", tr("Select &All"), QKeySequence::SelectAll);
     menu->addSeparator();
+    editNewName = add(menu, "editNewName", tr("Edit Ne&w Name"), QKeySequence("F2"));
+    unpinNames = add(menu, "unpinNames", tr("Unpin Na&me"), QKeySequence("Shift+F2"));
+    menu->addSeparator();
     findInList = add(menu, "findInList", tr("&Find in List…"), QKeySequence::Find);
     findNext = add(menu, "findNext", tr("Find Ne&xt"), QKeySequence("F3"));
     findPrevious = add(menu, "findPrevious", tr("Find Previou&s"), QKeySequence("Shift+F3"));
@@ -271,6 +274,9 @@ void WindowCommands::addViewMenu() {
     showPath = add(menu, "showPath", tr("F&older"), {},
                    [&controller](bool isShown) { controller.previewControl().showFolderColumn(isShown); });
     showPath->setCheckable(true);
+    showTickBoxes = add(menu, "showTickBoxes", tr("Tick &Boxes"), {},
+                        [this](bool areShown) { services.defaults.setObject("showTickBoxes", areShown); });
+    showTickBoxes->setCheckable(true);
     addSetting(menu, "quickLookThumbnail", tr("&Thumbnails"), QKeySequence("Ctrl+T"));
     showInvisibles = add(menu, "showInvisibles", tr("&Invisible Characters"), QKeySequence("Ctrl+I"),
                          [this](bool areShown) { services.defaults.setObject("showInvisibles", areShown); });
@@ -403,13 +409,15 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
     showMultistepDrawer->setText(MultiStepDrawerTransformer::transformedValue(isDrawerShown));
     stepActive->setChecked(chain.getCurrentAction().getParamInt("active", 0) == 1);
     showPath->setChecked(controller.previewControl().isFolderColumnShown());
+    showTickBoxes->setChecked(services.defaults.boolForKey("showTickBoxes"));
     showInvisibles->setChecked(services.defaults.boolForKey("showInvisibles"));
     manualOrder->setChecked(!controller.globalSettings().values().automaticSorting);
 }
 
 void WindowCommands::enterDropletEditMode() {
     saveAsPreset->setShortcut({});
-    for (QAction* action : {createDroplet, createFileList, applyAndQuit, applyButDontQuit})
+    for (QAction* action : {createDroplet, createFileList, applyAndQuit, applyButDontQuit, editNewName,
+                            unpinNames, showTickBoxes})
         action->setVisible(false);
     ok->setText(tr("&Save"));
     ok->setShortcuts({QKeySequence::Save, QKeySequence("Ctrl+Return")});

@@ -50,6 +50,8 @@ class WindowCommands final : public QObject {
     QAction* applyButDontQuit;
     QAction* copy;
     QAction* findInList;
+    QAction* editNewName;
+    QAction* unpinNames;
     QAction* findNext;
     QAction* findPrevious;
     QAction* nextProblem;
@@ -109,6 +111,7 @@ class WindowCommands final : public QObject {
     std::vector<QAction*> all;
     QAction* showMultistepDrawer = nullptr;
     QAction* showPath = nullptr;
+    QAction* showTickBoxes = nullptr;
     QAction* showInvisibles = nullptr;
     QAction* manualOrder = nullptr;
     QAction* saveAsPreset = nullptr;

@@ -24,7 +24,7 @@ bool isTextField(const QObject* object) {
 /// Of the keys that the commands have too, those that are about text wherever text is typed.
 bool isTextKey(const QKeyEvent& event) {
     constexpr std::array textKeys{QKeySequence::Undo, QKeySequence::Redo,  QKeySequence::Cut,
-                               QKeySequence::Copy, QKeySequence::Paste, QKeySequence::SelectAll};
+                                  QKeySequence::Copy, QKeySequence::Paste, QKeySequence::SelectAll};
     return std::ranges::any_of(textKeys, [&](auto key) { return event.matches(key); });
 }
 

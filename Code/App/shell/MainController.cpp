@@ -29,6 +29,7 @@ UserDefaults& withRegisteredDefaults(UserDefaults& defaults) {
                                {"loggerIsOn", true},
                                {"showManualSortingSortBasedActionAlert", true},
                                {"showManualSortingAlert", true},
+                               {"showTickBoxes", true},
                                {"tagLibraryTabIndex", 0},
                                {"showTagNotPresentDialog", true},
                                {"actionListSeparatorPosition", 150}});
@@ -150,9 +151,33 @@ void MainController::terminateNow() {
 }
 
 void MainController::cancel() {
-    if (!listCommands.validateActionList())
+    if (listCommands.validateActionList())
+        whenNamesMayGo([this] { terminate(); });
+}
+
+void MainController::windowWillClose() {
+    whenNamesMayGo([this] { confirmation.closeWindow(); });
+}
+
+/// Names by hand that no rename has given are nowhere else. Who closes a second time means it.
+void MainController::whenNamesMayGo(std::function<void()> quit) {
+    const bool isRunning = !validateUserInterfaceItem();
+    if (hands.pinned() == 0 || isRunning || std::exchange(isAskingAboutNames, true)) {
+        quit();
         return;
-    terminate();
+    }
+    const Alert question{.kind = AlertKind::namesByHandLost,
+                         .title =
+                             hands.pinned() == 1
+                                 ? "1 name by hand has not been given yet."
+                                 : fmt::format("{} names by hand have not been given yet.", hands.pinned()),
+                         .text = "Names by hand are not kept when Tavrin is closed.",
+                         .buttons = {"Quit", "Keep Open"}};
+    environment.frontEnd.showAlert(question, [this, quit = std::move(quit)](AlertAnswer answer) {
+        isAskingAboutNames = false;
+        if (answer.button == 0)
+            quit();
+    });
 }
 
 void MainController::saveUserDefaults() {

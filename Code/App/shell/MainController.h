@@ -77,7 +77,7 @@ class MainController : public EngineHost, public ActionObserver {
     /// Saves what is to be saved; the application may end now.
     bool applicationShouldTerminate();
     /// Stops a run that is under way first, and waits until its report is read.
-    void windowWillClose() { confirmation.closeWindow(); }
+    void windowWillClose();
     void cancel();
     void saveUserDefaults();
     void createProfile();
@@ -185,6 +185,7 @@ class MainController : public EngineHost, public ActionObserver {
   private:
     void logStart();
     void terminateNow();
+    void whenNamesMayGo(std::function<void()> quit);
     /// Runs an action on the main thread while the controller is alive: at once when already there.
     void onMainThread(std::function<void()> action);
     void postToMainThread(std::function<void()> action);
@@ -194,6 +195,7 @@ class MainController : public EngineHost, public ActionObserver {
     std::shared_ptr<char> lifetime = std::make_shared<char>();
     std::atomic<OperationMode> mode{OperationMode::normal};
     bool isTerminating = false;
+    bool isAskingAboutNames = false;
     DebugManager debugManager;
     FileSystemAccessManager folderAccess;
 

@@ -58,6 +58,13 @@ class PresetWindow final : public QDialog {
         checkName();
     }
 
+    void addRemark(const QString& words) {
+        auto* remark = new QLabel(words);
+        remark->setObjectName("presetRemark");
+        remark->setWordWrap(true);
+        static_cast<QVBoxLayout*>(layout())->insertWidget(1, remark);
+    }
+
     void setSave(Save save) {
         connect(this, &QDialog::accepted, this, [this, save = std::move(save)] {
             save(fromQString(nameField->text()), fromQString(descriptionField->toPlainText()));
@@ -104,6 +111,9 @@ void tellFailure(QWidget* parent, const PresetOutcome& outcome) {
 void PresetDialog::saveAsPreset(QWidget* parent, const WindowServices& services) {
     PresetsManager& manager = services.controller.presetsManager();
     auto* window = new PresetWindow(parent, manager, u"Untitled", u"", true);
+    if (const std::size_t pinned = services.controller.handEdits().pinned(); pinned > 0)
+        window->addRemark(counted(pinned, PresetWindow::tr("1 name by hand is not part of it."),
+                                  PresetWindow::tr("%L1 names by hand are not part of it.")));
     window->setSave(
         [parent, services, &manager](const std::u16string& name, const std::u16string& description) {
             manager.createPresetsFolders(); // somebody may have removed them

@@ -79,8 +79,10 @@ QColor stateColour(PreviewTableModel::State state, const QPalette& palette) {
     const WindowColours& colours = WindowColours::of(palette);
     switch (state) {
     case PreviewTableModel::State::unchanged:
+    case PreviewTableModel::State::leftOut:
         return palette.color(QPalette::PlaceholderText);
     case PreviewTableModel::State::renamed:
+    case PreviewTableModel::State::byHand:
         return colours.accent;
     case PreviewTableModel::State::madeDistinct:
         return colours.infoText;
@@ -98,6 +100,10 @@ Glyph glyphOf(PreviewTableModel::State state) {
         return Glyph::renamed;
     case PreviewTableModel::State::madeDistinct:
         return Glyph::distinct;
+    case PreviewTableModel::State::byHand:
+        return Glyph::pen;
+    case PreviewTableModel::State::leftOut:
+        return Glyph::leftOut;
     case PreviewTableModel::State::problem:
         break;
     }
@@ -128,13 +134,25 @@ std::optional<RunMark> runMark(RunOutcome outcome, const QPalette& palette) {
 }
 
 /// What is said behind the new name.
-QString noteOn(PreviewTableModel::State state, const QModelIndex& index) {
-    if (state == PreviewTableModel::State::madeDistinct)
-        return NameDelegate::tr("made distinct");
+struct Note {
+    QString words;
+    QColor colour;
+};
+
+Note noteOn(PreviewTableModel::State state, const QModelIndex& index, const QPalette& palette) {
+    using State = PreviewTableModel::State;
+    const QColor dim = palette.color(QPalette::PlaceholderText);
+    if (state == State::leftOut)
+        return {NameDelegate::tr("left out"), dim};
     const auto* table = static_cast<const PreviewTableModel*>(index.model());
-    if (table->show() == PreviewTableModel::Show::problems)
-        return {}; // has a column of its own
-    return index.data(PreviewTableModel::reasonRole).toString();
+    const bool hasOwnColumn = state == State::problem && table->show() == PreviewTableModel::Show::problems;
+    const QString reason = hasOwnColumn ? QString() : index.data(PreviewTableModel::reasonRole).toString();
+    if (!reason.isEmpty())
+        return {reason,
+                state == State::problem ? stateColour(state, palette) : WindowColours::of(palette).infoText};
+    if (state == State::madeDistinct)
+        return {NameDelegate::tr("made distinct"), stateColour(state, palette)};
+    return {state == State::byHand ? NameDelegate::tr("by hand") : QString(), dim};
 }
 
 /// Says behind a name what there is to say about it, and gives the room that this leaves to the name: the
@@ -156,6 +174,16 @@ QRect drawNote(QPainter& painter, const QRect& place, const QStyleOptionViewItem
     return QStyle::visualRect(item.direction, place, nameRoom);
 }
 
+void drawTick(QPainter& painter, const QStyleOptionViewItem& item, const QStyle& style) {
+    QStyleOptionViewItem box(item);
+    box.state.setFlag(QStyle::State_HasFocus, false);
+    box.state |= item.checkState == Qt::Checked ? QStyle::State_On : QStyle::State_Off;
+    box.rect.setSize({style.pixelMetric(QStyle::PM_IndicatorWidth, &item, item.widget),
+                      style.pixelMetric(QStyle::PM_IndicatorHeight, &item, item.widget)});
+    box.rect.moveCenter(item.rect.center());
+    style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &box, &painter, item.widget);
+}
+
 /// The tints and colours of a row keep their meaning, and their contrast, where it is selected.
 void softenSelection(QPalette& palette) {
     palette.setColor(QPalette::Highlight, WindowColours::chosenGround(palette));
@@ -174,6 +202,8 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     initStyleOption(&item, index);
     const QString text = item.text;
     item.text.clear();
+    if (index.column() == PreviewTableModel::tick) // the style would leave room for a text beside it
+        item.features.setFlag(QStyleOptionViewItem::HasCheckIndicator, false);
     softenSelection(item.palette);
     const auto outcome = static_cast<RunOutcome>(index.data(PreviewTableModel::outcomeRole).toInt());
     const std::optional<RunMark> mark = runMark(outcome, item.palette);
@@ -184,7 +214,9 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     style->drawPrimitive(QStyle::PE_PanelItemViewItem, &item, painter, item.widget);
     item.state.setFlag(QStyle::State_Selected, false);
     style->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
-    if (index.column() == PreviewTableModel::icon)
+    if (index.column() == PreviewTableModel::tick)
+        drawTick(*painter, item, *style);
+    if (index.column() == PreviewTableModel::icon || index.column() == PreviewTableModel::tick)
         return;
 
     const auto state =
@@ -211,16 +243,15 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const bool isNew = index.column() == PreviewTableModel::newName;
     const bool isPast = outcome == RunOutcome::done || outcome == RunOutcome::leftOut;
     const bool isDim =
-        index.column() == PreviewTableModel::folder ||
+        index.column() == PreviewTableModel::folder || state == PreviewTableModel::State::leftOut ||
         (isNew ? state == PreviewTableModel::State::unchanged || outcome == RunOutcome::leftOut : isPast);
     const bool isReason = index.column() == PreviewTableModel::problem;
     const QColor textColour = isReason ? stateColour(state, item.palette)
                               : isDim  ? item.palette.color(QPalette::PlaceholderText)
                                        : plain;
     QRect nameRoom = place;
-    if (const QString note = isNew ? noteOn(state, index) : QString(); !note.isEmpty())
-        nameRoom = drawNote(*painter, place, item, text, note,
-                            mark ? mark->colour : stateColour(state, item.palette));
+    if (const Note note = isNew ? noteOn(state, index, item.palette) : Note(); !note.words.isEmpty())
+        nameRoom = drawNote(*painter, place, item, text, note.words, mark ? mark->colour : note.colour);
     const Spans spans = isPast ? Spans() : index.data(PreviewTableModel::spansRole).value<Spans>();
     drawName(painter, nameRoom, elided(text, spans, item.fontMetrics, nameRoom.width()), item.font,
              textColour, isNew ? colours.addedTint : colours.removedTint,

@@ -15,12 +15,14 @@
 #include "presentation/preview/EmptyView.h"
 #include "presentation/preview/FindBar.h"
 #include "presentation/preview/FolderOffer.h"
+#include "presentation/preview/HandEditing.h"
 #include "presentation/preview/ListBar.h"
 #include "presentation/preview/NameDelegate.h"
 #include "presentation/preview/PreviewTableView.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/StatusRow.h"
 #include "presentation/preview/ThumbnailLoader.h"
+#include "presentation/preview/TickHeader.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/start/FileAddress.h"
 #include "shell/MainController.h"
@@ -104,6 +106,7 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
       sortingChip(new Chip("sortingChip", Glyph::close)) {
     setObjectName("previewPane");
     buildTable();
+    connectHands();
     connectTable();
     connectCommands();
     auto* emptyPage = new EmptyListPage(services, commands);
@@ -142,18 +145,35 @@ void PreviewPane::buildTable() {
     view->setContextMenuPolicy(Qt::CustomContextMenu);
     view->verticalHeader()->hide();
     view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    QHeaderView* header = view->horizontalHeader();
+    QHeaderView* header = new TickHeader(PreviewTableModel::tick, view);
+    view->setHorizontalHeader(header);
     header->setSectionResizeMode(QHeaderView::Interactive);
     header->setHighlightSections(false);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setSectionsClickable(true);
     header->setMinimumSectionSize(20);
+    view->setColumnWidth(PreviewTableModel::tick, 30);
     view->setColumnWidth(PreviewTableModel::icon, 40);
     view->setColumnWidth(PreviewTableModel::state, 34);
     view->setColumnHidden(PreviewTableModel::problem, true);
+    view->setColumnWidth(PreviewTableModel::problem, 220);
     widthLimits[PreviewTableModel::problem] = {120, 600};
-    for (const int column : {PreviewTableModel::icon, PreviewTableModel::state})
+    for (const int column : {PreviewTableModel::tick, PreviewTableModel::icon, PreviewTableModel::state})
         header->setSectionResizeMode(column, QHeaderView::Fixed);
+}
+
+void PreviewPane::connectHands() {
+    auto* header = static_cast<TickHeader*>(view->horizontalHeader());
+    hands = new HandEditing(services, {*view, *model, *header, *statusRow, commands});
+    hands->setParent(this);
+    connect(hands, &HandEditing::showOnlyPinned, this, [this] {
+        showWhere(tr("Show: By Hand"), [](const NodeRow& row) { return row.hasExactName(); });
+    });
+    connect(hands, &HandEditing::showOnlyLeftOut, this,
+            [this] { showWhere(tr("Show: Left Out"), [](const NodeRow& row) { return row.isLeftOut(); }); });
+    connect(view, &PreviewTableView::rowsDropped, this, [this](DNDArrayController::Place place) {
+        hands->reorder([&] { controller.dndArrayController().acceptRows(place); });
+    });
 }
 
 void PreviewPane::connectTable() {
@@ -208,8 +228,8 @@ void PreviewPane::connectCommands() {
 void PreviewPane::offerCommands(const QPoint& place) {
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addActions({commands.openFile, commands.revealFile, commands.copy, commands.removeFile,
-                      commands.moveRowUp, commands.moveRowDown});
+    menu->addActions({commands.editNewName, commands.unpinNames, commands.openFile, commands.revealFile,
+                      commands.copy, commands.removeFile, commands.moveRowUp, commands.moveRowDown});
     menu->popup(view->viewport()->mapToGlobal(place));
 }
 
@@ -440,6 +460,7 @@ void PreviewPane::refreshProgress() {
 
 void PreviewPane::beginRun() {
     isRunShown = true;
+    hands->runBegins();
     model->runMarks().begin();
     if (model->show() == Show::notRenamed) // which no longer says anything
         setShow(Show::all);
@@ -518,6 +539,10 @@ void PreviewPane::showProblemBar() {
              tr("Previous problem (Shift+F8)")},
             {"nextProblemButton", tr("↓"), [this] { goToProblem(true); }, tr("Next problem (F8)")},
             {"showOnlyProblems", tr("Show Only These"), [this] { setShow(Show::problems); }}};
+        if (controller.handEdits().isAllowed())
+            message.buttons.push_back(
+                {"leaveOutProblems", tr("Leave These Out"), [this] { hands->leaveOut(model->problems()); }});
+
     } else if (madeDistinct > 0) {
         message.bold =
             counted(madeDistinct, tr("1 name was made distinct: it would have been the same as another."),
@@ -709,7 +734,7 @@ void PreviewPane::moveSelection(bool up) {
         return;
     const DNDArrayController::Place place{shown[up ? selected.front() - 1 : selected.back() + 1], !up};
     isMoving = true;
-    controller.dndArrayController().insertRows(view->selectedIds(), place);
+    hands->reorder([&] { controller.dndArrayController().insertRows(view->selectedIds(), place); });
     isMoving = false;
     if (view->currentIndex().isValid())
         //: Said when rows have been moved by keys.

@@ -21,6 +21,7 @@ namespace tavrin {
 class Chip;
 class EmptyView;
 class FindBar;
+class HandEditing;
 class ListBar;
 class FolderOffer;
 class MessageBars;
@@ -58,6 +59,8 @@ class PreviewPane final : public QWidget {
     void selectPreviewTab(PreviewTab tab);
     /// A run has moved pictures to other names.
     void forgetPictures();
+    /// Names that are typed, ticks, and what of it can be undone.
+    [[nodiscard]] HandEditing& handEditing() { return *hands; }
     /// The messages below the list.
     [[nodiscard]] MessageBars& messageBars() { return *bars; }
     void pathsAdded(const std::vector<std::string>& paths);
@@ -91,6 +94,7 @@ class PreviewPane final : public QWidget {
 
   private:
     void buildTable();
+    void connectHands();
     void connectTable();
     void connectCommands();
     void listenToSettings();
@@ -132,6 +136,7 @@ class PreviewPane final : public QWidget {
     PreviewTableView* view;
     ListBar* listBar;
     FindBar* findBar;
+    HandEditing* hands;
     QStackedWidget* pages; ///< of which one stands in the place of the list
     QWidget* invitation = nullptr;
     EmptyView* emptyView;

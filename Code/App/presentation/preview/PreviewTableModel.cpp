@@ -18,11 +18,13 @@ namespace {
 constexpr int rowsPerPage = 256;
 constexpr std::size_t mostPages = 64;
 
-const std::array<const char*, 4> stateSymbols{"\u2013", "\u2192", "\u29C9", "\u26A0"};
-const std::array<const char*, 4> stateWords{QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "unchanged"),
+const std::array<const char*, 6> stateSymbols{"\u2013", "\u2192", "\u29C9", "\u26A0", "\u270E", "\u2298"};
+const std::array<const char*, 6> stateWords{QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "unchanged"),
                                             QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "will be renamed"),
                                             QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "made distinct"),
-                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "problem")};
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "problem"),
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "by hand"),
+                                            QT_TRANSLATE_NOOP("tavrin::PreviewTableModel", "left out")};
 
 } // namespace
 
@@ -125,6 +127,8 @@ PreviewTableModel::Page& PreviewTableModel::pageOf(int row) const {
     page.rows = services.controller.nodeController().rowsWithIds(
         {ids.begin() + static_cast<std::ptrdiff_t>(first),
          ids.begin() + static_cast<std::ptrdiff_t>(std::min(ids.size(), first + rowsPerPage))});
+    for (PreviewList::Row& each : page.rows)
+        applyHandEdits(each);
     page.differences.resize(page.rows.size());
     pages.emplace_front(number, std::move(page));
     pagePlaces[number] = pages.begin();
@@ -133,6 +137,24 @@ PreviewTableModel::Page& PreviewTableModel::pageOf(int row) const {
         pages.pop_back();
     }
     return pages.front().second;
+}
+
+/// What has been settled since the last preview counts at once.
+void PreviewTableModel::applyHandEdits(PreviewList::Row& row) const {
+    const HandEdits& edits = services.controller.handEdits();
+    const bool hasAny = edits.pinned() > 0 || edits.leftOut() > 0;
+    if (!hasAny && !row.isPinned && !row.isLeftOut)
+        return;
+    const std::u16string pinned = edits.namesCount() ? edits.pinnedName(row.fullPath) : std::u16string();
+    if (!pinned.empty())
+        row.finalName = pinned;
+    else if (row.isPinned)
+        row.finalName = edits.computedName(row);
+    row.isPinned = !pinned.empty();
+    row.isLeftOut = !edits.takesPart(row.fullPath);
+    if (row.isLeftOut)
+        row.finalName = row.name;
+    row.diff = row.finalName != row.name;
 }
 
 const PreviewList::Row& PreviewTableModel::rowAt(int row) const {
@@ -157,8 +179,12 @@ std::optional<int> PreviewTableModel::rowOf(RowId id) const {
 }
 
 PreviewTableModel::State PreviewTableModel::stateOf(const PreviewList::Row& row) const {
+    if (row.isLeftOut)
+        return State::leftOut;
     if (row.problem != NameProblem::none)
         return State::problem;
+    if (row.isPinned)
+        return State::byHand;
     if (!row.diff)
         return State::unchanged;
     return row.madeDistinct ? State::madeDistinct : State::renamed;
@@ -246,6 +272,10 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
         return textOf(row, index.column());
     case Qt::DecorationRole:
         return index.column() == icon ? thumbnails.imageFor(row, showsThumbnails) : QVariant();
+    case Qt::CheckStateRole:
+        if (index.column() != tick)
+            return {};
+        return row.isLeftOut ? Qt::Unchecked : Qt::Checked;
     case Qt::ToolTipRole:
         return index.column() == folder
                    ? shownName(text::fromBytes(PathParts(row.fullPath).folder)).toHtmlEscaped()
@@ -261,7 +291,7 @@ QVariant PreviewTableModel::data(const QModelIndex& index, int role) const {
     case reasonRole:
         if (QString reason = marks.reasonOf(row); !reason.isEmpty())
             return reason;
-        return row.note.isInfo ? QString() : ShownName::note(row.note);
+        return ShownName::note(row.note);
     case rowIdRole:
         return row.id;
     case spansRole:

@@ -27,6 +27,7 @@ class PreviewTableModel final : public QAbstractTableModel {
 
   public:
     enum Column {
+        tick,
         icon,
         currentName,
         state,
@@ -37,7 +38,7 @@ class PreviewTableModel final : public QAbstractTableModel {
         folder,
         columnCount_
     };
-    enum class State { unchanged, renamed, madeDistinct, problem };
+    enum class State { unchanged, renamed, madeDistinct, problem, byHand, leftOut };
     enum class Show { all, toBeRenamed, problems, notRenamed, chosen };
 
     static constexpr int stateRole = Qt::UserRole;
@@ -61,6 +62,8 @@ class PreviewTableModel final : public QAbstractTableModel {
     void setShowsInvisibles(bool on);
     /// What a run makes of the rows. Whoever changes it has the rows painted anew.
     [[nodiscard]] RunMarks& runMarks() { return marks; }
+    /// Other rows have names by hand, or are left out, which shows before the next preview.
+    void handEditsChanged() { repaintAll(); }
     /// A thumbnail has come.
     void thumbnailChanged(RowId id);
 
@@ -89,6 +92,7 @@ class PreviewTableModel final : public QAbstractTableModel {
     };
 
     Page& pageOf(int row) const;
+    void applyHandEdits(PreviewList::Row& row) const;
     [[nodiscard]] const NameDifference& differenceAt(int row) const;
     [[nodiscard]] QString toolTip(const PreviewList::Row& row) const;
     [[nodiscard]] QString folderOf(const PreviewList::Row& row) const;

@@ -3,12 +3,14 @@
 #include "presentation/preview/PreviewTableModel.h"
 #include "presentation/start/FileAddress.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QDrag>
 #include <QDropEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QResizeEvent>
 #include <algorithm>
@@ -31,7 +33,15 @@ PreviewTableView::PreviewTableView(PreviewTableModel& shownModel, DNDArrayContro
     setDropIndicatorShown(false);
     setAutoScroll(true);
     setTabKeyNavigation(false);
-    connect(this, &QTableView::doubleClicked, this, &PreviewTableView::openRequested);
+    connect(this, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
+        if (index.column() != PreviewTableModel::tick)
+            emit openRequested();
+    });
+    secondClick.setSingleShot(true);
+    connect(&secondClick, &QTimer::timeout, this, [this] {
+        if (clickedTwice.isValid() && hasFocus() && clickedTwice.row() == currentIndex().row())
+            emit editRequested();
+    });
 }
 
 std::vector<std::size_t> PreviewTableView::selectedRows() const {
@@ -72,10 +82,48 @@ QModelIndex PreviewTableView::moveCursor(CursorAction action, Qt::KeyboardModifi
     return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, column);
 }
 
+void PreviewTableView::mousePressEvent(QMouseEvent* event) {
+    secondClick.stop();
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (index.isValid() && index.column() == PreviewTableModel::tick && event->button() == Qt::LeftButton) {
+        const bool isSelected = selectionModel()->isRowSelected(index.row());
+        const auto row = static_cast<std::size_t>(index.row());
+        emit tickRequested(isSelected ? selectedIds() : std::vector<RowId>{table().rowIds()[row]});
+        return;
+    }
+    const bool isPlain = event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier;
+    const bool isAgain = isPlain && index.column() == PreviewTableModel::newName && hasFocus() &&
+                         index.row() == currentIndex().row() && selectedRows().size() == 1 &&
+                         selectionModel()->isRowSelected(index.row());
+    clickedTwice = isAgain ? index : QModelIndex();
+    QTableView::mousePressEvent(event);
+}
+
+void PreviewTableView::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    if (clickedTwice.isValid() && indexAt(event->position().toPoint()) == clickedTwice)
+        secondClick.start(QApplication::doubleClickInterval());
+}
+
+void PreviewTableView::mouseDoubleClickEvent(QMouseEvent* event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (index.column() == PreviewTableModel::tick) {
+        mousePressEvent(event); // two quick clicks are two
+        return;
+    }
+    clickedTwice = QModelIndex();
+    QTableView::mouseDoubleClickEvent(event);
+}
+
 void PreviewTableView::keyPressEvent(QKeyEvent* event) {
+    secondClick.stop();
     const bool hasAlt = event->modifiers().testFlag(Qt::AltModifier);
     if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
         emit removeRequested();
+    else if (event->key() == Qt::Key_Space && event->modifiers() == Qt::ControlModifier)
+        emit pictureRequested();
+    else if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier)
+        emit tickRequested(selectedIds());
     else if (hasAlt && (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down))
         emit moveRequested(event->key() == Qt::Key_Up);
     else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
@@ -165,7 +213,7 @@ void PreviewTableView::dropEvent(QDropEvent* event) {
         if (!shown.empty())
             place = row < shown.size() ? DNDArrayController::Place{shown[row]}
                                        : DNDArrayController::Place{shown.back(), true};
-        dragging.acceptRows(place);
+        emit rowsDropped(place);
     } else if (!areRows) {
         const std::vector<std::string> paths = DroppedFiles::paths(*event->mimeData());
         event->setAccepted(!paths.empty());

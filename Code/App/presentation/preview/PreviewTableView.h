@@ -2,7 +2,9 @@
 
 #include "shell/preview/DNDArrayController.h"
 
+#include <QPersistentModelIndex>
 #include <QTableView>
+#include <QTimer>
 #include <vector>
 
 namespace tavrin {
@@ -29,11 +31,18 @@ class PreviewTableView final : public QTableView {
     void moveRequested(bool up); ///< Alt+Up or Alt+Down
     void openRequested();        ///< a double click or Return
     void widthChanged();         ///< there is more or less room for the columns
+    void editRequested();        ///< a slow second click on the new name of the row in hand
+    void tickRequested(const std::vector<RowId>& rows); ///< a click on a tick, or Space
+    void pictureRequested();                            ///< Ctrl+Space
+    void rowsDropped(DNDArrayController::Place place);
 
   protected:
     /// Home and End go to the first and the last row, as in lists.
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void startDrag(Qt::DropActions actions) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
@@ -50,6 +59,8 @@ class PreviewTableView final : public QTableView {
     DNDArrayController& dragging;
     int markedRow = -1; ///< rows would be dropped in front of it
     bool isTakingFiles = false;
+    QTimer secondClick;                 ///< the first has been that of a double click until it is over
+    QPersistentModelIndex clickedTwice; ///< the new name under it
 };
 
 } // namespace tavrin

@@ -13,9 +13,11 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QStyle>
 #include <algorithm>
 
 namespace tavrin {
@@ -24,8 +26,19 @@ namespace {
 
 constexpr int chipGap = 5;
 
+/// Says what fits of its text, and that there is more.
+class ElidedLabel final : public QLabel {
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(),
+                              fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()),
+                              foregroundRole());
+    }
+};
+
 QLabel* plainLabel(const char* name) {
-    auto* label = new QLabel;
+    auto* label = new ElidedLabel;
     label->setObjectName(name);
     label->setTextFormat(Qt::PlainText);
     return label;

@@ -4,6 +4,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/steps/HandNamesEntry.h"
 #include "presentation/steps/StepDelegate.h"
 #include "presentation/steps/StepsModel.h"
 #include "shell/MainController.h"
@@ -20,7 +21,8 @@
 namespace tavrin {
 
 StepsPane::StepsPane(const WindowServices& shared, WindowCommands& windowCommands)
-    : services(shared), commands(windowCommands), model(new StepsModel(shared, this)), view(new QListView) {
+    : services(shared), commands(windowCommands), model(new StepsModel(shared, this)), view(new QListView),
+      handNames(new HandNamesEntry(shared)) {
     setObjectName("stepsPane");
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -28,6 +30,7 @@ StepsPane::StepsPane(const WindowServices& shared, WindowCommands& windowCommand
     buildView();
     layout->addWidget(makeHead());
     layout->addWidget(view, 1);
+    layout->addWidget(handNames);
     layout->addWidget(makeButtons());
 }
 
@@ -103,6 +106,8 @@ bool StepsPane::eventFilter(QObject* watched, QEvent* event) {
     services.controller.actionListCommands().removeAction();
     return true;
 }
+
+void StepsPane::handEditsChanged() { handNames->refresh(); }
 
 void StepsPane::stepsChanged() {
     {

@@ -8,6 +8,7 @@ class QListView;
 
 namespace tavrin {
 
+class HandNamesEntry;
 class StepsModel;
 class WindowCommands;
 
@@ -20,6 +21,8 @@ class StepsPane final : public QWidget {
 
     /// The steps or the current one have changed.
     void stepsChanged();
+    /// There are other names by hand.
+    void handEditsChanged();
 
   signals:
     /// What commands can do with the steps may have changed.
@@ -39,6 +42,7 @@ class StepsPane final : public QWidget {
     WindowCommands& commands;
     StepsModel* model;
     QListView* view;
+    HandNamesEntry* handNames;
 };
 
 } // namespace tavrin

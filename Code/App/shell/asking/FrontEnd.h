@@ -37,6 +37,7 @@ enum class AlertKind {
     updateAvailable,
     noUpdate,
     settingsSetAside,
+    namesByHandLost,
 };
 
 enum class AlertStyle { warning, informational, critical };

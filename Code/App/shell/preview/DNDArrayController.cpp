@@ -114,7 +114,23 @@ void DNDArrayController::insertRows(const std::vector<RowId>& moved, Place place
     const auto index =
         static_cast<std::size_t>(found - rows.begin()) + (found != rows.end() && place.isBehind);
     debugLog("index set: {} of {} rows to {}", moved.size(), rows.size(), index);
-    std::vector<RowId> order = rearranged(rows, moved, index);
+    arrange(rearranged(rows, moved, index));
+}
+
+void DNDArrayController::restoreOrder(const std::vector<RowId>& former) {
+    units.preview.finishRefresh();
+    const std::vector<RowId>& rows = units.preview.nodeController().arrangedObjects();
+    const std::vector<bool> present = marksOf(rows);
+    const std::vector<bool> known = marksOf(former);
+    std::vector<RowId> order;
+    std::ranges::copy_if(former, std::back_inserter(order),
+                         [&](RowId id) { return id < present.size() && present[id]; });
+    std::ranges::copy_if(rows, std::back_inserter(order),
+                         [&](RowId id) { return id >= known.size() || !known[id]; });
+    arrange(std::move(order));
+}
+
+void DNDArrayController::arrange(std::vector<RowId> order) {
     units.preview.holdOrder(order);
     const auto written = [this](int number, const std::string& failure) {
         if (!failure.empty())

@@ -46,6 +46,8 @@ class DNDArrayController {
     /// numbers on another thread, before any preview that is asked for from now on. Does nothing when the row
     /// of the place is gone.
     void insertRows(const std::vector<RowId>& moved, Place place);
+    /// Gives the rows a former order again, as if by hand; rows that it does not know come behind.
+    void restoreOrder(const std::vector<RowId>& former);
     /// A drag that began here has ended: rows that were dropped nowhere leave the list. Whether any did.
     bool deleteRowsIfAppropriate();
     /// The drag was given up: nothing happens at its end.
@@ -54,6 +56,9 @@ class DNDArrayController {
     [[nodiscard]] std::vector<RowId> filterOutInappropriateRows(const std::vector<RowId>& rows);
 
   private:
+    /// Shows the rows in the order, and has it written.
+    void arrange(std::vector<RowId> order);
+
     ShellServices& services;
     Units units;
     bool shouldDeleteRows = false;
