@@ -25,6 +25,7 @@
 #include <QListWidget>
 #include <QPainter>
 #include <QTableView>
+#include <QTemporaryFile>
 #include <QTest>
 #include <clocale>
 #include <cstdio>
@@ -147,7 +148,6 @@ class Pictures {
         choose("Add date to end", {{"mode", 1}});
         application->controller().compositeAction().getCurrentAction().setValue(0, "active");
         application->controller().compositeAction().setCurrentActionIndex(0);
-        application->controller().globalSettings().setValue(1, "showPath");
         settle();
         save("steps");
         QTest::keyClicks(application->window().findChild<QWidget*>("findAction"), "date");
@@ -295,7 +295,13 @@ int main(int argc, char** argv) {
         std::fputs("usage: make_pictures FOLDER\n", stderr);
         return 2;
     }
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // A screen large enough for the whole window.
+    QTemporaryFile screens;
+    if (!screens.open())
+        return 1;
+    screens.write(R"({"screens": [{"name": "pictures", "x": 0, "y": 0, "width": 1920, "height": 1080}]})");
+    screens.close();
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screens.fileName().toLocal8Bit());
     const QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setQuitOnLastWindowClosed(false);
