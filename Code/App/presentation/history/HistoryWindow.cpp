@@ -458,7 +458,7 @@ void HistoryWindow::forgetAllSettled() {
     const auto settled = static_cast<std::size_t>(std::ranges::count_if(
         runs->runs(), [](const ShownRun& run) { return run.run.isSettled && run.isUsable(); }));
     CardContent content{.objectName = "forgetAllCard",
-                        .head = counted(settled, tr("Forget 1 run?"), tr("Forget %L1 runs?")),
+                        .head = tr("Forget 1 run?||Forget %Ln runs?", nullptr, static_cast<int>(settled)),
                         .text =
                             tr("What they have renamed keeps its names, and can’t be undone any more. Runs "
                                "that were interrupted stay until they are finished or undone.")};

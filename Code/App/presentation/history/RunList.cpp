@@ -137,13 +137,13 @@ QString RunListModel::countOf(const ShownRun& run) {
                  QLocale().toString(static_cast<qulonglong>(run.items)));
     switch (run.run.heading.what) {
     case RunKind::rename:
-        return counted(count, tr("1 name"), tr("%L1 names"));
+        return tr("1 name||%Ln names", nullptr, static_cast<int>(count));
     case RunKind::undo:
-        return counted(count, tr("1 name undone"), tr("%L1 names undone"));
+        return tr("1 name undone||%Ln names undone", nullptr, static_cast<int>(count));
     case RunKind::redo:
         break;
     }
-    return counted(count, tr("1 name redone"), tr("%L1 names redone"));
+    return tr("1 name redone||%Ln names redone", nullptr, static_cast<int>(count));
 }
 
 QString RunListModel::detailsOf(const ShownRun& run) {
@@ -167,8 +167,7 @@ RunListModel::Chip RunListModel::chipOf(const ShownRun& run) {
     if (run.run.end && run.run.end->wasStopped && !run.run.isFinished)
         return {tr("Stopped"), Tone::plain};
     if (run.run.end && run.run.end->failed > 0)
-        return {counted(static_cast<std::size_t>(run.run.end->failed), tr("1 not renamed"),
-                        tr("%L1 not renamed")),
+        return {tr("1 not renamed||%Ln not renamed", nullptr, static_cast<int>(run.run.end->failed)),
                 Tone::failure};
     return {};
 }
