@@ -27,6 +27,7 @@ class FolderOffer;
 class MessageBars;
 class ParameterBinding;
 class PreviewTableView;
+class RowMap;
 class StatusRow;
 class ThumbnailLoader;
 class WindowCommands;
@@ -136,6 +137,7 @@ class PreviewPane final : public QWidget {
     PreviewTableView* view;
     ListBar* listBar;
     FindBar* findBar;
+    RowMap* rowMap;
     HandEditing* hands;
     QStackedWidget* pages; ///< of which one stands in the place of the list
     QWidget* invitation = nullptr;
