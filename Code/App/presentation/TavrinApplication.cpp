@@ -35,6 +35,7 @@ MainController::Options controllerOptions(const TavrinApplication::Options& opti
 
 TavrinApplication::TavrinApplication(Options options)
     : defaults(options.defaultsPath.empty() ? UserDefaults() : UserDefaults(options.defaultsPath)) {
+    QCoreApplication::installTranslator(&plurals);
     SystemLog::setSharedInstance(&systemLog);
     if (systemLog.isActive()) {
         setDebugLogSink(&systemLog);

@@ -3,6 +3,7 @@
 #include "actions/ActionList.h"
 #include "platform/desktop/SystemLog.h"
 #include "platform/propertylists/UserDefaults.h"
+#include "presentation/EnglishPlurals.h"
 #include "presentation/QtFrontEnd.h"
 #include "presentation/QtRunLoop.h"
 
@@ -50,6 +51,7 @@ class TavrinApplication {
     void endNow();
     void addWaitingPaths();
 
+    EnglishPlurals plurals;
     QtRunLoop loop;
     SystemLog systemLog;
     UserDefaults defaults;

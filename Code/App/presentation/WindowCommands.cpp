@@ -154,11 +154,19 @@ void WindowCommands::addFileMenu() {
     createDroplet = add(menu, "createDroplet", tr("Create &Droplet…"), QKeySequence("Ctrl+D"),
                         [&controller] { controller.createDroplet(); });
     menu->addSeparator();
-    ok = add(menu, "ok", tr("Re&name"), QKeySequence("Ctrl+Return"), [&controller] { controller.ok(); });
+    ok = add(menu, "ok", tr("Re&name"), QKeySequence("Ctrl+Return"), [this, &controller] {
+        emit runWanted();
+        controller.ok();
+    });
     applyAndQuit = add(menu, "applyAndQuit", tr("Rename and &Quit"), QKeySequence("Ctrl+Alt+Return"),
-                       [&controller] { controller.applyAndQuit(); });
-    applyButDontQuit = add(menu, "applyButDontQuit", tr("Rename, Don’t Q&uit"), {},
-                           [&controller] { controller.applyButDontQuit(); });
+                       [this, &controller] {
+                           emit runWanted();
+                           controller.applyAndQuit();
+                       });
+    applyButDontQuit = add(menu, "applyButDontQuit", tr("Rename, Don’t Q&uit"), {}, [this, &controller] {
+        emit runWanted();
+        controller.applyButDontQuit();
+    });
     menu->addSeparator();
     add(menu, "cancel", tr("&Quit"), QKeySequence::Quit, [&controller] { controller.cancel(); });
 }
@@ -177,6 +185,8 @@ void WindowCommands::addEditMenu() {
     menu->addSeparator();
     editNewName = add(menu, "editNewName", tr("Edit Ne&w Name"), QKeySequence("F2"));
     unpinNames = add(menu, "unpinNames", tr("Unpin Na&me"), QKeySequence("Shift+F2"));
+    namesAsText = add(menu, "namesAsText", tr("Names as Te&xt"), QKeySequence("Ctrl+Shift+E"));
+    namesAsText->setCheckable(true);
     menu->addSeparator();
     findInList = add(menu, "findInList", tr("&Find in List…"), QKeySequence::Find);
     findNext = add(menu, "findNext", tr("Find Ne&xt"), QKeySequence("F3"));
@@ -417,7 +427,7 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
 void WindowCommands::enterDropletEditMode() {
     saveAsPreset->setShortcut({});
     for (QAction* action : {createDroplet, createFileList, applyAndQuit, applyButDontQuit, editNewName,
-                            unpinNames, showTickBoxes})
+                            unpinNames, namesAsText, showTickBoxes})
         action->setVisible(false);
     ok->setText(tr("&Save"));
     ok->setShortcuts({QKeySequence::Save, QKeySequence("Ctrl+Return")});

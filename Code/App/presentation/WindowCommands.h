@@ -52,6 +52,7 @@ class WindowCommands final : public QObject {
     QAction* findInList;
     QAction* editNewName;
     QAction* unpinNames;
+    QAction* namesAsText;
     QAction* findNext;
     QAction* findPrevious;
     QAction* nextProblem;
@@ -81,6 +82,8 @@ class WindowCommands final : public QObject {
     QAction* showHistory;
 
   signals:
+    /// A run is wanted: what is being typed must count before.
+    void runWanted();
     /// Copying and pasting while no field of text has the focus, so that it is about the list.
     void rowsCopied();
     void filesPasted();

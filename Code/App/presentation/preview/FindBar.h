@@ -26,6 +26,7 @@ class FindBar final : public QWidget {
     ~FindBar() override;
 
     void open();
+    void close();
     /// Goes to the next match, or the one before; without a text to look for the bar opens.
     void goOn(bool forward);
     /// Whether it shows and has a text to look for.
@@ -55,7 +56,6 @@ class FindBar final : public QWidget {
     void follow();
     void tell();
     void stop();
-    void close();
 
     QTableView& view;
     PreviewTableModel& model;

@@ -116,11 +116,11 @@ void HandEditing::connectCommands() {
     connect(commands.unpinNames, &QAction::triggered, this, &HandEditing::unpinSelected);
     connect(&commands, &WindowCommands::undoRequested, this, [this] {
         if (parts.view.hasFocus())
-            stack->undo();
+            undo();
     });
     connect(&commands, &WindowCommands::redoRequested, this, [this] {
         if (parts.view.hasFocus())
-            stack->redo();
+            redo();
     });
     connect(&parts.view, &PreviewTableView::editRequested, this, &HandEditing::editCurrent);
     connect(&parts.view, &PreviewTableView::tickRequested, this, &HandEditing::toggle);
@@ -217,6 +217,10 @@ void HandEditing::showTickBoxes() {
 }
 
 // --- Both ---
+
+void HandEditing::undo() { stack->undo(); }
+
+void HandEditing::redo() { stack->redo(); }
 
 void HandEditing::expectChange() { isChangeExpected = true; }
 

@@ -46,6 +46,10 @@ class HandEditing final : public QObject {
     /// Does what puts rows in another order.
     void reorder(const std::function<void()>& move);
     void leaveOut(const std::vector<RowId>& rows);
+    void undo();
+    void redo();
+    /// The next change of names or ticks is one of the user's, who may undo it.
+    void expectChange();
 
   signals:
     /// Only rows with names by hand, or only those left out, are to show.
@@ -60,8 +64,6 @@ class HandEditing final : public QObject {
     void toggle(const std::vector<RowId>& rows);
     void toggleAll();
     void refreshChips();
-    /// The next change of names or ticks is one of the user's, who may undo it.
-    void expectChange();
     void showTickBoxes();
     void showPicture();
 

@@ -60,6 +60,12 @@ ListBar::ListBar(const WindowServices& shared, WindowCommands& commands) : servi
               tr("Process subfolders and their contents"));
     layout->addStretch(1);
     addShowMenu(commands);
+    QToolButton* text = makeToolButton("namesAsTextButton", Glyph::text, tr("Names as text (Ctrl+Shift+E)"));
+    text->setAccessibleName(tr("Names as text"));
+    text->setFocusPolicy(Qt::TabFocus);
+    performs(*text, *commands.namesAsText);
+    layout->addWidget(text);
+    folding.push_back(text);
     QToolButton* find = makeToolButton("findButton", Glyph::search, tr("Find in the list (Ctrl+F)"));
     find->setAccessibleName(tr("Find in the list"));
     find->setFocusPolicy(Qt::TabFocus);

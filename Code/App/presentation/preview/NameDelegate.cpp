@@ -196,6 +196,15 @@ QSize NameDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelInd
     return {60, option.fontMetrics.height() + 8};
 }
 
+NameDelegate::Sign NameDelegate::signOf(const QModelIndex& index, const QPalette& palette) {
+    const auto outcome = static_cast<RunOutcome>(index.data(PreviewTableModel::outcomeRole).toInt());
+    if (const auto mark = runMark(outcome, palette))
+        return {mark->glyph, mark->colour};
+    const auto state =
+        static_cast<PreviewTableModel::State>(index.data(PreviewTableModel::stateRole).toInt());
+    return {glyphOf(state), stateColour(state, palette)};
+}
+
 void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     QStyleOptionViewItem item = option;

@@ -10,6 +10,7 @@
 #include "presentation/Spoken.h"
 #include "presentation/WindowColours.h"
 #include "presentation/WindowCommands.h"
+#include "presentation/names/NamesAsTextPage.h"
 #include "presentation/preview/Chip.h"
 #include "presentation/preview/EmptyListPage.h"
 #include "presentation/preview/EmptyView.h"
@@ -104,19 +105,22 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
       listBar(new ListBar(shared, windowCommands)),
       findBar(new FindBar(*view, *model, controller.renameEngine())), rowMap(new RowMap(*view, *model)),
       pages(new QStackedWidget), emptyView(new EmptyView), bars(new MessageBars),
-      folderOffer(new FolderOffer(shared, *bars, this)), statusRow(new StatusRow(controller)),
-      longWork(controller.runLoop()), sortingChip(new Chip("sortingChip", Glyph::close)) {
+      folderOffer(new FolderOffer(shared, *bars, this)), textPage(new NamesAsTextPage(shared, *model, *bars)),
+      statusRow(new StatusRow(controller)), longWork(controller.runLoop()),
+      sortingChip(new Chip("sortingChip", Glyph::close)) {
     setObjectName("previewPane");
     buildTable();
     connectHands();
     connectTable();
     connectCommands();
+    connectTextPage();
     auto* emptyPage = new EmptyListPage(services, commands);
     connect(emptyPage, &EmptyListPage::begun, this, &PreviewPane::begun);
     pages->setObjectName("listPages");
     pages->addWidget(view);
     pages->addWidget(emptyPage);
     pages->addWidget(emptyView);
+    pages->addWidget(textPage);
     invitation = emptyPage;
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -221,9 +225,13 @@ void PreviewPane::connectCommands() {
     });
     connect(&commands, &WindowCommands::rowsCopied, this, &PreviewPane::copySelected);
     connect(&commands, &WindowCommands::filesPasted, this, &PreviewPane::pasteFiles);
-    connect(commands.findInList, &QAction::triggered, findBar, &FindBar::open);
-    connect(commands.findNext, &QAction::triggered, this, [this] { findBar->goOn(true); });
-    connect(commands.findPrevious, &QAction::triggered, this, [this] { findBar->goOn(false); });
+    connect(commands.findInList, &QAction::triggered, this,
+            [this] { textPage->isOpen() ? textPage->openFind(false) : findBar->open(); });
+    const auto findOn = [this](bool forward) {
+        textPage->isOpen() ? textPage->goToMatch(forward) : findBar->goOn(forward);
+    };
+    connect(commands.findNext, &QAction::triggered, this, [findOn] { findOn(true); });
+    connect(commands.findPrevious, &QAction::triggered, this, [findOn] { findOn(false); });
     connect(commands.nextProblem, &QAction::triggered, this, [this] { goToProblem(true); });
     connect(commands.previousProblem, &QAction::triggered, this, [this] { goToProblem(false); });
     connect(commands.showAllItems, &QAction::triggered, this, [this] { setShow(Show::all); });
@@ -233,6 +241,42 @@ void PreviewPane::connectCommands() {
     connect(statusRow, &StatusRow::failedItemWanted, this, &PreviewPane::goToFailed);
     connect(commands.moveRowUp, &QAction::triggered, this, [this] { moveSelection(true); });
     connect(commands.moveRowDown, &QAction::triggered, this, [this] { moveSelection(false); });
+}
+
+void PreviewPane::connectTextPage() {
+    connect(commands.namesAsText, &QAction::triggered, this, &PreviewPane::toggleTextPage);
+    connect(&commands, &WindowCommands::runWanted, textPage, &NamesAsTextPage::finish);
+    connect(textPage, &NamesAsTextPage::changing, hands, &HandEditing::expectChange);
+    connect(textPage, &NamesAsTextPage::undoWanted, hands, &HandEditing::undo);
+    connect(textPage, &NamesAsTextPage::redoWanted, hands, &HandEditing::redo);
+    connect(textPage, &NamesAsTextPage::lineChanged, this, &PreviewPane::tellProblem);
+    connect(textPage, &NamesAsTextPage::closed, this, [this](int row) {
+        commands.namesAsText->setChecked(false);
+        showPage();
+        if (row < model->rowCount() && !isRunShown)
+            goTo(row);
+    });
+}
+
+void PreviewPane::toggleTextPage() {
+    if (textPage->isOpen()) {
+        textPage->close();
+    } else if (model->rowCount() > NamesAsTextPage::mostLines) {
+        bars->present(
+            {.objectName = "tooLongForText",
+             .bold = tr("Too long to be edited as text; use Save List and New names from a list.")});
+    } else if (model->rowCount() > 0 && controller.validateUserInterfaceItem()) {
+        findBar->close();
+        textPage->open(view->currentIndex().isValid() ? view->currentIndex().row() : 0);
+    }
+    commands.namesAsText->setChecked(textPage->isOpen());
+    showPage();
+}
+
+int PreviewPane::currentPlace() const {
+    if (textPage->isOpen())
+        return textPage->currentLine();
+    return view->currentIndex().isValid() ? view->currentIndex().row() : -1;
 }
 
 void PreviewPane::offerCommands(const QPoint& place) {
@@ -319,7 +363,7 @@ void PreviewPane::showPage() {
 
 QWidget* PreviewPane::pageDue() {
     if (model->rowCount() > 0)
-        return view;
+        return textPage->isOpen() ? static_cast<QWidget*>(textPage) : view;
     if (controller.previewControl().isPreviewEmpty())
         return explainHiddenItems() ? static_cast<QWidget*>(emptyView) : invitation;
     const auto showAll = [this] { setShow(Show::all); };
@@ -390,6 +434,7 @@ void PreviewPane::listChanged() {
     model->listChanged();
     showPage();
     showSorting();
+    textPage->rowsChanged();
     if (model->rowIds() == before)
         return;
     // The same items stay selected. They stay in sight too, unless the order is another one.
@@ -470,6 +515,7 @@ void PreviewPane::refreshProgress() {
 
 void PreviewPane::beginRun() {
     isRunShown = true;
+    textPage->close();
     hands->runBegins();
     model->runMarks().begin();
     if (model->show() == Show::notRenamed) // which no longer says anything
@@ -632,6 +678,7 @@ void PreviewPane::setShow(Show what) {
     view->setColumnHidden(PreviewTableModel::problem, what != Show::problems);
     model->setShow(what);
     listBar->setShow(what);
+    textPage->rowsChanged();
     showPage();
     sizeColumnsToFit();
     tellProblem();
@@ -676,12 +723,16 @@ void PreviewPane::showChosen(std::vector<RowId> rows) {
 }
 
 void PreviewPane::goToProblem(bool forward) {
-    const int row = problemBehind(view->currentIndex().isValid() ? view->currentIndex().row() : -1, forward);
+    const int row = problemBehind(currentPlace(), forward);
     if (row >= 0)
         goTo(row);
 }
 
 void PreviewPane::goTo(int row) {
+    if (textPage->isOpen()) {
+        textPage->goToRow(row);
+        return;
+    }
     view->setCurrentIndex(model->index(row, PreviewTableModel::currentName));
     view->scrollTo(view->currentIndex(), QAbstractItemView::PositionAtCenter);
     view->setFocus();

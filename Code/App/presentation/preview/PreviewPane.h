@@ -25,6 +25,7 @@ class HandEditing;
 class ListBar;
 class FolderOffer;
 class MessageBars;
+class NamesAsTextPage;
 class ParameterBinding;
 class PreviewTableView;
 class RowMap;
@@ -96,6 +97,8 @@ class PreviewPane final : public QWidget {
   private:
     void buildTable();
     void connectHands();
+    void connectTextPage();
+    void toggleTextPage();
     void connectTable();
     void connectCommands();
     void listenToSettings();
@@ -120,6 +123,8 @@ class PreviewPane final : public QWidget {
     void showPage();
     [[nodiscard]] QWidget* pageDue();
     [[nodiscard]] bool explainHiddenItems();
+    /// The row in hand; -1 for none.
+    [[nodiscard]] int currentPlace() const;
     [[nodiscard]] RowId idAt(int row) const;
     [[nodiscard]] std::optional<PreviewList::Row> currentRow() const;
     /// Where these rows are now.
@@ -144,6 +149,7 @@ class PreviewPane final : public QWidget {
     EmptyView* emptyView;
     MessageBars* bars;
     FolderOffer* folderOffer;
+    NamesAsTextPage* textPage;
     StatusRow* statusRow;
     SlicedWork longWork;
     QTimer scrollRest;

@@ -42,7 +42,9 @@ struct RegularExpression::Impl {
     [[nodiscard]] bool end();
     [[nodiscard]] bool find();
     void readGroups(std::u16string_view subject);
-    void replace(std::u16string_view replacement, std::int32_t mode);
+    template <typename IsMeant> void replace(std::u16string_view replacement, IsMeant isMeant);
+    bool endReplacement(std::u16string& result);
+    TextRange rangeOfMatch();
     [[nodiscard]] std::int64_t countMatches();
 
     static UBool U_CALLCONV mayGoOn(const void* context, std::int32_t steps);
@@ -92,6 +94,18 @@ bool RegularExpression::Impl::end() {
     return U_SUCCESS(status);
 }
 
+bool RegularExpression::Impl::endReplacement(std::u16string& result) {
+    if (!end())
+        return false;
+    result += replaced;
+    return true;
+}
+
+TextRange RegularExpression::Impl::rangeOfMatch() {
+    const auto start = static_cast<std::size_t>(uregex_start(expression.get(), 0, &status));
+    return {start, static_cast<std::size_t>(uregex_end(expression.get(), 0, &status)) - start};
+}
+
 bool RegularExpression::Impl::find() {
     return uregex_findNext(expression.get(), &status) && U_SUCCESS(status);
 }
@@ -115,15 +129,16 @@ std::int64_t RegularExpression::Impl::countMatches() {
     return count;
 }
 
-void RegularExpression::Impl::replace(std::u16string_view replacement, std::int32_t mode) {
-    const std::int64_t count = mode > 6 ? countMatches() : 0; // the others count from the start
+template <typename IsMeant>
+void RegularExpression::Impl::replace(std::u16string_view replacement, IsMeant isMeant) {
+    replaced.resize(mostUnits);
     if (replacement.size() > mostUnits)
         status = U_BUFFER_OVERFLOW_ERROR;
     char16_t* at = replaced.data();
     auto room = text::icu::length(replaced);
     for (std::int64_t index = 0; find(); ++index) {
         // ICU goes on from the last match, so others are to be copied.
-        const auto text = isOccurrenceMeant(mode, index, count) ? replacement : u"$0";
+        const auto text = isMeant(index) ? replacement : u"$0";
         uregex_appendReplacement(expression.get(), address(text), text::icu::length(text), &at, &room,
                                  &status);
     }
@@ -153,13 +168,25 @@ RegularExpression::captureComponentsMatched(std::u16string_view subject) {
 bool RegularExpression::replaceOccurrences(std::u16string_view subject, std::u16string_view replacement,
                                            std::u16string& result, std::int32_t mode) {
     if (impl->begin(subject)) {
-        impl->replaced.resize(mostUnits);
-        impl->replace(replacement, mode);
+        const std::int64_t count = mode > 6 ? impl->countMatches() : 0; // the others count from the start
+        impl->replace(replacement, [=](std::int64_t index) { return isOccurrenceMeant(mode, index, count); });
     }
-    if (!impl->end())
-        return false;
-    result += impl->replaced;
-    return true;
+    return impl->endReplacement(result);
+}
+
+bool RegularExpression::replaceMatch(std::u16string_view subject, std::u16string_view replacement,
+                                     std::int64_t index, std::u16string& result) {
+    if (impl->begin(subject))
+        impl->replace(replacement, [=](std::int64_t each) { return each == index; });
+    return impl->endReplacement(result);
+}
+
+std::vector<TextRange> RegularExpression::matches(std::u16string_view subject) {
+    std::vector<TextRange> found;
+    if (impl->begin(subject))
+        while (impl->find())
+            found.push_back(impl->rangeOfMatch());
+    return impl->end() ? found : std::vector<TextRange>();
 }
 
 std::string RegularExpression::failure() const {

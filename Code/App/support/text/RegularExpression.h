@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavrin {
 
@@ -36,6 +37,11 @@ class RegularExpression {
     /// replacement text ("$1", a backslash escapes). False after a failure, with `result` as it was.
     [[nodiscard]] bool replaceOccurrences(std::u16string_view subject, std::u16string_view replacement,
                                           std::u16string& result, std::int32_t mode = 0);
+    /// The same for the match of this index, counted from 0.
+    [[nodiscard]] bool replaceMatch(std::u16string_view subject, std::u16string_view replacement,
+                                    std::int64_t index, std::u16string& result);
+    /// All matches, from left to right; none after a failure.
+    [[nodiscard]] std::vector<TextRange> matches(std::u16string_view subject);
 
     /// Why the last operation failed, or why the pattern is refused before there was one; else empty.
     [[nodiscard]] std::string failure() const;

@@ -1,0 +1,435 @@
+#include "presentation/names/LinesEdit.h"
+
+#include "presentation/GlyphIcon.h"
+#include "presentation/QtText.h"
+#include "presentation/WindowColours.h"
+#include "shell/names/NameLines.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFontDatabase>
+#include <QMenu>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyle>
+#include <QTextBlock>
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int gap = 8;
+constexpr int signSize = 16;
+constexpr int leastItemWidth = 40;
+constexpr int mostItemWidth = 600;
+
+/// Of a stretch of whole lines.
+QTextCursor over(QTextDocument& document, int first, int last) {
+    QTextCursor cursor(document.findBlockByNumber(first));
+    const QTextBlock end = document.findBlockByNumber(last);
+    cursor.setPosition(end.position() + end.length() - 1, QTextCursor::KeepAnchor);
+    return cursor;
+}
+
+} // namespace
+
+// --- Beside the lines ---
+
+class LinesEdit::Gutter final : public QWidget {
+  public:
+    explicit Gutter(LinesEdit& owner) : QWidget(&owner), edit(owner) {
+        setObjectName("textPageGutter");
+        setMouseTracking(true);
+    }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPainter painter(this);
+        painter.fillRect(event->rect(), palette().color(QPalette::Window));
+        edit.paintGutter(painter, event->rect());
+    }
+    void mouseMoveEvent(QMouseEvent* event) override {
+        const int x = event->position().toPoint().x();
+        const int fromEdge = isRightToLeft() ? x : width() - x;
+        if (dragStart)
+            edit.setItemWidth(*dragStart - fromEdge);
+        else
+            setCursor(isAtEdge(fromEdge) ? Qt::SplitHCursor : Qt::ArrowCursor);
+    }
+    void mousePressEvent(QMouseEvent* event) override {
+        const int x = event->position().toPoint().x();
+        const int fromEdge = isRightToLeft() ? x : width() - x;
+        if (isAtEdge(fromEdge))
+            dragStart = edit.itemWidth() + fromEdge;
+        else
+            edit.goTo(edit.cursorForPosition({0, event->position().toPoint().y()}).blockNumber());
+    }
+    void mouseReleaseEvent(QMouseEvent*) override {
+        if (dragStart)
+            emit edit.itemWidthChanged(edit.itemWidth());
+        dragStart.reset();
+    }
+    void wheelEvent(QWheelEvent* event) override { QApplication::sendEvent(edit.viewport(), event); }
+
+  private:
+    [[nodiscard]] static bool isAtEdge(int fromEdge) { return fromEdge < 5; }
+
+    LinesEdit& edit;
+    std::optional<int> dragStart;
+};
+
+// --- Making ---
+
+LinesEdit::LinesEdit(Describe describeLine) : describe(std::move(describeLine)), gutter(new Gutter(*this)) {
+    setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    setLineWrapMode(NoWrap);
+    setUndoRedoEnabled(false);
+    setTabChangesFocus(true);
+    setAcceptDrops(false);
+    setFrameShape(QFrame::NoFrame);
+    QTextOption option = document()->defaultTextOption();
+    option.setTextDirection(Qt::LeftToRight);
+    document()->setDefaultTextOption(option);
+    connect(document(), &QTextDocument::contentsChange, this,
+            [this](int position, int, int added) { noteChange(position, added); });
+    connect(this, &QPlainTextEdit::updateRequest, this, [this](const QRect& rect, int dy) {
+        if (dy != 0)
+            gutter->scroll(0, dy);
+        else
+            gutter->update(0, rect.y(), gutter->width(), rect.height());
+    });
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this, &LinesEdit::refresh);
+    connect(this, &QPlainTextEdit::blockCountChanged, this, &LinesEdit::arrangeGutter);
+    arrangeGutter();
+}
+
+LinesEdit::~LinesEdit() { disconnect(document(), nullptr, this, nullptr); }
+
+// --- Lines ---
+
+void LinesEdit::putLines(int first, const QStringList& texts) {
+    if (texts.isEmpty())
+        return;
+    const int last = first + static_cast<int>(texts.size()) - 1;
+    const int caretLine = currentLine();
+    const int column = textCursor().positionInBlock();
+    isPutting = true;
+    over(*document(), first, last).insertText(texts.join('\n'));
+    isPutting = false;
+    if (caretLine >= first && caretLine <= last) {
+        QTextCursor caret(document()->findBlockByNumber(caretLine));
+        caret.setPosition(caret.position() + std::min(column, caret.block().length() - 1));
+        setTextCursor(caret);
+    }
+}
+
+void LinesEdit::restart(const QStringList& texts) {
+    isPutting = true;
+    setPlainText(texts.join('\n'));
+    isPutting = false;
+}
+
+void LinesEdit::append(const QStringList& texts) {
+    if (texts.isEmpty())
+        return;
+    isPutting = true;
+    QTextCursor cursor(document());
+    cursor.movePosition(QTextCursor::End);
+    cursor.insertText('\n' + texts.join('\n'));
+    isPutting = false;
+}
+
+QString LinesEdit::line(int number) const { return document()->findBlockByNumber(number).text(); }
+
+int LinesEdit::lineCount() const { return document()->blockCount(); }
+
+std::pair<int, int> LinesEdit::selectedLines() const {
+    const QTextCursor cursor = textCursor();
+    return {document()->findBlock(cursor.selectionStart()).blockNumber(),
+            document()->findBlock(cursor.selectionEnd()).blockNumber()};
+}
+
+void LinesEdit::goTo(int line, int start, int length) {
+    const QTextBlock block = document()->findBlockByNumber(line);
+    if (!block.isValid())
+        return;
+    QTextCursor cursor(block);
+    cursor.setPosition(block.position() + start);
+    cursor.setPosition(block.position() + start + length, QTextCursor::KeepAnchor);
+    setTextCursor(cursor);
+    centerCursor();
+}
+
+void LinesEdit::refresh() {
+    viewport()->update();
+    gutter->update();
+}
+
+void LinesEdit::noteChange(int position, int added) {
+    if (!isPutting)
+        emit edited(document()->findBlock(position).blockNumber(),
+                    document()->findBlock(position + added).blockNumber());
+}
+
+// --- Editing ---
+
+bool LinesEdit::prepareEdit() {
+    const auto [first, last] = selectedLines();
+    if (isReadOnly() || (first == last && isLocked(first))) {
+        QApplication::beep();
+        return false;
+    }
+    if (first == last)
+        return true;
+    emit clearingWanted();
+    QTextCursor caret = textCursor();
+    caret.setPosition(caret.selectionStart());
+    setTextCursor(caret);
+    return !isReadOnly() && !isLocked(first);
+}
+
+/// Fields of text claim keys that mean something to them; these mean what they do all over the window.
+bool LinesEdit::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        for (const auto standard : {QKeySequence::Undo, QKeySequence::Redo})
+            if (key.matches(standard)) {
+                event->ignore();
+                return true;
+            }
+    }
+    return QPlainTextEdit::event(event);
+}
+
+void LinesEdit::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isUpOrDown = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
+    if (event->modifiers().testFlag(Qt::ControlModifier) && (isReturn || isUpOrDown)) {
+        event->ignore(); // means something to the page, or the window
+    } else if (event->matches(QKeySequence::Undo)) {
+        undo();
+    } else if (event->matches(QKeySequence::Redo)) {
+        redo();
+    } else if (isReturn || event->matches(QKeySequence::InsertLineSeparator)) {
+        moveToLine(currentLine() + 1);
+    } else if (event->matches(QKeySequence::Cut)) {
+        cut();
+    } else if (event->matches(QKeySequence::Paste)) {
+        paste();
+    } else if (handleDeletion(*event)) {
+        event->accept();
+    } else {
+        const QString text = event->text();
+        const bool isControl = !text.isEmpty() && text.front().category() == QChar::Other_Control;
+        const bool types = !text.isEmpty() && !isControl && event->modifiers() != Qt::ControlModifier;
+        if (text == "\t")
+            event->ignore();
+        else if (!types || prepareEdit())
+            QPlainTextEdit::keyPressEvent(event);
+    }
+}
+
+bool LinesEdit::handleDeletion(QKeyEvent& event) {
+    struct Deletion {
+        QKeySequence::StandardKey key;
+        QTextCursor::MoveOperation towards;
+    };
+    static constexpr std::array deletions{
+        Deletion{QKeySequence::Backspace, QTextCursor::PreviousCharacter},
+        Deletion{QKeySequence::DeleteStartOfWord, QTextCursor::PreviousWord},
+        Deletion{QKeySequence::Delete, QTextCursor::NextCharacter},
+        Deletion{QKeySequence::DeleteEndOfWord, QTextCursor::NextWord},
+        Deletion{QKeySequence::DeleteEndOfLine, QTextCursor::EndOfBlock},
+        Deletion{QKeySequence::DeleteCompleteLine, QTextCursor::NoMove},
+    };
+    const bool isBackspace = event.key() == Qt::Key_Backspace && !(event.modifiers() & ~Qt::ShiftModifier);
+    const auto found = std::ranges::find_if(deletions, [&](const Deletion& each) {
+        return event.matches(each.key) || (isBackspace && each.key == QKeySequence::Backspace);
+    });
+    if (found == deletions.end())
+        return false;
+    const auto [first, last] = selectedLines();
+    if (!prepareEdit() || first != last)
+        return true;
+    if (textCursor().hasSelection())
+        textCursor().removeSelectedText();
+    else
+        removeStretch(found->towards);
+    return true;
+}
+
+/// Up to the ends of the line and no further.
+void LinesEdit::removeStretch(QTextCursor::MoveOperation towards) {
+    QTextCursor cursor = textCursor();
+    const QTextBlock block = cursor.block();
+    const int start = block.position();
+    const int end = start + block.length() - 1;
+    if (towards == QTextCursor::NoMove) {
+        cursor.setPosition(start);
+        cursor.setPosition(end, QTextCursor::KeepAnchor);
+    } else {
+        cursor.movePosition(towards, QTextCursor::KeepAnchor);
+        cursor.setPosition(std::clamp(cursor.position(), start, end), QTextCursor::KeepAnchor);
+    }
+    cursor.removeSelectedText();
+}
+
+void LinesEdit::moveToLine(int line) {
+    const QTextBlock block = document()->findBlockByNumber(line);
+    if (block.isValid())
+        setTextCursor(QTextCursor(block));
+}
+
+void LinesEdit::inputMethodEvent(QInputMethodEvent* event) {
+    const bool changes = !event->commitString().isEmpty() || !event->preeditString().isEmpty();
+    if (!changes || prepareEdit())
+        QPlainTextEdit::inputMethodEvent(event);
+}
+
+void LinesEdit::cut() {
+    if (!textCursor().hasSelection())
+        return;
+    copy();
+    const auto [first, last] = selectedLines();
+    if (prepareEdit() && first == last)
+        textCursor().removeSelectedText();
+}
+
+void LinesEdit::paste() {
+    if (const QMimeData* content = QGuiApplication::clipboard()->mimeData())
+        insertFromMimeData(content);
+}
+
+bool LinesEdit::canInsertFromMimeData(const QMimeData* source) const { return source->hasText(); }
+
+void LinesEdit::insertFromMimeData(const QMimeData* source) {
+    const QString text = source->text();
+    if (isReadOnly() || text.isEmpty())
+        return;
+    const auto [first, last] = selectedLines();
+    const nameLines::Pasted single = nameLines::pasted(
+        {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())}, 1);
+    if (single.count > 1 || first != last)
+        emit linesPasted(first, text);
+    else if (single.count == 1 && prepareEdit())
+        textCursor().insertText(toQString(single.lines.front()));
+}
+
+void LinesEdit::contextMenuEvent(QContextMenuEvent* event) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const bool hasSelection = textCursor().hasSelection();
+    menu->addAction(tr("Cu&t"), this, &LinesEdit::cut)->setEnabled(hasSelection);
+    menu->addAction(tr("&Copy"), this, &QPlainTextEdit::copy)->setEnabled(hasSelection);
+    menu->addAction(tr("&Paste"), this, &LinesEdit::paste)->setEnabled(canPaste());
+    menu->addSeparator();
+    menu->addAction(tr("Select &All"), this, &QPlainTextEdit::selectAll);
+    menu->popup(event->globalPos());
+}
+
+// --- Painting ---
+
+void LinesEdit::forEachVisibleLine(const QRect& dirty,
+                                   const std::function<void(int, const QRectF&)>& visit) const {
+    QTextBlock block = firstVisibleBlock();
+    QRectF place = blockBoundingGeometry(block).translated(contentOffset());
+    while (block.isValid() && place.top() <= dirty.bottom()) {
+        if (place.bottom() >= dirty.top())
+            visit(block.blockNumber(), place);
+        block = block.next();
+        place = QRectF(place.left(), place.bottom(), place.width(), blockBoundingRect(block).height());
+    }
+}
+
+void LinesEdit::paintEvent(QPaintEvent* event) {
+    const WindowColours& colours = WindowColours::of(palette());
+    {
+        QPainter painter(viewport());
+        forEachVisibleLine(event->rect(), [&](int number, const QRectF& place) {
+            const QRectF whole(0, place.top(), viewport()->width(), place.height());
+            if (describe(number).isBad)
+                painter.fillRect(whole, colours.errorTint);
+            else if (number == currentLine())
+                painter.fillRect(whole, WindowColours::chosenGround(palette()));
+        });
+    }
+    QPlainTextEdit::paintEvent(event);
+    QPainter painter(viewport());
+    painter.setFont(QApplication::font());
+    forEachVisibleLine(event->rect(), [&](int number, const QRectF& place) {
+        const Line told = describe(number);
+        if (told.note.isEmpty())
+            return;
+        const double end =
+            place.left() + document()->documentMargin() + fontMetrics().horizontalAdvance(line(number));
+        painter.setPen(told.isBad ? colours.errorText : palette().color(QPalette::PlaceholderText));
+        painter.drawText(QRectF(end + 2.0 * gap, place.top(), viewport()->width(), place.height()),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, told.note);
+    });
+}
+
+void LinesEdit::paintGutter(QPainter& painter, const QRect& dirty) const {
+    const QFontMetrics metrics(QApplication::font());
+    painter.setFont(QApplication::font());
+    const int width = gutter->width();
+    const int numberWidth = width - widthOfItems - signSize - 4 * gap;
+    forEachVisibleLine(dirty, [&](int number, const QRectF& place) {
+        const Line told = describe(number);
+        const QRect row(0, static_cast<int>(place.top()), width, static_cast<int>(place.height()));
+        if (number == currentLine())
+            painter.fillRect(row, WindowColours::chosenGround(palette()));
+        const auto cell = [&](int left, int cellWidth) {
+            return QStyle::visualRect(layoutDirection(), row,
+                                      QRect(left, row.top(), cellWidth, row.height()));
+        };
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.drawText(cell(gap, numberWidth), Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
+                         locale().toString(number + 1));
+        painter.drawText(cell(numberWidth + 2 * gap, widthOfItems),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextForceLeftToRight,
+                         metrics.elidedText(told.item, Qt::ElideMiddle, widthOfItems));
+        GlyphIcon::paint(painter, cell(width - signSize - gap, signSize), told.glyph, told.glyphColour,
+                         isRightToLeft());
+    });
+    painter.setPen(palette().color(QPalette::Mid));
+    const int edge = isRightToLeft() ? 0 : width - 1;
+    painter.drawLine(edge, dirty.top(), edge, dirty.bottom());
+}
+
+void LinesEdit::setItemWidth(int width) {
+    widthOfItems = std::clamp(width, leastItemWidth, mostItemWidth);
+    arrangeGutter();
+}
+
+void LinesEdit::arrangeGutter() {
+    const int digits = static_cast<int>(QString::number(std::max(100, lineCount())).size());
+    const QFontMetrics metrics(QApplication::font());
+    const int width = digits * metrics.horizontalAdvance('0') + metrics.horizontalAdvance(',') +
+                      widthOfItems + signSize + 4 * gap;
+    const QRect room = contentsRect();
+    if (isRightToLeft())
+        setViewportMargins(0, 0, width, 0);
+    else
+        setViewportMargins(width, 0, 0, 0);
+    gutter->setGeometry(isRightToLeft() ? viewport()->geometry().right() + 1 : room.left(), room.top(), width,
+                        viewport()->height());
+    gutter->update();
+}
+
+void LinesEdit::resizeEvent(QResizeEvent* event) {
+    QPlainTextEdit::resizeEvent(event);
+    arrangeGutter();
+}
+
+void LinesEdit::changeEvent(QEvent* event) {
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange || event->type() == QEvent::ApplicationFontChange) {
+        setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        arrangeGutter();
+    }
+}
+
+} // namespace tavrin

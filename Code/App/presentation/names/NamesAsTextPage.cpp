@@ -1,0 +1,416 @@
+#include "presentation/names/NamesAsTextPage.h"
+
+#include "platform/propertylists/UserDefaults.h"
+#include "presentation/Buttons.h"
+#include "presentation/GlyphIcon.h"
+#include "presentation/MessageBars.h"
+#include "presentation/QtText.h"
+#include "presentation/Spoken.h"
+#include "presentation/names/LinesEdit.h"
+#include "presentation/names/ReplaceBar.h"
+#include "presentation/preview/NameDelegate.h"
+#include "presentation/preview/PreviewTableModel.h"
+#include "shell/MainController.h"
+#include "shell/names/NameLines.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QTextBlock>
+#include <QToolButton>
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int linesAtOnce = 500;
+constexpr std::chrono::milliseconds restAfterTyping(300);
+constexpr const char* widthKey = "textPageGutter";
+constexpr const char* tooManyLines = "tooManyLines";
+
+QString textOf(const PreviewList::Row& row) { return toQString(nameLines::lineOf(row.finalName).text); }
+
+} // namespace
+
+// --- Building ---
+
+NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel& shownModel,
+                                 MessageBars& messageBars)
+    : services(shared), controller(shared.controller), model(shownModel), bars(messageBars),
+      lines(new LinesEdit([this](int line) { return describe(line); })), replaceBar(new ReplaceBar(*lines)),
+      counts(new QLabel), work(shared.controller.runLoop()) {
+    setObjectName("namesAsTextPage");
+    lines->setObjectName("namesAsText");
+    lines->setAccessibleName(tr("New names, one a line"));
+    lines->setIsLocked([this](int line) { return isLocked(line); });
+    const int width = static_cast<int>(services.defaults.integerForKey(widthKey));
+    if (width > 0)
+        lines->setItemWidth(width);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(makeHead());
+    column->addWidget(replaceBar);
+    column->addWidget(lines, 1);
+    rest.setSingleShot(true);
+    rest.setInterval(restAfterTyping);
+    connect(&rest, &QTimer::timeout, this, &NamesAsTextPage::flush);
+    connect(lines, &LinesEdit::edited, this, &NamesAsTextPage::linesEdited);
+    connect(lines, &LinesEdit::linesPasted, this, &NamesAsTextPage::pasteLines);
+    connect(lines, &LinesEdit::clearingWanted, this, &NamesAsTextPage::clearSelection);
+    connect(lines, &LinesEdit::itemWidthChanged, this,
+            [this](int pixels) { services.defaults.setObject(widthKey, pixels); });
+    connect(lines, &LinesEdit::undoWanted, this, [this] {
+        finish();
+        emit undoWanted();
+    });
+    connect(lines, &LinesEdit::redoWanted, this, &NamesAsTextPage::redoWanted);
+    connect(lines, &QPlainTextEdit::cursorPositionChanged, this, &NamesAsTextPage::tellLine);
+    connect(replaceBar, &ReplaceBar::lineReplaced, this, [this](int line, const QString& text) {
+        changeLines(line, line, [text](int, const QString&) { return text; });
+    });
+    connect(replaceBar, &ReplaceBar::allReplaced, this, [this](const auto& replace) {
+        changeLines(0, lines->lineCount() - 1, [replace](int, const QString& line) { return replace(line); });
+    });
+}
+
+NamesAsTextPage::~NamesAsTextPage() = default;
+
+QLayout* NamesAsTextPage::makeHead() {
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(12, 8, 12, 8);
+    auto* back = new QPushButton(tr("‹ &Back to the List"));
+    back->setObjectName("backToList");
+    back->setFlat(true);
+    connect(back, &QPushButton::clicked, this, &NamesAsTextPage::close);
+    auto* title = new QLabel("<b>" + tr("Names as Text") + "</b>");
+    counts->setObjectName("textCounts");
+    counts->setForegroundRole(QPalette::PlaceholderText);
+    auto* discard = new QPushButton(tr("&Discard Edits"));
+    discard->setObjectName("discardEdits");
+    discard->setIcon(GlyphIcon::of(Glyph::undo));
+    discard->setFlat(true);
+    discard->setToolTip(tr("Names by hand become as they were when this page was opened"));
+    connect(discard, &QPushButton::clicked, this, [this] {
+        finish();
+        emit changing();
+        emptied.clear();
+        controller.handEdits().restore(before);
+    });
+    for (QPushButton* each : {back, discard})
+        each->setAutoDefault(false);
+    row->addWidget(back);
+    row->addWidget(title);
+    row->addWidget(counts);
+    row->addStretch(1);
+    row->addWidget(discard);
+    return row;
+}
+
+// --- Filling ---
+
+void NamesAsTextPage::open(int row) {
+    before = controller.handEdits().snapshot();
+    emptied.clear();
+    isOpened = true;
+    const std::vector<RowId>& rows = model.rowIds();
+    fill(rows[static_cast<std::size_t>(row)]);
+    lines->setFocus();
+}
+
+void NamesAsTextPage::close() {
+    if (!isOpened)
+        return;
+    finish();
+    isOpened = false;
+    bars.dismiss(tooManyLines);
+    emit closed(lines->currentLine());
+}
+
+void NamesAsTextPage::finish() {
+    if (!isOpened)
+        return;
+    flush();
+    work.finish();
+}
+
+/// In slices, each of which puts some lines behind those that are there.
+void NamesAsTextPage::fill(RowId current, int otherwise) {
+    work.drop();
+    shownIds = model.rowIds();
+    isEdited.assign(shownIds.size(), false);
+    editedLines.reset();
+    lines->setReadOnly(true);
+    lines->restart(textsOf(0, linesAtOnce));
+    work.begin([this, current, otherwise, next = linesAtOnce]() mutable {
+        lines->append(textsOf(next, linesAtOnce));
+        next += linesAtOnce;
+        if (next < lineCount())
+            return true;
+        lines->setReadOnly(false);
+        const auto place = std::ranges::find(shownIds, current);
+        lines->goTo(place == shownIds.end() ? otherwise : static_cast<int>(place - shownIds.begin()));
+        showCounts();
+        return false;
+    });
+}
+
+std::vector<PreviewList::Row> NamesAsTextPage::rowsOf(int first, int count) const {
+    const auto start = std::min(shownIds.size(), static_cast<std::size_t>(first));
+    return controller.nodeController().rowsWithIds(std::span(shownIds).subspan(
+        start, std::min(shownIds.size() - start, static_cast<std::size_t>(count))));
+}
+
+QStringList NamesAsTextPage::textsOf(int first, int count) const {
+    QStringList texts;
+    for (const PreviewList::Row& row : rowsOf(first, count))
+        texts.append(textOf(row));
+    return texts;
+}
+
+void NamesAsTextPage::rowsChanged() {
+    if (!isOpened)
+        return;
+    if (model.rowIds() == shownIds) {
+        updateLines();
+    } else {
+        const RowId current = currentRow();
+        flush();
+        if (isChanging)
+            work.finish();
+        fill(current, std::min(lines->currentLine(), model.rowCount() - 1));
+    }
+    lines->refresh();
+    showCounts();
+}
+
+/// Lines follow their rows, but for those in hand.
+void NamesAsTextPage::updateLines() {
+    work.begin([this, next = 0]() mutable {
+        for (const PreviewList::Row& row : rowsOf(next, linesAtOnce)) {
+            if (row.id != noRow && emptied.contains(row.id) &&
+                !controller.handEdits().pinnedName(row.fullPath).empty())
+                emptied.erase(row.id); // it was undone
+            const bool follows = !isEdited[static_cast<std::size_t>(next)] && !emptied.contains(row.id);
+            const QString text = follows ? textOf(row) : QString();
+            if (follows && text != lines->line(next))
+                lines->putLines(next, {text});
+            ++next;
+        }
+        return next < lineCount();
+    });
+}
+
+// --- What the user edits ---
+
+void NamesAsTextPage::linesEdited(int first, int last) {
+    if (!isOpened || lines->isReadOnly())
+        return;
+    noteEdited(first, last);
+    rest.start();
+}
+
+void NamesAsTextPage::noteEdited(int first, int last) {
+    last = std::min(last, lineCount() - 1);
+    for (int line = first; line <= last; ++line)
+        isEdited[static_cast<std::size_t>(line)] = true;
+    editedLines = editedLines
+                      ? std::pair(std::min(editedLines->first, first), std::max(editedLines->second, last))
+                      : std::pair(first, last);
+}
+
+/// Each line that was edited becomes a name by hand, or none where it is empty; long stretches in slices.
+void NamesAsTextPage::flush() {
+    rest.stop();
+    if (!editedLines)
+        return;
+    isChanging = true;
+    const auto [first, last] = *std::exchange(editedLines, std::nullopt);
+    work.begin([this, next = first, last, names = std::vector<NameByHand>()]() mutable {
+        for (const PreviewList::Row& row : rowsOf(next, std::min(linesAtOnce, last + 1 - next)))
+            settle(next++, row, names);
+        if (next <= last)
+            return true;
+        isChanging = false;
+        if (!names.empty()) {
+            emit changing();
+            (void)controller.handEdits().pin(std::move(names));
+        }
+        showCounts();
+        return false;
+    });
+}
+
+void NamesAsTextPage::settle(int line, const PreviewList::Row& row, std::vector<NameByHand>& names) {
+    const auto place = static_cast<std::size_t>(line);
+    if (!isEdited[place] || row.id == noRow)
+        return;
+    isEdited[place] = false;
+    const QString text = lines->line(line);
+    if (text.isEmpty())
+        emptied.insert(row.id);
+    else
+        emptied.erase(row.id);
+    if (text != textOf(row))
+        names.push_back({row.fullPath, fromQString(text)});
+}
+
+void NamesAsTextPage::changeLines(int first, int last, LineChange change) {
+    flush();
+    isChanging = true;
+    lines->setReadOnly(true);
+    work.begin([this, next = first, last, change = std::move(change)]() mutable {
+        QStringList texts;
+        const int start = next;
+        const int end = std::min(last + 1, next + linesAtOnce);
+        for (; next < end; ++next) {
+            const QString text = lines->line(next);
+            std::optional<QString> changed = isLocked(next) ? std::nullopt : change(next, text);
+            if (changed && *changed != text)
+                noteEdited(next, next);
+            texts.append(changed ? *changed : text);
+        }
+        lines->putLines(start, texts);
+        if (next <= last)
+            return true;
+        lines->setReadOnly(false);
+        isChanging = false;
+        flush();
+        return false;
+    });
+}
+
+void NamesAsTextPage::pasteLines(int first, const QString& text) {
+    const int room = lineCount() - first;
+    auto pasted = std::make_shared<nameLines::Pasted>(
+        nameLines::pasted(std::u16string_view(reinterpret_cast<const char16_t*>(text.utf16()),
+                                              static_cast<std::size_t>(text.size())),
+                          static_cast<std::size_t>(room)));
+    const auto put = [this, first, pasted] {
+        bars.dismiss(tooManyLines);
+        const int count = static_cast<int>(pasted->lines.size());
+        changeLines(first, first + count - 1, [first, pasted](int line, const QString&) {
+            return std::optional(toQString(pasted->lines[static_cast<std::size_t>(line - first)]));
+        });
+        Spoken::say(tr("1 line||%Ln lines", nullptr, count));
+    };
+    if (pasted->count <= static_cast<std::size_t>(room)) {
+        put();
+        return;
+    }
+    bars.present({.objectName = tooManyLines,
+                  .kind = BarMessage::Kind::warning,
+                  .bold = tr("The text has %L1 lines, %L2 fit from here.").arg(pasted->count).arg(room),
+                  .buttons = {{"pasteFitting", tr("Paste %L1").arg(room), put},
+                              {"cancelPaste", tr("Cancel"), [this] { bars.dismiss(tooManyLines); }}}});
+}
+
+/// Of each line that the selection touches what is selected goes.
+void NamesAsTextPage::clearSelection() {
+    const QTextCursor caret = lines->textCursor();
+    const auto [first, last] = lines->selectedLines();
+    const int start = caret.selectionStart() - lines->document()->findBlockByNumber(first).position();
+    const int end = caret.selectionEnd() - lines->document()->findBlockByNumber(last).position();
+    changeLines(first, last, [=](int line, const QString& text) {
+        const int from = line == first ? start : 0;
+        const auto to = line == last ? end : static_cast<int>(text.size());
+        return std::optional(text.left(from) + text.mid(to));
+    });
+}
+
+// --- What is told ---
+
+LinesEdit::Line NamesAsTextPage::describe(int line) const {
+    if (line >= model.rowCount() || line >= lineCount())
+        return {};
+    const PreviewList::Row& row = model.rowAt(line);
+    const NameDelegate::Sign sign =
+        NameDelegate::signOf(model.index(line, PreviewTableModel::state), palette());
+    LinesEdit::Line told{model.shownName(row.name), sign.glyph, sign.colour, {}};
+    if (emptied.contains(row.id) && lines->line(line).isEmpty())
+        told.note = tr("empty: the computed name “%1” is used").arg(model.shownName(row.finalName));
+    else if (const std::string_view locked = nameLines::lineOf(row.finalName).locked; !locked.empty())
+        told.note = tr(std::string(locked).c_str());
+    else
+        told.note =
+            model.index(line, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString();
+    told.isBad = row.problem != NameProblem::none;
+    return told;
+}
+
+void NamesAsTextPage::showCounts() {
+    const int byHand = static_cast<int>(controller.handEdits().pinned());
+    const QString all = tr("1 line||%Ln lines", nullptr, lineCount());
+    //: Two counts side by side: of lines, and of names by hand.
+    counts->setText(byHand == 0 ? all
+                                : tr("%1 · %2").arg(all, tr("1 by hand||%Ln by hand", nullptr, byHand)));
+}
+
+void NamesAsTextPage::tellLine() {
+    const int line = lines->currentLine();
+    if (line == std::exchange(toldLine, line) || !isOpened)
+        return;
+    emit lineChanged();
+    const LinesEdit::Line told = describe(line);
+    const QString words = told.note.isEmpty()
+                              ? tr("Line %L1, %2").arg(line + 1).arg(told.item)
+                              : tr("Line %L1, %2: %3").arg(line + 1).arg(told.item, told.note);
+    lines->setAccessibleDescription(words);
+    if (told.isBad)
+        Spoken::say(words);
+}
+
+// --- Going about ---
+
+void NamesAsTextPage::goToRow(int row) {
+    lines->goTo(row);
+    lines->setFocus();
+}
+
+int NamesAsTextPage::currentLine() const { return lines->currentLine(); }
+
+RowId NamesAsTextPage::currentRow() const {
+    const auto line = static_cast<std::size_t>(lines->currentLine());
+    return line < shownIds.size() ? shownIds[line] : noRow;
+}
+
+void NamesAsTextPage::openFind(bool withReplacement) { replaceBar->open(withReplacement); }
+
+void NamesAsTextPage::goToMatch(bool forward) { replaceBar->goToMatch(forward); }
+
+void NamesAsTextPage::goToChanged(bool forward) {
+    const std::vector<RowId> changing = controller.nodeController().changingIds();
+    const int count = lineCount();
+    for (int step = 1; step < count; ++step) {
+        const int line = ((lines->currentLine() + (forward ? step : -step)) % count + count) % count;
+        if (std::ranges::binary_search(changing, shownIds[static_cast<std::size_t>(line)])) {
+            lines->goTo(line);
+            return;
+        }
+    }
+}
+
+void NamesAsTextPage::keyPressEvent(QKeyEvent* event) {
+    const bool hasControl = event->modifiers() == Qt::ControlModifier;
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else if (hasControl && (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down))
+        goToChanged(event->key() == Qt::Key_Down);
+    else if (hasControl && event->key() == Qt::Key_H)
+        openFind(true);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+// --- Lines and names ---
+
+bool NamesAsTextPage::isLocked(int line) const {
+    return line >= model.rowCount() || !nameLines::lineOf(model.rowAt(line).finalName).locked.empty();
+}
+
+int NamesAsTextPage::lineCount() const { return static_cast<int>(shownIds.size()); }
+
+} // namespace tavrin
