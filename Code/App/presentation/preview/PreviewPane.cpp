@@ -19,7 +19,9 @@
 #include "presentation/preview/HandEditing.h"
 #include "presentation/preview/ListBar.h"
 #include "presentation/preview/NameDelegate.h"
+#include "presentation/preview/PreviewColumns.h"
 #include "presentation/preview/PreviewTableView.h"
+#include "presentation/preview/ProblemGuide.h"
 #include "presentation/preview/RowMap.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/StatusRow.h"
@@ -106,10 +108,11 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
       findBar(new FindBar(*view, *model, controller.renameEngine())), rowMap(new RowMap(*view, *model)),
       pages(new QStackedWidget), emptyView(new EmptyView), bars(new MessageBars),
       folderOffer(new FolderOffer(shared, *bars, this)), textPage(new NamesAsTextPage(shared, *model, *bars)),
-      statusRow(new StatusRow(controller)), longWork(controller.runLoop()),
-      sortingChip(new Chip("sortingChip", Glyph::close)) {
+      questionRows(controller, *pages, *view, *model), statusRow(new StatusRow(controller)),
+      longWork(controller.runLoop()), sortingChip(new Chip("sortingChip", Glyph::close)) {
     setObjectName("previewPane");
     buildTable();
+    makeProblemGuide();
     connectHands();
     connectTable();
     connectCommands();
@@ -158,14 +161,7 @@ void PreviewPane::buildTable() {
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setSectionsClickable(true);
     header->setMinimumSectionSize(20);
-    view->setColumnWidth(PreviewTableModel::tick, 30);
-    view->setColumnWidth(PreviewTableModel::icon, 40);
-    view->setColumnWidth(PreviewTableModel::state, 34);
-    view->setColumnHidden(PreviewTableModel::problem, true);
-    view->setColumnWidth(PreviewTableModel::problem, 220);
-    widthLimits[PreviewTableModel::problem] = {120, 600};
-    for (const int column : {PreviewTableModel::tick, PreviewTableModel::icon, PreviewTableModel::state})
-        header->setSectionResizeMode(column, QHeaderView::Fixed);
+    columns = std::make_unique<PreviewColumns>(*view);
 }
 
 void PreviewPane::connectHands() {
@@ -186,7 +182,8 @@ void PreviewPane::connectTable() {
     connect(view->horizontalHeader(), &QHeaderView::sectionClicked, this, &PreviewPane::sortByColumn);
     connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PreviewPane::selectionChanged);
-    connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &PreviewPane::tellProblem);
+    connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this] { problems->tell(); });
     connect(sortingChip, &Chip::clicked, this, [this] {
         controller.previewControl().endSorting();
         showSorting();
@@ -243,13 +240,27 @@ void PreviewPane::connectCommands() {
     connect(commands.moveRowDown, &QAction::triggered, this, [this] { moveSelection(false); });
 }
 
+void PreviewPane::makeProblemGuide() {
+    problems = std::make_unique<ProblemGuide>(
+        controller, *model, *bars,
+        ProblemGuide::Ways{.go = [this](bool forward) { goToProblem(forward); },
+                           .showOnlyProblems = [this] { setShow(Show::problems); },
+                           .leaveOut = [this] { hands->leaveOut(model->problems()); },
+                           .showOnlyDistinct =
+                               [this] {
+                                   showWhere(tr("Show: Made Distinct"),
+                                             [](const NodeRow& row) { return row.madeDistinct; });
+                               },
+                           .current = [this] { return currentPlace(); }});
+}
+
 void PreviewPane::connectTextPage() {
     connect(commands.namesAsText, &QAction::triggered, this, &PreviewPane::toggleTextPage);
     connect(&commands, &WindowCommands::runWanted, textPage, &NamesAsTextPage::finish);
     connect(textPage, &NamesAsTextPage::changing, hands, &HandEditing::expectChange);
     connect(textPage, &NamesAsTextPage::undoWanted, hands, &HandEditing::undo);
     connect(textPage, &NamesAsTextPage::redoWanted, hands, &HandEditing::redo);
-    connect(textPage, &NamesAsTextPage::lineChanged, this, &PreviewPane::tellProblem);
+    connect(textPage, &NamesAsTextPage::lineChanged, this, [this] { problems->tell(); });
     connect(textPage, &NamesAsTextPage::closed, this, [this](int row) {
         commands.namesAsText->setChecked(false);
         showPage();
@@ -317,41 +328,12 @@ void PreviewPane::applyRowHeight() {
 // --- What the application says ---
 
 void PreviewPane::setColumnWidth(PreviewColumn column, int minimum, int maximum, int width) {
-    const int section = PreviewTableModel::columnOf(column);
-    widthLimits[static_cast<std::size_t>(section)] = {minimum, maximum};
-    view->setColumnWidth(section, width);
+    columns->setWidth(column, minimum, maximum, width);
 }
 
-void PreviewPane::setColumnHidden(PreviewColumn column, bool hidden) {
-    view->setColumnHidden(PreviewTableModel::columnOf(column), hidden);
-}
+void PreviewPane::setColumnHidden(PreviewColumn column, bool hidden) { columns->setHidden(column, hidden); }
 
-/// The names share what the other columns leave, in the proportions that the user has given them and within
-/// their limits.
-void PreviewPane::sizeColumnsToFit() {
-    int left = view->viewport()->width();
-    int wanted = 0;
-    std::vector<int> flexible;
-    for (int column = 0; column < PreviewTableModel::columnCount_; ++column) {
-        if (view->isColumnHidden(column))
-            continue;
-        if (column == PreviewTableModel::currentName || column == PreviewTableModel::newName ||
-            column == PreviewTableModel::folder || column == PreviewTableModel::problem) {
-            flexible.push_back(column);
-            wanted += view->columnWidth(column);
-        } else
-            left -= view->columnWidth(column);
-    }
-    for (std::size_t i = 0; i < flexible.size(); ++i) {
-        const auto [minimum, maximum] = widthLimits[static_cast<std::size_t>(flexible[i])];
-        const int before = view->columnWidth(flexible[i]);
-        const int share = left * before / std::max(1, wanted);
-        const int width = std::clamp(share, std::max(40, minimum), std::max(minimum + 1, maximum));
-        view->setColumnWidth(flexible[i], width);
-        left -= width;
-        wanted -= before;
-    }
-}
+void PreviewPane::sizeColumnsToFit() { columns->fit(); }
 
 void PreviewPane::showPage() {
     QWidget* page = pageDue();
@@ -496,7 +478,7 @@ void PreviewPane::previewFinished() {
     model->runMarks().listWasRead();
     commands.showNotRenamed->setEnabled(model->runMarks().hasNotRenamed());
     listChanged();
-    countProblems();
+    problems->refresh();
     showPage();
     lookForChosen();
     sizeColumnsToFit();
@@ -571,87 +553,6 @@ void PreviewPane::pathsAdded(const std::vector<std::string>& paths) {
 
 void PreviewPane::setLow(bool isLow) { listBar->setLow(isLow); }
 
-// --- Problems ---
-
-void PreviewPane::countProblems() {
-    model->setProblems(controller.nodeController().problemIds());
-    {
-        StoreContext& context = controller.managedObjectContext();
-        const std::lock_guard lock(context.mutex());
-        madeDistinct = static_cast<std::size_t>(context.engineControl().numberOfNamesMadeDistinct);
-    }
-    showProblemBar();
-}
-
-/// How many items can't be renamed as shown, with the ways to them; else how many names were changed because
-/// they would have been the same. It stops nothing.
-void PreviewPane::showProblemBar() {
-    const std::size_t problems = model->problems().size();
-    BarMessage message;
-    message.objectName = "problemBar";
-    message.isLasting = true;
-    if (problems > 0) {
-        message.kind = BarMessage::Kind::failure;
-        message.bold = tr("1 item cannot be renamed as shown.||%Ln items cannot be renamed as shown.",
-                          nullptr, static_cast<int>(problems));
-        message.buttons = {
-            {"previousProblemButton", tr("↑"), [this] { goToProblem(false); },
-             tr("Previous problem (Shift+F8)")},
-            {"nextProblemButton", tr("↓"), [this] { goToProblem(true); }, tr("Next problem (F8)")},
-            {"showOnlyProblems", tr("Show Only These"), [this] { setShow(Show::problems); }}};
-        if (controller.handEdits().isAllowed())
-            message.buttons.push_back(
-                {"leaveOutProblems", tr("Leave These Out"), [this] { hands->leaveOut(model->problems()); }});
-
-    } else if (madeDistinct > 0) {
-        message.bold = tr("1 name was made distinct: it would have been the same as another.||%Ln names were "
-                          "made distinct: they would have been the same.",
-                          nullptr, static_cast<int>(madeDistinct));
-        message.buttons = {{"showOnlyDistinct", tr("Show Only These"), [this] {
-                                showWhere(tr("Show: Made Distinct"),
-                                          [](const NodeRow& row) { return row.madeDistinct; });
-                            }}};
-    } else {
-        bars->hideProblems();
-        return;
-    }
-    bars->showProblems(message);
-    tellProblem();
-}
-
-/// The reason of the row in hand, else which is the next with one.
-void PreviewPane::tellProblem() {
-    const std::size_t problems = model->problems().size();
-    if (problems == 0)
-        return;
-    const int current = view->currentIndex().row();
-    const bool isThis = current >= 0 && model->hasProblem(idAt(current));
-    const int row = isThis ? current : problemBehind(current, true);
-    QString told;
-    if (row >= 0) {
-        const PreviewList::Row& item = model->rowAt(row);
-        const QString reason = ShownName::note(item.note);
-        //: %1 is the reason why an item can't be renamed, as a part of a sentence
-        told = isThis ? tr("This one: %1.").arg(reason)
-                      //: %1 is the name of an item, %2 why it can't be renamed
-                      : tr("Next: %1, %2.").arg(model->shownName(item.name), reason);
-    }
-    bars->setProblemTexts(tr("1 item cannot be renamed as shown.||%Ln items cannot be renamed as shown.",
-                             nullptr, static_cast<int>(problems)),
-                          told);
-}
-
-int PreviewPane::problemBehind(int start, bool forward) const {
-    const std::vector<RowId>& rows = model->rowIds();
-    const int count = static_cast<int>(rows.size());
-    for (int step = 1; step <= count; ++step) {
-        const int row = ((forward ? start + step : start - step) % count + count) % count;
-        if (model->hasProblem(rows[static_cast<std::size_t>(row)]))
-            return row;
-    }
-    return -1;
-}
-
 QWidget& PreviewPane::listPages() { return *pages; }
 
 std::size_t PreviewPane::problemCount() const { return model->problems().size(); }
@@ -682,7 +583,7 @@ void PreviewPane::setShow(Show what) {
     textPage->rowsChanged();
     showPage();
     sizeColumnsToFit();
-    tellProblem();
+    problems->tell();
 }
 
 void PreviewPane::showWhere(const QString& label, std::function<bool(const NodeRow&)> isWanted) {
@@ -724,7 +625,7 @@ void PreviewPane::showChosen(std::vector<RowId> rows) {
 }
 
 void PreviewPane::goToProblem(bool forward) {
-    const int row = problemBehind(currentPlace(), forward);
+    const int row = problems->behind(currentPlace(), forward);
     if (row >= 0)
         goTo(row);
 }
@@ -739,49 +640,7 @@ void PreviewPane::goTo(int row) {
     view->setFocus();
 }
 
-// --- Questions ---
-
-QuestionCard::Place PreviewPane::questionPlace() {
-    return {*pages,
-            [this] {
-                QWidget* viewport = view->viewport();
-                return pages->currentWidget() == view
-                           ? QRect(viewport->mapTo(pages, QPoint()), viewport->size())
-                           : pages->rect();
-            },
-            [this](const std::string& path) { revealForQuestion(path); },
-            [this](const QuestionText::Rows& rows) { return rowsInView(rows); }};
-}
-
-/// Into the upper third, so that there is room for the card below.
-void PreviewPane::revealForQuestion(const std::string& path) {
-    const auto row = model->rowOf(controller.nodeController().rowWithPath(path));
-    if (!row)
-        return;
-    const QModelIndex index = model->index(*row, PreviewTableModel::currentName);
-    const int inView = view->viewport()->height() / std::max(1, view->rowHeight(*row));
-    const QRect place = view->visualRect(index);
-    if (place.top() >= 0 && place.bottom() < view->viewport()->height() / 3)
-        return;
-    view->scrollTo(model->index(std::max(0, *row - inView / 6), PreviewTableModel::currentName),
-                   QAbstractItemView::PositionAtTop);
-}
-
-std::vector<QRect> PreviewPane::rowsInView(const QuestionText::Rows& rows) const {
-    std::vector<QRect> places;
-    const QWidget* viewport = view->viewport();
-    if (pages->currentWidget() != view)
-        return places;
-    for (int row = view->rowAt(0); row >= 0 && row < model->rowCount(); ++row) {
-        const QRect place(0, view->rowViewportPosition(row), viewport->width(), view->rowHeight(row));
-        if (place.top() >= viewport->height())
-            break;
-        if (rows.hold(model->rowAt(row).fullPath))
-            places.push_back(place.translated(viewport->mapTo(pages, QPoint())) &
-                             QRect(viewport->mapTo(pages, QPoint()), viewport->size()));
-    }
-    return places;
-}
+QuestionCard::Place PreviewPane::questionPlace() { return questionRows.place(); }
 
 void PreviewPane::removeSelected() {
     const std::vector<RowId> selected = selection();

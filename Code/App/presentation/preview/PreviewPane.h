@@ -1,8 +1,8 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
-#include "presentation/cards/QuestionCard.h"
 #include "presentation/preview/PreviewTableModel.h"
+#include "presentation/preview/QuestionRows.h"
 #include "shell/asking/FrontEnd.h"
 #include "shell/preview/SlicedWork.h"
 
@@ -26,6 +26,8 @@ class ListBar;
 class FolderOffer;
 class MessageBars;
 class NamesAsTextPage;
+class PreviewColumns;
+class ProblemGuide;
 class ParameterBinding;
 class PreviewTableView;
 class RowMap;
@@ -97,6 +99,7 @@ class PreviewPane final : public QWidget {
   private:
     void buildTable();
     void connectHands();
+    void makeProblemGuide();
     void connectTextPage();
     void toggleTextPage();
     void connectTable();
@@ -105,10 +108,6 @@ class PreviewPane final : public QWidget {
     void applyRowHeight();
     void sortByColumn(int column);
     void showSorting();
-    void countProblems();
-    void showProblemBar();
-    void tellProblem();
-    [[nodiscard]] int problemBehind(int row, bool forward) const;
     void lookForChosen();
     void showChosen(std::vector<RowId> rows);
     /// Scrolls to what was added, if that is awaited and there.
@@ -131,8 +130,6 @@ class PreviewPane final : public QWidget {
     [[nodiscard]] QItemSelection placesOf(const std::vector<RowId>& selected) const;
     void goTo(int row);
     void goToFailed();
-    void revealForQuestion(const std::string& path);
-    [[nodiscard]] std::vector<QRect> rowsInView(const QuestionText::Rows& rows) const;
 
     const WindowServices services;
     MainController& controller;
@@ -150,6 +147,9 @@ class PreviewPane final : public QWidget {
     MessageBars* bars;
     FolderOffer* folderOffer;
     NamesAsTextPage* textPage;
+    std::unique_ptr<ProblemGuide> problems;
+    std::unique_ptr<PreviewColumns> columns;
+    QuestionRows questionRows;
     StatusRow* statusRow;
     SlicedWork longWork;
     QTimer scrollRest;
@@ -161,10 +161,8 @@ class PreviewPane final : public QWidget {
     std::optional<RowId> arrivalsBehind; ///< the last row that was there before
     std::function<bool(const NodeRow&)> isChosen;
     QString chosenLabel;
-    std::size_t madeDistinct = 0;
     std::unique_ptr<ParameterBinding> thumbnailBinding;
     std::shared_ptr<void> invisiblesObservation;
-    std::array<std::pair<int, int>, PreviewTableModel::columnCount_> widthLimits{};
 };
 
 } // namespace tavrin
