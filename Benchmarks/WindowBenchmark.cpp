@@ -10,6 +10,8 @@
 #include "engine/pipeline/RenameEngine.h"
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
+#include "presentation/history/HistoryWindow.h"
+#include "presentation/history/RunTable.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
 #include "shell/MainController.h"
@@ -19,6 +21,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -107,7 +112,7 @@ class WindowBenchmark {
 
     int run() {
         step("fill", [this] { application->open(paths); });
-        step("scroll from top to bottom", [this] { scroll(); });
+        step("scroll from top to bottom", [this] { scroll(*table); });
         step("changed parameter", [this] { current().setValue(std::u16string(u"Trip "), "prefix"); });
         step("sort order", [this] { current().setValue(11, "sortingMode"); });
         step("select all", [this] { table->selectAll(); });
@@ -154,6 +159,7 @@ class WindowBenchmark {
         step("move 1000 rows down", [this] { command("moveRowDown"); });
         step("copy 1000 rows", [this] { pane().copySelected(); });
         step("remove 1000 rows", [this] { command("removeFile"); });
+        lookAtHistory();
         step("all rows are problems", [this] {
             controller().globalSettings().setValue(2, settingKey::onConflict);
             controller().actionListCommands().chooseAction(
@@ -247,30 +253,75 @@ class WindowBenchmark {
                 Qt::QueuedConnection);
     }
 
+    /// The run that has renamed all rows, in the window of past runs.
+    void lookAtHistory() {
+        controller().globalSettings().setValue(0, "interactiveMode");
+        step("rename all rows", [this] { command("ok"); });
+        step("open the history", [this] { command("showHistory"); });
+        HistoryWindow* history = nullptr;
+        for (QWidget* window : QApplication::topLevelWidgets())
+            history = history ? history : qobject_cast<HistoryWindow*>(window);
+        auto* items = history->findChild<RunTable*>();
+        int changes = 0;
+        QObject::connect(items, &RunTable::looked, [&changes] { ++changes; });
+        QObject::connect(items->model(), &QAbstractItemModel::modelReset, [&changes] { ++changes; });
+        const auto stepWithChange = [&](const char* name, const std::function<void()>& work) {
+            changes = 0;
+            step(name, work, [&changes] { return changes > 0; });
+        };
+        stepWithChange("where its items are", [this] { command("showHistory"); });
+        step("scroll through them", [this, items] { scroll(*items); });
+        const auto sort = [items] { emit items->horizontalHeader()->sectionClicked(2); };
+        stepWithChange("sort them by new name", sort);
+        stepWithChange("sort them, turned", sort);
+        step("select them all", [items] { items->selectAll(); });
+        stepWithChange("where they are, all selected", [this] { command("showHistory"); });
+        step("copy them", [items] {
+            QKeyEvent key(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier);
+            QApplication::sendEvent(items, &key);
+        });
+        stepWithChange("filter them",
+                       [history] { history->findChild<QLineEdit*>("historyFilter")->setText("9"); });
+        stepWithChange("all of them",
+                       [history] { history->findChild<QLineEdit*>("historyFilter")->clear(); });
+        auto* count = history->findChild<QLabel*>("historyHitCount");
+        for (const char* text : {"trip", "no such name"}) {
+            const QString before = count->text();
+            step(
+                "find a name in all runs",
+                [&] { history->findChild<QLineEdit*>("historyFind")->setText(text); },
+                [&] { return count->text() != before; });
+        }
+        stepWithChange("take the run back", [this] { command("undoRename"); });
+        step("close the history", [history] { history->close(); });
+    }
+
     /// By events of their own, as the wheel does it.
-    void scroll() {
-        QScrollBar* bar = table->verticalScrollBar();
+    static void scroll(QTableView& view) {
+        QScrollBar* bar = view.verticalScrollBar();
         for (int value = 0; value <= bar->maximum(); value += std::max(1, bar->maximum() / 400))
             QMetaObject::invokeMethod(
                 bar, [bar, value] { bar->setValue(value); }, Qt::QueuedConnection);
     }
 
-    /// Until nothing has happened for a while.
-    void rest() {
+    /// Until nothing has happened for a while, and what was awaited has.
+    void rest(const std::function<bool()>& hasCome = [] { return true; }) {
         timed.lastWork.start();
         QTimer wake;
         wake.start(20);
-        while (timed.lastWork.elapsed() < restTime || controller().previewControl().isPreviewPending() ||
-               controller().renameEngine().isBusy())
+        while (timed.lastWork.elapsed() < restTime || !hasCome() ||
+               controller().previewControl().isPreviewPending() || controller().renameEngine().isBusy())
             QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
-    void step(const char* name, const std::function<void()>& work) {
+    void step(
+        const char* name, const std::function<void()>& work,
+        const std::function<bool()>& hasCome = [] { return true; }) {
         timed.longest = {};
         QElapsedTimer clock;
         clock.start();
         timed.measure("the command itself", work);
-        rest();
+        rest(hasCome);
         std::printf("%-38s %7.0f ms   longest event %6.1f ms, processor %6.1f ms%s  %s\n", name,
                     static_cast<double>(clock.elapsed() - restTime), timed.longest.time,
                     timed.longest.processor, timed.longest.processor > limit ? " !" : "  ",

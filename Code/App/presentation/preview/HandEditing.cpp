@@ -146,13 +146,11 @@ void HandEditing::connectCommands() {
 void HandEditing::buildChips() {
     const auto add = [this](Chip* chip, auto showOnly, const char* undoName, const QString& undoLabel,
                             auto undo) {
-        chip->hide();
         parts.statusRow.addChip(chip);
         auto* menu = new QMenu(chip);
         menu->addAction(tr("Show Only These"), this, showOnly);
         menu->addAction(undoLabel, this, undo)->setObjectName(undoName);
-        connect(chip, &Chip::clicked, this,
-                [chip, menu] { menu->popup(chip->mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
+        chip->setMenu(menu);
     };
     add(
         pinnedChip, [this] { emit showOnlyPinned(); }, "unpinAll", tr("Unpin All"),
@@ -266,12 +264,10 @@ void HandEditing::handEditsChanged() {
 void HandEditing::refreshChips() {
     const std::size_t pinned = known.named();
     const std::size_t leftOut = known.leftOut();
-    pinnedChip->setVisible(pinned > 0);
+    pinnedChip->setWanted(pinned > 0);
     pinnedChip->setText(tr("%L1 by hand").arg(pinned));
-    pinnedChip->updateGeometry();
-    leftOutChip->setVisible(leftOut > 0);
+    leftOutChip->setWanted(leftOut > 0);
     leftOutChip->setText(tr("%L1 left out").arg(leftOut));
-    leftOutChip->updateGeometry();
     const std::size_t rows = services.controller.nodeController().count();
     parts.header.setTicks(leftOut == 0      ? Qt::Checked
                           : leftOut >= rows ? Qt::Unchecked
