@@ -3,6 +3,7 @@
 #include "engine/naming/NameProblems.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 #include "engine/reading/FolderNotes.h"
+#include "platform/metadata/FileManager.h"
 
 namespace tavrin::test {
 namespace {
@@ -173,6 +174,45 @@ TEST(Problems, OfFoldersAreThoseOfTheRename) {
         ASSERT_EQ(bench.reports.size(), 1U);
         EXPECT_THAT(bench.reports.front().message, testing::HasSubstr(foreseen.at("f/a").problem->message));
     }
+}
+
+/// The one problem that is foreseen, which the rename has to tell in the same words.
+std::string problemBeforeAndAfter(RenameBench& bench, const std::string& name) {
+    bench.run<ResolveFileNameConflictsStage>();
+    const auto foreseen = finalNames(bench).at(name).problem;
+    bench.rename();
+    EXPECT_EQ(bench.reports.size(), 1U);
+    const std::string told = foreseen ? foreseen->message : "nothing";
+    if (!bench.reports.empty()) {
+        EXPECT_THAT(bench.reports.front().message, testing::HasSubstr(told));
+    }
+    return told;
+}
+
+TEST(Problems, OfPathsThatGetTooLong) {
+    RenameBench bench;
+    std::string deep;
+    while (bench.folder.path(deep).size() < longestPath - 300)
+        deep += std::string(200, 'd') + "/";
+    bench.make({deep, deep + "a", deep + "b"});
+    bench.read({std::string(200, 'd')});
+    const std::size_t left = longestPath - bench.folder.path(deep + "a").size() + 1;
+    ASSERT_LT(left, 255U);
+    bench.setFinalName(deep + "a", std::u16string(left, u'a'));
+    bench.setFinalName(deep + "b", std::u16string(left + 1, u'b'));
+    EXPECT_EQ(problemBeforeAndAfter(bench, deep + "b"), "Path too long: 4096 of 4095 bytes");
+    EXPECT_TRUE(bench.files().contains(deep + std::string(left, 'a')));
+}
+
+TEST(Problems, OfLockedFiles) {
+    RenameBench bench;
+    bench.plan("a>b c>d");
+    const FileManager files;
+    if (!files.lockFile(bench.folder.path("a")))
+        GTEST_SKIP() << "Files can't be locked here.";
+    EXPECT_EQ(problemBeforeAndAfter(bench, "a"), "It is locked against changes");
+    EXPECT_TRUE(files.unlockFile(bench.folder.path("a")));
+    EXPECT_EQ(bench.files(), tree("a d=c"));
 }
 
 } // namespace tavrin::test

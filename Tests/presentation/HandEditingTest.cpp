@@ -92,7 +92,7 @@ TEST_F(ByHand, ABadNameIsSaidToBeSoWhileItIsTyped) {
     editor().setText("..");
     EXPECT_EQ(hint(), "“.” and “..” cannot be names");
     editor().setText(QString(130, QChar(0xE9)));
-    EXPECT_EQ(hint(), "260 bytes, 255 fit");
+    waitForText("newNameHint", "260 bytes, 255 fit"); // which the disk says
     editor().setText("taken.txt");
     waitForText("newNameHint", "taken by a file not in the list");
     editor().setText("b.txt"); // of a row, so it may be free by then
@@ -130,6 +130,39 @@ TEST_F(ByHand, RowsAreLeftOutByTheirTicks) {
     waitForText("statusText", "No files selected.");
     UserDefaults::sharedInstance().setObject("showTickBoxes", false);
     waitUntil("the boxes are gone", [this] { return view().isColumnHidden(PreviewTableModel::tick); });
+}
+
+TEST_F(ByHand, WhatOthersDidIsSeenWhenTheWindowIsUsedAgain) {
+    startWithFour();
+    folder.remove("b.txt");
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    waitUntil("another window", [&] { return other.isActiveWindow(); });
+    waitUntil("the sign", [&] {
+        application->window().activateWindow();
+        if (state(1) == PreviewTableModel::State::problem)
+            return true;
+        other.activateWindow();
+        return false;
+    });
+    EXPECT_EQ(model().rowAt(1).note.sentence(), "no longer there");
+}
+
+TEST_F(ByHand, RowsThatAreReadAnewStayOnTheScreenMeanwhile) {
+    startWithFour();
+    EXPECT_EQ(model().rowAt(3).name, u"d.txt");
+    bool isGone = false;
+    controller().renameEngine().changeRows([&](StoreContext& context) -> std::function<void()> {
+        context.deleteNodes(100);
+        context.commit();
+        return [&] { isGone = true; };
+    });
+    waitUntil("an empty store", [&] { return isGone; });
+    model().handEditsChanged(); // asks for them once more
+    EXPECT_EQ(model().rowAt(3).name, u"d.txt");
+    controller().rereadList();
+    waitForNames({"Image_01.txt", "Image_02.txt", "Image_03.txt", "Image_04.txt"});
 }
 
 TEST_F(ByHand, AnOrderIsTakenBackToo) {

@@ -50,6 +50,7 @@ namespace tavrin {
 namespace {
 
 constexpr int narrowWidth = 860;
+constexpr qint64 restBetweenLooks = 2000;  // milliseconds
 constexpr int leastWidthOfBottomRow = 720; // for all its buttons
 constexpr int lowHeight = 560;
 constexpr int paneMargin = 12;
@@ -409,6 +410,15 @@ void MainWindow::progressChanged(std::string_view) {
 void MainWindow::addByDialog(bool folders) {
     asksForFolders = folders;
     shared.controller.showFileDialog();
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    const bool isDue = !lastLook.isValid() || lastLook.hasExpired(restBetweenLooks);
+    if (event->type() != QEvent::ActivationChange || !isActiveWindow() || isRunShown || !isDue)
+        return;
+    lastLook.start();
+    shared.controller.lookAgain();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

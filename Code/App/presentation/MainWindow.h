@@ -5,6 +5,7 @@
 #include "presentation/cards/QuestionCard.h"
 #include "shell/asking/FrontEnd.h"
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 #include <functional>
 #include <memory>
@@ -74,6 +75,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     [[nodiscard]] bool isAskingForFolders() const { return asksForFolders; }
 
   protected:
+    /// Others may have changed something while this was not the active window.
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     /// Of the list: its width is remembered.
@@ -106,6 +109,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     bool isPreviewDue = true;
     bool isMovingDivider = false;
     bool asksForFolders = false;
+    QElapsedTimer lastLook;                ///< at what others may have changed
     QStackedWidget* mainTabView = nullptr; ///< the bottom row, or the strip of a run
     QWidget* bottomRow = nullptr;
     bool isRunShown = false;

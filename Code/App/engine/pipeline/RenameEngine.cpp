@@ -84,6 +84,8 @@ void RenameEngine::startRenaming(ProgressInfo& progress, bool andContinue,
         if (ending)
             return;
         static_cast<void>(createRenamingPipeline(&progress, andContinue)->process());
+        if (andContinue)
+            SourceItemManager::sharedInstance().resetCache();
         onMainThread([](EngineHost& host) { host.stopProgressWindow(); });
         onMainThread(completion);
     });

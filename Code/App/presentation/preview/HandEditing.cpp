@@ -18,6 +18,7 @@
 #include <QAction>
 #include <QElapsedTimer>
 #include <QMenu>
+#include <QThreadPool>
 #include <QUndoStack>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -30,12 +31,23 @@ namespace {
 constexpr int mostUndos = 50;
 constexpr qint64 oneMove = 1000; ///< moves that follow each other so soon, in ms, are undone together
 constexpr int pictureSize = 256;
+constexpr std::size_t mostFreedAtOnce = 1000;
+
+/// Of a long list they take longer to free than the main thread may be held up.
+void discard(NamePins pins) {
+    if (pins.named() + pins.leftOut() > mostFreedAtOnce)
+        QThreadPool::globalInstance()->start([discarded = std::move(pins)] {});
+}
 
 /// Names and ticks as they were, and as they became.
 class PinsEdit final : public QUndoCommand {
   public:
     PinsEdit(HandEdits& handEdits, NamePins former, NamePins present)
         : edits(handEdits), before(std::move(former)), after(std::move(present)) {}
+    ~PinsEdit() override {
+        discard(std::move(before));
+        discard(std::move(after));
+    }
 
     void undo() override { edits.restore(before); }
     void redo() override {
@@ -242,6 +254,8 @@ void HandEditing::handEditsChanged() {
         if (known.named() > pinnedBefore)
             //: Spoken after a name was typed: the number of all that were
             Spoken::say(tr("by hand, %L1 now").arg(known.named()));
+    } else {
+        discard(std::move(before));
     }
     parts.model.handEditsChanged();
     refreshChips();

@@ -18,6 +18,7 @@
 #include <QValidator>
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <sys/stat.h>
 
 namespace tavrin {
@@ -25,7 +26,6 @@ namespace tavrin {
 namespace {
 
 constexpr std::chrono::milliseconds restBeforeLooking(200);
-constexpr qsizetype mostBytes = 255;
 constexpr int leastHintHeight = 24;
 
 /// Takes no more control characters than the name had.
@@ -108,6 +108,7 @@ void NewNameEditor::edit(int row) {
     setFocus(Qt::OtherFocusReason);
     part = -1;
     selectNextPart();
+    lookForLimit();
     judge();
 }
 
@@ -230,8 +231,34 @@ QString NewNameEditor::fault() const {
         return tr("cuts a character in two");
     if (text() == "." || text() == "..")
         return tr("“.” and “..” cannot be names");
-    const auto length = static_cast<qsizetype>(bytes->size());
-    return length > mostBytes ? tr("%L1 bytes, %L2 fit").arg(length).arg(mostBytes) : QString();
+    const std::size_t limit = volume.nameLimit;
+    const auto units = static_cast<std::size_t>(text().size());
+    if (limit == 0 || bytes->size() <= limit || (volume.countsUnits && units <= limit))
+        return {};
+    return volume.countsUnits ? tr("%L1 characters, %L2 fit").arg(units).arg(limit)
+                              : tr("%L1 bytes, %L2 fit").arg(bytes->size()).arg(limit);
+}
+
+/// How long a name may be in the row's folder. On another thread, as the next.
+void NewNameEditor::lookForLimit() {
+    const std::string folder(PathParts(edited.fullPath).folder);
+    if (folder == folderOfVolume)
+        return;
+    folderOfVolume = folder;
+    volume = {};
+    parts.engine.readRows([folder, editor = QPointer(this)](StoreContext&) -> std::function<void()> {
+        std::unique_ptr<OpenFolder> place;
+        VolumeFacts facts;
+        if (FileSystem::sharedInstance().openFolder(folder, place) != 0 || place->volume(facts) != 0)
+            return nullptr;
+        return [editor, folder, facts] {
+            if (!editor || editor->folderOfVolume != folder)
+                return;
+            editor->volume = facts;
+            if (editor->isEditing())
+                editor->judge();
+        };
+    });
 }
 
 void NewNameEditor::judge() {

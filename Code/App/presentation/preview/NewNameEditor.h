@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/files/FileSystem.h"
 #include "shell/preview/PreviewList.h"
 
 #include <QLineEdit>
 #include <QPointer>
 #include <QTimer>
 #include <functional>
+#include <string>
 
 class QLabel;
 
@@ -55,6 +57,7 @@ class NewNameEditor final : public QLineEdit {
     void selectNextPart();
     void judge();
     void lookForTaken();
+    void lookForLimit();
     void tell(const QString& words, bool isBad);
     /// What is wrong with the text whatever lies on the disk; empty when nothing is.
     [[nodiscard]] QString fault() const;
@@ -64,6 +67,8 @@ class NewNameEditor final : public QLineEdit {
     QTimer rest; ///< after the last key
     PreviewList::Row edited;
     QString before;
+    std::string folderOfVolume; ///< whose volume the next is; it may not be known yet
+    VolumeFacts volume;
     int part = 0;
 };
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace tavrin {
 
@@ -69,8 +70,8 @@ void PreviewTableModel::listChanged() {
 }
 
 void PreviewTableModel::repaintAll() {
-    pages.clear();
-    pagePlaces.clear();
+    for (auto& [number, page] : pages)
+        page.isStale = true;
     if (!ids.empty())
         emit dataChanged(index(0, 0), index(static_cast<int>(ids.size()) - 1, columnCount_ - 1));
 }
@@ -120,23 +121,32 @@ PreviewTableModel::Page& PreviewTableModel::pageOf(int row) const {
     const int number = row / rowsPerPage;
     if (const auto known = pagePlaces.find(number); known != pagePlaces.end()) {
         pages.splice(pages.begin(), pages, known->second);
-        return pages.front().second;
+    } else {
+        pages.emplace_front(number, Page{.rows = {}, .differences = {}, .isStale = true});
+        pagePlaces[number] = pages.begin();
     }
-    const auto first = static_cast<std::size_t>(number) * rowsPerPage;
-    Page page;
-    page.rows = services.controller.nodeController().rowsWithIds(
-        {ids.begin() + static_cast<std::ptrdiff_t>(first),
-         ids.begin() + static_cast<std::ptrdiff_t>(std::min(ids.size(), first + rowsPerPage))});
-    for (PreviewList::Row& each : page.rows)
-        applyHandEdits(each);
-    page.differences.resize(page.rows.size());
-    pages.emplace_front(number, std::move(page));
-    pagePlaces[number] = pages.begin();
+    if (pages.front().second.isStale)
+        read(number, pages.front().second);
     if (pages.size() > mostPages) {
         pagePlaces.erase(pages.back().first);
         pages.pop_back();
     }
     return pages.front().second;
+}
+
+void PreviewTableModel::read(int number, Page& page) const {
+    const auto first = static_cast<std::size_t>(number) * rowsPerPage;
+    const auto count = std::min<std::size_t>(rowsPerPage, ids.size() - first);
+    std::vector<PreviewList::Row> rows =
+        services.controller.nodeController().rowsWithIds(std::span(ids).subspan(first, count));
+    for (std::size_t i = 0; i < count; ++i)
+        if (rows[i].id != noRow)
+            applyHandEdits(rows[i]);
+        else if (i < page.rows.size())
+            rows[i] = std::move(page.rows[i]);
+    page.rows = std::move(rows);
+    page.differences.assign(count, std::nullopt);
+    page.isStale = false;
 }
 
 /// What has been settled since the last preview counts at once.

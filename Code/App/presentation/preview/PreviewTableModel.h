@@ -90,9 +90,13 @@ class PreviewTableModel final : public QAbstractTableModel {
     struct Page {
         std::vector<PreviewList::Row> rows;
         std::vector<std::optional<NameDifference>> differences;
+        bool isStale = false; ///< to be read again when it is next wanted
     };
 
     Page& pageOf(int row) const;
+    /// Rows that the store has no more stay as they were on the page: after a run all are read anew, and
+    /// until the list is there again nothing is to go blank.
+    void read(int number, Page& page) const;
     void applyHandEdits(PreviewList::Row& row) const;
     [[nodiscard]] const NameDifference& differenceAt(int row) const;
     [[nodiscard]] QString toolTip(const PreviewList::Row& row) const;

@@ -178,9 +178,6 @@ void SourceCommands::clearList() {
     preview.initiateDelayedPreviewUpdate();
 }
 
-void SourceCommands::reloadPreview() {
-    services.sourceItems.resetCache();
-    preview.initiateDelayedPreviewUpdate();
-}
+void SourceCommands::reloadPreview() { preview.initiateDelayedPreviewUpdate(); }
 
 } // namespace tavrin

@@ -34,10 +34,8 @@ class SourceCommands {
     [[nodiscard]] bool canRemove(const std::vector<RowId>& selection);
     /// Forgets all items, with the store that holds them.
     void clearList();
-    /// Has everything read anew.
+    /// Has everything read that is marked unread.
     void reloadPreview();
-    /// Begins other work on the rows, which is done in its turn.
-    void begin(SlicedWork::Step step) { work.begin(std::move(step)); }
     /// Does at once what is left to do.
     void finishWork() { work.finish(); }
 

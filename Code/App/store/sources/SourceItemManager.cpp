@@ -6,9 +6,11 @@
 #include "support/application/DebugLog.h"
 #include "support/text/PathParts.h"
 
+#include <algorithm>
 #include <mutex>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace tavrin {
 
@@ -122,11 +124,17 @@ bool SourceItemManager::isEmpty() {
 }
 
 void SourceItemManager::resetCache() {
+    constexpr std::size_t itemsAtOnce = 2000; // so that nobody waits long for the context
     StoreContext& context = mainContext();
-    std::scoped_lock lock(context.mutex());
-    for (const SourceItem& item : context.sourceItems())
-        context.setSourceItemRead(item.path, false, false);
-    context.commit();
+    std::unique_lock lock(context.mutex());
+    const std::vector<SourceItem> items = context.sourceItems();
+    for (std::size_t next = 0; next < items.size();) {
+        for (const std::size_t end = std::min(items.size(), next + itemsAtOnce); next < end; ++next)
+            context.setSourceItemRead(items[next].path, false, false);
+        context.commit();
+        lock.unlock();
+        lock.lock();
+    }
 }
 
 } // namespace tavrin
