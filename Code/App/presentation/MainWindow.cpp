@@ -205,6 +205,7 @@ void MainWindow::setRunShown(bool isShown) {
     } else {
         preview->endRun();
         setWindowTitle(ownTitle());
+        taskbar.show(std::nullopt);
     }
     mainTabView->setCurrentIndex(static_cast<int>(isShown ? MainTab::progress : MainTab::interface));
 }
@@ -403,6 +404,7 @@ void MainWindow::progressChanged(std::string_view) {
     const auto percent = strip->percent();
     //: Title of the window during a run
     setWindowTitle(percent ? tr("%L1 % – Tavrin").arg(*percent) : ownTitle());
+    taskbar.show(percent);
 }
 
 // --- What the user does ---

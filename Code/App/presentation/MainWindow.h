@@ -3,6 +3,7 @@
 #include "engine/pipeline/ProgressInfo.h"
 #include "presentation/WindowServices.h"
 #include "presentation/cards/QuestionCard.h"
+#include "presentation/run/TaskbarProgress.h"
 #include "shell/asking/FrontEnd.h"
 
 #include <QMainWindow>
@@ -115,6 +116,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     SettingsPane* settings = nullptr;
     PreviewPane* preview = nullptr;
     RunStrip* strip = nullptr;
+    TaskbarProgress taskbar;
     DropletRunWindow* dropletRunWindow = nullptr; ///< where this window is not shown
     QShortcut* closeKey = nullptr;
     QPushButton* createDropletButton = nullptr;
