@@ -24,8 +24,9 @@ TEST(Terminal, EachRenameIsAskedFor) {
     EXPECT_EQ(workplace.run("ls").output, "A\nC\nD\nE\nb\n");
 }
 
-/// What ends a run in the middle of a question: an answer, the end of the input, an interrupt.
-TEST(Terminal, AStopEndsTheRunAndTellsWhatWasDone) {
+/// What ends a run in the middle of a question: an answer, the end of the input, an interrupt. A redo does
+/// what it has left, and an undo then takes all of it back.
+TEST(Terminal, AStopEndsTheRunAndTellsWhatWasDoneAndARedoFinishesIt) {
     for (void (*stop)(TerminalSession&) : {+[](TerminalSession& session) { session.type("stop\n"); },
                                            +[](TerminalSession& session) { session.type("\x04"); },
                                            +[](TerminalSession& session) { session.interrupt(); }}) {
@@ -40,6 +41,10 @@ TEST(Terminal, AStopEndsTheRunAndTellsWhatWasDone) {
         EXPECT_EQ(session.end(), 3);
         EXPECT_THAT(session.screen(), HasSubstr("1 file name was changed."));
         EXPECT_EQ(workplace.run("ls").output, "A\nb\nc\n");
+        EXPECT_EQ(workplace.run("tvrn history | cut -f 4-5; tvrn redo && ls").output,
+                  "rename\tstopped\n2 file names were changed.\nA\nB\nC\n");
+        EXPECT_EQ(workplace.run("tvrn redo; tvrn undo && ls").output,
+                  "3 file names were changed.\na\nb\nc\n");
     }
 }
 

@@ -123,6 +123,33 @@ TEST_F(HistoryWindowTest, ShowsItemsSortedAndFilteredCopiesThemAndForgets) {
     waitFor("historyEmpty");
 }
 
+TEST_F(HistoryWindowTest, FindsNamesOfAllRunsAndShowsTheRunOfAHitWithItsLikes) {
+    renameToUpperCase({"pear", "plum", "fig"});
+    trigger("undoRename");
+    waitUntil("the old names", [this] { return filesOnDisk() == Names{"fig", "pear", "plum"}; });
+    waitUntilIdle();
+    openHistory();
+    auto* field = find<QLineEdit>("historyFind");
+    QTest::keyClicks(field, "P");
+    const auto isSaid = [this](const char* text) { return find<QLabel>("historyHitCount")->text() == text; };
+    waitUntil("both runs", [&] { return isSaid("4 names found"); });
+    QTest::keyClick(field, Qt::Key_Down);
+    auto* hits = find<QListView>("historyHits");
+    for (int line = 0; line < 3; ++line) // past the head of the older run
+        QTest::keyClick(hits, Qt::Key_Down);
+    EXPECT_EQ(hits->currentIndex().data(), "plum, renamed to PLUM");
+    QTest::keyClick(hits, Qt::Key_Return);
+    waitUntil("the older run",
+              [this] { return items().rowCount() == 2 && item(1, 3) == "has the old name"; });
+    EXPECT_EQ(find<QLineEdit>("historyFilter")->text(), "P");
+    EXPECT_EQ(find<QTableView>("historyItems")->currentIndex().siblingAtColumn(2).data(), "PLUM");
+    QTest::keyClicks(field, "x");
+    waitUntil("nothing", [&] { return isSaid("No run has this name."); });
+    QTest::keyClick(field, Qt::Key_Escape);
+    EXPECT_TRUE(find("historyRuns")->isVisible());
+    EXPECT_TRUE(find("historyWindow")->isVisible());
+}
+
 TEST_F(HistoryWindowTest, TellsAtTheStartOfARunThatWasCutOffAndFinishesItAndShowsAnotherProcessRunning) {
     renameToUpperCase({"a", "b"});
     const std::string record = history().runs().front().path;

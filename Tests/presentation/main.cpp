@@ -1,3 +1,5 @@
+#include "presentation/EnglishPlurals.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -14,6 +16,8 @@ int main(int argc, char** argv) {
     screens.close();
     qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screens.fileName().toLocal8Bit());
     const QApplication application(argc, argv);
+    tavrin::EnglishPlurals plurals;
+    QCoreApplication::installTranslator(&plurals);
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setQuitOnLastWindowClosed(false);
     return RUN_ALL_TESTS();

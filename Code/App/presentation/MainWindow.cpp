@@ -372,8 +372,7 @@ void MainWindow::refreshRenameButton() {
     else if (isPreviewDue || count <= 0)
         okButton->setText(tr("&Rename"));
     else
-        okButton->setText(
-            counted(static_cast<std::size_t>(count), tr("&Rename 1 Item"), tr("&Rename %L1 Items")));
+        okButton->setText(tr("&Rename 1 Item||&Rename %Ln Items", nullptr, count));
     arrangeBottomRow();
     refreshCommands();
 }

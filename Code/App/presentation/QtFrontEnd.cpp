@@ -165,8 +165,8 @@ void QtFrontEnd::tellNamesStayBehind() {
         return;
     BarMessage message;
     message.objectName = "namesStayBehind";
-    message.bold = counted(pinned, MessageBars::tr("1 name by hand is not part of it."),
-                           MessageBars::tr("%L1 names by hand are not part of it."));
+    message.bold = MessageBars::tr("1 name by hand is not part of it.||%Ln names by hand are not part of it.",
+                                   nullptr, static_cast<int>(pinned));
     window->previewPane().messageBars().present(message);
 }
 

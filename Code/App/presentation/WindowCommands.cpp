@@ -58,8 +58,7 @@ bool hasSourceItems(MainController& controller) {
 
 /// "Undo Rename (487 Names, “Lofoten”)".
 QString withDetails(const QString& command, const UndoCommands::Next& next) {
-    const QString count = counted(static_cast<std::size_t>(next.count), WindowCommands::tr("1 Name"),
-                                  WindowCommands::tr("%L1 Names"));
+    const QString count = WindowCommands::tr("1 Name||%Ln Names", nullptr, static_cast<int>(next.count));
     const QString place = RunWords::shortened(RunWords::place(next.folder, next.folderCount), longestFolder);
     const QString quoted = next.folderCount > 1 ? place : WindowCommands::tr("“%1”").arg(place);
     //: An entry of a menu, and how many names it is about, or where they are.

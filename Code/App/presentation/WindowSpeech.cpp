@@ -18,10 +18,10 @@ constexpr qint64 millisecondsBetweenReports = 10000;
 QString timeLeftText(qint64 seconds) {
     constexpr qint64 minute = 60;
     if (seconds < 2 * minute)
-        return counted(static_cast<std::size_t>(std::max<qint64>(1, seconds)),
-                       WindowSpeech::tr("about 1 second left"), WindowSpeech::tr("about %L1 seconds left"));
-    return counted(static_cast<std::size_t>(seconds / minute), WindowSpeech::tr("about 1 minute left"),
-                   WindowSpeech::tr("about %L1 minutes left"));
+        return WindowSpeech::tr("about 1 second left||about %Ln seconds left", nullptr,
+                                static_cast<int>(std::max<qint64>(1, seconds)));
+    return WindowSpeech::tr("about 1 minute left||about %Ln minutes left", nullptr,
+                            static_cast<int>(seconds / minute));
 }
 
 } // namespace
@@ -77,7 +77,7 @@ void WindowSpeech::runChanged(bool isRunning, std::size_t items) {
     runTime.start();
     tick.start();
     if (items > 0)
-        Spoken::say(counted(items, tr("Renaming 1 item"), tr("Renaming %L1 items")));
+        Spoken::say(tr("Renaming 1 item||Renaming %Ln items", nullptr, static_cast<int>(items)));
 }
 
 QString WindowSpeech::progressText(int done, int total, qint64 milliseconds) {

@@ -130,8 +130,9 @@ void PresetDialog::saveAsPreset(QWidget* parent, const WindowServices& services)
     PresetsManager& manager = services.controller.presetsManager();
     auto* window = new PresetWindow(parent, manager, u"Untitled", u"", true);
     if (const std::size_t pinned = services.controller.handEdits().pinned(); pinned > 0)
-        window->addRemark(counted(pinned, PresetWindow::tr("1 name by hand is not part of it."),
-                                  PresetWindow::tr("%L1 names by hand are not part of it.")));
+        window->addRemark(
+            PresetWindow::tr("1 name by hand is not part of it.||%Ln names by hand are not part of it.",
+                             nullptr, static_cast<int>(pinned)));
     window->setSave([&manager](const std::u16string& name, const std::u16string& description) {
         manager.createPresetsFolders(); // somebody may have removed them
         return manager.createPresetFromCurrentActionsWithName(name, description);

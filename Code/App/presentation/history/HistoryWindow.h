@@ -1,29 +1,22 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
-#include "presentation/history/HistoryValues.h"
+#include "presentation/history/LatestWork.h"
+#include "presentation/history/NameSearch.h"
 #include "presentation/history/RunChoices.h"
-#include "presentation/history/RunItems.h"
 
-#include <QThreadPool>
 #include <QWidget>
-#include <atomic>
-#include <memory>
 #include <string>
 
-class QAction;
 class QLabel;
 class QLineEdit;
-class QListView;
-class QPushButton;
 class QStackedWidget;
-class QTableView;
 
 namespace tavrin {
 
-class MenuButton;
-class ProminentButton;
-class RunListModel;
+class RunButtons;
+class RunTable;
+class RunsPane;
 
 /// The past runs, their items and what has become of these, with the ways to undo, redo, finish and forget
 /// them. Everything is read by workers, and looked at again whenever the window becomes active. Object name
@@ -33,7 +26,6 @@ class HistoryWindow final : public QWidget {
 
   public:
     explicit HistoryWindow(const WindowServices& shared);
-    ~HistoryWindow() override;
 
     /// Comes up with this run chosen; empty: the one that was, or the newest.
     void showRun(const std::string& run);
@@ -51,67 +43,45 @@ class HistoryWindow final : public QWidget {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    QWidget* buildLeft();
-    QWidget* buildRight();
-    QWidget* buildButtons();
-    QWidget* buildEmpty();
-    void buildTable();
+    void makeParts();
+    void makeLabels();
+    void connectButtons();
+    QWidget* layOutRun();
+    QWidget* layOutHalves();
+    QWidget* makeEmptyPage();
 
-    void runsRead(std::vector<ShownRun> runs);
-    void choose(const QModelIndex& index);
-    void readItems();
-    void look();
-    void arrange();
-    /// Works on a thread of the pool and hands the result to `then` on the main thread, unless another
-    /// request of the same kind has come meanwhile.
-    template <typename Work, typename Then> void inBackground(int& newest, Work work, Then then);
-
-    [[nodiscard]] const ShownRun* chosen() const;
-    [[nodiscard]] RunChoices choices() const;
+    void runsRead(std::vector<ShownRun> read);
+    void choose();
+    void chooseHit(const NamesFound::Hit& hit, const std::string& run, const QString& text);
     void describe();
-    void present(QPushButton& button, RunChoice choice);
+    [[nodiscard]] QString detailsOf(const ShownRun& run) const;
+    /// Null until its items are on their way.
+    [[nodiscard]] const ShownRun* chosen() const;
+
     void perform(RunChoice choice);
     void forget();
-    void forgetAllSettled();
-    void reveal();
-    void withText(bool onlySelected, std::function<void(const QString&)> then);
+    void askToForgetAll();
     void copyText(bool onlySelected);
     void exportText();
-    void sizeColumns();
-    void describeLimits();
+    void write(const QString& text, const std::string& path);
     void applyColours();
     [[nodiscard]] std::string folder() const;
 
     const WindowServices services;
-    RunListModel* runs;
-    RunItemsModel* items;
-    RunItemsModel::Arrangement arrangement;
     std::string wanted;    ///< the run to choose when the list is there
     std::string chosenRun; ///< its name
-    std::shared_ptr<std::atomic<bool>> isLookUnwanted = std::make_shared<std::atomic<bool>>(false);
-    bool areColumnsOwn = false; ///< the user has made them as wide as they are
-    bool isSizingColumns = false;
-    int newestList = 0;
-    int newestItems = 0;
-    int newestOrder = 0;
-    int newestText = 0;
-    int newestCommand = 0;
+    QString filterToBe;    ///< of the table, for the next run that is chosen
 
     QStackedWidget* pages;
-    QListView* list;
-    QTableView* table;
+    RunsPane* left;
+    RunTable* table;
+    RunButtons* buttons;
     QLineEdit* filter;
     QLabel* head;
     QLabel* details;
     QLabel* summary;
-    QLabel* foot;
-    QPushButton* forgetButton;
-    QPushButton* revealButton;
-    QPushButton* copyButton;
-    QPushButton* otherButton;
-    ProminentButton* mainButton;
-    MenuButton* moreButton;
-    QThreadPool threads; ///< the last to be made, the first to end
+    LatestWork listing;
+    LatestWork commands;
 };
 
 } // namespace tavrin

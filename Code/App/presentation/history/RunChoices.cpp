@@ -69,9 +69,11 @@ QString RunChoices::labelOf(RunChoice choice, bool withCount) const {
     const std::size_t count = withCount ? possible(choice) : 0;
     switch (choice) {
     case RunChoice::undo:
-        return count == 0 ? tr("&Undo") : counted(count, tr("&Undo 1 Name"), tr("&Undo %L1 Names"));
+        return count == 0 ? tr("&Undo")
+                          : tr("&Undo 1 Name||&Undo %Ln Names", nullptr, static_cast<int>(count));
     case RunChoice::redo:
-        return count == 0 ? tr("&Redo") : counted(count, tr("&Redo 1 Name"), tr("&Redo %L1 Names"));
+        return count == 0 ? tr("&Redo")
+                          : tr("&Redo 1 Name||&Redo %Ln Names", nullptr, static_cast<int>(count));
     case RunChoice::finish:
         return tr("F&inish");
     case RunChoice::none:
@@ -86,10 +88,11 @@ QString RunChoices::extentOf(RunChoice choice) const {
     const auto some = [&](const QString& form) { return form.arg(number(count), number(count + lost)); };
     if (choice == RunChoice::undo)
         return lost > 0 ? some(tr("%1 of %2 names can be undone."))
-                        : counted(count, tr("The name can be undone."), tr("All %L1 names can be undone."));
-    return lost > 0
-               ? some(tr("%1 of %2 names can be given again."))
-               : counted(count, tr("The name can be given again."), tr("All %L1 names can be given again."));
+                        : tr("The name can be undone.||All %Ln names can be undone.", nullptr,
+                             static_cast<int>(count));
+    return lost > 0 ? some(tr("%1 of %2 names can be given again."))
+                    : tr("The name can be given again.||All %Ln names can be given again.", nullptr,
+                         static_cast<int>(count));
 }
 
 QString RunChoices::sentenceOfInterrupted() const {
@@ -98,8 +101,8 @@ QString RunChoices::sentenceOfInterrupted() const {
     const std::size_t standIns = contents.count(ItemNow::standIn);
     return standIns == 0 ? changed
                          : changed + ' ' +
-                               counted(standIns, tr("1 file has a temporary name."),
-                                       tr("%L1 files have a temporary name."));
+                               tr("1 file has a temporary name.||%Ln files have a temporary name.", nullptr,
+                                  static_cast<int>(standIns));
 }
 
 QString RunChoices::sentence() const {
@@ -110,7 +113,8 @@ QString RunChoices::sentence() const {
     if (run.run.hasBegunNothing)
         return tr("This run had not changed anything.");
     if (!contents.isLookedAt)
-        return counted(run.items, tr("Looking where 1 file is now…"), tr("Looking where %L1 files are now…"));
+        return tr("Looking where 1 file is now…||Looking where %Ln files are now…", nullptr,
+                  static_cast<int>(run.items));
     if (contents.isFolderMissing)
         return tr("The folder is not there now.");
     if (contents.isFolderAnother)
@@ -123,8 +127,9 @@ QString RunChoices::sentence() const {
         return tr("There is nothing left to undo or to redo.");
     return lost == 0 ? extentOf(main)
                      : extentOf(main) + ' ' +
-                           counted(lost, tr("1 item is no longer as the run left it."),
-                                   tr("%L1 items are no longer as the run left them."));
+                           tr("1 item is no longer as the run left it.||%Ln items are no longer as the run "
+                              "left them.",
+                              nullptr, static_cast<int>(lost));
 }
 
 } // namespace tavrin

@@ -2,6 +2,7 @@
 
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
+#include "presentation/history/NameSearch.h"
 #include "presentation/history/RunWords.h"
 #include "presentation/preview/ShownName.h"
 #include "support/text/Text.h"
@@ -51,8 +52,7 @@ RunItemsModel::Order RunItemsModel::arranged(const RunContents& contents, const 
     if (!how.filter.isEmpty())
         std::erase_if(order, [&](std::uint32_t place) {
             const RunContents::Item& item = contents.items[place];
-            return !shownName(item.oldName).contains(how.filter, Qt::CaseInsensitive) &&
-                   !shownName(item.newName).contains(how.filter, Qt::CaseInsensitive);
+            return !isNamed(item.oldName, item.newName, how.filter);
         });
     if (how.column <= pictureColumn)
         return order;

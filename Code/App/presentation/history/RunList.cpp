@@ -3,6 +3,7 @@
 #include "presentation/GlyphIcon.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
+#include "presentation/history/RunLine.h"
 #include "presentation/history/RunWords.h"
 
 #include <QLocale>
@@ -14,11 +15,7 @@ namespace tavrin {
 
 namespace {
 
-constexpr int margin = 12;
-constexpr int signSize = 16;
-constexpr int textStart = margin + signSize + 10;
 constexpr int chipPadding = 8;
-constexpr int accentWidth = 3;
 
 Glyph glyphOf(const ShownRun& run) {
     if (RunListModel::chipOf(run).tone == RunListModel::Tone::warning || !run.run.problem.empty())
@@ -60,7 +57,7 @@ int paintChip(QPainter& painter, const QRect& row, const RunListModel::Chip& chi
     const QFontMetrics metrics(painter.font());
     const int width = metrics.horizontalAdvance(chip.text) + 2 * chipPadding;
     const int height = metrics.height() + 4;
-    const QRect place(row.right() - margin - width + 1, row.top() + 6, width, height);
+    const QRect place(row.right() - RunLine::margin - width + 1, row.top() + 6, width, height);
     const QRect seen = QStyle::visualRect(direction, row, place);
     const ChipColours colours = coloursOf(chip.tone, palette);
     painter.setPen(Qt::NoPen);
@@ -68,7 +65,7 @@ int paintChip(QPainter& painter, const QRect& row, const RunListModel::Chip& chi
     painter.drawRoundedRect(seen, height / 2.0, height / 2.0);
     painter.setPen(colours.text);
     painter.drawText(seen, Qt::AlignCenter, chip.text);
-    return width + margin;
+    return width + RunLine::margin;
 }
 
 } // namespace
@@ -137,13 +134,13 @@ QString RunListModel::countOf(const ShownRun& run) {
                  QLocale().toString(static_cast<qulonglong>(run.items)));
     switch (run.run.heading.what) {
     case RunKind::rename:
-        return counted(count, tr("1 name"), tr("%L1 names"));
+        return tr("1 name||%Ln names", nullptr, static_cast<int>(count));
     case RunKind::undo:
-        return counted(count, tr("1 name undone"), tr("%L1 names undone"));
+        return tr("1 name undone||%Ln names undone", nullptr, static_cast<int>(count));
     case RunKind::redo:
         break;
     }
-    return counted(count, tr("1 name redone"), tr("%L1 names redone"));
+    return tr("1 name redone||%Ln names redone", nullptr, static_cast<int>(count));
 }
 
 QString RunListModel::detailsOf(const ShownRun& run) {
@@ -167,16 +164,14 @@ RunListModel::Chip RunListModel::chipOf(const ShownRun& run) {
     if (run.run.end && run.run.end->wasStopped && !run.run.isFinished)
         return {tr("Stopped"), Tone::plain};
     if (run.run.end && run.run.end->failed > 0)
-        return {counted(static_cast<std::size_t>(run.run.end->failed), tr("1 not renamed"),
-                        tr("%L1 not renamed")),
+        return {tr("1 not renamed||%Ln not renamed", nullptr, static_cast<int>(run.run.end->failed)),
                 Tone::failure};
     return {};
 }
 
 QSize RunDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    const int line = option.fontMetrics.height();
     const auto* model = qobject_cast<const RunListModel*>(index.model());
-    return {200, model && model->runAt(index) ? 2 * line + 16 : line + 14};
+    return {200, model && model->runAt(index) ? RunLine::heightOfTwo(option) : RunLine::heightOfHead(option)};
 }
 
 void RunDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -185,54 +180,33 @@ void RunDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setFont(option.font);
     const auto* model = qobject_cast<const RunListModel*>(index.model());
-    if (const ShownRun* run = model ? model->runAt(index) : nullptr) {
+    if (const ShownRun* run = model ? model->runAt(index) : nullptr)
         paintRun(*painter, option, *run);
-    } else {
-        painter->setPen(option.palette.color(QPalette::PlaceholderText));
-        painter->drawText(option.rect.adjusted(margin, 4, -margin, 0),
-                          Qt::AlignVCenter | QStyle::visualAlignment(option.direction, Qt::AlignLeft),
-                          index.data().toString());
-    }
+    else
+        RunLine(*painter, option).paintHead(index.data().toString());
     painter->restore();
 }
 
 void RunDelegate::paintRun(QPainter& painter, const QStyleOptionViewItem& option, const ShownRun& run) {
-    const QRect& row = option.rect;
-    const bool isChosen = option.state.testFlag(QStyle::State_Selected);
-    const auto seen = [&](const QRect& place) { return QStyle::visualRect(option.direction, row, place); };
-    const auto alignment = QStyle::visualAlignment(option.direction, Qt::AlignLeft) | Qt::AlignVCenter;
-    if (isChosen) {
-        painter.fillRect(row, WindowColours::chosenGround(option.palette));
-        painter.fillRect(seen({row.left(), row.top(), accentWidth, row.height()}),
-                         WindowColours::accentOf(option.palette));
-    }
-    const int line = option.fontMetrics.height();
-    const QRect sign(row.left() + margin, row.top() + 8 + (line - signSize) / 2, signSize, signSize);
+    const RunLine line(painter, option);
+    line.paintGround();
     const RunListModel::Chip chip = RunListModel::chipOf(run);
     const Glyph glyph = glyphOf(run);
-    GlyphIcon::paint(painter, seen(sign), glyph,
+    GlyphIcon::paint(painter, line.placeOfSign(0), glyph,
                      glyph == Glyph::problem ? coloursOf(chip.tone, option.palette).text
                                              : WindowColours::accentOf(option.palette),
                      option.direction == Qt::RightToLeft);
-    const int chipWidth = paintChip(painter, row, chip, option.palette, option.direction);
-    const int width = row.width() - textStart - margin;
+    const int chipWidth = paintChip(painter, option.rect, chip, option.palette, option.direction);
     QFont strong = option.font;
-    if (isChosen)
+    if (option.state.testFlag(QStyle::State_Selected))
         strong.setWeight(QFont::DemiBold);
     painter.setFont(strong);
-    painter.setPen(option.palette.color(QPalette::Text));
-    painter.drawText(
-        seen({row.left() + textStart, row.top() + 8, width - chipWidth, line}), alignment,
-        QFontMetrics(strong).elidedText(RunListModel::countOf(run), Qt::ElideRight, width - chipWidth));
+    line.paintText(0, RunListModel::countOf(run), option.palette.color(QPalette::Text), Qt::ElideRight,
+                   chipWidth);
     painter.setFont(option.font);
-    painter.setPen(option.palette.color(QPalette::PlaceholderText));
-    painter.drawText(seen({row.left() + textStart, row.top() + 8 + line, width, line}), alignment,
-                     option.fontMetrics.elidedText(RunListModel::detailsOf(run), Qt::ElideMiddle, width));
-    if (option.state.testFlag(QStyle::State_HasFocus)) {
-        painter.setPen(WindowColours::accentOf(option.palette));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRect(row.adjusted(0, 0, -1, -1));
-    }
+    line.paintText(1, RunListModel::detailsOf(run), option.palette.color(QPalette::PlaceholderText),
+                   Qt::ElideMiddle);
+    line.paintFocus();
 }
 
 } // namespace tavrin

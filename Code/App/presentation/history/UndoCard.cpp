@@ -13,7 +13,9 @@ namespace tavrin {
 
 namespace {
 
-QString tr(const char* text, const char* note = nullptr) { return UndoCard::tr(text, note); }
+QString tr(const char* text, const char* note = nullptr, int count = -1) {
+    return UndoCard::tr(text, note, count);
+}
 
 enum class Verb { undo, redo, finish };
 
@@ -71,13 +73,13 @@ QString headOf(const UndoQuestion& question) {
 QString labelOf(const UndoQuestion& question) {
     switch (verbOf(question)) {
     case Verb::undo:
-        return counted(question.possible, tr("&Undo 1 Name"), tr("&Undo %L1 Names"));
+        return tr("&Undo 1 Name||&Undo %Ln Names", nullptr, static_cast<int>(question.possible));
     case Verb::redo:
-        return counted(question.possible, tr("&Redo 1 Name"), tr("&Redo %L1 Names"));
+        return tr("&Redo 1 Name||&Redo %Ln Names", nullptr, static_cast<int>(question.possible));
     case Verb::finish:
         break;
     }
-    return counted(question.possible, tr("&Finish 1 Name"), tr("&Finish %L1 Names"));
+    return tr("&Finish 1 Name||&Finish %Ln Names", nullptr, static_cast<int>(question.possible));
 }
 
 const char* objectNameOf(Verb verb) {
@@ -108,13 +110,13 @@ BarMessage UndoCard::barOf(const InterruptedRun& run, std::function<void(Interru
     const QString form = run.what == RunKind::undo ? tr("An undo of %1 in “%2” was interrupted.")
                                                    : tr("A rename of %1 in “%2” was interrupted.");
     const QLocale locale;
-    QString changed =
-        counted(run.total, tr("1 name was to be changed."), tr("%2 of %L1 names had been changed."));
+    QString changed = tr("1 name was to be changed.||%2 of %Ln names had been changed.", nullptr,
+                         static_cast<int>(run.total));
     if (run.total > 1)
         changed = changed.arg(locale.toString(static_cast<qulonglong>(run.changed)));
     if (run.withTemporaryName > 0)
-        changed += ' ' + counted(run.withTemporaryName, tr("1 file has a temporary name."),
-                                 tr("%L1 files have a temporary name."));
+        changed += ' ' + tr("1 file has a temporary name.||%Ln files have a temporary name.", nullptr,
+                            static_cast<int>(run.withTemporaryName));
     const auto gives = [answer](InterruptedRunAnswer given) { return [answer, given] { answer(given); }; };
     using enum InterruptedRunAnswer;
     return {.objectName = barName,

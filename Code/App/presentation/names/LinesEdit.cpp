@@ -157,8 +157,9 @@ void LinesEdit::goTo(int line, int start, int length) {
     if (!block.isValid())
         return;
     QTextCursor cursor(block);
-    cursor.setPosition(block.position() + start);
-    cursor.setPosition(block.position() + start + length, QTextCursor::KeepAnchor);
+    const int end = block.length() - 1;
+    cursor.setPosition(block.position() + std::min(start, end));
+    cursor.setPosition(block.position() + std::min(start + length, end), QTextCursor::KeepAnchor);
     setTextCursor(cursor);
     centerCursor();
 }

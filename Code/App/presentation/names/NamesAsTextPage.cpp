@@ -43,6 +43,7 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
       lines(new LinesEdit([this](int line) { return describe(line); })), replaceBar(new ReplaceBar(*lines)),
       counts(new QLabel), work(shared.controller.runLoop()) {
     setObjectName("namesAsTextPage");
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored); // it takes the room of the list
     lines->setObjectName("namesAsText");
     lines->setAccessibleName(tr("New names, one a line"));
     lines->setIsLocked([this](int line) { return isLocked(line); });
@@ -82,6 +83,7 @@ NamesAsTextPage::~NamesAsTextPage() = default;
 QLayout* NamesAsTextPage::makeHead() {
     auto* row = new QHBoxLayout;
     row->setContentsMargins(12, 8, 12, 8);
+    row->setSpacing(8);
     auto* back = new QPushButton(tr("‹ &Back to the List"));
     back->setObjectName("backToList");
     back->setFlat(true);
@@ -135,6 +137,7 @@ void NamesAsTextPage::finish() {
         return;
     flush();
     work.finish();
+    controller.handEdits().finish();
 }
 
 /// In slices, each of which puts some lines behind those that are there.

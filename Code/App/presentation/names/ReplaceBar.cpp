@@ -121,32 +121,35 @@ ReplaceBar::ReplaceBar(LinesEdit& text)
         connect(made, &QToolButton::clicked, this, effect);
         return made;
     };
-    auto* replaceRow = new QHBoxLayout(replacePart);
-    replaceRow->setContentsMargins(0, 0, 0, 0);
-    replaceRow->addWidget(label(tr("Replace &with:"), replaceField));
-    replaceRow->addWidget(replaceField, 1);
     auto* one = new QPushButton(tr("Re&place"));
     one->setObjectName("replaceOne");
     auto* all = new QPushButton(tr("&All"));
     all->setObjectName("replaceAll");
-    for (QPushButton* each : {one, all}) {
+    for (QPushButton* each : {one, all})
         each->setAutoDefault(false);
-        replaceRow->addWidget(each);
-    }
     connect(one, &QPushButton::clicked, this, &ReplaceBar::replaceThis);
     connect(all, &QPushButton::clicked, this, &ReplaceBar::replaceAll);
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(12, 0, 12, 8);
-    row->addWidget(label(tr("&Find:"), findField));
-    row->addWidget(findField, 1);
-    row->addWidget(caseButton);
-    row->addWidget(patternButton);
-    row->addWidget(result);
-    row->addWidget(
-        button("textPreviousMatch", Glyph::up, tr("Previous match"), [this] { goToMatch(false); }));
-    row->addWidget(button("textNextMatch", Glyph::down, tr("Next match"), [this] { goToMatch(true); }));
-    row->addWidget(replacePart, 1);
-    row->addWidget(button("closeReplaceBar", Glyph::close, tr("Close"), [this] { close(); }));
+    const auto fillRow = [](QHBoxLayout& row, std::initializer_list<QWidget*> widgets) {
+        row.setContentsMargins(0, 0, 0, 0);
+        for (QWidget* widget : widgets)
+            row.addWidget(widget, qobject_cast<QLineEdit*>(widget) ? 1 : 0);
+    };
+    QLabel* findLabel = label(tr("&Find:"), findField);
+    QLabel* replaceLabel = label(tr("Replace &with:"), replaceField);
+    const int labelWidth = std::max(findLabel->sizeHint().width(), replaceLabel->sizeHint().width());
+    for (QLabel* each : {findLabel, replaceLabel})
+        each->setMinimumWidth(labelWidth);
+    auto* findRow = new QHBoxLayout;
+    fillRow(*findRow,
+            {findLabel, findField, caseButton, patternButton, result,
+             button("textPreviousMatch", Glyph::up, tr("Previous match"), [this] { goToMatch(false); }),
+             button("textNextMatch", Glyph::down, tr("Next match"), [this] { goToMatch(true); }),
+             button("closeReplaceBar", Glyph::close, tr("Close"), [this] { close(); })});
+    fillRow(*new QHBoxLayout(replacePart), {replaceLabel, replaceField, one, all});
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(12, 0, 12, 8);
+    column->addLayout(findRow);
+    column->addWidget(replacePart);
     connect(findField, &QLineEdit::textChanged, this, &ReplaceBar::searchChanged);
     connect(caseButton, &QToolButton::toggled, this, &ReplaceBar::searchChanged);
     connect(patternButton, &QToolButton::toggled, this, &ReplaceBar::searchChanged);
@@ -253,8 +256,8 @@ void ReplaceBar::showCount() {
         //: Which of the places found this is; "…" where they are still being counted.
         result->setText((isCounting ? tr("%L1 of %L2…") : tr("%L1 of %L2")).arg(matchesBefore).arg(matches));
     else
-        result->setText(isCounting ? counted(matches, tr("1 match…"), tr("%L1 matches…"))
-                                   : counted(matches, tr("1 match"), tr("%L1 matches")));
+        result->setText(isCounting ? tr("1 match…||%Ln matches…", nullptr, static_cast<int>(matches))
+                                   : tr("1 match||%Ln matches", nullptr, static_cast<int>(matches)));
 }
 
 // --- Going and replacing ---

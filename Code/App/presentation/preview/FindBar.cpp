@@ -235,8 +235,8 @@ void FindBar::tell() {
             result->setText(areAll ? tr("%L1 of %L2").arg(place).arg(count)
                                    : tr("%L1 of %L2…").arg(place).arg(count));
         else
-            result->setText(areAll ? counted(matches.size(), tr("1 match"), tr("%L1 matches"))
-                                   : counted(matches.size(), tr("1 match…"), tr("%L1 matches…")));
+            result->setText(areAll ? tr("1 match||%Ln matches", nullptr, static_cast<int>(matches.size()))
+                                   : tr("1 match…||%Ln matches…", nullptr, static_cast<int>(matches.size())));
     }
     result->setPalette(colours);
     if (result->accessibleName() != result->text())

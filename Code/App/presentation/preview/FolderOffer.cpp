@@ -37,14 +37,14 @@ QString whatItHolds(std::size_t folders, std::size_t count, bool areFiles) {
                       : FolderOffer::tr("They hold more than %L1 items."))
             .arg(mostCounted);
     if (areFiles)
-        return isOne ? counted(count, FolderOffer::tr("It holds 1 file."),
-                               FolderOffer::tr("It holds %L1 files."))
-                     : counted(count, FolderOffer::tr("They hold 1 file."),
-                               FolderOffer::tr("They hold %L1 files."));
-    return isOne ? counted(count, FolderOffer::tr("It holds 1 folder."),
-                           FolderOffer::tr("It holds %L1 folders."))
-                 : counted(count, FolderOffer::tr("They hold 1 folder."),
-                           FolderOffer::tr("They hold %L1 folders."));
+        return isOne ? FolderOffer::tr("It holds 1 file.||It holds %Ln files.", nullptr,
+                                       static_cast<int>(count))
+                     : FolderOffer::tr("They hold 1 file.||They hold %Ln files.", nullptr,
+                                       static_cast<int>(count));
+    return isOne ? FolderOffer::tr("It holds 1 folder.||It holds %Ln folders.", nullptr,
+                                   static_cast<int>(count))
+                 : FolderOffer::tr("They hold 1 folder.||They hold %Ln folders.", nullptr,
+                                   static_cast<int>(count));
 }
 
 } // namespace

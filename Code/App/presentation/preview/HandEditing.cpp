@@ -187,8 +187,8 @@ void HandEditing::toggle(const std::vector<RowId>& rows) {
     const auto path = services.controller.nodeController().pathOf(rows.front());
     if (!path)
         return;
-    const bool takesPart = !edits.takesPart(*path);
     expectChange();
+    const bool takesPart = !edits.takesPart(*path);
     edits.setTakesPart(rows, takesPart);
     Spoken::say(takesPart ? tr("ticked") : tr("left out"));
 }
@@ -218,11 +218,20 @@ void HandEditing::showTickBoxes() {
 
 // --- Both ---
 
-void HandEditing::undo() { stack->undo(); }
+void HandEditing::undo() {
+    services.controller.handEdits().finish();
+    stack->undo();
+}
 
-void HandEditing::redo() { stack->redo(); }
+void HandEditing::redo() {
+    services.controller.handEdits().finish();
+    stack->redo();
+}
 
-void HandEditing::expectChange() { isChangeExpected = true; }
+void HandEditing::expectChange() {
+    services.controller.handEdits().finish(); // a change under way is told first
+    isChangeExpected = true;
+}
 
 void HandEditing::handEditsChanged() {
     HandEdits& edits = services.controller.handEdits();

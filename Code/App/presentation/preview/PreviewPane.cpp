@@ -388,14 +388,15 @@ bool PreviewPane::explainHiddenItems() {
     const std::size_t files = count(Predicate::isFalse(NodeKey::treatAsFolder));
     const std::size_t folders = count(Predicate::isTrue(NodeKey::treatAsFolder));
     if (files > 0)
-        emptyView->say(counted(files, tr("1 file is hidden because Files is off."),
-                               tr("%L1 files are hidden because Files is off.")),
-                       tr("Show Files"), [this] { controller.globalSettings().setShouldProcessFiles(1); });
+        emptyView->say(
+            tr("1 file is hidden because Files is off.||%Ln files are hidden because Files is off.", nullptr,
+               static_cast<int>(files)),
+            tr("Show Files"), [this] { controller.globalSettings().setShouldProcessFiles(1); });
     else if (folders > 0)
-        emptyView->say(counted(folders, tr("1 folder is hidden because Folders is off."),
-                               tr("%L1 folders are hidden because Folders is off.")),
-                       tr("Show Folders"),
-                       [this] { controller.globalSettings().setShouldProcessFolders(1); });
+        emptyView->say(
+            tr("1 folder is hidden because Folders is off.||%Ln folders are hidden because Folders is off.",
+               nullptr, static_cast<int>(folders)),
+            tr("Show Folders"), [this] { controller.globalSettings().setShouldProcessFolders(1); });
     return files + folders > 0;
 }
 
@@ -591,8 +592,8 @@ void PreviewPane::showProblemBar() {
     message.isLasting = true;
     if (problems > 0) {
         message.kind = BarMessage::Kind::failure;
-        message.bold = counted(problems, tr("1 item cannot be renamed as shown."),
-                               tr("%L1 items cannot be renamed as shown."));
+        message.bold = tr("1 item cannot be renamed as shown.||%Ln items cannot be renamed as shown.",
+                          nullptr, static_cast<int>(problems));
         message.buttons = {
             {"previousProblemButton", tr("↑"), [this] { goToProblem(false); },
              tr("Previous problem (Shift+F8)")},
@@ -603,9 +604,9 @@ void PreviewPane::showProblemBar() {
                 {"leaveOutProblems", tr("Leave These Out"), [this] { hands->leaveOut(model->problems()); }});
 
     } else if (madeDistinct > 0) {
-        message.bold =
-            counted(madeDistinct, tr("1 name was made distinct: it would have been the same as another."),
-                    tr("%L1 names were made distinct: they would have been the same."));
+        message.bold = tr("1 name was made distinct: it would have been the same as another.||%Ln names were "
+                          "made distinct: they would have been the same.",
+                          nullptr, static_cast<int>(madeDistinct));
         message.buttons = {{"showOnlyDistinct", tr("Show Only These"), [this] {
                                 showWhere(tr("Show: Made Distinct"),
                                           [](const NodeRow& row) { return row.madeDistinct; });
@@ -635,8 +636,8 @@ void PreviewPane::tellProblem() {
                       //: %1 is the name of an item, %2 why it can't be renamed
                       : tr("Next: %1, %2.").arg(model->shownName(item.name), reason);
     }
-    bars->setProblemTexts(counted(problems, tr("1 item cannot be renamed as shown."),
-                                  tr("%L1 items cannot be renamed as shown.")),
+    bars->setProblemTexts(tr("1 item cannot be renamed as shown.||%Ln items cannot be renamed as shown.",
+                             nullptr, static_cast<int>(problems)),
                           told);
 }
 

@@ -211,9 +211,10 @@ void StatusRow::showRun(const std::optional<std::size_t>& failed, bool isWaiting
     if (isWaiting)
         runText->setText(tr("Waiting for your answer."));
     else
-        runText->setText(*failed == 0 ? tr("Nothing has failed so far.")
-                                      : counted(*failed, tr("1 item was not renamed so far."),
-                                                tr("%L1 items were not renamed so far.")));
+        runText->setText(*failed == 0
+                             ? tr("Nothing has failed so far.")
+                             : tr("1 item was not renamed so far.||%Ln items were not renamed so far.",
+                                  nullptr, static_cast<int>(*failed)));
     //: Of an item that was not renamed
     showFailed->setText(*failed == 1 ? tr("Sho&w It") : tr("Sho&w the Next"));
     showFailed->setVisible(*failed > 0);

@@ -11,7 +11,9 @@ namespace tavrin {
 
 namespace {
 
-QString tr(const char* text) { return RunReportText::tr(text); }
+QString tr(const char* text, const char* note = nullptr, int count = -1) {
+    return RunReportText::tr(text, note, count);
+}
 
 BarMessage::Kind kindOf(const RunReport& report) {
     if (report.notRenamed > 0)
@@ -23,7 +25,8 @@ BarMessage::Kind kindOf(const RunReport& report) {
 
 QString headOf(const RunReport& report) {
     if (report.what == RunKind::undo && report.changed > 0)
-        return counted(report.changed, tr("1 file name is as before."), tr("%L1 file names are as before."));
+        return tr("1 file name is as before.||%Ln file names are as before.", nullptr,
+                  static_cast<int>(report.changed));
     return toQString(report.summary);
 }
 
@@ -31,17 +34,18 @@ QString headOf(const RunReport& report) {
 QString restOf(const RunReport& report) {
     QStringList sentences;
     if (report.notRenamed > 0 && report.what == RunKind::undo)
-        sentences += counted(report.notRenamed, tr("1 name could not be undone."),
-                             tr("%L1 names could not be undone."));
+        sentences += tr("1 name could not be undone.||%Ln names could not be undone.", nullptr,
+                        static_cast<int>(report.notRenamed));
     else if (report.notRenamed > 0)
-        sentences +=
-            counted(report.notRenamed, tr("1 item was not renamed."), tr("%L1 items were not renamed."));
+        sentences += tr("1 item was not renamed.||%Ln items were not renamed.", nullptr,
+                        static_cast<int>(report.notRenamed));
     if (report.wasStopped && report.untouched > 0 && !report.wasClosed)
-        sentences += counted(report.untouched, tr("Stopped: 1 item still has its old name."),
-                             tr("Stopped: %L1 items still have their old names."));
+        sentences +=
+            tr("Stopped: 1 item still has its old name.||Stopped: %Ln items still have their old names.",
+               nullptr, static_cast<int>(report.untouched));
     else if (report.wasStopped && report.untouched > 0)
-        sentences += counted(report.untouched, tr("1 item still has its old name."),
-                             tr("%L1 items still have their old names."));
+        sentences += tr("1 item still has its old name.||%Ln items still have their old names.", nullptr,
+                        static_cast<int>(report.untouched));
     return sentences.join(' ');
 }
 

@@ -151,7 +151,7 @@ void ActionSearchField::showHits() {
     }
     hits->setCurrentRow(0);
     setAccessibleDescription(
-        counted(static_cast<std::size_t>(hits->count()), tr("1 action found"), tr("%L1 actions found")));
+        tr("1 action found||%Ln actions found", nullptr, static_cast<int>(hits->count())));
     Spoken::sayAtRest(text().trimmed().isEmpty() ? QString() : accessibleDescription());
     if (hits->count() == 0) {
         hideHits();

@@ -69,9 +69,9 @@ PanelNote place(const BaseRenameAction& action, std::string_view positionKey, st
         return {isFromEnd ? NoteLabel::tr("at the end") : NoteLabel::tr("at the start")};
     const auto count = static_cast<std::size_t>(position);
     return {isFromEnd
-                ? counted(count, NoteLabel::tr("before the last character"),
-                          NoteLabel::tr("before the last %1 characters"))
-                : counted(count, NoteLabel::tr("after 1 character"), NoteLabel::tr("after %1 characters"))};
+                ? NoteLabel::tr("before the last character||before the last %n characters", nullptr,
+                                static_cast<int>(count))
+                : NoteLabel::tr("after 1 character||after %n characters", nullptr, static_cast<int>(count))};
 }
 
 } // namespace

@@ -38,7 +38,7 @@ HandNamesEntry::HandNamesEntry(const WindowServices& shared)
 
 void HandNamesEntry::refresh() {
     const HandEdits& edits = services.controller.handEdits();
-    count->setText(counted(edits.pinned(), tr("1 item"), tr("%L1 items")));
+    count->setText(tr("1 item||%Ln items", nullptr, static_cast<int>(edits.pinned())));
     count->setContentsMargins(box->sizeHint().height(), 0, 0, 0);
     box->setChecked(edits.namesCount());
     box->setAccessibleDescription(count->text());

@@ -60,7 +60,8 @@ void RecipeClipboard::paste() {
     const QMimeData* content = QApplication::clipboard()->mimeData();
     if (!content || DroppedFiles::areIn(*content) || !content->hasText() || !isAboutSteps())
         return;
-    tell(recipes.paste(fromQString(content->text())), tr("1 step was added."), tr("%L1 steps were added."));
+    const RecipeCommands::Outcome outcome = recipes.paste(fromQString(content->text()));
+    tell(outcome, tr("1 step was added.||%Ln steps were added.", nullptr, static_cast<int>(outcome.steps)));
 }
 
 void RecipeClipboard::askForFile() {
@@ -69,10 +70,8 @@ void RecipeClipboard::askForFile() {
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilters({tr("Recipes and presets (*.recipe *.txt *.plist)"), tr("All files (*)")});
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) {
-        tell(recipes.open(QFile::encodeName(path).toStdString()), tr("1 step was opened."),
-             tr("%L1 steps were opened."));
-    });
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this](const QString& path) { tellOpened(recipes.open(QFile::encodeName(path).toStdString())); });
     dialog->open();
 }
 
@@ -88,11 +87,15 @@ bool RecipeClipboard::openDropped(const std::vector<std::string>& paths) {
         std::ranges::any_of(suffixes, [&](auto suffix) { return path.ends_with(suffix); });
     if (outcome.steps == 0 && !isCalledSo)
         return false;
-    tell(outcome, tr("1 step was opened."), tr("%L1 steps were opened."));
+    tellOpened(outcome);
     return true;
 }
 
-void RecipeClipboard::tell(const RecipeCommands::Outcome& outcome, const QString& one, const QString& many) {
+void RecipeClipboard::tellOpened(const RecipeCommands::Outcome& outcome) {
+    tell(outcome, tr("1 step was opened.||%Ln steps were opened.", nullptr, static_cast<int>(outcome.steps)));
+}
+
+void RecipeClipboard::tell(const RecipeCommands::Outcome& outcome, const QString& done) {
     if (outcome.steps == 0) {
         bars.present({.objectName = barName,
                       .kind = BarMessage::Kind::failure,
@@ -102,7 +105,7 @@ void RecipeClipboard::tell(const RecipeCommands::Outcome& outcome, const QString
     }
     bars.present({.objectName = barName,
                   .kind = BarMessage::Kind::done,
-                  .bold = counted(outcome.steps, one, many),
+                  .bold = done,
                   .plain = toQString(outcome.text),
                   .buttons = {{"undoSteps", tr("&Undo"), [this] {
                                    recipes.undo();

@@ -31,7 +31,8 @@ class RecipeClipboard final : public QObject {
     void copySteps();
     void paste();
     void askForFile();
-    void tell(const RecipeCommands::Outcome& outcome, const QString& one, const QString& many);
+    void tellOpened(const RecipeCommands::Outcome& outcome);
+    void tell(const RecipeCommands::Outcome& outcome, const QString& done);
     void undo();
     void redo();
     [[nodiscard]] bool isAboutSteps() const;
