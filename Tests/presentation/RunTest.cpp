@@ -143,6 +143,20 @@ TEST_F(RunInList, StaysOpenWhenSoWishedAfterItWasClosedInARun) {
     EXPECT_TRUE(find("settingsPane")->isEnabled());
 }
 
+TEST_F(RunInList, StopsByTheKeyThatQuits) {
+    startWithFiles(3);
+    heldAt = 2;
+    click("okButton");
+    waitUntil("the run is in the middle", [this] { return isHeld.load(); });
+    QTest::keyClick(&application->window(), Qt::Key_Q, Qt::ControlModifier);
+    waitForText("stopButton", "Stopping…");
+    gate.release();
+    waitFor("keepOpen");
+    EXPECT_EQ(filesOnDisk(), (Names{"f0X", "f1X", "f2"}));
+    click("keepOpen");
+    waitForPreview();
+}
+
 TEST_F(RunInList, IsUndoneByTheKeyOfItsBar) {
     startWithFiles(3);
     click("okButton");

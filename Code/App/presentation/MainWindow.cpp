@@ -69,7 +69,7 @@ MainWindow::MainWindow(const WindowServices& services)
     setWindowTitle("Tavrin");
     setAcceptDrops(true);
     setCentralWidget(buildWorkPage());
-    closeKey = new QShortcut(QKeySequence::Quit, this, [this] { close(); });
+    closeKey = new QShortcut(QKeySequence("Ctrl+Q"), this, [this] { close(); });
     closeKey->setEnabled(false);
     connect(windowCommands.get(), &WindowCommands::undoRequested, this, &MainWindow::goToUndoOfRun);
     connect(windowCommands->clearPreview, &QAction::triggered, this,
