@@ -137,6 +137,17 @@ TEST_F(Panels, AreReachedByTheTabKeyInTheOrderOfReading) {
     }
 }
 
+TEST_F(Panels, BoxesAreLabelledForReaders) {
+    start();
+    for (const auto& [name, words] :
+         {std::pair("categoryPopUpButton", "Category"), {"actionPopUpButton", "Action"}}) {
+        const auto relations =
+            QAccessible::queryAccessibleInterface(find(name))->relations(QAccessible::Label);
+        ASSERT_EQ(relations.size(), 1) << name;
+        EXPECT_EQ(relations.front().first->text(QAccessible::Name), words);
+    }
+}
+
 TEST_F(Panels, ApplyToEachPartOfAName) {
     start({makeFile("Ab.Cd")});
     chooseAction("Make uppercase");

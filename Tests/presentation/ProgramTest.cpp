@@ -282,7 +282,8 @@ class DropletWindow : public WindowFixture {
 
 TEST_F(DropletWindow, EditsADropletAndSavesItBack) {
     startDroplet({{"silentDroplet", 0}, {"discloseAdvancedOptions", 0}});
-    close("dropletEditModeDialog");
+    waitFor("dropletEditModeDialog");
+    click("noticeOk");
     EXPECT_EQ(application->window().windowTitle(), "Editing Rename Droplet");
     EXPECT_TRUE(find("dropletBanner")->isVisible() && find("silentDroplet")->isVisible());
     EXPECT_FALSE(find("createDropletButton")->isVisible() || find("createFileListButton")->isVisible());
@@ -332,7 +333,7 @@ TEST_F(DropletWindow, CreatesADropletAndAsksBeforeReplacingIt) {
         if (answer.empty()) {
             waitFor("dropletInformationDialog");
             find<QCheckBox>("suppressionBox")->setChecked(true);
-            find<QMessageBox>("dropletInformationDialog")->defaultButton()->click();
+            click("noticeOk");
         }
         auto* dialog = waitFor<QFileDialog>("dropletPathDialog");
         dialog->setDirectory(QString::fromStdString(desktop.path()));

@@ -143,6 +143,60 @@ TEST_F(RunInList, StaysOpenWhenSoWishedAfterItWasClosedInARun) {
     EXPECT_TRUE(find("settingsPane")->isEnabled());
 }
 
+TEST_F(RunInList, StopsByTheKeyThatQuits) {
+    startWithFiles(3);
+    heldAt = 2;
+    click("okButton");
+    waitUntil("the run is in the middle", [this] { return isHeld.load(); });
+    QTest::keyClick(&application->window(), Qt::Key_Q, Qt::ControlModifier);
+    waitForText("stopButton", "Stopping…");
+    gate.release();
+    waitFor("keepOpen");
+    EXPECT_EQ(filesOnDisk(), (Names{"f0X", "f1X", "f2"}));
+    click("keepOpen");
+    waitForPreview();
+}
+
+TEST_F(RunInList, IsUndoneByTheKeyOfItsBar) {
+    startWithFiles(3);
+    click("okButton");
+    EXPECT_EQ(reported(), "3 file names were changed.");
+    QTest::keyClick(&application->window(), Qt::Key_U, Qt::AltModifier);
+    waitForBar("3 file names are as before.");
+    EXPECT_EQ(filesOnDisk(), (Names{"f0", "f1", "f2"}));
+}
+
+TEST_F(RunInList, AMapOfTheRowsLeadsToWhatIsFound) {
+    startWithFiles(300);
+    trigger("findInList");
+    QTest::keyClicks(find("findField"), "f299");
+    auto* view = find<QTableView>("previewTableView");
+    const auto isThere = [&] { return model().rowAt(view->currentIndex().row()).name == u"f299"; };
+    waitUntil("it is found", [&] { return view->currentIndex().isValid() && isThere(); });
+    const int row = view->currentIndex().row();
+    view->setCurrentIndex(model().index(0, PreviewTableModel::currentName));
+    QWidget* map = find("rowMap");
+    QTest::mouseClick(map, Qt::LeftButton, {}, {1, map->height() * (2 * row + 1) / 600});
+    EXPECT_TRUE(isThere());
+}
+
+TEST_F(RunInList, ChipsLeaveAThirdOfTheirRowToTheStatusText) {
+    startWithFiles(3);
+    QTest::keyClick(find("previewTableView"), Qt::Key_Down);
+    QTest::keyClick(find("previewTableView"), Qt::Key_Space);
+    controller().previewControl().sortBy(PreviewColumn::newName);
+    waitForPreview();
+    const auto* text = find("statusText");
+    std::set<std::pair<int, bool>> forms;
+    for (const int width : {1180, 700, 620, 560}) {
+        application->window().resize(width, 600);
+        QTest::qWait(20);
+        EXPECT_GE(text->width(), std::min(text->sizeHint().width(), find("statusRow")->width() / 3)) << width;
+        forms.emplace(find("sortingChip")->width(), find("moreChips")->isVisible());
+    }
+    EXPECT_GT(forms.size(), 1U);
+}
+
 TEST(RunClockTest, TellsRateAndTimeLeftAndGrowsLate) {
     const RunClock::Time begin{};
     using namespace std::chrono;

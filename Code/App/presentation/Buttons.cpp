@@ -43,11 +43,10 @@ void MenuButton::initStyleOption(QStyleOptionToolButton* option) const {
 
 ProminentButton::ProminentButton(const QString& label) : QPushButton(label) { applyColours(); }
 
-void ProminentButton::changeEvent(QEvent* event) {
-    QPushButton::changeEvent(event);
-    // Colours set here are told as a change too.
-    if (event->type() == QEvent::ApplicationPaletteChange)
+bool ProminentButton::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
         applyColours();
+    return QPushButton::event(event);
 }
 
 void ProminentButton::applyColours() {

@@ -28,7 +28,7 @@ class ProminentButton final : public QPushButton {
     explicit ProminentButton(const QString& label);
 
   protected:
-    void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
   private:
     void applyColours();

@@ -2,6 +2,7 @@
 
 #include "documents/DropletBundle.h"
 #include "presentation/QtText.h"
+#include "presentation/cards/Card.h"
 #include "presentation/dialogs/AlertPicture.h"
 #include "presentation/dialogs/AnswerOnce.h"
 #include "presentation/dialogs/ErrorWindow.h"
@@ -14,7 +15,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <array>
 
@@ -62,9 +65,14 @@ std::optional<std::string> chosenPath(const QFileDialog& dialog) {
     return QFile::encodeName(chosen.front()).toStdString();
 }
 
-QCheckBox* addSuppressionBox(QMessageBox& box) {
+QCheckBox* makeSuppressionBox() {
     auto* check = new QCheckBox(Dialogs::tr("Don’t show this &again"));
     check->setObjectName("suppressionBox");
+    return check;
+}
+
+QCheckBox* addSuppressionBox(QMessageBox& box) {
+    QCheckBox* check = makeSuppressionBox();
     box.setCheckBox(check);
     return check;
 }
@@ -213,6 +221,48 @@ void Dialogs::showNotice(QWidget* parent, NoticeDialog dialog, std::function<voi
         once({clicked == buttons.end() ? closed : clicked->second, check && check->isChecked()});
     });
     box->open();
+}
+
+namespace {
+
+QString nameOf(int noticeChoice) {
+    return noticeChoice == NoticeAnswer::ok     ? "noticeOk"
+           : noticeChoice == NoticeAnswer::help ? "noticeHelp"
+                                                : "noticeCancel";
+}
+
+} // namespace
+
+void Dialogs::showNoticeCard(QWidget& over, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer) {
+    const NoticeText& text = textOf(dialog);
+    CardContent content{text.name, tr(text.title), tr(text.text)};
+    std::vector<int> choices;
+    for (const std::size_t place : {1, 2, 0}) { // the default stands last
+        const NoticeButton& button = text.buttons.at(place);
+        if (!button.label)
+            continue;
+        if (button.choice == text.whenClosed)
+            content.escapeButton = choices.size();
+        content.buttons.push_back({nameOf(button.choice), tr(button.label)});
+        choices.push_back(button.choice);
+    }
+    content.defaultButton = choices.size() - 1;
+    auto* body = new QWidget;
+    auto* column = new QVBoxLayout(body);
+    column->setContentsMargins(0, 0, 0, 0);
+    auto* words = new QLabel(content.text);
+    words->setObjectName("cardText");
+    words->setTextFormat(Qt::PlainText);
+    words->setWordWrap(true);
+    words->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    column->addWidget(words);
+    const QPointer<QCheckBox> check = text.canBeSwitchedOff ? makeSuppressionBox() : nullptr;
+    if (check)
+        column->addWidget(check);
+    auto* card = new Card(over);
+    card->fill(content, body, [check, choices, answer = std::move(answer)](std::size_t button) {
+        answer({choices[button], check && check->isChecked()});
+    });
 }
 
 void Dialogs::showProcessingErrors(QWidget* parent, const FailureReport& report,

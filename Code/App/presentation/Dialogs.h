@@ -30,6 +30,8 @@ struct Dialogs {
     };
     [[nodiscard]] static NoticeWords wordsOf(NoticeDialog dialog);
     static void showNotice(QWidget* parent, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer);
+    /// The same as a card over a part of a window.
+    static void showNoticeCard(QWidget& over, NoticeDialog dialog, std::function<void(NoticeAnswer)> answer);
     static void showProcessingErrors(QWidget* parent, const FailureReport& report,
                                      std::function<void()> closed);
     /// `folders`: asks for folders, else for files.

@@ -70,7 +70,7 @@ MainWindow::MainWindow(const WindowServices& services)
     setWindowTitle("Tavrin");
     setAcceptDrops(true);
     setCentralWidget(buildWorkPage());
-    closeKey = new QShortcut(QKeySequence::Quit, this, [this] { close(); });
+    closeKey = new QShortcut(QKeySequence("Ctrl+Q"), this, [this] { close(); });
     closeKey->setEnabled(false);
     connect(windowCommands.get(), &WindowCommands::undoRequested, this, &MainWindow::goToUndoOfRun);
     connect(windowCommands->clearPreview, &QAction::triggered, this,
@@ -206,6 +206,7 @@ void MainWindow::setRunShown(bool isShown) {
     } else {
         preview->endRun();
         setWindowTitle(ownTitle());
+        taskbar.show(std::nullopt);
     }
     mainTabView->setCurrentIndex(static_cast<int>(isShown ? MainTab::progress : MainTab::interface));
 }
@@ -403,6 +404,7 @@ void MainWindow::progressChanged(std::string_view) {
     const auto percent = strip->percent();
     //: Title of the window during a run
     setWindowTitle(percent ? tr("%L1 % – Tavrin").arg(*percent) : ownTitle());
+    taskbar.show(percent);
 }
 
 // --- What the user does ---

@@ -3,6 +3,7 @@
 #include "engine/pipeline/ProgressInfo.h"
 #include "presentation/WindowServices.h"
 #include "presentation/cards/QuestionCard.h"
+#include "presentation/run/TaskbarProgress.h"
 #include "shell/asking/FrontEnd.h"
 
 #include <QElapsedTimer>
@@ -119,6 +120,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     SettingsPane* settings = nullptr;
     PreviewPane* preview = nullptr;
     RunStrip* strip = nullptr;
+    TaskbarProgress taskbar;
     DropletRunWindow* dropletRunWindow = nullptr; ///< where this window is not shown
     QShortcut* closeKey = nullptr;
     QPushButton* createDropletButton = nullptr;

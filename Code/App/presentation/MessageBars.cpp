@@ -146,11 +146,14 @@ void MessageBar::resizeEvent(QResizeEvent* event) {
 
 void MessageBar::changeEvent(QEvent* event) {
     QFrame::changeEvent(event);
-    // Set colours are told as a change too.
-    if (event->type() == QEvent::ApplicationPaletteChange)
-        applyColours();
-    else if (event->type() == QEvent::FontChange)
+    if (event->type() == QEvent::FontChange)
         arrange();
+}
+
+bool MessageBar::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
+        applyColours();
+    return QFrame::event(event);
 }
 
 void MessageBar::applyColours() {

@@ -48,6 +48,7 @@ class MessageBar final : public QFrame {
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
+    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
 
   private:

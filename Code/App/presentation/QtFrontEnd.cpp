@@ -66,6 +66,8 @@ void QtFrontEnd::showNotice(NoticeDialog dialog, std::function<void(NoticeAnswer
     whenShown([this, dialog, answer = std::move(answer)] {
         if (hasBars() && AlertBars::canShow(dialog))
             AlertBars::show(window->previewPane().messageBars(), dialog, answer);
+        else if (hasBars())
+            Dialogs::showNoticeCard(window->questionPlace().over, dialog, answer);
         else
             Dialogs::showNotice(window, dialog, answer);
     });

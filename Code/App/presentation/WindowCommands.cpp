@@ -167,7 +167,7 @@ void WindowCommands::addFileMenu() {
         controller.applyButDontQuit();
     });
     menu->addSeparator();
-    add(menu, "cancel", tr("&Quit"), QKeySequence::Quit, [&controller] { controller.cancel(); });
+    add(menu, "cancel", tr("&Quit"), QKeySequence("Ctrl+Q"), [&controller] { controller.cancel(); });
 }
 
 void WindowCommands::addEditMenu() {

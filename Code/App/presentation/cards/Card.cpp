@@ -315,10 +315,10 @@ void Card::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
 }
 
-void Card::changeEvent(QEvent* event) {
-    QFrame::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange)
+bool Card::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
         applyColours();
+    return QFrame::event(event);
 }
 
 } // namespace tavrin

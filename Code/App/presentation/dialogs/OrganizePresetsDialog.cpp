@@ -1,8 +1,10 @@
 #include "presentation/dialogs/OrganizePresetsDialog.h"
 
 #include "documents/PresetsManager.h"
+#include "presentation/AlertBars.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
+#include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/PresetDialog.h"
 #include "shell/MainController.h"
@@ -59,6 +61,7 @@ class OrganizeWindow final : public QDialog {
         auto* layout = new QVBoxLayout(this);
         layout->addWidget(filter);
         layout->addWidget(list, 1);
+        layout->addWidget(bars);
         layout->addLayout(row);
         connect(filter, &QLineEdit::textChanged, this, [this] { applyFilter(); });
         connect(list, &QTreeWidget::itemSelectionChanged, this, [this] { enableButtons(); });
@@ -141,7 +144,7 @@ class OrganizeWindow final : public QDialog {
             if (answer.button == 0) {
                 const PresetOutcome outcome = manager.deletePresetAtIndex(index);
                 if (outcome.error)
-                    Dialogs::presentError(this, *outcome.error);
+                    AlertBars::showError(*bars, *outcome.error);
             }
             updateList();
         });
@@ -153,6 +156,7 @@ class OrganizeWindow final : public QDialog {
     QTreeWidget* list = new QTreeWidget;
     QPushButton* editButton = nullptr;
     QPushButton* deleteButton = nullptr;
+    MessageBars* bars = new MessageBars;
 };
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/metadata/FileManager.h"
 #include "platform/propertylists/UserDefaults.h"
-#include "presentation/Dialogs.h"
+#include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/FileManagersPanel.h"
 #include "presentation/dialogs/HistoryPanel.h"
@@ -33,16 +33,13 @@ namespace tavrin {
 
 namespace {
 
-const Alert exifIsOff{
-    .kind = AlertKind::exifSortingOff,
-    .style = AlertStyle::informational,
-    .title = "Sorting By EXIF Digital Camera Date will not work correctly.",
-    .text =
-        "Disabling the retrieval of EXIF and shooting date information can dramatically speed up the "
-        "performance of the program when adding new files, especially if those files contain visual "
-        "information and are located on slow or networked drives.\n\nIt will, however, also mean that the "
-        "'Sort by EXIF digital camera date' feature will not work correctly.\n\n",
-    .buttons = {"OK"}};
+constexpr const char* exifIsOff = "exifSortingOff";
+constexpr const char* exifIsOffTitle = "Sorting By EXIF Digital Camera Date will not work correctly.";
+constexpr const char* exifIsOffText =
+    "Disabling the retrieval of EXIF and shooting date information can dramatically speed up the "
+    "performance of the program when adding new files, especially if those files contain visual "
+    "information and are located on slow or networked drives. It will, however, also mean that the "
+    "'Sort by EXIF digital camera date' feature will not work correctly.";
 
 /// Notices and alerts that a "don't show again" has silenced: defaults to forget, and to switch back on.
 constexpr std::array silencedNotices{
@@ -212,10 +209,14 @@ class Window final : public QDialog {
     void addReading() {
         QVBoxLayout& page = addPage(tr("Reading"));
         QCheckBox* exif = addSetting(page, "retrieveEXIFInformation", tr("Read &EXIF and shooting dates"));
-        connect(exif, &QCheckBox::clicked, this, [this](bool isOn) {
+        auto* bars = new MessageBars;
+        page.addWidget(bars);
+        connect(exif, &QCheckBox::clicked, this, [this, bars](bool isOn) {
             services.controller.rereadList();
-            if (!isOn)
-                Dialogs::showAlert(this, exifIsOff, [](AlertAnswer) {});
+            if (isOn)
+                bars->dismiss(exifIsOff);
+            else
+                bars->present({.objectName = exifIsOff, .bold = exifIsOffTitle, .plain = exifIsOffText});
         });
         addSetting(page, "quickLookThumbnail", tr("&Thumbnails in the list and in questions"));
         connect(addSetting(page, "accurateFolderSize", tr("Exact sizes of &folders")), &QCheckBox::clicked,

@@ -1,8 +1,8 @@
 #include "presentation/dialogs/PresetDialog.h"
 
 #include "documents/PresetsManager.h"
-#include "presentation/Dialogs.h"
 #include "presentation/QtText.h"
+#include "presentation/Spoken.h"
 #include "shell/MainController.h"
 
 #include <QCoreApplication>
@@ -14,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <functional>
 
 namespace tavrin {
@@ -25,7 +26,7 @@ class PresetWindow final : public QDialog {
     Q_DECLARE_TR_FUNCTIONS(PresetDialog)
 
   public:
-    using Save = std::function<void(const std::u16string& name, const std::u16string& description)>;
+    using Save = std::function<PresetOutcome(const std::u16string& name, const std::u16string& description)>;
 
     PresetWindow(QWidget* parent, PresetsManager& presetsManager, const std::u16string& name,
                  const std::u16string& description, bool isNew)
@@ -39,6 +40,8 @@ class PresetWindow final : public QDialog {
         nameField->selectAll();
         note->setObjectName("presetNote");
         note->setForegroundRole(QPalette::BrightText);
+        note->setTextFormat(Qt::PlainText);
+        note->setWordWrap(true);
         descriptionField->setObjectName("presetDescription");
         descriptionField->setTabChangesFocus(true);
         descriptionField->setPlainText(toQString(description));
@@ -65,13 +68,27 @@ class PresetWindow final : public QDialog {
         static_cast<QVBoxLayout*>(layout())->insertWidget(1, remark);
     }
 
-    void setSave(Save save) {
-        connect(this, &QDialog::accepted, this, [this, save = std::move(save)] {
+    void setSave(Save newSave) { save = std::move(newSave); }
+
+    /// Stays open with the reason where it can't be saved.
+    void accept() override {
+        const PresetOutcome outcome =
             save(fromQString(nameField->text()), fromQString(descriptionField->toPlainText()));
-        });
+        if (!outcome.error) {
+            QDialog::accept();
+            return;
+        }
+        tell(toQString(*outcome.error));
+        Spoken::say(note->text());
     }
 
   private:
+    void tell(const QString& words) {
+        note->setText(words);
+        layout()->activate();
+        resize(width(), std::max(height(), layout()->totalHeightForWidth(width())));
+    }
+
     [[nodiscard]] bool nameIsOk() const {
         const QString name = nameField->text();
         if (name.trimmed().isEmpty())
@@ -90,10 +107,11 @@ class PresetWindow final : public QDialog {
         if (isOk || nameField->text().trimmed().isEmpty())
             note->clear();
         else
-            note->setText(problem());
+            tell(problem());
     }
 
     PresetsManager& manager;
+    Save save;
     QString oldName; ///< of a preset that is being edited
     QLineEdit* nameField = new QLineEdit;
     QLabel* note = new QLabel;
@@ -101,9 +119,9 @@ class PresetWindow final : public QDialog {
     QDialogButtonBox* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
 };
 
-void tellFailure(QWidget* parent, const PresetOutcome& outcome) {
-    if (outcome.error)
-        Dialogs::presentError(parent, *outcome.error);
+void refresh(const WindowServices& services) {
+    services.controller.presetsManager().loadPresets();
+    services.controller.updatePresetsMenu();
 }
 
 } // namespace
@@ -115,13 +133,11 @@ void PresetDialog::saveAsPreset(QWidget* parent, const WindowServices& services)
         window->addRemark(
             PresetWindow::tr("1 name by hand is not part of it.||%Ln names by hand are not part of it.",
                              nullptr, static_cast<int>(pinned)));
-    window->setSave(
-        [parent, services, &manager](const std::u16string& name, const std::u16string& description) {
-            manager.createPresetsFolders(); // somebody may have removed them
-            tellFailure(parent, manager.createPresetFromCurrentActionsWithName(name, description));
-            manager.loadPresets();
-            services.controller.updatePresetsMenu();
-        });
+    window->setSave([&manager](const std::u16string& name, const std::u16string& description) {
+        manager.createPresetsFolders(); // somebody may have removed them
+        return manager.createPresetFromCurrentActionsWithName(name, description);
+    });
+    QObject::connect(window, &QDialog::finished, window, [services] { refresh(services); });
     window->open();
 }
 
@@ -131,14 +147,12 @@ void PresetDialog::edit(QWidget* parent, const WindowServices& services, std::si
     const std::u16string oldName = manager.nameAtIndex(index);
     const std::string path = manager.pathAtIndex(index);
     auto* window = new PresetWindow(parent, manager, oldName, manager.descriptionAtIndex(index), false);
-    window->setSave(
-        [parent, &manager, path, oldName](const std::u16string& name, const std::u16string& description) {
-            tellFailure(parent, name == oldName ? manager.changeDescription(description, path)
-                                                : manager.changeNameAtPath(path, name, description));
-        });
-    QObject::connect(window, &QDialog::finished, window, [services, &manager, then = std::move(then)] {
-        manager.loadPresets();
-        services.controller.updatePresetsMenu();
+    window->setSave([&manager, path, oldName](const std::u16string& name, const std::u16string& description) {
+        return name == oldName ? manager.changeDescription(description, path)
+                               : manager.changeNameAtPath(path, name, description);
+    });
+    QObject::connect(window, &QDialog::finished, window, [services, then = std::move(then)] {
+        refresh(services);
         then();
     });
     window->open();

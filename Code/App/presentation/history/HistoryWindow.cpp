@@ -342,7 +342,7 @@ void HistoryWindow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         reload();
-    else if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange)
+    else if (event->type() == QEvent::PaletteChange)
         applyColours();
 }
 

@@ -66,7 +66,7 @@ class DropletBanner final : public QLabel {
     DropletBanner();
 
   protected:
-    void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
   private:
     void applyColours();
@@ -81,10 +81,10 @@ DropletBanner::DropletBanner()
     applyColours();
 }
 
-void DropletBanner::changeEvent(QEvent* event) {
-    QLabel::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange)
+bool DropletBanner::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
         applyColours();
+    return QLabel::event(event);
 }
 
 void DropletBanner::applyColours() {

@@ -109,11 +109,10 @@ void NoteLabel::showNote(const PanelNote& note) {
     applyColour();
 }
 
-void NoteLabel::changeEvent(QEvent* event) {
-    QLabel::changeEvent(event);
-    // A colour that is set is told as a change of the palette, but not as one of the application's.
-    if (event->type() == QEvent::ApplicationPaletteChange)
+bool NoteLabel::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
         applyColour();
+    return QLabel::event(event);
 }
 
 void NoteLabel::applyColour() {

@@ -44,7 +44,7 @@ class NoteLabel : public QLabel {
     void showNote(const PanelNote& note);
 
   protected:
-    void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
   private:
     void applyColour();
