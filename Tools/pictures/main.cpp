@@ -7,13 +7,14 @@
 #include "documents/TVRNGlobalPreferencesPseudoAction.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/Appearance.h"
-#include "presentation/Dialogs.h"
 #include "presentation/MainWindow.h"
 #include "presentation/TavrinApplication.h"
 #include "presentation/preview/PreviewPane.h"
+#include "presentation/preview/PreviewTableModel.h"
 #include "shell/MainController.h"
 #include "support/text/Text.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
@@ -23,6 +24,8 @@
 #include <QLinearGradient>
 #include <QListWidget>
 #include <QPainter>
+#include <QTableView>
+#include <QTemporaryFile>
 #include <QTest>
 #include <clocale>
 #include <cstdio>
@@ -65,7 +68,8 @@ class Pictures {
         regularExpression();
         tags();
         conflicts();
-        questions();
+        hands();
+        runs();
         preferences();
         help();
     }
@@ -144,7 +148,6 @@ class Pictures {
         choose("Add date to end", {{"mode", 1}});
         application->controller().compositeAction().getCurrentAction().setValue(0, "active");
         application->controller().compositeAction().setCurrentActionIndex(0);
-        application->controller().globalSettings().setValue(1, "showPath");
         settle();
         save("steps");
         QTest::keyClicks(application->window().findChild<QWidget*>("findAction"), "date");
@@ -183,70 +186,54 @@ class Pictures {
         save("conflict");
     }
 
-    void questions() {
-        MainWindow* window = &application->window();
-        const std::string photo = files->path("IMG_4021.JPG");
-        const auto ask = [&](const RunQuestion& question, const char* name) {
-            Dialogs::ask(window, question, true, [](ConfirmationChoice) {});
-            saveDialog(name);
+    void hands() {
+        open(30);
+        choose("Replace text", {{"searchTerm", u"IMG_"}, {"replacementTerm", u"Lofoten "}});
+        auto* view = application->window().findChild<QTableView*>("previewTableView");
+        view->setFocus();
+        view->setCurrentIndex(view->model()->index(4, PreviewTableModel::currentName));
+        trigger("editNewName");
+        auto* editor = application->window().findChild<QWidget*>("newNameEditor");
+        QTest::keyClicks(editor, "Reine at dawn");
+        save("editor");
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTest::keyClick(view, Qt::Key_Down);
+        QTest::keyClick(view, Qt::Key_Space);
+        settle();
+        save("by-hand");
+        trigger("namesAsText");
+        QTest::keyClick(application->window().findChild<QWidget*>("namesAsText"), Qt::Key_H,
+                        Qt::ControlModifier);
+        settle();
+        save("names-as-text");
+        trigger("namesAsText");
+    }
+
+    void runs() {
+        const auto setting = [this](const char* key, int value) {
+            application->controller().globalSettings().setValue(value, key);
         };
-        const std::string folder = "/home/ann/Pictures/Lofoten";
-        const std::string item = folder + "/IMG_4021.JPG";
-        ask(RenameQuestion{folder, photo, "IMG_4021.JPG", "Lofoten 4021.jpg"}, "confirm-rename");
-        ask(SwapQuestion{folder, item, item, "IMG_4021.JPG", "Lofoten 4021.jpg"}, "confirm-swap");
-        ask(NameCycleQuestion{folder}, "confirm-cycle");
-        ask(ProblemReport{"This item could not be renamed.",
-                          "You may not have sufficient access privileges to change the name of this item. "
-                          "(Operation not permitted: it is immutable, chattr -i allows changes again)",
-                          photo},
-            "report-problem");
-        Dialogs::showProcessingErrors(
-            window,
-            {{{"Could not rename", "Another file has this name.", photo},
-              {"Could not rename", "Permission denied.", files->path("tickets.pdf")}},
-             2,
-             "3 file names were changed."},
-            [] {});
-        saveDialog("errors");
-        Dialogs::showNotice(window, NoticeDialog::noFilesSelected, [](NoticeAnswer) {});
-        saveDialog("notice");
-        Dialogs::showNotice(window, NoticeDialog::dropletEditMode, [](NoticeAnswer) {});
-        saveDialog("notice-droplet");
-        Dialogs::showAlert(window,
-                           {.kind = AlertKind::tagNotPresent,
-                            .title = "Some files will not be renamed as they do not contain all the required "
-                                     "information.",
-                            .text = "Files that do not contain any or only part of the required information "
-                                    "will be left entirely unchanged.",
-                            .buttons = {"OK"},
-                            .hasSuppressionBox = true,
-                            .helpAnchor = "helpTopic67"},
-                           [](AlertAnswer) {});
-        saveDialog("alert");
-        Dialogs::showAlert(window,
-                           {.kind = AlertKind::summary,
-                            .style = AlertStyle::informational,
-                            .title = "487 file names were changed.",
-                            .text = "",
-                            .buttons = {"OK"}},
-                           [](AlertAnswer) {});
-        saveDialog("summary");
-        Dialogs::presentError(window, "The preset can't be used. line 1: syntax error");
-        saveDialog("error-message");
+        const auto& window = application->window();
+        trigger("ok");
+        QTest::qWait(900);
+        save("question");
+        if (auto* stop = window.findChild<QAbstractButton*>("confirmStop"))
+            stop->click();
+        settle();
+        save("stopped");
+        setting("interactiveMode", 0);
+        trigger("ok");
+        settle();
+        save("renamed");
+        trigger("showHistory");
+        QTest::qWait(800);
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == "historyWindow") {
+                save("history", widget);
+                widget->close();
+            }
         application->controller().createFileList();
         saveDialog("save-list");
-        window->selectMainTab(MainTab::progress);
-        auto& progress = application->controller().progressInfo();
-        progress.setNumberOfItems(487);
-        progress.updateIsIndeterminate(false);
-        progress.updateIsDone(false);
-        progress.updateStageText("Performing renames...");
-        progress.updateCurrentItemNumber(212);
-        progress.updateCurrentActionDescription(
-            "Renaming /home/ann/Pictures/IMG_4232.JPG to Lofoten 4232.jpg");
-        QTest::qWait(300);
-        save("running");
-        window->selectMainTab(MainTab::interface);
     }
 
     void preferences() {
@@ -308,7 +295,13 @@ int main(int argc, char** argv) {
         std::fputs("usage: make_pictures FOLDER\n", stderr);
         return 2;
     }
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // A screen large enough for the whole window.
+    QTemporaryFile screens;
+    if (!screens.open())
+        return 1;
+    screens.write(R"({"screens": [{"name": "pictures", "x": 0, "y": 0, "width": 1920, "height": 1080}]})");
+    screens.close();
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screens.fileName().toLocal8Bit());
     const QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setQuitOnLastWindowClosed(false);

@@ -87,14 +87,12 @@ bool DarkSetting::isOn() { return isDark(askPortal(settings, "Read", group, key)
 
 namespace {
 
-void drawFrame(QPainter& painter, const QRect& place, const QStyleOption& option) {
-    const bool isFocused =
-        option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_Enabled);
-    if (!WindowColours::isDark(option.palette) || isFocused)
-        return;
+/// `strength`: of the lines, from 0 to 1.
+void drawFrame(QPainter& painter, const QRect& place, const QStyleOption& option, float strength) {
+    const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
     constexpr double radius = 2;
     QColor colour = option.palette.color(QPalette::PlaceholderText);
-    colour.setAlphaF(option.state.testFlag(QStyle::State_Enabled) ? 0.6F : 0.3F);
+    colour.setAlphaF(isEnabled ? strength : strength / 2);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(colour);
@@ -103,10 +101,25 @@ void drawFrame(QPainter& painter, const QRect& place, const QStyleOption& option
     painter.restore();
 }
 
+void drawFieldFrame(QPainter& painter, const QStyleOption& option) {
+    constexpr float strength = 0.6F;
+    const bool isFocused =
+        option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_Enabled);
+    if (WindowColours::isDark(option.palette) && !isFocused)
+        drawFrame(painter, option.rect, option, strength);
+}
+
+/// An empty box has nothing but its frame to be seen by.
+void drawBoxFrame(QPainter& painter, const QStyleOption& option) {
+    constexpr float strength = 0.9F;
+    drawFrame(painter, option.rect, option, strength);
+}
+
 } // namespace
 
 /// What the plain style lacks. It draws the frames of fields and check boxes darker than their ground, which
-/// in a dark palette leaves nothing to be seen of them: here they are drawn once more, light. Its pictures
+/// in a dark palette leaves nothing to be seen of them, and of boxes little in a light one: here they are
+/// drawn once more. Its pictures
 /// are of another time, and stand on the buttons of dialogs: those buttons go without, all else gets our
 /// drawings.
 class PlainStyle final : public QProxyStyle {
@@ -170,15 +183,17 @@ QIcon PlainStyle::standardIcon(StandardPixmap picture, const QStyleOption* optio
 void PlainStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if (element == PE_FrameLineEdit || element == PE_IndicatorCheckBox || element == PE_Frame)
-        drawFrame(*painter, option->rect, *option);
+    if (element == PE_FrameLineEdit || element == PE_Frame)
+        drawFieldFrame(*painter, *option);
+    else if (element == PE_IndicatorCheckBox)
+        drawBoxFrame(*painter, *option);
 }
 
 void PlainStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                     QPainter* painter, const QWidget* widget) const {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_SpinBox)
-        drawFrame(*painter, option->rect, *option);
+        drawFieldFrame(*painter, *option);
 }
 
 namespace {

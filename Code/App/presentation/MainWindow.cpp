@@ -17,6 +17,7 @@
 #include "presentation/run/DropletRunWindow.h"
 #include "presentation/run/RunReportText.h"
 #include "presentation/run/RunStrip.h"
+#include "presentation/run/Veil.h"
 #include "presentation/settings/SettingsPane.h"
 #include "presentation/start/FileAddress.h"
 #include "presentation/steps/RecipeClipboard.h"
@@ -192,8 +193,8 @@ void MainWindow::selectMainTab(MainTab tab) {
 
 void MainWindow::setRunShown(bool isShown) {
     isRunShown = isShown;
-    steps->setEnabled(!isShown);
-    settings->setEnabled(!isShown);
+    Veil::lay(*steps, isShown);
+    Veil::lay(*settings, isShown);
     closeKey->setEnabled(isShown);
     if (isShown) {
         preview->messageBars().dismiss(RunReportText::barName);

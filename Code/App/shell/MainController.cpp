@@ -74,7 +74,7 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
                sourceItems,
                mode},
       listCommands(services), recipes(services, listCommands, store), preview(services, store, listCommands),
-      sources(services, store, preview), hands(services, preview, sources),
+      sources(services, store, preview), hands(services, preview),
       dragging(services, {store, preview, sources}), notices(services),
       missingTagNotice(
           environment.runLoop,
@@ -224,18 +224,23 @@ void MainController::lookAgain() {
         engine.processLook();
 }
 
-void MainController::ok() {
+void MainController::finishWork() {
     sources.finishWork();
+    hands.finish();
+}
+
+void MainController::ok() {
+    finishWork();
     confirmation.ok();
 }
 
 void MainController::applyAndQuit() {
-    sources.finishWork();
+    finishWork();
     confirmation.applyAndQuit();
 }
 
 void MainController::applyButDontQuit() {
-    sources.finishWork();
+    finishWork();
     confirmation.applyButDontQuit();
 }
 

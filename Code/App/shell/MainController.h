@@ -185,6 +185,8 @@ class MainController : public EngineHost, public ActionObserver {
   private:
     void logStart();
     void terminateNow();
+    /// Does at once what is still being done in slices.
+    void finishWork();
     void whenNamesMayGo(std::function<void()> quit);
     /// Runs an action on the main thread while the controller is alive: at once when already there.
     void onMainThread(std::function<void()> action);

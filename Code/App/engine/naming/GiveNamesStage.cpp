@@ -91,21 +91,21 @@ bool LeaveOutStage::process() {
 }
 
 bool PinNamesStage::process() {
-    std::vector<NamePins::Change> over;
+    NamePins::Bunches over;
     computed = std::make_shared<EngineState::ComputedNames>();
     pins.forEach([&](const std::string& path, const NamePins::Pin& one) {
         const RowId id = context->fileWithPath(path);
         if (id != noRow && !one.name.empty() && pins.namesCount())
             pin(id, path, one.name);
         else if (id == noRow && isOver(path))
-            over.push_back({path, "", false});
+            over.add({path, "", false});
     });
     saveAndRefaultObjects();
     engine.computeNumberOfFilesThatNeedRenaming(*context, settings.itemFilter());
     engine.setComputedNames(std::move(computed));
-    if (!over.empty())
+    for (auto bunch = over.next(); !bunch.empty(); bunch = over.next())
         engine.host().runLoop().post(
-            [&host = engine.host(), over = std::move(over)] { host.changePins(over); });
+            [&host = engine.host(), bunch = std::move(bunch)] { host.changePins(bunch); });
     return true;
 }
 

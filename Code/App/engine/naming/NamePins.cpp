@@ -10,7 +10,7 @@ namespace tavrin {
 
 std::size_t NamePins::partOf(std::string_view path) {
     // Not the bits by which a part itself tells its paths apart.
-    return (Hash{}(path) >> 40) % std::tuple_size_v<Parts>;
+    return (Hash{}(path) >> 40) % partCount;
 }
 
 void NamePins::apply(std::vector<Change> changes) {
@@ -42,6 +42,16 @@ void NamePins::applyTo(Part& part, Change& change) {
     leftOutCount += pin.isLeftOut ? 1 : 0;
     if (pin.isNothing())
         part.erase(entry);
+}
+
+std::vector<NamePins::Change> NamePins::Bunches::next() {
+    std::vector<Change> bunch;
+    for (std::size_t taken = 0; nextPart < partCount && taken < partsAtOnce; ++nextPart) {
+        std::ranges::move(byPart[nextPart], std::back_inserter(bunch));
+        taken += byPart[nextPart].empty() ? 0 : 1;
+        byPart[nextPart] = {};
+    }
+    return bunch;
 }
 
 const NamePins::Pin* NamePins::find(std::string_view path) const {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -42,13 +43,32 @@ class NamePins {
     [[nodiscard]] bool isEmpty() const { return namedCount == 0 && leftOutCount == 0; }
     /// Calls with each path and its pin, in no order.
     template <typename Visit> void forEach(Visit visit) const {
-        if (!parts)
-            return;
-        for (const auto& part : *parts)
-            if (part)
-                for (const auto& [path, pin] : *part)
-                    visit(path, pin);
+        for (std::size_t part = 0; part < partCount; ++part)
+            forEachIn(part, visit);
     }
+
+    /// Pins are kept in so many parts, each of which is small. A change copies the parts that it touches.
+    static constexpr std::size_t partCount = 512;
+    /// So many of them are changed in a few milliseconds, however long the list is.
+    static constexpr std::size_t partsAtOnce = 32;
+    /// As `forEach` does, of the paths in one part.
+    template <typename Visit> void forEachIn(std::size_t part, Visit visit) const {
+        if (parts && (*parts)[part])
+            for (const auto& [path, pin] : *(*parts)[part])
+                visit(path, pin);
+    }
+
+    /// Changes of many paths, sorted by their parts, so that they can be made in bunches.
+    class Bunches {
+      public:
+        void add(Change change) { byPart[partOf(change.path)].push_back(std::move(change)); }
+        /// Those of the next few parts; empty when none are left.
+        [[nodiscard]] std::vector<Change> next();
+
+      private:
+        std::array<std::vector<Change>, partCount> byPart;
+        std::size_t nextPart = 0;
+    };
 
   private:
     struct Hash {
@@ -56,8 +76,7 @@ class NamePins {
         std::size_t operator()(std::string_view path) const { return std::hash<std::string_view>{}(path); }
     };
     using Part = std::unordered_map<std::string, Pin, Hash, std::equal_to<>>;
-    /// A change copies the parts that it touches, so many that each is small.
-    using Parts = std::array<std::shared_ptr<const Part>, 512>;
+    using Parts = std::array<std::shared_ptr<const Part>, partCount>;
     static std::size_t partOf(std::string_view path);
 
     void applyTo(Part& part, Change& change);

@@ -53,6 +53,7 @@ class EngineHost {
     /// So many items of the list have left it, since they were not there any more when it was read anew.
     virtual void tellGone(std::size_t) {}
     /// What a run means for what is settled by hand: items have moved, got their names, or are gone.
+    /// Many are told in bunches.
     virtual void changePins(std::vector<NamePins::Change>) {}
     virtual void showCompletionDialog() = 0;
     virtual void showFileListSavingCompletionDialog(int format) = 0;

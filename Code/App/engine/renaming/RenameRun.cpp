@@ -67,10 +67,12 @@ void RenameRun::tellUnguarded(const RunFolders::Place& place) {
 void RenameRun::tellMoves() {
     if (!movedPaths)
         return;
-    std::vector<NamePins::Change> changes = movedPaths->changesOf(pins);
+    NamePins::Bunches bunches;
+    for (NamePins::Change& change : movedPaths->changesOf(pins))
+        bunches.add(std::move(change));
     movedPaths.emplace();
-    if (!changes.empty())
-        engine.host().runLoop().performAndWait([&] { engine.host().changePins(std::move(changes)); });
+    for (auto bunch = bunches.next(); !bunch.empty(); bunch = bunches.next())
+        engine.host().runLoop().performAndWait([&] { engine.host().changePins(std::move(bunch)); });
 }
 
 void RenameRun::noteTakenPlace(RowId formerHolder) {

@@ -137,6 +137,7 @@ void NamesAsTextPage::finish() {
         return;
     flush();
     work.finish();
+    controller.handEdits().finish();
 }
 
 /// In slices, each of which puts some lines behind those that are there.

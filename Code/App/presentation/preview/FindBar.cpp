@@ -110,6 +110,7 @@ void FindBar::open() {
 void FindBar::close() {
     stop();
     hide();
+    emit matchesChanged({});
     view.setFocus();
 }
 
@@ -153,6 +154,7 @@ void FindBar::goOn(bool forward) {
 void FindBar::look(std::optional<Aim> next) {
     stop();
     matches.clear();
+    emit matchesChanged({});
     areAll = true;
     if (next || !isLooking())
         aim = next;
@@ -188,6 +190,7 @@ void FindBar::look(std::optional<Aim> next) {
 void FindBar::found(std::vector<int> rows, bool isAll) {
     matches = std::move(rows);
     areAll = isAll;
+    emit matchesChanged(matches);
     if (areAll)
         follow();
     tell();

@@ -32,6 +32,10 @@ class FindBar final : public QWidget {
     /// Whether it shows and has a text to look for.
     [[nodiscard]] bool isLooking() const;
 
+  signals:
+    /// The rows that are known to hold the text, in ascending order; none while nothing is looked for.
+    void matchesChanged(const std::vector<int>& rows);
+
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;

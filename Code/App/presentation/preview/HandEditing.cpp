@@ -134,13 +134,11 @@ void HandEditing::connectCommands() {
 void HandEditing::buildChips() {
     const auto add = [this](Chip* chip, auto showOnly, const char* undoName, const QString& undoLabel,
                             auto undo) {
-        chip->hide();
         parts.statusRow.addChip(chip);
         auto* menu = new QMenu(chip);
         menu->addAction(tr("Show Only These"), this, showOnly);
         menu->addAction(undoLabel, this, undo)->setObjectName(undoName);
-        connect(chip, &Chip::clicked, this,
-                [chip, menu] { menu->popup(chip->mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
+        chip->setMenu(menu);
     };
     add(
         pinnedChip, [this] { emit showOnlyPinned(); }, "unpinAll", tr("Unpin All"),
@@ -189,8 +187,8 @@ void HandEditing::toggle(const std::vector<RowId>& rows) {
     const auto path = services.controller.nodeController().pathOf(rows.front());
     if (!path)
         return;
-    const bool takesPart = !edits.takesPart(*path);
     expectChange();
+    const bool takesPart = !edits.takesPart(*path);
     edits.setTakesPart(rows, takesPart);
     Spoken::say(takesPart ? tr("ticked") : tr("left out"));
 }
@@ -220,11 +218,20 @@ void HandEditing::showTickBoxes() {
 
 // --- Both ---
 
-void HandEditing::undo() { stack->undo(); }
+void HandEditing::undo() {
+    services.controller.handEdits().finish();
+    stack->undo();
+}
 
-void HandEditing::redo() { stack->redo(); }
+void HandEditing::redo() {
+    services.controller.handEdits().finish();
+    stack->redo();
+}
 
-void HandEditing::expectChange() { isChangeExpected = true; }
+void HandEditing::expectChange() {
+    services.controller.handEdits().finish(); // a change under way is told first
+    isChangeExpected = true;
+}
 
 void HandEditing::handEditsChanged() {
     HandEdits& edits = services.controller.handEdits();
@@ -243,12 +250,10 @@ void HandEditing::handEditsChanged() {
 void HandEditing::refreshChips() {
     const std::size_t pinned = known.named();
     const std::size_t leftOut = known.leftOut();
-    pinnedChip->setVisible(pinned > 0);
+    pinnedChip->setWanted(pinned > 0);
     pinnedChip->setText(tr("%L1 by hand").arg(pinned));
-    pinnedChip->updateGeometry();
-    leftOutChip->setVisible(leftOut > 0);
+    leftOutChip->setWanted(leftOut > 0);
     leftOutChip->setText(tr("%L1 left out").arg(leftOut));
-    leftOutChip->updateGeometry();
     const std::size_t rows = services.controller.nodeController().count();
     parts.header.setTicks(leftOut == 0      ? Qt::Checked
                           : leftOut >= rows ? Qt::Unchecked

@@ -20,10 +20,12 @@
 #include "presentation/preview/ListBar.h"
 #include "presentation/preview/NameDelegate.h"
 #include "presentation/preview/PreviewTableView.h"
+#include "presentation/preview/RowMap.h"
 #include "presentation/preview/ShownName.h"
 #include "presentation/preview/StatusRow.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "presentation/preview/TickHeader.h"
+#include "presentation/run/Veil.h"
 #include "presentation/settings/ParameterBinding.h"
 #include "presentation/start/FileAddress.h"
 #include "shell/MainController.h"
@@ -101,10 +103,11 @@ PreviewPane::PreviewPane(const WindowServices& shared, WindowCommands& windowCom
       thumbnails(new ThumbnailLoader(this)), model(new PreviewTableModel(shared, *thumbnails, this)),
       view(new PreviewTableView(*model, controller.dndArrayController())),
       listBar(new ListBar(shared, windowCommands)),
-      findBar(new FindBar(*view, *model, controller.renameEngine())), pages(new QStackedWidget),
-      emptyView(new EmptyView), bars(new MessageBars), folderOffer(new FolderOffer(shared, *bars, this)),
-      textPage(new NamesAsTextPage(shared, *model, *bars)), statusRow(new StatusRow(controller)),
-      longWork(controller.runLoop()), sortingChip(new Chip("sortingChip", Glyph::close)) {
+      findBar(new FindBar(*view, *model, controller.renameEngine())), rowMap(new RowMap(*view, *model)),
+      pages(new QStackedWidget), emptyView(new EmptyView), bars(new MessageBars),
+      folderOffer(new FolderOffer(shared, *bars, this)), textPage(new NamesAsTextPage(shared, *model, *bars)),
+      statusRow(new StatusRow(controller)), longWork(controller.runLoop()),
+      sortingChip(new Chip("sortingChip", Glyph::close)) {
     setObjectName("previewPane");
     buildTable();
     connectHands();
@@ -187,6 +190,14 @@ void PreviewPane::connectTable() {
     connect(sortingChip, &Chip::clicked, this, [this] {
         controller.previewControl().endSorting();
         showSorting();
+    });
+    connect(findBar, &FindBar::matchesChanged, rowMap, &RowMap::setMatches);
+    connect(rowMap, &RowMap::rowWanted, this, [this](int row, bool isMarked) {
+        if (isMarked)
+            goTo(row);
+        else
+            view->scrollTo(model->index(row, PreviewTableModel::currentName),
+                           QAbstractItemView::PositionAtCenter);
     });
     connect(view, &PreviewTableView::removeRequested, this, &PreviewPane::removeSelected);
     connect(view, &PreviewTableView::moveRequested, this, &PreviewPane::moveSelection);
@@ -468,7 +479,7 @@ void PreviewPane::showSorting() {
     if (sorting)
         header->setSortIndicator(PreviewTableModel::columnOf(sorting->column),
                                  sorting->isAscending ? Qt::AscendingOrder : Qt::DescendingOrder);
-    sortingChip->setVisible(sorting && sorting->isView);
+    sortingChip->setWanted(sorting && sorting->isView);
     if (!sorting || !sorting->isView)
         return;
     const bool isByName = sorting->column == PreviewColumn::currentName;
@@ -479,7 +490,6 @@ void PreviewPane::showSorting() {
                          : isByFolder  ? tr("Shown by Folder")
                                        : tr("Shown by Problem"));
     sortingChip->setToolTip(tr("Show the items in the order of their numbers again"));
-    sortingChip->updateGeometry();
 }
 
 void PreviewPane::previewFinished() {
@@ -501,6 +511,7 @@ void PreviewPane::refreshProgress() {
     model->runMarks().refresh();
     statusRow->showRun(controller.renameEngine().runOutcomes().failedRows(), isWaiting);
     view->viewport()->update();
+    rowMap->refresh();
 }
 
 void PreviewPane::beginRun() {
@@ -510,7 +521,8 @@ void PreviewPane::beginRun() {
     model->runMarks().begin();
     if (model->show() == Show::notRenamed) // which no longer says anything
         setShow(Show::all);
-    listBar->setEnabled(false);
+    Veil::lay(*listBar, true);
+    Veil::lay(statusRow->orderButtons(), true);
     view->setAcceptDrops(false);
     view->setDragEnabled(false);
     commands.showNotRenamed->setEnabled(false);
@@ -523,12 +535,14 @@ void PreviewPane::endRun() {
     isRunShown = false;
     isWaiting = false;
     model->runMarks().end();
-    listBar->setEnabled(true);
+    Veil::lay(*listBar, false);
+    Veil::lay(statusRow->orderButtons(), false);
     view->setAcceptDrops(true);
     view->setDragEnabled(true);
     commands.showNotRenamed->setEnabled(model->runMarks().hasNotRenamed());
     statusRow->showRun(std::nullopt);
     view->viewport()->update();
+    rowMap->refresh();
 }
 
 void PreviewPane::setWaiting(bool waits) {

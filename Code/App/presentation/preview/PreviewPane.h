@@ -28,6 +28,7 @@ class MessageBars;
 class NamesAsTextPage;
 class ParameterBinding;
 class PreviewTableView;
+class RowMap;
 class StatusRow;
 class ThumbnailLoader;
 class WindowCommands;
@@ -141,6 +142,7 @@ class PreviewPane final : public QWidget {
     PreviewTableView* view;
     ListBar* listBar;
     FindBar* findBar;
+    RowMap* rowMap;
     HandEditing* hands;
     QStackedWidget* pages; ///< of which one stands in the place of the list
     QWidget* invitation = nullptr;

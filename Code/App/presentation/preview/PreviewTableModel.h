@@ -62,6 +62,7 @@ class PreviewTableModel final : public QAbstractTableModel {
     void setShowsInvisibles(bool on);
     /// What a run makes of the rows. Whoever changes it has the rows painted anew.
     [[nodiscard]] RunMarks& runMarks() { return marks; }
+    [[nodiscard]] const RunMarks& runMarks() const { return marks; }
     /// Other rows have names by hand, or are left out, which shows before the next preview.
     void handEditsChanged() { repaintAll(); }
     /// A thumbnail has come.

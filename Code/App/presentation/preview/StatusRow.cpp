@@ -13,12 +13,14 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStyle>
 #include <algorithm>
+#include <iterator>
 
 namespace tavrin {
 
@@ -48,7 +50,8 @@ QLabel* plainLabel(const char* name) {
 
 StatusRow::StatusRow(MainController& owner)
     : controller(owner), pages(new QStackedWidget), progressBar(new QProgressBar),
-      progressText(plainLabel("previewProgressText")), statusText(plainLabel("statusText")) {
+      progressText(plainLabel("previewProgressText")), statusText(plainLabel("statusText")),
+      more(new Chip("moreChips", Glyph::down)) {
     setObjectName("statusRow");
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(12, 6, 12, 6);
@@ -60,7 +63,12 @@ StatusRow::StatusRow(MainController& owner)
     statusPage->setContentsMargins(0, 0, 0, 0);
     statusPage->setSpacing(chipGap);
     statusPage->addWidget(statusText);
+    statusPage->addWidget(more);
     statusPage->addStretch(1);
+    page->installEventFilter(this);
+    more->setText(tr("More about the list"));
+    more->setForm(Chip::Form::wordless);
+    more->setMenu(new QMenu);
     pages->addWidget(page);
     runPage = makeRunPage();
     pages->addWidget(runPage);
@@ -71,7 +79,8 @@ StatusRow::StatusRow(MainController& owner)
     statusText->setAlignment((QGuiApplication::isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) |
                              Qt::AlignVCenter);
     row->addWidget(pages, 1);
-    addOrderButtons();
+    orderBox = makeOrderBox();
+    row->addWidget(orderBox);
     selectPreviewTab(PreviewTab::status);
 }
 
@@ -91,8 +100,11 @@ QWidget* StatusRow::makeProgressPage() {
     return page;
 }
 
-void StatusRow::addOrderButtons() {
-    layout()->addWidget(new QLabel(tr("Order:")));
+QWidget* StatusRow::makeOrderBox() {
+    auto* box = new QWidget;
+    auto* row = new QHBoxLayout(box);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(new QLabel(tr("Order:")));
     TVRNGlobalPreferencesPseudoAction& settings = controller.globalSettings();
     const auto add = [&](const char* name, const QString& label, Glyph glyph, const QString& tip,
                          bool isAutomatic) {
@@ -100,8 +112,7 @@ void StatusRow::addOrderButtons() {
         button->setObjectName(name);
         button->setToolTip(tip);
         button->setAutoExclusive(true);
-        layout()->addWidget(button);
-        orderButtons.push_back(button);
+        row->addWidget(button);
         connect(button, &QToolButton::clicked, this, [&settings, isAutomatic] {
             if (settings.values().automaticSorting != isAutomatic)
                 settings.setAutomaticSorting(isAutomatic);
@@ -117,9 +128,49 @@ void StatusRow::addOrderButtons() {
         automatic->setChecked(isAutomatic);
         manual->setChecked(!isAutomatic);
     });
+    return box;
 }
 
-void StatusRow::addChip(Chip* chip) { statusPage->insertWidget(statusPage->count() - 1, chip); }
+void StatusRow::addChip(Chip* chip) {
+    statusPage->insertWidget(statusPage->indexOf(more), chip);
+    chips.push_back(chip);
+    connect(chip, &Chip::wantedChanged, this, &StatusRow::arrangeChips);
+}
+
+bool StatusRow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)
+        arrangeChips();
+    return QWidget::eventFilter(watched, event);
+}
+
+/// The status text keeps a third of the row, if it needs as much.
+void StatusRow::arrangeChips() {
+    using Form = Chip::Form;
+    std::vector<Chip*> told;
+    std::ranges::copy_if(chips, std::back_inserter(told), &Chip::isWanted);
+    std::vector<Form> forms(told.size(), Form::whole);
+    const int room = pages->width() - std::min(statusText->sizeHint().width(), width() / 3);
+    const auto needed = [&] {
+        int sum =
+            std::ranges::find(forms, Form::folded) != forms.end() ? chipGap + more->sizeHint().width() : 0;
+        for (std::size_t i = 0; i < told.size(); ++i)
+            if (forms[i] != Form::folded)
+                sum += chipGap + told[i]->sizeIn(forms[i]).width();
+        return sum;
+    };
+    for (const Form next : {Form::wordless, Form::folded})
+        for (std::size_t i = told.size(); i > 0 && needed() > room; --i)
+            forms[i - 1] = next;
+    more->menu()->clear();
+    for (std::size_t i = 0; i < told.size(); ++i) {
+        told[i]->setForm(forms[i]);
+        if (forms[i] != Form::folded)
+            continue;
+        QAction* entry = more->menu()->addAction(told[i]->text(), told[i], &Chip::click);
+        entry->setMenu(told[i]->menu());
+    }
+    more->setWanted(!more->menu()->isEmpty());
+}
 
 void StatusRow::refreshProgress() {
     const ProgressInfo& progress = controller.progressInfo();
@@ -153,8 +204,6 @@ QWidget* StatusRow::makeRunPage() {
 }
 
 void StatusRow::showRun(const std::optional<std::size_t>& failed, bool isWaiting) {
-    for (QWidget* button : orderButtons)
-        button->setEnabled(!failed);
     if (!failed) {
         pages->setCurrentIndex(static_cast<int>(tab));
         return;

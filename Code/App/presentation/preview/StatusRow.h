@@ -33,15 +33,23 @@ class StatusRow final : public QWidget {
     void selectPreviewTab(PreviewTab tab);
     /// During a run: what has failed so far, in the place of all else; nothing when the run is over.
     void showRun(const std::optional<std::size_t>& failed, bool isWaiting = false);
-    /// Puts a chip behind the status text; it becomes this row's.
+    /// Puts a chip behind the status text; it becomes this row's. Where there is little room the last lose
+    /// their words first, and are then to be found in the menu of a chip "moreChips".
     void addChip(Chip* chip);
+    /// The buttons that say whose the order is.
+    [[nodiscard]] QWidget& orderButtons() { return *orderBox; }
 
   signals:
     void failedItemWanted();
 
+  protected:
+    /// Of the page with the chips: its room has changed, or what it holds.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     QWidget* makeProgressPage();
-    void addOrderButtons();
+    [[nodiscard]] QWidget* makeOrderBox();
+    void arrangeChips();
 
     MainController& controller;
     [[nodiscard]] QWidget* makeRunPage();
@@ -51,10 +59,12 @@ class StatusRow final : public QWidget {
     QWidget* runPage = nullptr;
     QLabel* runText = nullptr;
     QPushButton* showFailed = nullptr;
-    std::vector<QWidget*> orderButtons;
+    QWidget* orderBox = nullptr;
+    std::vector<Chip*> chips;
     QProgressBar* progressBar;
     QLabel* progressText;
     QLabel* statusText;
+    Chip* more;
     QHBoxLayout* statusPage;
     std::unique_ptr<ParameterBinding> binding;
 };

@@ -29,6 +29,11 @@ class RunMarks {
     /// has now.
     void listWasRead();
 
+    /// The outcomes of the run that goes on, for all rows at once; absent where none does, or one whose rows
+    /// are not those of the list.
+    [[nodiscard]] std::optional<RunOutcomes::View> runUnderWay() const {
+        return !isOver && view && view->isByRows() ? view : std::nullopt;
+    }
     [[nodiscard]] RunOutcome outcomeOf(const PreviewList::Row& row) const;
     /// Why a row was not renamed; empty for others.
     [[nodiscard]] QString reasonOf(const PreviewList::Row& row) const;

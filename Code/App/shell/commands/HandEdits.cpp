@@ -2,16 +2,19 @@
 
 #include "engine/pipeline/RenameEngine.h"
 #include "shell/asking/FrontEnd.h"
-#include "shell/commands/SourceCommands.h"
 #include "shell/preview/PreviewControl.h"
 #include "support/text/Text.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 namespace tavrin {
 
 namespace {
+
+constexpr std::size_t placesAtOnce = 256;
+static_assert(NamePins::partCount % NamePins::partsAtOnce == 0);
 
 /// The bytes that a file with the name gets; nothing where none can bear it.
 std::optional<std::string> bytesOf(const std::u16string& shown) {
@@ -25,48 +28,42 @@ std::optional<std::string> bytesOf(const std::u16string& shown) {
 // ---- names
 
 bool HandEdits::pin(const PreviewList::Row& row, const std::u16string& name) {
+    if (!bytesOf(name))
+        return false;
     std::vector<NameByHand> one;
     one.push_back({row.fullPath, name == computedName(row) ? std::u16string() : name});
-    return pin(std::move(one)) == 0;
+    pin(std::move(one));
+    return true;
 }
 
-std::size_t HandEdits::pin(std::vector<NameByHand> names) {
-    std::vector<NamePins::Change> changes;
-    changes.reserve(names.size());
-    std::size_t refused = 0;
-    const auto computed = services.engine.computedNames();
-    for (NameByHand& one : names) {
-        std::optional<std::string> bytes = bytesOf(one.name);
-        refused += bytes ? 0 : 1;
-        if (!bytes)
-            continue;
-        if (computed && pins.find(one.path) != nullptr) {
-            const auto known = computed->find(one.path);
-            if (known != computed->end() && known->second == one.name)
-                bytes->clear();
-        }
-        changes.push_back({std::move(one.path), std::move(bytes)});
+void HandEdits::pin(std::vector<NameByHand> names) {
+    const auto all = std::make_shared<std::vector<NameByHand>>(std::move(names));
+    begin(all->size(), [this, all](std::size_t place) { return changeFor((*all)[place]); });
+}
+
+std::optional<NamePins::Change> HandEdits::changeFor(NameByHand& one) const {
+    std::optional<std::string> bytes = bytesOf(one.name);
+    if (!bytes)
+        return std::nullopt;
+    if (const auto computed = pins.find(one.path) ? services.engine.computedNames() : nullptr) {
+        const auto known = computed->find(one.path);
+        if (known != computed->end() && known->second == one.name)
+            bytes->clear();
     }
-    apply(std::move(changes));
-    return refused;
+    return NamePins::Change{std::move(one.path), std::move(bytes)};
 }
 
-void HandEdits::unpin(const std::vector<std::string>& paths) {
-    std::vector<NamePins::Change> changes;
-    for (const std::string& path : paths)
-        changes.push_back({path, ""});
-    apply(std::move(changes));
+void HandEdits::unpin(std::vector<std::string> paths) {
+    const auto all = std::make_shared<std::vector<std::string>>(std::move(paths));
+    begin(all->size(), [all](std::size_t place) { return NamePins::Change{std::move((*all)[place]), ""}; });
 }
 
-void HandEdits::unpinAll() {
-    std::vector<NamePins::Change> changes;
-    pins.forEach([&](const std::string& path, const NamePins::Pin&) { changes.push_back({path, ""}); });
-    apply(std::move(changes));
-}
+void HandEdits::unpinAll() { beginForAll({.path = {}, .name = ""}); }
 
 void HandEdits::setNamesCount(bool count) {
     if (!isAllowed() || count == pins.namesCount())
         return;
+    finish();
     pins.setNamesCount(count);
     publishAndPreview();
 }
@@ -89,39 +86,23 @@ std::u16string HandEdits::pinnedName(const std::string& path) const {
 // ---- taking part
 
 void HandEdits::setTakesPart(std::vector<RowId> rows, bool takesPart) {
-    if (!isAllowed() || rows.empty())
-        return;
-    struct Gathering {
-        std::vector<RowId> rows;
-        std::vector<std::string> paths;
-        std::size_t next = 0;
-    };
-    sources.begin([this, takesPart, all = std::make_shared<Gathering>(Gathering{std::move(rows), {}})] {
-        if (all->next < all->rows.size()) {
-            if (auto path = preview.nodeController().pathOf(all->rows[all->next++]))
-                all->paths.push_back(std::move(*path));
-            return true;
-        }
-        setTakesPart(all->paths, takesPart);
-        return false;
+    const auto all = std::make_shared<const std::vector<RowId>>(std::move(rows));
+    begin(all->size(), [this, all, takesPart](std::size_t place) -> std::optional<NamePins::Change> {
+        auto path = preview.nodeController().pathOf((*all)[place]);
+        if (!path)
+            return std::nullopt;
+        return NamePins::Change{std::move(*path), std::nullopt, !takesPart};
     });
 }
 
-void HandEdits::setTakesPart(const std::vector<std::string>& paths, bool takesPart) {
-    std::vector<NamePins::Change> changes;
-    changes.reserve(paths.size());
-    for (const std::string& path : paths)
-        changes.push_back({path, std::nullopt, !takesPart});
-    apply(std::move(changes));
+void HandEdits::setTakesPart(std::vector<std::string> paths, bool takesPart) {
+    const auto all = std::make_shared<std::vector<std::string>>(std::move(paths));
+    begin(all->size(), [all, takesPart](std::size_t place) {
+        return NamePins::Change{std::move((*all)[place]), std::nullopt, !takesPart};
+    });
 }
 
-void HandEdits::tickAll() {
-    std::vector<NamePins::Change> changes;
-    pins.forEach([&](const std::string& path, const NamePins::Pin&) {
-        changes.push_back({path, std::nullopt, false});
-    });
-    apply(std::move(changes));
-}
+void HandEdits::tickAll() { beginForAll({.path = {}, .isLeftOut = false}); }
 
 bool HandEdits::takesPart(const std::string& path) const {
     const NamePins::Pin* const pin = pins.find(path);
@@ -133,27 +114,68 @@ bool HandEdits::takesPart(const std::string& path) const {
 void HandEdits::restore(NamePins former) {
     if (!isAllowed())
         return;
+    finish();
     pins = std::move(former);
     publishAndPreview();
 }
 
 void HandEdits::change(std::vector<NamePins::Change> changes) {
     pins.apply(std::move(changes));
-    publish();
+    if (work.isIdle())
+        publish();
 }
 
 void HandEdits::drop() {
+    work.drop();
     if (pins.isEmpty() && pins.namesCount())
         return;
     pins = {};
     publish();
 }
 
-void HandEdits::apply(std::vector<NamePins::Change> changes) {
-    if (!isAllowed() || changes.empty())
+// ---- in slices
+
+void HandEdits::begin(std::size_t count, ChangeAt changeAt) {
+    if (!isAllowed() || count == 0)
         return;
-    pins.apply(std::move(changes));
-    publishAndPreview();
+    struct Gathering {
+        std::size_t place = 0;
+        bool isAny = false;
+        NamePins::Bunches bunches;
+    };
+    work.begin([this, count, changeAt = std::move(changeAt), all = std::make_shared<Gathering>()] {
+        for (const std::size_t end = std::min(count, all->place + placesAtOnce); all->place < end;)
+            if (auto change = changeAt(all->place++)) {
+                all->isAny = true;
+                all->bunches.add(std::move(*change));
+            }
+        if (all->place < count)
+            return true;
+        std::vector<NamePins::Change> bunch = all->bunches.next();
+        const bool isOver = bunch.empty();
+        if (isOver && all->isAny)
+            publishAndPreview();
+        pins.apply(std::move(bunch));
+        return !isOver;
+    });
+}
+
+void HandEdits::beginForAll(NamePins::Change change) {
+    if (!isAllowed() || (pins.isEmpty() && work.isIdle()))
+        return;
+    work.begin([this, change = std::move(change), part = std::size_t{0}]() mutable {
+        if (part == NamePins::partCount) {
+            publishAndPreview();
+            return false;
+        }
+        std::vector<NamePins::Change> bunch;
+        for (const std::size_t end = part + NamePins::partsAtOnce; part < end; ++part)
+            pins.forEachIn(part, [&](const std::string& path, const NamePins::Pin&) {
+                bunch.push_back({path, change.name, change.isLeftOut});
+            });
+        pins.apply(std::move(bunch));
+        return true;
+    });
 }
 
 void HandEdits::publish() {

@@ -24,6 +24,8 @@ class SlicedWork {
     void finish();
     /// Forgets what is left.
     void drop();
+    /// Whether nothing is left; no step is, while it is being done.
+    [[nodiscard]] bool isIdle() const { return steps.empty(); }
 
   private:
     /// Until there is nothing left, or the slice has taken this many seconds.
