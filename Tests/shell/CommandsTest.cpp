@@ -181,6 +181,30 @@ TEST_F(UndoCommandsTest, ARunOfBeforeTheStartIsAskedAboutAndOneThatWasCutOffIsTo
     waitUntilIdle();
 }
 
+TEST_F(UndoCommandsTest, AnUndoThatWasCutOffIsFinishedAsAnUndoOrTakenBack) {
+    using enum InterruptedRunAnswer;
+    for (const auto& [answer, names] : {std::pair(finish, std::vector<std::string>{"a", "b"}),
+                                        std::pair(takeBack, std::vector<std::string>{"A", "B"})}) {
+        std::filesystem::remove_all(options.history.folder);
+        start();
+        renameTwo();
+        frontEnd.expect("alert summary");
+        perform(RunKind::undo);
+        const std::string record = newest().path.substr(data.path().size() + 1);
+        const std::string text = data.read(record);
+        data.write(record, text.substr(0, text.rfind("done\t")));
+        std::filesystem::rename(files.path("box/b"), files.path("box/B"));
+        frontEnd.expect("interrupted 1 of 2", answer);
+        frontEnd.expect("alert summary");
+        undos().tellInterruptedRun();
+        waitUntilIdle();
+        waitUntilIdle();
+        EXPECT_EQ(box(), names);
+        std::filesystem::remove_all(files.path("box"));
+        restart();
+    }
+}
+
 TEST_F(UndoCommandsTest, ARecordThatWasDamagedInBetweenIsToldAndNothingIsTouched) {
     start();
     renameTwo();

@@ -16,10 +16,4 @@ namespace tavrin {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
-/// A text about a number of things, in the form for one or in that for all others, where "%1" or "%L1" stands
-/// for the number.
-[[nodiscard]] inline QString counted(std::size_t count, const QString& one, const QString& many) {
-    return count == 1 ? one : many.arg(count);
-}
-
 } // namespace tavrin

@@ -3,7 +3,6 @@
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/Dialogs.h"
 #include "presentation/FileBrowser.h"
-#include "presentation/QtText.h"
 #include "presentation/WindowMemory.h"
 #include "presentation/cards/Card.h"
 #include "presentation/history/RunButtons.h"

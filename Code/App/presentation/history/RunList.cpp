@@ -1,7 +1,6 @@
 #include "presentation/history/RunList.h"
 
 #include "presentation/GlyphIcon.h"
-#include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
 #include "presentation/history/RunLine.h"
 #include "presentation/history/RunWords.h"

@@ -1,7 +1,6 @@
 #include "presentation/history/RunsPane.h"
 
 #include "platform/propertylists/UserDefaults.h"
-#include "presentation/QtText.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -152,11 +151,10 @@ void RunsPane::search() {
 }
 
 void RunsPane::show(NamesFound names) {
-    const std::size_t number = names.hits.size();
-    count->setText(number == 0 ? tr("No run has this name.")
-                   : names.hasMore
-                       ? counted(number, tr("The first name found"), tr("The first %L1 names found"))
-                       : counted(number, tr("1 name found"), tr("%L1 names found")));
+    const int number = static_cast<int>(names.hits.size());
+    count->setText(number == 0     ? tr("No run has this name.")
+                   : names.hasMore ? tr("The first name found||The first %Ln names found", nullptr, number)
+                                   : tr("1 name found||%Ln names found", nullptr, number));
     found->setFound(std::move(names));
     hits->setCurrentIndex(found->index(number == 0 ? -1 : 1));
     pages->setCurrentIndex(1);

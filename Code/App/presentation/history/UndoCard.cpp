@@ -119,12 +119,13 @@ BarMessage UndoCard::barOf(const InterruptedRun& run, std::function<void(Interru
                             static_cast<int>(run.withTemporaryName));
     const auto gives = [answer](InterruptedRunAnswer given) { return [answer, given] { answer(given); }; };
     using enum InterruptedRunAnswer;
+    const bool isUndo = run.what == RunKind::undo;
     return {.objectName = barName,
             .kind = BarMessage::Kind::warning,
             .bold = form.arg(RunWords::moment(run.began), RunWords::folderName(run.folder)),
             .plain = changed,
             .buttons = {{"finishRun", tr("&Finish"), gives(finish)},
-                        {"undoRun", tr("&Undo"), gives(undo)},
+                        {isUndo ? "redoRun" : "undoRun", isUndo ? tr("&Redo") : tr("&Undo"), gives(takeBack)},
                         {"showHistory", tr("&Show"), gives(show)}}};
 }
 

@@ -144,7 +144,8 @@ struct InterruptedRun {
     std::size_t total = 0;
     std::size_t withTemporaryName = 0;
 };
-enum class InterruptedRunAnswer { finish, undo, show };
+/// `takeBack` is an undo of what was done; of an undo that was cut off it is a redo.
+enum class InterruptedRunAnswer { finish, takeBack, show };
 
 /// What to ask the user for, in the words of a panel.
 struct LocatePanel {

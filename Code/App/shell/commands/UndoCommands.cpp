@@ -173,13 +173,14 @@ void UndoCommands::tellInterruptedRun() {
         if (!run)
             return {};
         return [this, left = whatIsLeftOf(*run)] {
-            services.frontEnd.tellInterruptedRun(left, [this, run = left.run](InterruptedRunAnswer answer) {
-                if (answer == InterruptedRunAnswer::undo)
-                    undoRun(run);
-                else if (answer == InterruptedRunAnswer::finish)
-                    redoRun(run);
+            services.frontEnd.tellInterruptedRun(left, [this, left](InterruptedRunAnswer answer) {
+                const bool isUndo = left.what == RunKind::undo; // which goes on as an undo
+                if (answer == InterruptedRunAnswer::show)
+                    services.frontEnd.showHistory(left.run);
+                else if ((answer == InterruptedRunAnswer::finish) == isUndo)
+                    undoRun(left.run);
                 else
-                    services.frontEnd.showHistory(run);
+                    redoRun(left.run);
             });
         };
     });
