@@ -8,10 +8,10 @@
 #include "presentation/MessageBars.h"
 #include "presentation/QtText.h"
 #include "presentation/Spoken.h"
-#include "presentation/WindowColours.h"
 #include "presentation/WindowCommands.h"
 #include "presentation/names/NamesAsTextPage.h"
 #include "presentation/preview/Chip.h"
+#include "presentation/preview/DropletBanner.h"
 #include "presentation/preview/EmptyListPage.h"
 #include "presentation/preview/EmptyView.h"
 #include "presentation/preview/FindBar.h"
@@ -23,7 +23,6 @@
 #include "presentation/preview/PreviewTableView.h"
 #include "presentation/preview/ProblemGuide.h"
 #include "presentation/preview/RowMap.h"
-#include "presentation/preview/ShownName.h"
 #include "presentation/preview/StatusRow.h"
 #include "presentation/preview/ThumbnailLoader.h"
 #include "presentation/preview/TickHeader.h"
@@ -36,7 +35,6 @@
 
 #include <QAction>
 #include <QClipboard>
-#include <QEvent>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
@@ -59,42 +57,6 @@ constexpr qsizetype mostRanges = 1000;
 constexpr int thumbnailRowHeight = 33;
 constexpr int thumbnailSize = 28;
 constexpr std::chrono::milliseconds restAfterScrolling(150);
-
-/// The line above the list that tells that a droplet is being edited. Object name "dropletBanner".
-class DropletBanner final : public QLabel {
-  public:
-    DropletBanner();
-
-  protected:
-    bool event(QEvent* event) override;
-
-  private:
-    void applyColours();
-};
-
-DropletBanner::DropletBanner()
-    : QLabel(PreviewPane::tr("You are editing a droplet. Files you add here only show the effect.")) {
-    setObjectName("dropletBanner");
-    setAutoFillBackground(true);
-    setWordWrap(true);
-    setMargin(8);
-    applyColours();
-}
-
-bool DropletBanner::event(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
-        applyColours();
-    return QLabel::event(event);
-}
-
-void DropletBanner::applyColours() {
-    // Its own palette is tinted, so it does not tell what the desktop's has become.
-    const WindowColours& colours = WindowColours::of(QGuiApplication::palette());
-    QPalette tinted;
-    tinted.setColor(QPalette::Window, colours.infoTint);
-    tinted.setColor(QPalette::WindowText, colours.infoText);
-    setPalette(tinted);
-}
 
 } // namespace
 

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QLabel>
+
+namespace tavrin {
+
+/// The line above the list that tells that a droplet is being edited. Object name "dropletBanner".
+class DropletBanner final : public QLabel {
+    Q_OBJECT
+
+  public:
+    DropletBanner();
+
+  protected:
+    bool event(QEvent* event) override;
+
+  private:
+    void applyColours();
+};
+
+} // namespace tavrin
