@@ -1,23 +1,31 @@
 #include "presentation/history/RunButtons.h"
 
 #include "presentation/Buttons.h"
+#include "presentation/FlowLayout.h"
 
 #include <QHBoxLayout>
 #include <QMenu>
 
 namespace tavrin {
 
+namespace {
+
+constexpr int gap = 6;
+
+} // namespace
+
 RunButtons::RunButtons() {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(12, 8, 12, 8);
-    forgetButton = add("forgetRun", tr("&Forget This Run"));
+    auto* aside = new FlowLayout(gap);
+    row->addLayout(aside, 1);
+    forgetButton = add("forgetRun", tr("&Forget This Run"), *aside);
     connect(forgetButton, &QPushButton::clicked, this, &RunButtons::forgetRequested);
-    revealButton = add("revealRun", tr("Show in File &Manager"));
+    revealButton = add("revealRun", tr("Show in File &Manager"), *aside);
     connect(revealButton, &QPushButton::clicked, this, &RunButtons::revealRequested);
-    row->addStretch(1);
-    copyButton = add("copyRun", tr("&Copy as Text"));
+    copyButton = add("copyRun", tr("&Copy as Text"), *aside);
     connect(copyButton, &QPushButton::clicked, this, &RunButtons::copyRequested);
-    otherButton = add("otherRunCommand", {});
+    otherButton = add("otherRunCommand", {}, *row);
     connect(otherButton, &QPushButton::clicked, this, [this] { emit commandRequested(second); });
     mainButton = new ProminentButton({});
     mainButton->setDefault(true);
@@ -26,11 +34,11 @@ RunButtons::RunButtons() {
     addMenu();
 }
 
-QPushButton* RunButtons::add(const char* name, const QString& label) {
+QPushButton* RunButtons::add(const char* name, const QString& label, QLayout& row) {
     auto* button = new QPushButton(label);
     button->setObjectName(name);
     button->setAutoDefault(false);
-    layout()->addWidget(button);
+    row.addWidget(button);
     return button;
 }
 

@@ -33,7 +33,7 @@ class RunButtons final : public QWidget {
     void commandRequested(tavrin::RunChoice choice);
 
   private:
-    QPushButton* add(const char* name, const QString& label);
+    QPushButton* add(const char* name, const QString& label, QLayout& row);
     void addMenu();
     static void present(QPushButton& button, RunChoice choice, const RunChoices& choices, bool isMain,
                         bool canRun);

@@ -17,13 +17,15 @@ namespace tavrin {
 namespace {
 
 constexpr int usualWidth = 312;
+constexpr int leastWidth = 200;
 
 } // namespace
 
 RunsPane::RunsPane(UserDefaults& userDefaults)
     : defaults(userDefaults), model(new RunListModel(this)), found(new FoundListModel(this)),
       pages(new QStackedWidget) {
-    setFixedWidth(std::max(usualWidth, fontMetrics().averageCharWidth() * 40));
+    setMaximumWidth(std::max(usualWidth, fontMetrics().averageCharWidth() * 40));
+    setMinimumWidth(std::min(leastWidth, maximumWidth()));
     makeField();
     list = makeList("historyRuns", tr("Past renames"), model, new RunDelegate(this));
     connect(list->selectionModel(), &QItemSelectionModel::currentChanged, this, &RunsPane::chose);

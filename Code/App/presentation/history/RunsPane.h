@@ -40,6 +40,7 @@ class RunsPane final : public QWidget {
     [[nodiscard]] QListView* view() const { return list; }
     void describeLimits();
     void applyColours();
+    [[nodiscard]] QSize sizeHint() const override { return {maximumWidth(), QWidget::sizeHint().height()}; }
 
   signals:
     void chose();
