@@ -261,10 +261,14 @@ void Session::requireHistory() {
 void Session::tellInterruptedRun() {
     if (!connectedTerminal.errorIsTerminal())
         return;
-    if (const auto run = history().interruptedRun())
-        connectedTerminal.complain(fmt::format("tvrn: the run {0} was interrupted: \"tvrn undo {0}\" takes "
-                                               "it back, \"tvrn redo {0}\" finishes it",
-                                               run->name));
+    const auto run = history().interruptedRun();
+    if (!run)
+        return;
+    // An undo that was cut off is finished by going on with it.
+    const bool isUndo = run->heading.what == RunKind::undo;
+    connectedTerminal.complain(fmt::format(
+        "tvrn: the run {0} was interrupted: \"tvrn undo {0}\" {1}, \"tvrn redo {0}\" {2}", run->name,
+        isUndo ? "finishes it" : "takes it back", isUndo ? "takes it back" : "finishes it"));
 }
 
 void Session::setToStop(RenameEngine* engine) {
