@@ -157,10 +157,12 @@ ReplaceBar::ReplaceBar(LinesEdit& text)
     seeking.setInterval(0);
     connect(&counting, &QTimer::timeout, this, &ReplaceBar::countOn);
     connect(&seeking, &QTimer::timeout, this, &ReplaceBar::seekOn);
-    connect(&lines, &QPlainTextEdit::cursorPositionChanged, this, [this] {
+    const auto recountIfShown = [this] {
         if (isVisible())
             recount();
-    });
+    };
+    connect(&lines, &QPlainTextEdit::cursorPositionChanged, this, recountIfShown);
+    connect(&lines, &QPlainTextEdit::textChanged, this, recountIfShown);
     hide();
 }
 

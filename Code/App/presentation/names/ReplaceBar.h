@@ -54,8 +54,6 @@ class ReplaceBar final : public QWidget {
     void open(bool withReplacement);
     void close();
     void goToMatch(bool forward);
-    /// The lines have changed.
-    void recount();
 
   signals:
     /// A line is to become another, or all lines are that a search matches: one change to take back.
@@ -67,6 +65,7 @@ class ReplaceBar final : public QWidget {
 
   private:
     void searchChanged();
+    void recount();
     void countOn();
     void showCount();
     void replaceThis();
