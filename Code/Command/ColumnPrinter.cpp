@@ -21,7 +21,7 @@ constexpr std::size_t rowsPerPage = 1000;
 constexpr std::string_view arrow = " → ";
 constexpr std::size_t arrowColumns = 3;
 constexpr std::size_t gutter = 2; // for the mark of a problem
-constexpr std::size_t reasonIndent = 4;
+constexpr std::size_t noteIndent = 4;
 /// Wider names stand beside the column that the others make.
 constexpr std::size_t widestAligned = 48;
 /// Less room for two names than this puts them one below the other.
@@ -66,10 +66,11 @@ void ColumnPrinter::add(StoreContext& context, RowId id) {
     context.name(id, name);
     context.finalName(id, finalName);
     const bool changes = name != finalName && !text::canonicallyEqual(name, finalName);
-    std::optional<ToldProblem> problem = problemOf(context, id);
-    changing += changes && !problem ? 1 : 0;
-    problems += problem ? 1 : 0;
-    if (!changes && !problem && !options.all)
+    const ProblemNote note = noteOf(context, id);
+    const bool isProblem = !note.form.empty() && !note.isInfo;
+    changing += changes && !isProblem ? 1 : 0;
+    problems += isProblem ? 1 : 0;
+    if (!changes && !isProblem && !options.all)
         return;
     if (rowsInPage == page.size())
         page.emplace_back();
@@ -80,7 +81,8 @@ void ColumnPrinter::add(StoreContext& context, RowId id) {
         row.after.set(text::precomposed(finalName));
         ShownName::compare(row.before, row.after);
     }
-    row.reason = problem ? std::move(problem->message) : std::string();
+    row.note = display::visible(note.sentence());
+    row.isProblem = isProblem;
     row.heading = std::exchange(nextHeading, {});
     if (rowsInPage == rowsPerPage)
         printPage();
@@ -125,11 +127,11 @@ void ColumnPrinter::printRow(const Row& row) {
         printWrapped(row.heading, 0, painted(paint::heading));
     }
     hasPrinted = true;
-    if (row.reason.empty())
-        appendBlanks(gutter, into);
-    else {
+    if (row.isProblem) {
         paint::append("!", painted(paint::problem), into);
         into += ' ';
+    } else {
+        appendBlanks(gutter, into);
     }
     std::size_t used = gutter;
     if (!row.changes) {
@@ -148,20 +150,21 @@ void ColumnPrinter::printRow(const Row& row) {
         into += arrow;
         used += arrowColumns + row.after.append(layout.after, painted(paint::added), into);
     }
-    printReason(row.reason, used);
+    printNote(row, used);
 }
 
-void ColumnPrinter::printReason(const std::string& reason, std::size_t used) {
+void ColumnPrinter::printNote(const Row& row, std::size_t used) {
     std::string& into = output.content();
-    if (reason.empty()) {
+    const Paint& how = painted(row.isProblem ? paint::problem : paint::plain);
+    if (row.note.empty()) {
         into += '\n';
-    } else if (used + gutter + display::columns(text::fromBytes(reason)) <= options.columns) {
+    } else if (used + gutter + display::columns(text::fromBytes(row.note)) <= options.columns) {
         appendBlanks(gutter, into);
-        paint::append(reason, painted(paint::problem), into);
+        paint::append(row.note, how, into);
         into += '\n';
     } else {
         into += '\n';
-        printWrapped(reason, std::min(reasonIndent, options.columns / 4), painted(paint::problem));
+        printWrapped(row.note, std::min(noteIndent, options.columns / 4), how);
     }
 }
 

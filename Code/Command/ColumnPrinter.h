@@ -31,7 +31,8 @@ class ColumnPrinter {
         ShownName before;
         ShownName after;
         bool changes = false;
-        std::string reason;  ///< why it will keep its name; empty where it will not
+        std::string note; ///< what is to be told beside the names; empty where nothing is
+        bool isProblem = false;
         std::string heading; ///< of the folder that begins with this row
     };
     struct Layout {
@@ -45,7 +46,7 @@ class ColumnPrinter {
     void alignPage();
     [[nodiscard]] Layout layoutOf(const Row& row) const;
     void printRow(const Row& row);
-    void printReason(const std::string& reason, std::size_t used);
+    void printNote(const Row& row, std::size_t used);
     void printSummary();
     /// The words in lines of the terminal's width behind so many blanks.
     void printWrapped(std::string_view words, std::size_t indent, const Paint& how);

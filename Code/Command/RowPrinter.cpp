@@ -121,6 +121,8 @@ void RowPrinter::printObject(StoreContext& context, RowId id) {
     }
     if (const auto problem = problemOf(context, id))
         appendProblem(*problem);
+    if (const ProblemNote note = noteOf(context, id); !note.form.empty())
+        appendMember("note", text::fromUtf8(note.sentence()));
     output.content().back() = '}'; // instead of the last comma
     output.content() += '\n';
 }

@@ -17,8 +17,8 @@ namespace {
 void tellProblems(StoreContext& context, const Predicate& shown, Terminal& terminal) {
     const Predicate withProblem = shown.with(Predicate::isTrue(NodeKey::problem));
     for (const RowId row : context.fetch({FetchEntity::file, withProblem, {{NodeKey::name}}, 0}))
-        terminal.complain(fmt::format("{}: {}: {}", problemTitle(context, row),
-                                      problemOf(context, row)->message, context.fullPath(row)));
+        terminal.complain(fmt::format("{}: {}: {}", problemTitle(context, row), reasonInFull(context, row),
+                                      context.fullPath(row)));
 }
 
 } // namespace

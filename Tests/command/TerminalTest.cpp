@@ -168,9 +168,11 @@ TEST(Columns, APreviewIsLaidOutForTheTerminal) {
         {"stty cols 45; tvrn preview --action 'Replace text' --set searchTerm=name --set "
          "replacementTerm=NAME 0*",
          "  0123 a long name…txt → 0123 a long NAME…txt\n\n1 of 1 name changes.\n"},
-        {"ln -s same 'l k'; tvrn preview $R 'a b' 'l k'",
-         "  a b → a_b\n! l k → l_k\n    This file is a symbolic link and for safety reasons, Tavrin will not "
-         "rename\n    symbolic links.\n\n1 of 2 names changes, 1 problem.\n"},
+        {"stty cols 30; ln -s same 'l k'; tvrn preview $R 'a b' 'l k'",
+         "  a b → a_b\n! l k → l_k\n    symbolic links are not\n    renamed\n\n"
+         "1 of 2 names changes, 1\nproblem.\n"},
+        {"tvrn preview 'replace \" \" \"/\"' 'a b' same",
+         "  a b → a/b  “/” becomes “:” on the disk\n\n1 of 2 names changes.\n"},
         {"tvrn preview --format 0 $R 'a b' same", "a b\ta_b\nsame\tsame\n"},
     };
     for (const auto& [line, shown] : cases) {

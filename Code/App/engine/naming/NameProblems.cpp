@@ -107,10 +107,11 @@ std::string grouped(std::size_t number) {
     return digits;
 }
 
-/// The other one of two that want the same name, where it is still known.
+/// The name of the item that wants or holds the same name, where it is still known.
 std::string rivalOf(StoreContext& context, RowId id, std::uint16_t detail) {
-    const RowId other = id + static_cast<RowId>(static_cast<std::int16_t>(detail));
-    return detail != 0 && context.exists(other) ? text::toUtf8(context.name(other)) : std::string();
+    const auto step = static_cast<std::int16_t>(detail);
+    const RowId other = id + static_cast<RowId>(step);
+    return step != rowTooFar && context.exists(other) ? text::toUtf8(context.name(other)) : std::string();
 }
 
 std::string firstForeignSign(const std::string& name) {
@@ -147,9 +148,11 @@ ProblemNote noteOfProblem(StoreContext& context, RowId id, const NodeRow& row) {
         return {"“%1” is not possible on this medium",
                 {firstForeignSign(text::toUtf8(context.finalName(id)))}};
     case taken:
-        return row.problemDetail == 0 ? ProblemNote{"taken by a file not in the list"}
-                                      : ProblemNote{"taken by “%1”, which keeps its name",
-                                                    {text::toUtf8(context.finalName(id))}};
+        if (row.problemDetail == 0)
+            return {"taken by a file not in the list"};
+        if (std::string holder = rivalOf(context, id, row.problemDetail); !holder.empty())
+            return {"taken by “%1”, which keeps its name", {std::move(holder)}};
+        return {"taken by an item that keeps its name"};
     case conflict:
         if (std::string rival = rivalOf(context, id, row.problemDetail); !rival.empty())
             return {"same as “%1”", {std::move(rival)}};
@@ -196,6 +199,14 @@ std::string ProblemNote::sentence() const {
             result.replace(at, place.size(), values[i]);
     }
     return result;
+}
+
+std::string reasonInFull(StoreContext& context, RowId id) {
+    std::string message = problemOf(context, id).value_or(ToldProblem()).message;
+    const NameProblem problem = context.row(id).problem;
+    if (problem != taken && problem != conflict && problem != foreignCharacter)
+        return message;
+    return fmt::format("{} ({})", message, noteOf(context, id).sentence());
 }
 
 std::string_view problemTitle(StoreContext& context, RowId id) {

@@ -38,6 +38,9 @@ inline constexpr std::size_t longestPath = 4095;
 [[nodiscard]] std::optional<ToldProblem> problemOf(StoreContext& context, RowId id);
 /// What is to be told of the row beside its new name.
 [[nodiscard]] ProblemNote noteOf(StoreContext& context, RowId id);
+/// The message of a row that has a problem, and behind it the note where only that says which item or
+/// character it is about.
+[[nodiscard]] std::string reasonInFull(StoreContext& context, RowId id);
 /// What is told as the title of a row's problem: that it can't be renamed, or has been left out for it.
 [[nodiscard]] std::string_view problemTitle(StoreContext& context, RowId id);
 /// The rows with a problem among these, by ascending id.

@@ -29,10 +29,10 @@ bool isPlain(std::string_view name) {
            (text::isAsciiWithoutNul(name) || (name.find('\0') == name.npos && text::isUtf8(name)));
 }
 
-/// From one row to another as a number for the detail of a problem; 0 where they are too far apart for it.
+/// From one row to another, as the detail of a problem tells it.
 std::uint16_t stepTo(RowId from, RowId to) {
     const std::int64_t step = std::int64_t{to} - from;
-    return step == static_cast<std::int16_t>(step) ? static_cast<std::uint16_t>(step) : 0;
+    return static_cast<std::uint16_t>(step == static_cast<std::int16_t>(step) ? step : rowTooFar);
 }
 
 bool holdsSign(std::string_view name) {
@@ -319,7 +319,7 @@ void ProblemFinder::withhold(std::string_view name, RowId holder, bool onlyFromE
          (mover->isExact || !onlyFromExact);
          mover = whoWants(nameInHand)) {
         mover->problem = taken;
-        mover->detail = holder == noRow ? 0 : 1;
+        mover->detail = holder == noRow ? 0 : stepTo(mover->row, holder);
         holder = mover->row;
         nameInHand = context.component(holder);
     }

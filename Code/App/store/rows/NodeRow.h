@@ -27,6 +27,9 @@ struct SeenItem {
     FileStatus::Kind kind = FileStatus::Kind::file;
 };
 
+/// Stands for the way to a row that is too far from another for 16 bits.
+inline constexpr std::int16_t rowTooFar = INT16_MIN;
+
 /// The fixed part of a `Node` row. Names lie beside it; `fullPath`, `parentPath`, `smartName` and `random`
 /// are derived when read. The pass markers are kept by the store apart from the rows.
 struct NodeRow {
@@ -55,8 +58,8 @@ struct NodeRow {
     NamedBy namedBy = NamedBy::steps;
     NameProblem problem = NameProblem::none; ///< that the item has with its new name
     /// Of a name that is too long: what its file system takes. Of an item that was replaced: the kind there
-    /// now. Of a name that is taken: whether by an item on the list. Of a conflict: as a signed number, how
-    /// far on from this row the other one is; 0 where that is too far.
+    /// now. Of a conflict, and of a name that an item on the list keeps: as a signed number, how far on from
+    /// this row the other one is, or `rowTooFar`. Of a name that is taken by another item: 0.
     std::uint16_t problemDetail = 0;
 
     [[nodiscard]] bool hasExactName() const { return namedBy == NamedBy::hand; }
