@@ -125,6 +125,9 @@ std::size_t FailingFileSystem::failureCount() const {
 
 int FailingFileSystem::admit(const FileEvent& event) {
     int error = before(event);
+    const bool movesBoth = event.call == FileCall::exchange || event.call == FileCall::replace;
+    if (event.changesNames() && (locked.contains(event.name) || (movesBoth && locked.contains(event.to))))
+        error = EPERM;
     const std::lock_guard lock(mutex);
     Kind& kind = kinds[event.call];
     ++kind.count;

@@ -53,6 +53,8 @@ class FailingFileSystem : public FileSystem {
     std::function<int(const FileEvent&)> before = [](const FileEvent&) { return 0; };
     /// Folders know names apart from case only.
     bool ignoresCase = false;
+    /// Names of items that seem to be locked, and that the system lets nobody rename.
+    std::set<std::string> locked;
     /// Seconds by which all changes seem to be older.
     double ages = 0;
     /// Lets everything pass again and counts anew.
@@ -104,6 +106,8 @@ class FailingFileSystem : public FileSystem {
     template <typename Call> int look(const FileEvent& event, FileStatus& into, Call call) {
         const int error = pass(event, call);
         into.changeDate -= ages;
+        into.appendOnly |= locked.contains(event.name);
+        into.tellsLocks |= !locked.empty();
         return error;
     }
 

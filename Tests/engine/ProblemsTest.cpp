@@ -2,8 +2,15 @@
 #include "common/FailingFileSystem.h"
 #include "engine/naming/NameProblems.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
+#include "engine/reading/AddFileSortingDataStage.h"
 #include "engine/reading/FolderNotes.h"
+#include "platform/files/Descriptor.h"
 #include "platform/metadata/FileManager.h"
+#include "support/text/PathParts.h"
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 
 namespace tavrin::test {
 namespace {
@@ -108,11 +115,23 @@ TEST(ProblemLaws, WhatIsForeseenBefallsTheRenameAndNothingElse) {
         disk.ages = isWalked ? 10 : 0;
         bench.folder.makeFolder("f");
         crowd.setUp(bench, ignoresCase, isWalked);
+        const auto lockOne = [&] {
+            if (!crowd.listed.empty())
+                disk.locked.insert(PathParts(crowd.listed[seed % crowd.listed.size()]).name.data());
+        };
+        if (seed % 7 == 0)
+            lockOne();
+        if (seed % 4 != 0) // of what has no values for sorting nothing is known beforehand
+            bench.run<AddFileSortingDataStage>();
         const bool changes = seed % 5 == 0;
         if (changes)
             crowd.change(bench, ignoresCase);
         disk.reset();
         bench.run<ResolveFileNameConflictsStage>();
+        if (rule == 0 && seed % 7 == 1) {
+            lockOne();
+            bench.run<ResolveFileNameConflictsStage>(ResolveFileNameConflictsStage::Task::lookAnew);
+        }
         if (isWalked && !changes) {
             EXPECT_EQ(disk.callCount(FileCall::entries), 0U) << "it is known";
         }
@@ -143,8 +162,8 @@ TEST(ProblemLaws, WhatIsForeseenBefallsTheRenameAndNothingElse) {
                 << report.message << " instead of " << row.problem->message;
         }
     }
-    for (const char* code :
-         {"empty", "forbidden", "cut-character", "too-long", "taken", "conflict", "link", "gone"})
+    for (const char* code : {"empty", "forbidden", "cut-character", "too-long", "taken", "conflict",
+                             "read-only", "link", "gone"})
         EXPECT_GT(seen[code], 5) << code;
 }
 
@@ -204,15 +223,36 @@ TEST(Problems, OfPathsThatGetTooLong) {
     EXPECT_TRUE(bench.files().contains(deep + std::string(left, 'a')));
 }
 
-TEST(Problems, OfLockedFiles) {
-    RenameBench bench;
-    bench.plan("a>b c>d");
+enum class Lock { immutable, appendOnly };
+
+/// False where the file system knows no such locks, or only a privileged user may change them.
+bool setLock(const std::string& path, Lock lock, bool isLocked) {
     const FileManager files;
-    if (!files.lockFile(bench.folder.path("a")))
-        GTEST_SKIP() << "Files can't be locked here.";
-    EXPECT_EQ(problemBeforeAndAfter(bench, "a"), "It is locked against changes");
-    EXPECT_TRUE(files.unlockFile(bench.folder.path("a")));
-    EXPECT_EQ(bench.files(), tree("a d=c"));
+    if (lock == Lock::immutable)
+        return isLocked ? files.lockFile(path) : files.unlockFile(path);
+    const Descriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    int flags = 0;
+    if (!item || ::ioctl(item.get(), FS_IOC_GETFLAGS, &flags) != 0)
+        return false;
+    flags = isLocked ? flags | FS_APPEND_FL : flags & ~FS_APPEND_FL;
+    return ::ioctl(item.get(), FS_IOC_SETFLAGS, &flags) == 0;
+}
+
+TEST(Problems, OfLockedFilesAndFolders) {
+    for (const char* locked : {"f/a", "f"})
+        for (const Lock lock : {Lock::immutable, Lock::appendOnly}) {
+            SCOPED_TRACE(fmt::format("{}, {}", locked, static_cast<int>(lock)));
+            RenameBench bench;
+            bench.plan("f/ f/a>b f/c");
+            bench.run<AddFileSortingDataStage>();
+            if (!setLock(bench.folder.path(locked), lock, true))
+                GTEST_SKIP() << "Nothing can be locked here.";
+            EXPECT_EQ(problemBeforeAndAfter(bench, "f/a"), locked == std::string("f")
+                                                               ? "You may not rename anything in this folder"
+                                                               : "It is locked against changes");
+            EXPECT_EQ(bench.files(), tree("f/a f/c"));
+            EXPECT_TRUE(setLock(bench.folder.path(locked), lock, false));
+        }
 }
 
 } // namespace tavrin::test

@@ -31,8 +31,8 @@ struct StageBench {
     EngineTestHost host;
 
     /// Runs the stage against a context of its own and commits.
-    template <typename Stage> bool run() {
-        Stage stage(host.engine);
+    template <typename Stage, typename... Options> bool run(Options... options) {
+        Stage stage(host.engine, options...);
         StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
         stage.setProgressInfo(&host.progress);
         stage.setSettings(host.settings.values());

@@ -77,8 +77,11 @@ void ProblemFinder::gatherMovers() {
         const NodeRow& row = context.row(id);
         hadProblems |= row.problem != none;
         if (row.diff && filter.admits(row)) {
-            movers.push_back(
-                {id, static_cast<std::uint32_t>(i), row.kind == FileStatus::Kind::link, row.hasExactName()});
+            movers.push_back({.row = id,
+                              .child = static_cast<std::uint32_t>(i),
+                              .isLink = row.kind == FileStatus::Kind::link,
+                              .wasSeen = row.sortingInformationLoaded && !notes.wasLocked(id),
+                              .isExact = row.hasExactName()});
             hasExact |= row.hasExactName();
         } else {
             hasRespelledStayer |= !context.heldFinalName(id).isName;
@@ -102,8 +105,8 @@ NameProblem ProblemFinder::problemOfFolder(RowId folder) {
     case EACCES:
     case EPERM:
         return lockedFolder;
-    default:
-        return none;
+    default: // nothing of folders that may only be added to
+        return status.isLocked() ? lockedFolder : none;
     }
 }
 
@@ -153,22 +156,27 @@ void ProblemFinder::judgeLength(Mover& mover, std::size_t bytes) {
 // ---- the disk
 
 void ProblemFinder::lookAtDisk(RowId folder) {
-    const bool onlyOwnersRename = status.isSticky && status.isForeign;
     const FolderNotes::Answer noted = notes.find(folder, status, rows->size());
     if (noted.isKnown)
         others = noted.names;
-    if (noted.isKnown && !onlyOwnersRename)
+    const bool looks =
+        std::ranges::any_of(movers, [this](const Mover& each) { return mustBeLookedAt(each); });
+    if (noted.isKnown && !looks)
         return;
     std::unique_ptr<OpenFolder> place;
     if (FileSystem::sharedInstance().openFolder(path, place) != 0)
         return;
-    const bool isAnswered = noted.isKnown || (movers.size() <= fewMovers && askForEach(*place));
-    if (!isAnswered && place->entries(listing) == 0)
+    if (!noted.isKnown) {
+        if (movers.size() <= fewMovers && askForEach(*place))
+            return;
+        if (place->entries(listing) != 0) { // it may not be read
+            static_cast<void>(askForEach(*place));
+            return;
+        }
         compareWithListing(folder);
-    else if (!isAnswered)
-        static_cast<void>(askForEach(*place)); // a folder that may not be read
-    if (onlyOwnersRename)
-        judgeOwners(*place);
+    }
+    if (looks)
+        lookAtItems(*place);
 }
 
 bool ProblemFinder::askForEach(OpenFolder& place) {
@@ -177,9 +185,10 @@ bool ProblemFinder::askForEach(OpenFolder& place) {
     asked.reserve(movers.size()); // so that they stay where they are
     for (Mover& mover : movers) {
         FileStatus own;
-        judgePresence(mover, place.status(std::string(context.component(mover.row)), own), own);
-        if (mover.goes() && own.immutable)
-            mover.problem = lockedByFlag;
+        const int error = place.status(std::string(context.component(mover.row)), own);
+        judgePresence(mover, error, own);
+        if (error == 0 && mover.goes())
+            judgeRights(mover, own);
         if (!mover.goes())
             continue;
         const std::string wanted(wishOf(mover));
@@ -251,14 +260,29 @@ void ProblemFinder::compareWithListing(RowId folder) {
     notes.put(folder, status, listing.size() - others.size(), others);
 }
 
-void ProblemFinder::judgeOwners(OpenFolder& place) {
+/// A look at each item costs more than the rest of a preview, so it is only made where it may tell something.
+bool ProblemFinder::mustBeLookedAt(const Mover& mover) const {
+    const bool onlyOwnersRename = status.isSticky && status.isForeign;
+    return onlyOwnersRename || (status.tellsLocks && (isToEnd || !mover.wasSeen));
+}
+
+void ProblemFinder::lookAtItems(OpenFolder& place) {
     for (Mover& mover : movers) {
+        if (isToEnd && isToEnd())
+            return;
         FileStatus own;
-        if (!mover.goes() || place.status(std::string(context.component(mover.row)), own) != 0)
-            continue;
-        if (own.isForeign || own.immutable)
-            mover.problem = own.isForeign ? lockedItem : lockedByFlag;
+        if (mover.goes() && mustBeLookedAt(mover) &&
+            place.status(std::string(context.component(mover.row)), own) == 0)
+            judgeRights(mover, own);
     }
+}
+
+void ProblemFinder::judgeRights(Mover& mover, const FileStatus& found) {
+    notes.noteLocked(mover.row, found.isLocked());
+    if (status.isSticky && status.isForeign && found.isForeign)
+        mover.problem = lockedItem;
+    else if (found.isLocked())
+        mover.problem = lockedByFlag;
 }
 
 // ---- names that are taken

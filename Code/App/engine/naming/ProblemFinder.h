@@ -8,9 +8,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -35,6 +37,9 @@ class ProblemFinder {
                   bool linksAreRenamed)
         : context(storeContext), notes(folderNotes), filter(itemFilter), renamesLinks(linksAreRenamed) {}
 
+    /// Has each item looked at that may be locked, not only those that were when they were read; until the
+    /// question is answered with yes.
+    void lookForLocks(std::function<bool()> question) { isToEnd = std::move(question); }
     /// The children are all those of the folder.
     void lookAt(RowId folder, const std::vector<RowId>& children, Names names);
 
@@ -44,6 +49,7 @@ class ProblemFinder {
         RowId row;
         std::uint32_t child;  ///< its place among the children
         bool isLink = false;  ///< when it was read
+        bool wasSeen = false; ///< and found not to be locked
         bool isExact = false; ///< its name gives way to nothing
         NameProblem problem = NameProblem::none;
         std::uint16_t detail = 0;
@@ -67,7 +73,9 @@ class ProblemFinder {
     void judgePresence(Mover& mover, int error, const FileStatus& found);
     [[nodiscard]] bool isOnList(const std::string& name, const FileIdentity& identity);
     void compareWithListing(RowId folder);
-    void judgeOwners(OpenFolder& place);
+    [[nodiscard]] bool mustBeLookedAt(const Mover& mover) const;
+    void lookAtItems(OpenFolder& place);
+    void judgeRights(Mover& mover, const FileStatus& found);
 
     // Who wants a name that stays another item's.
     void findTaken(Names names);
@@ -90,6 +98,7 @@ class ProblemFinder {
     FolderNotes& notes;
     const ItemFilter filter;
     const bool renamesLinks;
+    std::function<bool()> isToEnd;                ///< none where locks are not looked for
     std::map<std::uint32_t, VolumeFacts> volumes; ///< by device
 
     // Of the folder in hand.

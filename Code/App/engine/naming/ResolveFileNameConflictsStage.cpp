@@ -72,6 +72,8 @@ bool ResolveFileNameConflictsStage::process() {
     NameTable names(*context);
     ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter(),
                            engine.selection().renamesLinks);
+    if (task == Task::lookAnew)
+        problems.lookForLocks([this] { return engine.isEnding(); });
     const FetchRequest request{processSubfolders ? FetchEntity::node : FetchEntity::ghostNode,
                                Predicate::isTrue(NodeKey::treatAsFolder).with(Predicate::notMarked(marker)),
                                {},

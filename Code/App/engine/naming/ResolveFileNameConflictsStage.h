@@ -21,7 +21,8 @@ class ResolveFileNameConflictsStage final : public ProcessingStage {
   public:
     enum class Task {
         resolve,
-        foresee ///< leaves all names as they are, and works each time
+        foresee, ///< leaves all names as they are, and works each time
+        lookAnew ///< the same, and also asks for each item whether it has been locked since it was read
     };
     explicit ResolveFileNameConflictsStage(EngineState& owner, Task whatToDo = Task::resolve)
         : ProcessingStage(owner), task(whatToDo) {}

@@ -95,6 +95,8 @@ class EngineState {
     /// thread, also a signal's helper thread. Starting a rename takes it back.
     void requestStop() { stopRequested = true; }
     [[nodiscard]] bool isStopRequested() const { return stopRequested; }
+    /// The program is waiting for the workers in order to end. Any thread.
+    [[nodiscard]] bool isEnding() const { return ending; }
 
     /// Switches the failing pipeline's store into memory, where all rows are gone and the source items count
     /// as unread; false when it is there already. Worker thread.
@@ -115,6 +117,7 @@ class EngineState {
     ItemSelection itemSelection;
     RenameObserver* observer = nullptr;
     std::atomic<bool> stopRequested{false};
+    std::atomic<bool> ending{false};
     RunOutcomes outcomes;
 
   private:

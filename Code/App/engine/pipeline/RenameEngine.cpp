@@ -98,7 +98,7 @@ void RenameEngine::processLook() {
             return;
         ProcessingPipeline pipeline(*this);
         pipeline.addStage(std::make_unique<ResolveFileNameConflictsStage>(
-            *this, ResolveFileNameConflictsStage::Task::foresee));
+            *this, ResolveFileNameConflictsStage::Task::lookAnew));
         if (pipeline.process())
             refreshList();
     });
@@ -295,7 +295,7 @@ std::unique_ptr<ProcessingPipeline> RenameEngine::createRenamingPipeline(Progres
     const Settings::OnConflict rule = pipeline->settingsOfRun().conflictRule();
     if (rule == Settings::OnConflict::stop) // the preview may be old
         pipeline->addStage(std::make_unique<ResolveFileNameConflictsStage>(
-            *this, ResolveFileNameConflictsStage::Task::foresee));
+            *this, ResolveFileNameConflictsStage::Task::lookAnew));
     if (rule != Settings::OnConflict::number)
         pipeline->addStage(std::make_unique<HeedProblemsStage>(*this));
     pipeline->addStage(std::make_unique<PrepareForRenamingStage>(*this));

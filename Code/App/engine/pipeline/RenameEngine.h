@@ -96,7 +96,6 @@ class RenameEngine : public EngineState {
     bool hadPins = false;                    ///< at the last preview; under the engine's lock
     std::mutex previewPipelinesWaitingToken;
     std::atomic<int> previewPipelinesWaiting{0};
-    std::atomic<bool> ending{false};
     std::atomic<bool> rereadRequested{false};
     RenameThreads threads;
 };

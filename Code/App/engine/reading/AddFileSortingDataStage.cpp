@@ -3,6 +3,7 @@
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"
+#include "engine/reading/FolderNotes.h"
 #include "platform/metadata/ExifHelper.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
@@ -64,6 +65,7 @@ void AddFileSortingDataStage::addSortingData(RowId id) {
         exif = mayHaveDate ? FileManager::instance().fileEXIFDate(context->fullPath(id))
                            : FileManager::distantPast;
     }
+    engine.folderNotes().noteLocked(id, status.isLocked());
     NodeRow& row = context->change(id);
     row.modDate = status.modificationDate;
     row.crDate = status.creationDate;

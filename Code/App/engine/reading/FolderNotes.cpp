@@ -30,6 +30,14 @@ void FolderNotes::put(RowId folder, const FileStatus& before, std::size_t rows, 
     notes.emplace(folder, std::move(note));
 }
 
+void FolderNotes::noteLocked(RowId item, bool isLocked) {
+    if (wasLocked(item) == isLocked)
+        return;
+    if (item >= locked.size())
+        locked.resize(item + std::size_t{1});
+    locked[item] = isLocked;
+}
+
 FolderNotes::Answer FolderNotes::find(RowId folder, const FileStatus& now, std::size_t rows) const {
     const auto found = notes.find(folder);
     if (found == notes.end())

@@ -12,7 +12,7 @@
 namespace tavrin {
 
 /// What was seen in folders beside the items on the list, so that a preview need not list a folder anew that
-/// has not changed since. Worker threads, under the engine's lock.
+/// has not changed since; and which items were locked. Worker threads, under the engine's lock.
 class FolderNotes {
   public:
     /// The names in a folder that are not on the list. Valid as long as the notes stay as they are.
@@ -29,6 +29,10 @@ class FolderNotes {
     };
     [[nodiscard]] Answer find(RowId folder, const FileStatus& now, std::size_t rows) const;
 
+    /// A file is locked and unlocked without a trace in its folder, so what is noted here is to be looked at.
+    void noteLocked(RowId item, bool isLocked);
+    [[nodiscard]] bool wasLocked(RowId item) const { return item < locked.size() && locked[item]; }
+
   private:
     struct Note {
         FileIdentity identity;
@@ -37,6 +41,7 @@ class FolderNotes {
         std::string others; ///< each followed by a NUL
     };
     std::unordered_map<RowId, Note> notes;
+    std::vector<bool> locked; ///< by id
     std::size_t bytes = 0;
 };
 

@@ -34,9 +34,11 @@ NameProblem problemOfRights(std::string_view item, const RunFolders::Place& plac
     if (!place.folder || place.folder->status(".", folder) != 0 ||
         place.folder->status(std::string(item), own) != 0)
         return NameProblem::none;
+    if (folder.isLocked())
+        return NameProblem::lockedFolder;
     if (folder.isSticky && folder.isForeign && own.isForeign)
         return NameProblem::lockedItem;
-    return own.immutable ? NameProblem::lockedByFlag : NameProblem::none;
+    return own.isLocked() ? NameProblem::lockedByFlag : NameProblem::none;
 }
 
 } // namespace

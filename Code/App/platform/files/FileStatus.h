@@ -27,6 +27,8 @@ struct FileStatus {
     enum class Kind : std::uint8_t { file, folder, link, other };
     Kind kind = Kind::file;
     bool immutable = false;
+    bool appendOnly = false;     ///< nothing in it can be changed or, in a folder, renamed; it can only grow
+    bool tellsLocks = false;     ///< its file system tells of the two above
     bool isSticky = false;       ///< a folder in which only owners rename their items
     bool isForeign = false;      ///< it belongs to another user, who counts
     std::uint64_t size = 0;      ///< logical size in bytes; 0 for a folder
@@ -36,6 +38,8 @@ struct FileStatus {
     bool hasBirthTime = false;
     double changeDate = 0; ///< of the status; of a folder also of its entries. No program can set it
     FileIdentity identity;
+    /// Nobody may rename it, nor what lies in it.
+    [[nodiscard]] bool isLocked() const { return immutable || appendOnly; }
 };
 
 } // namespace tavrin

@@ -23,6 +23,7 @@ namespace {
 
 constexpr unsigned statusMask = STATX_TYPE | STATX_MODE | STATX_UID | STATX_SIZE | STATX_BLOCKS |
                                 STATX_MTIME | STATX_CTIME | STATX_BTIME | STATX_INO;
+constexpr std::uint64_t lockMask = STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
 constexpr decltype(statfs::f_type) ntfsMagic = 0x7366746E; // of the driver in the kernel
 constexpr std::uint64_t blockSize = 512; // the unit of stx_blocks, whatever the file system's own
 
@@ -48,6 +49,8 @@ int statusAt(int folder, const std::string& name, int flags, FileStatus& into) {
         return errno;
     into.kind = kindOf(found.stx_mode);
     into.immutable = (found.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
+    into.appendOnly = (found.stx_attributes & STATX_ATTR_APPEND) != 0;
+    into.tellsLocks = (found.stx_attributes_mask & lockMask) == lockMask;
     const bool isFolder = into.kind == FileStatus::Kind::folder;
     into.size = isFolder ? 0 : found.stx_size;
     into.allocated = isFolder ? 0 : found.stx_blocks * blockSize;
