@@ -128,7 +128,7 @@ void RenameBench::checkOutcomes() {
     StoreContext& context = host.managedObjectContext();
     std::array<int, 5> counts{};
     for (RowId row = 1; row < context.endOfRows(); ++row)
-        ++counts.at(static_cast<std::size_t>(view.of(row, {})));
+        ++counts.at(static_cast<std::size_t>(view.of(row)));
     const auto count = [&](RunOutcome outcome) { return counts[static_cast<std::size_t>(outcome)]; };
     EXPECT_EQ(count(RunOutcome::inHand), 0);
     EXPECT_EQ(count(RunOutcome::failed), host.counters().numberOfItemsNotRenamed);

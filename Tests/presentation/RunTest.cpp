@@ -1,5 +1,6 @@
 #include "common/FailingFileSystem.h"
 #include "engine/pipeline/RenameEngine.h"
+#include "presentation/WindowColours.h"
 #include "presentation/WindowFixture.h"
 #include "presentation/cards/Card.h"
 #include "presentation/preview/PreviewPane.h"
@@ -164,6 +165,27 @@ TEST_F(RunInList, IsUndoneByTheKeyOfItsBar) {
     QTest::keyClick(&application->window(), Qt::Key_U, Qt::AltModifier);
     waitForBar("3 file names are as before.");
     EXPECT_EQ(filesOnDisk(), (Names{"f0", "f1", "f2"}));
+}
+
+TEST_F(RunInList, MarksTheRowsOfAnUndoInListAndMap) {
+    startWithFiles(300);
+    click("okButton");
+    EXPECT_EQ(reported(), "300 file names were changed.");
+    waitForPreview();
+    heldAt = renames + 200;
+    click("undoRun");
+    waitUntil("the undo is in the middle", [this] { return isHeld.load(); });
+    QTest::qWait(150); // a tick
+    EXPECT_EQ(rowsThatAre(RunOutcome::done), 199);
+    EXPECT_EQ(rowsThatAre(RunOutcome::inHand), 1);
+    QWidget* map = find("rowMap");
+    const QImage image = map->grab().toImage();
+    int doneLines = 0;
+    for (int y = 0; y < image.height(); ++y)
+        doneLines += image.pixelColor(image.width() - 1, y) == WindowColours::of(map->palette()).addedText;
+    EXPECT_NEAR(doneLines, image.height() * 199 / 300, 2);
+    gate.release();
+    waitForBar("300 file names are as before.");
 }
 
 TEST_F(RunInList, AMapOfTheRowsLeadsToWhatIsFound) {

@@ -394,7 +394,7 @@ void MainWindow::setPreviewDue(bool isDue) {
     refreshRenameButton();
 }
 
-void MainWindow::progressChanged(std::string_view) {
+void MainWindow::showProgress() {
     preview->refreshProgress();
     if (dropletRunWindow)
         dropletRunWindow->refresh();

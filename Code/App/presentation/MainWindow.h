@@ -58,6 +58,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void showRunAlone(bool isRunning);
     /// Whether a question of the run waits for its answer.
     void setWaiting(bool waits);
+    /// At once how far the run is, and that it is being stopped, however long its item in hand takes.
+    void showProgress();
     /// The end of a run: a bar below the list, or a card where the application ends with it.
     void showRunReport(const RunReport& report, std::function<void(ReportAnswer)> answer);
     void centre();
@@ -87,7 +89,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void dropEvent(QDropEvent* event) override;
 
   private:
-    void progressChanged(std::string_view key) override;
+    void progressChanged(std::string_view) override { showProgress(); }
     [[nodiscard]] QWidget* buildWorkPage();
     [[nodiscard]] QWidget* buildBottomRow();
     void addByDialog(bool folders);

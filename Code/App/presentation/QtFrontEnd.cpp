@@ -134,6 +134,7 @@ void QtFrontEnd::withdrawQuestions() {
     for (Card* card : window->findChildren<Card*>())
         if (card->isAsking())
             card->withdraw();
+    window->showProgress();
 }
 
 void QtFrontEnd::askForFilesToAdd(const std::string& startFolder,

@@ -29,8 +29,8 @@ struct RunPurpose {
     std::optional<bool> asks;
     /// Items that could not be made rows.
     std::int64_t failedBefore = 0;
-    /// What becomes of the items is told by their paths, for a list that has rows of its own.
-    bool tellsByPath = false;
+    /// What becomes of the items is told to the list too, which has rows of its own.
+    bool isOnList = false;
     /// The names that items had before the run that this one takes up, for rows that lie elsewhere now.
     std::map<RowId, std::string> formerNames;
     /// Calls with each item that needs no row, since it has got its name before; their folders count by path.

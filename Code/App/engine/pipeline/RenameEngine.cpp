@@ -178,7 +178,7 @@ TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequ
     purpose->of = request.chosen.run.name;
     purpose->isStrict = true;
     purpose->asks = request.asks;
-    purpose->tellsByPath = request.isOnShow;
+    purpose->isOnList = request.isOnShow;
     ProcessingPipeline pipeline(*this);
     pipeline.setProgressInfo(&progress);
     pipeline.setStore(*result.store);

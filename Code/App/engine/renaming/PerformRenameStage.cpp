@@ -12,6 +12,7 @@
 #include "platform/processes/RunLoop.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "store/contexts/StoreContext.h"
+#include "store/paging/StoreError.h"
 #include "store/queries/FilterManager.h"
 #include "support/application/DebugLog.h"
 #include "support/application/MacOSXVersion.h"
@@ -19,6 +20,7 @@
 #include "support/text/Text.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace tavrin {
 
@@ -149,19 +151,34 @@ void PerformRenameStage::prepare() {
     }
     if (purpose->linksAreItems)
         run->primitives.takeLinks();
-    run->outcomes.begin(context->endOfRows(), rowsByPath());
-    const auto planned = static_cast<std::int32_t>(context->count(FetchEntity::file, plannedItems()));
-    context->changeEngineControl().numberOfFilesThatNeedRenaming = planned;
-    report.numberOfItems(planned);
+    const std::vector<RowId> planned = context->fetch({FetchEntity::file, plannedItems(), {}, 0});
+    run->outcomes.begin(context->endOfRows(), planned, rowsOfList(planned));
+    const auto count = static_cast<std::int32_t>(planned.size());
+    context->changeEngineControl().numberOfFilesThatNeedRenaming = count;
+    report.numberOfItems(count);
     report.indeterminate(false);
     setCounters();
 }
 
-RunOutcomes::RowsByPath PerformRenameStage::rowsByPath() const {
-    RunOutcomes::RowsByPath rows;
-    if (purpose->tellsByPath)
-        for (const RowId row : context->fetch({FetchEntity::file, plannedItems(), {}, 0}))
-            rows.emplace(context->fullPath(row), row);
+std::optional<std::vector<RowId>> PerformRenameStage::rowsOfList(const std::vector<RowId>& planned) const {
+    if (!purpose->isOnList)
+        return std::nullopt;
+    std::unordered_map<std::string, RowId> byPath;
+    for (const RowId row : planned)
+        byPath.emplace(context->fullPath(row), row);
+    std::vector<RowId> rows;
+    ItemStore* const store = engine.host().persistentStoreCoordinator();
+    if (store == nullptr)
+        return rows;
+    try {
+        StoreContext list(*store, StoreContext::MergePolicy::storeWins);
+        rows.resize(list.endOfRows(), noRow);
+        for (const RowId row : list.fetch({FetchEntity::file, Predicate::always(), {}, 0}))
+            if (const auto found = byPath.find(list.fullPath(row)); found != byPath.end())
+                rows[row] = found->second;
+    } catch (const StoreError& error) {
+        debugLog("the list shows no marks of this run: {}", error.what());
+    }
     return rows;
 }
 

@@ -3,12 +3,13 @@
 #include "engine/asking/UserQuestions.h"
 #include "engine/history/TakeBack.h"
 #include "engine/pipeline/ProcessingStage.h"
-#include "engine/renaming/RunOutcomes.h"
 #include "store/queries/Predicate.h"
 #include "store/rows/NodeRow.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -38,7 +39,8 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] Predicate plannedItems() const;
     void switchToLionModeOnce();
     void prepare();
-    [[nodiscard]] RunOutcomes::RowsByPath rowsByPath() const;
+    /// For each row of the list the one of these that stands for the same item.
+    [[nodiscard]] std::optional<std::vector<RowId>> rowsOfList(const std::vector<RowId>& planned) const;
     [[nodiscard]] FetchRequest openItems() const;
     bool performBatch(const FetchRequest& request);
     void performItem(RowId id);

@@ -1,14 +1,19 @@
 #include "engine/renaming/RunOutcomes.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tavrin {
 
-void RunOutcomes::begin(RowId end, RowsByPath byPath) {
+void RunOutcomes::begin(RowId end, const std::vector<RowId>& planned,
+                        std::optional<std::vector<RowId>> rowsOfList) {
     auto table = std::make_shared<View::Table>();
     table->end = end;
     table->bytes = std::make_unique<std::atomic<RunOutcome>[]>(end);
-    table->byPath = std::move(byPath);
+    table->isPlanned.resize(end);
+    for (const RowId row : planned)
+        table->isPlanned[row] = true;
+    table->rowsOfList = std::move(rowsOfList);
     const std::lock_guard lock(mutex);
     current = std::move(table);
     failures.clear();
@@ -24,14 +29,19 @@ void RunOutcomes::fail(RowId row, Failure failure) {
         failures.push_back(std::move(failure));
 }
 
-RunOutcome RunOutcomes::View::of(RowId row, const std::string& path) const {
-    if (!table->byPath.empty()) {
-        const auto found = table->byPath.find(path);
-        if (found == table->byPath.end())
-            return RunOutcome::open;
-        row = found->second;
-    }
+RowId RunOutcomes::View::rowOfRun(RowId row) const {
+    const auto& rows = table->rowsOfList;
+    return !rows ? row : row < rows->size() ? (*rows)[row] : noRow;
+}
+
+RunOutcome RunOutcomes::View::of(RowId row) const {
+    row = rowOfRun(row);
     return row < table->end ? table->bytes[row].load(std::memory_order_relaxed) : RunOutcome::open;
+}
+
+bool RunOutcomes::View::isPlanned(RowId row) const {
+    row = rowOfRun(row);
+    return row < table->end && table->isPlanned[row];
 }
 
 RunOutcomes::View RunOutcomes::view() const {

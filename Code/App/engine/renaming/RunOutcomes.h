@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace tavrin {
@@ -20,8 +20,6 @@ enum class RunOutcome : std::uint8_t { open, inHand, done, failed, leftOut };
 /// run begins; rows that came later have no outcome.
 class RunOutcomes {
   public:
-    using RowsByPath = std::unordered_map<std::string, RowId>;
-
     struct Failure {
         std::string path;      ///< in bytes, as the run found the item
         std::u16string wanted; ///< the name that it was to get
@@ -32,9 +30,11 @@ class RunOutcomes {
     static constexpr std::size_t mostFailures = 10000; ///< that are kept; all are counted
 
     // --- The run's thread ---
-    /// A new run over rows below `end`, all of them open. Of a run whose rows are not those of the list
-    /// `byPath` leads from the paths of its items, as the list has them, to its rows.
-    void begin(RowId end, RowsByPath byPath = {});
+    /// A new run over rows below `end`, of which these are planned. Of a run whose rows are not those of the
+    /// list `rowsOfList` has for each row of the list, by its id, the row of the run for the same item, or
+    /// `noRow`.
+    void begin(RowId end, const std::vector<RowId>& planned,
+               std::optional<std::vector<RowId>> rowsOfList = std::nullopt);
     /// One relaxed store; rows beyond the end are left alone.
     void set(RowId row, RunOutcome outcome) {
         if (row < current->end)
@@ -48,18 +48,22 @@ class RunOutcomes {
     /// A look at the outcomes that stays true while the next run begins.
     class View {
       public:
-        /// Of a row of the list, by its path where the run went by paths.
-        [[nodiscard]] RunOutcome of(RowId row, const std::string& path) const;
-        /// Whether the list's own rows were renamed.
-        [[nodiscard]] bool isByRows() const { return table->byPath.empty(); }
+        /// Of a row of the list.
+        [[nodiscard]] RunOutcome of(RowId row) const;
+        /// Whether the item of a row of the list is one that the run is to rename.
+        [[nodiscard]] bool isPlanned(RowId row) const;
 
       private:
         friend class RunOutcomes;
         struct Table {
             RowId end = 0;
             std::unique_ptr<std::atomic<RunOutcome>[]> bytes;
-            RowsByPath byPath;
+            std::vector<bool> isPlanned;
+            std::optional<std::vector<RowId>> rowsOfList;
         };
+        /// The run's own row.
+        [[nodiscard]] RowId rowOfRun(RowId row) const;
+
         std::shared_ptr<const Table> table;
     };
     [[nodiscard]] View view() const;

@@ -35,19 +35,24 @@ class RowMap::Marks {
     [[nodiscard]] std::size_t count() const { return ids.size(); }
     [[nodiscard]] Mark of(std::size_t row) const {
         if (run)
-            return ofOutcome(run->of(ids[row], {}));
+            return ofOutcome(run->of(ids[row]));
         if (ids[row] < problems.size() && problems[ids[row]])
             return Mark::problem;
         return std::ranges::binary_search(matches, static_cast<int>(row)) ? Mark::match : Mark::none;
     }
-    /// Of rows that share a place: it is done when all of them are, but one that failed is enough.
+    /// Of rows that share a place. In a run it is done when all are with which the run has to do, but one
+    /// that failed is enough.
     [[nodiscard]] Mark of(std::size_t first, std::size_t end) const {
-        Mark mark = of(first);
-        for (std::size_t row = first + 1; row < end && mark != Mark::problem; ++row) {
+        Mark mark = Mark::none;
+        bool isOpen = false;
+        for (std::size_t row = first; row < end && mark != Mark::problem; ++row) {
+            if (run && !run->isPlanned(ids[row]))
+                continue;
             const Mark next = of(row);
-            mark = run && next != Mark::problem ? std::min(mark, next) : std::max(mark, next);
+            isOpen |= run && next == Mark::none;
+            mark = std::max(mark, next);
         }
-        return mark;
+        return isOpen && mark == Mark::done ? Mark::none : mark;
     }
 
   private:

@@ -42,7 +42,7 @@ void RunMarks::listWasRead() {
 
 RunOutcome RunMarks::outcomeOf(const PreviewList::Row& row) const {
     if (view)
-        return view->of(row.id, row.fullPath);
+        return view->of(row.id);
     return reasonOf(row).isEmpty() ? RunOutcome::open : RunOutcome::failed;
 }
 

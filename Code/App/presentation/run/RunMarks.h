@@ -29,10 +29,9 @@ class RunMarks {
     /// has now.
     void listWasRead();
 
-    /// The outcomes of the run that goes on, for all rows at once; absent where none does, or one whose rows
-    /// are not those of the list.
+    /// The outcomes of the run that goes on, for all rows at once; absent where none does.
     [[nodiscard]] std::optional<RunOutcomes::View> runUnderWay() const {
-        return !isOver && view && view->isByRows() ? view : std::nullopt;
+        return isOver ? std::nullopt : view;
     }
     [[nodiscard]] RunOutcome outcomeOf(const PreviewList::Row& row) const;
     /// Why a row was not renamed; empty for others.
