@@ -186,6 +186,7 @@ TEST_F(RunInList, MarksTheRowsOfAnUndoInListAndMap) {
     EXPECT_NEAR(doneLines, image.height() * 199 / 300, 2);
     gate.release();
     waitForBar("300 file names are as before.");
+    EXPECT_FALSE(find<QLabel>("previewProgressText")->text().contains("out of 300")) << "of what is over";
 }
 
 TEST_F(RunInList, AMapOfTheRowsLeadsToWhatIsFound) {

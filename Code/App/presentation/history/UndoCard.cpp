@@ -31,10 +31,10 @@ QString extentOf(const UndoQuestion& question) {
     const auto of = [&](const QString& one, const QString& all, const QString& some, const QString& none) {
         if (question.total == 1)
             return question.possible == 1 ? one : none;
-        const QString& form = question.possible == 0                ? none
-                              : question.possible == question.total ? all
-                                                                    : some;
-        return form.arg(QLocale().toString(static_cast<qulonglong>(question.total)), possible);
+        if (question.possible == 0)
+            return none;
+        const QString total = QLocale().toString(static_cast<qulonglong>(question.total));
+        return question.possible == question.total ? all.arg(total) : some.arg(total, possible);
     };
     switch (verbOf(question)) {
     case Verb::undo:

@@ -172,13 +172,20 @@ void StatusRow::arrangeChips() {
     more->setWanted(!more->menu()->isEmpty());
 }
 
+/// Counts and stage of a run that is over are nothing that goes on; the stage of the next is told a little
+/// later than that it has begun.
 void StatusRow::refreshProgress() {
     const ProgressInfo& progress = controller.progressInfo();
-    progressBar->setRange(0, progress.isIndeterminate() ? 0 : std::max(1, progress.numberOfItems()));
-    progressBar->setValue(progress.currentItemNumber());
-    progressText->setText(toQString(progress.stageText()) + ' ' + toQString(progress.itemText()));
-    statusText->setText(toQString(progress.stageText()));
-    statusText->setToolTip(toQString(progress.stageText()).toHtmlEscaped());
+    const QString stage = toQString(progress.stageText());
+    if (progress.isDone())
+        stageAtEnd = stage;
+    const bool isUnderWay = !progress.isDone() && stage != stageAtEnd;
+    const int items = std::max(1, progress.numberOfItems());
+    progressBar->setRange(0, isUnderWay && progress.isIndeterminate() ? 0 : items);
+    progressBar->setValue(isUnderWay ? progress.currentItemNumber() : 0);
+    progressText->setText(isUnderWay ? stage + ' ' + toQString(progress.itemText()) : QString());
+    statusText->setText(stage);
+    statusText->setToolTip(stage.toHtmlEscaped());
 }
 
 void StatusRow::selectPreviewTab(PreviewTab wanted) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QWidget>
 #include <cstddef>
 #include <memory>
@@ -56,6 +57,7 @@ class StatusRow final : public QWidget {
 
     QStackedWidget* pages;
     PreviewTab tab{};
+    QString stageAtEnd; ///< of the last run
     QWidget* runPage = nullptr;
     QLabel* runText = nullptr;
     QPushButton* showFailed = nullptr;
