@@ -189,6 +189,21 @@ TEST_F(RunInList, MarksTheRowsOfAnUndoInListAndMap) {
     EXPECT_FALSE(find<QLabel>("previewProgressText")->text().contains("out of 300")) << "of what is over";
 }
 
+TEST_F(RunInList, AnOpenCardFollowsThePaletteLikeTheBarAfterIt) {
+    failing = {"f1"};
+    startWithFiles(3);
+    click("okButton");
+    const auto groundOf = [](const char* name) { return waitFor(name)->grab().toImage().pixelColor(9, 9); };
+    const QPalette before = QApplication::palette();
+    EXPECT_GT(groundOf("reportProblemWindow").lightness(), 150);
+    QApplication::setPalette(WindowColours::palette(true));
+    EXPECT_LT(groundOf("reportProblemWindow").lightness(), 90);
+    click("confirmAll");
+    EXPECT_LT(groundOf("runReport").lightness(), 90);
+    QApplication::setPalette(before);
+    EXPECT_GT(groundOf("runReport").lightness(), 150);
+}
+
 TEST_F(RunInList, AMapOfTheRowsLeadsToWhatIsFound) {
     startWithFiles(300);
     trigger("findInList");

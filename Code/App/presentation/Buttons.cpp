@@ -1,6 +1,7 @@
 #include "presentation/Buttons.h"
 
 #include "presentation/GlyphIcon.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/WindowColours.h"
 
 #include <QAction>
@@ -41,12 +42,9 @@ void MenuButton::initStyleOption(QStyleOptionToolButton* option) const {
     option->features.setFlag(QStyleOptionToolButton::HasMenu, false);
 }
 
-ProminentButton::ProminentButton(const QString& label) : QPushButton(label) { applyColours(); }
-
-bool ProminentButton::event(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
-        applyColours();
-    return QPushButton::event(event);
+ProminentButton::ProminentButton(const QString& label) : QPushButton(label) {
+    applyColours();
+    whenPaletteChanges(this, [this] { applyColours(); });
 }
 
 void ProminentButton::applyColours() {

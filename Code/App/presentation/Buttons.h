@@ -27,9 +27,6 @@ class ProminentButton final : public QPushButton {
   public:
     explicit ProminentButton(const QString& label);
 
-  protected:
-    bool event(QEvent* event) override;
-
   private:
     void applyColours();
 };

@@ -3,6 +3,7 @@
 #include "presentation/Buttons.h"
 #include "presentation/FlowLayout.h"
 #include "presentation/GlyphIcon.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/Spoken.h"
 #include "presentation/WindowColours.h"
 
@@ -54,6 +55,7 @@ QString htmlOf(const QString& bold, const QString& plain) {
 MessageBar::MessageBar()
     : symbol(new QLabel), text(new QLabel), buttonRow(new QWidget),
       cross(makeToolButton("closeMessage", Glyph::close, tr("Close this message"))) {
+    whenPaletteChanges(this, [this] { applyColours(); });
     Spoken::playNotification(staticMetaObject.className());
     setAutoFillBackground(true);
     symbol->setFixedSize(symbolSize, symbolSize);
@@ -148,12 +150,6 @@ void MessageBar::changeEvent(QEvent* event) {
     QFrame::changeEvent(event);
     if (event->type() == QEvent::FontChange)
         arrange();
-}
-
-bool MessageBar::event(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
-        applyColours();
-    return QFrame::event(event);
 }
 
 void MessageBar::applyColours() {

@@ -48,7 +48,6 @@ class MessageBar final : public QFrame {
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
-    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
 
   private:

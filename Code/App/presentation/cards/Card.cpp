@@ -1,6 +1,7 @@
 #include "presentation/cards/Card.h"
 
 #include "presentation/Buttons.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/WindowColours.h"
 
 #include <QAccessible>
@@ -109,6 +110,7 @@ Card::Card(QWidget& over, bool staysForNext)
     column->addLayout(buttonRow);
     column->addLayout(hints);
     applyColours();
+    whenPaletteChanges(this, [this] { applyColours(); });
 }
 
 void Card::applyColours() {
@@ -313,12 +315,6 @@ void Card::paintEvent(QPaintEvent*) {
     painter.setPen(QPen(outline(palette()), 1));
     painter.setBrush(palette().color(QPalette::Window));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
-}
-
-bool Card::event(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
-        applyColours();
-    return QFrame::event(event);
 }
 
 } // namespace tavrin

@@ -58,7 +58,6 @@ class Card final : public QFrame {
     bool focusNextPrevChild(bool next) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    bool event(QEvent* event) override;
 
   private:
     void setButtons(const CardContent& content);

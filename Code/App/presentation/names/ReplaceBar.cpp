@@ -2,6 +2,7 @@
 
 #include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/QtText.h"
 #include "presentation/Spoken.h"
 #include "presentation/WindowColours.h"
@@ -9,6 +10,7 @@
 #include "support/text/RegularExpression.h"
 #include "support/text/TextSearch.h"
 
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -97,6 +99,7 @@ ReplaceBar::ReplaceBar(LinesEdit& text)
     : lines(text), findField(new QLineEdit), replaceField(new QLineEdit), caseButton(new QToolButton),
       patternButton(new QToolButton), result(new QLabel), replacePart(new QWidget) {
     setObjectName("replaceBar");
+    whenPaletteChanges(this, [this] { applyColours(); });
     findField->setObjectName("textFindField");
     replaceField->setObjectName("textReplaceField");
     result->setObjectName("textFindResult");
@@ -239,14 +242,19 @@ void ReplaceBar::countOn() {
     showCount();
 }
 
+void ReplaceBar::applyColours() {
+    QPalette colours;
+    if (isProblem)
+        colours.setColor(QPalette::WindowText, WindowColours::of(QApplication::palette()).errorMark);
+    result->setPalette(colours);
+}
+
 void ReplaceBar::showCount() {
     const QString failure = search ? search->failure() : QString();
     const bool isCounting = counting.isActive();
     const bool isInVain = search && !isCounting && matches == 0;
-    QPalette palette;
-    if (isInVain || !failure.isEmpty())
-        palette.setColor(QPalette::WindowText, WindowColours::of(palette).errorMark);
-    result->setPalette(palette);
+    isProblem = isInVain || !failure.isEmpty();
+    applyColours();
     result->setToolTip(failure);
     if (!failure.isEmpty())
         result->setText(tr("Not a pattern"));

@@ -68,6 +68,7 @@ class ReplaceBar final : public QWidget {
     void recount();
     void countOn();
     void showCount();
+    void applyColours();
     void replaceThis();
     void replaceAll();
     void seekOn();
@@ -80,6 +81,7 @@ class ReplaceBar final : public QWidget {
     QToolButton* caseButton;
     QToolButton* patternButton;
     QLabel* result;
+    bool isProblem = false; ///< what it tells
     QWidget* replacePart;
     std::shared_ptr<LineSearch> search; ///< null without anything to look for
     QTimer counting;

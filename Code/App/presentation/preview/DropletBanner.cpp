@@ -1,5 +1,6 @@
 #include "presentation/preview/DropletBanner.h"
 
+#include "presentation/PaletteWatch.h"
 #include "presentation/WindowColours.h"
 
 #include <QEvent>
@@ -14,12 +15,7 @@ DropletBanner::DropletBanner()
     setWordWrap(true);
     setMargin(8);
     applyColours();
-}
-
-bool DropletBanner::event(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
-        applyColours();
-    return QLabel::event(event);
+    whenPaletteChanges(this, [this] { applyColours(); });
 }
 
 void DropletBanner::applyColours() {

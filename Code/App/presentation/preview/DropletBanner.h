@@ -11,9 +11,6 @@ class DropletBanner final : public QLabel {
   public:
     DropletBanner();
 
-  protected:
-    bool event(QEvent* event) override;
-
   private:
     void applyColours();
 };

@@ -3,6 +3,7 @@
 #include "engine/pipeline/RenameEngine.h"
 #include "presentation/Buttons.h"
 #include "presentation/GlyphIcon.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/QtText.h"
 #include "presentation/Spoken.h"
 #include "presentation/WindowColours.h"
@@ -10,6 +11,7 @@
 #include "store/contexts/StoreContext.h"
 #include "store/paging/StoreError.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -63,6 +65,7 @@ std::vector<int> placesHolding(StoreContext& context, const std::vector<RowId>& 
 FindBar::FindBar(QTableView& table, PreviewTableModel& shownModel, RenameEngine& runner)
     : view(table), model(shownModel), engine(runner), field(new QLineEdit), result(new QLabel) {
     setObjectName("findBar");
+    whenPaletteChanges(this, [this] { applyColours(); });
     field->setObjectName("findField");
     field->setAccessibleName(tr("Find in the list"));
     field->setPlaceholderText(tr("Find in current and new names"));
@@ -218,11 +221,18 @@ void FindBar::follow() {
     view.scrollTo(view.currentIndex(), QAbstractItemView::PositionAtCenter);
 }
 
-void FindBar::tell() {
+void FindBar::applyColours() {
     QPalette colours;
+    if (isInVain())
+        colours.setColor(QPalette::WindowText, WindowColours::of(QApplication::palette()).errorMark);
+    result->setPalette(colours);
+}
+
+bool FindBar::isInVain() const { return isLooking() && matches.empty() && areAll; }
+
+void FindBar::tell() {
     result->clear();
-    if (isLooking() && matches.empty() && areAll) {
-        colours.setColor(QPalette::WindowText, WindowColours::of(palette()).errorMark);
+    if (isInVain()) {
         result->setText(tr("No match"));
     } else if (isLooking()) {
         const int current = view.currentIndex().isValid() ? view.currentIndex().row() : -1;
@@ -238,7 +248,7 @@ void FindBar::tell() {
             result->setText(areAll ? tr("1 match||%Ln matches", nullptr, static_cast<int>(matches.size()))
                                    : tr("1 match…||%Ln matches…", nullptr, static_cast<int>(matches.size())));
     }
-    result->setPalette(colours);
+    applyColours();
     if (result->accessibleName() != result->text())
         Spoken::sayAtRest(result->text());
     result->setAccessibleName(result->text());

@@ -55,6 +55,8 @@ class FindBar final : public QWidget {
     void found(std::vector<int> rows, bool isAll);
     void follow();
     void tell();
+    [[nodiscard]] bool isInVain() const;
+    void applyColours();
     void stop();
 
     QTableView& view;

@@ -1,6 +1,7 @@
 #include "presentation/preview/NewNameEditor.h"
 
 #include "engine/pipeline/RenameEngine.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
 #include "presentation/preview/PreviewTableModel.h"
@@ -66,6 +67,7 @@ qsizetype extensionOf(const QString& name) {
 NewNameEditor::NewNameEditor(const Parts& all)
     : QLineEdit(all.view.viewport()), parts(all), hint(new QLabel(all.view.viewport())) {
     setObjectName("newNameEditor");
+    whenPaletteChanges(this, [this] { applyColours(); });
     setAccessibleName(tr("New name"));
     hint->setObjectName("newNameHint");
     hint->setAutoFillBackground(true);
@@ -301,14 +303,19 @@ void NewNameEditor::lookForTaken() {
 }
 
 void NewNameEditor::tell(const QString& words, bool isBad) {
-    const WindowColours& colours = WindowColours::of(QApplication::palette());
-    QPalette tinted;
-    tinted.setColor(QPalette::Window, isBad ? colours.errorTint : colours.infoTint);
-    tinted.setColor(QPalette::WindowText, isBad ? colours.errorText : colours.infoText);
-    hint->setPalette(tinted);
     hint->setText(words);
     setAccessibleDescription(words);
+    isHintBad = isBad;
+    applyColours();
     follow();
+}
+
+void NewNameEditor::applyColours() {
+    const WindowColours& colours = WindowColours::of(QApplication::palette());
+    QPalette tinted;
+    tinted.setColor(QPalette::Window, isHintBad ? colours.errorTint : colours.infoTint);
+    tinted.setColor(QPalette::WindowText, isHintBad ? colours.errorText : colours.infoText);
+    hint->setPalette(tinted);
 }
 
 } // namespace tavrin

@@ -59,11 +59,13 @@ class NewNameEditor final : public QLineEdit {
     void lookForTaken();
     void lookForLimit();
     void tell(const QString& words, bool isBad);
+    void applyColours();
     /// What is wrong with the text whatever lies on the disk; empty when nothing is.
     [[nodiscard]] QString fault() const;
 
     Parts parts;
     QLabel* hint;
+    bool isHintBad = false;
     QTimer rest; ///< after the last key
     PreviewList::Row edited;
     QString before;

@@ -1,6 +1,7 @@
 #include "presentation/settings/PanelRows.h"
 
 #include "actions/BaseRenameAction.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
 
@@ -95,6 +96,7 @@ NoteLabel::NoteLabel() {
     setTextInteractionFlags(Qt::TextSelectableByMouse);
     setFocusPolicy(Qt::NoFocus);
     applyColour();
+    whenPaletteChanges(this, [this] { applyColour(); });
 }
 
 void NoteLabel::showNote(const PanelNote& note) {
@@ -107,12 +109,6 @@ void NoteLabel::showNote(const PanelNote& note) {
         return;
     isProblem = note.isProblem;
     applyColour();
-}
-
-bool NoteLabel::event(QEvent* event) {
-    if (event->type() == QEvent::ApplicationPaletteChange) // which changeEvent() is not told of
-        applyColour();
-    return QLabel::event(event);
 }
 
 void NoteLabel::applyColour() {

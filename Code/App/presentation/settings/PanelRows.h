@@ -43,9 +43,6 @@ class NoteLabel : public QLabel {
     NoteLabel();
     void showNote(const PanelNote& note);
 
-  protected:
-    bool event(QEvent* event) override;
-
   private:
     void applyColour();
 
