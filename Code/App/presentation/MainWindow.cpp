@@ -73,8 +73,10 @@ MainWindow::MainWindow(const WindowServices& services)
     closeKey = new QShortcut(QKeySequence("Ctrl+Q"), this, [this] { close(); });
     closeKey->setEnabled(false);
     connect(windowCommands.get(), &WindowCommands::undoRequested, this, &MainWindow::goToUndoOfRun);
-    connect(windowCommands->clearPreview, &QAction::triggered, this,
-            [this] { preview->messageBars().dismiss(RunReportText::barName); });
+    connect(windowCommands->clearPreview, &QAction::triggered, this, [this] {
+        preview->messageBars().dismiss(RunReportText::barName);
+        preview->messageBars().dismiss("itemsWereGone");
+    });
     connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
     connect(windowCommands->showHistory, &QAction::triggered, this, [this] { showHistory({}); });
     connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
