@@ -94,6 +94,13 @@ class EngineState {
     /// Asks the running rename to stop after the step in hand, as if the user had answered "stop". Any
     /// thread, also a signal's helper thread. Starting a rename takes it back.
     void requestStop() { stopRequested = true; }
+    /// The same because the session ends, and nobody reads what is told then: the record of a run that has
+    /// changed names stays without an end, as that of one cut off, so that the next start tells of it.
+    void requestStopAtSessionEnd() {
+        sessionEnds = true;
+        stopRequested = true;
+    }
+    [[nodiscard]] bool isSessionEnding() const { return sessionEnds; }
     [[nodiscard]] bool isStopRequested() const { return stopRequested; }
     /// The program is waiting for the workers in order to end. Any thread.
     [[nodiscard]] bool isEnding() const { return ending; }
@@ -118,6 +125,7 @@ class EngineState {
     RenameObserver* observer = nullptr;
     std::atomic<bool> stopRequested{false};
     std::atomic<bool> ending{false};
+    std::atomic<bool> sessionEnds{false};
     RunOutcomes outcomes;
 
   private:
