@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QLabel>
 #include <QPointer>
 
 namespace tavrin {
@@ -33,6 +34,14 @@ void whenPaletteChanges(QObject* owner, const std::function<void()>& call) {
     if (!watch)
         watch = new PaletteWatch;
     QObject::connect(watch, &PaletteWatch::changed, owner, call);
+}
+
+void recolourLinks(QLabel& label) {
+    whenPaletteChanges(&label, [&label] {
+        const QString text = label.text();
+        label.setText({}); // the same text would be none to set
+        label.setText(text);
+    });
 }
 
 } // namespace tavrin

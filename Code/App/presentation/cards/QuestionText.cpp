@@ -1,6 +1,7 @@
 #include "presentation/cards/QuestionText.h"
 
 #include "presentation/FileBrowser.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/QtText.h"
 #include "presentation/WindowColours.h"
 #include "presentation/dialogs/FilePreviewView.h"
@@ -102,6 +103,7 @@ MessageText* messageText(const char* name, const QString& text) {
 QLabel* pathLink(const std::string& path, void (*show)(const std::string&)) {
     QLabel* label = textLabel("<a href='path'>" + displayed(path).toHtmlEscaped() + "</a>", Qt::RichText);
     label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    recolourLinks(*label);
     QObject::connect(label, &QLabel::linkActivated, label, [path, show] { show(path); });
     return label;
 }

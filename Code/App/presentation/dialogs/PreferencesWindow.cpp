@@ -5,6 +5,7 @@
 #include "platform/metadata/FileManager.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "presentation/MessageBars.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/QtText.h"
 #include "presentation/dialogs/FileManagersPanel.h"
 #include "presentation/dialogs/HistoryPanel.h"
@@ -165,6 +166,7 @@ class Window final : public QDialog {
     void addHelp(QVBoxLayout& page, const QString& text, const char* anchor) {
         auto* link = new QLabel(QString("<a href='help'>%1</a>").arg(text));
         link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+        recolourLinks(*link);
         connect(link, &QLabel::linkActivated, this,
                 [this, anchor] { services.controller.showHelpAnchor(anchor); });
         page.addWidget(link);

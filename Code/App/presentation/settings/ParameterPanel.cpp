@@ -1,6 +1,7 @@
 #include "presentation/settings/ParameterPanel.h"
 
 #include "actions/BaseRenameAction.h"
+#include "presentation/PaletteWatch.h"
 #include "presentation/QtText.h"
 #include "presentation/settings/PanelRows.h"
 #include "presentation/settings/ParameterEditors.h"
@@ -219,6 +220,7 @@ void ParameterPanel::addHelpLink() {
         return;
     auto* link = new QLabel(QString("<a href='help'>%1</a>").arg(tr("More about this action")));
     link->setObjectName("helpLink");
+    recolourLinks(*link);
     link->setAccessibleName(tr("More about this action"));
     link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     connect(link, &QLabel::linkActivated, this,
