@@ -11,10 +11,10 @@ TEST(LinesEdit, NoKeyMakesALineOrTakesOneAway) {
     edit.restart({"one.jpg", "", "three and four.jpg", "five", "Ω.jpg", "last"});
     edit.setIsLocked([](int line) { return line == 3; });
     // As a page would, but for lines that are pasted.
-    QObject::connect(&edit, &LinesEdit::clearingWanted, [&] {
-        for (auto [line, last] = edit.selectedLines(); line <= last; ++line)
-            if (line != 3)
-                edit.putLines(line, {""});
+    QObject::connect(&edit, &LinesEdit::changeWanted, [&](int first, int last, const auto& change) {
+        for (int line = first; line <= last; ++line)
+            if (const auto text = change(line, edit.line(line)); text && line != 3)
+                edit.putLines(line, {*text});
     });
     edit.show();
     std::mt19937 random(12);
@@ -48,11 +48,11 @@ class NamesAsTextTest : public WindowFixture {
   protected:
     void SetUp() override {
         std::vector<std::string> paths;
-        for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt"})
+        for (const std::string& name : files)
             paths.push_back(makeFile(name));
         start(paths);
         chooseAction("Make uppercase");
-        waitForNames({"A.txt", "B.txt", "C.txt", "D.txt"});
+        waitUntil("the names", [&] { return newNames().size() == files.size() && newNames()[3] == "D.txt"; });
         trigger("namesAsText");
         edit = find<LinesEdit>("namesAsText");
     }
@@ -63,6 +63,7 @@ class NamesAsTextTest : public WindowFixture {
     }
     std::string text() { return edit->toPlainText().toStdString(); }
 
+    Names files{"a.txt", "b.txt", "c.txt", "d.txt"};
     LinesEdit* edit = nullptr;
 };
 
@@ -119,6 +120,67 @@ TEST_F(NamesAsTextTest, AllMatchesAreReplacedAsOneChange) {
     waitForNames({"A.txt", "B.txt", "C.txt", "D.txt"});
     type("textFindField", "(");
     waitForText("textFindResult", "Not a pattern");
+}
+
+/// With a program in the place of the desktop's editor, and with an item that no line can hold.
+class TextEditorTest : public NamesAsTextTest {
+  protected:
+    TextEditorTest() { files.push_back("e\nf.txt"); }
+
+    void openEditor(const std::string& program) {
+        for (const char* command : {"xdg-open", "gio"})
+            std::filesystem::permissions(
+                tools.write(command, "#!/bin/sh\ncd '" + tools.path() + "'\n" + program + "\n"),
+                std::filesystem::perms::owner_all);
+        click("openInTextEditor");
+    }
+    /// As most editors save: by another file in the place of the old one.
+    void save(const std::string& text) { std::filesystem::rename(tools.write("saved", text), file); }
+
+    TemporaryFolder tools;
+    Variable searchPath{"PATH", (tools.path() + ":" + std::getenv("PATH")).c_str()};
+    Variable place{"XDG_RUNTIME_DIR", tools.makeFolder("runtime").c_str()};
+    std::string file;
+};
+
+TEST_F(TextEditorTest, WhatAnotherProgramSavesIsTakenOverLineByLine) {
+    openEditor("printf %s \"$1\" >path.new && mv path.new path");
+    waitUntil("the editor", [&] { return tools.kind("path").has_value(); });
+    file = tools.read("path");
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0600));
+    EXPECT_EQ(std::filesystem::status(std::filesystem::path(file).parent_path()).permissions(),
+              std::filesystem::perms(0700));
+    edit->goTo(0);
+    QTest::keyClicks(edit, "my ");
+    save("\xEF\xBB\xBF"
+         "A.txt\r\nb\r\nC.txt\r\nD.txt\r\nE and F.txt\r\n");
+    waitForBar("1 line was taken over from the text editor.  1 line that cannot be edited as text stayed");
+    waitForNames({"my A.txt", "b", "C.txt", "D.txt", "E\nF.txt"});
+    const auto refused = [&](const std::string& why) {
+        waitForBar(why);
+        EXPECT_EQ(newNames(), (Names{"my A.txt", "b", "C.txt", "D.txt", "E\nF.txt"}));
+    };
+    save("A.txt\nb\nC.txt\nD.txt\n");
+    refused("The file has 4 lines, 5 are needed.");
+    std::ofstream(file) << "A.txt\nb\xFF\nC.txt\nD.txt\nE\n";
+    refused("The file is not UTF-8.");
+    std::filesystem::remove(file);
+    refused("The text editor’s file is gone");
+    QTest::keyClick(edit, Qt::Key_Z, Qt::ControlModifier);
+    waitForNames({"my A.txt", "B.txt", "C.txt", "D.txt", "E\nF.txt"});
+    controller().rereadList(); // which gives the rows other ids
+    waitForPreview();
+    std::ofstream(file) << "A.txt\nb\n\nd/D\nE␊F.txt\n";
+    waitForNames({"my A.txt", "b", "C.txt", "d/D", "E\nF.txt"});
+    waitUntil("the lines", [&] { return text() == "my A.txt\nb\n\nd/D\nE␊F.txt"; });
+    QTest::keyClick(edit, Qt::Key_Escape);
+    EXPECT_THAT(tools.names("runtime"), IsEmpty());
+}
+
+TEST_F(TextEditorTest, WithoutAProgramForTextsItIsSaidSo) {
+    openEditor("exit 3");
+    waitForBar("No program that opens texts could be started.");
+    EXPECT_THAT(tools.names("runtime"), IsEmpty());
 }
 
 } // namespace tavrin::test

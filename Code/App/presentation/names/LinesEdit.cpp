@@ -185,11 +185,24 @@ bool LinesEdit::prepareEdit() {
     }
     if (first == last)
         return true;
-    emit clearingWanted();
+    clearSelection();
     QTextCursor caret = textCursor();
     caret.setPosition(caret.selectionStart());
     setTextCursor(caret);
     return !isReadOnly() && !isLocked(first);
+}
+
+/// Of each line that the selection touches what is selected goes.
+void LinesEdit::clearSelection() {
+    const QTextCursor caret = textCursor();
+    const auto [first, last] = selectedLines();
+    const int start = caret.selectionStart() - document()->findBlockByNumber(first).position();
+    const int end = caret.selectionEnd() - document()->findBlockByNumber(last).position();
+    emit changeWanted(first, last, [=, first = first, last = last](int line, const QString& text) {
+        const int from = line == first ? start : 0;
+        const auto to = line == last ? end : static_cast<int>(text.size());
+        return std::optional(text.left(from) + text.mid(to));
+    });
 }
 
 /// Fields of text claim keys that mean something to them; these mean what they do all over the window.

@@ -3,6 +3,7 @@
 #include <QPlainTextEdit>
 #include <QStringList>
 #include <functional>
+#include <optional>
 
 namespace tavrin {
 
@@ -24,6 +25,8 @@ class LinesEdit final : public QPlainTextEdit {
         QString note;
         bool isBad = false; ///< the note is a problem
     };
+    /// What becomes of a line; absent where nothing does.
+    using Change = std::function<std::optional<QString>(int line, const QString& text)>;
     /// Asked for each line that is painted.
     using Describe = std::function<Line(int line)>;
 
@@ -65,8 +68,8 @@ class LinesEdit final : public QPlainTextEdit {
     void edited(int first, int last);
     /// A text of several lines is to take the place of as many from here on. Nothing has been changed yet.
     void linesPasted(int first, const QString& text);
-    /// What is selected in these lines, more than one, is to go. Nothing has been changed yet.
-    void clearingWanted();
+    /// Each of these lines is to become what this makes of it. Nothing has been changed yet.
+    void changeWanted(int first, int last, const tavrin::LinesEdit::Change& change);
     void itemWidthChanged(int width);
     void undoWanted();
     void redoWanted();
@@ -87,6 +90,7 @@ class LinesEdit final : public QPlainTextEdit {
 
     /// False, with a beep, where the caret's line or the selection can't be edited.
     bool prepareEdit();
+    void clearSelection();
     bool handleDeletion(QKeyEvent& event);
     void removeStretch(QTextCursor::MoveOperation towards);
     void moveToLine(int line);

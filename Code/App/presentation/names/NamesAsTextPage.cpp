@@ -30,8 +30,30 @@ constexpr int linesAtOnce = 500;
 constexpr std::chrono::milliseconds restAfterTyping(300);
 constexpr const char* widthKey = "textPageGutter";
 constexpr const char* tooManyLines = "tooManyLines";
+constexpr const char* tooLongLines = "tooLongLines";
+constexpr const char* editorBar = "textEditorBar";
 
 QString textOf(const PreviewList::Row& row) { return toQString(nameLines::lineOf(row.finalName).text); }
+
+bool isTooLong(const QString& text) { return text.size() > static_cast<qsizetype>(nameLines::longestLine); }
+
+QString wordsFor(nameLines::Lock lock) {
+    using enum nameLines::Lock;
+    switch (lock) {
+    case none:
+        return {};
+    //: These stand behind a name and say why it is not edited there.
+    case lineBreak:
+        return NamesAsTextPage::tr("holds a line break, change it by a step");
+    case controlCharacter:
+        return NamesAsTextPage::tr("holds a control character, change it by a step");
+    case reorderingMark:
+        return NamesAsTextPage::tr("holds a mark that reorders letters, change it by a step");
+    case notUtf8:
+        return NamesAsTextPage::tr("is not UTF-8, change it by a step");
+    }
+    return {};
+}
 
 } // namespace
 
@@ -61,7 +83,7 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
     connect(&rest, &QTimer::timeout, this, &NamesAsTextPage::flush);
     connect(lines, &LinesEdit::edited, this, &NamesAsTextPage::linesEdited);
     connect(lines, &LinesEdit::linesPasted, this, &NamesAsTextPage::pasteLines);
-    connect(lines, &LinesEdit::clearingWanted, this, &NamesAsTextPage::clearSelection);
+    connect(lines, &LinesEdit::changeWanted, this, &NamesAsTextPage::changeLines);
     connect(lines, &LinesEdit::itemWidthChanged, this,
             [this](int pixels) { services.defaults.setObject(widthKey, pixels); });
     connect(lines, &LinesEdit::undoWanted, this, [this] {
@@ -75,6 +97,14 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
     });
     connect(replaceBar, &ReplaceBar::allReplaced, this, [this](const auto& replace) {
         changeLines(0, lines->lineCount() - 1, [replace](int, const QString& line) { return replace(line); });
+    });
+    connect(&editor, &EditorLink::saved, this, &NamesAsTextPage::editorHasSaved);
+    connect(&editor, &EditorLink::opened, this, [this] {
+        tellOfEditor(BarMessage::Kind::hint, tr("The names are open in a text editor."),
+                     tr("Whenever it saves, the lines changed there are taken over."));
+    });
+    connect(&editor, &EditorLink::failed, this, [this](const QString& what, const QString& detail) {
+        tellOfEditor(BarMessage::Kind::failure, what, detail);
     });
 }
 
@@ -102,12 +132,18 @@ QLayout* NamesAsTextPage::makeHead() {
         emptied.clear();
         controller.handEdits().restore(before);
     });
+    auto* edit = new ToggleButton(tr("Open in Text &Editor"), Glyph::text);
+    edit->setObjectName("openInTextEditor");
+    edit->setCheckable(false);
+    edit->setToolTip(tr("Edit the lines in the program that the desktop has for texts"));
+    connect(edit, &QToolButton::clicked, this, &NamesAsTextPage::openInEditor);
     for (QPushButton* each : {back, discard})
         each->setAutoDefault(false);
     row->addWidget(back);
     row->addWidget(title);
     row->addWidget(counts);
     row->addStretch(1);
+    row->addWidget(edit);
     row->addWidget(discard);
     return row;
 }
@@ -128,7 +164,9 @@ void NamesAsTextPage::close() {
         return;
     finish();
     isOpened = false;
-    bars.dismiss(tooManyLines);
+    editor.close();
+    for (const char* bar : {tooManyLines, tooLongLines, editorBar})
+        bars.dismiss(bar);
     emit closed(lines->currentLine());
 }
 
@@ -143,6 +181,8 @@ void NamesAsTextPage::finish() {
 /// In slices, each of which puts some lines behind those that are there.
 void NamesAsTextPage::fill(RowId current, int otherwise) {
     work.drop();
+    changesUnderWay = 0;
+    isChanging = false;
     shownIds = model.rowIds();
     isEdited.assign(shownIds.size(), false);
     editedLines.reset();
@@ -170,8 +210,12 @@ std::vector<PreviewList::Row> NamesAsTextPage::rowsOf(int first, int count) cons
 QStringList NamesAsTextPage::textsOf(int first, int count) const {
     QStringList texts;
     for (const PreviewList::Row& row : rowsOf(first, count))
-        texts.append(textOf(row));
+        texts.append(textFor(row));
     return texts;
+}
+
+QString NamesAsTextPage::textFor(const PreviewList::Row& row) const {
+    return emptied.contains(row.id) ? QString() : textOf(row);
 }
 
 void NamesAsTextPage::rowsChanged() {
@@ -197,9 +241,8 @@ void NamesAsTextPage::updateLines() {
             if (row.id != noRow && emptied.contains(row.id) &&
                 !controller.handEdits().pinnedName(row.fullPath).empty())
                 emptied.erase(row.id); // it was undone
-            const bool follows = !isEdited[static_cast<std::size_t>(next)] && !emptied.contains(row.id);
-            const QString text = follows ? textOf(row) : QString();
-            if (follows && text != lines->line(next))
+            if (const QString text = textFor(row);
+                !isEdited[static_cast<std::size_t>(next)] && text != lines->line(next))
                 lines->putLines(next, {text});
             ++next;
         }
@@ -262,16 +305,21 @@ void NamesAsTextPage::settle(int line, const PreviewList::Row& row, std::vector<
 }
 
 void NamesAsTextPage::changeLines(int first, int last, LineChange change) {
-    flush();
+    if (changesUnderWay++ == 0)
+        flush();
     isChanging = true;
     lines->setReadOnly(true);
-    work.begin([this, next = first, last, change = std::move(change)]() mutable {
+    work.begin([this, next = first, last, change = std::move(change), tooLong = std::size_t{0}]() mutable {
         QStringList texts;
         const int start = next;
         const int end = std::min(last + 1, next + linesAtOnce);
         for (; next < end; ++next) {
             const QString text = lines->line(next);
             std::optional<QString> changed = isLocked(next) ? std::nullopt : change(next, text);
+            if (changed && isTooLong(*changed) && changed->size() > text.size()) {
+                changed.reset();
+                ++tooLong;
+            }
             if (changed && *changed != text)
                 noteEdited(next, next);
             texts.append(changed ? *changed : text);
@@ -279,11 +327,25 @@ void NamesAsTextPage::changeLines(int first, int last, LineChange change) {
         lines->putLines(start, texts);
         if (next <= last)
             return true;
+        tellTooLong(tooLong);
+        if (--changesUnderWay > 0)
+            return false;
         lines->setReadOnly(false);
         isChanging = false;
         flush();
         return false;
     });
+}
+
+void NamesAsTextPage::tellTooLong(std::size_t count) {
+    if (count == 0)
+        bars.dismiss(tooLongLines);
+    else
+        bars.present({.objectName = tooLongLines,
+                      .kind = BarMessage::Kind::warning,
+                      .bold = tr("1 line stayed as it was.||%Ln lines stayed as they were.", nullptr,
+                                 static_cast<int>(count)),
+                      .plain = tr("No line may have more than %L1 characters.").arg(nameLines::longestLine)});
 }
 
 void NamesAsTextPage::pasteLines(int first, const QString& text) {
@@ -311,17 +373,106 @@ void NamesAsTextPage::pasteLines(int first, const QString& text) {
                               {"cancelPaste", tr("Cancel"), [this] { bars.dismiss(tooManyLines); }}}});
 }
 
-/// Of each line that the selection touches what is selected goes.
-void NamesAsTextPage::clearSelection() {
-    const QTextCursor caret = lines->textCursor();
-    const auto [first, last] = lines->selectedLines();
-    const int start = caret.selectionStart() - lines->document()->findBlockByNumber(first).position();
-    const int end = caret.selectionEnd() - lines->document()->findBlockByNumber(last).position();
-    changeLines(first, last, [=](int line, const QString& text) {
-        const int from = line == first ? start : 0;
-        const auto to = line == last ? end : static_cast<int>(text.size());
-        return std::optional(text.left(from) + text.mid(to));
+// --- Another editor ---
+
+/// What an editor has saved, on its way to names by hand.
+struct NamesAsTextPage::Return {
+    std::shared_ptr<const EditorLink::Saved> saved;
+    std::size_t locked = 0;
+    std::size_t found = 0;
+    std::size_t tooLong = 0;
+    std::vector<NameByHand> names = {};
+};
+
+void NamesAsTextPage::openInEditor() {
+    finish();
+    work.begin([this, next = 0, all = std::vector<EditorLink::Line>()]() mutable {
+        for (const PreviewList::Row& row : rowsOf(next, linesAtOnce)) {
+            const bool isHere = row.id != noRow;
+            all.push_back({row.fullPath, isHere ? fromQString(lines->line(next)) : std::u16string(),
+                           !isHere || isLocked(next)});
+            ++next;
+        }
+        if (next < lineCount())
+            return true;
+        editor.open(std::move(all));
+        return false;
     });
+}
+
+/// What was typed here is a change of its own, so that nothing that the editor replaces is lost. Rows are
+/// found by their paths: since the editor was opened they may have been read anew.
+void NamesAsTextPage::editorHasSaved(const std::shared_ptr<const EditorLink::Saved>& saved) {
+    flush();
+    work.begin([this, all = Return{saved, saved->lockedLines},
+                ids = controller.nodeController().arrangedObjects(), next = std::size_t{0}]() mutable {
+        const std::size_t count = std::min<std::size_t>(linesAtOnce, ids.size() - next);
+        if (all.found < all.saved->lines.size())
+            for (const PreviewList::Row& row :
+                 controller.nodeController().rowsWithIds(std::span(ids).subspan(next, count)))
+                takeLine(all, row);
+        next += count;
+        if (next < ids.size() && all.found < all.saved->lines.size())
+            return true;
+        endReturn(all);
+        return false;
+    });
+}
+
+void NamesAsTextPage::takeLine(Return& all, const PreviewList::Row& row) {
+    const auto line = row.id == noRow ? all.saved->lines.end() : all.saved->lines.find(row.fullPath);
+    if (line == all.saved->lines.end())
+        return;
+    ++all.found;
+    const QString text = toQString(line->second.text);
+    if (!line->second.isNew && text == textFor(row))
+        return;
+    if (nameLines::lineOf(row.finalName).lock != nameLines::Lock::none) {
+        ++all.locked;
+    } else if (isTooLong(text)) {
+        ++all.tooLong;
+    } else {
+        if (text.isEmpty())
+            emptied.insert(row.id);
+        else
+            emptied.erase(row.id);
+        all.names.push_back({row.fullPath, line->second.text});
+    }
+}
+
+void NamesAsTextPage::endReturn(Return& all) {
+    QStringList remarks;
+    const auto remark = [&remarks](std::size_t count, const char* text) {
+        if (count > 0)
+            remarks.append(tr(text, nullptr, static_cast<int>(count)));
+    };
+    remark(all.locked, QT_TR_NOOP("1 line that cannot be edited as text stayed as it was.||%Ln lines that "
+                                  "cannot be edited as text stayed as they were."));
+    remark(all.tooLong, QT_TR_NOOP("1 line is longer than any name.||%Ln lines are longer than any name."));
+    remark(
+        all.saved->lines.size() - all.found,
+        QT_TR_NOOP("1 line is about an item that is no longer in the list.||%Ln lines are about items that "
+                   "are no longer in the list."));
+    remark(all.saved->cutLines, QT_TR_NOOP("1 line held characters that were left away.||%Ln lines held "
+                                           "characters that were left away."));
+    const int taken = static_cast<int>(all.names.size());
+    if (taken > 0) {
+        emit changing();
+        controller.handEdits().pin(std::move(all.names));
+    }
+    updateLines();
+    tellOfEditor(remarks.isEmpty() ? BarMessage::Kind::done : BarMessage::Kind::warning,
+                 taken == 0
+                     ? tr("Nothing was taken over from the text editor.")
+                     : tr("1 line was taken over from the text editor.||%Ln lines were taken over from "
+                          "the text editor.",
+                          nullptr, taken),
+                 remarks.join(' '));
+}
+
+void NamesAsTextPage::tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain) {
+    if (isOpened)
+        bars.present({.objectName = editorBar, .kind = kind, .bold = bold, .plain = plain});
 }
 
 // --- What is told ---
@@ -335,8 +486,9 @@ LinesEdit::Line NamesAsTextPage::describe(int line) const {
     LinesEdit::Line told{model.shownName(row.name), sign.glyph, sign.colour, {}};
     if (emptied.contains(row.id) && lines->line(line).isEmpty())
         told.note = tr("empty: the computed name “%1” is used").arg(model.shownName(row.finalName));
-    else if (const std::string_view locked = nameLines::lineOf(row.finalName).locked; !locked.empty())
-        told.note = tr(std::string(locked).c_str());
+    else if (const nameLines::Lock lock = nameLines::lineOf(row.finalName).lock;
+             lock != nameLines::Lock::none)
+        told.note = wordsFor(lock);
     else
         told.note =
             model.index(line, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString();
@@ -411,7 +563,8 @@ void NamesAsTextPage::keyPressEvent(QKeyEvent* event) {
 // --- Lines and names ---
 
 bool NamesAsTextPage::isLocked(int line) const {
-    return line >= model.rowCount() || !nameLines::lineOf(model.rowAt(line).finalName).locked.empty();
+    return line >= model.rowCount() ||
+           nameLines::lineOf(model.rowAt(line).finalName).lock != nameLines::Lock::none;
 }
 
 int NamesAsTextPage::lineCount() const { return static_cast<int>(shownIds.size()); }

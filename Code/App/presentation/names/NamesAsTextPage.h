@@ -1,6 +1,9 @@
 #pragma once
 
+#include "presentation/LatestWork.h"
+#include "presentation/MessageBars.h"
 #include "presentation/WindowServices.h"
+#include "presentation/names/EditorLink.h"
 #include "presentation/names/LinesEdit.h"
 #include "shell/commands/HandEdits.h"
 #include "shell/names/NameLines.h"
@@ -18,7 +21,6 @@ class QLabel;
 
 namespace tavrin {
 
-class MessageBars;
 class PreviewTableModel;
 class ReplaceBar;
 
@@ -62,7 +64,8 @@ class NamesAsTextPage final : public QWidget {
 
   private:
     /// What is to become of a line; absent for one that stays.
-    using LineChange = std::function<std::optional<QString>(int line, const QString& text)>;
+    using LineChange = LinesEdit::Change;
+    struct Return;
 
     [[nodiscard]] QLayout* makeHead();
     void fill(RowId current, int otherwise = 0);
@@ -73,9 +76,14 @@ class NamesAsTextPage final : public QWidget {
     void noteEdited(int first, int last);
     void settle(int line, const PreviewList::Row& row, std::vector<NameByHand>& names);
     void pasteLines(int first, const QString& text);
-    void clearSelection();
     /// Changes lines as an edit of the user's, in slices.
     void changeLines(int first, int last, LineChange change);
+    void tellTooLong(std::size_t count);
+    void openInEditor();
+    void editorHasSaved(const std::shared_ptr<const EditorLink::Saved>& saved);
+    void takeLine(Return& all, const PreviewList::Row& row);
+    void endReturn(Return& all);
+    void tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain);
     void showCounts();
     void tellLine();
     void goToChanged(bool forward);
@@ -84,6 +92,8 @@ class NamesAsTextPage final : public QWidget {
     [[nodiscard]] int lineCount() const;
     [[nodiscard]] std::vector<PreviewList::Row> rowsOf(int first, int count) const;
     [[nodiscard]] QStringList textsOf(int first, int count) const;
+    /// What stands in the line of a row that is not in hand.
+    [[nodiscard]] QString textFor(const PreviewList::Row& row) const;
 
     const WindowServices services;
     MainController& controller;
@@ -93,6 +103,7 @@ class NamesAsTextPage final : public QWidget {
     ReplaceBar* replaceBar;
     QLabel* counts;
     SlicedWork work;
+    EditorLink editor;
     QTimer rest; ///< since the last edit
     bool isOpened = false;
     bool isChanging = false;                        ///< an edit of many lines is under way
@@ -102,6 +113,7 @@ class NamesAsTextPage final : public QWidget {
     std::unordered_set<RowId> emptied;              ///< their lines stay empty, and the steps name them
     NamePins before;                                ///< as it was when the page was opened
     int toldLine = -1;
+    int changesUnderWay = 0; ///< of many lines each
 };
 
 } // namespace tavrin
