@@ -6,16 +6,21 @@
 
 namespace tavrin::test {
 
+/// As a page does, but for lines that are pasted.
+void obey(LinesEdit& edit, int locked) {
+    edit.setIsLocked([locked](int line) { return line == locked; });
+    QObject::connect(&edit, &LinesEdit::changeWanted,
+                     [&edit, locked](int line, int last, const auto& change) {
+                         for (; line <= last; ++line)
+                             if (const auto text = change(line, edit.line(line)); text && line != locked)
+                                 edit.putLines(line, {*text});
+                     });
+}
+
 TEST(LinesEdit, NoKeyMakesALineOrTakesOneAway) {
     LinesEdit edit([](int) { return LinesEdit::Line{}; });
     edit.restart({"one.jpg", "", "three and four.jpg", "five", "Ω.jpg", "last"});
-    edit.setIsLocked([](int line) { return line == 3; });
-    // As a page would, but for lines that are pasted.
-    QObject::connect(&edit, &LinesEdit::changeWanted, [&](int first, int last, const auto& change) {
-        for (int line = first; line <= last; ++line)
-            if (const auto text = change(line, edit.line(line)); text && line != 3)
-                edit.putLines(line, {*text});
-    });
+    obey(edit, 3);
     edit.show();
     std::mt19937 random(12);
     const auto oneOf = [&](const auto& choices) {
@@ -31,7 +36,8 @@ TEST(LinesEdit, NoKeyMakesALineOrTakesOneAway) {
                                             Qt::ShiftModifier,
                                             Qt::ControlModifier,
                                             Qt::ControlModifier | Qt::ShiftModifier,
-                                            Qt::AltModifier};
+                                            Qt::AltModifier,
+                                            Qt::AltModifier | Qt::ShiftModifier};
     const char* const clips[]{"a", "b\nc", "d\r\n", "\n\n\n\n\n\n\n\n", "x\u2028y", "", "tab\there"};
     for (int step = 0; step < 5000; ++step) {
         if (step % 20 == 0)
@@ -42,6 +48,49 @@ TEST(LinesEdit, NoKeyMakesALineOrTakesOneAway) {
         ASSERT_EQ(edit.lineCount(), 6) << "step " << step << ", key " << key << " with " << with;
         ASSERT_EQ(edit.line(3), "five") << "step " << step << ", a locked line";
     }
+}
+
+TEST(LinesEdit, ABlockIsChangedInAllLinesByColumns) {
+    LinesEdit edit([](int) { return LinesEdit::Line{}; });
+    edit.restart({"ab12.jpg", "漢34.jpg", "x", "e\u0301f56.jpg", "locked", "12"});
+    obey(edit, 4);
+    edit.resize(600, 300);
+    edit.show();
+    const auto select = [&](int start, int columns) {
+        edit.goTo(0, start);
+        for (int line = 0; line < 5; ++line)
+            QTest::keyClick(&edit, Qt::Key_Down, Qt::AltModifier | Qt::ShiftModifier);
+        for (int column = 0; column < columns; ++column)
+            QTest::keyClick(&edit, Qt::Key_Right, Qt::AltModifier | Qt::ShiftModifier);
+    };
+    const auto text = [&] { return edit.toPlainText().toStdString(); };
+    select(2, 2);
+    QTest::keyClick(&edit, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), "12\n34\n\n56\nck\n");
+    QTest::keyClicks(&edit, "no");
+    EXPECT_EQ(text(), "abno.jpg\n漢no.jpg\nx\ne\u0301fno.jpg\nlocked\n12no");
+    for (int times = 0; times < 3; ++times)
+        QTest::keyClick(&edit, Qt::Key_Backspace);
+    QTest::keyClick(&edit, Qt::Key_Delete);
+    EXPECT_EQ(text(), "ajpg\n.pg\n\ne\u0301jpg\nlocked\n1") << "the caret is behind one column";
+    QTest::keyClick(&edit, Qt::Key_Escape);
+    QTest::keyClick(&edit, Qt::Key_Home);
+    QTest::keyClicks(&edit, "z");
+    EXPECT_EQ(edit.line(4), "locked");
+    EXPECT_EQ(edit.line(5), "z1") << "one line alone";
+    const auto placeOf = [&](int line, int column) {
+        QTextCursor cursor(edit.document()->findBlockByNumber(line));
+        cursor.movePosition(QTextCursor::Right, QTextCursor::MoveAnchor, column);
+        return edit.cursorRect(cursor).center();
+    };
+    QTest::mousePress(edit.viewport(), Qt::LeftButton, Qt::AltModifier, placeOf(0, 1));
+    QTest::mouseMove(edit.viewport(), placeOf(3, 3));
+    QTest::mouseRelease(edit.viewport(), Qt::LeftButton, Qt::AltModifier, placeOf(3, 3));
+    QTest::keyClick(&edit, Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(text(), "ag\n.\n\ne\u0301g\nlocked\nz1");
+    QTest::mouseClick(edit.viewport(), Qt::LeftButton, {}, placeOf(5, 0));
+    QTest::keyClicks(&edit, "y");
+    EXPECT_EQ(text(), "ag\n.\n\ne\u0301g\nlocked\nyz1");
 }
 
 class NamesAsTextTest : public WindowFixture {
@@ -104,6 +153,29 @@ TEST_F(NamesAsTextTest, APasteOverwritesAsManyLinesAsThereAre) {
     QTest::keyClick(edit, Qt::Key_X, Qt::ControlModifier);
     waitForNames({"A.txt", "B.txt", "C.txt", "D.txt"});
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "1\n2\n3\n4");
+}
+
+TEST_F(NamesAsTextTest, ABlockTakesALineEachOrOneForAll) {
+    const auto select = [this] {
+        edit->goTo(1);
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Right})
+            QTest::keyClick(edit, key, Qt::AltModifier | Qt::ShiftModifier);
+    };
+    select();
+    paste("x\ny");
+    waitForBar("The text has 2 lines, the block has 3.");
+    paste("x\ny\nz");
+    waitForNames({"A.txt", "x.txt", "y.txt", "z.txt"});
+    select();
+    paste("same ");
+    QTest::keyClick(edit, Qt::Key_End);
+    paste(QString(4097, 'x'));
+    waitForBar("1 line stayed as it was.  No line may have more than 4,096 characters.");
+    waitForNames({"A.txt", "same .txt", "same .txt", "same .txt"});
+    QTest::keyClick(edit, Qt::Key_Z, Qt::ControlModifier);
+    waitForNames({"A.txt", "x.txt", "y.txt", "z.txt"});
+    QTest::keyClick(edit, Qt::Key_Z, Qt::ControlModifier);
+    waitForNames({"A.txt", "B.txt", "C.txt", "D.txt"});
 }
 
 TEST_F(NamesAsTextTest, AllMatchesAreReplacedAsOneChange) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "presentation/names/BlockSelection.h"
+
 #include <QPlainTextEdit>
 #include <QStringList>
 #include <functional>
@@ -51,6 +53,11 @@ class LinesEdit final : public QPlainTextEdit {
     void goTo(int line, int start = 0, int length = 0);
     /// Descriptions have changed.
     void refresh();
+    void endBlock() { block.end(); }
+    /// Calls with the number and the place of each line that can be seen.
+    void forEachVisibleLine(const QRect& dirty, const std::function<void(int, const QRectF&)>& visit) const;
+    /// What a key puts into a text; empty for one that means something else.
+    [[nodiscard]] static QString typedText(const QKeyEvent& event);
 
     /// In pixels; dragged at its edge.
     [[nodiscard]] int itemWidth() const { return widthOfItems; }
@@ -59,7 +66,9 @@ class LinesEdit final : public QPlainTextEdit {
   public slots:
     // In place of those of the base class, which know of no fixed lines.
     void cut();
+    void copy();
     void paste();
+    void selectAll();
     void undo() { emit undoWanted(); }
     void redo() { emit redoWanted(); }
 
@@ -68,6 +77,8 @@ class LinesEdit final : public QPlainTextEdit {
     void edited(int first, int last);
     /// A text of several lines is to take the place of as many from here on. Nothing has been changed yet.
     void linesPasted(int first, const QString& text);
+    /// The same for the parts of lines that a block covers.
+    void blockPasted(const tavrin::LineBlock& block, const QString& text);
     /// Each of these lines is to become what this makes of it. Nothing has been changed yet.
     void changeWanted(int first, int last, const tavrin::LinesEdit::Change& change);
     void itemWidthChanged(int width);
@@ -77,6 +88,9 @@ class LinesEdit final : public QPlainTextEdit {
   protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -97,12 +111,11 @@ class LinesEdit final : public QPlainTextEdit {
     void noteChange(int position, int added);
     void arrangeGutter();
     void paintGutter(QPainter& painter, const QRect& dirty) const;
-    /// Calls with the number and the place of each line that can be seen.
-    void forEachVisibleLine(const QRect& dirty, const std::function<void(int, const QRectF&)>& visit) const;
 
     Describe describe;
     std::function<bool(int)> isLocked = [](int) { return false; };
     Gutter* gutter;
+    BlockSelection block;
     int widthOfItems = 170;
     bool isPutting = false;
 };

@@ -31,6 +31,8 @@ constexpr std::chrono::milliseconds restAfterTyping(300);
 constexpr const char* widthKey = "textPageGutter";
 constexpr const char* tooManyLines = "tooManyLines";
 constexpr const char* tooLongLines = "tooLongLines";
+constexpr const char* cutLines = "cutLines";
+constexpr qsizetype mostPastedAtOnce = 100000;
 constexpr const char* editorBar = "textEditorBar";
 
 QString textOf(const PreviewList::Row& row) { return toQString(nameLines::lineOf(row.finalName).text); }
@@ -83,6 +85,7 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
     connect(&rest, &QTimer::timeout, this, &NamesAsTextPage::flush);
     connect(lines, &LinesEdit::edited, this, &NamesAsTextPage::linesEdited);
     connect(lines, &LinesEdit::linesPasted, this, &NamesAsTextPage::pasteLines);
+    connect(lines, &LinesEdit::blockPasted, this, &NamesAsTextPage::pasteIntoBlock);
     connect(lines, &LinesEdit::changeWanted, this, &NamesAsTextPage::changeLines);
     connect(lines, &LinesEdit::itemWidthChanged, this,
             [this](int pixels) { services.defaults.setObject(widthKey, pixels); });
@@ -165,7 +168,8 @@ void NamesAsTextPage::close() {
     finish();
     isOpened = false;
     editor.close();
-    for (const char* bar : {tooManyLines, tooLongLines, editorBar})
+    pasting.cancel();
+    for (const char* bar : {tooManyLines, tooLongLines, cutLines, editorBar})
         bars.dismiss(bar);
     emit closed(lines->currentLine());
 }
@@ -181,6 +185,8 @@ void NamesAsTextPage::finish() {
 /// In slices, each of which puts some lines behind those that are there.
 void NamesAsTextPage::fill(RowId current, int otherwise) {
     work.drop();
+    pasting.cancel();
+    bars.dismiss(tooManyLines); // whose button would put them into other lines
     changesUnderWay = 0;
     isChanging = false;
     shownIds = model.rowIds();
@@ -348,29 +354,72 @@ void NamesAsTextPage::tellTooLong(std::size_t count) {
                       .plain = tr("No line may have more than %L1 characters.").arg(nameLines::longestLine)});
 }
 
+void NamesAsTextPage::withPasted(const QString& text, int wanted, std::function<void(Lines)> then) {
+    const auto cut = [text, wanted] {
+        return std::make_shared<const nameLines::Pasted>(nameLines::pasted(
+            {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())},
+            static_cast<std::size_t>(wanted)));
+    };
+    if (text.size() <= mostPastedAtOnce)
+        then(cut());
+    else
+        pasting.start([cut](const LatestWork::Unwanted&) { return cut(); }, std::move(then));
+}
+
 void NamesAsTextPage::pasteLines(int first, const QString& text) {
     const int room = lineCount() - first;
-    auto pasted = std::make_shared<nameLines::Pasted>(
-        nameLines::pasted(std::u16string_view(reinterpret_cast<const char16_t*>(text.utf16()),
-                                              static_cast<std::size_t>(text.size())),
-                          static_cast<std::size_t>(room)));
-    const auto put = [this, first, pasted] {
+    withPasted(text, room, [this, first, room](const Lines& pasted) {
+        const auto put = [this, first, pasted] {
+            bars.dismiss(tooManyLines);
+            const int count = static_cast<int>(pasted->lines.size());
+            changeLines(first, first + count - 1, [first, pasted](int line, const QString&) {
+                return std::optional(toQString(pasted->lines[static_cast<std::size_t>(line - first)]));
+            });
+            tellOfPaste(*pasted);
+        };
+        if (pasted->count <= static_cast<std::size_t>(room)) {
+            put();
+            return;
+        }
+        bars.present({.objectName = tooManyLines,
+                      .kind = BarMessage::Kind::warning,
+                      .bold = tr("The text has %L1 lines, %L2 fit from here.").arg(pasted->count).arg(room),
+                      .buttons = {{"pasteFitting", tr("Paste %L1").arg(room), put},
+                                  {"cancelPaste", tr("Cancel"), [this] { bars.dismiss(tooManyLines); }}}});
+    });
+}
+
+/// A single line goes into each line of the block.
+void NamesAsTextPage::pasteIntoBlock(const LineBlock& block, const QString& text) {
+    withPasted(text, block.lineCount(), [this, block](const Lines& pasted) {
+        if (pasted->count != 1 && pasted->count != static_cast<std::size_t>(block.lineCount())) {
+            bars.present({.objectName = tooManyLines,
+                          .kind = BarMessage::Kind::warning,
+                          .bold = tr("The text has %L1 lines, the block has %L2.")
+                                      .arg(pasted->count)
+                                      .arg(block.lineCount())});
+            return;
+        }
         bars.dismiss(tooManyLines);
-        const int count = static_cast<int>(pasted->lines.size());
-        changeLines(first, first + count - 1, [first, pasted](int line, const QString&) {
-            return std::optional(toQString(pasted->lines[static_cast<std::size_t>(line - first)]));
+        lines->endBlock();
+        changeLines(block.firstLine, block.lastLine, [block, pasted](int line, const QString& former) {
+            const auto place = static_cast<std::size_t>(line - block.firstLine);
+            return block.replaced(former, toQString(pasted->lines[pasted->count == 1 ? 0 : place]));
         });
-        Spoken::say(tr("1 line||%Ln lines", nullptr, count));
-    };
-    if (pasted->count <= static_cast<std::size_t>(room)) {
-        put();
-        return;
-    }
-    bars.present({.objectName = tooManyLines,
-                  .kind = BarMessage::Kind::warning,
-                  .bold = tr("The text has %L1 lines, %L2 fit from here.").arg(pasted->count).arg(room),
-                  .buttons = {{"pasteFitting", tr("Paste %L1").arg(room), put},
-                              {"cancelPaste", tr("Cancel"), [this] { bars.dismiss(tooManyLines); }}}});
+        tellOfPaste(*pasted);
+    });
+}
+
+void NamesAsTextPage::tellOfPaste(const nameLines::Pasted& pasted) {
+    Spoken::say(tr("1 line||%Ln lines", nullptr, static_cast<int>(pasted.lines.size())));
+    if (pasted.changed == 0)
+        bars.dismiss(cutLines);
+    else
+        bars.present({.objectName = cutLines,
+                      .bold = tr("Control characters and marks that reorder letters were left away from 1 "
+                                 "line.||Control characters and marks that reorder letters were left away "
+                                 "from %Ln lines.",
+                                 nullptr, static_cast<int>(pasted.changed))});
 }
 
 // --- Another editor ---

@@ -66,6 +66,7 @@ class NamesAsTextPage final : public QWidget {
     /// What is to become of a line; absent for one that stays.
     using LineChange = LinesEdit::Change;
     struct Return;
+    using Lines = std::shared_ptr<const nameLines::Pasted>;
 
     [[nodiscard]] QLayout* makeHead();
     void fill(RowId current, int otherwise = 0);
@@ -76,6 +77,10 @@ class NamesAsTextPage final : public QWidget {
     void noteEdited(int first, int last);
     void settle(int line, const PreviewList::Row& row, std::vector<NameByHand>& names);
     void pasteLines(int first, const QString& text);
+    void pasteIntoBlock(const LineBlock& block, const QString& text);
+    /// Calls with the text in lines, at once or when another thread is done with a long one.
+    void withPasted(const QString& text, int wanted, std::function<void(Lines)> then);
+    void tellOfPaste(const nameLines::Pasted& pasted);
     /// Changes lines as an edit of the user's, in slices.
     void changeLines(int first, int last, LineChange change);
     void tellTooLong(std::size_t count);
@@ -104,6 +109,7 @@ class NamesAsTextPage final : public QWidget {
     QLabel* counts;
     SlicedWork work;
     EditorLink editor;
+    LatestWork pasting;
     QTimer rest; ///< since the last edit
     bool isOpened = false;
     bool isChanging = false;                        ///< an edit of many lines is under way
