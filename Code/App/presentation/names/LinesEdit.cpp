@@ -393,6 +393,8 @@ void LinesEdit::insertFromMimeData(const QMimeData* source) {
         const QString added = toQString(single.lines.front());
         const int start = caret.selectionStart() - caret.block().position();
         const int end = caret.selectionEnd() - caret.block().position();
+        if (single.changed > 0)
+            emit pastedInPart();
         if (caret.block().length() + added.size() <= longest)
             caret.insertText(added);
         else // whoever may refuse it

@@ -77,7 +77,9 @@ class LinesEdit final : public QPlainTextEdit {
     void edited(int first, int last);
     /// A text of several lines is to take the place of as many from here on. Nothing has been changed yet.
     void linesPasted(int first, const QString& text);
-    /// The same for the parts of lines that a block covers.
+    /// A text that was pasted has lost what no line can hold.
+    void pastedInPart();
+    /// As `linesPasted`, for the parts of lines that a block covers.
     void blockPasted(const tavrin::LineBlock& block, const QString& text);
     /// Each of these lines is to become what this makes of it. Nothing has been changed yet.
     void changeWanted(int first, int last, const tavrin::LinesEdit::Change& change);

@@ -85,6 +85,7 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
     connect(&rest, &QTimer::timeout, this, &NamesAsTextPage::flush);
     connect(lines, &LinesEdit::edited, this, &NamesAsTextPage::linesEdited);
     connect(lines, &LinesEdit::linesPasted, this, &NamesAsTextPage::pasteLines);
+    connect(lines, &LinesEdit::pastedInPart, this, [this] { tellLeftAway(1); });
     connect(lines, &LinesEdit::blockPasted, this, &NamesAsTextPage::pasteIntoBlock);
     connect(lines, &LinesEdit::changeWanted, this, &NamesAsTextPage::changeLines);
     connect(lines, &LinesEdit::itemWidthChanged, this,
@@ -224,10 +225,24 @@ QString NamesAsTextPage::textFor(const PreviewList::Row& row) const {
     return emptied.contains(row.id) ? QString() : textOf(row);
 }
 
+QString NamesAsTextPage::tooManyRows() {
+    return tr("Too long to be edited as text; use Save List and New names from a list.");
+}
+
+bool NamesAsTextPage::canStay() const {
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.sourceItemCount() > 0 && model.rowCount() <= mostLines;
+}
+
 void NamesAsTextPage::rowsChanged() {
     if (!isOpened)
         return;
-    if (model.rowIds() == shownIds) {
+    if (!canStay()) {
+        close();
+        if (model.rowCount() > mostLines)
+            bars.present({.objectName = "tooLongForText", .bold = tooManyRows()});
+    } else if (model.rowIds() == shownIds) {
         updateLines();
     } else {
         const RowId current = currentRow();
@@ -412,14 +427,18 @@ void NamesAsTextPage::pasteIntoBlock(const LineBlock& block, const QString& text
 
 void NamesAsTextPage::tellOfPaste(const nameLines::Pasted& pasted) {
     Spoken::say(tr("1 line||%Ln lines", nullptr, static_cast<int>(pasted.lines.size())));
-    if (pasted.changed == 0)
+    tellLeftAway(pasted.changed);
+}
+
+void NamesAsTextPage::tellLeftAway(std::size_t cut) {
+    if (cut == 0)
         bars.dismiss(cutLines);
     else
         bars.present({.objectName = cutLines,
                       .bold = tr("Control characters and marks that reorder letters were left away from 1 "
                                  "line.||Control characters and marks that reorder letters were left away "
                                  "from %Ln lines.",
-                                 nullptr, static_cast<int>(pasted.changed))});
+                                 nullptr, static_cast<int>(cut))});
 }
 
 // --- Another editor ---

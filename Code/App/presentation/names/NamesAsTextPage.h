@@ -33,6 +33,9 @@ class NamesAsTextPage final : public QWidget {
     /// The most lines that are edited as a text.
     static constexpr int mostLines = static_cast<int>(nameLines::mostLines);
 
+    /// What is said where there are more.
+    [[nodiscard]] static QString tooManyRows();
+
     NamesAsTextPage(const WindowServices& services, PreviewTableModel& model, MessageBars& bars);
     ~NamesAsTextPage() override;
 
@@ -41,7 +44,8 @@ class NamesAsTextPage final : public QWidget {
     /// What has been typed counts, and the list comes back.
     void close();
     [[nodiscard]] bool isOpen() const { return isOpened; }
-    /// The rows on show, or their names, may have changed.
+    /// The rows on show, or their names, may have changed. Closes the page where the list is empty, or too
+    /// long.
     void rowsChanged();
     /// What has been typed counts at once, however much it is.
     void finish();
@@ -81,6 +85,7 @@ class NamesAsTextPage final : public QWidget {
     /// Calls with the text in lines, at once or when another thread is done with a long one.
     void withPasted(const QString& text, int wanted, std::function<void(Lines)> then);
     void tellOfPaste(const nameLines::Pasted& pasted);
+    void tellLeftAway(std::size_t cut);
     /// Changes lines as an edit of the user's, in slices.
     void changeLines(int first, int last, LineChange change);
     void tellTooLong(std::size_t count);
@@ -89,6 +94,7 @@ class NamesAsTextPage final : public QWidget {
     void takeLine(Return& all, const PreviewList::Row& row);
     void endReturn(Return& all);
     void tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain);
+    [[nodiscard]] bool canStay() const;
     void showCounts();
     void tellLine();
     void goToChanged(bool forward);

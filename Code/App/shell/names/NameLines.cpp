@@ -24,6 +24,24 @@ bool reorders(char16_t unit) {
 
 bool isUnfit(char16_t unit) { return isControl(unit) || reorders(unit) || endsLine(unit); }
 
+/// Whether a unit is one of a pair without the other.
+bool isLoneHalf(std::u16string_view text, std::size_t place) {
+    const auto isHalfFrom = [text](std::size_t i, char16_t first) {
+        return i < text.size() && (text[i] & 0xFC00) == first;
+    };
+    return (isHalfFrom(place, 0xD800) && !isHalfFrom(place + 1, 0xDC00)) ||
+           (isHalfFrom(place, 0xDC00) && (place == 0 || !isHalfFrom(place - 1, 0xD800)));
+}
+
+/// Without what no line may hold.
+std::u16string fitPart(std::u16string_view line) {
+    std::u16string fit;
+    for (std::size_t i = 0; i < line.size(); ++i)
+        if (!isUnfit(line[i]) && !isLoneHalf(line, i))
+            fit += line[i];
+    return fit;
+}
+
 char16_t signFor(char16_t unit) {
     constexpr char16_t pictures = 0x2400; // of the control characters, in their order
     constexpr char16_t ofDelete = 0x2421;
@@ -66,14 +84,9 @@ nameLines::Line nameLines::lineOf(std::u16string_view name) {
         line.lock = Lock::notUtf8;
     if (line.lock == Lock::none)
         return line;
-    for (std::size_t i = 0; i < name.size(); ++i) {
-        const bool isHalf = name[i] >= 0xD800 && name[i] <= 0xDFFF;
-        const bool isPaired =
-            isHalf && ((name[i] < 0xDC00 && i + 1 < name.size() && (name[i + 1] & 0xFC00) == 0xDC00) ||
-                       (name[i] >= 0xDC00 && i > 0 && (name[i - 1] & 0xFC00) == 0xD800));
-        if (isUnfit(name[i]) || (isHalf && !isPaired))
+    for (std::size_t i = 0; i < name.size(); ++i)
+        if (isUnfit(name[i]) || isLoneHalf(name, i))
             line.text[i] = signFor(name[i]);
-    }
     return line;
 }
 
@@ -82,9 +95,9 @@ nameLines::Pasted nameLines::pasted(std::u16string_view text, std::size_t wanted
     while (!text.empty()) {
         const auto end = static_cast<std::size_t>(std::ranges::find_if(text, endsLine) - text.begin());
         if (result.count++ < wanted) {
-            std::u16string line(text.substr(0, std::min(end, longestLine + 1)));
-            result.changed += std::erase_if(line, isUnfit) > 0 ? 1 : 0;
-            result.lines.push_back(std::move(line));
+            const std::u16string_view line = text.substr(0, std::min(end, longestLine + 1));
+            result.lines.push_back(fitPart(line));
+            result.changed += result.lines.back().size() < line.size() ? 1 : 0;
         }
         text.remove_prefix(end);
         const bool isPair = text.starts_with(u"\r\n");
