@@ -2,6 +2,7 @@
 
 #include "presentation/QtText.h"
 #include "presentation/Spoken.h"
+#include "presentation/WindowColours.h"
 #include "presentation/names/LinesEdit.h"
 #include "shell/names/NameLines.h"
 #include "support/text/DisplayText.h"
@@ -22,6 +23,7 @@ namespace tavrin {
 namespace {
 
 constexpr std::chrono::milliseconds scrollInterval(50);
+constexpr int caretWidth = 2;
 constexpr int widestCharacter = 2; // columns
 
 std::u16string_view viewOf(const QString& text) {
@@ -231,11 +233,17 @@ void BlockSelection::insert(const QString& text) {
 
 QString BlockSelection::text() const {
     const LineBlock place = block();
-    QStringList parts;
+    QString parts;
     QTextBlock line = edit.document()->findBlockByNumber(place.firstLine);
-    for (int number = place.firstLine; number <= place.lastLine; ++number, line = line.next())
-        parts.append(place.part(line.text()));
-    return parts.join('\n');
+    for (int number = place.firstLine; number <= place.lastLine; ++number, line = line.next()) {
+        if (number > place.firstLine)
+            parts += '\n';
+        const QString whole = line.text();
+        if (const auto stretch = stretchOf(whole, place.from, place.to))
+            parts += QStringView(whole).mid(static_cast<qsizetype>(stretch->start),
+                                            static_cast<qsizetype>(stretch->length));
+    }
+    return parts;
 }
 
 void BlockSelection::remove() { insert(QString()); }
@@ -258,47 +266,47 @@ void BlockSelection::viewChanged() {
         refresh.start();
 }
 
-/// Only of lines in view: a block may reach over all there are.
+/// Only lines in view: a block may reach over all there are.
+void BlockSelection::forEachPart(const std::function<void(const QTextCursor&)>& visit) const {
+    const LineBlock place = block();
+    edit.forEachVisibleLine(edit.viewport()->rect(), [&](int number, const QRectF&) {
+        if (number < place.firstLine || number > place.lastLine)
+            return;
+        const QTextBlock line = edit.document()->findBlockByNumber(number);
+        const auto stretch = stretchOf(line.text(), place.from, place.to);
+        if (!stretch)
+            return;
+        QTextCursor part(line);
+        part.setPosition(line.position() + static_cast<int>(stretch->start));
+        part.setPosition(part.position() + static_cast<int>(stretch->length), QTextCursor::KeepAnchor);
+        visit(part);
+    });
+}
+
 void BlockSelection::showParts() {
     if (!isOn())
         return;
-    const LineBlock place = block();
     QList<QTextEdit::ExtraSelection> parts;
     QTextCharFormat format;
     format.setBackground(edit.palette().highlight());
     format.setForeground(edit.palette().highlightedText());
-    edit.forEachVisibleLine(edit.viewport()->rect(), [&](int number, const QRectF&) {
-        const QTextBlock line = edit.document()->findBlockByNumber(number);
-        const auto stretch = number < place.firstLine || number > place.lastLine
-                                 ? std::nullopt
-                                 : stretchOf(line.text(), place.from, place.to);
-        if (!stretch || stretch->length == 0)
-            return;
-        QTextCursor cursor(line);
-        cursor.setPosition(line.position() + static_cast<int>(stretch->start));
-        cursor.setPosition(cursor.position() + static_cast<int>(stretch->length), QTextCursor::KeepAnchor);
-        parts.append({cursor, format});
+    forEachPart([&](const QTextCursor& part) {
+        if (part.hasSelection())
+            parts.append({part, format});
     });
     edit.setExtraSelections(parts);
     edit.viewport()->update();
 }
 
 void BlockSelection::paint(QPainter& painter) const {
-    if (!isOn() || block().from < block().to)
+    if (!isOn())
         return;
-    const LineBlock place = block();
-    edit.forEachVisibleLine(edit.viewport()->rect(), [&](int number, const QRectF&) {
-        const QTextBlock line = edit.document()->findBlockByNumber(number);
-        const auto stretch = number < place.firstLine || number > place.lastLine
-                                 ? std::nullopt
-                                 : stretchOf(line.text(), place.from, place.to);
-        if (!stretch)
+    const QColor colour = WindowColours::accentOf(edit.palette());
+    forEachPart([&](const QTextCursor& part) {
+        if (part.hasSelection())
             return;
-        QTextCursor cursor(line);
-        cursor.setPosition(line.position() + static_cast<int>(stretch->start));
-        const QRect caret = edit.cursorRect(cursor);
-        painter.fillRect(QRect(caret.center().x(), caret.top(), 2, caret.height()),
-                         edit.palette().highlight());
+        const QRect caret = edit.cursorRect(part);
+        painter.fillRect(QRect(caret.center().x(), caret.top(), caretWidth, caret.height()), colour);
     });
 }
 

@@ -4,11 +4,13 @@
 #include <QPoint>
 #include <QString>
 #include <QTimer>
+#include <functional>
 #include <optional>
 
 class QKeyEvent;
 class QMouseEvent;
 class QPainter;
+class QTextCursor;
 
 namespace tavrin {
 
@@ -49,7 +51,7 @@ class BlockSelection final : public QObject {
     void insert(const QString& text);
     [[nodiscard]] QString text() const;
     void remove();
-    /// The caret in all lines of an empty block; parts of lines are painted as selections are.
+    /// A caret where nothing of a line is selected; parts of lines are painted as selections are.
     void paint(QPainter& painter) const;
     /// What is in view has moved or changed.
     void viewChanged();
@@ -69,6 +71,7 @@ class BlockSelection final : public QObject {
     bool extend(int key);
     void removeBeside(bool forward);
     void showParts();
+    void forEachPart(const std::function<void(const QTextCursor&)>& visit) const;
     [[nodiscard]] Corner cornerAt(QPoint place) const;
     [[nodiscard]] Corner cornerOf(int position) const;
     void scrollOn();

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QLocale>
 #include <QPointer>
+#include <QThreadPool>
 #include <algorithm>
 #include <chrono>
 #include <system_error>
@@ -119,9 +120,8 @@ void EditorLink::close() {
         if (!each.isEmpty())
             watcher.removePaths(each);
     file.reset();
-    written.reset();
-    last.reset();
     lastBytes.reset();
+    QThreadPool::globalInstance()->start([texts = std::move(written), changes = std::move(last)] {});
 }
 
 /// The folder too, since many editors put another file in the place of this one.

@@ -453,7 +453,8 @@ void LinesEdit::paintEvent(QPaintEvent* event) {
             place.left() + document()->documentMargin() + fontMetrics().horizontalAdvance(line(number));
         painter.setPen(told.isBad ? colours.errorText : palette().color(QPalette::PlaceholderText));
         painter.drawText(QRectF(end + 2.0 * gap, place.top(), viewport()->width(), place.height()),
-                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, told.note);
+                         Qt::AlignLeft | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine,
+                         told.note);
     });
     block.paint(painter);
 }

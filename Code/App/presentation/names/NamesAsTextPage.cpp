@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTextBlock>
+#include <QThreadPool>
 #include <QToolButton>
 #include <algorithm>
 
@@ -28,6 +29,7 @@ namespace {
 
 constexpr int linesAtOnce = 500;
 constexpr std::chrono::milliseconds restAfterTyping(300);
+constexpr std::chrono::milliseconds untilNextLook(300);
 constexpr const char* widthKey = "textPageGutter";
 constexpr const char* tooManyLines = "tooManyLines";
 constexpr const char* tooLongLines = "tooLongLines";
@@ -90,11 +92,8 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
     connect(lines, &LinesEdit::changeWanted, this, &NamesAsTextPage::changeLines);
     connect(lines, &LinesEdit::itemWidthChanged, this,
             [this](int pixels) { services.defaults.setObject(widthKey, pixels); });
-    connect(lines, &LinesEdit::undoWanted, this, [this] {
-        finish();
-        emit undoWanted();
-    });
-    connect(lines, &LinesEdit::redoWanted, this, &NamesAsTextPage::redoWanted);
+    connect(lines, &LinesEdit::undoWanted, this, [this] { afterEdits([this] { emit undoWanted(); }); });
+    connect(lines, &LinesEdit::redoWanted, this, [this] { afterEdits([this] { emit redoWanted(); }); });
     connect(lines, &QPlainTextEdit::cursorPositionChanged, this, &NamesAsTextPage::tellLine);
     connect(replaceBar, &ReplaceBar::lineReplaced, this, [this](int line, const QString& text) {
         changeLines(line, line, [text](int, const QString&) { return text; });
@@ -131,10 +130,11 @@ QLayout* NamesAsTextPage::makeHead() {
     discard->setFlat(true);
     discard->setToolTip(tr("Names by hand become as they were when this page was opened"));
     connect(discard, &QPushButton::clicked, this, [this] {
-        finish();
-        emit changing();
-        emptied.clear();
-        controller.handEdits().restore(before);
+        afterEdits([this] {
+            emit changing();
+            emptied.clear();
+            controller.handEdits().restore(before);
+        });
     });
     auto* edit = new ToggleButton(tr("Open in Text &Editor"), Glyph::text);
     edit->setObjectName("openInTextEditor");
@@ -168,6 +168,7 @@ void NamesAsTextPage::close() {
         return;
     finish();
     isOpened = false;
+    work.drop();
     editor.close();
     pasting.cancel();
     for (const char* bar : {tooManyLines, tooLongLines, cutLines, editorBar})
@@ -175,12 +176,24 @@ void NamesAsTextPage::close() {
     emit closed(lines->currentLine());
 }
 
+void NamesAsTextPage::afterEdits(const std::function<void()>& action) {
+    flush();
+    work.begin([action] {
+        action();
+        return false;
+    });
+}
+
 void NamesAsTextPage::finish() {
     if (!isOpened)
         return;
     flush();
+    isHurried = true;
     work.finish();
+    isHurried = false;
     controller.handEdits().finish();
+    if (std::exchange(isBehind, false))
+        updateLines();
 }
 
 /// In slices, each of which puts some lines behind those that are there.
@@ -258,14 +271,26 @@ void NamesAsTextPage::rowsChanged() {
 /// Lines follow their rows, but for those in hand.
 void NamesAsTextPage::updateLines() {
     work.begin([this, next = 0]() mutable {
-        for (const PreviewList::Row& row : rowsOf(next, linesAtOnce)) {
+        if (isHurried && changesUnderWay == 0) {
+            isBehind = true;
+            return false;
+        }
+        const int start = next;
+        QStringList texts;
+        for (const PreviewList::Row& row : rowsOf(start, linesAtOnce)) {
             if (row.id != noRow && emptied.contains(row.id) &&
                 !controller.handEdits().pinnedName(row.fullPath).empty())
                 emptied.erase(row.id); // it was undone
-            if (const QString text = textFor(row);
-                !isEdited[static_cast<std::size_t>(next)] && text != lines->line(next))
-                lines->putLines(next, {text});
+            texts.append(isEdited[static_cast<std::size_t>(next)] ? lines->line(next) : textFor(row));
             ++next;
+        }
+        const auto differs = [&](int line) { return texts[line - start] != lines->line(line); };
+        for (int first = start; first < next;) {
+            int end = first;
+            while (end < next && differs(end))
+                ++end;
+            lines->putLines(first, texts.mid(first - start, end - first));
+            first = end + 1;
         }
         return next < lineCount();
     });
@@ -471,6 +496,7 @@ void NamesAsTextPage::openInEditor() {
 /// What was typed here is a change of its own, so that nothing that the editor replaces is lost. Rows are
 /// found by their paths: since the editor was opened they may have been read anew.
 void NamesAsTextPage::editorHasSaved(const std::shared_ptr<const EditorLink::Saved>& saved) {
+    lastSaved = saved;
     flush();
     work.begin([this, all = Return{saved, saved->lockedLines},
                 ids = controller.nodeController().arrangedObjects(), next = std::size_t{0}]() mutable {
@@ -482,8 +508,18 @@ void NamesAsTextPage::editorHasSaved(const std::shared_ptr<const EditorLink::Sav
         next += count;
         if (next < ids.size() && all.found < all.saved->lines.size())
             return true;
-        endReturn(all);
+        if (all.found < all.saved->lines.size() && controller.renameEngine().isBusy())
+            takeLater(all.saved); // its items may be on their way
+        else
+            endReturn(all);
         return false;
+    });
+}
+
+void NamesAsTextPage::takeLater(const std::shared_ptr<const EditorLink::Saved>& saved) {
+    QTimer::singleShot(untilNextLook, this, [this, saved] {
+        if (editor.isOpen() && saved == lastSaved)
+            editorHasSaved(saved);
     });
 }
 
@@ -536,6 +572,8 @@ void NamesAsTextPage::endReturn(Return& all) {
                           "the text editor.",
                           nullptr, taken),
                  remarks.join(' '));
+    lastSaved.reset();
+    QThreadPool::globalInstance()->start([saved = std::move(all.saved)] {}); // which frees it there
 }
 
 void NamesAsTextPage::tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain) {

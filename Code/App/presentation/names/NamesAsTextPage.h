@@ -91,9 +91,12 @@ class NamesAsTextPage final : public QWidget {
     void tellTooLong(std::size_t count);
     void openInEditor();
     void editorHasSaved(const std::shared_ptr<const EditorLink::Saved>& saved);
+    void takeLater(const std::shared_ptr<const EditorLink::Saved>& saved);
     void takeLine(Return& all, const PreviewList::Row& row);
     void endReturn(Return& all);
     void tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain);
+    /// When all that has been typed counts.
+    void afterEdits(const std::function<void()>& action);
     [[nodiscard]] bool canStay() const;
     void showCounts();
     void tellLine();
@@ -116,7 +119,8 @@ class NamesAsTextPage final : public QWidget {
     SlicedWork work;
     EditorLink editor;
     LatestWork pasting;
-    QTimer rest; ///< since the last edit
+    std::shared_ptr<const EditorLink::Saved> lastSaved; ///< until it has been taken over
+    QTimer rest;                                        ///< since the last edit
     bool isOpened = false;
     bool isChanging = false;                        ///< an edit of many lines is under way
     std::vector<RowId> shownIds;                    ///< by line
@@ -126,6 +130,8 @@ class NamesAsTextPage final : public QWidget {
     NamePins before;                                ///< as it was when the page was opened
     int toldLine = -1;
     int changesUnderWay = 0; ///< of many lines each
+    bool isHurried = false;  ///< lines need not follow their rows just now
+    bool isBehind = false;   ///< so they have not
 };
 
 } // namespace tavrin
