@@ -471,6 +471,24 @@ TEST(RunHistory, BoundsItsSize) {
     EXPECT_EQ(bench.states().size(), 2U);
 }
 
+TEST(RunHistory, TellsOfARunThatTheEndOfTheSessionHasCutOff) {
+    for (const ConfirmationChoice answer : {ConfirmationChoice::one, ConfirmationChoice::leaveOut}) {
+        HistoryBench bench;
+        bench.host.set("interactiveMode", 1);
+        bench.host.prompts.onRename = [&](const RenameQuestion&) {
+            bench.host.engine.requestStopAtSessionEnd();
+            return answer;
+        };
+        bench.plan("a>A1 b>B1");
+        bench.rename();
+        const RunHistory history(bench.records.path());
+        EXPECT_EQ(history.interruptedRun().has_value(), answer == ConfirmationChoice::one);
+        EXPECT_EQ(bench.takeBack(RunKind::undo), answer == ConfirmationChoice::one ? 1 : 0);
+        EXPECT_EQ(bench.files(), tree("a b"));
+        EXPECT_FALSE(history.interruptedRun());
+    }
+}
+
 TEST(RunHistory, KeepsWhatIsNotSettledHoweverOld) {
     HistoryBench bench;
     renameTwo(bench);

@@ -75,6 +75,7 @@ TEST_F(HistoryWindowTest, TheMenuNamesWhatItWouldUndoAndBothWaysLeadBackToWhereT
     waitUntil("the old names", [this] { return filesOnDisk() == Names{"a", "b"}; });
     waitUntilIdle();
     EXPECT_EQ(names(), (Names{"a", "b"}));
+    EXPECT_FALSE(window().findChild<QWidget*>("itemsWereGone"));
     EXPECT_THAT(menu("redoRename").toStdString(), StartsWith("Redo Rename (2 Names, “"));
     trigger("redoRename");
     waitUntil("the new names", [this] { return filesOnDisk() == Names{"A", "B"}; });

@@ -347,7 +347,8 @@ TEST_F(Ending, RemembersTheShapeOfTheWindow) {
         return find<QTableView>("previewTableView")->columnWidth(column);
     };
     const auto settingsWidth = [this] { return find<QSplitter>("innerSplitter")->sizes().front(); };
-    application->window().resize(1000, 640);
+    application->window().resize(1180, 640);
+    trigger("showMultistepDrawer");
     waitForPreview();
     auto* handle = find<QSplitter>("innerSplitter")->handle(1);
     const QPoint grip = handle->rect().center();
@@ -365,7 +366,7 @@ TEST_F(Ending, RemembersTheShapeOfTheWindow) {
     EXPECT_NE(settings, 346);
     endBy(ways[0]);
     start({folder.path("a.txt")});
-    EXPECT_EQ(application->window().size(), QSize(1000, 640));
+    EXPECT_EQ(application->window().size(), QSize(1180, 640));
     EXPECT_EQ(settingsWidth(), settings);
     EXPECT_NEAR(widthOf(PreviewTableModel::currentName), wide, 3);
 }

@@ -73,8 +73,10 @@ MainWindow::MainWindow(const WindowServices& services)
     closeKey = new QShortcut(QKeySequence("Ctrl+Q"), this, [this] { close(); });
     closeKey->setEnabled(false);
     connect(windowCommands.get(), &WindowCommands::undoRequested, this, &MainWindow::goToUndoOfRun);
-    connect(windowCommands->clearPreview, &QAction::triggered, this,
-            [this] { preview->messageBars().dismiss(RunReportText::barName); });
+    connect(windowCommands->clearPreview, &QAction::triggered, this, [this] {
+        preview->messageBars().dismiss(RunReportText::barName);
+        preview->messageBars().dismiss("itemsWereGone");
+    });
     connect(windowCommands->addFiles, &QAction::triggered, this, [this] { addByDialog(false); });
     connect(windowCommands->showHistory, &QAction::triggered, this, [this] { showHistory({}); });
     connect(windowCommands->addFolder, &QAction::triggered, this, [this] { addByDialog(true); });
@@ -228,13 +230,13 @@ QString MainWindow::ownTitle() const {
 void MainWindow::setDividerPosition(double position) {
     isMovingDivider = true;
     // The least position stands for one that nobody has chosen.
-    const int width = position <= 0                                  ? 0
-                      : position <= ActionListCommands::minimumWidth ? firstStepsWidth
-                                                                     : static_cast<int>(position);
-    steps->setVisible(width > 0);
+    stepsWidth = position <= 0                                  ? 0
+                 : position <= ActionListCommands::minimumWidth ? firstStepsWidth
+                                                                : static_cast<int>(position);
+    steps->setVisible(stepsWidth > 0);
     arrangeForSize();
-    if (width > 0)
-        outerSplitter->setSizes({width, std::max(1, outerSplitter->width() - width)});
+    if (stepsWidth > 0)
+        outerSplitter->setSizes({stepsWidth, std::max(1, outerSplitter->width() - stepsWidth)});
     isMovingDivider = false;
 }
 
@@ -496,8 +498,7 @@ void MainWindow::restorePaneWidth() {
     const std::int32_t stored = shared.controller.globalSettings().values().previewPaneWidth;
     if (stored <= 0 || stored == Settings::firstPreviewPaneWidth)
         return;
-    const QList<int> outer = outerSplitter->sizes();
-    const int beside = steps->isHidden() ? 0 : outer.front() + outerSplitter->handleWidth();
+    const int beside = steps->isHidden() ? 0 : stepsWidth + outerSplitter->handleWidth();
     const int whole = isMaximized() ? screen()->availableGeometry().width() : width();
     const int room = whole - beside - innerSplitter->handleWidth();
     innerSplitter->setSizes({std::max(leastSettingsWidth, room - stored), stored});

@@ -109,6 +109,7 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     bool isInDropletEditMode = false;
     bool isPreviewDue = true;
     bool isMovingDivider = false;
+    int stepsWidth = 0; ///< asked for last; the splitter has it only once it is laid out
     bool asksForFolders = false;
     QElapsedTimer lastLook;                ///< at what others may have changed
     QStackedWidget* mainTabView = nullptr; ///< the bottom row, or the strip of a run

@@ -107,6 +107,8 @@ void MessageBar::makeButtons(const std::vector<BarMessage::Button>& buttons) {
         button->setObjectName(each.objectName);
         button->setAutoDefault(false);
         button->setFocusPolicy(Qt::TabFocus);
+        if (each.label.size() == 1) // an arrow
+            button->setFixedWidth(2 * button->fontMetrics().height());
         if (!each.tip.isEmpty()) {
             button->setToolTip(each.tip);
             button->setAccessibleName(each.tip);

@@ -326,6 +326,14 @@ void QtFrontEnd::pathsAdded(const std::vector<std::string>& paths) {
         window->previewPane().pathsAdded(paths);
 }
 
+void QtFrontEnd::itemsWereGone(std::size_t count) {
+    if (window && !isRunningDroplet())
+        window->previewPane().messageBars().present(
+            {.objectName = "itemsWereGone",
+             .bold = MessageBars::tr("1 item was no longer there.||%Ln items were no longer there.", nullptr,
+                                     static_cast<int>(count))});
+}
+
 void QtFrontEnd::runStateChanged(bool isRunning) {
     if (window)
         window->setRunning(isRunning);

@@ -61,6 +61,7 @@ class QtFrontEnd final : public FrontEnd {
     void previewFinished() override;
     void handEditsChanged() override;
     void pathsAdded(const std::vector<std::string>& paths) override;
+    void itemsWereGone(std::size_t count) override;
     void runStateChanged(bool isRunning) override;
     void fillPresetMenu(const std::vector<std::u16string>& titles) override;
     void actionListChanged() override;

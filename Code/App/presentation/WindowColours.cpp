@@ -83,7 +83,8 @@ QPalette WindowColours::palette(bool isDark) {
     set(QPalette::HighlightedText, 0xFFFFFF, 0xFFFFFF);
     set(QPalette::Link, 0x0B6F7A, 0x45BFCB);
     set(QPalette::BrightText, 0xA11B14, 0xFFB4AD);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText})
         palette.setColor(QPalette::Disabled, role, QColor(isDark ? 0x6F7A86 : 0x98A2AE));
     return palette;
 }

@@ -94,6 +94,13 @@ class EngineState {
     /// Asks the running rename to stop after the step in hand, as if the user had answered "stop". Any
     /// thread, also a signal's helper thread. Starting a rename takes it back.
     void requestStop() { stopRequested = true; }
+    /// The same because the session ends, and nobody reads what is told then: the record of a run that has
+    /// changed names stays without an end, as that of one cut off, so that the next start tells of it.
+    void requestStopAtSessionEnd() {
+        sessionEnds = true;
+        stopRequested = true;
+    }
+    [[nodiscard]] bool isSessionEnding() const { return sessionEnds; }
     [[nodiscard]] bool isStopRequested() const { return stopRequested; }
 
     /// Switches the failing pipeline's store into memory, where all rows are gone and the source items count
@@ -115,6 +122,7 @@ class EngineState {
     ItemSelection itemSelection;
     RenameObserver* observer = nullptr;
     std::atomic<bool> stopRequested{false};
+    std::atomic<bool> sessionEnds{false};
     RunOutcomes outcomes;
 
   private:

@@ -223,7 +223,7 @@ void RenameEngine::processFileListPipeline(ProgressInfo&, int format, bool shoul
 void RenameEngine::forgetWhatWasRead(ProgressInfo& progress) {
     ProcessingPipeline cleanUp(*this);
     cleanUp.setProgressInfo(&progress);
-    cleanUp.addStage(std::make_unique<DropGoneItemsStage>(*this));
+    cleanUp.addStage(std::make_unique<DropGoneItemsStage>(*this, isGoneTold.exchange(false)));
     cleanUp.addStage(std::make_unique<CleanUpFilesStage>(*this));
     static_cast<void>(cleanUp.process());
     SourceItemManager::sharedInstance().resetCache();

@@ -33,7 +33,12 @@ class RenameEngine : public EngineState {
     /// they are. While no request is under way.
     void giveNames(GivenNames names) { given = std::make_unique<const GivenNames>(std::move(names)); }
     /// Has the next preview read all items anew, as if they had just been added. Any thread.
-    void rereadAtNextPreview() { rereadRequested = true; }
+    void rereadAtNextPreview() {
+        isGoneTold = true;
+        rereadRequested = true;
+    }
+    /// The same after names were given that the list does not know yet: what seems gone is not told.
+    void rereadMovedAtNextPreview() { rereadRequested = true; }
     void processRenamingPipelineThenClearList(ProgressInfo& progress);
     void processRenamingPipelineThenContinue(ProgressInfo& progress);
     void processRenamingPipelineThenQuit(ProgressInfo& progress);
@@ -98,6 +103,7 @@ class RenameEngine : public EngineState {
     std::atomic<int> previewPipelinesWaiting{0};
     std::atomic<bool> ending{false};
     std::atomic<bool> rereadRequested{false};
+    std::atomic<bool> isGoneTold{false}; ///< at the next time that all is read anew
     RenameThreads threads;
 };
 

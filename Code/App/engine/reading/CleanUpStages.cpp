@@ -59,7 +59,7 @@ bool DropGoneItemsStage::process() {
         lookInto(folder);
     for (const std::string& path : gone)
         SourceItemManager::sharedInstance().removeItem(path);
-    if (count > 0)
+    if (tells && count > 0)
         engine.host().runLoop().post([&host = engine.host(), number = count] { host.tellGone(number); });
     return true;
 }

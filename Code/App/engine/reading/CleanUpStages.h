@@ -32,10 +32,11 @@ class CleanUpProcessingErrorsStage final : public CleanUpStage {
     [[nodiscard]] std::string batchText(std::size_t count) const override;
 };
 
-/// Takes from the list what is no longer there, and tells how many items these are. Before all rows go.
+/// Takes from the list what is no longer there, and tells how many items these are if `isTold`. Before all
+/// rows go.
 class DropGoneItemsStage final : public ProcessingStage {
   public:
-    explicit DropGoneItemsStage(EngineState& owner) : ProcessingStage(owner) {}
+    DropGoneItemsStage(EngineState& owner, bool isTold) : ProcessingStage(owner), tells(isTold) {}
     bool process() override;
     [[nodiscard]] std::string className() const override { return "DropGoneItemsStage"; }
     [[nodiscard]] std::string stageDescription() const override;
@@ -43,6 +44,7 @@ class DropGoneItemsStage final : public ProcessingStage {
   private:
     void lookInto(RowId folder);
 
+    bool tells;
     std::size_t count = 0;
     std::vector<std::string> gone; ///< paths of source items
 };

@@ -91,9 +91,11 @@ Predicate PerformRenameStage::plannedItems() const {
 }
 
 void PerformRenameStage::closeJournal(bool wasStopped) {
-    if (journal)
-        journal->close(run->primitives.actuallyRenamedCounter, purpose->failedBefore + run->failedCounter,
-                       wasStopped);
+    if (!journal)
+        return;
+    const std::int32_t changed = run->primitives.actuallyRenamedCounter;
+    if (!wasStopped || changed == 0 || !engine.isSessionEnding())
+        journal->close(changed, purpose->failedBefore + run->failedCounter, wasStopped);
     journal.reset();
 }
 

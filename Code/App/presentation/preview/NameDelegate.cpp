@@ -137,13 +137,14 @@ std::optional<RunMark> runMark(RunOutcome outcome, const QPalette& palette) {
 struct Note {
     QString words;
     QColor colour;
+    bool repeatsMark = false; ///< and so yields to the name
 };
 
 Note noteOn(PreviewTableModel::State state, const QModelIndex& index, const QPalette& palette) {
     using State = PreviewTableModel::State;
     const QColor dim = palette.color(QPalette::PlaceholderText);
     if (state == State::leftOut)
-        return {NameDelegate::tr("left out"), dim};
+        return {NameDelegate::tr("left out"), dim, true};
     const auto* table = static_cast<const PreviewTableModel*>(index.model());
     const bool hasOwnColumn = state == State::problem && table->show() == PreviewTableModel::Show::problems;
     const QString reason = hasOwnColumn ? QString() : index.data(PreviewTableModel::reasonRole).toString();
@@ -151,26 +152,29 @@ Note noteOn(PreviewTableModel::State state, const QModelIndex& index, const QPal
         return {reason,
                 state == State::problem ? stateColour(state, palette) : WindowColours::of(palette).infoText};
     if (state == State::madeDistinct)
-        return {NameDelegate::tr("made distinct"), stateColour(state, palette)};
-    return {state == State::byHand ? NameDelegate::tr("by hand") : QString(), dim};
+        return {NameDelegate::tr("made distinct"), stateColour(state, palette), true};
+    return {state == State::byHand ? NameDelegate::tr("by hand") : QString(), dim, true};
 }
 
-/// Says behind a name what there is to say about it, and gives the room that this leaves to the name: the
-/// note has the right of way until the name is down to its last characters.
+/// Says behind a name what there is to say about it, and gives the room that this leaves to the name. A
+/// note that tells more than the mark has the right of way until the name is down to its last characters;
+/// another is there only where both have room.
 QRect drawNote(QPainter& painter, const QRect& place, const QStyleOptionViewItem& item, const QString& name,
-               const QString& note, const QColor& colour) {
+               const Note& note) {
     const QFontMetrics& metrics = item.fontMetrics;
     const int wholeName = metrics.horizontalAdvance(name) + 1;
     const int leastName = std::min(wholeName, metrics.averageCharWidth() * leastCharacters);
     const int room = place.width() - gap;
+    if (note.repeatsMark && room - metrics.horizontalAdvance(note.words) < wholeName)
+        return place;
     const int nameWidth =
-        std::clamp(room - metrics.horizontalAdvance(note), leastName, std::max(leastName, wholeName));
+        std::clamp(room - metrics.horizontalAdvance(note.words), leastName, std::max(leastName, wholeName));
     const int noteWidth = std::max(0, room - nameWidth);
     QRect nameRoom(place.left(), place.top(), nameWidth, place.height());
     QRect noteRoom(place.left() + nameWidth + gap, place.top(), noteWidth, place.height());
-    painter.setPen(colour);
+    painter.setPen(note.colour);
     painter.drawText(QStyle::visualRect(item.direction, place, noteRoom), Qt::AlignLeading | Qt::AlignVCenter,
-                     metrics.elidedText(note, Qt::ElideRight, noteWidth));
+                     metrics.elidedText(note.words, Qt::ElideRight, noteWidth));
     return QStyle::visualRect(item.direction, place, nameRoom);
 }
 
@@ -259,8 +263,11 @@ void NameDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                               : isDim  ? item.palette.color(QPalette::PlaceholderText)
                                        : plain;
     QRect nameRoom = place;
-    if (const Note note = isNew ? noteOn(state, index, item.palette) : Note(); !note.words.isEmpty())
-        nameRoom = drawNote(*painter, place, item, text, note.words, mark ? mark->colour : note.colour);
+    if (Note note = isNew ? noteOn(state, index, item.palette) : Note(); !note.words.isEmpty()) {
+        if (mark)
+            note.colour = mark->colour;
+        nameRoom = drawNote(*painter, place, item, text, note);
+    }
     const Spans spans = isPast ? Spans() : index.data(PreviewTableModel::spansRole).value<Spans>();
     drawName(painter, nameRoom, elided(text, spans, item.fontMetrics, nameRoom.width()), item.font,
              textColour, isNew ? colours.addedTint : colours.removedTint,

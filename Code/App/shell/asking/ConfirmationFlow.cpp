@@ -318,20 +318,17 @@ void ConfirmationFlow::closeWindow() {
         return;
     }
     isWindowClosed = true;
-    stopNow();
+    services.engine.requestStop();
+    services.frontEnd.withdrawQuestions();
 }
 
 bool ConfirmationFlow::stopRun(std::function<void(const std::string&)> tell) {
     if (!isReportDue)
         return false;
     tellInstead = std::move(tell);
-    stopNow();
-    return true;
-}
-
-void ConfirmationFlow::stopNow() {
-    services.engine.requestStop();
+    services.engine.requestStopAtSessionEnd();
     services.frontEnd.withdrawQuestions();
+    return true;
 }
 
 std::function<void()> ConfirmationFlow::reportIsOpen() {

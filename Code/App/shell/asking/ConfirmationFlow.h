@@ -74,7 +74,8 @@ class ConfirmationFlow {
     /// whatever the settings say; the application ends when that is read.
     void closeWindow();
     /// For an end that can't wait for the user: stops a run in the same way; `tell` gets the report as one
-    /// line when it has ended. False, and nothing happens, where no run is under way.
+    /// line when it has ended, and the next start tells of it. False, and nothing happens, where no run is
+    /// under way.
     bool stopRun(std::function<void(const std::string& report)> tell);
 
   private:
@@ -84,7 +85,6 @@ class ConfirmationFlow {
     void answerReport(ReportAnswer answer, const std::string& run);
     [[nodiscard]] RunReport reportOf(const RunResult& result) const;
     void startRun(bool quit);
-    void stopNow();
     void settingsAreInconsistent(int choice, const std::function<void(bool)>& then);
     void setCurrentlyShowingProgressTab(bool isShowing);
     [[nodiscard]] std::optional<ConfirmationChoice> answerWithoutUser(const RunQuestion& question) const;

@@ -160,7 +160,7 @@ void UndoCommands::perform(const ChosenRun& chosen) {
 }
 
 void UndoCommands::ended(const TakeBackResult& result) {
-    services.engine.rereadAtNextPreview();
+    services.engine.rereadMovedAtNextPreview();
     units.preview.initiateDelayedPreviewUpdate();
     units.confirmation.tellEndOfTakeBack(result);
 }
