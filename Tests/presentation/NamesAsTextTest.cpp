@@ -134,6 +134,12 @@ TEST_F(NamesAsTextTest, WhatIsTypedIsANameByHandAndTheOthersFollowTheSteps) {
     waitForNames({"a.txt", "b.txt", "c.txt", "d.txt"});
     QTest::keyClick(edit, Qt::Key_Escape);
     EXPECT_TRUE(find("previewTableView")->isVisible());
+    find<QTableView>("previewTableView")->selectRow(3);
+    trigger("moveRowUp");
+    trigger("namesAsText");
+    QTest::keyClick(edit, Qt::Key_Z, Qt::ControlModifier);
+    waitUntil("the former order",
+              [this] { return text() == "a.txt\nb.txt\nc.txt\nd.txt" && names()[3] == "d.txt"; });
 }
 
 TEST_F(NamesAsTextTest, APasteOverwritesAsManyLinesAsThereAre) {

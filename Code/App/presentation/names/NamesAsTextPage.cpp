@@ -136,7 +136,7 @@ QLayout* NamesAsTextPage::makeHead() {
             controller.handEdits().restore(before);
         });
     });
-    auto* edit = new ToggleButton(tr("Open in Text &Editor"), Glyph::text);
+    auto* edit = new ToggleButton(tr("Open in Te&xt Editor"), Glyph::text);
     edit->setObjectName("openInTextEditor");
     edit->setCheckable(false);
     edit->setToolTip(tr("Edit the lines in the program that the desktop has for texts"));
@@ -176,10 +176,11 @@ void NamesAsTextPage::close() {
     emit closed(lines->currentLine());
 }
 
+/// Not within the work, which the action may drop.
 void NamesAsTextPage::afterEdits(const std::function<void()>& action) {
     flush();
-    work.begin([action] {
-        action();
+    work.begin([this, action] {
+        QMetaObject::invokeMethod(this, action, Qt::QueuedConnection);
         return false;
     });
 }
