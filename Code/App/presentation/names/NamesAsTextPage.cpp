@@ -236,7 +236,12 @@ QStringList NamesAsTextPage::textsOf(int first, int count) const {
 }
 
 QString NamesAsTextPage::textFor(const PreviewList::Row& row) const {
-    return emptied.contains(row.id) ? QString() : textOf(row);
+    if (emptied.contains(row.id))
+        return {};
+    const HandEdits& edits = controller.handEdits();
+    const std::u16string name =
+        edits.namesCount() && !row.isLeftOut ? edits.pinnedName(row.fullPath) : std::u16string();
+    return name.empty() ? textOf(row) : toQString(nameLines::lineOf(name).text);
 }
 
 QString NamesAsTextPage::tooManyRows() {
@@ -315,26 +320,31 @@ void NamesAsTextPage::noteEdited(int first, int last) {
                       : std::pair(first, last);
 }
 
-/// Each line that was edited becomes a name by hand, or none where it is empty; long stretches in slices.
+/// What a change of many lines has done it settles itself.
 void NamesAsTextPage::flush() {
     rest.stop();
-    if (!editedLines)
+    if (!editedLines || changesUnderWay > 0)
         return;
     isChanging = true;
-    const auto [first, last] = *std::exchange(editedLines, std::nullopt);
-    work.begin([this, next = first, last, names = std::vector<NameByHand>()]() mutable {
-        for (const PreviewList::Row& row : rowsOf(next, std::min(linesAtOnce, last + 1 - next)))
+    work.begin(settling());
+}
+
+/// Each line that was edited becomes a name by hand, or none where it is empty; long stretches in slices.
+SlicedWork::Step NamesAsTextPage::settling() {
+    const auto [first, last] = std::exchange(editedLines, std::nullopt).value_or(std::pair(0, -1));
+    return [this, next = first, last = last, names = std::vector<NameByHand>()]() mutable {
+        for (const PreviewList::Row& row : rowsOf(next, std::clamp(last + 1 - next, 0, linesAtOnce)))
             settle(next++, row, names);
         if (next <= last)
             return true;
-        isChanging = false;
+        isChanging = changesUnderWay > 0;
         if (!names.empty()) {
             emit changing();
             (void)controller.handEdits().pin(std::move(names));
         }
         showCounts();
         return false;
-    });
+    };
 }
 
 void NamesAsTextPage::settle(int line, const PreviewList::Row& row, std::vector<NameByHand>& names) {
@@ -347,16 +357,26 @@ void NamesAsTextPage::settle(int line, const PreviewList::Row& row, std::vector<
         emptied.insert(row.id);
     else
         emptied.erase(row.id);
-    if (text != textOf(row))
+    const std::u16string pinned = controller.handEdits().pinnedName(row.fullPath);
+    const bool isSettled = pinned.empty() ? !row.isPinned && text == textOf(row) : text == toQString(pinned);
+    if (!isSettled)
         names.push_back({row.fullPath, fromQString(text)});
 }
 
 void NamesAsTextPage::changeLines(int first, int last, LineChange change) {
-    if (changesUnderWay++ == 0)
-        flush();
+    flush();
+    ++changesUnderWay;
     isChanging = true;
     lines->setReadOnly(true);
-    work.begin([this, next = first, last, change = std::move(change), tooLong = std::size_t{0}]() mutable {
+    work.begin([this, next = first, last, change = std::move(change), tooLong = std::size_t{0},
+                settle = SlicedWork::Step()]() mutable {
+        if (settle) {
+            if (settle())
+                return true;
+            isChanging = --changesUnderWay > 0;
+            lines->setReadOnly(isChanging);
+            return false;
+        }
         QStringList texts;
         const int start = next;
         const int end = std::min(last + 1, next + linesAtOnce);
@@ -375,12 +395,8 @@ void NamesAsTextPage::changeLines(int first, int last, LineChange change) {
         if (next <= last)
             return true;
         tellTooLong(tooLong);
-        if (--changesUnderWay > 0)
-            return false;
-        lines->setReadOnly(false);
-        isChanging = false;
-        flush();
-        return false;
+        settle = settling();
+        return true;
     });
 }
 

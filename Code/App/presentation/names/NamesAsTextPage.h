@@ -76,6 +76,7 @@ class NamesAsTextPage final : public QWidget {
     void fill(RowId current, int otherwise = 0);
     [[nodiscard]] RowId currentRow() const;
     void flush();
+    [[nodiscard]] SlicedWork::Step settling();
     void updateLines();
     void linesEdited(int first, int last);
     void noteEdited(int first, int last);
@@ -106,7 +107,8 @@ class NamesAsTextPage final : public QWidget {
     [[nodiscard]] int lineCount() const;
     [[nodiscard]] std::vector<PreviewList::Row> rowsOf(int first, int count) const;
     [[nodiscard]] QStringList textsOf(int first, int count) const;
-    /// What stands in the line of a row that is not in hand.
+    /// What stands in the line of a row that is not in hand: a name by hand even before a preview knows of
+    /// it.
     [[nodiscard]] QString textFor(const PreviewList::Row& row) const;
 
     const WindowServices services;
