@@ -143,6 +143,13 @@ class WindowBenchmark {
         step("tick all", [this] { controller().handEdits().tickAll(); });
         step("open the names as text", [this] { command("namesAsText"); });
         step("paste that many lines", [this] { pasteLines(); });
+        step("select a block over that many lines", [this] {
+            application->window().findChild<QPlainTextEdit*>("namesAsText")->selectAll();
+            typeIntoLines(Qt::Key_Left, Qt::AltModifier | Qt::ShiftModifier);
+        });
+        step("type into the block", [this] { typeIntoLines(Qt::Key_X); });
+        step("delete in the block", [this] { typeIntoLines(Qt::Key_Backspace); });
+        step("copy the block", [this] { typeIntoLines(Qt::Key_C, Qt::ControlModifier); });
         step("back to the list",
              [this] { application->window().findChild<QPushButton*>("backToList")->click(); });
         step("back to the names of the steps", [this] { controller().handEdits().restore({}); });
@@ -205,7 +212,14 @@ class WindowBenchmark {
         for (std::size_t i = 0; i < paths.size(); ++i)
             names += QString("pasted %1\n").arg(i);
         QApplication::clipboard()->setText(names);
-        application->window().findChild<QPlainTextEdit*>("namesAsText")->paste();
+        auto* page = application->window().findChild<QPlainTextEdit*>("namesAsText");
+        page->selectAll();
+        QMetaObject::invokeMethod(page, "paste"); // not that of the base class
+    }
+
+    void typeIntoLines(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, key == Qt::Key_X ? "x" : "");
+        QApplication::sendEvent(application->window().findChild<QPlainTextEdit*>("namesAsText"), &event);
     }
 
     void selectEach(int distance) {

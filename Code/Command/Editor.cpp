@@ -12,9 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
 #include <poll.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -25,8 +23,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr const char* fileName = "edit.names";
-constexpr std::size_t usualLimit = 100'000'000; // bytes
 constexpr std::chrono::seconds timeToEnd{2};
 constexpr int commandNotFound = 127;
 constexpr int commandNotRunnable = 126;
@@ -51,13 +47,6 @@ std::string scriptFor(const std::string& command) {
                            : command + " \"$@\"";
 }
 
-std::vector<std::string> environment() {
-    std::vector<std::string> entries;
-    for (char** entry = environ; *entry != nullptr; ++entry)
-        entries.emplace_back(*entry);
-    return entries;
-}
-
 std::string endOf(int status, const std::string& command) {
     const std::string name = command.empty() ? "the editor" : fmt::format("the editor \"{}\"", command);
     if (WIFSIGNALED(status))
@@ -70,57 +59,44 @@ std::string endOf(int status, const std::string& command) {
                : fmt::format("{} has ended with status {}", name, code);
 }
 
-} // namespace
-
-Editor::Editor(InterruptHandler& handler) : interrupts(handler), command(editorOfEnvironment()) {
-    int error = ENOENT;
-    for (const std::string& place : {valueOf("XDG_RUNTIME_DIR"), valueOf("TMPDIR"), std::string("/tmp")}) {
-        if (!place.starts_with('/'))
-            continue;
-        path = place + "/tvrn-XXXXXX";
-        if (::mkdtemp(path.data())) { // which only its owner may enter
-            folder = Descriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-            return;
-        }
-        error = errno;
-        path.clear();
+/// In words for the user.
+std::string wordsFor(const EditorFile::Failure& failure) {
+    using enum EditorFile::Fault;
+    switch (failure.fault) {
+    case unwritable:
+        return fmt::format("the file of names cannot be written: {}", reasonOf(failure.error));
+    case gone:
+        return fmt::format("the file of names is gone: {}", reasonOf(failure.error));
+    case isLink:
+        return "the editor has put a link in the place of the file of names";
+    case noFile:
+        return "what the editor has left is no file";
+    case unreadable:
+        return fmt::format("the file of names cannot be read: {}", reasonOf(failure.error));
+    case tooLong:
+        return fmt::format("the file of names has more than {} bytes", failure.mostBytes);
     }
-    throw UsageError(fmt::format("there is no place for the file of names: {}", reasonOf(error)));
+    return "";
 }
 
-/// With what the editor has left beside the file.
-Editor::~Editor() {
-    std::error_code ignored;
-    std::vector<std::filesystem::path> entries;
-    for (std::filesystem::directory_iterator entry(path, ignored), end; !ignored && entry != end;
-         entry.increment(ignored))
-        entries.push_back(entry->path());
-    for (const auto& entry : entries)
-        std::filesystem::remove(entry, ignored);
-    std::filesystem::remove(path, ignored);
+} // namespace
+
+Editor::Editor(InterruptHandler& handler) try
+    : interrupts(handler), command(editorOfEnvironment()), file("tvrn", "edit.names") {
+} catch (const std::system_error& error) {
+    throw UsageError(
+        fmt::format("there is no place for the file of names: {}", reasonOf(error.code().value())));
 }
 
 std::variant<std::string, Editor::Failure> Editor::edit(std::string_view text) {
-    if (const int error = write(text))
-        return Failure{fmt::format("the file of names cannot be written: {}", reasonOf(error))};
+    if (const auto failure = file.write(text))
+        return Failure{wordsFor(*failure)};
     if (std::string failure = run(); !failure.empty())
         return Failure{std::move(failure)};
-    return read(std::max(usualLimit, 4 * text.size()));
-}
-
-int Editor::write(std::string_view text) const {
-    ::unlinkat(folder.get(), fileName, 0);
-    const Descriptor file(::openat(folder.get(), fileName,
-                                   O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file)
-        return errno;
-    while (!text.empty()) {
-        const ssize_t written = ::write(file.get(), text.data(), text.size());
-        if (written < 0 && errno != EINTR)
-            return errno;
-        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return 0;
+    auto left = file.read();
+    if (const auto* failure = std::get_if<EditorFile::Failure>(&left))
+        return Failure{wordsFor(*failure)};
+    return std::get<std::string>(std::move(left));
 }
 
 /// What the editor is to be connected with: where its standard input or output is no terminal, the terminal
@@ -136,9 +112,8 @@ std::string Editor::run() {
     const InterruptHandler::ForegroundChild foreground(interrupts);
     pid_t child = 0;
     const int error = settings.spawn(
-        child,
-        {"/bin/sh", "-c", scriptFor(command), command.empty() ? "editor" : command, path + "/" + fileName},
-        environment());
+        child, {"/bin/sh", "-c", scriptFor(command), command.empty() ? "editor" : command, file.path()},
+        SpawnSettings::ownEnvironment());
     return error != 0 ? fmt::format("no shell could be started: {}", reasonOf(error)) : waitFor(child);
 }
 
@@ -156,29 +131,6 @@ std::string Editor::waitFor(int child) {
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     return endOf(status, command);
-}
-
-std::variant<std::string, Editor::Failure> Editor::read(std::size_t mostBytes) const {
-    const Descriptor file(
-        ::openat(folder.get(), fileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file)
-        return Failure{errno == ELOOP ? "the editor has put a link in the place of the file of names"
-                                      : fmt::format("the file of names is gone: {}", reasonOf(errno))};
-    struct stat found {};
-    if (::fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))
-        return Failure{"what the editor has left is no file"};
-    std::string text;
-    std::array<char, 64 * 1024> buffer;
-    for (;;) {
-        const ssize_t length = ::read(file.get(), buffer.data(), buffer.size());
-        if (length == 0)
-            return text;
-        if (length < 0 && errno != EINTR)
-            return Failure{fmt::format("the file of names cannot be read: {}", reasonOf(errno))};
-        text.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
-        if (text.size() > mostBytes)
-            return Failure{fmt::format("the file of names has more than {} bytes", mostBytes)};
-    }
 }
 
 } // namespace tavrin

@@ -132,9 +132,9 @@ TEST(NameLines, OfNamesAndOfWhatIsPasted) {
                                                                {u"\U0001F600\t", u"\U0001F600\u2409"}};
     for (const auto& [name, shown] : names) {
         EXPECT_EQ(nameLines::lineOf(name).text, shown);
-        EXPECT_EQ(nameLines::lineOf(name).locked.empty(), name == shown);
+        EXPECT_EQ(nameLines::lineOf(name).lock == nameLines::Lock::none, name == shown);
     }
-    const auto pasted = nameLines::pasted(u"a\r\nb\u202E\x1B\n\nc\u2029d\n", 3);
+    const auto pasted = nameLines::pasted(u"a\r\nb\u202E\x1B\xDC80\n\nc\u2029d\n", 3);
     EXPECT_EQ(pasted.lines, (std::vector<std::u16string>{u"a", u"b", u""}));
     EXPECT_EQ(pasted.count, 5U);
     EXPECT_EQ(pasted.changed, 1U);

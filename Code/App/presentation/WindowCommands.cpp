@@ -186,6 +186,7 @@ void WindowCommands::addEditMenu() {
     unpinNames = add(menu, "unpinNames", tr("Unpin Na&me"), QKeySequence("Shift+F2"));
     namesAsText = add(menu, "namesAsText", tr("Names as Te&xt"), QKeySequence("Ctrl+Shift+E"));
     namesAsText->setCheckable(true);
+    menu->setToolTipsVisible(true); // that of names as text says why it is off
     menu->addSeparator();
     findInList = add(menu, "findInList", tr("&Find in List…"), QKeySequence::Find);
     findNext = add(menu, "findNext", tr("Find Ne&xt"), QKeySequence("F3"));
@@ -398,6 +399,8 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
             return controller.sourceCommands().canRemove(selection);
         if (action == clearPreview || action == createFileList)
             return hasItems;
+        if (action == namesAsText)
+            return areNamesText;
         if (action == ok || action == applyAndQuit || action == applyButDontQuit)
             return canRename;
         if (action == showMultistepDrawer)
@@ -421,6 +424,12 @@ void WindowCommands::refresh(const std::vector<RowId>& selection) {
     showTickBoxes->setChecked(services.defaults.boolForKey("showTickBoxes"));
     showInvisibles->setChecked(services.defaults.boolForKey("showInvisibles"));
     manualOrder->setChecked(!controller.globalSettings().values().automaticSorting);
+}
+
+void WindowCommands::allowText(bool areAllowed, const QString& reason) {
+    areNamesText = areAllowed;
+    namesAsText->setEnabled(areAllowed && !isRunning && services.controller.validateUserInterfaceItem());
+    namesAsText->setToolTip(reason);
 }
 
 void WindowCommands::enterDropletEditMode() {

@@ -34,6 +34,8 @@ class WindowCommands final : public QObject {
     void refresh(const std::vector<RowId>& selection);
     /// Whether a run is under way, which turns all commands off at the next refresh.
     void setRunning(bool running) { isRunning = running; }
+    /// Whether names can be edited as text, and why not where that is not evident.
+    void allowText(bool areAllowed, const QString& reason);
     void enterDropletEditMode();
 
     // The commands that parts of the window perform, or offer in buttons and menus of their own.
@@ -124,6 +126,7 @@ class WindowCommands final : public QObject {
     QAction* presetsEnd = nullptr;
     std::vector<std::unique_ptr<ParameterBinding>> settings;
     bool isRunning = false;
+    bool areNamesText = false; ///< can be
     std::shared_ptr<void> feedObservation;
 };
 

@@ -21,12 +21,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 std::vector<std::string> environmentWith(const std::map<std::string, std::string>& additions) {
-    std::vector<std::string> result;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string_view text(*entry);
-        if (!additions.contains(std::string(text.substr(0, text.find('=')))))
-            result.emplace_back(text);
-    }
+    std::vector<std::string> result = SpawnSettings::ownEnvironment();
+    std::erase_if(result, [&](const std::string& entry) {
+        return additions.contains(entry.substr(0, entry.find('=')));
+    });
     for (const auto& [name, value] : additions)
         result.push_back(name + "=" + value);
     return result;

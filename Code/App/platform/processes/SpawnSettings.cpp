@@ -65,6 +65,13 @@ int SpawnSettings::spawn(pid_t& child, const std::vector<std::string>& arguments
                         pointersTo(environment).data());
 }
 
+std::vector<std::string> SpawnSettings::ownEnvironment() {
+    std::vector<std::string> entries;
+    for (char** entry = environ; *entry != nullptr; ++entry)
+        entries.emplace_back(*entry);
+    return entries;
+}
+
 bool waitFor(int descriptor, short events, std::chrono::steady_clock::time_point end) {
     for (;;) {
         const auto left =

@@ -28,6 +28,9 @@ class SpawnSettings {
     [[nodiscard]] int spawn(pid_t& child, const std::vector<std::string>& arguments,
                             const std::vector<std::string>& environment);
 
+    /// That of this program, as `spawn` takes it.
+    [[nodiscard]] static std::vector<std::string> ownEnvironment();
+
   private:
     posix_spawn_file_actions_t actions{};
     posix_spawnattr_t attributes{};

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "presentation/WindowServices.h"
-#include "presentation/history/LatestWork.h"
+#include "presentation/LatestWork.h"
 #include "presentation/history/NameSearch.h"
 #include "presentation/history/RunChoices.h"
 

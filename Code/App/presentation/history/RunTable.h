@@ -1,6 +1,6 @@
 #pragma once
 
-#include "presentation/history/LatestWork.h"
+#include "presentation/LatestWork.h"
 #include "presentation/history/RunItems.h"
 
 #include <QTableView>

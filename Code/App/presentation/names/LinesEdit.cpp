@@ -83,7 +83,8 @@ class LinesEdit::Gutter final : public QWidget {
 
 // --- Making ---
 
-LinesEdit::LinesEdit(Describe describeLine) : describe(std::move(describeLine)), gutter(new Gutter(*this)) {
+LinesEdit::LinesEdit(Describe describeLine)
+    : describe(std::move(describeLine)), gutter(new Gutter(*this)), block(*this) {
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     setLineWrapMode(NoWrap);
     setUndoRedoEnabled(false);
@@ -102,6 +103,8 @@ LinesEdit::LinesEdit(Describe describeLine) : describe(std::move(describeLine)),
             gutter->update(0, rect.y(), gutter->width(), rect.height());
     });
     connect(this, &QPlainTextEdit::cursorPositionChanged, this, &LinesEdit::refresh);
+    connect(document(), &QTextDocument::contentsChanged, &block, &BlockSelection::viewChanged);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, &block, &BlockSelection::viewChanged);
     connect(this, &QPlainTextEdit::blockCountChanged, this, &LinesEdit::arrangeGutter);
     arrangeGutter();
 }
@@ -127,6 +130,7 @@ void LinesEdit::putLines(int first, const QStringList& texts) {
 }
 
 void LinesEdit::restart(const QStringList& texts) {
+    block.end();
     isPutting = true;
     setPlainText(texts.join('\n'));
     isPutting = false;
@@ -153,13 +157,14 @@ std::pair<int, int> LinesEdit::selectedLines() const {
 }
 
 void LinesEdit::goTo(int line, int start, int length) {
-    const QTextBlock block = document()->findBlockByNumber(line);
-    if (!block.isValid())
+    const QTextBlock place = document()->findBlockByNumber(line);
+    if (!place.isValid())
         return;
-    QTextCursor cursor(block);
-    const int end = block.length() - 1;
-    cursor.setPosition(block.position() + std::min(start, end));
-    cursor.setPosition(block.position() + std::min(start + length, end), QTextCursor::KeepAnchor);
+    block.end();
+    QTextCursor cursor(place);
+    const int end = place.length() - 1;
+    cursor.setPosition(place.position() + std::min(start, end));
+    cursor.setPosition(place.position() + std::min(start + length, end), QTextCursor::KeepAnchor);
     setTextCursor(cursor);
     centerCursor();
 }
@@ -185,11 +190,24 @@ bool LinesEdit::prepareEdit() {
     }
     if (first == last)
         return true;
-    emit clearingWanted();
+    clearSelection();
     QTextCursor caret = textCursor();
     caret.setPosition(caret.selectionStart());
     setTextCursor(caret);
     return !isReadOnly() && !isLocked(first);
+}
+
+/// Of each line that the selection touches what is selected goes.
+void LinesEdit::clearSelection() {
+    const QTextCursor caret = textCursor();
+    const auto [first, last] = selectedLines();
+    const int start = caret.selectionStart() - document()->findBlockByNumber(first).position();
+    const int end = caret.selectionEnd() - document()->findBlockByNumber(last).position();
+    emit changeWanted(first, last, [=, first = first, last = last](int line, const QString& text) {
+        const int from = line == first ? start : 0;
+        const auto to = line == last ? end : static_cast<int>(text.size());
+        return std::optional(text.left(from) + text.mid(to));
+    });
 }
 
 /// Fields of text claim keys that mean something to them; these mean what they do all over the window.
@@ -208,7 +226,9 @@ bool LinesEdit::event(QEvent* event) {
 void LinesEdit::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const bool isUpOrDown = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
-    if (event->modifiers().testFlag(Qt::ControlModifier) && (isReturn || isUpOrDown)) {
+    if (block.handleKey(*event)) {
+        event->accept();
+    } else if (event->modifiers().testFlag(Qt::ControlModifier) && (isReturn || isUpOrDown)) {
         event->ignore(); // means something to the page, or the window
     } else if (event->matches(QKeySequence::Undo)) {
         undo();
@@ -223,14 +243,40 @@ void LinesEdit::keyPressEvent(QKeyEvent* event) {
     } else if (handleDeletion(*event)) {
         event->accept();
     } else {
-        const QString text = event->text();
-        const bool isControl = !text.isEmpty() && text.front().category() == QChar::Other_Control;
-        const bool types = !text.isEmpty() && !isControl && event->modifiers() != Qt::ControlModifier;
-        if (text == "\t")
+        if (event->text() == "\t")
             event->ignore();
-        else if (!types || prepareEdit())
+        else if (typedText(*event).isEmpty() || prepareEdit())
             QPlainTextEdit::keyPressEvent(event);
     }
+}
+
+QString LinesEdit::typedText(const QKeyEvent& event) {
+    const QString text = event.text();
+    const bool isControl = !text.isEmpty() && text.front().category() == QChar::Other_Control;
+    return isControl || event.modifiers() == Qt::ControlModifier ? QString() : text;
+}
+
+/// A text that is selected can't be dragged: where it goes elsewhere, its lines would go from here.
+void LinesEdit::mousePressEvent(QMouseEvent* event) {
+    if (block.handlePress(*event))
+        return;
+    const QTextCursor caret = textCursor();
+    const int place = cursorForPosition(event->position().toPoint()).position();
+    const bool isSelected = place >= caret.selectionStart() && place <= caret.selectionEnd();
+    if (event->button() == Qt::LeftButton && caret.hasSelection() && isSelected &&
+        !event->modifiers().testFlag(Qt::ShiftModifier))
+        setTextCursor(cursorForPosition(event->position().toPoint()));
+    QPlainTextEdit::mousePressEvent(event);
+}
+
+void LinesEdit::mouseMoveEvent(QMouseEvent* event) {
+    if (!block.handleMove(*event))
+        QPlainTextEdit::mouseMoveEvent(event);
+}
+
+void LinesEdit::mouseReleaseEvent(QMouseEvent* event) {
+    if (!block.handleRelease())
+        QPlainTextEdit::mouseReleaseEvent(event);
 }
 
 bool LinesEdit::handleDeletion(QKeyEvent& event) {
@@ -265,9 +311,9 @@ bool LinesEdit::handleDeletion(QKeyEvent& event) {
 /// Up to the ends of the line and no further.
 void LinesEdit::removeStretch(QTextCursor::MoveOperation towards) {
     QTextCursor cursor = textCursor();
-    const QTextBlock block = cursor.block();
-    const int start = block.position();
-    const int end = start + block.length() - 1;
+    const QTextBlock line = cursor.block();
+    const int start = line.position();
+    const int end = start + line.length() - 1;
     if (towards == QTextCursor::NoMove) {
         cursor.setPosition(start);
         cursor.setPosition(end, QTextCursor::KeepAnchor);
@@ -279,18 +325,37 @@ void LinesEdit::removeStretch(QTextCursor::MoveOperation towards) {
 }
 
 void LinesEdit::moveToLine(int line) {
-    const QTextBlock block = document()->findBlockByNumber(line);
-    if (block.isValid())
-        setTextCursor(QTextCursor(block));
+    const QTextBlock place = document()->findBlockByNumber(line);
+    if (place.isValid())
+        setTextCursor(QTextCursor(place));
 }
 
 void LinesEdit::inputMethodEvent(QInputMethodEvent* event) {
     const bool changes = !event->commitString().isEmpty() || !event->preeditString().isEmpty();
-    if (!changes || prepareEdit())
+    if (block.isOn() && !event->commitString().isEmpty())
+        block.insert(event->commitString());
+    else if (!changes || (!block.isOn() && prepareEdit()))
         QPlainTextEdit::inputMethodEvent(event);
 }
 
+void LinesEdit::copy() {
+    if (block.isOn())
+        QGuiApplication::clipboard()->setText(block.text());
+    else
+        QPlainTextEdit::copy();
+}
+
+void LinesEdit::selectAll() {
+    block.end();
+    QPlainTextEdit::selectAll();
+}
+
 void LinesEdit::cut() {
+    if (block.isOn()) {
+        copy();
+        block.remove();
+        return;
+    }
     if (!textCursor().hasSelection())
         return;
     copy();
@@ -308,26 +373,46 @@ bool LinesEdit::canInsertFromMimeData(const QMimeData* source) const { return so
 
 void LinesEdit::insertFromMimeData(const QMimeData* source) {
     const QString text = source->text();
-    if (isReadOnly() || text.isEmpty())
-        return;
     const auto [first, last] = selectedLines();
+    constexpr auto longest = static_cast<qsizetype>(nameLines::longestLine);
+    if (text.isEmpty() || (isReadOnly() && !block.isOn())) {
+        return;
+    } else if (block.isOn()) {
+        emit blockPasted(block.block(), text);
+        return;
+    } else if (first != last || text.size() > 2 * longest) {
+        emit linesPasted(first, text);
+        return;
+    }
     const nameLines::Pasted single = nameLines::pasted(
         {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())}, 1);
-    if (single.count > 1 || first != last)
+    if (single.count != 1) {
         emit linesPasted(first, text);
-    else if (single.count == 1 && prepareEdit())
-        textCursor().insertText(toQString(single.lines.front()));
+    } else if (prepareEdit()) {
+        QTextCursor caret = textCursor();
+        const QString added = toQString(single.lines.front());
+        const int start = caret.selectionStart() - caret.block().position();
+        const int end = caret.selectionEnd() - caret.block().position();
+        if (single.changed > 0)
+            emit pastedInPart();
+        if (caret.block().length() + added.size() <= longest)
+            caret.insertText(added);
+        else // whoever may refuse it
+            emit changeWanted(first, first, [=](int, const QString& whole) {
+                return std::optional(whole.left(start) + added + whole.mid(end));
+            });
+    }
 }
 
 void LinesEdit::contextMenuEvent(QContextMenuEvent* event) {
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const bool hasSelection = textCursor().hasSelection();
+    const bool hasSelection = textCursor().hasSelection() || block.isOn();
     menu->addAction(tr("Cu&t"), this, &LinesEdit::cut)->setEnabled(hasSelection);
-    menu->addAction(tr("&Copy"), this, &QPlainTextEdit::copy)->setEnabled(hasSelection);
+    menu->addAction(tr("&Copy"), this, &LinesEdit::copy)->setEnabled(hasSelection);
     menu->addAction(tr("&Paste"), this, &LinesEdit::paste)->setEnabled(canPaste());
     menu->addSeparator();
-    menu->addAction(tr("Select &All"), this, &QPlainTextEdit::selectAll);
+    menu->addAction(tr("Select &All"), this, &LinesEdit::selectAll);
     menu->popup(event->globalPos());
 }
 
@@ -335,13 +420,13 @@ void LinesEdit::contextMenuEvent(QContextMenuEvent* event) {
 
 void LinesEdit::forEachVisibleLine(const QRect& dirty,
                                    const std::function<void(int, const QRectF&)>& visit) const {
-    QTextBlock block = firstVisibleBlock();
-    QRectF place = blockBoundingGeometry(block).translated(contentOffset());
-    while (block.isValid() && place.top() <= dirty.bottom()) {
+    QTextBlock line = firstVisibleBlock();
+    QRectF place = blockBoundingGeometry(line).translated(contentOffset());
+    while (line.isValid() && place.top() <= dirty.bottom()) {
         if (place.bottom() >= dirty.top())
-            visit(block.blockNumber(), place);
-        block = block.next();
-        place = QRectF(place.left(), place.bottom(), place.width(), blockBoundingRect(block).height());
+            visit(line.blockNumber(), place);
+        line = line.next();
+        place = QRectF(place.left(), place.bottom(), place.width(), blockBoundingRect(line).height());
     }
 }
 
@@ -368,8 +453,10 @@ void LinesEdit::paintEvent(QPaintEvent* event) {
             place.left() + document()->documentMargin() + fontMetrics().horizontalAdvance(line(number));
         painter.setPen(told.isBad ? colours.errorText : palette().color(QPalette::PlaceholderText));
         painter.drawText(QRectF(end + 2.0 * gap, place.top(), viewport()->width(), place.height()),
-                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, told.note);
+                         Qt::AlignLeft | Qt::AlignAbsolute | Qt::AlignVCenter | Qt::TextSingleLine,
+                         told.note);
     });
+    block.paint(painter);
 }
 
 void LinesEdit::paintGutter(QPainter& painter, const QRect& dirty) const {
@@ -423,10 +510,13 @@ void LinesEdit::arrangeGutter() {
 void LinesEdit::resizeEvent(QResizeEvent* event) {
     QPlainTextEdit::resizeEvent(event);
     arrangeGutter();
+    block.viewChanged();
 }
 
 void LinesEdit::changeEvent(QEvent* event) {
     QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        block.viewChanged();
     if (event->type() == QEvent::LayoutDirectionChange || event->type() == QEvent::ApplicationFontChange) {
         setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
         arrangeGutter();

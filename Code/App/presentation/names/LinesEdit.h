@@ -1,8 +1,11 @@
 #pragma once
 
+#include "presentation/names/BlockSelection.h"
+
 #include <QPlainTextEdit>
 #include <QStringList>
 #include <functional>
+#include <optional>
 
 namespace tavrin {
 
@@ -24,6 +27,8 @@ class LinesEdit final : public QPlainTextEdit {
         QString note;
         bool isBad = false; ///< the note is a problem
     };
+    /// What becomes of a line; absent where nothing does.
+    using Change = std::function<std::optional<QString>(int line, const QString& text)>;
     /// Asked for each line that is painted.
     using Describe = std::function<Line(int line)>;
 
@@ -48,6 +53,11 @@ class LinesEdit final : public QPlainTextEdit {
     void goTo(int line, int start = 0, int length = 0);
     /// Descriptions have changed.
     void refresh();
+    void endBlock() { block.end(); }
+    /// Calls with the number and the place of each line that can be seen.
+    void forEachVisibleLine(const QRect& dirty, const std::function<void(int, const QRectF&)>& visit) const;
+    /// What a key puts into a text; empty for one that means something else.
+    [[nodiscard]] static QString typedText(const QKeyEvent& event);
 
     /// In pixels; dragged at its edge.
     [[nodiscard]] int itemWidth() const { return widthOfItems; }
@@ -56,7 +66,9 @@ class LinesEdit final : public QPlainTextEdit {
   public slots:
     // In place of those of the base class, which know of no fixed lines.
     void cut();
+    void copy();
     void paste();
+    void selectAll();
     void undo() { emit undoWanted(); }
     void redo() { emit redoWanted(); }
 
@@ -65,8 +77,12 @@ class LinesEdit final : public QPlainTextEdit {
     void edited(int first, int last);
     /// A text of several lines is to take the place of as many from here on. Nothing has been changed yet.
     void linesPasted(int first, const QString& text);
-    /// What is selected in these lines, more than one, is to go. Nothing has been changed yet.
-    void clearingWanted();
+    /// A text that was pasted has lost what no line can hold.
+    void pastedInPart();
+    /// As `linesPasted`, for the parts of lines that a block covers.
+    void blockPasted(const tavrin::LineBlock& block, const QString& text);
+    /// Each of these lines is to become what this makes of it. Nothing has been changed yet.
+    void changeWanted(int first, int last, const tavrin::LinesEdit::Change& change);
     void itemWidthChanged(int width);
     void undoWanted();
     void redoWanted();
@@ -74,6 +90,9 @@ class LinesEdit final : public QPlainTextEdit {
   protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -87,18 +106,18 @@ class LinesEdit final : public QPlainTextEdit {
 
     /// False, with a beep, where the caret's line or the selection can't be edited.
     bool prepareEdit();
+    void clearSelection();
     bool handleDeletion(QKeyEvent& event);
     void removeStretch(QTextCursor::MoveOperation towards);
     void moveToLine(int line);
     void noteChange(int position, int added);
     void arrangeGutter();
     void paintGutter(QPainter& painter, const QRect& dirty) const;
-    /// Calls with the number and the place of each line that can be seen.
-    void forEachVisibleLine(const QRect& dirty, const std::function<void(int, const QRectF&)>& visit) const;
 
     Describe describe;
     std::function<bool(int)> isLocked = [](int) { return false; };
     Gutter* gutter;
+    BlockSelection block;
     int widthOfItems = 170;
     bool isPutting = false;
 };

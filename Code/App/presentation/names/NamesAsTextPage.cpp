@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTextBlock>
+#include <QThreadPool>
 #include <QToolButton>
 #include <algorithm>
 
@@ -28,10 +29,35 @@ namespace {
 
 constexpr int linesAtOnce = 500;
 constexpr std::chrono::milliseconds restAfterTyping(300);
+constexpr std::chrono::milliseconds untilNextLook(300);
 constexpr const char* widthKey = "textPageGutter";
 constexpr const char* tooManyLines = "tooManyLines";
+constexpr const char* tooLongLines = "tooLongLines";
+constexpr const char* cutLines = "cutLines";
+constexpr qsizetype mostPastedAtOnce = 100000;
+constexpr const char* editorBar = "textEditorBar";
 
 QString textOf(const PreviewList::Row& row) { return toQString(nameLines::lineOf(row.finalName).text); }
+
+bool isTooLong(const QString& text) { return text.size() > static_cast<qsizetype>(nameLines::longestLine); }
+
+QString wordsFor(nameLines::Lock lock) {
+    using enum nameLines::Lock;
+    switch (lock) {
+    case none:
+        return {};
+    //: These stand behind a name and say why it is not edited there.
+    case lineBreak:
+        return NamesAsTextPage::tr("holds a line break, change it by a step");
+    case controlCharacter:
+        return NamesAsTextPage::tr("holds a control character, change it by a step");
+    case reorderingMark:
+        return NamesAsTextPage::tr("holds a mark that reorders letters, change it by a step");
+    case notUtf8:
+        return NamesAsTextPage::tr("is not UTF-8, change it by a step");
+    }
+    return {};
+}
 
 } // namespace
 
@@ -61,20 +87,27 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
     connect(&rest, &QTimer::timeout, this, &NamesAsTextPage::flush);
     connect(lines, &LinesEdit::edited, this, &NamesAsTextPage::linesEdited);
     connect(lines, &LinesEdit::linesPasted, this, &NamesAsTextPage::pasteLines);
-    connect(lines, &LinesEdit::clearingWanted, this, &NamesAsTextPage::clearSelection);
+    connect(lines, &LinesEdit::pastedInPart, this, [this] { tellLeftAway(1); });
+    connect(lines, &LinesEdit::blockPasted, this, &NamesAsTextPage::pasteIntoBlock);
+    connect(lines, &LinesEdit::changeWanted, this, &NamesAsTextPage::changeLines);
     connect(lines, &LinesEdit::itemWidthChanged, this,
             [this](int pixels) { services.defaults.setObject(widthKey, pixels); });
-    connect(lines, &LinesEdit::undoWanted, this, [this] {
-        finish();
-        emit undoWanted();
-    });
-    connect(lines, &LinesEdit::redoWanted, this, &NamesAsTextPage::redoWanted);
+    connect(lines, &LinesEdit::undoWanted, this, [this] { afterEdits([this] { emit undoWanted(); }); });
+    connect(lines, &LinesEdit::redoWanted, this, [this] { afterEdits([this] { emit redoWanted(); }); });
     connect(lines, &QPlainTextEdit::cursorPositionChanged, this, &NamesAsTextPage::tellLine);
     connect(replaceBar, &ReplaceBar::lineReplaced, this, [this](int line, const QString& text) {
         changeLines(line, line, [text](int, const QString&) { return text; });
     });
     connect(replaceBar, &ReplaceBar::allReplaced, this, [this](const auto& replace) {
         changeLines(0, lines->lineCount() - 1, [replace](int, const QString& line) { return replace(line); });
+    });
+    connect(&editor, &EditorLink::saved, this, &NamesAsTextPage::editorHasSaved);
+    connect(&editor, &EditorLink::opened, this, [this] {
+        tellOfEditor(BarMessage::Kind::hint, tr("The names are open in a text editor."),
+                     tr("Whenever it saves, the lines changed there are taken over."));
+    });
+    connect(&editor, &EditorLink::failed, this, [this](const QString& what, const QString& detail) {
+        tellOfEditor(BarMessage::Kind::failure, what, detail);
     });
 }
 
@@ -97,17 +130,24 @@ QLayout* NamesAsTextPage::makeHead() {
     discard->setFlat(true);
     discard->setToolTip(tr("Names by hand become as they were when this page was opened"));
     connect(discard, &QPushButton::clicked, this, [this] {
-        finish();
-        emit changing();
-        emptied.clear();
-        controller.handEdits().restore(before);
+        afterEdits([this] {
+            emit changing();
+            emptied.clear();
+            controller.handEdits().restore(before);
+        });
     });
+    auto* edit = new ToggleButton(tr("Open in Te&xt Editor"), Glyph::text);
+    edit->setObjectName("openInTextEditor");
+    edit->setCheckable(false);
+    edit->setToolTip(tr("Edit the lines in the program that the desktop has for texts"));
+    connect(edit, &QToolButton::clicked, this, &NamesAsTextPage::openInEditor);
     for (QPushButton* each : {back, discard})
         each->setAutoDefault(false);
     row->addWidget(back);
     row->addWidget(title);
     row->addWidget(counts);
     row->addStretch(1);
+    row->addWidget(edit);
     row->addWidget(discard);
     return row;
 }
@@ -128,21 +168,42 @@ void NamesAsTextPage::close() {
         return;
     finish();
     isOpened = false;
-    bars.dismiss(tooManyLines);
+    work.drop();
+    editor.close();
+    pasting.cancel();
+    for (const char* bar : {tooManyLines, tooLongLines, cutLines, editorBar})
+        bars.dismiss(bar);
     emit closed(lines->currentLine());
+}
+
+/// Not within the work, which the action may drop.
+void NamesAsTextPage::afterEdits(const std::function<void()>& action) {
+    flush();
+    work.begin([this, action] {
+        QMetaObject::invokeMethod(this, action, Qt::QueuedConnection);
+        return false;
+    });
 }
 
 void NamesAsTextPage::finish() {
     if (!isOpened)
         return;
     flush();
+    isHurried = true;
     work.finish();
+    isHurried = false;
     controller.handEdits().finish();
+    if (std::exchange(isBehind, false))
+        updateLines();
 }
 
 /// In slices, each of which puts some lines behind those that are there.
 void NamesAsTextPage::fill(RowId current, int otherwise) {
     work.drop();
+    pasting.cancel();
+    bars.dismiss(tooManyLines); // whose button would put them into other lines
+    changesUnderWay = 0;
+    isChanging = false;
     shownIds = model.rowIds();
     isEdited.assign(shownIds.size(), false);
     editedLines.reset();
@@ -170,14 +231,37 @@ std::vector<PreviewList::Row> NamesAsTextPage::rowsOf(int first, int count) cons
 QStringList NamesAsTextPage::textsOf(int first, int count) const {
     QStringList texts;
     for (const PreviewList::Row& row : rowsOf(first, count))
-        texts.append(textOf(row));
+        texts.append(textFor(row));
     return texts;
+}
+
+QString NamesAsTextPage::textFor(const PreviewList::Row& row) const {
+    if (emptied.contains(row.id))
+        return {};
+    const HandEdits& edits = controller.handEdits();
+    const std::u16string name =
+        edits.namesCount() && !row.isLeftOut ? edits.pinnedName(row.fullPath) : std::u16string();
+    return name.empty() ? textOf(row) : toQString(nameLines::lineOf(name).text);
+}
+
+QString NamesAsTextPage::tooManyRows() {
+    return tr("Too long to be edited as text; use Save List and New names from a list.");
+}
+
+bool NamesAsTextPage::canStay() const {
+    StoreContext& context = controller.managedObjectContext();
+    const std::lock_guard lock(context.mutex());
+    return context.sourceItemCount() > 0 && model.rowCount() <= mostLines;
 }
 
 void NamesAsTextPage::rowsChanged() {
     if (!isOpened)
         return;
-    if (model.rowIds() == shownIds) {
+    if (!canStay()) {
+        close();
+        if (model.rowCount() > mostLines)
+            bars.present({.objectName = "tooLongForText", .bold = tooManyRows()});
+    } else if (model.rowIds() == shownIds) {
         updateLines();
     } else {
         const RowId current = currentRow();
@@ -193,15 +277,26 @@ void NamesAsTextPage::rowsChanged() {
 /// Lines follow their rows, but for those in hand.
 void NamesAsTextPage::updateLines() {
     work.begin([this, next = 0]() mutable {
-        for (const PreviewList::Row& row : rowsOf(next, linesAtOnce)) {
+        if (isHurried && changesUnderWay == 0) {
+            isBehind = true;
+            return false;
+        }
+        const int start = next;
+        QStringList texts;
+        for (const PreviewList::Row& row : rowsOf(start, linesAtOnce)) {
             if (row.id != noRow && emptied.contains(row.id) &&
                 !controller.handEdits().pinnedName(row.fullPath).empty())
                 emptied.erase(row.id); // it was undone
-            const bool follows = !isEdited[static_cast<std::size_t>(next)] && !emptied.contains(row.id);
-            const QString text = follows ? textOf(row) : QString();
-            if (follows && text != lines->line(next))
-                lines->putLines(next, {text});
+            texts.append(isEdited[static_cast<std::size_t>(next)] ? lines->line(next) : textFor(row));
             ++next;
+        }
+        const auto differs = [&](int line) { return texts[line - start] != lines->line(line); };
+        for (int first = start; first < next;) {
+            int end = first;
+            while (end < next && differs(end))
+                ++end;
+            lines->putLines(first, texts.mid(first - start, end - first));
+            first = end + 1;
         }
         return next < lineCount();
     });
@@ -225,26 +320,31 @@ void NamesAsTextPage::noteEdited(int first, int last) {
                       : std::pair(first, last);
 }
 
-/// Each line that was edited becomes a name by hand, or none where it is empty; long stretches in slices.
+/// What a change of many lines has done it settles itself.
 void NamesAsTextPage::flush() {
     rest.stop();
-    if (!editedLines)
+    if (!editedLines || changesUnderWay > 0)
         return;
     isChanging = true;
-    const auto [first, last] = *std::exchange(editedLines, std::nullopt);
-    work.begin([this, next = first, last, names = std::vector<NameByHand>()]() mutable {
-        for (const PreviewList::Row& row : rowsOf(next, std::min(linesAtOnce, last + 1 - next)))
+    work.begin(settling());
+}
+
+/// Each line that was edited becomes a name by hand, or none where it is empty; long stretches in slices.
+SlicedWork::Step NamesAsTextPage::settling() {
+    const auto [first, last] = std::exchange(editedLines, std::nullopt).value_or(std::pair(0, -1));
+    return [this, next = first, last = last, names = std::vector<NameByHand>()]() mutable {
+        for (const PreviewList::Row& row : rowsOf(next, std::clamp(last + 1 - next, 0, linesAtOnce)))
             settle(next++, row, names);
         if (next <= last)
             return true;
-        isChanging = false;
+        isChanging = changesUnderWay > 0;
         if (!names.empty()) {
             emit changing();
             (void)controller.handEdits().pin(std::move(names));
         }
         showCounts();
         return false;
-    });
+    };
 }
 
 void NamesAsTextPage::settle(int line, const PreviewList::Row& row, std::vector<NameByHand>& names) {
@@ -257,21 +357,36 @@ void NamesAsTextPage::settle(int line, const PreviewList::Row& row, std::vector<
         emptied.insert(row.id);
     else
         emptied.erase(row.id);
-    if (text != textOf(row))
+    const std::u16string pinned = controller.handEdits().pinnedName(row.fullPath);
+    const bool isSettled = pinned.empty() ? !row.isPinned && text == textOf(row) : text == toQString(pinned);
+    if (!isSettled)
         names.push_back({row.fullPath, fromQString(text)});
 }
 
 void NamesAsTextPage::changeLines(int first, int last, LineChange change) {
     flush();
+    ++changesUnderWay;
     isChanging = true;
     lines->setReadOnly(true);
-    work.begin([this, next = first, last, change = std::move(change)]() mutable {
+    work.begin([this, next = first, last, change = std::move(change), tooLong = std::size_t{0},
+                settle = SlicedWork::Step()]() mutable {
+        if (settle) {
+            if (settle())
+                return true;
+            isChanging = --changesUnderWay > 0;
+            lines->setReadOnly(isChanging);
+            return false;
+        }
         QStringList texts;
         const int start = next;
         const int end = std::min(last + 1, next + linesAtOnce);
         for (; next < end; ++next) {
             const QString text = lines->line(next);
             std::optional<QString> changed = isLocked(next) ? std::nullopt : change(next, text);
+            if (changed && isTooLong(*changed) && changed->size() > text.size()) {
+                changed.reset();
+                ++tooLong;
+            }
             if (changed && *changed != text)
                 noteEdited(next, next);
             texts.append(changed ? *changed : text);
@@ -279,49 +394,208 @@ void NamesAsTextPage::changeLines(int first, int last, LineChange change) {
         lines->putLines(start, texts);
         if (next <= last)
             return true;
-        lines->setReadOnly(false);
-        isChanging = false;
-        flush();
-        return false;
+        tellTooLong(tooLong);
+        settle = settling();
+        return true;
     });
+}
+
+void NamesAsTextPage::tellTooLong(std::size_t count) {
+    if (count == 0)
+        bars.dismiss(tooLongLines);
+    else
+        bars.present({.objectName = tooLongLines,
+                      .kind = BarMessage::Kind::warning,
+                      .bold = tr("1 line stayed as it was.||%Ln lines stayed as they were.", nullptr,
+                                 static_cast<int>(count)),
+                      .plain = tr("No line may have more than %L1 characters.").arg(nameLines::longestLine)});
+}
+
+void NamesAsTextPage::withPasted(const QString& text, int wanted, std::function<void(Lines)> then) {
+    const auto cut = [text, wanted] {
+        return std::make_shared<const nameLines::Pasted>(nameLines::pasted(
+            {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())},
+            static_cast<std::size_t>(wanted)));
+    };
+    if (text.size() <= mostPastedAtOnce)
+        then(cut());
+    else
+        pasting.start([cut](const LatestWork::Unwanted&) { return cut(); }, std::move(then));
 }
 
 void NamesAsTextPage::pasteLines(int first, const QString& text) {
     const int room = lineCount() - first;
-    auto pasted = std::make_shared<nameLines::Pasted>(
-        nameLines::pasted(std::u16string_view(reinterpret_cast<const char16_t*>(text.utf16()),
-                                              static_cast<std::size_t>(text.size())),
-                          static_cast<std::size_t>(room)));
-    const auto put = [this, first, pasted] {
-        bars.dismiss(tooManyLines);
-        const int count = static_cast<int>(pasted->lines.size());
-        changeLines(first, first + count - 1, [first, pasted](int line, const QString&) {
-            return std::optional(toQString(pasted->lines[static_cast<std::size_t>(line - first)]));
-        });
-        Spoken::say(tr("1 line||%Ln lines", nullptr, count));
-    };
-    if (pasted->count <= static_cast<std::size_t>(room)) {
-        put();
-        return;
-    }
-    bars.present({.objectName = tooManyLines,
-                  .kind = BarMessage::Kind::warning,
-                  .bold = tr("The text has %L1 lines, %L2 fit from here.").arg(pasted->count).arg(room),
-                  .buttons = {{"pasteFitting", tr("Paste %L1").arg(room), put},
-                              {"cancelPaste", tr("Cancel"), [this] { bars.dismiss(tooManyLines); }}}});
+    withPasted(text, room, [this, first, room](const Lines& pasted) {
+        const auto put = [this, first, pasted] {
+            bars.dismiss(tooManyLines);
+            const int count = static_cast<int>(pasted->lines.size());
+            changeLines(first, first + count - 1, [first, pasted](int line, const QString&) {
+                return std::optional(toQString(pasted->lines[static_cast<std::size_t>(line - first)]));
+            });
+            tellOfPaste(*pasted);
+        };
+        if (pasted->count <= static_cast<std::size_t>(room)) {
+            put();
+            return;
+        }
+        bars.present({.objectName = tooManyLines,
+                      .kind = BarMessage::Kind::warning,
+                      .bold = tr("The text has %L1 lines, %L2 fit from here.").arg(pasted->count).arg(room),
+                      .buttons = {{"pasteFitting", tr("Paste %L1").arg(room), put},
+                                  {"cancelPaste", tr("Cancel"), [this] { bars.dismiss(tooManyLines); }}}});
+    });
 }
 
-/// Of each line that the selection touches what is selected goes.
-void NamesAsTextPage::clearSelection() {
-    const QTextCursor caret = lines->textCursor();
-    const auto [first, last] = lines->selectedLines();
-    const int start = caret.selectionStart() - lines->document()->findBlockByNumber(first).position();
-    const int end = caret.selectionEnd() - lines->document()->findBlockByNumber(last).position();
-    changeLines(first, last, [=](int line, const QString& text) {
-        const int from = line == first ? start : 0;
-        const auto to = line == last ? end : static_cast<int>(text.size());
-        return std::optional(text.left(from) + text.mid(to));
+/// A single line goes into each line of the block.
+void NamesAsTextPage::pasteIntoBlock(const LineBlock& block, const QString& text) {
+    withPasted(text, block.lineCount(), [this, block](const Lines& pasted) {
+        if (pasted->count != 1 && pasted->count != static_cast<std::size_t>(block.lineCount())) {
+            bars.present({.objectName = tooManyLines,
+                          .kind = BarMessage::Kind::warning,
+                          .bold = tr("The text has %L1 lines, the block has %L2.")
+                                      .arg(pasted->count)
+                                      .arg(block.lineCount())});
+            return;
+        }
+        bars.dismiss(tooManyLines);
+        lines->endBlock();
+        changeLines(block.firstLine, block.lastLine, [block, pasted](int line, const QString& former) {
+            const auto place = static_cast<std::size_t>(line - block.firstLine);
+            return block.replaced(former, toQString(pasted->lines[pasted->count == 1 ? 0 : place]));
+        });
+        tellOfPaste(*pasted);
     });
+}
+
+void NamesAsTextPage::tellOfPaste(const nameLines::Pasted& pasted) {
+    Spoken::say(tr("1 line||%Ln lines", nullptr, static_cast<int>(pasted.lines.size())));
+    tellLeftAway(pasted.changed);
+}
+
+void NamesAsTextPage::tellLeftAway(std::size_t cut) {
+    if (cut == 0)
+        bars.dismiss(cutLines);
+    else
+        bars.present({.objectName = cutLines,
+                      .bold = tr("Control characters and marks that reorder letters were left away from 1 "
+                                 "line.||Control characters and marks that reorder letters were left away "
+                                 "from %Ln lines.",
+                                 nullptr, static_cast<int>(cut))});
+}
+
+// --- Another editor ---
+
+/// What an editor has saved, on its way to names by hand.
+struct NamesAsTextPage::Return {
+    std::shared_ptr<const EditorLink::Saved> saved;
+    std::size_t locked = 0;
+    std::size_t found = 0;
+    std::size_t tooLong = 0;
+    std::vector<NameByHand> names = {};
+};
+
+void NamesAsTextPage::openInEditor() {
+    finish();
+    work.begin([this, next = 0, all = std::vector<EditorLink::Line>()]() mutable {
+        for (const PreviewList::Row& row : rowsOf(next, linesAtOnce)) {
+            const bool isHere = row.id != noRow;
+            all.push_back({row.fullPath, isHere ? fromQString(lines->line(next)) : std::u16string(),
+                           !isHere || isLocked(next)});
+            ++next;
+        }
+        if (next < lineCount())
+            return true;
+        editor.open(std::move(all));
+        return false;
+    });
+}
+
+/// What was typed here is a change of its own, so that nothing that the editor replaces is lost. Rows are
+/// found by their paths: since the editor was opened they may have been read anew.
+void NamesAsTextPage::editorHasSaved(const std::shared_ptr<const EditorLink::Saved>& saved) {
+    lastSaved = saved;
+    flush();
+    work.begin([this, all = Return{saved, saved->lockedLines},
+                ids = controller.nodeController().arrangedObjects(), next = std::size_t{0}]() mutable {
+        const std::size_t count = std::min<std::size_t>(linesAtOnce, ids.size() - next);
+        if (all.found < all.saved->lines.size())
+            for (const PreviewList::Row& row :
+                 controller.nodeController().rowsWithIds(std::span(ids).subspan(next, count)))
+                takeLine(all, row);
+        next += count;
+        if (next < ids.size() && all.found < all.saved->lines.size())
+            return true;
+        if (all.found < all.saved->lines.size() && controller.renameEngine().isBusy())
+            takeLater(all.saved); // its items may be on their way
+        else
+            endReturn(all);
+        return false;
+    });
+}
+
+void NamesAsTextPage::takeLater(const std::shared_ptr<const EditorLink::Saved>& saved) {
+    QTimer::singleShot(untilNextLook, this, [this, saved] {
+        if (editor.isOpen() && saved == lastSaved)
+            editorHasSaved(saved);
+    });
+}
+
+void NamesAsTextPage::takeLine(Return& all, const PreviewList::Row& row) {
+    const auto line = row.id == noRow ? all.saved->lines.end() : all.saved->lines.find(row.fullPath);
+    if (line == all.saved->lines.end())
+        return;
+    ++all.found;
+    const QString text = toQString(line->second.text);
+    if (!line->second.isNew && text == textFor(row))
+        return;
+    if (nameLines::lineOf(row.finalName).lock != nameLines::Lock::none) {
+        ++all.locked;
+    } else if (isTooLong(text)) {
+        ++all.tooLong;
+    } else {
+        if (text.isEmpty())
+            emptied.insert(row.id);
+        else
+            emptied.erase(row.id);
+        all.names.push_back({row.fullPath, line->second.text});
+    }
+}
+
+void NamesAsTextPage::endReturn(Return& all) {
+    QStringList remarks;
+    const auto remark = [&remarks](std::size_t count, const char* text) {
+        if (count > 0)
+            remarks.append(tr(text, nullptr, static_cast<int>(count)));
+    };
+    remark(all.locked, QT_TR_NOOP("1 line that cannot be edited as text stayed as it was.||%Ln lines that "
+                                  "cannot be edited as text stayed as they were."));
+    remark(all.tooLong, QT_TR_NOOP("1 line is longer than any name.||%Ln lines are longer than any name."));
+    remark(
+        all.saved->lines.size() - all.found,
+        QT_TR_NOOP("1 line is about an item that is no longer in the list.||%Ln lines are about items that "
+                   "are no longer in the list."));
+    remark(all.saved->cutLines, QT_TR_NOOP("1 line held characters that were left away.||%Ln lines held "
+                                           "characters that were left away."));
+    const int taken = static_cast<int>(all.names.size());
+    if (taken > 0) {
+        emit changing();
+        controller.handEdits().pin(std::move(all.names));
+    }
+    updateLines();
+    tellOfEditor(remarks.isEmpty() ? BarMessage::Kind::done : BarMessage::Kind::warning,
+                 taken == 0
+                     ? tr("Nothing was taken over from the text editor.")
+                     : tr("1 line was taken over from the text editor.||%Ln lines were taken over from "
+                          "the text editor.",
+                          nullptr, taken),
+                 remarks.join(' '));
+    lastSaved.reset();
+    QThreadPool::globalInstance()->start([saved = std::move(all.saved)] {}); // which frees it there
+}
+
+void NamesAsTextPage::tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain) {
+    if (isOpened)
+        bars.present({.objectName = editorBar, .kind = kind, .bold = bold, .plain = plain});
 }
 
 // --- What is told ---
@@ -335,8 +609,9 @@ LinesEdit::Line NamesAsTextPage::describe(int line) const {
     LinesEdit::Line told{model.shownName(row.name), sign.glyph, sign.colour, {}};
     if (emptied.contains(row.id) && lines->line(line).isEmpty())
         told.note = tr("empty: the computed name “%1” is used").arg(model.shownName(row.finalName));
-    else if (const std::string_view locked = nameLines::lineOf(row.finalName).locked; !locked.empty())
-        told.note = tr(std::string(locked).c_str());
+    else if (const nameLines::Lock lock = nameLines::lineOf(row.finalName).lock;
+             lock != nameLines::Lock::none)
+        told.note = wordsFor(lock);
     else
         told.note =
             model.index(line, PreviewTableModel::newName).data(PreviewTableModel::reasonRole).toString();
@@ -411,7 +686,8 @@ void NamesAsTextPage::keyPressEvent(QKeyEvent* event) {
 // --- Lines and names ---
 
 bool NamesAsTextPage::isLocked(int line) const {
-    return line >= model.rowCount() || !nameLines::lineOf(model.rowAt(line).finalName).locked.empty();
+    return line >= model.rowCount() ||
+           nameLines::lineOf(model.rowAt(line).finalName).lock != nameLines::Lock::none;
 }
 
 int NamesAsTextPage::lineCount() const { return static_cast<int>(shownIds.size()); }

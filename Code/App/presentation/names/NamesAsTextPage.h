@@ -1,6 +1,9 @@
 #pragma once
 
+#include "presentation/LatestWork.h"
+#include "presentation/MessageBars.h"
 #include "presentation/WindowServices.h"
+#include "presentation/names/EditorLink.h"
 #include "presentation/names/LinesEdit.h"
 #include "shell/commands/HandEdits.h"
 #include "shell/names/NameLines.h"
@@ -18,7 +21,6 @@ class QLabel;
 
 namespace tavrin {
 
-class MessageBars;
 class PreviewTableModel;
 class ReplaceBar;
 
@@ -31,6 +33,9 @@ class NamesAsTextPage final : public QWidget {
     /// The most lines that are edited as a text.
     static constexpr int mostLines = static_cast<int>(nameLines::mostLines);
 
+    /// What is said where there are more.
+    [[nodiscard]] static QString tooManyRows();
+
     NamesAsTextPage(const WindowServices& services, PreviewTableModel& model, MessageBars& bars);
     ~NamesAsTextPage() override;
 
@@ -39,7 +44,8 @@ class NamesAsTextPage final : public QWidget {
     /// What has been typed counts, and the list comes back.
     void close();
     [[nodiscard]] bool isOpen() const { return isOpened; }
-    /// The rows on show, or their names, may have changed.
+    /// The rows on show, or their names, may have changed. Closes the page where the list is empty, or too
+    /// long.
     void rowsChanged();
     /// What has been typed counts at once, however much it is.
     void finish();
@@ -62,20 +68,37 @@ class NamesAsTextPage final : public QWidget {
 
   private:
     /// What is to become of a line; absent for one that stays.
-    using LineChange = std::function<std::optional<QString>(int line, const QString& text)>;
+    using LineChange = LinesEdit::Change;
+    struct Return;
+    using Lines = std::shared_ptr<const nameLines::Pasted>;
 
     [[nodiscard]] QLayout* makeHead();
     void fill(RowId current, int otherwise = 0);
     [[nodiscard]] RowId currentRow() const;
     void flush();
+    [[nodiscard]] SlicedWork::Step settling();
     void updateLines();
     void linesEdited(int first, int last);
     void noteEdited(int first, int last);
     void settle(int line, const PreviewList::Row& row, std::vector<NameByHand>& names);
     void pasteLines(int first, const QString& text);
-    void clearSelection();
+    void pasteIntoBlock(const LineBlock& block, const QString& text);
+    /// Calls with the text in lines, at once or when another thread is done with a long one.
+    void withPasted(const QString& text, int wanted, std::function<void(Lines)> then);
+    void tellOfPaste(const nameLines::Pasted& pasted);
+    void tellLeftAway(std::size_t cut);
     /// Changes lines as an edit of the user's, in slices.
     void changeLines(int first, int last, LineChange change);
+    void tellTooLong(std::size_t count);
+    void openInEditor();
+    void editorHasSaved(const std::shared_ptr<const EditorLink::Saved>& saved);
+    void takeLater(const std::shared_ptr<const EditorLink::Saved>& saved);
+    void takeLine(Return& all, const PreviewList::Row& row);
+    void endReturn(Return& all);
+    void tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain);
+    /// When all that has been typed counts.
+    void afterEdits(const std::function<void()>& action);
+    [[nodiscard]] bool canStay() const;
     void showCounts();
     void tellLine();
     void goToChanged(bool forward);
@@ -84,6 +107,9 @@ class NamesAsTextPage final : public QWidget {
     [[nodiscard]] int lineCount() const;
     [[nodiscard]] std::vector<PreviewList::Row> rowsOf(int first, int count) const;
     [[nodiscard]] QStringList textsOf(int first, int count) const;
+    /// What stands in the line of a row that is not in hand: a name by hand even before a preview knows of
+    /// it.
+    [[nodiscard]] QString textFor(const PreviewList::Row& row) const;
 
     const WindowServices services;
     MainController& controller;
@@ -93,7 +119,10 @@ class NamesAsTextPage final : public QWidget {
     ReplaceBar* replaceBar;
     QLabel* counts;
     SlicedWork work;
-    QTimer rest; ///< since the last edit
+    EditorLink editor;
+    LatestWork pasting;
+    std::shared_ptr<const EditorLink::Saved> lastSaved; ///< until it has been taken over
+    QTimer rest;                                        ///< since the last edit
     bool isOpened = false;
     bool isChanging = false;                        ///< an edit of many lines is under way
     std::vector<RowId> shownIds;                    ///< by line
@@ -102,6 +131,9 @@ class NamesAsTextPage final : public QWidget {
     std::unordered_set<RowId> emptied;              ///< their lines stay empty, and the steps name them
     NamePins before;                                ///< as it was when the page was opened
     int toldLine = -1;
+    int changesUnderWay = 0; ///< of many lines each
+    bool isHurried = false;  ///< lines need not follow their rows just now
+    bool isBehind = false;   ///< so they have not
 };
 
 } // namespace tavrin

@@ -64,6 +64,11 @@ ListBar::ListBar(const WindowServices& shared, WindowCommands& commands) : servi
     text->setAccessibleName(tr("Names as text"));
     text->setFocusPolicy(Qt::TabFocus);
     performs(*text, *commands.namesAsText);
+    connect(commands.namesAsText, &QAction::changed, text,
+            [text, usual = text->toolTip(), plain = commands.namesAsText->toolTip(),
+             command = commands.namesAsText] {
+                text->setToolTip(command->toolTip() == plain ? usual : command->toolTip());
+            });
     layout->addWidget(text);
     folding.push_back(text);
     QToolButton* find = makeToolButton("findButton", Glyph::search, tr("Find in the list (Ctrl+F)"));

@@ -234,11 +234,7 @@ void PreviewPane::connectTextPage() {
 void PreviewPane::toggleTextPage() {
     if (textPage->isOpen()) {
         textPage->close();
-    } else if (model->rowCount() > NamesAsTextPage::mostLines) {
-        bars->present(
-            {.objectName = "tooLongForText",
-             .bold = tr("Too long to be edited as text; use Save List and New names from a list.")});
-    } else if (model->rowCount() > 0 && controller.validateUserInterfaceItem()) {
+    } else if (controller.validateUserInterfaceItem()) {
         findBar->close();
         textPage->open(view->currentIndex().isValid() ? view->currentIndex().row() : 0);
     }
@@ -303,6 +299,10 @@ void PreviewPane::showPage() {
     invitation->setSizePolicy(QSizePolicy::Preferred,
                               page == invitation ? QSizePolicy::Preferred : QSizePolicy::Ignored);
     pages->setCurrentWidget(page);
+    const int rows = model->rowCount();
+    const bool areTooMany = rows > NamesAsTextPage::mostLines;
+    commands.allowText(textPage->isOpen() || (rows > 0 && !areTooMany),
+                       areTooMany ? NamesAsTextPage::tooManyRows() : QString());
 }
 
 QWidget* PreviewPane::pageDue() {
@@ -377,9 +377,9 @@ void PreviewPane::listChanged() {
     const bool isOtherOrder = shownOrder != controller.nodeController().sortDescriptors();
     shownOrder = controller.nodeController().sortDescriptors();
     model->listChanged();
+    textPage->rowsChanged();
     showPage();
     showSorting();
-    textPage->rowsChanged();
     if (model->rowIds() == before)
         return;
     // The same items stay selected. They stay in sight too, unless the order is another one.
