@@ -163,6 +163,7 @@ TEST_F(ByHand, RowsThatAreReadAnewStayOnTheScreenMeanwhile) {
     EXPECT_EQ(model().rowAt(3).name, u"d.txt");
     controller().rereadList();
     waitForNames({"Image_01.txt", "Image_02.txt", "Image_03.txt", "Image_04.txt"});
+    waitForPreview();
     folder.remove("b.txt");
     trigger("reloadPreview");
     waitForNames({"Image_01.txt", "Image_02.txt", "Image_03.txt"});
