@@ -1,7 +1,7 @@
 #pragma once
 
-#include "presentation/WindowServices.h"
 #include "presentation/LatestWork.h"
+#include "presentation/WindowServices.h"
 #include "presentation/history/NameSearch.h"
 #include "presentation/history/RunChoices.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "presentation/history/FoundList.h"
 #include "presentation/LatestWork.h"
+#include "presentation/history/FoundList.h"
 #include "presentation/history/RunList.h"
 
 #include <QWidget>
