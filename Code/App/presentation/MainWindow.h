@@ -65,6 +65,8 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void centre();
     /// Gives the list the width that it had last, where anyone has given it one.
     void restorePaneWidth();
+    /// Wholly onto a screen, if it lies beyond the edge of its own, or that has gone or become smaller.
+    void returnToScreen();
     /// Where a question of a run is put.
     [[nodiscard]] QuestionCard::Place questionPlace();
     void showHelp(std::string_view anchor);
@@ -97,8 +99,6 @@ class MainWindow final : public QMainWindow, private ProgressObserver {
     void arrangeForSize();
     void arrangeBottomRow();
     void rememberPaneWidth();
-    /// Back onto a screen, if its own has gone or become smaller.
-    void returnToScreen();
     void setRunShown(bool isShown);
     [[nodiscard]] DropletRunWindow& dropletWindow();
     [[nodiscard]] QString ownTitle() const;

@@ -53,8 +53,9 @@ void WindowMemory::restoreOnce(MainWindow& window, const UserDefaults& defaults)
     if (window.property(restoredProperty).toBool())
         return;
     window.setProperty(restoredProperty, true);
-    // What was stored for a screen that is gone is cut to one that is there.
-    if (!window.restoreGeometry(bytesUnder(defaults, geometryKey)))
+    if (window.restoreGeometry(bytesUnder(defaults, geometryKey)))
+        window.returnToScreen(); // from one that is gone, or from beyond its edge
+    else
         placeFirst(window);
     if (auto* table = window.findChild<QTableView*>("previewTableView"))
         table->horizontalHeader()->restoreState(bytesUnder(defaults, headerKey));
