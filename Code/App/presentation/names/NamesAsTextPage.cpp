@@ -31,11 +31,7 @@ constexpr int linesAtOnce = 500;
 constexpr std::chrono::milliseconds restAfterTyping(300);
 constexpr std::chrono::milliseconds untilNextLook(300);
 constexpr const char* widthKey = "textPageGutter";
-constexpr const char* tooManyLines = "tooManyLines";
-constexpr const char* tooLongLines = "tooLongLines";
-constexpr const char* cutLines = "cutLines";
 constexpr qsizetype mostPastedAtOnce = 100000;
-constexpr const char* editorBar = "textEditorBar";
 
 QString textOf(const PreviewList::Row& row) { return toQString(nameLines::lineOf(row.finalName).text); }
 
@@ -87,7 +83,7 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
     connect(&rest, &QTimer::timeout, this, &NamesAsTextPage::flush);
     connect(lines, &LinesEdit::edited, this, &NamesAsTextPage::linesEdited);
     connect(lines, &LinesEdit::linesPasted, this, &NamesAsTextPage::pasteLines);
-    connect(lines, &LinesEdit::pastedInPart, this, [this] { tellLeftAway(1); });
+    connect(lines, &LinesEdit::pastedInPart, this, [this] { bars.tellLeftAway(1); });
     connect(lines, &LinesEdit::blockPasted, this, &NamesAsTextPage::pasteIntoBlock);
     connect(lines, &LinesEdit::changeWanted, this, &NamesAsTextPage::changeLines);
     connect(lines, &LinesEdit::itemWidthChanged, this,
@@ -103,11 +99,12 @@ NamesAsTextPage::NamesAsTextPage(const WindowServices& shared, PreviewTableModel
     });
     connect(&editor, &EditorLink::saved, this, &NamesAsTextPage::editorHasSaved);
     connect(&editor, &EditorLink::opened, this, [this] {
-        tellOfEditor(BarMessage::Kind::hint, tr("The names are open in a text editor."),
-                     tr("Whenever it saves, the lines changed there are taken over."));
+        if (isOpened)
+            bars.tellEditorOpened();
     });
     connect(&editor, &EditorLink::failed, this, [this](const QString& what, const QString& detail) {
-        tellOfEditor(BarMessage::Kind::failure, what, detail);
+        if (isOpened)
+            bars.tellEditorFailed(what, detail);
     });
 }
 
@@ -171,8 +168,7 @@ void NamesAsTextPage::close() {
     work.drop();
     editor.close();
     pasting.cancel();
-    for (const char* bar : {tooManyLines, tooLongLines, cutLines, editorBar})
-        bars.dismiss(bar);
+    bars.dismissAll();
     emit closed(lines->currentLine());
 }
 
@@ -201,7 +197,7 @@ void NamesAsTextPage::finish() {
 void NamesAsTextPage::fill(RowId current, int otherwise) {
     work.drop();
     pasting.cancel();
-    bars.dismiss(tooManyLines); // whose button would put them into other lines
+    bars.endTooMany(); // whose button would put them into other lines
     changesUnderWay = 0;
     isChanging = false;
     shownIds = model.rowIds();
@@ -260,7 +256,7 @@ void NamesAsTextPage::rowsChanged() {
     if (!canStay()) {
         close();
         if (model.rowCount() > mostLines)
-            bars.present({.objectName = "tooLongForText", .bold = tooManyRows()});
+            bars.tellTooManyRows(tooManyRows());
     } else if (model.rowIds() == shownIds) {
         updateLines();
     } else {
@@ -394,21 +390,10 @@ void NamesAsTextPage::changeLines(int first, int last, LineChange change) {
         lines->putLines(start, texts);
         if (next <= last)
             return true;
-        tellTooLong(tooLong);
+        bars.tellTooLong(tooLong);
         settle = settling();
         return true;
     });
-}
-
-void NamesAsTextPage::tellTooLong(std::size_t count) {
-    if (count == 0)
-        bars.dismiss(tooLongLines);
-    else
-        bars.present({.objectName = tooLongLines,
-                      .kind = BarMessage::Kind::warning,
-                      .bold = tr("1 line stayed as it was.||%Ln lines stayed as they were.", nullptr,
-                                 static_cast<int>(count)),
-                      .plain = tr("No line may have more than %L1 characters.").arg(nameLines::longestLine)});
 }
 
 void NamesAsTextPage::withPasted(const QString& text, int wanted, std::function<void(Lines)> then) {
@@ -427,7 +412,7 @@ void NamesAsTextPage::pasteLines(int first, const QString& text) {
     const int room = lineCount() - first;
     withPasted(text, room, [this, first, room](const Lines& pasted) {
         const auto put = [this, first, pasted] {
-            bars.dismiss(tooManyLines);
+            bars.endTooMany();
             const int count = static_cast<int>(pasted->lines.size());
             changeLines(first, first + count - 1, [first, pasted](int line, const QString&) {
                 return std::optional(toQString(pasted->lines[static_cast<std::size_t>(line - first)]));
@@ -438,11 +423,7 @@ void NamesAsTextPage::pasteLines(int first, const QString& text) {
             put();
             return;
         }
-        bars.present({.objectName = tooManyLines,
-                      .kind = BarMessage::Kind::warning,
-                      .bold = tr("The text has %L1 lines, %L2 fit from here.").arg(pasted->count).arg(room),
-                      .buttons = {{"pasteFitting", tr("Paste %L1").arg(room), put},
-                                  {"cancelPaste", tr("Cancel"), [this] { bars.dismiss(tooManyLines); }}}});
+        bars.askAboutTooMany(pasted->count, room, put);
     });
 }
 
@@ -450,14 +431,10 @@ void NamesAsTextPage::pasteLines(int first, const QString& text) {
 void NamesAsTextPage::pasteIntoBlock(const LineBlock& block, const QString& text) {
     withPasted(text, block.lineCount(), [this, block](const Lines& pasted) {
         if (pasted->count != 1 && pasted->count != static_cast<std::size_t>(block.lineCount())) {
-            bars.present({.objectName = tooManyLines,
-                          .kind = BarMessage::Kind::warning,
-                          .bold = tr("The text has %L1 lines, the block has %L2.")
-                                      .arg(pasted->count)
-                                      .arg(block.lineCount())});
+            bars.tellOtherThanBlock(pasted->count, block.lineCount());
             return;
         }
-        bars.dismiss(tooManyLines);
+        bars.endTooMany();
         lines->endBlock();
         changeLines(block.firstLine, block.lastLine, [block, pasted](int line, const QString& former) {
             const auto place = static_cast<std::size_t>(line - block.firstLine);
@@ -469,18 +446,7 @@ void NamesAsTextPage::pasteIntoBlock(const LineBlock& block, const QString& text
 
 void NamesAsTextPage::tellOfPaste(const nameLines::Pasted& pasted) {
     Spoken::say(tr("1 line||%Ln lines", nullptr, static_cast<int>(pasted.lines.size())));
-    tellLeftAway(pasted.changed);
-}
-
-void NamesAsTextPage::tellLeftAway(std::size_t cut) {
-    if (cut == 0)
-        bars.dismiss(cutLines);
-    else
-        bars.present({.objectName = cutLines,
-                      .bold = tr("Control characters and marks that reorder letters were left away from 1 "
-                                 "line.||Control characters and marks that reorder letters were left away "
-                                 "from %Ln lines.",
-                                 nullptr, static_cast<int>(cut))});
+    bars.tellLeftAway(pasted.changed);
 }
 
 // --- Another editor ---
@@ -562,40 +528,20 @@ void NamesAsTextPage::takeLine(Return& all, const PreviewList::Row& row) {
 }
 
 void NamesAsTextPage::endReturn(Return& all) {
-    QStringList remarks;
-    const auto remark = [&remarks](std::size_t count, const char* text) {
-        if (count > 0)
-            remarks.append(tr(text, nullptr, static_cast<int>(count)));
-    };
-    remark(all.locked, QT_TR_NOOP("1 line that cannot be edited as text stayed as it was.||%Ln lines that "
-                                  "cannot be edited as text stayed as they were."));
-    remark(all.tooLong, QT_TR_NOOP("1 line is longer than any name.||%Ln lines are longer than any name."));
-    remark(
-        all.saved->lines.size() - all.found,
-        QT_TR_NOOP("1 line is about an item that is no longer in the list.||%Ln lines are about items that "
-                   "are no longer in the list."));
-    remark(all.saved->cutLines, QT_TR_NOOP("1 line held characters that were left away.||%Ln lines held "
-                                           "characters that were left away."));
-    const int taken = static_cast<int>(all.names.size());
-    if (taken > 0) {
+    const TextPageBars::Taken outcome{.lines = all.names.size(),
+                                      .locked = all.locked,
+                                      .tooLong = all.tooLong,
+                                      .lost = all.saved->lines.size() - all.found,
+                                      .cut = all.saved->cutLines};
+    if (!all.names.empty()) {
         emit changing();
         controller.handEdits().pin(std::move(all.names));
     }
     updateLines();
-    tellOfEditor(remarks.isEmpty() ? BarMessage::Kind::done : BarMessage::Kind::warning,
-                 taken == 0
-                     ? tr("Nothing was taken over from the text editor.")
-                     : tr("1 line was taken over from the text editor.||%Ln lines were taken over from "
-                          "the text editor.",
-                          nullptr, taken),
-                 remarks.join(' '));
+    if (isOpened)
+        bars.tellTaken(outcome);
     lastSaved.reset();
     QThreadPool::globalInstance()->start([saved = std::move(all.saved)] {}); // which frees it there
-}
-
-void NamesAsTextPage::tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain) {
-    if (isOpened)
-        bars.present({.objectName = editorBar, .kind = kind, .bold = bold, .plain = plain});
 }
 
 // --- What is told ---

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "presentation/LatestWork.h"
-#include "presentation/MessageBars.h"
 #include "presentation/WindowServices.h"
 #include "presentation/names/EditorLink.h"
 #include "presentation/names/LinesEdit.h"
+#include "presentation/names/TextPageBars.h"
 #include "shell/commands/HandEdits.h"
 #include "shell/names/NameLines.h"
 #include "shell/preview/SlicedWork.h"
@@ -86,16 +86,13 @@ class NamesAsTextPage final : public QWidget {
     /// Calls with the text in lines, at once or when another thread is done with a long one.
     void withPasted(const QString& text, int wanted, std::function<void(Lines)> then);
     void tellOfPaste(const nameLines::Pasted& pasted);
-    void tellLeftAway(std::size_t cut);
     /// Changes lines as an edit of the user's, in slices.
     void changeLines(int first, int last, LineChange change);
-    void tellTooLong(std::size_t count);
     void openInEditor();
     void editorHasSaved(const std::shared_ptr<const EditorLink::Saved>& saved);
     void takeLater(const std::shared_ptr<const EditorLink::Saved>& saved);
     void takeLine(Return& all, const PreviewList::Row& row);
     void endReturn(Return& all);
-    void tellOfEditor(BarMessage::Kind kind, const QString& bold, const QString& plain);
     /// When all that has been typed counts.
     void afterEdits(const std::function<void()>& action);
     [[nodiscard]] bool canStay() const;
@@ -114,7 +111,7 @@ class NamesAsTextPage final : public QWidget {
     const WindowServices services;
     MainController& controller;
     PreviewTableModel& model;
-    MessageBars& bars;
+    TextPageBars bars;
     LinesEdit* lines;
     ReplaceBar* replaceBar;
     QLabel* counts;
