@@ -185,12 +185,13 @@ std::optional<std::vector<RowId>> PerformRenameStage::rowsOfList(const std::vect
 }
 
 FetchRequest PerformRenameStage::openItems() const {
-    return {FetchEntity::file,
-            plannedItems().with(Predicate::notMarked(run->marker)),
-            {{NodeKey::depth, false},
-             {NodeKey::mustBeSwapped, false},
-             {NodeKey::canBeRenamedIndependently, false},
-             {NodeKey::name, true}},
+    std::vector<SortDescriptor> order{
+        {NodeKey::mustBeSwapped, false}, {NodeKey::canBeRenamedIndependently, false}, {NodeKey::name, true}};
+    // Where nobody is asked, each folder is opened once.
+    if (!run->questions.isInteractive())
+        order.insert(order.begin(), {NodeKey::parent, true});
+    order.insert(order.begin(), {NodeKey::depth, false});
+    return {FetchEntity::file, plannedItems().with(Predicate::notMarked(run->marker)), std::move(order),
             itemsPerBatch};
 }
 

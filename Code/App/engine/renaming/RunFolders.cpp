@@ -12,8 +12,11 @@ namespace tavrin {
 
 namespace {
 
-/// Items of many folders come in turn, by their names.
 constexpr std::size_t descriptorsWanted = 4096;
+/// A table of descriptors that grows costs more than what would be kept open in it.
+constexpr std::size_t fewFolders = 16;
+
+bool isOutOfDescriptors(int error) { return error == EMFILE || error == ENFILE; }
 
 constexpr std::string_view nameInTurn = "temporary file name for swapped file";
 constexpr std::string_view nameInCase =
@@ -22,8 +25,9 @@ constexpr std::string_view nameInCase =
 
 } // namespace
 
-RunFolders::RunFolders(FileSystem& disk)
-    : fileSystem(disk), mostOpen(raiseDescriptorLimit(descriptorsWanted) / 2) {}
+RunFolders::RunFolders(FileSystem& disk, Order order)
+    : fileSystem(disk),
+      mostOpen(order == Order::byFolder ? fewFolders : raiseDescriptorLimit(descriptorsWanted) / 2) {}
 
 VolumeFacts RunFolders::Place::volume() const {
     VolumeFacts facts;
@@ -38,9 +42,14 @@ RunFolders::Place& RunFolders::at(RowId row, const std::string& path, const File
         return found->second;
     if (places.size() >= mostOpen)
         places.clear();
-    Place& place = places[row];
-    open(place, path, asRead);
-    return place;
+    Place* place = &places[row];
+    open(*place, path, asRead);
+    if (isOutOfDescriptors(place->error) && places.size() > 1) {
+        places.clear();
+        place = &places[row];
+        open(*place, path, asRead);
+    }
+    return *place;
 }
 
 void RunFolders::open(Place& place, const std::string& path, const FileIdentity& asRead) {

@@ -31,7 +31,10 @@ class RunFolders {
         [[nodiscard]] VolumeFacts volume() const;
     };
 
-    explicit RunFolders(FileSystem& disk);
+    /// How the items of the run come: those of a folder one after the other, or those of many in turn.
+    enum class Order { byFolder, mixed };
+
+    RunFolders(FileSystem& disk, Order order);
 
     /// The folder at the path, which the row stands for. Valid until the next call.
     Place& at(RowId row, const std::string& path, const FileIdentity& asRead);
