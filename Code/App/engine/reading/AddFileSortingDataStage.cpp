@@ -4,7 +4,7 @@
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/reading/FolderNotes.h"
-#include "platform/metadata/ExifHelper.h"
+#include "engine/reading/SortingValues.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/KQStringUtilities.h"
@@ -55,23 +55,16 @@ void AddFileSortingDataStage::addSortingData(RowId id) {
     const RowId parent = context->row(id).parent;
     const std::string name(context->component(id));
     FileStatus status = statusOf(parent, name);
-    const bool isFolder = status.kind == FileStatus::Kind::folder;
-    if (isFolder && sumFolders)
+    const SortingValues values(settings);
+    if (values.mustSum(status))
         status.size = FileManager::instance().sizeForPath(context->fullPath(id), true);
-    double exif = 0.0;
-    if (retrieveEXIFData) {
-        const bool mayHaveDate =
-            status.kind == FileStatus::Kind::file && status.size > 0 && ExifHelper::isImageName(name);
-        exif = mayHaveDate ? FileManager::instance().fileEXIFDate(context->fullPath(id))
-                           : FileManager::distantPast;
-    }
     engine.folderNotes().noteLocked(id, status.isLocked());
-    NodeRow& row = context->change(id);
-    row.modDate = status.modificationDate;
-    row.crDate = status.creationDate;
-    row.exif = exif;
-    row.size = status.size;
-    row.sortingInformationLoaded = true;
+    if (values.mayHaveShootingDate(status, name)) {
+        const double taken = FileManager::instance().fileEXIFDate(context->fullPath(id));
+        SortingValues::put(context->change(id), status, taken);
+    } else {
+        values.put(context->change(id), status);
+    }
 }
 
 FileStatus AddFileSortingDataStage::statusOf(RowId parent, const std::string& name) {

@@ -232,7 +232,7 @@ void PerformRenameStage::performItem(RowId id) {
 void PerformRenameStage::walkChain(RowId head) {
     run->item.moveTo(head);
     // The head decides for all.
-    const bool treatAsRoot = run->item.isRoot();
+    const bool treatAsRoot = run->item.isRoot() && run->sourceItems.areWanted();
     for (RowId id = head; id != noRow;) {
         if (!performInChain(id == head, treatAsRoot))
             return;

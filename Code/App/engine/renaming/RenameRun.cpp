@@ -39,7 +39,7 @@ void SourceItemChanges::apply() {
 
 RenameRun::RenameRun(EngineState& owner, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
                      bool shouldBeInteractive)
-    : context(store), item(store), report(progress),
+    : context(store), item(store), report(progress), sourceItems(owner.listFollowsRenames()),
       folders(FileSystem::sharedInstance(),
               shouldBeInteractive ? RunFolders::Order::mixed : RunFolders::Order::byFolder),
       standIns(store, folders), mover(volumeEvents()), primitives({folders, standIns, mover, report}),
