@@ -55,7 +55,7 @@ class RunParser {
         options.selection = selection.read();
         if (operands.empty() && !options.selection.filesFrom)
             throw UsageError("no path is given");
-        options.paths = operands;
+        options.paths = std::move(operands);
         return options;
     }
 
@@ -285,7 +285,8 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
         return usageError("", "no command is given");
     const std::string& first = arguments.front();
     if (const auto command = commands.find(first); command != commands.end())
-        return command->second({std::next(arguments.begin()), arguments.end()});
+        return command->second({std::make_move_iterator(std::next(arguments.begin())),
+                                std::make_move_iterator(arguments.end())});
     if (first == "help" && arguments.size() == 2)
         if (const auto command = commands.find(arguments[1]); command != commands.end())
             return command->second({"--help"});

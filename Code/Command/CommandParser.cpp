@@ -103,7 +103,8 @@ std::vector<std::string> CommandParser::takeOperands(std::vector<std::string> ar
     std::vector<std::string> options;
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
         if (*argument == "--") {
-            operands.insert(operands.end(), ++argument, arguments.end());
+            operands.insert(operands.end(), std::make_move_iterator(std::next(argument)),
+                            std::make_move_iterator(arguments.end()));
             break;
         }
         if (argument->size() < 2 || argument->front() != '-') {

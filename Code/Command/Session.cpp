@@ -152,12 +152,12 @@ bool Session::hasNoItems() {
 }
 
 void Session::addPaths(const std::vector<std::string>& given) {
-    const std::vector<std::string> paths = absolutePaths(given);
-    const std::vector<std::string> refused = controller->sourceCommands().addPaths(paths);
+    const std::vector<std::string> refused = controller->sourceCommands().addPaths(absolutePaths(given));
     if (refused.empty())
         return;
     const std::string& first = refused.front();
-    throw UsageError(fmt::format("{}: {}", first.empty() ? "\"\"" : first, reasonOfRefusal(first, paths)));
+    throw UsageError(
+        fmt::format("{}: {}", first.empty() ? "\"\"" : first, reasonOfRefusal(first, absolutePaths(given))));
 }
 
 void Session::beInteractive() {

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace tavrin {
 
@@ -25,8 +26,8 @@ struct Group {
 
 /// Paths that are added one by one, folder by folder, in the order in which the folders come up.
 struct Adding {
-    explicit Adding(const std::vector<std::string>& given, bool areLinksItems = false)
-        : paths(given), linksAreItems(areLinksItems) {}
+    explicit Adding(std::vector<std::string> given, bool areLinksItems = false)
+        : paths(std::move(given)), linksAreItems(areLinksItems) {}
 
     /// False when none is left. First of all they are grouped, many at once.
     bool addNext(SourceItemManager& items) {
@@ -88,8 +89,8 @@ const Alert someFilesNotAdded{
 
 } // namespace
 
-std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>& paths) {
-    Adding adding(paths, !services.engine.selection().followsLinks);
+std::vector<std::string> SourceCommands::addPaths(std::vector<std::string> paths) {
+    Adding adding(std::move(paths), !services.engine.selection().followsLinks);
     while (adding.addNext(services.sourceItems))
         continue;
     std::vector<std::size_t>& refused = adding.refused;
@@ -97,7 +98,7 @@ std::vector<std::string> SourceCommands::addPaths(const std::vector<std::string>
     std::vector<std::string> result;
     result.reserve(refused.size());
     for (const std::size_t place : refused)
-        result.push_back(paths[place]);
+        result.push_back(adding.paths[place]);
     return result;
 }
 

@@ -21,7 +21,7 @@ class SourceCommands {
         : services(shared), store(storeOwner), preview(previewControl), work(shared.runLoop) {}
 
     /// Adds what can be added; those that were refused, in the order given. Asks for no preview.
-    std::vector<std::string> addPaths(const std::vector<std::string>& paths);
+    std::vector<std::string> addPaths(std::vector<std::string> paths);
     /// Adds paths that may lie inside each other, once each; the first at which nothing lies ends it.
     std::optional<std::string> addNestedPaths(const std::vector<std::string>& paths);
     /// The way in for all additions of the user; always true. One alert speaks for all refusals. Of many
