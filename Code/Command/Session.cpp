@@ -41,6 +41,7 @@ Session::Session(bool storeInFile)
     controller = std::make_unique<MainController>(
         MainController::Environment{frontEnd, loop, catalogue.defaults(), catalogue.actions()},
         controllerOptions());
+    controller->renameEngine().setListFollowsRenames(false); // a run is the last thing that is done
 }
 
 Session::Session() : Session(false) {

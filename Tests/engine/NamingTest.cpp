@@ -96,20 +96,20 @@ TEST_F(ComputeNamesTest, ProgressEndsAtItsTotal) {
     host.add({folder.path("t")});
     host.set("processSubfolders", 1);
     run<ReadItemsIntoDatabaseStage>();
-    const auto expectAll = [&] {
+    const auto expectAll = [&](int count) {
         host.progress.forceUpdate();
-        EXPECT_EQ(host.progress.itemText(), "7 out of 7 items");
+        EXPECT_EQ(host.progress.itemText(), fmt::format("{0} out of {0} items", count));
         host.progress.updateCurrentItemNumber(0);
     };
     run<AddFileSortingDataStage>();
-    expectAll();
+    expectAll(6); // what is seen of the given folder when it is read is enough
     for (const char* steps : {"Make uppercase active=0", "Completely rename newName=x"}) {
         setSteps(host, steps);
         run<ComputeProvisionalNamesStage>();
-        expectAll();
+        expectAll(7);
     }
     run<ResolveFileNameConflictsStage>();
-    expectAll();
+    expectAll(7);
 }
 
 /// Dates, sizes and their absence, from the disk into the rows.

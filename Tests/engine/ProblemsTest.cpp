@@ -42,7 +42,8 @@ struct Crowd {
     }
 
     /// Makes the items, reads those on the list, which may be all that are not hidden, and gives them names.
-    void setUp(RenameBench& bench, bool ignoresCase, bool isWalked) {
+    void setUp(RenameBench& bench, bool ignoresCase, bool isWalked,
+               const std::function<void()>& beforeReading) {
         if (isWalked)
             for (std::string& name : alphabet)
                 if (oneIn(6))
@@ -59,6 +60,7 @@ struct Crowd {
             if (isWalked ? name.front() != '.' : !oneIn(5))
                 listed.push_back("f/" + name);
         }
+        beforeReading();
         bench.read(isWalked ? std::vector<std::string>{"f"} : listed);
         for (const std::string& name : listed)
             if (!oneIn(4))
@@ -114,13 +116,14 @@ TEST(ProblemLaws, WhatIsForeseenBefallsTheRenameAndNothingElse) {
         const bool isWalked = seed / 12 % 2 == 0;
         disk.ages = isWalked ? 10 : 0;
         bench.folder.makeFolder("f");
-        crowd.setUp(bench, ignoresCase, isWalked);
         const auto lockOne = [&] {
             if (!crowd.listed.empty())
                 disk.locked.insert(PathParts(crowd.listed[seed % crowd.listed.size()]).name.data());
         };
-        if (seed % 7 == 0)
-            lockOne();
+        crowd.setUp(bench, ignoresCase, isWalked, [&] {
+            if (seed % 7 == 0)
+                lockOne();
+        });
         if (seed % 4 != 0) // of what has no values for sorting nothing is known beforehand
             bench.run<AddFileSortingDataStage>();
         const bool changes = seed % 5 == 0;

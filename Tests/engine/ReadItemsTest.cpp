@@ -1,5 +1,6 @@
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
+#include "engine/reading/AddFileSortingDataStage.h"
 #include "engine/reading/ReadItemsIntoDatabaseStage.h"
 
 namespace tavrin::test {
@@ -228,6 +229,24 @@ TEST_F(ReadItemsTest, ManyItemsOfOneFolderCostOneCallEach) {
     files.reset();
     read();
     EXPECT_EQ(files.callCount(), 0U) << "nothing new, so nothing to look at";
+}
+
+TEST_F(ReadItemsTest, WhatWasSeenWhenAnItemWasAddedIsNotLookedAtAgain) {
+    host.sourceItems.keepLooks();
+    for (int i = 0; i < 5; ++i)
+        host.add({folder.write("f" + std::to_string(i), std::string(i, 'x'))});
+    FailingFileSystem files;
+    read();
+    run<AddFileSortingDataStage>();
+    EXPECT_EQ(files.callCount(FileCall::status), 1U) << "at the folder";
+    StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::storeWins);
+    for (const RowId id : context.fetch({FetchEntity::file, Predicate::always(), {}, 0})) {
+        EXPECT_EQ(context.row(id).size, static_cast<std::uint64_t>(context.component(id).back() - '0'));
+        FileStatus now;
+        ASSERT_EQ(files.status(context.fullPath(id), now), 0);
+        EXPECT_EQ(context.row(id).identity(), now.identity);
+        EXPECT_EQ(context.row(id).modDate, now.modificationDate);
+    }
 }
 
 } // namespace

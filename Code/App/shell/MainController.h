@@ -59,7 +59,7 @@ class MainController : public EngineHost, public ActionObserver {
         HistoryPlace history = {};
         /// Off: nothing in the user's folders is made or read at the start.
         bool usesUserFolders = true;
-        /// Off: no change asks for a preview by itself.
+        /// Off: no change asks for a preview by itself; what is added is read soon.
         bool followsChanges = true;
         /// The user's folders, and the place of the running program.
         static Options standard();

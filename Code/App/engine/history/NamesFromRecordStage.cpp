@@ -160,7 +160,7 @@ bool NamesFromRecordStage::isOnList(const std::string& path) const {
         return false;
     StoreContext& list = engine.host().managedObjectContext();
     const std::lock_guard lock(list.mutex());
-    return list.sourceItemWithPath(path).has_value();
+    return list.hasSourceItem(path);
 }
 
 /// A run that was killed leaves one step half done at most. Of more than one that look like it, none is

@@ -317,17 +317,39 @@ std::vector<RunHistory::NotForgotten> RunHistory::clear() const {
 }
 
 void RunHistory::prune(const HistoryLimits& limits) const {
+    const std::vector<std::string> surplus = namesBeyond(limits);
+    std::vector<PastRun> settled;
+    for (const std::string& name : surplus)
+        if (PastRun run = look(folder, name, false); run.isSettled)
+            settled.push_back(std::move(run));
+    if (settled.size() < surplus.size()) { // what the others have left behind is told by later runs
+        settled = runs();
+        std::erase_if(settled, [&](const PastRun& run) {
+            return !run.isSettled || std::ranges::find(surplus, run.name) == surplus.end();
+        });
+    }
+    for (const PastRun& run : settled)
+        static_cast<void>(forget(run));
+}
+
+std::vector<std::string> RunHistory::namesBeyond(const HistoryLimits& limits) const {
     const std::string oldest = nameAt(Clock::now() - std::chrono::days(limits.days));
     const auto mostRuns = static_cast<std::size_t>(limits.runs);
+    std::vector<std::string> beyond;
+    std::unique_ptr<OpenFolder> place;
+    if (FileSystem::sharedInstance().openFolder(folder, place) != 0)
+        return beyond;
     std::size_t count = 0;
     std::uint64_t bytes = 0;
-    for (const PastRun& run : runs()) {
-        ++count;
-        bytes += run.size;
-        const bool isTooMuch = count > mostRuns || bytes > mostBytes || run.name < oldest;
-        if (isTooMuch && count > 1 && run.isSettled)
-            static_cast<void>(forget(run));
+    for (const std::string& name : names()) {
+        FileStatus status;
+        if (place->status(name + std::string(suffix), status) == 0)
+            bytes += status.size;
+        const bool isTooMuch = ++count > mostRuns || bytes > mostBytes || name < oldest;
+        if (isTooMuch && count > 1)
+            beyond.push_back(name);
     }
+    return beyond;
 }
 
 std::string RunHistory::nextName() const {

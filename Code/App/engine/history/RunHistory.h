@@ -104,6 +104,8 @@ class RunHistory {
     int read(FolderEntries& entries) const;
     [[nodiscard]] std::vector<std::string> names() const;
     [[nodiscard]] std::vector<PastRun> runs(bool examines) const;
+    /// Those that are too old or too much, newest first; never the newest of all.
+    [[nodiscard]] std::vector<std::string> namesBeyond(const HistoryLimits& limits) const;
 
     std::string folder;
 };

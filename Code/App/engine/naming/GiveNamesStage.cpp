@@ -124,9 +124,9 @@ bool PinNamesStage::isOver(const std::string& path) {
     if (error == ENOENT || error == ENOTDIR)
         return true;
     for (std::string_view above = path; above.size() > 1; above = PathParts(above).folder)
-        if (context->sourceItemWithPath(above))
+        if (context->hasSourceItem(above))
             return false;
-    return !context->sourceItemWithPath("/");
+    return !context->hasSourceItem("/");
 }
 
 } // namespace tavrin

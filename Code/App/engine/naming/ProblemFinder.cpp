@@ -234,24 +234,28 @@ bool ProblemFinder::isOnList(const std::string& name, const FileIdentity& identi
 }
 
 void ProblemFinder::compareWithListing(RowId folder) {
+    // The rows are read in their order, whatever that of the names.
     NameSlots names;
-    names.reset(rows->size());
-    for (std::size_t i = 0; i < rows->size(); ++i)
-        names.add(names.hashOf(context.component((*rows)[i])), static_cast<std::uint32_t>(i + 1));
+    names.reset(listing.size());
+    for (std::size_t i = 0; i < listing.size(); ++i)
+        names.add(names.hashOf(listing[i].name), static_cast<std::uint32_t>(i + 1));
     absent.assign(rows->size(), true);
     std::vector<FileStatus::Kind> kinds(rows->size());
-    others.clear();
-    for (const FolderEntry entry : listing) {
-        const std::uint32_t* const child = names.find(names.hashOf(entry.name), [&](std::uint32_t place) {
-            return context.component((*rows)[place - 1]) == entry.name;
-        });
-        if (child == nullptr) {
-            others.push_back(entry.name);
+    std::vector<bool> isListed(listing.size());
+    for (std::size_t i = 0; i < rows->size(); ++i) {
+        const std::string_view name = context.component((*rows)[i]);
+        const std::uint32_t* const entry = names.find(
+            names.hashOf(name), [&](std::uint32_t place) { return listing[place - 1].name == name; });
+        if (entry == nullptr)
             continue;
-        }
-        absent[*child - 1] = false;
-        kinds[*child - 1] = entry.kind;
+        absent[i] = false;
+        kinds[i] = listing[*entry - 1].kind;
+        isListed[*entry - 1] = true;
     }
+    others.clear();
+    for (std::size_t i = 0; i < listing.size(); ++i)
+        if (!isListed[i])
+            others.push_back(listing[i].name);
     for (Mover& mover : movers) {
         FileStatus present;
         present.kind = kinds[mover.child];

@@ -48,6 +48,11 @@ class EngineState {
     void setSelection(ItemSelection newSelection) { itemSelection = std::move(newSelection); }
     [[nodiscard]] const ItemSelection& selection() const { return itemSelection; }
 
+    /// Off: the list of paths is not read again after a run, so it keeps the old ones. On at first; set
+    /// before the first request.
+    void setListFollowsRenames(bool follows) { listFollows = follows; }
+    [[nodiscard]] bool listFollowsRenames() const { return listFollows; }
+
     /// Told of the renames of all runs to come; null for nobody. Not owned. Set while no run is under way.
     void setRenameObserver(RenameObserver* newObserver) { observer = newObserver; }
     [[nodiscard]] RenameObserver* renameObserver() const { return observer; }
@@ -123,6 +128,7 @@ class EngineState {
     HistoryPlace history;
     ItemSelection itemSelection;
     RenameObserver* observer = nullptr;
+    bool listFollows = true;
     std::atomic<bool> stopRequested{false};
     std::atomic<bool> ending{false};
     std::atomic<bool> sessionEnds{false};

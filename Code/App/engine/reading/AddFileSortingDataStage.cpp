@@ -4,7 +4,7 @@
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"
 #include "engine/reading/FolderNotes.h"
-#include "platform/metadata/ExifHelper.h"
+#include "engine/reading/SortingValues.h"
 #include "platform/metadata/FileManager.h"
 #include "platform/processes/Parallel.h"
 #include "store/contexts/StoreContext.h"
@@ -59,23 +59,16 @@ bool AddFileSortingDataStage::process() {
 void AddFileSortingDataStage::addSortingData(RowId id, const FileStatus& seen) {
     const std::string name(context->component(id));
     FileStatus status = seen;
-    const bool isFolder = status.kind == FileStatus::Kind::folder;
-    if (isFolder && sumFolders)
+    const SortingValues values(settings);
+    if (values.mustSum(status))
         status.size = FileManager::instance().sizeForPath(context->fullPath(id), true);
-    double exif = 0.0;
-    if (retrieveEXIFData) {
-        const bool mayHaveDate =
-            status.kind == FileStatus::Kind::file && status.size > 0 && ExifHelper::isImageName(name);
-        exif = mayHaveDate ? FileManager::instance().fileEXIFDate(context->fullPath(id))
-                           : FileManager::distantPast;
-    }
     engine.folderNotes().noteLocked(id, status.isLocked());
-    NodeRow& row = context->change(id);
-    row.modDate = status.modificationDate;
-    row.crDate = status.creationDate;
-    row.exif = exif;
-    row.size = status.size;
-    row.sortingInformationLoaded = true;
+    if (values.mayHaveShootingDate(status, name)) {
+        const double taken = FileManager::instance().fileEXIFDate(context->fullPath(id));
+        SortingValues::put(context->change(id), status, taken);
+    } else {
+        values.put(context->change(id), status);
+    }
 }
 
 std::vector<FileStatus> AddFileSortingDataStage::look(const std::vector<RowId>& items) {

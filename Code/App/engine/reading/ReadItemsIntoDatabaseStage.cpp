@@ -3,6 +3,7 @@
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"
+#include "engine/reading/SortingValues.h"
 #include "platform/files/FolderEntries.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/StoreContext.h"
@@ -104,22 +105,25 @@ bool ReadItemsIntoDatabaseStage::process() {
     if (progress)
         progress->signalQuickSwitchToLongProcessingMode();
     context->changeEngineControl().needToRedoConflictResolution = true;
+    const std::size_t removed = context->removedSourceItems();
     const std::vector<SourceItem> items = context->sourceItems();
     if (items.empty()) {
         debugLog("No source items yet, interrupting pipeline");
         return false;
     }
     shouldProcessSubfolders = settings.shouldProcessSubfolders != 0 && selection.depth.value_or(1) > 0;
+    looks = SourceItemManager::sharedInstance().takeLooks();
     if (selection.mayNest)
         nested.emplace(items);
     std::vector<bool> done(items.size());
     for (std::size_t place = 0; place < items.size(); ++place)
         readInTurn(items, place, done);
     nested.reset();
+    looks = {};
     folder.reset();
     aliases.reset();
     tellWhatWasLeftOut();
-    if (rowsMade > 0)
+    if (rowsMade > 0 && context->removedSourceItems() != removed)
         forgetItemsRemovedSince(items);
     engine.computeTotalNumberOfFilesForContext(*context, settings.itemFilter());
     engine.computeTotalNumberOfFilesSelectedOrNotForContext(*context);
@@ -143,7 +147,7 @@ void ReadItemsIntoDatabaseStage::readSourceItem(const SourceItem& item, std::siz
     const bool mayHaveContents = item.treatAsFolder && shouldProcessSubfolders && !item.readInSubfolders;
     if (item.readInRoot && !mayHaveContents)
         return; // nothing would come of looking at the disk
-    const Kind kind = kindOf(item.path, nested && nested->holdsOthers(place));
+    const Kind kind = kindOf(item, nested && nested->holdsOthers(place));
     if (!aliases)
         aliases.emplace(*context);
     if (kind.error != 0)
@@ -155,7 +159,8 @@ void ReadItemsIntoDatabaseStage::readSourceItem(const SourceItem& item, std::siz
     const bool isWanted = takesPart(item, place, kind);
     if (!kind.isFileOrBundle)
         readFolder(item, kind, place, isWanted);
-    else if (!item.readInRoot && !kind.isInvisible && isWanted && createRootItem(item.path, false, kind.seen))
+    else if (!item.readInRoot && !kind.isInvisible && isWanted &&
+             createRootItem(item.path, false, kind.status))
         context->setSourceItemRead(item.path, true, item.readInSubfolders);
 }
 
@@ -163,7 +168,7 @@ bool ReadItemsIntoDatabaseStage::takesPart(const SourceItem& item, std::size_t p
     const bool isOfKind = kind.isLink()         ? selection.takesLinks
                           : kind.isFileOrBundle ? selection.takesFiles
                                                 : true;
-    return isOfKind && (!selection.asksForTime() || selection.admitsTime(kind.changed)) &&
+    return isOfKind && (!selection.asksForTime() || selection.admitsTime(kind.status.modificationDate)) &&
            selection.isIncluded({pathForGlobs(item.path, place), !kind.isFileOrBundle});
 }
 
@@ -224,7 +229,7 @@ void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& 
     // A link that lies in another item is followed no more than one that is found there.
     const bool isFollowed = !kind.isLink() || folderAbove.empty();
     const bool mustWalk = shouldProcessSubfolders && !item.readInSubfolders && isFollowed;
-    if (isNew && !createRootItem(item.path, true, kind.seen))
+    if (isNew && !createRootItem(item.path, true, kind.status))
         return;
     if (isNew || mustWalk)
         context->setSourceItemRead(item.path, isNew || item.readInRoot, mustWalk || item.readInSubfolders);
@@ -233,34 +238,45 @@ void ReadItemsIntoDatabaseStage::readFolder(const SourceItem& item, const Kind& 
         context->setSourceItemRead(item.path, isNew || item.readInRoot, false); // to be tried again
 }
 
-/// One call per item: the folder is held open for its neighbours on the list.
-ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const std::string& path,
+/// At most one call per item: the folder is held open for its neighbours on the list.
+int ReadItemsIntoDatabaseStage::statusOf(const SourceItem& item, std::string_view name, FileStatus& into) {
+    if (!folder)
+        return folderError;
+    if (const FileStatus* const look = looks.of(item)) {
+        into = *look;
+        return 0;
+    }
+    return folder->status(std::string(name), into);
+}
+
+ReadItemsIntoDatabaseStage::Kind ReadItemsIntoDatabaseStage::kindOf(const SourceItem& item,
                                                                     bool holdsOthers) {
+    const std::string& path = item.path;
     const PathParts parts(path);
     openFolderAt(parts.folder);
-    FileStatus status;
-    const std::string name(parts.name.empty() ? "." : parts.name);
+    const std::string_view name = parts.name.empty() ? "." : parts.name;
     Kind kind;
-    kind.error = folder ? folder->status(name, status) : folderError;
+    kind.error = statusOf(item, name, kind.status);
     if (meansGone(kind.error))
         return {}; // goes through as a file, and fails when it is to be renamed
     if (kind.error != 0)
         return kind;
-    kind.seen = {status.identity, status.kind};
-    kind.changed = status.modificationDate;
     kind.isInvisible = !selection.takesGivenHidden && (name.front() == '.' || hiddenNames.contains(name));
     if (parts.name.empty())
         kind.isInvisible = true; // the root has no name that could be changed
     if (kind.isLink() && !selection.followsLinks)
         return kind;
+    FileStatus::Kind target = kind.status.kind;
     if (kind.isLink()) {
-        const int error = FileSystem::sharedInstance().followedStatus(path, status);
+        FileStatus followed;
+        const int error = FileSystem::sharedInstance().followedStatus(path, followed);
         kind.error = meansGone(error) || error == ELOOP ? 0 : error;
         if (error != 0)
             return kind;
+        target = followed.kind;
     }
-    kind.isFileOrBundle = status.kind != FileStatus::Kind::folder ||
-                          (!holdsOthers && FileManager::instance().isBundleFolder(path));
+    kind.isFileOrBundle =
+        target != FileStatus::Kind::folder || (!holdsOthers && FileManager::instance().isBundleFolder(path));
     return kind;
 }
 
@@ -275,7 +291,7 @@ void ReadItemsIntoDatabaseStage::openFolderAt(std::string_view path) {
     if (folderError != 0)
         folder.reset();
     folderIdentity = status.identity;
-    hiddenNames = folder ? HiddenNames(openPath) : HiddenNames();
+    hiddenNames = folder && !selection.takesGivenHidden ? HiddenNames(openPath) : HiddenNames();
 }
 
 RowId ReadItemsIntoDatabaseStage::rowForFolder(std::string_view path, const FileIdentity& identity) {
@@ -299,13 +315,22 @@ ReadItemsIntoDatabaseStage::Place ReadItemsIntoDatabaseStage::placeIn(RowId fold
 }
 
 bool ReadItemsIntoDatabaseStage::createRootItem(const std::string& path, bool isFolder,
-                                                const SeenItem& seen) {
+                                                const FileStatus& status) {
     const PathParts parts(path);
     if (lastParentFolder.row == noRow || lastParentFolderPath != parts.folder) {
         lastParentFolder = placeIn(rowForFolder(parts.folder, folderIdentity), folderIdentity);
         lastParentFolderPath = parts.folder;
     }
-    return createOneFile(lastParentFolder, parts.folder, parts.name, true, isFolder, seen) != noRow;
+    const SeenItem seen{status.identity, status.kind};
+    const RowId row = createOneFile(lastParentFolder, parts.folder, parts.name, true, isFolder, seen);
+    if (row == noRow)
+        return false;
+    const SortingValues values(settings);
+    if (status.identity.isKnown() && values.areIn(status, parts.name)) {
+        values.put(context->change(row), status);
+        engine.folderNotes().noteLocked(row, status.isLocked());
+    }
+    return true;
 }
 
 RowId ReadItemsIntoDatabaseStage::createOneFile(const Place& place, std::string_view folderPath,

@@ -8,6 +8,7 @@
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/SmallEntities.h"
 #include "store/rows/NodeRow.h"
+#include "store/sources/SourceLooks.h"
 
 #include <map>
 #include <memory>
@@ -37,10 +38,9 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     struct Kind {
         bool isFileOrBundle = true;
         bool isInvisible = false;
-        SeenItem seen;
-        double changed = 0; ///< seconds since 2001
-        int error = 0;      ///< why nothing of this is known: an errno value
-        [[nodiscard]] bool isLink() const { return seen.kind == FileStatus::Kind::link; }
+        FileStatus status; ///< the item's own; without identity where there is none
+        int error = 0;     ///< why nothing of this is known: an errno value
+        [[nodiscard]] bool isLink() const { return status.kind == FileStatus::Kind::link; }
     };
     /// A folder whose rows are being made.
     struct Place {
@@ -60,14 +60,16 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     std::string_view pathForGlobs(std::string_view path, std::size_t place) const;
     void forgetItemsRemovedSince(const std::vector<SourceItem>& items);
     void readFolder(const SourceItem& item, const Kind& kind, std::size_t place, bool takesPart);
-    Kind kindOf(const std::string& path, bool holdsOthers);
+    Kind kindOf(const SourceItem& item, bool holdsOthers);
+    /// 0 or an errno value.
+    int statusOf(const SourceItem& item, std::string_view name, FileStatus& into);
     void openFolderAt(std::string_view path);
     /// The row that stands for a folder, made if there is none; so are those up to the folder of the list
     /// that it lies in, since what moves takes along all that lies between.
     RowId rowForFolder(std::string_view path, const FileIdentity& identity);
     Place placeIn(RowId folderRow, const FileIdentity& identity);
     /// False if it has a row already, under another path; then there is nothing more to do for it.
-    bool createRootItem(const std::string& path, bool folder, const SeenItem& seen);
+    bool createRootItem(const std::string& path, bool folder, const FileStatus& status);
     /// noRow likewise.
     RowId createOneFile(const Place& place, std::string_view folderPath, std::string_view name, bool root,
                         bool folder, const SeenItem& seen);
@@ -77,6 +79,7 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
 
     const ItemSelection& selection;
     bool shouldProcessSubfolders = false;
+    SourceLooks looks;                 ///< from when the items were added
     std::optional<NestedItems> nested; ///< where items of the list may lie in others
     std::string_view folderAbove;      ///< outermost one on the list that holds the one in hand; or none
     std::string lastFolderChecked;     ///< for `liesInExcluded`

@@ -215,6 +215,8 @@ void RenameRing::account() {
 }
 
 void RenameRing::accountSourceItems() {
+    if (!run.sourceItems.areWanted())
+        return;
     // Of a pair the first one decides for both, and the paths stay in the order in which they were.
     for (std::size_t i = 0; i < members.size(); ++i) {
         const Member& member = members[isPair() ? members.size() - 1 - i : i];

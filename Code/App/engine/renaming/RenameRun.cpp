@@ -39,7 +39,9 @@ void SourceItemChanges::apply() {
 
 RenameRun::RenameRun(EngineState& owner, ProcessingStage& stage, StoreContext& store, ProgressInfo* progress,
                      bool shouldBeInteractive)
-    : context(store), item(store), report(progress), folders(FileSystem::sharedInstance()),
+    : context(store), item(store), report(progress), sourceItems(owner.listFollowsRenames()),
+      folders(FileSystem::sharedInstance(),
+              shouldBeInteractive ? RunFolders::Order::mixed : RunFolders::Order::byFolder),
       standIns(store, folders), mover(volumeEvents()), primitives({folders, standIns, mover, report}),
       questions(owner, stage, shouldBeInteractive), marker(owner.nextStageFlagCounter()),
       outcomes(owner.runOutcomes()), engine(owner), pins(owner.pins()), observer(owner.renameObserver()) {

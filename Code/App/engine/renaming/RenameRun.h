@@ -43,6 +43,10 @@ class RowSet {
 /// What the renames of one batch mean for the list of paths that the user added.
 class SourceItemChanges {
   public:
+    /// Not `wanted`: nobody reads the list again, and nothing is to be noted.
+    explicit SourceItemChanges(bool wanted) : isWanted(wanted) {}
+    [[nodiscard]] bool areWanted() const { return isWanted; }
+
     void change(std::string from, std::string to);
     void remove(std::string path) { toBeRemoved.push_back(std::move(path)); }
     void add(std::string path) { toBeAdded.push_back(std::move(path)); }
@@ -52,6 +56,7 @@ class SourceItemChanges {
     void apply();
 
   private:
+    const bool isWanted;
     std::vector<std::string> changeFrom;
     std::vector<std::string> changeTo;
     std::vector<std::string> toBeRemoved;

@@ -25,6 +25,7 @@ struct SourceItem {
     bool treatAsFolder = false;
     bool readInRoot = false;       ///< the row for the path itself has been made
     bool readInSubfolders = false; ///< the tree below the path has been walked
+    std::uint32_t look = 0;        ///< what was seen when it was added, among `SourceLooks`; 0 for nothing
 };
 
 /// A failure to show at the end of a run. Title and message are UTF-8, the path is in bytes.

@@ -129,10 +129,12 @@ class StoreContext {
     /// In the order added.
     std::vector<SourceItem> sourceItems();
     std::size_t sourceItemCount();
-    std::optional<SourceItem> sourceItemWithPath(std::string_view path);
+    bool hasSourceItem(std::string_view path);
+    /// How many have been removed in the life of the store, as far as it is committed.
+    std::size_t removedSourceItems();
     /// Whether one lies below the folder, that is, begins with its path and a "/".
     bool hasSourceItemBelow(std::string_view folder);
-    void insertSourceItem(std::string path, bool treatAsFolder);
+    void insertSourceItem(std::string path, bool treatAsFolder, std::uint32_t look = 0);
     void deleteSourceItem(std::string_view path);
     void setSourceItemRead(std::string_view path, bool readInRoot, bool readInSubfolders);
     void insertProcessingError(ProcessingError error);

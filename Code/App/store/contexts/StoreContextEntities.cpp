@@ -42,17 +42,19 @@ std::size_t StoreContext::sourceItemCount() {
     return impl->askSourceItems([](const SourceItemTable& items) { return items.count(); });
 }
 
-std::optional<SourceItem> StoreContext::sourceItemWithPath(std::string_view path) {
-    return impl->askSourceItems([path](const SourceItemTable& items) { return items.find(path); });
+bool StoreContext::hasSourceItem(std::string_view path) {
+    return impl->askSourceItems([path](const SourceItemTable& items) { return items.contains(path); });
 }
+
+std::size_t StoreContext::removedSourceItems() { return impl->store.access()->sourceItems.removals(); }
 
 bool StoreContext::hasSourceItemBelow(std::string_view folder) {
     return impl->askSourceItems([folder](const SourceItemTable& items) { return items.hasBelow(folder); });
 }
 
-void StoreContext::insertSourceItem(std::string path, bool treatAsFolder) {
+void StoreContext::insertSourceItem(std::string path, bool treatAsFolder, std::uint32_t look) {
     impl->staged.sourceItems.emplace_back(
-        SourceItemInsertion{{std::move(path), treatAsFolder, false, false}});
+        SourceItemInsertion{{std::move(path), treatAsFolder, false, false, look}});
 }
 
 void StoreContext::deleteSourceItem(std::string_view path) {

@@ -138,6 +138,8 @@ void SortKeys::append(NodeKey key, const SortedRow& row) {
         return appendNaturalText(arena, shown(row.finalName));
     case NodeKey::folder:
         return appendNumber(row.folderRank, sizeof row.folderRank);
+    case NodeKey::parent:
+        return appendNumber(row.row.parent, sizeof row.row.parent);
     case NodeKey::random:
         return appendNumber(scatter(secret ^ scatter(row.id)), sizeof secret);
     default:

@@ -36,7 +36,8 @@ enum class NodeKey : std::uint8_t {
     problem,
     problemDetail,
     finalName,
-    folder,
+    folder, ///< by its path
+    parent, ///< the folder in the order of reading
 };
 
 /// What a change of an attribute can void: an order, a filtered list, names on show, or the rename plan.
@@ -83,6 +84,7 @@ inline constexpr std::array nodeAttributes{
     NodeAttribute{NodeKey::problemDetail, ColumnClass::naming, &NodeRow::problemDetail},
     NodeAttribute{NodeKey::finalName, ColumnClass::naming},
     NodeAttribute{NodeKey::folder, ColumnClass::none},
+    NodeAttribute{NodeKey::parent, ColumnClass::none},
 };
 
 constexpr const NodeAttribute& attribute(NodeKey key) {

@@ -40,17 +40,20 @@ bool SourceItemManager::addSourceItem(const std::string& path, bool linksAreItem
     debugLog("addSourceItem: {}", path);
     FileStatus status;
     FileSystem& files = FileSystem::sharedInstance();
-    if ((linksAreItems ? files.status(path, status) : files.followedStatus(path, status)) != 0)
+    if (files.status(path, status) != 0)
         return false;
-    const bool isDirectory = status.kind == FileStatus::Kind::folder;
+    FileStatus target = status;
+    if (status.kind == FileStatus::Kind::link && !linksAreItems && files.followedStatus(path, target) != 0)
+        return false;
+    const bool isDirectory = target.kind == FileStatus::Kind::folder;
 
     StoreContext& context = mainContext();
     std::scoped_lock lock(context.mutex());
-    if (context.sourceItemWithPath(path))
+    if (context.hasSourceItem(path))
         return false;
     if (isDirectory && context.hasSourceItemBelow(path == "/" ? "" : path))
         return false;
-    insert(context, path, isDirectory);
+    insert(context, path, isDirectory, status);
     return true;
 }
 
@@ -59,27 +62,35 @@ bool SourceItemManager::addNestedItem(const std::string& path, bool linksAreItem
     FileSystem& files = FileSystem::sharedInstance();
     if (files.status(path, status) != 0)
         return false;
+    FileStatus::Kind kind = status.kind;
     FileStatus target;
-    if (status.kind == FileStatus::Kind::link && !linksAreItems && files.followedStatus(path, target) == 0)
-        status = target;
+    if (kind == FileStatus::Kind::link && !linksAreItems && files.followedStatus(path, target) == 0)
+        kind = target.kind;
 
     StoreContext& context = mainContext();
     std::scoped_lock lock(context.mutex());
-    if (!context.sourceItemWithPath(path))
-        insert(context, path, status.kind == FileStatus::Kind::folder);
+    if (!context.hasSourceItem(path))
+        insert(context, path, kind == FileStatus::Kind::folder, status);
     return true;
 }
 
-void SourceItemManager::insert(StoreContext& context, const std::string& path, bool isFolder) {
-    context.insertSourceItem(path, isFolder && !FileManager::instance().isBundle(path));
+void SourceItemManager::insert(StoreContext& context, const std::string& path, bool isFolder,
+                               const FileStatus& look) {
+    context.insertSourceItem(path, isFolder && !FileManager::instance().isBundle(path),
+                             keepsLooks ? looks.add(look) : 0);
     context.commit();
+}
+
+SourceLooks SourceItemManager::takeLooks() {
+    std::scoped_lock lock(mainContext().mutex());
+    return looks.take();
 }
 
 void SourceItemManager::removeItem(const std::string& path) {
     debugLog("removeItem: {}", path);
     StoreContext& context = mainContext();
     std::scoped_lock lock(context.mutex());
-    if (!context.sourceItemWithPath(path)) {
+    if (!context.hasSourceItem(path)) {
         debugLog("could not find the source item!!");
         return;
     }
@@ -109,7 +120,7 @@ bool SourceItemManager::checkPathValidity(const std::string& folder) {
     StoreContext& context = mainContext();
     std::scoped_lock lock(context.mutex());
     for (std::string path = folder; !path.empty(); path = PathParts(std::string(path)).folder) {
-        if (context.sourceItemWithPath(path))
+        if (context.hasSourceItem(path))
             return false;
         if (path == "/")
             break;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/sources/SourceLooks.h"
+
 #include <functional>
 #include <string>
 
@@ -31,13 +33,20 @@ class SourceItemManager {
     /// Whether something may be added in this folder: false when it or a folder above it is on the list.
     bool checkPathValidity(const std::string& folder);
     bool isEmpty();
+    /// From now on what is seen of an item when it is added is kept for the reading, which must follow soon.
+    void keepLooks() { keepsLooks = true; }
+    /// Those of the items that were added since the last time.
+    SourceLooks takeLooks();
     /// Marks all items unread.
     void resetCache();
 
   private:
-    void insert(StoreContext& context, const std::string& path, bool isFolder);
+    /// `look` is the item's own status, that of a link where it is one.
+    void insert(StoreContext& context, const std::string& path, bool isFolder, const FileStatus& look);
 
     std::function<StoreContext&()> mainContext;
+    bool keepsLooks = false; ///< fixed before the first item
+    SourceLooks looks;       ///< under the main context's lock
 };
 
 } // namespace tavrin

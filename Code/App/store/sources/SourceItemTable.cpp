@@ -1,9 +1,20 @@
 #include "store/sources/SourceItemTable.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace tavrin {
+
+namespace {
+
+/// The path up to its last slash; none where there is none.
+std::optional<std::string_view> folderOf(std::string_view path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == path.npos ? std::nullopt : std::optional(path.substr(0, slash));
+}
+
+} // namespace
 
 void SourceItemTable::apply(const SourceItemChange& change) {
     if (const auto* insertion = std::get_if<SourceItemInsertion>(&change))
@@ -15,13 +26,30 @@ void SourceItemTable::apply(const SourceItemChange& change) {
 }
 
 void SourceItemTable::insert(const SourceItem& item) {
-    const Entry entry{nextOrder++, item.treatAsFolder, item.readInRoot, item.readInSubfolders};
-    items.insert_or_assign(item.path, entry);
+    const Entry entry{nextOrder++, item.treatAsFolder, item.readInRoot, item.readInSubfolders, item.look};
+    if (!items.insert_or_assign(item.path, entry).second)
+        return;
+    for (auto folder = folderOf(item.path); folder; folder = folderOf(*folder)) {
+        if (const auto known = holding.find(*folder); known != holding.end()) {
+            ++known->second;
+            return;
+        }
+        holding.emplace(*folder, 1);
+    }
 }
 
 void SourceItemTable::remove(std::string_view path) {
-    if (const auto found = items.find(path); found != items.end())
-        items.erase(found);
+    const auto found = items.find(path);
+    if (found == items.end())
+        return;
+    ++removed;
+    for (auto folder = folderOf(found->first); folder; folder = folderOf(*folder)) {
+        const auto holder = holding.find(*folder);
+        if (--holder->second > 0)
+            break;
+        holding.erase(holder);
+    }
+    items.erase(found);
 }
 
 void SourceItemTable::setRead(std::string_view path, bool readInRoot, bool readInSubfolders) {
@@ -31,31 +59,20 @@ void SourceItemTable::setRead(std::string_view path, bool readInRoot, bool readI
     }
 }
 
-std::optional<SourceItem> SourceItemTable::find(std::string_view path) const {
-    const auto found = items.find(path);
-    if (found == items.end())
-        return std::nullopt;
-    const Entry& entry = found->second;
-    return SourceItem{found->first, entry.treatAsFolder, entry.readInRoot, entry.readInSubfolders};
-}
-
-bool SourceItemTable::hasBelow(std::string_view folder) const {
-    const std::string prefix = std::string(folder) + '/';
-    const auto item = items.lower_bound(prefix);
-    return item != items.end() && item->first.starts_with(prefix);
+SourceItem SourceItemTable::itemOf(const std::string& path, const Entry& entry) {
+    return {path, entry.treatAsFolder, entry.readInRoot, entry.readInSubfolders, entry.look};
 }
 
 std::vector<SourceItem> SourceItemTable::inOrderAdded() const {
-    std::vector<std::pair<std::uint64_t, SourceItem>> ordered;
+    std::vector<std::pair<std::uint64_t, decltype(items)::const_pointer>> ordered;
     ordered.reserve(items.size());
-    for (const auto& [path, entry] : items)
-        ordered.emplace_back(entry.order,
-                             SourceItem{path, entry.treatAsFolder, entry.readInRoot, entry.readInSubfolders});
-    std::sort(ordered.begin(), ordered.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (const auto& item : items)
+        ordered.emplace_back(item.second.order, &item);
+    std::ranges::sort(ordered);
     std::vector<SourceItem> result;
     result.reserve(ordered.size());
-    for (auto& [order, item] : ordered)
-        result.push_back(std::move(item));
+    for (const auto& [order, item] : ordered)
+        result.push_back(itemOf(item->first, item->second));
     return result;
 }
 

@@ -2,12 +2,12 @@
 
 #include "store/contexts/StagedChanges.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <map>
-#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace tavrin {
@@ -17,10 +17,12 @@ class SourceItemTable {
   public:
     void apply(const SourceItemChange& change);
 
-    [[nodiscard]] std::optional<SourceItem> find(std::string_view path) const;
+    [[nodiscard]] bool contains(std::string_view path) const { return items.contains(path); }
     [[nodiscard]] std::size_t count() const { return items.size(); }
+    /// How many have ever been removed.
+    [[nodiscard]] std::size_t removals() const { return removed; }
     /// Whether one begins with the folder's path and a "/".
-    [[nodiscard]] bool hasBelow(std::string_view folder) const;
+    [[nodiscard]] bool hasBelow(std::string_view folder) const { return holding.contains(folder); }
     [[nodiscard]] std::vector<SourceItem> inOrderAdded() const;
 
   private:
@@ -33,9 +35,21 @@ class SourceItemTable {
         bool treatAsFolder = false;
         bool readInRoot = false;
         bool readInSubfolders = false;
+        std::uint32_t look = 0;
     };
-    std::map<std::string, Entry, std::less<>> items;
+    static SourceItem itemOf(const std::string& path, const Entry& entry);
+
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view path) const { return std::hash<std::string_view>()(path); }
+    };
+    template <typename Value> using ByPath = std::unordered_map<std::string, Value, Hash, std::equal_to<>>;
+
+    ByPath<Entry> items;
+    /// Of each folder in which items lie, at whatever depth: how many items and such folders lie right in it.
+    ByPath<std::uint32_t> holding;
     std::uint64_t nextOrder = 0;
+    std::size_t removed = 0;
 };
 
 } // namespace tavrin
