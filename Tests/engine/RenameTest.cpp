@@ -1,6 +1,10 @@
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
+#include "engine/renaming/NameOnDisk.h"
 #include "engine/renaming/PrepareForRenamingStage.h"
+#include "support/text/Text.h"
+
+#include <random>
 
 namespace tavrin::test {
 namespace {
@@ -129,6 +133,28 @@ TEST(RenameModes, TheOldOneIsSwitchedToTheNewestOnceOnly) {
 }
 
 /// One look through the folder tells for all its items whether case counts there.
+/// What names have in common, and what is plain beside it, makes no difference.
+TEST(RenameCase, IsToldByWholeNames) {
+    const std::vector<std::string> pieces =
+        split("a A k K \u212A \u00DF s S \u0301 \u00E9 \u00C9 e E \u0130 i \u03C3 \u03A3 \xC3 \xA9");
+    std::mt19937 random(1);
+    const auto piece = [&] { return pieces[random() % pieces.size()]; };
+    int equal = 0;
+    for (int i = 0; i < 20000; ++i) {
+        std::string a;
+        std::string b;
+        for (unsigned length = random() % 4; length > 0; --length) {
+            const std::string shared = piece();
+            a += shared;
+            b += random() % 3 == 0 ? piece() : shared;
+        }
+        const bool isSame = text::equalIgnoringCase(text::fromBytes(a), text::fromBytes(b));
+        EXPECT_EQ(nameOnDisk::differsOnlyInCase(a, b), a != b && isSame) << a << " | " << b;
+        equal += isSame && a != b;
+    }
+    EXPECT_GT(equal, 100);
+}
+
 TEST(RenameCase, ChangesDirectlyOrByAStandInThatIsFree) {
     const std::string dummy =
         "this~dummy~file~is~used~to~temporarily~stand~in~for~the~real~file~that~will~be~"

@@ -6,6 +6,7 @@
 #include "support/text/KQStringUtilities.h"
 #include "support/text/PathParts.h"
 #include "support/values/CalendarFormat.h"
+#include "support/values/Crc32.h"
 #include "support/values/DecimalNumbers.h"
 #include "support/values/PropertyValue.h"
 #include "support/values/VersionComparison.h"
@@ -70,6 +71,12 @@ TEST(DebugLog, WritesOnlyWhileOn) {
     setDebugLogIsOn(false);
     debugLog("off");
     EXPECT_EQ(std::vector<std::string>{"on 2 x"}, lines.lines());
+}
+
+TEST(Crc32, IsTheCommonOneHoweverTheBytesAreCut) {
+    const std::string_view text = "The quick brown fox jumps over the lazy dog";
+    for (std::size_t cut = 0; cut <= text.size(); ++cut)
+        EXPECT_EQ(crc32(text.substr(cut), crc32(text.substr(0, cut))), 0x414FA339U);
 }
 
 TEST(PathParts, CutPathsAndJoinThemAgain) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <utility>
 
 namespace tavrin {
 
@@ -26,6 +27,18 @@ std::bitset<128> escapedBytes(std::u16string_view text) {
 bool hasStrayHalf(std::u16string_view finalName, std::string_view currentName) {
     const std::bitset<128> wanted = escapedBytes(finalName);
     return wanted.any() && (wanted & ~escapedBytes(text::fromBytes(currentName))).any();
+}
+
+/// Both without what they begin and end with in common.
+std::pair<std::string_view, std::string_view> unlikeParts(std::string_view a, std::string_view b) {
+    const auto [endA, endB] = std::ranges::mismatch(a, b);
+    a.remove_prefix(static_cast<std::size_t>(endA - a.begin()));
+    b.remove_prefix(static_cast<std::size_t>(endB - b.begin()));
+    const auto suffix = static_cast<std::size_t>(
+        std::mismatch(a.rbegin(), a.rend(), b.rbegin(), b.rend()).first - a.rbegin());
+    a.remove_suffix(suffix);
+    b.remove_suffix(suffix);
+    return {a, b};
 }
 
 } // namespace
@@ -60,9 +73,10 @@ bool nameOnDisk::differsOnlyInCase(std::string_view a, std::string_view b) {
     };
     if (a == b)
         return false;
-    if (isAscii(a) && isAscii(b)) {
+    const auto [restOfA, restOfB] = unlikeParts(a, b);
+    if (isAscii(restOfA) && isAscii(restOfB)) { // a part of no character beside them
         const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c; };
-        return std::ranges::equal(a, b, {}, lower, lower);
+        return std::ranges::equal(restOfA, restOfB, {}, lower, lower);
     }
     return text::equalIgnoringCase(text::fromBytes(a), text::fromBytes(b));
 }
