@@ -49,6 +49,7 @@ class FailingOpenFolder : public OpenFolder {
     int volume(VolumeFacts& into) override {
         const int error = real->volume(into);
         into.ignoresCase |= system.ignoresCase;
+        into.isRemote |= system.isRemote;
         return error;
     }
     bool liesAt(const std::string& place) override { return real->liesAt(place); }

@@ -53,6 +53,8 @@ class FailingFileSystem : public FileSystem {
     std::function<int(const FileEvent&)> before = [](const FileEvent&) { return 0; };
     /// Folders know names apart from case only.
     bool ignoresCase = false;
+    /// Folders seem to lie on another machine.
+    bool isRemote = false;
     /// Names of items that seem to be locked, and that the system lets nobody rename.
     std::set<std::string> locked;
     /// Seconds by which all changes seem to be older.

@@ -409,6 +409,71 @@ TEST(RenameAnswers, AnEndFromOutsideStopsTheRun) {
     }
 }
 
+/// What a run has left and told, in words.
+std::string storyOf(RenameBench& bench) {
+    std::string story = fmt::format("{} renamed\n", bench.renamed());
+    for (const auto& [name, before] : bench.files())
+        story += name + '=' + before + '\n';
+    for (const ProblemReport& report : bench.reports)
+        story += bench.relative(report.fullPath) + ": " + report.message + '\n';
+    return story;
+}
+
+TEST(RenamesAhead, ChangeNothingButTheTime) {
+    const std::pair<const char*, const char*> rounds[] = {
+        {"a>A1 b>B1 f/c>C1 f/d>D1 f/>g", ""},
+        {"a>b b>c c>d d x>y y>x p>q q>r r>p", ""},
+        {"a>A1 b>B1 c>C1 d>D1", "remove a, save b, write C1 text, folder D1"},
+        {"a>A1 b>B1 f/c>C1", "remove a, folder a, move f g"},
+    };
+    for (const auto& [plan, since] : rounds) {
+        std::vector<std::string> stories;
+        for (const bool isRemote : {false, true}) {
+            FailingFileSystem disk;
+            disk.isRemote = isRemote;
+            RenameBench bench;
+            bench.plan(plan);
+            bench.happens(since);
+            bench.rename();
+            bench.checkOutcomes();
+            stories.push_back(storyOf(bench));
+        }
+        EXPECT_EQ(stories[0], stories[1]) << plan;
+    }
+}
+
+TEST(RenamesAhead, AreMadeSideBySideAndAllCountWhenTheRunIsStopped) {
+    FailingFileSystem disk;
+    disk.isRemote = true;
+    RenameBench bench;
+    std::string plan;
+    for (int i = 0; i < 300; ++i)
+        plan += fmt::format("f{}/{}>x{} ", i % 3, i, i);
+    bench.plan(plan);
+    std::atomic<int> renames{0};
+    std::atomic<int> underWay{0};
+    std::atomic<int> mostUnderWay{0};
+    disk.before = [&](const FileEvent& event) {
+        if (event.call != FileCall::rename)
+            return 0;
+        mostUnderWay = std::max(mostUnderWay.load(), ++underWay);
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        --underWay;
+        if (++renames == 100)
+            bench.host.engine.requestStop();
+        return renames % 10 == 0 ? EACCES : 0;
+    };
+    bench.rename();
+    const auto files = bench.files();
+    const auto moved = std::ranges::count_if(
+        files, [](const auto& file) { return file.first.find('x') != std::string::npos; });
+    EXPECT_EQ(bench.renamed(), moved);
+    EXPECT_GT(moved, 50);
+    EXPECT_LT(moved, 200);
+    EXPECT_GT(mostUnderWay, 1);
+    bench.checkOutcomes();
+}
+
 /// Rows without a disk, and the plan that is made for them.
 class PlanTest : public StageTest {
   protected:

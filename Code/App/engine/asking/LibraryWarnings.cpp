@@ -21,12 +21,7 @@ bool LibraryWarnings::check(const std::string& newFolder, std::string_view compo
                             UserQuestions& questions) {
     if (!iTunes.shouldWarn && !iPhoto.shouldWarn)
         return true;
-    if (!hasLooked || folder != newFolder) {
-        folder = newFolder;
-        hasLooked = true;
-        for (Library* library : {&iTunes, &iPhoto})
-            library->folderIsInside = holdsMarker(*library, folder);
-    }
+    lookAt(newFolder);
     bool goesOn = true;
     if (isInside(iPhoto, component)) {
         goesOn = questions.showIPhotoWarningDialog();
@@ -39,6 +34,22 @@ bool LibraryWarnings::check(const std::string& newFolder, std::string_view compo
         goesOn = goesOn && mayGoOn;
     }
     return goesOn;
+}
+
+bool LibraryWarnings::wouldAsk(const std::string& newFolder, std::string_view component) {
+    if (!iTunes.shouldWarn && !iPhoto.shouldWarn)
+        return false;
+    lookAt(newFolder);
+    return isInside(iPhoto, component) || isInside(iTunes, component);
+}
+
+void LibraryWarnings::lookAt(const std::string& newFolder) {
+    if (hasLooked && folder == newFolder)
+        return;
+    folder = newFolder;
+    hasLooked = true;
+    for (Library* library : {&iTunes, &iPhoto})
+        library->folderIsInside = holdsMarker(*library, folder);
 }
 
 bool LibraryWarnings::isInside(const Library& library, std::string_view component) const {

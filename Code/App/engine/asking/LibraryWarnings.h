@@ -17,6 +17,9 @@ class LibraryWarnings {
     /// Asks where the item's path draws a warning; false when the run is to stop.
     bool check(const std::string& folder, std::string_view component, UserQuestions& questions);
 
+    /// Whether `check` would ask now.
+    [[nodiscard]] bool wouldAsk(const std::string& folder, std::string_view component);
+
   private:
     /// One library: the text that its paths hold.
     struct Library {
@@ -25,6 +28,7 @@ class LibraryWarnings {
         bool folderIsInside = false;
     };
 
+    void lookAt(const std::string& newFolder);
     [[nodiscard]] static bool holdsMarker(const Library& library, const std::string& path);
     [[nodiscard]] bool isInside(const Library& library, std::string_view component) const;
 

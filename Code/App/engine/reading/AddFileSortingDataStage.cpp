@@ -6,6 +6,7 @@
 #include "engine/reading/FolderNotes.h"
 #include "engine/reading/SortingValues.h"
 #include "platform/metadata/FileManager.h"
+#include "platform/processes/Parallel.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/text/PathParts.h"
@@ -20,6 +21,9 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t batchSize = 2000;
+/// A server answers them side by side; what they wait for is the way there.
+constexpr std::size_t looksAtATime = 16;
+constexpr std::size_t mostOfAShare = 25;
 
 } // namespace
 
@@ -39,9 +43,10 @@ bool AddFileSortingDataStage::process() {
     std::int32_t count = 0;
     const FetchRequest request{FetchEntity::file, unread, {}, batchSize};
     for (std::vector<RowId> batch; !(batch = context->fetch(request)).empty();) {
-        for (const RowId id : batch) {
-            report.describeItem([&] { return "Processing " + context->fullPath(id); });
-            addSortingData(id);
+        const std::vector<FileStatus> seen = look(batch);
+        for (std::size_t i = 0; i < batch.size(); ++i) {
+            report.describeItem([&] { return "Processing " + context->fullPath(batch[i]); });
+            addSortingData(batch[i], seen[i]);
             report.item(++count);
         }
         report.describe("Sorting information for {} files was retrieved. Committing..", count);
@@ -51,10 +56,9 @@ bool AddFileSortingDataStage::process() {
     return true;
 }
 
-void AddFileSortingDataStage::addSortingData(RowId id) {
-    const RowId parent = context->row(id).parent;
+void AddFileSortingDataStage::addSortingData(RowId id, const FileStatus& seen) {
     const std::string name(context->component(id));
-    FileStatus status = statusOf(parent, name);
+    FileStatus status = seen;
     const SortingValues values(settings);
     if (values.mustSum(status))
         status.size = FileManager::instance().sizeForPath(context->fullPath(id), true);
@@ -67,13 +71,57 @@ void AddFileSortingDataStage::addSortingData(RowId id) {
     }
 }
 
-FileStatus AddFileSortingDataStage::statusOf(RowId parent, const std::string& name) {
-    if (parent != openParent) {
-        openParent = parent;
-        openFolder.reset();
-        if (FileSystem::sharedInstance().openFolder(context->fullPath(parent), openFolder) != 0)
-            openFolder.reset();
+std::vector<FileStatus> AddFileSortingDataStage::look(const std::vector<RowId>& items) {
+    openFolderOf(context->row(items.front()).parent);
+    VolumeFacts volume;
+    if (openFolder && openFolder->volume(volume) == 0 && volume.isRemote)
+        return lookInParallel(items);
+    std::vector<FileStatus> seen;
+    seen.reserve(items.size());
+    for (const RowId id : items)
+        seen.push_back(statusOf(context->row(id).parent, std::string(context->component(id))));
+    return seen;
+}
+
+std::vector<FileStatus> AddFileSortingDataStage::lookInParallel(const std::vector<RowId>& items) const {
+    struct Share {
+        std::string folder;
+        std::size_t first;
+        std::vector<std::string> names = {};
+    };
+    std::vector<Share> shares;
+    RowId lastParent = noRow;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const RowId parent = context->row(items[i]).parent;
+        if (parent != lastParent || shares.back().names.size() == mostOfAShare)
+            shares.push_back({context->fullPath(parent), i});
+        lastParent = parent;
+        shares.back().names.emplace_back(context->component(items[i]));
     }
+    std::vector<FileStatus> seen(items.size());
+    inParallel(shares.size(), looksAtATime, [&](std::size_t number) {
+        const Share& share = shares[number];
+        std::unique_ptr<OpenFolder> folder;
+        if (FileSystem::sharedInstance().openFolder(share.folder, folder) != 0)
+            return;
+        for (std::size_t i = 0; i < share.names.size(); ++i)
+            if (FileStatus status; folder->status(share.names[i], status) == 0)
+                seen[share.first + i] = status;
+    });
+    return seen;
+}
+
+void AddFileSortingDataStage::openFolderOf(RowId parent) {
+    if (parent == openParent)
+        return;
+    openParent = parent;
+    openFolder.reset();
+    if (FileSystem::sharedInstance().openFolder(context->fullPath(parent), openFolder) != 0)
+        openFolder.reset();
+}
+
+FileStatus AddFileSortingDataStage::statusOf(RowId parent, const std::string& name) {
+    openFolderOf(parent);
     FileStatus status;
     if (!openFolder || openFolder->status(name, status) != 0)
         status = {};

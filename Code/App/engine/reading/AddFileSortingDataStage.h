@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -29,9 +30,14 @@ class AddFileSortingDataStage final : public ProcessingStage {
     static std::string formatDate(double date);
 
   private:
-    void addSortingData(RowId id);
-    /// The item's status, neutral where it cannot be reached.
+    void addSortingData(RowId id, const FileStatus& seen);
+    /// The status of each item, neutral where it cannot be reached; of a remote disk many are asked for at a
+    /// time.
+    [[nodiscard]] std::vector<FileStatus> look(const std::vector<RowId>& items);
+    [[nodiscard]] std::vector<FileStatus> lookInParallel(const std::vector<RowId>& items) const;
     FileStatus statusOf(RowId parent, const std::string& name);
+    /// Has the folder open, if it can be opened.
+    void openFolderOf(RowId parent);
 
     bool retrieveEXIFData = false;
     bool sumFolders = false;

@@ -9,6 +9,7 @@
 #include "engine/pipeline/EngineState.h"
 #include "engine/renaming/RenameRing.h"
 #include "engine/renaming/RenameRun.h"
+#include "engine/renaming/RenamesAhead.h"
 #include "platform/processes/RunLoop.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "store/contexts/StoreContext.h"
@@ -20,6 +21,7 @@
 #include "support/text/Text.h"
 
 #include <algorithm>
+#include <span>
 #include <unordered_map>
 
 namespace tavrin {
@@ -154,6 +156,11 @@ void PerformRenameStage::prepare() {
     if (purpose->linksAreItems)
         run->primitives.takeLinks();
     const std::vector<RowId> planned = context->fetch({FetchEntity::file, plannedItems(), {}, 0});
+    ahead = std::make_unique<RenamesAhead>(
+        *context, run->folders, [this](RowId id, const std::string& folder, const std::string& component) {
+            return !run->questions.isInteractive() && run->isInPlace(id) &&
+                   context->stageFlag(id) != run->marker && !warnings->wouldAsk(folder, component);
+        });
     run->outcomes.begin(context->endOfRows(), planned, rowsOfList(planned));
     const auto count = static_cast<std::int32_t>(planned.size());
     context->changeEngineControl().numberOfFilesThatNeedRenaming = count;
@@ -200,10 +207,13 @@ bool PerformRenameStage::performBatch(const FetchRequest& request) {
     if (items.empty())
         return false;
     run->primitives.takeSettings(settings.renameMode, settings.shouldCopyFileComments != 0);
-    for (const RowId item : items) {
-        if (run->questions.shouldAbort())
-            break;
-        performItem(item);
+    std::size_t next = 0; // that has not been thought of ahead
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (i == next && !mustStop(items[i]))
+            next +=
+                run->primitives.areRenamesPlain() ? ahead->run(std::span(items).subspan(i)) : items.size();
+        if (!mustStop(items[i]))
+            performItem(items[i]);
     }
     run->report.describe("Renamed {} files. Committing..", run->primitives.actuallyRenamedCounter);
     setCounters();
@@ -211,6 +221,11 @@ bool PerformRenameStage::performBatch(const FetchRequest& request) {
     run->report.describe("Updating source items..");
     run->sourceItems.apply();
     return true;
+}
+
+/// Before this item. One that has been renamed ahead is come to all the same.
+bool PerformRenameStage::mustStop(RowId id) const {
+    return run->questions.shouldAbort() && !ahead->hasTried(id);
 }
 
 void PerformRenameStage::performItem(RowId id) {
@@ -246,7 +261,7 @@ void PerformRenameStage::walkChain(RowId head) {
 }
 
 bool PerformRenameStage::performInChain(bool isHead, bool treatAsRoot) {
-    if (run->questions.shouldAbort())
+    if (mustStop(run->item.id()))
         return false;
     run->outcomes.set(run->item.id(), RunOutcome::inHand);
     const UserQuestions::Decision decision = ask(isHead);

@@ -14,6 +14,7 @@
 namespace tavrin {
 
 class LibraryWarnings;
+class RenamesAhead;
 class RunJournal;
 struct RenameRun;
 
@@ -43,6 +44,7 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] std::optional<std::vector<RowId>> rowsOfList(const std::vector<RowId>& planned) const;
     [[nodiscard]] FetchRequest openItems() const;
     bool performBatch(const FetchRequest& request);
+    [[nodiscard]] bool mustStop(RowId id) const;
     void performItem(RowId id);
     void performWaitingItem(RowId id);
     /// Renames an item whose name to be is free, then the sibling that waits for the name it has left, and so
@@ -60,6 +62,7 @@ class PerformRenameStage final : public ProcessingStage {
     std::unique_ptr<RunJournal> journal; ///< null where none is kept
     std::unique_ptr<RenameRun> run;      ///< the state of `process`, kept for breakOff
     std::unique_ptr<LibraryWarnings> warnings;
+    std::unique_ptr<RenamesAhead> ahead;
 };
 
 } // namespace tavrin

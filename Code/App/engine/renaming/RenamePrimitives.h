@@ -29,6 +29,8 @@ class RenamePrimitives {
     void takeSettings(int renameMode, bool shouldCopyFileComments);
     /// From now on an item whose inode is not the one that was read is left alone.
     void beStrict() { strict = true; }
+    /// Whether a rename of a plain item is a look and a rename, and nothing else.
+    [[nodiscard]] bool areRenamesPlain() const { return hasRoutes() && !copiesComments; }
     /// From now on links are renamed like other items.
     void takeLinks() { takesLinks = true; }
     /// Told of an item that bears the name that was read and is another file: it has been saved anew.

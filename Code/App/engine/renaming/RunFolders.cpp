@@ -23,10 +23,52 @@ constexpr std::string_view nameInCase =
     "this dummy file is used to temporarily stand in for the real file that will be renamed during a Cocoa "
     "case sensitive rename";
 
+/// A folder that gives the answers of calls that were made ahead, each once, and for all else the folder
+/// itself.
+class AnsweredFolder final : public OpenFolder {
+  public:
+    AnsweredFolder(std::unique_ptr<OpenFolder> itself, RunFolders& owner, RowId row)
+        : folder(std::move(itself)), run(owner), id(row) {}
+
+    int status(const std::string& name, FileStatus& into) override {
+        RunFolders::Answer* answer = run.answerFor(id, name);
+        if (!answer || answer->isLookGiven)
+            return folder->status(name, into);
+        answer->isLookGiven = true;
+        into = answer->look;
+        return 0;
+    }
+    int renameNoReplace(const std::string& from, const std::string& to) override {
+        const RunFolders::Answer* answer = run.answerFor(id, from);
+        if (!answer || answer->to != to)
+            return folder->renameNoReplace(from, to);
+        const int error = answer->error;
+        run.forgetAnswer(id, from);
+        return error;
+    }
+    int exchange(const std::string& a, const std::string& b) override { return folder->exchange(a, b); }
+    int renameReplacing(const std::string& from, const std::string& to) override {
+        return folder->renameReplacing(from, to);
+    }
+    int link(const std::string& from, const std::string& to) override { return folder->link(from, to); }
+    int reserve(const std::string& name, FileStatus::Kind kind) override {
+        return folder->reserve(name, kind);
+    }
+    int remove(const std::string& name, FileStatus::Kind kind) override { return folder->remove(name, kind); }
+    int entries(FolderEntries& into) override { return folder->entries(into); }
+    int volume(VolumeFacts& into) override { return folder->volume(into); }
+    bool liesAt(const std::string& path) override { return folder->liesAt(path); }
+
+  private:
+    std::unique_ptr<OpenFolder> folder;
+    RunFolders& run;
+    const RowId id;
+};
+
 } // namespace
 
-RunFolders::RunFolders(FileSystem& disk, Order order)
-    : fileSystem(disk),
+RunFolders::RunFolders(FileSystem& disk, Order wantedOrder)
+    : fileSystem(disk), order(wantedOrder),
       mostOpen(order == Order::byFolder ? fewFolders : raiseDescriptorLimit(descriptorsWanted) / 2) {}
 
 VolumeFacts RunFolders::Place::volume() const {
@@ -43,16 +85,16 @@ RunFolders::Place& RunFolders::at(RowId row, const std::string& path, const File
     if (places.size() >= mostOpen)
         places.clear();
     Place* place = &places[row];
-    open(*place, path, asRead);
+    open(*place, row, path, asRead);
     if (isOutOfDescriptors(place->error) && places.size() > 1) {
         places.clear();
         place = &places[row];
-        open(*place, path, asRead);
+        open(*place, row, path, asRead);
     }
     return *place;
 }
 
-void RunFolders::open(Place& place, const std::string& path, const FileIdentity& asRead) {
+void RunFolders::open(Place& place, RowId row, const std::string& path, const FileIdentity& asRead) {
     place.path = path;
     place.error = fileSystem.openFolder(path, place.folder);
     FileStatus status;
@@ -63,8 +105,38 @@ void RunFolders::open(Place& place, const std::string& path, const FileIdentity&
     // Where numbers are given anew at any time, a folder that is reached without a link is taken for it.
     if (place.error == 0 && isAnother && !(place.volume().inodesMayChange && place.folder->liesAt(path)))
         place.error = ESTALE;
-    if (place.error != 0)
+    if (place.error != 0) {
         place.folder.reset();
+        return;
+    }
+    if (order == Order::byFolder)
+        place.isRemote = place.volume().isRemote;
+    if (place.isRemote)
+        place.folder = std::make_unique<AnsweredFolder>(std::move(place.folder), *this, row);
+}
+
+void RunFolders::makeRoomFor(std::size_t folders) {
+    if (places.size() + folders > mostOpen)
+        places.clear();
+}
+
+void RunFolders::answer(RowId row, std::string from, Answer answer) {
+    answers[row][std::move(from)] = std::move(answer);
+}
+
+RunFolders::Answer* RunFolders::answerFor(RowId row, const std::string& from) {
+    const auto folder = answers.find(row);
+    if (folder == answers.end())
+        return nullptr;
+    const auto found = folder->second.find(from);
+    return found == folder->second.end() ? nullptr : &found->second;
+}
+
+void RunFolders::forgetAnswer(RowId row, const std::string& from) {
+    const auto folder = answers.find(row);
+    folder->second.erase(from);
+    if (folder->second.empty())
+        answers.erase(folder);
 }
 
 const std::string& StandIns::nameFor(RenameItem& item) {

@@ -27,6 +27,7 @@ class RunFolders {
         std::string path;
         FileIdentity identity;
         CaseRule caseRule = CaseRule::unknown;
+        bool isRemote = false;
         /// Asked at each call; zeros where it can't be.
         [[nodiscard]] VolumeFacts volume() const;
     };
@@ -38,13 +39,30 @@ class RunFolders {
 
     /// The folder at the path, which the row stands for. Valid until the next call.
     Place& at(RowId row, const std::string& path, const FileIdentity& asRead);
+    /// Makes room for so many more folders, at most `mostAhead`, that stay valid together.
+    void makeRoomFor(std::size_t folders);
+    static constexpr std::size_t mostAhead = 8;
+
+    /// What the two calls of a rename that was made ahead of the run have answered.
+    struct Answer {
+        std::string to;
+        FileStatus look;
+        int error = 0; ///< of the rename
+        bool isLookGiven = false;
+    };
+    /// The folder of the row gives this answer in the place of the next look at the item and of its rename.
+    void answer(RowId row, std::string from, Answer answer);
+    [[nodiscard]] Answer* answerFor(RowId row, const std::string& from);
+    void forgetAnswer(RowId row, const std::string& from);
 
   private:
-    void open(Place& place, const std::string& path, const FileIdentity& asRead);
+    void open(Place& place, RowId row, const std::string& path, const FileIdentity& asRead);
 
     FileSystem& fileSystem;
+    const Order order;
     const std::size_t mostOpen;
     std::unordered_map<RowId, Place> places;
+    std::unordered_map<RowId, std::unordered_map<std::string, Answer>> answers;
 };
 
 /// The names under which items of a run may have to lie for a moment: where a file system can't exchange two

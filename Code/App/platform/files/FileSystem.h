@@ -29,6 +29,7 @@ struct VolumeFacts {
     bool inodesMayChange = false; ///< FUSE: inode numbers may be given anew at any time
     bool countsUnits = false;     ///< names are, or may be, limited by UTF-16 units instead of bytes
     bool ignoresCase = false;     ///< names that differ in case alone are one; false where that is not known
+    bool isRemote = false;        ///< a call may ask another machine, or a program (FUSE)
     bool forbidsSigns = false;    ///< takes no name with a control character or one of "*:<>?\|
 };
 

@@ -122,6 +122,9 @@ class PosixOpenFolder : public OpenFolder {
         const bool isFat = found.f_type == MSDOS_SUPER_MAGIC || found.f_type == EXFAT_SUPER_MAGIC;
         const bool isShare = found.f_type == SMB_SUPER_MAGIC || found.f_type == CIFS_SUPER_MAGIC ||
                              found.f_type == SMB2_SUPER_MAGIC;
+        into.isRemote = isShare || into.inodesMayChange || found.f_type == NFS_SUPER_MAGIC ||
+                        found.f_type == AFS_FS_MAGIC || found.f_type == V9FS_MAGIC ||
+                        found.f_type == CEPH_SUPER_MAGIC;
         into.countsUnits = isFat || isShare || into.inodesMayChange || found.f_type == ntfsMagic;
         if (isFat)
             into.nameLimit = 255; // it tells the bytes that these may come to
