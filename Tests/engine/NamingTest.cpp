@@ -1,5 +1,6 @@
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
+#include "common/RandomChains.h"
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 #include "engine/reading/AddFileSortingDataStage.h"
@@ -110,6 +111,34 @@ TEST_F(ComputeNamesTest, ProgressEndsAtItsTotal) {
     }
     run<ResolveFileNameConflictsStage>();
     expectAll();
+}
+
+/// Whatever the steps: a row that goes through several of them at once is named as by a pass for each. A list
+/// of which nothing is loaded names nothing, and wants a pass that begins with it.
+TEST(ComputeNames, StepsInOnePassNameAsAPassForEach) {
+    RandomChains chains(13);
+    for (int round = 0; round < 150; ++round) {
+        SCOPED_TRACE(round);
+        RenameBench bench({}, RenameBench::inMemory());
+        const std::vector<std::string> listed{"IMG_1.jpg", "b:c.txt", "B", "e\u0301", "\xFFx", "f"};
+        bench.make({"IMG_1.jpg", "b:c.txt", "B", "e\u0301", "\xFFx", "f/", "f/2", "f/\u212A.JPG"});
+        for (const std::string& name : listed)
+            bench.host.add({bench.folder.path(name)});
+        bench.host.set("processSubfolders", static_cast<int>(chains.below(2)));
+        bench.host.set("processFolders", static_cast<int>(chains.below(2)));
+        std::vector<Step> together, apart;
+        for (auto left = 2 + chains.below(4); left > 0; --left) {
+            together.push_back(chains.knownStep());
+            apart.insert(apart.end(), {together.back(), Step{"Rename from list", {}}});
+        }
+        const auto namesOf = [&](const std::vector<Step>& steps) {
+            bench.host.setSteps(steps);
+            bench.host.preview();
+            return std::tuple(bench.shown(), bench.host.errors(),
+                              bench.host.counters().numberOfFilesThatNeedRenaming);
+        };
+        EXPECT_EQ(namesOf(together), namesOf(apart));
+    }
 }
 
 /// Dates, sizes and their absence, from the disk into the rows.

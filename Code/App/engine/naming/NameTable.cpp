@@ -1,6 +1,7 @@
 #include "engine/naming/NameTable.h"
 
 #include "store/contexts/StoreContext.h"
+#include "support/text/AsciiBytes.h"
 #include "support/text/Text.h"
 #include "support/text/TextUnits.h"
 
@@ -39,7 +40,7 @@ void NameTable::read(const std::vector<RowId>& children) {
 void NameTable::readBatch(std::span<const RowId> children) {
     std::array<std::uint32_t, batchSize> hashes{};
     for (std::size_t i = 0; i < children.size(); ++i) {
-        hashes[i] = entries.hashOf(keyOf(children[i]));
+        hashes[i] = hashOf(children[i]);
         entries.prefetch(hashes[i]);
     }
     for (std::size_t i = 0; i < children.size(); ++i) {
@@ -66,11 +67,11 @@ std::vector<NameTable::Group> NameTable::takeGroups() {
 bool NameTable::isTaken(std::u16string_view name) {
     std::u16string key;
     lowercase(name, key);
-    return find(entries.hashOf(std::u16string_view(key)), [&] { return std::u16string_view(key); }) != 0;
+    return find(hashOf(key), [&] { return std::u16string_view(key); }) != 0;
 }
 
 void NameTable::add(RowId id) {
-    const std::uint32_t hash = entries.hashOf(keyOf(id));
+    const std::uint32_t hash = hashOf(id);
     if (find(hash, [&] { return keyOf(id); }) == 0)
         addEntry(id, hash);
 }
@@ -79,6 +80,25 @@ std::u16string_view NameTable::keyOf(RowId id) {
     context.finalName(id, nameBuffer);
     lowercase(nameBuffer, keyBuffer);
     return keyBuffer;
+}
+
+/// Most names are ASCII, and are hashed as the bytes that rows hold, without being made a text.
+std::uint32_t NameTable::hashOf(RowId id) {
+    const StoreContext::HeldName held = context.heldFinalName(id);
+    const std::string_view bytes = held.isName ? context.component(id) : held.bytes;
+    if (!held.hasBytes || !text::isAsciiWithoutNul(bytes))
+        return hashOf(keyOf(id));
+    text::lowercaseBytes(bytes, byteBuffer);
+    if (held.isName)
+        std::ranges::replace(byteBuffer, ':', '/');
+    return entries.hashOf(std::string_view(byteBuffer));
+}
+
+std::uint32_t NameTable::hashOf(std::u16string_view key) {
+    if (!text::units::allAscii(key))
+        return entries.hashOf(key);
+    byteBuffer.assign(key.begin(), key.end());
+    return entries.hashOf(std::string_view(byteBuffer));
 }
 
 template <typename Key> std::uint32_t NameTable::find(std::uint32_t hash, Key key) {

@@ -42,6 +42,10 @@ class NameTable {
 
     /// The lower-cased final name of a row, valid until the next call.
     std::u16string_view keyOf(RowId id);
+    /// The hash of the lower-cased final name of a row.
+    std::uint32_t hashOf(RowId id);
+    /// The same of a name that is lower-cased already.
+    std::uint32_t hashOf(std::u16string_view key);
     void readBatch(std::span<const RowId> children);
     /// The entry with this hash and key, or 0. The key is asked for only where the hash is found.
     template <typename Key> std::uint32_t find(std::uint32_t hash, Key key);
@@ -56,6 +60,7 @@ class NameTable {
     std::u16string nameBuffer;
     std::u16string keyBuffer;
     std::u16string soughtKey;
+    std::string byteBuffer;
 };
 
 } // namespace tavrin
