@@ -120,6 +120,9 @@ class Application {
             {"currentActionIndex", count - 1}, {"composite actions array", std::move(steps)}});
     }
 
+    /// From now on names are kept for the next preview, as in the window.
+    void keepNames() { controller->renameEngine().expectManyPreviews(); }
+
     void preview() {
         frontEnd.hasFinished = false;
         controller->previewControl().showPreview();
@@ -168,6 +171,7 @@ BENCHMARK(preview)
 /// The same after each change of the last of five steps, which gives each item another name: folders, files.
 void changeOfTheLastStep(benchmark::State& state) {
     Application application(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    application.keepNames();
     int removed = 0;
     for (auto _ : state) {
         application.setSteps(5, 1 + ++removed % 3);

@@ -113,8 +113,9 @@ TEST_F(ComputeNamesTest, ProgressEndsAtItsTotal) {
     expectAll();
 }
 
-/// Whatever the steps: a row that goes through several of them at once is named as by a pass for each. A list
-/// of which nothing is loaded names nothing, and wants a pass that begins with it.
+/// Whatever the steps: a row that goes through several of them at once, and from the one in hand on where
+/// only that was changed, is named as by a pass for each. A list of which nothing is loaded names nothing,
+/// and wants a pass that begins with it.
 TEST(ComputeNames, StepsInOnePassNameAsAPassForEach) {
     RandomChains chains(13);
     for (int round = 0; round < 150; ++round) {
@@ -126,18 +127,28 @@ TEST(ComputeNames, StepsInOnePassNameAsAPassForEach) {
             bench.host.add({bench.folder.path(name)});
         bench.host.set("processSubfolders", static_cast<int>(chains.below(2)));
         bench.host.set("processFolders", static_cast<int>(chains.below(2)));
-        std::vector<Step> together, apart;
-        for (auto left = 2 + chains.below(4); left > 0; --left) {
-            together.push_back(chains.knownStep());
-            apart.insert(apart.end(), {together.back(), Step{"Rename from list", {}}});
-        }
-        const auto namesOf = [&](const std::vector<Step>& steps) {
-            bench.host.setSteps(steps);
+        std::vector<Step> together(2 + chains.below(4));
+        std::ranges::generate(together, [&] { return chains.knownStep(); });
+        const auto namesOf = [&](const std::vector<Step>& steps, std::size_t inHand) {
+            PropertyDictionary list = chain(steps);
+            list.insert_or_assign("currentActionIndex", static_cast<int>(inHand));
+            bench.host.composite.setFlatParameterList(list);
             bench.host.preview();
             return std::tuple(bench.shown(), bench.host.errors(),
                               bench.host.counters().numberOfFilesThatNeedRenaming);
         };
-        EXPECT_EQ(namesOf(together), namesOf(apart));
+        if (round % 2 == 0)
+            bench.host.engine.expectManyPreviews();
+        const std::size_t inHand = chains.below(together.size());
+        static_cast<void>(namesOf(together, inHand));
+        if (chains.below(4) == 0)
+            bench.make({"f/3"}), bench.host.engine.rereadAtNextPreview();
+        together[inHand] = chains.knownStep();
+        std::vector<Step> apart;
+        for (const Step& step : together)
+            apart.insert(apart.end(), {step, Step{"Rename from list", {}}});
+        const auto changed = namesOf(together, inHand);
+        EXPECT_EQ(changed, namesOf(apart, 0));
     }
 }
 

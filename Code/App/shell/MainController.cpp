@@ -101,6 +101,8 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
     environment.actionList.setRunLoop(&environment.runLoop);
     environment.actionList.setObserver(this);
     preview.setFollowsChanges(options.followsChanges);
+    if (options.followsChanges)
+        engine.expectManyPreviews();
 }
 
 MainController::~MainController() {

@@ -1,7 +1,7 @@
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 
 #include "actions/CompositeRenameAction.h"
-#include "actions/SortBasedAction.h"
+#include "actions/sequence/SequenceAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"
@@ -9,6 +9,7 @@
 #include "platform/metadata/MetadataTool.h"
 #include "platform/processes/RunLoop.h"
 #include "store/contexts/StoreContext.h"
+#include "store/paging/ItemStore.h"
 #include "store/queries/FilterManager.h"
 #include "store/rows/FileMO.h"
 #include "support/text/Text.h"
@@ -31,15 +32,19 @@ std::string stageTextForAction(int index) {
     return fmt::format("Applying {}th renaming action...", index + 1);
 }
 
-bool countsByFolder(const SortBasedAction* action) {
+const SortBasedAction* sorted(const auto& step) { return dynamic_cast<const SortBasedAction*>(step.action); }
+
+bool countsByFolder(const auto& step) {
+    const SortBasedAction* const action = sorted(step);
     return action != nullptr && !action->shouldUseGlobalSorting();
 }
 
 /// The end of the steps that a row goes through at once, from the first one on. Only the first may need
 /// ranks; one that counts in each folder takes other rows than those behind it.
 template <typename Iterator> Iterator endOfPass(Iterator first, Iterator end) {
-    const auto sorted = [](const auto& step) { return dynamic_cast<const SortBasedAction*>(step.action); };
-    return countsByFolder(sorted(*first)) ? first + 1 : std::find_if(first + 1, end, sorted);
+    return countsByFolder(*first)
+               ? first + 1
+               : std::find_if(first + 1, end, [](const auto& step) { return sorted(step) != nullptr; });
 }
 
 /// A unit that is a colon becomes zero, and a zero unit borrows from its highest bit.
@@ -80,11 +85,13 @@ bool ComputeProvisionalNamesStage::process() {
     file = std::make_unique<FileMO>(*context);
     findProcessedRows();
     const std::vector<Step> steps = activeSteps();
-    for (auto first = steps.begin(); first != steps.end();) {
+    const auto begin = static_cast<std::ptrdiff_t>(takeKnownNames(steps));
+    for (auto first = steps.begin() + begin; first != steps.end();) {
         const auto last = endOfPass(first, steps.end());
         processSteps({first, last});
         first = last;
     }
+    keepNames(steps);
     tellUnreadMetadata();
     for (const std::string& reason : lostSteps)
         addError("All names stay as they are, since a step could not be made ready again", reason, "");
@@ -132,16 +139,69 @@ std::vector<ComputeProvisionalNamesStage::Step> ComputeProvisionalNamesStage::ac
     return steps;
 }
 
+FetchRequest ComputeProvisionalNamesStage::rowsFor(const Step& step) const {
+    FetchRequest request{FetchEntity::file, filter, {}, 0, true};
+    if (const SortBasedAction* const action = sorted(step))
+        request.order = RenameEngineUtilities::sortDescriptorsOf(*action);
+    return request;
+}
+
+NamesBeforeStep::Origin ComputeProvisionalNamesStage::originOf(Steps steps) const {
+    NamesBeforeStep::Origin origin{context->store().serial(), filter, {}, processed, {}};
+    origin.versions.push_back(context->versionOf({FetchEntity::file, filter, {}}));
+    for (const auto& [index, action] : steps) {
+        origin.versions.push_back(context->versionOf(rowsFor({index, action})));
+        origin.steps.push_back(PropertyDictionary{{"action name", text::fromUtf8(action->actionName())},
+                                                  {"action parameter list", action->parameterList()}});
+    }
+    return origin;
+}
+
+std::size_t ComputeProvisionalNamesStage::takeKnownNames(Steps steps) {
+    known = kept = nullptr;
+    nextKnown = 0;
+    NamesBeforeStep* const names = engine.namesBeforeStep();
+    const auto inHand = std::ranges::find_if(
+        steps, [&](const Step& step) { return step.index >= compositeAction->getCurrentActionIndexAsInt(); });
+    // A step that counts by folder takes other rows than those in front of it.
+    const bool takesOthers = std::any_of(steps.begin(), inHand == steps.end() ? inHand : std::next(inHand),
+                                         [](const Step& step) { return countsByFolder(step); });
+    if (names == nullptr || inHand == steps.begin() || inHand == steps.end() || takesOthers)
+        return 0;
+    const auto before = static_cast<std::size_t>(inHand - steps.begin());
+    NamesBeforeStep::Origin origin = originOf(steps.first(before));
+    if (names->isMadeOf(origin)) {
+        known = names;
+        return before;
+    }
+    names->begin(std::move(origin));
+    kept = names;
+    keptStep = steps[before - 1].index;
+    return 0;
+}
+
+/// What a step has asked of the item, or of the clock, may be another answer next time. The rank follows from
+/// the order of the rows.
+void ComputeProvisionalNamesStage::keepNames(Steps steps) {
+    const auto isSure = [this](const Step& step) {
+        return step.index > keptStep || !step.action->hasAskedForItem() ||
+               dynamic_cast<const SequenceAction*>(step.action) != nullptr;
+    };
+    if (kept == nullptr)
+        return;
+    if (std::ranges::all_of(steps, isSure))
+        kept->end();
+    else
+        kept->clear();
+}
+
 void ComputeProvisionalNamesStage::processSteps(Steps steps) {
     for (const Step& step : steps)
         StageProgress(progress).stage(stageTextForAction(step.index));
     pass = steps;
     count = 0;
-    FetchRequest request{FetchEntity::file, filter, {}, 0, true};
-    const auto* sorted = dynamic_cast<const SortBasedAction*>(steps.front().action);
-    if (sorted)
-        request.order = RenameEngineUtilities::sortDescriptorsOf(*sorted);
-    if (countsByFolder(sorted))
+    FetchRequest request = rowsFor(steps.front());
+    if (countsByFolder(steps.front()))
         processByFolder(std::move(request));
     else
         processRows(context->fetch(request));
@@ -218,7 +278,9 @@ void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
 }
 
 void ComputeProvisionalNamesStage::runSteps(RowId id, std::int32_t rank) {
-    if (isFirstPass)
+    if (isFirstPass && known != nullptr)
+        nameBefore = (*known)[nextKnown++];
+    else if (isFirstPass)
         context->name(id, nameBefore);
     else
         context->finalName(id, nameBefore);
@@ -234,6 +296,8 @@ void ComputeProvisionalNamesStage::runSteps(RowId id, std::int32_t rank) {
         replaceColons(output.newName);
         if (!output.failure.empty())
             noteUnreadMetadata(id, step, output.failure);
+        if (kept != nullptr && step.index == keptStep)
+            kept->add(output.newName);
     }
     if (output.regex)
         context->setRegexColumns(id, *output.regex);
@@ -261,9 +325,9 @@ void ComputeProvisionalNamesStage::tellUnreadMetadata() {
 
 void ComputeProvisionalNamesStage::storeNewName(RowId id) {
     const std::u16string* own = &nameBefore;
-    if (!isFirstPass) {
-        if (text::units::same(output.newName, nameBefore))
-            return; // what the pass before has stored still holds
+    if (!isFirstPass && text::units::same(output.newName, nameBefore))
+        return; // what the pass before has stored still holds
+    if (!isFirstPass || known != nullptr) {
         context->name(id, ownName);
         own = &ownName;
     }

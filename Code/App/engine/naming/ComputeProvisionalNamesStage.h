@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/InputContext.h"
+#include "engine/naming/NamesBeforeStep.h"
 #include "engine/pipeline/ProcessingStage.h"
 #include "store/queries/Predicate.h"
 #include "store/rows/NodeRow.h"
@@ -41,6 +42,12 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
 
     bool copyActions();
     [[nodiscard]] std::vector<Step> activeSteps() const;
+    /// How many of the first steps need not run, since their names are known; has them kept otherwise.
+    std::size_t takeKnownNames(Steps steps);
+    [[nodiscard]] NamesBeforeStep::Origin originOf(Steps steps) const;
+    /// The order that the step wants its rows in.
+    [[nodiscard]] FetchRequest rowsFor(const Step& step) const;
+    void keepNames(Steps before);
     void processSteps(Steps steps);
     void processByFolder(FetchRequest request);
     /// The rows in the order of their ranks.
@@ -74,6 +81,11 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
         std::string reason; ///< of the first row that it asked for
     } unread;
     std::vector<bool> processed; ///< by id
+
+    NamesBeforeStep* known = nullptr; ///< the names that the first pass begins with, where they are known
+    std::size_t nextKnown = 0;
+    NamesBeforeStep* kept = nullptr; ///< gets the names that the step makes, where they are to be kept
+    int keptStep = 0;
 
     // The pass in hand, and the buffers that serve for all its rows.
     Steps pass;

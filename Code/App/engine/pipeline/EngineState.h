@@ -2,6 +2,7 @@
 
 #include "engine/history/RunHistory.h"
 #include "engine/naming/NamePins.h"
+#include "engine/naming/NamesBeforeStep.h"
 #include "engine/reading/FolderNotes.h"
 #include "engine/reading/ItemSelection.h"
 #include "engine/renaming/RunOutcomes.h"
@@ -84,6 +85,12 @@ class EngineState {
         return computed;
     }
 
+    /// Has previews keep what they will need again when only a late step changes: for a program that shows
+    /// one after the other. Set before the first request.
+    void expectManyPreviews() { keptNames = std::make_unique<NamesBeforeStep>(); }
+    /// Null where nothing is kept.
+    [[nodiscard]] NamesBeforeStep* namesBeforeStep() const { return keptNames.get(); }
+
     /// What is known of the folders on the list.
     FolderNotes& folderNotes() { return notesOfFolders; }
 
@@ -138,6 +145,7 @@ class EngineState {
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only, like the next
     FolderNotes notesOfFolders;
     PropertyDictionary chainOfNames;
+    std::unique_ptr<NamesBeforeStep> keptNames;
     mutable std::mutex pinning; ///< guards the next two
     NamePins currentPins;
     std::shared_ptr<const ComputedNames> computed;
