@@ -84,10 +84,15 @@ bool ComputeProvisionalNamesStage::process() {
         return false;
     file = std::make_unique<FileMO>(*context);
     findProcessedRows();
+    engine.setHashesOfNames({});
+    const bool areCompared =
+        settings.shouldPreviewConflictResolution && settings.conflictRule() == Settings::OnConflict::number;
+    hashes.assign(areCompared ? processed.size() : 0, 0);
     const std::vector<Step> steps = activeSteps();
     const auto begin = static_cast<std::ptrdiff_t>(takeKnownNames(steps));
     for (auto first = steps.begin() + begin; first != steps.end();) {
         const auto last = endOfPass(first, steps.end());
+        isLastPass = last == steps.end();
         processSteps({first, last});
         first = last;
     }
@@ -97,6 +102,7 @@ bool ComputeProvisionalNamesStage::process() {
         addError("All names stay as they are, since a step could not be made ready again", reason, "");
     if (isFirstPass)
         copyCurrentToNewName();
+    engine.setHashesOfNames(std::move(hashes));
     engine.computeNumberOfFilesThatNeedRenaming(*context, settings.itemFilter());
     return true;
 }
@@ -268,6 +274,8 @@ void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
     }
     runSteps(id, rank);
     storeNewName(id);
+    if (isLastPass && !hashes.empty())
+        hashes[id] = hasher.of(output.newName);
     report.item(++count);
     if (count % rowsPerCommit == 0) {
         report.describe("{} new names calculated. Committing.", count);

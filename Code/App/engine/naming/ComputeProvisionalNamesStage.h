@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/InputContext.h"
+#include "engine/naming/NameTable.h"
 #include "engine/naming/NamesBeforeStep.h"
 #include "engine/pipeline/ProcessingStage.h"
 #include "store/queries/Predicate.h"
@@ -87,8 +88,12 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     NamesBeforeStep* kept = nullptr; ///< gets the names that the step makes, where they are to be kept
     int keptStep = 0;
 
+    NameTable::Hashes hashes; ///< of the new names, by id
+    CaselessHash hasher;
+
     // The pass in hand, and the buffers that serve for all its rows.
     Steps pass;
+    bool isLastPass = false;
     std::int32_t count = 0;
     std::unique_ptr<FileMO> file;
     std::u16string ownName;    ///< of the item

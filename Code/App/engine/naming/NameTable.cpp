@@ -27,6 +27,27 @@ void lowercase(std::u16string_view name, std::u16string& into) {
 
 } // namespace
 
+std::uint32_t CaselessHash::of(std::u16string_view name) {
+    if (!text::units::allAscii(name))
+        return ofKey(text::lowercased(name));
+    buffer.resize(name.size());
+    std::ranges::transform(name, buffer.begin(),
+                           [](char16_t unit) { return static_cast<char>(text::units::asciiLower(unit)); });
+    return slots.hashOf(std::string_view(buffer));
+}
+
+std::uint32_t CaselessHash::ofKey(std::u16string_view key) {
+    if (!text::units::allAscii(key))
+        return slots.hashOf(key);
+    buffer.assign(key.begin(), key.end());
+    return slots.hashOf(std::string_view(buffer));
+}
+
+std::uint32_t CaselessHash::ofAscii(std::string_view name) {
+    text::lowercaseBytes(name, buffer);
+    return slots.hashOf(std::string_view(buffer));
+}
+
 void NameTable::read(const std::vector<RowId>& children) {
     groups.clear();
     rows.clear();
@@ -38,16 +59,17 @@ void NameTable::read(const std::vector<RowId>& children) {
 
 /// All hashes before the table is touched, so that the memory of a big table is on its way meanwhile.
 void NameTable::readBatch(std::span<const RowId> children) {
-    std::array<std::uint32_t, batchSize> hashes{};
+    std::array<std::uint32_t, batchSize> ofBatch{};
     for (std::size_t i = 0; i < children.size(); ++i) {
-        hashes[i] = hashOf(children[i]);
-        entries.prefetch(hashes[i]);
+        const RowId id = children[i];
+        ofBatch[i] = id < hashes.size() && hashes[id] != 0 ? hashes[id] : hashOf(id);
+        entries.prefetch(ofBatch[i]);
     }
     for (std::size_t i = 0; i < children.size(); ++i) {
         const RowId id = children[i];
-        const std::uint32_t entry = find(hashes[i], [&] { return keyOf(id); });
+        const std::uint32_t entry = find(ofBatch[i], [&] { return keyOf(id); });
         if (entry == 0)
-            addEntry(id, hashes[i]);
+            addEntry(id, ofBatch[i]);
         else
             addMember(entry, id);
     }
@@ -67,7 +89,7 @@ std::vector<NameTable::Group> NameTable::takeGroups() {
 bool NameTable::isTaken(std::u16string_view name) {
     std::u16string key;
     lowercase(name, key);
-    return find(hashOf(key), [&] { return std::u16string_view(key); }) != 0;
+    return find(hasher.ofKey(key), [&] { return std::u16string_view(key); }) != 0;
 }
 
 void NameTable::add(RowId id) {
@@ -82,23 +104,16 @@ std::u16string_view NameTable::keyOf(RowId id) {
     return keyBuffer;
 }
 
-/// Most names are ASCII, and are hashed as the bytes that rows hold, without being made a text.
 std::uint32_t NameTable::hashOf(RowId id) {
     const StoreContext::HeldName held = context.heldFinalName(id);
     const std::string_view bytes = held.isName ? context.component(id) : held.bytes;
     if (!held.hasBytes || !text::isAsciiWithoutNul(bytes))
-        return hashOf(keyOf(id));
-    text::lowercaseBytes(bytes, byteBuffer);
-    if (held.isName)
-        std::ranges::replace(byteBuffer, ':', '/');
-    return entries.hashOf(std::string_view(byteBuffer));
-}
-
-std::uint32_t NameTable::hashOf(std::u16string_view key) {
-    if (!text::units::allAscii(key))
-        return entries.hashOf(key);
-    byteBuffer.assign(key.begin(), key.end());
-    return entries.hashOf(std::string_view(byteBuffer));
+        return hasher.ofKey(keyOf(id));
+    if (!held.isName || bytes.find(':') == bytes.npos)
+        return hasher.ofAscii(bytes);
+    byteBuffer.assign(bytes);
+    std::ranges::replace(byteBuffer, ':', '/');
+    return hasher.ofAscii(byteBuffer);
 }
 
 template <typename Key> std::uint32_t NameTable::find(std::uint32_t hash, Key key) {

@@ -70,7 +70,7 @@ bool ResolveFileNameConflictsStage::process() {
     report.describe("Preparing...");
     takeSettings();
 
-    NameTable names(*context);
+    NameTable names(*context, engine.takeHashesOfNames());
     ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter(),
                            engine.selection().renamesLinks);
     if (task == Task::lookAnew)

@@ -2,6 +2,7 @@
 
 #include "engine/history/RunHistory.h"
 #include "engine/naming/NamePins.h"
+#include "engine/naming/NameTable.h"
 #include "engine/naming/NamesBeforeStep.h"
 #include "engine/reading/FolderNotes.h"
 #include "engine/reading/ItemSelection.h"
@@ -91,6 +92,11 @@ class EngineState {
     /// Null where nothing is kept.
     [[nodiscard]] NamesBeforeStep* namesBeforeStep() const { return keptNames.get(); }
 
+    /// Hashes of the new names apart from case, by id, from the stage that makes names to the one that makes
+    /// them distinct; nothing where names have changed in between.
+    void setHashesOfNames(NameTable::Hashes hashes) { hashesOfNames = std::move(hashes); }
+    [[nodiscard]] NameTable::Hashes takeHashesOfNames() { return std::exchange(hashesOfNames, {}); }
+
     /// What is known of the folders on the list.
     FolderNotes& folderNotes() { return notesOfFolders; }
 
@@ -146,6 +152,7 @@ class EngineState {
     FolderNotes notesOfFolders;
     PropertyDictionary chainOfNames;
     std::unique_ptr<NamesBeforeStep> keptNames;
+    NameTable::Hashes hashesOfNames;
     mutable std::mutex pinning; ///< guards the next two
     NamePins currentPins;
     std::shared_ptr<const ComputedNames> computed;
