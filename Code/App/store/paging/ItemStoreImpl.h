@@ -95,6 +95,7 @@ struct ItemStore::Impl {
     void applyBlock(RowBlock& block, StagedChanges& staged, StoreChanges& into);
     void insertRow(RowBlock& block, std::size_t index, StagedChanges& staged);
     void collectTree(RowId row, std::vector<RowId>& into);
+    void takeFromParent(RowId row);
     void removeRow(RowId row);
     void dropEmptySegments();
     void applySmallEntities(StagedChanges& staged, StoreChanges& into);

@@ -81,12 +81,15 @@ std::vector<RowId> ItemStore::Impl::children(RowId row) {
 }
 
 void ItemStore::Impl::apply(StagedChanges& staged, StoreChanges& into) {
-    segments.makeRoom();
-    SegmentTable::Hold hold(segments);
-    touchSegments(staged);
+    // Before segments are held: it may go through all of them.
     std::vector<RowId> doomed;
     for (const RowId row : staged.deletedTrees)
         collectTree(row, doomed);
+    segments.makeRoom();
+    SegmentTable::Hold hold(segments);
+    touchSegments(staged);
+    for (const RowId row : staged.deletedTrees)
+        takeFromParent(row);
 
     for (RowBlock* block : staged.blocks)
         applyBlock(*block, staged, into);
@@ -211,12 +214,15 @@ void ItemStore::Impl::collectTree(RowId row, std::vector<RowId>& into) {
         const std::vector<RowId> below = children(into[next]);
         into.insert(into.end(), below.begin(), below.end());
     }
-    // The parent loses a child; what lies below goes with its folder.
-    if (exists(row)) {
-        const RowId parent = segments.use(Segment::number(row)).rows[Segment::index(row)].parent;
-        if (FolderTable::Folder* folder = folders.ofRow(parent))
-            --folder->childCount;
-    }
+}
+
+/// What lies below goes with its folder.
+void ItemStore::Impl::takeFromParent(RowId row) {
+    if (!exists(row))
+        return;
+    const RowId parent = segments.use(Segment::number(row)).rows[Segment::index(row)].parent;
+    if (FolderTable::Folder* folder = folders.ofRow(parent))
+        --folder->childCount;
 }
 
 void ItemStore::Impl::removeRow(RowId row) {
