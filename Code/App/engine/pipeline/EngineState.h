@@ -2,7 +2,6 @@
 
 #include "engine/history/RunHistory.h"
 #include "engine/naming/NamePins.h"
-#include "engine/naming/NameTable.h"
 #include "engine/naming/NamesBeforeStep.h"
 #include "engine/reading/FolderNotes.h"
 #include "engine/reading/ItemSelection.h"
@@ -94,8 +93,8 @@ class EngineState {
 
     /// Hashes of the new names apart from case, by id, from the stage that makes names to the one that makes
     /// them distinct; nothing where names have changed in between.
-    void setHashesOfNames(NameTable::Hashes hashes) { hashesOfNames = std::move(hashes); }
-    [[nodiscard]] NameTable::Hashes takeHashesOfNames() { return std::exchange(hashesOfNames, {}); }
+    void setHashesOfNames(std::vector<std::uint32_t> hashes) { hashesOfNames = std::move(hashes); }
+    [[nodiscard]] std::vector<std::uint32_t> takeHashesOfNames() { return std::exchange(hashesOfNames, {}); }
 
     /// What is known of the folders on the list.
     FolderNotes& folderNotes() { return notesOfFolders; }
@@ -152,7 +151,7 @@ class EngineState {
     FolderNotes notesOfFolders;
     PropertyDictionary chainOfNames;
     std::unique_ptr<NamesBeforeStep> keptNames;
-    NameTable::Hashes hashesOfNames;
+    std::vector<std::uint32_t> hashesOfNames;
     mutable std::mutex pinning; ///< guards the next two
     NamePins currentPins;
     std::shared_ptr<const ComputedNames> computed;
