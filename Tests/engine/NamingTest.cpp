@@ -114,8 +114,8 @@ TEST_F(ComputeNamesTest, ProgressEndsAtItsTotal) {
 }
 
 /// Whatever the steps: a row that goes through several of them at once, and from the one in hand on where
-/// only that was changed, is named as by a pass for each. A list of which nothing is loaded names nothing,
-/// and wants a pass that begins with it.
+/// nothing in front was changed, is named as by a pass for each. A list of which nothing is loaded names
+/// nothing, and wants a pass that begins with it.
 TEST(ComputeNames, StepsInOnePassNameAsAPassForEach) {
     RandomChains chains(13);
     for (int round = 0; round < 150; ++round) {
@@ -142,8 +142,10 @@ TEST(ComputeNames, StepsInOnePassNameAsAPassForEach) {
         const std::size_t inHand = chains.below(together.size());
         static_cast<void>(namesOf(together, inHand));
         if (chains.below(4) == 0)
-            bench.make({"f/3"}), bench.host.engine.rereadAtNextPreview();
-        together[inHand] = chains.knownStep();
+            bench.host.engine.rereadAtNextPreview();
+        if (chains.below(4) == 0)
+            bench.host.set("processFolders", static_cast<int>(chains.below(2)));
+        together[chains.below(3) == 0 ? chains.below(together.size()) : inHand] = chains.knownStep();
         std::vector<Step> apart;
         for (const Step& step : together)
             apart.insert(apart.end(), {step, Step{"Rename from list", {}}});
