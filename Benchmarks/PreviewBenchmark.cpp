@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 #include <unistd.h>
 
 namespace tavrin {
@@ -88,6 +89,9 @@ class Application {
         controller->sourceCommands().addPaths({tree.root.string()});
         setSteps(1);
         preview();
+        // What was seen of folders that have just changed is not trusted, and seen again the next time.
+        std::this_thread::sleep_for(std::chrono::milliseconds(3100));
+        preview();
     }
     ~Application() {
         loop.close();
@@ -98,8 +102,9 @@ class Application {
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    /// Steps of literal text, all of which change something.
-    void setSteps(int count) {
+    /// Steps of literal text, all of which change something. The last of them, which is in hand, takes so
+    /// many characters away where it is the fifth.
+    void setSteps(int count, int removed = 1) {
         PropertyArray steps;
         const auto add = [&](const char16_t* name, PropertyDictionary parameters) {
             if (static_cast<int>(steps.size()) < count)
@@ -110,10 +115,13 @@ class Application {
         add(u"Add to end", {{"string", u"-x"}});
         add(u"Make lowercase", {});
         add(u"Insert at position", {{"position", 3}, {"text", u"+"}});
-        add(u"Remove from end", {{"numberOfCharacters", 1}});
-        controller->compositeAction().setFlatParameterList(
-            PropertyDictionary{{"currentActionIndex", 0}, {"composite actions array", std::move(steps)}});
+        add(u"Remove from end", {{"numberOfCharacters", removed}});
+        controller->compositeAction().setFlatParameterList(PropertyDictionary{
+            {"currentActionIndex", count - 1}, {"composite actions array", std::move(steps)}});
     }
+
+    /// From now on names are kept for the next preview, as in the window.
+    void keepNames() { controller->renameEngine().expectManyPreviews(); }
 
     void preview() {
         frontEnd.hasFinished = false;
@@ -159,6 +167,23 @@ BENCHMARK(preview)
     ->Args({1, 100'000, 5})
     ->Args({1000, 100, 1})
     ->Args({1000, 100, 5});
+
+/// The same after each change of the last of five steps, which gives each item another name: folders, files.
+void changeOfTheLastStep(benchmark::State& state) {
+    Application application(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    application.keepNames();
+    int removed = 0;
+    for (auto _ : state) {
+        application.setSteps(5, 1 + ++removed % 3);
+        state.SetIterationTime(secondsOf([&] { application.preview(); }));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0) * state.range(1));
+}
+BENCHMARK(changeOfTheLastStep)
+    ->Apply(setShape)
+    ->ArgNames({"folders", "files"})
+    ->Args({1, 100'000})
+    ->Args({1000, 100});
 
 /// The list of the main context after a preview that changed final names alone.
 void refetchInTheSameOrder(benchmark::State& state) {

@@ -1,5 +1,6 @@
 #include "RenameBench.h"
 #include "common/FailingFileSystem.h"
+#include "common/RandomChains.h"
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 #include "engine/naming/ResolveFileNameConflictsStage.h"
 #include "engine/reading/AddFileSortingDataStage.h"
@@ -110,6 +111,47 @@ TEST_F(ComputeNamesTest, ProgressEndsAtItsTotal) {
     }
     run<ResolveFileNameConflictsStage>();
     expectAll(7);
+}
+
+/// Whatever the steps: a row that goes through several of them at once, and from the one in hand on where
+/// nothing in front was changed, is named as by a pass for each. A list of which nothing is loaded names
+/// nothing, and wants a pass that begins with it.
+TEST(ComputeNames, StepsInOnePassNameAsAPassForEach) {
+    RandomChains chains(13);
+    for (int round = 0; round < 150; ++round) {
+        SCOPED_TRACE(round);
+        RenameBench bench({}, RenameBench::inMemory());
+        const std::vector<std::string> listed{"IMG_1.jpg", "b:c.txt", "B", "e\u0301", "\xFFx", "f"};
+        bench.make({"IMG_1.jpg", "b:c.txt", "B", "e\u0301", "\xFFx", "f/", "f/2", "f/\u212A.JPG"});
+        for (const std::string& name : listed)
+            bench.host.add({bench.folder.path(name)});
+        bench.host.set("processSubfolders", static_cast<int>(chains.below(2)));
+        bench.host.set("processFolders", static_cast<int>(chains.below(2)));
+        std::vector<Step> together(2 + chains.below(4));
+        std::ranges::generate(together, [&] { return chains.knownStep(); });
+        const auto namesOf = [&](const std::vector<Step>& steps, std::size_t inHand) {
+            PropertyDictionary list = chain(steps);
+            list.insert_or_assign("currentActionIndex", static_cast<int>(inHand));
+            bench.host.composite.setFlatParameterList(list);
+            bench.host.preview();
+            return std::tuple(bench.shown(), bench.host.errors(),
+                              bench.host.counters().numberOfFilesThatNeedRenaming);
+        };
+        if (round % 2 == 0)
+            bench.host.engine.expectManyPreviews();
+        const std::size_t inHand = chains.below(together.size());
+        static_cast<void>(namesOf(together, inHand));
+        if (chains.below(4) == 0)
+            bench.host.engine.rereadAtNextPreview();
+        if (chains.below(4) == 0)
+            bench.host.set("processFolders", static_cast<int>(chains.below(2)));
+        together[chains.below(3) == 0 ? chains.below(together.size()) : inHand] = chains.knownStep();
+        std::vector<Step> apart;
+        for (const Step& step : together)
+            apart.insert(apart.end(), {step, Step{"Rename from list", {}}});
+        const auto changed = namesOf(together, inHand);
+        EXPECT_EQ(changed, namesOf(apart, 0));
+    }
 }
 
 /// Dates, sizes and their absence, from the disk into the rows.

@@ -62,6 +62,8 @@ class BaseRenameAction : public BaseAction {
     virtual void selectPattern(std::int32_t) {}
     /// What stands on the button of that menu.
     [[nodiscard]] virtual std::string_view patternMenuTitle() const { return "Ready-made"; }
+    /// Whether it has ever asked for more than the fragment, or answered more than a name.
+    [[nodiscard]] bool hasAskedForItem() const { return hasAsked; }
     /// In points.
     [[nodiscard]] virtual double preferredTagLibraryDisplayHeight() const { return 100.0; }
 
@@ -70,8 +72,14 @@ class BaseRenameAction : public BaseAction {
     /// came. The caches are fresh.
     virtual void processName(std::u16string_view fragment, std::u16string& result);
     /// The item in hand, and what else is told of it; both only within processName.
-    [[nodiscard]] const InputContext& item() const { return *itemInHand; }
-    [[nodiscard]] OutputContext& answer() const { return *answerInHand; }
+    [[nodiscard]] const InputContext& item() const {
+        hasAsked = true;
+        return *itemInHand;
+    }
+    [[nodiscard]] OutputContext& answer() const {
+        hasAsked = true;
+        return *answerInHand;
+    }
 
     /// For actions that know no fragments, in prepareParameters: the whole name counts, whatever is stored.
     void workOnTheWholeName() { paramFragmentSelectionMode = 0; }
@@ -80,6 +88,7 @@ class BaseRenameAction : public BaseAction {
     std::int32_t paramFragmentSelectionMode = 1;
     const InputContext* itemInHand = nullptr;
     OutputContext* answerInHand = nullptr;
+    mutable bool hasAsked = false;
     std::u16string_view ownExplanation;
 };
 

@@ -101,7 +101,9 @@ MainController::MainController(Environment newEnvironment, Options newOptions)
     environment.actionList.setRunLoop(&environment.runLoop);
     environment.actionList.setObserver(this);
     preview.setFollowsChanges(options.followsChanges);
-    if (!options.followsChanges)
+    if (options.followsChanges)
+        engine.expectManyPreviews();
+    else
         sourceItems.keepLooks();
 }
 

@@ -1,7 +1,7 @@
 #include "engine/naming/ComputeProvisionalNamesStage.h"
 
 #include "actions/CompositeRenameAction.h"
-#include "actions/SortBasedAction.h"
+#include "actions/sequence/SequenceAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"
@@ -9,6 +9,7 @@
 #include "platform/metadata/MetadataTool.h"
 #include "platform/processes/RunLoop.h"
 #include "store/contexts/StoreContext.h"
+#include "store/paging/ItemStore.h"
 #include "store/queries/FilterManager.h"
 #include "store/rows/FileMO.h"
 #include "support/text/Text.h"
@@ -22,7 +23,6 @@ namespace tavrin {
 namespace {
 
 constexpr std::int32_t rowsPerCommit = 10000;
-constexpr std::size_t unchangedBatchSize = 1000;
 
 std::string stageTextForAction(int index) {
     static constexpr std::array<std::string_view, 9> ordinals{"first", "second",  "third", "fourth", "fifth",
@@ -30,6 +30,21 @@ std::string stageTextForAction(int index) {
     if (index < static_cast<int>(ordinals.size()))
         return fmt::format("Applying {} renaming action...", ordinals[static_cast<std::size_t>(index)]);
     return fmt::format("Applying {}th renaming action...", index + 1);
+}
+
+const SortBasedAction* sorted(const auto& step) { return dynamic_cast<const SortBasedAction*>(step.action); }
+
+bool countsByFolder(const auto& step) {
+    const SortBasedAction* const action = sorted(step);
+    return action != nullptr && !action->shouldUseGlobalSorting();
+}
+
+/// The end of the steps that a row goes through at once, from the first one on. Only the first may need
+/// ranks; one that counts in each folder takes other rows than those behind it.
+template <typename Iterator> Iterator endOfPass(Iterator first, Iterator end) {
+    return countsByFolder(*first)
+               ? first + 1
+               : std::find_if(first + 1, end, [](const auto& step) { return sorted(step) != nullptr; });
 }
 
 /// A unit that is a colon becomes zero, and a zero unit borrows from its highest bit.
@@ -57,28 +72,37 @@ std::string ComputeProvisionalNamesStage::stageDescription() const { return "Com
 
 bool ComputeProvisionalNamesStage::process() {
     const StageProgress report(progress);
-    isFirstAppliedAction = true;
+    isFirstPass = true;
     unread = {};
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
     report.numberOfItems(context->engineControl().totalNumberOfFiles);
     report.indeterminate(false);
-    processFiles = settings.shouldProcessFiles != 0;
-    processFolders = settings.shouldProcessFolders != 0;
     filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings.itemFilter());
     if (!copyActions())
         return false;
     file = std::make_unique<FileMO>(*context);
-    for (int index = 0; index < compositeAction->count() && lostSteps.empty(); ++index) {
-        if (compositeAction->actionAtIndex(index).isActive())
-            processForActionIndex(index);
+    findProcessedRows();
+    engine.setHashesOfNames({});
+    const bool areCompared =
+        settings.shouldPreviewConflictResolution && settings.conflictRule() == Settings::OnConflict::number;
+    hashes.assign(areCompared ? processed.size() : 0, 0);
+    const std::vector<Step> steps = activeSteps();
+    const auto begin = static_cast<std::ptrdiff_t>(takeKnownNames(steps));
+    for (auto first = steps.begin() + begin; first != steps.end();) {
+        const auto last = endOfPass(first, steps.end());
+        isLastPass = last == steps.end();
+        processSteps({first, last});
+        first = last;
     }
+    keepNames(steps);
     tellUnreadMetadata();
     for (const std::string& reason : lostSteps)
         addError("All names stay as they are, since a step could not be made ready again", reason, "");
-    if (isFirstAppliedAction)
+    if (isFirstPass)
         copyCurrentToNewName();
+    engine.setHashesOfNames(std::move(hashes));
     engine.computeNumberOfFilesThatNeedRenaming(*context, settings.itemFilter());
     return true;
 }
@@ -111,57 +135,104 @@ bool ComputeProvisionalNamesStage::copyActions() {
     return true;
 }
 
-void ComputeProvisionalNamesStage::processForActionIndex(int index) {
-    const StageProgress report(progress);
-    report.stage(stageTextForAction(index));
-    action = &compositeAction->actionAtIndex(index);
-    marker = engine.nextStageFlagCounter();
-    count = 0;
-    FetchRequest request{FetchEntity::file, filter.with(Predicate::notMarked(marker)), {}, 0, true};
-    const auto* sorted = dynamic_cast<const SortBasedAction*>(action);
-    const bool byFolder = sorted && !sorted->shouldUseGlobalSorting();
-    if (sorted)
-        request.order = RenameEngineUtilities::sortDescriptorsOf(*sorted);
-    for (;;) {
-        if (byFolder) {
-            count = 0;
-            if (!moveToNextFolder(request))
-                break;
-        }
-        const std::vector<RowId> rows = context->fetch(request);
-        input.lastRank = sorted ? count + countNumbered(rows) : 1;
-        if (std::is_sorted(rows.begin(), rows.end())) {
-            for (const RowId id : rows)
-                processRow(id, count + 1);
-        } else {
-            processByRank(rows);
-        }
-        report.describe("{} provisional names computed. Committing..", count);
-        saveAndRefaultObjects();
-        if (!byFolder && rows.empty())
-            break;
+std::vector<ComputeProvisionalNamesStage::Step> ComputeProvisionalNamesStage::activeSteps() const {
+    std::vector<Step> steps;
+    for (int index = 0; index < compositeAction->count() && lostSteps.empty(); ++index) {
+        BaseRenameAction& action = compositeAction->actionAtIndex(index);
+        if (action.isActive())
+            steps.push_back({index, &action});
     }
-    isFirstAppliedAction = false;
+    return steps;
 }
 
-bool ComputeProvisionalNamesStage::moveToNextFolder(FetchRequest& request) {
-    const FetchRequest folders{
-        FetchEntity::node,
-        Predicate::notSecondaryMarked(marker).with(Predicate::isTrue(NodeKey::treatAsFolder)),
-        {},
-        1};
-    const std::vector<RowId> folder = context->fetch(folders);
-    if (folder.empty())
-        return false;
-    context->setSecondaryStageFlag(folder.front(), marker);
-    // Without the filter: what lies below a listed folder is numbered too, and stays hidden by the filter.
-    request.predicate = Predicate::hasParent(folder.front()).with(Predicate::notMarked(marker));
-    return true;
+FetchRequest ComputeProvisionalNamesStage::rowsFor(const Step& step) const {
+    FetchRequest request{FetchEntity::file, filter, {}, 0, true};
+    if (const SortBasedAction* const action = sorted(step))
+        request.order = RenameEngineUtilities::sortDescriptorsOf(*action);
+    return request;
 }
 
-std::int32_t ComputeProvisionalNamesStage::countNumbered(const std::vector<RowId>& rows) const {
-    return static_cast<std::int32_t>(
-        std::ranges::count_if(rows, [this](RowId id) { return isProcessed(id); }));
+NamesBeforeStep::Origin ComputeProvisionalNamesStage::originOf(Steps steps) const {
+    NamesBeforeStep::Origin origin{context->store().serial(), filter, {}, processed, {}};
+    origin.versions.push_back(context->versionOf({FetchEntity::file, filter, {}}));
+    for (const auto& [index, action] : steps) {
+        origin.versions.push_back(context->versionOf(rowsFor({index, action})));
+        origin.steps.push_back(PropertyDictionary{{"action name", text::fromUtf8(action->actionName())},
+                                                  {"action parameter list", action->parameterList()}});
+    }
+    return origin;
+}
+
+std::size_t ComputeProvisionalNamesStage::takeKnownNames(Steps steps) {
+    known = kept = nullptr;
+    nextKnown = 0;
+    NamesBeforeStep* const names = engine.namesBeforeStep();
+    const auto inHand = std::ranges::find_if(
+        steps, [&](const Step& step) { return step.index >= compositeAction->getCurrentActionIndexAsInt(); });
+    // A step that counts by folder takes other rows than those in front of it.
+    const bool takesOthers = std::any_of(steps.begin(), inHand == steps.end() ? inHand : std::next(inHand),
+                                         [](const Step& step) { return countsByFolder(step); });
+    if (names == nullptr || inHand == steps.begin() || inHand == steps.end() || takesOthers)
+        return 0;
+    const auto before = static_cast<std::size_t>(inHand - steps.begin());
+    NamesBeforeStep::Origin origin = originOf(steps.first(before));
+    if (names->isMadeOf(origin)) {
+        known = names;
+        return before;
+    }
+    names->begin(std::move(origin));
+    kept = names;
+    keptStep = steps[before - 1].index;
+    return 0;
+}
+
+/// What a step has asked of the item, or of the clock, may be another answer next time. The rank follows from
+/// the order of the rows.
+void ComputeProvisionalNamesStage::keepNames(Steps steps) {
+    const auto isSure = [this](const Step& step) {
+        return step.index > keptStep || !step.action->hasAskedForItem() ||
+               dynamic_cast<const SequenceAction*>(step.action) != nullptr;
+    };
+    if (kept == nullptr)
+        return;
+    if (std::ranges::all_of(steps, isSure))
+        kept->end();
+    else
+        kept->clear();
+}
+
+void ComputeProvisionalNamesStage::processSteps(Steps steps) {
+    for (const Step& step : steps)
+        StageProgress(progress).stage(stageTextForAction(step.index));
+    pass = steps;
+    count = 0;
+    FetchRequest request = rowsFor(steps.front());
+    if (countsByFolder(steps.front()))
+        processByFolder(std::move(request));
+    else
+        processRows(context->fetch(request));
+    StageProgress(progress).describe("{} provisional names computed. Committing..", count);
+    saveAndRefaultObjects();
+    isFirstPass = false;
+}
+
+/// Without the filter: what lies below a listed folder is numbered too, and stays hidden by the filter.
+void ComputeProvisionalNamesStage::processByFolder(FetchRequest request) {
+    const FetchRequest folders{FetchEntity::node, Predicate::isTrue(NodeKey::treatAsFolder), {}, 0};
+    for (const RowId folder : context->fetch(folders)) {
+        request.predicate = Predicate::hasParent(folder);
+        count = 0;
+        processRows(context->fetch(request));
+    }
+}
+
+void ComputeProvisionalNamesStage::processRows(const std::vector<RowId>& rows) {
+    input.lastRank =
+        static_cast<std::int32_t>(std::ranges::count_if(rows, [this](RowId id) { return isProcessed(id); }));
+    if (!std::is_sorted(rows.begin(), rows.end()))
+        return processByRank(rows);
+    for (const RowId id : rows)
+        processRow(id, count + 1);
 }
 
 /// A name depends on its rank, not on when it is made. So the ranks are given out first, and then the rows
@@ -182,28 +253,31 @@ void ComputeProvisionalNamesStage::processByRank(const std::vector<RowId>& rows)
     }
 }
 
-bool ComputeProvisionalNamesStage::isProcessed(RowId id) const {
-    return (context->treatAsFolder(id) ? processFolders : processFiles) && !context->isLeftOut(id);
+/// Asked once for all rows: a look at each in each pass costs more than a short step.
+void ComputeProvisionalNamesStage::findProcessedRows() {
+    ItemFilter kinds = settings.itemFilter();
+    kinds.shouldProcessSubfolders = true;
+    const Predicate wanted = FilterManager::currentFilterPredicate(kinds).with(FilterManager::ticked());
+    processed.assign(context->endOfRows(), false);
+    for (const RowId id : context->fetch({FetchEntity::file, wanted, {}, 0}))
+        processed[id] = true;
 }
 
 void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
     const StageProgress report(progress);
     report.describeItem([&] { return "Processing: " + context->fullPath(id); });
-    if (isFirstAppliedAction)
-        context->name(id, input.currentName);
-    else
-        context->finalName(id, input.currentName);
-    const bool counts = isProcessed(id);
-    if (counts) {
-        input.rank = rank;
-        runAction(id);
-        report.item(++count);
-    } else {
-        output.newName = input.currentName;
+    if (!isProcessed(id)) {
+        if (isFirstPass)
+            keepName(id);
+        context->commitIfMuchIsStaged();
+        return;
     }
+    runSteps(id, rank);
     storeNewName(id);
-    context->setStageFlag(id, marker);
-    if (counts && count % rowsPerCommit == 0) {
+    if (isLastPass && !hashes.empty())
+        hashes[id] = hasher.of(output.newName);
+    report.item(++count);
+    if (count % rowsPerCommit == 0) {
         report.describe("{} new names calculated. Committing.", count);
         saveAndRefaultObjects();
     } else {
@@ -211,30 +285,44 @@ void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {
     }
 }
 
-void ComputeProvisionalNamesStage::runAction(RowId id) {
-    replaceColons(input.currentName);
+void ComputeProvisionalNamesStage::runSteps(RowId id, std::int32_t rank) {
+    if (isFirstPass && known != nullptr)
+        nameBefore = (*known)[nextKnown++];
+    else if (isFirstPass)
+        context->name(id, nameBefore);
+    else
+        context->finalName(id, nameBefore);
     file->moveTo(id);
     input.fileMo = file.get();
+    input.rank = rank;
     output.regex.reset();
-    output.failure.clear();
-    action->executeWithInputContext(input, output);
-    replaceColons(output.newName);
+    output.newName = nameBefore;
+    for (const Step& step : pass) {
+        input.currentName.swap(output.newName);
+        output.failure.clear();
+        step.action->executeWithInputContext(input, output);
+        replaceColons(output.newName);
+        if (!output.failure.empty())
+            noteUnreadMetadata(id, step, output.failure);
+        if (kept != nullptr && step.index == keptStep)
+            kept->add(output.newName);
+    }
     if (output.regex)
         context->setRegexColumns(id, *output.regex);
-    if (!output.failure.empty())
-        noteUnreadMetadata(id, output.failure);
 }
 
-void ComputeProvisionalNamesStage::noteUnreadMetadata(RowId id, const std::string& reason) {
+void ComputeProvisionalNamesStage::noteUnreadMetadata(RowId id, const Step& step, const std::string& reason) {
     if (id >= unread.rows.size())
-        unread.rows.resize(id + id / 2 + 1024);
+        unread.rows.resize(processed.size());
+    if (unread.count == 0 || step.index < unread.step) {
+        unread.step = step.index;
+        unread.reason = reason;
+    }
     if (unread.rows[id])
         return;
     unread.rows[id] = true;
-    if (++unread.count > 1)
-        return;
-    unread.first = id;
-    unread.reason = reason;
+    if (++unread.count == 1)
+        unread.first = id;
 }
 
 void ComputeProvisionalNamesStage::tellUnreadMetadata() {
@@ -244,21 +332,22 @@ void ComputeProvisionalNamesStage::tellUnreadMetadata() {
 }
 
 void ComputeProvisionalNamesStage::storeNewName(RowId id) {
-    // The first action worked on the name itself, later ones on the result of the one before.
-    const std::u16string* name = &input.currentName;
-    if (!isFirstAppliedAction) {
-        if (text::units::same(output.newName, input.currentName))
-            return; // what the one before has stored still holds
-        context->name(id, nameBuffer);
-        name = &nameBuffer;
+    const std::u16string* own = &nameBefore;
+    if (!isFirstPass && text::units::same(output.newName, nameBefore))
+        return; // what the pass before has stored still holds
+    if (!isFirstPass || known != nullptr) {
+        context->name(id, ownName);
+        own = &ownName;
     }
-    const bool isName = text::units::same(output.newName, *name);
-    if (isName)
-        context->setFinalNameToName(id);
-    else
-        context->setFinalName(id, output.newName);
-    const bool differs = !isName && !text::canonicallyEqual(output.newName, *name);
-    setDiff(id, differs);
+    if (text::units::same(output.newName, *own))
+        return keepName(id);
+    context->setFinalName(id, output.newName);
+    setDiff(id, !text::canonicallyEqual(output.newName, *own));
+}
+
+void ComputeProvisionalNamesStage::keepName(RowId id) {
+    context->setFinalNameToName(id);
+    setDiff(id, false);
 }
 
 void ComputeProvisionalNamesStage::setDiff(RowId id, bool differs) {
@@ -275,20 +364,14 @@ void ComputeProvisionalNamesStage::setDiff(RowId id, bool differs) {
 void ComputeProvisionalNamesStage::copyCurrentToNewName() {
     const StageProgress report(progress);
     report.stage("No renaming action are active...");
-    marker = engine.nextStageFlagCounter();
     count = 0;
-    const FetchRequest request{
-        FetchEntity::file, filter.with(Predicate::notMarked(marker)), {}, unchangedBatchSize};
-    for (std::vector<RowId> batch; !(batch = context->fetch(request)).empty();) {
-        for (const RowId id : batch) {
-            context->setFinalNameToName(id);
-            setDiff(id, false);
-            context->setStageFlag(id, marker);
-            report.item(++count);
-        }
-        report.describe("{} names left unchanged. Committing..", count);
-        saveAndRefaultObjects();
+    for (const RowId id : context->fetch({FetchEntity::file, filter, {}, 0})) {
+        keepName(id);
+        report.item(++count);
+        context->commitIfMuchIsStaged();
     }
+    report.describe("{} names left unchanged. Committing..", count);
+    saveAndRefaultObjects();
 }
 
 } // namespace tavrin

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "actions/InputContext.h"
+#include "engine/naming/NameTable.h"
+#include "engine/naming/NamesBeforeStep.h"
 #include "engine/pipeline/ProcessingStage.h"
 #include "store/queries/Predicate.h"
 #include "store/rows/NodeRow.h"
@@ -8,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,8 +20,9 @@ class BaseRenameAction;
 class CompositeRenameAction;
 class FileMO;
 
-/// Runs the user's list of actions over all rows, action by action, into `finalName` and `diff`. Works on a
-/// copy of the list, so that the user may go on editing.
+/// Runs the user's list of actions over all rows into `finalName` and `diff`: each row goes through one
+/// action after the other, as far as the next one that must know the order of all rows. Works on a copy of
+/// the list, so that the user may go on editing.
 class ComputeProvisionalNamesStage final : public ProcessingStage {
   public:
     explicit ComputeProvisionalNamesStage(EngineState& owner);
@@ -30,28 +34,41 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     [[nodiscard]] std::string stageDescription() const override;
 
   private:
+    /// An active step of the chain.
+    struct Step {
+        int index;
+        BaseRenameAction* action;
+    };
+    using Steps = std::span<const Step>;
+
     bool copyActions();
-    void processForActionIndex(int index);
-    /// Points the request at the next folder; false when all folders are done.
-    bool moveToNextFolder(FetchRequest& request);
-    /// How many of the rows get a rank.
-    [[nodiscard]] std::int32_t countNumbered(const std::vector<RowId>& rows) const;
+    [[nodiscard]] std::vector<Step> activeSteps() const;
+    /// How many of the first steps need not run, since their names are known; has them kept otherwise.
+    std::size_t takeKnownNames(Steps steps);
+    [[nodiscard]] NamesBeforeStep::Origin originOf(Steps steps) const;
+    /// The order that the step wants its rows in.
+    [[nodiscard]] FetchRequest rowsFor(const Step& step) const;
+    void keepNames(Steps before);
+    void processSteps(Steps steps);
+    void processByFolder(FetchRequest request);
+    /// The rows in the order of their ranks.
+    void processRows(const std::vector<RowId>& rows);
     void processByRank(const std::vector<RowId>& rows);
     /// Whether steps name the row. All others keep their names and take no rank.
-    [[nodiscard]] bool isProcessed(RowId id) const;
+    [[nodiscard]] bool isProcessed(RowId id) const { return processed[id]; }
+    void findProcessedRows();
     /// Skipped rows have no use for the rank.
     void processRow(RowId id, std::int32_t rank);
-    void runAction(RowId id);
-    void noteUnreadMetadata(RowId id, const std::string& reason);
+    /// Makes `output.newName` of the name up to now.
+    void runSteps(RowId id, std::int32_t rank);
+    void noteUnreadMetadata(RowId id, const Step& step, const std::string& reason);
     void tellUnreadMetadata();
-    /// `output.newName` becomes the final name of a row whose name up to now is `input.currentName`.
     void storeNewName(RowId id);
+    void keepName(RowId id);
     void setDiff(RowId id, bool differs);
     void copyCurrentToNewName();
 
-    bool processFiles = true;
-    bool processFolders = true;
-    bool isFirstAppliedAction = true;
+    bool isFirstPass = true;
     Predicate filter;
     std::unique_ptr<CompositeRenameAction> compositeAction;
     std::vector<std::string> lostSteps; ///< why those of them fail that worked for the user
@@ -61,17 +78,28 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
         std::vector<bool> rows;
         std::size_t count = 0;
         RowId first = noRow;
-        std::string reason; ///< of the first
+        int step = 0;       ///< the earliest that asked in vain
+        std::string reason; ///< of the first row that it asked for
     } unread;
+    std::vector<bool> processed; ///< by id
+
+    NamesBeforeStep* known = nullptr; ///< the names that the first pass begins with, where they are known
+    std::size_t nextKnown = 0;
+    NamesBeforeStep* kept = nullptr; ///< gets the names that the step makes, where they are to be kept
+    int keptStep = 0;
+
+    NameTable::Hashes hashes; ///< of the new names, by id
+    CaselessHash hasher;
 
     // The pass in hand, and the buffers that serve for all its rows.
-    BaseRenameAction* action = nullptr;
-    PassMarker marker = unmarked;
+    Steps pass;
+    bool isLastPass = false;
     std::int32_t count = 0;
     std::unique_ptr<FileMO> file;
+    std::u16string ownName;    ///< of the item
+    std::u16string nameBefore; ///< that the pass begins with
     InputContext input;
     OutputContext output;
-    std::u16string nameBuffer;
 };
 
 } // namespace tavrin

@@ -91,6 +91,7 @@ bool LeaveOutStage::process() {
 }
 
 bool PinNamesStage::process() {
+    engine.setHashesOfNames({});
     NamePins::Bunches over;
     computed = std::make_shared<EngineState::ComputedNames>();
     pins.forEach([&](const std::string& path, const NamePins::Pin& one) {

@@ -1,6 +1,7 @@
 #include "engine/naming/NameTable.h"
 
 #include "store/contexts/StoreContext.h"
+#include "support/text/AsciiBytes.h"
 #include "support/text/Text.h"
 #include "support/text/TextUnits.h"
 
@@ -26,6 +27,27 @@ void lowercase(std::u16string_view name, std::u16string& into) {
 
 } // namespace
 
+std::uint32_t CaselessHash::of(std::u16string_view name) {
+    if (!text::units::allAscii(name))
+        return ofKey(text::lowercased(name));
+    buffer.resize(name.size());
+    std::ranges::transform(name, buffer.begin(),
+                           [](char16_t unit) { return static_cast<char>(text::units::asciiLower(unit)); });
+    return slots.hashOf(std::string_view(buffer));
+}
+
+std::uint32_t CaselessHash::ofKey(std::u16string_view key) {
+    if (!text::units::allAscii(key))
+        return slots.hashOf(key);
+    buffer.assign(key.begin(), key.end());
+    return slots.hashOf(std::string_view(buffer));
+}
+
+std::uint32_t CaselessHash::ofAscii(std::string_view name) {
+    text::lowercaseBytes(name, buffer);
+    return slots.hashOf(std::string_view(buffer));
+}
+
 void NameTable::read(const std::vector<RowId>& children) {
     groups.clear();
     rows.clear();
@@ -37,16 +59,17 @@ void NameTable::read(const std::vector<RowId>& children) {
 
 /// All hashes before the table is touched, so that the memory of a big table is on its way meanwhile.
 void NameTable::readBatch(std::span<const RowId> children) {
-    std::array<std::uint32_t, batchSize> hashes{};
+    std::array<std::uint32_t, batchSize> ofBatch{};
     for (std::size_t i = 0; i < children.size(); ++i) {
-        hashes[i] = entries.hashOf(keyOf(children[i]));
-        entries.prefetch(hashes[i]);
+        const RowId id = children[i];
+        ofBatch[i] = id < hashes.size() && hashes[id] != 0 ? hashes[id] : hashOf(id);
+        entries.prefetch(ofBatch[i]);
     }
     for (std::size_t i = 0; i < children.size(); ++i) {
         const RowId id = children[i];
-        const std::uint32_t entry = find(hashes[i], [&] { return keyOf(id); });
+        const std::uint32_t entry = find(ofBatch[i], [&] { return keyOf(id); });
         if (entry == 0)
-            addEntry(id, hashes[i]);
+            addEntry(id, ofBatch[i]);
         else
             addMember(entry, id);
     }
@@ -66,11 +89,11 @@ std::vector<NameTable::Group> NameTable::takeGroups() {
 bool NameTable::isTaken(std::u16string_view name) {
     std::u16string key;
     lowercase(name, key);
-    return find(entries.hashOf(std::u16string_view(key)), [&] { return std::u16string_view(key); }) != 0;
+    return find(hasher.ofKey(key), [&] { return std::u16string_view(key); }) != 0;
 }
 
 void NameTable::add(RowId id) {
-    const std::uint32_t hash = entries.hashOf(keyOf(id));
+    const std::uint32_t hash = hashOf(id);
     if (find(hash, [&] { return keyOf(id); }) == 0)
         addEntry(id, hash);
 }
@@ -79,6 +102,18 @@ std::u16string_view NameTable::keyOf(RowId id) {
     context.finalName(id, nameBuffer);
     lowercase(nameBuffer, keyBuffer);
     return keyBuffer;
+}
+
+std::uint32_t NameTable::hashOf(RowId id) {
+    const StoreContext::HeldName held = context.heldFinalName(id);
+    const std::string_view bytes = held.isName ? context.component(id) : held.bytes;
+    if (!held.hasBytes || !text::isAsciiWithoutNul(bytes))
+        return hasher.ofKey(keyOf(id));
+    if (!held.isName || bytes.find(':') == bytes.npos)
+        return hasher.ofAscii(bytes);
+    byteBuffer.assign(bytes);
+    std::ranges::replace(byteBuffer, ':', '/');
+    return hasher.ofAscii(byteBuffer);
 }
 
 template <typename Key> std::uint32_t NameTable::find(std::uint32_t hash, Key key) {

@@ -46,27 +46,20 @@ bool holdsSign(std::string_view name) {
 
 void ProblemFinder::lookAt(RowId folder, const std::vector<RowId>& children, Names names) {
     rows = &children;
-    gatherMovers();
-    if (!movers.empty()) {
-        others.clear();
-        absent.clear();
-        const NameProblem ofAll = problemOfFolder(folder);
-        for (Mover& mover : movers) {
-            judgeName(mover);
-            if (mover.goes())
-                mover.problem = ofAll;
-        }
-        if (ofAll == none) {
-            lookAtDisk(folder);
-            findTaken(names);
-        }
+    others.clear();
+    absent.clear();
+    if (gatherMovers(folder) == none && !movers.empty()) {
+        lookAtDisk(folder);
+        findTaken(names);
     }
     if (hadProblems || std::ranges::any_of(movers, std::not_fn(&Mover::goes)) ||
         std::ranges::any_of(movers, &Mover::isRival))
         store(names);
 }
 
-void ProblemFinder::gatherMovers() {
+/// Each is judged as it is found, while its row is at hand.
+NameProblem ProblemFinder::gatherMovers(RowId folder) {
+    NameProblem ofAll = none;
     movers.clear();
     movers.reserve(rows->size()); // room that is not used costs nothing
     hasExact = false;
@@ -83,10 +76,16 @@ void ProblemFinder::gatherMovers() {
                               .wasSeen = row.sortingInformationLoaded && !notes.wasLocked(id),
                               .isExact = row.hasExactName()});
             hasExact |= row.hasExactName();
+            if (movers.size() == 1)
+                ofAll = problemOfFolder(folder);
+            judgeName(movers.back());
+            if (movers.back().goes())
+                movers.back().problem = ofAll;
         } else {
             hasRespelledStayer |= !context.heldFinalName(id).isName;
         }
     }
+    return ofAll;
 }
 
 NameProblem ProblemFinder::problemOfFolder(RowId folder) {

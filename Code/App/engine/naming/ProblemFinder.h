@@ -59,7 +59,8 @@ class ProblemFinder {
         [[nodiscard]] bool goes() const { return problem == NameProblem::none; }
     };
 
-    void gatherMovers();
+    /// Finds them with the problems of their names; what keeps all from other names, where there are any.
+    NameProblem gatherMovers(RowId folder);
     /// What keeps every child of the folder from another name.
     NameProblem problemOfFolder(RowId folder);
     [[nodiscard]] VolumeFacts volumeOf(std::uint32_t device);

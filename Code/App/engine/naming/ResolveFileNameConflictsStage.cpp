@@ -40,6 +40,8 @@ constexpr std::array<Scheme, 14> schemes{{
 }};
 constexpr std::int32_t defaultScheme = 9;
 
+constexpr std::int32_t itemsPerCommit = 10000;
+
 /// What the stage makes of the names of a folder.
 ProblemFinder::Names namesOf(Settings::OnConflict rule, ResolveFileNameConflictsStage::Task task) {
     using Names = ProblemFinder::Names;
@@ -61,7 +63,6 @@ bool ResolveFileNameConflictsStage::process() {
         context->changeEngineControl().numberOfNamesMadeDistinct = 0;
     }
     const StageProgress report(progress);
-    const PassMarker marker = engine.nextStageFlagCounter();
     counter = 0;
     report.item(0);
     report.numberOfItems(context->engineControl().totalNumberOfFiles);
@@ -69,23 +70,25 @@ bool ResolveFileNameConflictsStage::process() {
     report.describe("Preparing...");
     takeSettings();
 
-    NameTable names(*context);
+    NameTable names(*context, engine.takeHashesOfNames());
     ProblemFinder problems(*context, engine.folderNotes(), settings.itemFilter(),
                            engine.selection().renamesLinks);
     if (task == Task::lookAnew)
         problems.lookForLocks([this] { return engine.isEnding(); });
     const FetchRequest request{processSubfolders ? FetchEntity::node : FetchEntity::ghostNode,
-                               Predicate::isTrue(NodeKey::treatAsFolder).with(Predicate::notMarked(marker)),
+                               Predicate::isTrue(NodeKey::treatAsFolder),
                                {},
                                0};
-    for (std::vector<RowId> folders; !(folders = context->fetch(request)).empty();) {
-        for (const RowId folder : folders) {
-            processFolder(names, problems, folder);
-            context->setStageFlag(folder, marker);
-            report.describeItem([&] { return fmt::format("{} files processed.", counter); });
-            context->commit();
-        }
+    std::int32_t committed = 0;
+    for (const RowId folder : context->fetch(request)) {
+        processFolder(names, problems, folder);
+        report.describeItem([&] { return fmt::format("{} files processed.", counter); });
+        if (counter - committed < itemsPerCommit)
+            continue;
+        context->commit();
+        committed = counter;
     }
+    context->commit();
     engine.computeNumberOfFilesThatNeedRenaming(*context, settings.itemFilter());
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "engine/history/RunHistory.h"
 #include "engine/naming/NamePins.h"
+#include "engine/naming/NamesBeforeStep.h"
 #include "engine/reading/FolderNotes.h"
 #include "engine/reading/ItemSelection.h"
 #include "engine/renaming/RunOutcomes.h"
@@ -89,6 +90,17 @@ class EngineState {
         return computed;
     }
 
+    /// Has previews keep what they will need again when only a late step changes: for a program that shows
+    /// one after the other. Set before the first request.
+    void expectManyPreviews() { keptNames = std::make_unique<NamesBeforeStep>(); }
+    /// Null where nothing is kept.
+    [[nodiscard]] NamesBeforeStep* namesBeforeStep() const { return keptNames.get(); }
+
+    /// Hashes of the new names apart from case, by id, from the stage that makes names to the one that makes
+    /// them distinct; nothing where names have changed in between.
+    void setHashesOfNames(std::vector<std::uint32_t> hashes) { hashesOfNames = std::move(hashes); }
+    [[nodiscard]] std::vector<std::uint32_t> takeHashesOfNames() { return std::exchange(hashesOfNames, {}); }
+
     /// What is known of the folders on the list.
     FolderNotes& folderNotes() { return notesOfFolders; }
 
@@ -144,6 +156,8 @@ class EngineState {
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only, like the next
     FolderNotes notesOfFolders;
     PropertyDictionary chainOfNames;
+    std::unique_ptr<NamesBeforeStep> keptNames;
+    std::vector<std::uint32_t> hashesOfNames;
     mutable std::mutex pinning; ///< guards the next two
     NamePins currentPins;
     std::shared_ptr<const ComputedNames> computed;

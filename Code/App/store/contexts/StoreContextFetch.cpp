@@ -28,7 +28,16 @@ std::vector<RowId> StoreContext::fetch(const FetchRequest& request) {
 }
 
 std::size_t StoreContext::count(FetchEntity entity, const Predicate& predicate) {
-    return fetch({entity, predicate, {}, 0}).size();
+    const FetchRequest request{entity, predicate, {}, 0};
+    if (predicate.parent() || impl->hasStagedRows())
+        return fetch(request).size();
+    if (predicate.matchesNothing())
+        return 0;
+    const ItemStore::Access inside = impl->store.access();
+    std::size_t found = 0;
+    for (RowId id = 1; id < inside->endOfRows(); ++id)
+        found += inside->matches(request, id) ? 1 : 0;
+    return found;
 }
 
 bool StoreContext::Impl::matches(const FetchRequest& request, RowId id) {

@@ -4,6 +4,7 @@
 
 #include <fmt/core.h>
 
+#include <atomic>
 #include <random>
 #include <utility>
 
@@ -15,6 +16,11 @@ std::optional<std::string> obstacle(const ItemStore::Options& options) {
     return options.kind == ItemStore::Kind::file ? StoreFile::obstacleIn(options.folder) : std::nullopt;
 }
 
+std::uint64_t nextSerial() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
 std::uint64_t freshSecret() {
     std::random_device random;
     return (std::uint64_t{random()} << 32) | random();
@@ -23,7 +29,7 @@ std::uint64_t freshSecret() {
 } // namespace
 
 ItemStore::Impl::Impl(Options options)
-    : openError(obstacle(options)), kind(openError ? Kind::memory : options.kind),
+    : serial(nextSerial()), openError(obstacle(options)), kind(openError ? Kind::memory : options.kind),
       file(kind == Kind::file
                ? std::make_unique<StoreFile>(options.folder, options.vfs, std::move(options.fileRefused))
                : nullptr),
@@ -58,6 +64,8 @@ ItemStore::ItemStore(Options options) : impl(std::make_unique<Impl>(std::move(op
 ItemStore::~ItemStore() = default;
 
 ItemStore::Kind ItemStore::kind() const { return impl->kind; }
+
+std::uint64_t ItemStore::serial() const { return impl->serial; }
 
 std::string ItemStore::type() const { return kind() == Kind::file ? "SQLite" : "InMemory"; }
 

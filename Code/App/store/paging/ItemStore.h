@@ -54,6 +54,8 @@ class ItemStore {
     [[nodiscard]] std::string type() const;
     /// A line for the log: type and place.
     [[nodiscard]] std::string description() const;
+    /// Tells this store from every other that the process has had.
+    [[nodiscard]] std::uint64_t serial() const;
     /// Why the folder takes no file; absent when all is well.
     [[nodiscard]] const std::optional<std::string>& openError() const;
 

@@ -48,6 +48,7 @@ struct ItemStore::Impl {
     void apply(StagedChanges& staged, StoreChanges& into);
     bool migrateToMemory();
 
+    const std::uint64_t serial;
     const std::optional<std::string> openError;
     std::atomic<Kind> kind;
     std::unique_ptr<StoreFile> file;

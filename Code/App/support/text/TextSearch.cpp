@@ -191,6 +191,9 @@ struct TextSearch::Impl {
     std::u16string key;
     std::u16string composedKey;
     CaseSensitivity sensitivity = CaseSensitivity::sensitive;
+    /// The same where no character below U+0100 folds to what is sought, but by its own lower case: "ß" folds
+    /// to "ss", and "µ" out of ASCII.
+    CaseSensitivity sensitivityToFolding = CaseSensitivity::sensitive;
     KeyedName lastName;
     std::u16string buffer;
 
@@ -205,7 +208,7 @@ struct TextSearch::Impl {
             return found == none ? std::nullopt
                                  : std::optional(TextRange{location + found, composedKey.size()});
         };
-        if (isSimple(name, sensitivity)) {
+        if (isSimple(name, sensitivityToFolding)) {
             const auto stretch = name.substr(location, range.length);
             return literal(sensitivity == CaseSensitivity::sensitive
                                ? Direction::find(stretch, composedKey)
@@ -227,6 +230,9 @@ TextSearch::TextSearch(std::u16string_view text, CaseSensitivity sensitivity)
     impl->key = text::searchKey(text, sensitivity);
     impl->composedKey = text::precomposed(impl->key);
     impl->sensitivity = sensitivity;
+    const bool isPlain = units::allAscii(impl->key) && impl->key.find(u"ss") == literal::none &&
+                         impl->key.find(u'\r') == literal::none;
+    impl->sensitivityToFolding = isPlain ? CaseSensitivity::sensitive : sensitivity;
 }
 
 TextSearch::TextSearch(TextSearch&&) noexcept = default;
