@@ -247,7 +247,7 @@ class WindowBenchmark {
     void markRun() {
         RunOutcomes& outcomes = controller().renameEngine().runOutcomes();
         const std::vector<RowId> rows = controller().nodeController().arrangedObjects();
-        outcomes.begin(*std::ranges::max_element(rows) + 1, rows);
+        outcomes.begin(std::vector<bool>(*std::ranges::max_element(rows) + 1, true), std::nullopt);
         pane().beginRun();
         constexpr std::size_t ticks = 20;
         for (std::size_t tick = 0; tick < ticks; ++tick)

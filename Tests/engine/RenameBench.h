@@ -12,9 +12,10 @@ struct BrokenHost {
     explicit BrokenHost(const std::string& folder)
         : host({.kind = ItemStore::Kind::file, .folder = folder, .residentBudget = 1, .vfs = vfs.name()}) {
         StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::contextWins);
+        const RowId parent = context.insertGhostNode(folder);
         for (int batch = 0; batch < 3; ++batch, context.commit())
             for (int i = 0; i < 5000; ++i)
-                context.change(context.insertFile(noRow, "x", true, false, i)).diff = true;
+                context.change(context.insertFile(parent, "x", true, false, i)).diff = true;
         vfs.failRead(1, true);
     }
 

@@ -71,11 +71,11 @@ void RunJournal::writePlan(StoreContext& context, const Predicate& planned, Stan
     // folder's path is right again by the time that its items come.
     RenameItem row(context);
     RecordedItem item;
-    for (const RowId id : context.fetch({FetchEntity::file, planned, {}, 0})) {
+    context.forEach({FetchEntity::file, planned, {}, 0}, [&](RowId id) {
         row.moveTo(id);
         item.newName = row.newComponent();
         if (item.newName.empty())
-            continue;
+            return;
         const Folder folder = folderAt(row.folder());
         const NodeRow& seen = context.row(id);
         item.folder = folder.number;
@@ -91,17 +91,14 @@ void RunJournal::writePlan(StoreContext& context, const Predicate& planned, Stan
         item.look.reset();
         if (item.inode == 0 || folder.inodesMayChange)
             lookCloser(folder, item);
-        if (id >= numbers.size())
-            numbers.resize(id + id / 2 + 1024);
-        numbers[id] = ++itemCount;
+        rows.add(id);
         runLine::print(item, text);
         endLine();
-    }
+    });
     if (purpose.visitDone) {
         purpose.visitDone([this](const std::string& path, const RecordedItem& done) {
             RecordedItem copy = done;
             copy.folder = folderAt(path).number;
-            ++itemCount;
             runLine::print(copy, text);
             endLine();
         });
@@ -172,9 +169,10 @@ void RunJournal::lookCloser(const Folder& folder, RecordedItem& item) {
 }
 
 void RunJournal::late(RowId row, const FileIdentity& found) {
-    if (!file || row >= numbers.size() || numbers[row] == 0)
+    const std::optional<std::uint32_t> number = rows.numberOf(row);
+    if (!file || !number)
         return;
-    runLine::print(runLine::Late{numbers[row] - 1, found.inode}, text);
+    runLine::print(runLine::Late{*number, found.inode}, text);
     text += '\n';
     flush();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/history/RecordedRows.h"
 #include "engine/history/TakeBack.h"
 #include "platform/files/FileSystem.h"
 #include "store/queries/Predicate.h"
@@ -10,7 +11,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 namespace tavrin {
 
@@ -69,8 +69,7 @@ class RunJournal {
     std::unordered_map<std::string, Folder> folders;
     std::string openPath;
     std::unique_ptr<OpenFolder> openFolder;
-    std::vector<std::uint32_t> numbers; ///< of the items by row, counted from 1
-    std::uint32_t itemCount = 0;
+    RecordedRows rows;
 };
 
 } // namespace tavrin

@@ -10,6 +10,7 @@
 #include "engine/renaming/RenameRing.h"
 #include "engine/renaming/RenameRun.h"
 #include "engine/renaming/RenamesAhead.h"
+#include "engine/renaming/RunOrder.h"
 #include "platform/processes/RunLoop.h"
 #include "platform/propertylists/UserDefaults.h"
 #include "store/contexts/StoreContext.h"
@@ -28,7 +29,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr std::size_t itemsPerBatch = 1000;
 constexpr int lionMode = 0;
 constexpr int leopardMode = 2;
 constexpr std::string_view switchedKey = "alreadySwitchedToLionModeOnce";
@@ -56,9 +56,14 @@ std::string PerformRenameStage::recipeOfRun() const {
 bool PerformRenameStage::process() {
     switchToLionModeOnce();
     prepare();
-    const FetchRequest request = openItems();
     if (beginJournal()) {
-        while (!run->questions.shouldAbort() && performBatch(request)) {
+        RunOrder order(*context, plannedItems(), run->marker,
+                       run->questions.isInteractive() ? RunOrder::Form::byName : RunOrder::Form::byFolder);
+        while (!run->questions.shouldAbort()) {
+            const std::vector<RowId> items = order.next();
+            if (items.empty())
+                break;
+            performBatch(items);
         }
     }
     closeJournal(run->questions.shouldAbort());
@@ -155,26 +160,30 @@ void PerformRenameStage::prepare() {
     }
     if (purpose->linksAreItems)
         run->primitives.takeLinks();
-    const std::vector<RowId> planned = context->fetch({FetchEntity::file, plannedItems(), {}, 0});
     ahead = std::make_unique<RenamesAhead>(
         *context, run->folders, [this](RowId id, const std::string& folder, const std::string& component) {
             return !run->questions.isInteractive() && run->isInPlace(id) &&
                    context->stageFlag(id) != run->marker && !warnings->wouldAsk(folder, component);
         });
-    run->outcomes.begin(context->endOfRows(), planned, rowsOfList(planned));
-    const auto count = static_cast<std::int32_t>(planned.size());
+    std::vector<bool> isPlanned(context->endOfRows());
+    std::int32_t count = 0;
+    context->forEach({FetchEntity::file, plannedItems(), {}, 0}, [&](RowId row) {
+        isPlanned[row] = true;
+        ++count;
+    });
+    run->outcomes.begin(std::move(isPlanned), rowsOfList());
     context->changeEngineControl().numberOfFilesThatNeedRenaming = count;
     report.numberOfItems(count);
     report.indeterminate(false);
     setCounters();
 }
 
-std::optional<std::vector<RowId>> PerformRenameStage::rowsOfList(const std::vector<RowId>& planned) const {
+std::optional<std::vector<RowId>> PerformRenameStage::rowsOfList() const {
     if (!purpose->isOnList)
         return std::nullopt;
     std::unordered_map<std::string, RowId> byPath;
-    for (const RowId row : planned)
-        byPath.emplace(context->fullPath(row), row);
+    context->forEach({FetchEntity::file, plannedItems(), {}, 0},
+                     [&](RowId row) { byPath.emplace(context->fullPath(row), row); });
     std::vector<RowId> rows;
     ItemStore* const store = engine.host().persistentStoreCoordinator();
     if (store == nullptr)
@@ -191,21 +200,7 @@ std::optional<std::vector<RowId>> PerformRenameStage::rowsOfList(const std::vect
     return rows;
 }
 
-FetchRequest PerformRenameStage::openItems() const {
-    std::vector<SortDescriptor> order{
-        {NodeKey::mustBeSwapped, false}, {NodeKey::canBeRenamedIndependently, false}, {NodeKey::name, true}};
-    // Where nobody is asked, each folder is opened once.
-    if (!run->questions.isInteractive())
-        order.insert(order.begin(), {NodeKey::parent, true});
-    order.insert(order.begin(), {NodeKey::depth, false});
-    return {FetchEntity::file, plannedItems().with(Predicate::notMarked(run->marker)), std::move(order),
-            itemsPerBatch};
-}
-
-bool PerformRenameStage::performBatch(const FetchRequest& request) {
-    const std::vector<RowId> items = context->fetch(request);
-    if (items.empty())
-        return false;
+void PerformRenameStage::performBatch(const std::vector<RowId>& items) {
     run->primitives.takeSettings(settings.renameMode, settings.shouldCopyFileComments != 0);
     std::size_t next = 0; // that has not been thought of ahead
     for (std::size_t i = 0; i < items.size(); ++i) {
@@ -220,7 +215,6 @@ bool PerformRenameStage::performBatch(const FetchRequest& request) {
     saveAndRefaultObjects();
     run->report.describe("Updating source items..");
     run->sourceItems.apply();
-    return true;
 }
 
 /// Before this item. One that has been renamed ahead is come to all the same.

@@ -40,10 +40,9 @@ class PerformRenameStage final : public ProcessingStage {
     [[nodiscard]] Predicate plannedItems() const;
     void switchToLionModeOnce();
     void prepare();
-    /// For each row of the list the one of these that stands for the same item.
-    [[nodiscard]] std::optional<std::vector<RowId>> rowsOfList(const std::vector<RowId>& planned) const;
-    [[nodiscard]] FetchRequest openItems() const;
-    bool performBatch(const FetchRequest& request);
+    /// For each row of the list the planned one that stands for the same item.
+    [[nodiscard]] std::optional<std::vector<RowId>> rowsOfList() const;
+    void performBatch(const std::vector<RowId>& items);
     [[nodiscard]] bool mustStop(RowId id) const;
     void performItem(RowId id);
     void performWaitingItem(RowId id);

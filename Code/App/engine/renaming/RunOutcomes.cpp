@@ -5,14 +5,11 @@
 
 namespace tavrin {
 
-void RunOutcomes::begin(RowId end, const std::vector<RowId>& planned,
-                        std::optional<std::vector<RowId>> rowsOfList) {
+void RunOutcomes::begin(std::vector<bool> isPlanned, std::optional<std::vector<RowId>> rowsOfList) {
     auto table = std::make_shared<View::Table>();
-    table->end = end;
-    table->bytes = std::make_unique<std::atomic<RunOutcome>[]>(end);
-    table->isPlanned.resize(end);
-    for (const RowId row : planned)
-        table->isPlanned[row] = true;
+    table->end = static_cast<RowId>(isPlanned.size());
+    table->bytes = std::make_unique<std::atomic<RunOutcome>[]>(isPlanned.size());
+    table->isPlanned = std::move(isPlanned);
     table->rowsOfList = std::move(rowsOfList);
     const std::lock_guard lock(mutex);
     current = std::move(table);

@@ -30,11 +30,10 @@ class RunOutcomes {
     static constexpr std::size_t mostFailures = 10000; ///< that are kept; all are counted
 
     // --- The run's thread ---
-    /// A new run over rows below `end`, of which these are planned. Of a run whose rows are not those of the
-    /// list `rowsOfList` has for each row of the list, by its id, the row of the run for the same item, or
+    /// A new run over rows of which some are planned. Of a run whose rows are not those of the list
+    /// `rowsOfList` has for each row of the list, by its id, the row of the run for the same item, or
     /// `noRow`.
-    void begin(RowId end, const std::vector<RowId>& planned,
-               std::optional<std::vector<RowId>> rowsOfList = std::nullopt);
+    void begin(std::vector<bool> isPlanned, std::optional<std::vector<RowId>> rowsOfList);
     /// One relaxed store; rows beyond the end are left alone.
     void set(RowId row, RunOutcome outcome) {
         if (row < current->end)

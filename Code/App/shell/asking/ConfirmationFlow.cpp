@@ -102,7 +102,7 @@ void ConfirmationFlow::createFileList() {
 void ConfirmationFlow::startProgressWindow() {
     debugLog("--- startProgressWindow");
     isReportDue = true;
-    services.engine.runOutcomes().begin(0, {});
+    services.engine.runOutcomes().begin({}, std::nullopt);
     setCurrentlyShowingProgressTab(true);
     services.frontEnd.selectMainTab(MainTab::progress);
 }

@@ -13,9 +13,17 @@ namespace tavrin {
 
 namespace {
 
+constexpr std::size_t visitedAtATime = 4096;
 constexpr std::size_t keptCursors = 8;
 constexpr std::size_t keptWalks = 4;
 constexpr std::size_t keptSortedRows = 4;
+
+/// Whether rows are read well by the blocks that they lie in.
+bool fillsBlocks(const std::vector<RowId>& rows) {
+    constexpr std::size_t sparse = 16;
+    return std::ranges::is_sorted(rows) &&
+           (rows.empty() || rows.back() - rows.front() <= rows.size() * sparse);
+}
 
 } // namespace
 
@@ -25,6 +33,19 @@ std::vector<RowId> StoreContext::fetch(const FetchRequest& request) {
     if (request.predicate.parent())
         return impl->fetchChildren(request);
     return request.order.empty() ? impl->fetchByCursor(request) : impl->fetchSorted(request);
+}
+
+void StoreContext::forEach(const FetchRequest& request, const std::function<void(RowId)>& visit) {
+    FetchRequest part = request;
+    part.limit = visitedAtATime;
+    std::vector<RowId> rows;
+    RowId next = 1;
+    do {
+        rows.clear();
+        next = impl->scan(part, next, ~RowId{0}, rows);
+        for (const RowId row : rows)
+            visit(row);
+    } while (rows.size() == part.limit);
 }
 
 std::size_t StoreContext::count(FetchEntity entity, const Predicate& predicate) {
@@ -140,9 +161,9 @@ std::shared_ptr<const ItemStore::Impl::SortedRows> StoreContext::Impl::sortedRow
     std::vector<RowId> rows;
     scan(whole, 1, ~RowId{0}, rows);
     sortRows(rows, whole.order);
-    const bool isInIdOrder = std::ranges::is_sorted(rows);
+    const bool isDense = fillsBlocks(rows);
     auto made = std::make_shared<const SortedRows>(
-        SortedRows{whole.entity, whole.predicate, whole.order, std::move(rows), versions, isInIdOrder});
+        SortedRows{whole.entity, whole.predicate, whole.order, std::move(rows), versions, isDense});
     if (!hasStagedRows()) {
         const ItemStore::Access inside = store.access();
         std::erase_if(inside->sortedRows, isKnown);
@@ -283,7 +304,7 @@ std::vector<RowId> StoreContext::Impl::fetchSorted(const FetchRequest& request) 
         const ItemStore::Access inside = store.access();
         collectAll([&](RowId id) { return inside->matches(request, id); });
     }
-    walked = found.empty() || walk.list->isInIdOrder || request.readById ? nullptr : walk.list;
+    walked = found.empty() || walk.list->fillsBlocks || request.readById ? nullptr : walk.list;
     walkPosition = start;
     return found;
 }
@@ -295,6 +316,11 @@ std::vector<RowId> StoreContext::Impl::fetchChildren(const FetchRequest& request
         sortRows(rows, request.order);
     if (request.limit != 0 && rows.size() > request.limit)
         rows.resize(request.limit);
+    walked = nullptr;
+    walkPosition = 0;
+    if (!fillsBlocks(rows))
+        walked = std::make_shared<const SortedRows>(
+            SortedRows{request.entity, request.predicate, request.order, rows, 0, false});
     return rows;
 }
 

@@ -71,7 +71,7 @@ struct ItemStore::Impl {
         std::vector<SortDescriptor> order;
         std::vector<RowId> rows;
         std::uint64_t versions = 0; ///< of what the order depends on
-        bool isInIdOrder = true;
+        bool fillsBlocks = true;    ///< by ascending id and close together, so that blocks of rows serve well
 
         [[nodiscard]] bool answers(const FetchRequest& request) const {
             return entity == request.entity && predicate == request.predicate && order == request.order;
