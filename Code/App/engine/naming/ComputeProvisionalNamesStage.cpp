@@ -22,6 +22,8 @@ namespace tavrin {
 
 namespace {
 
+/// More would take memory that a list in a file is to spare.
+constexpr std::size_t mostHashes = 2'000'000;
 constexpr std::int32_t rowsPerCommit = 10000;
 
 std::string stageTextForAction(int index) {
@@ -85,8 +87,8 @@ bool ComputeProvisionalNamesStage::process() {
     file = std::make_unique<FileMO>(*context);
     findProcessedRows();
     engine.setHashesOfNames({});
-    const bool areCompared =
-        settings.shouldPreviewConflictResolution && settings.conflictRule() == Settings::OnConflict::number;
+    const bool areCompared = processed.size() <= mostHashes && settings.shouldPreviewConflictResolution &&
+                             settings.conflictRule() == Settings::OnConflict::number;
     hashes.assign(areCompared ? processed.size() : 0, 0);
     const std::vector<Step> steps = activeSteps();
     const auto begin = static_cast<std::ptrdiff_t>(takeKnownNames(steps));
@@ -209,6 +211,8 @@ void ComputeProvisionalNamesStage::processSteps(Steps steps) {
     FetchRequest request = rowsFor(steps.front());
     if (countsByFolder(steps.front()))
         processByFolder(std::move(request));
+    else if (request.order.empty())
+        processAll(request);
     else
         processRows(context->fetch(request));
     StageProgress(progress).describe("{} provisional names computed. Committing..", count);
@@ -224,6 +228,13 @@ void ComputeProvisionalNamesStage::processByFolder(FetchRequest request) {
         count = 0;
         processRows(context->fetch(request));
     }
+}
+
+/// In reading order, so that no list of them is needed.
+void ComputeProvisionalNamesStage::processAll(const FetchRequest& request) {
+    input.lastRank = 0;
+    context->forEach(request, [this](RowId id) { input.lastRank += isProcessed(id) ? 1 : 0; });
+    context->forEach(request, [this](RowId id) { processRow(id, count + 1); });
 }
 
 void ComputeProvisionalNamesStage::processRows(const std::vector<RowId>& rows) {
@@ -259,8 +270,7 @@ void ComputeProvisionalNamesStage::findProcessedRows() {
     kinds.shouldProcessSubfolders = true;
     const Predicate wanted = FilterManager::currentFilterPredicate(kinds).with(FilterManager::ticked());
     processed.assign(context->endOfRows(), false);
-    for (const RowId id : context->fetch({FetchEntity::file, wanted, {}, 0}))
-        processed[id] = true;
+    context->forEach({FetchEntity::file, wanted, {}, 0}, [this](RowId id) { processed[id] = true; });
 }
 
 void ComputeProvisionalNamesStage::processRow(RowId id, std::int32_t rank) {

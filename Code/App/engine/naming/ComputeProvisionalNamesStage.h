@@ -52,6 +52,7 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     void processSteps(Steps steps);
     void processByFolder(FetchRequest request);
     /// The rows in the order of their ranks.
+    void processAll(const FetchRequest& request);
     void processRows(const std::vector<RowId>& rows);
     void processByRank(const std::vector<RowId>& rows);
     /// Whether steps name the row. All others keep their names and take no rank.

@@ -54,7 +54,8 @@ class StoreContext {
     /// conditions it goes on where it stopped, and wraps round once before it yields nothing; so it is meant
     /// for passes that mark what they have handled.
     std::vector<RowId> fetch(const FetchRequest& request);
-    /// Visits the matching rows by ascending id, without holding them all. The visitor changes none of them.
+    /// Visits the matching rows by ascending id, without holding them all. Nothing that the visitor
+    /// does changes which rows match.
     void forEach(const FetchRequest& request, const std::function<void(RowId)>& visit);
     std::size_t count(FetchEntity entity, const Predicate& predicate);
     /// Goes up whenever the fetch may give other rows, or in another order.
