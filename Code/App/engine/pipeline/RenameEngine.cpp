@@ -27,6 +27,9 @@ namespace tavrin {
 
 namespace {
 
+/// In bytes; the rows that are made of one take four times as many.
+constexpr std::uint64_t longRecord = 16u << 20;
+
 /// The calling thread, as log lines name it.
 std::string threadDescription() {
     return fmt::format("<thread {:x}>", std::hash<std::thread::id>()(std::this_thread::get_id()));
@@ -172,7 +175,12 @@ void RenameEngine::processTakeBack(ProgressInfo& progress, TakeBackRequest reque
 TakeBackResult RenameEngine::takeBack(ProgressInfo& progress, const TakeBackRequest& request) {
     TakeBackResult result;
     result.chosen = request.chosen;
-    result.store = std::make_shared<ItemStore>(ItemStore::Options{});
+    ItemStore::Options storeOptions;
+    if (request.chosen.run.size >= longRecord) {
+        storeOptions.kind = ItemStore::Kind::file;
+        storeOptions.folder = historyPlace().folder;
+    }
+    result.store = std::make_shared<ItemStore>(std::move(storeOptions));
     const auto purpose = std::make_shared<RunPurpose>();
     purpose->what = request.chosen.what;
     purpose->of = request.chosen.run.name;

@@ -50,12 +50,16 @@ void StoreContext::forEach(const FetchRequest& request, const std::function<void
 
 std::size_t StoreContext::count(FetchEntity entity, const Predicate& predicate) {
     const FetchRequest request{entity, predicate, {}, 0};
-    if (predicate.parent() || impl->hasStagedRows())
+    if (predicate.parent())
         return fetch(request).size();
     if (predicate.matchesNothing())
         return 0;
-    const ItemStore::Access inside = impl->store.access();
     std::size_t found = 0;
+    if (impl->hasStagedRows()) {
+        forEach(request, [&found](RowId) { ++found; });
+        return found;
+    }
+    const ItemStore::Access inside = impl->store.access();
     for (RowId id = 1; id < inside->endOfRows(); ++id)
         found += inside->matches(request, id) ? 1 : 0;
     return found;

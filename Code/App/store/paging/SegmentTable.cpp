@@ -155,7 +155,10 @@ void SegmentTable::makeRoom() {
     if (file == nullptr || !file->takesMore())
         return;
     constexpr std::size_t least = 8u << 20; // below it every access would page
-    const std::size_t allowed = std::max(budget - std::min(budget, reserve), std::min(least, budget));
+    // What the store always has in memory of each row: its summary and two markers.
+    const std::size_t tables = entries.size() * Segment::capacity * 3;
+    const std::size_t allowed =
+        std::max(budget - std::min(budget, reserve + tables), std::min(least, budget));
     std::size_t bytes = residentBytes();
     if (bytes <= allowed)
         return;
