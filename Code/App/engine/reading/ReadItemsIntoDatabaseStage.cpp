@@ -325,9 +325,8 @@ bool ReadItemsIntoDatabaseStage::createRootItem(const std::string& path, bool is
     const RowId row = createOneFile(lastParentFolder, parts.folder, parts.name, true, isFolder, seen);
     if (row == noRow)
         return false;
-    const SortingValues values(settings);
-    if (status.identity.isKnown() && values.areIn(status, parts.name)) {
-        values.put(context->change(row), status);
+    if (status.identity.isKnown()) {
+        SortingValues(settings).put(context->change(row), status, parts.name);
         engine.folderNotes().noteLocked(row, status.isLocked());
     }
     return true;
