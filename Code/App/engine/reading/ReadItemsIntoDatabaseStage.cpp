@@ -50,14 +50,17 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
         FolderEntries entries;
         std::size_t next = 0;
         HiddenNames hidden;
+        int error = 0;                         ///< why it could not be listed: an errno value
         FileStatus status;                     ///< from before the entries were listed
         std::vector<std::size_t> notOnTheList; ///< entries that were given no row
     };
 
     /// `row` stands for the folder; none yet for a source item that has none of its own.
-    void enter(std::string path, RowId row);
+    void enter(Level level, RowId row);
+    /// A folder with all that a listing tells of it. Any thread.
+    [[nodiscard]] static Level listed(std::string path);
     /// 0 or an errno value.
-    int read(Level& level);
+    static int read(Level& level);
     [[nodiscard]] bool isInsideItself(const Level& level) const;
     void readNextEntry();
     void readFileEntry(const FolderEntry& entry);
@@ -377,7 +380,7 @@ void ReadItemsIntoDatabaseStage::tellWhatWasLeftOut() {
 }
 
 bool ReadItemsIntoDatabaseStage::FolderWalk::run(const std::string& sourcePath) {
-    enter(sourcePath, noRow);
+    enter(listed(sourcePath), noRow);
     if (levels.empty())
         return false;
     while (!levels.empty())
@@ -403,12 +406,10 @@ void ReadItemsIntoDatabaseStage::FolderWalk::proceed() {
     levels.pop_back();
 }
 
-void ReadItemsIntoDatabaseStage::FolderWalk::enter(std::string path, RowId row) {
-    Level level;
-    level.path = std::move(path);
+void ReadItemsIntoDatabaseStage::FolderWalk::enter(Level level, RowId row) {
     level.place.row = row;
-    if (const int error = read(level))
-        report(std::generic_category().message(error), level.path);
+    if (level.error != 0)
+        report(std::generic_category().message(level.error), level.path);
     else if (isInsideItself(level))
         report("The folder lies inside itself.", level.path);
     else {
@@ -425,6 +426,14 @@ void ReadItemsIntoDatabaseStage::FolderWalk::enter(std::string path, RowId row) 
         level.place = stage.placeIn(row, identity);
         levels.push_back(std::move(level));
     }
+}
+
+ReadItemsIntoDatabaseStage::FolderWalk::Level
+ReadItemsIntoDatabaseStage::FolderWalk::listed(std::string path) {
+    Level level;
+    level.path = std::move(path);
+    level.error = read(level);
+    return level;
 }
 
 int ReadItemsIntoDatabaseStage::FolderWalk::read(Level& level) {
@@ -514,13 +523,20 @@ std::optional<FileStatus::Kind> ReadItemsIntoDatabaseStage::FolderWalk::kindOf(c
 
 void ReadItemsIntoDatabaseStage::FolderWalk::readFolderEntry(const FolderEntry& entry) {
     std::string path = joinedPath(levels.back().path, entry.name);
-    if (FileManager::instance().isBundleFolder(path)) {
+    const FileManager& files = FileManager::instance();
+    const bool isLeftOut = isExcluded(true);
+    std::optional<Level> below;
+    const bool isBundleByName = files.isBundleFolder(path, FolderEntries());
+    if (!isLeftOut && !isBundleByName && entry.kind == FileStatus::Kind::folder && mayGoDeeper())
+        below = listed(path);
+    if (below && below->error == 0 ? files.isBundleFolder(path, below->entries)
+                                   : files.isBundleFolder(path)) {
         // The source item decides, not the bundle.
         if (!isSourceInvisible)
             readFileEntry(entry);
         return;
     }
-    if (isExcluded(true))
+    if (isLeftOut)
         return;
     RowId row = noRow;
     if (takesPart(entry, true)) {
@@ -528,8 +544,8 @@ void ReadItemsIntoDatabaseStage::FolderWalk::readFolderEntry(const FolderEntry& 
         if (row == noRow)
             return;
     }
-    if (entry.kind == FileStatus::Kind::folder && mayGoDeeper())
-        enter(std::move(path), row);
+    if (below)
+        enter(std::move(*below), row);
 }
 
 RowId ReadItemsIntoDatabaseStage::FolderWalk::createRow(const FolderEntry& entry, bool isFolder) {
