@@ -6,6 +6,7 @@
 #include "engine/reading/SortingValues.h"
 #include "platform/files/FolderEntries.h"
 #include "platform/metadata/FileManager.h"
+#include "platform/processes/Parallel.h"
 #include "store/contexts/StoreContext.h"
 #include "store/sources/SourceItemManager.h"
 #include "support/application/DebugLog.h"
@@ -21,6 +22,8 @@ namespace tavrin {
 namespace {
 
 constexpr int rowsPerCommit = 5000;
+/// What listing a folder of a remote disk waits for is the way there and back.
+constexpr std::size_t foldersAtATime = 16;
 
 /// Nothing lies at a path.
 bool meansGone(int error) { return error == ENOENT || error == ENOTDIR; }
@@ -53,11 +56,19 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
         int error = 0;                         ///< why it could not be listed: an errno value
         FileStatus status;                     ///< from before the entries were listed
         std::vector<std::size_t> notOnTheList; ///< entries that were given no row
+        std::vector<Level> ahead;              ///< folders in it that are listed, and not yet come to
+        std::size_t nextAhead = 0;             ///< the entry behind those that were thought of for that
     };
 
     /// `row` stands for the folder; none yet for a source item that has none of its own.
     void enter(Level level, RowId row);
-    /// A folder with all that a listing tells of it. Any thread.
+    /// A folder with all that a listing tells of it. Of a remote disk the next ones are listed side by side.
+    [[nodiscard]] Level listedAhead(const std::string& path);
+    [[nodiscard]] bool isRemote(const Level& level);
+    /// The folders among the next entries that the walk is sure to enter, at most as many as are listed at a
+    /// time.
+    [[nodiscard]] std::vector<std::string> nextFolders(Level& level) const;
+    /// Any thread.
     [[nodiscard]] static Level listed(std::string path);
     /// 0 or an errno value.
     static int read(Level& level);
@@ -103,6 +114,7 @@ bool ReadItemsIntoDatabaseStage::process() {
     lastParentFolderPath.clear();
     aliases.reset();
     leftOut.clear();
+    remoteDevices.clear();
     report.describe("start processing..");
     report.indeterminate(true);
     if (progress)
@@ -436,6 +448,54 @@ ReadItemsIntoDatabaseStage::FolderWalk::listed(std::string path) {
     return level;
 }
 
+ReadItemsIntoDatabaseStage::FolderWalk::Level
+ReadItemsIntoDatabaseStage::FolderWalk::listedAhead(const std::string& path) {
+    Level& above = levels.back();
+    if (above.next > above.nextAhead && isRemote(above)) {
+        std::vector<std::string> paths = nextFolders(above);
+        paths.push_back(path);
+        std::vector<Level> found(paths.size());
+        inParallel(paths.size(), foldersAtATime, [&](std::size_t at) { found[at] = listed(paths[at]); });
+        std::erase_if(found, [](const Level& level) { return level.error != 0; });
+        above.ahead = std::move(found);
+    }
+    const auto known = std::ranges::find(above.ahead, path, &Level::path);
+    if (known == above.ahead.end())
+        return listed(path); // so is one for which there were too many at a time
+    Level level = std::move(*known);
+    above.ahead.erase(known);
+    return level;
+}
+
+bool ReadItemsIntoDatabaseStage::FolderWalk::isRemote(const Level& level) {
+    const auto [known, isNew] = stage.remoteDevices.try_emplace(level.status.identity.device, false);
+    std::unique_ptr<OpenFolder> folder;
+    VolumeFacts volume;
+    if (isNew && FileSystem::sharedInstance().openFolder(level.path, folder) == 0 &&
+        folder->volume(volume) == 0)
+        known->second = volume.isRemote;
+    return known->second;
+}
+
+std::vector<std::string> ReadItemsIntoDatabaseStage::FolderWalk::nextFolders(Level& level) const {
+    std::vector<std::string> paths;
+    std::size_t& at = level.nextAhead;
+    for (at = level.next; at < level.entries.size() && paths.size() + 1 < foldersAtATime; ++at) {
+        const FolderEntry entry = level.entries[at];
+        if (entry.kind != FileStatus::Kind::folder || isHidden(entry, level))
+            continue;
+        std::string path = joinedPath(level.path, entry.name);
+        const bool isEntered =
+            !(stage.nested && stage.nested->contains(path)) &&
+            !(!selection.excludes.empty() &&
+              selection.isExcluded({std::string_view(path).substr(lengthOfGiven), true})) &&
+            !FileManager::instance().isBundleFolder(path, FolderEntries());
+        if (isEntered)
+            paths.push_back(std::move(path));
+    }
+    return paths;
+}
+
 int ReadItemsIntoDatabaseStage::FolderWalk::read(Level& level) {
     std::unique_ptr<OpenFolder> folder;
     if (const int error = FileSystem::sharedInstance().openFolder(level.path, folder))
@@ -528,7 +588,7 @@ void ReadItemsIntoDatabaseStage::FolderWalk::readFolderEntry(const FolderEntry& 
     std::optional<Level> below;
     const bool isBundleByName = files.isBundleFolder(path, FolderEntries());
     if (!isLeftOut && !isBundleByName && entry.kind == FileStatus::Kind::folder && mayGoDeeper())
-        below = listed(path);
+        below = listedAhead(path);
     if (below && below->error == 0 ? files.isBundleFolder(path, below->entries)
                                    : files.isBundleFolder(path)) {
         // The source item decides, not the bundle.

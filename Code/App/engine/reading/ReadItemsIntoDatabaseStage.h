@@ -85,6 +85,7 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     std::string lastFolderChecked;     ///< for `liesInExcluded`
     bool lastFolderIsExcluded = false;
     int rowsMade = 0;
+    std::map<std::uint32_t, bool> remoteDevices; ///< which are, of those met
     Place lastParentFolder;
     std::string lastParentFolderPath;
     std::optional<FolderAliases> aliases; ///< made when the first item is read
