@@ -53,6 +53,7 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
         FolderEntries entries;
         std::size_t next = 0;
         HiddenNames hidden;
+        bool isRemote = false;
         int error = 0;                         ///< why it could not be listed: an errno value
         FileStatus status;                     ///< from before the entries were listed
         std::vector<std::size_t> notOnTheList; ///< entries that were given no row
@@ -64,14 +65,13 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
     void enter(Level level, RowId row);
     /// A folder with all that a listing tells of it. Of a remote disk the next ones are listed side by side.
     [[nodiscard]] Level listedAhead(const std::string& path);
-    [[nodiscard]] bool isRemote(const Level& level);
     /// The folders among the next entries that the walk is sure to enter, at most as many as are listed at a
     /// time.
     [[nodiscard]] std::vector<std::string> nextFolders(Level& level) const;
-    /// Any thread.
-    [[nodiscard]] static Level listed(std::string path);
+    /// One by itself. `volumes` tells whether its disk is remote; without them, on any thread, it is.
+    [[nodiscard]] static Level listed(std::string path, KnownVolumes* volumes);
     /// 0 or an errno value.
-    static int read(Level& level);
+    static int read(Level& level, KnownVolumes* volumes);
     [[nodiscard]] bool isInsideItself(const Level& level) const;
     void readNextEntry();
     void readFileEntry(const FolderEntry& entry);
@@ -114,7 +114,7 @@ bool ReadItemsIntoDatabaseStage::process() {
     lastParentFolderPath.clear();
     aliases.reset();
     leftOut.clear();
-    remoteDevices.clear();
+    volumes = {};
     report.describe("start processing..");
     report.indeterminate(true);
     if (progress)
@@ -392,7 +392,7 @@ void ReadItemsIntoDatabaseStage::tellWhatWasLeftOut() {
 }
 
 bool ReadItemsIntoDatabaseStage::FolderWalk::run(const std::string& sourcePath) {
-    enter(listed(sourcePath), noRow);
+    enter(listed(sourcePath, &stage.volumes), noRow);
     if (levels.empty())
         return false;
     while (!levels.empty())
@@ -441,40 +441,31 @@ void ReadItemsIntoDatabaseStage::FolderWalk::enter(Level level, RowId row) {
 }
 
 ReadItemsIntoDatabaseStage::FolderWalk::Level
-ReadItemsIntoDatabaseStage::FolderWalk::listed(std::string path) {
+ReadItemsIntoDatabaseStage::FolderWalk::listed(std::string path, KnownVolumes* volumes) {
     Level level;
     level.path = std::move(path);
-    level.error = read(level);
+    level.error = read(level, volumes);
     return level;
 }
 
 ReadItemsIntoDatabaseStage::FolderWalk::Level
 ReadItemsIntoDatabaseStage::FolderWalk::listedAhead(const std::string& path) {
     Level& above = levels.back();
-    if (above.next > above.nextAhead && isRemote(above)) {
+    if (above.isRemote && above.next > above.nextAhead) {
         std::vector<std::string> paths = nextFolders(above);
         paths.push_back(path);
         std::vector<Level> found(paths.size());
-        inParallel(paths.size(), foldersAtATime, [&](std::size_t at) { found[at] = listed(paths[at]); });
+        inParallel(paths.size(), foldersAtATime,
+                   [&](std::size_t at) { found[at] = listed(paths[at], nullptr); });
         std::erase_if(found, [](const Level& level) { return level.error != 0; });
         above.ahead = std::move(found);
     }
     const auto known = std::ranges::find(above.ahead, path, &Level::path);
     if (known == above.ahead.end())
-        return listed(path); // so is one for which there were too many at a time
+        return listed(path, &stage.volumes); // so is one for which there were too many at a time
     Level level = std::move(*known);
     above.ahead.erase(known);
     return level;
-}
-
-bool ReadItemsIntoDatabaseStage::FolderWalk::isRemote(const Level& level) {
-    const auto [known, isNew] = stage.remoteDevices.try_emplace(level.status.identity.device, false);
-    std::unique_ptr<OpenFolder> folder;
-    VolumeFacts volume;
-    if (isNew && FileSystem::sharedInstance().openFolder(level.path, folder) == 0 &&
-        folder->volume(volume) == 0)
-        known->second = volume.isRemote;
-    return known->second;
 }
 
 std::vector<std::string> ReadItemsIntoDatabaseStage::FolderWalk::nextFolders(Level& level) const {
@@ -496,13 +487,14 @@ std::vector<std::string> ReadItemsIntoDatabaseStage::FolderWalk::nextFolders(Lev
     return paths;
 }
 
-int ReadItemsIntoDatabaseStage::FolderWalk::read(Level& level) {
+int ReadItemsIntoDatabaseStage::FolderWalk::read(Level& level, KnownVolumes* volumes) {
     std::unique_ptr<OpenFolder> folder;
     if (const int error = FileSystem::sharedInstance().openFolder(level.path, folder))
         return error;
     if (const int error = folder->status(".", level.status))
         return error;
     level.place.identity = level.status.identity;
+    level.isRemote = volumes == nullptr || volumes->of(*folder, level.status.identity).isRemote;
     if (const int error = folder->entries(level.entries))
         return error;
     if (level.entries.contains(".hidden"))

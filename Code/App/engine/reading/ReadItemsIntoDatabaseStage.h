@@ -5,6 +5,7 @@
 #include "engine/reading/ItemSelection.h"
 #include "engine/reading/NestedItems.h"
 #include "platform/files/FileSystem.h"
+#include "platform/files/KnownVolumes.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/SmallEntities.h"
 #include "store/rows/NodeRow.h"
@@ -85,7 +86,7 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     std::string lastFolderChecked;     ///< for `liesInExcluded`
     bool lastFolderIsExcluded = false;
     int rowsMade = 0;
-    std::map<std::uint32_t, bool> remoteDevices; ///< which are, of those met
+    KnownVolumes volumes;
     Place lastParentFolder;
     std::string lastParentFolderPath;
     std::optional<FolderAliases> aliases; ///< made when the first item is read
