@@ -80,6 +80,7 @@ ExitStatus rename(Session& session, const RenameOptions& options) {
 ExitStatus runRenameCommand(const RenameOptions& options) {
     Session session(options.run);
     prepare(session, options);
+    session.showNoProblems();
     session.preview();
     return rename(session, options);
 }

@@ -184,6 +184,8 @@ void Session::stopAtProblems() {
                                           settingKey::onConflict);
 }
 
+void Session::showNoProblems() { controller->renameEngine().setShowsProblems(false); }
+
 void Session::giveNames(GivenNames names) { controller->renameEngine().giveNames(std::move(names)); }
 
 void Session::preview() {

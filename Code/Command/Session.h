@@ -48,6 +48,8 @@ class Session {
     void beInteractive();
     /// Prints each item as soon as it is renamed.
     void printRenames(bool endsWithNull);
+    /// What a rename will be refused is of no interest before it, where it decides nothing.
+    void showNoProblems();
     /// Nothing is renamed while any name has a problem, and none is made distinct.
     void stopAtProblems();
     /// The names of the next preview, and of the rename behind it, instead of those of the recipe.

@@ -161,6 +161,7 @@ TEST_F(ComputeNamesTest, SortingDataIsReadOncePerRow) {
     host.add({folder.write("f", "12345"), folder.path("d"), folder.write("gone")});
     folder.remove("gone");
     host.set("accurateFolderSize", 1);
+    setSteps(host, "Produce numbered list sortingMode=6");
     host.preview();
     StoreContext context(*host.persistentStoreCoordinator(), StoreContext::MergePolicy::storeWins);
     const auto rowOf = [&](const char* name) {
@@ -184,6 +185,76 @@ TEST_F(ComputeNamesTest, SortingDataIsReadOncePerRow) {
     EXPECT_EQ(rowOf("f").size, 5U) << "what has its values is not read again";
     EXPECT_EQ(rowOf("e").size, 0U);
     EXPECT_EQ(rowOf("g.jpg").exif, 0.0);
+}
+
+/// Of an image: "s" its status, "t" the moment it was taken; of a folder: "f" the size of what is in it. A
+/// preview of other steps comes first, which may have left values to be read. When they are read changes no
+/// name.
+TEST(ComputeNames, ValuesAreReadWhenTheyAreWanted) {
+    struct Case {
+        const char *steps, *settings, *wanted;
+    };
+    const Case cases[] = {
+        {"Make lowercase", "", ""},
+        {"Produce numbered list sortingMode=10; Rename to date mode=2", "", ""},
+        {"Produce numbered list sortingMode=0 sortingMode2=2", "", "s"},
+        {"Produce numbered list sortingMode=3", "", "s"},
+        {"Produce numbered list sortingMode=7", "", "sf"},
+        {"Produce numbered list sortingMode=7", "accurateFolderSize=0", "sf"},
+        {"Make lowercase; Produce numbered list sortingMode=6 sortingMode2=8", "", "stf"},
+        {"Produce numbered list sortingMode=9 active=0", "", "st"},
+        {"Produce numbered list sortingMode=9", "retrieveEXIFInformation=0", "st"},
+        {"Add tag to end pattern=<ModDateDay>", "", "s"},
+        {"Add tag to end pattern=x<CreationDateDay><ShootingDateDay>", "", "st"},
+        {"Add tag to end pattern=<ShootingDateDay> active=0", "", ""},
+        {"Make lowercase", "conflictResolutionOrder2=3", ""},
+        {"Completely rename newName=x", "conflictResolutionOrder1=2 conflictResolutionOrder2=0", "s"},
+        {"Completely rename newName=x fragmentSelection=0", "conflictResolutionOrder1=8", "st"},
+        {"Make lowercase", "onConflict=1", "s"},
+    };
+    std::map<std::string, std::vector<std::string>> names;
+    for (const bool showsProblems : {false, true})
+        for (const auto& [steps, settings, wanted] : cases) {
+            SCOPED_TRACE(fmt::format("{}, {}, {}", steps, settings, showsProblems));
+            RenameBench bench;
+            bench.make({"t/i.jpg", "t/j.jpg", "t/d/x"});
+            const auto written = [&](const char* name) {
+                return std::filesystem::path(bench.folder.path(name));
+            };
+            std::filesystem::last_write_time(written("t/j.jpg"),
+                                             last_write_time(written("t/i.jpg")) - std::chrono::hours(1));
+            bench.host.engine.setShowsProblems(showsProblems);
+            bench.host.add({bench.folder.path("t")});
+            setAll(bench.host, "accurateFolderSize=1 retrieveEXIFInformation=1");
+            setAll(bench.host, settings);
+            FailingFileSystem disk;
+            std::size_t looks = 0;
+            disk.before = [&](const FileEvent& event) {
+                looks += event.call == FileCall::status && event.name == "i.jpg" ? 1 : 0;
+                return 0;
+            };
+            for (const char* each : {"Make uppercase", steps, steps}) {
+                setSteps(bench.host, each);
+                bench.host.preview();
+            }
+            StoreContext context(*bench.host.persistentStoreCoordinator(),
+                                 StoreContext::MergePolicy::storeWins);
+            const RowValues image = context.row(context.fileWithPath(bench.folder.path("t/i.jpg"))).loaded;
+            const RowValues inner = context.row(context.fileWithPath(bench.folder.path("t/d"))).loaded;
+            std::string loaded;
+            for (const auto& [set, value, letter] : {std::tuple(image, RowValues::ofStatus, 's'),
+                                                     {image, RowValues::shootingDate, 't'},
+                                                     {inner, RowValues::folderSize, 'f'}})
+                if (holds(set, value))
+                    loaded += letter;
+            EXPECT_EQ(bench.shown(),
+                      names.try_emplace(fmt::format("{} {}", steps, settings), bench.shown()).first->second);
+            const std::string_view seen = wanted;
+            EXPECT_EQ(loaded, showsProblems && seen.empty() ? "s" : wanted);
+            if (!showsProblems && *settings == '\0' && !seen.ends_with('f')) {
+                EXPECT_EQ(looks, seen.empty() ? 0U : 1U);
+            }
+        }
 }
 
 /// A list of 2500 rows, so that every pass needs more than one batch, on both kinds of store.
@@ -241,7 +312,7 @@ class SortedRanksTest : public ::testing::TestWithParam<std::size_t> {
             row.crDate = one(1e9, 2e9, 2e9 + 1e-4);
             row.exif = one(0.0, -63114076800.0, 7e8);
             row.size = one(0U, 9U, 10U, 1U << 31);
-            row.sortingInformationLoaded = true;
+            row.loaded = RowValues::all;
         }
         context.commit();
         for (const RowId row : context.fetch({FetchEntity::file, {}, {{NodeKey::random, true}}, 0}))
@@ -338,6 +409,7 @@ struct ConflictBench : StageBench {
             context.setFinalName(id, text::fromBytes(names.substr(arrow + 1)));
             context.change(id).diff = names.substr(0, arrow) != names.substr(arrow + 1);
             context.change(id).modDate = date++;
+            context.change(id).loaded = RowValues::all;
         }
         context.changeEngineControl().needToRedoConflictResolution = true;
         context.commit();

@@ -229,8 +229,8 @@ TEST(EngineEndTest, AWorkerThatWaitsForTheMainThreadIsFreed) {
     EngineTestHost host;
     host.add({folder.write("a")});
     host.engine.processPreviewPipeline(host.progress);
-    // Nobody runs the loop, so the run comes to stand where it asks for the list of actions; the test ends.
-    ASSERT_TRUE(log.waitFor("Computing new file names...", 1));
+    // Nobody runs the loop, so the run comes to stand where it asks what the actions need; the test ends.
+    ASSERT_TRUE(log.waitFor("Retrieving sorting information...", 1));
 }
 
 TEST(QuestionTest, IsAlwaysAnswered) {

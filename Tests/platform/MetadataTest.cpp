@@ -3,6 +3,7 @@
 #include "common/Testing.h"
 #include "platform/desktop/ResourceFolder.h"
 #include "platform/files/Descriptor.h"
+#include "platform/files/FolderEntries.h"
 #include "platform/metadata/ExifHelper.h"
 #include "platform/metadata/FileManager.h"
 #include "platform/metadata/MetadataTool.h"
@@ -330,6 +331,11 @@ TEST_F(FileManagerTest, TellsFilesFoldersAndBundlesApart) {
                                   (manager.isFolder(path) ? "D" : "") + (manager.isBundle(path) ? "B" : "") +
                                   (manager.folderIsLikelyToBeABundle(path) ? "L" : "");
         EXPECT_EQ(found, expected) << name;
+        FolderEntries entries;
+        std::unique_ptr<OpenFolder> opened;
+        if (FileSystem::sharedInstance().openFolder(path, opened) == 0 && opened->entries(entries) == 0) {
+            EXPECT_EQ(manager.isBundleFolder(path, entries), manager.isBundleFolder(path)) << name;
+        }
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/BaseAction.h"
+#include "store/rows/RowValues.h"
 
 #include <span>
 #include <string>
@@ -37,6 +38,8 @@ class BaseRenameAction : public BaseAction {
     [[nodiscard]] virtual bool hasLongParameterList() const { return false; }
     [[nodiscard]] virtual bool usesMiniButtons() const { return false; }
     [[nodiscard]] virtual bool usesTagLibrary() const { return false; }
+    /// What it will take from the rows of items, beside the order that it may want them in.
+    [[nodiscard]] virtual RowValues valuesNeeded() const { return RowValues::none; }
     /// The tags that its texts may hold, with their angle brackets; constants of the program. Empty where a
     /// text is taken as it is.
     [[nodiscard]] virtual std::vector<std::u16string_view> knownTags() const { return {}; }

@@ -25,6 +25,31 @@ TagText resolved(const TagPattern& pattern, const InputContext& input, OutputCon
     return resolved(pattern, file, output);
 }
 
+/// A file that has nothing, and remembers which dates were wanted.
+class AskedFile final : public TaggedFile {
+  public:
+    [[nodiscard]] std::optional<double> date(Date which) override {
+        asked |= RowValues::ofStatus;
+        if (which == Date::shooting)
+            asked |= RowValues::shootingDate;
+        return std::nullopt;
+    }
+    [[nodiscard]] const PropertyDictionary& tagDictionary() override { return nothing; }
+
+    RowValues asked = RowValues::none;
+
+  private:
+    const PropertyDictionary nothing;
+};
+
+RowValues valuesAskedFor(const TagPattern& pattern) {
+    AskedFile file;
+    for (const TagPattern::Piece& piece : pattern.pieces)
+        if (piece.tag)
+            static_cast<void>(piece.tag(file));
+    return file.asked;
+}
+
 /// Makes a text of a pattern of tags; a file that lacks a value keeps its name.
 class TagBasedAction final : public BaseRenameAction {
   public:
@@ -36,6 +61,9 @@ class TagBasedAction final : public BaseRenameAction {
     }
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
     [[nodiscard]] bool usesTagLibrary() const override { return true; }
+    [[nodiscard]] RowValues valuesNeeded() const override {
+        return valuesAskedFor(TagLibraryHelper::sharedInstance().compile(getParamString("pattern")));
+    }
     [[nodiscard]] std::vector<std::u16string_view> knownTags() const override {
         const auto& tags = TagLibraryHelper::sharedInstance().tagItemsByName();
         const auto names = std::views::keys(tags);

@@ -4,19 +4,24 @@
 #include "engine/renaming/RenameItem.h"
 #include "engine/renaming/RunFolders.h"
 #include "platform/files/FileSystem.h"
+#include "platform/processes/Parallel.h"
 #include "store/contexts/StoreContext.h"
 #include "support/values/Crc32.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace tavrin {
 
 namespace {
 
 constexpr std::size_t linesPerBlock = 65536;
+/// Of a remote disk, where they wait side by side.
+constexpr std::size_t foldersAtATime = 16;
 constexpr std::size_t bytesPerWrite = 256 * 1024;
 
 std::string bootId() {
@@ -47,6 +52,7 @@ std::string RunJournal::begin(StoreContext& context, const Predicate& planned, S
         }
     }
     folders.clear();
+    ahead.clear();
     openFolder.reset();
     return error == 0 ? std::string() : std::generic_category().message(error);
 }
@@ -71,7 +77,7 @@ void RunJournal::writePlan(StoreContext& context, const Predicate& planned, Stan
     // folder's path is right again by the time that its items come.
     RenameItem row(context);
     RecordedItem item;
-    context.forEach({FetchEntity::file, planned, {}, 0}, [&](RowId id) {
+    const auto write = [&](RowId id) {
         row.moveTo(id);
         item.newName = row.newComponent();
         if (item.newName.empty())
@@ -94,6 +100,16 @@ void RunJournal::writePlan(StoreContext& context, const Predicate& planned, Stan
         rows.add(id);
         runLine::print(item, text);
         endLine();
+    };
+    context.forEachPart({FetchEntity::file, planned, {}, 0}, [&](std::span<const RowId> part) {
+        std::size_t next = 0; // whose folder has not been thought of ahead
+        for (std::size_t at = 0; at < part.size(); ++at) {
+            if (isRemote && at >= next) {
+                ahead.clear();
+                next = at + lookAhead(context, part.subspan(at));
+            }
+            write(part[at]);
+        }
     });
     if (purpose.visitDone) {
         purpose.visitDone([this](const std::string& path, const RecordedItem& done) {
@@ -127,29 +143,60 @@ RunJournal::Folder RunJournal::folderAt(const std::string& path) {
         openFolder.reset();
         if (const auto known = folders.find(path); known != folders.end() && !known->second.inodesMayChange)
             return known->second;
-        static_cast<void>(FileSystem::sharedInstance().openFolder(path, openFolder));
+        if (!ahead.contains(path))
+            static_cast<void>(FileSystem::sharedInstance().openFolder(path, openFolder));
     }
     const auto [entry, isNew] =
         folders.try_emplace(path, Folder{static_cast<std::uint32_t>(folders.size()), false});
     if (!isNew)
         return entry->second;
+    FolderLook look;
+    if (auto seen = ahead.extract(path); !seen.empty())
+        look = std::move(seen.mapped());
+    else if (openFolder && openFolder->status(".", look.status) != 0)
+        look.status = {};
+    if (look.folder)
+        openFolder = std::move(look.folder);
     RecordedFolder line;
     line.number = entry->second.number;
     line.path = path;
-    FileStatus status;
-    if (openFolder && openFolder->status(".", status) == 0) {
-        line.identity = status.identity;
-        if (status.hasBirthTime)
-            line.birthTime = status.creationDate;
-    }
-    VolumeFacts volume;
-    if (openFolder && openFolder->volume(volume) == 0) {
+    line.identity = look.status.identity;
+    if (look.status.hasBirthTime)
+        line.birthTime = look.status.creationDate;
+    if (openFolder) {
+        const VolumeFacts& volume = volumes.of(*openFolder, look.status.identity);
         line.volume = volume.id;
         entry->second.inodesMayChange = volume.inodesMayChange;
+        isRemote = volume.isRemote;
     }
     runLine::print(line, text);
     endLine();
     return entry->second;
+}
+
+std::size_t RunJournal::lookAhead(StoreContext& context, std::span<const RowId> rows) {
+    std::vector<std::string> paths;
+    RowId last = noRow;
+    std::size_t count = 0;
+    for (; count < rows.size() && paths.size() < foldersAtATime; ++count) {
+        const RowId parent = context.row(rows[count]).parent;
+        if (parent == std::exchange(last, parent))
+            continue;
+        std::string path = context.fullPath(parent);
+        if (!folders.contains(path) && std::ranges::find(paths, path) == paths.end())
+            paths.push_back(std::move(path));
+    }
+    std::vector<FolderLook> looks(paths.size());
+    inParallel(paths.size(), foldersAtATime, [&](std::size_t at) {
+        FolderLook& look = looks[at];
+        if (FileSystem::sharedInstance().openFolder(paths[at], look.folder) != 0 ||
+            look.folder->status(".", look.status) != 0)
+            look.folder.reset();
+    });
+    for (std::size_t at = 0; at < paths.size(); ++at)
+        if (looks[at].folder)
+            ahead.emplace(std::move(paths[at]), std::move(looks[at]));
+    return count;
 }
 
 void RunJournal::lookCloser(const Folder& folder, RecordedItem& item) {

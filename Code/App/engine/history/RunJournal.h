@@ -3,11 +3,13 @@
 #include "engine/history/RecordedRows.h"
 #include "engine/history/TakeBack.h"
 #include "platform/files/FileSystem.h"
+#include "platform/files/KnownVolumes.h"
 #include "store/queries/Predicate.h"
 
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -46,11 +48,19 @@ class RunJournal {
         bool inodesMayChange = false;
     };
 
+    /// The folder, held open, and what it is.
+    struct FolderLook {
+        std::unique_ptr<OpenFolder> folder;
+        FileStatus status;
+    };
+
     int makeFile();
     void writePlan(StoreContext& context, const Predicate& planned, StandIns& standIns,
                    const RunPurpose& purpose);
     void writeHeading(const RunPurpose& purpose);
     Folder folderAt(const std::string& path);
+    /// Looks at the next folders of these rows; how many of the rows were thought of.
+    std::size_t lookAhead(StoreContext& context, std::span<const RowId> rows);
     void lookCloser(const Folder& folder, RecordedItem& item);
     void endLine();
     void endBlock();
@@ -67,6 +77,9 @@ class RunJournal {
     std::uint32_t checksum = 0;
     int error = 0; ///< the first
     std::unordered_map<std::string, Folder> folders;
+    std::unordered_map<std::string, FolderLook> ahead; ///< looked at, and not yet come to
+    KnownVolumes volumes;
+    bool isRemote = false; ///< where the last folder lies
     std::string openPath;
     std::unique_ptr<OpenFolder> openFolder;
     RecordedRows rows;

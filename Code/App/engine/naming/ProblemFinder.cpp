@@ -73,7 +73,7 @@ NameProblem ProblemFinder::gatherMovers(RowId folder) {
             movers.push_back({.row = id,
                               .child = static_cast<std::uint32_t>(i),
                               .isLink = row.kind == FileStatus::Kind::link,
-                              .wasSeen = row.sortingInformationLoaded && !notes.wasLocked(id),
+                              .wasSeen = holds(row.loaded, RowValues::ofStatus) && !notes.wasLocked(id),
                               .isExact = row.hasExactName()});
             hasExact |= row.hasExactName();
             if (movers.size() == 1)

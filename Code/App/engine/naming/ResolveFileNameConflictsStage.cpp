@@ -4,6 +4,7 @@
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"
+#include "engine/reading/RowValueLoader.h"
 #include "engine/renaming/RenameEngineUtilities.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/Text.h"
@@ -114,6 +115,7 @@ void ResolveFileNameConflictsStage::takeSettings() {
         if (const auto descriptor = RenameEngineUtilities::sortDescriptorForMode(mode))
             sortDescriptors.push_back(*descriptor);
     }
+    valuesForOrder = RenameEngineUtilities::valuesFor(sortDescriptors);
 }
 
 void ResolveFileNameConflictsStage::processFolder(NameTable& names, ProblemFinder& problems, RowId folder) {
@@ -121,13 +123,27 @@ void ResolveFileNameConflictsStage::processFolder(NameTable& names, ProblemFinde
     std::size_t resolved = 0;
     if (resulting == ProblemFinder::Names::distinct) {
         names.read(children);
-        for (NameTable::Group& members : names.takeGroups()) {
+        std::vector<NameTable::Group> groups = names.takeGroups();
+        loadValuesForOrder(groups);
+        for (NameTable::Group& members : groups) {
             resolved += members.size();
             resolveGroup(names, std::move(members));
         }
     }
     countItems(children.size() - resolved);
-    problems.lookAt(folder, children, resulting);
+    if (engine.foreseesProblems(settings))
+        problems.lookAt(folder, children, resulting);
+}
+
+/// Of those alone who want one name.
+void ResolveFileNameConflictsStage::loadValuesForOrder(const std::vector<NameTable::Group>& groups) {
+    if (groups.empty() || valuesForOrder == RowValues::none)
+        return;
+    std::vector<RowId> rivals;
+    for (const NameTable::Group& members : groups)
+        rivals.insert(rivals.end(), members.begin(), members.end());
+    if (RowValueLoader(engine, *context, settings, progress).load(rivals, valuesForOrder) > 0)
+        context->commit(); // sorted is what is committed
 }
 
 void ResolveFileNameConflictsStage::resolveGroup(NameTable& names, std::vector<RowId> members) {

@@ -37,6 +37,7 @@ class ResolveFileNameConflictsStage final : public ProcessingStage {
   private:
     void takeSettings();
     void processFolder(NameTable& names, ProblemFinder& problems, RowId folder);
+    void loadValuesForOrder(const std::vector<std::vector<RowId>>& groups);
     void resolveGroup(NameTable& names, std::vector<RowId> members);
     [[nodiscard]] bool isApplicable(RowId id);
     [[nodiscard]] bool isGhost(RowId id);
@@ -56,6 +57,7 @@ class ResolveFileNameConflictsStage final : public ProcessingStage {
     bool processFolders = true;
     bool processSubfolders = false;
     std::vector<SortDescriptor> sortDescriptors;
+    RowValues valuesForOrder = RowValues::none;
 };
 
 } // namespace tavrin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "documents/Settings.h"
 #include "engine/history/RunHistory.h"
 #include "engine/naming/NamePins.h"
 #include "engine/naming/NamesBeforeStep.h"
@@ -57,6 +58,13 @@ class EngineState {
     /// Told of the renames of all runs to come; null for nobody. Not owned. Set while no run is under way.
     void setRenameObserver(RenameObserver* newObserver) { observer = newObserver; }
     [[nodiscard]] RenameObserver* renameObserver() const { return observer; }
+
+    /// Off where nobody sees new names before the run: what it will be refused is then foreseen only where
+    /// that decides about it. On at first; set before the first request.
+    void setShowsProblems(bool shows) { showsProblems = shows; }
+    [[nodiscard]] bool foreseesProblems(const Settings& ofRun) const {
+        return showsProblems || ofRun.conflictRule() != Settings::OnConflict::number;
+    }
 
     /// The next pass marker; the first is 2, after 99 comes 0.
     PassMarker nextStageFlagCounter();
@@ -141,6 +149,7 @@ class EngineState {
     ItemSelection itemSelection;
     RenameObserver* observer = nullptr;
     bool listFollows = true;
+    bool showsProblems = true;
     std::atomic<bool> stopRequested{false};
     std::atomic<bool> ending{false};
     std::atomic<bool> sessionEnds{false};

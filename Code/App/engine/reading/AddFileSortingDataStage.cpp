@@ -1,12 +1,14 @@
 #include "engine/reading/AddFileSortingDataStage.h"
 
+#include "actions/CompositeRenameAction.h"
+#include "actions/SortBasedAction.h"
 #include "engine/pipeline/EngineHost.h"
 #include "engine/pipeline/EngineState.h"
 #include "engine/pipeline/ProgressInfo.h"
-#include "engine/reading/FolderNotes.h"
-#include "engine/reading/SortingValues.h"
+#include "engine/reading/RowValueLoader.h"
+#include "engine/renaming/RenameEngineUtilities.h"
 #include "platform/metadata/FileManager.h"
-#include "platform/processes/Parallel.h"
+#include "platform/processes/RunLoop.h"
 #include "store/contexts/StoreContext.h"
 #include "support/text/KQStringUtilities.h"
 #include "support/text/PathParts.h"
@@ -14,6 +16,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <random>
 
 namespace tavrin {
@@ -21,9 +24,6 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t batchSize = 2000;
-/// A server answers them side by side; what they wait for is the way there.
-constexpr std::size_t looksAtATime = 16;
-constexpr std::size_t mostOfAShare = 25;
 
 } // namespace
 
@@ -36,96 +36,43 @@ bool AddFileSortingDataStage::process() {
     report.item(0);
     retrieveEXIFData = settings.shouldRetrieveEXIFInformation;
     sumFolders = settings.shouldCalculateAccurateFolderSize != 0;
-    const Predicate unread = Predicate::isFalse(NodeKey::sortingInformationLoaded);
-    report.numberOfItems(static_cast<std::int32_t>(context->count(FetchEntity::file, unread)));
+    const RowValues needed = valuesNeeded();
+    std::vector<RowId> rows;
+    if (needed != RowValues::none)
+        rows =
+            context->fetch({FetchEntity::file, Predicate::isFalse(NodeKey::sortingInformationLoaded), {}, 0});
+    report.numberOfItems(static_cast<std::int32_t>(rows.size()));
     report.indeterminate(false);
 
-    std::int32_t count = 0;
-    const FetchRequest request{FetchEntity::file, unread, {}, batchSize};
-    for (std::vector<RowId> batch; !(batch = context->fetch(request)).empty();) {
-        const std::vector<FileStatus> seen = look(batch);
-        for (std::size_t i = 0; i < batch.size(); ++i) {
-            report.describeItem([&] { return "Processing " + context->fullPath(batch[i]); });
-            addSortingData(batch[i], seen[i]);
-            report.item(++count);
-        }
-        report.describe("Sorting information for {} files was retrieved. Committing..", count);
+    RowValueLoader loader(engine, *context, settings, progress);
+    for (std::size_t first = 0; first < rows.size(); first += batchSize) {
+        const auto batch = std::span(rows).subspan(first, std::min(batchSize, rows.size() - first));
+        const std::size_t loaded = loader.load(batch, needed);
+        report.item(static_cast<std::int32_t>(first + batch.size()));
+        if (loaded == 0)
+            continue;
+        report.describe("Sorting information for {} files was retrieved. Committing..", first + batch.size());
         saveAndRefaultObjects();
     }
-    openFolder.reset();
     return true;
 }
 
-void AddFileSortingDataStage::addSortingData(RowId id, const FileStatus& seen) {
-    const std::string name(context->component(id));
-    FileStatus status = seen;
-    const SortingValues values(settings);
-    if (values.mustSum(status))
-        status.size = FileManager::instance().sizeForPath(context->fullPath(id), true);
-    engine.folderNotes().noteLocked(id, status.isLocked());
-    if (values.mayHaveShootingDate(status, name)) {
-        const double taken = FileManager::instance().fileEXIFDate(context->fullPath(id));
-        SortingValues::put(context->change(id), status, taken);
-    } else {
-        values.put(context->change(id), status);
-    }
-}
-
-std::vector<FileStatus> AddFileSortingDataStage::look(const std::vector<RowId>& items) {
-    openFolderOf(context->row(items.front()).parent);
-    VolumeFacts volume;
-    if (openFolder && openFolder->volume(volume) == 0 && volume.isRemote)
-        return lookInParallel(items);
-    std::vector<FileStatus> seen;
-    seen.reserve(items.size());
-    for (const RowId id : items)
-        seen.push_back(statusOf(context->row(id).parent, std::string(context->component(id))));
-    return seen;
-}
-
-std::vector<FileStatus> AddFileSortingDataStage::lookInParallel(const std::vector<RowId>& items) const {
-    struct Share {
-        std::string folder;
-        std::size_t first;
-        std::vector<std::string> names = {};
-    };
-    std::vector<Share> shares;
-    RowId lastParent = noRow;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        const RowId parent = context->row(items[i]).parent;
-        if (parent != lastParent || shares.back().names.size() == mostOfAShare)
-            shares.push_back({context->fullPath(parent), i});
-        lastParent = parent;
-        shares.back().names.emplace_back(context->component(items[i]));
-    }
-    std::vector<FileStatus> seen(items.size());
-    inParallel(shares.size(), looksAtATime, [&](std::size_t number) {
-        const Share& share = shares[number];
-        std::unique_ptr<OpenFolder> folder;
-        if (FileSystem::sharedInstance().openFolder(share.folder, folder) != 0)
-            return;
-        for (std::size_t i = 0; i < share.names.size(); ++i)
-            if (FileStatus status; folder->status(share.names[i], status) == 0)
-                seen[share.first + i] = status;
-    });
-    return seen;
-}
-
-void AddFileSortingDataStage::openFolderOf(RowId parent) {
-    if (parent == openParent)
-        return;
-    openParent = parent;
-    openFolder.reset();
-    if (FileSystem::sharedInstance().openFolder(context->fullPath(parent), openFolder) != 0)
-        openFolder.reset();
-}
-
-FileStatus AddFileSortingDataStage::statusOf(RowId parent, const std::string& name) {
-    openFolderOf(parent);
-    FileStatus status;
-    if (!openFolder || openFolder->status(name, status) != 0)
-        status = {};
-    return status;
+RowValues AddFileSortingDataStage::valuesNeeded() const {
+    using namespace RenameEngineUtilities;
+    // Locked items are foreseen by what was seen of them. Who wants one name is known only later, and looked
+    // at then.
+    RowValues needed = engine.foreseesProblems(settings) ? RowValues::ofStatus : RowValues::none;
+    EngineHost& host = engine.host();
+    static_cast<void>(host.runLoop().performAndWait([&] {
+        for (const auto& step : host.compositeAction().getActionDictionaryList()) {
+            if (step->isActive())
+                needed |= step->valuesNeeded();
+            // The list is shown in the order of the step in hand, active or not.
+            if (const auto* const sorted = dynamic_cast<const SortBasedAction*>(step.get()))
+                needed |= valuesFor(sortDescriptorsOf(*sorted));
+        }
+    }));
+    return needed;
 }
 
 PropertyValue AddFileSortingDataStage::getSortingValueForPath(const std::string& path, int andSetting) const {

@@ -1,17 +1,15 @@
 #pragma once
 
 #include "engine/pipeline/ProcessingStage.h"
-#include "platform/files/FileSystem.h"
 #include "store/rows/NodeRow.h"
 #include "support/values/PropertyValue.h"
 
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace tavrin {
 
-/// Gives each new row the values that the sort orders go by: dates, size, shooting date. Once per row.
+/// Gives the rows those values that the run goes by: dates, size, shooting date. Each once per row, when a
+/// step, the order of the list, or what is foreseen of the rename wants it for the first time.
 class AddFileSortingDataStage final : public ProcessingStage {
   public:
     explicit AddFileSortingDataStage(EngineState& owner) : ProcessingStage(owner) {}
@@ -30,20 +28,11 @@ class AddFileSortingDataStage final : public ProcessingStage {
     static std::string formatDate(double date);
 
   private:
-    void addSortingData(RowId id, const FileStatus& seen);
-    /// The status of each item, neutral where it cannot be reached; of a remote disk many are asked for at a
-    /// time.
-    [[nodiscard]] std::vector<FileStatus> look(const std::vector<RowId>& items);
-    [[nodiscard]] std::vector<FileStatus> lookInParallel(const std::vector<RowId>& items) const;
-    FileStatus statusOf(RowId parent, const std::string& name);
-    /// Has the folder open, if it can be opened.
-    void openFolderOf(RowId parent);
+    /// By the chain of the moment. One that is edited before its names are made is previewed once more.
+    [[nodiscard]] RowValues valuesNeeded() const;
 
     bool retrieveEXIFData = false;
     bool sumFolders = false;
-    /// The folder of the last item, held open because the next is likely to lie there too.
-    RowId openParent = noRow;
-    std::unique_ptr<OpenFolder> openFolder;
 };
 
 } // namespace tavrin

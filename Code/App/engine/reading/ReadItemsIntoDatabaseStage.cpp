@@ -6,6 +6,7 @@
 #include "engine/reading/SortingValues.h"
 #include "platform/files/FolderEntries.h"
 #include "platform/metadata/FileManager.h"
+#include "platform/processes/Parallel.h"
 #include "store/contexts/StoreContext.h"
 #include "store/sources/SourceItemManager.h"
 #include "support/application/DebugLog.h"
@@ -21,6 +22,8 @@ namespace tavrin {
 namespace {
 
 constexpr int rowsPerCommit = 5000;
+/// What listing a folder of a remote disk waits for is the way there and back.
+constexpr std::size_t foldersAtATime = 16;
 
 /// Nothing lies at a path.
 bool meansGone(int error) { return error == ENOENT || error == ENOTDIR; }
@@ -50,14 +53,25 @@ class ReadItemsIntoDatabaseStage::FolderWalk {
         FolderEntries entries;
         std::size_t next = 0;
         HiddenNames hidden;
+        bool isRemote = false;
+        int error = 0;                         ///< why it could not be listed: an errno value
         FileStatus status;                     ///< from before the entries were listed
         std::vector<std::size_t> notOnTheList; ///< entries that were given no row
+        std::vector<Level> ahead;              ///< folders in it that are listed, and not yet come to
+        std::size_t nextAhead = 0;             ///< the entry behind those that were thought of for that
     };
 
     /// `row` stands for the folder; none yet for a source item that has none of its own.
-    void enter(std::string path, RowId row);
+    void enter(Level level, RowId row);
+    /// A folder with all that a listing tells of it. Of a remote disk the next ones are listed side by side.
+    [[nodiscard]] Level listedAhead(const std::string& path);
+    /// The folders among the next entries that the walk is sure to enter, at most as many as are listed at a
+    /// time.
+    [[nodiscard]] std::vector<std::string> nextFolders(Level& level) const;
+    /// One by itself. `volumes` tells whether its disk is remote; without them, on any thread, it is.
+    [[nodiscard]] static Level listed(std::string path, KnownVolumes* volumes);
     /// 0 or an errno value.
-    int read(Level& level);
+    static int read(Level& level, KnownVolumes* volumes);
     [[nodiscard]] bool isInsideItself(const Level& level) const;
     void readNextEntry();
     void readFileEntry(const FolderEntry& entry);
@@ -100,6 +114,7 @@ bool ReadItemsIntoDatabaseStage::process() {
     lastParentFolderPath.clear();
     aliases.reset();
     leftOut.clear();
+    volumes = {};
     report.describe("start processing..");
     report.indeterminate(true);
     if (progress)
@@ -325,9 +340,8 @@ bool ReadItemsIntoDatabaseStage::createRootItem(const std::string& path, bool is
     const RowId row = createOneFile(lastParentFolder, parts.folder, parts.name, true, isFolder, seen);
     if (row == noRow)
         return false;
-    const SortingValues values(settings);
-    if (status.identity.isKnown() && values.areIn(status, parts.name)) {
-        values.put(context->change(row), status);
+    if (status.identity.isKnown()) {
+        SortingValues(settings).put(context->change(row), status, parts.name);
         engine.folderNotes().noteLocked(row, status.isLocked());
     }
     return true;
@@ -378,7 +392,7 @@ void ReadItemsIntoDatabaseStage::tellWhatWasLeftOut() {
 }
 
 bool ReadItemsIntoDatabaseStage::FolderWalk::run(const std::string& sourcePath) {
-    enter(sourcePath, noRow);
+    enter(listed(sourcePath, &stage.volumes), noRow);
     if (levels.empty())
         return false;
     while (!levels.empty())
@@ -404,12 +418,10 @@ void ReadItemsIntoDatabaseStage::FolderWalk::proceed() {
     levels.pop_back();
 }
 
-void ReadItemsIntoDatabaseStage::FolderWalk::enter(std::string path, RowId row) {
-    Level level;
-    level.path = std::move(path);
+void ReadItemsIntoDatabaseStage::FolderWalk::enter(Level level, RowId row) {
     level.place.row = row;
-    if (const int error = read(level))
-        report(std::generic_category().message(error), level.path);
+    if (level.error != 0)
+        report(std::generic_category().message(level.error), level.path);
     else if (isInsideItself(level))
         report("The folder lies inside itself.", level.path);
     else {
@@ -428,13 +440,61 @@ void ReadItemsIntoDatabaseStage::FolderWalk::enter(std::string path, RowId row) 
     }
 }
 
-int ReadItemsIntoDatabaseStage::FolderWalk::read(Level& level) {
+ReadItemsIntoDatabaseStage::FolderWalk::Level
+ReadItemsIntoDatabaseStage::FolderWalk::listed(std::string path, KnownVolumes* volumes) {
+    Level level;
+    level.path = std::move(path);
+    level.error = read(level, volumes);
+    return level;
+}
+
+ReadItemsIntoDatabaseStage::FolderWalk::Level
+ReadItemsIntoDatabaseStage::FolderWalk::listedAhead(const std::string& path) {
+    Level& above = levels.back();
+    if (above.isRemote && above.next > above.nextAhead) {
+        std::vector<std::string> paths = nextFolders(above);
+        paths.push_back(path);
+        std::vector<Level> found(paths.size());
+        inParallel(paths.size(), foldersAtATime,
+                   [&](std::size_t at) { found[at] = listed(paths[at], nullptr); });
+        std::erase_if(found, [](const Level& level) { return level.error != 0; });
+        above.ahead = std::move(found);
+    }
+    const auto known = std::ranges::find(above.ahead, path, &Level::path);
+    if (known == above.ahead.end())
+        return listed(path, &stage.volumes); // so is one for which there were too many at a time
+    Level level = std::move(*known);
+    above.ahead.erase(known);
+    return level;
+}
+
+std::vector<std::string> ReadItemsIntoDatabaseStage::FolderWalk::nextFolders(Level& level) const {
+    std::vector<std::string> paths;
+    std::size_t& at = level.nextAhead;
+    for (at = level.next; at < level.entries.size() && paths.size() + 1 < foldersAtATime; ++at) {
+        const FolderEntry entry = level.entries[at];
+        if (entry.kind != FileStatus::Kind::folder || isHidden(entry, level))
+            continue;
+        std::string path = joinedPath(level.path, entry.name);
+        const bool isEntered =
+            !(stage.nested && stage.nested->contains(path)) &&
+            !(!selection.excludes.empty() &&
+              selection.isExcluded({std::string_view(path).substr(lengthOfGiven), true})) &&
+            !FileManager::instance().isBundleFolder(path, FolderEntries());
+        if (isEntered)
+            paths.push_back(std::move(path));
+    }
+    return paths;
+}
+
+int ReadItemsIntoDatabaseStage::FolderWalk::read(Level& level, KnownVolumes* volumes) {
     std::unique_ptr<OpenFolder> folder;
     if (const int error = FileSystem::sharedInstance().openFolder(level.path, folder))
         return error;
     if (const int error = folder->status(".", level.status))
         return error;
     level.place.identity = level.status.identity;
+    level.isRemote = volumes == nullptr || volumes->of(*folder, level.status.identity).isRemote;
     if (const int error = folder->entries(level.entries))
         return error;
     if (level.entries.contains(".hidden"))
@@ -515,13 +575,20 @@ std::optional<FileStatus::Kind> ReadItemsIntoDatabaseStage::FolderWalk::kindOf(c
 
 void ReadItemsIntoDatabaseStage::FolderWalk::readFolderEntry(const FolderEntry& entry) {
     std::string path = joinedPath(levels.back().path, entry.name);
-    if (FileManager::instance().isBundleFolder(path)) {
+    const FileManager& files = FileManager::instance();
+    const bool isLeftOut = isExcluded(true);
+    std::optional<Level> below;
+    const bool isBundleByName = files.isBundleFolder(path, FolderEntries());
+    if (!isLeftOut && !isBundleByName && entry.kind == FileStatus::Kind::folder && mayGoDeeper())
+        below = listedAhead(path);
+    if (below && below->error == 0 ? files.isBundleFolder(path, below->entries)
+                                   : files.isBundleFolder(path)) {
         // The source item decides, not the bundle.
         if (!isSourceInvisible)
             readFileEntry(entry);
         return;
     }
-    if (isExcluded(true))
+    if (isLeftOut)
         return;
     RowId row = noRow;
     if (takesPart(entry, true)) {
@@ -529,8 +596,8 @@ void ReadItemsIntoDatabaseStage::FolderWalk::readFolderEntry(const FolderEntry& 
         if (row == noRow)
             return;
     }
-    if (entry.kind == FileStatus::Kind::folder && mayGoDeeper())
-        enter(std::move(path), row);
+    if (below)
+        enter(std::move(*below), row);
 }
 
 RowId ReadItemsIntoDatabaseStage::FolderWalk::createRow(const FolderEntry& entry, bool isFolder) {

@@ -5,6 +5,7 @@
 #include "engine/reading/ItemSelection.h"
 #include "engine/reading/NestedItems.h"
 #include "platform/files/FileSystem.h"
+#include "platform/files/KnownVolumes.h"
 #include "platform/metadata/FileManager.h"
 #include "store/contexts/SmallEntities.h"
 #include "store/rows/NodeRow.h"
@@ -85,6 +86,7 @@ class ReadItemsIntoDatabaseStage final : public ProcessingStage {
     std::string lastFolderChecked;     ///< for `liesInExcluded`
     bool lastFolderIsExcluded = false;
     int rowsMade = 0;
+    KnownVolumes volumes;
     Place lastParentFolder;
     std::string lastParentFolderPath;
     std::optional<FolderAliases> aliases; ///< made when the first item is read

@@ -17,30 +17,25 @@ class SortingValues {
         : readsShootingDates(settings.shouldRetrieveEXIFInformation),
           sumsFolders(settings.shouldCalculateAccurateFolderSize != 0) {}
 
-    /// The contents of this folder are its size.
-    [[nodiscard]] bool mustSum(const FileStatus& status) const {
-        return sumsFolders && status.kind == FileStatus::Kind::folder;
+    /// Puts in what a look has told. What must be read from the item itself stays to be loaded.
+    void put(NodeRow& row, const FileStatus& status, std::string_view name) const {
+        row.modDate = status.modificationDate;
+        row.crDate = status.creationDate;
+        row.exif = readsShootingDates ? FileManager::distantPast : 0.0;
+        row.size = status.size;
+        row.loaded = RowValues::all;
+        if (sumsFolders && status.kind == FileStatus::Kind::folder)
+            row.loaded = row.loaded - RowValues::folderSize;
+        if (mayHaveShootingDate(status, name))
+            row.loaded = row.loaded - RowValues::shootingDate;
     }
+
+  private:
     [[nodiscard]] bool mayHaveShootingDate(const FileStatus& status, std::string_view name) const {
         return readsShootingDates && status.kind == FileStatus::Kind::file && status.size > 0 &&
                ExifHelper::isImageName(name);
     }
-    /// Whether the status tells all of them.
-    [[nodiscard]] bool areIn(const FileStatus& status, std::string_view name) const {
-        return !mustSum(status) && !mayHaveShootingDate(status, name);
-    }
-    void put(NodeRow& row, const FileStatus& status) const {
-        put(row, status, readsShootingDates ? FileManager::distantPast : 0.0);
-    }
-    static void put(NodeRow& row, const FileStatus& status, double shootingDate) {
-        row.modDate = status.modificationDate;
-        row.crDate = status.creationDate;
-        row.exif = shootingDate;
-        row.size = status.size;
-        row.sortingInformationLoaded = true;
-    }
 
-  private:
     bool readsShootingDates;
     bool sumsFolders;
 };

@@ -47,6 +47,19 @@ std::optional<SortDescriptor> RenameEngineUtilities::sortDescriptorForMode(int m
     return sortModes[static_cast<std::size_t>(mode)];
 }
 
+RowValues RenameEngineUtilities::valuesFor(std::span<const SortDescriptor> order) {
+    RowValues values = RowValues::none;
+    for (const SortDescriptor& each : order) {
+        if (each.key == NodeKey::modDate || each.key == NodeKey::crDate)
+            values |= RowValues::ofStatus;
+        else if (each.key == NodeKey::size)
+            values |= RowValues::ofStatus | RowValues::folderSize;
+        else if (each.key == NodeKey::exif)
+            values |= RowValues::ofStatus | RowValues::shootingDate;
+    }
+    return values;
+}
+
 std::vector<SortDescriptor> RenameEngineUtilities::sortDescriptorsOf(const SortBasedAction& action) {
     std::vector<SortDescriptor> order;
     for (const std::int32_t mode : {action.getSortingMode(), action.getSortingMode2()}) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "store/queries/Predicate.h"
+#include "store/rows/RowValues.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,8 @@ namespace RenameEngineUtilities {
 
 /// The sort order of a sorting mode, 0 to 13; absent for any other.
 [[nodiscard]] std::optional<SortDescriptor> sortDescriptorForMode(int mode);
+/// What has to be known of rows to sort them.
+[[nodiscard]] RowValues valuesFor(std::span<const SortDescriptor> order);
 /// The order in which an action wants the rows: by its first mode, then by its second.
 [[nodiscard]] std::vector<SortDescriptor> sortDescriptorsOf(const SortBasedAction& action);
 

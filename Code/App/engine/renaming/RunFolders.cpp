@@ -110,7 +110,7 @@ void RunFolders::open(Place& place, RowId row, const std::string& path, const Fi
         return;
     }
     if (order == Order::byFolder)
-        place.isRemote = place.volume().isRemote;
+        place.isRemote = volumes.of(*place.folder, place.identity).isRemote;
     if (place.isRemote)
         place.folder = std::make_unique<AnsweredFolder>(std::move(place.folder), *this, row);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/files/FileSystem.h"
+#include "platform/files/KnownVolumes.h"
 #include "store/rows/NodeRow.h"
 
 #include <cstddef>
@@ -61,6 +62,7 @@ class RunFolders {
     FileSystem& fileSystem;
     const Order order;
     const std::size_t mostOpen;
+    KnownVolumes volumes;
     std::unordered_map<RowId, Place> places;
     std::unordered_map<RowId, std::unordered_map<std::string, Answer>> answers;
 };

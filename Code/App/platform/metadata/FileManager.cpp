@@ -114,6 +114,15 @@ bool isFolderOnDisk(const std::string& path) {
            status.kind == FileStatus::Kind::folder;
 }
 
+std::string withoutSlash(const std::string& path) { return path.substr(0, path.find_last_not_of('/') + 1); }
+
+/// The same letters, capital or small.
+bool isAsciiForm(std::string_view name, std::string_view lowercase) {
+    return std::equal(name.begin(), name.end(), lowercase.begin(), lowercase.end(), [](char c, char wanted) {
+        return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) == wanted;
+    });
+}
+
 /// Whether the folder is an application folder: a program AppRun beside its description.
 bool holdsLauncher(const std::string& folder) {
     if (!exists(folder + "/AppRun"))
@@ -143,8 +152,16 @@ bool FileManager::isBundle(const std::string& path) const {
 }
 
 bool FileManager::isBundleFolder(const std::string& path) const {
-    const std::string folder = path.substr(0, path.find_last_not_of('/') + 1);
+    const std::string folder = withoutSlash(path);
     return hasBundleSuffix(folder) || exists(folder + "/Contents/Info.plist") || holdsLauncher(folder);
+}
+
+bool FileManager::isBundleFolder(const std::string& path, const FolderEntries& entries) const {
+    // Where names that differ in case are one, each form of these is found.
+    for (const FolderEntry entry : entries)
+        if (isAsciiForm(entry.name, "contents") || isAsciiForm(entry.name, "apprun"))
+            return isBundleFolder(path);
+    return hasBundleSuffix(withoutSlash(path));
 }
 
 bool FileManager::folderIsLikelyToBeABundle(const std::string& path) const {

@@ -14,6 +14,8 @@
 
 namespace tavrin {
 
+class FolderEntries;
+
 /// The names that a folder's ".hidden" file lists, one a line, as they were when this object was made.
 class HiddenNames {
   public:
@@ -52,6 +54,8 @@ class FileManager {
     /// The same for a path that is known to be a folder: two file-system calls at most, unless there is an
     /// AppRun.
     bool isBundleFolder(const std::string& path) const;
+    /// The same by what a listing of the folder has shown: most need no call then.
+    bool isBundleFolder(const std::string& path, const FolderEntries& entries) const;
     bool folderIsLikelyToBeABundle(const std::string& path) const;
     /// The name begins with "." or is listed in its folder's ".hidden"; false for a missing path. The list is
     /// kept for a second while paths of the same folder are asked for; a walker takes HiddenNames itself.

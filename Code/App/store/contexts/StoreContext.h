@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,6 +58,8 @@ class StoreContext {
     /// Visits the matching rows by ascending id, without holding them all. Nothing that the visitor
     /// does changes which rows match.
     void forEach(const FetchRequest& request, const std::function<void(RowId)>& visit);
+    /// The same, some thousands at a time.
+    void forEachPart(const FetchRequest& request, const std::function<void(std::span<const RowId>)>& visit);
     std::size_t count(FetchEntity entity, const Predicate& predicate);
     /// Goes up whenever the fetch may give other rows, or in another order.
     [[nodiscard]] std::uint64_t versionOf(const FetchRequest& request);

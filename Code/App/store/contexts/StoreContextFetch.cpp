@@ -36,6 +36,11 @@ std::vector<RowId> StoreContext::fetch(const FetchRequest& request) {
 }
 
 void StoreContext::forEach(const FetchRequest& request, const std::function<void(RowId)>& visit) {
+    forEachPart(request, [&visit](std::span<const RowId> rows) { std::ranges::for_each(rows, visit); });
+}
+
+void StoreContext::forEachPart(const FetchRequest& request,
+                               const std::function<void(std::span<const RowId>)>& visit) {
     FetchRequest part = request;
     part.limit = visitedAtATime;
     std::vector<RowId> rows;
@@ -43,8 +48,7 @@ void StoreContext::forEach(const FetchRequest& request, const std::function<void
     do {
         rows.clear();
         next = impl->scan(part, next, ~RowId{0}, rows);
-        for (const RowId row : rows)
-            visit(row);
+        visit(rows);
     } while (rows.size() == part.limit);
 }
 

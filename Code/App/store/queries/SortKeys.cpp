@@ -40,6 +40,8 @@ std::uint64_t ordered(NameProblem value) {
 
 std::uint64_t ordered(NamedBy value) { return static_cast<std::uint8_t>(value); }
 
+std::uint64_t ordered(RowValues value) { return static_cast<std::uint8_t>(value); }
+
 /// SplitMix64, a bijection that scatters consecutive numbers.
 std::uint64_t scatter(std::uint64_t value) {
     value += 0x9E3779B97F4A7C15u;

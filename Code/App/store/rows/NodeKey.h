@@ -23,7 +23,7 @@ enum class NodeKey : std::uint8_t {
     treatAsFolder,
     root,
     diff,
-    sortingInformationLoaded,
+    sortingInformationLoaded, ///< all of them
     depth,
     canBeRenamedIndependently,
     mustBeSwapped,
@@ -44,9 +44,10 @@ enum class NodeKey : std::uint8_t {
 enum class ColumnClass : std::uint8_t { none = 0, sort = 1, filter = 2, naming = 4, plan = 8 };
 
 /// Where an attribute lies in the row; nowhere for what is derived from names, folder and id.
-using NodeMember = std::variant<std::monostate, bool NodeRow::*, std::uint16_t NodeRow::*,
-                                std::int32_t NodeRow::*, std::uint32_t NodeRow::*, std::uint64_t NodeRow::*,
-                                double NodeRow::*, NameProblem NodeRow::*, NamedBy NodeRow::*>;
+using NodeMember =
+    std::variant<std::monostate, bool NodeRow::*, std::uint16_t NodeRow::*, std::int32_t NodeRow::*,
+                 std::uint32_t NodeRow::*, std::uint64_t NodeRow::*, double NodeRow::*,
+                 NameProblem NodeRow::*, NamedBy NodeRow::*, RowValues NodeRow::*>;
 
 /// All that is known of an attribute: sorting, filtering and committing read this table.
 struct NodeAttribute {
@@ -69,7 +70,7 @@ inline constexpr std::array nodeAttributes{
                   rowSummary::treatAsFolder},
     NodeAttribute{NodeKey::root, ColumnClass::filter, &NodeRow::root, rowSummary::root},
     NodeAttribute{NodeKey::diff, ColumnClass::naming, &NodeRow::diff, rowSummary::diff},
-    NodeAttribute{NodeKey::sortingInformationLoaded, ColumnClass::none, &NodeRow::sortingInformationLoaded,
+    NodeAttribute{NodeKey::sortingInformationLoaded, ColumnClass::none, &NodeRow::loaded,
                   rowSummary::sortingInformationLoaded},
     NodeAttribute{NodeKey::depth, ColumnClass::plan, &NodeRow::depth},
     NodeAttribute{NodeKey::canBeRenamedIndependently, ColumnClass::plan, &NodeRow::canBeRenamedIndependently},

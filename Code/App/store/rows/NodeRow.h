@@ -2,6 +2,7 @@
 
 #include "platform/files/FileStatus.h"
 #include "store/rows/NameProblem.h"
+#include "store/rows/RowValues.h"
 
 #include <cstdint>
 
@@ -51,8 +52,8 @@ struct NodeRow {
     bool treatAsFolder = false;
     bool root = false;
     bool diff = false;
-    bool madeDistinct = false; ///< the final name was changed so that no other item has it
-    bool sortingInformationLoaded = false;
+    bool madeDistinct = false;          ///< the final name was changed so that no other item has it
+    RowValues loaded = RowValues::none; ///< which of the values that cost a look are there
     bool canBeRenamedIndependently = true;
     bool mustBeSwapped = false;
     NamedBy namedBy = NamedBy::steps;
@@ -92,7 +93,7 @@ constexpr std::uint8_t of(const NodeRow& row) {
     return static_cast<std::uint8_t>(
         (row.entity == NodeEntity::file ? isFile : isGhostNode) | (row.treatAsFolder ? treatAsFolder : 0) |
         (row.root ? root : 0) | (row.diff ? diff : 0) |
-        (row.sortingInformationLoaded ? sortingInformationLoaded : 0) |
+        (row.loaded == RowValues::all ? sortingInformationLoaded : 0) |
         (row.problem != NameProblem::none ? problem : 0) | (row.isLeftOut() ? leftOut : 0));
 }
 } // namespace rowSummary
