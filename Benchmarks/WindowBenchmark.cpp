@@ -16,6 +16,7 @@
 #include "presentation/history/RunTable.h"
 #include "presentation/preview/PreviewPane.h"
 #include "presentation/preview/PreviewTableModel.h"
+#include "presentation/start/FileAddress.h"
 #include "shell/MainController.h"
 #include "support/text/Text.h"
 
@@ -34,7 +35,6 @@
 #include <QScrollBar>
 #include <QTableView>
 #include <QTimer>
-#include <QUrl>
 #include <clocale>
 #include <cstdio>
 #include <ctime>
@@ -260,11 +260,11 @@ class WindowBenchmark {
         controller().clearList();
         controller().globalSettings().setValue(1, settingKey::processSubfolders);
         rest();
-        QList<QUrl> places;
+        QByteArray addresses;
         for (const std::string& path : dropped)
-            places.append(QUrl::fromLocalFile(QString::fromStdString(path)));
+            addresses += FileAddress::ofPath(path) + "\r\n";
         QMimeData content;
-        content.setUrls(places);
+        content.setData("text/uri-list", addresses);
         QDropEvent drop({10, 10}, Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
         PaintedRows painted(*table, static_cast<int>(paths.size()));
         step(name, [&] { static_cast<QObject&>(application->window()).event(&drop); });
