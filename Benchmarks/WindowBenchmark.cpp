@@ -124,10 +124,10 @@ class PaintedRows final : public QObject {
   private:
     static constexpr int firstRows = 50;
 
-    /// Of all rows each hundredth is looked at.
+    /// Of all rows some are looked at.
     [[nodiscard]] bool haveNewNames(int from, int to) const {
         const QAbstractItemModel& rows = *table.model();
-        const int distance = to > firstRows ? 100 : 1;
+        const int distance = std::max(1, (to - from) / firstRows);
         for (int row = from; row < to; row += distance)
             if (rows.index(row, PreviewTableModel::newName).data() ==
                 rows.index(row, PreviewTableModel::currentName).data())

@@ -100,6 +100,7 @@ bool ReadItemsIntoDatabaseStage::process() {
     lastParentFolderPath.clear();
     aliases.reset();
     leftOut.clear();
+    engine.setFirstNewRow(context->endOfRows());
     report.describe("start processing..");
     report.indeterminate(true);
     if (progress)
