@@ -53,6 +53,8 @@ class ScriptedFrontEnd : public FrontEnd {
     bool isTerminated = false;
     /// Called at the end of each preview, and when the application ends.
     std::function<void()> onProgress = [] {};
+    /// Called where a window would look at the list anew.
+    std::function<void()> onListChanged = [] {};
     /// Told of every divider position, as a window that reports its own moves would be.
     std::function<void(double)> onDividerMoved = [](double) {};
 
@@ -122,6 +124,7 @@ class ScriptedFrontEnd : public FrontEnd {
         note("previewTab " + std::to_string(static_cast<int>(tab)));
     }
     void setColumnHidden(PreviewColumn column, bool isHidden) override { hiddenColumns[column] = isHidden; }
+    void previewListChanged() override { onListChanged(); }
     void previewFinished() override {
         ++finishedPreviews;
         onProgress();

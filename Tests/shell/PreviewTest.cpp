@@ -111,6 +111,46 @@ TEST_F(PreviewControlTest, TheOrderOfTheListFollowsTheAction) {
     }
 }
 
+TEST_F(PreviewControlTest, OfManyNewRowsTheFirstHaveTheirNamesBeforeTheRest) {
+    for (int i = 0; i < 1200; ++i)
+        (void)files.write("f/" + std::to_string(i));
+    const Step numbers{"Produce numbered list", {{"sortingMode", 10}}};
+    // The chain, and whether its names can be told before the items have been looked at.
+    const std::tuple<const char*, std::vector<Step>, bool> cases[] = {
+        {"text", {{"Add to end", {{"string", u"X"}}}}, true},
+        {"numbers", {{"Add to end", {{"string", u"X"}}}, numbers}, true},
+        {"numbers by date", {{"Produce numbered list", {{"sortingMode", 2}}}}, false},
+        {"numbers by folder", {{"Produce numbered list", {{"sortEachFolderSeparately", 1}}}}, false},
+        {"dates", {{"Produce numbered list", {}}, {"Replace by date", {}}}, false}};
+    start();
+    set("processSubfolders", 1);
+    for (const auto& [name, steps, isEarly] : cases) {
+        SCOPED_TRACE(name);
+        controller().clearList();
+        setSteps(steps);
+        waitForPreview();
+        std::vector<std::string> early;
+        frontEnd.onListChanged = [&] {
+            if (controller().nodeController().isEmpty() || controller().isRenameButtonEnabled())
+                return;
+            EXPECT_TRUE(early.empty());
+            early = table();
+        };
+        controller().addFilePaths({files.path("f")}, true);
+        waitForPreview();
+        const std::vector<std::string> all = table();
+        ASSERT_EQ(all.size(), 1200u);
+        EXPECT_TRUE(controller().isRenameButtonEnabled());
+        EXPECT_EQ(!early.empty(), isEarly);
+        if (!isEarly)
+            continue;
+        EXPECT_TRUE(std::equal(all.begin(), all.begin() + 100, early.begin()));
+        EXPECT_EQ(early.back(), "1199 > 1199");
+        EXPECT_NE(all.back(), early.back());
+    }
+    frontEnd.onListChanged = [] {};
+}
+
 TEST_F(PreviewControlTest, ManualSortingAsksOnceAndTurnsTheActionRound) {
     startWith({{"Produce numbered list", {}}, {"Add to end", {}}});
     auto& numbering = dynamic_cast<SortBasedAction&>(current());

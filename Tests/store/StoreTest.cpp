@@ -342,7 +342,7 @@ TEST_F(MergeTest, OnlyWhatAListDependsOnVoidsIt) {
         {"diff", [&] { worker.change(row).diff = true; }, false, true},
         {"marker", [&] { worker.setStageFlag(row, 4); }, false, false},
         {"depth", [&] { worker.change(row).depth = 4; }, false, false},
-        {"date", [&] { worker.change(row).modDate = 4; }, true, true},
+        {"date", [&] { worker.change(row).modDate = 4; }, true, false},
         {"root", [&] { worker.change(row).root = !worker.row(row).root; }, true, false},
         {"insert", [&] { worker.insertFile(ghost, "new", false, false, 0); }, true, true},
         {"deletion", [&] { worker.deleteRow(row); }, true, true},

@@ -65,6 +65,9 @@ class BaseRenameAction : public BaseAction {
     virtual void selectPattern(std::int32_t) {}
     /// What stands on the button of that menu.
     [[nodiscard]] virtual std::string_view patternMenuTitle() const { return "Ready-made"; }
+    /// Whether a new name follows from the name before and, of an action that counts, from the rank, so that
+    /// it does not matter when, in which order and on how many copies of the action names are made.
+    [[nodiscard]] virtual bool goesByNameAlone() const { return false; }
     /// Whether it has ever asked for more than the fragment, or answered more than a name.
     [[nodiscard]] bool hasAskedForItem() const { return hasAsked; }
     /// In points.
@@ -95,9 +98,19 @@ class BaseRenameAction : public BaseAction {
     std::u16string_view ownExplanation;
 };
 
+/// An action that makes the new fragment of the old one alone.
+class FragmentAction : public BaseRenameAction {
+  public:
+    [[nodiscard]] bool goesByNameAlone() const final { return true; }
+
+  private:
+    using BaseRenameAction::answer;
+    using BaseRenameAction::item;
+};
+
 /// An action without parameters of its own, told by the function that appends the new form of a fragment.
 template <void (*append)(std::u16string_view fragment, std::u16string& result)>
-class PlainAction final : public BaseRenameAction {
+class PlainAction final : public FragmentAction {
   protected:
     void processName(std::u16string_view fragment, std::u16string& result) override {
         append(fragment, result);

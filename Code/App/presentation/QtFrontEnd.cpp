@@ -322,6 +322,11 @@ void QtFrontEnd::handEditsChanged() {
     window->stepsPane().handEditsChanged();
 }
 
+void QtFrontEnd::addingPaths() {
+    if (window && !isRunningDroplet())
+        window->previewPane().awaitArrivals();
+}
+
 void QtFrontEnd::pathsAdded(const std::vector<std::string>& paths) {
     if (window && !isRunningDroplet())
         window->previewPane().pathsAdded(paths);

@@ -60,6 +60,7 @@ class QtFrontEnd final : public FrontEnd {
     void previewRequested() override;
     void previewFinished() override;
     void handEditsChanged() override;
+    void addingPaths() override;
     void pathsAdded(const std::vector<std::string>& paths) override;
     void itemsWereGone(std::size_t count) override;
     void runStateChanged(bool isRunning) override;

@@ -209,7 +209,9 @@ void MainController::showHelpAnchor(std::string_view anchor) { environment.front
 
 // ---- modes and states
 
-bool MainController::isRenameButtonEnabled() { return isInDropletEditMode() || !preview.isPreviewEmpty(); }
+bool MainController::isRenameButtonEnabled() {
+    return isInDropletEditMode() || (preview.isWhole() && !preview.isPreviewEmpty());
+}
 
 bool MainController::validateUserInterfaceItem() const { return !confirmation.currentlyShowingProgressTab(); }
 

@@ -157,6 +157,7 @@ class MainController : public EngineHost, public ActionObserver {
     void stopProgressWindow() override { confirmation.stopProgressWindow(); }
     std::optional<FetchRequest> shownList() override { return preview.shownList(); }
     void setListFolders(const RowFolders& folders) override { preview.setListFolders(folders); }
+    void showFirstRows() override { preview.showFirstRows(); }
     void refreshPreview() override { preview.refreshPreview(); }
     void showStats() override { preview.showStats(); }
     void showCompletionDialog() override { confirmation.showCompletionDialog(); }

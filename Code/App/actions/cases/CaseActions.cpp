@@ -42,7 +42,7 @@ ParameterDescription forceToLowercase() {
 }
 
 /// Capitalizes the very first code unit, whatever it is.
-class SentenceCaseAction final : public BaseRenameAction {
+class SentenceCaseAction final : public FragmentAction {
   public:
     SentenceCaseAction() { addParameter(forceToLowercase(), paramForceToLowerCase); }
 
@@ -80,7 +80,7 @@ enum class UnitKind : std::uint8_t {
 };
 
 /// Capitalizes the first letter of each word, code unit by code unit.
-class ProperCaseAction final : public BaseRenameAction {
+class ProperCaseAction final : public FragmentAction {
   public:
     ProperCaseAction() {
         addParameter(

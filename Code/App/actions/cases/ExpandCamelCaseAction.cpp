@@ -29,7 +29,7 @@ inline LetterCase letterCase(std::u16string_view sequence) {
 }
 
 /// Puts a separator in front of every capital that follows a small letter, also with other capitals between.
-class ExpandCamelCaseAction final : public BaseRenameAction {
+class ExpandCamelCaseAction final : public FragmentAction {
   public:
     ExpandCamelCaseAction() {
         addParameter(characterParameter("separator", "Put between", u" ").first().orLeftOut(),

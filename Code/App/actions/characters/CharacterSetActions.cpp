@@ -24,7 +24,7 @@ constexpr std::array<std::string_view, 6> patternTitles{"",         "All printab
                                                         "a\u2013z", "0\u20139",      "Punctuation"};
 
 /// Keeps what a text contains, but never empties a name.
-class KeepOnlySpecificCharactersAction final : public BaseRenameAction {
+class KeepOnlySpecificCharactersAction final : public FragmentAction {
   public:
     KeepOnlySpecificCharactersAction() {
         addParameter(textParameter("string", "Keep",

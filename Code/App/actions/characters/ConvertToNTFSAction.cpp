@@ -24,7 +24,7 @@ bool hasBlankAtAnEdge(std::u16string_view text) { return text.starts_with(u' ') 
 
 /// Makes the whole name fit for a file system that refuses certain characters, blanks at the ends, a dot at
 /// the end and the names of devices. What it has made fit, it leaves as it is.
-class ConvertToNTFSAction final : public BaseRenameAction {
+class ConvertToNTFSAction final : public FragmentAction {
   public:
     ConvertToNTFSAction() {
         setDefault("fragmentSelection", 0);

@@ -45,7 +45,7 @@ std::optional<TextRange> findBlock(std::u16string_view text, std::int64_t mode) 
     return blocks[static_cast<std::size_t>(index)];
 }
 
-class RemoveNumbersAction final : public BaseRenameAction {
+class RemoveNumbersAction final : public FragmentAction {
   public:
     RemoveNumbersAction() {
         addParameter(choiceParameter("blockMode", "Which number", removableBlocks(), 6).alone(),
@@ -82,7 +82,7 @@ class RemoveNumbersAction final : public BaseRenameAction {
 
 constexpr std::array<ParameterChoice, 2> operations{{{0, "Add"}, {1, "Subtract"}}};
 
-class ChangeNumbersAction final : public BaseRenameAction {
+class ChangeNumbersAction final : public FragmentAction {
   public:
     ChangeNumbersAction() {
         addParameter(choiceParameter("blockMode", "Which number", occurrenceChoices(), 6).alone(),

@@ -8,7 +8,7 @@ namespace tavrin {
 namespace {
 
 /// Cuts a fragment to a length, at its end or at the end of what lies in front of its first dot.
-class TruncateAction : public BaseRenameAction {
+class TruncateAction : public FragmentAction {
   public:
     TruncateAction() {
         addParameter(

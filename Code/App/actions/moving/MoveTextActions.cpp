@@ -8,7 +8,7 @@ namespace tavrin {
 namespace {
 
 /// Moves the first occurrence of a text to another place, in the spelling that it has in the name.
-class MoveTextAction final : public BaseRenameAction {
+class MoveTextAction final : public FragmentAction {
   public:
     explicit MoveTextAction(Place place) : placement(place) {
         addParameter(textParameter("text", "Text to move").first(), text);

@@ -13,6 +13,7 @@ namespace tavrin {
 class SequenceAction : public SortBasedAction {
   public:
     [[nodiscard]] bool hasLongParameterList() const override { return true; }
+    [[nodiscard]] bool goesByNameAlone() const override { return true; }
 
   protected:
     explicit SequenceAction(Place place) : placement(place) {}

@@ -8,7 +8,7 @@ namespace tavrin {
 namespace {
 
 /// Puts a text of the user into the name. Beside an existing text it works on, and returns, form C.
-class InsertTextAction final : public BaseRenameAction {
+class InsertTextAction final : public FragmentAction {
   public:
     InsertTextAction(Place place, const char* key, const char* label) : placement(place) {
         addParameter(textParameter(key, label).first(), text);

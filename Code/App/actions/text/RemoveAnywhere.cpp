@@ -123,7 +123,7 @@ class StretchEnd {
 
 /// Cuts one stretch out of the name, whose two ends are told separately. What can't be resolved leaves the
 /// name as it is; nothing is clamped.
-class RemoveAnywhere final : public BaseRenameAction {
+class RemoveAnywhere final : public FragmentAction {
   public:
     RemoveAnywhere() {
         from.addParametersTo(*this);

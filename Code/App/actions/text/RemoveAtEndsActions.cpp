@@ -8,7 +8,7 @@ namespace tavrin {
 namespace {
 
 /// Cuts code units off the start.
-class RemoveAtFrontAction : public BaseRenameAction {
+class RemoveAtFrontAction : public FragmentAction {
   public:
     RemoveAtFrontAction() {
         addParameter(numberParameter("numberOfCharacters", "Characters", 0).between(0, 255).first(),

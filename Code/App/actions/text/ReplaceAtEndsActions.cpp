@@ -11,7 +11,7 @@ namespace {
 
 /// Replaces a text with which the fragment begins. Works on, and returns, form C. The range looked at is as
 /// long as the text sought, and goes as a whole where the text is found in it.
-class ReplaceAtFrontAction : public BaseRenameAction {
+class ReplaceAtFrontAction : public FragmentAction {
   public:
     explicit ReplaceAtFrontAction(std::string_view label = "If the name starts with") {
         addParameter(textParameter("replace", label).first(), paramReplace);

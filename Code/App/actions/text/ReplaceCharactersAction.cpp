@@ -26,7 +26,7 @@ constexpr std::array<RowKeys, 4> rowKeys{{
 
 /// Replaces single characters (composed character sequences) by up to four rows, each a set of characters and
 /// what takes their place. One pass: what a row has put in is not replaced by another.
-class ReplaceCharactersAction : public BaseRenameAction {
+class ReplaceCharactersAction : public FragmentAction {
   public:
     ReplaceCharactersAction() {
         for (std::size_t i = 0; i < rows.size(); ++i) {

@@ -28,7 +28,7 @@ constexpr std::array<std::string_view, 13> occurencePhrases{
 };
 
 /// Replaces some or all occurrences of a text. Works on, and returns, form C.
-class ReplaceTextAction : public BaseRenameAction {
+class ReplaceTextAction : public FragmentAction {
   public:
     ReplaceTextAction() {
         addParameter(textParameter("searchTerm", "Find").first(), paramSearchTerm);

@@ -26,6 +26,10 @@ namespace {
 constexpr std::size_t mostHashes = 2'000'000;
 constexpr std::int32_t rowsPerCommit = 10000;
 
+// Of new rows: how many are worth being shown in two parts, and what a large screen holds of them.
+constexpr RowId manyNewRows = 1000;
+constexpr std::ptrdiff_t rowsOnScreen = 100;
+
 std::string stageTextForAction(int index) {
     static constexpr std::array<std::string_view, 9> ordinals{"first", "second",  "third", "fourth", "fifth",
                                                               "sixth", "seventh", "eight", "ninth"};
@@ -66,7 +70,8 @@ void replaceColons(std::u16string& name) {
 
 } // namespace
 
-ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(EngineState& owner) : ProcessingStage(owner) {}
+ComputeProvisionalNamesStage::ComputeProvisionalNamesStage(EngineState& owner, Extent whichRows)
+    : ProcessingStage(owner), extent(whichRows) {}
 
 ComputeProvisionalNamesStage::~ComputeProvisionalNamesStage() = default;
 
@@ -76,16 +81,18 @@ bool ComputeProvisionalNamesStage::process() {
     const StageProgress report(progress);
     isFirstPass = true;
     unread = {};
+    if (extent == Extent::firstNewRows) {
+        nameFirstRows();
+        return true;
+    }
     report.describe("Preparing..");
     report.indeterminate(true);
     report.item(0);
     report.numberOfItems(context->engineControl().totalNumberOfFiles);
     report.indeterminate(false);
-    filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings.itemFilter());
     if (!copyActions())
         return false;
-    file = std::make_unique<FileMO>(*context);
-    findProcessedRows();
+    prepareRows();
     engine.setHashesOfNames({});
     const bool areCompared = processed.size() <= mostHashes && settings.shouldPreviewConflictResolution &&
                              settings.conflictRule() == Settings::OnConflict::number;
@@ -107,6 +114,73 @@ bool ComputeProvisionalNamesStage::process() {
     engine.setHashesOfNames(std::move(hashes));
     engine.computeNumberOfFilesThatNeedRenaming(*context, settings.itemFilter());
     return true;
+}
+
+void ComputeProvisionalNamesStage::prepareRows() {
+    filter = FilterManager::currentFilterPredicateIncludingAllFilesAndFolders(settings.itemFilter());
+    file = std::make_unique<FileMO>(*context);
+    findProcessedRows();
+}
+
+void ComputeProvisionalNamesStage::nameFirstRows() {
+    if (context->endOfRows() - engine.firstNewRow() < manyNewRows)
+        return;
+    EngineHost& host = engine.host();
+    host.runLoop().performAndWait([&] { shownList = host.shownList(); });
+    if (!shownList || !copyActions())
+        return;
+    prepareRows();
+    const std::vector<Step> steps = activeSteps();
+    if (mayChange(shownList->order) || !canBeNamedEarly(steps))
+        return;
+    chooseFirstRows();
+    for (auto first = steps.begin(); first != steps.end();) {
+        const auto last = endOfPass(first, steps.end());
+        processSteps({first, last});
+        first = last;
+    }
+    chosen.clear();
+    showFirstRows();
+}
+
+bool ComputeProvisionalNamesStage::canBeNamedEarly(Steps steps) {
+    return std::ranges::all_of(steps, [this](const Step& step) {
+        return step.action->goesByNameAlone() && !countsByFolder(step) && !mayChange(rowsFor(step).order);
+    });
+}
+
+bool ComputeProvisionalNamesStage::mayChange(const std::vector<SortDescriptor>& order) {
+    const bool goesByValues = std::ranges::any_of(
+        order, [](const auto& key) { return attribute(key.key).columnClass == ColumnClass::values; });
+    return goesByValues &&
+           context->count(FetchEntity::file, Predicate::isFalse(NodeKey::sortingInformationLoaded)) > 0;
+}
+
+void ComputeProvisionalNamesStage::chooseFirstRows() {
+    const std::vector<RowId> rows = context->fetch(*shownList);
+    const auto arrivals = std::ranges::find_if(rows, [this](RowId id) { return id >= engine.firstNewRow(); });
+    const auto begin = arrivals - std::min(rowsOnScreen / 2, arrivals - rows.begin());
+    const auto end = arrivals + std::min(rowsOnScreen, rows.end() - arrivals);
+    chosen.assign(context->endOfRows(), false);
+    std::for_each(begin, end, [this](RowId id) { chosen[id] = true; });
+}
+
+void ComputeProvisionalNamesStage::processChosen(const std::vector<RowId>& rows) {
+    std::int32_t rank = 1;
+    for (const RowId id : rows) {
+        if (chosen[id])
+            processRow(id, rank);
+        rank += isProcessed(id) ? 1 : 0;
+    }
+}
+
+void ComputeProvisionalNamesStage::showFirstRows() {
+    const RowFolders folders = context->foldersOf({shownList->entity, shownList->predicate, {}});
+    EngineHost& host = engine.host();
+    host.runLoop().performAndWait([&] {
+        host.setListFolders(folders);
+        host.showFirstRows();
+    });
 }
 
 /// The list belongs to the main thread, which edits it; so it is read there. What the user sees as able to
@@ -240,6 +314,8 @@ void ComputeProvisionalNamesStage::processAll(const FetchRequest& request) {
 void ComputeProvisionalNamesStage::processRows(const std::vector<RowId>& rows) {
     input.lastRank =
         static_cast<std::int32_t>(std::ranges::count_if(rows, [this](RowId id) { return isProcessed(id); }));
+    if (!chosen.empty())
+        return processChosen(rows);
     if (!std::is_sorted(rows.begin(), rows.end()))
         return processByRank(rows);
     for (const RowId id : rows)

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -25,7 +26,14 @@ class FileMO;
 /// the list, so that the user may go on editing.
 class ComputeProvisionalNamesStage final : public ProcessingStage {
   public:
-    explicit ComputeProvisionalNamesStage(EngineState& owner);
+    enum class Extent {
+        allRows,
+        /// Where many rows are new, those of them that come first in the list are named and shown, if their
+        /// names can be told before all else is known. Afterwards all rows are to be named.
+        firstNewRows
+    };
+
+    explicit ComputeProvisionalNamesStage(EngineState& owner, Extent extent = Extent::allRows);
     ~ComputeProvisionalNamesStage() override;
 
     /// False only when the run loop has ended, so that the list of actions can't be had.
@@ -42,6 +50,15 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     using Steps = std::span<const Step>;
 
     bool copyActions();
+    void prepareRows();
+    void nameFirstRows();
+    [[nodiscard]] bool canBeNamedEarly(Steps steps);
+    /// Whether rows may come in another order when their dates and sizes have been read.
+    [[nodiscard]] bool mayChange(const std::vector<SortDescriptor>& order);
+    /// Finds those new rows which show first, and what shows around them.
+    void chooseFirstRows();
+    void processChosen(const std::vector<RowId>& rows);
+    void showFirstRows();
     [[nodiscard]] std::vector<Step> activeSteps() const;
     /// How many of the first steps need not run, since their names are known; has them kept otherwise.
     std::size_t takeKnownNames(Steps steps);
@@ -69,6 +86,9 @@ class ComputeProvisionalNamesStage final : public ProcessingStage {
     void setDiff(RowId id, bool differs);
     void copyCurrentToNewName();
 
+    const Extent extent;
+    std::optional<FetchRequest> shownList; ///< where first rows are wanted
+    std::vector<bool> chosen;              ///< by id; empty where all are named
     bool isFirstPass = true;
     Predicate filter;
     std::unique_ptr<CompositeRenameAction> compositeAction;

@@ -48,6 +48,9 @@ class EngineHost {
     virtual std::optional<FetchRequest> shownList() { return std::nullopt; }
     /// The folders that these rows lie in; comes before the refresh that shows them.
     virtual void setListFolders(const RowFolders&) {}
+    /// Those rows of the list that show first have their new names, all others still their own; the whole
+    /// follows in the same run.
+    virtual void showFirstRows() {}
     virtual void refreshPreview() = 0;
     virtual void showStats() = 0;
     /// So many items of the list have left it, since they were not there any more when it was read anew.

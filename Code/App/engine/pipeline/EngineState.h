@@ -109,6 +109,11 @@ class EngineState {
     void setHashesOfNames(std::vector<std::uint32_t> hashes) { hashesOfNames = std::move(hashes); }
     [[nodiscard]] std::vector<std::uint32_t> takeHashesOfNames() { return std::exchange(hashesOfNames, {}); }
 
+    /// The first of the rows that the run in hand has read; those behind it are new too. Under the engine's
+    /// lock.
+    void setFirstNewRow(RowId row) { newRowsBegin = row; }
+    [[nodiscard]] RowId firstNewRow() const { return newRowsBegin; }
+
     /// What is known of the folders on the list.
     FolderNotes& folderNotes() { return notesOfFolders; }
 
@@ -163,6 +168,7 @@ class EngineState {
     std::atomic<int> stageFlagCounter{1};
     std::atomic<bool> migrating{false};
     std::int32_t manualOrderCounter = 0; // touched under the engine's lock only, like the next
+    RowId newRowsBegin = noRow;
     FolderNotes notesOfFolders;
     PropertyDictionary chainOfNames;
     std::unique_ptr<NamesBeforeStep> keptNames;

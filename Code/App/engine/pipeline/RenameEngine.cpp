@@ -287,6 +287,8 @@ void RenameEngine::addNamingStages(ProcessingPipeline& pipeline) {
     hadPins = !settled.isEmpty();
     if (isByHand)
         pipeline.addStage(std::make_unique<LeaveOutStage>(*this, settled));
+    using Extent = ComputeProvisionalNamesStage::Extent;
+    pipeline.addStage(std::make_unique<ComputeProvisionalNamesStage>(*this, Extent::firstNewRows));
     pipeline.addStage(std::make_unique<AddFileSortingDataStage>(*this));
     pipeline.addStage(std::make_unique<ComputeProvisionalNamesStage>(*this));
     if (isByHand)

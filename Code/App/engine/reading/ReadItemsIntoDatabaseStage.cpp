@@ -115,6 +115,7 @@ bool ReadItemsIntoDatabaseStage::process() {
     aliases.reset();
     leftOut.clear();
     volumes = {};
+    engine.setFirstNewRow(context->endOfRows());
     report.describe("start processing..");
     report.indeterminate(true);
     if (progress)

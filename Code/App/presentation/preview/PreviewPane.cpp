@@ -507,8 +507,9 @@ void PreviewPane::enterDropletEditMode() {
         promise->setText(tr("Files you add here only show the effect."));
 }
 
-void PreviewPane::pathsAdded(const std::vector<std::string>& paths) {
-    folderOffer->pathsAdded(paths);
+void PreviewPane::pathsAdded(const std::vector<std::string>& paths) { folderOffer->pathsAdded(paths); }
+
+void PreviewPane::awaitArrivals() {
     const std::vector<RowId>& present = controller.nodeController().arrangedObjects();
     arrivalsBehind = present.empty() ? noRow : std::ranges::max(present);
 }

@@ -67,6 +67,8 @@ class PreviewPane final : public QWidget {
     [[nodiscard]] HandEditing& handEditing() { return *hands; }
     /// The messages below the list.
     [[nodiscard]] MessageBars& messageBars() { return *bars; }
+    /// Has what comes on the list next scrolled to.
+    void awaitArrivals();
     void pathsAdded(const std::vector<std::string>& paths);
     /// What stands between the bars: the table, or what takes its place.
     [[nodiscard]] QWidget& listPages();

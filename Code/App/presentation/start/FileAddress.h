@@ -14,7 +14,7 @@ class FileAddress {
   public:
     [[nodiscard]] static QByteArray ofPath(const std::string& path);
     /// The absolute path; absent where the address is not that of a file of this machine.
-    [[nodiscard]] static std::optional<std::string> path(QByteArray address);
+    [[nodiscard]] static std::optional<std::string> path(QByteArrayView address);
 };
 
 /// Files that come by drag or from the clipboard.

@@ -248,6 +248,8 @@ class FrontEnd {
     virtual void previewRequested() {}
     /// A preview has ended: its result is in the list and in the status line.
     virtual void previewFinished() {}
+    /// The user is adding paths; what comes on the list from now on is among them.
+    virtual void addingPaths() {}
     /// The user has added these, as paths in bytes.
     virtual void pathsAdded(const std::vector<std::string>& /*paths*/) {}
     /// A run has begun or ended; commands are off during a run.

@@ -112,6 +112,7 @@ std::optional<std::string> SourceCommands::addNestedPaths(const std::vector<std:
 
 bool SourceCommands::addFilePaths(const std::vector<std::string>& paths, bool interactive) {
     preview.initiateDelayedPreviewUpdate();
+    services.frontEnd.addingPaths();
     work.begin([this, interactive, adding = std::make_shared<Adding>(paths)] {
         if (adding->addNext(services.sourceItems)) {
             // The preview waits for the last.
@@ -124,6 +125,8 @@ bool SourceCommands::addFilePaths(const std::vector<std::string>& paths, bool in
         else if (interactive)
             services.frontEnd.showAlert(someFilesNotAdded, [](AlertAnswer) {});
         preview.initiateDelayedPreviewUpdate();
+        if (adding->count >= itemsPerDelay)
+            preview.firePendingPreview(); // so many are no part of a series
         return false;
     });
     return true;

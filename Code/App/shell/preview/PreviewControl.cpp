@@ -133,6 +133,15 @@ void PreviewControl::checkUpOnLongProcessingTimer() {
 
 // ---- the list
 
+void PreviewControl::showFirstRows() {
+    if (isOrderOnItsWay)
+        return;
+    isFirstRowsOnly = true;
+    prepareList();
+    list.fetch();
+    services.frontEnd.previewListChanged();
+}
+
 void PreviewControl::refreshPreview() {
     debugLog("automatic sorting: {:d}", services.settings.values().automaticSorting);
     debugLog("--------------------------------------------------------");
@@ -301,6 +310,7 @@ void PreviewControl::forgetPreviewedActionIfGone() {
 // ---- the status line
 
 void PreviewControl::showStats() {
+    isFirstRowsOnly = false;
     try {
         const std::string failures = failureText();
         services.progress.updateStageText(statusText() + (failures.empty() ? "" : " " + failures));

@@ -46,6 +46,10 @@ class PreviewControl {
     void showPreview();
     /// The rows and the order that the next refresh will show; nothing where nobody looks at the list.
     [[nodiscard]] std::optional<FetchRequest> shownList();
+    /// Refetches the list, of which only the first rows have their new names yet.
+    void showFirstRows();
+    /// Whether all rows on show have got their new names once.
+    [[nodiscard]] bool isWhole() const { return !isFirstRowsOnly; }
     /// Refetches the list.
     void refreshPreview();
     /// The same; a long list is sorted on another thread first, and refetched then.
@@ -117,6 +121,7 @@ class PreviewControl {
     std::function<void()> whenFinished;
     bool followsChanges = true;
     bool isRefreshDue = false;
+    bool isFirstRowsOnly = false;
     std::vector<SortDescriptor> ownOrder; ///< of the list where no column is clicked
     std::optional<Sorting> view;
     bool isOrderOnItsWay = false;

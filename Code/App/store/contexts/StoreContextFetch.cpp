@@ -135,7 +135,7 @@ std::uint64_t StoreContext::Impl::versionsOf(const FetchRequest& request) {
     std::uint8_t classes = request.predicate.columnClasses();
     for (const SortDescriptor& descriptor : request.order)
         classes |= static_cast<std::uint8_t>(attribute(descriptor.key).columnClass);
-    classes |= static_cast<std::uint8_t>(ColumnClass::sort); // manualOrder is behind every order
+    classes |= static_cast<std::uint8_t>(ColumnClass::order); // manualOrder is behind every order
     // Each only grows, so an equal sum means that none has moved.
     const ItemStore::Access inside = store.access();
     std::uint64_t sum = inside->insertVersion;

@@ -81,8 +81,8 @@ struct ItemStore::Impl {
 
     /// Versions by what a list can depend on.
     std::uint64_t insertVersion = 1;
-    std::array<std::uint64_t, 4> classVersions{1, 1, 1, 1}; ///< by bit of ColumnClass
-    std::uint64_t rowVersion = 1;                           ///< any value of any row, its markers apart
+    std::array<std::uint64_t, 5> classVersions{1, 1, 1, 1, 1}; ///< by bit of ColumnClass
+    std::uint64_t rowVersion = 1;                              ///< any value of any row, its markers apart
     std::atomic<std::uint64_t> deletionVersion{1};
 
     std::function<void(const StoreChanges&)> didSave;

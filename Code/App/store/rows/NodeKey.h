@@ -41,7 +41,8 @@ enum class NodeKey : std::uint8_t {
 };
 
 /// What a change of an attribute can void: an order, a filtered list, names on show, or the rename plan.
-enum class ColumnClass : std::uint8_t { none = 0, sort = 1, filter = 2, naming = 4, plan = 8 };
+/// A row keeps its own name for life, so an order by names is voided by new rows alone.
+enum class ColumnClass : std::uint8_t { none = 0, values = 1, filter = 2, naming = 4, plan = 8, order = 16 };
 
 /// Where an attribute lies in the row; nowhere for what is derived from names, folder and id.
 using NodeMember =
@@ -58,14 +59,14 @@ struct NodeAttribute {
 };
 
 inline constexpr std::array nodeAttributes{
-    NodeAttribute{NodeKey::name, ColumnClass::sort},
-    NodeAttribute{NodeKey::smartName, ColumnClass::sort},
-    NodeAttribute{NodeKey::random, ColumnClass::sort},
-    NodeAttribute{NodeKey::modDate, ColumnClass::sort, &NodeRow::modDate},
-    NodeAttribute{NodeKey::crDate, ColumnClass::sort, &NodeRow::crDate},
-    NodeAttribute{NodeKey::exif, ColumnClass::sort, &NodeRow::exif},
-    NodeAttribute{NodeKey::size, ColumnClass::sort, &NodeRow::size},
-    NodeAttribute{NodeKey::manualOrder, ColumnClass::sort, &NodeRow::manualOrder},
+    NodeAttribute{NodeKey::name, ColumnClass::none},
+    NodeAttribute{NodeKey::smartName, ColumnClass::none},
+    NodeAttribute{NodeKey::random, ColumnClass::none},
+    NodeAttribute{NodeKey::modDate, ColumnClass::values, &NodeRow::modDate},
+    NodeAttribute{NodeKey::crDate, ColumnClass::values, &NodeRow::crDate},
+    NodeAttribute{NodeKey::exif, ColumnClass::values, &NodeRow::exif},
+    NodeAttribute{NodeKey::size, ColumnClass::values, &NodeRow::size},
+    NodeAttribute{NodeKey::manualOrder, ColumnClass::order, &NodeRow::manualOrder},
     NodeAttribute{NodeKey::treatAsFolder, ColumnClass::filter, &NodeRow::treatAsFolder,
                   rowSummary::treatAsFolder},
     NodeAttribute{NodeKey::root, ColumnClass::filter, &NodeRow::root, rowSummary::root},
