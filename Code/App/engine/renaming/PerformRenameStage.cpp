@@ -157,10 +157,12 @@ void PerformRenameStage::prepare() {
         run->primitives.takeLinks();
     const std::vector<RowId> planned = context->fetch({FetchEntity::file, plannedItems(), {}, 0});
     ahead = std::make_unique<RenamesAhead>(
-        *context, run->folders, [this](RowId id, const std::string& folder, const std::string& component) {
+        *context, run->folders,
+        [this](RowId id, const std::string& folder, const std::string& component) {
             return !run->questions.isInteractive() && run->isInPlace(id) &&
                    context->stageFlag(id) != run->marker && !warnings->wouldAsk(folder, component);
-        });
+        },
+        [this] { return engine.isStopRequested(); });
     run->outcomes.begin(context->endOfRows(), planned, rowsOfList(planned));
     const auto count = static_cast<std::int32_t>(planned.size());
     context->changeEngineControl().numberOfFilesThatNeedRenaming = count;
