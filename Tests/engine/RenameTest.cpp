@@ -474,6 +474,22 @@ TEST(RenamesAhead, AreMadeSideBySideAndAllCountWhenTheRunIsStopped) {
     bench.checkOutcomes();
 }
 
+/// In the middle of the calls ahead, in front of them, and at the record of the run.
+TEST(RenamesAhead, AreMadeInTheirTurnWhereDescriptorsAreWanting) {
+    for (std::size_t failing = 1; failing <= 12; ++failing) {
+        SCOPED_TRACE(failing);
+        FailingFileSystem disk;
+        disk.isRemote = true;
+        RenameBench bench;
+        bench.plan("f/a>b f/c>d g/a>b g/c>d h/a>b h/c>d i/a>b j/c>d");
+        disk.failKind(FileCall::openFolder, EMFILE, failing);
+        bench.rename();
+        EXPECT_EQ(bench.renamed() + static_cast<int>(bench.reports.size()), 8);
+        EXPECT_LE(bench.reports.size(), failing == 1 ? 2U : 0U) << "of the only folder that was open";
+        bench.checkOutcomes();
+    }
+}
+
 /// Rows without a disk, and the plan that is made for them.
 class PlanTest : public StageTest {
   protected:

@@ -174,12 +174,12 @@ RunJournal::Folder RunJournal::folderAt(const std::string& path) {
     return entry->second;
 }
 
-std::size_t RunJournal::lookAhead(StoreContext& context, std::span<const RowId> rows) {
+std::size_t RunJournal::lookAhead(StoreContext& context, std::span<const RowId> items) {
     std::vector<std::string> paths;
     RowId last = noRow;
     std::size_t count = 0;
-    for (; count < rows.size() && paths.size() < foldersAtATime; ++count) {
-        const RowId parent = context.row(rows[count]).parent;
+    for (; count < items.size() && paths.size() < foldersAtATime; ++count) {
+        const RowId parent = context.row(items[count]).parent;
         if (parent == std::exchange(last, parent))
             continue;
         std::string path = context.fullPath(parent);

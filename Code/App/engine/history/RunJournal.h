@@ -60,7 +60,7 @@ class RunJournal {
     void writeHeading(const RunPurpose& purpose);
     Folder folderAt(const std::string& path);
     /// Looks at the next folders of these rows; how many of the rows were thought of.
-    std::size_t lookAhead(StoreContext& context, std::span<const RowId> rows);
+    std::size_t lookAhead(StoreContext& context, std::span<const RowId> items);
     void lookCloser(const Folder& folder, RecordedItem& item);
     void endLine();
     void endBlock();

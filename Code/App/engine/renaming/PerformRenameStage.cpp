@@ -161,10 +161,12 @@ void PerformRenameStage::prepare() {
     if (purpose->linksAreItems)
         run->primitives.takeLinks();
     ahead = std::make_unique<RenamesAhead>(
-        *context, run->folders, [this](RowId id, const std::string& folder, const std::string& component) {
+        *context, run->folders,
+        [this](RowId id, const std::string& folder, const std::string& component) {
             return !run->questions.isInteractive() && run->isInPlace(id) &&
                    context->stageFlag(id) != run->marker && !warnings->wouldAsk(folder, component);
-        });
+        },
+        [this] { return engine.isStopRequested(); });
     std::vector<bool> isPlanned(context->endOfRows());
     std::int32_t count = 0;
     context->forEach({FetchEntity::file, plannedItems(), {}, 0}, [&](RowId row) {

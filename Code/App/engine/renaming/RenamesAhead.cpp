@@ -31,13 +31,21 @@ std::size_t RenamesAhead::run(std::span<const RowId> next) {
             continue;
         if (!parents.contains(item.parentRow()) && parents.size() == RunFolders::mostAhead)
             break;
-        parents.insert(item.parentRow());
+        const std::size_t closings = folders.closings();
         RunFolders::Place& place = folders.at(item.parentRow(), item.folder(), item.folderAsRead());
+        if (folders.closings() != closings) { // for want of descriptors: those are renamed in their turn
+            jobs.clear();
+            parents.clear();
+        }
+        parents.insert(item.parentRow());
         if (place.folder && place.isRemote)
             jobs.push_back({item.id(), item.parentRow(), place.folder.get(), item.component(),
                             item.newComponent(), item.seen()});
     }
-    inParallel(jobs.size(), callsAtATime, [&jobs](std::size_t number) { perform(jobs[number]); });
+    inParallel(jobs.size(), callsAtATime, [&](std::size_t number) {
+        if (!isToStop()) // a call may take seconds
+            perform(jobs[number]);
+    });
     for (Job& job : jobs) {
         if (!job.isTried)
             continue;

@@ -21,8 +21,11 @@ class RenamesAhead {
     /// Whether an item may be renamed without a word, by folder and name.
     using IsPlain = std::function<bool(RowId id, const std::string& folder, const std::string& component)>;
 
-    RenamesAhead(StoreContext& rows, RunFolders& runFolders, IsPlain mayBePlain)
-        : context(rows), item(rows), folders(runFolders), isPlain(std::move(mayBePlain)) {}
+    /// `mustStop` is asked on any thread.
+    RenamesAhead(StoreContext& rows, RunFolders& runFolders, IsPlain mayBePlain,
+                 std::function<bool()> mustStop)
+        : context(rows), item(rows), folders(runFolders), isPlain(std::move(mayBePlain)),
+          isToStop(std::move(mustStop)) {}
 
     /// Renames what can be renamed ahead of the first of these, the run's next; how many of them were thought
     /// of.
@@ -51,6 +54,7 @@ class RenamesAhead {
     RenameItem item;
     RunFolders& folders;
     IsPlain isPlain;
+    std::function<bool()> isToStop;
     std::unordered_set<RowId> tried;
 };
 

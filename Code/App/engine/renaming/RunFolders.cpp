@@ -83,15 +83,20 @@ RunFolders::Place& RunFolders::at(RowId row, const std::string& path, const File
     if (found != places.end())
         return found->second;
     if (places.size() >= mostOpen)
-        places.clear();
+        closeAll();
     Place* place = &places[row];
     open(*place, row, path, asRead);
     if (isOutOfDescriptors(place->error) && places.size() > 1) {
-        places.clear();
+        closeAll();
         place = &places[row];
         open(*place, row, path, asRead);
     }
     return *place;
+}
+
+void RunFolders::closeAll() {
+    places.clear();
+    ++closingCount;
 }
 
 void RunFolders::open(Place& place, RowId row, const std::string& path, const FileIdentity& asRead) {
@@ -117,7 +122,7 @@ void RunFolders::open(Place& place, RowId row, const std::string& path, const Fi
 
 void RunFolders::makeRoomFor(std::size_t folders) {
     if (places.size() + folders > mostOpen)
-        places.clear();
+        closeAll();
 }
 
 void RunFolders::answer(RowId row, std::string from, Answer answer) {

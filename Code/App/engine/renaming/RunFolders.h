@@ -40,6 +40,8 @@ class RunFolders {
 
     /// The folder at the path, which the row stands for. Valid until the next call.
     Place& at(RowId row, const std::string& path, const FileIdentity& asRead);
+    /// How often all were closed, so that no place from before is valid.
+    [[nodiscard]] std::size_t closings() const { return closingCount; }
     /// Makes room for so many more folders, at most `mostAhead`, that stay valid together.
     void makeRoomFor(std::size_t folders);
     static constexpr std::size_t mostAhead = 8;
@@ -57,11 +59,13 @@ class RunFolders {
     void forgetAnswer(RowId row, const std::string& from);
 
   private:
+    void closeAll();
     void open(Place& place, RowId row, const std::string& path, const FileIdentity& asRead);
 
     FileSystem& fileSystem;
     const Order order;
     const std::size_t mostOpen;
+    std::size_t closingCount = 0;
     KnownVolumes volumes;
     std::unordered_map<RowId, Place> places;
     std::unordered_map<RowId, std::unordered_map<std::string, Answer>> answers;
