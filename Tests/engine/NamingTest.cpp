@@ -218,11 +218,9 @@ TEST(ComputeNames, ValuesAreReadWhenTheyAreWanted) {
             SCOPED_TRACE(fmt::format("{}, {}, {}", steps, settings, showsProblems));
             RenameBench bench;
             bench.make({"t/i.jpg", "t/j.jpg", "t/d/x"});
-            const auto written = [&](const char* name) {
-                return std::filesystem::path(bench.folder.path(name));
-            };
-            std::filesystem::last_write_time(written("t/j.jpg"),
-                                             last_write_time(written("t/i.jpg")) - std::chrono::hours(1));
+            auto when = std::filesystem::file_time_type::clock::now();
+            for (const char* path : {"t/i.jpg", "t/j.jpg", "t/d/x", "t/d", "t"})
+                std::filesystem::last_write_time(bench.folder.path(path), when -= std::chrono::hours(1));
             bench.host.engine.setShowsProblems(showsProblems);
             bench.host.add({bench.folder.path("t")});
             setAll(bench.host, "accurateFolderSize=1 retrieveEXIFInformation=1");

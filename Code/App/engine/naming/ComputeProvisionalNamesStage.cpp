@@ -285,7 +285,7 @@ void ComputeProvisionalNamesStage::processSteps(Steps steps) {
     FetchRequest request = rowsFor(steps.front());
     if (countsByFolder(steps.front()))
         processByFolder(std::move(request));
-    else if (request.order.empty())
+    else if (request.order.empty() && chosen.empty())
         processAll(request);
     else
         processRows(context->fetch(request));
