@@ -234,7 +234,7 @@ bool StoreContext::Impl::gatherImages(RowId id) {
     walkPosition += count;
     const ItemStore::Access inside = store.access();
     std::erase_if(ids, [&](RowId row) { return !inside->exists(row); });
-    images.gather(std::move(ids), inside->segments);
+    images.gather(ids, inside->segments);
     imagesRowVersion = inside->rowVersion;
     imagesDeletionVersion = inside->deletionVersion;
     return true;

@@ -3,6 +3,7 @@
 #include "store/paging/SegmentTable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tavrin {
 
@@ -19,45 +20,55 @@ static_assert(tableSize == std::size_t{1} << 17);
 RowImages::Image* RowImages::find(RowId id) {
     if (images.empty())
         return nullptr;
+    for (const std::size_t likely : {last, last + 1}) {
+        if (likely < images.size() && images[likely].id == id)
+            return &images[last = likely];
+    }
     for (std::size_t place = placeOf(id); table[place] != 0; place = (place + 1) % tableSize) {
-        Image& image = images[table[place] - 1];
-        if (image.id == id)
-            return &image;
+        const std::size_t index = table[place] - 1;
+        if (images[index].id == id)
+            return &images[last = index];
     }
     return nullptr;
 }
 
-void RowImages::gather(std::vector<RowId> ids, SegmentTable& segments) {
+void RowImages::gather(const std::vector<RowId>& ids, SegmentTable& segments) {
     clear();
-    std::sort(ids.begin(), ids.end());
+    std::vector<std::pair<RowId, std::uint32_t>> inSegments; // ids and their places in the walk
+    inSegments.reserve(ids.size());
+    for (const RowId id : ids)
+        inSegments.emplace_back(id, static_cast<std::uint32_t>(inSegments.size()));
+    std::sort(inSegments.begin(), inSegments.end());
     table.assign(tableSize, 0);
-    images.reserve(ids.size());
-    for (std::size_t i = 0; i < ids.size();) {
-        const std::uint32_t number = Segment::number(ids[i]);
+    images.resize(ids.size());
+    for (std::size_t i = 0; i < inSegments.size();) {
+        const std::uint32_t number = Segment::number(inSegments[i].first);
         const Segment& segment = segments.use(number);
-        for (; i < ids.size() && Segment::number(ids[i]) == number; ++i) {
-            const std::size_t index = Segment::index(ids[i]);
-            const std::string_view name = segment.names.get(index).bytes;
-            const TextRegion::Text final = segment.finals.get(index);
-            Image image;
-            image.row = segment.rows[index];
-            image.id = ids[i];
-            image.component = static_cast<std::uint32_t>(texts.size());
-            image.componentLength = static_cast<std::uint32_t>(name.size());
-            texts += name;
-            image.final = static_cast<std::uint32_t>(texts.size());
-            image.finalLength = static_cast<std::uint32_t>(final.bytes.size());
-            texts += final.bytes;
-            const std::string_view regex = segment.regexAt(index);
-            image.regex = static_cast<std::uint32_t>(texts.size());
-            image.regexLength = static_cast<std::uint32_t>(regex.size());
-            texts += regex;
-            image.hasFinal = segment.finals.has(index);
-            image.finalIsWide = final.isWide;
-            images.push_back(image);
-            insertIntoTable(static_cast<std::uint32_t>(images.size()));
+        for (; i < inSegments.size() && Segment::number(inSegments[i].first) == number; ++i) {
+            const auto [id, place] = inSegments[i];
+            take(images[place], segment, Segment::index(id));
+            images[place].id = id;
+            insertIntoTable(place + 1);
         }
     }
+}
+
+void RowImages::take(Image& image, const Segment& segment, std::size_t index) {
+    const std::string_view name = segment.names.get(index).bytes;
+    const TextRegion::Text final = segment.finals.get(index);
+    image.row = segment.rows[index];
+    image.component = static_cast<std::uint32_t>(texts.size());
+    image.componentLength = static_cast<std::uint32_t>(name.size());
+    texts += name;
+    image.final = static_cast<std::uint32_t>(texts.size());
+    image.finalLength = static_cast<std::uint32_t>(final.bytes.size());
+    texts += final.bytes;
+    const std::string_view regex = segment.regexAt(index);
+    image.regex = static_cast<std::uint32_t>(texts.size());
+    image.regexLength = static_cast<std::uint32_t>(regex.size());
+    texts += regex;
+    image.hasFinal = segment.finals.has(index);
+    image.finalIsWide = final.isWide;
 }
 
 void RowImages::insertIntoTable(std::uint32_t index) {
@@ -70,6 +81,7 @@ void RowImages::insertIntoTable(std::uint32_t index) {
 void RowImages::clear() {
     images.clear();
     texts.clear();
+    last = 0;
 }
 
 } // namespace tavrin

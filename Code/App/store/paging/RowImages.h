@@ -12,6 +12,7 @@
 namespace tavrin {
 
 class SegmentTable;
+struct Segment;
 
 /// Copies of a stretch of a sorted list of rows, for walks through the store in an order that is not that of
 /// the ids: the rows are gathered in one sweep over the segments, so that neither blocks of neighbours nor
@@ -47,15 +48,17 @@ class RowImages {
         return std::string_view(texts).substr(image.regex, image.regexLength);
     }
 
-    /// Takes the rows at these ids, which must exist. The store's lock is held.
-    void gather(std::vector<RowId> ids, SegmentTable& segments);
+    /// Takes the rows at these ids, which must exist, as they come in the walk. The store's lock is held.
+    void gather(const std::vector<RowId>& ids, SegmentTable& segments);
     void clear();
     [[nodiscard]] bool isEmpty() const { return images.empty(); }
 
   private:
+    void take(Image& image, const Segment& segment, std::size_t index);
     void insertIntoTable(std::uint32_t index);
 
-    std::vector<Image> images;
+    std::vector<Image> images; ///< in the order of the walk
+    std::size_t last = 0;      ///< found last: the walk asks for it again, or for the next
     std::string texts;
     std::vector<std::uint32_t> table; ///< index + 1 by hash of the id, open addressing
 };
