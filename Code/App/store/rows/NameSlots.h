@@ -50,7 +50,11 @@ class NameSlots {
     void prefetch(std::uint32_t hash) const { __builtin_prefetch(&slots[hash & (slots.size() - 1)]); }
 
     /// The first number with this hash that passes the test; null for none. Valid until the next `add`.
-    template <typename Test> std::uint32_t* find(std::uint32_t hash, Test isWanted) {
+    template <typename Test> [[nodiscard]] std::uint32_t* find(std::uint32_t hash, Test isWanted) {
+        return const_cast<std::uint32_t*>(std::as_const(*this).find(hash, isWanted));
+    }
+    template <typename Test>
+    [[nodiscard]] const std::uint32_t* find(std::uint32_t hash, Test isWanted) const {
         if (slots.empty())
             return nullptr;
         for (std::size_t at = home(hash); slots[at].number != 0; at = next(at)) {

@@ -1,8 +1,8 @@
 #include "store/sources/SourceItemTable.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
-#include <utility>
 
 namespace tavrin {
 
@@ -26,9 +26,12 @@ void SourceItemTable::apply(const SourceItemChange& change) {
 }
 
 void SourceItemTable::insert(const SourceItem& item) {
-    const Entry entry{nextOrder++, item.treatAsFolder, item.readInRoot, item.readInSubfolders, item.look};
-    if (!items.insert_or_assign(item.path, entry).second)
+    if (SourceItem* const known = find(item.path)) {
+        *known = item;
         return;
+    }
+    items.push_back(item);
+    places.add(places.hashOf<char>(item.path), static_cast<std::uint32_t>(items.size()));
     for (auto folder = folderOf(item.path); folder; folder = folderOf(*folder)) {
         if (const auto known = holding.find(*folder); known != holding.end()) {
             ++known->second;
@@ -39,40 +42,47 @@ void SourceItemTable::insert(const SourceItem& item) {
 }
 
 void SourceItemTable::remove(std::string_view path) {
-    const auto found = items.find(path);
-    if (found == items.end())
+    SourceItem* const item = find(path);
+    if (item == nullptr)
         return;
     ++removed;
-    for (auto folder = folderOf(found->first); folder; folder = folderOf(*folder)) {
+    for (auto folder = folderOf(item->path); folder; folder = folderOf(*folder)) {
         const auto holder = holding.find(*folder);
         if (--holder->second > 0)
             break;
         holding.erase(holder);
     }
-    items.erase(found);
+    *item = {};
+    if (++gaps > items.size() / 2)
+        closeGaps();
+}
+
+void SourceItemTable::closeGaps() {
+    std::erase_if(items, [](const SourceItem& item) { return item.path.empty(); });
+    gaps = 0;
+    places.reset(items.size());
+    for (std::size_t at = 0; at < items.size(); ++at)
+        places.add(places.hashOf<char>(items[at].path), static_cast<std::uint32_t>(at + 1));
 }
 
 void SourceItemTable::setRead(std::string_view path, bool readInRoot, bool readInSubfolders) {
-    if (const auto found = items.find(path); found != items.end()) {
-        found->second.readInRoot = readInRoot;
-        found->second.readInSubfolders = readInSubfolders;
+    if (SourceItem* const item = find(path)) {
+        item->readInRoot = readInRoot;
+        item->readInSubfolders = readInSubfolders;
     }
 }
 
-SourceItem SourceItemTable::itemOf(const std::string& path, const Entry& entry) {
-    return {path, entry.treatAsFolder, entry.readInRoot, entry.readInSubfolders, entry.look};
+const SourceItem* SourceItemTable::find(std::string_view path) const {
+    const std::uint32_t* const place =
+        places.find(places.hashOf(path), [&](std::uint32_t at) { return items[at - 1].path == path; });
+    return place == nullptr ? nullptr : &items[*place - 1];
 }
 
 std::vector<SourceItem> SourceItemTable::inOrderAdded() const {
-    std::vector<std::pair<std::uint64_t, decltype(items)::const_pointer>> ordered;
-    ordered.reserve(items.size());
-    for (const auto& item : items)
-        ordered.emplace_back(item.second.order, &item);
-    std::ranges::sort(ordered);
     std::vector<SourceItem> result;
-    result.reserve(ordered.size());
-    for (const auto& [order, item] : ordered)
-        result.push_back(itemOf(item->first, item->second));
+    result.reserve(count());
+    std::ranges::copy_if(items, std::back_inserter(result),
+                         [](const SourceItem& item) { return !item.path.empty(); });
     return result;
 }
 
