@@ -8,14 +8,26 @@ namespace tavrin {
 
 namespace {
 
-/// Whether a component with this first byte can begin with one of the markers, in whatever case.
-constexpr bool mayBeginMarker(char first) { return first == 'i' || first == 'I' || (first & 0x80) != 0; }
+/// False where the bytes do not begin with this text of ASCII, in whatever case and form.
+bool mayBegin(std::string_view bytes, std::string_view with) {
+    constexpr char caseBit = 0x20; // of letters, which all but blanks of the markers are
+    for (std::size_t i = 0; i < with.size(); ++i) {
+        if (i == bytes.size())
+            return false;
+        if ((bytes[i] & 0x80) != 0)
+            return true;
+        if ((bytes[i] | caseBit) != (with[i] | caseBit))
+            return false;
+    }
+    return true;
+}
 
 } // namespace
 
 LibraryWarnings::LibraryWarnings(bool warnInsideITunesLibrary, bool warnInsideIPhotoLibrary)
-    : iTunes{TextSearch(u"/iTunes", CaseSensitivity::insensitive), warnInsideITunesLibrary},
-      iPhoto{TextSearch(u"/iPhoto Library", CaseSensitivity::insensitive), warnInsideIPhotoLibrary} {}
+    : iTunes{"iTunes", TextSearch(u"/iTunes", CaseSensitivity::insensitive), warnInsideITunesLibrary},
+      iPhoto{"iPhoto Library", TextSearch(u"/iPhoto Library", CaseSensitivity::insensitive),
+             warnInsideIPhotoLibrary} {}
 
 bool LibraryWarnings::check(const std::string& newFolder, std::string_view component,
                             UserQuestions& questions) {
@@ -56,14 +68,13 @@ bool LibraryWarnings::isInside(const Library& library, std::string_view componen
     if (!library.shouldWarn || library.folderIsInside)
         return library.shouldWarn;
     // The markers begin with the only slash in them, so beyond the folder they can only begin the component.
-    return !component.empty() && mayBeginMarker(component.front()) &&
-           holdsMarker(library, joinedPath(folder, component));
+    return mayBegin(component, library.name) && holdsMarker(library, joinedPath("/", component));
 }
 
 bool LibraryWarnings::holdsMarker(const Library& library, const std::string& path) {
     bool mayHold = false;
     for (std::size_t i = 1; i < path.size(); ++i)
-        mayHold |= path[i - 1] == '/' && mayBeginMarker(path[i]);
+        mayHold |= path[i - 1] == '/' && mayBegin(std::string_view(path).substr(i), library.name);
     return mayHold && library.marker.first(text::fromBytes(path)).has_value();
 }
 

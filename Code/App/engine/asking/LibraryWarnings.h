@@ -21,9 +21,10 @@ class LibraryWarnings {
     [[nodiscard]] bool wouldAsk(const std::string& folder, std::string_view component);
 
   private:
-    /// One library: the text that its paths hold.
+    /// One library, and the text that its paths hold.
     struct Library {
-        TextSearch marker;
+        std::string_view name;
+        TextSearch marker; ///< the name behind a slash
         bool shouldWarn;
         bool folderIsInside = false;
     };
