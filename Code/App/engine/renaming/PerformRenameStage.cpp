@@ -235,13 +235,18 @@ void PerformRenameStage::performItem(RowId id) {
     if (row.mustBeSwapped && partner != noRow)
         RenameRing(*run, {id, partner}).resolve();
     else if (row.canBeRenamedIndependently)
-        walkChain(id);
+        walkChainInHand();
     else
         performWaitingItem(id);
 }
 
 void PerformRenameStage::walkChain(RowId head) {
     run->item.moveTo(head);
+    walkChainInHand();
+}
+
+void PerformRenameStage::walkChainInHand() {
+    const RowId head = run->item.id();
     // The head decides for all.
     const bool treatAsRoot = run->item.isRoot() && run->sourceItems.areWanted();
     for (RowId id = head; id != noRow;) {

@@ -49,6 +49,8 @@ class PerformRenameStage final : public ProcessingStage {
     /// Renames an item whose name to be is free, then the sibling that waits for the name it has left, and so
     /// on. A member that fails or is left out does not end the walk.
     void walkChain(RowId head);
+    /// Whose head is the item in hand.
+    void walkChainInHand();
     /// The item in hand; false when the run is to stop.
     bool performInChain(bool isHead, bool treatAsRoot);
     UserQuestions::Decision ask(bool isHead);

@@ -11,6 +11,7 @@ void RenameItem::moveTo(RowId id) {
     const NodeRow row = context.row(id);
     const RowId newParent = row.parent;
     current = id;
+    knowsWanted = false;
     root = row.root;
     diff = row.diff;
     isInTurn = row.mustBeSwapped || !row.canBeRenamedIndependently;
@@ -29,6 +30,9 @@ std::string RenameItem::fullPath() const { return joinedPath(folderPath, current
 const std::string& RenameItem::newComponent() {
     if (!diff)
         return currentComponent;
+    if (knowsWanted)
+        return wantedComponent;
+    knowsWanted = true;
     context.finalName(current, finalName);
     if (!nameOnDisk::from(finalName, currentComponent, wantedComponent, hasExactName))
         wantedComponent.clear();

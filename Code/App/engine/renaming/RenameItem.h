@@ -49,6 +49,7 @@ class RenameItem {
     bool hasExactName = false;
     std::string folderPath;
     std::string currentComponent;
+    bool knowsWanted = false; ///< since the item was come to; a run changes no final name
     std::string wantedComponent;
     std::u16string finalName;
 };
