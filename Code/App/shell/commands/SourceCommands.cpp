@@ -18,6 +18,8 @@ namespace tavrin {
 
 namespace {
 
+constexpr std::size_t pathsPerLook = 4096;
+
 /// Paths of one folder, as places in the list given.
 struct Group {
     std::string folder;
@@ -26,8 +28,7 @@ struct Group {
 
 /// Paths that are added one by one, folder by folder, in the order in which the folders come up.
 struct Adding {
-    explicit Adding(std::vector<std::string> given, bool areLinksItems = false)
-        : paths(std::move(given)), linksAreItems(areLinksItems) {}
+    explicit Adding(std::vector<std::string> given) : paths(std::move(given)) {}
 
     /// False when none is left. First of all they are grouped, many at once.
     bool addNext(SourceItemManager& items) {
@@ -44,11 +45,27 @@ struct Adding {
         const Group& current = groups[group];
         if (place == 0)
             isValid = items.checkPathValidity(current.folder);
-        if (!isValid || !items.addSourceItem(paths[current.places[place]], linksAreItems))
+        const std::string& path = paths[current.places[place]];
+        if (looksAhead && nextLook == looks.size())
+            lookAhead();
+        const auto look = looksAhead ? looks[nextLook++] : SourceItemManager::lookAt(path, linksAreItems);
+        if (!isValid || !items.addSourceItem(path, look))
             refused.push_back(current.places[place]);
         ++place;
         ++count;
         return true;
+    }
+
+    void lookAhead() {
+        std::vector<const std::string*> next;
+        std::size_t from = place;
+        for (std::size_t at = group; at < groups.size() && next.size() < pathsPerLook; ++at, from = 0) {
+            const std::vector<std::size_t>& places = groups[at].places;
+            for (; from < places.size() && next.size() < pathsPerLook; ++from)
+                next.push_back(&paths[places[from]]);
+        }
+        looks = SourceItemManager::lookAt(next, linksAreItems);
+        nextLook = 0;
     }
 
     void groupSome() {
@@ -66,7 +83,10 @@ struct Adding {
     }
 
     std::vector<std::string> paths;
-    bool linksAreItems;
+    bool linksAreItems = false;
+    bool looksAhead = false; ///< for who waits for all of them
+    std::vector<SourceItemManager::Look> looks;
+    std::size_t nextLook = 0;
     std::vector<Group> groups;
     std::unordered_map<std::string_view, std::size_t> groupOf; // folders of `paths`
     std::size_t grouped = 0;
@@ -90,7 +110,9 @@ const Alert someFilesNotAdded{
 } // namespace
 
 std::vector<std::string> SourceCommands::addPaths(std::vector<std::string> paths) {
-    Adding adding(std::move(paths), !services.engine.selection().followsLinks);
+    Adding adding(std::move(paths));
+    adding.linksAreItems = !services.engine.selection().followsLinks;
+    adding.looksAhead = true;
     while (adding.addNext(services.sourceItems))
         continue;
     std::vector<std::size_t>& refused = adding.refused;
@@ -104,10 +126,16 @@ std::vector<std::string> SourceCommands::addPaths(std::vector<std::string> paths
 
 std::optional<std::string> SourceCommands::addNestedPaths(const std::vector<std::string>& paths) {
     const bool linksAreItems = !services.engine.selection().followsLinks;
-    const auto missing = std::ranges::find_if_not(paths, [&](const std::string& path) {
-        return services.sourceItems.addNestedItem(path, linksAreItems);
-    });
-    return missing == paths.end() ? std::nullopt : std::optional(*missing);
+    for (std::size_t next = 0; next < paths.size(); next += pathsPerLook) {
+        std::vector<const std::string*> some;
+        for (std::size_t at = next; at < std::min(paths.size(), next + pathsPerLook); ++at)
+            some.push_back(&paths[at]);
+        const auto looks = SourceItemManager::lookAt(some, linksAreItems);
+        for (std::size_t at = 0; at < some.size(); ++at)
+            if (!services.sourceItems.addNestedItem(*some[at], looks[at]))
+                return *some[at];
+    }
+    return std::nullopt;
 }
 
 bool SourceCommands::addFilePaths(const std::vector<std::string>& paths, bool interactive) {

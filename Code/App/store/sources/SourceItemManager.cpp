@@ -2,11 +2,13 @@
 
 #include "platform/files/FileSystem.h"
 #include "platform/metadata/FileManager.h"
+#include "platform/processes/Parallel.h"
 #include "store/contexts/StoreContext.h"
 #include "support/application/DebugLog.h"
 #include "support/text/PathParts.h"
 
 #include <algorithm>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <utility>
@@ -17,6 +19,13 @@ namespace tavrin {
 namespace {
 
 SourceItemManager* registeredInstance = nullptr;
+
+bool liesOnRemoteDisk(const std::string& path) {
+    std::unique_ptr<OpenFolder> folder;
+    VolumeFacts volume;
+    return FileSystem::sharedInstance().openFolder(std::string(PathParts(path).folder), folder) == 0 &&
+           folder->volume(volume) == 0 && volume.isRemote;
+}
 
 } // namespace
 
@@ -36,41 +45,63 @@ SourceItemManager& SourceItemManager::sharedInstance() {
     return *registeredInstance;
 }
 
-bool SourceItemManager::addSourceItem(const std::string& path, bool linksAreItems) {
-    debugLog("addSourceItem: {}", path);
-    FileStatus status;
+SourceItemManager::Look SourceItemManager::lookAt(const std::string& path, bool linksAreItems) {
+    Look look;
     FileSystem& files = FileSystem::sharedInstance();
-    if (files.status(path, status) != 0)
-        return false;
-    FileStatus target = status;
-    if (status.kind == FileStatus::Kind::link && !linksAreItems && files.followedStatus(path, target) != 0)
-        return false;
-    const bool isDirectory = target.kind == FileStatus::Kind::folder;
+    look.exists = files.status(path, look.status) == 0;
+    look.kind = look.status.kind;
+    if (!look.exists || look.kind != FileStatus::Kind::link || linksAreItems)
+        return look;
+    FileStatus target;
+    look.leadsNowhere = files.followedStatus(path, target) != 0;
+    if (!look.leadsNowhere)
+        look.kind = target.kind;
+    return look;
+}
 
+std::vector<SourceItemManager::Look> SourceItemManager::lookAt(std::span<const std::string* const> paths,
+                                                               bool linksAreItems) {
+    constexpr std::size_t worthThreads = 64;
+    constexpr std::size_t atOnce =
+        64; // of a local disk, where a look takes no longer than a change of threads
+    std::vector<Look> looks(paths.size());
+    const bool isRemote = paths.size() > 1 && liesOnRemoteDisk(*paths.front());
+    const std::size_t share = isRemote ? 1 : atOnce;
+    const std::size_t threads = isRemote ? 16 : paths.size() < worthThreads ? 1 : 2;
+    inParallel((paths.size() + share - 1) / share, threads, [&](std::size_t number) {
+        const std::size_t end = std::min(paths.size(), (number + 1) * share);
+        for (std::size_t at = number * share; at < end; ++at)
+            looks[at] = lookAt(*paths[at], linksAreItems);
+    });
+    return looks;
+}
+
+bool SourceItemManager::addSourceItem(const std::string& path, bool linksAreItems) {
+    return addSourceItem(path, lookAt(path, linksAreItems));
+}
+
+bool SourceItemManager::addSourceItem(const std::string& path, const Look& look) {
+    debugLog("addSourceItem: {}", path);
+    if (!look.exists || look.leadsNowhere)
+        return false;
+    const bool isDirectory = look.kind == FileStatus::Kind::folder;
     StoreContext& context = mainContext();
     std::scoped_lock lock(context.mutex());
     if (context.hasSourceItem(path))
         return false;
     if (isDirectory && context.hasSourceItemBelow(path == "/" ? "" : path))
         return false;
-    insert(context, path, isDirectory, status);
+    insert(context, path, isDirectory, look.status);
     return true;
 }
 
-bool SourceItemManager::addNestedItem(const std::string& path, bool linksAreItems) {
-    FileStatus status;
-    FileSystem& files = FileSystem::sharedInstance();
-    if (files.status(path, status) != 0)
+bool SourceItemManager::addNestedItem(const std::string& path, const Look& look) {
+    if (!look.exists)
         return false;
-    FileStatus::Kind kind = status.kind;
-    FileStatus target;
-    if (kind == FileStatus::Kind::link && !linksAreItems && files.followedStatus(path, target) == 0)
-        kind = target.kind;
-
     StoreContext& context = mainContext();
     std::scoped_lock lock(context.mutex());
     if (!context.hasSourceItem(path))
-        insert(context, path, kind == FileStatus::Kind::folder, status);
+        insert(context, path, look.kind == FileStatus::Kind::folder, look.status);
     return true;
 }
 

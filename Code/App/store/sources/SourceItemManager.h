@@ -3,7 +3,9 @@
 #include "store/sources/SourceLooks.h"
 
 #include <functional>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -20,12 +22,26 @@ class SourceItemManager {
     /// The instance that the application made (registered by the constructor, withdrawn by the destructor).
     static SourceItemManager& sharedInstance();
 
+    /// What is seen of an item before it is added.
+    struct Look {
+        bool exists = false;
+        bool leadsNowhere = false;                       ///< a link that is followed
+        FileStatus status;                               ///< its own
+        FileStatus::Kind kind = FileStatus::Kind::other; ///< that of what a followed link leads to
+    };
+    /// A link is followed, unless links are items. Any thread.
+    [[nodiscard]] static Look lookAt(const std::string& path, bool linksAreItems);
+    /// At many side by side, above all on a remote disk; waits for all.
+    [[nodiscard]] static std::vector<Look> lookAt(std::span<const std::string* const> paths,
+                                                  bool linksAreItems);
+
     /// False when nothing exists at the path, when it is on the list already, or when it is a folder that
     /// holds something on the list. A link is followed, unless links are items.
     bool addSourceItem(const std::string& path, bool linksAreItems = false);
+    bool addSourceItem(const std::string& path, const Look& look);
     /// Adds what may lie inside another item, or hold others. False when nothing exists at the path; a link
     /// does, wherever it leads. What is on the list already stays there once.
-    bool addNestedItem(const std::string& path, bool linksAreItems);
+    bool addNestedItem(const std::string& path, const Look& look);
     void removeItem(const std::string& path);
     /// Deletes the row of a path on the list with all below it, and its folder's where it lies there alone.
     static void deleteRowsOf(const std::string& path, StoreContext& context);
