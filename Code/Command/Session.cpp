@@ -140,7 +140,8 @@ void Session::addListedPaths(const SelectionOptions& options) {
     PathList list(*options.filesFrom, options.null, interrupts.descriptor());
     for (std::vector<std::string> paths; !(paths = list.next()).empty() && !wasInterrupted();) {
         const std::vector<std::string> resolved = absolutePaths(paths);
-        if (const auto missing = controller->sourceCommands().addNestedPaths(resolved))
+        if (const auto missing =
+                controller->sourceCommands().addNestedPaths(resolved, [this] { return wasInterrupted(); }))
             throw UsageError(fmt::format("{}: {}", *missing, reasonOfRefusal(*missing, {})));
     }
 }
@@ -152,7 +153,8 @@ bool Session::hasNoItems() {
 }
 
 void Session::addPaths(const std::vector<std::string>& given) {
-    const std::vector<std::string> refused = controller->sourceCommands().addPaths(absolutePaths(given));
+    const std::vector<std::string> refused =
+        controller->sourceCommands().addPaths(absolutePaths(given), [this] { return wasInterrupted(); });
     if (refused.empty())
         return;
     const std::string& first = refused.front();

@@ -64,7 +64,7 @@ struct Adding {
             for (; from < places.size() && next.size() < pathsPerLook; ++from)
                 next.push_back(&paths[places[from]]);
         }
-        looks = SourceItemManager::lookAt(next, linksAreItems);
+        looks = SourceItemManager::lookAt(next, linksAreItems, isToStop);
         nextLook = 0;
     }
 
@@ -85,6 +85,7 @@ struct Adding {
     std::vector<std::string> paths;
     bool linksAreItems = false;
     bool looksAhead = false; ///< for who waits for all of them
+    std::function<bool()> isToStop;
     std::vector<SourceItemManager::Look> looks;
     std::size_t nextLook = 0;
     std::vector<Group> groups;
@@ -109,12 +110,15 @@ const Alert someFilesNotAdded{
 
 } // namespace
 
-std::vector<std::string> SourceCommands::addPaths(std::vector<std::string> paths) {
+std::vector<std::string> SourceCommands::addPaths(std::vector<std::string> paths, const IsToStop& isToStop) {
     Adding adding(std::move(paths));
     adding.linksAreItems = !services.engine.selection().followsLinks;
     adding.looksAhead = true;
-    while (adding.addNext(services.sourceItems))
+    adding.isToStop = isToStop;
+    while (!isToStop() && adding.addNext(services.sourceItems))
         continue;
+    if (isToStop())
+        return {};
     std::vector<std::size_t>& refused = adding.refused;
     std::sort(refused.begin(), refused.end());
     std::vector<std::string> result;
@@ -124,13 +128,16 @@ std::vector<std::string> SourceCommands::addPaths(std::vector<std::string> paths
     return result;
 }
 
-std::optional<std::string> SourceCommands::addNestedPaths(const std::vector<std::string>& paths) {
+std::optional<std::string> SourceCommands::addNestedPaths(const std::vector<std::string>& paths,
+                                                          const IsToStop& isToStop) {
     const bool linksAreItems = !services.engine.selection().followsLinks;
     for (std::size_t next = 0; next < paths.size(); next += pathsPerLook) {
         std::vector<const std::string*> some;
         for (std::size_t at = next; at < std::min(paths.size(), next + pathsPerLook); ++at)
             some.push_back(&paths[at]);
-        const auto looks = SourceItemManager::lookAt(some, linksAreItems);
+        const auto looks = SourceItemManager::lookAt(some, linksAreItems, isToStop);
+        if (isToStop())
+            break;
         for (std::size_t at = 0; at < some.size(); ++at)
             if (!services.sourceItems.addNestedItem(*some[at], looks[at]))
                 return *some[at];

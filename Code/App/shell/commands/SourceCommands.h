@@ -4,6 +4,7 @@
 #include "shell/preview/SlicedWork.h"
 #include "store/rows/NodeRow.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -20,10 +21,14 @@ class SourceCommands {
     SourceCommands(ShellServices& shared, StoreOwner& storeOwner, PreviewControl& previewControl)
         : services(shared), store(storeOwner), preview(previewControl), work(shared.runLoop) {}
 
-    /// Adds what can be added; those that were refused, in the order given. Asks for no preview.
-    std::vector<std::string> addPaths(std::vector<std::string> paths);
+    /// Whether adding is to end; asked on any thread.
+    using IsToStop = std::function<bool()>;
+    /// Adds what can be added; those that were refused, in the order given, or none where it was stopped.
+    /// Asks for no preview.
+    std::vector<std::string> addPaths(std::vector<std::string> paths, const IsToStop& isToStop = never);
     /// Adds paths that may lie inside each other, once each; the first at which nothing lies ends it.
-    std::optional<std::string> addNestedPaths(const std::vector<std::string>& paths);
+    std::optional<std::string> addNestedPaths(const std::vector<std::string>& paths,
+                                              const IsToStop& isToStop = never);
     /// The way in for all additions of the user; always true. One alert speaks for all refusals. Of many
     /// paths the last may be added later, between other events.
     bool addFilePaths(const std::vector<std::string>& paths, bool interactive);
@@ -40,6 +45,7 @@ class SourceCommands {
     void finishWork() { work.finish(); }
 
   private:
+    static bool never() { return false; }
     bool removeRow(RowId id);
 
     ShellServices& services;

@@ -60,7 +60,8 @@ SourceItemManager::Look SourceItemManager::lookAt(const std::string& path, bool 
 }
 
 std::vector<SourceItemManager::Look> SourceItemManager::lookAt(std::span<const std::string* const> paths,
-                                                               bool linksAreItems) {
+                                                               bool linksAreItems,
+                                                               const std::function<bool()>& isToStop) {
     constexpr std::size_t worthThreads = 64;
     constexpr std::size_t atOnce =
         64; // of a local disk, where a look takes no longer than a change of threads
@@ -70,7 +71,7 @@ std::vector<SourceItemManager::Look> SourceItemManager::lookAt(std::span<const s
     const std::size_t threads = isRemote ? 16 : paths.size() < worthThreads ? 1 : 2;
     inParallel((paths.size() + share - 1) / share, threads, [&](std::size_t number) {
         const std::size_t end = std::min(paths.size(), (number + 1) * share);
-        for (std::size_t at = number * share; at < end; ++at)
+        for (std::size_t at = number * share; at < end && !isToStop(); ++at)
             looks[at] = lookAt(*paths[at], linksAreItems);
     });
     return looks;

@@ -31,9 +31,10 @@ class SourceItemManager {
     };
     /// A link is followed, unless links are items. Any thread.
     [[nodiscard]] static Look lookAt(const std::string& path, bool linksAreItems);
-    /// At many side by side, above all on a remote disk; waits for all.
+    /// At many side by side, above all on a remote disk; waits for all that have begun when `isToStop`, which
+    /// is asked on any thread, says so.
     [[nodiscard]] static std::vector<Look> lookAt(std::span<const std::string* const> paths,
-                                                  bool linksAreItems);
+                                                  bool linksAreItems, const std::function<bool()>& isToStop);
 
     /// False when nothing exists at the path, when it is on the list already, or when it is a folder that
     /// holds something on the list. A link is followed, unless links are items.
