@@ -442,14 +442,18 @@ TEST(RenamesAhead, ChangeNothingButTheTime) {
     }
 }
 
+std::string planInThreeFolders(int items) {
+    std::string plan;
+    for (int i = 0; i < items; ++i)
+        plan += fmt::format("f{}/{}>x{} ", i % 3, i, i);
+    return plan;
+}
+
 TEST(RenamesAhead, AreMadeSideBySideAndAllCountWhenTheRunIsStopped) {
     FailingFileSystem disk;
     disk.isRemote = true;
     RenameBench bench;
-    std::string plan;
-    for (int i = 0; i < 300; ++i)
-        plan += fmt::format("f{}/{}>x{} ", i % 3, i, i);
-    bench.plan(plan);
+    bench.plan(planInThreeFolders(300));
     std::atomic<int> renames{0};
     std::atomic<int> underWay{0};
     std::atomic<int> mostUnderWay{0};
@@ -488,6 +492,48 @@ TEST(RenamesAhead, AreMadeInTheirTurnWhereDescriptorsAreWanting) {
         EXPECT_LE(bench.reports.size(), failing == 1 ? 2U : 0U) << "of the only folder that was open";
         bench.checkOutcomes();
     }
+}
+
+/// As where memory is wanting.
+TEST(RenamesAhead, CountWhatIsDoneAndLeaveTheRestToTheRunWhereOneThrows) {
+    for (const FileCall call : {FileCall::status, FileCall::rename}) {
+        FailingFileSystem disk;
+        disk.isRemote = true;
+        RenameBench bench;
+        bench.plan(planInThreeFolders(60));
+        std::atomic<int> thrown{0};
+        disk.before = [&](const FileEvent& event) {
+            if (event.call == call && event.name == "30" && thrown++ == 0)
+                throw std::bad_alloc();
+            return 0;
+        };
+        bench.rename();
+        EXPECT_GT(thrown, 1) << "the run has tried it again";
+        EXPECT_EQ(bench.renamed(), 60);
+        EXPECT_TRUE(bench.reports.empty());
+        bench.checkOutcomes();
+    }
+}
+
+/// A folder goes between the listing of the one above it and its own.
+TEST(RenamesAhead, TellOfFoldersThatVanishUnderThem) {
+    FailingFileSystem disk;
+    disk.isRemote = true;
+    RenameBench bench;
+    bench.plan(planInThreeFolders(60));
+    std::atomic<int> renames{0};
+    disk.before = [&](const FileEvent& event) {
+        if (event.call == FileCall::rename && ++renames == 5)
+            bench.happens("move f1 gone");
+        return 0;
+    };
+    bench.rename();
+    bench.checkOutcomes();
+    const auto files = bench.files();
+    EXPECT_EQ(bench.renamed(), std::ranges::count_if(files, [](const auto& file) {
+                  return file.first.find("/x") != std::string::npos;
+              }));
+    EXPECT_EQ(bench.renamed() + static_cast<int>(bench.reports.size()), 60);
 }
 
 /// Rows without a disk, and the plan that is made for them.

@@ -34,8 +34,14 @@ void RenameThreads::detach(std::function<void()> work) {
     joinFinished();
     ++busy;
     Worker& worker = workers.emplace_back();
-    worker.thread =
-        std::thread([this, &worker, work = std::move(work)]() mutable { run(worker, std::move(work)); });
+    try {
+        worker.thread =
+            std::thread([this, &worker, work = std::move(work)]() mutable { run(worker, std::move(work)); });
+    } catch (...) {
+        workers.pop_back();
+        --busy;
+        throw;
+    }
 }
 
 void RenameThreads::run(Worker& worker, std::function<void()> work) {

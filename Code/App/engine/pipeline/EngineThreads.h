@@ -60,7 +60,8 @@ class RenameThreads {
     RenameThreads(const RenameThreads&) = delete;
     RenameThreads& operator=(const RenameThreads&) = delete;
 
-    /// Runs the work on a thread of its own. An exception out of it is logged.
+    /// Runs the work on a thread of its own. An exception out of it is logged. Throws where the system gives
+    /// no thread.
     void detach(std::function<void()> work);
     [[nodiscard]] bool areBusy() const { return busy > 0; }
     void joinAll();

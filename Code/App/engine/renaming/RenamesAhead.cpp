@@ -4,8 +4,10 @@
 #include "engine/renaming/NameOnDisk.h"
 #include "platform/processes/Parallel.h"
 #include "store/contexts/StoreContext.h"
+#include "support/application/DebugLog.h"
 
 #include <algorithm>
+#include <exception>
 #include <vector>
 
 namespace tavrin {
@@ -42,10 +44,15 @@ std::size_t RenamesAhead::run(std::span<const RowId> next) {
             jobs.push_back({item.id(), item.parentRow(), place.folder.get(), item.component(),
                             item.newComponent(), item.seen()});
     }
-    inParallel(jobs.size(), callsAtATime, [&](std::size_t number) {
-        if (!isToStop()) // a call may take seconds
-            perform(jobs[number]);
-    });
+    try {
+        inParallel(jobs.size(), callsAtATime, [&](std::size_t number) {
+            if (!isToStop()) // a call may take seconds
+                perform(jobs[number]);
+        });
+    } catch (const std::exception& failure) {
+        // What has been renamed counts all the same; the others are come to in their turn.
+        debugLog("renames ahead were broken off: {}", failure.what());
+    }
     for (Job& job : jobs) {
         if (!job.isTried)
             continue;
@@ -83,9 +90,9 @@ void RenamesAhead::perform(Job& job) {
     if (job.folder->status(job.from, job.answer.look) != 0 ||
         job.answer.look.identity.inode != job.seen.identity.inode || job.answer.look.kind != job.seen.kind)
         return;
-    job.isTried = true;
     job.answer.to = job.to;
     job.answer.error = job.folder->renameNoReplace(job.from, job.to);
+    job.isTried = true; // an exception is no answer
 }
 
 } // namespace tavrin
