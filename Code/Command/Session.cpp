@@ -153,8 +153,9 @@ bool Session::hasNoItems() {
 }
 
 void Session::addPaths(const std::vector<std::string>& given) {
+    const auto isToStop = [this] { return wasInterrupted(); };
     const std::vector<std::string> refused =
-        controller->sourceCommands().addPaths(absolutePaths(given), [this] { return wasInterrupted(); });
+        controller->sourceCommands().addPaths(absolutePaths(given, isToStop), isToStop);
     if (refused.empty())
         return;
     const std::string& first = refused.front();

@@ -78,12 +78,16 @@ class PathResolver {
 
 } // namespace
 
-std::vector<std::string> absolutePaths(const std::vector<std::string>& given) {
+std::vector<std::string> absolutePaths(const std::vector<std::string>& given,
+                                       const std::function<bool()>& isToStop) {
     PathResolver resolver;
     std::vector<std::string> paths;
     paths.reserve(given.size());
-    for (const std::string& path : given)
+    for (const std::string& path : given) {
+        if (isToStop && isToStop())
+            break;
         paths.push_back(resolver.absolute(path));
+    }
     return paths;
 }
 
