@@ -2,6 +2,8 @@
 
 #include "common/Testing.h"
 
+#include <ctime>
+
 namespace tavrin::test {
 namespace {
 
